@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace velbrix {
+
+// A size as file managers show it: decimal units, whole KB, one decimal for MB
+// and two from GB on, no trailing zeros; "零 KB" for nothing.
+QString formatByteCount(qint64 bytes);
+
+} // namespace velbrix

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "foundation/SettingsBackend.h"
+
+#include <QString>
+
+namespace velbrix {
+
+// Settings as one JSON file, private to the user. A kill or a power cut during
+// a write leaves the file as it was before that write.
+class JsonSettingsFile final : public SettingsBackend {
+public:
+    explicit JsonSettingsFile(QString path);
+
+    // Also removes what killed writes have left beside the file. A file that
+    // is not a JSON object is kept under a name ending in ".damaged".
+    QJsonObject load() override;
+    Result<void> save(const QJsonObject &all, const QStringList &changed) override;
+
+private:
+    const QString _path;
+};
+
+} // namespace velbrix

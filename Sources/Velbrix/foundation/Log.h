@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+namespace velbrix::log {
+
+// One line "[tag] text" on standard output, flushed at once. Any thread.
+void line(const QString &tag, const QString &text);
+
+} // namespace velbrix::log

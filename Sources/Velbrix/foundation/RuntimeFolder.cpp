@@ -1,0 +1,43 @@
+#include "foundation/RuntimeFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+bool isPrivate(const QString &folder)
+{
+    struct stat status{};
+    return ::lstat(QFile::encodeName(folder).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & 077) == 0;
+}
+
+QString base()
+{
+    const QString session = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (QDir::isAbsolutePath(session) && isPrivate(session))
+        return session;
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+}
+
+} // namespace
+
+Result<QString> runtimeFolder()
+{
+    const QString folder = base() + u"/velbrix"_s;
+    if (!QDir().mkpath(folder))
+        return failure(u"无法创建文件夹 "_s + folder);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (!isPrivate(folder))
+        return failure(u"文件夹不属于当前用户："_s + folder);
+    return folder;
+}
+
+} // namespace velbrix

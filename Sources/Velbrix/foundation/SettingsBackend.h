@@ -1,0 +1,23 @@
+#pragma once
+
+#include "foundation/Result.h"
+
+#include <QJsonObject>
+#include <QStringList>
+
+namespace velbrix {
+
+// Where settings rest between two runs of the program.
+class SettingsBackend {
+public:
+    virtual ~SettingsBackend() = default;
+
+    // Everything that is stored. A store that cannot be read is set aside,
+    // not overwritten, and counts as empty; the failure says what happened.
+    virtual QJsonObject load() = 0;
+    // Stores `all`, of which `changed` differ from what is stored (a key that
+    // `all` lacks was removed). Either everything is stored or nothing.
+    virtual Result<void> save(const QJsonObject &all, const QStringList &changed) = 0;
+};
+
+} // namespace velbrix

@@ -1,0 +1,99 @@
+#include "foundation/SettingsStore.h"
+
+#include "foundation/Log.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto writeDelay = 200ms;
+
+} // namespace
+
+SettingsStore::SettingsStore(std::unique_ptr<SettingsBackend> backend, Clock &clock)
+    : _backend(std::move(backend)), _clock(clock), _values(_backend->load())
+{
+}
+
+SettingsStore::~SettingsStore()
+{
+    (void)flush();
+}
+
+std::optional<bool> SettingsStore::boolean(const QString &key) const
+{
+    const QJsonValue value = _values.value(key);
+    return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
+}
+
+std::optional<int> SettingsStore::integer(const QString &key) const
+{
+    const auto value = real(key);
+    if (!value || *value != std::floor(*value) || std::abs(*value) > std::numeric_limits<int>::max())
+        return std::nullopt;
+    return static_cast<int>(*value);
+}
+
+std::optional<double> SettingsStore::real(const QString &key) const
+{
+    const QJsonValue value = _values.value(key);
+    return value.isDouble() ? std::optional(value.toDouble()) : std::nullopt;
+}
+
+std::optional<QString> SettingsStore::string(const QString &key) const
+{
+    const QJsonValue value = _values.value(key);
+    return value.isString() ? std::optional(value.toString()) : std::nullopt;
+}
+
+std::optional<QJsonValue> SettingsStore::json(const QString &key) const
+{
+    const QJsonValue value = _values.value(key);
+    return value.isObject() || value.isArray() ? std::optional(value) : std::nullopt;
+}
+
+void SettingsStore::set(const QString &key, const QJsonValue &value)
+{
+    if (_values.value(key) == value && _values.contains(key))
+        return;
+    _values.insert(key, value);
+    schedule(key);
+}
+
+void SettingsStore::remove(const QString &key)
+{
+    if (!_values.contains(key))
+        return;
+    _values.remove(key);
+    schedule(key);
+}
+
+Result<void> SettingsStore::flush()
+{
+    _write.reset();
+    if (_pending.isEmpty())
+        return {};
+    const Result<void> saved = _backend->save(_values, _pending.values());
+    if (saved)
+        _pending.clear();
+    else
+        log::line(u"Velbrix"_s, u"settings not saved: "_s + saved.error().message);
+    return saved;
+}
+
+void SettingsStore::schedule(const QString &key)
+{
+    _pending.insert(key);
+    // The first change of a burst sets the time, so that a value which never
+    // rests is written too.
+    if (!_write)
+        _write = _clock.after(writeDelay, [this] { (void)flush(); });
+}
+
+} // namespace velbrix

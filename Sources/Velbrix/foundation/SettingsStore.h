@@ -1,0 +1,51 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/SettingsBackend.h"
+
+#include <QByteArray>
+#include <QJsonValue>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace velbrix {
+
+// The user's settings: one value per key, kept in memory and written a moment
+// after the last change of a burst. A stored value of another type than the
+// one asked for counts as absent. Main thread only.
+class SettingsStore {
+public:
+    SettingsStore(std::unique_ptr<SettingsBackend> backend, Clock &clock);
+    // Writes what is still pending.
+    ~SettingsStore();
+
+    bool contains(const QString &key) const { return _values.contains(key); }
+    std::optional<bool> boolean(const QString &key) const;
+    std::optional<int> integer(const QString &key) const;
+    std::optional<double> real(const QString &key) const;
+    std::optional<QString> string(const QString &key) const;
+    // A structured value as JSON text, for Codable-like records.
+    std::optional<QJsonValue> json(const QString &key) const;
+
+    // A list or object is a structured value.
+    void set(const QString &key, const QJsonValue &value);
+    void remove(const QString &key);
+
+    // Writes pending changes now. A failed write keeps them pending, so that
+    // the next change or flush tries again.
+    Result<void> flush();
+
+private:
+    void schedule(const QString &key);
+
+    std::unique_ptr<SettingsBackend> _backend;
+    Clock &_clock;
+    QJsonObject _values;
+    QSet<QString> _pending;
+    std::unique_ptr<Alarm> _write;
+};
+
+} // namespace velbrix

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "foundation/Result.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace velbrix {
+
+// The program's place on the user's desktop and the desktop's small favours.
+// Main thread.
+class DesktopServices {
+public:
+    virtual ~DesktopServices() = default;
+
+    // A program of the tray only (no Dock tile, no task-switcher entry of its
+    // own beyond its windows), and back to an ordinary one.
+    virtual void setAccessoryPresence() = 0;
+    virtual void resetPresence() = 0;
+    // Brings this program before the others.
+    virtual void activate() = 0;
+
+    virtual void beep() = 0;
+    // Shows the file selected in the file manager, or else its folder.
+    virtual Result<void> revealInFolder(const QString &path) = 0;
+
+    // Whether something shows tray icons at this moment, and a call whenever
+    // that changes.
+    virtual bool hasTrayHost() const = 0;
+    virtual void observeTrayHost(std::function<void()> changed) = 0;
+
+    virtual bool prefersReducedMotion() const = 0;
+    virtual bool prefersDarkTheme() const = 0;
+    virtual void observeTheme(std::function<void()> changed) = 0;
+};
+
+} // namespace velbrix

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/SettingsBackend.h"
+#include "platform/AudioDevices.h"
+#include "platform/DesktopServices.h"
+#include "platform/HotkeyRegistrar.h"
+#include "platform/KeyMonitor.h"
+#include "platform/LoginItem.h"
+#include "platform/MovieFiles.h"
+#include "platform/Permissions.h"
+#include "platform/ScreenCapture.h"
+#include "platform/SingleInstance.h"
+#include "platform/Symbols.h"
+#include "platform/UserNotifications.h"
+
+#include <memory>
+
+namespace velbrix {
+
+// Everything the host can do. Each host defines makePlatform(); the program
+// links one of them, tests fill the struct with fakes.
+struct Platform {
+    std::unique_ptr<SettingsBackend> settings; // moved from by the settings store
+    std::unique_ptr<HotkeyRegistrar> hotkeys;
+    std::unique_ptr<KeyMonitor> keys;
+    std::unique_ptr<SingleInstance> singleInstance;
+    std::unique_ptr<Permissions> permissions;
+    std::unique_ptr<UserNotifications> notifications;
+    std::unique_ptr<ScreenCapture> screenCapture;
+    std::unique_ptr<AudioDevices> audioDevices;
+    std::unique_ptr<MovieFiles> movieFiles;
+    std::unique_ptr<LoginItem> loginItem;
+    std::unique_ptr<DesktopServices> desktop;
+    std::unique_ptr<Symbols> symbols;
+};
+
+// Needs a QApplication. The clock must outlive the platform.
+Platform makePlatform(Clock &clock);
+
+} // namespace velbrix

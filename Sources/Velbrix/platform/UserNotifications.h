@@ -1,0 +1,29 @@
+#pragma once
+
+#include "foundation/Result.h"
+
+#include <QCoroTask>
+#include <QString>
+
+namespace velbrix {
+
+struct NotificationSettings {
+    QString authorization; // notDetermined, denied, authorized, provisional, ephemeral, unknown
+    QString alert;         // notSupported, disabled, enabled, unknown
+
+    bool operator==(const NotificationSettings &) const = default;
+};
+
+// The system's notification banners. Main thread.
+class UserNotifications {
+public:
+    virtual ~UserNotifications() = default;
+
+    // Once, before anything else.
+    virtual void registerCategory(const QString identifier) = 0;
+    // For alerts, sounds and badges; true when granted.
+    virtual QCoro::Task<Result<bool>> requestAuthorization() = 0;
+    virtual QCoro::Task<NotificationSettings> settings() = 0;
+};
+
+} // namespace velbrix

@@ -1,0 +1,10 @@
+#include "platform/Platform.h"
+
+namespace velbrix {
+
+Platform makePlatform(Clock &)
+{
+    return {};
+}
+
+} // namespace velbrix

@@ -1,0 +1,1 @@
+// Exists to carry the precompiled header of the tests.
