@@ -11,11 +11,11 @@ namespace {
 const QHash<QString, QString> &iconNames()
 {
     static const QHash<QString, QString> table = {
-        {u"accessibility"_s, u"preferences-desktop-accessibility"_s},
+        {u"accessibility"_s, u"actor"_s},
         {u"arrow.clockwise"_s, u"view-refresh"_s},
         {u"bell.fill"_s, u"notifications"_s},
         {u"camera.viewfinder"_s, u"camera-photo"_s},
-        {u"checkmark.circle.fill"_s, u"emblem-success"_s},
+        {u"checkmark.circle.fill"_s, u"games-solve"_s},
         {u"chevron.down"_s, u"go-down"_s},
         {u"chevron.right"_s, u"go-next"_s},
         {u"clock"_s, u"clock"_s},
@@ -28,7 +28,7 @@ const QHash<QString, QString> &iconNames()
         {u"gauge"_s, u"speedometer"_s},
         {u"gearshape"_s, u"configure"_s},
         {u"gearshape.fill"_s, u"configure"_s},
-        {u"hand.raised.fill"_s, u"security-high"_s},
+        {u"hand.raised.fill"_s, u"hand"_s},
         {u"info.circle"_s, u"help-about"_s},
         {u"keyboard"_s, u"input-keyboard"_s},
         {u"lock.fill"_s, u"object-locked"_s},
@@ -40,15 +40,15 @@ const QHash<QString, QString> &iconNames()
         {u"pause.fill"_s, u"media-playback-pause"_s},
         {u"pencil"_s, u"document-edit"_s},
         {u"person.crop.circle"_s, u"user-identity"_s},
-        {u"photo"_s, u"image-x-generic"_s},
+        {u"photo"_s, u"photo"_s},
         {u"play.fill"_s, u"media-playback-start"_s},
         {u"plus"_s, u"list-add"_s},
         {u"power"_s, u"system-shutdown"_s},
-        {u"questionmark.circle"_s, u"help-contextual"_s},
+        {u"questionmark.circle"_s, u"question"_s},
         {u"record.circle"_s, u"media-record"_s},
         {u"record.circle.fill"_s, u"media-record"_s},
         {u"rectangle.inset.filled"_s, u"view-fullscreen"_s},
-        {u"shippingbox.fill"_s, u"package"_s},
+        {u"shippingbox.fill"_s, u"draw-cuboid"_s},
         {u"sparkles"_s, u"tools-wizard"_s},
         {u"speaker.wave.2.fill"_s, u"audio-volume-high"_s},
         {u"stop.circle.fill"_s, u"media-playback-stop"_s},
@@ -56,8 +56,8 @@ const QHash<QString, QString> &iconNames()
         {u"trash"_s, u"user-trash"_s},
         {u"video.badge.waveform.fill"_s, u"camera-video"_s},
         {u"video.fill"_s, u"camera-video"_s},
-        {u"xmark"_s, u"window-close"_s},
-        {u"xmark.circle.fill"_s, u"emblem-error"_s},
+        {u"xmark"_s, u"dialog-close"_s},
+        {u"xmark.circle.fill"_s, u"window-close"_s},
     };
     return table;
 }
