@@ -22,6 +22,7 @@ public:
     static constexpr quint8 numLock = 77;
     static constexpr quint8 scrollLock = 78;
     static constexpr quint8 print = 107;
+    static constexpr quint8 pause = 127;
     static constexpr quint8 keyQ = 24;
     static constexpr quint8 keyA = 38;
     static constexpr quint8 keyD = 40;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr HotkeyChord controlOptionD{2, HotkeyChord::controlKey | HotkeyChord::optionKey};
 constexpr HotkeyChord controlOptionA{0, HotkeyChord::controlKey | HotkeyChord::optionKey};
+constexpr HotkeyChord f15{113, 0}; // the Pause key
 constexpr quint16 controlState = 1 << 2;
 constexpr quint16 altState = 1 << 3;
 constexpr quint16 chordState = controlState | altState;
@@ -174,12 +175,12 @@ private Q_SLOTS:
         QList<quint32> pressed;
         QVERIFY(host.registrar().installHandler({[&](quint32 id) { pressed.append(id); }, {}}));
         const auto held = host.registrar().registerHotkey(controlOptionD, 1);
-        const auto end = host.registrar().registerHotkey({105, 0}, 2);
+        const auto end = host.registrar().registerHotkey(f15, 2);
         QVERIFY(held && end);
         host.user.tap({XTestKeyboard::leftControl, XTestKeyboard::keyD});
         host.user.tap({XTestKeyboard::leftControl, XTestKeyboard::leftAlt, XTestKeyboard::leftShift,
                        XTestKeyboard::keyD});
-        host.user.tap({XTestKeyboard::print});
+        host.user.tap({XTestKeyboard::pause});
         QTRY_COMPARE(pressed, QList<quint32>{2});
     }
 
@@ -188,14 +189,14 @@ private Q_SLOTS:
         Host host(true);
         int pressed = 0;
         QVERIFY(host.registrar().installHandler({[&](quint32) { ++pressed; }, {}}));
-        const auto held = host.registrar().registerHotkey({105, 0}, 1);
+        const auto held = host.registrar().registerHotkey(f15, 1);
         QVERIFY(held);
         KeyEventCounter counter;
-        host.user.press(XTestKeyboard::print);
+        host.user.press(XTestKeyboard::pause);
         QTRY_VERIFY(counter.presses >= 4);
-        host.user.release(XTestKeyboard::print);
+        host.user.release(XTestKeyboard::pause);
         QCOMPARE(pressed, 1);
-        host.user.tap({XTestKeyboard::print});
+        host.user.tap({XTestKeyboard::pause});
         QTRY_COMPARE(pressed, 2);
     }
 

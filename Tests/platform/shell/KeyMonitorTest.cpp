@@ -48,7 +48,7 @@ private:
         _field = std::make_unique<QLineEdit>();
         _field->show();
         _field->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(_field.get()));
+        QVERIFY(QTest::qWaitForWindowActive(_field->windowHandle()));
         QTRY_VERIFY(_field->hasFocus());
     }
 
@@ -169,5 +169,10 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(KeyMonitorTest)
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    KeyMonitorTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "KeyMonitorTest.moc"

@@ -57,8 +57,8 @@ private Q_SLOTS:
         QTest::newRow("space and percent")
             << u"/opt/my 100% box"_s << QByteArray("Exec=\"/opt/my 100%% box\" --background\n");
         QTest::newRow("shell signs") << u"/opt/a\"b$c`d\\e"_s
-                                     << QByteArray(R"(Exec="/opt/a\\"b\\$c\\`d\\\\e" --background)"
-                                                   "\n");
+                                     << QByteArray(
+                                            "Exec=\"/opt/a\\\\\"b\\\\$c\\\\`d\\\\\\\\e\" --background\n");
     }
     void writesAValidEntry()
     {

@@ -81,7 +81,7 @@ private Q_SLOTS:
         for (const char *name : usedNames)
             QTest::newRow(name) << QString::fromLatin1(name);
         for (const QString &name : ThemeSymbols::names())
-            QTest::newRow(qPrintable(u"table " + name)) << name;
+            QTest::newRow(qPrintable(QStringLiteral("table ") + name)) << name;
     }
     void everyNameHasAShape()
     {

@@ -1,6 +1,7 @@
 #include "platform/linux/shell/ThemeSymbols.h"
 
 #include <QHash>
+#include <QStandardPaths>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -66,6 +67,15 @@ const QHash<QString, QString> &iconNames()
 
 ThemeSymbols::ThemeSymbols()
 {
+    // A session without a desktop's Qt integration names no icon folders.
+    QStringList folders = QIcon::themeSearchPaths();
+    const QStringList shared = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, u"icons"_s,
+                                                         QStandardPaths::LocateDirectory);
+    for (const QString &folder : shared) {
+        if (!folders.contains(folder))
+            folders.append(folder);
+    }
+    QIcon::setThemeSearchPaths(folders);
     const QString fallback = u"breeze"_s;
     QIcon::setFallbackThemeName(fallback);
     // The theme that only holds other programs' icons means: none is set.

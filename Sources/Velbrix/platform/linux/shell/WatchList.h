@@ -17,46 +17,52 @@ public:
     // `ended` runs after the watch has left the list.
     std::unique_ptr<KeyWatch> add(Call call, std::function<void()> ended)
     {
-        auto shared = std::make_shared<Call>(std::move(call));
-        _calls.push_back(shared);
-        return std::make_unique<Watch>(std::move(shared), std::move(ended));
+        auto entry = std::make_shared<Entry>(std::move(call));
+        _entries.push_back(entry);
+        return std::make_unique<Watch>(std::move(entry), std::move(ended));
     }
 
-    bool isEmpty() const
+    bool isEmpty()
     {
-        for (const auto &call : _calls) {
-            if (!call.expired())
-                return false;
+        std::erase_if(_entries, [](const auto &entry) { return !entry->isWatched; });
+        return _entries.empty();
+    }
+
+    // Hands each call to `use`, newest first, until that answers true.
+    template <typename Use> void forEachUntil(Use use)
+    {
+        const auto entries = _entries;
+        for (auto it = entries.crbegin(); it != entries.crend(); ++it) {
+            if ((*it)->isWatched && use((*it)->call))
+                return;
         }
-        return true;
-    }
-
-    // Newest first.
-    std::vector<std::weak_ptr<Call>> calls()
-    {
-        std::erase_if(_calls, [](const auto &call) { return call.expired(); });
-        return {_calls.rbegin(), _calls.rend()};
     }
 
 private:
+    struct Entry {
+        explicit Entry(Call pressed) : call(std::move(pressed)) {}
+        const Call call;
+        bool isWatched = true;
+    };
+
     class Watch final : public KeyWatch {
     public:
-        Watch(std::shared_ptr<Call> call, std::function<void()> ended)
-            : _call(std::move(call)), _ended(std::move(ended))
+        Watch(std::shared_ptr<Entry> entry, std::function<void()> ended)
+            : _entry(std::move(entry)), _ended(std::move(ended))
         {
         }
         ~Watch() override
         {
-            _call.reset();
+            _entry->isWatched = false;
             _ended();
         }
 
     private:
-        std::shared_ptr<Call> _call;
+        std::shared_ptr<Entry> _entry;
         std::function<void()> _ended;
     };
 
-    std::vector<std::weak_ptr<Call>> _calls;
+    std::vector<std::shared_ptr<Entry>> _entries;
 };
 
 } // namespace velbrix

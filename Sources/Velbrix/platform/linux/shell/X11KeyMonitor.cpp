@@ -66,12 +66,9 @@ private:
         const auto press = translated(event);
         if (!press)
             return false;
-        for (const auto &watch : _watches.calls()) {
-            const auto call = watch.lock();
-            if (call && (*call)(*press))
-                return true;
-        }
-        return false;
+        bool isTaken = false;
+        _watches.forEachUntil([&](const auto &pressed) { return isTaken = pressed(*press); });
+        return isTaken;
     }
 
     std::optional<KeyPress> translated(const QKeyEvent &event) const
@@ -203,10 +200,10 @@ private:
                 state |= codes.stateOfKey(static_cast<quint8>(held));
         }
         const KeyPress press{*keyCode, codes.modifiersFromX(state), isRepeat};
-        for (const auto &watch : _watches.calls()) {
-            if (const auto call = watch.lock())
-                (*call)(press);
-        }
+        _watches.forEachUntil([&](const auto &pressed) {
+            pressed(press);
+            return false;
+        });
     }
 
     std::shared_ptr<X11Keyboard> _keyboard;

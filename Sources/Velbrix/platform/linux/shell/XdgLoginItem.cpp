@@ -50,7 +50,6 @@ QString entryText(const QString &program)
 {
     return u"[Desktop Entry]\n"
            "Type=Application\n"
-           "Version=1.5\n"
            "Name=Velbrix\n"
            "Comment=桌面工具箱\n"
            "Icon=velbrix\n"
