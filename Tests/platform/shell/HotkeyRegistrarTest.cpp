@@ -23,11 +23,14 @@ public:
     KeyEventCounter() { qApp->installNativeEventFilter(this); }
     ~KeyEventCounter() override { qApp->removeNativeEventFilter(this); }
     int presses = 0;
+    int releases = 0;
 
 private:
     bool nativeEventFilter(const QByteArray &, void *message, qintptr *) override
     {
-        presses += static_cast<xcb_generic_event_t *>(message)->response_type == XCB_KEY_PRESS;
+        const auto kind = static_cast<xcb_generic_event_t *>(message)->response_type;
+        presses += kind == XCB_KEY_PRESS;
+        releases += kind == XCB_KEY_RELEASE;
         return false;
     }
 };
@@ -195,6 +198,7 @@ private Q_SLOTS:
         host.user.press(XTestKeyboard::pause);
         QTRY_VERIFY(counter.presses >= 4);
         host.user.release(XTestKeyboard::pause);
+        QTRY_COMPARE(counter.releases, counter.presses);
         QCOMPARE(pressed, 1);
         host.user.tap({XTestKeyboard::pause});
         QTRY_COMPARE(pressed, 2);
