@@ -26,7 +26,7 @@ private Q_SLOTS:
             u"a录b"_s);
         row("compound, latin-1 named", TextEncoding::compound, QByteArray("\x1b-A\xe9"), u"é"_s);
         row("compound, simplified Chinese left", TextEncoding::compound,
-            QByteArray("\x1b$(A\x44\x61\x1b(B x"), u"内 x"_s);
+            QByteArray("\x1b$(A\x44\x5a\x1b(B x"), u"内 x"_s);
         row("compound, simplified Chinese right", TextEncoding::compound, QByteArray("a\x1b$)A\xc4\xda"),
             u"a内"_s);
         row("compound, Japanese", TextEncoding::compound, QByteArray("\x1b$(B\x46\x7c\x1b(B"), u"日"_s);
