@@ -47,6 +47,14 @@ std::unique_ptr<PaintedWindow> shown(const QString &title, QRect geometry, QColo
     return window;
 }
 
+bool xrandr(const QString &arguments)
+{
+    QProcess process;
+    process.start(u"xrandr"_s, arguments.split(u' '));
+    return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }) &&
+           process.exitCode() == 0;
+}
+
 CaptureFilter only(const PaintedWindow &window)
 {
     return {.windowId = window.id(), .displayId = 0, .excludedWindows = {}};
@@ -338,23 +346,29 @@ private Q_SLOTS:
         QCOMPARE(ticks.first(), 0);
     }
 
-    void followsTheDisplaysSize()
+    void followsTheDisplaysMode()
     {
         const auto window = shown(u"Editor"_s, QRect(0, 0, 400, 300), green, Qt::FramelessWindowHint);
         RecordingRig rig;
-        const CaptureFilter filter = rig.mainDisplay();
-        QVERIFY(rig.start(filter));
-        QProcess xrandr;
-        xrandr.start(u"xrandr"_s, {u"--fb"_s, u"800x300"_s});
-        QTRY_COMPARE(xrandr.state(), QProcess::NotRunning);
-        QCOMPARE(xrandr.exitCode(), 0);
-        const bool hasChanged =
-            QTest::qWaitFor([&rig] { return !isLike(rig.movie->colorAt(10, 100), green); }, 4000);
+        QVERIFY(rig.start(rig.mainDisplay()));
+        QVERIFY(xrandr(u"--newmode small 25 800 808 816 824 600 601 602 603"_s));
+        QVERIFY(xrandr(u"--addmode screen small"_s));
+        QVERIFY(xrandr(u"--output screen --mode small"_s));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(20, 100), black));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 100), green));
         window->repaint(blue);
-        QTest::qWait(100);
-        xrandr.start(u"xrandr"_s, {u"--fb"_s, u"1280x800"_s});
-        QTRY_COMPARE(xrandr.state(), QProcess::NotRunning);
-        qInfo() << hasChanged << rig.stops;
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 100), blue));
+        QVERIFY(xrandr(u"--output screen --mode 1280x800"_s));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(20, 100), blue));
+        QVERIFY(rig.movie->wereChangesNamed());
+        QVERIFY(rig.stops.isEmpty());
+
+        // A monitor of another name takes the place of the recorded one.
+        QVERIFY(xrandr(u"--setmonitor left 640/170x400/106+0+0 screen"_s));
+        QTRY_VERIFY(rig.count(u"blank"_s) > 0);
+        QTRY_COMPARE(rig.stops, QStringList{u"正在录制的显示器已断开"_s});
+        QVERIFY(xrandr(u"--delmonitor left"_s));
+        QVERIFY(rig.stop());
     }
 
     void saysWhatIsMissing()

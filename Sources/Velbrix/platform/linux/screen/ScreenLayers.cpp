@@ -50,6 +50,7 @@ void ScreenLayers::start(const PixelRect &area, const StopSignal &stop)
         if (layer.damage && std::ranges::any_of(_holes, covers))
             waiting.push_back(layer.damage.get());
     }
+    _connection.flush();
     if (waiting.empty())
         stop.sleepUntil(monotonicNow() + 100'000'000);
     else

@@ -46,6 +46,7 @@ Result<void> WindowSource::start(const StopSignal &stop)
     follow(*found);
     if (!found->isViewable)
         return failure(u"窗口没有显示在屏幕上"_s);
+    _connection.flush();
     if (mustPaint && _damage) {
         DamageTracker *const damage = _damage.get();
         waitForRepaint(std::array{damage}, stop);
