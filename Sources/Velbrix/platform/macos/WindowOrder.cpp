@@ -1,20 +1,20 @@
 #include "platform/macos/WindowOrder.h"
 
-#include <QHash>
-
 #include <algorithm>
 
 namespace velbrix {
 
 QList<CapturableWindow> frontToBack(QList<CapturableWindow> windows, const QList<quint32> &windowIds)
 {
-    QHash<quint32, qsizetype> places;
-    for (qsizetype place = 0; place < windowIds.size(); ++place)
-        places.insert(windowIds[place], place);
-    std::ranges::stable_sort(windows, {}, [&](const CapturableWindow &window) {
-        return places.value(window.windowId, windowIds.size());
-    });
-    return windows;
+    QList<CapturableWindow> ordered;
+    for (const quint32 windowId : windowIds) {
+        const auto found = std::ranges::find(windows, windowId, &CapturableWindow::windowId);
+        if (found == windows.end())
+            continue;
+        ordered.append(*found);
+        windows.erase(found);
+    }
+    return ordered + windows;
 }
 
 } // namespace velbrix
