@@ -48,4 +48,9 @@ std::unique_ptr<Observation> NotificationCenter::observe(const QString &name, Ob
     return std::make_unique<Entry>(*this, name, std::move(observer));
 }
 
+bool NotificationCenter::hasObserver(const QString &name) const
+{
+    return std::ranges::any_of(_entries, [&](const Entry *entry) { return entry->name() == name; });
+}
+
 } // namespace velbrix

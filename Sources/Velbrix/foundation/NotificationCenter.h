@@ -28,6 +28,7 @@ public:
     // observer may end any observation, its own included, while it is called.
     void post(const QString &name, const QVariantMap &userInfo = {});
     [[nodiscard]] std::unique_ptr<Observation> observe(const QString &name, Observer observer);
+    bool hasObserver(const QString &name) const;
 
 private:
     class Entry;

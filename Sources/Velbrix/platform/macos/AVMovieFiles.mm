@@ -29,9 +29,9 @@ void countAudioTracks(AVAsset *asset, MovieFacts facts, Completion<Result<MovieF
 {
     [asset loadTracksWithMediaType:AVMediaTypeAudio
                  completionHandler:^(NSArray<AVAssetTrack *> *tracks, NSError *) {
-                   MovieFacts complete = facts;
-                   complete.audioTracks = static_cast<int>(tracks.count);
-                   inspected.answer(complete);
+                     MovieFacts complete = facts;
+                     complete.audioTracks = static_cast<int>(tracks.count);
+                     inspected.answer(complete);
                  }];
 }
 
@@ -39,9 +39,9 @@ void countTracks(AVAsset *asset, MovieFacts facts, Completion<Result<MovieFacts>
 {
     [asset loadTracksWithMediaType:AVMediaTypeVideo
                  completionHandler:^(NSArray<AVAssetTrack *> *tracks, NSError *) {
-                   MovieFacts withVideo = facts;
-                   withVideo.hasVideo = tracks.count > 0;
-                   countAudioTracks(asset, withVideo, inspected);
+                     MovieFacts withVideo = facts;
+                     withVideo.hasVideo = tracks.count > 0;
+                     countAudioTracks(asset, withVideo, inspected);
                  }];
 }
 
@@ -53,11 +53,11 @@ QCoro::Task<Result<MovieFacts>> AVMovieFiles::inspect(const QString path)
     AVURLAsset *asset = assetAt(path);
     [asset loadValuesAsynchronouslyForKeys:@[ @"playable", @"duration" ]
                          completionHandler:^{
-                           MovieFacts facts;
-                           facts.isPlayable = isLoaded(asset, @"playable") && asset.isPlayable;
-                           if (isLoaded(asset, @"duration") && CMTIME_IS_VALID(asset.duration))
-                               facts.duration = finiteSeconds(CMTimeGetSeconds(asset.duration));
-                           countTracks(asset, facts, inspected);
+                             MovieFacts facts;
+                             facts.isPlayable = isLoaded(asset, @"playable") && asset.isPlayable;
+                             if (isLoaded(asset, @"duration") && CMTIME_IS_VALID(asset.duration))
+                                 facts.duration = finiteSeconds(CMTimeGetSeconds(asset.duration));
+                             countTracks(asset, facts, inspected);
                          }];
     return answerOf(inspected);
 }
@@ -75,14 +75,14 @@ QCoro::Task<Result<void>> AVMovieFiles::repair(const QString path)
     session.outputURL = [NSURL fileURLWithPath:toNSString(temporary)];
     session.outputFileType = AVFileTypeMPEG4;
     NSException *thrown = caughtException(^{
-      [session exportAsynchronouslyWithCompletionHandler:^{
-        if (session.status == AVAssetExportSessionStatusCompleted) {
-            repaired.answer(replaceFile(path, temporary));
-            return;
-        }
-        QFile::remove(temporary);
-        repaired.answer(std::unexpected(toFailure(session.error)));
-      }];
+        [session exportAsynchronouslyWithCompletionHandler:^{
+            if (session.status == AVAssetExportSessionStatusCompleted) {
+                repaired.answer(replaceFile(path, temporary));
+                return;
+            }
+            QFile::remove(temporary);
+            repaired.answer(std::unexpected(toFailure(session.error)));
+        }];
     });
     if (thrown)
         repaired.answer(std::unexpected(toFailure(thrown)));

@@ -28,8 +28,8 @@ AVAssetWriterInput *realTimeInput(AVMediaType mediaType, NSDictionary<NSString *
 {
     __block AVAssetWriterInput *input = nil;
     NSException *thrown = caughtException(^{
-      input = [[AVAssetWriterInput alloc] initWithMediaType:mediaType outputSettings:settings];
-      input.expectsMediaDataInRealTime = YES;
+        input = [[AVAssetWriterInput alloc] initWithMediaType:mediaType outputSettings:settings];
+        input.expectsMediaDataInRealTime = YES;
     });
     return thrown ? nil : input;
 }
@@ -39,7 +39,7 @@ bool addInput(AVAssetWriter *writer, AVAssetWriterInput *input)
     if (!input || ![writer canAddInput:input])
         return false;
     return !caughtException(^{
-      [writer addInput:input];
+        [writer addInput:input];
     });
 }
 
@@ -91,7 +91,7 @@ void AssetMovieWriter::Private::appendAudio(AVAssetWriterInput *input, CMSampleB
         return;
     __block BOOL appended = NO;
     NSException *thrown = caughtException(^{
-      appended = [input appendSampleBuffer:sample];
+        appended = [input appendSampleBuffer:sample];
     });
     if (thrown || !appended)
         return;
@@ -162,9 +162,9 @@ void AssetMovieWriter::appendPicture(CMSampleBufferRef sample)
     Private *d = _d.get();
     __block BOOL appended = NO;
     NSException *thrown = caughtException(^{
-      d->openSession(time);
-      if (d->videoInput.isReadyForMoreMediaData)
-          appended = [d->pixelBufferAdaptor appendPixelBuffer:pixels withPresentationTime:time];
+        d->openSession(time);
+        if (d->videoInput.isReadyForMoreMediaData)
+            appended = [d->pixelBufferAdaptor appendPixelBuffer:pixels withPresentationTime:time];
     });
     if (thrown || !appended)
         return;
@@ -202,13 +202,13 @@ void AssetMovieWriter::finish(std::function<void(Result<void>)> finished)
     }
     Private *d = _d.get();
     NSException *thrown = caughtException(^{
-      d->closeSession();
-      [writer finishWritingWithCompletionHandler:^{
-        if (writer.status == AVAssetWriterStatusCompleted)
-            finished({});
-        else
-            finished(std::unexpected(toFailure(writer.error)));
-      }];
+        d->closeSession();
+        [writer finishWritingWithCompletionHandler:^{
+            if (writer.status == AVAssetWriterStatusCompleted)
+                finished({});
+            else
+                finished(std::unexpected(toFailure(writer.error)));
+        }];
     });
     if (thrown)
         finished(std::unexpected(toFailure(thrown)));

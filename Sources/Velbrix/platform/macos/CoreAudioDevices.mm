@@ -86,10 +86,10 @@ public:
     {
         const std::weak_ptr<std::function<void()>> target = _changed;
         _block = ^(UInt32, const AudioObjectPropertyAddress *) {
-          onMainThread([target] {
-              if (const auto alive = target.lock())
-                  (*alive)();
-          });
+            onMainThread([target] {
+                if (const auto alive = target.lock())
+                    (*alive)();
+            });
         };
         for (const AudioObjectPropertySelector selector : watchedProperties) {
             const AudioObjectPropertyAddress address = globalProperty(selector);
@@ -121,7 +121,7 @@ QCoro::Task<Result<QList<AudioDeviceItem>>> CoreAudioDevices::speakers()
 {
     const Completion<Result<QList<AudioDeviceItem>>> listed;
     inBackground(^{
-      listed.answer(speakerList());
+        listed.answer(speakerList());
     });
     return answerOf(listed);
 }
@@ -130,9 +130,9 @@ QCoro::Task<Result<QList<AudioDeviceItem>>> CoreAudioDevices::microphones()
 {
     const Completion<Result<QList<AudioDeviceItem>>> listed;
     inBackground(^{
-      const QString defaultId =
-          toQString([AVCaptureDevice defaultDeviceWithMediaType:AVMediaTypeAudio].uniqueID);
-      listed.answer(microphoneList(captureMicrophones(), soundInputs(), defaultId));
+        const QString defaultId =
+            toQString([AVCaptureDevice defaultDeviceWithMediaType:AVMediaTypeAudio].uniqueID);
+        listed.answer(microphoneList(captureMicrophones(), soundInputs(), defaultId));
     });
     return answerOf(listed);
 }
@@ -141,7 +141,7 @@ QCoro::Task<Result<void>> CoreAudioDevices::setDefaultSpeaker(const QString id)
 {
     const Completion<Result<void>> switched;
     inBackground(^{
-      switched.answer(switchSpeaker(id));
+        switched.answer(switchSpeaker(id));
     });
     return answerOf(switched);
 }

@@ -34,7 +34,7 @@ QCoro::Task<bool> requestAccess(AVMediaType mediaType)
     const Completion<bool> decided;
     [AVCaptureDevice requestAccessForMediaType:mediaType
                              completionHandler:^(BOOL granted) {
-                               decided.answer(granted != NO);
+                                 decided.answer(granted != NO);
                              }];
     return answerOf(decided);
 }

@@ -62,10 +62,10 @@ QCoro::Task<Result<bool>> MacUserNotifications::requestAuthorization()
         requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound |
                                         UNAuthorizationOptionBadge
                       completionHandler:^(BOOL granted, NSError *error) {
-                        if (error)
-                            decided.answer(std::unexpected(toFailure(error)));
-                        else
-                            decided.answer(granted != NO);
+                          if (error)
+                              decided.answer(std::unexpected(toFailure(error)));
+                          else
+                              decided.answer(granted != NO);
                       }];
     return answerOf(decided);
 }
@@ -77,10 +77,11 @@ QCoro::Task<NotificationSettings> MacUserNotifications::settings()
         read.answer({u"unknown"_s, u"unknown"_s});
         return answerOf(read);
     }
-    [[UNUserNotificationCenter currentNotificationCenter] getNotificationSettingsWithCompletionHandler:^(
-                                                              UNNotificationSettings *settings) {
-      read.answer({authorizationName(settings.authorizationStatus), alertSettingName(settings.alertSetting)});
-    }];
+    [[UNUserNotificationCenter currentNotificationCenter]
+        getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings *settings) {
+            read.answer(
+                {authorizationName(settings.authorizationStatus), alertSettingName(settings.alertSetting)});
+        }];
     return answerOf(read);
 }
 

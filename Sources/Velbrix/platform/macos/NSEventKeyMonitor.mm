@@ -85,8 +85,8 @@ private:
         _monitor = std::make_unique<MonitorToken>([NSEvent
             addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
                                          handler:^NSEvent *(NSEvent *event) {
-                                           const auto alive = hub.lock();
-                                           return alive && alive->swallows(keyPress(event)) ? nil : event;
+                                             const auto alive = hub.lock();
+                                             return alive && alive->swallows(keyPress(event)) ? nil : event;
                                          }]);
     }
     bool swallows(const KeyPress &press) const
@@ -126,7 +126,7 @@ NSEventKeyMonitor::watchGlobal(std::function<void(const KeyPress &)> pressed)
         return failure(u"在其他应用中使用此快捷键需要辅助功能权限"_s);
     const id token = [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskKeyDown
                                                             handler:^(NSEvent *event) {
-                                                              pressed(keyPress(event));
+                                                                pressed(keyPress(event));
                                                             }];
     if (!token)
         return failure(u"系统无法监听其他应用中的按键"_s);

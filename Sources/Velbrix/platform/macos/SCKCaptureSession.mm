@@ -61,7 +61,7 @@ void SCKCaptureSession::Private::finish(std::function<void(Result<void>)> finish
 {
     const std::shared_ptr<AssetMovieWriter> movie = writer;
     dispatch_async(sampleQueue, ^{
-      movie->finish(finished);
+        movie->finish(finished);
     });
 }
 
@@ -80,8 +80,8 @@ SCKCaptureSession::~SCKCaptureSession()
     const std::shared_ptr<AssetMovieWriter> movie = _d->writer;
     dispatch_queue_t queue = _d->sampleQueue;
     void (^completeMovie)(void) = ^{
-      if (movie)
-          movie->finish([movie](const Result<void> &) {});
+        if (movie)
+            movie->finish([movie](const Result<void> &) {});
     };
     if (!_d->capturing) {
         dispatch_async(queue, completeMovie);
@@ -91,9 +91,9 @@ SCKCaptureSession::~SCKCaptureSession()
     SCStream *stream = _d->stream;
     id reported = @[ _d->sink, _d->recordingWatcher ? _d->recordingWatcher : _d->sink ];
     [stream stopCaptureWithCompletionHandler:^(NSError *) {
-      (void)stream;
-      (void)reported;
-      dispatch_async(queue, completeMovie);
+        (void)stream;
+        (void)reported;
+        dispatch_async(queue, completeMovie);
     }];
 }
 
@@ -170,7 +170,7 @@ QCoro::Task<Result<void>> SCKCaptureSession::startCapture()
     const Completion<Result<void>> started;
     _d->capturing = true;
     [_d->stream startCaptureWithCompletionHandler:^(NSError *error) {
-      started.answer(outcome(error));
+        started.answer(outcome(error));
     }];
     return answerOf(started);
 }
@@ -182,9 +182,9 @@ QCoro::Task<Result<void>> SCKCaptureSession::stopCapture()
     SCStream *stream = _d->stream;
     VBStreamSink *sink = _d->sink;
     [stream stopCaptureWithCompletionHandler:^(NSError *error) {
-      (void)stream; // both live until the stream has stopped
-      (void)sink;
-      stopped.answer(outcome(error));
+        (void)stream; // both live until the stream has stopped
+        (void)sink;
+        stopped.answer(outcome(error));
     }];
     return answerOf(stopped);
 }

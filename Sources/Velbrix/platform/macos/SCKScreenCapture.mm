@@ -153,15 +153,15 @@ QCoro::Task<Result<ShareableContent>> SCKScreenCapture::shareableContent()
         getShareableContentExcludingDesktopWindows:NO
                                onScreenWindowsOnly:YES
                                  completionHandler:^(SCShareableContent *content, NSError *error) {
-                                   if (!content) {
-                                       fetched.answer(std::unexpected(toFailure(error)));
-                                       return;
-                                   }
-                                   onMainThread([shelf, content] {
-                                       if (const auto alive = shelf.lock())
-                                           alive->content = content;
-                                   });
-                                   fetched.answer(toContent(content));
+                                     if (!content) {
+                                         fetched.answer(std::unexpected(toFailure(error)));
+                                         return;
+                                     }
+                                     onMainThread([shelf, content] {
+                                         if (const auto alive = shelf.lock())
+                                             alive->content = content;
+                                     });
+                                     fetched.answer(toContent(content));
                                  }];
     return answerOf(fetched);
 }
@@ -184,11 +184,11 @@ QCoro::Task<Result<QImage>> SCKScreenCapture::windowImage(quint32 windowId, QSiz
     [SCScreenshotManager captureImageWithFilter:*filter
                                   configuration:configuration
                               completionHandler:^(CGImageRef image, NSError *error) {
-                                const QImage picture = toQImage(image);
-                                if (picture.isNull())
-                                    taken.answer(std::unexpected(toFailure(error)));
-                                else
-                                    taken.answer(picture);
+                                  const QImage picture = toQImage(image);
+                                  if (picture.isNull())
+                                      taken.answer(std::unexpected(toFailure(error)));
+                                  else
+                                      taken.answer(picture);
                               }];
     return answerOf(taken);
 }

@@ -60,7 +60,8 @@ public:
     // Takes a copy of the picture; only `changed` differs from the picture
     // before. False: the queue is full and nothing was taken, so the caller
     // carries the rectangles over to the next tick. Called by one thread.
-    virtual bool submit(const PictureView &picture, std::span<const PixelRect> changed, std::int64_t tick) = 0;
+    virtual bool submit(const PictureView &picture, std::span<const PixelRect> changed,
+                        std::int64_t tick) = 0;
     // Ends the movie at `lastTick`, repeating the last picture until then, and
     // completes the file. Blocks for the queue and the final write.
     virtual Result<void> finish(std::int64_t lastTick) = 0;

@@ -1,0 +1,330 @@
+#include "app/AppDelegate.h"
+
+#include "app/AppServices.h"
+#include "app/CommandServer.h"
+#include "foundation/Deployment.h"
+#include "foundation/Log.h"
+#include "platform/Platform.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QPointer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto activeRefreshInterval = 5s;
+constexpr auto idleRefreshInterval = 20s;
+const QString frameKey = u"Velbrix_MainWindow_Frame"_s;
+const QString showWindowKey = u"Velbrix_NeedShowMainWindow"_s;
+const QString longAlertCategory = u"RECORDING_LONG_ALERT"_s;
+
+std::optional<QRect> storedFrame(const SettingsStore &settings)
+{
+    const QJsonArray numbers = settings.json(frameKey).value_or(QJsonValue()).toArray();
+    if (numbers.size() != 4)
+        return std::nullopt;
+    const QRect frame(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
+    return frame.width() > 0 && frame.height() > 0 ? std::optional(frame) : std::nullopt;
+}
+
+void storeFrame(SettingsStore &settings, const QRect &frame)
+{
+    settings.set(frameKey, QJsonArray{frame.x(), frame.y(), frame.width(), frame.height()});
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(AppServices &services, Shell &shell, QObject *parent)
+    : QObject(parent),
+      _services(services),
+      _shell(shell),
+      _recording(services.recorder, services.privacy),
+      _savedFrame(storedFrame(services.settings))
+{
+}
+
+AppDelegate::~AppDelegate() = default;
+
+AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground)
+{
+    Platform &host = _services.platform;
+    if (!host.singleInstance->claim()) {
+        host.singleInstance->wakeOther();
+        return Launch::otherCopyRuns;
+    }
+    host.singleInstance->observeWake([this] { showWindow(); });
+    _services.settings.tidy();
+    host.desktop->setAccessoryPresence();
+    createStatusItem();
+    _localKeyMonitor = host.keys->watchLocal(
+        [this](const KeyPress &press) { return _services.hotkeys.handleCapturedKey(press); });
+    observeNotifications();
+    _services.hotkeys.install();
+    setUpUserNotifications();
+    refreshTray(true);
+    scheduleMenuRefresh();
+    followState();
+
+    _commands = std::make_unique<CommandServer>(_services, *this);
+    if (const auto listening = _commands->listen(); !listening)
+        log::line(u"Velbrix"_s, u"command line unavailable: "_s + listening.error().message);
+
+    const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
+    _services.settings.remove(showWindowKey);
+    if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
+        showWindow();
+    else
+        _services.setInBackground(true);
+    return Launch::running;
+}
+
+void AppDelegate::showWindow()
+{
+    if (_isQuitting)
+        return;
+    _shell.showMainWindow(_savedFrame);
+    _services.platform.desktop->activate();
+    _services.setInBackground(false);
+}
+
+bool AppDelegate::windowShouldClose()
+{
+    if (_isQuitting)
+        return true;
+    _savedFrame = _shell.mainWindowFrame();
+    if (_savedFrame)
+        storeFrame(_services.settings, *_savedFrame);
+    // Without a tray nobody could bring a hidden window back.
+    if (_services.platform.desktop->hasTrayHost()) {
+        _shell.hideMainWindow();
+        _services.setInBackground(true);
+    } else {
+        _shell.minimizeMainWindow();
+    }
+    return false;
+}
+
+void AppDelegate::applicationDidBecomeActive()
+{
+    if (std::exchange(_isAppActive, true))
+        return;
+    scheduleMenuRefresh();
+}
+
+void AppDelegate::applicationDidResignActive()
+{
+    if (!std::exchange(_isAppActive, false))
+        return;
+    scheduleMenuRefresh();
+}
+
+void AppDelegate::showPrivacyStatement()
+{
+    showWindow();
+    _shell.showPrivacyStatement();
+}
+
+void AppDelegate::openRecordPanel()
+{
+    _services.router.show(AppTab::recorder);
+    showWindow();
+}
+
+void AppDelegate::quitApp()
+{
+    if (std::exchange(_isQuitting, true))
+        return;
+    ScreenRecorderController &recorder = _services.recorder;
+    if (!recorder.isRecording() && !recorder.isProcessing()) {
+        finishQuit();
+        return;
+    }
+    const auto whenDone = [this] {
+        if (!_services.recorder.isRecording() && !_services.recorder.isProcessing())
+            finishQuit();
+    };
+    // Queued: the recorder is still inside its own change of state.
+    connect(&recorder.session(), &RecordingSession::isProcessingChanged, this, whenDone,
+            Qt::QueuedConnection);
+    recorder.stop();
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    if (std::exchange(_terminated, true))
+        return;
+    _isQuitting = true;
+    if (const auto frame = _shell.mainWindowFrame())
+        storeFrame(_services.settings, *frame);
+    _menuRefreshTimer.reset();
+    _localKeyMonitor.reset();
+    _observers.clear();
+    _commands.reset();
+    _services.toasts.clear();
+    _shell.hideMainWindow();
+    _shell.removeTray();
+    _services.platform.desktop->resetPresence();
+    (void)_services.settings.flush();
+}
+
+void AppDelegate::observeNotifications()
+{
+    const auto observe = [this](const QString &name, NotificationCenter::Observer observer) {
+        _observers.push_back(_services.notifications.observe(name, std::move(observer)));
+    };
+    observe(hotkeyActionInfo(HotkeyAction::recordToggle).notification,
+            [this](const QVariantMap &) { toggleRecordingFromHotkey(); });
+    observe(bannerToastNotification,
+            [this](const QVariantMap &userInfo) { _services.toasts.show(toastFromUserInfo(userInfo)); });
+}
+
+QCoro::Task<> AppDelegate::setUpUserNotifications()
+{
+    const QPointer self(this);
+    UserNotifications &notifications = *_services.platform.notifications;
+    notifications.registerCategory(longAlertCategory);
+    const auto granted = co_await notifications.requestAuthorization();
+    if (!self)
+        co_return;
+    if (granted)
+        log::line(u"Notify"_s, u"granted="_s + (*granted ? u"true"_s : u"false"_s));
+    else
+        log::line(u"Notify"_s, u"auth error: "_s + granted.error().message);
+    const auto settings = co_await notifications.settings();
+    if (!self)
+        co_return;
+    log::line(u"Notify"_s, u"status=%1 alert=%2"_s.arg(settings.authorization, settings.alert));
+}
+
+void AppDelegate::followState()
+{
+    connect(&_services.recorder.session(), &RecordingSession::isRecordingChanged, this,
+            [this] { refreshTray(false); });
+    // A notice that waits behind a hidden window would never be answered.
+    connect(&_services.privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this] {
+        if (_services.privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())
+            showWindow();
+    });
+    _services.platform.desktop->observeTrayHost([this] { trayHostChanged(); });
+}
+
+void AppDelegate::createStatusItem()
+{
+    if (_hasStatusItem || !_services.platform.desktop->hasTrayHost())
+        return;
+    _hasStatusItem = true;
+    _shell.createTray(
+        trayMenu(trayState()), [this] { refreshTray(true); },
+        // Queued: the menu is still closing.
+        [this](TrayItemId item) {
+            QMetaObject::invokeMethod(this, [this, item] { chosenFromTray(item); }, Qt::QueuedConnection);
+        });
+}
+
+void AppDelegate::refreshTray(bool forced)
+{
+    const TrayState state = trayState();
+    const QString signature = state.signature();
+    if (!forced && signature == _lastTraySignature)
+        return;
+    _lastTraySignature = signature;
+    if (_hasStatusItem)
+        _shell.updateTray(trayMenu(state), state.isRecording);
+}
+
+void AppDelegate::scheduleMenuRefresh()
+{
+    _menuRefreshTimer = _services.clock.every(_isAppActive ? activeRefreshInterval : idleRefreshInterval,
+                                              [this] { refreshTray(false); });
+}
+
+void AppDelegate::chosenFromTray(TrayItemId item)
+{
+    switch (item) {
+    case TrayItemId::open:
+        showWindow();
+        break;
+    case TrayItemId::recordToggle:
+        _recording.toggleQuickly();
+        break;
+    case TrayItemId::recordPanel:
+        openRecordPanel();
+        break;
+    case TrayItemId::privacy:
+        showPrivacyStatement();
+        break;
+    case TrayItemId::remoteCheck:
+        checkRemoteConfig();
+        break;
+    case TrayItemId::quit:
+        quitApp();
+        break;
+    case TrayItemId::separator:
+    case TrayItemId::wallpaperHeader:
+    case TrayItemId::wallpaperPlay:
+    case TrayItemId::wallpaperStop:
+    case TrayItemId::recordHeader:
+        break;
+    }
+}
+
+void AppDelegate::checkRemoteConfig()
+{
+    const QString reason = deployment::productServer().isEmpty()
+                               ? u"此安装没有配置产品服务器，无法检查更新与公告。"_s
+                               : u"此版本还不能读取更新与公告，请到产品网站查看。"_s;
+    _services.notifications.post(
+        bannerToastNotification,
+        {{u"title"_s, u"检查更新与公告"_s}, {u"body"_s, reason}, {u"icon"_s, u"info.circle"_s}});
+}
+
+void AppDelegate::toggleRecordingFromHotkey()
+{
+    if (!_services.privacy.hasAcceptedFirstLaunchNotice()) {
+        showWindow(); // the statement comes first
+        return;
+    }
+    _recording.toggleQuickly();
+}
+
+void AppDelegate::trayHostChanged()
+{
+    if (_services.platform.desktop->hasTrayHost()) {
+        createStatusItem();
+        refreshTray(true);
+        return;
+    }
+    if (!_hasStatusItem)
+        return;
+    _hasStatusItem = false;
+    _shell.removeTray();
+    if (!_shell.isMainWindowVisible()) {
+        // The way back has gone with the tray.
+        showWindow();
+        _shell.minimizeMainWindow();
+    }
+}
+
+TrayState AppDelegate::trayState() const
+{
+    TrayState state;
+    state.isRecording = _services.recorder.isRecording();
+    state.recordTitle = _services.recorder.trayTitle();
+    return state;
+}
+
+void AppDelegate::finishQuit()
+{
+    if (_terminated)
+        return;
+    applicationWillTerminate();
+    Q_EMIT terminate();
+}
+
+} // namespace velbrix

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/AppRouter.h"
+#include "app/HotkeyManager.h"
+#include "app/PrivacyManager.h"
+#include "app/Toast.h"
+#include "capture/ScreenRecorderController.h"
+#include "foundation/NotificationCenter.h"
+#include "foundation/Published.h"
+#include "foundation/SettingsStore.h"
+
+#include <QObject>
+
+#include <mutex>
+
+namespace velbrix {
+
+struct Platform;
+
+// The registry of every feature controller. The order of the members is the
+// order of their creation: later ones observe earlier ones. Main thread only.
+class AppServices final : public QObject {
+    Q_OBJECT
+
+public:
+    // The host must outlive the services; its settings are taken over.
+    AppServices(Platform &host, Clock &clock);
+    ~AppServices() override;
+
+    // The one instance of the running program, made on first access and never
+    // destroyed. Tests make their own instead.
+    static AppServices &shared();
+
+    Clock &clock;
+    Platform &platform;
+    SettingsStore settings;
+    NotificationCenter notifications;
+    ToastQueue toasts;
+
+    ScreenRecorderController recorder;
+    PrivacyManager privacy;
+    AppRouter router;
+    HotkeyManager hotkeys;
+    std::mutex powerLock;
+
+    void setInBackground(bool inBackground) { _isInBackground = inBackground; }
+
+    VELB_PUBLISHED(AppServices, bool, isInBackground, false)
+};
+
+} // namespace velbrix

@@ -1,0 +1,29 @@
+#include "app/AppTab.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+const QList<AppTabInfo> &appTabs()
+{
+    static const QList<AppTabInfo> tabs = {
+        {AppTab::recorder, u"recorder"_s, u"屏幕录制"_s, u"record.circle"_s, u"录制"_s},
+        {AppTab::settings, u"settings"_s, u"设置"_s, u"gearshape"_s, {}},
+    };
+    return tabs;
+}
+
+const AppTabInfo &appTabInfo(AppTab tab)
+{
+    return *std::ranges::find(appTabs(), tab, &AppTabInfo::tab);
+}
+
+std::optional<AppTab> appTabFromIdentifier(const QString &identifier)
+{
+    const auto found = std::ranges::find(appTabs(), identifier, &AppTabInfo::identifier);
+    return found == appTabs().end() ? std::nullopt : std::optional(found->tab);
+}
+
+} // namespace velbrix

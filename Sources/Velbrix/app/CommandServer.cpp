@@ -1,0 +1,62 @@
+#include "app/CommandServer.h"
+
+#include "app/AppDelegate.h"
+#include "app/AppServices.h"
+#include "app/commands/RecordCommands.h"
+#include "app/commands/ShellCommands.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+CommandServer::CommandServer(AppServices &services, AppDelegate &delegate, QObject *parent)
+    : QObject(parent),
+      _handlers(shellCommands(services, delegate)),
+      _channel([this](const QJsonObject &request) { return answer(request); }, services.clock)
+{
+    _handlers.insert(recordCommands(services, delegate.recording()));
+}
+
+Result<void> CommandServer::listen()
+{
+    const auto endpoint = controlEndpoint();
+    if (!endpoint)
+        return failure(endpoint.error().message);
+    return _channel.listen(*endpoint);
+}
+
+QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request)
+{
+    QStringList words = request.value(u"words"_s).toString().split(u' ');
+    for (const QJsonValue &argument : request.value(u"arguments"_s).toArray())
+        words.append(argument.toString());
+    // Not only our own client can write to the endpoint.
+    const auto command = parseCommand(words);
+    if (!command) {
+        const CommandReply refused{exitcode::usage, u"无法识别的命令"_s, {}};
+        co_return toJson(refused);
+    }
+    const CommandHandler handler = _handlers.value(command->words);
+    const CommandReply reply = co_await handler(command->arguments);
+    co_return toJson(reply);
+}
+
+QJsonObject toJson(const ParsedCommand &command)
+{
+    return {{u"words"_s, command.words}, {u"arguments"_s, QJsonArray::fromStringList(command.arguments)}};
+}
+
+QJsonObject toJson(const CommandReply &reply)
+{
+    return {{u"exitCode"_s, reply.exitCode}, {u"text"_s, reply.text}, {u"data"_s, reply.data}};
+}
+
+CommandReply commandReplyFromJson(const QJsonObject &json)
+{
+    return {json.value(u"exitCode"_s).toInt(exitcode::refused), json.value(u"text"_s).toString(),
+            json.value(u"data"_s).toObject()};
+}
+
+} // namespace velbrix

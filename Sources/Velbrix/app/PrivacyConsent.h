@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <functional>
+
+namespace velbrix {
+
+enum class PrivacyConsentKind {
+    firstLaunch,
+    screenRecording,
+    microphone,
+    systemAudio,
+    videoWallpaper,
+    fileAccess,
+    systemCleanup,
+    uninstall
+};
+
+inline constexpr std::array allPrivacyConsentKinds = {
+    PrivacyConsentKind::firstLaunch,   PrivacyConsentKind::screenRecording, PrivacyConsentKind::microphone,
+    PrivacyConsentKind::systemAudio,   PrivacyConsentKind::videoWallpaper,  PrivacyConsentKind::fileAccess,
+    PrivacyConsentKind::systemCleanup, PrivacyConsentKind::uninstall};
+
+// The stored name: the case's own.
+QString rawValue(PrivacyConsentKind kind);
+
+// What a feature tells the user before it does for the first time what needs
+// his consent. Two notices are equal when their ids are.
+struct FeaturePrivacyNotice {
+    QString id;
+    PrivacyConsentKind kind = PrivacyConsentKind::firstLaunch;
+    QString icon; // SF Symbol name
+    QList<QColor> colors;
+    QString title;
+    QString message;
+    QStringList details;
+    std::function<void()> onConfirm;
+    std::function<void()> onCancel;
+
+    bool operator==(const FeaturePrivacyNotice &other) const { return id == other.id; }
+};
+
+// The notice of a feature, without its actions.
+FeaturePrivacyNotice featurePrivacyNotice(PrivacyConsentKind kind);
+// For a recording that starts from the hot key, where no panel is in sight.
+FeaturePrivacyNotice quickRecordingNotice();
+
+// The statement of the first launch and, reopened from the tray, its review.
+struct PrivacyStatement {
+    QString title;
+    QString message;
+    QStringList details;
+    QString confirm;
+};
+PrivacyStatement firstLaunchStatement(int remainingSeconds);
+PrivacyStatement reviewedStatement();
+
+} // namespace velbrix

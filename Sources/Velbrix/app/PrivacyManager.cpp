@@ -1,0 +1,143 @@
+#include "app/PrivacyManager.h"
+
+#include "foundation/SettingsStore.h"
+#include "platform/Permissions.h"
+#include "platform/UserNotifications.h"
+
+#include <QJsonValue>
+#include <QPointer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+const QString prefix = u"Velbrix_Privacy_"_s;
+
+} // namespace
+
+PrivacyManager::PrivacyManager(Permissions &permissions, UserNotifications &notifications,
+                               SettingsStore &settings, Clock &clock, QObject *parent)
+    : QObject(parent),
+      _permissions(permissions),
+      _notifications(notifications),
+      _settings(settings),
+      _clock(clock)
+{
+    const bool accepted = _settings.boolean(prefix + u"firstLaunchAccepted"_s).value_or(false);
+    for (const PrivacyConsentKind kind : allPrivacyConsentKinds) {
+        if (kind != PrivacyConsentKind::firstLaunch &&
+            _settings.boolean(prefix + u"consent_"_s + rawValue(kind)).value_or(false))
+            _consented.insert(rawValue(kind));
+    }
+    if (accepted)
+        _consented.insert(rawValue(PrivacyConsentKind::firstLaunch));
+    _hasAcceptedFirstLaunchNotice = accepted;
+}
+
+PrivacyManager::~PrivacyManager() = default;
+
+void PrivacyManager::grant(PrivacyConsentKind kind)
+{
+    _consented.insert(rawValue(kind));
+    set(u"consent_"_s + rawValue(kind), true);
+    if (kind == PrivacyConsentKind::firstLaunch)
+        acceptFirstLaunch();
+    Q_EMIT consentChanged();
+}
+
+void PrivacyManager::acceptFirstLaunch()
+{
+    _consented.insert(rawValue(PrivacyConsentKind::firstLaunch));
+    set(u"firstLaunchAccepted"_s, true);
+    set(u"consent_firstLaunch"_s, true);
+    set(u"firstLaunchAcceptedAt"_s, static_cast<double>(_clock.now().toMSecsSinceEpoch()) / 1000);
+    _hasAcceptedFirstLaunchNotice = true;
+}
+
+void PrivacyManager::guard(FeaturePrivacyNotice notice, std::function<void()> action)
+{
+    if (hasConsent(notice.kind)) {
+        action();
+        return;
+    }
+    const PrivacyConsentKind kind = notice.kind;
+    notice.onConfirm = [this, kind, action = std::move(action)] {
+        grant(kind);
+        action();
+    };
+    // Published afresh even when the same notice was waiting: its action is new.
+    _pendingFeatureNotice = std::optional<FeaturePrivacyNotice>();
+    _pendingFeatureNotice = std::optional(std::move(notice));
+}
+
+void PrivacyManager::confirmPendingNotice()
+{
+    const auto notice = _pendingFeatureNotice.value();
+    _pendingFeatureNotice = std::optional<FeaturePrivacyNotice>();
+    if (notice && notice->onConfirm)
+        notice->onConfirm();
+}
+
+void PrivacyManager::cancelPendingNotice()
+{
+    const auto notice = _pendingFeatureNotice.value();
+    _pendingFeatureNotice = std::optional<FeaturePrivacyNotice>();
+    if (notice && notice->onCancel)
+        notice->onCancel();
+}
+
+void PrivacyManager::startFirstLaunchCountdown()
+{
+    if (_hasAcceptedFirstLaunchNotice || _countdown || _firstLaunchCountdown == 0)
+        return;
+    _countdown = _clock.every(1s, [this] {
+        _firstLaunchCountdown = _firstLaunchCountdown - 1;
+        if (_firstLaunchCountdown == 0)
+            _countdown.reset();
+    });
+}
+
+void PrivacyManager::confirmFirstLaunch()
+{
+    if (_hasAcceptedFirstLaunchNotice || _firstLaunchCountdown > 0)
+        return;
+    acceptFirstLaunch();
+    promptAllSystemPermissions();
+}
+
+void PrivacyManager::promptAllSystemPermissions()
+{
+    const QString key = prefix + u"didPromptAllSystemPermissions"_s;
+    if (_settings.boolean(key).value_or(false))
+        return;
+    _settings.set(key, true);
+    // On disk before the first prompt: an interrupted sequence is not repeated.
+    (void)_settings.flush();
+    requestSoundAndPicture();
+    _screenPrompt = _clock.after(600ms, [this] {
+        if (!_permissions.preflightScreenCapture())
+            _permissions.requestScreenCapture();
+    });
+    _accessibilityPrompt = _clock.after(1200ms, [this] { _permissions.promptForAccessibility(); });
+}
+
+QCoro::Task<> PrivacyManager::requestSoundAndPicture()
+{
+    const QPointer self(this);
+    co_await _notifications.requestAuthorization();
+    if (self && _permissions.microphone() == AuthorizationStatus::notDetermined)
+        co_await _permissions.requestMicrophone();
+    if (self && _permissions.camera() == AuthorizationStatus::notDetermined)
+        co_await _permissions.requestCamera();
+}
+
+void PrivacyManager::set(const QString &name, const QJsonValue &value)
+{
+    _settings.set(prefix + name, value);
+}
+
+} // namespace velbrix

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/PrivacyConsent.h"
+#include "foundation/Clock.h"
+#include "foundation/Published.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QSet>
+
+#include <memory>
+#include <optional>
+
+namespace velbrix {
+
+class Permissions;
+class SettingsStore;
+class UserNotifications;
+
+// Remembers what the user has agreed to, and asks before a feature does for
+// the first time what needs his consent.
+class PrivacyManager final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(PrivacyManager, bool, hasAcceptedFirstLaunchNotice, false)
+    VELB_PUBLISHED(PrivacyManager, std::optional<FeaturePrivacyNotice>, pendingFeatureNotice)
+    VELB_PUBLISHED(PrivacyManager, int, firstLaunchCountdown, firstLaunchSeconds) // seconds left
+
+public:
+    static constexpr int firstLaunchSeconds = 10;
+
+    PrivacyManager(Permissions &permissions, UserNotifications &notifications, SettingsStore &settings,
+                   Clock &clock, QObject *parent = nullptr);
+    ~PrivacyManager() override;
+
+    bool hasConsent(PrivacyConsentKind kind) const { return _consented.contains(rawValue(kind)); }
+    void grant(PrivacyConsentKind kind);
+    void acceptFirstLaunch();
+
+    // Runs the action, after the notice has been confirmed if that is needed.
+    // A newer notice takes the place of one still waiting.
+    void guard(FeaturePrivacyNotice notice, std::function<void()> action);
+    void confirmPendingNotice();
+    void cancelPendingNotice();
+
+    // Counts the seconds down while the statement is in sight.
+    void startFirstLaunchCountdown();
+    // The statement's confirm button; does nothing before the countdown ends.
+    void confirmFirstLaunch();
+
+    // Once per installation: asks for every system permission in turn.
+    void promptAllSystemPermissions();
+
+Q_SIGNALS:
+    void consentChanged();
+
+private:
+    QCoro::Task<> requestSoundAndPicture();
+    void set(const QString &name, const QJsonValue &value);
+
+    Permissions &_permissions;
+    UserNotifications &_notifications;
+    SettingsStore &_settings;
+    Clock &_clock;
+    QSet<QString> _consented;
+    std::unique_ptr<Alarm> _countdown;
+    std::unique_ptr<Alarm> _screenPrompt;
+    std::unique_ptr<Alarm> _accessibilityPrompt;
+};
+
+} // namespace velbrix

@@ -1,0 +1,66 @@
+#include "app/RecordingActions.h"
+
+#include "app/PrivacyManager.h"
+#include "capture/ScreenRecorderController.h"
+
+#include <QPointer>
+
+namespace velbrix {
+
+RecordingActions::RecordingActions(ScreenRecorderController &recorder, PrivacyManager &privacy,
+                                   QObject *parent)
+    : QObject(parent), _recorder(recorder), _privacy(privacy)
+{
+}
+
+void RecordingActions::toggleFromPanel()
+{
+    if (!stopIfRunning())
+        _privacy.guard(featurePrivacyNotice(PrivacyConsentKind::screenRecording),
+                       [this] { _recorder.start(); });
+}
+
+void RecordingActions::toggleQuickly()
+{
+    if (!stopIfRunning())
+        _privacy.guard(quickRecordingNotice(), [this] { _recorder.startFullScreen(); });
+}
+
+void RecordingActions::stop()
+{
+    _recorder.stop();
+}
+
+void RecordingActions::setSystemAudio(bool on)
+{
+    if (on)
+        _privacy.guard(featurePrivacyNotice(PrivacyConsentKind::systemAudio),
+                       [this] { _recorder.preferences().setRecordSystemAudio(true); });
+    else
+        _recorder.preferences().setRecordSystemAudio(false);
+}
+
+void RecordingActions::setMicrophone(bool on)
+{
+    if (!on) {
+        _recorder.preferences().setRecordMicrophone(false);
+        return;
+    }
+    _privacy.guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [this] {
+        const QPointer self(this);
+        _recorder.access().requestMicPermission().then([self](bool granted) {
+            if (self && granted)
+                self->_recorder.preferences().setRecordMicrophone(true);
+        });
+    });
+}
+
+bool RecordingActions::stopIfRunning()
+{
+    if (!_recorder.isRecording() && !_recorder.isProcessing())
+        return false;
+    _recorder.stop();
+    return true;
+}
+
+} // namespace velbrix

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "foundation/Published.h"
+#include "platform/AudioDevices.h"
+
+#include <QCoroTask>
+#include <QObject>
+
+namespace velbrix {
+
+class RecorderLog;
+class RecorderPreferences;
+
+// The speakers and microphones to choose from. A selection whose device is
+// gone is kept in the settings and comes back with the device.
+class RecorderDevices final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(RecorderDevices, QList<AudioDeviceItem>, speakerDevices)
+    VELB_PUBLISHED(RecorderDevices, QList<AudioDeviceItem>, microphoneDevices)
+    // Why the lists could not be read; empty when they could.
+    VELB_PUBLISHED(RecorderDevices, QString, problem)
+
+public:
+    RecorderDevices(AudioDevices &devices, RecorderPreferences &preferences, RecorderLog &log,
+                    QObject *parent = nullptr);
+
+    // From the first call on the lists follow the devices by themselves.
+    QCoro::Task<> refreshAudioDevices();
+    // Makes the speaker the one that the user hears as well.
+    void selectSpeaker(const QString &id);
+    void selectMicrophone(const QString &id);
+
+    // Switches the system to the selected speaker, when it is present.
+    // Answers its name, empty when there is none to switch to.
+    QString routeToSelectedSpeaker();
+    // For the stream: present, and one that can be recorded from.
+    std::optional<QString> microphoneForCapture() const;
+
+private:
+    QCoro::Task<> switchSpeaker(AudioDeviceItem speaker);
+
+    AudioDevices &_devices;
+    RecorderPreferences &_preferences;
+    RecorderLog &_log;
+    bool _observing = false;
+};
+
+} // namespace velbrix

@@ -1,0 +1,424 @@
+#include "capture/RecordingSession.h"
+
+#include "capture/CaptureSize.h"
+#include "capture/RecorderLog.h"
+#include "capture/RecordingFile.h"
+#include "capture/UnfinishedRecordings.h"
+#include "foundation/Deadline.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+// The system's own writer is still flushing when the stream has stopped.
+constexpr auto removalPause = 200ms;
+constexpr auto validationLimit = 3000ms;
+constexpr auto progressInterval = 500ms;
+
+QString name(bool value)
+{
+    return value ? u"true"_s : u"false"_s;
+}
+
+QList<quint32> ownWindows(const QList<CapturableWindow> &windows)
+{
+    QList<quint32> own;
+    for (const CapturableWindow &window : windows) {
+        if (window.processId == QCoreApplication::applicationPid() ||
+            window.bundleId == u"com.tamsel.Velbrix"_s)
+            own.append(window.windowId);
+    }
+    return own;
+}
+
+const CapturableDisplay &mainDisplay(const QList<CapturableDisplay> &displays)
+{
+    const auto main = std::ranges::find(displays, true, &CapturableDisplay::isMain);
+    return main == displays.end() ? displays.first() : *main;
+}
+
+} // namespace
+
+RecordingSession::RecordingSession(ScreenCapture &capture, MovieFiles &movies,
+                                   UnfinishedRecordings &unfinished, Clock &clock, RecorderLog &log,
+                                   QObject *parent)
+    : QObject(parent), _capture(capture), _movies(movies), _unfinished(unfinished), _clock(clock), _log(log)
+{
+}
+
+RecordingSession::~RecordingSession() = default;
+
+void RecordingSession::start(const RecordingRequest &request)
+{
+    if (!_isRecording && !_isProcessing)
+        runStart(request);
+}
+
+void RecordingSession::stop()
+{
+    if (_stopInProgress)
+        return;
+    if (_isRecording)
+        runStop();
+    else if (_isProcessing)
+        _stopWanted = true;
+}
+
+QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
+{
+    const QPointer self(this);
+    _isProcessing = true;
+    _stopWanted = false;
+    _usingSystemRecorder = _systemFinished = false;
+    _systemFailed.reset();
+    _finishedMovie = std::optional<QString>();
+    _lastFailure = QString();
+    _log.live().setProgress(0, 0);
+    _recordStartedAt = std::optional(_clock.now());
+
+    const auto begun = co_await begin(request);
+    if (!self)
+        co_return;
+    _isProcessing = false;
+    if (!begun) {
+        fail(begun.error().message);
+        abandon();
+        co_return;
+    }
+    _log.append(u"✅ startCapture 成功"_s);
+    _startedAt = _clock.uptime();
+    _isRecording = true;
+    _progress = _clock.every(progressInterval, [this] { showProgress(); });
+    if (_stopWanted)
+        stop();
+}
+
+QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
+{
+    const QPointer self(this);
+    const auto gone = [] { return failure(QString()); };
+
+    _log.append(u"[1/6] 获取可共享内容…"_s);
+    const auto content = co_await _capture.shareableContent();
+    if (!self)
+        co_return gone();
+    if (!content)
+        co_return failure(content.error().message);
+    _log.append(u"[1/6] ✅ 显示器:%1 窗口:%2"_s.arg(content->displays.size()).arg(content->windows.size()));
+    if (content->displays.isEmpty())
+        co_return failure(u"没有找到显示器"_s);
+
+    const auto filter = makeFilter(request, *content);
+    if (!filter)
+        co_return failure(filter.error().message);
+    if (const auto made = makeStream(request, *filter); !made)
+        co_return failure(made.error().message);
+    if (const auto chosen = chooseWriter(request); !chosen)
+        co_return failure(chosen.error().message);
+    if (const auto added = addOutputs(request); !added)
+        co_return failure(added.error().message);
+
+    _log.append(u"[6/6] startCapture…"_s);
+    const auto started = co_await _stream->startCapture();
+    if (!self)
+        co_return gone();
+    co_return started;
+}
+
+Result<CaptureFilter> RecordingSession::makeFilter(const RecordingRequest &request,
+                                                   const ShareableContent &content)
+{
+    CaptureFilter filter;
+    filter.displayId = mainDisplay(content.displays).displayId;
+    if (request.mode == RecordMode::window) {
+        const auto window =
+            std::ranges::find(content.windows, request.windowId.value_or(0), &CapturableWindow::windowId);
+        if (window == content.windows.end())
+            return failure(u"窗口已经不在了，请刷新后重新选择"_s);
+        filter.windowId = window->windowId;
+        _log.append(u"[2/6] ✅ 窗口 %1"_s.arg(window->title));
+        return filter;
+    }
+    if (request.ignoreSelfWindows)
+        filter.excludedWindows = ownWindows(content.windows);
+    _log.append(u"[2/6] ✅ 全屏 displayID=%1 排除本应用窗口=%2"_s.arg(filter.displayId)
+                    .arg(filter.excludedWindows.size()));
+    return filter;
+}
+
+Result<void> RecordingSession::makeStream(const RecordingRequest &request, const CaptureFilter &filter)
+{
+    const auto geometry = _capture.geometry(filter);
+    if (!geometry)
+        return failure(geometry.error().message);
+    const QSize size = velbrix::captureSize(request.mode, request.quality, *geometry);
+    _captureSize = size;
+
+    const bool canHearMicrophone = _capture.features().microphone;
+    StreamConfiguration configuration;
+    configuration.width = size.width();
+    configuration.height = size.height();
+    configuration.framesPerSecond = framesPerSecond(request.fps);
+    configuration.queueDepth = streamQueueDepth(request.quality);
+    configuration.capturesAudio = request.systemAudio;
+    configuration.excludesCurrentProcessAudio = request.systemAudio && request.ignoreSelfWindows;
+    configuration.capturesMicrophone = request.microphone && canHearMicrophone;
+    if (configuration.capturesMicrophone)
+        configuration.microphoneDeviceId = request.microphoneDeviceId;
+
+    QString line = u"[3/6] 捕获像素 %1x%2 %3 %4fps 系统音频=%5"_s.arg(size.width())
+                       .arg(size.height())
+                       .arg(rawValue(request.quality))
+                       .arg(configuration.framesPerSecond)
+                       .arg(name(configuration.capturesAudio));
+    if (canHearMicrophone)
+        line += u" 麦克风="_s + name(configuration.capturesMicrophone);
+    _log.append(line);
+
+    auto stream = _capture.makeSession(filter, configuration, observer());
+    if (!stream)
+        return failure(stream.error().message);
+    _stream = std::move(*stream);
+    _log.append(u"[4/6] ✅ 捕获流已创建 queueDepth=%1"_s.arg(configuration.queueDepth));
+    return {};
+}
+
+Result<void> RecordingSession::chooseWriter(const RecordingRequest &request)
+{
+    const QString path = QDir(request.outputDir).filePath(recordingFileName(*_recordStartedAt.value()));
+    QFile::remove(path);
+    _outputURL = std::optional(path);
+    _unfinished.begin(path);
+
+    const bool withAudio = request.systemAudio || request.microphone;
+    if (_capture.features().recordingOutput) {
+        const auto added = _stream->addRecordingOutput(path);
+        if (added) {
+            _usingSystemRecorder = true;
+            _log.append(withAudio ? u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s
+                                  : u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s);
+            return {};
+        }
+        _log.append((withAudio ? u"[5/6] 带音频的系统直写失败，回退手动:"_s
+                               : u"[5/6] SCRecordingOutput 失败，回退手动:"_s) +
+                    added.error().message);
+    }
+    return openManualWriter(request, path);
+}
+
+Result<void> RecordingSession::openManualWriter(const RecordingRequest &request, const QString &path)
+{
+    MovieSettings movie;
+    movie.path = path;
+    movie.width = _captureSize.value().width();
+    movie.height = _captureSize.value().height();
+    movie.framesPerSecond = framesPerSecond(request.fps);
+    movie.videoBitRate = videoBitRate(request.quality, _captureSize);
+    movie.keyFrameInterval = movie.framesPerSecond;
+    movie.systemAudio = request.systemAudio;
+    movie.microphone = request.microphone && _capture.features().microphone;
+
+    const auto tracks = _stream->openWriter(movie);
+    if (!tracks)
+        return failure(tracks.error().message);
+    if (movie.systemAudio && !tracks->systemAudio)
+        _log.append(u"无法添加系统音频轨"_s);
+    if (movie.microphone && !tracks->microphone)
+        _log.append(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s);
+    _log.append(u"写入器就绪 %1x%2 sysAudio=%3 mic=%4"_s.arg(movie.width)
+                    .arg(movie.height)
+                    .arg(name(tracks->systemAudio), name(tracks->microphone)));
+    _log.append(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s);
+    return {};
+}
+
+Result<void> RecordingSession::addOutputs(const RecordingRequest &request)
+{
+    if (const auto added = _stream->addOutput(CaptureOutput::screen); !added)
+        return added;
+    if (request.systemAudio) {
+        if (const auto added = _stream->addOutput(CaptureOutput::systemAudio); !added)
+            return added;
+        _log.append(u"已挂载系统音频 output"_s);
+    }
+    if (request.microphone && !_capture.features().microphone) {
+        _log.append(u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s);
+    } else if (request.microphone) {
+        if (const auto added = _stream->addOutput(CaptureOutput::microphone); !added)
+            return added;
+        _log.append(u"已挂载麦克风 output"_s);
+    }
+    return {};
+}
+
+CaptureObserver RecordingSession::observer()
+{
+    CaptureObserver observer;
+    observer.streamStopped = [this](const Failure &reason) {
+        _log.append(u"❌ 流异常停止:"_s + reason.message);
+        _lastFailure = reason.message;
+        // What has been written is worth keeping.
+        stop();
+    };
+    observer.warning = [this](const QString &text) { _log.append(u"⚠️ "_s + text); };
+    observer.recordingStarted = [this] { _log.append(u"✅ SCRecordingOutput 开始写文件"_s); };
+    observer.recordingFailed = [this](const Failure &reason) {
+        _systemFailed = reason;
+        _log.append(u"❌ SCRecordingOutput 失败:"_s + reason.message);
+    };
+    observer.recordingFinished = [this] {
+        _systemFinished = true;
+        _log.append(u"✅ SCRecordingOutput 收尾完成"_s);
+    };
+    return observer;
+}
+
+QCoro::Task<> RecordingSession::runStop()
+{
+    const QPointer self(this);
+    _stopInProgress = true;
+    _isProcessing = true;
+    showProgress();
+    _progress.reset();
+    const CaptureCounters counters = _stream->ledger().counters();
+    _log.append(u"停止录制 mode=%1 视频帧=%2 系统音频=%3 麦克风=%4"_s
+                    .arg(_usingSystemRecorder ? u"system"_s : u"manual"_s)
+                    .arg(counters.writtenFrameCount)
+                    .arg(counters.audioSampleCount)
+                    .arg(counters.micSampleCount));
+
+    const auto stopped = co_await _stream->stopCapture();
+    if (!self)
+        co_return;
+    _log.append(stopped ? u"stopCapture 完成"_s : u"stopCapture 警告:"_s + stopped.error().message);
+
+    if (_usingSystemRecorder)
+        co_await finishSystemFile();
+    else
+        co_await finishManualFile();
+    if (!self)
+        co_return;
+    co_await validate();
+    if (!self)
+        co_return;
+    clear();
+    _isRecording = false;
+    _isProcessing = false;
+    _stopInProgress = false;
+}
+
+QCoro::Task<> RecordingSession::finishSystemFile()
+{
+    const QPointer self(this);
+    co_await Pause(_clock, removalPause);
+    if (!self)
+        co_return;
+    const auto removed = _stream->removeRecordingOutput();
+    _log.append(removed ? u"removeRecordingOutput 完成（stop 之后）"_s
+                        : u"removeRecordingOutput 忽略:"_s + removed.error().message);
+    if (_systemFailed)
+        fail(u"❌ 系统录制失败:"_s + _systemFailed->message);
+}
+
+QCoro::Task<> RecordingSession::finishManualFile()
+{
+    const QPointer self(this);
+    const auto finished = co_await _stream->finishWriting();
+    if (!self)
+        co_return;
+    const CaptureCounters counters = _stream->ledger().counters();
+    if (!counters.sessionStarted) {
+        fail(u"❌ 手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
+                 .arg(name(counters.sessionStarted)));
+        co_return;
+    }
+    if (finished)
+        co_return;
+    const QString reason = finished.error().message;
+    fail(u"❌ finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
+    const QString path = _outputURL.value().value_or(QString());
+    // A movie that plays in spite of the failure is the user's, not ours to remove.
+    const auto facts = co_await withDeadline(_clock, validationLimit, _movies.inspect(path));
+    if (!self)
+        co_return;
+    const bool plays = facts && *facts && (*facts)->isPlayable;
+    if (!plays)
+        QFile::remove(path);
+}
+
+QCoro::Task<> RecordingSession::validate()
+{
+    const QPointer self(this);
+    const auto path = _outputURL.value();
+    if (!path) {
+        fail(u"❌ 无输出路径"_s);
+        co_return;
+    }
+    if (!QFileInfo::exists(*path)) {
+        _unfinished.end(*path);
+        fail(u"❌ 输出文件不存在"_s);
+        co_return;
+    }
+    const auto inspected = co_await withDeadline(_clock, validationLimit, _movies.inspect(*path));
+    if (!self)
+        co_return;
+    const MovieFacts facts = inspected && *inspected ? **inspected : MovieFacts{};
+    const QFileInfo file(*path);
+    const MovieVerdict verdict = judgeMovie(facts, file.fileName(), file.size(), _usingSystemRecorder);
+    if (verdict.isGood)
+        _log.append(verdict.logLine);
+    else
+        fail(verdict.logLine);
+    if (!facts.hasVideo)
+        _log.append(u"no video, audioTracks=%1"_s.arg(facts.audioTracks));
+    if (facts.isPlayable) {
+        _unfinished.end(*path);
+        _finishedMovie = path;
+    }
+}
+
+void RecordingSession::fail(const QString &message)
+{
+    _log.append(message.startsWith(u'❌') ? message : u"❌ "_s + message);
+    _lastFailure = message;
+}
+
+void RecordingSession::abandon()
+{
+    _stream.reset();
+    // Nothing was shown to the user yet, so an empty or torn beginning is only litter.
+    if (const auto path = _outputURL.value()) {
+        QFile::remove(*path);
+        _unfinished.end(*path);
+    }
+    clear();
+}
+
+void RecordingSession::clear()
+{
+    _stream.reset();
+    _progress.reset();
+    _outputURL = std::optional<QString>();
+    _recordStartedAt = std::optional<QDateTime>();
+    _usingSystemRecorder = false;
+}
+
+void RecordingSession::showProgress()
+{
+    const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(_clock.uptime() - _startedAt);
+    _log.live().setProgress(_stream->ledger().counters().writtenFrameCount,
+                            static_cast<int>(elapsed.count()));
+}
+
+} // namespace velbrix

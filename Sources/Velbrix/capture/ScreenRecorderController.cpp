@@ -1,0 +1,126 @@
+#include "capture/ScreenRecorderController.h"
+
+#include "capture/RecordingFile.h"
+
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+QString name(bool value)
+{
+    return value ? u"true"_s : u"false"_s;
+}
+
+} // namespace
+
+ScreenRecorderController::ScreenRecorderController(Hosts hosts, SettingsStore &settings, Clock &clock,
+                                                   QObject *parent)
+    : QObject(parent),
+      _preferences(settings),
+      _access(hosts.permissions, hosts.capture, _log),
+      _devices(hosts.audio, _preferences, _log),
+      _windows(hosts.capture, _log),
+      _unfinished(settings, hosts.movies, _log),
+      _session(hosts.capture, hosts.movies, _unfinished, clock, _log)
+{
+    connect(&_session, &RecordingSession::isProcessingChanged, this, [this] {
+        if (!_session.isProcessing())
+            _isStarting = false;
+    });
+}
+
+void ScreenRecorderController::stop()
+{
+    _stopWanted = true;
+    _session.stop();
+}
+
+void ScreenRecorderController::setUp()
+{
+    _preferences.loadSettings();
+    _log.append(u"已恢复上次录制配置"_s);
+    _unfinished.findLeftovers();
+}
+
+void ScreenRecorderController::start()
+{
+    startIn(_preferences.recordMode());
+}
+
+void ScreenRecorderController::startFullScreen()
+{
+    startIn(RecordMode::fullScreen);
+}
+
+QString ScreenRecorderController::trayTitle() const
+{
+    return isRecording() ? u"停止当前录制"_s : u"开始录制（全屏）"_s;
+}
+
+QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
+{
+    if (_isStarting || _session.isRecording() || _session.isProcessing())
+        co_return;
+    const QPointer self(this);
+    _isStarting = true;
+    _stopWanted = false;
+    _log.append(u"====== 开始录制 ======"_s);
+    _log.append(u"模式=%1 fps=%2 画质=%3 忽略本应用窗口=%4 系统音频=%5 麦克风=%6"_s.arg(rawValue(mode))
+                    .arg(framesPerSecond(_preferences.fpsOption()))
+                    .arg(rawValue(_preferences.qualityOption()), name(_preferences.ignoreSelfWindows()),
+                         name(_preferences.recordSystemAudio()), name(_preferences.recordMicrophone())));
+    if (!_access.hasPermission())
+        co_await _access.checkPermission();
+    if (!self)
+        co_return;
+    _access.checkMicPermission();
+    if (const QString reason = refusal(mode); !reason.isEmpty()) {
+        _session.refuse(reason);
+        _isStarting = false;
+        co_return;
+    }
+    if (_preferences.recordSystemAudio() && !_preferences.selectedSpeakerID().isEmpty()) {
+        co_await _devices.refreshAudioDevices();
+        if (!self)
+            co_return;
+        if (const QString speaker = _devices.routeToSelectedSpeaker(); !speaker.isEmpty())
+            _log.append(u"系统音频目标扬声器:"_s + speaker);
+    }
+    _session.start(request(mode));
+    if (_stopWanted)
+        _session.stop();
+}
+
+QString ScreenRecorderController::refusal(RecordMode mode) const
+{
+    if (!_access.hasPermission())
+        return u"❌ 没有屏幕录制权限"_s;
+    if (mode == RecordMode::window && !_windows.selectedWindowID())
+        return u"❌ 请先选择要录制的窗口"_s;
+    if (_preferences.recordMicrophone() && !_access.hasMicPermission())
+        return u"❌ 需要麦克风权限才能录制麦克风"_s;
+    if (const auto folder = checkOutputFolder(_preferences.outputDir()); !folder)
+        return u"❌ "_s + folder.error().message;
+    return {};
+}
+
+RecordingRequest ScreenRecorderController::request(RecordMode mode) const
+{
+    RecordingRequest request;
+    request.mode = mode;
+    request.fps = _preferences.fpsOption();
+    request.quality = _preferences.qualityOption();
+    request.ignoreSelfWindows = _preferences.ignoreSelfWindows();
+    request.systemAudio = _preferences.recordSystemAudio();
+    request.microphone = _preferences.recordMicrophone();
+    request.microphoneDeviceId = _devices.microphoneForCapture();
+    if (const auto id = _windows.selectedWindowID())
+        request.windowId = id->toUInt();
+    request.outputDir = _preferences.outputDir();
+    return request;
+}
+
+} // namespace velbrix

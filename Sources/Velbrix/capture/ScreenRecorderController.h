@@ -1,0 +1,72 @@
+#pragma once
+
+#include "capture/RecorderAccess.h"
+#include "capture/RecorderDevices.h"
+#include "capture/RecorderLog.h"
+#include "capture/RecorderPreferences.h"
+#include "capture/RecordingSession.h"
+#include "capture/UnfinishedRecordings.h"
+#include "capture/WindowCatalog.h"
+
+#include <QObject>
+
+namespace velbrix {
+
+class SettingsStore;
+
+// The screen recorder: one facade over the parts that each own a group of its
+// published state. It does not ask for consent; whoever lets the user start a
+// recording does that first.
+class ScreenRecorderController final : public QObject {
+    Q_OBJECT
+    // From the user's start until the recording runs or was refused.
+    VELB_PUBLISHED(ScreenRecorderController, bool, isStarting, false)
+
+public:
+    struct Hosts {
+        ScreenCapture &capture;
+        AudioDevices &audio;
+        MovieFiles &movies;
+        Permissions &permissions;
+    };
+
+    ScreenRecorderController(Hosts hosts, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
+
+    // One-time set-up at the start of the program.
+    void setUp();
+
+    // Starts in the chosen mode, or the whole screen whatever the choice.
+    void start();
+    void startFullScreen();
+    void stop();
+    bool isRecording() const { return _session.isRecording(); }
+    // A start or a stop is under way.
+    bool isProcessing() const { return isStarting() || _session.isProcessing(); }
+    // "停止当前录制" or "开始录制（全屏）", for the tray.
+    QString trayTitle() const;
+
+    RecorderPreferences &preferences() { return _preferences; }
+    RecorderDevices &devices() { return _devices; }
+    WindowCatalog &windows() { return _windows; }
+    RecorderAccess &access() { return _access; }
+    RecordingSession &session() { return _session; }
+    UnfinishedRecordings &unfinished() { return _unfinished; }
+    RecorderLog &log() { return _log; }
+
+private:
+    QCoro::Task<> startIn(RecordMode mode);
+    // The reason that nothing may be recorded now; empty when all is well.
+    QString refusal(RecordMode mode) const;
+    RecordingRequest request(RecordMode mode) const;
+
+    RecorderLog _log;
+    RecorderPreferences _preferences;
+    RecorderAccess _access;
+    RecorderDevices _devices;
+    WindowCatalog _windows;
+    UnfinishedRecordings _unfinished;
+    RecordingSession _session;
+    bool _stopWanted = false; // asked for before the session began
+};
+
+} // namespace velbrix

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "foundation/Clock.h"
+
+#include <QCoroTask>
+
+#include <coroutine>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace velbrix {
+namespace detail {
+
+template <typename T> struct Race {
+    std::optional<T> answer;
+    std::coroutine_handle<> waiter;
+    std::unique_ptr<Alarm> alarm;
+    bool decided = false;
+
+    void decide()
+    {
+        if (std::exchange(decided, true))
+            return;
+        if (waiter)
+            std::exchange(waiter, nullptr).resume();
+    }
+};
+
+template <typename T> struct RaceDecided {
+    std::shared_ptr<Race<T>> race;
+    bool await_ready() const { return race->decided; }
+    void await_suspend(std::coroutine_handle<> waiter) const { race->waiter = waiter; }
+    void await_resume() const {}
+};
+
+template <typename T> QCoro::Task<> runInRace(std::shared_ptr<Race<T>> race, QCoro::Task<T> task)
+{
+    T answer = co_await task;
+    if (race->decided)
+        co_return;
+    race->answer = std::move(answer);
+    race->decide();
+}
+
+} // namespace detail
+
+// The task's answer, or nothing when it takes longer than the limit. The task
+// then goes on and its answer is dropped.
+template <typename T>
+QCoro::Task<std::optional<T>> withDeadline(Clock &clock, std::chrono::milliseconds limit, QCoro::Task<T> task)
+{
+    const auto race = std::make_shared<detail::Race<T>>();
+    detail::runInRace(race, std::move(task));
+    if (!race->decided)
+        race->alarm = clock.after(limit, [race] { race->decide(); });
+    const detail::RaceDecided<T> decided{race};
+    co_await decided;
+    // Breaks the circle of race, alarm and the alarm's call.
+    race->alarm.reset();
+    co_return std::move(race->answer);
+}
+
+} // namespace velbrix
