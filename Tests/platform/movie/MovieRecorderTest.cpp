@@ -36,8 +36,8 @@ private:
     static void submit(MovieRecorder &recorder, const TestPicture &picture, PixelRect changed,
                        std::int64_t tick)
     {
-        QVERIFY(QTest::qWaitFor(
-            [&] { return recorder.submit(picture.view(), std::span(&changed, 1), tick); }));
+        QVERIFY(
+            QTest::qWaitFor([&] { return recorder.submit(picture.view(), std::span(&changed, 1), tick); }));
     }
 
     QTemporaryDir _folder;
@@ -65,7 +65,7 @@ private Q_SLOTS:
 
         const QString path = settings().path;
         QByteArray errors;
-        decoded(path, u"0:v"_s, &errors);
+        pictures(path, &errors);
         QCOMPARE(errors, QByteArray());
         const QByteArrayList times = probed(path, u"packet=pts,flags"_s, u"v"_s).split('\n');
         QCOMPARE(times.size(), 70); // the last one repeated at the end
