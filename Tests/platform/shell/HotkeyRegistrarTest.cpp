@@ -224,6 +224,25 @@ private Q_SLOTS:
         QTRY_COMPARE(changes, 2);
     }
 
+    void aSecondLayoutThatIsSwitchedOnDoesNotMatter()
+    {
+        QCOMPARE(
+            QProcess::execute(u"setxkbmap"_s, {u"-layout"_s, u"us,ru"_s, u"-option"_s, u"grp:caps_toggle"_s}),
+            0);
+        Host host(true);
+        int pressed = 0;
+        QVERIFY(host.registrar().installHandler({[&](quint32) { ++pressed; }, {}}));
+        const auto held = host.registrar().registerHotkey(controlOptionD, 1);
+        QVERIFY(held);
+        host.press();
+        QTRY_COMPARE(pressed, 1);
+        host.user.tap({XTestKeyboard::capsLock});
+        host.press();
+        QTRY_COMPARE(pressed, 2);
+        host.user.tap({XTestKeyboard::capsLock});
+        QCOMPARE(QProcess::execute(u"setxkbmap"_s, {u"-layout"_s, u"us"_s, u"-option"_s}), 0);
+    }
+
     void anUnknownKeyIsRefusedInWords()
     {
         Host host(true);

@@ -1,6 +1,7 @@
 #include "platform/linux/shell/X11KeyMonitor.h"
 
 #include "foundation/HotkeyChord.h"
+#include "support/FakeKeyMonitor.h"
 #include "support/XTestKeyboard.h"
 
 #include <QApplication>
@@ -158,6 +159,28 @@ private Q_SLOTS:
         _user->tap({XTestKeyboard::leftControl, XTestKeyboard::keyD});
         QTRY_COMPARE(triggered, 1);
         QCOMPARE(swallowed, 2);
+    }
+
+    void theFakeKeepsTheSameOrder()
+    {
+        FakeKeyMonitor fake;
+        QStringList asked;
+        bool swallows = false;
+        const auto older = fake.watchLocal([&](const KeyPress &) {
+            asked.append(QStringLiteral("older"));
+            return false;
+        });
+        auto newer = fake.watchLocal([&](const KeyPress &) {
+            asked.append(QStringLiteral("newer"));
+            return swallows;
+        });
+        QVERIFY(!fake.pressLocal({keyD, 0, false}));
+        swallows = true;
+        QVERIFY(fake.pressLocal({keyD, 0, false}));
+        newer.reset();
+        QVERIFY(!fake.pressLocal({keyD, 0, false}));
+        QCOMPARE(asked.join(u' '), QStringLiteral("newer older newer older"));
+        QCOMPARE(fake.localCount(), 1);
     }
 
     void withoutX11GlobalKeysFailInWords()

@@ -75,8 +75,13 @@ void X11Keyboard::refresh()
     _map = std::move(map);
     _codes = KeyCodes(_map);
     // Never from inside codes(), whose caller is in the middle of something.
-    if (_changed)
-        QMetaObject::invokeMethod(this, _changed, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (const auto changed = _changed)
+                changed();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace velbrix
