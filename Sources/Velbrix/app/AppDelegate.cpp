@@ -59,6 +59,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
         return Launch::otherCopyRuns;
     }
     host.singleInstance->observeWake([this] { showWindow(); });
+    _services.settings.tidy();
     host.desktop->setAccessoryPresence();
     createStatusItem();
     _localKeyMonitor = host.keys->watchLocal(

@@ -1,4 +1,122 @@
-int main()
+#include "app/AppDelegate.h"
+#include "app/AppServices.h"
+#include "app/CommandClient.h"
+#include "platform/Platform.h"
+#include "views/DesktopShell.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <QStringList>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+
+namespace {
+
+std::array<int, 2> signalPipe = {-1, -1};
+
+// A signal ends the program like the tray's entry does, so that a recording
+// under way is completed.
+void forwardSignal(int)
 {
-    return 0;
+    const char byte = 1;
+    (void)!::write(signalPipe[0], &byte, 1);
+}
+
+void installSignalHandlers(AppDelegate &delegate)
+{
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe.data()) != 0)
+        return;
+    auto *notifier = new QSocketNotifier(signalPipe[1], QSocketNotifier::Read, &delegate);
+    QObject::connect(notifier, &QSocketNotifier::activated, &delegate, [&delegate, notifier] {
+        notifier->setEnabled(false);
+        delegate.quitApp();
+    });
+    struct sigaction action{};
+    action.sa_handler = forwardSignal;
+    action.sa_flags = static_cast<int>(SA_RESTART);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        ::sigaction(signal, &action, nullptr);
+}
+
+void setIdentity()
+{
+    QCoreApplication::setApplicationName(u"velbrix"_s);
+    QCoreApplication::setApplicationVersion(u"" VELBRIX_VERSION ""_s);
+    QCoreApplication::setOrganizationDomain(u"tamsel.com"_s);
+}
+
+int print(std::FILE *stream, const QString &text, int exitCode)
+{
+    std::fputs(text.toUtf8().constData(), stream);
+    return exitCode;
+}
+
+int runAsClient(int argc, char **argv, const ParsedCommand &command)
+{
+    QCoreApplication application(argc, argv);
+    setIdentity();
+    runCommand(command).then([](int exitCode) {
+        // Queued: the answer may be there before the event loop runs.
+        QMetaObject::invokeMethod(
+            qApp, [exitCode] { QCoreApplication::exit(exitCode); }, Qt::QueuedConnection);
+    });
+    return QCoreApplication::exec();
+}
+
+int runAsApplication(int argc, char **argv, bool inBackground)
+{
+    QApplication application(argc, argv);
+    setIdentity();
+    QGuiApplication::setApplicationDisplayName(u"Velbrix"_s);
+    QGuiApplication::setDesktopFileName(u"velbrix"_s);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+
+    AppServices &services = AppServices::shared();
+    DesktopShell shell(services);
+    AppDelegate delegate(services, shell);
+    shell.setDelegate(delegate);
+    if (delegate.applicationDidFinishLaunching(inBackground) == AppDelegate::Launch::otherCopyRuns)
+        return exitcode::done;
+
+    QObject::connect(&application, &QGuiApplication::applicationStateChanged, &delegate,
+                     [&delegate](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive)
+                             delegate.applicationDidBecomeActive();
+                         else
+                             delegate.applicationDidResignActive();
+                     });
+    QObject::connect(&delegate, &AppDelegate::terminate, &application, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
+                     &AppDelegate::applicationWillTerminate);
+    installSignalHandlers(delegate);
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+
+    if (words.contains(u"--help"_s))
+        return print(stdout, helpText(), exitcode::done);
+    if (words == QStringList{u"--version"_s})
+        return print(stdout, u"Velbrix " VELBRIX_VERSION "\n"_s, exitcode::done);
+    if (words.isEmpty() || words == QStringList{u"--background"_s})
+        return runAsApplication(argc, argv, !words.isEmpty());
+    const auto command = parseCommand(words);
+    if (!command)
+        return print(stderr, u"无法识别的命令。\n"_s + helpText(), exitcode::usage);
+    return runAsClient(argc, argv, *command);
 }

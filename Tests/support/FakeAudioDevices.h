@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/AudioDevices.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace velbrix::test {
+
+// Sound devices that the test plugs in and out.
+class FakeAudioDevices final : public AudioDevices {
+public:
+    Result<QList<AudioDeviceItem>> speakersAnswer =
+        QList<AudioDeviceItem>{{QStringLiteral("speaker"), QStringLiteral("Speaker"), std::nullopt, true}};
+    Result<QList<AudioDeviceItem>> microphonesAnswer =
+        QList<AudioDeviceItem>{{QStringLiteral("mic"), QStringLiteral("Microphone"), std::nullopt, true}};
+    Result<void> setDefaultAnswer;
+    QStringList calls; // "speakers", "microphones", "setDefaultSpeaker ID"
+
+    QCoro::Task<Result<QList<AudioDeviceItem>>> speakers() override
+    {
+        calls.append(QStringLiteral("speakers"));
+        co_return std::as_const(speakersAnswer);
+    }
+    QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override
+    {
+        calls.append(QStringLiteral("microphones"));
+        co_return std::as_const(microphonesAnswer);
+    }
+    QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) override
+    {
+        calls.append(QStringLiteral("setDefaultSpeaker ") + id);
+        if (setDefaultAnswer && speakersAnswer) {
+            for (AudioDeviceItem &speaker : *speakersAnswer)
+                speaker.isDefault = speaker.id == id;
+        }
+        co_return std::as_const(setDefaultAnswer);
+    }
+    void observeChanges(std::function<void()> changed) override { _observers.push_back(std::move(changed)); }
+
+    void changed()
+    {
+        for (const auto &observer : _observers)
+            observer();
+    }
+
+private:
+    std::vector<std::function<void()>> _observers;
+};
+
+} // namespace velbrix::test

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "app/AppServices.h"
+#include "platform/Platform.h"
+#include "support/FakeAudioDevices.h"
+#include "support/FakeDesktopServices.h"
+#include "support/FakeHotkeyRegistrar.h"
+#include "support/FakeKeyMonitor.h"
+#include "support/FakeLoginItem.h"
+#include "support/FakeMovieFiles.h"
+#include "support/FakePermissions.h"
+#include "support/FakeScreenCapture.h"
+#include "support/FakeSingleInstance.h"
+#include "support/FakeSymbols.h"
+#include "support/FakeUserNotifications.h"
+#include "support/MemorySettings.h"
+#include "support/VirtualClock.h"
+
+namespace velbrix::test {
+
+// A whole host of fakes: `platform` owns them, the references reach them.
+class FakePlatform {
+public:
+    explicit FakePlatform(Clock &clock)
+        : settings(make<MemorySettings>(platform.settings)),
+          hotkeys(make<FakeHotkeyRegistrar>(platform.hotkeys)),
+          keys(make<FakeKeyMonitor>(platform.keys)),
+          singleInstance(make<FakeSingleInstance>(platform.singleInstance)),
+          permissions(make<FakePermissions>(platform.permissions)),
+          notifications(make<FakeUserNotifications>(platform.notifications)),
+          screenCapture(make<FakeScreenCapture>(platform.screenCapture, clock)),
+          audioDevices(make<FakeAudioDevices>(platform.audioDevices)),
+          movieFiles(make<FakeMovieFiles>(platform.movieFiles, clock)),
+          loginItem(make<FakeLoginItem>(platform.loginItem)),
+          desktop(make<FakeDesktopServices>(platform.desktop)),
+          symbols(make<FakeSymbols>(platform.symbols))
+    {
+    }
+
+    Platform platform;
+    MemorySettings &settings;
+    FakeHotkeyRegistrar &hotkeys;
+    FakeKeyMonitor &keys;
+    FakeSingleInstance &singleInstance;
+    FakePermissions &permissions;
+    FakeUserNotifications &notifications;
+    FakeScreenCapture &screenCapture;
+    FakeAudioDevices &audioDevices;
+    FakeMovieFiles &movieFiles;
+    FakeLoginItem &loginItem;
+    FakeDesktopServices &desktop;
+    FakeSymbols &symbols;
+
+private:
+    template <typename Fake, typename Port, typename... Arguments>
+    static Fake &make(std::unique_ptr<Port> &port, Arguments &...arguments)
+    {
+        auto fake = std::make_unique<Fake>(arguments...);
+        Fake &reference = *fake;
+        port = std::move(fake);
+        return reference;
+    }
+};
+
+// The program's services on a virtual clock and a host of fakes. Change the
+// host, then call make().
+struct ServicesRig {
+    VirtualClock clock;
+    FakePlatform host{clock};
+    std::unique_ptr<AppServices> services;
+
+    AppServices &make()
+    {
+        services = std::make_unique<AppServices>(host.platform, clock);
+        return *services;
+    }
+};
+
+} // namespace velbrix::test
