@@ -21,7 +21,7 @@ constexpr quint32 f13 = 105;
 // What this program has selected of raw key events on the root.
 bool isListening()
 {
-    const auto x11 = x11Connection();
+    const auto x11 = qtX11Connection();
     const XcbReply<xcb_input_xi_get_selected_events_reply_t> reply(xcb_input_xi_get_selected_events_reply(
         x11->connection, xcb_input_xi_get_selected_events(x11->connection, x11->root), nullptr));
     for (auto it = xcb_input_xi_get_selected_events_masks_iterator(reply.get()); it.rem > 0;
@@ -56,7 +56,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        _monitor = std::make_unique<X11KeyMonitor>(std::make_shared<X11Keyboard>(*x11Connection()));
+        _monitor = std::make_unique<X11KeyMonitor>(std::make_shared<X11Keyboard>(*qtX11Connection()));
         _user = std::make_unique<XTestKeyboard>();
     }
     void cleanup()

@@ -18,7 +18,7 @@ quint8 firstXkbEvent(xcb_connection_t *connection)
 
 } // namespace
 
-X11Keyboard::X11Keyboard(const X11Connection &x11)
+X11Keyboard::X11Keyboard(const QtX11Connection &x11)
     : _x11(x11), _map(readKeyMap(x11.connection)), _codes(_map), _xkbEvent(firstXkbEvent(x11.connection))
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
