@@ -1,5 +1,6 @@
 #include "views/DesktopShell.h"
 
+#include "app/AppDelegate.h"
 #include "app/AppServices.h"
 #include "platform/Platform.h"
 #include "views/MainWindow.h"
@@ -118,8 +119,8 @@ void DesktopShell::showPrivacyStatement()
 MainWindow &DesktopShell::window()
 {
     if (!_window)
-        _window = std::make_unique<MainWindow>(_services, _theme,
-                                               [this] { return !_shouldClose || _shouldClose(); });
+        _window = std::make_unique<MainWindow>(
+            _services, _theme, [this] { return !_delegate || _delegate->windowShouldClose(); });
     return *_window;
 }
 

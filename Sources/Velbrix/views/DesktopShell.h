@@ -8,6 +8,7 @@
 
 namespace velbrix {
 
+class AppDelegate;
 class AppServices;
 class MainWindow;
 class StatusItem;
@@ -21,8 +22,9 @@ public:
     explicit DesktopShell(AppServices &services);
     ~DesktopShell() override;
 
-    // Asked when the user closes the window; without it the window closes.
-    void setWindowShouldClose(std::function<bool()> shouldClose) { _shouldClose = std::move(shouldClose); }
+    // Asked when the user closes the window; without one the window closes.
+    // It must live as long as events are handled.
+    void setDelegate(AppDelegate &delegate) { _delegate = &delegate; }
 
     void showMainWindow(const std::optional<QRect> &frame) override;
     void hideMainWindow() override;
@@ -47,7 +49,7 @@ private:
 
     AppServices &_services;
     Theme _theme;
-    std::function<bool()> _shouldClose;
+    AppDelegate *_delegate = nullptr;
     std::unique_ptr<MainWindow> _window;
     std::unique_ptr<StatusItem> _statusItem;
     std::unique_ptr<ToastStack> _toasts;
