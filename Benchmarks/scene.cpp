@@ -231,6 +231,8 @@ public:
     explicit Scene(std::string_view mode)
         : _mode(mode),
           _window(_screen.makeWindow({0, 0, _screen.width(), _screen.height()})),
+          // A window of its own: the page is never seen without its count.
+          _countWindow(_screen.makeWindow({0, 0, barcodeBits * barcodeSquare, barcodeSquare})),
           _page(_screen, _screen.width(), _screen.height() * 3),
           _barcode(_screen, barcodeBits * barcodeSquare, barcodeSquare),
           _video(_screen, 1280, mode == "part" ? 720 * videoFrames : 1)
@@ -269,7 +271,7 @@ private:
         for (int y = 0; y < barcodeSquare; ++y)
             for (int x = 0; x < barcodeBits * barcodeSquare; ++x)
                 _barcode.at(x, y) = ((count >> (x / barcodeSquare)) & 1) != 0 ? 0xffffff : 0;
-        _barcode.put(_window, {0, 0, barcodeBits * barcodeSquare, barcodeSquare}, 0, 0);
+        _barcode.put(_countWindow, {0, 0, barcodeBits * barcodeSquare, barcodeSquare}, 0, 0);
     }
 
     void workAtDesk(int count)
@@ -294,6 +296,7 @@ private:
     Screen _screen;
     Dice _dice;
     xcb_window_t _window;
+    xcb_window_t _countWindow;
     Picture _page;
     Picture _barcode;
     Picture _video;
