@@ -43,6 +43,16 @@ bool addInput(AVAssetWriter *writer, AVAssetWriterInput *input)
     });
 }
 
+// Seconds of a recording that a killed program may lose. A container without
+// fragments is still a movie once it is finished.
+void writeInFragments(AVAssetWriter *writer)
+{
+    caughtException(^{
+        writer.movieFragmentInterval = CMTimeMake(2, 1);
+        writer.initialMovieFragmentInterval = CMTimeMake(1, 1);
+    });
+}
+
 AVAssetWriterInput *addedAudioInput(AVAssetWriter *writer, const MovieSettings &settings, int bitRate)
 {
     AVAssetWriterInput *input = realTimeInput(
@@ -123,8 +133,7 @@ Result<std::shared_ptr<AssetMovieWriter>> AssetMovieWriter::open(const MovieSett
                                      error:&error];
     if (!writer)
         return std::unexpected(toFailure(error));
-    writer.movieFragmentInterval = CMTimeMake(2, 1);
-    writer.initialMovieFragmentInterval = CMTimeMake(1, 1);
+    writeInFragments(writer);
 
     auto d = std::make_unique<Private>();
     d->writer = writer;
