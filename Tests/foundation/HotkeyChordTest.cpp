@@ -31,7 +31,8 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, json);
         const QJsonDocument document = QJsonDocument::fromJson(json);
-        const QJsonValue value = document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
+        const QJsonValue value =
+            document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
         const auto decoded = HotkeyChord::fromJson(value);
         QTEST(decoded.has_value(), "valid");
         if (decoded) {

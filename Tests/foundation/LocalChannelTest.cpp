@@ -43,10 +43,7 @@ private Q_SLOTS:
         }
     }
 
-    void nobodyListensIsAFailure()
-    {
-        QVERIFY(!ask({}));
-    }
+    void nobodyListensIsAFailure() { QVERIFY(!ask({})); }
 
     void aDeadProgramsSocketIsReplaced()
     {

@@ -20,7 +20,9 @@ struct Rig {
 
     void start(ProcessRequest request)
     {
-        runner.run(std::move(request)).then([this](Result<ProcessOutcome> outcome) { answer = std::move(outcome); });
+        runner.run(std::move(request)).then([this](Result<ProcessOutcome> outcome) {
+            answer = std::move(outcome);
+        });
     }
     bool finished()
     {

@@ -34,7 +34,8 @@ class SettingsStoreTest : public QObject {
 private Q_SLOTS:
     void anotherTypeCountsAsAbsent()
     {
-        const Rig rig({{u"b"_s, true}, {u"n"_s, 2.5}, {u"s"_s, u"x"_s}, {u"o"_s, QJsonObject{}}, {u"null"_s, {}}});
+        const Rig rig(
+            {{u"b"_s, true}, {u"n"_s, 2.5}, {u"s"_s, u"x"_s}, {u"o"_s, QJsonObject{}}, {u"null"_s, {}}});
         const SettingsStore &store = *rig.store;
         QCOMPARE(store.boolean(u"b"_s), std::optional(true));
         QCOMPARE(store.boolean(u"n"_s), std::nullopt);

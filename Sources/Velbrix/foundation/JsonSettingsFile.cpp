@@ -70,7 +70,8 @@ QJsonObject JsonSettingsFile::load()
 void JsonSettingsFile::tidy()
 {
     const QFileInfo file(_path);
-    const QStringList strays = file.dir().entryList({file.fileName() + u".??????"_s}, QDir::Files | QDir::Hidden);
+    const QStringList strays =
+        file.dir().entryList({file.fileName() + u".??????"_s}, QDir::Files | QDir::Hidden);
     for (const QString &stray : strays) {
         if (isTemporaryName(stray))
             file.dir().remove(stray);

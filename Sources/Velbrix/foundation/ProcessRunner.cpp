@@ -37,7 +37,8 @@ public:
         _process.setStandardInputFile(QProcess::nullDevice());
         _process.setChildProcessModifier([] { ::setpgid(0, 0); });
         QObject::connect(&_process, &QProcess::readyReadStandardOutput, &_process, [this] { readOutput(); });
-        QObject::connect(&_process, &QProcess::readyReadStandardError, &_process, [this] { readErrorOutput(); });
+        QObject::connect(&_process, &QProcess::readyReadStandardError, &_process,
+                         [this] { readErrorOutput(); });
     }
     ~Run()
     {

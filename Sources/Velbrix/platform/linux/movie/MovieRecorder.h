@@ -63,7 +63,9 @@ public:
     virtual bool submit(const PictureView &picture, std::span<const PixelRect> changed,
                         std::int64_t tick) = 0;
     // Ends the movie at `lastTick`, repeating the last picture until then, and
-    // completes the file. Blocks for the queue and the final write.
+    // completes the file. Blocks for the queue and the final write. After
+    // events.failed it completes what there is. Fails without a picture, and
+    // when the file could not be completed (it is playable all the same).
     virtual Result<void> finish(std::int64_t lastTick) = 0;
 };
 
