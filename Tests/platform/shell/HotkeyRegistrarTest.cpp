@@ -238,6 +238,7 @@ private Q_SLOTS:
         QVERIFY(held);
         host.press();
         QTRY_COMPARE(pressed, 1);
+        QTest::qWait(20);
         host.user.tap({XTestKeyboard::capsLock});
         host.press();
         QTRY_COMPARE(pressed, 2);
