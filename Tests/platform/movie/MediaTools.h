@@ -19,23 +19,33 @@ inline QByteArray output(const QString &program, const QStringList &arguments, Q
     return process.readAllStandardOutput();
 }
 
-// The decoded pictures (0:v) or sound (0:a:0 …), as they come to a player.
-inline QByteArray decoded(const QString &path, const QString &stream, QByteArray *errors = nullptr)
-{
-    using namespace Qt::StringLiterals;
-    const bool isVideo = stream.startsWith(u"0:v"_s);
-    QStringList arguments{u"-v"_s, u"error"_s, u"-i"_s, path, u"-map"_s, stream};
-    arguments += isVideo ? QStringList{u"-fps_mode"_s, u"passthrough"_s, u"-f"_s, u"framemd5"_s, u"-"_s}
-                         : QStringList{u"-f"_s, u"f32le"_s, u"-"_s};
-    return output(u"ffmpeg"_s, arguments, errors);
-}
-
 inline QByteArray probed(const QString &path, const QString &entries, const QString &stream)
 {
     using namespace Qt::StringLiterals;
     return output(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, stream, u"-show_entries"_s,
                                  entries, u"-of"_s, u"csv=p=0"_s, path})
         .trimmed();
+}
+
+// One line for each decoded picture: its time on the movie's clock and its hash.
+inline QByteArray pictures(const QString &path, QByteArray *errors = nullptr)
+{
+    using namespace Qt::StringLiterals;
+    return output(u"ffmpeg"_s,
+                  {u"-v"_s, u"error"_s, u"-copyts"_s, u"-i"_s, path, u"-map"_s, u"0:v"_s, u"-fps_mode"_s,
+                   u"passthrough"_s, u"-f"_s, u"framemd5"_s, u"-"_s},
+                  errors);
+}
+
+// The decoded sound from the movie's time zero on, interleaved floats. What
+// stands before (the encoder's delay, where a reader does not hide it) is cut.
+inline QByteArray sound(const QString &path, const QString &stream = QStringLiteral("a:0"))
+{
+    using namespace Qt::StringLiterals;
+    const int start = probed(path, u"stream=start_pts"_s, stream).split('\n').first().toInt();
+    const QByteArray all = output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path, u"-map"_s,
+                                                u"0:"_s + stream, u"-f"_s, u"f32le"_s, u"-"_s});
+    return all.mid(start < 0 ? -start * 8 : 0);
 }
 
 inline QByteArray contents(const QString &path)

@@ -40,7 +40,7 @@ struct Host {
     explicit Host(bool isReal)
     {
         if (isReal)
-            real = std::make_unique<X11HotkeyRegistrar>(std::make_shared<X11Keyboard>(*x11Connection()));
+            real = std::make_unique<X11HotkeyRegistrar>(std::make_shared<X11Keyboard>(*qtX11Connection()));
     }
     HotkeyRegistrar &registrar() { return real ? static_cast<HotkeyRegistrar &>(*real) : fake; }
     void press()
@@ -222,6 +222,25 @@ private Q_SLOTS:
         QTRY_COMPARE(pressed, 1);
         setLayout(u"us"_s);
         QTRY_COMPARE(changes, 2);
+    }
+
+    void aSecondLayoutThatIsSwitchedOnDoesNotMatter()
+    {
+        QCOMPARE(
+            QProcess::execute(u"setxkbmap"_s, {u"-layout"_s, u"us,ru"_s, u"-option"_s, u"grp:caps_toggle"_s}),
+            0);
+        Host host(true);
+        int pressed = 0;
+        QVERIFY(host.registrar().installHandler({[&](quint32) { ++pressed; }, {}}));
+        const auto held = host.registrar().registerHotkey(controlOptionD, 1);
+        QVERIFY(held);
+        host.press();
+        QTRY_COMPARE(pressed, 1);
+        host.user.tap({XTestKeyboard::capsLock});
+        host.press();
+        QTRY_COMPARE(pressed, 2);
+        host.user.tap({XTestKeyboard::capsLock});
+        QCOMPARE(QProcess::execute(u"setxkbmap"_s, {u"-layout"_s, u"us"_s, u"-option"_s}), 0);
     }
 
     void anUnknownKeyIsRefusedInWords()

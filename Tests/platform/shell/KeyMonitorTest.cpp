@@ -1,6 +1,7 @@
 #include "platform/linux/shell/X11KeyMonitor.h"
 
 #include "foundation/HotkeyChord.h"
+#include "support/FakeKeyMonitor.h"
 #include "support/XTestKeyboard.h"
 
 #include <QApplication>
@@ -20,7 +21,7 @@ constexpr quint32 f13 = 105;
 // What this program has selected of raw key events on the root.
 bool isListening()
 {
-    const auto x11 = x11Connection();
+    const auto x11 = qtX11Connection();
     const XcbReply<xcb_input_xi_get_selected_events_reply_t> reply(xcb_input_xi_get_selected_events_reply(
         x11->connection, xcb_input_xi_get_selected_events(x11->connection, x11->root), nullptr));
     for (auto it = xcb_input_xi_get_selected_events_masks_iterator(reply.get()); it.rem > 0;
@@ -55,7 +56,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        _monitor = std::make_unique<X11KeyMonitor>(std::make_shared<X11Keyboard>(*x11Connection()));
+        _monitor = std::make_unique<X11KeyMonitor>(std::make_shared<X11Keyboard>(*qtX11Connection()));
         _user = std::make_unique<XTestKeyboard>();
     }
     void cleanup()
@@ -158,6 +159,28 @@ private Q_SLOTS:
         _user->tap({XTestKeyboard::leftControl, XTestKeyboard::keyD});
         QTRY_COMPARE(triggered, 1);
         QCOMPARE(swallowed, 2);
+    }
+
+    void theFakeKeepsTheSameOrder()
+    {
+        FakeKeyMonitor fake;
+        QStringList asked;
+        bool swallows = false;
+        const auto older = fake.watchLocal([&](const KeyPress &) {
+            asked.append(QStringLiteral("older"));
+            return false;
+        });
+        auto newer = fake.watchLocal([&](const KeyPress &) {
+            asked.append(QStringLiteral("newer"));
+            return swallows;
+        });
+        QVERIFY(!fake.pressLocal({keyD, 0, false}));
+        swallows = true;
+        QVERIFY(fake.pressLocal({keyD, 0, false}));
+        newer.reset();
+        QVERIFY(!fake.pressLocal({keyD, 0, false}));
+        QCOMPARE(asked.join(u' '), QStringLiteral("newer older newer older"));
+        QCOMPARE(fake.localCount(), 1);
     }
 
     void withoutX11GlobalKeysFailInWords()

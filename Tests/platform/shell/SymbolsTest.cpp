@@ -89,11 +89,13 @@ private Q_SLOTS:
         const ThemeSymbols symbols;
         const QIcon icon = symbols.icon(name);
         QVERIFY(!icon.isNull());
-        const QImage picture = icon.pixmap(QSize(22, 22), 1.0).toImage();
-        QVERIFY(!picture.isNull());
-        const double drawn = coverage(picture.convertToFormat(QImage::Format_ARGB32));
-        QVERIFY2(drawn > 0.01, "nothing is drawn");
-        QVERIFY2(drawn < 0.75, "tinted, this would be a solid block");
+        for (const int size : {18, 36, 64}) {
+            const QImage picture = icon.pixmap(QSize(size, size), 1.0).toImage();
+            QVERIFY(!picture.isNull());
+            const double drawn = coverage(picture.convertToFormat(QImage::Format_ARGB32));
+            QVERIFY2(drawn > 0.01, "nothing is drawn");
+            QVERIFY2(drawn < 0.6, "tinted, this would be a blot");
+        }
     }
 
     void anUnknownNameIsNull() { QVERIFY(ThemeSymbols().icon(QStringLiteral("no.such.symbol")).isNull()); }

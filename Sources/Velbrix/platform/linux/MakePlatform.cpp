@@ -3,6 +3,10 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/movie/LinuxMovieFiles.h"
+#include "platform/linux/movie/MovieRecorder.h"
+#include "platform/linux/movie/PulseAudioDevices.h"
+#include "platform/linux/screen/X11ScreenCapture.h"
 #include "platform/linux/shell/FolderSingleInstance.h"
 #include "platform/linux/shell/FreedesktopNotifications.h"
 #include "platform/linux/shell/LinuxDesktopServices.h"
@@ -33,7 +37,7 @@ std::unique_ptr<SingleInstance> makeSingleInstance()
 Platform makePlatform(Clock &)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    const auto x11 = x11Connection();
+    const auto x11 = qtX11Connection();
     const auto keyboard = x11 ? std::make_shared<X11Keyboard>(*x11) : nullptr;
 
     Platform platform;
@@ -43,6 +47,9 @@ Platform makePlatform(Clock &)
     platform.singleInstance = makeSingleInstance();
     platform.permissions = std::make_unique<LinuxPermissions>();
     platform.notifications = std::make_unique<FreedesktopNotifications>();
+    platform.screenCapture = std::make_unique<X11ScreenCapture>(MovieRecorder::create);
+    platform.audioDevices = std::make_unique<PulseAudioDevices>();
+    platform.movieFiles = std::make_unique<LinuxMovieFiles>();
     platform.loginItem = std::make_unique<XdgLoginItem>(configuration + u"/autostart/velbrix.desktop"_s,
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();

@@ -4,6 +4,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavutil/log.h>
 }
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,7 @@ namespace velbrix {
 
 Result<std::unique_ptr<AacEncoder>> AacEncoder::create(int sampleRate, int channels, int bitRate)
 {
+    av_log_set_level(AV_LOG_ERROR);
     const AVCodec *codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
     if (!codec)
         return failure(u"系统的编解码库没有 AAC 编码器"_s);

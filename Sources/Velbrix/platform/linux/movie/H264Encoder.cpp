@@ -26,7 +26,7 @@ x264_param_t parameters(const MovieSettings &settings)
     p.i_csp = X264_CSP_I420;
     p.i_fps_num = static_cast<std::uint32_t>(settings.framesPerSecond);
     p.i_fps_den = 1;
-    p.b_vfr_input = 1;
+    p.b_vfr_input = 0; // with it each packet would wait for the next picture
     p.i_timebase_num = 1;
     p.i_timebase_den = static_cast<std::uint32_t>(settings.framesPerSecond);
     const double pixelRate = 1.0 * settings.width * settings.height * settings.framesPerSecond;
@@ -80,16 +80,22 @@ Result<std::unique_ptr<H264Encoder>> H264Encoder::create(const MovieSettings &se
     encoder->_encoder = x264_encoder_open(&p);
     if (!encoder->_encoder)
         return failure(u"无法启动 H.264 编码器"_s);
-    if (auto read = encoder->readHeaders(); !read)
+    // The headers shall say that the time between pictures varies. All else is the same.
+    p.b_vfr_input = 1;
+    x264_t *twin = x264_encoder_open(&p);
+    Result<void> read = twin ? encoder->readHeaders(twin) : failure(u"无法启动 H.264 编码器"_s);
+    if (twin)
+        x264_encoder_close(twin);
+    if (!read)
         return std::unexpected(read.error());
     return encoder;
 }
 
-Result<void> H264Encoder::readHeaders()
+Result<void> H264Encoder::readHeaders(x264_t *from)
 {
     x264_nal_t *units = nullptr;
     int count = 0;
-    x264_encoder_headers(_encoder, &units, &count);
+    x264_encoder_headers(from, &units, &count);
     std::span<const std::uint8_t> sps;
     std::span<const std::uint8_t> pps;
     for (const x264_nal_t &unit : std::span(units, static_cast<std::size_t>(std::max(count, 0)))) {

@@ -41,7 +41,7 @@ public:
 
 private:
     explicit H264Encoder(const MovieSettings &settings);
-    Result<void> readHeaders();
+    Result<void> readHeaders(x264_t *from);
     Result<void> run(x264_picture_t *in, const Sink &sink);
     std::uint8_t *unchangedBlocks(std::span<const PixelRect> changed) const;
 

@@ -44,8 +44,8 @@ private:
     void appendSilence(std::int64_t count);
     std::int64_t deviation() const;
 
-    const int _sampleRate;
-    const std::size_t _channels;
+    int _sampleRate;
+    std::size_t _channels;
     std::int64_t _zero = 0;
     std::int64_t _position = 0;
     std::vector<float> _ready;

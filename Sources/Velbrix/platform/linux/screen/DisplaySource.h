@@ -2,7 +2,7 @@
 
 #include "platform/linux/screen/FrameSource.h"
 #include "platform/linux/screen/ScreenLayers.h"
-#include "platform/linux/screen/WindowCatalog.h"
+#include "platform/linux/screen/WindowList.h"
 
 #include <QList>
 

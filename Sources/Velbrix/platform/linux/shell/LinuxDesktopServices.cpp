@@ -1,8 +1,8 @@
 #include "platform/linux/shell/LinuxDesktopServices.h"
 
 #include "foundation/Log.h"
+#include "platform/linux/shell/QtX11.h"
 #include "platform/linux/shell/SessionBus.h"
-#include "platform/linux/shell/X11Connection.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -53,7 +53,7 @@ void LinuxDesktopServices::activate()
 
 void LinuxDesktopServices::beep()
 {
-    const auto x11 = x11Connection();
+    const auto x11 = qtX11Connection();
     if (!x11)
         return;
     xcb_bell(x11->connection, 0);

@@ -1,7 +1,7 @@
 #include "platform/linux/shell/LinuxPermissions.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/shell/X11Connection.h"
+#include "platform/linux/shell/QtX11.h"
 
 #include <cstring>
 
@@ -23,7 +23,7 @@ bool isInsideWayland(xcb_connection_t *connection)
 
 LinuxPermissions::LinuxPermissions()
 {
-    if (const auto x11 = x11Connection())
+    if (const auto x11 = qtX11Connection())
         _session = isInsideWayland(x11->connection) ? Session::xwayland : Session::x11;
 }
 

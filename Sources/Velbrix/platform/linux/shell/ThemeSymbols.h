@@ -2,10 +2,12 @@
 
 #include "platform/Symbols.h"
 
+#include <QStringList>
+
 namespace velbrix {
 
-// SF Symbol names as icons of the icon theme, with the Breeze set for what the
-// theme lacks and for desktops that have no icon theme.
+// SF Symbol names as drawings of the Breeze icon set, whatever icon theme the
+// desktop has; without that set, as icons of the desktop's theme.
 class ThemeSymbols final : public Symbols {
 public:
     ThemeSymbols();
@@ -13,6 +15,9 @@ public:
     QIcon icon(const QString &symbolName) const override;
     // Every name that has a picture.
     static QStringList names();
+
+private:
+    const QStringList _folders; // of icon themes
 };
 
 } // namespace velbrix

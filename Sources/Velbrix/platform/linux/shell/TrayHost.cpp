@@ -21,7 +21,7 @@ const QString watcherPath = u"/StatusNotifierWatcher"_s;
 
 } // namespace
 
-TrayHost::TrayHost() : _x11(x11Connection())
+TrayHost::TrayHost() : _x11(qtX11Connection())
 {
     watchXembed();
     watchItemHosts();

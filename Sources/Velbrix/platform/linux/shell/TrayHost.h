@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/shell/X11Connection.h"
+#include "platform/linux/shell/QtX11.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
@@ -30,7 +30,7 @@ private:
     void setXembed(bool present);
     void setItemHost(bool present);
 
-    std::optional<X11Connection> _x11;
+    std::optional<QtX11Connection> _x11;
     xcb_atom_t _selection = XCB_ATOM_NONE;
     quint8 _selectionEvent = 0;
     quint64 _question = 0;

@@ -29,10 +29,12 @@ public:
     }
     ~Grabs() override
     {
+        // The connection and its grabs end with the application.
+        if (!QCoreApplication::instance())
+            return;
         for (const Grab &grab : _grabs)
             ungrab(grab);
-        if (QCoreApplication::instance())
-            QCoreApplication::instance()->removeNativeEventFilter(this);
+        QCoreApplication::instance()->removeNativeEventFilter(this);
     }
 
     std::function<void(quint32 id)> pressed;

@@ -18,7 +18,7 @@ quint8 firstXkbEvent(xcb_connection_t *connection)
 
 } // namespace
 
-X11Keyboard::X11Keyboard(const X11Connection &x11)
+X11Keyboard::X11Keyboard(const QtX11Connection &x11)
     : _x11(x11), _map(readKeyMap(x11.connection)), _codes(_map), _xkbEvent(firstXkbEvent(x11.connection))
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
@@ -75,8 +75,13 @@ void X11Keyboard::refresh()
     _map = std::move(map);
     _codes = KeyCodes(_map);
     // Never from inside codes(), whose caller is in the middle of something.
-    if (_changed)
-        QMetaObject::invokeMethod(this, _changed, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (const auto changed = _changed)
+                changed();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace velbrix

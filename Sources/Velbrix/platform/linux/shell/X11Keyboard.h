@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/shell/KeyCodes.h"
-#include "platform/linux/shell/X11Connection.h"
+#include "platform/linux/shell/QtX11.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
@@ -13,10 +13,10 @@ namespace velbrix {
 // The keyboard of the X server Qt is connected to. Main thread.
 class X11Keyboard final : public QObject, private QAbstractNativeEventFilter {
 public:
-    explicit X11Keyboard(const X11Connection &x11);
+    explicit X11Keyboard(const QtX11Connection &x11);
     ~X11Keyboard() override;
 
-    const X11Connection &x11() const { return _x11; }
+    const QtX11Connection &x11() const { return _x11; }
     const KeyCodes &codes();
     // Called when keys or modifiers mean something else than before, once for
     // a burst of changes.
@@ -27,7 +27,7 @@ private:
     void scheduleRefresh();
     void refresh();
 
-    const X11Connection _x11;
+    const QtX11Connection _x11;
     X11KeyMap _map;
     KeyCodes _codes;
     quint8 _xkbEvent = 0;

@@ -1,10 +1,10 @@
-#include "platform/linux/shell/X11Connection.h"
+#include "platform/linux/shell/QtX11.h"
 
 #include <QGuiApplication>
 
 namespace velbrix {
 
-std::optional<X11Connection> x11Connection()
+std::optional<QtX11Connection> qtX11Connection()
 {
     const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
     if (!application)
@@ -12,7 +12,7 @@ std::optional<X11Connection> x11Connection()
     const auto *x11 = application->nativeInterface<QNativeInterface::QX11Application>();
     if (!x11 || !x11->connection())
         return std::nullopt;
-    X11Connection found;
+    QtX11Connection found;
     found.connection = x11->connection();
     found.root = xcb_setup_roots_iterator(xcb_get_setup(found.connection)).data->root;
     return found;

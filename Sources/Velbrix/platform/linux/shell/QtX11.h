@@ -18,14 +18,14 @@ template <typename T> using XcbReply = std::unique_ptr<T, XcbFree>;
 
 // Qt's own connection to the X server and its first screen. It lives as long
 // as the QGuiApplication.
-struct X11Connection {
+struct QtX11Connection {
     xcb_connection_t *connection = nullptr;
     xcb_window_t root = XCB_NONE;
     int screen = 0;
 };
 
 // Nothing when the program does not run on X11.
-std::optional<X11Connection> x11Connection();
+std::optional<QtX11Connection> qtX11Connection();
 
 // The keyboard as the server describes it now; empty when it does not answer.
 X11KeyMap readKeyMap(xcb_connection_t *connection);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/AudioDevices.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace velbrix {
+
+class PulseWatch;
+
+// The devices of the PulseAudio server. Nothing is connected before the first
+// question; a server that comes back is found with the next one.
+class PulseAudioDevices final : public QObject, public AudioDevices {
+    Q_OBJECT
+
+public:
+    PulseAudioDevices();
+    ~PulseAudioDevices() override;
+
+    QCoro::Task<Result<QList<AudioDeviceItem>>> speakers() override;
+    QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override;
+    QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) override;
+    void observeChanges(std::function<void()> changed) override;
+
+private:
+    void watch();
+    void announce();
+
+    std::unique_ptr<PulseWatch> _watch;
+    std::vector<std::function<void()>> _observers;
+    std::atomic<bool> _isAnnounced = false; // a change is on its way to the main thread
+};
+
+} // namespace velbrix

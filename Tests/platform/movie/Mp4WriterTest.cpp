@@ -1,0 +1,163 @@
+#include "LiveMovie.h"
+#include "MediaTools.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+// The names of the boxes at the top of a file.
+QByteArrayList boxNames(const QByteArray &bytes)
+{
+    QByteArrayList names;
+    for (qsizetype at = 0; at + 8 <= bytes.size();) {
+        const auto number = [&](qsizetype from, int count) {
+            quint64 value = 0;
+            for (int i = 0; i < count; ++i)
+                value = (value << 8) | static_cast<quint8>(bytes[from + i]);
+            return value;
+        };
+        names.append(bytes.mid(at + 4, 4));
+        quint64 size = number(at, 4);
+        if (size == 1)
+            size = number(at + 8, 8);
+        at += static_cast<qsizetype>(size);
+    }
+    return names;
+}
+
+} // namespace
+
+class Mp4WriterTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir _folder;
+    QString path(const QString &name) const { return _folder.filePath(name); }
+
+private Q_SLOTS:
+    void growsByFragmentsAndEndsAsAnOrdinaryMovie()
+    {
+        const QString file = path(u"movie.mp4"_s);
+        LiveMovie movie(file);
+        QCOMPARE(boxNames(contents(file)), (QByteArrayList{"ftyp", "free", "moov"}));
+        movie.record(5);
+        const QByteArrayList live = boxNames(contents(file));
+        QCOMPARE(live.mid(0, 3), (QByteArrayList{"ftyp", "free", "moov"}));
+        QVERIFY(live.count("moof") >= 4);
+        QCOMPARE(live.count("moof"), live.count("mdat"));
+        QVERIFY(movie.finish());
+        QCOMPARE(boxNames(contents(file)), (QByteArrayList{"ftyp", "mdat", "moov"}));
+        QVERIFY(!movie.failure);
+    }
+
+    void liveAndFinishedDecodeAlike()
+    {
+        const QString file = path(u"both.mp4"_s);
+        const QString live = path(u"live.mp4"_s);
+        const QString reference = path(u"reference.mp4"_s);
+        LiveMovie movie(file);
+        movie.record(5);
+        const QByteArray killed = contents(file);
+        QVERIFY(movie.finish());
+        writeFile(live, killed);
+        // The same packets through another muxer.
+        output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, file, u"-c"_s, u"copy"_s, reference});
+
+        QByteArray errors;
+        const QByteArray shown = pictures(file, &errors);
+        QCOMPARE(errors, QByteArray());
+        const QByteArray livePictures = pictures(live, &errors);
+        QCOMPARE(errors, QByteArray());
+        QVERIFY(livePictures.size() > shown.size() / 2);
+        QVERIFY(shown.startsWith(livePictures));
+        QCOMPARE(pictures(reference), shown);
+
+        const QByteArray heard = sound(file);
+        const QByteArray liveSound = sound(live);
+        QVERIFY(liveSound.size() > heard.size() / 2);
+        QVERIFY(heard.startsWith(liveSound));
+        QVERIFY(sound(reference).startsWith(heard.left(5 * 48000 * 8 - 8192)));
+    }
+
+    void soundStandsWhereItWasRecorded()
+    {
+        const QString file = path(u"heard.mp4"_s);
+        LiveMovie movie(file);
+        movie.record(3);
+        QVERIFY(movie.finish());
+        const QByteArray heard = sound(file);
+        const auto *samples = reinterpret_cast<const float *>(heard.constData());
+        const qsizetype count = heard.size() / qsizetype{sizeof(float)} / 2;
+        QVERIFY(count >= 3 * 48000 && count < 3 * 48000 + 2 * 1024);
+        QList<qsizetype> clicks;
+        for (qsizetype i = 0; i < count; ++i)
+            if (samples[2 * i] > 0.25F && (clicks.isEmpty() || i - clicks.last() > 12000))
+                clicks.append(i);
+        QCOMPARE(clicks.size(), 6);
+        for (qsizetype i = 0; i < clicks.size(); ++i)
+            QVERIFY2(qAbs(clicks[i] - i * 24000) <= 24, qPrintable(QString::number(clicks[i])));
+    }
+
+    void lastPictureLastsUntilTheEnd()
+    {
+        const QString file = path(u"last.mp4"_s);
+        LiveMovie movie(file);
+        movie.record(2);
+        QVERIFY(movie.finish());
+        const QByteArrayList packets = probed(file, u"packet=pts,duration"_s, u"v"_s).split('\n');
+        QCOMPARE(packets.size(), 36);
+        QCOMPARE(packets[1], QByteArray("1000,1000"));
+        QCOMPARE(packets.last(), QByteArray("55000,5000"));
+        QCOMPARE(probed(file, u"stream=duration_ts"_s, u"v"_s), QByteArray("60000"));
+    }
+
+    void fullDiskLeavesAPlayableMovie_data()
+    {
+        QTest::addColumn<int>("limit");
+        QTest::newRow("in the second fragment") << 300'000;
+        QTest::newRow("later") << 700'000;
+    }
+    // A limit on the size of files stands for the full disk.
+    void fullDiskLeavesAPlayableMovie()
+    {
+        QFETCH(int, limit);
+        const QString file = path(u"full%1.mp4"_s.arg(limit));
+        LiveMovie movie(file);
+        movie.record(1);
+        rlimit before = {};
+        ::getrlimit(RLIMIT_FSIZE, &before);
+        const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit tight = before;
+        tight.rlim_cur = static_cast<rlim_t>(QFileInfo(file).size() + limit);
+        ::setrlimit(RLIMIT_FSIZE, &tight);
+        movie.record(10);
+        const auto finished = movie.finish();
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, ignored);
+
+        QVERIFY(movie.failure);
+        QCOMPARE(movie.failure->message, u"录制文件已达到允许的最大大小"_s);
+        QVERIFY(finished); // the header still fits where the last fragment did not
+        QByteArray errors;
+        const QByteArray shown = pictures(file, &errors);
+        QCOMPARE(errors, QByteArray());
+        QVERIFY(shown.count('\n') > 20);
+    }
+
+    void noFolder()
+    {
+        const auto writer = Mp4Writer::create(path(u"none/movie.mp4"_s), std::vector<TrackDescription>(1));
+        QVERIFY(!writer);
+        QCOMPARE(writer.error().message, u"无法创建录制文件：No such file or directory"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(Mp4WriterTest)
+#include "Mp4WriterTest.moc"
