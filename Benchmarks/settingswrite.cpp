@@ -14,6 +14,8 @@
 #include <QSaveFile>
 #include <QTimer>
 
+#include <time.h>
+
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -33,6 +35,13 @@ QJsonObject usualSettings()
 double milliseconds(const QElapsedTimer &timer)
 {
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+double monotonicSeconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 int compare(const QString &path, int rounds)
@@ -62,10 +71,13 @@ int burst(const QString &path, int changes)
     SystemClock clock;
     SettingsStore store(std::make_unique<JsonSettingsFile>(path), clock);
     QTimer groups;
+    groups.setTimerType(Qt::PreciseTimer);
     int group = 0;
     QObject::connect(&groups, &QTimer::timeout, [&] {
         for (int i = 0; i < changes / 3; ++i)
             store.set(u"Velbrix_Example_key%1"_s.arg(i % 80), group * changes + i);
+        if (group == 0)
+            std::printf("%.4f\n", monotonicSeconds());
         if (++group == 3)
             groups.stop();
     });
