@@ -35,8 +35,6 @@ function(velbrix_test path)
     add_executable(${name} ${CMAKE_CURRENT_SOURCE_DIR}/${path}.cpp)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} velbrix_core velbrix_warnings Qt6::Test)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/Tests)
-    # Qt tells every test its folders; with that no two could share a precompiled header.
-    target_compile_options(${name} PRIVATE -UQT_TESTCASE_BUILDDIR -UQT_TESTCASE_SOURCEDIR)
     target_precompile_headers(${name} REUSE_FROM velbrix_test_headers)
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 60)

@@ -21,12 +21,12 @@ public:
     QCoro::Task<Result<QList<AudioDeviceItem>>> speakers() override
     {
         calls.append(QStringLiteral("speakers"));
-        co_return speakersAnswer;
+        co_return std::as_const(speakersAnswer);
     }
     QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override
     {
         calls.append(QStringLiteral("microphones"));
-        co_return microphonesAnswer;
+        co_return std::as_const(microphonesAnswer);
     }
     QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) override
     {
@@ -35,7 +35,7 @@ public:
             for (AudioDeviceItem &speaker : *speakersAnswer)
                 speaker.isDefault = speaker.id == id;
         }
-        co_return setDefaultAnswer;
+        co_return std::as_const(setDefaultAnswer);
     }
     void observeChanges(std::function<void()> changed) override { _observers.push_back(std::move(changed)); }
 

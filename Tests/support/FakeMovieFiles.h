@@ -2,6 +2,7 @@
 
 #include "foundation/Clock.h"
 #include "platform/MovieFiles.h"
+#include <utility>
 
 #include <QStringList>
 
@@ -23,14 +24,14 @@ public:
         calls.append(QStringLiteral("inspect ") + path);
         if (delay.count() > 0)
             co_await Pause(_clock, delay);
-        co_return facts;
+        co_return std::as_const(facts);
     }
     QCoro::Task<Result<void>> repair(const QString path) override
     {
         calls.append(QStringLiteral("repair ") + path);
         if (delay.count() > 0)
             co_await Pause(_clock, delay);
-        co_return repairAnswer;
+        co_return std::as_const(repairAnswer);
     }
 
 private:

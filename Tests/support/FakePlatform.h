@@ -22,7 +22,8 @@ namespace velbrix::test {
 class FakePlatform {
 public:
     explicit FakePlatform(Clock &clock)
-        : settings(make<MemorySettings>(platform.settings)), hotkeys(make<FakeHotkeyRegistrar>(platform.hotkeys)),
+        : settings(make<MemorySettings>(platform.settings)),
+          hotkeys(make<FakeHotkeyRegistrar>(platform.hotkeys)),
           keys(make<FakeKeyMonitor>(platform.keys)),
           singleInstance(make<FakeSingleInstance>(platform.singleInstance)),
           permissions(make<FakePermissions>(platform.permissions)),
@@ -30,7 +31,8 @@ public:
           screenCapture(make<FakeScreenCapture>(platform.screenCapture, clock)),
           audioDevices(make<FakeAudioDevices>(platform.audioDevices)),
           movieFiles(make<FakeMovieFiles>(platform.movieFiles, clock)),
-          loginItem(make<FakeLoginItem>(platform.loginItem)), desktop(make<FakeDesktopServices>(platform.desktop)),
+          loginItem(make<FakeLoginItem>(platform.loginItem)),
+          desktop(make<FakeDesktopServices>(platform.desktop)),
           symbols(make<FakeSymbols>(platform.symbols))
     {
     }

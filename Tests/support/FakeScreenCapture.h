@@ -119,7 +119,7 @@ public:
             co_await Pause(_clock, state->finishDelay);
         if (state->finishWritingAnswer && state->onFinish)
             state->onFinish(state->path);
-        co_return state->finishWritingAnswer;
+        co_return std::as_const(state->finishWritingAnswer);
     }
 
     Result<void> addOutput(CaptureOutput output) override
@@ -136,7 +136,7 @@ public:
         state->calls << QStringLiteral("startCapture");
         if (state->startDelay.count() > 0)
             co_await Pause(_clock, state->startDelay);
-        co_return state->startCaptureAnswer;
+        co_return std::as_const(state->startCaptureAnswer);
     }
 
     QCoro::Task<Result<void>> stopCapture() override
@@ -145,7 +145,7 @@ public:
         state->calls << QStringLiteral("stopCapture");
         if (state->stopDelay.count() > 0)
             co_await Pause(_clock, state->stopDelay);
-        co_return state->stopCaptureAnswer;
+        co_return std::as_const(state->stopCaptureAnswer);
     }
 
     CaptureLedger &ledger() override { return _ledger; }
@@ -186,7 +186,7 @@ public:
         calls << QStringLiteral("shareableContent");
         if (contentDelay.count() > 0)
             co_await Pause(_clock, contentDelay);
-        co_return contentAnswer;
+        co_return std::as_const(contentAnswer);
     }
 
     QCoro::Task<Result<QImage>> windowImage(quint32 windowId, QSize size) override
@@ -195,7 +195,7 @@ public:
         if (imageDelay.count() > 0)
             co_await Pause(_clock, imageDelay);
         if (const auto answer = imageAnswers.find(windowId); answer != imageAnswers.end())
-            co_return answer->second;
+            co_return std::as_const(answer->second);
         QImage grey(size, QImage::Format_RGB32);
         grey.fill(Qt::gray);
         co_return grey;

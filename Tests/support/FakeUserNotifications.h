@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/UserNotifications.h"
+#include <utility>
 
 #include <QStringList>
 
@@ -19,12 +20,12 @@ public:
     QCoro::Task<Result<bool>> requestAuthorization() override
     {
         calls.append(QStringLiteral("requestAuthorization"));
-        co_return authorization;
+        co_return std::as_const(authorization);
     }
     QCoro::Task<NotificationSettings> settings() override
     {
         calls.append(QStringLiteral("settings"));
-        co_return current;
+        co_return std::as_const(current);
     }
 };
 

@@ -93,8 +93,10 @@ int runAsApplication(int argc, char **argv, bool inBackground)
                          else
                              delegate.applicationDidResignActive();
                      });
-    QObject::connect(&delegate, &AppDelegate::terminate, &application, &QCoreApplication::quit, Qt::QueuedConnection);
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
+    QObject::connect(&delegate, &AppDelegate::terminate, &application, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
+                     &AppDelegate::applicationWillTerminate);
     installSignalHandlers(delegate);
     return QApplication::exec();
 }

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -27,13 +28,14 @@ void syncFolder(const QString &folder)
     ::close(descriptor);
 }
 
-void sweepTemporaries(const QFileInfo &file)
+// QSaveFile ends its names in six letters of both cases; a "settings.json.backup"
+// is the user's own.
+bool isTemporaryName(const QString &name)
 {
-    // QSaveFile's own pattern: the file's name, a dot and six letters.
-    const QStringList strays =
-        file.dir().entryList({file.fileName() + u".??????"_s}, QDir::Files | QDir::Hidden);
-    for (const QString &stray : strays)
-        file.dir().remove(stray);
+    const QStringView suffix = QStringView(name).last(6);
+    const auto all = [&](auto &&test) { return std::ranges::all_of(suffix, test); };
+    return all([](QChar c) { return c.isLetter(); }) && !all([](QChar c) { return c.isLower(); }) &&
+           !all([](QChar c) { return c.isUpper(); });
 }
 
 void setAside(const QString &path)
@@ -52,7 +54,6 @@ JsonSettingsFile::JsonSettingsFile(QString path) : _path(std::move(path)) {}
 
 QJsonObject JsonSettingsFile::load()
 {
-    sweepTemporaries(QFileInfo(_path));
     QFile file(_path);
     if (!file.exists())
         return {};
@@ -64,6 +65,17 @@ QJsonObject JsonSettingsFile::load()
     file.close();
     setAside(_path);
     return {};
+}
+
+void JsonSettingsFile::tidy()
+{
+    const QFileInfo file(_path);
+    const QStringList strays =
+        file.dir().entryList({file.fileName() + u".??????"_s}, QDir::Files | QDir::Hidden);
+    for (const QString &stray : strays) {
+        if (isTemporaryName(stray))
+            file.dir().remove(stray);
+    }
 }
 
 Result<void> JsonSettingsFile::save(const QJsonObject &all, const QStringList &)

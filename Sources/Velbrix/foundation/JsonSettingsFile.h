@@ -12,9 +12,9 @@ class JsonSettingsFile final : public SettingsBackend {
 public:
     explicit JsonSettingsFile(QString path);
 
-    // Also removes what killed writes have left beside the file. A file that
-    // is not a JSON object is kept under a name ending in ".damaged".
+    // A file that is not a JSON object is kept under a name ending in ".damaged".
     QJsonObject load() override;
+    void tidy() override;
     Result<void> save(const QJsonObject &all, const QStringList &changed) override;
 
 private:

@@ -2,7 +2,6 @@
 
 #include "foundation/RuntimeFolder.h"
 
-#include <QCoroLocalSocket>
 #include <QCoroSignal>
 #include <QJsonDocument>
 #include <QLocalServer>
@@ -84,9 +83,10 @@ QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject reque
 QCoro::Task<Result<QJsonObject>> askLocalChannel(QString path, QJsonObject request)
 {
     QLocalSocket socket;
-    auto asking = qCoro(socket);
-    const bool connected = co_await asking.connectToServer(path, QIODeviceBase::ReadWrite, 3s);
-    if (!connected)
+    socket.connectToServer(path);
+    if (socket.state() == QLocalSocket::ConnectingState)
+        co_await qCoro(&socket, &QLocalSocket::stateChanged);
+    if (socket.state() != QLocalSocket::ConnectedState)
         co_return failure(socket.errorString());
     socket.write(line(request));
     // The answer is complete when the other side hangs up.

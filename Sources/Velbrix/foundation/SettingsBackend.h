@@ -15,6 +15,9 @@ public:
     // Everything that is stored. A store that cannot be read is set aside,
     // not overwritten, and counts as empty; the failure says what happened.
     virtual QJsonObject load() = 0;
+    // Removes what killed writes have left behind. Only for the one running
+    // copy of the program: it would take another copy's write from under it.
+    virtual void tidy() {}
     // Stores `all`, of which `changed` differ from what is stored (a key that
     // `all` lacks was removed). Either everything is stored or nothing.
     virtual Result<void> save(const QJsonObject &all, const QStringList &changed) = 0;

@@ -38,6 +38,9 @@ public:
     // the next change or flush tries again.
     Result<void> flush();
 
+    // See SettingsBackend::tidy().
+    void tidy() { _backend->tidy(); }
+
 private:
     void schedule(const QString &key);
 

@@ -1,10 +1,60 @@
 #include "platform/Platform.h"
 
+#include "foundation/JsonSettingsFile.h"
+#include "foundation/Log.h"
+#include "foundation/RuntimeFolder.h"
+#include "platform/linux/movie/LinuxMovieFiles.h"
+#include "platform/linux/movie/MovieRecorder.h"
+#include "platform/linux/movie/PulseAudioDevices.h"
+#include "platform/linux/screen/X11ScreenCapture.h"
+#include "platform/linux/shell/FolderSingleInstance.h"
+#include "platform/linux/shell/FreedesktopNotifications.h"
+#include "platform/linux/shell/LinuxDesktopServices.h"
+#include "platform/linux/shell/LinuxPermissions.h"
+#include "platform/linux/shell/ThemeSymbols.h"
+#include "platform/linux/shell/X11HotkeyRegistrar.h"
+#include "platform/linux/shell/X11KeyMonitor.h"
+#include "platform/linux/shell/XdgLoginItem.h"
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
 namespace velbrix {
+namespace {
+
+std::unique_ptr<SingleInstance> makeSingleInstance()
+{
+    const auto folder = runtimeFolder();
+    if (!folder)
+        log::line(u"Velbrix"_s, u"single instance: "_s + folder.error().message);
+    return std::make_unique<FolderSingleInstance>(folder.value_or(QString()));
+}
+
+} // namespace
 
 Platform makePlatform(Clock &)
 {
-    return {};
+    const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    const auto x11 = qtX11Connection();
+    const auto keyboard = x11 ? std::make_shared<X11Keyboard>(*x11) : nullptr;
+
+    Platform platform;
+    platform.settings = std::make_unique<JsonSettingsFile>(configuration + u"/velbrix/settings.json"_s);
+    platform.hotkeys = std::make_unique<X11HotkeyRegistrar>(keyboard);
+    platform.keys = std::make_unique<X11KeyMonitor>(keyboard);
+    platform.singleInstance = makeSingleInstance();
+    platform.permissions = std::make_unique<LinuxPermissions>();
+    platform.notifications = std::make_unique<FreedesktopNotifications>();
+    platform.screenCapture = std::make_unique<X11ScreenCapture>(MovieRecorder::create);
+    platform.audioDevices = std::make_unique<PulseAudioDevices>();
+    platform.movieFiles = std::make_unique<LinuxMovieFiles>();
+    platform.loginItem = std::make_unique<XdgLoginItem>(configuration + u"/autostart/velbrix.desktop"_s,
+                                                        QCoreApplication::applicationFilePath());
+    platform.desktop = std::make_unique<LinuxDesktopServices>();
+    platform.symbols = std::make_unique<ThemeSymbols>();
+    return platform;
 }
 
 } // namespace velbrix

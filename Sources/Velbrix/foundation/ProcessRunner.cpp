@@ -1,0 +1,143 @@
+#include "foundation/ProcessRunner.h"
+
+#include <QCoroSignal>
+#include <QDir>
+#include <QProcess>
+
+#include <csignal>
+#include <unistd.h>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto grace = 2s;
+
+void keep(QByteArray &kept, const QByteArray &piece, qsizetype limit)
+{
+    kept += piece.first(std::min(piece.size(), std::max<qsizetype>(limit - kept.size(), 0)));
+}
+
+// The program leads a process group of its own, so its children end with it.
+class Run {
+public:
+    Run(Clock &clock, ProcessRequest request) : _clock(clock), _request(std::move(request))
+    {
+        _process.setProgram(_request.program);
+        _process.setArguments(_request.arguments);
+        if (!_request.workingDirectory.isEmpty())
+            _process.setWorkingDirectory(_request.workingDirectory);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (auto it = _request.environment.cbegin(); it != _request.environment.cend(); ++it)
+            environment.insert(it.key(), it.value());
+        _process.setProcessEnvironment(environment);
+        _process.setStandardInputFile(QProcess::nullDevice());
+        _process.setChildProcessModifier([] { ::setpgid(0, 0); });
+        QObject::connect(&_process, &QProcess::readyReadStandardOutput, &_process, [this] { readOutput(); });
+        QObject::connect(&_process, &QProcess::readyReadStandardError, &_process,
+                         [this] { readErrorOutput(); });
+    }
+    ~Run()
+    {
+        _request.cancellation.onCancel({});
+        QObject::disconnect(&_process, nullptr, nullptr, nullptr);
+        if (_process.state() != QProcess::NotRunning)
+            signalGroup(SIGKILL);
+    }
+
+    QProcess &process() { return _process; }
+
+    void watch()
+    {
+        if (_request.timeout.count() > 0)
+            _timeout = _clock.after(_request.timeout, [this] { end(_outcome.timedOut); });
+        _request.cancellation.onCancel([this] { end(_outcome.cancelled); });
+    }
+
+    ProcessOutcome takeOutcome()
+    {
+        _timeout.reset();
+        _kill.reset();
+        readOutput();
+        readErrorOutput();
+        _outcome.exitCode = _process.exitCode();
+        _outcome.crashed = _process.exitStatus() == QProcess::CrashExit;
+        return std::move(_outcome);
+    }
+
+private:
+    void readOutput()
+    {
+        const QByteArray piece = _process.readAllStandardOutput();
+        keep(_outcome.output, piece, _request.outputLimit);
+        if (_request.onOutput && !piece.isEmpty())
+            _request.onOutput(piece);
+    }
+    void readErrorOutput()
+    {
+        const QByteArray piece = _process.readAllStandardError();
+        keep(_outcome.errorOutput, piece, _request.outputLimit);
+        if (_request.onErrorOutput && !piece.isEmpty())
+            _request.onErrorOutput(piece);
+    }
+    void end(bool &reason)
+    {
+        reason = true;
+        signalGroup(SIGTERM);
+        _kill = _clock.after(grace, [this] { signalGroup(SIGKILL); });
+    }
+    void signalGroup(int signal)
+    {
+        if (const qint64 pid = _process.processId(); pid > 0)
+            ::kill(-static_cast<pid_t>(pid), signal);
+    }
+
+    Clock &_clock;
+    ProcessRequest _request;
+    QProcess _process;
+    ProcessOutcome _outcome;
+    std::unique_ptr<Alarm> _timeout;
+    std::unique_ptr<Alarm> _kill;
+};
+
+} // namespace
+
+void Cancellation::cancel()
+{
+    if (std::exchange(_state->cancelled, true))
+        return;
+    if (_state->listener)
+        _state->listener();
+}
+
+void Cancellation::onCancel(std::function<void()> listener)
+{
+    _state->listener = std::move(listener);
+    if (_state->cancelled && _state->listener)
+        _state->listener();
+}
+
+QCoro::Task<Result<ProcessOutcome>> ProcessRunner::run(ProcessRequest request)
+{
+    if (!QDir::isAbsolutePath(request.program))
+        co_return failure(u"程序路径不是绝对路径：%1"_s.arg(request.program));
+    Run run(_clock, std::move(request));
+    QProcess &process = run.process();
+    process.start();
+    if (process.state() == QProcess::NotRunning)
+        co_return failure(process.errorString());
+    if (process.state() == QProcess::Starting) {
+        co_await qCoro(&process, &QProcess::stateChanged);
+        if (process.error() == QProcess::FailedToStart)
+            co_return failure(process.errorString());
+    }
+    run.watch();
+    if (process.state() != QProcess::NotRunning)
+        co_await qCoro(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
+    co_return run.takeOutcome();
+}
+
+} // namespace velbrix

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <cstdint>
+
+namespace velbrix {
+
+// Nanoseconds of CLOCK_MONOTONIC, the time of the capture threads.
+std::int64_t monotonicNow();
+
+// Lets one thread sleep and others wake it for good. Any thread.
+class StopSignal {
+public:
+    StopSignal();
+    ~StopSignal();
+    StopSignal(const StopSignal &) = delete;
+    StopSignal &operator=(const StopSignal &) = delete;
+
+    void request();
+    bool isRequested() const;
+    // False as soon as a stop is requested, else true at that time.
+    bool sleepUntil(std::int64_t time) const;
+
+private:
+    mutable pthread_mutex_t _lock = PTHREAD_MUTEX_INITIALIZER;
+    mutable pthread_cond_t _changed{};
+    bool _requested = false;
+};
+
+} // namespace velbrix

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/SingleInstance.h"
+
+#include <QString>
+
+#include <memory>
+
+class QSocketNotifier;
+
+namespace velbrix {
+
+// The place is a file lock in a folder of this user, which the kernel frees
+// with the process; wake-ups are datagrams to a socket beside it, which keeps
+// those that come before anyone observes them.
+class FolderSingleInstance final : public SingleInstance {
+public:
+    // The folder must exist and be closed to other users. Without one (empty)
+    // every copy is the only one.
+    explicit FolderSingleInstance(const QString &folder);
+    ~FolderSingleInstance() override;
+
+    // May wait for the few system calls of a copy that claims at this moment.
+    bool claim() override;
+    void wakeOther() override;
+    void observeWake(std::function<void()> wake) override;
+
+private:
+    bool openSocket();
+    void readWakes();
+
+    int _folder = -1;
+    int _lock = -1;
+    int _socket = -1;
+    std::function<void()> _wake;
+    std::unique_ptr<QSocketNotifier> _notifier;
+};
+
+} // namespace velbrix

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/UserNotifications.h"
+
+namespace velbrix {
+
+// The desktop's notification service on the session bus. It grants everything
+// it can do, so the only question is whether there is one.
+class FreedesktopNotifications final : public UserNotifications {
+public:
+    // A notification names its category itself; the service keeps no list.
+    void registerCategory(QString identifier) override;
+    // Starts no service: one that the bus can start on demand counts as there.
+    QCoro::Task<Result<bool>> requestAuthorization() override;
+    QCoro::Task<NotificationSettings> settings() override;
+};
+
+} // namespace velbrix

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/LoginItem.h"
+
+#include <QString>
+
+namespace velbrix {
+
+// A desktop entry in the user's autostart folder.
+class XdgLoginItem final : public LoginItem {
+public:
+    // The entry's file, and the program it starts as an absolute path.
+    XdgLoginItem(QString file, QString program);
+
+    bool isEnabled() const override;
+    Result<void> setEnabled(bool enabled) override;
+
+private:
+    const QString _file;
+    const QString _program;
+};
+
+} // namespace velbrix

@@ -1,0 +1,98 @@
+#include "platform/macos/MacPermissions.h"
+
+#include "platform/macos/Completion.h"
+#include "platform/macos/FoundationBridge.h"
+#include "platform/macos/PrivacyPanes.h"
+
+#import <AVFoundation/AVFoundation.h>
+#import <AppKit/AppKit.h>
+#import <ApplicationServices/ApplicationServices.h>
+#import <CoreGraphics/CoreGraphics.h>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+AuthorizationStatus statusFor(AVMediaType mediaType)
+{
+    switch ([AVCaptureDevice authorizationStatusForMediaType:mediaType]) {
+    case AVAuthorizationStatusNotDetermined:
+        return AuthorizationStatus::notDetermined;
+    case AVAuthorizationStatusRestricted:
+        return AuthorizationStatus::restricted;
+    case AVAuthorizationStatusDenied:
+        return AuthorizationStatus::denied;
+    case AVAuthorizationStatusAuthorized:
+        return AuthorizationStatus::authorized;
+    }
+    return AuthorizationStatus::restricted;
+}
+
+QCoro::Task<bool> requestAccess(AVMediaType mediaType)
+{
+    const Completion<bool> decided;
+    [AVCaptureDevice requestAccessForMediaType:mediaType
+                             completionHandler:^(BOOL granted) {
+                                 decided.answer(granted != NO);
+                             }];
+    return answerOf(decided);
+}
+
+} // namespace
+
+bool MacPermissions::preflightScreenCapture()
+{
+    return CGPreflightScreenCaptureAccess();
+}
+
+bool MacPermissions::requestScreenCapture()
+{
+    return CGRequestScreenCaptureAccess();
+}
+
+AuthorizationStatus MacPermissions::microphone() const
+{
+    return statusFor(AVMediaTypeAudio);
+}
+
+QCoro::Task<bool> MacPermissions::requestMicrophone()
+{
+    return requestAccess(AVMediaTypeAudio);
+}
+
+AuthorizationStatus MacPermissions::camera() const
+{
+    return statusFor(AVMediaTypeVideo);
+}
+
+QCoro::Task<bool> MacPermissions::requestCamera()
+{
+    return requestAccess(AVMediaTypeVideo);
+}
+
+bool MacPermissions::accessibilityTrusted() const
+{
+    return AXIsProcessTrusted();
+}
+
+void MacPermissions::promptForAccessibility()
+{
+    NSDictionary *options = @{(__bridge NSString *)kAXTrustedCheckOptionPrompt : @YES};
+    AXIsProcessTrustedWithOptions((__bridge CFDictionaryRef)options);
+}
+
+QString MacPermissions::explanation(PrivacyPane pane) const
+{
+    if (@available(macOS 15.0, *))
+        return {};
+    return pane == PrivacyPane::microphone ? u"需要 macOS 15+ 的麦克风捕获"_s : QString();
+}
+
+bool MacPermissions::openSettings(PrivacyPane pane)
+{
+    NSURL *page = [NSURL URLWithString:toNSString(privacyPaneUrl(pane))];
+    return page && [NSWorkspace.sharedWorkspace openURL:page];
+}
+
+} // namespace velbrix

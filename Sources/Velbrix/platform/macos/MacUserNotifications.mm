@@ -1,0 +1,88 @@
+#include "platform/macos/MacUserNotifications.h"
+
+#include "platform/macos/BundleIdentity.h"
+#include "platform/macos/Completion.h"
+#include "platform/macos/FoundationBridge.h"
+#include "platform/macos/SystemNames.h"
+
+#import <UserNotifications/UserNotifications.h>
+
+using namespace Qt::StringLiterals;
+
+@interface VBBannerPresenter : NSObject <UNUserNotificationCenterDelegate>
+@end
+
+@implementation VBBannerPresenter
+
+- (void)userNotificationCenter:(UNUserNotificationCenter *)center
+       willPresentNotification:(UNNotification *)notification
+         withCompletionHandler:(void (^)(UNNotificationPresentationOptions options))completionHandler
+{
+    completionHandler(UNNotificationPresentationOptionBanner | UNNotificationPresentationOptionList |
+                      UNNotificationPresentationOptionSound);
+}
+
+@end
+
+namespace velbrix {
+
+struct MacUserNotifications::Private {
+    VBBannerPresenter *presenter = nil; // the centre holds its delegate weakly
+};
+
+MacUserNotifications::MacUserNotifications() : _d(std::make_unique<Private>()) {}
+
+MacUserNotifications::~MacUserNotifications() = default;
+
+void MacUserNotifications::registerCategory(const QString identifier)
+{
+    // Asking for the centre of a bare executable throws.
+    if (!hasBundle())
+        return;
+    UNUserNotificationCenter *center = [UNUserNotificationCenter currentNotificationCenter];
+    if (!_d->presenter)
+        _d->presenter = [VBBannerPresenter new];
+    center.delegate = _d->presenter;
+    UNNotificationCategory *category =
+        [UNNotificationCategory categoryWithIdentifier:toNSString(identifier)
+                                               actions:@[]
+                                     intentIdentifiers:@[]
+                                               options:UNNotificationCategoryOptionNone];
+    [center setNotificationCategories:[NSSet setWithObject:category]];
+}
+
+QCoro::Task<Result<bool>> MacUserNotifications::requestAuthorization()
+{
+    const Completion<Result<bool>> decided;
+    if (!hasBundle()) {
+        decided.answer(failure(u"程序不在应用包中运行，系统不提供通知"_s));
+        return answerOf(decided);
+    }
+    [[UNUserNotificationCenter currentNotificationCenter]
+        requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound |
+                                        UNAuthorizationOptionBadge
+                      completionHandler:^(BOOL granted, NSError *error) {
+                          if (error)
+                              decided.answer(std::unexpected(toFailure(error)));
+                          else
+                              decided.answer(granted != NO);
+                      }];
+    return answerOf(decided);
+}
+
+QCoro::Task<NotificationSettings> MacUserNotifications::settings()
+{
+    const Completion<NotificationSettings> read;
+    if (!hasBundle()) {
+        read.answer({u"unknown"_s, u"unknown"_s});
+        return answerOf(read);
+    }
+    [[UNUserNotificationCenter currentNotificationCenter]
+        getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings *settings) {
+            read.answer(
+                {authorizationName(settings.authorizationStatus), alertSettingName(settings.alertSetting)});
+        }];
+    return answerOf(read);
+}
+
+} // namespace velbrix

@@ -1,0 +1,36 @@
+#include "platform/Platform.h"
+
+#include "platform/macos/AVMovieFiles.h"
+#include "platform/macos/CarbonHotkeyRegistrar.h"
+#include "platform/macos/CoreAudioDevices.h"
+#include "platform/macos/MacDesktopServices.h"
+#include "platform/macos/MacPermissions.h"
+#include "platform/macos/MacSingleInstance.h"
+#include "platform/macos/MacUserNotifications.h"
+#include "platform/macos/NSEventKeyMonitor.h"
+#include "platform/macos/SCKScreenCapture.h"
+#include "platform/macos/SFSymbols.h"
+#include "platform/macos/SMLoginItem.h"
+#include "platform/macos/UserDefaultsBackend.h"
+
+namespace velbrix {
+
+Platform makePlatform(Clock &)
+{
+    Platform platform;
+    platform.settings = std::make_unique<UserDefaultsBackend>();
+    platform.hotkeys = std::make_unique<CarbonHotkeyRegistrar>();
+    platform.keys = std::make_unique<NSEventKeyMonitor>();
+    platform.singleInstance = std::make_unique<MacSingleInstance>();
+    platform.permissions = std::make_unique<MacPermissions>();
+    platform.notifications = std::make_unique<MacUserNotifications>();
+    platform.screenCapture = std::make_unique<SCKScreenCapture>();
+    platform.audioDevices = std::make_unique<CoreAudioDevices>();
+    platform.movieFiles = std::make_unique<AVMovieFiles>();
+    platform.loginItem = std::make_unique<SMLoginItem>();
+    platform.desktop = std::make_unique<MacDesktopServices>();
+    platform.symbols = std::make_unique<SFSymbols>();
+    return platform;
+}
+
+} // namespace velbrix

@@ -1,0 +1,18 @@
+#pragma once
+
+#import <CoreGraphics/CoreGraphics.h>
+
+#include <QImage>
+
+#include <functional>
+
+namespace velbrix {
+
+// A picture in sRGB, transparent where nothing is drawn. Null when it cannot
+// be made. Any thread; the drawing is done before the call returns.
+QImage drawnPicture(QSize pixels, const std::function<void(CGContextRef)> &draw);
+
+// A copy of the picture's pixels; null for none.
+QImage toQImage(CGImageRef picture);
+
+} // namespace velbrix

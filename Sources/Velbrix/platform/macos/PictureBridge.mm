@@ -1,0 +1,37 @@
+#include "platform/macos/PictureBridge.h"
+
+namespace velbrix {
+
+QImage drawnPicture(QSize pixels, const std::function<void(CGContextRef)> &draw)
+{
+    QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
+    if (picture.isNull())
+        return {};
+    picture.fill(Qt::transparent);
+    const CGColorSpaceRef space = CGColorSpaceCreateWithName(kCGColorSpaceSRGB);
+    // The same layout in memory as the image's own format.
+    const CGContextRef context = CGBitmapContextCreate(
+        picture.bits(), static_cast<size_t>(pixels.width()), static_cast<size_t>(pixels.height()), 8,
+        static_cast<size_t>(picture.bytesPerLine()), space,
+        static_cast<uint32_t>(kCGImageAlphaPremultipliedFirst) |
+            static_cast<uint32_t>(kCGBitmapByteOrder32Host));
+    CGColorSpaceRelease(space);
+    if (!context)
+        return {};
+    draw(context);
+    CGContextRelease(context);
+    return picture;
+}
+
+QImage toQImage(CGImageRef picture)
+{
+    if (!picture)
+        return {};
+    const QSize pixels(static_cast<int>(CGImageGetWidth(picture)),
+                       static_cast<int>(CGImageGetHeight(picture)));
+    return drawnPicture(pixels, [&](CGContextRef context) {
+        CGContextDrawImage(context, CGRectMake(0, 0, pixels.width(), pixels.height()), picture);
+    });
+}
+
+} // namespace velbrix

@@ -1,0 +1,135 @@
+#include "views/DesktopShell.h"
+
+#include "app/AppDelegate.h"
+#include "app/AppServices.h"
+#include "platform/Platform.h"
+#include "views/MainWindow.h"
+#include "views/StatusItem.h"
+#include "views/ToastStack.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace velbrix {
+namespace {
+
+QList<QRect> screenAreas()
+{
+    QList<QRect> areas;
+    const auto screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens)
+        areas.append(screen->availableGeometry());
+    return areas;
+}
+
+} // namespace
+
+bool liesOnAScreen(const QRect &frame, const QList<QRect> &screens)
+{
+    const QRect top(frame.x(), frame.y(), frame.width(), std::min(frame.height(), 40));
+    return std::ranges::any_of(screens, [&](const QRect &screen) {
+        const QRect seen = screen & top;
+        return seen.width() >= std::min(120, frame.width()) && seen.height() >= top.height() / 2;
+    });
+}
+
+DesktopShell::DesktopShell(AppServices &services)
+    : _services(services), _theme(*services.platform.desktop, *services.platform.symbols)
+{
+    _toasts = std::make_unique<ToastStack>(_theme, services.toasts, [this] { return usableScreen(); });
+}
+
+DesktopShell::~DesktopShell() = default;
+
+void DesktopShell::showMainWindow(const std::optional<QRect> &frame)
+{
+    MainWindow &main = window();
+    // A window in sight stays where the user has put it.
+    if (!main.isVisible()) {
+        if (frame && liesOnAScreen(*frame, screenAreas())) {
+            main.setGeometry(*frame);
+        } else if (!_wasShown) {
+            const QRect room = usableScreen();
+            main.move(room.center() - main.rect().center());
+        }
+    }
+    _wasShown = true;
+    main.setWindowState(main.windowState() & ~Qt::WindowMinimized);
+    main.show();
+    main.raise();
+    main.activateWindow();
+}
+
+void DesktopShell::hideMainWindow()
+{
+    if (!_window)
+        return;
+    _window->setWindowState(_window->windowState() & ~Qt::WindowMinimized);
+    _window->hide();
+}
+
+void DesktopShell::minimizeMainWindow()
+{
+    window().showMinimized();
+    _wasShown = true;
+}
+
+bool DesktopShell::isMainWindowVisible() const
+{
+    return _window && _window->isVisible() && !_window->isMinimized();
+}
+
+std::optional<QRect> DesktopShell::mainWindowFrame() const
+{
+    if (!_wasShown)
+        return std::nullopt;
+    const bool isChanged = _window->isMinimized() || _window->isMaximized() || _window->isFullScreen();
+    return isChanged ? _window->normalGeometry() : _window->geometry();
+}
+
+void DesktopShell::createTray(const QList<TrayMenuItem> &menu, std::function<void()> clicked,
+                              std::function<void(TrayItemId)> chosen)
+{
+    // A new one each time: the toolkit chooses the kind of tray at its birth.
+    _statusItem = std::make_unique<StatusItem>(_theme, std::move(clicked), std::move(chosen));
+    _statusItem->setMenu(menu);
+    _statusItem->show();
+}
+
+void DesktopShell::updateTray(const QList<TrayMenuItem> &menu, bool isRecording)
+{
+    if (!_statusItem)
+        return;
+    _statusItem->setMenu(menu);
+    _statusItem->setRecording(isRecording);
+}
+
+void DesktopShell::removeTray()
+{
+    _statusItem.reset();
+}
+
+void DesktopShell::showPrivacyStatement()
+{
+    window().showPrivacyStatement();
+}
+
+MainWindow &DesktopShell::window()
+{
+    if (!_window)
+        _window = std::make_unique<MainWindow>(
+            _services, _theme, [this] { return !_delegate || _delegate->windowShouldClose(); });
+    return *_window;
+}
+
+QRect DesktopShell::usableScreen() const
+{
+    const QScreen *screen = _window && _window->isVisible() ? _window->screen() : nullptr;
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect(0, 0, 1280, 800);
+}
+
+} // namespace velbrix

@@ -1,0 +1,139 @@
+#include "views/NoticeDesk.h"
+
+#include "app/PrivacyManager.h"
+#include "views/Follow.h"
+#include "views/Theme.h"
+
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+const QString statementSymbol = u"hand.raised.fill"_s;
+
+QList<QColor> statementColors()
+{
+    return featurePrivacyNotice(PrivacyConsentKind::firstLaunch).colors;
+}
+
+} // namespace
+
+NoticeDesk::NoticeDesk(PrivacyManager &privacy, const Theme &theme, QWidget *surface)
+    : QObject(surface), _privacy(privacy), _theme(theme), _surface(surface)
+{
+    const auto again = [this] { refresh(); };
+    connect(&privacy, &PrivacyManager::hasAcceptedFirstLaunchNoticeChanged, this, again);
+    connect(&privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, again);
+    refresh();
+}
+
+void NoticeDesk::reviewStatement()
+{
+    _isReviewing = true;
+    refresh();
+}
+
+void NoticeDesk::refresh()
+{
+    const auto notice = _privacy.pendingFeatureNotice();
+    QString wanted;
+    if (!_privacy.hasAcceptedFirstLaunchNotice())
+        wanted = u"first"_s;
+    else if (notice)
+        wanted = u"feature "_s + notice->id;
+    else if (_isReviewing)
+        wanted = u"review"_s;
+    if (wanted == _shown)
+        return;
+    close();
+    _shown = wanted;
+    if (wanted == u"first"_s)
+        openFirstLaunch();
+    else if (wanted == u"review"_s)
+        openReview();
+    else if (!wanted.isEmpty())
+        openFeatureNotice();
+}
+
+void NoticeDesk::openFirstLaunch()
+{
+    const PrivacyStatement statement = firstLaunchStatement(_privacy.firstLaunchCountdown());
+    NoticeSheet::Words words;
+    words.symbol = statementSymbol;
+    words.colors = statementColors();
+    words.title = statement.title;
+    words.message = statement.message;
+    words.details = statement.details;
+    words.confirm = statement.confirm;
+    words.mustConfirm = true;
+    NoticeSheet *const sheet = open(words);
+    follow(_privacy, &PrivacyManager::firstLaunchCountdownChanged, sheet, [this, sheet] {
+        const int seconds = _privacy.firstLaunchCountdown();
+        const PrivacyStatement now = firstLaunchStatement(seconds);
+        sheet->setMessage(now.message);
+        sheet->setConfirm(seconds > 0 ? u"%1（%2）"_s.arg(now.confirm).arg(seconds) : now.confirm,
+                          seconds <= 0);
+    });
+    connect(sheet, &NoticeSheet::confirmed, this, [this] { _privacy.confirmFirstLaunch(); });
+}
+
+void NoticeDesk::openFeatureNotice()
+{
+    const FeaturePrivacyNotice notice = *_privacy.pendingFeatureNotice();
+    NoticeSheet::Words words;
+    words.symbol = notice.icon;
+    words.colors = notice.colors;
+    words.title = notice.title;
+    words.message = notice.message;
+    words.details = notice.details;
+    words.confirm = u"同意并继续"_s;
+    words.cancel = u"取消"_s;
+    NoticeSheet *const sheet = open(words);
+    connect(sheet, &NoticeSheet::confirmed, this, [this] { _privacy.confirmPendingNotice(); });
+    connect(sheet, &NoticeSheet::cancelled, this, [this] { _privacy.cancelPendingNotice(); });
+}
+
+void NoticeDesk::openReview()
+{
+    const PrivacyStatement statement = reviewedStatement();
+    NoticeSheet::Words words;
+    words.symbol = statementSymbol;
+    words.colors = statementColors();
+    words.title = statement.title;
+    words.message = statement.message;
+    words.details = statement.details;
+    words.confirm = statement.confirm;
+    NoticeSheet *const sheet = open(words);
+    const auto done = [this] {
+        _isReviewing = false;
+        refresh();
+    };
+    connect(sheet, &NoticeSheet::confirmed, this, done);
+    connect(sheet, &NoticeSheet::cancelled, this, done);
+}
+
+NoticeSheet *NoticeDesk::open(const NoticeSheet::Words &words)
+{
+    if (QWidget *focus = QApplication::focusWidget(); focus && _surface->isAncestorOf(focus))
+        _focusBefore = focus;
+    _sheet = new NoticeSheet(_theme, words, _surface);
+    _sheet->setGeometry(_surface->rect());
+    _sheet->show();
+    return _sheet;
+}
+
+void NoticeDesk::close()
+{
+    if (!_sheet)
+        return;
+    _sheet->hide();
+    _sheet->deleteLater();
+    _sheet = nullptr;
+    if (_focusBefore)
+        _focusBefore->setFocus();
+    _focusBefore = nullptr;
+}
+
+} // namespace velbrix

@@ -1,0 +1,96 @@
+#include "views/Sidebar.h"
+
+#include "app/AppRouter.h"
+#include "capture/RecordingSession.h"
+#include "views/Follow.h"
+#include "views/Theme.h"
+#include "views/components/JobRing.h"
+#include "views/components/Parts.h"
+
+#include <QButtonGroup>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr int sidebarWidth = 208;
+
+} // namespace
+
+Sidebar::Sidebar(const Theme &theme, AppRouter &router, const RecordingSession &session, QWidget *parent)
+    : QWidget(parent),
+      _theme(theme),
+      _session(session),
+      _tabs(new QButtonGroup(this)),
+      _list(new QVBoxLayout(this))
+{
+    setObjectName(u"sidebar"_s);
+    setAccessibleName(u"功能列表"_s);
+    setAttribute(Qt::WA_StyledBackground);
+    setFixedWidth(sidebarWidth);
+    _list->setContentsMargins(12, 20, 12, 12);
+    _list->setSpacing(2);
+
+    QString group;
+    for (const AppTabInfo &tab : appTabs()) {
+        if (tab.group.isEmpty())
+            continue;
+        if (tab.group != group) {
+            if (!group.isEmpty())
+                _list->addSpacing(12);
+            _list->addWidget(makeText(tab.group, u"group"_s));
+            _list->addSpacing(2);
+            group = tab.group;
+        }
+        add(tab);
+    }
+    _list->addStretch(1);
+    for (const AppTabInfo &tab : appTabs()) {
+        if (tab.group.isEmpty())
+            add(tab);
+    }
+
+    connect(_tabs, &QButtonGroup::idToggled, this, [&router](int id, bool on) {
+        if (on)
+            router.show(static_cast<AppTab>(id));
+    });
+    follow(router, &AppRouter::activeTabChanged, this, [this, &router] {
+        if (const auto tab = router.activeTab())
+            _tabs->button(static_cast<int>(*tab))->setChecked(true);
+    });
+}
+
+void Sidebar::add(const AppTabInfo &tab)
+{
+    auto *button = new QPushButton(u"  "_s + tab.title);
+    button->setObjectName(u"tab."_s + tab.identifier);
+    button->setAccessibleName(tab.title);
+    button->setProperty("role", u"tab"_s);
+    button->setCheckable(true);
+    button->setIcon(_theme.icon(tab.symbol, ThemeColor::accentText));
+    button->setIconSize(QSize(18, 18));
+    _tabs->addButton(button, static_cast<int>(tab.tab));
+    _list->addWidget(button);
+    if (tab.tab != AppTab::recorder)
+        return;
+    auto *line = new QHBoxLayout(button);
+    line->setContentsMargins(0, 0, 12, 0);
+    line->addStretch(1);
+    line->addWidget(ring());
+}
+
+QWidget *Sidebar::ring()
+{
+    auto *ring = new JobRing(_theme, u"录制中"_s);
+    ring->setObjectName(u"recordingRing"_s);
+    follow(_session, &RecordingSession::isRecordingChanged, ring,
+           [this, ring] { ring->setVisible(_session.isRecording()); });
+    return ring;
+}
+
+} // namespace velbrix

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/TrayMenu.h"
+
+#include <QMenu>
+#include <QSystemTrayIcon>
+
+#include <functional>
+
+namespace velbrix {
+
+class Theme;
+
+// The icon in the tray and its menu.
+class StatusItem final : public QObject {
+public:
+    StatusItem(const Theme &theme, std::function<void()> clicked, std::function<void(TrayItemId)> chosen);
+
+    void setMenu(const QList<TrayMenuItem> &items);
+    void setRecording(bool isRecording);
+    void show() { _icon.show(); }
+
+    QMenu &menu() { return _menu; }
+    QIcon picture() const { return _icon.icon(); }
+
+private:
+    QPixmap picture(int side) const;
+    void redraw();
+    void rebuild(const QList<TrayMenuItem> &items);
+
+    const Theme &_theme;
+    std::function<void(TrayItemId)> _chosen;
+    QList<TrayItemId> _order;
+    QMenu _menu;
+    QSystemTrayIcon _icon; // goes before its menu
+    bool _isMenuOpen = false;
+    bool _isRecording = false;
+};
+
+} // namespace velbrix

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace velbrix {
+
+class AppServices;
+class RecordingActions;
+class Theme;
+
+// What every page works with. All of it outlives the pages.
+struct ViewContext {
+    AppServices &services;
+    Theme &theme;
+    RecordingActions &recording;
+};
+
+} // namespace velbrix

@@ -1,0 +1,46 @@
+#include "views/components/JobBar.h"
+
+#include "views/components/Parts.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+JobBar::JobBar(const Theme &theme, const QString &name, QWidget *parent)
+    : QWidget(parent),
+      _text(makeText({}, u"note"_s)),
+      _progress(new QProgressBar),
+      _cancel(makeButton(theme, {name + u"Cancel"_s, u"取消"_s, {}, u"plain"_s}))
+{
+    setObjectName(name);
+    setMinimumHeight(36);
+    _text->setWordWrap(false);
+    _progress->setTextVisible(false);
+    auto *line = new QHBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(12);
+    line->addWidget(_text);
+    line->addWidget(_progress, 1);
+    line->addWidget(_cancel);
+    connect(_cancel, &QPushButton::clicked, this, &JobBar::cancelled);
+}
+
+void JobBar::setJob(const QString &text, int done, int total)
+{
+    _text->setText(text);
+    _progress->setRange(0, total);
+    _progress->setValue(done);
+    _progress->setAccessibleName(text);
+}
+
+void JobBar::setCancellable(bool cancellable)
+{
+    _cancel->setVisible(cancellable);
+}
+
+} // namespace velbrix

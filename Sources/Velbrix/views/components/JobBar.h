@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+namespace velbrix {
+
+class Theme;
+
+// Work that is being done: what, how far, and a way to stop it.
+class JobBar final : public QWidget {
+    Q_OBJECT
+
+public:
+    JobBar(const Theme &theme, const QString &name, QWidget *parent = nullptr);
+
+    // With a total of 0 nobody knows how far it is.
+    void setJob(const QString &text, int done, int total);
+    void setCancellable(bool cancellable);
+
+Q_SIGNALS:
+    void cancelled();
+
+private:
+    QLabel *_text;
+    QProgressBar *_progress;
+    QPushButton *_cancel;
+};
+
+} // namespace velbrix

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QColor>
+#include <QStringList>
+#include <QVariantAnimation>
+#include <QWidget>
+
+class QFrame;
+class QLabel;
+class QPushButton;
+
+namespace velbrix {
+
+class Theme;
+
+// A question or statement inside the window, over everything else in it. It
+// covers its parent, keeps the keyboard focus, and Esc cancels it.
+class NoticeSheet final : public QWidget {
+    Q_OBJECT
+
+public:
+    struct Words {
+        QString symbol;
+        QList<QColor> colors; // the symbol's gradient
+        QString title;
+        QString message;
+        QStringList details;
+        QString confirm;
+        QString cancel; // no such button when empty
+        bool isDestructive = false;
+        bool mustConfirm = false; // Esc does nothing
+    };
+
+    NoticeSheet(const Theme &theme, const Words &words, QWidget *parent);
+
+    void setMessage(const QString &message);
+    void setConfirm(const QString &text, bool enabled);
+
+Q_SIGNALS:
+    void confirmed();
+    void cancelled();
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    QWidget *details(const QStringList &lines);
+    QWidget *buttons(const Words &words);
+    void focusDefault();
+    void place();
+
+    const Theme &_theme;
+    QFrame *_card;
+    QLabel *_message;
+    QPushButton *_confirm = nullptr;
+    QPushButton *_cancel = nullptr;
+    bool _isDestructive;
+    bool _mustConfirm;
+    QVariantAnimation _arrival; // 0 to 1
+};
+
+} // namespace velbrix

@@ -1,0 +1,112 @@
+#include "views/components/ShortcutField.h"
+
+#include "app/HotkeyManager.h"
+#include "views/Follow.h"
+#include "views/Theme.h"
+#include "views/components/Parts.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+ShortcutField::ShortcutField(const Theme &theme, HotkeyManager &hotkeys, HotkeyAction action, QWidget *parent)
+    : QWidget(parent), _hotkeys(hotkeys), _action(action)
+{
+    const HotkeyActionInfo &info = hotkeyActionInfo(action);
+    setObjectName(u"shortcut."_s + info.name);
+    setMinimumHeight(44);
+    _chord = makeButton(theme, {objectName() + u".chord"_s, {}, {}, u"chord"_s});
+    _chord->setFocusPolicy(Qt::StrongFocus);
+    _chord->installEventFilter(this);
+    _reset = makeButton(theme, {objectName() + u".reset"_s, u"恢复默认"_s, {}, u"plain"_s});
+    _hint = makeText({}, u"note"_s);
+    _hint->setObjectName(objectName() + u".hint"_s);
+
+    auto *line = new QHBoxLayout;
+    line->setSpacing(4);
+    line->addWidget(makeText(info.label, u"body"_s), 1);
+    line->addWidget(_reset);
+    line->addWidget(_chord);
+    auto *rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 8, 0, 8);
+    rows->setSpacing(4);
+    rows->addLayout(line);
+    rows->addWidget(_hint);
+
+    connect(_chord, &QPushButton::clicked, this, &ShortcutField::press);
+    connect(_reset, &QPushButton::clicked, this, [this] {
+        _hotkeys.resetToDefault(_action);
+        _resetRefused = !_hotkeys.captureHint().isEmpty();
+        refresh();
+    });
+    const auto again = [this] { refresh(); };
+    for (const auto signal :
+         {&HotkeyManager::captureTargetChanged, &HotkeyManager::captureHintChanged,
+          &HotkeyManager::problemsChanged, &HotkeyManager::recordToggleHotkeyChanged,
+          &HotkeyManager::hideDesktopIconsHotkeyChanged, &HotkeyManager::hideDockHotkeyChanged,
+          &HotkeyManager::windowSwitcherHotkeyChanged, &HotkeyManager::screenshotHotkeyChanged,
+          &HotkeyManager::clipboardHistoryHotkeyChanged})
+        connect(&hotkeys, signal, this, again);
+    refresh();
+}
+
+bool ShortcutField::isCapturing() const
+{
+    return _hotkeys.captureTarget() == _action;
+}
+
+void ShortcutField::press()
+{
+    _resetRefused = false;
+    if (isCapturing())
+        _hotkeys.cancelCapture();
+    else
+        _hotkeys.beginCapture(_action);
+    _chord->setFocus();
+}
+
+bool ShortcutField::eventFilter(QObject *, QEvent *event)
+{
+    // Keys that are typed elsewhere are not meant for this field.
+    if (event->type() == QEvent::FocusOut && isCapturing())
+        _hotkeys.cancelCapture();
+    return false;
+}
+
+void ShortcutField::hideEvent(QHideEvent *event)
+{
+    if (isCapturing())
+        _hotkeys.cancelCapture();
+    QWidget::hideEvent(event);
+}
+
+void ShortcutField::refresh()
+{
+    const bool capturing = isCapturing();
+    const HotkeyChord chord = _hotkeys.chord(_action);
+    const QString text = capturing ? u"按下新快捷键"_s : chord.displayText();
+    _chord->setText(text);
+    _chord->setAccessibleName(u"%1：%2"_s.arg(hotkeyActionInfo(_action).label, text));
+    setLook(_chord, "capturing", capturing);
+    _reset->setVisible(!capturing && chord != hotkeyActionInfo(_action).defaultChord);
+    _resetRefused = _resetRefused && !_hotkeys.captureHint().isEmpty();
+
+    const QString problem = _hotkeys.problem(_action);
+    if (capturing || _resetRefused) {
+        const bool isPrompt = _hotkeys.captureHint().startsWith(u"请按下");
+        _hint->setText(_hotkeys.captureHint());
+        setLook(_hint, "role", isPrompt ? u"note"_s : u"warning"_s);
+    } else {
+        _hint->setText(problem.isEmpty() ? QString() : u"未生效："_s + problem);
+        setLook(_hint, "role", u"warning"_s);
+    }
+    _hint->setVisible(!_hint->text().isEmpty());
+}
+
+} // namespace velbrix

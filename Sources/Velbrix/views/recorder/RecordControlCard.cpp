@@ -1,0 +1,136 @@
+#include "views/recorder/RecordControlCard.h"
+
+#include "app/AppServices.h"
+#include "app/RecordingActions.h"
+#include "views/Follow.h"
+#include "views/Theme.h"
+#include "views/components/JobRing.h"
+#include "views/components/Parts.h"
+#include "views/components/SettingRow.h"
+#include "views/components/SymbolLabel.h"
+#include "views/components/TabularLabel.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+QString clockText(int seconds)
+{
+    const auto two = [](int number) { return u"%1"_s.arg(number, 2, 10, QChar(u'0')); };
+    const QString text = two(seconds / 60 % 60) + u':' + two(seconds % 60);
+    return seconds < 3600 ? text : u"%1:%2"_s.arg(seconds / 3600).arg(text);
+}
+
+} // namespace
+
+RecordControlCard::RecordControlCard(const ViewContext &context, QWidget *parent)
+    : Card(parent), _context(context)
+{
+    _button = makeButton(context.theme, {u"recordToggle"_s, {}, {}, u"record"_s});
+    _button->setIconSize(QSize(18, 18));
+    _status = makeText({}, u"note"_s);
+    _status->setObjectName(u"recordStatus"_s);
+    _badge = makeBadge();
+
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 12, 0, 12);
+    line->setSpacing(20);
+    line->addWidget(_button);
+    auto *words = new QVBoxLayout;
+    words->setSpacing(2);
+    words->addStretch(1);
+    words->addWidget(_badge);
+    words->addWidget(_status);
+    words->addStretch(1);
+    line->addLayout(words, 1);
+    addRow(row);
+    addFailure();
+
+    connect(_button, &QPushButton::clicked, this, [this] { _context.recording.toggleFromPanel(); });
+    ScreenRecorderController &recorder = context.services.recorder;
+    const auto again = [this] { refresh(); };
+    connect(&recorder, &ScreenRecorderController::isStartingChanged, this, again);
+    connect(&recorder.session(), &RecordingSession::isProcessingChanged, this, again);
+    connect(&recorder.session(), &RecordingSession::isRecordingChanged, this, again);
+    connect(&recorder.preferences(), &RecorderPreferences::recordModeChanged, this, again);
+    RecordLiveUI &live = recorder.log().live();
+    follow(live, &RecordLiveUI::statusMessageChanged, this,
+           [this, &live] { _status->setText(live.statusMessage()); });
+    refresh();
+}
+
+QWidget *RecordControlCard::makeBadge()
+{
+    auto *badge = new QWidget;
+    badge->setObjectName(u"recordBadge"_s);
+    auto *line = new QHBoxLayout(badge);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(8);
+    line->addWidget(new JobRing(_context.theme, u"录制中"_s));
+    auto *elapsed = new TabularLabel;
+    elapsed->setObjectName(u"recordElapsed"_s);
+    elapsed->setFont(_context.theme.font(17, QFont::DemiBold));
+    line->addWidget(elapsed);
+    auto *frames = new TabularLabel;
+    frames->setObjectName(u"recordFrames"_s);
+    line->addWidget(frames);
+    line->addStretch(1);
+
+    const RecordLiveUI &live = _context.services.recorder.log().live();
+    follow(live, &RecordLiveUI::elapsedSecondsChanged, this,
+           [elapsed, &live] { elapsed->setText(clockText(live.elapsedSeconds())); });
+    follow(live, &RecordLiveUI::frameCountUIChanged, this,
+           [frames, &live] { frames->setText(u"%1 帧"_s.arg(live.frameCountUI())); });
+    return badge;
+}
+
+void RecordControlCard::addFailure()
+{
+    auto *row = new SettingRow(u"上次录制没有成功"_s, {}, nullptr);
+    row->setObjectName(u"recordFailure"_s);
+    row->setLeading(new SymbolLabel(_context.theme, u"xmark.circle.fill"_s, 22, ThemeColor::bad));
+    addRow(row);
+    const RecordingSession &session = _context.services.recorder.session();
+    follow(session, &RecordingSession::lastFailureChanged, this, [row, &session] {
+        QString reason = session.lastFailure();
+        // The log's mark says what the row's symbol says already.
+        if (reason.startsWith(u'❌'))
+            reason = reason.sliced(1).trimmed();
+        row->setDescription(reason);
+        row->setVisible(!reason.isEmpty());
+    });
+}
+
+void RecordControlCard::refresh()
+{
+    ScreenRecorderController &recorder = _context.services.recorder;
+    const bool isRecording = recorder.isRecording();
+    const bool isStarting = recorder.isStarting();
+    const bool isSaving = recorder.session().isProcessing() && !isStarting;
+    QString text = u"开始录制"_s;
+    if (isSaving)
+        text = u"正在保存…"_s;
+    else if (isStarting)
+        text = u"正在启动…"_s;
+    else if (isRecording)
+        text = u"停止录制"_s;
+    const bool canStop = isRecording || isStarting;
+    _button->setText(u" "_s + text);
+    _button->setAccessibleName(text);
+    _button->setEnabled(!isSaving);
+    _button->setIcon(
+        _context.theme.icon(canStop ? u"stop.fill"_s : u"record.circle"_s, canStop    ? ThemeColor::bad
+                                                                           : isSaving ? ThemeColor::secondary
+                                                                                      : ThemeColor::onFill));
+    setLook(_button, "recording", canStop && !isSaving);
+    _badge->setVisible(isRecording && !isSaving);
+}
+
+} // namespace velbrix

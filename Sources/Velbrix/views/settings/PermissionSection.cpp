@@ -1,0 +1,67 @@
+#include "views/settings/PermissionSection.h"
+
+#include "app/AppServices.h"
+#include "platform/Platform.h"
+#include "views/components/Parts.h"
+#include "views/components/SettingRow.h"
+#include "views/components/SymbolLabel.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+PermissionSection::PermissionSection(const ViewContext &context, QWidget *parent)
+    : Card(parent), _context(context)
+{
+    addPane(PrivacyPane::screenCapture, u"rectangle.inset.filled"_s, u"屏幕录制"_s, u"录制屏幕与窗口画面"_s);
+    addPane(PrivacyPane::microphone, u"mic.fill"_s, u"麦克风"_s, u"把麦克风声音录进影片"_s);
+    refresh();
+}
+
+void PermissionSection::addPane(PrivacyPane pane, const QString &symbol, const QString &title,
+                                const QString &purpose)
+{
+    Permissions &permissions = *_context.services.platform.permissions;
+    const QString explanation = permissions.explanation(pane);
+    QPushButton *open = nullptr;
+    if (explanation.isEmpty()) {
+        open = makeButton(_context.theme, {u"openPane.%1"_s.arg(_entries.size()), u"打开系统设置"_s, {}, {}});
+    }
+    auto *row = new SettingRow(title, explanation.isEmpty() ? purpose : explanation, open);
+    row->setObjectName(u"permission.%1"_s.arg(_entries.size()));
+    row->setLeading(new SymbolLabel(_context.theme, symbol, 20, ThemeColor::secondary));
+    addRow(row);
+    _entries.append({pane, row});
+    if (!open)
+        return;
+    connect(open, &QPushButton::clicked, this, [this, row, pane] {
+        if (!_context.services.platform.permissions->openSettings(pane))
+            row->setNote(u"无法打开系统设置，请手动前往隐私设置"_s, u"warning"_s);
+    });
+}
+
+void PermissionSection::showEvent(QShowEvent *event)
+{
+    Card::showEvent(event);
+    refresh(); // the user may come back from the system's settings
+}
+
+void PermissionSection::refresh()
+{
+    for (const Entry &entry : std::as_const(_entries)) {
+        const bool granted = isGranted(entry.pane);
+        entry.row->setNote(granted ? u"✓ 已授予"_s : u"未授予"_s, granted ? u"good"_s : u"warning"_s);
+    }
+}
+
+bool PermissionSection::isGranted(PrivacyPane pane) const
+{
+    Permissions &permissions = *_context.services.platform.permissions;
+    return pane == PrivacyPane::microphone ? permissions.microphone() == AuthorizationStatus::authorized
+                                           : permissions.preflightScreenCapture();
+}
+
+} // namespace velbrix

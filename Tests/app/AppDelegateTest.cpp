@@ -1,0 +1,333 @@
+#include "app/AppDelegate.h"
+
+#include "foundation/LocalChannel.h"
+#include "support/FakePlatform.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+class FakeShell final : public Shell {
+public:
+    QStringList calls;
+    std::optional<QRect> frame;
+    bool visible = false;
+    QList<TrayMenuItem> menu;
+    bool trayShowsRecording = false;
+    std::function<void()> clicked;
+    std::function<void(TrayItemId)> chosen;
+
+    void showMainWindow(const std::optional<QRect> &wanted) override
+    {
+        calls << u"show"_s;
+        visible = true;
+        frame = wanted ? wanted : QRect(10, 20, 1040, 700);
+    }
+    void hideMainWindow() override
+    {
+        calls << u"hide"_s;
+        visible = false;
+    }
+    void minimizeMainWindow() override { calls << u"minimize"_s; }
+    bool isMainWindowVisible() const override { return visible; }
+    std::optional<QRect> mainWindowFrame() const override { return frame; }
+    void createTray(const QList<TrayMenuItem> &items, std::function<void()> onClick,
+                    std::function<void(TrayItemId)> onChoice) override
+    {
+        calls << u"createTray"_s;
+        menu = items;
+        clicked = std::move(onClick);
+        chosen = std::move(onChoice);
+    }
+    void updateTray(const QList<TrayMenuItem> &items, bool isRecording) override
+    {
+        calls << u"updateTray"_s;
+        menu = items;
+        trayShowsRecording = isRecording;
+    }
+    void removeTray() override { calls << u"removeTray"_s; }
+    void showPrivacyStatement() override { calls << u"statement"_s; }
+};
+
+struct Rig : ServicesRig {
+    explicit Rig(bool accepted = true)
+    {
+        qputenv("XDG_RUNTIME_DIR", {});
+        qputenv("XDG_CACHE_HOME", folder.path().toUtf8());
+        if (accepted)
+            host.settings.stored = {{u"Velbrix_Privacy_firstLaunchAccepted"_s, true},
+                                    {u"Velbrix_Privacy_consent_screenRecording"_s, true},
+                                    {u"Velbrix_ScreenRecord_outputDir"_s, folder.path()}};
+        make();
+        delegate = std::make_unique<AppDelegate>(*services, shell);
+    }
+    AppDelegate::Launch launch(bool background = true)
+    {
+        return delegate->applicationDidFinishLaunching(background);
+    }
+    void choose(TrayItemId item)
+    {
+        shell.chosen(item);
+        QCoreApplication::processEvents();
+    }
+    qsizetype menuWrites() const { return shell.calls.count(u"updateTray"_s); }
+
+    QTemporaryDir folder;
+    FakeShell shell;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+} // namespace
+
+class AppDelegateTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aSecondCopyOnlyWakesTheFirst()
+    {
+        Rig rig;
+        rig.host.singleInstance.isTaken = true;
+        QCOMPARE(rig.launch(false), AppDelegate::Launch::otherCopyRuns);
+        QCOMPARE(rig.host.singleInstance.calls, (QStringList{u"claim"_s, u"wakeOther"_s}));
+        QVERIFY(rig.shell.calls.isEmpty());
+        QVERIFY(rig.host.hotkeys.registered.isEmpty());
+    }
+
+    void startsInItsOrder()
+    {
+        Rig rig;
+        QCOMPARE(rig.launch(), AppDelegate::Launch::running);
+        QCOMPARE(rig.host.desktop.calls, QStringList{u"accessory"_s});
+        QCOMPARE(rig.shell.calls, (QStringList{u"createTray"_s, u"updateTray"_s}));
+        QCOMPARE(rig.host.notifications.calls,
+                 (QStringList{u"register RECORDING_LONG_ALERT"_s, u"requestAuthorization"_s, u"settings"_s}));
+        QCOMPARE(rig.host.hotkeys.registered.keys(), QList<quint32>{1});
+        QVERIFY(rig.services->isInBackground());
+        rig.host.singleInstance.wake();
+        QVERIFY(rig.shell.visible);
+        QVERIFY(!rig.services->isInBackground());
+        QCOMPARE(rig.host.desktop.calls.last(), u"activate"_s);
+    }
+
+    void showsTheWindowAtStart_data()
+    {
+        QTest::addColumn<bool>("background");
+        QTest::addColumn<bool>("accepted");
+        QTest::addColumn<bool>("flagged");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("ordinary start") << false << true << false << true;
+        QTest::newRow("background") << true << true << false << false;
+        QTest::newRow("background, statement open") << true << false << false << true;
+        QTest::newRow("background, asked for before") << true << true << true << true;
+    }
+    void showsTheWindowAtStart()
+    {
+        QFETCH(bool, background);
+        QFETCH(bool, accepted);
+        QFETCH(bool, flagged);
+        Rig rig(accepted);
+        if (flagged)
+            rig.services->settings.set(u"Velbrix_NeedShowMainWindow"_s, true);
+        rig.launch(background);
+        QTEST(rig.shell.visible, "shown");
+        QVERIFY(!rig.services->settings.contains(u"Velbrix_NeedShowMainWindow"_s));
+    }
+
+    void theMenuIsExact()
+    {
+        Rig rig;
+        rig.launch();
+        QStringList lines;
+        for (const TrayMenuItem &item : rig.shell.menu)
+            lines << u"%1|%2|%3%4"_s.arg(item.title, item.keyEquivalent)
+                         .arg(item.isHeader ? u"header "_s : QString())
+                         .arg(item.isEnabled ? u"on"_s : u"off"_s);
+        QCOMPARE(lines,
+                 (QStringList{u"打开 Velbrix|⌘O|on"_s, u"||on"_s, u"视频壁纸||header off"_s,
+                              u"播放壁纸|⌘⇧P|off"_s, u"停止壁纸||off"_s, u"||on"_s, u"屏幕录制||header off"_s,
+                              u"开始录制（全屏）|⌘⇧R|on"_s, u"打开录制面板||on"_s, u"||on"_s,
+                              u"隐私与声明…||on"_s, u"检查更新与公告…||on"_s, u"||on"_s, u"退出|⌘Q|on"_s}));
+    }
+
+    void anUnchangedMenuIsNotWrittenAgain()
+    {
+        Rig rig;
+        rig.launch();
+        QCOMPARE(rig.menuWrites(), 1);
+        QCOMPARE(rig.delegate->lastTraySignature(), u"播放壁纸|false|false|false|开始录制（全屏）"_s);
+        rig.clock.advance(2min);
+        QCOMPARE(rig.menuWrites(), 1);
+        rig.shell.clicked();
+        QCOMPARE(rig.menuWrites(), 2);
+        rig.choose(TrayItemId::recordToggle);
+        QCOMPARE(rig.menuWrites(), 3);
+        QVERIFY(rig.shell.trayShowsRecording);
+        QCOMPARE(rig.shell.menu[7].title, u"停止当前录制"_s);
+    }
+
+    void refreshesEveryFiveOrTwentySeconds()
+    {
+        // The state is read, not announced, at a tick: make the reading visible.
+        Rig rig;
+        rig.launch();
+        const auto ticksWithin = [&](std::chrono::seconds time) {
+            int alarms = 0;
+            for (auto passed = 0s; passed < time; ++passed) {
+                const int before = rig.clock.firedCount();
+                rig.clock.advance(1s);
+                alarms += rig.clock.firedCount() - before;
+            }
+            return alarms;
+        };
+        rig.clock.advance(1s); // the settings of the start
+        QCOMPARE(ticksWithin(60s), 3);
+        rig.delegate->applicationDidBecomeActive();
+        QCOMPARE(ticksWithin(60s), 12);
+        rig.delegate->applicationDidResignActive();
+        QCOMPARE(ticksWithin(60s), 3);
+    }
+
+    void closingHidesTheWindowAndKeepsItsFrame()
+    {
+        Rig rig;
+        rig.launch(false);
+        rig.shell.frame = QRect(50, 60, 1200, 800);
+        QVERIFY(!rig.delegate->windowShouldClose());
+        QCOMPARE(rig.shell.calls.last(), u"hide"_s);
+        QVERIFY(rig.services->isInBackground());
+        rig.shell.frame.reset();
+        rig.choose(TrayItemId::open);
+        QCOMPARE(rig.shell.frame, std::optional(QRect(50, 60, 1200, 800)));
+        QVERIFY(rig.services->settings.flush());
+        QCOMPARE(rig.host.settings.stored.value(u"Velbrix_MainWindow_Frame"_s).toArray(),
+                 (QJsonArray{50, 60, 1200, 800}));
+    }
+
+    void withoutATrayTheWindowStaysReachable()
+    {
+        Rig rig;
+        rig.host.desktop.trayHost = false;
+        rig.launch(false);
+        QVERIFY(!rig.shell.calls.contains(u"createTray"_s));
+        QVERIFY(!rig.delegate->windowShouldClose());
+        QCOMPARE(rig.shell.calls.last(), u"minimize"_s);
+        rig.host.desktop.setTrayHost(true);
+        QVERIFY(rig.shell.calls.contains(u"createTray"_s));
+        rig.shell.hideMainWindow();
+        rig.host.desktop.setTrayHost(false);
+        QCOMPARE(rig.shell.calls.last(3), (QStringList{u"removeTray"_s, u"show"_s, u"minimize"_s}));
+    }
+
+    void theHotKeyRecordsAndAStatementComesFirst()
+    {
+        Rig rig;
+        rig.launch();
+        rig.host.hotkeys.press({29, 0x1800});
+        QCoreApplication::processEvents();
+        QVERIFY(rig.services->recorder.isRecording());
+        rig.host.hotkeys.press({29, 0x1800});
+        QCoreApplication::processEvents();
+        QVERIFY(!rig.services->recorder.isRecording());
+
+        Rig fresh(false);
+        fresh.launch();
+        fresh.shell.calls.clear();
+        fresh.host.hotkeys.press({29, 0x1800});
+        QCoreApplication::processEvents();
+        QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
+        QVERIFY(!fresh.services->recorder.isRecording());
+        QVERIFY(!fresh.services->privacy.pendingFeatureNotice());
+    }
+
+    void aForgottenCaptureGivesTheKeysBack()
+    {
+        Rig rig;
+        rig.launch(false);
+        rig.services->hotkeys.beginCapture(HotkeyAction::recordToggle);
+        QVERIFY(rig.host.hotkeys.registered.isEmpty());
+        rig.delegate->windowShouldClose();
+        QCOMPARE(rig.host.hotkeys.registered.size(), 1);
+        rig.delegate->applicationDidBecomeActive();
+        rig.services->hotkeys.beginCapture(HotkeyAction::recordToggle);
+        rig.delegate->applicationDidResignActive();
+        QCOMPARE(rig.services->hotkeys.captureTarget(), HotkeyAction::none);
+        QCOMPARE(rig.host.hotkeys.registered.size(), 1);
+    }
+
+    void aNoticeBringsTheWindowForward()
+    {
+        Rig rig;
+        rig.launch();
+        rig.services->privacy.guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [] {});
+        QVERIFY(rig.shell.visible);
+    }
+
+    void postsBecomeBanners()
+    {
+        Rig rig;
+        rig.launch();
+        rig.services->notifications.post(u"velBrixShowBannerToast"_s, {{u"body"_s, u"你好"_s}});
+        QCOMPARE(rig.services->toasts.visible().first().body, u"你好"_s);
+        rig.choose(TrayItemId::remoteCheck);
+        QCOMPARE(rig.services->toasts.visible().last().body,
+                 u"此安装没有配置产品服务器，无法检查更新与公告。"_s);
+    }
+
+    void trayEntriesOpenTheirPages()
+    {
+        Rig rig;
+        rig.launch();
+        rig.choose(TrayItemId::recordPanel);
+        QCOMPARE(rig.services->router.activeTab(), std::optional(AppTab::recorder));
+        rig.choose(TrayItemId::privacy);
+        QCOMPARE(rig.shell.calls.last(), u"statement"_s);
+    }
+
+    void quits()
+    {
+        Rig rig;
+        rig.launch(false);
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.choose(TrayItemId::quit);
+        rig.delegate->quitApp();
+        QCOMPARE(terminated.count(), 1);
+        QVERIFY(rig.delegate->windowShouldClose());
+        QCOMPARE(rig.host.desktop.calls.last(), u"presence"_s);
+        QCOMPARE(rig.shell.calls.last(), u"removeTray"_s);
+        QCOMPARE(rig.host.keys.localCount(), 0);
+        rig.clock.advance(1h);
+        QCOMPARE(rig.clock.pendingCount(), 0);
+        rig.shell.calls.clear();
+        rig.host.singleInstance.wake();
+        QVERIFY(rig.shell.calls.isEmpty());
+    }
+
+    void quittingCompletesTheRecordingFirst()
+    {
+        Rig rig;
+        rig.host.screenCapture.nextSession->stopDelay = 100ms;
+        rig.launch();
+        rig.delegate->recording().toggleQuickly();
+        QVERIFY(rig.services->recorder.isRecording());
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        QCoreApplication::processEvents();
+        QCOMPARE(terminated.count(), 0);
+        rig.clock.advance(100ms);
+        QCoreApplication::processEvents();
+        QCOMPARE(terminated.count(), 1);
+        QVERIFY(rig.host.screenCapture.nextSession->calls.contains(u"finishWriting"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(AppDelegateTest)
+#include "AppDelegateTest.moc"

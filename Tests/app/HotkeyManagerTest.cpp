@@ -1,0 +1,245 @@
+#include "support/FakePlatform.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+constexpr quint32 controlOption = HotkeyChord::controlKey | HotkeyChord::optionKey;
+constexpr quint32 escape = 53;
+
+// Every action has somebody who listens.
+struct Rig : ServicesRig {
+    explicit Rig(const QJsonObject &stored = {})
+    {
+        host.settings.stored = stored;
+        make();
+        for (const HotkeyActionInfo &info : hotkeyActions()) {
+            observations.push_back(services->notifications.observe(
+                info.notification, [this, info](const QVariantMap &) { posted << info.notification; }));
+        }
+        manager().install();
+    }
+    ~Rig()
+    {
+        observations.clear();
+        services.reset();
+    }
+
+    HotkeyManager &manager() { return services->hotkeys; }
+    QStringList takePosted()
+    {
+        QCoreApplication::processEvents();
+        return std::exchange(posted, {});
+    }
+
+    std::vector<std::unique_ptr<Observation>> observations;
+    QStringList posted;
+};
+
+} // namespace
+
+class HotkeyManagerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void registersFiveChordsAndWatchesTheSixth()
+    {
+        Rig rig;
+        const QMap<quint32, HotkeyChord> expected = {{1, {29, controlOption}},
+                                                     {2, {2, controlOption}},
+                                                     {3, {4, controlOption}},
+                                                     {4, {48, HotkeyChord::optionKey}},
+                                                     {5, {9, controlOption}}};
+        QCOMPARE(rig.host.hotkeys.registered, expected);
+        QCOMPARE(rig.manager().screenshotHotkey(), (HotkeyChord{105, 0}));
+        QCOMPARE(rig.host.keys.localCount(), 1);
+        QCOMPARE(rig.host.keys.globalCount(), 1);
+    }
+
+    void keysNobodyListensToAreLeftAlone()
+    {
+        ServicesRig rig;
+        HotkeyManager &manager = rig.make().hotkeys;
+        const auto recorder =
+            rig.services->notifications.observe(u"velBrixToggleRecordingHotkey"_s, [](auto &) {});
+        manager.install();
+        QCOMPARE(rig.host.hotkeys.registered.keys(), QList<quint32>{1});
+        QCOMPARE(rig.host.keys.globalCount(), 0);
+        QVERIFY(!manager.isAvailable(HotkeyAction::clipboardHistory));
+    }
+
+    void readsStoredChords_data()
+    {
+        QTest::addColumn<QJsonValue>("stored");
+        QTest::addColumn<HotkeyChord>("chord");
+        const HotkeyChord byDefault{29, controlOption};
+        QTest::newRow("chord") << QJsonValue(HotkeyChord{0, 0x0100}.toJson()) << HotkeyChord{0, 0x0100};
+        QTest::newRow("empty") << QJsonValue(HotkeyChord{}.toJson()) << byDefault;
+        QTest::newRow("undecodable") << QJsonValue(QJsonArray{1}) << byDefault;
+        QTest::newRow("text") << QJsonValue(u"{"_s) << byDefault;
+    }
+    void readsStoredChords()
+    {
+        QFETCH(QJsonValue, stored);
+        Rig rig({{u"Velbrix_Hotkey_RecordToggle"_s, stored}});
+        QTEST(rig.manager().recordToggleHotkey(), "chord");
+    }
+
+    void postsTheActionsNotificationLater()
+    {
+        Rig rig;
+        rig.host.hotkeys.press({9, controlOption});
+        QVERIFY(rig.posted.isEmpty());
+        QCOMPARE(rig.takePosted(), QStringList{u"velBrixClipboardHistoryHotkey"_s});
+        rig.host.hotkeys.press({9, HotkeyChord::cmdKey});
+        QCOMPARE(rig.takePosted(), QStringList());
+    }
+
+    void aTakenKeyIsToldAndTheOthersWork()
+    {
+        ServicesRig rig;
+        rig.host.hotkeys.taken = {{48, HotkeyChord::optionKey}};
+        HotkeyManager &manager = rig.make().hotkeys;
+        const auto ears =
+            rig.services->notifications.observe(u"velBrixWindowSwitcherHotkey"_s, [](auto &) {});
+        const auto recorder =
+            rig.services->notifications.observe(u"velBrixToggleRecordingHotkey"_s, [](auto &) {});
+        manager.install();
+        QCOMPARE(manager.problem(HotkeyAction::windowSwitcher), u"已被其他程序占用"_s);
+        QCOMPARE(manager.problem(HotkeyAction::recordToggle), QString());
+        rig.host.hotkeys.taken.clear();
+        rig.host.hotkeys.changeKeyboard();
+        QCOMPARE(manager.problem(HotkeyAction::windowSwitcher), QString());
+        QVERIFY(rig.host.hotkeys.registered.contains(4));
+    }
+
+    void screenshotKey_data()
+    {
+        QTest::addColumn<HotkeyChord>("chord");
+        QTest::addColumn<KeyPress>("press");
+        QTest::addColumn<bool>("fires");
+        const HotkeyChord plain{105, 0};
+        const HotkeyChord withControl{105, HotkeyChord::controlKey};
+        QTest::newRow("the key") << plain << KeyPress{105, 0} << true;
+        QTest::newRow("while others are held") << plain << KeyPress{105, HotkeyChord::shiftKey} << true;
+        QTest::newRow("another key") << plain << KeyPress{106, 0} << false;
+        QTest::newRow("without its modifier") << withControl << KeyPress{105, 0} << false;
+        QTest::newRow("with one more") << withControl << KeyPress{105, 0x1200} << true;
+    }
+    void screenshotKey()
+    {
+        QFETCH(HotkeyChord, chord);
+        QFETCH(KeyPress, press);
+        QFETCH(bool, fires);
+        Rig rig({{u"Velbrix_Hotkey_Screenshot"_s, chord.toJson()}});
+        QCOMPARE(rig.host.keys.pressLocal(press), fires);
+        QCOMPARE(rig.takePosted().size(), fires ? 1 : 0);
+        rig.clock.advance(1s);
+        rig.host.keys.pressGlobal(press);
+        QCOMPARE(rig.takePosted().size(), fires ? 1 : 0);
+    }
+
+    void screenshotKeyFiresOncePer350Milliseconds()
+    {
+        Rig rig;
+        QVERIFY(rig.host.keys.pressLocal({105, 0}));
+        rig.host.keys.pressGlobal({105, 0});
+        rig.clock.advance(349ms);
+        QVERIFY(rig.host.keys.pressLocal({105, 0})); // swallowed all the same
+        QCOMPARE(rig.takePosted().size(), 1);
+        rig.clock.advance(1ms);
+        rig.host.keys.pressGlobal({105, 0});
+        QCOMPARE(rig.takePosted(), QStringList{u"velBrixScreenshotHotkey"_s});
+    }
+
+    void captures_data()
+    {
+        QTest::addColumn<HotkeyAction>("action");
+        QTest::addColumn<KeyPress>("press");
+        QTest::addColumn<QString>("hint"); // empty: taken
+        QTest::addColumn<bool>("beeps");
+        using enum HotkeyAction;
+        const QString prompt = u"请按下：至少一个修饰键 + 主键（Esc 取消）"_s;
+        const QString shotPrompt = u"请按下截图键（可单键，如 PrtSc；Esc 取消）"_s;
+        QTest::newRow("chord") << recordToggle << KeyPress{15, 0x1900} << QString() << false;
+        QTest::newRow("its own chord again")
+            << recordToggle << KeyPress{29, controlOption} << QString() << false;
+        QTest::newRow("bare key") << recordToggle << KeyPress{15, 0}
+                                  << u"无效：必须带 ⌃ / ⌥ / ⇧ / ⌘ 至少一个修饰键"_s << true;
+        QTest::newRow("only shift") << recordToggle << KeyPress{56, HotkeyChord::shiftKey} << prompt << false;
+        QTest::newRow("second modifier") << recordToggle << KeyPress{58, controlOption} << prompt << false;
+        QTest::newRow("caps lock") << recordToggle << KeyPress{57, 0} << prompt << false;
+        QTest::newRow("conflict") << recordToggle << KeyPress{2, controlOption}
+                                  << u"与隐藏桌面快捷键冲突，请换一组"_s << true;
+        QTest::newRow("conflict with the screenshot key")
+            << clipboardHistory << KeyPress{105, 0} << u"无效：必须带 ⌃ / ⌥ / ⇧ / ⌘ 至少一个修饰键"_s << true;
+        QTest::newRow("bare screenshot key") << screenshot << KeyPress{106, 0} << QString() << false;
+        QTest::newRow("no key at all")
+            << screenshot << KeyPress{0, 0} << u"无效按键，请重试（Esc 取消）"_s << true;
+        QTest::newRow("screenshot, only shift") << screenshot << KeyPress{56, 0} << shotPrompt << false;
+        QTest::newRow("screenshot conflict")
+            << screenshot << KeyPress{29, controlOption} << u"与录制快捷键冲突，请换一组"_s << true;
+    }
+    void captures()
+    {
+        QFETCH(HotkeyAction, action);
+        QFETCH(KeyPress, press);
+        QFETCH(QString, hint);
+        QFETCH(bool, beeps);
+        Rig rig;
+        const HotkeyChord before = rig.manager().chord(action);
+        rig.manager().beginCapture(action);
+        QVERIFY(rig.manager().handleCapturedKey(press));
+        QCOMPARE(rig.manager().captureHint(), hint);
+        QCOMPARE(rig.host.desktop.calls.contains(u"beep"_s), beeps);
+        const bool taken = hint.isEmpty();
+        QCOMPARE(rig.manager().captureTarget(), taken ? HotkeyAction::none : action);
+        QCOMPARE(rig.manager().chord(action), taken ? (HotkeyChord{press.keyCode, press.modifiers}) : before);
+        QVERIFY(rig.services->settings.flush());
+        const QJsonValue stored = rig.host.settings.stored.value(hotkeyActionInfo(action).settingsKey);
+        QCOMPARE(stored.isUndefined(), !taken);
+        if (taken) {
+            QCOMPARE(HotkeyChord::fromJson(stored), std::optional(rig.manager().chord(action)));
+            QCOMPARE(rig.host.hotkeys.registered.size(), 5);
+        }
+    }
+
+    void escapeRestoresEverything()
+    {
+        Rig rig;
+        const auto before = rig.host.hotkeys.registered;
+        rig.manager().beginCapture(HotkeyAction::recordToggle);
+        QVERIFY(rig.host.hotkeys.registered.isEmpty());
+        // The screenshot key does not fire in the middle of a capture.
+        rig.host.keys.pressGlobal({105, 0});
+        rig.host.hotkeys.changeKeyboard();
+        QVERIFY(rig.host.hotkeys.registered.isEmpty());
+        QVERIFY(rig.manager().handleCapturedKey({escape, 0}));
+        QCOMPARE(rig.manager().captureTarget(), HotkeyAction::none);
+        QCOMPARE(rig.manager().captureHint(), QString());
+        QCOMPARE(rig.host.hotkeys.registered, before);
+        QCOMPARE(rig.takePosted(), QStringList());
+        QVERIFY(!rig.manager().handleCapturedKey({15, controlOption}));
+    }
+
+    void resetsToTheDefaultUnlessItIsTaken()
+    {
+        Rig rig({{u"Velbrix_Hotkey_RecordToggle"_s, HotkeyChord{15, controlOption}.toJson()},
+                 {u"Velbrix_Hotkey_HideDock"_s, HotkeyChord{29, controlOption}.toJson()}});
+        rig.manager().resetToDefault(HotkeyAction::recordToggle);
+        QCOMPARE(rig.manager().captureHint(), u"与隐藏 Dock 快捷键冲突，请换一组"_s);
+        rig.manager().resetToDefault(HotkeyAction::hideDock);
+        rig.manager().resetToDefault(HotkeyAction::recordToggle);
+        QCOMPARE(rig.manager().recordToggleHotkey(), (HotkeyChord{29, controlOption}));
+    }
+};
+
+QTEST_GUILESS_MAIN(HotkeyManagerTest)
+#include "HotkeyManagerTest.moc"

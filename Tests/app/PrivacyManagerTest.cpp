@@ -1,0 +1,155 @@
+#include "support/FakePlatform.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString prefix = u"Velbrix_Privacy_"_s;
+
+struct Rig : ServicesRig {
+    explicit Rig(const QJsonObject &stored = {})
+    {
+        host.settings.stored = stored;
+        make();
+    }
+    PrivacyManager &privacy() { return services->privacy; }
+    QJsonObject stored()
+    {
+        (void)services->settings.flush();
+        return host.settings.stored;
+    }
+};
+
+} // namespace
+
+class PrivacyManagerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void remembersEarlierConsents()
+    {
+        Rig rig({{prefix + u"consent_screenRecording"_s, true},
+                 {prefix + u"consent_microphone"_s, false},
+                 {prefix + u"consent_firstLaunch"_s, true}});
+        QVERIFY(rig.privacy().hasConsent(PrivacyConsentKind::screenRecording));
+        QVERIFY(!rig.privacy().hasConsent(PrivacyConsentKind::microphone));
+        // Only the flag of the statement itself counts for it.
+        QVERIFY(!rig.privacy().hasConsent(PrivacyConsentKind::firstLaunch));
+        QVERIFY(!rig.privacy().hasAcceptedFirstLaunchNotice());
+        Rig accepted({{prefix + u"firstLaunchAccepted"_s, true}});
+        QVERIFY(accepted.privacy().hasConsent(PrivacyConsentKind::firstLaunch));
+    }
+
+    void grantingTheStatementIsAcceptingIt()
+    {
+        Rig rig;
+        QSignalSpy changed(&rig.privacy(), &PrivacyManager::consentChanged);
+        rig.privacy().grant(PrivacyConsentKind::firstLaunch);
+        QCOMPARE(changed.count(), 1);
+        QVERIFY(rig.privacy().hasAcceptedFirstLaunchNotice());
+        const double now = static_cast<double>(rig.clock.now().toMSecsSinceEpoch()) / 1000;
+        QCOMPARE(rig.stored(), (QJsonObject{{prefix + u"firstLaunchAccepted"_s, true},
+                                            {prefix + u"consent_firstLaunch"_s, true},
+                                            {prefix + u"firstLaunchAcceptedAt"_s, now}}));
+    }
+
+    void guardsAnAction()
+    {
+        Rig rig;
+        int runs = 0;
+        const auto act = [&] {
+            rig.privacy().guard(featurePrivacyNotice(PrivacyConsentKind::systemAudio), [&] { ++runs; });
+        };
+        act();
+        QCOMPARE(rig.privacy().pendingFeatureNotice()->title, u"系统音频隐私确认"_s);
+        rig.privacy().cancelPendingNotice();
+        QVERIFY(!rig.privacy().pendingFeatureNotice());
+        QVERIFY(!rig.privacy().hasConsent(PrivacyConsentKind::systemAudio));
+        act();
+        QCOMPARE(runs, 0);
+        rig.privacy().confirmPendingNotice();
+        QCOMPARE(runs, 1);
+        QVERIFY(!rig.privacy().pendingFeatureNotice());
+        QCOMPARE(rig.stored(), (QJsonObject{{prefix + u"consent_systemAudio"_s, true}}));
+        act();
+        QCOMPARE(runs, 2);
+        QVERIFY(!rig.privacy().pendingFeatureNotice());
+    }
+
+    void aNoticeAskedForAgainRunsTheNewAction()
+    {
+        Rig rig;
+        QStringList ran;
+        QSignalSpy shown(&rig.privacy(), &PrivacyManager::pendingFeatureNoticeChanged);
+        rig.privacy().guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [&] { ran << u"old"_s; });
+        rig.privacy().guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [&] { ran << u"new"_s; });
+        rig.privacy().confirmPendingNotice();
+        rig.privacy().confirmPendingNotice();
+        QCOMPARE(ran, QStringList{u"new"_s});
+    }
+
+    void theStatementWaitsForItsCountdown()
+    {
+        Rig rig;
+        rig.clock.advance(1min); // nobody looks at it yet
+        QCOMPARE(rig.privacy().firstLaunchCountdown(), 10);
+        rig.privacy().startFirstLaunchCountdown();
+        rig.privacy().startFirstLaunchCountdown();
+        rig.clock.advance(9s);
+        QCOMPARE(rig.privacy().firstLaunchCountdown(), 1);
+        rig.privacy().confirmFirstLaunch();
+        QVERIFY(!rig.privacy().hasAcceptedFirstLaunchNotice());
+        rig.clock.advance(5s);
+        QCOMPARE(rig.privacy().firstLaunchCountdown(), 0);
+        rig.privacy().confirmFirstLaunch();
+        QVERIFY(rig.privacy().hasAcceptedFirstLaunchNotice());
+        QVERIFY(rig.stored().value(prefix + u"didPromptAllSystemPermissions"_s).toBool());
+        QCOMPARE(
+            firstLaunchStatement(7).message,
+            u"欢迎使用 Velbrix。请认真阅读以下声明。为保障你的权益并降低法律风险，首次启动需等待7秒后才能确认。"_s);
+    }
+
+    void promptsForPermissionsOnceInOrder()
+    {
+        Rig rig;
+        rig.host.permissions.microphoneStatus = AuthorizationStatus::notDetermined;
+        rig.host.permissions.cameraStatus = AuthorizationStatus::denied;
+        rig.host.permissions.screenCaptureGranted = false;
+        rig.privacy().promptAllSystemPermissions();
+        // On disk already, however the sequence ends.
+        QCOMPARE(rig.host.settings.stored.value(prefix + u"didPromptAllSystemPermissions"_s),
+                 QJsonValue(true));
+        QCOMPARE(rig.host.notifications.calls, QStringList{u"requestAuthorization"_s});
+        QCOMPARE(rig.host.permissions.calls, QStringList{u"requestMicrophone"_s});
+        rig.clock.advance(599ms);
+        QCOMPARE(rig.host.permissions.calls.size(), 1);
+        rig.clock.advance(1ms);
+        QCOMPARE(rig.host.permissions.calls.last(), u"requestScreenCapture"_s);
+        rig.clock.advance(600ms);
+        QCOMPARE(rig.host.permissions.calls.last(), u"promptForAccessibility"_s);
+        rig.privacy().promptAllSystemPermissions();
+        rig.clock.advance(1min);
+        QCOMPARE(rig.host.permissions.calls.size(), 3);
+    }
+
+    void noticesKeepTheirTexts()
+    {
+        const FeaturePrivacyNotice recording = featurePrivacyNotice(PrivacyConsentKind::screenRecording);
+        QCOMPARE(recording.message,
+                 u"开始录制前请确认：本功能会捕获屏幕画面，并可能录制系统音频/麦克风音频。"_s);
+        QCOMPARE(recording.details.size(), 5);
+        QCOMPARE(quickRecordingNotice().title, recording.title);
+        QCOMPARE(quickRecordingNotice().details, recording.details);
+        QVERIFY(quickRecordingNotice().message.startsWith(u"快捷录制将默认全屏捕获"_s));
+        QCOMPARE(reviewedStatement().details.size(), 8);
+    }
+};
+
+QTEST_GUILESS_MAIN(PrivacyManagerTest)
+#include "PrivacyManagerTest.moc"

@@ -1,0 +1,87 @@
+#include "capture/RecorderDevices.h"
+
+#include "support/FakePlatform.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+AudioDeviceItem device(const QString &id, bool isDefault = false)
+{
+    return {id, u"名称 "_s + id, std::nullopt, isDefault};
+}
+
+struct Rig : ServicesRig {
+    Rig()
+    {
+        host.audioDevices.speakersAnswer = QList<AudioDeviceItem>{device(u"a"_s, true), device(u"b"_s)};
+    }
+    ScreenRecorderController &recorder = make().recorder;
+    RecorderDevices &devices = recorder.devices();
+    QString lastLine() { return recorder.log().logLines().last(); }
+};
+
+} // namespace
+
+class RecorderDevicesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void listsAndFollowsDevices()
+    {
+        Rig rig;
+        rig.devices.refreshAudioDevices();
+        QCOMPARE(rig.devices.speakerDevices().size(), 2);
+        QCOMPARE(rig.lastLine(), u"扬声器 2 个 / 麦克风 1 个"_s);
+        rig.host.audioDevices.microphonesAnswer = QList<AudioDeviceItem>{};
+        rig.host.audioDevices.changed();
+        QVERIFY(rig.devices.microphoneDevices().isEmpty());
+        QCOMPARE(rig.lastLine(), u"扬声器 2 个 / 麦克风 0 个"_s);
+    }
+
+    void aSilentServerIsTold()
+    {
+        Rig rig;
+        rig.host.audioDevices.speakersAnswer = failure(u"没有声音服务"_s);
+        rig.devices.refreshAudioDevices();
+        QCOMPARE(rig.devices.problem(), u"没有声音服务"_s);
+    }
+
+    void selectingASpeakerSwitchesTheSystem()
+    {
+        Rig rig;
+        rig.devices.refreshAudioDevices();
+        rig.devices.selectSpeaker(u"b"_s);
+        QCOMPARE(rig.recorder.preferences().selectedSpeakerID(), u"b"_s);
+        QVERIFY(rig.host.audioDevices.calls.contains(u"setDefaultSpeaker b"_s));
+        QCOMPARE(rig.recorder.log().logLines().last(2),
+                 (QStringList{u"已选择扬声器:名称 b"_s, u"✅ 已将系统默认输出切换为:名称 b"_s}));
+        rig.host.audioDevices.setDefaultAnswer = failure(u"拒绝"_s);
+        rig.devices.selectSpeaker(u"a"_s);
+        QCOMPARE(rig.lastLine(), u"❌ 切换系统默认输出失败:拒绝"_s);
+    }
+
+    void microphoneForTheStream_data()
+    {
+        QTest::addColumn<QString>("selected");
+        QTest::addColumn<bool>("passed");
+        QTest::newRow("none chosen") << QString() << false;
+        QTest::newRow("chosen") << u"mic"_s << true;
+        QTest::newRow("not recordable") << u"in-42"_s << false;
+    }
+    void microphoneForTheStream()
+    {
+        QFETCH(QString, selected);
+        Rig rig;
+        rig.devices.refreshAudioDevices();
+        rig.devices.selectMicrophone(selected);
+        QTEST(rig.devices.microphoneForCapture().has_value(), "passed");
+    }
+};
+
+QTEST_GUILESS_MAIN(RecorderDevicesTest)
+#include "RecorderDevicesTest.moc"

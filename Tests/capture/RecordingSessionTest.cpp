@@ -1,0 +1,432 @@
+#include "support/FakePlatform.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+CapturableWindow window(quint32 id, const QString &title, qint64 pid = 1)
+{
+    return {.windowId = id,
+            .title = title,
+            .appName = {},
+            .bundleId = {},
+            .processId = pid,
+            .frame = {0, 0, 801, 601}};
+}
+
+void fill(const QString &path, qsizetype bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(bytes, 'x'));
+}
+
+// A recorder whose host writes 20,000 bytes for each movie.
+struct Rig : ServicesRig {
+    Rig()
+    {
+        state->onOpen = [](const QString &movie) { fill(movie, 20'000); };
+        host.screenCapture.contentAnswer->windows = {
+            window(7, u"Editor"_s), window(8, u"Mine"_s, QCoreApplication::applicationPid())};
+        preferences.setOutputDir(folder.path());
+        preferences.setRecordSystemAudio(false);
+        recorder.access().checkPermission();
+    }
+
+    QStringList linesSince(const QString &marker)
+    {
+        const QStringList lines = recorder.log().logLines();
+        return lines.mid(lines.lastIndexOf(marker) + 1);
+    }
+    // Without the line of options.
+    QStringList movieLines() { return linesSince(u"====== 开始录制 ======"_s).mid(1); }
+    void start()
+    {
+        state->calls.clear();
+        recorder.start();
+    }
+    void writeFrames(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            host.screenCapture.session()->ledger().noteWrittenFrame(i / 60.0);
+    }
+
+    QTemporaryDir folder;
+    std::shared_ptr<FakeCaptureState> state = host.screenCapture.nextSession;
+    ScreenRecorderController &recorder = make().recorder;
+    RecorderPreferences &preferences = recorder.preferences();
+    RecordingSession &session = recorder.session();
+    const QString path = folder.filePath(u"录制_20260301_090000.mp4"_s);
+};
+
+} // namespace
+
+class RecordingSessionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sixStepsToAMovieOfTheScreen()
+    {
+        Rig rig;
+        rig.preferences.setRecordSystemAudio(true);
+        rig.preferences.setRecordMicrophone(true);
+        rig.preferences.setSelectedMicrophoneID(u"mic"_s);
+        rig.preferences.setIgnoreSelfWindows(true);
+        rig.start();
+        QVERIFY(rig.recorder.isRecording());
+        QCOMPARE(
+            rig.movieLines(),
+            (QStringList{u"[1/6] 获取可共享内容…"_s, u"[1/6] ✅ 显示器:1 窗口:2"_s,
+                         u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
+                         u"[3/6] 捕获像素 1920x1080 原画 60fps 系统音频=true 麦克风=true"_s,
+                         u"[4/6] ✅ 捕获流已创建 queueDepth=5"_s,
+                         u"写入器就绪 1920x1080 sysAudio=true mic=true"_s,
+                         u"[5/6] ✅ 模式=手动 AVAssetWriter"_s, u"已挂载系统音频 output"_s,
+                         u"已挂载麦克风 output"_s, u"[6/6] startCapture…"_s, u"✅ startCapture 成功"_s}));
+        QCOMPARE(rig.state->calls,
+                 (QStringList{u"openWriter "_s + rig.path, u"addOutput screen"_s, u"addOutput systemAudio"_s,
+                              u"addOutput microphone"_s, u"startCapture"_s}));
+        QCOMPARE(rig.state->filter, (CaptureFilter{{}, 1, {8}}));
+        StreamConfiguration stream{.width = 1920,
+                                   .height = 1080,
+                                   .capturesAudio = true,
+                                   .excludesCurrentProcessAudio = true,
+                                   .capturesMicrophone = true,
+                                   .microphoneDeviceId = u"mic"_s};
+        QCOMPARE(rig.state->configuration, stream);
+        MovieSettings movie{.path = rig.path,
+                            .width = 1920,
+                            .height = 1080,
+                            .videoBitRate = 10'368'000,
+                            .systemAudio = true,
+                            .microphone = true};
+        QCOMPARE(*rig.state->movie, movie);
+        QCOMPARE(rig.session.outputURL(), std::optional(rig.path));
+    }
+
+    void recordsTheChosenWindow()
+    {
+        Rig rig;
+        rig.preferences.setRecordMode(RecordMode::window);
+        rig.preferences.setFpsOption(RecordFPS::fps30);
+        rig.preferences.setQualityOption(RecordQuality::half);
+        rig.host.screenCapture.geometryAnswer = CaptureGeometry{{801, 601}, 1.0, {1920, 1080}};
+        rig.recorder.windows().refreshWindows();
+        rig.recorder.windows().select(u"7"_s);
+        rig.start();
+        QVERIFY(rig.recorder.isRecording());
+        QVERIFY(rig.movieLines().contains(u"[2/6] ✅ 窗口 Editor"_s));
+        QVERIFY(rig.movieLines().contains(
+            u"[3/6] 捕获像素 400x300 二分之一 30fps 系统音频=false 麦克风=false"_s));
+        QCOMPARE(rig.state->filter.windowId, std::optional<quint32>(7));
+        QCOMPARE(rig.state->configuration.queueDepth, 3);
+        QCOMPARE(rig.state->movie->keyFrameInterval, 30);
+        QCOMPARE(rig.state->movie->videoBitRate, 4'000'000);
+    }
+
+    void stopsAndValidates()
+    {
+        Rig rig;
+        rig.start();
+        rig.writeFrames(120);
+        rig.clock.advance(2100ms);
+        RecordLiveUI &live = rig.recorder.log().live();
+        QCOMPARE(live.frameCountUI(), 120);
+        QCOMPARE(live.elapsedSeconds(), 2);
+        rig.recorder.stop();
+        QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
+        QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
+                 (QStringList{u"停止录制 mode=manual 视频帧=120 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
+                              u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s}));
+        QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
+        QCOMPARE(rig.session.lastFailure(), QString());
+        QVERIFY(!rig.state->alive);
+        rig.clock.advance(1h);
+        // Only the write of the settings was left.
+        QCOMPARE(rig.clock.pendingCount(), 0);
+    }
+
+    void aSecondStopIsIgnored()
+    {
+        Rig rig;
+        rig.state->stopDelay = 100ms;
+        rig.start();
+        rig.writeFrames(1);
+        rig.recorder.stop();
+        rig.recorder.stop();
+        QVERIFY(rig.recorder.isRecording());
+        rig.clock.advance(1s);
+        QVERIFY(!rig.recorder.isRecording());
+        QCOMPARE(rig.state->calls.filter(u"stopCapture"_s).size(), 1);
+    }
+
+    void aStopDuringTheStartFollowsIt()
+    {
+        Rig rig;
+        rig.state->startDelay = 100ms;
+        rig.start();
+        rig.recorder.stop();
+        QVERIFY(!rig.state->calls.contains(u"stopCapture"_s));
+        rig.clock.advance(100ms);
+        QVERIFY(rig.state->calls.contains(u"stopCapture"_s));
+        QVERIFY(!rig.recorder.isRecording());
+    }
+
+    void theSystemWritesTheMovieWhereItCan_data()
+    {
+        QTest::addColumn<bool>("audio");
+        QTest::addColumn<bool>("falls");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("silent") << false << false << u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s;
+        QTest::newRow("audio") << true << false << u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s;
+        QTest::newRow("silent, falls back")
+            << false << true << u"[5/6] SCRecordingOutput 失败，回退手动:不支持"_s;
+        QTest::newRow("audio, falls back")
+            << true << true << u"[5/6] 带音频的系统直写失败，回退手动:不支持"_s;
+    }
+    void theSystemWritesTheMovieWhereItCan()
+    {
+        QFETCH(bool, audio);
+        QFETCH(bool, falls);
+        QFETCH(QString, line);
+        Rig rig;
+        rig.host.screenCapture.featuresAnswer.recordingOutput = true;
+        rig.preferences.setRecordSystemAudio(audio);
+        if (falls)
+            rig.state->addRecordingOutputAnswer = failure(u"不支持"_s);
+        rig.start();
+        QVERIFY(rig.recorder.isRecording());
+        QVERIFY(rig.movieLines().contains(line));
+        QCOMPARE(rig.movieLines().contains(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s), falls);
+        QCOMPARE(rig.state->movie.has_value(), falls);
+    }
+
+    void endsTheSystemsMovieAfterAPause()
+    {
+        Rig rig;
+        rig.host.screenCapture.featuresAnswer.recordingOutput = true;
+        rig.start();
+        rig.host.screenCapture.session()->recordingStarted();
+        rig.host.screenCapture.session()->recordingFailed(u"磁盘"_s);
+        rig.recorder.stop();
+        QVERIFY(!rig.state->calls.contains(u"removeRecordingOutput"_s));
+        rig.clock.advance(200ms);
+        QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
+                 (QStringList{u"✅ SCRecordingOutput 开始写文件"_s, u"❌ SCRecordingOutput 失败:磁盘"_s,
+                              u"停止录制 mode=system 视频帧=0 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
+                              u"removeRecordingOutput 完成（stop 之后）"_s, u"❌ 系统录制失败:磁盘"_s,
+                              u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s}));
+    }
+
+    void failsToStart_data()
+    {
+        QTest::addColumn<std::function<void(Rig &)>>("arrange");
+        QTest::addColumn<QString>("lastLine");
+        const auto row = [](const char *name, std::function<void(Rig &)> arrange, const QString &line) {
+            QTest::newRow(name) << std::move(arrange) << line;
+        };
+        row(
+            "no display", [](Rig &r) { r.host.screenCapture.contentAnswer->displays.clear(); },
+            u"❌ 没有找到显示器"_s);
+        row(
+            "geometry", [](Rig &r) { r.host.screenCapture.geometryAnswer = failure(u"窗口消失"_s); },
+            u"❌ 窗口消失"_s);
+        row(
+            "stream", [](Rig &r) { r.host.screenCapture.makeSessionFailure = Failure{u"没有流"_s}; },
+            u"❌ 没有流"_s);
+        row(
+            "writer", [](Rig &r) { r.state->openWriterAnswer = failure(u"无法添加视频轨"_s); },
+            u"❌ 无法添加视频轨"_s);
+        row(
+            "output", [](Rig &r) { r.state->addOutputAnswers[CaptureOutput::screen] = failure(u"拒绝"_s); },
+            u"❌ 拒绝"_s);
+        row("start", [](Rig &r) { r.state->startCaptureAnswer = failure(u"启动失败"_s); }, u"❌ 启动失败"_s);
+    }
+    void failsToStart()
+    {
+        QFETCH(std::function<void(Rig &)>, arrange);
+        QFETCH(QString, lastLine);
+        Rig rig;
+        arrange(rig);
+        rig.start();
+        QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
+        QCOMPARE(rig.recorder.log().logLines().last(), lastLine);
+        QVERIFY(!QFile::exists(rig.path));
+        QVERIFY(!rig.services->settings.contains(u"Velbrix_ScreenRecord_unfinishedFiles"_s));
+
+        // The way is free for the next start.
+        rig.host.screenCapture.contentAnswer->displays = {{.displayId = 1, .frame = {}, .isMain = true}};
+        rig.host.screenCapture.geometryAnswer = CaptureGeometry{{640, 480}, 1.0, {640, 480}};
+        rig.host.screenCapture.makeSessionFailure.reset();
+        rig.host.screenCapture.nextSession = std::make_shared<FakeCaptureState>();
+        rig.recorder.start();
+        QVERIFY(rig.recorder.isRecording());
+        QCOMPARE(rig.session.lastFailure(), QString());
+    }
+
+    void tracksAndSystemsThatDoNotHear()
+    {
+        Rig rig;
+        rig.preferences.setRecordSystemAudio(true);
+        rig.preferences.setRecordMicrophone(true);
+        rig.state->openWriterAnswer = MovieTracks{};
+        rig.start();
+        QVERIFY(rig.recorder.isRecording());
+        QVERIFY(rig.movieLines().contains(u"无法添加系统音频轨"_s));
+        QVERIFY(
+            rig.movieLines().contains(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s));
+
+        Rig old;
+        old.host.screenCapture.featuresAnswer.microphone = false;
+        old.preferences.setRecordMicrophone(true);
+        old.start();
+        QVERIFY(old.recorder.isRecording());
+        QVERIFY(old.movieLines().contains(u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s));
+        QVERIFY(!old.state->configuration.capturesMicrophone);
+        QVERIFY(!old.state->movie->microphone);
+    }
+
+    void aStreamThatEndsByItselfKeepsItsMovie()
+    {
+        Rig rig;
+        rig.start();
+        rig.writeFrames(60);
+        rig.host.screenCapture.session()->warn(u"麦克风已断开"_s);
+        rig.host.screenCapture.session()->streamStopped(u"窗口已关闭"_s);
+        QVERIFY(!rig.recorder.isRecording());
+        QVERIFY(rig.recorder.log().logLines().contains(u"⚠️ 麦克风已断开"_s));
+        QVERIFY(rig.recorder.log().logLines().contains(u"❌ 流异常停止:窗口已关闭"_s));
+        QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
+    }
+
+    void endings_data()
+    {
+        QTest::addColumn<std::function<void(Rig &)>>("arrange");
+        QTest::addColumn<QStringList>("lines"); // after the stop
+        QTest::addColumn<bool>("kept");
+        const QString notPlayable = u"❌ 不可播放 playable=false duration=0.000 size=20000 mode=manual"_s;
+        const auto row = [](const char *name, std::function<void(Rig &)> arrange, const QStringList &lines,
+                            bool kept) { QTest::newRow(name) << std::move(arrange) << lines << kept; };
+        row(
+            "writer fails and leaves rubbish",
+            [](Rig &r) {
+                r.writeFrames(3);
+                r.state->finishWritingAnswer = failure(QString());
+                r.host.movieFiles.facts = MovieFacts{};
+            },
+            {u"❌ finishWriting 失败:unknown"_s, u"❌ 输出文件不存在"_s}, false);
+        row(
+            "writer fails, but what is there plays",
+            [](Rig &r) {
+                r.writeFrames(3);
+                r.state->finishWritingAnswer = failure(u"磁盘已满"_s);
+            },
+            {u"❌ finishWriting 失败:磁盘已满"_s,
+             u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s},
+            true);
+        row(
+            "no frame", [](Rig &r) { r.host.movieFiles.facts = MovieFacts{}; },
+            {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, notPlayable, u"no video, audioTracks=0"_s},
+            true);
+        row(
+            "sound only",
+            [](Rig &r) {
+                r.writeFrames(3);
+                r.host.movieFiles.facts = MovieFacts{true, 5, false, 2};
+            },
+            {u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s, u"no video, audioTracks=2"_s},
+            true);
+        row(
+            "unreadable",
+            [](Rig &r) {
+                r.writeFrames(3);
+                r.host.movieFiles.facts = failure(u"x"_s);
+            },
+            {notPlayable, u"no video, audioTracks=0"_s}, true);
+        row(
+            "file gone",
+            [](Rig &r) {
+                r.writeFrames(3);
+                QFile::remove(r.path);
+            },
+            {u"❌ 输出文件不存在"_s}, false);
+        row(
+            "stop warning",
+            [](Rig &r) {
+                r.writeFrames(3);
+                r.state->stopCaptureAnswer = failure(u"已断开"_s);
+            },
+            {u"stopCapture 警告:已断开"_s, u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s},
+            true);
+    }
+    void endings()
+    {
+        QFETCH(std::function<void(Rig &)>, arrange);
+        QFETCH(QStringList, lines);
+        QFETCH(bool, kept);
+        Rig rig;
+        rig.start();
+        arrange(rig);
+        rig.recorder.stop();
+        QVERIFY(!rig.recorder.isRecording());
+        QCOMPARE(rig.recorder.log().logLines().last(lines.size()), lines);
+        QCOMPARE(QFile::exists(rig.path), kept);
+    }
+
+    void theValidationWaitsThreeSeconds()
+    {
+        Rig rig;
+        rig.host.movieFiles.delay = 1h;
+        rig.start();
+        rig.writeFrames(3);
+        rig.recorder.stop();
+        rig.clock.advance(2999ms);
+        QVERIFY(rig.recorder.isRecording());
+        rig.clock.advance(1ms);
+        QVERIFY(!rig.recorder.isRecording());
+        QVERIFY(rig.recorder.log().logLines().last(2).first().startsWith(u"❌ 不可播放 playable=false"_s));
+        rig.clock.advance(2h); // the late answer harms nobody
+    }
+
+    void aMovieIsRemembered_data()
+    {
+        QTest::addColumn<bool>("plays");
+        QTest::newRow("until it is good") << true;
+        QTest::newRow("while it is not") << false;
+    }
+    void aMovieIsRemembered()
+    {
+        QFETCH(bool, plays);
+        const QString key = u"Velbrix_ScreenRecord_unfinishedFiles"_s;
+        Rig rig;
+        rig.start();
+        QCOMPARE(rig.host.settings.stored.value(key).toArray(), QJsonArray{rig.path});
+        rig.writeFrames(3);
+        if (!plays)
+            rig.host.movieFiles.facts = MovieFacts{};
+        rig.recorder.stop();
+        QCOMPARE(rig.services->settings.contains(key), !plays);
+    }
+
+    void survivesItsOwnDeathWhileStarting()
+    {
+        Rig rig;
+        rig.state->startDelay = 10ms;
+        rig.start();
+        rig.services.reset();
+        rig.clock.advance(1s);
+        QVERIFY(!rig.state->alive);
+    }
+};
+
+QTEST_GUILESS_MAIN(RecordingSessionTest)
+#include "RecordingSessionTest.moc"

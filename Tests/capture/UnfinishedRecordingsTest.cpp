@@ -1,0 +1,80 @@
+#include "support/FakePlatform.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString key = u"Velbrix_ScreenRecord_unfinishedFiles"_s;
+
+} // namespace
+
+class UnfinishedRecordingsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        movie = folder.filePath(u"录制.mp4"_s);
+        QFile file(movie);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+
+    void remembersOnDiskAtOnce()
+    {
+        ServicesRig rig;
+        UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
+        unfinished.begin(movie);
+        QCOMPARE(rig.host.settings.stored.value(key).toArray(), QJsonArray{movie});
+        QVERIFY(unfinished.leftovers().isEmpty());
+        unfinished.end(movie);
+        QVERIFY(!rig.services->settings.contains(key));
+    }
+
+    void findsWhatACrashLeft()
+    {
+        ServicesRig rig;
+        rig.host.settings.stored = {{key, QJsonArray{movie, movie, folder.filePath(u"gone.mp4"_s), 7}}};
+        rig.make();
+        QCOMPARE(rig.services->recorder.unfinished().leftovers(), QStringList{movie});
+        QCOMPARE(rig.services->recorder.log().logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
+    }
+
+    void repairsOrForgets_data()
+    {
+        QTest::addColumn<bool>("succeeds");
+        QTest::newRow("repaired") << true;
+        QTest::newRow("not repairable") << false;
+    }
+    void repairsOrForgets()
+    {
+        QFETCH(bool, succeeds);
+        ServicesRig rig;
+        rig.host.settings.stored = {{key, QJsonArray{movie}}};
+        if (!succeeds)
+            rig.host.movieFiles.repairAnswer = failure(u"不是电影"_s);
+        UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
+        unfinished.repair(folder.filePath(u"other.mp4"_s)); // nobody's leftover
+        unfinished.repair(movie);
+        QCOMPARE(rig.host.movieFiles.calls, QStringList{u"repair "_s + movie});
+        QCOMPARE(unfinished.leftovers().isEmpty(), succeeds);
+        QCOMPARE(rig.services->recorder.log().logLines().last(),
+                 succeeds ? u"✅ 已修复 录制.mp4"_s : u"❌ 修复失败，文件保持原样：录制.mp4 不是电影"_s);
+        unfinished.dismiss(movie);
+        QVERIFY(unfinished.leftovers().isEmpty());
+        QVERIFY(QFile::exists(movie));
+    }
+
+private:
+    QTemporaryDir folder;
+    QString movie;
+};
+
+QTEST_GUILESS_MAIN(UnfinishedRecordingsTest)
+#include "UnfinishedRecordingsTest.moc"

@@ -1,0 +1,126 @@
+#include "foundation/LocalChannel.h"
+
+#include "foundation/RuntimeFolder.h"
+#include "foundation/SystemClock.h"
+#include "support/VirtualClock.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+QCoro::Task<QJsonObject> echo(QJsonObject request)
+{
+    request[u"echo"_s] = true;
+    co_return request;
+}
+
+} // namespace
+
+class LocalChannelTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { path = folder.filePath(u"s%1"_s.arg(++count)); }
+
+    void answersEachRequest()
+    {
+        VirtualClock clock;
+        LocalChannelServer server(echo, clock);
+        QVERIFY(server.listen(path));
+        QVERIFY(!(QFile::permissions(path) & (QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup)));
+        for (const QString &text : {u"一"_s, QString(20000, u'x')}) {
+            QCOMPARE(ask({{u"text"_s, text}}).value(), (QJsonObject{{u"text"_s, text}, {u"echo"_s, true}}));
+        }
+    }
+
+    void nobodyListensIsAFailure() { QVERIFY(!ask({})); }
+
+    void aDeadProgramsSocketIsReplaced()
+    {
+        VirtualClock clock;
+        QFile stale(path);
+        QVERIFY(stale.open(QIODevice::WriteOnly));
+        stale.close();
+        LocalChannelServer server(echo, clock);
+        QVERIFY(server.listen(path));
+        QVERIFY(ask({}));
+    }
+
+    void badClientsAreHungUpOn_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("no JSON") << "hello\n"_ba;
+        QTest::newRow("endless line") << QByteArray(200'000, 'x');
+        QTest::newRow("silence") << QByteArray();
+    }
+    void badClientsAreHungUpOn()
+    {
+        QFETCH(QByteArray, bytes);
+        VirtualClock clock;
+        LocalChannelServer server(echo, clock);
+        QVERIFY(server.listen(path));
+        QLocalSocket socket;
+        socket.connectToServer(path);
+        QTRY_COMPARE(socket.state(), QLocalSocket::ConnectedState);
+        socket.write(bytes);
+        QTest::qWait(50);
+        clock.advance(6s);
+        QTRY_COMPARE(socket.state(), QLocalSocket::UnconnectedState);
+        QCOMPARE(socket.readAll(), QByteArray());
+        QVERIFY(ask({}));
+    }
+
+    void runtimeFolderIsPrivate_data()
+    {
+        QTest::addColumn<int>("mode"); // of the session's folder; 0: no such variable
+        QTest::addColumn<bool>("used");
+        QTest::newRow("private session folder") << 0x7700 << true;
+        QTest::newRow("shared session folder") << 0x7777 << false;
+        QTest::newRow("no session folder") << 0 << false;
+    }
+    void runtimeFolderIsPrivate()
+    {
+        QFETCH(int, mode);
+        QFETCH(bool, used);
+        const QString session = folder.filePath(u"session%1"_s.arg(mode));
+        QDir().mkpath(session);
+        QFile::setPermissions(session, QFile::Permissions(mode ? mode : 0x7700));
+        qputenv("XDG_CACHE_HOME", folder.filePath(u"cache"_s).toUtf8());
+        if (mode)
+            qputenv("XDG_RUNTIME_DIR", session.toUtf8());
+        else
+            qunsetenv("XDG_RUNTIME_DIR");
+        const auto runtime = runtimeFolder();
+        QVERIFY(runtime);
+        QCOMPARE(runtime->startsWith(session), used);
+        QCOMPARE(QFile::permissions(*runtime) & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
+                 QFile::Permissions());
+    }
+
+private:
+    Result<QJsonObject> ask(const QJsonObject &request)
+    {
+        std::optional<Result<QJsonObject>> answer;
+        askLocalChannel(path, request).then([&](Result<QJsonObject> got) { answer = std::move(got); });
+        if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+            return failure(u"no answer"_s);
+        return *answer;
+    }
+
+    QTemporaryDir folder;
+    QString path;
+    int count = 0;
+};
+
+QTEST_GUILESS_MAIN(LocalChannelTest)
+#include "LocalChannelTest.moc"

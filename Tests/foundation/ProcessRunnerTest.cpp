@@ -1,0 +1,141 @@
+#include "foundation/ProcessRunner.h"
+
+#include "foundation/SystemClock.h"
+
+#include <QTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+
+namespace {
+
+// Real programs take real time, so the real clock runs here.
+struct Rig {
+    SystemClock clock;
+    ProcessRunner runner{clock};
+    std::optional<Result<ProcessOutcome>> answer;
+
+    void start(ProcessRequest request)
+    {
+        runner.run(std::move(request)).then([this](Result<ProcessOutcome> outcome) {
+            answer = std::move(outcome);
+        });
+    }
+    bool finished()
+    {
+        return QTest::qWaitFor([this] { return answer.has_value(); }, 10000);
+    }
+};
+
+ProcessRequest shell(const QString &script)
+{
+    ProcessRequest request;
+    request.program = u"/bin/sh"_s;
+    request.arguments = {u"-c"_s, script};
+    return request;
+}
+
+} // namespace
+
+class ProcessRunnerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void streamsAndKeepsOutput()
+    {
+        Rig rig;
+        ProcessRequest request = shell(u"printf out; printf err >&2; printf \"$GREETING\"; exit 3"_s);
+        request.environment = {{u"GREETING"_s, u"你好"_s}};
+        QByteArray streamed;
+        request.onOutput = [&](const QByteArray &piece) { streamed += piece; };
+        rig.start(request);
+        QVERIFY(rig.finished());
+        const ProcessOutcome outcome = rig.answer->value();
+        QCOMPARE(outcome.exitCode, 3);
+        QVERIFY(!outcome.succeeded());
+        QCOMPARE(outcome.output, "out你好"_ba);
+        QCOMPARE(outcome.errorOutput, "err"_ba);
+        QCOMPARE(streamed, outcome.output);
+    }
+
+    void keepsNoMoreThanTheLimit()
+    {
+        Rig rig;
+        ProcessRequest request;
+        request.program = u"/usr/bin/head"_s;
+        request.arguments = {u"-c"_s, u"300000"_s, u"/dev/zero"_s};
+        request.outputLimit = 1000;
+        qsizetype streamed = 0;
+        request.onOutput = [&](const QByteArray &piece) { streamed += piece.size(); };
+        rig.start(request);
+        QVERIFY(rig.finished());
+        QCOMPARE(rig.answer->value().output.size(), 1000);
+        QCOMPARE(streamed, 300000);
+    }
+
+    void argumentsAreNotAShellLine()
+    {
+        Rig rig;
+        ProcessRequest request;
+        request.program = u"/bin/echo"_s;
+        request.arguments = {u"$HOME; `id` *"_s};
+        rig.start(request);
+        QVERIFY(rig.finished());
+        QCOMPARE(rig.answer->value().output, "$HOME; `id` *\n"_ba);
+    }
+
+    void refuses_data()
+    {
+        QTest::addColumn<QString>("program");
+        QTest::newRow("relative") << u"ls"_s;
+        QTest::newRow("missing") << u"/nonexistent/program"_s;
+        QTest::newRow("a folder") << u"/tmp"_s;
+    }
+    void refuses()
+    {
+        QFETCH(QString, program);
+        Rig rig;
+        ProcessRequest request;
+        request.program = program;
+        rig.start(request);
+        QVERIFY(rig.finished());
+        QVERIFY(!rig.answer->has_value());
+        QVERIFY(!rig.answer->error().message.isEmpty());
+    }
+
+    void endsTheWholeGroup_data()
+    {
+        QTest::addColumn<bool>("byTimeout");
+        QTest::newRow("time-out") << true;
+        QTest::newRow("cancel") << false;
+    }
+    void endsTheWholeGroup()
+    {
+        QFETCH(bool, byTimeout);
+        Rig rig;
+        // The grandchild holds the pipe: only its death ends the run.
+        ProcessRequest request = shell(u"sleep 100 & echo $!; wait"_s);
+        if (byTimeout)
+            request.timeout = 300ms;
+        QByteArray child;
+        request.onOutput = [&](const QByteArray &piece) {
+            child += piece;
+            if (!byTimeout)
+                request.cancellation.cancel();
+        };
+        rig.start(request);
+        QVERIFY(rig.finished());
+        const ProcessOutcome outcome = rig.answer->value();
+        QCOMPARE(outcome.timedOut, byTimeout);
+        QCOMPARE(outcome.cancelled, !byTimeout);
+        const pid_t pid = child.trimmed().toInt();
+        QVERIFY(pid > 0);
+        QTRY_VERIFY(::kill(pid, 0) != 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(ProcessRunnerTest)
+#include "ProcessRunnerTest.moc"

@@ -1,0 +1,105 @@
+#include "foundation/SettingsStore.h"
+
+#include "support/MemorySettings.h"
+#include "support/VirtualClock.h"
+
+#include <QJsonArray>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+struct Rig {
+    explicit Rig(const QJsonObject &stored = {})
+    {
+        auto owned = std::make_unique<MemorySettings>();
+        owned->stored = stored;
+        backend = owned.get();
+        store = std::make_unique<SettingsStore>(std::move(owned), clock);
+    }
+    VirtualClock clock;
+    MemorySettings *backend = nullptr;
+    std::unique_ptr<SettingsStore> store;
+};
+
+} // namespace
+
+class SettingsStoreTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anotherTypeCountsAsAbsent()
+    {
+        const Rig rig(
+            {{u"b"_s, true}, {u"n"_s, 2.5}, {u"s"_s, u"x"_s}, {u"o"_s, QJsonObject{}}, {u"null"_s, {}}});
+        const SettingsStore &store = *rig.store;
+        QCOMPARE(store.boolean(u"b"_s), std::optional(true));
+        QCOMPARE(store.boolean(u"n"_s), std::nullopt);
+        QCOMPARE(store.real(u"n"_s), std::optional(2.5));
+        QCOMPARE(store.integer(u"n"_s), std::nullopt);
+        QCOMPARE(store.real(u"s"_s), std::nullopt);
+        QCOMPARE(store.string(u"s"_s), std::optional(u"x"_s));
+        QCOMPARE(store.string(u"missing"_s), std::nullopt);
+        QCOMPARE(store.json(u"s"_s), std::nullopt);
+        QCOMPARE(store.json(u"o"_s), std::optional(QJsonValue(QJsonObject{})));
+        QCOMPARE(store.boolean(u"null"_s), std::nullopt);
+    }
+
+    void aBurstIsWrittenOnceAndSoon()
+    {
+        Rig rig;
+        for (int i = 0; i < 20; ++i) {
+            rig.store->set(u"k"_s, i);
+            rig.clock.advance(10ms);
+        }
+        rig.clock.advance(50ms);
+        QCOMPARE(rig.backend->saves, 1);
+        QCOMPARE(rig.backend->stored.value(u"k"_s).toInt(), 19);
+        QCOMPARE(rig.backend->lastChanged, QStringList{u"k"_s});
+        rig.clock.advance(1h);
+        QCOMPARE(rig.backend->saves, 1);
+        QCOMPARE(rig.clock.pendingCount(), 0);
+    }
+
+    void whatDidNotChangeIsNotWritten()
+    {
+        Rig rig({{u"k"_s, 1}});
+        rig.store->set(u"k"_s, 1);
+        rig.store->remove(u"missing"_s);
+        rig.clock.advance(1s);
+        QCOMPARE(rig.backend->saves, 0);
+        rig.store->remove(u"k"_s);
+        rig.clock.advance(1s);
+        QCOMPARE(rig.backend->stored, QJsonObject());
+    }
+
+    void aFailedWriteStaysPending()
+    {
+        Rig rig;
+        rig.backend->failsWith = u"disk full"_s;
+        rig.store->set(u"a"_s, 1);
+        rig.clock.advance(1s);
+        QCOMPARE(rig.store->integer(u"a"_s), std::optional(1));
+        rig.backend->failsWith.reset();
+        QVERIFY(rig.store->flush());
+        QCOMPARE(rig.backend->stored.value(u"a"_s).toInt(), 1);
+    }
+
+    void theEndWritesWhatIsPending()
+    {
+        Rig rig;
+        rig.store->set(u"a"_s, 1);
+        MemorySettings *backend = rig.backend;
+        QVERIFY(rig.store->flush());
+        QCOMPARE(backend->saves, 1);
+        QVERIFY(rig.store->flush());
+        QCOMPARE(backend->saves, 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(SettingsStoreTest)
+#include "SettingsStoreTest.moc"

@@ -1,0 +1,194 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+#include <dispatch/dispatch.h>
+
+#pragma clang assume_nonnull begin
+
+typedef bool BOOL;
+#define YES __objc_yes
+#define NO __objc_no
+typedef long NSInteger;
+typedef unsigned long NSUInteger;
+typedef unsigned short unichar;
+typedef double NSTimeInterval;
+typedef CGRect NSRect;
+typedef CGSize NSSize;
+
+#define nil nullptr
+
+#define NS_ENUM(type, name)                                                                                  \
+    enum name : type name;                                                                                   \
+    enum __attribute__((enum_extensibility(open))) name : type
+#define NS_OPTIONS(type, name)                                                                               \
+    type name;                                                                                               \
+    enum __attribute__((flag_enum, enum_extensibility(open))) : type
+
+@class NSArray<ObjectType>;
+@class NSDictionary<KeyType, ObjectType>;
+@class NSString;
+@class NSError;
+@class NSException;
+@class NSURL;
+
+extern "C" const NSRect NSZeroRect;
+
+@protocol NSObject
+- (BOOL)isKindOfClass:(Class)aClass;
+- (BOOL)respondsToSelector:(SEL)selector;
+@end
+
+@protocol NSCopying
+@end
+
+__attribute__((objc_root_class))
+@interface NSObject<NSObject>
++ (instancetype)new;
++ (instancetype)alloc;
++ (Class)class;
+- (instancetype)init;
+- (void)addObserver:(NSObject *)observer
+         forKeyPath:(NSString *)keyPath
+            options:(NSUInteger)options
+            context:(nullable void *)context;
+- (void)removeObserver:(NSObject *)observer forKeyPath:(NSString *)keyPath context:(nullable void *)context;
+- (void)observeValueForKeyPath:(nullable NSString *)keyPath
+                      ofObject:(nullable id)object
+                        change:(nullable NSDictionary<NSString *, id> *)change
+                       context:(nullable void *)context;
+@end
+
+typedef struct {
+    unsigned long state;
+    id __unsafe_unretained _Nullable *_Nullable itemsPtr;
+    unsigned long *_Nullable mutationsPtr;
+    unsigned long extra[5];
+} NSFastEnumerationState;
+
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState *)state
+                                  objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
+                                    count:(NSUInteger)length;
+@end
+
+@interface NSString : NSObject <NSCopying>
+@property(readonly) NSUInteger length;
++ (instancetype)stringWithCharacters:(const unichar *)characters length:(NSUInteger)length;
+- (void)getCharacters:(unichar *)buffer range:(struct _NSRange)range;
+@end
+
+typedef struct _NSRange {
+    NSUInteger location;
+    NSUInteger length;
+} NSRange;
+extern "C" NSRange NSMakeRange(NSUInteger location, NSUInteger length);
+
+@interface NSNumber : NSObject <NSCopying>
+@property(readonly) BOOL boolValue;
+@property(readonly) double doubleValue;
+@property(readonly) NSInteger integerValue;
+@property(readonly) unsigned int unsignedIntValue;
++ (NSNumber *)numberWithBool:(BOOL)value;
++ (NSNumber *)numberWithInt:(int)value;
++ (NSNumber *)numberWithUnsignedInt:(unsigned int)value;
++ (NSNumber *)numberWithLong:(long)value;
++ (NSNumber *)numberWithLongLong:(long long)value;
++ (NSNumber *)numberWithDouble:(double)value;
+@end
+
+@interface NSData : NSObject <NSCopying>
+@property(readonly) NSUInteger length;
+@property(readonly, nullable) const void *bytes;
++ (instancetype)dataWithBytes:(nullable const void *)bytes length:(NSUInteger)length;
+@end
+
+@interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
+@property(readonly) NSUInteger count;
+@property(nullable, nonatomic, readonly) ObjectType firstObject;
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)count;
+- (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
+@end
+
+@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
+- (void)addObject:(ObjectType)object;
+@end
+
+@interface NSDictionary<__covariant KeyType, __covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
++ (instancetype)dictionaryWithObjects:(const ObjectType _Nonnull[_Nullable])objects
+                              forKeys:(const KeyType<NSCopying> _Nonnull[_Nullable])keys
+                                count:(NSUInteger)count;
+- (nullable ObjectType)objectForKeyedSubscript:(KeyType)key;
+@end
+
+@interface NSSet<__covariant ObjectType> : NSObject <NSCopying>
++ (instancetype)setWithObject:(ObjectType)object;
+@end
+
+typedef NSString *NSErrorDomain;
+typedef NSString *NSErrorUserInfoKey;
+extern "C" NSErrorUserInfoKey const NSLocalizedDescriptionKey;
+
+@interface NSError : NSObject
+@property(readonly) NSInteger code;
+@property(readonly, copy) NSErrorDomain domain;
+@property(readonly, copy) NSString *localizedDescription;
++ (instancetype)errorWithDomain:(NSErrorDomain)domain
+                           code:(NSInteger)code
+                       userInfo:(nullable NSDictionary<NSErrorUserInfoKey, id> *)userInfo;
+@end
+
+typedef NSString *NSExceptionName;
+@interface NSException : NSObject
+@property(readonly, copy) NSExceptionName name;
+@property(nullable, readonly, copy) NSString *reason;
+@end
+
+@interface NSURL : NSObject <NSCopying>
++ (NSURL *)fileURLWithPath:(NSString *)path;
++ (NSURL *)fileURLWithPath:(NSString *)path isDirectory:(BOOL)isDirectory;
++ (nullable instancetype)URLWithString:(NSString *)text;
+@end
+
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle *mainBundle;
+@property(nullable, readonly, copy) NSString *bundleIdentifier;
+@end
+
+@interface NSUserDefaults : NSObject
+@property(class, readonly, strong) NSUserDefaults *standardUserDefaults;
+- (nullable instancetype)initWithSuiteName:(nullable NSString *)suiteName;
+- (nullable NSDictionary<NSString *, id> *)persistentDomainForName:(NSString *)name;
+- (void)setObject:(nullable id)value forKey:(NSString *)key;
+- (void)removeObjectForKey:(NSString *)key;
+@end
+
+typedef NSString *NSNotificationName;
+@interface NSNotification : NSObject <NSCopying>
+@property(readonly, copy) NSNotificationName name;
+@end
+
+@interface NSNotificationCenter : NSObject
+- (void)removeObserver:(id)observer;
+@end
+
+typedef NS_ENUM(NSUInteger, NSNotificationSuspensionBehavior) {
+    NSNotificationSuspensionBehaviorDeliverImmediately = 4,
+};
+
+@interface NSDistributedNotificationCenter : NSNotificationCenter
++ (NSDistributedNotificationCenter *)defaultCenter;
+- (void)addObserver:(id)observer
+              selector:(SEL)selector
+                  name:(nullable NSNotificationName)name
+                object:(nullable NSString *)object
+    suspensionBehavior:(NSNotificationSuspensionBehavior)suspensionBehavior;
+- (void)postNotificationName:(NSNotificationName)name
+                      object:(nullable NSString *)object
+                    userInfo:(nullable NSDictionary *)userInfo
+          deliverImmediately:(BOOL)deliverImmediately;
+@end
+
+extern "C" id _Nullable CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) _Nullable object);
+
+#pragma clang assume_nonnull end

@@ -1,0 +1,133 @@
+#include "platform/linux/shell/FreedesktopNotifications.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QFile>
+#include <QProcess>
+
+#include <optional>
+
+using namespace velbrix;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString serviceName = u"org.freedesktop.Notifications"_s;
+
+// A bus that can start nothing, so that a service exists only when the test makes it.
+class BareBus {
+public:
+    bool start()
+    {
+        const QString configuration = _folder.path() + u"/bus.conf"_s;
+        QFile file(configuration);
+        if (!file.open(QIODevice::WriteOnly))
+            return false;
+        file.write("<busconfig><type>session</type><listen>unix:tmpdir=" + QFile::encodeName(_folder.path()) +
+                   "</listen><servicedir>" + QFile::encodeName(_folder.path()) +
+                   "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
+                   "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+        file.close();
+        _daemon.start(u"dbus-daemon"_s,
+                      {u"--nofork"_s, u"--print-address"_s, u"--config-file="_s + configuration});
+        if (!_daemon.waitForReadyRead(10000))
+            return false;
+        return qputenv("DBUS_SESSION_BUS_ADDRESS", _daemon.readLine().trimmed());
+    }
+    void allowStarting(const QString &name)
+    {
+        QFile file(_folder.path() + u'/' + name + u".service"_s);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[D-BUS Service]\nName=" + name.toUtf8() + "\nExec=/bin/false\n");
+        file.close();
+        QDBusConnection::sessionBus().call(
+            QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                           u"org.freedesktop.DBus"_s, u"ReloadConfig"_s));
+    }
+    ~BareBus()
+    {
+        _daemon.kill();
+        _daemon.waitForFinished();
+    }
+
+private:
+    QTemporaryDir _folder;
+    QProcess _daemon;
+};
+
+BareBus *bus = nullptr;
+
+} // namespace
+
+class UserNotificationsTest : public QObject {
+    Q_OBJECT
+
+private:
+    FreedesktopNotifications _notifications;
+
+    std::optional<Result<bool>> ask()
+    {
+        std::optional<Result<bool>> answer;
+        _notifications.requestAuthorization().then([&](Result<bool> result) { answer = result; });
+        const bool isEarly = answer.has_value();
+        if (!isEarly && !QTest::qWaitFor([&] { return answer.has_value(); }))
+            return std::nullopt;
+        return answer;
+    }
+    std::optional<NotificationSettings> askSettings()
+    {
+        std::optional<NotificationSettings> answer;
+        _notifications.settings().then([&](NotificationSettings result) { answer = result; });
+        if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+            return std::nullopt;
+        return answer;
+    }
+
+private Q_SLOTS:
+    void withoutAServiceTheReasonIsGiven()
+    {
+        const auto answer = ask();
+        QVERIFY(answer && !*answer);
+        QCOMPARE(answer->error().message, u"桌面没有通知服务（org.freedesktop.Notifications）"_s);
+        QCOMPARE(askSettings(), (NotificationSettings{u"denied"_s, u"notSupported"_s}));
+    }
+
+    void aRunningServiceGrants()
+    {
+        QVERIFY(QDBusConnection::sessionBus().registerService(serviceName));
+        const auto answer = ask();
+        QVERIFY(answer && *answer);
+        QVERIFY(answer->value());
+        QCOMPARE(askSettings(), (NotificationSettings{u"authorized"_s, u"enabled"_s}));
+        QVERIFY(QDBusConnection::sessionBus().unregisterService(serviceName));
+    }
+
+    void aServiceTheBusCanStartGrants()
+    {
+        bus->allowStarting(serviceName);
+        const auto answer = ask();
+        QVERIFY(answer && *answer);
+    }
+
+    void withoutABusTheReasonIsGiven()
+    {
+        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+        qunsetenv("XDG_RUNTIME_DIR");
+        const auto answer = ask();
+        QVERIFY(answer && !*answer);
+        QCOMPARE(answer->error().message, u"没有会话总线，无法显示系统通知"_s);
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    BareBus bareBus;
+    if (!bareBus.start())
+        return 1;
+    bus = &bareBus;
+    UserNotificationsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "UserNotificationsTest.moc"

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "platform/linux/screen/X11ScreenCapture.h"
+#include "support/FakeMovieRecorder.h"
+
+#include <QCoroTask>
+#include <QStringList>
+
+#include <memory>
+
+namespace velbrix::test {
+
+// The X11 recorder with a movie that is only kept in memory.
+struct RecordingRig {
+    explicit RecordingRig(const X11Abilities &allowed = {})
+        : capture(
+              [this](const MovieSettings &asked, int, CaptureLedger &ledger,
+                     MovieRecorder::Events recorderEvents) -> Result<std::unique_ptr<MovieRecorder>> {
+                  movie = std::make_shared<FakeMovie>(asked);
+                  events = std::move(recorderEvents);
+                  return std::make_unique<FakeMovieRecorder>(movie, asked, ledger);
+              },
+              allowed)
+    {
+    }
+
+    // The main display with its own size unless told otherwise.
+    CaptureFilter mainDisplay(QList<quint32> excluded = {})
+    {
+        const auto content = QCoro::waitFor(capture.shareableContent());
+        return {.windowId = std::nullopt,
+                .displayId =
+                    content && !content->displays.isEmpty() ? content->displays.first().displayId : 0,
+                .excludedWindows = std::move(excluded)};
+    }
+
+    Result<void> make(const CaptureFilter &filter, QSize size = {}, bool cursor = false)
+    {
+        const auto geometry = capture.geometry(filter);
+        if (!geometry)
+            return std::unexpected(geometry.error());
+        if (size.isEmpty())
+            size = QSize(geometry->contentSize.toSize().width() & ~1,
+                         geometry->contentSize.toSize().height() & ~1);
+        StreamConfiguration configuration;
+        configuration.width = size.width();
+        configuration.height = size.height();
+        configuration.framesPerSecond = 60;
+        configuration.showsCursor = cursor;
+        configuration.microphoneDeviceId = QStringLiteral("mic-1");
+        CaptureObserver observer;
+        observer.streamStopped = [this](Failure why) { stops << why.message; };
+        observer.warning = [this](QString text) { warnings << text; };
+        auto made = capture.makeSession(filter, configuration, observer);
+        if (!made)
+            return std::unexpected(made.error());
+        session = std::move(*made);
+        settings.width = size.width();
+        settings.height = size.height();
+        return {};
+    }
+
+    Result<void> open()
+    {
+        if (const auto tracks = session->openWriter(settings); !tracks)
+            return std::unexpected(tracks.error());
+        return session->addOutput(CaptureOutput::screen);
+    }
+
+    Result<void> start(const CaptureFilter &filter, QSize size = {}, bool cursor = false)
+    {
+        Result<void> done = make(filter, size, cursor);
+        if (done)
+            done = open();
+        if (done)
+            done = QCoro::waitFor(session->startCapture());
+        return done;
+    }
+
+    Result<void> stop()
+    {
+        Result<void> done = QCoro::waitFor(session->stopCapture());
+        if (done)
+            done = QCoro::waitFor(session->finishWriting());
+        return done;
+    }
+
+    int count(const QString &status) const
+    {
+        return session->ledger().counters().statusHistogram.value(status);
+    }
+
+    X11ScreenCapture capture;
+    MovieSettings settings;
+    std::shared_ptr<FakeMovie> movie;
+    MovieRecorder::Events events;
+    std::unique_ptr<CaptureSession> session;
+    QStringList stops;
+    QStringList warnings;
+};
+
+} // namespace velbrix::test
