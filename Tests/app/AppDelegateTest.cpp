@@ -248,6 +248,21 @@ private Q_SLOTS:
         QVERIFY(!fresh.services->privacy.pendingFeatureNotice());
     }
 
+    void aForgottenCaptureGivesTheKeysBack()
+    {
+        Rig rig;
+        rig.launch(false);
+        rig.services->hotkeys.beginCapture(HotkeyAction::recordToggle);
+        QVERIFY(rig.host.hotkeys.registered.isEmpty());
+        rig.delegate->windowShouldClose();
+        QCOMPARE(rig.host.hotkeys.registered.size(), 1);
+        rig.delegate->applicationDidBecomeActive();
+        rig.services->hotkeys.beginCapture(HotkeyAction::recordToggle);
+        rig.delegate->applicationDidResignActive();
+        QCOMPARE(rig.services->hotkeys.captureTarget(), HotkeyAction::none);
+        QCOMPARE(rig.host.hotkeys.registered.size(), 1);
+    }
+
     void aNoticeBringsTheWindowForward()
     {
         Rig rig;

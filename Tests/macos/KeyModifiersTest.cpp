@@ -1,5 +1,7 @@
 #include "platform/macos/KeyModifiers.h"
 
+#include "platform/macos/FourCharCode.h"
+
 #include <QTest>
 
 using namespace velbrix;

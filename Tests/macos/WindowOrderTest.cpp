@@ -11,8 +11,11 @@ private Q_SLOTS:
     void followsTheNumbersAndKeepsStrangersBehind()
     {
         QList<CapturableWindow> windows;
-        for (const quint32 id : {9u, 4u, 7u, 5u, 2u})
-            windows.append({.windowId = id});
+        for (const quint32 id : {9u, 4u, 7u, 5u, 2u}) {
+            CapturableWindow window;
+            window.windowId = id;
+            windows.append(window);
+        }
         QList<quint32> order;
         for (const CapturableWindow &window : frontToBack(windows, {2, 30, 7, 4}))
             order.append(window.windowId);

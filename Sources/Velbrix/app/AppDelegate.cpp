@@ -97,6 +97,8 @@ bool AppDelegate::windowShouldClose()
 {
     if (_isQuitting)
         return true;
+    // No key works while one is being captured.
+    _services.hotkeys.cancelCapture();
     _savedFrame = _shell.mainWindowFrame();
     if (_savedFrame)
         storeFrame(_services.settings, *_savedFrame);
@@ -121,6 +123,7 @@ void AppDelegate::applicationDidResignActive()
 {
     if (!std::exchange(_isAppActive, false))
         return;
+    _services.hotkeys.cancelCapture();
     scheduleMenuRefresh();
 }
 

@@ -31,23 +31,6 @@ QString name(bool value)
     return value ? u"true"_s : u"false"_s;
 }
 
-QList<quint32> ownWindows(const QList<CapturableWindow> &windows)
-{
-    QList<quint32> own;
-    for (const CapturableWindow &window : windows) {
-        if (window.processId == QCoreApplication::applicationPid() ||
-            window.bundleId == u"com.tamsel.Velbrix"_s)
-            own.append(window.windowId);
-    }
-    return own;
-}
-
-const CapturableDisplay &mainDisplay(const QList<CapturableDisplay> &displays)
-{
-    const auto main = std::ranges::find(displays, true, &CapturableDisplay::isMain);
-    return main == displays.end() ? displays.first() : *main;
-}
-
 } // namespace
 
 RecordingSession::RecordingSession(ScreenCapture &capture, MovieFiles &movies,
@@ -119,9 +102,10 @@ QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
     if (content->displays.isEmpty())
         co_return failure(u"没有找到显示器"_s);
 
-    const auto filter = makeFilter(request, *content);
+    const auto filter = recordingFilter(request, *content, QCoreApplication::applicationPid());
     if (!filter)
         co_return failure(filter.error().message);
+    logFilter(*filter, *content);
     if (const auto made = makeStream(request, *filter); !made)
         co_return failure(made.error().message);
     if (const auto chosen = chooseWriter(request); !chosen)
@@ -136,25 +120,15 @@ QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
     co_return started;
 }
 
-Result<CaptureFilter> RecordingSession::makeFilter(const RecordingRequest &request,
-                                                   const ShareableContent &content)
+void RecordingSession::logFilter(const CaptureFilter &filter, const ShareableContent &content)
 {
-    CaptureFilter filter;
-    filter.displayId = mainDisplay(content.displays).displayId;
-    if (request.mode == RecordMode::window) {
-        const auto window =
-            std::ranges::find(content.windows, request.windowId.value_or(0), &CapturableWindow::windowId);
-        if (window == content.windows.end())
-            return failure(u"窗口已经不在了，请刷新后重新选择"_s);
-        filter.windowId = window->windowId;
+    if (filter.windowId) {
+        const auto window = std::ranges::find(content.windows, *filter.windowId, &CapturableWindow::windowId);
         _log.append(u"[2/6] ✅ 窗口 %1"_s.arg(window->title));
-        return filter;
+    } else {
+        _log.append(u"[2/6] ✅ 全屏 displayID=%1 排除本应用窗口=%2"_s.arg(filter.displayId)
+                        .arg(filter.excludedWindows.size()));
     }
-    if (request.ignoreSelfWindows)
-        filter.excludedWindows = ownWindows(content.windows);
-    _log.append(u"[2/6] ✅ 全屏 displayID=%1 排除本应用窗口=%2"_s.arg(filter.displayId)
-                    .arg(filter.excludedWindows.size()));
-    return filter;
 }
 
 Result<void> RecordingSession::makeStream(const RecordingRequest &request, const CaptureFilter &filter)
@@ -165,24 +139,14 @@ Result<void> RecordingSession::makeStream(const RecordingRequest &request, const
     const QSize size = velbrix::captureSize(request.mode, request.quality, *geometry);
     _captureSize = size;
 
-    const bool canHearMicrophone = _capture.features().microphone;
-    StreamConfiguration configuration;
-    configuration.width = size.width();
-    configuration.height = size.height();
-    configuration.framesPerSecond = framesPerSecond(request.fps);
-    configuration.queueDepth = streamQueueDepth(request.quality);
-    configuration.capturesAudio = request.systemAudio;
-    configuration.excludesCurrentProcessAudio = request.systemAudio && request.ignoreSelfWindows;
-    configuration.capturesMicrophone = request.microphone && canHearMicrophone;
-    if (configuration.capturesMicrophone)
-        configuration.microphoneDeviceId = request.microphoneDeviceId;
-
+    const CaptureFeatures features = _capture.features();
+    const StreamConfiguration configuration = recordingStream(request, size, features);
     QString line = u"[3/6] 捕获像素 %1x%2 %3 %4fps 系统音频=%5"_s.arg(size.width())
                        .arg(size.height())
                        .arg(rawValue(request.quality))
                        .arg(configuration.framesPerSecond)
                        .arg(name(configuration.capturesAudio));
-    if (canHearMicrophone)
+    if (features.microphone)
         line += u" 麦克风="_s + name(configuration.capturesMicrophone);
     _log.append(line);
 
@@ -219,16 +183,7 @@ Result<void> RecordingSession::chooseWriter(const RecordingRequest &request)
 
 Result<void> RecordingSession::openManualWriter(const RecordingRequest &request, const QString &path)
 {
-    MovieSettings movie;
-    movie.path = path;
-    movie.width = _captureSize.value().width();
-    movie.height = _captureSize.value().height();
-    movie.framesPerSecond = framesPerSecond(request.fps);
-    movie.videoBitRate = videoBitRate(request.quality, _captureSize);
-    movie.keyFrameInterval = movie.framesPerSecond;
-    movie.systemAudio = request.systemAudio;
-    movie.microphone = request.microphone && _capture.features().microphone;
-
+    const MovieSettings movie = recordingMovie(request, _captureSize, _capture.features(), path);
     const auto tracks = _stream->openWriter(movie);
     if (!tracks)
         return failure(tracks.error().message);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "capture/RecorderOptions.h"
+#include "capture/RecordingPlan.h"
 #include "foundation/Clock.h"
 #include "foundation/Published.h"
 #include "platform/MovieFiles.h"
-#include "platform/ScreenCapture.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -17,19 +16,6 @@ namespace velbrix {
 
 class RecorderLog;
 class UnfinishedRecordings;
-
-// What one recording was asked for.
-struct RecordingRequest {
-    RecordMode mode = RecordMode::fullScreen;
-    RecordFPS fps = RecordFPS::fps60;
-    RecordQuality quality = RecordQuality::original;
-    bool ignoreSelfWindows = false;
-    bool systemAudio = true;
-    bool microphone = false;
-    std::optional<QString> microphoneDeviceId;
-    std::optional<quint32> windowId; // in window mode
-    QString outputDir;
-};
 
 // From the user's start to a validated movie. It publishes its state and tells
 // the rest through the recorder's log; a failure leaves the way free for the
@@ -61,7 +47,7 @@ public:
 private:
     QCoro::Task<> runStart(RecordingRequest request);
     QCoro::Task<Result<void>> begin(RecordingRequest request);
-    Result<CaptureFilter> makeFilter(const RecordingRequest &request, const ShareableContent &content);
+    void logFilter(const CaptureFilter &filter, const ShareableContent &content);
     Result<void> makeStream(const RecordingRequest &request, const CaptureFilter &filter);
     Result<void> chooseWriter(const RecordingRequest &request);
     Result<void> openManualWriter(const RecordingRequest &request, const QString &path);

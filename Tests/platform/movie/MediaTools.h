@@ -2,21 +2,40 @@
 
 #include <QByteArray>
 #include <QFile>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryFile>
+
+#include <cstddef>
+#include <cstdio>
 
 namespace velbrix::test {
 
-// What a program printed; its complaints go into `errors`.
+// What a program printed; its complaints go into `errors`. Through a pipe: the
+// thread sanitizer does not survive QProcess.
 inline QByteArray output(const QString &program, const QStringList &arguments, QByteArray *errors = nullptr)
 {
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished(60000);
+    const auto quoted = [](const QString &word) {
+        return QByteArray("'") + word.toLocal8Bit().replace("'", "'\\''") + "' ";
+    };
+    QTemporaryFile complaints;
+    if (!complaints.open())
+        return {};
+    QByteArray command = quoted(program);
+    for (const QString &argument : arguments)
+        command += quoted(argument);
+    command += "2>" + quoted(complaints.fileName());
+    FILE *pipe = ::popen(command.constData(), "r");
+    if (!pipe)
+        return {};
+    QByteArray printed;
+    char buffer[4096];
+    while (const std::size_t got = std::fread(buffer, 1, sizeof buffer, pipe))
+        printed.append(buffer, static_cast<qsizetype>(got));
+    ::pclose(pipe);
     if (errors)
-        *errors = process.readAllStandardError();
-    return process.readAllStandardOutput();
+        *errors = complaints.readAll();
+    return printed;
 }
 
 inline QByteArray probed(const QString &path, const QString &entries, const QString &stream)

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <mutex>
 #include <sys/resource.h>
+#include <sys/types.h>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
@@ -44,12 +45,12 @@ private:
             QTest::qWaitFor([&] { return recorder.submit(picture.view(), std::span(&changed, 1), tick); }));
     }
 
-    static void startTone(QProcess &player, const QString &sink)
+    // The process id of a player.
+    static pid_t startTone(const QString &sink)
     {
-        player.start(u"sh"_s,
-                     {u"-c"_s, u"exec ffmpeg -v quiet -re -f lavfi -i sine=440 -ac 2 -ar 48000 -af volume=4 "
-                               "-device %1 -f pulse tone"_s.arg(sink)});
-        QVERIFY(player.waitForStarted());
+        const QString player = u"ffmpeg -v quiet -re -f lavfi -i sine=440 -ac 2 -ar 48000 -af volume=4 "
+                               "-device %1 -f pulse tone </dev/null >/dev/null 2>&1 & echo $!"_s;
+        return output(u"sh"_s, {u"-c"_s, player.arg(sink)}).trimmed().toInt();
     }
     static QStringList locked(std::mutex &lock, const QStringList &list)
     {
@@ -123,7 +124,7 @@ private Q_SLOTS:
         QVERIFY((*recorder)->finish(25 * 30));
         QCOMPARE(ledger.counters().writtenFrameCount, 1);
         QCOMPARE(probed(settings().path, u"format=duration"_s, u"v"_s).toDouble(), 25.0);
-        QVERIFY(contents(settings().path).size() < 60'000);
+        QVERIFY(contents(settings().path).size() < 150'000);
     }
 
     void aFullQueueTakesNothing()
@@ -215,24 +216,23 @@ private Q_SLOTS:
         TestPicture picture(width, height);
         submit(**recorder, picture, picture.all(), 0);
 
-        QProcess tone;
-        startTone(tone, u"speaker"_s);
+        pid_t tone = startTone(u"speaker"_s);
+        QVERIFY(tone > 0);
         const auto systemCount = [&] { return ledger.counters().audioSampleCount; };
         QTRY_VERIFY_WITH_TIMEOUT(systemCount() > 150 && ledger.counters().micSampleCount > 50, 10000);
         output(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=other"_s});
         output(u"pactl"_s, {u"set-default-sink"_s, u"other"_s});
-        tone.kill();
-        tone.waitForFinished();
+        ::kill(tone, SIGTERM);
         const std::int64_t switched = monotonicNanoseconds();
-        startTone(tone, u"other"_s);
+        tone = startTone(u"other"_s);
+        QVERIFY(tone > 0);
         const int before = systemCount();
         QTRY_VERIFY_WITH_TIMEOUT(systemCount() > before + 150, 10000);
         // The speaker goes away: silence, and on with the next default one.
         const std::int64_t lost = monotonicNanoseconds();
         output(u"pactl"_s, {u"unload-module"_s, u"module-null-sink"_s});
         QTRY_VERIFY_WITH_TIMEOUT(!locked(lock, warnings).isEmpty(), 5000);
-        tone.kill();
-        tone.waitForFinished();
+        ::kill(tone, SIGTERM);
         const std::int64_t end = monotonicNanoseconds();
         const std::int64_t lastTick = (end - zero) * 30 / second;
         QVERIFY((*recorder)->finish(lastTick));

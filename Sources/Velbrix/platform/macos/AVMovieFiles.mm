@@ -73,8 +73,8 @@ QCoro::Task<Result<void>> AVMovieFiles::repair(const QString path)
     }
     const QString temporary = repairPath(path);
     session.outputURL = [NSURL fileURLWithPath:toNSString(temporary)];
-    session.outputFileType = AVFileTypeMPEG4;
     NSException *thrown = caughtException(^{
+        session.outputFileType = AVFileTypeMPEG4;
         [session exportAsynchronouslyWithCompletionHandler:^{
             if (session.status == AVAssetExportSessionStatusCompleted) {
                 repaired.answer(replaceFile(path, temporary));

@@ -16,9 +16,11 @@ namespace velbrix {
 class AssetMovieWriter {
 public:
     // Removes what is at the path. The file holds fragments while it grows, so
-    // that a killed program leaves it playable.
+    // that a killed program leaves it playable. `failed` is called once, on the
+    // sample queue, when the file can take nothing more (a full disk, say).
     static Result<std::shared_ptr<AssetMovieWriter>> open(const MovieSettings &settings,
-                                                          std::shared_ptr<CaptureLedger> ledger);
+                                                          std::shared_ptr<CaptureLedger> ledger,
+                                                          std::function<void(Failure)> failed);
     ~AssetMovieWriter();
 
     MovieTracks tracks() const;

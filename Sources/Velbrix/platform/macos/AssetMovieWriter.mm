@@ -43,6 +43,16 @@ bool addInput(AVAssetWriter *writer, AVAssetWriterInput *input)
     });
 }
 
+// Seconds of a recording that a killed program may lose. A container without
+// fragments is still a movie once it is finished.
+void writeInFragments(AVAssetWriter *writer)
+{
+    caughtException(^{
+        writer.movieFragmentInterval = CMTimeMake(2, 1);
+        writer.initialMovieFragmentInterval = CMTimeMake(1, 1);
+    });
+}
+
 AVAssetWriterInput *addedAudioInput(AVAssetWriter *writer, const MovieSettings &settings, int bitRate)
 {
     AVAssetWriterInput *input = realTimeInput(
@@ -59,17 +69,28 @@ struct AssetMovieWriter::Private {
     AVAssetWriterInput *micInput = nil;
     AVAssetWriterInputPixelBufferAdaptor *pixelBufferAdaptor = nil;
     std::shared_ptr<CaptureLedger> ledger;
+    std::function<void(Failure)> failed;
     bool sessionOpen = false;
+    bool failureReported = false;
     bool finished = false;
     CMTime lastPicture = kCMTimeInvalid;
     CMTime recordedUntil = kCMTimeInvalid;
 
-    bool acceptsSamples() const { return !finished && writer.status == AVAssetWriterStatusWriting; }
+    bool acceptsSamples();
     void extendTo(CMTime time);
     void openSession(CMTime start);
     void appendAudio(AVAssetWriterInput *input, CMSampleBufferRef sample, bool (CaptureLedger::*note)());
     void closeSession();
 };
+
+bool AssetMovieWriter::Private::acceptsSamples()
+{
+    if (finished)
+        return false;
+    if (writer.status == AVAssetWriterStatusFailed && !std::exchange(failureReported, true))
+        failed(toFailure(writer.error));
+    return writer.status == AVAssetWriterStatusWriting;
+}
 
 void AssetMovieWriter::Private::extendTo(CMTime time)
 {
@@ -113,7 +134,8 @@ AssetMovieWriter::AssetMovieWriter(std::unique_ptr<Private> d) : _d(std::move(d)
 AssetMovieWriter::~AssetMovieWriter() = default;
 
 Result<std::shared_ptr<AssetMovieWriter>> AssetMovieWriter::open(const MovieSettings &settings,
-                                                                 std::shared_ptr<CaptureLedger> ledger)
+                                                                 std::shared_ptr<CaptureLedger> ledger,
+                                                                 std::function<void(Failure)> failed)
 {
     QFile::remove(settings.path);
     NSError *error = nil;
@@ -123,12 +145,12 @@ Result<std::shared_ptr<AssetMovieWriter>> AssetMovieWriter::open(const MovieSett
                                      error:&error];
     if (!writer)
         return std::unexpected(toFailure(error));
-    writer.movieFragmentInterval = CMTimeMake(2, 1);
-    writer.initialMovieFragmentInterval = CMTimeMake(1, 1);
+    writeInFragments(writer);
 
     auto d = std::make_unique<Private>();
     d->writer = writer;
     d->ledger = std::move(ledger);
+    d->failed = std::move(failed);
     d->videoInput = realTimeInput(AVMediaTypeVideo, videoTrackSettings(settings));
     if (!addInput(writer, d->videoInput))
         return std::unexpected(toFailure(recorderError(1, @"无法添加视频轨")));

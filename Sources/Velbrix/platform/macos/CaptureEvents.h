@@ -3,7 +3,9 @@
 #include "platform/CaptureSession.h"
 #include "platform/macos/MainThread.h"
 
+#include <functional>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 namespace velbrix {

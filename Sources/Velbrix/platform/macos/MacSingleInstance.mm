@@ -77,11 +77,16 @@ bool MacSingleInstance::claim()
 
 void MacSingleInstance::wakeOther()
 {
+    NSRunningApplication *other = otherCopy();
+    // Without this the system keeps the other copy's windows behind the ones
+    // that the user has in front now.
+    if (other)
+        [NSApplication.sharedApplication yieldActivationToApplication:other];
     [[NSDistributedNotificationCenter defaultCenter] postNotificationName:wakeNotification
                                                                    object:nil
                                                                  userInfo:nil
                                                        deliverImmediately:YES];
-    [otherCopy() activateWithOptions:NSApplicationActivateAllWindows];
+    [other activateWithOptions:NSApplicationActivateAllWindows];
 }
 
 void MacSingleInstance::observeWake(std::function<void()> wake)

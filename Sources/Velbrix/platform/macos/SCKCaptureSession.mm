@@ -132,7 +132,10 @@ Result<void> SCKCaptureSession::removeRecordingOutput()
 
 Result<MovieTracks> SCKCaptureSession::openWriter(const MovieSettings &settings)
 {
-    auto writer = AssetMovieWriter::open(settings, _d->ledger);
+    const CaptureEvents events(_d->observer);
+    auto writer = AssetMovieWriter::open(settings, _d->ledger, [events](const Failure &reason) {
+        events.post(&CaptureObserver::streamStopped, reason);
+    });
     if (!writer)
         return std::unexpected(writer.error());
     _d->writer = *writer;

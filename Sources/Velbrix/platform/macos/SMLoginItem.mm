@@ -15,16 +15,22 @@ bool SMLoginItem::isEnabled() const
 
 Result<void> SMLoginItem::setEnabled(bool enabled)
 {
-    if (enabled == isEnabled())
-        return {};
     SMAppService *service = SMAppService.mainAppService;
     NSError *error = nil;
-    const BOOL done =
-        enabled ? [service registerAndReturnError:&error] : [service unregisterAndReturnError:&error];
-    // The system may accept the item and still leave the decision to the user.
-    if (enabled && service.status == SMAppServiceStatusRequiresApproval)
+    if (!enabled) {
+        const bool listed = service.status == SMAppServiceStatusEnabled ||
+                            service.status == SMAppServiceStatusRequiresApproval;
+        if (listed && ![service unregisterAndReturnError:&error])
+            return std::unexpected(toFailure(error));
+        return {};
+    }
+    if (isEnabled())
+        return {};
+    const BOOL registered = [service registerAndReturnError:&error];
+    // The system may list the item and still leave the decision to the user.
+    if (service.status == SMAppServiceStatusRequiresApproval)
         return failure(u"请在系统设置的“登录项”中允许 Velbrix"_s);
-    if (!done)
+    if (!registered)
         return std::unexpected(toFailure(error));
     return {};
 }

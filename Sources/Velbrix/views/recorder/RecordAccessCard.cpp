@@ -15,9 +15,10 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 
 RecordAccessCard::RecordAccessCard(const ViewContext &context, QWidget *parent)
-    : Card(parent), _context(context), _row(new SettingRow(u"没有屏幕录制权限"_s, {}, makeButtons()))
+    : Card(parent), _context(context)
 {
     setObjectName(u"recordAccess"_s);
+    _row = new SettingRow(u"没有屏幕录制权限"_s, {}, makeButtons());
     _row->setLeading(
         new SymbolLabel(context.theme, u"exclamationmark.triangle.fill"_s, 22, ThemeColor::warning));
     addRow(_row);

@@ -21,7 +21,7 @@ private:
     void refresh();
 
     ViewContext _context;
-    SettingRow *_row;
+    SettingRow *_row = nullptr;
     QPushButton *_settings = nullptr;
     bool _isChecked = false; // until then nothing is known
 };

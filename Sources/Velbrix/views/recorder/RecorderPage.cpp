@@ -19,15 +19,15 @@ RecorderPage::RecorderPage(const ViewContext &context, QWidget *parent)
     : Page(u"recorderPage"_s, u"屏幕录制"_s,
            u"录制整个屏幕或一个窗口，连同系统声音与麦克风，保存为本地影片。"_s, parent)
 {
-    add(new RecordAccessCard(context));
-    add(new RecordControlCard(context));
-    add(new LeftoversCard(context));
-    add(u"画面"_s, new RecordTargetCard(context));
-    add(new RecordPictureCard(context));
-    add(u"声音"_s, new RecordAudioCard(context));
-    add(u"保存与提醒"_s, new RecordOutputCard(context));
-    add(new RecordReminderCard(context));
-    add(u"记录"_s, new RecordLogCard(context));
+    add(new RecordAccessCard(context, this));
+    add(new RecordControlCard(context, this));
+    add(new LeftoversCard(context, this));
+    add(u"画面"_s, new RecordTargetCard(context, this));
+    add(new RecordPictureCard(context, this));
+    add(u"声音"_s, new RecordAudioCard(context, this));
+    add(u"保存与提醒"_s, new RecordOutputCard(context, this));
+    add(new RecordReminderCard(context, this));
+    add(u"记录"_s, new RecordLogCard(context, this));
 
     ScreenRecorderController &recorder = context.services.recorder;
     recorder.access().checkMicPermission();

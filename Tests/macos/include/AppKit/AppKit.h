@@ -41,11 +41,14 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
     NSApplicationActivateAllWindows = 1 << 0,
 };
 
+@class NSRunningApplication;
+
 @interface NSApplication : NSObject
 @property(class, readonly, strong) __kindof NSApplication *sharedApplication;
 @property(readonly, strong) NSAppearance *effectiveAppearance;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activate API_AVAILABLE(macos(14.0));
+- (void)yieldActivationToApplication:(NSRunningApplication *)application API_AVAILABLE(macos(14.0));
 @end
 
 @interface NSRunningApplication : NSObject

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/linux/screen/FrameSource.h"
+#include "platform/linux/screen/ScreenContents.h"
 #include "platform/linux/screen/ScreenLayers.h"
-#include "platform/linux/screen/WindowList.h"
 
 #include <QList>
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "platform/linux/screen/DamageTracker.h"
+#include "platform/linux/screen/LayerPainter.h"
 #include "platform/linux/screen/StopSignal.h"
 #include "platform/linux/screen/TopLevel.h"
-
-#include <xcb/render.h>
 
 #include <QList>
 
@@ -41,18 +40,13 @@ public:
 
     // Paints a part of a hole into the pixmap, which begins where the area does.
     void compose(const PixelRect &part);
-    xcb_pixmap_t pixmap() const { return _pixmap; }
+    xcb_pixmap_t pixmap() const { return _painter.pixmap(); }
 
 private:
     struct Layer {
-        xcb_window_t window = XCB_WINDOW_NONE;
-        PixelRect outer;
-        int border = 0;
-        int depth = 0;
-        xcb_visualid_t visual = 0;
-        bool isShaped = false;
-        xcb_pixmap_t pixmap = XCB_NONE;
+        WindowContent content;
         std::unique_ptr<DamageTracker> damage;
+        bool isBeneath = false; // an excluded window
     };
 
     void rebuild();
@@ -61,12 +55,6 @@ private:
     void adopt(Layer &layer, std::vector<Layer> &former);
     void release(Layer &layer);
     std::optional<Layer> inspect(xcb_window_t window) const;
-    void setArea(const PixelRect &area);
-    void paintBackground(const PixelRect &part);
-    void paintLayer(const Layer &layer, const PixelRect &part);
-    void blendLayer(const Layer &layer, const PixelRect &part);
-    void clipTo(const Layer &layer, bool isClipped);
-    xcb_render_pictformat_t format(xcb_visualid_t visual);
 
     X11Connection &_connection;
     const QList<quint32> _excludedClients;
@@ -76,9 +64,7 @@ private:
     std::set<xcb_window_t> _excluded;
     std::set<xcb_window_t> _altered; // whose pixmaps must be named again
     bool _isStale = true;
-    xcb_pixmap_t _pixmap = XCB_NONE;
-    xcb_gcontext_t _context = XCB_NONE;
-    XReply<xcb_render_query_pict_formats_reply_t> _formats;
+    LayerPainter _painter;
 };
 
 } // namespace velbrix

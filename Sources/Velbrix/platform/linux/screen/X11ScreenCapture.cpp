@@ -1,7 +1,7 @@
 #include "platform/linux/screen/X11ScreenCapture.h"
 
+#include "platform/linux/screen/ScreenContents.h"
 #include "platform/linux/screen/TopLevel.h"
-#include "platform/linux/screen/WindowList.h"
 #include "platform/linux/screen/WindowPicture.h"
 
 #include <QCoroFuture>

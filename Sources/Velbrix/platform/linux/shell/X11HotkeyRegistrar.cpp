@@ -111,10 +111,18 @@ private:
             return false;
         if (kind == XCB_KEY_RELEASE)
             _lastRelease = {key->detail, key->time};
-        else if (_lastRelease != std::pair(key->detail, key->time))
+        else if (!isRepeat(*key))
             press(key->detail, key->state);
-        // Otherwise it is the repeat of a held key: let go and pressed at the same instant.
         return true;
+    }
+
+    // The server repeats a held key by letting it go and pressing it at the
+    // same instant, some time after the press before; a program that types may
+    // do all of it in one instant.
+    bool isRepeat(const xcb_key_press_event_t &key)
+    {
+        const xcb_timestamp_t before = std::exchange(_lastPress, key.time);
+        return _lastRelease == std::pair(key.detail, key.time) && before != key.time;
     }
 
     void press(quint8 keycode, quint16 state) const
@@ -133,6 +141,7 @@ private:
     std::shared_ptr<X11Keyboard> _keyboard;
     QList<Grab> _grabs;
     std::pair<xcb_keycode_t, xcb_timestamp_t> _lastRelease{0, 0};
+    xcb_timestamp_t _lastPress = 0;
 };
 
 class X11HotkeyRegistrar::Registration final : public HotkeyRegistration {

@@ -1,4 +1,4 @@
-#include "platform/linux/screen/WindowList.h"
+#include "platform/linux/screen/ScreenContents.h"
 
 #include "platform/linux/screen/TextProperty.h"
 #include "platform/linux/screen/TopLevel.h"
