@@ -115,7 +115,8 @@ private:
                                                  _theme.color(ThemeColor::secondary), ratio));
             return;
         }
-        const QSize fitted = picture.size().scaled(room.size(), Qt::KeepAspectRatio);
+        const QSize largest = picture.size().boundedTo(room.size());
+        const QSize fitted = picture.size().scaled(largest, Qt::KeepAspectRatio);
         QRect place(QPoint(), fitted);
         place.moveCenter(room.center());
         QPainterPath shape;
