@@ -134,7 +134,8 @@ void SettingsPageTest::permissions_data()
     QTest::addColumn<QString>("state");
     QTest::newRow("granted") << true << QString() << u"✓ 已授予"_s;
     QTest::newRow("missing") << false << QString() << u"未授予"_s;
-    QTest::newRow("explained") << true << u"无需授权。"_s << u"✓ 已授予"_s;
+    QTest::newRow("explained") << true << u"无需授权。"_s << u"✓ 可用"_s;
+    QTest::newRow("impossible") << false << u"当前会话不是 X11。"_s << u"不可用"_s;
 }
 
 void SettingsPageTest::permissions()

@@ -58,8 +58,13 @@ void PermissionSection::refresh()
 {
     for (const Entry &entry : std::as_const(_entries)) {
         const auto granted = isGranted(entry.pane);
-        if (granted)
-            entry.row->setNote(*granted ? u"✓ 已授予"_s : u"未授予"_s, *granted ? u"good"_s : u"warning"_s);
+        if (!granted)
+            continue;
+        // Nobody granted what the system does not guard.
+        const bool isGuarded = _context.services.platform.permissions->explanation(entry.pane).isEmpty();
+        const QString yes = isGuarded ? u"✓ 已授予"_s : u"✓ 可用"_s;
+        const QString no = isGuarded ? u"未授予"_s : u"不可用"_s;
+        entry.row->setNote(*granted ? yes : no, *granted ? u"good"_s : u"warning"_s);
     }
 }
 
