@@ -1,21 +1,13 @@
 #include "capture/ScreenRecorderController.h"
 
 #include "capture/RecordingFile.h"
+#include "foundation/Log.h"
 
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-namespace {
-
-QString name(bool value)
-{
-    return value ? u"true"_s : u"false"_s;
-}
-
-} // namespace
-
 ScreenRecorderController::ScreenRecorderController(Hosts hosts, SettingsStore &settings, Clock &clock,
                                                    QObject *parent)
     : QObject(parent),
@@ -70,8 +62,9 @@ QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
     _log.append(u"====== 开始录制 ======"_s);
     _log.append(u"模式=%1 fps=%2 画质=%3 忽略本应用窗口=%4 系统音频=%5 麦克风=%6"_s.arg(rawValue(mode))
                     .arg(framesPerSecond(_preferences.fpsOption()))
-                    .arg(rawValue(_preferences.qualityOption()), name(_preferences.ignoreSelfWindows()),
-                         name(_preferences.recordSystemAudio()), name(_preferences.recordMicrophone())));
+                    .arg(rawValue(_preferences.qualityOption()), log::text(_preferences.ignoreSelfWindows()),
+                         log::text(_preferences.recordSystemAudio()),
+                         log::text(_preferences.recordMicrophone())));
     if (!_access.hasPermission())
         co_await _access.checkPermission();
     if (!self)

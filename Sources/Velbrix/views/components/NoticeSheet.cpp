@@ -217,9 +217,7 @@ void NoticeSheet::focusDefault()
 void NoticeSheet::place()
 {
     const int width = std::min(cardWidth, this->width() - 2 * margin);
-    const int height =
-        std::max(_card->layout()->hasHeightForWidth() ? _card->layout()->heightForWidth(width) : 0,
-                 _card->minimumSizeHint().height());
+    const int height = std::max(_card->heightForWidth(width), _card->minimumSizeHint().height());
     const double shown =
         _arrival.state() == QAbstractAnimation::Running ? _arrival.currentValue().toDouble() : 1;
     const int y = (this->height() - height) / 2 + static_cast<int>((1 - shown) * rise);

@@ -216,6 +216,7 @@ void PulseCapture::open(const QByteArray &source)
 void PulseCapture::close()
 {
     _source.clear();
+    _isRunning = false;
     if (!_stream)
         return;
     pa_stream_set_state_callback(_stream, nullptr, nullptr);
@@ -228,16 +229,21 @@ void PulseCapture::streamChanged()
 {
     switch (pa_stream_get_state(_stream)) {
     case PA_STREAM_READY:
+        _isRunning = true;
         _events.restarted();
         if (std::exchange(_isLost, false))
             _events.warning(_kind == Kind::speaker ? u"系统声音已恢复录制"_s : u"麦克风已恢复录制"_s);
         break;
     case PA_STREAM_FAILED:
-    case PA_STREAM_TERMINATED:
+    case PA_STREAM_TERMINATED: {
+        // A source that refuses is tried again when something changes.
+        const bool wasRunning = _isRunning;
         close();
         lost();
-        chooseSource();
+        if (wasRunning)
+            chooseSource();
         break;
+    }
     default:
         break;
     }
