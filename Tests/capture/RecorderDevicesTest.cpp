@@ -16,10 +16,7 @@ AudioDeviceItem device(const QString &id, bool isDefault = false)
 }
 
 struct Rig : ServicesRig {
-    Rig()
-    {
-        host.audioDevices.speakersAnswer = QList<AudioDeviceItem>{device(u"a"_s, true), device(u"b"_s)};
-    }
+    Rig() { host.audioDevices.speakersAnswer = QList<AudioDeviceItem>{device(u"a"_s, true), device(u"b"_s)}; }
     ScreenRecorderController &recorder = make().recorder;
     RecorderDevices &devices = recorder.devices();
     QString lastLine() { return recorder.log().logLines().last(); }

@@ -100,6 +100,15 @@ private Q_SLOTS:
         QVERIFY(q.screenshotIgnoreSelfWindows());
     }
 
+    void whatDidNotChangeIsNotStored()
+    {
+        Rig rig;
+        rig.preferences->setFpsOption(RecordFPS::fps60);
+        rig.preferences->setOutputDir(QDir::homePath() + u"/Desktop"_s);
+        QVERIFY(rig.store->flush());
+        QCOMPARE(rig.backend->saves, 0);
+    }
+
     void badValuesCountAsAbsent_data()
     {
         QTest::addColumn<QJsonObject>("stored");

@@ -285,6 +285,13 @@ private Q_SLOTS:
         QVERIFY(
             rig.movieLines().contains(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s));
 
+        Rig deaf;
+        deaf.preferences.setRecordSystemAudio(true);
+        deaf.state->addOutputAnswers[CaptureOutput::systemAudio] = failure(u"没有音轨"_s);
+        deaf.start();
+        QVERIFY(deaf.recorder.isRecording());
+        QVERIFY(deaf.movieLines().contains(u"⚠️ 无法挂载系统音频 output:没有音轨"_s));
+
         Rig old;
         old.host.screenCapture.featuresAnswer.microphone = false;
         old.preferences.setRecordMicrophone(true);

@@ -7,19 +7,17 @@
 #include "platform/Platform.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QPointer>
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
-constexpr auto activeRefreshInterval = 5s;
-constexpr auto idleRefreshInterval = 20s;
 const QString frameKey = u"Velbrix_MainWindow_Frame"_s;
 const QString showWindowKey = u"Velbrix_NeedShowMainWindow"_s;
 const QString longAlertCategory = u"RECORDING_LONG_ALERT"_s;
@@ -45,6 +43,7 @@ AppDelegate::AppDelegate(AppServices &services, Shell &shell, QObject *parent)
       _services(services),
       _shell(shell),
       _recording(services.recorder, services.privacy),
+      _tray(services, shell, [this](TrayItemId item) { chosenFromTray(item); }),
       _savedFrame(storedFrame(services.settings))
 {
 }
@@ -61,14 +60,14 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
     host.singleInstance->observeWake([this] { showWindow(); });
     _services.settings.tidy();
     host.desktop->setAccessoryPresence();
-    createStatusItem();
+    _tray.createStatusItem();
     _localKeyMonitor = host.keys->watchLocal(
         [this](const KeyPress &press) { return _services.hotkeys.handleCapturedKey(press); });
     observeNotifications();
     _services.hotkeys.install();
     setUpUserNotifications();
-    refreshTray(true);
-    scheduleMenuRefresh();
+    _tray.refresh(true);
+    _tray.scheduleMenuRefresh(_isAppActive);
     followState();
 
     _commands = std::make_unique<CommandServer>(_services, *this);
@@ -77,6 +76,8 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
 
     const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
     _services.settings.remove(showWindowKey);
+    if (!_services.recorder.unfinished().leftovers().isEmpty())
+        showBanner(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);
     if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
         showWindow();
     else
@@ -116,7 +117,7 @@ void AppDelegate::applicationDidBecomeActive()
 {
     if (std::exchange(_isAppActive, true))
         return;
-    scheduleMenuRefresh();
+    _tray.scheduleMenuRefresh(_isAppActive);
 }
 
 void AppDelegate::applicationDidResignActive()
@@ -124,7 +125,7 @@ void AppDelegate::applicationDidResignActive()
     if (!std::exchange(_isAppActive, false))
         return;
     _services.hotkeys.cancelCapture();
-    scheduleMenuRefresh();
+    _tray.scheduleMenuRefresh(_isAppActive);
 }
 
 void AppDelegate::showPrivacyStatement()
@@ -165,13 +166,13 @@ void AppDelegate::applicationWillTerminate()
     _isQuitting = true;
     if (const auto frame = _shell.mainWindowFrame())
         storeFrame(_services.settings, *frame);
-    _menuRefreshTimer.reset();
     _localKeyMonitor.reset();
     _observers.clear();
     _commands.reset();
+    _services.settings.observeFailures({});
     _services.toasts.clear();
     _shell.hideMainWindow();
-    _shell.removeTray();
+    _tray.remove();
     _services.platform.desktop->resetPresence();
     (void)_services.settings.flush();
 }
@@ -207,44 +208,23 @@ QCoro::Task<> AppDelegate::setUpUserNotifications()
 
 void AppDelegate::followState()
 {
-    connect(&_services.recorder.session(), &RecordingSession::isRecordingChanged, this,
-            [this] { refreshTray(false); });
+    const RecordingSession &session = _services.recorder.session();
+    connect(&session, &RecordingSession::lastFailureChanged, this, [this, &session] {
+        if (!session.lastFailure().isEmpty())
+            showBanner(u"屏幕录制"_s, session.lastFailure(), u"exclamationmark.triangle.fill"_s);
+    });
+    connect(&session, &RecordingSession::finishedMovieChanged, this, [this, &session] {
+        if (const auto movie = session.finishedMovie())
+            showBanner(u"录制已保存"_s, QFileInfo(*movie).fileName(), u"checkmark.circle.fill"_s);
+    });
+    _services.settings.observeFailures([this](const Failure &reason) {
+        showBanner(u"设置没有存盘，稍后会再试"_s, reason.message, u"exclamationmark.triangle.fill"_s);
+    });
     // A notice that waits behind a hidden window would never be answered.
     connect(&_services.privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this] {
         if (_services.privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())
             showWindow();
     });
-    _services.platform.desktop->observeTrayHost([this] { trayHostChanged(); });
-}
-
-void AppDelegate::createStatusItem()
-{
-    if (_hasStatusItem || !_services.platform.desktop->hasTrayHost())
-        return;
-    _hasStatusItem = true;
-    _shell.createTray(
-        trayMenu(trayState()), [this] { refreshTray(true); },
-        // Queued: the menu is still closing.
-        [this](TrayItemId item) {
-            QMetaObject::invokeMethod(this, [this, item] { chosenFromTray(item); }, Qt::QueuedConnection);
-        });
-}
-
-void AppDelegate::refreshTray(bool forced)
-{
-    const TrayState state = trayState();
-    const QString signature = state.signature();
-    if (!forced && signature == _lastTraySignature)
-        return;
-    _lastTraySignature = signature;
-    if (_hasStatusItem)
-        _shell.updateTray(trayMenu(state), state.isRecording);
-}
-
-void AppDelegate::scheduleMenuRefresh()
-{
-    _menuRefreshTimer = _services.clock.every(_isAppActive ? activeRefreshInterval : idleRefreshInterval,
-                                              [this] { refreshTray(false); });
 }
 
 void AppDelegate::chosenFromTray(TrayItemId item)
@@ -282,9 +262,13 @@ void AppDelegate::checkRemoteConfig()
     const QString reason = deployment::productServer().isEmpty()
                                ? u"此安装没有配置产品服务器，无法检查更新与公告。"_s
                                : u"此版本还不能读取更新与公告，请到产品网站查看。"_s;
-    _services.notifications.post(
-        bannerToastNotification,
-        {{u"title"_s, u"检查更新与公告"_s}, {u"body"_s, reason}, {u"icon"_s, u"info.circle"_s}});
+    showBanner(u"检查更新与公告"_s, reason, u"info.circle"_s);
+}
+
+void AppDelegate::showBanner(const QString &title, const QString &body, const QString &icon)
+{
+    _services.notifications.post(bannerToastNotification,
+                                 {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}});
 }
 
 void AppDelegate::toggleRecordingFromHotkey()
@@ -294,32 +278,6 @@ void AppDelegate::toggleRecordingFromHotkey()
         return;
     }
     _recording.toggleQuickly();
-}
-
-void AppDelegate::trayHostChanged()
-{
-    if (_services.platform.desktop->hasTrayHost()) {
-        createStatusItem();
-        refreshTray(true);
-        return;
-    }
-    if (!_hasStatusItem)
-        return;
-    _hasStatusItem = false;
-    _shell.removeTray();
-    if (!_shell.isMainWindowVisible()) {
-        // The way back has gone with the tray.
-        showWindow();
-        _shell.minimizeMainWindow();
-    }
-}
-
-TrayState AppDelegate::trayState() const
-{
-    TrayState state;
-    state.isRecording = _services.recorder.isRecording();
-    state.recordTitle = _services.recorder.trayTitle();
-    return state;
 }
 
 void AppDelegate::finishQuit()

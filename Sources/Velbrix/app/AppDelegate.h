@@ -2,8 +2,7 @@
 
 #include "app/RecordingActions.h"
 #include "app/Shell.h"
-#include "app/TrayMenu.h"
-#include "foundation/Clock.h"
+#include "app/TrayController.h"
 #include "foundation/NotificationCenter.h"
 #include "platform/KeyMonitor.h"
 
@@ -48,7 +47,7 @@ public:
     void applicationWillTerminate();
 
     RecordingActions &recording() { return _recording; }
-    const QString &lastTraySignature() const { return _lastTraySignature; }
+    const QString &lastTraySignature() const { return _tray.lastTraySignature(); }
 
 Q_SIGNALS:
     // The event loop may end now.
@@ -58,29 +57,23 @@ private:
     void observeNotifications();
     QCoro::Task<> setUpUserNotifications();
     void followState();
-    void createStatusItem();
-    void refreshTray(bool forced);
-    void scheduleMenuRefresh();
     void chosenFromTray(TrayItemId item);
     void checkRemoteConfig();
+    void showBanner(const QString &title, const QString &body, const QString &icon);
     void toggleRecordingFromHotkey();
-    void trayHostChanged();
-    TrayState trayState() const;
     void finishQuit();
 
     AppServices &_services;
     Shell &_shell;
     RecordingActions _recording;
+    TrayController _tray;
     std::unique_ptr<CommandServer> _commands;
 
-    bool _hasStatusItem = false;
     bool _isQuitting = false;
     bool _terminated = false;
     std::optional<QRect> _savedFrame;
-    std::unique_ptr<Alarm> _menuRefreshTimer;
     std::unique_ptr<KeyWatch> _localKeyMonitor;
     std::vector<std::unique_ptr<Observation>> _observers;
-    QString _lastTraySignature;
     bool _isAppActive = false;
 };
 

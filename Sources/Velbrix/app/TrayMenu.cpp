@@ -1,23 +1,16 @@
 #include "app/TrayMenu.h"
 
+#include "foundation/Log.h"
+
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-namespace {
-
-QString name(bool value)
-{
-    return value ? u"true"_s : u"false"_s;
-}
-
-} // namespace
-
 QString TrayState::signature() const
 {
-    return QStringList{wallpaperTitle, name(canToggleWallpaper), name(isWallpaperPlaying), name(isRecording),
-                       recordTitle}
+    return QStringList{wallpaperTitle, log::text(canToggleWallpaper), log::text(isWallpaperPlaying),
+                       log::text(isRecording), recordTitle}
         .join(u'|');
 }
 

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QIcon>
 #include <QSocketNotifier>
 #include <QStringList>
 
@@ -77,6 +78,7 @@ int runAsApplication(int argc, char **argv, bool inBackground)
     setIdentity();
     QGuiApplication::setApplicationDisplayName(u"Velbrix"_s);
     QGuiApplication::setDesktopFileName(u"velbrix"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/velbrix.svg"_s));
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
     AppServices &services = AppServices::shared();

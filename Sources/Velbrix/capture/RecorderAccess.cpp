@@ -1,6 +1,7 @@
 #include "capture/RecorderAccess.h"
 
 #include "capture/RecorderLog.h"
+#include "foundation/Log.h"
 #include "platform/ScreenCapture.h"
 
 #include <QPointer>
@@ -9,11 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-QString name(bool value)
-{
-    return value ? u"true"_s : u"false"_s;
-}
 
 QString name(AuthorizationStatus status)
 {
@@ -46,7 +42,7 @@ QCoro::Task<bool> RecorderAccess::checkPermission()
         co_return false;
     _hasPermission = content.has_value();
     if (content)
-        _log.append(u"✅ 屏幕权限已授予（CGPreflight="_s + name(_permissions.preflightScreenCapture()) +
+        _log.append(u"✅ 屏幕权限已授予（CGPreflight="_s + log::text(_permissions.preflightScreenCapture()) +
                     u'）');
     else
         _log.append(u"❌ 无屏幕权限:"_s + content.error().message);
@@ -57,7 +53,7 @@ QCoro::Task<bool> RecorderAccess::requestPermission()
 {
     const QPointer self(this);
     _log.append(u"请求屏幕录制权限…"_s);
-    _log.append(u"CGRequestScreenCaptureAccess →"_s + name(_permissions.requestScreenCapture()));
+    _log.append(u"CGRequestScreenCaptureAccess →"_s + log::text(_permissions.requestScreenCapture()));
     const auto content = co_await _capture.shareableContent();
     if (!self)
         co_return false;

@@ -66,88 +66,86 @@ void RecorderPreferences::loadSettings()
     take(_settings.boolean(key(u"screenshotIgnoreSelfWindows")), _screenshotIgnoreSelfWindows);
 }
 
+// A page that only shows a value must not store it.
+template <typename Property, typename Value>
+void RecorderPreferences::change(Property &property, const Value &value, const char16_t *name,
+                                 const QJsonValue &stored)
+{
+    if (property.value() == value)
+        return;
+    property = value;
+    _settings.set(key(name), stored);
+}
+
 void RecorderPreferences::setRecordMode(RecordMode mode)
 {
-    _recordMode = mode;
-    _settings.set(key(u"mode"), rawValue(mode));
+    change(_recordMode, mode, u"mode", rawValue(mode));
 }
 
 void RecorderPreferences::setFpsOption(RecordFPS fps)
 {
-    _fpsOption = fps;
-    _settings.set(key(u"fps"), framesPerSecond(fps));
+    change(_fpsOption, fps, u"fps", framesPerSecond(fps));
 }
 
 void RecorderPreferences::setQualityOption(RecordQuality quality)
 {
-    _qualityOption = quality;
-    _settings.set(key(u"quality"), rawValue(quality));
+    change(_qualityOption, quality, u"quality", rawValue(quality));
 }
 
 void RecorderPreferences::setOutputDir(const QString &folder)
 {
-    _outputDir = folder;
-    _settings.set(key(u"outputDir"), folder);
+    change(_outputDir, folder, u"outputDir", folder);
 }
 
 void RecorderPreferences::setRecordSystemAudio(bool on)
 {
-    _recordSystemAudio = on;
-    _settings.set(key(u"recordSystemAudio"), on);
+    change(_recordSystemAudio, on, u"recordSystemAudio", on);
 }
 
 void RecorderPreferences::setRecordMicrophone(bool on)
 {
-    _recordMicrophone = on;
-    _settings.set(key(u"recordMicrophone"), on);
+    change(_recordMicrophone, on, u"recordMicrophone", on);
 }
 
 void RecorderPreferences::setIgnoreSelfWindows(bool on)
 {
-    _ignoreSelfWindows = on;
-    _settings.set(key(u"ignoreSelfWindows"), on);
+    change(_ignoreSelfWindows, on, u"ignoreSelfWindows", on);
 }
 
 void RecorderPreferences::setSelectedSpeakerID(const QString &id)
 {
-    _selectedSpeakerID = id;
-    _settings.set(key(u"speakerID"), id);
+    change(_selectedSpeakerID, id, u"speakerID", id);
 }
 
 void RecorderPreferences::setSelectedMicrophoneID(const QString &id)
 {
-    _selectedMicrophoneID = id;
-    _settings.set(key(u"microphoneID"), id);
+    change(_selectedMicrophoneID, id, u"microphoneID", id);
 }
 
 void RecorderPreferences::setMisTouchProtectionEnabled(bool on)
 {
-    _misTouchProtectionEnabled = on;
-    _settings.set(key(u"misTouchProtectionEnabled"), on);
+    change(_misTouchProtectionEnabled, on, u"misTouchProtectionEnabled", on);
 }
 
 void RecorderPreferences::setMisTouchIntervalMinutes(double minutes)
 {
-    _misTouchIntervalMinutes = clampedInterval(minutes);
-    _settings.set(key(u"misTouchIntervalMinutes"), _misTouchIntervalMinutes.value());
+    change(_misTouchIntervalMinutes, clampedInterval(minutes), u"misTouchIntervalMinutes",
+           clampedInterval(minutes));
 }
 
 void RecorderPreferences::setScreenshotDestination(ScreenshotDestination destination)
 {
-    _screenshotDestination = destination;
-    _settings.set(key(u"screenshotDestination"), rawValue(destination));
+    change(_screenshotDestination, destination, u"screenshotDestination", rawValue(destination));
 }
 
 void RecorderPreferences::setScreenshotOutputDir(const QString &folder)
 {
-    _screenshotOutputDir = folder;
-    _settings.set(key(u"screenshotOutputDir"), folder);
+    change(_screenshotOutputDir, folder, u"screenshotOutputDir", folder);
 }
 
 void RecorderPreferences::setScreenshotIgnoreSelfWindows(bool on)
 {
-    _screenshotIgnoreSelfWindows = on;
-    _settings.set(key(u"screenshotIgnoreSelfWindows"), on);
+    change(_screenshotIgnoreSelfWindows, on, u"screenshotIgnoreSelfWindows", on);
 }
 
 } // namespace velbrix

@@ -3,6 +3,7 @@
 #include "capture/RecorderOptions.h"
 #include "foundation/Published.h"
 
+#include <QJsonValue>
 #include <QObject>
 
 namespace velbrix {
@@ -56,6 +57,9 @@ public:
     void setScreenshotIgnoreSelfWindows(bool on);
 
 private:
+    template <typename Property, typename Value>
+    void change(Property &property, const Value &value, const char16_t *name, const QJsonValue &stored);
+
     SettingsStore &_settings;
 };
 

@@ -5,6 +5,7 @@
 #include "capture/RecordingFile.h"
 #include "capture/UnfinishedRecordings.h"
 #include "foundation/Deadline.h"
+#include "foundation/Log.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -25,11 +26,6 @@ namespace {
 constexpr auto removalPause = 200ms;
 constexpr auto validationLimit = 3000ms;
 constexpr auto progressInterval = 500ms;
-
-QString name(bool value)
-{
-    return value ? u"true"_s : u"false"_s;
-}
 
 } // namespace
 
@@ -145,9 +141,9 @@ Result<void> RecordingSession::makeStream(const RecordingRequest &request, const
                        .arg(size.height())
                        .arg(rawValue(request.quality))
                        .arg(configuration.framesPerSecond)
-                       .arg(name(configuration.capturesAudio));
+                       .arg(log::text(configuration.capturesAudio));
     if (features.microphone)
-        line += u" 麦克风="_s + name(configuration.capturesMicrophone);
+        line += u" 麦克风="_s + log::text(configuration.capturesMicrophone);
     _log.append(line);
 
     auto stream = _capture.makeSession(filter, configuration, observer());
@@ -193,7 +189,7 @@ Result<void> RecordingSession::openManualWriter(const RecordingRequest &request,
         _log.append(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s);
     _log.append(u"写入器就绪 %1x%2 sysAudio=%3 mic=%4"_s.arg(movie.width)
                     .arg(movie.height)
-                    .arg(name(tracks->systemAudio), name(tracks->microphone)));
+                    .arg(log::text(tracks->systemAudio), log::text(tracks->microphone)));
     _log.append(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s);
     return {};
 }
@@ -202,19 +198,21 @@ Result<void> RecordingSession::addOutputs(const RecordingRequest &request)
 {
     if (const auto added = _stream->addOutput(CaptureOutput::screen); !added)
         return added;
-    if (request.systemAudio) {
-        if (const auto added = _stream->addOutput(CaptureOutput::systemAudio); !added)
-            return added;
-        _log.append(u"已挂载系统音频 output"_s);
-    }
-    if (request.microphone && !_capture.features().microphone) {
+    if (request.systemAudio)
+        addSound(CaptureOutput::systemAudio, u"系统音频"_s);
+    if (request.microphone && _capture.features().microphone)
+        addSound(CaptureOutput::microphone, u"麦克风"_s);
+    else if (request.microphone)
         _log.append(u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s);
-    } else if (request.microphone) {
-        if (const auto added = _stream->addOutput(CaptureOutput::microphone); !added)
-            return added;
-        _log.append(u"已挂载麦克风 output"_s);
-    }
     return {};
+}
+
+// A recording without its sound is better than none.
+void RecordingSession::addSound(CaptureOutput output, const QString &source)
+{
+    const auto added = _stream->addOutput(output);
+    _log.append(added ? u"已挂载%1 output"_s.arg(source)
+                      : u"⚠️ 无法挂载%1 output:%2"_s.arg(source, added.error().message));
 }
 
 CaptureObserver RecordingSession::observer()
@@ -283,7 +281,7 @@ QCoro::Task<> RecordingSession::finishSystemFile()
     _log.append(removed ? u"removeRecordingOutput 完成（stop 之后）"_s
                         : u"removeRecordingOutput 忽略:"_s + removed.error().message);
     if (_systemFailed)
-        fail(u"❌ 系统录制失败:"_s + _systemFailed->message);
+        fail(u"系统录制失败:"_s + _systemFailed->message);
 }
 
 QCoro::Task<> RecordingSession::finishManualFile()
@@ -294,14 +292,14 @@ QCoro::Task<> RecordingSession::finishManualFile()
         co_return;
     const CaptureCounters counters = _stream->ledger().counters();
     if (!counters.sessionStarted) {
-        fail(u"❌ 手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
-                 .arg(name(counters.sessionStarted)));
+        fail(u"手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
+                 .arg(log::text(counters.sessionStarted)));
         co_return;
     }
     if (finished)
         co_return;
     const QString reason = finished.error().message;
-    fail(u"❌ finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
+    fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
     const QString path = _outputURL.value().value_or(QString());
     // A movie that plays in spite of the failure is the user's, not ours to remove.
     const auto facts = co_await withDeadline(_clock, validationLimit, _movies.inspect(path));
@@ -317,12 +315,12 @@ QCoro::Task<> RecordingSession::validate()
     const QPointer self(this);
     const auto path = _outputURL.value();
     if (!path) {
-        fail(u"❌ 无输出路径"_s);
+        fail(u"无输出路径"_s);
         co_return;
     }
     if (!QFileInfo::exists(*path)) {
         _unfinished.end(*path);
-        fail(u"❌ 输出文件不存在"_s);
+        fail(u"输出文件不存在"_s);
         co_return;
     }
     const auto inspected = co_await withDeadline(_clock, validationLimit, _movies.inspect(*path));
@@ -332,9 +330,9 @@ QCoro::Task<> RecordingSession::validate()
     const QFileInfo file(*path);
     const MovieVerdict verdict = judgeMovie(facts, file.fileName(), file.size(), _usingSystemRecorder);
     if (verdict.isGood)
-        _log.append(verdict.logLine);
+        _log.append(u"✅ "_s + verdict.text);
     else
-        fail(verdict.logLine);
+        fail(verdict.text);
     if (!facts.hasVideo)
         _log.append(u"no video, audioTracks=%1"_s.arg(facts.audioTracks));
     if (facts.isPlayable) {
@@ -345,7 +343,7 @@ QCoro::Task<> RecordingSession::validate()
 
 void RecordingSession::fail(const QString &message)
 {
-    _log.append(message.startsWith(u'❌') ? message : u"❌ "_s + message);
+    _log.append(u"❌ "_s + message);
     _lastFailure = message;
 }
 

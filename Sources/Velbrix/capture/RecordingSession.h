@@ -52,6 +52,7 @@ private:
     Result<void> chooseWriter(const RecordingRequest &request);
     Result<void> openManualWriter(const RecordingRequest &request, const QString &path);
     Result<void> addOutputs(const RecordingRequest &request);
+    void addSound(CaptureOutput output, const QString &source);
     CaptureObserver observer();
 
     QCoro::Task<> runStop();

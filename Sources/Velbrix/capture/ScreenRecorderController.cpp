@@ -1,21 +1,13 @@
 #include "capture/ScreenRecorderController.h"
 
 #include "capture/RecordingFile.h"
+#include "foundation/Log.h"
 
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-namespace {
-
-QString name(bool value)
-{
-    return value ? u"true"_s : u"false"_s;
-}
-
-} // namespace
-
 ScreenRecorderController::ScreenRecorderController(Hosts hosts, SettingsStore &settings, Clock &clock,
                                                    QObject *parent)
     : QObject(parent),
@@ -70,8 +62,9 @@ QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
     _log.append(u"====== 开始录制 ======"_s);
     _log.append(u"模式=%1 fps=%2 画质=%3 忽略本应用窗口=%4 系统音频=%5 麦克风=%6"_s.arg(rawValue(mode))
                     .arg(framesPerSecond(_preferences.fpsOption()))
-                    .arg(rawValue(_preferences.qualityOption()), name(_preferences.ignoreSelfWindows()),
-                         name(_preferences.recordSystemAudio()), name(_preferences.recordMicrophone())));
+                    .arg(rawValue(_preferences.qualityOption()), log::text(_preferences.ignoreSelfWindows()),
+                         log::text(_preferences.recordSystemAudio()),
+                         log::text(_preferences.recordMicrophone())));
     if (!_access.hasPermission())
         co_await _access.checkPermission();
     if (!self)
@@ -97,13 +90,13 @@ QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
 QString ScreenRecorderController::refusal(RecordMode mode) const
 {
     if (!_access.hasPermission())
-        return u"❌ 没有屏幕录制权限"_s;
+        return u"没有屏幕录制权限"_s;
     if (mode == RecordMode::window && !_windows.selectedWindowID())
-        return u"❌ 请先选择要录制的窗口"_s;
+        return u"请先选择要录制的窗口"_s;
     if (_preferences.recordMicrophone() && !_access.hasMicPermission())
-        return u"❌ 需要麦克风权限才能录制麦克风"_s;
+        return u"需要麦克风权限才能录制麦克风"_s;
     if (const auto folder = checkOutputFolder(_preferences.outputDir()); !folder)
-        return u"❌ "_s + folder.error().message;
+        return folder.error().message;
     return {};
 }
 

@@ -13,4 +13,9 @@ void line(const QString &tag, const QString &text)
     std::fflush(stdout);
 }
 
+QString text(bool value)
+{
+    return value ? u"true"_s : u"false"_s;
+}
+
 } // namespace velbrix::log

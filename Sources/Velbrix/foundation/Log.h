@@ -7,4 +7,7 @@ namespace velbrix::log {
 // One line "[tag] text" on standard output, flushed at once. Any thread.
 void line(const QString &tag, const QString &text);
 
+// "true" or "false".
+QString text(bool value);
+
 } // namespace velbrix::log

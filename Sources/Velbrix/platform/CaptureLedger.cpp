@@ -59,7 +59,10 @@ void CaptureLedger::countMicrophone()
 CaptureCounters CaptureLedger::counters() const
 {
     const std::scoped_lock lock(_stateLock);
-    return _counters;
+    CaptureCounters copy = _counters;
+    // Shares nothing with what the sample threads go on changing.
+    copy.statusHistogram.detach();
+    return copy;
 }
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Shell.h"
+#include "views/FocusRings.h"
 #include "views/Theme.h"
 
 #include <functional>
@@ -49,6 +50,7 @@ private:
 
     AppServices &_services;
     Theme _theme;
+    FocusRings _focusRings;
     AppDelegate *_delegate = nullptr;
     std::unique_ptr<MainWindow> _window;
     std::unique_ptr<StatusItem> _statusItem;

@@ -58,7 +58,7 @@ void Page::add(QWidget *card)
 void Page::add(const QString &heading, QWidget *card)
 {
     QLabel *const words = makeText(heading, u"heading"_s);
-    words->setContentsMargins(4, 8, 0, 0);
+    words->setContentsMargins(0, 12, 0, 0);
     add(words);
     add(card);
 }

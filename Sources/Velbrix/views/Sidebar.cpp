@@ -7,9 +7,9 @@
 #include "views/components/JobRing.h"
 #include "views/components/Parts.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -60,8 +60,14 @@ Sidebar::Sidebar(const Theme &theme, AppRouter &router, const RecordingSession &
             router.show(static_cast<AppTab>(id));
     });
     follow(router, &AppRouter::activeTabChanged, this, [this, &router] {
-        if (const auto tab = router.activeTab())
-            _tabs->button(static_cast<int>(*tab))->setChecked(true);
+        const auto tab = router.activeTab();
+        if (!tab)
+            return;
+        QAbstractButton *const button = _tabs->button(static_cast<int>(*tab));
+        button->setChecked(true);
+        // A focus in the list goes along, or two tabs would look chosen.
+        if (isAncestorOf(QApplication::focusWidget()))
+            button->setFocus();
     });
 }
 

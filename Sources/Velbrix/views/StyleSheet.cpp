@@ -37,20 +37,20 @@ QPushButton { background: @control; border: 1px solid @hairline; border-radius: 
 QPushButton:hover { background: @hairline; }
 QPushButton:pressed { background: @secondary/30; }
 QPushButton:disabled { color: @secondary/70; background: @control/60; }
-QPushButton:focus { border: 1px solid @accent; outline: none; }
+QPushButton[keyed="true"]:focus { border: 1px solid @accent; outline: none; }
 QPushButton[role="primary"] { background: @accentFill; border: 1px solid @accentFill; color: white; }
 QPushButton[role="primary"]:hover { background: @accentFill/88; }
 QPushButton[role="primary"]:pressed { background: @accentFill/76; }
 QPushButton[role="primary"]:disabled { background: @control; border-color: @hairline; color: @secondary; }
-QPushButton[role="primary"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
+QPushButton[role="primary"][keyed="true"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
 QPushButton[role="destructive"] { background: @badFill; border: 1px solid @badFill; color: white; }
 QPushButton[role="destructive"]:hover { background: @badFill/88; }
 QPushButton[role="destructive"]:pressed { background: @badFill/76; }
-QPushButton[role="destructive"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
+QPushButton[role="destructive"][keyed="true"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
 QPushButton[role="plain"] { background: transparent; border: 1px solid transparent; padding: 0 8px;
                             color: @accentText; }
 QPushButton[role="plain"]:hover { background: @accent/12; }
-QPushButton[role="plain"]:focus { border-color: @accent; }
+QPushButton[role="plain"][keyed="true"]:focus { border-color: @accent; }
 QPushButton[role="chord"] { min-width: 104px; font-size: 14px; }
 QPushButton[role="chord"][capturing="true"] { border: 2px solid @accent; color: @accentText;
                                               padding: 0 11px; min-height: 24px; }
@@ -59,7 +59,7 @@ QPushButton[role="record"] { min-height: 42px; min-width: 128px; border-radius: 
                              border: 1px solid @badFill; }
 QPushButton[role="record"]:hover { background: @badFill/88; }
 QPushButton[role="record"]:pressed { background: @badFill/76; }
-QPushButton[role="record"]:focus { border: 2px solid @text; padding: 0 19px; min-height: 40px; }
+QPushButton[role="record"][keyed="true"]:focus { border: 2px solid @text; padding: 0 19px; min-height: 40px; }
 QPushButton[role="record"][recording="true"] { background: @control; color: @bad; border-color: @bad; }
 QPushButton[role="record"]:disabled { background: @control; border-color: @hairline; color: @secondary; }
 
@@ -68,20 +68,20 @@ QPushButton[role="segment"] { background: transparent; border: 1px solid transpa
                               min-height: 24px; padding: 0 12px; color: @text; }
 QPushButton[role="segment"]:hover { background: @secondary/14; }
 QPushButton[role="segment"]:checked { background: @segment; border-color: @segmentEdge; font-weight: 600; }
-QPushButton[role="segment"]:focus { border-color: @accent; }
+QPushButton[role="segment"][keyed="true"]:focus { border-color: @accent; }
 QPushButton[role="segment"]:disabled { color: @secondary; }
 
 QPushButton[role="tab"] { background: transparent; border: 1px solid transparent; border-radius: 8px;
                           min-height: 34px; padding: 0 10px; text-align: left; }
 QPushButton[role="tab"]:hover { background: @secondary/12; }
 QPushButton[role="tab"]:checked { background: @accentTint; }
-QPushButton[role="tab"]:focus { border-color: @accent; }
+QPushButton[role="tab"][keyed="true"]:focus { border-color: @accent; }
 
 QPushButton[role="device"] { background: transparent; border: 1px solid transparent; border-radius: 8px;
                              min-height: 30px; padding: 0 10px; text-align: left; }
 QPushButton[role="device"]:hover { background: @secondary/10; }
 QPushButton[role="device"]:checked { background: @accent/14; }
-QPushButton[role="device"]:focus { border-color: @accent; }
+QPushButton[role="device"][keyed="true"]:focus { border-color: @accent; }
 
 QFrame[role="path"] { background: @control; border: 1px solid @hairline; border-radius: 6px; }
 QFrame[role="path"][dropping="true"] { border: 1px solid @accent; background: @accent/14; }
@@ -99,7 +99,7 @@ QProgressBar::chunk { background: @accent; border-radius: 2px; }
 QListView { background: transparent; border: none; outline: none; }
 QListView[role="log"] { background: @control; border: 1px solid @hairline; border-radius: 8px;
                         padding: 6px 4px; font-size: 12px; }
-QListView[role="log"]:focus { border-color: @accent; }
+QListView[role="log"][keyed="true"]:focus { border-color: @accent; }
 QListView[role="log"]::item { padding: 2px 8px; color: @text; }
 QListView[role="log"]::item:selected { background: @accent/22; color: @text; border-radius: 4px; }
 

@@ -131,12 +131,22 @@ Theme::Theme(DesktopServices &desktop, const Symbols &symbols, QObject *parent)
 
 QPixmap Theme::symbol(const QString &name, int points, const QColor &tint, qreal pixelRatio) const
 {
-    QPixmap picture = _symbols.icon(name).pixmap(QSize(points, points), pixelRatio);
-    if (picture.isNull())
-        return picture;
+    const QPixmap found = _symbols.icon(name).pixmap(QSize(points, points), pixelRatio);
+    if (found.isNull())
+        return found;
+    // Sets with few sizes answer smaller pictures than asked for.
+    const int side = qRound(points * pixelRatio);
+    QPixmap picture(side, side);
+    picture.fill(Qt::transparent);
+    QRect place(QPoint(), found.size().scaled(side, side, Qt::KeepAspectRatio));
+    place.moveCenter(picture.rect().center());
     QPainter painter(&picture);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(place, found);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(picture.rect(), tint);
+    painter.end();
+    picture.setDevicePixelRatio(pixelRatio);
     return picture;
 }
 

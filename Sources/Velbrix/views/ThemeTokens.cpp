@@ -65,7 +65,7 @@ ThemeTokens::ThemeTokens(bool dark, const std::optional<QColor> &systemAccent) :
     slot(ThemeColor::accentFill) = readableOn(Qt::white, accent);
     slot(ThemeColor::accentText) = readableEverywhere(accent);
     slot(ThemeColor::accentTint) = mixed((*this)[ThemeColor::sidebar], accent, dark ? 0.28F : 0.14F);
-    slot(ThemeColor::badFill) = readableOn(Qt::white, (*this)[ThemeColor::bad]);
+    set(ThemeColor::badFill, "#D70015", "#D92D27");
     for (const ThemeColor words :
          {ThemeColor::secondary, ThemeColor::good, ThemeColor::warning, ThemeColor::bad})
         slot(words) = readableEverywhere((*this)[words]);

@@ -151,6 +151,13 @@ private Q_SLOTS:
         QVERIFY(shown.count('\n') > 20);
     }
 
+    void fullDiskAtTheStart()
+    {
+        const auto writer = Mp4Writer::create(u"/dev/full"_s, std::vector<TrackDescription>(1));
+        QVERIFY(!writer);
+        QCOMPARE(writer.error().message, u"磁盘空间不足，无法继续写入录制文件"_s);
+    }
+
     void noFolder()
     {
         const auto writer = Mp4Writer::create(path(u"none/movie.mp4"_s), std::vector<TrackDescription>(1));

@@ -1,5 +1,6 @@
 #include "platform/linux/movie/PulseAudioDevices.h"
 #include "MediaTools.h"
+#include "support/FakeAudioDevices.h"
 
 #include <QCoroTask>
 #include <QTest>
@@ -37,6 +38,29 @@ private Q_SLOTS:
         PulseAudioDevices devices;
         QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic"_s, u"speaker Speaker *"_s}));
         QCOMPARE(microphonesOf(devices), QStringList{u"microphone Microphone *"_s}); // no monitors
+    }
+
+    // What the fake promises to others has to hold for the real one.
+    void theDefaultMarkMoves_data()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("real") << true;
+    }
+    void theDefaultMarkMoves()
+    {
+        QFETCH(bool, isReal);
+        PulseAudioDevices real;
+        FakeAudioDevices fake;
+        fake.speakersAnswer = QList<AudioDeviceItem>{{u"mic"_s, u"Mic"_s, std::nullopt, false},
+                                                     {u"speaker"_s, u"Speaker"_s, std::nullopt, true}};
+        AudioDevices &devices = isReal ? static_cast<AudioDevices &>(real) : fake;
+        const QStringList before = microphonesOf(devices);
+        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)));
+        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic *"_s, u"speaker Speaker"_s}));
+        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"speaker"_s)));
+        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic"_s, u"speaker Speaker *"_s}));
+        QCOMPARE(microphonesOf(devices), before);
     }
 
     void choosesTheSpeaker()

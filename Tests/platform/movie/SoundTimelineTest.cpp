@@ -54,6 +54,33 @@ private Q_SLOTS:
         QCOMPARE(_all.size(), std::size_t(800));
     }
 
+    // A source that is busy changing its buffers: every fragment's stamp is nearer to the truth.
+    void waitsForStampsThatSlide()
+    {
+        _at = 1000;
+        for (int error = -700; error < 0; error += fragment)
+            push(1, error);
+        QCOMPARE(_all.size(), std::size_t(0));
+        push(30);
+        QCOMPARE(firstSound(), 1000);
+        QCOMPARE(silence(), 1000);
+        QVERIFY(qAbs(_timeline.position() - _at) <= 5);
+    }
+
+    void cutsOnceWhereStampsSlide()
+    {
+        push(40);
+        for (int error = 0; error < 180; error += fragment)
+            push(1, error);
+        _at += 180;
+        push(40);
+        QVERIFY(qAbs(silence() - 180) <= 5);
+        qsizetype gaps = 0;
+        for (std::size_t i = 1; i < _all.size(); ++i)
+            gaps += _all[i - 1] > 0 && _all[i] < 1;
+        QCOMPARE(gaps, 1);
+    }
+
     void dropsWhatCameBeforeTheMovie()
     {
         _at = -130;

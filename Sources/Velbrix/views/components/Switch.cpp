@@ -67,7 +67,7 @@ void Switch::paintEvent(QPaintEvent *)
     painter.setBrush(Qt::white);
     painter.drawEllipse(
         QRectF(track.x() + 2 + place * (track.width() - side - 4), track.y() + 2, side, side));
-    if (hasFocus()) {
+    if (hasFocus() && property("keyed").toBool()) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(_theme.color(ThemeColor::text), 1.5));
         painter.drawRoundedRect(track, radius, radius);

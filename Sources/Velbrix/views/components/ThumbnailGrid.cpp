@@ -74,11 +74,11 @@ public:
 
 class ThumbnailGrid::Cell final : public QStyledItemDelegate {
 public:
-    Cell(const Theme &theme, QObject *parent) : QStyledItemDelegate(parent), _theme(theme) {}
+    Cell(const Theme &theme, ThumbnailGrid &grid) : QStyledItemDelegate(&grid), _theme(theme), _grid(grid) {}
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
-        const QRect cell = option.rect.adjusted(gap / 2, gap / 2, -gap / 2, -gap / 2);
+        const QRect cell = option.rect.adjusted(0, 0, -gap, -gap);
         const bool isChosen = index.data(chosenRole).toBool();
         const bool isCurrent = option.state.testFlag(QStyle::State_HasFocus);
         painter->save();
@@ -101,7 +101,7 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override
     {
-        return {leastCellWidth, cellHeight};
+        return _grid.gridSize();
     }
 
 private:
@@ -115,7 +115,8 @@ private:
                                                  _theme.color(ThemeColor::secondary), ratio));
             return;
         }
-        const QSize fitted = picture.size().scaled(room.size(), Qt::KeepAspectRatio);
+        const QSize largest = picture.size().boundedTo(room.size());
+        const QSize fitted = picture.size().scaled(largest, Qt::KeepAspectRatio);
         QRect place(QPoint(), fitted);
         place.moveCenter(room.center());
         QPainterPath shape;
@@ -145,6 +146,7 @@ private:
     }
 
     const Theme &_theme;
+    const ThumbnailGrid &_grid;
 };
 
 ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, QWidget *parent)
@@ -162,7 +164,7 @@ ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, QWidget *p
     setFrameShape(NoFrame);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setModel(_items);
-    setItemDelegate(new Cell(theme, this));
+    setItemDelegate(new Cell(theme, *this));
     connect(this, &QListView::clicked, this,
             [this](const QModelIndex &index) { Q_EMIT wanted(_items->items[index.row()].id); });
     connect(&theme, &Theme::changed, this, [this] { viewport()->update(); });

@@ -42,7 +42,6 @@ ToastView::ToastView(const Theme &theme, const Toast &toast, QWidget *parent)
 {
     setObjectName(u"toast"_s);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    setAttribute(Qt::WA_TranslucentBackground);
     setAccessibleName(toast.title);
     setAccessibleDescription(toast.body);
     setFixedWidth(bannerWidth);
@@ -104,6 +103,8 @@ void ToastView::mouseReleaseEvent(QMouseEvent *event)
 void ToastView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    // What the mask leaves of the corners belongs to the border.
+    painter.fillRect(rect(), _theme.color(ThemeColor::hairline));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(_theme.color(ThemeColor::hairline));
     painter.setBrush(_theme.color(ThemeColor::card));
@@ -112,7 +113,7 @@ void ToastView::paintEvent(QPaintEvent *)
 
 void ToastView::resizeEvent(QResizeEvent *)
 {
-    // Desktops that do not blend windows would show black corners.
+    // Not every desktop blends windows; this is round on all of them.
     QPainterPath shape;
     shape.addRoundedRect(rect(), radius, radius);
     setMask(QRegion(shape.toFillPolygon().toPolygon()));

@@ -54,6 +54,10 @@ int ValueSlider::value() const
 
 bool ValueSlider::eventFilter(QObject *, QEvent *event)
 {
+    if (event->type() == QEvent::Wheel) {
+        event->ignore(); // it scrolls the page
+        return true;
+    }
     if (event->type() != QEvent::MouseButtonDblClick)
         return false;
     _slider->setValue(_range.standard);

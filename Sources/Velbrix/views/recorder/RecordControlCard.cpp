@@ -6,8 +6,6 @@
 #include "views/Theme.h"
 #include "views/components/JobRing.h"
 #include "views/components/Parts.h"
-#include "views/components/SettingRow.h"
-#include "views/components/SymbolLabel.h"
 #include "views/components/TabularLabel.h"
 
 #include <QHBoxLayout>
@@ -51,7 +49,6 @@ RecordControlCard::RecordControlCard(const ViewContext &context, QWidget *parent
     words->addStretch(1);
     line->addLayout(words, 1);
     addRow(row);
-    addFailure();
 
     connect(_button, &QPushButton::clicked, this, [this] { _context.recording.toggleFromPanel(); });
     ScreenRecorderController &recorder = context.services.recorder;
@@ -89,23 +86,6 @@ QWidget *RecordControlCard::makeBadge()
     follow(live, &RecordLiveUI::frameCountUIChanged, this,
            [frames, &live] { frames->setText(u"%1 帧"_s.arg(live.frameCountUI())); });
     return badge;
-}
-
-void RecordControlCard::addFailure()
-{
-    auto *row = new SettingRow(u"上次录制没有成功"_s, {}, nullptr);
-    row->setObjectName(u"recordFailure"_s);
-    row->setLeading(new SymbolLabel(_context.theme, u"xmark.circle.fill"_s, 22, ThemeColor::bad));
-    addRow(row);
-    const RecordingSession &session = _context.services.recorder.session();
-    follow(session, &RecordingSession::lastFailureChanged, this, [row, &session] {
-        QString reason = session.lastFailure();
-        // The log's mark says what the row's symbol says already.
-        if (reason.startsWith(u'❌'))
-            reason = reason.sliced(1).trimmed();
-        row->setDescription(reason);
-        row->setVisible(!reason.isEmpty());
-    });
 }
 
 void RecordControlCard::refresh()

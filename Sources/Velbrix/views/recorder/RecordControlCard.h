@@ -15,7 +15,6 @@ public:
 
 private:
     QWidget *makeBadge();
-    void addFailure();
     void refresh();
 
     ViewContext _context;

@@ -6,6 +6,7 @@
 #include "views/recorder/RecordAudioCard.h"
 #include "views/recorder/RecordControlCard.h"
 #include "views/recorder/RecordLogCard.h"
+#include "views/recorder/RecordOutcomeCard.h"
 #include "views/recorder/RecordOutputCard.h"
 #include "views/recorder/RecordPictureCard.h"
 #include "views/recorder/RecordReminderCard.h"
@@ -21,6 +22,7 @@ RecorderPage::RecorderPage(const ViewContext &context, QWidget *parent)
 {
     add(new RecordAccessCard(context, this));
     add(new RecordControlCard(context, this));
+    add(new RecordOutcomeCard(context, this));
     add(new LeftoversCard(context, this));
     add(u"画面"_s, new RecordTargetCard(context, this));
     add(new RecordPictureCard(context, this));

@@ -11,7 +11,7 @@ namespace velbrix {
 // What a track of the movie is, as far as it does not depend on its samples.
 struct TrackDescription {
     bool isVideo = false;
-    std::uint32_t timescale = 0; // units per second of all times of the track
+    std::uint32_t timescale = 1; // units per second of all times of the track
     int width = 0;               // pixels, of a video track
     int height = 0;
     std::int64_t mediaStart = 0; // the presentation begins here: what the encoder put before is skipped

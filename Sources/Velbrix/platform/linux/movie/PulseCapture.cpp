@@ -1,6 +1,7 @@
 #include "platform/linux/movie/PulseCapture.h"
 
 #include "platform/linux/movie/MonotonicTime.h"
+#include "platform/linux/movie/PulseContext.h"
 
 #include <algorithm>
 #include <utility>
@@ -102,11 +103,9 @@ void PulseCapture::stop()
 void PulseCapture::connect()
 {
     disconnect();
-    _context = pa_context_new(pa_threaded_mainloop_get_api(_loop), "Velbrix");
-    pa_context_set_state_callback(_context, PulseCaptureCallbacks::context, this);
-    pa_context_set_subscribe_callback(_context, PulseCaptureCallbacks::serverEvent, this);
-    // A failure here is also told through the state.
-    pa_context_connect(_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+    _context =
+        pulse::makeContext(_loop, PulseCaptureCallbacks::context, PulseCaptureCallbacks::serverEvent, this);
+    pulse::connectContext(_context);
 }
 
 void PulseCapture::disconnect()
@@ -114,23 +113,14 @@ void PulseCapture::disconnect()
     close();
     if (_retry)
         pa_threaded_mainloop_get_api(_loop)->time_free(std::exchange(_retry, nullptr));
-    if (!_context)
-        return;
-    pa_context_set_state_callback(_context, nullptr, nullptr);
-    pa_context_set_subscribe_callback(_context, nullptr, nullptr);
-    pa_context_disconnect(_context);
-    pa_context_unref(std::exchange(_context, nullptr));
+    pulse::closeContext(_context);
 }
 
 void PulseCapture::contextChanged()
 {
     switch (pa_context_get_state(_context)) {
     case PA_CONTEXT_READY:
-        run(pa_context_subscribe(_context,
-                                 static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SERVER |
-                                                                     PA_SUBSCRIPTION_MASK_SINK |
-                                                                     PA_SUBSCRIPTION_MASK_SOURCE),
-                                 nullptr, nullptr));
+        pulse::subscribeToDevices(_context);
         chooseSource();
         break;
     case PA_CONTEXT_FAILED:
@@ -216,6 +206,7 @@ void PulseCapture::open(const QByteArray &source)
 void PulseCapture::close()
 {
     _source.clear();
+    _isRunning = false;
     if (!_stream)
         return;
     pa_stream_set_state_callback(_stream, nullptr, nullptr);
@@ -228,16 +219,21 @@ void PulseCapture::streamChanged()
 {
     switch (pa_stream_get_state(_stream)) {
     case PA_STREAM_READY:
+        _isRunning = true;
         _events.restarted();
         if (std::exchange(_isLost, false))
             _events.warning(_kind == Kind::speaker ? u"系统声音已恢复录制"_s : u"麦克风已恢复录制"_s);
         break;
     case PA_STREAM_FAILED:
-    case PA_STREAM_TERMINATED:
+    case PA_STREAM_TERMINATED: {
+        // A source that refuses is tried again when something changes.
+        const bool wasRunning = _isRunning;
         close();
         lost();
-        chooseSource();
+        if (wasRunning)
+            chooseSource();
         break;
+    }
     default:
         break;
     }

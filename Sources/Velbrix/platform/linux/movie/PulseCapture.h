@@ -76,6 +76,7 @@ private:
     pa_time_event *_retry = nullptr;
     QByteArray _source;
     std::vector<float> _silence;
+    bool _isRunning = false; // the stream has delivered
     bool _isLost = false;
 };
 

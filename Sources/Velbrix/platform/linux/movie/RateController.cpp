@@ -24,9 +24,9 @@ int RateController::nextQp(bool isKey) const
 double RateController::keyGain() const
 {
     if (_keyBits <= 0)
-        return 3;
+        return 5;
     const double share = std::clamp(_otherBits / _keyBits, 0.0, 1.0);
-    return 2 + 3 * (1 - share);
+    return 2 + 6 * (1 - share);
 }
 
 void RateController::spent(long long bits, bool isKey, long long intervals)

@@ -7,10 +7,11 @@
 namespace velbrix {
 namespace {
 
-constexpr std::size_t observedFragments = 5;
+constexpr std::size_t observedFragments = 10;
 
-std::int64_t median(std::vector<std::int64_t> values)
+std::int64_t median(std::span<const std::int64_t> all)
 {
+    std::vector<std::int64_t> values(all.begin(), all.end());
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::ranges::nth_element(values, middle);
     return *middle;
@@ -52,7 +53,8 @@ void SoundTimeline::push(std::int64_t stamp, std::span<const float> samples)
     }
     _starts.push_back(position - static_cast<std::int64_t>(_held.size() / _channels));
     _held.insert(_held.end(), samples.begin(), samples.end());
-    if (_starts.size() >= settlingFragments)
+    if (_starts.size() >= mostSettlingFragments ||
+        (_starts.size() >= settlingFragments && agree(std::span(_starts).last(observedFragments))))
         settle();
 }
 
@@ -60,7 +62,8 @@ void SoundTimeline::settle()
 {
     if (_starts.empty())
         return;
-    const std::int64_t start = median(_starts);
+    const auto newest = std::span(_starts).last(std::min(_starts.size(), observedFragments));
+    const std::int64_t start = median(agree(newest) ? newest : _starts);
     const std::vector<float> held = std::exchange(_held, {});
     _starts.clear();
     _isSettled = true;
@@ -88,10 +91,21 @@ void SoundTimeline::follow(std::int64_t position, std::span<const float> samples
     }
 }
 
-// Zero until there are enough fragments to tell.
+// Zero while there is no telling.
 std::int64_t SoundTimeline::deviation() const
 {
-    return _deviations.size() < observedFragments ? 0 : median(_deviations);
+    return agree(_deviations) ? median(_deviations) : 0;
+}
+
+// But for one outlier on each side. Whoever followed stamps that still slide
+// would cut the sound into pieces.
+bool SoundTimeline::agree(std::span<const std::int64_t> positions) const
+{
+    if (positions.size() < observedFragments)
+        return false;
+    std::vector<std::int64_t> sorted(positions.begin(), positions.end());
+    std::ranges::sort(sorted);
+    return sorted[sorted.size() - 2] - sorted[1] <= _sampleRate / 200; // 5 ms
 }
 
 void SoundTimeline::place(std::int64_t position, std::span<const float> samples)

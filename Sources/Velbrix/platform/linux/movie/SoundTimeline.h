@@ -10,13 +10,16 @@ namespace velbrix {
 // Puts sound where its time stamps say, as one gapless stream that begins with
 // the movie: silence where none came, nothing twice. Interleaved floats. Pure.
 //
-// The first stamps of a source are off by up to 150 ms, so half a second of it
-// is held back and placed by the median. From then on sound follows on sound;
-// a lasting difference to the stamps is a gap to fill or an overlap to drop,
-// a small one the sound card's own idea of a second, corrected sample by sample.
+// The first stamps of a source are off by up to 200 ms and slide towards the
+// truth, so its beginning is held back until they agree. From then on sound
+// follows on sound; a difference to the stamps on which several agree is a gap to
+// fill or an overlap to drop, a small one the sound card's own idea of a second,
+// corrected sample by sample.
 class SoundTimeline {
 public:
+    // Fragments of a beginning that are held back: at least, and for stamps that never agree.
     static constexpr std::size_t settlingFragments = 25;
+    static constexpr std::size_t mostSettlingFragments = 75;
 
     SoundTimeline(int sampleRate, int channels);
 
@@ -43,6 +46,7 @@ private:
     void append(std::span<const float> samples);
     void appendSilence(std::int64_t count);
     std::int64_t deviation() const;
+    bool agree(std::span<const std::int64_t> positions) const;
 
     int _sampleRate;
     std::size_t _channels;

@@ -1,0 +1,145 @@
+"""What the command line answers, and who may ask."""
+
+import os
+import shutil
+import socket
+import stat
+import subprocess
+import sys
+import unittest
+
+from desktop import ACCEPTED, DONE, NOT_RUNNING, PROGRAM, REFUSED, RUNTIME, USAGE, DesktopTestCase, wait_until, windows_of
+
+
+class CommandLine(DesktopTestCase):
+    def test_usage(self):
+        def run(*words):
+            return subprocess.run([PROGRAM, *words], capture_output=True, text=True, timeout=10)
+
+        helped = run("--help")
+        self.assertEqual(helped.returncode, DONE)
+        for word in ("velbrix record start", "--json", "--background", "退出码"):
+            self.assertIn(word, helped.stdout)
+        self.assertRegex(run("--version").stdout, r"^Velbrix \d+\.\d+\.\d+\n$")
+        for words in (["dance"], ["record"], ["record", "dance"], ["show"], ["show", "recorder", "settings"],
+                      ["status", "--loud"], ["--background", "status"]):
+            wrong = run(*words)
+            self.assertEqual(wrong.returncode, USAGE, words)
+            self.assertIn("无法识别的命令", wrong.stderr)
+            self.assertEqual(wrong.stdout, "")
+        for words in (["status"], ["quit"], ["record", "start"]):
+            absent = run(*words)
+            self.assertEqual((absent.returncode, absent.stderr), (NOT_RUNNING, "Velbrix 没有在运行\n"))
+        self.assertIn('"ok":false', run("status", "--json").stdout)
+
+    def test_answers(self):
+        program = self.start_hidden()
+        status = program.status()
+        self.assertEqual(status["pid"], program.pid)
+        self.assertEqual(
+            [status[name] for name in ("recording", "windowVisible", "firstLaunchAccepted", "frames", "elapsedSeconds")],
+            [False, False, True, 0, 0])
+        self.assertIn("录制：未开始", program.run("status").stdout)
+
+        hotkeys = {key["action"]: key for key in program.do("hotkeys")["hotkeys"]}
+        self.assertEqual((hotkeys["recordToggle"]["active"], hotkeys["recordToggle"]["display"]), (True, "⌃⌥0"))
+        self.assertEqual(hotkeys["screenshot"]["problem"], "此版本没有该功能")
+
+        nowhere = program.run("show", "nowhere")
+        self.assertEqual((nowhere.returncode, nowhere.stderr), (REFUSED, "没有这个标签页：nowhere\n"))
+        self.assertEqual(program.do("show", "settings")["tab"], "settings")
+        program.wait_for_window()
+        self.assertTrue(program.status()["windowVisible"])
+
+        self.assertEqual(program.do("quit")["exitCode"], DONE)
+        self.assertEqual(program.process.wait(10), 0)
+        self.assertEqual(program.run("status").returncode, NOT_RUNNING)
+        self.assertFalse((RUNTIME / "velbrix/control").exists())
+
+    def test_lists(self):
+        program = self.start_hidden()
+        self.color_window("目标", "FF0000", 100, 100, 320, 240)
+        windows = program.do("record", "list-windows")["windows"]
+        target = [window for window in windows if window["title"] == "目标"]
+        self.assertEqual([(window["width"], window["height"]) for window in target], [(320, 240)], windows)
+
+        devices = program.do("record", "list-devices")
+        self.assertEqual([(device["name"], device["default"]) for device in devices["speakers"]],
+                         [("Speaker", True), ("Mic", False)])
+        self.assertEqual([(device["name"], device["default"]) for device in devices["microphones"]],
+                         [("Microphone", True)])
+
+    def test_recording(self):
+        program = self.start_hidden(recordSystemAudio=False)
+        idle = program.ask("record", "stop")
+        self.assertEqual((idle["exitCode"], idle["error"]), (REFUSED, "当前没有录制"))
+        started = program.do("record", "start")
+        self.assertTrue(started["recording"])
+        again = program.ask("record", "start")
+        self.assertEqual((again["exitCode"], again["error"]), (REFUSED, "录制已在进行中"))
+        program.wait_for_recording(1)
+        self.assertEqual(program.status()["file"], started["file"])
+        stopped = program.do("record", "stop")
+        self.assertEqual((stopped["file"], stopped["bytes"]), (started["file"], os.path.getsize(started["file"])))
+        self.assertFalse(program.status()["recording"])
+
+        self.assertTrue(program.do("record", "toggle")["recording"])
+        program.wait_for_recording(1)
+        self.assertFalse(program.do("record", "toggle")["recording"])
+        self.assertEqual(len(list(self.movies.iterdir())), 2)
+
+    def test_quit_finishes_a_recording(self):
+        program = self.start_hidden()
+        movie = program.do("record", "start")["file"]
+        program.wait_for_recording(1)
+        program.do("quit")
+        self.assertEqual(program.process.wait(10), 0)
+        import movie as reader
+
+        self.assertGreaterEqual(reader.probe(movie)[1], 1)
+        self.assertNotIn("Velbrix_ScreenRecord_unfinishedFiles", program.settings())
+
+    def test_consent_comes_first(self):
+        self.write_settings({})
+        program = self.start()
+        for words in (["start"], ["toggle"]):
+            refused = program.ask("record", *words)
+            self.assertEqual(refused["error"], "尚未完成首启声明确认。请先在 Velbrix 窗口中确认。")
+            self.assertEqual(refused["exitCode"], REFUSED)
+        program.end()
+        accepted = {name: value for name, value in ACCEPTED.items() if "screenRecording" not in name}
+        self.write_settings(accepted)
+        program = self.start("--background")
+        refused = program.ask("record", "start")
+        self.assertEqual((refused["exitCode"], refused["error"]),
+                         (REFUSED, "需要先在 Velbrix 窗口中确认：屏幕录制隐私确认"))
+        program.wait_for_window()  # where the notice can be confirmed
+        self.assertFalse(program.status()["recording"])
+
+    def test_only_the_user_may_ask(self):
+        program = self.start_hidden()
+        endpoint = RUNTIME / "velbrix/control"
+        self.assertEqual(stat.S_IMODE(endpoint.parent.stat().st_mode), 0o700)
+        mode = endpoint.stat().st_mode
+        self.assertTrue(stat.S_ISSOCK(mode))
+        self.assertEqual(stat.S_IMODE(mode) & 0o077, 0)
+
+        for line in (b"dance\n", b'{"words": 7}\n', b'{"words": "status", "arguments": ["a", "b"]}\n'):
+            with socket.socket(socket.AF_UNIX) as client:
+                client.settimeout(5)
+                client.connect(str(endpoint))
+                client.sendall(line)
+                self.assertNotIn(b'"exitCode":0', client.recv(4096))
+        self.assertEqual(program.run("status").returncode, DONE)
+
+        if os.geteuid() != 0 or not shutil.which("setpriv"):
+            self.skipTest("only root can ask as another user")
+        other = subprocess.run(
+            ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", sys.executable, "-c",
+             f"import socket; socket.socket(socket.AF_UNIX).connect({str(endpoint)!r})"],
+            capture_output=True, text=True, timeout=10)
+        self.assertIn("PermissionError", other.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -1,0 +1,245 @@
+"""The real program in a private desktop: start it, ask it, look at it, and keep the evidence when a test fails."""
+
+import functools
+import json
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM = os.environ["VELBRIX_PROGRAM"]
+HELPERS = pathlib.Path(os.environ["VELBRIX_TEST_HELPERS"])
+EVIDENCE = pathlib.Path(os.environ["VELBRIX_TEST_EVIDENCE"])
+RUNTIME = pathlib.Path(os.environ["XDG_RUNTIME_DIR"])
+
+DONE, REFUSED, USAGE, NOT_RUNNING = range(4)
+
+ACCEPTED = {
+    "Velbrix_Privacy_firstLaunchAccepted": True,
+    "Velbrix_Privacy_didPromptAllSystemPermissions": True,
+    "Velbrix_Privacy_consent_screenRecording": True,
+    "Velbrix_Privacy_consent_systemAudio": True,
+    "Velbrix_Privacy_consent_microphone": True,
+}
+
+
+def wait_until(condition, what, seconds=10):
+    """Returns the condition's first true answer."""
+    deadline = time.monotonic() + seconds
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {seconds} s: {what}")
+        time.sleep(0.03)
+
+
+def output_of(*command, check=True):
+    done = subprocess.run([str(word) for word in command], capture_output=True, text=True, timeout=60)
+    if check and done.returncode != 0:
+        raise AssertionError(f"{command} ended with {done.returncode}: {done.stderr}")
+    return done.stdout
+
+
+def press(*keys):
+    output_of("xdotool", "key", *keys)
+
+
+def screenshot(path):
+    output_of("import", "-silent", "-window", "root", path)
+
+
+def windows_of(pid):
+    """The program's top-level windows that are mapped, as X identifiers."""
+    found = output_of("xdotool", "search", "--onlyvisible", "--pid", pid, "--name", "^Velbrix$", check=False)
+    return [int(line) for line in found.split()]
+
+
+def geometry(window):
+    lines = output_of("xdotool", "getwindowgeometry", "--shell", window)
+    values = dict(line.split("=") for line in lines.split())
+    return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+
+
+def active_window_pid():
+    answer = output_of("xdotool", "getactivewindow", "getwindowpid", check=False).strip()
+    return int(answer) if answer else None
+
+
+def wm_state(window):
+    found = re.search(r"window state: (\w+)", output_of("xprop", "-id", window, "WM_STATE", check=False))
+    return found and found[1]
+
+
+class Program:
+    """One start of the program, in the home given."""
+
+    def __init__(self, home, *arguments, env=None):
+        self.home = home
+        self.log = home / "program.log"
+        self._environment = dict(
+            os.environ,
+            HOME=str(home),
+            XDG_CONFIG_HOME=str(home / ".config"),
+            XDG_CACHE_HOME=str(home / ".cache"),
+            XDG_DATA_HOME=str(home / ".local/share"),
+            QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+            **(env or {}),
+        )
+        with open(self.log, "ab") as log:
+            self.process = subprocess.Popen([PROGRAM, *arguments], env=self._environment, stdout=log, stderr=log)
+        self.pid = self.process.pid
+
+    def run(self, *words):
+        return subprocess.run([PROGRAM, *words], env=self._environment, capture_output=True, text=True, timeout=30)
+
+    def ask(self, *words):
+        """What the program answers in JSON; the exit code comes with it."""
+        done = self.run(*words, "--json")
+        answer = json.loads(done.stdout) if done.stdout else {}
+        answer["exitCode"] = done.returncode
+        return answer
+
+    def do(self, *words):
+        answer = self.ask(*words)
+        if answer["exitCode"] != DONE:
+            raise AssertionError(f"velbrix {' '.join(words)}: {answer}")
+        return answer
+
+    def status(self):
+        return self.do("status")
+
+    def wait_until_ready(self):
+        wait_until(lambda: self.run("status").returncode == DONE, "the program answers")
+        return self
+
+    def wait_for_window(self):
+        return wait_until(lambda: windows_of(self.pid), "the main window is shown")[0]
+
+    def wait_for_recording(self, seconds=0):
+        """Until the recording has run for so many seconds."""
+
+        def runs():
+            status = self.status()
+            return status["recording"] and status["elapsedSeconds"] >= seconds
+
+        wait_until(runs, f"a recording of {seconds} s", seconds + 10)
+
+    def wait_for_movie(self):
+        """The file that a recording has become."""
+
+        def finished():
+            status = self.status()
+            return not status["recording"] and (status.get("lastMovie") or status.get("lastFailure")) and status
+
+        status = wait_until(finished, "the recording ends")
+        if "lastMovie" not in status:
+            raise AssertionError(f"no movie: {status}")
+        return pathlib.Path(status["lastMovie"])
+
+    def settings(self):
+        return json.loads((self.home / ".config/velbrix/settings.json").read_text())
+
+    def kill(self):
+        self.process.send_signal(signal.SIGKILL)
+        self.process.wait()
+
+    def end(self):
+        """However the test has left it."""
+        if self.process.poll() is not None:
+            return
+        self.process.terminate()
+        try:
+            self.process.wait(10)
+        except subprocess.TimeoutExpired:
+            self.kill()
+            raise AssertionError("the program did not end when asked to")
+
+
+class DesktopTestCase(unittest.TestCase):
+    def __init__(self, name="runTest"):
+        super().__init__(name)
+        method = getattr(self, name, None)
+        if not method:
+            return
+
+        @functools.wraps(method)
+        def watched():
+            try:
+                method()
+            except unittest.SkipTest:
+                raise
+            except BaseException:
+                self._keep_evidence()
+                raise
+
+        setattr(self, name, watched)
+
+    def setUp(self):
+        self.programs = []
+        self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-", dir=os.environ["HOME"]))
+        self.movies = self.home / "movies"
+        self.movies.mkdir()
+        self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
+        output_of("xdotool", "mousemove", 640, 790)
+
+    def write_settings(self, values):
+        folder = self.home / ".config/velbrix"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "settings.json").write_text(json.dumps(values))
+
+    def prepare(self, **settings):
+        """A home whose owner has consented to everything; settings go by their names after Velbrix_ScreenRecord_."""
+        chosen = {f"Velbrix_ScreenRecord_{name}": value for name, value in settings.items()}
+        self.write_settings(ACCEPTED | {"Velbrix_ScreenRecord_outputDir": str(self.movies)} | chosen)
+
+    def start(self, *arguments, env=None):
+        program = Program(self.home, *arguments, env=env)
+        self.programs.append(program)
+        self.addCleanup(program.end)
+        return program.wait_until_ready()
+
+    def start_hidden(self, **settings):
+        self.prepare(**settings)
+        return self.start("--background")
+
+    def spawn(self, *command):
+        """A helper that ends with the test."""
+        process = subprocess.Popen([str(word) for word in command], stdout=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.terminate)
+        return process
+
+    def color_window(self, title, color, x, y, width, height):
+        self.spawn(HELPERS / "colorwindow", title, color, x, y, width, height)
+        found = wait_until(
+            lambda: output_of("xdotool", "search", "--onlyvisible", "--name", f"^{title}$", check=False).split(),
+            f"window {title}",
+        )
+        return int(found[0])
+
+    def _keep_evidence(self):
+        folder = EVIDENCE / self.id().removeprefix("__main__.")
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        print(f"evidence in {folder}", file=sys.stderr)
+        try:
+            screenshot(folder / "screen.png")
+        except (AssertionError, subprocess.TimeoutExpired) as error:
+            print(f"no screenshot: {error}", file=sys.stderr)
+        for movie in self.movies.glob("*.mp4"):
+            shutil.copy(movie, folder)
+        log = self.home / "program.log"
+        if log.exists():
+            shutil.copy(log, folder)
+            print(f"the program's log:\n{log.read_text(errors='replace')}", file=sys.stderr)
+        for program in self.programs:
+            if program.process.poll() is None:
+                print(program.run("status", "--json").stdout, file=sys.stderr)

@@ -1,0 +1,84 @@
+"""A recording of the whole screen by the hot key, and what is in the movie."""
+
+import re
+import unittest
+
+import movie
+from desktop import DesktopTestCase, output_of, press, screenshot, wait_until
+
+POINTER = (400, 300)
+AROUND_POINTER = (380, 280, 60, 60)
+
+
+class HotKeyRecording(DesktopTestCase):
+    def paint_background(self):
+        scene = self.home / "scene.png"
+        output_of("convert", "-size", "1280x800", "gradient:navy-orange", "-fill", "white", "-pointsize", 40,
+                  "-draw", "text 100,700 'Velbrix 0123456789'", "-fill", "green", "-draw", "circle 900,400 900,500",
+                  "-fill", "gray40", "-draw", "rectangle 300,200 500,400", scene)
+        output_of("display", "-window", "root", scene)
+
+    def record(self, program, seconds):
+        press("ctrl+alt+0")
+        program.wait_for_recording(seconds)
+        press("ctrl+alt+0")
+        return program.wait_for_movie()
+
+    def test_movie(self):
+        self.paint_background()
+        program = self.start_hidden(recordSystemAudio=True)
+        output_of("xdotool", "mousemove", *POINTER)
+        tone = movie.write_tone(self.home / "tone.wav", 440, 20)
+        self.spawn("paplay", "--device=speaker", tone)
+        made = self.record(program, 4)
+
+        self.assertEqual(made.parent, self.movies)
+        self.assertTrue(re.fullmatch(r"录制_\d{8}_\d{6}\.mp4", made.name), made.name)
+        streams, duration = movie.probe(made)
+        self.assertGreaterEqual(duration, 4)
+        self.assertLess(duration, 8)
+        video, audio = streams["video"], streams["audio"]
+        self.assertEqual((video["codec_name"], video["profile"], video["width"], video["height"]),
+                         ("h264", "High", 1280, 800))
+        self.assertEqual((audio["codec_name"], audio["sample_rate"], audio["channels"]), ("aac", "48000", 2))
+        self.assertAlmostEqual(float(audio["duration"]), float(video["duration"]), delta=0.2)
+        keys = movie.key_frame_times(made)
+        self.assertLessEqual(max(b - a for a, b in zip(keys, keys[1:])), 1.1, keys)
+        self.check_picture(made)
+        self.check_sound(made)
+
+    def check_picture(self, made):
+        seen = movie.picture(made, 2, self.home / "seen.png")
+        shot = self.home / "shot.png"
+        screenshot(shot)  # without the pointer
+        self.assertGreater(movie.likeness(seen, shot, AROUND_POINTER), 32)
+        changed = [
+            max(abs(a - b) for a, b in zip(one, other)) > 60
+            for one, other in zip(movie.pixels(seen, *AROUND_POINTER), movie.pixels(shot, *AROUND_POINTER))
+        ]
+        self.assertGreater(sum(changed), 20, "the pointer is not in the picture")
+        self.assertLess(sum(changed), 600, "more than the pointer is in the picture")
+
+    def check_sound(self, made):
+        middle = movie.sound(made)[movie.RATE * 2:movie.RATE * 3]
+        self.assertAlmostEqual(movie.level(middle, 440), 0.5, delta=0.05)
+        self.assertLess(movie.level(middle, 660), 0.01)
+
+    def test_locks_do_not_matter(self):
+        program = self.start_hidden(recordSystemAudio=False)
+        for lock in (["Num_Lock"], ["Caps_Lock"]):
+            press(*lock)
+            self.addCleanup(press, *lock)
+            press("ctrl+alt+0")
+            program.wait_for_recording()
+            press("ctrl+alt+0")
+            program.wait_for_movie()
+            # Names of movies differ from one second to the next.
+            wait_until(lambda: True, "")
+        press("ctrl+shift+alt+0")  # another chord
+        press("ctrl+0")
+        self.assertFalse(program.status()["recording"])
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "support/FakePlatform.h"
+#include "views/DesktopShell.h"
+#include "views/MainWindow.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QStringList>
+#include <QTest>
+#include <QWidget>
+
+#include <memory>
+
+namespace velbrix::test {
+
+// The whole program over fakes, with real windows. Change the host, then start().
+struct WindowRig : ServicesRig {
+    WindowRig() { host.desktop.reducedMotion = true; }
+    // The services outlive the windows.
+    ~WindowRig()
+    {
+        delegate.reset();
+        shell.reset();
+    }
+
+    void start(bool accepted = true)
+    {
+        host.settings.stored.insert(QStringLiteral("Velbrix_Privacy_firstLaunchAccepted"), accepted);
+        AppServices &made = make();
+        shell = std::make_unique<DesktopShell>(made);
+        delegate = std::make_unique<AppDelegate>(made, *shell);
+        shell->setDelegate(*delegate);
+        delegate->applicationDidFinishLaunching(false);
+        QVERIFY(QTest::qWaitForWindowExposed(window()));
+    }
+
+    MainWindow *window() const { return shell->mainWindow(); }
+    // The widget of that object name; null when it is absent or hidden.
+    template <typename Widget = QWidget> Widget *find(const QString &name) const
+    {
+        const auto all = window()->findChildren<Widget *>(name);
+        for (Widget *widget : all) {
+            if (widget->isVisibleTo(window()))
+                return widget;
+        }
+        return nullptr;
+    }
+    QPushButton *button(const QString &name) const { return find<QPushButton>(name); }
+    // Every text in sight inside the named widget.
+    QStringList texts(const QString &name) const
+    {
+        QStringList found;
+        const QWidget *widget = find(name);
+        if (!widget)
+            return found;
+        const auto labels = widget->findChildren<QLabel *>();
+        for (const QLabel *label : labels) {
+            if (label->isVisibleTo(widget) && !label->text().isEmpty())
+                found.append(label->text());
+        }
+        return found;
+    }
+    void key(Qt::Key which, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QWidget *const target = window()->focusWidget() ? window()->focusWidget() : window();
+        QTest::keyClick(target, which, modifiers);
+    }
+
+    std::unique_ptr<DesktopShell> shell;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+} // namespace velbrix::test
