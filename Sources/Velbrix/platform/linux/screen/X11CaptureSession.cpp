@@ -57,7 +57,8 @@ Result<MovieTracks> X11CaptureSession::openWriter(const MovieSettings &settings)
 QCoro::Task<Result<void>> X11CaptureSession::finishWriting()
 {
     const std::shared_ptr<Writer> writer = std::exchange(_writer, nullptr);
-    const std::shared_ptr<CaptureLoop> loop = _loop;
+    // Goes with the writer, so that the encoder's memory is free when the movie is inspected.
+    const std::shared_ptr<CaptureLoop> loop = std::exchange(_loop, nullptr);
     if (!writer)
         co_return failure(u"没有打开的影片文件"_s);
     const auto finish = [writer, loop]() -> Result<void> {
