@@ -65,11 +65,13 @@ def seconds(path):
 def _frames(path):
     """Luma and chroma planes of each frame."""
     words = ["ffmpeg", "-v", "error", "-i", str(path), "-vsync", "0", "-pix_fmt", "yuv420p", "-f", "rawvideo", "-"]
-    process = subprocess.Popen(words, stdout=subprocess.PIPE)
     size = WIDTH * HEIGHT * 3 // 2
-    while len(frame := process.stdout.read(size)) == size:
-        yield frame
-    process.wait()
+    with subprocess.Popen(words, stdout=subprocess.PIPE) as process:
+        try:
+            while len(frame := process.stdout.read(size)) == size:
+                yield frame
+        finally:
+            process.kill()
 
 
 def _count_in(frame):

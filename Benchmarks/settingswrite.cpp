@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QSaveFile>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <time.h>
@@ -55,6 +56,7 @@ int compare(const QString &path, int rounds)
         if (!file.save(values, {u"Velbrix_Example_key0"_s}))
             return 1;
         const double ours = milliseconds(timer);
+        QThreadPool::globalInstance()->waitForDone(); // the folder's way to the disk
 
         const QByteArray bytes = QJsonDocument(values).toJson(QJsonDocument::Indented);
         timer.restart();

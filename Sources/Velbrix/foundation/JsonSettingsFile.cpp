@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QSaveFile>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -18,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-// The file's new name is safe only once its folder has reached the disk too.
+// The file's new name survives a power cut only once its folder has reached the disk too. Any thread.
 void syncFolder(const QString &folder)
 {
     const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_CLOEXEC);
@@ -90,7 +91,9 @@ Result<void> JsonSettingsFile::save(const QJsonObject &all, const QStringList &)
     file.write(QJsonDocument(all).toJson(QJsonDocument::Indented));
     if (!file.commit())
         return failure(file.errorString());
-    syncFolder(folder);
+    // The old content or the new is safe already; this can take its time, and the end of the program waits
+    // for it.
+    QThreadPool::globalInstance()->start([folder] { syncFolder(folder); });
     return {};
 }
 
