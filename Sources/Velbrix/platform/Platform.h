@@ -14,6 +14,8 @@
 #include "platform/Symbols.h"
 #include "platform/UserNotifications.h"
 
+#include <QString>
+
 #include <memory>
 
 namespace velbrix {
@@ -34,6 +36,10 @@ struct Platform {
     std::unique_ptr<DesktopServices> desktop;
     std::unique_ptr<Symbols> symbols;
 };
+
+// Why the program cannot run in this session at all, in words for the user;
+// empty when it can. Needs no QApplication, whose own answer is to abort.
+QString hostObstacle();
 
 // Needs a QApplication. The clock must outlive the platform.
 Platform makePlatform(Clock &clock);

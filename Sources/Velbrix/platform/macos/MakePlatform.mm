@@ -15,6 +15,11 @@
 
 namespace velbrix {
 
+QString hostObstacle()
+{
+    return {};
+}
+
 Platform makePlatform(Clock &)
 {
     Platform platform;
