@@ -116,7 +116,7 @@ int main(int argc, char **argv)
     if (words == QStringList{u"--version"_s})
         return print(stdout, u"Velbrix " VELBRIX_VERSION "\n"_s, exitcode::done);
     if (words.isEmpty() || words == QStringList{u"--background"_s}) {
-        if (const QString obstacle = hostObstacle(); !obstacle.isEmpty())
+        if (const QString obstacle = prepareHost(); !obstacle.isEmpty())
             return print(stderr, obstacle + u'\n', exitcode::refused);
         return runAsApplication(argc, argv, !words.isEmpty());
     }

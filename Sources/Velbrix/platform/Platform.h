@@ -37,9 +37,9 @@ struct Platform {
     std::unique_ptr<Symbols> symbols;
 };
 
-// Why the program cannot run in this session at all, in words for the user;
-// empty when it can. Needs no QApplication, whose own answer is to abort.
-QString hostObstacle();
+// Before the QApplication is made: settles what that needs on this host. Why
+// the program cannot run in this session, in words for the user; else empty.
+QString prepareHost();
 
 // Needs a QApplication. The clock must outlive the platform.
 Platform makePlatform(Clock &clock);

@@ -36,8 +36,11 @@ std::unique_ptr<SingleInstance> makeSingleInstance()
 
 } // namespace
 
-QString hostObstacle()
+QString prepareHost()
 {
+    // In a Wayland session Qt would leave X11, where the program has its eyes.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
     xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
     const bool reachable = xcb_connection_has_error(connection) == 0;
     xcb_disconnect(connection);

@@ -15,7 +15,7 @@
 
 namespace velbrix {
 
-QString hostObstacle()
+QString prepareHost()
 {
     return {};
 }
