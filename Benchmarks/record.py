@@ -258,8 +258,8 @@ def compare_sound(options):
     rows = [["sound - picture ms", "median (range)"]]
     for tool in (Ours, Ffmpeg):
         folder = Path(tempfile.mkdtemp(prefix="sound-", dir=os.environ["HOME"]))
-        source = subprocess.Popen([str(BUILD / "Benchmarks/flashbeep"), str(options.seconds + 8)])
-        sleep_until(now() + 1)
+        source = subprocess.Popen([str(BUILD / "Benchmarks/flashbeep"), str(options.seconds + 10)])
+        sleep_until(now() + 3)  # until the source has learnt when its sound is heard
         recorder = tool(folder, 60, sound=True)
         recorder.start()
         sleep_until(now() + options.seconds + 2)
