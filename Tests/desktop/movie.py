@@ -1,7 +1,6 @@
 """What an independent reader finds in a movie."""
 
 import array
-import contextlib
 import json
 import math
 import pathlib
@@ -20,7 +19,7 @@ def probe(path):
     return streams, float(found["format"]["duration"])
 
 
-def decode(path, *options, count=None):
+def decode(path, *options):
     """Raw output of a decoder that is told to call any damage an error."""
     command = ["ffmpeg", "-v", "error", "-xerror", "-i", str(path), *[str(option) for option in options], "-"]
     done = subprocess.run(command, capture_output=True, timeout=60)
@@ -33,6 +32,13 @@ def picture_sums(path):
     """One line for each picture and its time."""
     lines = decode(path, "-map", "0:v", "-f", "framemd5").decode().splitlines()
     return [line for line in lines if not line.startswith("#")]
+
+
+def end_of_pictures(path):
+    """When the last picture that can be decoded ends."""
+    found = output_of("ffprobe", "-v", "error", "-select_streams", "v",
+                      "-show_entries", "frame=pts_time,pkt_duration_time", "-of", "csv=p=0", path)
+    return max(sum(float(field) for field in line.split(",")[:2]) for line in found.split())
 
 
 def key_frame_times(path):
@@ -95,7 +101,7 @@ def write_tone(path, frequency, seconds, amplitude=0.5):
     for index in range(int(RATE * seconds)):
         value = round(32767 * amplitude * math.sin(2 * math.pi * frequency * index / RATE))
         samples.extend((value, value))
-    with contextlib.closing(wave.open(str(path), "wb")) as file:
+    with wave.open(str(path), "wb") as file:
         file.setparams((2, 2, RATE, 0, "NONE", ""))
         file.writeframes(samples.tobytes())
     return path
