@@ -4,6 +4,7 @@
 #include "support/FakePlatform.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -280,6 +281,44 @@ private Q_SLOTS:
         rig.choose(TrayItemId::remoteCheck);
         QCOMPARE(rig.services->toasts.visible().last().body,
                  u"此安装没有配置产品服务器，无法检查更新与公告。"_s);
+    }
+
+    void recordingsAndFailuresAreTold()
+    {
+        Rig rig;
+        rig.launch();
+        const auto news = [&] { return rig.services->toasts.visible().last(); };
+        rig.services->recorder.preferences().setOutputDir(u"/nonexistent"_s);
+        rig.delegate->recording().toggleQuickly();
+        QCOMPARE(news().body, u"输出目录不存在，请重新选择：/nonexistent"_s);
+        rig.services->toasts.clear();
+        rig.host.screenCapture.nextSession->onOpen = [](const QString &path) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(QByteArray(20'000, 'x'));
+        };
+        rig.services->recorder.preferences().setOutputDir(rig.folder.path());
+        rig.delegate->recording().toggleQuickly();
+        QVERIFY(rig.services->toasts.visible().isEmpty()); // it would be in the picture
+        rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
+        rig.delegate->recording().toggleQuickly();
+        QCOMPARE(news().title, u"录制已保存"_s);
+        rig.host.settings.failsWith = u"磁盘已满"_s;
+        rig.services->settings.set(u"x"_s, 1);
+        rig.clock.advance(1s);
+        QCOMPARE(news().body, u"磁盘已满"_s);
+    }
+
+    void aLeftoverIsToldAtTheStart()
+    {
+        Rig rig;
+        const QString movie = rig.folder.filePath(u"录制.mp4"_s);
+        QFile file(movie);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        rig.services->settings.set(u"Velbrix_ScreenRecord_unfinishedFiles"_s, QJsonArray{movie});
+        rig.services->recorder.unfinished().findLeftovers();
+        rig.launch();
+        QCOMPARE(rig.services->toasts.visible().last().title, u"发现未正常结束的录制"_s);
     }
 
     void trayEntriesOpenTheirPages()

@@ -46,20 +46,20 @@ private Q_SLOTS:
         };
         row(
             "no permission", [](Rig &r) { r.host.screenCapture.contentAnswer = failure(u"denied"_s); },
-            u"❌ 没有屏幕录制权限"_s);
+            u"没有屏幕录制权限"_s);
         row(
             "no window chosen", [](Rig &r) { r.recorder.preferences().setRecordMode(RecordMode::window); },
-            u"❌ 请先选择要录制的窗口"_s);
+            u"请先选择要录制的窗口"_s);
         row(
             "no microphone permission",
             [](Rig &r) {
                 r.recorder.preferences().setRecordMicrophone(true);
                 r.host.permissions.microphoneStatus = AuthorizationStatus::denied;
             },
-            u"❌ 需要麦克风权限才能录制麦克风"_s);
+            u"需要麦克风权限才能录制麦克风"_s);
         row(
             "folder gone", [](Rig &r) { r.recorder.preferences().setOutputDir(u"/nonexistent/x"_s); },
-            u"❌ 输出目录不存在，请重新选择：/nonexistent/x"_s);
+            u"输出目录不存在，请重新选择：/nonexistent/x"_s);
     }
     void refuses()
     {
@@ -69,7 +69,7 @@ private Q_SLOTS:
         arrange(rig);
         rig.recorder.start();
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-        QCOMPARE(rig.recorder.log().logLines().last(), reason);
+        QCOMPARE(rig.recorder.log().logLines().last(), u"❌ "_s + reason);
         QCOMPARE(rig.recorder.session().lastFailure(), reason);
         QVERIFY(!rig.host.screenCapture.calls.contains(u"makeSession"_s));
     }

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void loginItem();
     void permissions_data();
     void permissions();
+    void notificationsAreAskedAtTheSystem();
     void statementIsReviewed();
 };
 
@@ -133,7 +134,8 @@ void SettingsPageTest::permissions_data()
     QTest::addColumn<QString>("state");
     QTest::newRow("granted") << true << QString() << u"✓ 已授予"_s;
     QTest::newRow("missing") << false << QString() << u"未授予"_s;
-    QTest::newRow("explained") << true << u"无需授权。"_s << u"✓ 已授予"_s;
+    QTest::newRow("explained") << true << u"无需授权。"_s << u"✓ 可用"_s;
+    QTest::newRow("impossible") << false << u"当前会话不是 X11。"_s << u"不可用"_s;
 }
 
 void SettingsPageTest::permissions()
@@ -156,6 +158,18 @@ void SettingsPageTest::permissions()
     }
     QTest::mouseClick(open, Qt::LeftButton);
     QVERIFY(rig.texts(u"permission.0"_s).contains(u"无法打开系统设置，请手动前往隐私设置"_s));
+}
+
+void SettingsPageTest::notificationsAreAskedAtTheSystem()
+{
+    Rig rig;
+    rig.host.notifications.current.authorization = u"denied"_s;
+    rig.open();
+    QTRY_VERIFY(rig.texts(u"permission.2"_s).contains(u"未授予"_s));
+    rig.host.notifications.current.authorization = u"authorized"_s;
+    rig.services->router.show(AppTab::recorder);
+    rig.services->router.show(AppTab::settings);
+    QTRY_VERIFY(rig.texts(u"permission.2"_s).contains(u"✓ 已授予"_s));
 }
 
 void SettingsPageTest::statementIsReviewed()

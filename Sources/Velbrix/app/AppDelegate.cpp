@@ -7,6 +7,7 @@
 #include "platform/Platform.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QPointer>
 
@@ -75,6 +76,8 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
 
     const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
     _services.settings.remove(showWindowKey);
+    if (!_services.recorder.unfinished().leftovers().isEmpty())
+        showBanner(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);
     if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
         showWindow();
     else
@@ -166,6 +169,7 @@ void AppDelegate::applicationWillTerminate()
     _localKeyMonitor.reset();
     _observers.clear();
     _commands.reset();
+    _services.settings.observeFailures({});
     _services.toasts.clear();
     _shell.hideMainWindow();
     _tray.remove();
@@ -204,6 +208,18 @@ QCoro::Task<> AppDelegate::setUpUserNotifications()
 
 void AppDelegate::followState()
 {
+    const RecordingSession &session = _services.recorder.session();
+    connect(&session, &RecordingSession::lastFailureChanged, this, [this, &session] {
+        if (!session.lastFailure().isEmpty())
+            showBanner(u"屏幕录制"_s, session.lastFailure(), u"exclamationmark.triangle.fill"_s);
+    });
+    connect(&session, &RecordingSession::finishedMovieChanged, this, [this, &session] {
+        if (const auto movie = session.finishedMovie())
+            showBanner(u"录制已保存"_s, QFileInfo(*movie).fileName(), u"checkmark.circle.fill"_s);
+    });
+    _services.settings.observeFailures([this](const Failure &reason) {
+        showBanner(u"设置没有存盘，稍后会再试"_s, reason.message, u"exclamationmark.triangle.fill"_s);
+    });
     // A notice that waits behind a hidden window would never be answered.
     connect(&_services.privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this] {
         if (_services.privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())
@@ -246,9 +262,13 @@ void AppDelegate::checkRemoteConfig()
     const QString reason = deployment::productServer().isEmpty()
                                ? u"此安装没有配置产品服务器，无法检查更新与公告。"_s
                                : u"此版本还不能读取更新与公告，请到产品网站查看。"_s;
-    _services.notifications.post(
-        bannerToastNotification,
-        {{u"title"_s, u"检查更新与公告"_s}, {u"body"_s, reason}, {u"icon"_s, u"info.circle"_s}});
+    showBanner(u"检查更新与公告"_s, reason, u"info.circle"_s);
+}
+
+void AppDelegate::showBanner(const QString &title, const QString &body, const QString &icon)
+{
+    _services.notifications.post(bannerToastNotification,
+                                 {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}});
 }
 
 void AppDelegate::toggleRecordingFromHotkey()

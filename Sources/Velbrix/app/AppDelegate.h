@@ -59,6 +59,7 @@ private:
     void followState();
     void chosenFromTray(TrayItemId item);
     void checkRemoteConfig();
+    void showBanner(const QString &title, const QString &body, const QString &icon);
     void toggleRecordingFromHotkey();
     void finishQuit();
 

@@ -48,11 +48,10 @@ Result<void> checkOutputFolder(const QString &folder)
 MovieVerdict judgeMovie(const MovieFacts &facts, const QString &fileName, qint64 bytes, bool systemMode)
 {
     if (facts.isPlayable && facts.duration > shortestGoodMovie && bytes >= smallestGoodMovie) {
-        return {
-            true,
-            u"✅ 可播放 duration=%1 %2 size=%3"_s.arg(facts.duration, 0, 'f', 2).arg(fileName).arg(bytes)};
+        return {true,
+                u"可播放 duration=%1 %2 size=%3"_s.arg(facts.duration, 0, 'f', 2).arg(fileName).arg(bytes)};
     }
-    return {false, u"❌ 不可播放 playable=%1 duration=%2 size=%3 mode=%4"_s
+    return {false, u"不可播放 playable=%1 duration=%2 size=%3 mode=%4"_s
                        .arg(facts.isPlayable ? u"true"_s : u"false"_s)
                        .arg(facts.duration, 0, 'f', 3)
                        .arg(bytes)

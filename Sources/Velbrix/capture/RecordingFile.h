@@ -17,7 +17,7 @@ Result<void> checkOutputFolder(const QString &folder);
 
 struct MovieVerdict {
     bool isGood = false;
-    QString logLine;
+    QString text; // for the log
 
     bool operator==(const MovieVerdict &) const = default;
 };

@@ -281,7 +281,7 @@ QCoro::Task<> RecordingSession::finishSystemFile()
     _log.append(removed ? u"removeRecordingOutput 完成（stop 之后）"_s
                         : u"removeRecordingOutput 忽略:"_s + removed.error().message);
     if (_systemFailed)
-        fail(u"❌ 系统录制失败:"_s + _systemFailed->message);
+        fail(u"系统录制失败:"_s + _systemFailed->message);
 }
 
 QCoro::Task<> RecordingSession::finishManualFile()
@@ -292,14 +292,14 @@ QCoro::Task<> RecordingSession::finishManualFile()
         co_return;
     const CaptureCounters counters = _stream->ledger().counters();
     if (!counters.sessionStarted) {
-        fail(u"❌ 手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
+        fail(u"手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
                  .arg(log::text(counters.sessionStarted)));
         co_return;
     }
     if (finished)
         co_return;
     const QString reason = finished.error().message;
-    fail(u"❌ finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
+    fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
     const QString path = _outputURL.value().value_or(QString());
     // A movie that plays in spite of the failure is the user's, not ours to remove.
     const auto facts = co_await withDeadline(_clock, validationLimit, _movies.inspect(path));
@@ -315,12 +315,12 @@ QCoro::Task<> RecordingSession::validate()
     const QPointer self(this);
     const auto path = _outputURL.value();
     if (!path) {
-        fail(u"❌ 无输出路径"_s);
+        fail(u"无输出路径"_s);
         co_return;
     }
     if (!QFileInfo::exists(*path)) {
         _unfinished.end(*path);
-        fail(u"❌ 输出文件不存在"_s);
+        fail(u"输出文件不存在"_s);
         co_return;
     }
     const auto inspected = co_await withDeadline(_clock, validationLimit, _movies.inspect(*path));
@@ -330,9 +330,9 @@ QCoro::Task<> RecordingSession::validate()
     const QFileInfo file(*path);
     const MovieVerdict verdict = judgeMovie(facts, file.fileName(), file.size(), _usingSystemRecorder);
     if (verdict.isGood)
-        _log.append(verdict.logLine);
+        _log.append(u"✅ "_s + verdict.text);
     else
-        fail(verdict.logLine);
+        fail(verdict.text);
     if (!facts.hasVideo)
         _log.append(u"no video, audioTracks=%1"_s.arg(facts.audioTracks));
     if (facts.isPlayable) {
@@ -343,7 +343,7 @@ QCoro::Task<> RecordingSession::validate()
 
 void RecordingSession::fail(const QString &message)
 {
-    _log.append(message.startsWith(u'❌') ? message : u"❌ "_s + message);
+    _log.append(u"❌ "_s + message);
     _lastFailure = message;
 }
 

@@ -90,13 +90,13 @@ QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
 QString ScreenRecorderController::refusal(RecordMode mode) const
 {
     if (!_access.hasPermission())
-        return u"❌ 没有屏幕录制权限"_s;
+        return u"没有屏幕录制权限"_s;
     if (mode == RecordMode::window && !_windows.selectedWindowID())
-        return u"❌ 请先选择要录制的窗口"_s;
+        return u"请先选择要录制的窗口"_s;
     if (_preferences.recordMicrophone() && !_access.hasMicPermission())
-        return u"❌ 需要麦克风权限才能录制麦克风"_s;
+        return u"需要麦克风权限才能录制麦克风"_s;
     if (const auto folder = checkOutputFolder(_preferences.outputDir()); !folder)
-        return u"❌ "_s + folder.error().message;
+        return folder.error().message;
     return {};
 }
 

@@ -13,6 +13,7 @@ namespace velbrix {
 namespace {
 
 constexpr auto writeDelay = 200ms;
+constexpr auto retryDelay = 30s;
 
 } // namespace
 
@@ -23,6 +24,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsBackend> backend, Clock &cl
 
 SettingsStore::~SettingsStore()
 {
+    _failed = nullptr;
     (void)flush();
 }
 
@@ -80,10 +82,14 @@ Result<void> SettingsStore::flush()
     if (_pending.isEmpty())
         return {};
     const Result<void> saved = _backend->save(_values, _pending.values());
-    if (saved)
+    if (saved) {
         _pending.clear();
-    else
-        log::line(u"Velbrix"_s, u"settings not saved: "_s + saved.error().message);
+        return saved;
+    }
+    log::line(u"Velbrix"_s, u"settings not saved: "_s + saved.error().message);
+    _write = _clock.after(retryDelay, [this] { (void)flush(); });
+    if (_failed)
+        _failed(saved.error());
     return saved;
 }
 

@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -34,9 +35,11 @@ public:
     void set(const QString &key, const QJsonValue &value);
     void remove(const QString &key);
 
-    // Writes pending changes now. A failed write keeps them pending, so that
-    // the next change or flush tries again.
+    // Writes pending changes now. A failed write keeps them pending.
     Result<void> flush();
+
+    // Called after a write that failed; it is tried again by itself.
+    void observeFailures(std::function<void(const Failure &)> failed) { _failed = std::move(failed); }
 
     // See SettingsBackend::tidy().
     void tidy() { _backend->tidy(); }
@@ -49,6 +52,7 @@ private:
     QJsonObject _values;
     QSet<QString> _pending;
     std::unique_ptr<Alarm> _write;
+    std::function<void(const Failure &)> _failed;
 };
 
 } // namespace velbrix

@@ -67,7 +67,7 @@ void NoticeDesk::openFirstLaunch()
     words.message = statement.message;
     words.details = statement.details;
     words.confirm = statement.confirm;
-    words.mustConfirm = true;
+    // Nobody listens to its cancelling: it can only be confirmed.
     NoticeSheet *const sheet = open(words);
     follow(_privacy, &PrivacyManager::firstLaunchCountdownChanged, sheet, [this, sheet] {
         const int seconds = _privacy.firstLaunchCountdown();

@@ -30,8 +30,7 @@ NoticeSheet::NoticeSheet(const Theme &theme, const Words &words, QWidget *parent
       _theme(theme),
       _card(new QFrame(this)),
       _message(makeText(words.message, u"secondary"_s)),
-      _isDestructive(words.isDestructive),
-      _mustConfirm(words.mustConfirm)
+      _isDestructive(words.isDestructive)
 {
     setObjectName(u"noticeSheet"_s);
     setAccessibleName(words.title);
@@ -167,8 +166,7 @@ bool NoticeSheet::focusNextPrevChild(bool next)
 void NoticeSheet::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape) {
-        if (!_mustConfirm)
-            Q_EMIT cancelled();
+        Q_EMIT cancelled();
     } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (auto *button = qobject_cast<QPushButton *>(focusWidget()); button && button->isEnabled())
             button->click();

@@ -14,7 +14,8 @@ namespace velbrix {
 class Theme;
 
 // A question or statement inside the window, over everything else in it. It
-// covers its parent, keeps the keyboard focus, and Esc cancels it.
+// covers its parent, keeps the keyboard focus, and Esc cancels it. Whoever opens
+// it takes it away.
 class NoticeSheet final : public QWidget {
     Q_OBJECT
 
@@ -28,7 +29,6 @@ public:
         QString confirm;
         QString cancel; // no such button when empty
         bool isDestructive = false;
-        bool mustConfirm = false; // Esc does nothing
     };
 
     NoticeSheet(const Theme &theme, const Words &words, QWidget *parent);
@@ -61,7 +61,6 @@ private:
     QPushButton *_confirm = nullptr;
     QPushButton *_cancel = nullptr;
     bool _isDestructive;
-    bool _mustConfirm;
     QVariantAnimation _arrival; // 0 to 1
 };
 

@@ -6,10 +6,8 @@
 class QPushButton;
 
 namespace velbrix {
-class SettingRow;
-}
 
-namespace velbrix {
+class SettingRow;
 
 // What to do while the system does not let the recorder see the screen.
 class RecordAccessCard final : public Card {

@@ -4,11 +4,9 @@
 #include "views/components/Card.h"
 
 namespace velbrix {
+
 class DeviceList;
 class SettingRow;
-} // namespace velbrix
-
-namespace velbrix {
 
 // System sound and microphone, each with its devices.
 class RecordAudioCard final : public Card {

@@ -19,22 +19,43 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 
 RecordTargetCard::RecordTargetCard(const ViewContext &context, QWidget *parent)
-    : Card(parent), _context(context), _windows(new QWidget)
+    : Card(parent),
+      _context(context),
+      _windows(new QWidget),
+      _grid(new ThumbnailGrid(context.theme, u"windowGrid"_s)),
+      _empty(new EmptyState(context.theme, u"windowsEmpty"_s,
+                            {u"macwindow"_s, u"没有找到窗口"_s, u"打开目标应用后点刷新"_s, {}})),
+      _job(new JobBar(context.theme, u"thumbnailJob"_s))
 {
+    SegmentedChoice *const mode = addMode();
+    addWindows();
     RecorderPreferences &preferences = context.services.recorder.preferences();
+    follow(preferences, &RecorderPreferences::recordModeChanged, this, [this, mode, &preferences] {
+        mode->setCurrent(preferences.recordMode() == RecordMode::window ? 1 : 0);
+        showMode();
+    });
+    followWindows();
+}
+
+SegmentedChoice *RecordTargetCard::addMode()
+{
     QStringList names;
     for (const RecordMode mode : allRecordModes)
         names.append(rawValue(mode));
-    auto *mode = new SegmentedChoice(u"recordMode"_s, names);
-    addRow(new SettingRow(u"录制模式"_s, u"全屏录制主显示器，或只录制一个窗口"_s, mode));
+    auto *choice = new SegmentedChoice(u"recordMode"_s, names);
+    addRow(new SettingRow(u"录制模式"_s, u"全屏录制主显示器，或只录制一个窗口"_s, choice));
+    connect(choice, &SegmentedChoice::wanted, this, [this](int index) {
+        _context.services.recorder.preferences().setRecordMode(
+            allRecordModes.at(static_cast<std::size_t>(index)));
+    });
+    return choice;
+}
 
-    _grid = new ThumbnailGrid(context.theme, u"windowGrid"_s);
+void RecordTargetCard::addWindows()
+{
     _grid->setAccessibleName(u"可录制的窗口"_s);
-    _empty = new EmptyState(context.theme, u"windowsEmpty"_s,
-                            {u"macwindow"_s, u"没有找到窗口"_s, u"打开目标应用后点刷新"_s, {}});
-    _job = new JobBar(context.theme, u"thumbnailJob"_s);
     QPushButton *const refresh =
-        makeButton(context.theme, {u"refreshWindows"_s, u"刷新"_s, u"arrow.clockwise"_s, u"plain"_s});
+        makeButton(_context.theme, {u"refreshWindows"_s, u"刷新"_s, u"arrow.clockwise"_s, u"plain"_s});
     auto *rows = new QVBoxLayout(_windows);
     rows->setContentsMargins(0, 8, 0, 8);
     rows->setSpacing(4);
@@ -46,17 +67,8 @@ RecordTargetCard::RecordTargetCard(const ViewContext &context, QWidget *parent)
     rows->addWidget(_empty);
     rows->addWidget(_job);
     addRow(_windows);
-
-    connect(mode, &SegmentedChoice::wanted, this, [&preferences](int index) {
-        preferences.setRecordMode(allRecordModes.at(static_cast<size_t>(index)));
-    });
-    follow(preferences, &RecorderPreferences::recordModeChanged, this, [this, mode, &preferences] {
-        mode->setCurrent(preferences.recordMode() == RecordMode::window ? 1 : 0);
-        showMode();
-    });
     connect(refresh, &QPushButton::clicked, this,
             [this] { _context.services.recorder.windows().refreshWindows(); });
-    followWindows();
 }
 
 void RecordTargetCard::followWindows()

@@ -4,12 +4,11 @@
 #include "views/components/Card.h"
 
 namespace velbrix {
+
 class EmptyState;
 class JobBar;
+class SegmentedChoice;
 class ThumbnailGrid;
-} // namespace velbrix
-
-namespace velbrix {
 
 // The whole screen or one window, and which window.
 class RecordTargetCard final : public Card {
@@ -21,6 +20,8 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
+    SegmentedChoice *addMode();
+    void addWindows();
     void followWindows();
     void showMode();
     void showWindows();

@@ -5,11 +5,11 @@
 
 #include "platform/Permissions.h"
 
-namespace velbrix {
-class SettingRow;
-}
+#include <optional>
 
 namespace velbrix {
+
+class SettingRow;
 
 // What the system allows, and where to change it.
 class PermissionSection final : public Card {
@@ -26,10 +26,13 @@ private:
     };
     void addPane(PrivacyPane pane, const QString &symbol, const QString &title, const QString &purpose);
     void refresh();
-    bool isGranted(PrivacyPane pane) const;
+    // Unknown until the system has answered.
+    std::optional<bool> isGranted(PrivacyPane pane) const;
+    void askForNotifications();
 
     ViewContext _context;
     QList<Entry> _entries;
+    std::optional<bool> _mayNotify;
 };
 
 } // namespace velbrix

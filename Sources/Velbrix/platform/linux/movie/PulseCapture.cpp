@@ -1,6 +1,7 @@
 #include "platform/linux/movie/PulseCapture.h"
 
 #include "platform/linux/movie/MonotonicTime.h"
+#include "platform/linux/movie/PulseContext.h"
 
 #include <algorithm>
 #include <utility>
@@ -102,11 +103,9 @@ void PulseCapture::stop()
 void PulseCapture::connect()
 {
     disconnect();
-    _context = pa_context_new(pa_threaded_mainloop_get_api(_loop), "Velbrix");
-    pa_context_set_state_callback(_context, PulseCaptureCallbacks::context, this);
-    pa_context_set_subscribe_callback(_context, PulseCaptureCallbacks::serverEvent, this);
-    // A failure here is also told through the state.
-    pa_context_connect(_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+    _context =
+        pulse::makeContext(_loop, PulseCaptureCallbacks::context, PulseCaptureCallbacks::serverEvent, this);
+    pulse::connectContext(_context);
 }
 
 void PulseCapture::disconnect()
@@ -114,23 +113,14 @@ void PulseCapture::disconnect()
     close();
     if (_retry)
         pa_threaded_mainloop_get_api(_loop)->time_free(std::exchange(_retry, nullptr));
-    if (!_context)
-        return;
-    pa_context_set_state_callback(_context, nullptr, nullptr);
-    pa_context_set_subscribe_callback(_context, nullptr, nullptr);
-    pa_context_disconnect(_context);
-    pa_context_unref(std::exchange(_context, nullptr));
+    pulse::closeContext(_context);
 }
 
 void PulseCapture::contextChanged()
 {
     switch (pa_context_get_state(_context)) {
     case PA_CONTEXT_READY:
-        run(pa_context_subscribe(_context,
-                                 static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SERVER |
-                                                                     PA_SUBSCRIPTION_MASK_SINK |
-                                                                     PA_SUBSCRIPTION_MASK_SOURCE),
-                                 nullptr, nullptr));
+        pulse::subscribeToDevices(_context);
         chooseSource();
         break;
     case PA_CONTEXT_FAILED:

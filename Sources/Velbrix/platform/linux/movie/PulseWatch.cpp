@@ -1,5 +1,7 @@
 #include "platform/linux/movie/PulseWatch.h"
 
+#include "platform/linux/movie/PulseContext.h"
+
 #include <cstdint>
 #include <utility>
 
@@ -45,30 +47,20 @@ void PulseWatch::ensureConnected()
 void PulseWatch::connect()
 {
     disconnect();
-    _context = pa_context_new(pa_threaded_mainloop_get_api(_loop), "Velbrix");
-    pa_context_set_state_callback(_context, PulseWatchCallbacks::context, this);
-    pa_context_set_subscribe_callback(_context, PulseWatchCallbacks::event, this);
-    pa_context_connect(_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+    _context = pulse::makeContext(_loop, PulseWatchCallbacks::context, PulseWatchCallbacks::event, this);
+    pulse::connectContext(_context);
 }
 
 void PulseWatch::disconnect()
 {
-    if (!_context)
-        return;
-    pa_context_set_state_callback(_context, nullptr, nullptr);
-    pa_context_set_subscribe_callback(_context, nullptr, nullptr);
-    pa_context_disconnect(_context);
-    pa_context_unref(std::exchange(_context, nullptr));
+    pulse::closeContext(_context);
 }
 
 void PulseWatch::contextChanged()
 {
     const pa_context_state_t state = pa_context_get_state(_context);
     if (state == PA_CONTEXT_READY) {
-        const auto mask = static_cast<pa_subscription_mask_t>(
-            PA_SUBSCRIPTION_MASK_SERVER | PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SOURCE);
-        if (pa_operation *operation = pa_context_subscribe(_context, mask, nullptr, nullptr))
-            pa_operation_unref(operation);
+        pulse::subscribeToDevices(_context);
     } else if (state == PA_CONTEXT_FAILED) {
         _changed(); // all devices went with the server
     }
