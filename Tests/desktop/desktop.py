@@ -69,9 +69,9 @@ def show_background(image):
 
 
 def geometry(window):
-    lines = output_of("xdotool", "getwindowgeometry", "--shell", window)
-    values = dict(line.split("=") for line in lines.split())
-    return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+    told = output_of("xwininfo", "-id", window)
+    names = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+    return tuple(int(re.search(rf"{name}: +(-?\d+)", told)[1]) for name in names)
 
 
 def active_window_pid():

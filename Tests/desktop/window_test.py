@@ -35,7 +35,8 @@ class MainWindow(DesktopTestCase):
         self.close(window)
         wait_until(lambda: not windows_of(program.pid), "the window hides")
         self.assertFalse(program.status()["windowVisible"])
-        wait_until(lambda: program.settings().get("Velbrix_MainWindow_Frame") == list(frame), "the frame is saved")
+        wait_until(lambda: program.settings().get("Velbrix_MainWindow_Frame"), "the frame is saved")
+        self.assertEqual(program.settings()["Velbrix_MainWindow_Frame"], list(frame))
         program.do("show", "recorder")
         wait_until(lambda: geometry(program.wait_for_window()) == frame, "the window is back in its place")
 
