@@ -2,6 +2,8 @@
 
 import array
 import json
+import os
+import queue
 import re
 import struct
 import subprocess
@@ -87,32 +89,50 @@ def _last_of_each_count(path):
         yield held
 
 
+class _Pipe:
+    """A file that ffmpeg reads frames from; it opens and probes its inputs one by one, so each has a thread."""
+
+    def __init__(self, path):
+        os.mkfifo(path)
+        self.path = path
+        self.frames = queue.Queue(8)
+        self.thread = threading.Thread(target=self._write, daemon=True)
+        self.thread.start()
+
+    def _write(self):
+        with open(self.path, "wb") as file:
+            while frame := self.frames.get():
+                file.write(frame)
+
+    def end(self):
+        self.frames.put(None)
+        self.thread.join()
+
+
 def ssim(path, reference):
     """Mean structural likeness of the luma of those frames that both movies hold, and their number."""
     with tempfile.TemporaryDirectory() as folder:
-        pipes = [Path(folder) / "ours", Path(folder) / "reference"]
-        words = ["ffmpeg", "-y"]
+        pipes = [_Pipe(Path(folder) / "tested"), _Pipe(Path(folder) / "reference")]
+        words = ["ffmpeg", "-nostdin"]
         for pipe in pipes:
-            subprocess.run(["mkfifo", pipe], check=True)
-            words += ["-f", "rawvideo", "-pix_fmt", "yuv420p", "-s", f"{WIDTH}x{HEIGHT}", "-i", str(pipe)]
-        words += ["-lavfi", "ssim", "-f", "null", "-"]
-        process = subprocess.Popen(words, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True)
-        report = []
-        reader = threading.Thread(target=lambda: report.append(process.stderr.read()))
-        reader.start()
-        compared = 0
-        with open(pipes[0], "wb") as first, open(pipes[1], "wb") as second:
+            words += ["-f", "rawvideo", "-pix_fmt", "yuv420p", "-s", f"{WIDTH}x{HEIGHT}", "-i", str(pipe.path)]
+        with open(Path(folder) / "report", "w+") as report:
+            process = subprocess.Popen([*words, "-lavfi", "ssim", "-f", "null", "-"], stderr=report)
+            compared = 0
             others = _last_of_each_count(reference)
             other = next(others, None)
             for count, frame in _last_of_each_count(path):
                 while other and other[0] < count:
                     other = next(others, None)
                 if other and other[0] == count:
-                    first.write(frame)
-                    second.write(other[1])
+                    pipes[0].frames.put(frame)
+                    pipes[1].frames.put(other[1])
                     compared += 1
-        reader.join()
-        return float(re.search(r"SSIM Y:([\d.]+)", report[0])[1]), compared
+            for pipe in pipes:
+                pipe.end()
+            process.wait()
+            report.seek(0)
+            return float(re.search(r"SSIM Y:([\d.]+)", report.read())[1]), compared
 
 
 def flash_times(path):

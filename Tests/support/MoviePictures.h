@@ -38,7 +38,7 @@ public:
     void fill(std::uint8_t luma) { std::ranges::fill(_y, luma); }
 
     PixelRect all() const { return {0, 0, _width, _height}; }
-    PictureView view() const { return {_y.data(), _u.data(), _v.data(), _width, _width / 2}; }
+    PictureView view() const { return {_y.data(), _u.data(), _v.data(), _width, _width / 2, {}}; }
 
 private:
     std::size_t area() const { return static_cast<std::size_t>(_width) * static_cast<std::size_t>(_height); }

@@ -115,8 +115,11 @@ int main(int argc, char **argv)
         return print(stdout, helpText(), exitcode::done);
     if (words == QStringList{u"--version"_s})
         return print(stdout, u"Velbrix " VELBRIX_VERSION "\n"_s, exitcode::done);
-    if (words.isEmpty() || words == QStringList{u"--background"_s})
+    if (words.isEmpty() || words == QStringList{u"--background"_s}) {
+        if (const QString obstacle = prepareHost(); !obstacle.isEmpty())
+            return print(stderr, obstacle + u'\n', exitcode::refused);
         return runAsApplication(argc, argv, !words.isEmpty());
+    }
     const auto command = parseCommand(words);
     if (!command)
         return print(stderr, u"无法识别的命令。\n"_s + helpText(), exitcode::usage);

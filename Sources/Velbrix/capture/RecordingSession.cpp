@@ -3,14 +3,13 @@
 #include "capture/CaptureSize.h"
 #include "capture/RecorderLog.h"
 #include "capture/RecordingFile.h"
+#include "capture/StreamPreparation.h"
 #include "capture/UnfinishedRecordings.h"
-#include "foundation/Deadline.h"
 #include "foundation/Log.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QPointer>
 
 #include <algorithm>
@@ -24,7 +23,6 @@ namespace {
 
 // The system's own writer is still flushing when the stream has stopped.
 constexpr auto removalPause = 200ms;
-constexpr auto validationLimit = 3000ms;
 constexpr auto progressInterval = 500ms;
 
 } // namespace
@@ -32,7 +30,12 @@ constexpr auto progressInterval = 500ms;
 RecordingSession::RecordingSession(ScreenCapture &capture, MovieFiles &movies,
                                    UnfinishedRecordings &unfinished, Clock &clock, RecorderLog &log,
                                    QObject *parent)
-    : QObject(parent), _capture(capture), _movies(movies), _unfinished(unfinished), _clock(clock), _log(log)
+    : QObject(parent),
+      _capture(capture),
+      _unfinished(unfinished),
+      _clock(clock),
+      _log(log),
+      _check(movies, clock)
 {
 }
 
@@ -104,10 +107,8 @@ QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
     logFilter(*filter, *content);
     if (const auto made = makeStream(request, *filter); !made)
         co_return failure(made.error().message);
-    if (const auto chosen = chooseWriter(request); !chosen)
-        co_return failure(chosen.error().message);
-    if (const auto added = addOutputs(request); !added)
-        co_return failure(added.error().message);
+    if (const auto prepared = prepareStream(request); !prepared)
+        co_return failure(prepared.error().message);
 
     _log.append(u"[6/6] startCapture…"_s);
     const auto started = co_await _stream->startCapture();
@@ -154,65 +155,19 @@ Result<void> RecordingSession::makeStream(const RecordingRequest &request, const
     return {};
 }
 
-Result<void> RecordingSession::chooseWriter(const RecordingRequest &request)
+Result<void> RecordingSession::prepareStream(const RecordingRequest &request)
 {
     const QString path = QDir(request.outputDir).filePath(recordingFileName(*_recordStartedAt.value()));
     QFile::remove(path);
     _outputURL = std::optional(path);
     _unfinished.begin(path);
 
-    const bool withAudio = request.systemAudio || request.microphone;
-    if (_capture.features().recordingOutput) {
-        const auto added = _stream->addRecordingOutput(path);
-        if (added) {
-            _usingSystemRecorder = true;
-            _log.append(withAudio ? u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s
-                                  : u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s);
-            return {};
-        }
-        _log.append((withAudio ? u"[5/6] 带音频的系统直写失败，回退手动:"_s
-                               : u"[5/6] SCRecordingOutput 失败，回退手动:"_s) +
-                    added.error().message);
-    }
-    return openManualWriter(request, path);
-}
-
-Result<void> RecordingSession::openManualWriter(const RecordingRequest &request, const QString &path)
-{
-    const MovieSettings movie = recordingMovie(request, _captureSize, _capture.features(), path);
-    const auto tracks = _stream->openWriter(movie);
-    if (!tracks)
-        return failure(tracks.error().message);
-    if (movie.systemAudio && !tracks->systemAudio)
-        _log.append(u"无法添加系统音频轨"_s);
-    if (movie.microphone && !tracks->microphone)
-        _log.append(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s);
-    _log.append(u"写入器就绪 %1x%2 sysAudio=%3 mic=%4"_s.arg(movie.width)
-                    .arg(movie.height)
-                    .arg(log::text(tracks->systemAudio), log::text(tracks->microphone)));
-    _log.append(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s);
-    return {};
-}
-
-Result<void> RecordingSession::addOutputs(const RecordingRequest &request)
-{
-    if (const auto added = _stream->addOutput(CaptureOutput::screen); !added)
-        return added;
-    if (request.systemAudio)
-        addSound(CaptureOutput::systemAudio, u"系统音频"_s);
-    if (request.microphone && _capture.features().microphone)
-        addSound(CaptureOutput::microphone, u"麦克风"_s);
-    else if (request.microphone)
-        _log.append(u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s);
-    return {};
-}
-
-// A recording without its sound is better than none.
-void RecordingSession::addSound(CaptureOutput output, const QString &source)
-{
-    const auto added = _stream->addOutput(output);
-    _log.append(added ? u"已挂载%1 output"_s.arg(source)
-                      : u"⚠️ 无法挂载%1 output:%2"_s.arg(source, added.error().message));
+    StreamPreparation preparation(*_stream, _capture.features(), _log);
+    const auto chosen = preparation.chooseWriter(request, _captureSize, path);
+    if (!chosen)
+        return failure(chosen.error().message);
+    _usingSystemRecorder = *chosen == MovieWriter::system;
+    return preparation.addOutputs(request);
 }
 
 CaptureObserver RecordingSession::observer()
@@ -302,11 +257,8 @@ QCoro::Task<> RecordingSession::finishManualFile()
     fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
     const QString path = _outputURL.value().value_or(QString());
     // A movie that plays in spite of the failure is the user's, not ours to remove.
-    const auto facts = co_await withDeadline(_clock, validationLimit, _movies.inspect(path));
-    if (!self)
-        co_return;
-    const bool plays = facts && *facts && (*facts)->isPlayable;
-    if (!plays)
+    const bool plays = co_await _check.plays(path);
+    if (self && !plays)
         QFile::remove(path);
 }
 
@@ -318,24 +270,21 @@ QCoro::Task<> RecordingSession::validate()
         fail(u"无输出路径"_s);
         co_return;
     }
-    if (!QFileInfo::exists(*path)) {
+    const MovieReport report = co_await _check.inspect(*path, _usingSystemRecorder);
+    if (!self)
+        co_return;
+    if (!report.exists) {
         _unfinished.end(*path);
         fail(u"输出文件不存在"_s);
         co_return;
     }
-    const auto inspected = co_await withDeadline(_clock, validationLimit, _movies.inspect(*path));
-    if (!self)
-        co_return;
-    const MovieFacts facts = inspected && *inspected ? **inspected : MovieFacts{};
-    const QFileInfo file(*path);
-    const MovieVerdict verdict = judgeMovie(facts, file.fileName(), file.size(), _usingSystemRecorder);
-    if (verdict.isGood)
-        _log.append(u"✅ "_s + verdict.text);
+    if (report.verdict.isGood)
+        _log.append(u"✅ "_s + report.verdict.text);
     else
-        fail(verdict.text);
-    if (!facts.hasVideo)
-        _log.append(u"no video, audioTracks=%1"_s.arg(facts.audioTracks));
-    if (facts.isPlayable) {
+        fail(report.verdict.text);
+    for (const QString &remark : report.remarks)
+        _log.append(remark);
+    if (report.isPlayable) {
         _unfinished.end(*path);
         _finishedMovie = path;
     }

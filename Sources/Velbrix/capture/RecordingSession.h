@@ -1,9 +1,9 @@
 #pragma once
 
+#include "capture/MovieCheck.h"
 #include "capture/RecordingPlan.h"
 #include "foundation/Clock.h"
 #include "foundation/Published.h"
-#include "platform/MovieFiles.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -49,10 +49,7 @@ private:
     QCoro::Task<Result<void>> begin(RecordingRequest request);
     void logFilter(const CaptureFilter &filter, const ShareableContent &content);
     Result<void> makeStream(const RecordingRequest &request, const CaptureFilter &filter);
-    Result<void> chooseWriter(const RecordingRequest &request);
-    Result<void> openManualWriter(const RecordingRequest &request, const QString &path);
-    Result<void> addOutputs(const RecordingRequest &request);
-    void addSound(CaptureOutput output, const QString &source);
+    Result<void> prepareStream(const RecordingRequest &request);
     CaptureObserver observer();
 
     QCoro::Task<> runStop();
@@ -65,11 +62,11 @@ private:
     void showProgress();
 
     ScreenCapture &_capture;
-    MovieFiles &_movies;
     UnfinishedRecordings &_unfinished;
     Clock &_clock;
     RecorderLog &_log;
 
+    MovieCheck _check;
     std::unique_ptr<CaptureSession> _stream;
     std::unique_ptr<Alarm> _progress;
     std::chrono::milliseconds _startedAt{0};

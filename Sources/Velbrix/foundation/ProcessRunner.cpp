@@ -1,9 +1,10 @@
 #include "foundation/ProcessRunner.h"
 
-#include <QCoroSignal>
 #include <QDir>
+#include <QMetaObject>
 #include <QProcess>
 
+#include <coroutine>
 #include <csignal>
 #include <unistd.h>
 #include <utility>
@@ -36,6 +37,12 @@ public:
         _process.setProcessEnvironment(environment);
         _process.setStandardInputFile(QProcess::nullDevice());
         _process.setChildProcessModifier([] { ::setpgid(0, 0); });
+        QObject::connect(&_process, &QProcess::finished, &_process, [this] { ended(); });
+        QObject::connect(&_process, &QProcess::errorOccurred, &_process,
+                         [this](QProcess::ProcessError error) {
+                             if (error == QProcess::FailedToStart)
+                                 ended();
+                         });
         QObject::connect(&_process, &QProcess::readyReadStandardOutput, &_process, [this] { readOutput(); });
         QObject::connect(&_process, &QProcess::readyReadStandardError, &_process,
                          [this] { readErrorOutput(); });
@@ -48,17 +55,23 @@ public:
             signalGroup(SIGKILL);
     }
 
-    QProcess &process() { return _process; }
-
-    void watch()
+    void start()
     {
+        _process.start();
         if (_request.timeout.count() > 0)
             _timeout = _clock.after(_request.timeout, [this] { end(_outcome.timedOut); });
         _request.cancellation.onCancel([this] { end(_outcome.cancelled); });
     }
 
-    ProcessOutcome takeOutcome()
+    // Resumes whoever waits once the program has ended or could not start.
+    bool await_ready() const { return _hasEnded; }
+    void await_suspend(std::coroutine_handle<> waiter) { _waiter = waiter; }
+    void await_resume() const {}
+
+    Result<ProcessOutcome> takeOutcome()
     {
+        if (_process.error() == QProcess::FailedToStart)
+            return failure(_process.errorString());
         _timeout.reset();
         _kill.reset();
         readOutput();
@@ -69,6 +82,16 @@ public:
     }
 
 private:
+    void ended()
+    {
+        _hasEnded = true;
+        // Queued: the process is still inside its own signal, and whoever
+        // waits destroys it.
+        if (_waiter)
+            QMetaObject::invokeMethod(
+                &_process, [waiter = std::exchange(_waiter, nullptr)] { waiter.resume(); },
+                Qt::QueuedConnection);
+    }
     void readOutput()
     {
         const QByteArray piece = _process.readAllStandardOutput();
@@ -101,6 +124,8 @@ private:
     ProcessOutcome _outcome;
     std::unique_ptr<Alarm> _timeout;
     std::unique_ptr<Alarm> _kill;
+    std::coroutine_handle<> _waiter;
+    bool _hasEnded = false;
 };
 
 } // namespace
@@ -125,18 +150,8 @@ QCoro::Task<Result<ProcessOutcome>> ProcessRunner::run(ProcessRequest request)
     if (!QDir::isAbsolutePath(request.program))
         co_return failure(u"程序路径不是绝对路径：%1"_s.arg(request.program));
     Run run(_clock, std::move(request));
-    QProcess &process = run.process();
-    process.start();
-    if (process.state() == QProcess::NotRunning)
-        co_return failure(process.errorString());
-    if (process.state() == QProcess::Starting) {
-        co_await qCoro(&process, &QProcess::stateChanged);
-        if (process.error() == QProcess::FailedToStart)
-            co_return failure(process.errorString());
-    }
-    run.watch();
-    if (process.state() != QProcess::NotRunning)
-        co_await qCoro(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
+    run.start();
+    co_await run;
     co_return run.takeOutcome();
 }
 

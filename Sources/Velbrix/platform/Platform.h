@@ -14,6 +14,8 @@
 #include "platform/Symbols.h"
 #include "platform/UserNotifications.h"
 
+#include <QString>
+
 #include <memory>
 
 namespace velbrix {
@@ -34,6 +36,10 @@ struct Platform {
     std::unique_ptr<DesktopServices> desktop;
     std::unique_ptr<Symbols> symbols;
 };
+
+// Before the QApplication is made: settles what that needs on this host. Why
+// the program cannot run in this session, in words for the user; else empty.
+QString prepareHost();
 
 // Needs a QApplication. The clock must outlive the platform.
 Platform makePlatform(Clock &clock);

@@ -6,6 +6,7 @@
 #include "views/MainWindow.h"
 #include "views/StatusItem.h"
 #include "views/ToastStack.h"
+#include "views/ToolkitTexts.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -118,9 +119,11 @@ void DesktopShell::showPrivacyStatement()
 
 MainWindow &DesktopShell::window()
 {
-    if (!_window)
+    if (!_window) {
         _window = std::make_unique<MainWindow>(
             _services, _theme, [this] { return !_delegate || _delegate->windowShouldClose(); });
+        installToolkitTexts(_window.get());
+    }
     return *_window;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/linux/screen/FrameCanvas.h"
 
+#include <QRect>
+#include <QSet>
 #include <QTest>
 
 #include <cstring>
@@ -82,6 +84,48 @@ private Q_SLOTS:
         whole.draw(picture.view, {});
         QVERIFY2(largestDifference(patched, whole) <= 2,
                  qPrintable(QString::number(largestDifference(patched, whole))));
+    }
+
+    void sharedPicturesStayAsTheyWere_data()
+    {
+        QTest::addColumn<QRect>("part");
+        QTest::newRow("a part changes") << QRect(100, 60, 40, 20);
+        QTest::newRow("everything changes") << QRect(0, 0, 320, 200);
+    }
+    void sharedPicturesStayAsTheyWere()
+    {
+        QFETCH(QRect, part);
+        const PixelRect changed{part.x(), part.y(), part.width(), part.height()};
+        const Picture picture(320, 200);
+        picture.fill({0, 0, 320, 200}, 1);
+        FrameCanvas canvas(320, 200);
+        canvas.draw(picture.view, {});
+        FrameCanvas before(320, 200);
+        before.draw(picture.view, {});
+
+        const PictureView shared = canvas.share();
+        picture.fill(changed, 99);
+        canvas.draw(picture.view, std::span(&changed, 1));
+        FrameCanvas after(320, 200);
+        after.draw(picture.view, {});
+        QVERIFY(std::memcmp(shared.y, before.view().y, 320 * 200) == 0);
+        QCOMPARE(largestDifference(canvas, after), 0);
+
+        const std::uint8_t *const first = shared.y;
+        const PictureView next = canvas.share();
+        QVERIFY(next.y != first);
+    }
+    void memoryOfReleasedPicturesIsUsedAgain()
+    {
+        const Picture picture(320, 200);
+        const PixelRect all{0, 0, 320, 200};
+        FrameCanvas canvas(320, 200);
+        QSet<const std::uint8_t *> used;
+        for (int i = 0; i < 10; ++i) {
+            canvas.draw(picture.view, std::span(&all, 1));
+            used.insert(canvas.share().y);
+        }
+        QCOMPARE(used.size(), 2);
     }
 
     void newSizesRedrawEverything()

@@ -19,6 +19,8 @@
 #include <QCoreApplication>
 #include <QStandardPaths>
 
+#include <xcb/xcb.h>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -33,6 +35,20 @@ std::unique_ptr<SingleInstance> makeSingleInstance()
 }
 
 } // namespace
+
+QString prepareHost()
+{
+    // In a Wayland session Qt would leave X11, where the program has its eyes.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const bool reachable = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return reachable
+               ? QString()
+               : u"连接不到 X11 显示（DISPLAY=%1）。请在 X11 会话或启用了 XWayland 的会话中启动 Velbrix。"_s
+                     .arg(qEnvironmentVariable("DISPLAY", u"未设置"_s));
+}
 
 Platform makePlatform(Clock &)
 {

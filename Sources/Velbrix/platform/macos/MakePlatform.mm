@@ -15,6 +15,11 @@
 
 namespace velbrix {
 
+QString prepareHost()
+{
+    return {};
+}
+
 Platform makePlatform(Clock &)
 {
     Platform platform;

@@ -1,11 +1,8 @@
 #include "platform/linux/movie/AacEncoder.h"
 
-#include <algorithm>
+#include "platform/linux/movie/LibAv.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavutil/log.h>
-}
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -13,14 +10,17 @@ namespace velbrix {
 
 Result<std::unique_ptr<AacEncoder>> AacEncoder::create(int sampleRate, int channels, int bitRate)
 {
-    av_log_set_level(AV_LOG_ERROR);
-    const AVCodec *codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
+    const AvCodec *av = avCodec();
+    if (!av)
+        return failure(u"系统没有所需版本的编解码库 libavcodec"_s);
+    av->av_log_set_level(AV_LOG_ERROR);
+    const AVCodec *codec = av->avcodec_find_encoder(AV_CODEC_ID_AAC);
     if (!codec)
         return failure(u"系统的编解码库没有 AAC 编码器"_s);
-    std::unique_ptr<AacEncoder> encoder(new AacEncoder);
-    encoder->_codec = avcodec_alloc_context3(codec);
-    encoder->_frame = av_frame_alloc();
-    encoder->_packet = av_packet_alloc();
+    std::unique_ptr<AacEncoder> encoder(new AacEncoder(*av));
+    encoder->_codec = av->avcodec_alloc_context3(codec);
+    encoder->_frame = av->av_frame_alloc();
+    encoder->_packet = av->av_packet_alloc();
     AVCodecContext *context = encoder->_codec;
     if (!context || !encoder->_frame || !encoder->_packet)
         return failure(u"内存不足，无法启动 AAC 编码器"_s);
@@ -29,16 +29,16 @@ Result<std::unique_ptr<AacEncoder>> AacEncoder::create(int sampleRate, int chann
     context->sample_fmt = AV_SAMPLE_FMT_FLTP;
     context->time_base = {1, sampleRate};
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    av_channel_layout_default(&context->ch_layout, channels);
-    if (avcodec_open2(context, codec, nullptr) < 0)
+    av->av_channel_layout_default(&context->ch_layout, channels);
+    if (av->avcodec_open2(context, codec, nullptr) < 0)
         return failure(u"无法启动 AAC 编码器"_s);
 
     AVFrame *frame = encoder->_frame;
     frame->nb_samples = context->frame_size;
     frame->format = context->sample_fmt;
     frame->sample_rate = sampleRate;
-    if (av_channel_layout_copy(&frame->ch_layout, &context->ch_layout) < 0 ||
-        av_frame_get_buffer(frame, 0) < 0)
+    if (av->av_channel_layout_copy(&frame->ch_layout, &context->ch_layout) < 0 ||
+        av->av_frame_get_buffer(frame, 0) < 0)
         return failure(u"内存不足，无法启动 AAC 编码器"_s);
     encoder->_sampleEntry =
         aacSampleEntry(sampleRate, channels, bitRate,
@@ -48,9 +48,9 @@ Result<std::unique_ptr<AacEncoder>> AacEncoder::create(int sampleRate, int chann
 
 AacEncoder::~AacEncoder()
 {
-    av_packet_free(&_packet);
-    av_frame_free(&_frame);
-    avcodec_free_context(&_codec);
+    _av.av_packet_free(&_packet);
+    _av.av_frame_free(&_frame);
+    _av.avcodec_free_context(&_codec);
 }
 
 int AacEncoder::delay() const
@@ -63,7 +63,7 @@ Result<void> AacEncoder::encode(std::span<const float> samples, const Sink &sink
     const auto channels = static_cast<std::size_t>(_codec->ch_layout.nb_channels);
     while (samples.size() >= channels) {
         // The encoder may still hold the frame before.
-        if (_filled == 0 && av_frame_make_writable(_frame) < 0)
+        if (_filled == 0 && _av.av_frame_make_writable(_frame) < 0)
             return failure(u"内存不足，声音编码失败"_s);
         const auto room = static_cast<std::size_t>(_codec->frame_size - _filled);
         const std::size_t count = std::min(room, samples.size() / channels);
@@ -89,7 +89,7 @@ Result<void> AacEncoder::sendFrame()
     _frame->pts = _sent;
     _sent += _codec->frame_size;
     _filled = 0;
-    if (avcodec_send_frame(_codec, _frame) < 0)
+    if (_av.avcodec_send_frame(_codec, _frame) < 0)
         return failure(u"声音编码失败"_s);
     return {};
 }
@@ -97,13 +97,13 @@ Result<void> AacEncoder::sendFrame()
 Result<void> AacEncoder::receive(const Sink &sink)
 {
     for (;;) {
-        const int result = avcodec_receive_packet(_codec, _packet);
+        const int result = _av.avcodec_receive_packet(_codec, _packet);
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
             return {};
         if (result < 0)
             return failure(u"声音编码失败"_s);
         sink({_packet->data, static_cast<std::size_t>(_packet->size)}, _packet->pts + delay());
-        av_packet_unref(_packet);
+        _av.av_packet_unref(_packet);
     }
 }
 
@@ -115,7 +115,7 @@ Result<void> AacEncoder::flush(const Sink &sink)
         if (auto encoded = encode(silence, sink); !encoded)
             return encoded;
     }
-    if (avcodec_send_frame(_codec, nullptr) < 0)
+    if (_av.avcodec_send_frame(_codec, nullptr) < 0)
         return failure(u"声音编码失败"_s);
     return receive(sink);
 }

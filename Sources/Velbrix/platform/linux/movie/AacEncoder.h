@@ -15,6 +15,8 @@ struct AVPacket;
 
 namespace velbrix {
 
+struct AvCodec;
+
 // Sound to AAC-LC. One thread at a time.
 class AacEncoder {
 public:
@@ -37,10 +39,11 @@ public:
     Result<void> flush(const Sink &sink);
 
 private:
-    AacEncoder() = default;
+    explicit AacEncoder(const AvCodec &av) : _av(av) {}
     Result<void> sendFrame();
     Result<void> receive(const Sink &sink);
 
+    const AvCodec &_av;
     AVCodecContext *_codec = nullptr;
     AVFrame *_frame = nullptr;
     AVPacket *_packet = nullptr;

@@ -26,7 +26,6 @@ x264_param_t parameters(const MovieSettings &settings)
     p.i_csp = X264_CSP_I420;
     p.i_fps_num = static_cast<std::uint32_t>(settings.framesPerSecond);
     p.i_fps_den = 1;
-    p.b_vfr_input = 0; // with it each packet would wait for the next picture
     p.i_timebase_num = 1;
     p.i_timebase_den = static_cast<std::uint32_t>(settings.framesPerSecond);
     const double pixelRate = 1.0 * settings.width * settings.height * settings.framesPerSecond;
@@ -77,17 +76,18 @@ Result<std::unique_ptr<H264Encoder>> H264Encoder::create(const MovieSettings &se
         return failure(u"视频参数无效"_s);
     std::unique_ptr<H264Encoder> encoder(new H264Encoder(settings));
     x264_param_t p = parameters(settings);
-    encoder->_encoder = x264_encoder_open(&p);
-    if (!encoder->_encoder)
-        return failure(u"无法启动 H.264 编码器"_s);
     // The headers shall say that the time between pictures varies. All else is the same.
     p.b_vfr_input = 1;
     x264_t *twin = x264_encoder_open(&p);
     Result<void> read = twin ? encoder->readHeaders(twin) : failure(u"无法启动 H.264 编码器"_s);
     if (twin)
-        x264_encoder_close(twin);
+        x264_encoder_close(twin); // before the other takes its memory
     if (!read)
         return std::unexpected(read.error());
+    p.b_vfr_input = 0; // with it each packet would wait for the next picture
+    encoder->_encoder = x264_encoder_open(&p);
+    if (!encoder->_encoder)
+        return failure(u"无法启动 H.264 编码器"_s);
     return encoder;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/linux/movie/LinuxMovieFiles.h"
 
+#include "platform/linux/movie/LibAv.h"
 #include "platform/linux/movie/Mp4Repair.h"
 
 #include <QCoroFuture>
@@ -9,12 +10,6 @@
 
 #include <memory>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/log.h>
-}
-
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -23,26 +18,27 @@ namespace {
 constexpr int packetsToTry = 500;
 
 struct CloseInput {
-    void operator()(AVFormatContext *input) const { avformat_close_input(&input); }
+    void operator()(AVFormatContext *input) const { avFormat()->avformat_close_input(&input); }
 };
 struct FreeCodec {
-    void operator()(AVCodecContext *codec) const { avcodec_free_context(&codec); }
+    void operator()(AVCodecContext *codec) const { avCodec()->avcodec_free_context(&codec); }
 };
 struct FreePacket {
-    void operator()(AVPacket *packet) const { av_packet_free(&packet); }
+    void operator()(AVPacket *packet) const { avCodec()->av_packet_free(&packet); }
 };
 struct FreeFrame {
-    void operator()(AVFrame *frame) const { av_frame_free(&frame); }
+    void operator()(AVFrame *frame) const { avCodec()->av_frame_free(&frame); }
 };
 
 std::unique_ptr<AVCodecContext, FreeCodec> openDecoder(const AVStream &stream)
 {
-    const AVCodec *decoder = avcodec_find_decoder(stream.codecpar->codec_id);
-    std::unique_ptr<AVCodecContext, FreeCodec> codec(decoder ? avcodec_alloc_context3(decoder) : nullptr);
-    if (!codec || avcodec_parameters_to_context(codec.get(), stream.codecpar) < 0)
+    const AVCodec *decoder = avCodec()->avcodec_find_decoder(stream.codecpar->codec_id);
+    std::unique_ptr<AVCodecContext, FreeCodec> codec(decoder ? avCodec()->avcodec_alloc_context3(decoder)
+                                                             : nullptr);
+    if (!codec || avCodec()->avcodec_parameters_to_context(codec.get(), stream.codecpar) < 0)
         return {};
     codec->thread_count = 1;
-    if (avcodec_open2(codec.get(), decoder, nullptr) < 0)
+    if (avCodec()->avcodec_open2(codec.get(), decoder, nullptr) < 0)
         return {};
     return codec;
 }
@@ -50,19 +46,19 @@ std::unique_ptr<AVCodecContext, FreeCodec> openDecoder(const AVStream &stream)
 bool decodes(AVFormatContext *input, int streamIndex)
 {
     const auto codec = openDecoder(*input->streams[streamIndex]);
-    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
-    const std::unique_ptr<AVFrame, FreeFrame> frame(av_frame_alloc());
+    const std::unique_ptr<AVPacket, FreePacket> packet(avCodec()->av_packet_alloc());
+    const std::unique_ptr<AVFrame, FreeFrame> frame(avCodec()->av_frame_alloc());
     if (!codec || !packet || !frame)
         return false;
     for (int tried = 0; tried < packetsToTry; ++tried) {
-        const bool atEnd = av_read_frame(input, packet.get()) < 0;
+        const bool atEnd = avFormat()->av_read_frame(input, packet.get()) < 0;
         if (!atEnd && packet->stream_index != streamIndex) {
-            av_packet_unref(packet.get());
+            avCodec()->av_packet_unref(packet.get());
             continue;
         }
-        const int sent = avcodec_send_packet(codec.get(), atEnd ? nullptr : packet.get());
-        av_packet_unref(packet.get());
-        if (sent >= 0 && avcodec_receive_frame(codec.get(), frame.get()) >= 0)
+        const int sent = avCodec()->avcodec_send_packet(codec.get(), atEnd ? nullptr : packet.get());
+        avCodec()->av_packet_unref(packet.get());
+        if (sent >= 0 && avCodec()->avcodec_receive_frame(codec.get(), frame.get()) >= 0)
             return true;
         if (atEnd)
             return false;
@@ -74,13 +70,15 @@ Result<MovieFacts> inspectFile(const QString &path)
 {
     if (!QFileInfo::exists(path))
         return failure(u"文件不存在"_s);
-    av_log_set_level(AV_LOG_QUIET); // the answer says it all
+    if (!avCodec() || !avFormat())
+        return failure(u"系统没有所需版本的 libavcodec 与 libavformat，无法校验影片"_s);
+    avCodec()->av_log_set_level(AV_LOG_QUIET); // the answer says it all
     MovieFacts facts;
     AVFormatContext *opened = nullptr;
-    if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
+    if (avFormat()->avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
         return facts;
     const std::unique_ptr<AVFormatContext, CloseInput> input(opened);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+    if (avFormat()->avformat_find_stream_info(input.get(), nullptr) < 0)
         return facts;
     for (unsigned i = 0; i < input->nb_streams; ++i) {
         const AVMediaType type = input->streams[i]->codecpar->codec_type;
@@ -90,7 +88,7 @@ Result<MovieFacts> inspectFile(const QString &path)
     if (input->duration > 0)
         facts.duration = static_cast<double>(input->duration) / AV_TIME_BASE;
     const AVMediaType wanted = facts.hasVideo ? AVMEDIA_TYPE_VIDEO : AVMEDIA_TYPE_AUDIO;
-    const int stream = av_find_best_stream(input.get(), wanted, -1, -1, nullptr, 0);
+    const int stream = avFormat()->av_find_best_stream(input.get(), wanted, -1, -1, nullptr, 0);
     facts.isPlayable = stream >= 0 && decodes(input.get(), stream);
     return facts;
 }

@@ -30,6 +30,9 @@ struct PictureView {
     const std::uint8_t *v = nullptr;
     int strideY = 0;
     int strideUV = 0;
+    // Where set, the planes stay as they are while somebody holds it; it may
+    // be let go on any thread.
+    std::shared_ptr<const void> owner;
 };
 
 // Pictures and sounds in, one movie file out: encodes and writes on threads of
@@ -57,9 +60,9 @@ public:
     // Starts the sound sources. CLOCK_MONOTONIC nanoseconds of tick 0; a tick
     // is one frame interval and the time stamp of pictures.
     virtual void begin(std::int64_t tickZero) = 0;
-    // Takes a copy of the picture; only `changed` differs from the picture
-    // before. False: the queue is full and nothing was taken, so the caller
-    // carries the rectangles over to the next tick. Called by one thread.
+    // Holds the picture's owner or, without one, takes a copy of the picture;
+    // only `changed` differs from the picture before. False: the queue is full and nothing was taken, so the
+    // caller carries the rectangles over to the next tick. Called by one thread.
     virtual bool submit(const PictureView &picture, std::span<const PixelRect> changed,
                         std::int64_t tick) = 0;
     // Ends the movie at `lastTick`, repeating the last picture until then, and

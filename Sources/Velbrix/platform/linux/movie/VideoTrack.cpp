@@ -41,24 +41,27 @@ void VideoTrack::begin(std::int64_t tickZero)
 
 bool VideoTrack::submit(const PictureView &picture, std::span<const PixelRect> changed, std::int64_t tick)
 {
-    std::unique_ptr<Picture> copied;
+    std::unique_ptr<Picture> queued;
     {
         const std::scoped_lock lock(_lock);
         if (_queue.size() >= _queueDepth)
             return false;
         if (!_pool.empty()) {
-            copied = std::move(_pool.back());
+            queued = std::move(_pool.back());
             _pool.pop_back();
         }
     }
-    if (!copied)
-        copied = std::make_unique<Picture>();
-    copy(picture, *copied);
-    copied->changed.assign(changed.begin(), changed.end());
-    copied->tick = tick;
+    if (!queued)
+        queued = std::make_unique<Picture>();
+    if (picture.owner)
+        queued->view = picture;
+    else
+        copy(picture, *queued);
+    queued->changed.assign(changed.begin(), changed.end());
+    queued->tick = tick;
     {
         const std::scoped_lock lock(_lock);
-        _queue.push_back(std::move(copied));
+        _queue.push_back(std::move(queued));
     }
     _changed.notify_one();
     return true;
@@ -68,8 +71,8 @@ void VideoTrack::copy(const PictureView &from, Picture &to) const
 {
     const auto width = static_cast<std::size_t>(_width);
     const auto height = static_cast<std::size_t>(_height);
-    to.bytes.resize(width * height * 3 / 2);
-    std::uint8_t *out = to.bytes.data();
+    to.copy.resize(width * height * 3 / 2);
+    std::uint8_t *out = to.copy.data();
     const auto plane = [&out](const std::uint8_t *in, int stride, std::size_t columns, std::size_t rows) {
         for (std::size_t row = 0; row < rows; ++row, in += stride, out += columns)
             std::memcpy(out, in, columns);
@@ -77,13 +80,8 @@ void VideoTrack::copy(const PictureView &from, Picture &to) const
     plane(from.y, from.strideY, width, height);
     plane(from.u, from.strideUV, width / 2, height / 2);
     plane(from.v, from.strideUV, width / 2, height / 2);
-}
-
-PictureView VideoTrack::view(const Picture &picture) const
-{
-    const auto area = static_cast<std::ptrdiff_t>(_width) * _height;
-    const std::uint8_t *y = picture.bytes.data();
-    return {y, y + area, y + area + area / 4, _width, _width / 2};
+    const std::uint8_t *y = to.copy.data();
+    to.view = {y, y + width * height, y + width * height * 5 / 4, _width, _width / 2, {}};
 }
 
 void VideoTrack::run()
@@ -139,7 +137,7 @@ void VideoTrack::encode(const Picture &picture, std::int64_t tick, bool isRepeat
     if (_hasFailed)
         return;
     const std::span<const PixelRect> changed = isRepeat ? std::span<const PixelRect>() : picture.changed;
-    auto encoded = _encoder->encode(view(picture), changed, _lastTick,
+    auto encoded = _encoder->encode(picture.view, changed, _lastTick,
                                     [this](const H264Encoder::Packet &packet) { write(packet); });
     if (!encoded)
         fail(encoded.error());
@@ -159,6 +157,7 @@ void VideoTrack::recycle(std::unique_ptr<Picture> picture)
 {
     if (!picture)
         return;
+    picture->view = {};
     const std::scoped_lock lock(_lock);
     _pool.push_back(std::move(picture));
 }

@@ -41,7 +41,8 @@ public:
 
 private:
     struct Picture {
-        Bytes bytes;
+        PictureView view;
+        Bytes copy; // what the view shows when it has no owner
         std::vector<PixelRect> changed;
         std::int64_t tick = 0;
     };
@@ -52,7 +53,6 @@ private:
     void write(const H264Encoder::Packet &packet);
     void recycle(std::unique_ptr<Picture> picture);
     void copy(const PictureView &from, Picture &to) const;
-    PictureView view(const Picture &picture) const;
     std::chrono::nanoseconds untilRepeat() const;
     void fail(Failure reason);
 

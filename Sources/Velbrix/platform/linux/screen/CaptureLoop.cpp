@@ -182,7 +182,7 @@ void CaptureLoop::submit(std::vector<PixelRect> changed, std::int64_t tick)
     if (changed.empty())
         return;
     changed = simplified(std::move(changed));
-    if (!_recorder.submit(_canvas.view(), changed, tick))
+    if (!_recorder.submit(_canvas.share(), changed, tick))
         _carried = std::move(changed);
 }
 

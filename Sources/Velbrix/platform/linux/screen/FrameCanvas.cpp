@@ -3,6 +3,7 @@
 #include <libyuv.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace velbrix {
 
@@ -16,48 +17,70 @@ std::size_t area(int width, int height)
 } // namespace
 
 FrameCanvas::FrameCanvas(int width, int height)
-    : _width(width), _height(height), _y(area(width, height)), _u(area(width / 2, height / 2)), _v(_u.size())
+    : _width(width), _height(height), _pool(width, height), _planes(_pool.take())
 {
     clear();
 }
 
 void FrameCanvas::clear()
 {
-    std::ranges::fill(_y, std::uint8_t{16});
-    std::ranges::fill(_u, std::uint8_t{128});
-    std::ranges::fill(_v, std::uint8_t{128});
+    std::ranges::fill(_planes->y, std::uint8_t{16});
+    std::ranges::fill(_planes->u, std::uint8_t{128});
+    std::ranges::fill(_planes->v, std::uint8_t{128});
 }
 
-PictureView FrameCanvas::view() const
+PictureView FrameCanvas::view(std::shared_ptr<const void> owner) const
 {
-    return {_y.data(), _u.data(), _v.data(), _width, _width / 2};
+    return {_planes->y.data(), _planes->u.data(), _planes->v.data(), _width, _width / 2, std::move(owner)};
+}
+
+PictureView FrameCanvas::share()
+{
+    _isShared = true;
+    return view(_planes);
+}
+
+void FrameCanvas::unshare(bool keepsPicture)
+{
+    if (!std::exchange(_isShared, false))
+        return;
+    std::shared_ptr<PicturePlanes> fresh = _pool.take();
+    if (keepsPicture)
+        *fresh = *_planes;
+    _planes = std::move(fresh);
 }
 
 std::vector<PixelRect> FrameCanvas::draw(const BitmapView &picture, std::span<const PixelRect> parts)
 {
-    const Placement placement = place(picture.width, picture.height, _width, _height);
+    const PixelRect canvas{0, 0, _width, _height};
     const PixelRect all{0, 0, picture.width, picture.height};
+    const Placement placement = place(picture.width, picture.height, _width, _height);
     const bool isNew = placement != _placement;
     if (isNew) {
         _placement = placement;
         _scaled.resize(placement.isScaled ? area(placement.content.width, placement.content.height) * 4 : 0);
+        unshare(false);
         clear();
         parts = std::span(&all, 1);
     }
-    std::vector<PixelRect> drawn;
-    for (const PixelRect &part : parts) {
-        const PixelRect target = touchedContent(_placement, part);
-        if (isEmpty(target))
-            continue;
+    std::vector<PixelRect> targets;
+    for (const PixelRect &part : parts)
+        if (const PixelRect target = touchedContent(_placement, part); !isEmpty(target))
+            targets.push_back(target);
+    if (targets.empty() && !isNew)
+        return {};
+    // Full motion, the dearest case, needs nothing of the picture before.
+    unshare(std::ranges::find(targets, canvas) == targets.end());
+    for (PixelRect &target : targets) {
         if (_placement.isScaled)
             scale(picture, target);
         else
             convert(picture, target);
-        drawn.push_back(translated(target, _placement.content.x, _placement.content.y));
+        target = translated(target, _placement.content.x, _placement.content.y);
     }
     if (isNew)
-        return {{0, 0, _width, _height}};
-    return drawn;
+        return {canvas};
+    return targets;
 }
 
 void FrameCanvas::convert(const BitmapView &picture, const PixelRect &part)
@@ -82,8 +105,8 @@ void FrameCanvas::toPlanes(const std::uint8_t *pixels, int stride, const PixelRe
     const int y = target.y + _placement.content.y;
     const std::ptrdiff_t luma = static_cast<std::ptrdiff_t>(y) * _width + x;
     const std::ptrdiff_t chroma = static_cast<std::ptrdiff_t>(y / 2) * (_width / 2) + x / 2;
-    libyuv::ARGBToI420(pixels, stride, _y.data() + luma, _width, _u.data() + chroma, _width / 2,
-                       _v.data() + chroma, _width / 2, target.width, target.height);
+    libyuv::ARGBToI420(pixels, stride, _planes->y.data() + luma, _width, _planes->u.data() + chroma,
+                       _width / 2, _planes->v.data() + chroma, _width / 2, target.width, target.height);
 }
 
 } // namespace velbrix

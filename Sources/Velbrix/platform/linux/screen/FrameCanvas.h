@@ -2,9 +2,11 @@
 
 #include "platform/linux/movie/MovieRecorder.h"
 #include "platform/linux/screen/GrabBuffer.h"
+#include "platform/linux/screen/PicturePlanes.h"
 #include "platform/linux/screen/PixelRects.h"
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -21,11 +23,16 @@ public:
     // canvas that may look different. After another size of the picture
     // everything must be drawn, whatever the parts are.
     std::vector<PixelRect> draw(const BitmapView &picture, std::span<const PixelRect> parts);
-    PictureView view() const;
+    // As it is until the next drawing.
+    PictureView view() const { return view(nullptr); }
+    // As it is now: the owner keeps it while the canvas goes on elsewhere.
+    PictureView share();
     int width() const { return _width; }
     int height() const { return _height; }
 
 private:
+    PictureView view(std::shared_ptr<const void> owner) const;
+    void unshare(bool keepsPicture);
     void clear();
     void convert(const BitmapView &picture, const PixelRect &part);
     void scale(const BitmapView &picture, const PixelRect &part);
@@ -34,9 +41,9 @@ private:
     int _width;
     int _height;
     Placement _placement;
-    std::vector<std::uint8_t> _y;
-    std::vector<std::uint8_t> _u;
-    std::vector<std::uint8_t> _v;
+    PicturePlanesPool _pool;
+    std::shared_ptr<PicturePlanes> _planes;
+    bool _isShared = false;
     std::vector<std::uint8_t> _scaled;
 };
 

@@ -1,0 +1,60 @@
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/log.h>
+}
+
+// The functions of libavcodec, libavformat and libavutil that we call.
+#define VELB_AV_CODEC(X)                                                                                     \
+    X(avcodec_alloc_context3)                                                                                \
+    X(avcodec_find_decoder)                                                                                  \
+    X(avcodec_find_encoder)                                                                                  \
+    X(avcodec_free_context)                                                                                  \
+    X(avcodec_open2)                                                                                         \
+    X(avcodec_parameters_to_context)                                                                         \
+    X(avcodec_receive_frame)                                                                                 \
+    X(avcodec_receive_packet)                                                                                \
+    X(avcodec_send_frame)                                                                                    \
+    X(avcodec_send_packet)                                                                                   \
+    X(av_packet_alloc)                                                                                       \
+    X(av_packet_free)                                                                                        \
+    X(av_packet_unref)
+#define VELB_AV_UTIL(X)                                                                                      \
+    X(av_channel_layout_copy)                                                                                \
+    X(av_channel_layout_default)                                                                             \
+    X(av_frame_alloc)                                                                                        \
+    X(av_frame_free)                                                                                         \
+    X(av_frame_get_buffer)                                                                                   \
+    X(av_frame_make_writable)                                                                                \
+    X(av_log_set_level)
+#define VELB_AV_FORMAT(X)                                                                                    \
+    X(av_find_best_stream)                                                                                   \
+    X(av_read_frame)                                                                                         \
+    X(avformat_close_input)                                                                                  \
+    X(avformat_find_stream_info)                                                                             \
+    X(avformat_open_input)
+
+namespace velbrix {
+
+#define VELB_AV_MEMBER(name) decltype(&::name) name = nullptr;
+
+// Loaded when first asked for and not with the program: they bring more than
+// a hundred libraries, which every start and every command would wait for.
+struct AvCodec {
+    VELB_AV_CODEC(VELB_AV_MEMBER)
+    VELB_AV_UTIL(VELB_AV_MEMBER)
+};
+struct AvFormat {
+    VELB_AV_FORMAT(VELB_AV_MEMBER)
+};
+
+#undef VELB_AV_MEMBER
+
+// Null where the library of the version we were built with is missing. Any
+// thread; the first call takes some 20 ms.
+const AvCodec *avCodec();
+const AvFormat *avFormat();
+
+} // namespace velbrix
