@@ -14,9 +14,10 @@ def tray_icons():
 
 class MainWindow(DesktopTestCase):
     def start_trayer(self):
-        self.spawn("trayer", "--edge", "bottom", "--height", "32", "--align", "right", "--SetDockType", "false")
+        tray = self.spawn("trayer", "--edge", "bottom", "--height", "32", "--align", "right", "--SetDockType", "false")
         wait_until(lambda: output_of("xdotool", "search", "--onlyvisible", "--class", "trayer", check=False),
                    "the tray runs")
+        return tray
 
     def place(self, window):
         output_of("xdotool", "windowsize", "--sync", window, 1000, 640)
@@ -61,6 +62,19 @@ class MainWindow(DesktopTestCase):
         self.start_trayer()
         wait_until(tray_icons, "the icon joins the tray")
         self.assertEqual(windows_of(program.pid), [])
+
+    def test_a_tray_that_goes(self):
+        tray = self.start_trayer()
+        self.prepare()
+        program = self.start()
+        window = program.wait_for_window()
+        wait_until(tray_icons, "the icon joins the tray")
+        self.close(window)
+        wait_until(lambda: not windows_of(program.pid), "the window hides")
+        tray.terminate()
+        wait_until(lambda: wm_state(window) == "Iconic", "the window is within reach again")
+        self.assertEqual(program.run("show", "recorder").returncode, DONE)
+        wait_until(lambda: windows_of(program.pid), "the window shows")
 
     def test_a_frame_off_the_screens_is_not_used(self):
         self.write_settings(ACCEPTED | {"Velbrix_MainWindow_Frame": [5000, 5000, 1000, 640]})
