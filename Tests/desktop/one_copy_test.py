@@ -1,25 +1,21 @@
 """One copy of the program at a time, whatever became of the one before."""
 
-import subprocess
 import unittest
 
-from desktop import DONE, NOT_RUNNING, PROGRAM, RUNTIME, DesktopTestCase, active_window_pid, output_of, wait_until, windows_of
+from desktop import DONE, NOT_RUNNING, RUNTIME, DesktopTestCase, active_window_pid, output_of, wait_until, windows_of
 
 
 class OneCopy(DesktopTestCase):
-    def start_again(self, program, *arguments):
-        return subprocess.run([PROGRAM, *arguments], env=program._environment, capture_output=True, timeout=20).returncode
-
     def test_a_second_start_shows_the_first(self):
         program = self.start_hidden()
         self.assertEqual(windows_of(program.pid), [])
         other = self.color_window("cover", "0000FF", 0, 0, 1280, 760)
-        self.assertEqual(self.start_again(program), DONE)
+        self.assertEqual(program.run().returncode, DONE)
         program.wait_for_window()
         wait_until(lambda: active_window_pid() == program.pid, "the first copy has the focus")
 
         output_of("xdotool", "windowactivate", "--sync", other)
-        self.assertEqual(self.start_again(program), DONE)
+        self.assertEqual(program.run().returncode, DONE)
         wait_until(lambda: active_window_pid() == program.pid, "the covered copy comes to the front")
         self.assertEqual(len(windows_of(program.pid)), 1)
         self.assertTrue(program.status()["windowVisible"])
@@ -27,7 +23,7 @@ class OneCopy(DesktopTestCase):
     def test_a_recording_survives_a_second_start(self):
         program = self.start_hidden()
         made = program.do("record", "start")["file"]
-        self.assertEqual(self.start_again(program), DONE)
+        self.assertEqual(program.run().returncode, DONE)
         self.assertEqual(program.settings()["Velbrix_ScreenRecord_unfinishedFiles"], [made])
         program.wait_for_recording(1)
         self.assertEqual(program.do("record", "stop")["file"], made)

@@ -2,11 +2,10 @@
 
 import os
 import signal
-import subprocess
 import unittest
 
 import movie
-from desktop import RUNTIME, DesktopTestCase, output_of, wait_until
+from desktop import RUNTIME, DesktopTestCase, output_of
 
 
 class SoundLoss(DesktopTestCase):
@@ -26,9 +25,8 @@ class SoundLoss(DesktopTestCase):
 
     def module(self, argument):
         for line in output_of("pactl", "list", "short", "modules").splitlines():
-            number, *rest = line.split("\t")
             if argument in line:
-                return number
+                return line.split("\t")[0]
         raise AssertionError(f"no module with {argument}")
 
     def test_microphone_unplugged(self):
@@ -46,7 +44,8 @@ class SoundLoss(DesktopTestCase):
         self.assert_heard(movie.sound(made), 2.5)
 
     def test_speaker_changes(self):
-        output_of("pactl", "load-module", "module-null-sink", "sink_name=second", "sink_properties=device.description=Second")
+        output_of("pactl", "load-module", "module-null-sink", "sink_name=second",
+                  "sink_properties=device.description=Second")
         self.addCleanup(lambda: output_of("pactl", "unload-module", self.module("sink_name=second")))
         self.addCleanup(output_of, "pactl", "set-default-sink", "speaker")
         tone = movie.write_tone(self.home / "tone.wav", 440, 20)
