@@ -1,8 +1,9 @@
 // colorwindow TITLE RRGGBB X Y WIDTH HEIGHT
-// An ordinary window of one colour; ends when it is closed.
+// An ordinary window of one colour; writes its number when it is shown and ends when it is closed.
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -32,11 +33,12 @@ int main(int argc, char **argv)
     const auto number = [&](int index) { return std::atoi(argv[index]); };
 
     const xcb_window_t window = xcb_generate_id(x11);
-    const auto color = static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 16));
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 16)),
+                                    XCB_EVENT_MASK_STRUCTURE_NOTIFY};
     xcb_create_window(x11, XCB_COPY_FROM_PARENT, window, screen->root, static_cast<std::int16_t>(number(3)),
                       static_cast<std::int16_t>(number(4)), static_cast<std::uint16_t>(number(5)),
                       static_cast<std::uint16_t>(number(6)), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                      screen->root_visual, XCB_CW_BACK_PIXEL, &color);
+                      screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
 
     const auto titleLength = static_cast<std::uint32_t>(std::strlen(argv[1]));
     xcb_change_property(x11, XCB_PROP_MODE_REPLACE, window, atom(x11, "_NET_WM_NAME"),
@@ -57,7 +59,12 @@ int main(int argc, char **argv)
     xcb_flush(x11);
 
     while (const ReplyPointer<xcb_generic_event_t> event{xcb_wait_for_event(x11), &std::free}) {
-        if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE &&
+        const int type = event->response_type & 0x7F;
+        if (type == XCB_MAP_NOTIFY) {
+            std::printf("%u\n", window);
+            std::fflush(stdout);
+        }
+        if (type == XCB_CLIENT_MESSAGE &&
             reinterpret_cast<const xcb_client_message_event_t *>(event.get())->data.data32[0] == close)
             break;
     }

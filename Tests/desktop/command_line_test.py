@@ -1,6 +1,7 @@
 """What the command line answers, and who may ask."""
 
 import os
+import re
 import shutil
 import socket
 import stat
@@ -8,7 +9,8 @@ import subprocess
 import sys
 import unittest
 
-from desktop import ACCEPTED, DONE, NOT_RUNNING, PROGRAM, REFUSED, RUNTIME, USAGE, DesktopTestCase, wait_until, windows_of
+import movie
+from desktop import ACCEPTED, DONE, NOT_RUNNING, PROGRAM, REFUSED, RUNTIME, USAGE, DesktopTestCase, output_of
 
 
 class CommandLine(DesktopTestCase):
@@ -58,16 +60,24 @@ class CommandLine(DesktopTestCase):
 
     def test_lists(self):
         program = self.start_hidden()
-        self.color_window("目标", "FF0000", 100, 100, 320, 240)
+        window = self.color_window("目标", "FF0000", 100, 100, 320, 240)
         windows = program.do("record", "list-windows")["windows"]
         target = [window for window in windows if window["title"] == "目标"]
-        self.assertEqual([(window["width"], window["height"]) for window in target], [(320, 240)], windows)
+        self.assertEqual([window["app"] for window in target], ["Colorwindow"], windows)
+        # With what the window manager puts around it.
+        extra = [target[0]["width"] - 320, target[0]["height"] - 240]
+        self.assertEqual(extra, self.frame_around(window))
 
         devices = program.do("record", "list-devices")
         self.assertEqual([(device["name"], device["default"]) for device in devices["speakers"]],
                          [("Speaker", True), ("Mic", False)])
         self.assertEqual([(device["name"], device["default"]) for device in devices["microphones"]],
                          [("Microphone", True)])
+
+    def frame_around(self, window):
+        found = output_of("xprop", "-id", window, "_NET_FRAME_EXTENTS")
+        left, right, top, bottom = (int(number) for number in re.findall(r"\d+", found))
+        return [left + right, top + bottom]
 
     def test_recording(self):
         program = self.start_hidden(recordSystemAudio=False)
@@ -90,13 +100,11 @@ class CommandLine(DesktopTestCase):
 
     def test_quit_finishes_a_recording(self):
         program = self.start_hidden()
-        movie = program.do("record", "start")["file"]
+        made = program.do("record", "start")["file"]
         program.wait_for_recording(1)
         program.do("quit")
         self.assertEqual(program.process.wait(10), 0)
-        import movie as reader
-
-        self.assertGreaterEqual(reader.probe(movie)[1], 1)
+        self.assertGreaterEqual(movie.probe(made)[1], 1)
         self.assertNotIn("Velbrix_ScreenRecord_unfinishedFiles", program.settings())
 
     def test_consent_comes_first(self):

@@ -57,15 +57,21 @@ def screenshot(path):
 
 
 def windows_of(pid):
-    """The program's top-level windows that are mapped, as X identifiers."""
-    found = output_of("xdotool", "search", "--onlyvisible", "--pid", pid, "--name", "^Velbrix$", check=False)
-    return [int(line) for line in found.split()]
+    """The program's windows that the user can see, as X identifiers."""
+    found = [line.split(None, 4) for line in output_of("wmctrl", "-l", "-p", check=False).splitlines()]
+    mine = [int(line[0], 16) for line in found if int(line[2]) == pid]
+    return [window for window in mine if wm_state(window) == "Normal"]
+
+
+def show_background(image):
+    # Its exit code is 1 although all is well.
+    output_of("display", "-window", "root", image, check=False)
 
 
 def geometry(window):
-    lines = output_of("xdotool", "getwindowgeometry", "--shell", window)
-    values = dict(line.split("=") for line in lines.split())
-    return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+    told = output_of("xwininfo", "-id", window)
+    names = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+    return tuple(int(re.search(rf"{name}: +(-?\d+)", told)[1]) for name in names)
 
 
 def active_window_pid():
@@ -117,7 +123,12 @@ class Program:
         return self.do("status")
 
     def wait_until_ready(self):
-        wait_until(lambda: self.run("status").returncode == DONE, "the program answers")
+        def answers():
+            if self.process.poll() is not None:
+                raise AssertionError(f"the program ended with {self.process.returncode}")
+            return self.run("status").returncode == DONE
+
+        wait_until(answers, "the program answers")
         return self
 
     def wait_for_window(self):
@@ -200,11 +211,14 @@ class DesktopTestCase(unittest.TestCase):
         chosen = {f"Velbrix_ScreenRecord_{name}": value for name, value in settings.items()}
         self.write_settings(ACCEPTED | {"Velbrix_ScreenRecord_outputDir": str(self.movies)} | chosen)
 
-    def start(self, *arguments, env=None):
+    def launch(self, *arguments, env=None):
         program = Program(self.home, *arguments, env=env)
         self.programs.append(program)
         self.addCleanup(program.end)
-        return program.wait_until_ready()
+        return program
+
+    def start(self, *arguments, env=None):
+        return self.launch(*arguments, env=env).wait_until_ready()
 
     def start_hidden(self, **settings):
         self.prepare(**settings)
@@ -212,18 +226,15 @@ class DesktopTestCase(unittest.TestCase):
 
     def spawn(self, *command):
         """A helper that ends with the test."""
-        process = subprocess.Popen([str(word) for word in command], stdout=subprocess.DEVNULL)
+        process = subprocess.Popen([str(word) for word in command], stdout=subprocess.PIPE, text=True)
+        self.addCleanup(process.stdout.close)
         self.addCleanup(process.wait)
         self.addCleanup(process.terminate)
         return process
 
     def color_window(self, title, color, x, y, width, height):
-        self.spawn(HELPERS / "colorwindow", title, color, x, y, width, height)
-        found = wait_until(
-            lambda: output_of("xdotool", "search", "--onlyvisible", "--name", f"^{title}$", check=False).split(),
-            f"window {title}",
-        )
-        return int(found[0])
+        """An ordinary window of one colour, as an X identifier."""
+        return int(self.spawn(HELPERS / "colorwindow", title, color, x, y, width, height).stdout.readline())
 
     def _keep_evidence(self):
         folder = EVIDENCE / self.id().removeprefix("__main__.")

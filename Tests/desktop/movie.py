@@ -1,7 +1,6 @@
 """What an independent reader finds in a movie."""
 
 import array
-import contextlib
 import json
 import math
 import pathlib
@@ -20,7 +19,7 @@ def probe(path):
     return streams, float(found["format"]["duration"])
 
 
-def decode(path, *options, count=None):
+def decode(path, *options):
     """Raw output of a decoder that is told to call any damage an error."""
     command = ["ffmpeg", "-v", "error", "-xerror", "-i", str(path), *[str(option) for option in options], "-"]
     done = subprocess.run(command, capture_output=True, timeout=60)
@@ -30,20 +29,24 @@ def decode(path, *options, count=None):
 
 
 def picture_sums(path):
-    """One line for each picture and its time."""
+    """One sum for each picture."""
     lines = decode(path, "-map", "0:v", "-f", "framemd5").decode().splitlines()
-    return [line for line in lines if not line.startswith("#")]
+    return [line.split(",")[-1].strip() for line in lines if not line.startswith("#")]
 
 
-def key_frame_times(path):
-    found = output_of("ffprobe", "-v", "error", "-select_streams", "v", "-skip_frame", "nokey",
+def picture_times(path, *options):
+    found = output_of("ffprobe", "-v", "error", "-select_streams", "v", *options,
                       "-show_entries", "frame=pts_time", "-of", "csv=p=0", path)
     return [float(line.strip(",")) for line in found.split()]
 
 
+def key_picture_times(path):
+    return picture_times(path, "-skip_frame", "nokey")
+
+
 def picture(path, seconds, target):
     """The picture shown at that time, as a PNG file."""
-    output_of("ffmpeg", "-v", "error", "-y", "-ss", seconds, "-i", path, "-frames:v", 1, target)
+    output_of("ffmpeg", "-v", "error", "-y", "-i", path, "-vf", "fps=20", "-ss", seconds, "-frames:v", 1, target)
     return target
 
 
@@ -79,6 +82,13 @@ def level(samples, frequency):
     return 2 * math.hypot(real, imaginary) / len(samples) / 32768
 
 
+def levels(samples, frequency, begin, seconds):
+    """The tone's level in each twentieth of a second."""
+    part = RATE // 20
+    first, last = int(begin * RATE), int((begin + seconds) * RATE)
+    return [level(samples[at:at + part], frequency) for at in range(first, last, part)]
+
+
 def brightness(path):
     """(time, mean luma) of each picture."""
     # The reader's own file names know no Chinese or punctuation.
@@ -95,7 +105,7 @@ def write_tone(path, frequency, seconds, amplitude=0.5):
     for index in range(int(RATE * seconds)):
         value = round(32767 * amplitude * math.sin(2 * math.pi * frequency * index / RATE))
         samples.extend((value, value))
-    with contextlib.closing(wave.open(str(path), "wb")) as file:
+    with wave.open(str(path), "wb") as file:
         file.setparams((2, 2, RATE, 0, "NONE", ""))
         file.writeframes(samples.tobytes())
     return path

@@ -12,12 +12,17 @@ ENABLED, SHOWING = 8, 25
 ON_SCREEN = dbus.UInt32(0)
 
 
+def process_of(bus, owner):
+    return int(bus.call_blocking(dbus.BUS_DAEMON_NAME, dbus.BUS_DAEMON_PATH, dbus.BUS_DAEMON_IFACE,
+                                 "GetConnectionUnixProcessID", "s", (owner,)))
+
+
 class Widget:
     def __init__(self, bus, owner, path):
-        self._bus, self._owner, self._path = bus, owner, path
+        self._bus, self.owner, self._path = bus, owner, path
 
     def _ask(self, interface, method, *arguments):
-        proxy = self._bus.get_object(self._owner, self._path, introspect=False)
+        proxy = self._bus.get_object(self.owner, self._path, introspect=False)
         return proxy.get_dbus_method(method, interface)(*arguments)
 
     @property
@@ -53,7 +58,7 @@ class Window:
     def _application(self):
         registry = Widget(self._bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
         for application in registry.children():
-            if self._bus.get_unix_process_id(application._owner) == self.program.pid:
+            if process_of(self._bus, application.owner) == self.program.pid:
                 return application
         return None
 

@@ -79,11 +79,9 @@ void TrayController::trayHostChanged()
         return;
     _hasStatusItem = false;
     _shell.removeTray();
-    if (!_shell.isMainWindowVisible()) {
-        // The way back has gone with the tray.
-        _shell.showMainWindow(std::nullopt);
+    // The way back to a hidden window has gone with the tray.
+    if (!_shell.isMainWindowVisible())
         _shell.minimizeMainWindow();
-    }
 }
 
 TrayState TrayController::state() const

@@ -67,7 +67,8 @@ int runAsClient(int argc, char **argv, const ParsedCommand &command)
     runCommand(command).then([](int exitCode) {
         // Queued: the answer may be there before the event loop runs.
         QMetaObject::invokeMethod(
-            qApp, [exitCode] { QCoreApplication::exit(exitCode); }, Qt::QueuedConnection);
+            QCoreApplication::instance(), [exitCode] { QCoreApplication::exit(exitCode); },
+            Qt::QueuedConnection);
     });
     return QCoreApplication::exec();
 }

@@ -34,11 +34,11 @@ Result<void> checkOutputFolder(const QString &folder)
         return failure(u"输出目录不存在，请重新选择：%1"_s.arg(folder));
     if (!now.isDir())
         return failure(u"输出目录不是文件夹，请重新选择：%1"_s.arg(folder));
-    if (!now.isWritable())
-        return failure(u"没有写入权限，请换一个输出目录：%1"_s.arg(folder));
     const QStorageInfo storage(folder);
     if (storage.isReadOnly())
         return failure(u"磁盘是只读的，请换一个输出目录：%1"_s.arg(folder));
+    if (!now.isWritable())
+        return failure(u"没有写入权限，请换一个输出目录：%1"_s.arg(folder));
     if (storage.isValid() && storage.bytesAvailable() < leastFreeBytes)
         return failure(u"磁盘空间不足：剩余 %1，至少需要 %2"_s.arg(formatByteCount(storage.bytesAvailable()),
                                                                    formatByteCount(leastFreeBytes)));

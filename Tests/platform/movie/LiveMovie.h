@@ -60,6 +60,15 @@ public:
             static_cast<void>(_sound->encode(sound, soundSink()));
         }
     }
+    // One grey picture that stays for a second, and no sound.
+    void recordStillSecond()
+    {
+        _picture.fill(128);
+        const PixelRect all = _picture.all();
+        static_cast<void>(_video->encode(_picture.view(), std::span(&all, 1), _tick,
+                                         [this](const H264Encoder::Packet &packet) { add(packet); }));
+        _tick += framesPerSecond;
+    }
     Result<void> finish()
     {
         static_cast<void>(_sound->flush(soundSink()));

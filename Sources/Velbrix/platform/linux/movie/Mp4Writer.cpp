@@ -6,6 +6,24 @@
 #include <utility>
 
 namespace velbrix {
+namespace {
+
+// A screen on which nothing moves needs a few kilobytes, as little as what is
+// taken for a broken movie: room that stays empty tells them apart.
+Bytes padded(Bytes header, std::uint64_t before)
+{
+    constexpr std::uint64_t leastMovie = 12'000;
+    const std::uint64_t size = before + header.size();
+    if (size >= leastMovie)
+        return header;
+    BoxWriter room;
+    room.box("free", [&] { room.zeros(static_cast<std::size_t>(leastMovie - size)); });
+    const Bytes box = room.take();
+    header.insert(header.end(), box.begin(), box.end());
+    return header;
+}
+
+} // namespace
 
 Result<std::unique_ptr<Mp4Writer>> Mp4Writer::create(const QString &path,
                                                      std::vector<TrackDescription> tracks)
@@ -119,7 +137,7 @@ Result<void> Mp4Writer::finish(std::span<const std::int64_t> endTimes)
         _state = writeFragment(true);
     }
     const std::uint64_t end = _file.size();
-    if (auto appended = _file.append(finalHeader(_tracks, _tables)); !appended)
+    if (auto appended = _file.append(padded(finalHeader(_tracks, _tables), end)); !appended)
         return appended;
     auto completed = _file.sync();
     if (completed)

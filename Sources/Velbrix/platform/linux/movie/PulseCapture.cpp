@@ -14,6 +14,15 @@ namespace velbrix {
 namespace {
 
 constexpr pa_usec_t retryDelay = 2 * PA_USEC_PER_SEC;
+constexpr std::size_t comparedOrigins = 9;
+constexpr int readsBetweenTimes = 10;
+
+std::int64_t median(std::vector<std::int64_t> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
 
 PulseCapture &self(void *data)
 {
@@ -27,6 +36,11 @@ struct PulseCaptureCallbacks {
     static void context(pa_context *, void *data) { self(data).contextChanged(); }
     static void stream(pa_stream *, void *data) { self(data).streamChanged(); }
     static void read(pa_stream *, std::size_t, void *data) { self(data).read(); }
+    static void time(pa_stream *, int success, void *data)
+    {
+        if (success)
+            self(data).timeKnown();
+    }
     static void serverEvent(pa_context *, pa_subscription_event_type_t, std::uint32_t, void *data)
     {
         self(data).chooseSource();
@@ -197,9 +211,7 @@ void PulseCapture::open(const QByteArray &source)
     const auto fragment = static_cast<std::uint32_t>(pa_usec_to_bytes(20 * PA_USEC_PER_MSEC, &format));
     const pa_buffer_attr buffer{unset, unset, unset, unset, fragment};
     // When a device goes, the server would go on with any other source, a microphone even.
-    const auto flags =
-        static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_AUTO_TIMING_UPDATE |
-                                       PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_DONT_MOVE);
+    const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
     pa_stream_connect_record(_stream, _source.constData(), &buffer, flags);
 }
 
@@ -207,6 +219,9 @@ void PulseCapture::close()
 {
     _source.clear();
     _isRunning = false;
+    _received = 0;
+    _origins.clear();
+    _readsToNextTime = 0;
     if (!_stream)
         return;
     pa_stream_set_state_callback(_stream, nullptr, nullptr);
@@ -241,26 +256,49 @@ void PulseCapture::streamChanged()
 
 void PulseCapture::read()
 {
+    if (--_readsToNextTime <= 0)
+        askForTime();
+    // Until it is known when this was heard it waits in the stream.
     const void *data = nullptr;
     std::size_t size = 0;
-    while (_stream && pa_stream_readable_size(_stream) > 0) {
+    while (_stream && !_origins.empty() && pa_stream_readable_size(_stream) > 0) {
         if (pa_stream_peek(_stream, &data, &size) < 0 || size == 0)
             return;
-        pa_usec_t latency = 0;
-        int isNegative = 0;
-        const std::int64_t now = monotonicNanoseconds();
         const std::size_t count = size / sizeof(float);
         // No data: a hole of this length.
         if (!data && _silence.size() < count)
             _silence.resize(count);
-        // Without a time stamp there is no telling where it belongs.
-        if (pa_stream_get_latency(_stream, &latency, &isNegative) == 0) {
-            const auto nanoseconds = static_cast<std::int64_t>(latency) * 1000;
-            const auto *samples = data ? static_cast<const float *>(data) : _silence.data();
-            _events.sound(isNegative ? now + nanoseconds : now - nanoseconds, std::span(samples, count));
-        }
+        const pa_usec_t place = pa_bytes_to_usec(_received, pa_stream_get_sample_spec(_stream));
+        _received += size;
+        const auto *samples = data ? static_cast<const float *>(data) : _silence.data();
+        _events.sound(median(_origins) + static_cast<std::int64_t>(place) * 1000, std::span(samples, count));
         pa_stream_drop(_stream);
     }
+}
+
+void PulseCapture::askForTime()
+{
+    _readsToNextTime = _origins.size() < comparedOrigins ? 1 : readsBetweenTimes;
+    run(pa_stream_update_timing_info(_stream, PulseCaptureCallbacks::time, this));
+}
+
+// The library's own interpolation begins with wrong times and approaches the
+// right ones over seconds; the server's answers are right from the first one.
+void PulseCapture::timeKnown()
+{
+    const pa_timing_info *const info = _stream ? pa_stream_get_timing_info(_stream) : nullptr;
+    if (!info || !info->playing || info->write_index < 0)
+        return;
+    const std::int64_t now = monotonicNanoseconds();
+    const auto microseconds = [](pa_usec_t time) { return static_cast<std::int64_t>(time); };
+    const std::int64_t recorded = microseconds(
+        pa_bytes_to_usec(static_cast<std::uint64_t>(info->write_index), pa_stream_get_sample_spec(_stream)));
+    // A speaker's sound is recorded before it is heard.
+    const std::int64_t heard = recorded + microseconds(info->source_usec) - microseconds(info->sink_usec);
+    _origins.push_back(now - (microseconds(pa_timeval_age(&info->timestamp)) + heard) * 1000);
+    if (_origins.size() > comparedOrigins)
+        _origins.erase(_origins.begin());
+    read();
 }
 
 void PulseCapture::lost()

@@ -60,6 +60,8 @@ private:
     void close();
     void streamChanged();
     void read();
+    void askForTime();
+    void timeKnown();
     void lost();
     void run(pa_operation *operation) const;
 
@@ -76,6 +78,9 @@ private:
     pa_time_event *_retry = nullptr;
     QByteArray _source;
     std::vector<float> _silence;
+    std::uint64_t _received = 0;        // bytes of the stream
+    std::vector<std::int64_t> _origins; // newest answers to when the stream's first sample was heard
+    int _readsToNextTime = 0;
     bool _isRunning = false; // the stream has delivered
     bool _isLost = false;
 };

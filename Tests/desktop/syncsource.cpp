@@ -1,4 +1,4 @@
-// flashbeep SECONDS
+// syncsource SECONDS
 // Once a second the screen turns white for a tenth of a second, and at the same moment a tone of a tenth of a
 // second is heard from the default speaker. What is heard leads: the flash is placed by the sound server's
 // own clock.
@@ -27,7 +27,7 @@ public:
     bool start()
     {
         _loop = pa_threaded_mainloop_new();
-        _context = pa_context_new(pa_threaded_mainloop_get_api(_loop), "flashbeep");
+        _context = pa_context_new(pa_threaded_mainloop_get_api(_loop), "syncsource");
         pa_context_set_state_callback(_context, [](pa_context *, void *loop) { wake(loop); }, _loop);
         pa_threaded_mainloop_lock(_loop);
         const bool isReady = pa_context_connect(_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) == 0 &&
@@ -150,7 +150,7 @@ int main(int argc, char **argv)
     Flash flash;
     Beeper beeper;
     if (!flash.open() || !beeper.start()) {
-        std::fputs("flashbeep: no display or no sound server\n", stderr);
+        std::fputs("syncsource: no display or no sound server\n", stderr);
         return 1;
     }
     std::puts("ready");
