@@ -189,7 +189,7 @@ private Q_SLOTS:
             }
             return alarms;
         };
-        rig.clock.advance(1s); // the settings of the start
+        rig.clock.advance(20s); // the settings of the start, the wait for a tray
         QCOMPARE(ticksWithin(60s), 3);
         rig.delegate->applicationDidBecomeActive();
         QCOMPARE(ticksWithin(60s), 12);
@@ -228,6 +228,32 @@ private Q_SLOTS:
         QCOMPARE(rig.shell.calls.last(2), (QStringList{u"removeTray"_s, u"minimize"_s}));
     }
 
+    void aHiddenStartWithoutATrayIsWithinReach()
+    {
+        Rig rig;
+        rig.host.desktop.trayHost = false;
+        rig.launch(true);
+        rig.clock.advance(4s);
+        QVERIFY(!rig.shell.calls.contains(u"minimize"_s));
+        rig.clock.advance(1s);
+        QCOMPARE(rig.shell.calls.last(), u"minimize"_s);
+
+        Rig late;
+        late.host.desktop.trayHost = false;
+        late.launch(true);
+        late.host.desktop.setTrayHost(true); // a panel that starts after us
+        late.clock.advance(1min);
+        QVERIFY(!late.shell.calls.contains(u"minimize"_s));
+    }
+
+    void aSecondHiddenStartWakesNobody()
+    {
+        Rig rig;
+        rig.host.singleInstance.isTaken = true;
+        QCOMPARE(rig.launch(true), AppDelegate::Launch::otherCopyRuns);
+        QVERIFY(!rig.host.singleInstance.calls.contains(u"wakeOther"_s));
+    }
+
     void theHotKeyRecordsAndAStatementComesFirst()
     {
         Rig rig;
@@ -245,6 +271,8 @@ private Q_SLOTS:
         fresh.host.hotkeys.press({29, 0x1800});
         QCoreApplication::processEvents();
         QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
+        fresh.choose(TrayItemId::recordToggle);
+        QCOMPARE(fresh.shell.calls, (QStringList{u"show"_s, u"show"_s}));
         QVERIFY(!fresh.services->recorder.isRecording());
         QVERIFY(!fresh.services->privacy.pendingFeatureNotice());
     }
@@ -348,6 +376,32 @@ private Q_SLOTS:
         rig.shell.calls.clear();
         rig.host.singleInstance.wake();
         QVERIFY(rig.shell.calls.isEmpty());
+    }
+
+    void quittingDuringARefusedStartStillQuits()
+    {
+        Rig rig;
+        rig.launch();
+        rig.host.screenCapture.contentDelay = 100ms;
+        rig.host.screenCapture.contentAnswer = failure(u"拒绝"_s);
+        rig.delegate->recording().toggleQuickly();
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        rig.clock.advance(100ms);
+        QCoreApplication::processEvents();
+        QCOMPARE(terminated.count(), 1);
+    }
+
+    void quittingDoesNotWaitForEver()
+    {
+        Rig rig;
+        rig.host.screenCapture.nextSession->stopDelay = 1h;
+        rig.launch();
+        rig.delegate->recording().toggleQuickly();
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        rig.clock.advance(10s);
+        QCOMPARE(terminated.count(), 1);
     }
 
     void quittingCompletesTheRecordingFirst()

@@ -12,7 +12,11 @@ using namespace velbrix::test;
 namespace {
 
 struct Rig : ServicesRig {
-    Rig() { recorder.preferences().setOutputDir(folder.path()); }
+    Rig()
+    {
+        recorder.preferences().setOutputDir(folder.path());
+        services->privacy.acceptFirstLaunch();
+    }
     QTemporaryDir folder;
     ScreenRecorderController &recorder = make().recorder;
     RecordingActions actions{recorder, services->privacy};

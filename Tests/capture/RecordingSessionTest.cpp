@@ -342,8 +342,7 @@ private Q_SLOTS:
             true);
         row(
             "no frame", [](Rig &r) { r.host.movieFiles.facts = MovieFacts{}; },
-            {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, notPlayable, u"no video, audioTracks=0"_s},
-            true);
+            {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, u"❌ 输出文件不存在"_s}, false);
         row(
             "sound only",
             [](Rig &r) {
@@ -358,7 +357,15 @@ private Q_SLOTS:
                 r.writeFrames(3);
                 r.host.movieFiles.facts = failure(u"x"_s);
             },
-            {notPlayable, u"no video, audioTracks=0"_s}, true);
+            {notPlayable, u"校验没有结果，文件保留：x"_s}, true);
+        row(
+            "writer fails and nobody can tell",
+            [](Rig &r) {
+                r.writeFrames(3);
+                r.state->finishWritingAnswer = failure(u"磁盘已满"_s);
+                r.host.movieFiles.facts = failure(u"x"_s);
+            },
+            {u"❌ finishWriting 失败:磁盘已满"_s, notPlayable, u"校验没有结果，文件保留：x"_s}, true);
         row(
             "file gone",
             [](Rig &r) {

@@ -40,8 +40,10 @@ private Q_SLOTS:
     void findsWhatACrashLeft()
     {
         ServicesRig rig;
-        rig.host.settings.stored = {{key, QJsonArray{movie, movie, folder.filePath(u"gone.mp4"_s), 7}}};
+        const QString away = u"/nonexistent/disk/录制.mp4"_s;
+        rig.host.settings.stored = {{key, QJsonArray{movie, movie, folder.filePath(u"gone.mp4"_s), 7, away}}};
         rig.make();
+        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie, away})));
         QCOMPARE(rig.services->recorder.unfinished().leftovers(), QStringList{movie});
         QCOMPARE(rig.services->recorder.log().logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
     }

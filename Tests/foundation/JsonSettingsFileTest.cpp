@@ -62,9 +62,21 @@ private Q_SLOTS:
             write(path, bytes);
             JsonSettingsFile file(path);
             QCOMPARE(file.load(), QJsonObject());
+            QCOMPARE(file.loadProblem(), u"设置文件已损坏，已恢复默认设置；原文件保留为 "_s + kept);
             QCOMPARE(read(kept), bytes);
             QVERIFY(!QFile::exists(path));
         }
+    }
+
+    void whatIsOutOfReachIsNotReplaced()
+    {
+        // A folder in the file's place cannot be opened, by root neither.
+        QDir().mkpath(path + u"/inside"_s);
+        JsonSettingsFile file(path);
+        QCOMPARE(file.load(), QJsonObject());
+        QVERIFY(file.loadProblem().startsWith(u"设置文件无法读取，本次修改不会保存："_s + path));
+        QCOMPARE(file.save({{u"a"_s, 1}}, {}).error().message, file.loadProblem());
+        QVERIFY(QDir(path + u"/inside"_s).exists());
     }
 
     void tidiesUpAfterKilledWritesOnly()

@@ -108,12 +108,14 @@ private Q_SLOTS:
     }
 
 private:
-    Result<QJsonObject> ask(const QJsonObject &request)
+    using Answer = std::expected<QJsonObject, ChannelFailure>;
+
+    Answer ask(const QJsonObject &request)
     {
-        std::optional<Result<QJsonObject>> answer;
-        askLocalChannel(path, request).then([&](Result<QJsonObject> got) { answer = std::move(got); });
+        std::optional<Answer> answer;
+        askLocalChannel(path, request).then([&](Answer got) { answer = std::move(got); });
         if (!QTest::qWaitFor([&] { return answer.has_value(); }))
-            return failure(u"no answer"_s);
+            return std::unexpected(ChannelFailure{false, u"no answer"_s});
         return *answer;
     }
 

@@ -14,10 +14,13 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
+constexpr auto trayGrace = 5s;
+constexpr auto quitLimit = 10s;
 const QString frameKey = u"Velbrix_MainWindow_Frame"_s;
 const QString showWindowKey = u"Velbrix_NeedShowMainWindow"_s;
 const QString longAlertCategory = u"RECORDING_LONG_ALERT"_s;
@@ -54,7 +57,8 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
 {
     Platform &host = _services.platform;
     if (!host.singleInstance->claim()) {
-        host.singleInstance->wakeOther();
+        if (!inBackground)
+            host.singleInstance->wakeOther();
         return Launch::otherCopyRuns;
     }
     host.singleInstance->observeWake([this] { showWindow(); });
@@ -76,13 +80,25 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
 
     const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
     _services.settings.remove(showWindowKey);
+    if (const QString problem = _services.settings.loadProblem(); !problem.isEmpty())
+        showBanner(u"设置"_s, problem, u"exclamationmark.triangle.fill"_s);
     if (!_services.recorder.unfinished().leftovers().isEmpty())
         showBanner(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);
     if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
         showWindow();
     else
-        _services.setInBackground(true);
+        startInBackground();
     return Launch::running;
+}
+
+void AppDelegate::startInBackground()
+{
+    _services.setInBackground(true);
+    // Panels start late; where none comes the window must be within reach.
+    _trayGrace = _services.clock.after(trayGrace, [this] {
+        if (!_services.platform.desktop->hasTrayHost() && _services.isInBackground())
+            _shell.minimizeMainWindow();
+    });
 }
 
 void AppDelegate::showWindow()
@@ -154,8 +170,11 @@ void AppDelegate::quitApp()
             finishQuit();
     };
     // Queued: the recorder is still inside its own change of state.
+    connect(&recorder, &ScreenRecorderController::isStartingChanged, this, whenDone, Qt::QueuedConnection);
     connect(&recorder.session(), &RecordingSession::isProcessingChanged, this, whenDone,
             Qt::QueuedConnection);
+    // A movie can be repaired, a program that does not end cannot.
+    _quitLimit = _services.clock.after(quitLimit, [this] { finishQuit(); });
     recorder.stop();
 }
 
@@ -166,6 +185,8 @@ void AppDelegate::applicationWillTerminate()
     _isQuitting = true;
     if (const auto frame = _shell.mainWindowFrame())
         storeFrame(_services.settings, *frame);
+    _trayGrace.reset();
+    _quitLimit.reset();
     _localKeyMonitor.reset();
     _observers.clear();
     _commands.reset();
@@ -183,7 +204,7 @@ void AppDelegate::observeNotifications()
         _observers.push_back(_services.notifications.observe(name, std::move(observer)));
     };
     observe(hotkeyActionInfo(HotkeyAction::recordToggle).notification,
-            [this](const QVariantMap &) { toggleRecordingFromHotkey(); });
+            [this](const QVariantMap &) { _recording.toggleQuickly(); });
     observe(bannerToastNotification,
             [this](const QVariantMap &userInfo) { _services.toasts.show(toastFromUserInfo(userInfo)); });
 }
@@ -208,6 +229,7 @@ QCoro::Task<> AppDelegate::setUpUserNotifications()
 
 void AppDelegate::followState()
 {
+    connect(&_recording, &RecordingActions::statementNeeded, this, &AppDelegate::showWindow);
     const RecordingSession &session = _services.recorder.session();
     connect(&session, &RecordingSession::lastFailureChanged, this, [this, &session] {
         if (!session.lastFailure().isEmpty())
@@ -269,15 +291,6 @@ void AppDelegate::showBanner(const QString &title, const QString &body, const QS
 {
     _services.notifications.post(bannerToastNotification,
                                  {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}});
-}
-
-void AppDelegate::toggleRecordingFromHotkey()
-{
-    if (!_services.privacy.hasAcceptedFirstLaunchNotice()) {
-        showWindow(); // the statement comes first
-        return;
-    }
-    _recording.toggleQuickly();
 }
 
 void AppDelegate::finishQuit()

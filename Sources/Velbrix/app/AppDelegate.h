@@ -54,13 +54,13 @@ Q_SIGNALS:
     void terminate();
 
 private:
+    void startInBackground();
     void observeNotifications();
     QCoro::Task<> setUpUserNotifications();
     void followState();
     void chosenFromTray(TrayItemId item);
     void checkRemoteConfig();
     void showBanner(const QString &title, const QString &body, const QString &icon);
-    void toggleRecordingFromHotkey();
     void finishQuit();
 
     AppServices &_services;
@@ -75,6 +75,8 @@ private:
     std::unique_ptr<KeyWatch> _localKeyMonitor;
     std::vector<std::unique_ptr<Observation>> _observers;
     bool _isAppActive = false;
+    std::unique_ptr<Alarm> _trayGrace;
+    std::unique_ptr<Alarm> _quitLimit;
 };
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #include "app/CommandClient.h"
 
 #include "app/CommandServer.h"
+#include "foundation/Deadline.h"
 #include "foundation/LocalChannel.h"
 
 #include <QJsonDocument>
@@ -8,6 +9,7 @@
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
@@ -35,15 +37,23 @@ int present(const CommandReply &reply, bool json)
 
 } // namespace
 
-QCoro::Task<int> runCommand(ParsedCommand command)
+QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
 {
     const CommandReply notRunning{exitcode::notRunning, u"Velbrix 没有在运行"_s, {}};
     const auto endpoint = controlEndpoint();
     if (!endpoint)
         co_return present(notRunning, command.json);
     const QJsonObject request = toJson(command);
-    const auto answer = co_await askLocalChannel(*endpoint, request);
-    co_return present(answer ? commandReplyFromJson(*answer) : notRunning, command.json);
+    // A recording may take its time to start or end; nothing else may.
+    const auto limit = command.words.startsWith(u"record "_s) ? std::chrono::milliseconds(10min) : 10s;
+    const auto answer = co_await withDeadline(clock, limit, askLocalChannel(*endpoint, request));
+    if (!answer)
+        co_return present(CommandReply::refusal(u"Velbrix 没有答复"_s), command.json);
+    if (*answer)
+        co_return present(commandReplyFromJson(**answer), command.json);
+    const ChannelFailure failed = answer->error();
+    co_return present(failed.nobodyListens ? notRunning : CommandReply::refusal(failed.message),
+                      command.json);
 }
 
 } // namespace velbrix

@@ -5,7 +5,6 @@
 #include "platform/UserNotifications.h"
 
 #include <QJsonValue>
-#include <QPointer>
 
 #include <utility>
 
@@ -117,22 +116,17 @@ void PrivacyManager::promptAllSystemPermissions()
     _settings.set(key, true);
     // On disk before the first prompt: an interrupted sequence is not repeated.
     (void)_settings.flush();
-    requestSoundAndPicture();
+    // At once, none waiting for another's answer.
+    _notifications.requestAuthorization();
+    if (_permissions.microphone() == AuthorizationStatus::notDetermined)
+        _permissions.requestMicrophone();
+    if (_permissions.camera() == AuthorizationStatus::notDetermined)
+        _permissions.requestCamera();
     _screenPrompt = _clock.after(600ms, [this] {
         if (!_permissions.preflightScreenCapture())
             _permissions.requestScreenCapture();
     });
     _accessibilityPrompt = _clock.after(1200ms, [this] { _permissions.promptForAccessibility(); });
-}
-
-QCoro::Task<> PrivacyManager::requestSoundAndPicture()
-{
-    const QPointer self(this);
-    co_await _notifications.requestAuthorization();
-    if (self && _permissions.microphone() == AuthorizationStatus::notDetermined)
-        co_await _permissions.requestMicrophone();
-    if (self && _permissions.camera() == AuthorizationStatus::notDetermined)
-        co_await _permissions.requestCamera();
 }
 
 void PrivacyManager::set(const QString &name, const QJsonValue &value)

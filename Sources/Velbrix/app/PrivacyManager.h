@@ -4,7 +4,6 @@
 #include "foundation/Clock.h"
 #include "foundation/Published.h"
 
-#include <QCoroTask>
 #include <QObject>
 #include <QSet>
 
@@ -54,7 +53,6 @@ Q_SIGNALS:
     void consentChanged();
 
 private:
-    QCoro::Task<> requestSoundAndPicture();
     void set(const QString &name, const QJsonValue &value);
 
     Permissions &_permissions;

@@ -5,6 +5,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace velbrix {
 
 RecordingActions::RecordingActions(ScreenRecorderController &recorder, PrivacyManager &privacy,
@@ -13,22 +15,21 @@ RecordingActions::RecordingActions(ScreenRecorderController &recorder, PrivacyMa
 {
 }
 
+void RecordingActions::startFromPanel()
+{
+    guarded(featurePrivacyNotice(PrivacyConsentKind::screenRecording), [this] { _recorder.start(); });
+}
+
 void RecordingActions::toggleFromPanel()
 {
     if (!stopIfRunning())
-        _privacy.guard(featurePrivacyNotice(PrivacyConsentKind::screenRecording),
-                       [this] { _recorder.start(); });
+        startFromPanel();
 }
 
 void RecordingActions::toggleQuickly()
 {
     if (!stopIfRunning())
-        _privacy.guard(quickRecordingNotice(), [this] { _recorder.startFullScreen(); });
-}
-
-void RecordingActions::stop()
-{
-    _recorder.stop();
+        guarded(quickRecordingNotice(), [this] { _recorder.startFullScreen(); });
 }
 
 void RecordingActions::setSystemAudio(bool on)
@@ -53,6 +54,14 @@ void RecordingActions::setMicrophone(bool on)
                 self->_recorder.preferences().setRecordMicrophone(true);
         });
     });
+}
+
+void RecordingActions::guarded(const FeaturePrivacyNotice &notice, std::function<void()> start)
+{
+    if (_privacy.hasAcceptedFirstLaunchNotice())
+        _privacy.guard(notice, std::move(start));
+    else
+        Q_EMIT statementNeeded();
 }
 
 bool RecordingActions::stopIfRunning()

@@ -2,10 +2,13 @@
 
 #include <QObject>
 
+#include <functional>
+
 namespace velbrix {
 
 class PrivacyManager;
 class ScreenRecorderController;
+struct FeaturePrivacyNotice;
 
 // What the user can do with the recorder, each with the consent it needs.
 // Shared by page, hot key, tray and command line.
@@ -15,17 +18,24 @@ class RecordingActions final : public QObject {
 public:
     RecordingActions(ScreenRecorderController &recorder, PrivacyManager &privacy, QObject *parent = nullptr);
 
+    // Nothing is recorded before the first launch's statement is accepted:
+    // then these only ask for the statement.
+    void startFromPanel();
     // Stops a recording, or starts one in the panel's mode.
     void toggleFromPanel();
     // Stops a recording, or starts one of the whole screen.
     void toggleQuickly();
-    void stop();
 
     void setSystemAudio(bool on);
     void setMicrophone(bool on);
 
+Q_SIGNALS:
+    // The user wants to record and has not accepted the statement yet.
+    void statementNeeded();
+
 private:
     bool stopIfRunning();
+    void guarded(const FeaturePrivacyNotice &notice, std::function<void()> start);
 
     ScreenRecorderController &_recorder;
     PrivacyManager &_privacy;

@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
 #include "app/CommandClient.h"
+#include "foundation/SystemClock.h"
 #include "platform/Platform.h"
 #include "views/DesktopShell.h"
 
@@ -64,7 +65,8 @@ int runAsClient(int argc, char **argv, const ParsedCommand &command)
 {
     QCoreApplication application(argc, argv);
     setIdentity();
-    runCommand(command).then([](int exitCode) {
+    SystemClock clock;
+    runCommand(command, clock).then([](int exitCode) {
         // Queued: the answer may be there before the event loop runs.
         QMetaObject::invokeMethod(
             QCoreApplication::instance(), [exitCode] { QCoreApplication::exit(exitCode); },
@@ -108,6 +110,8 @@ int runAsApplication(int argc, char **argv, bool inBackground)
 
 int main(int argc, char **argv)
 {
+    // Whoever reads our lines may go away in the middle of a recording.
+    std::signal(SIGPIPE, SIG_IGN);
     QStringList words;
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));

@@ -12,20 +12,22 @@ namespace {
 
 constexpr auto limit = 3000ms;
 
-QCoro::Task<MovieFacts> factsWithin(MovieFiles &movies, Clock &clock, QString path)
+QCoro::Task<Result<MovieFacts>> factsWithin(MovieFiles &movies, Clock &clock, QString path)
 {
     const auto inspected = co_await withDeadline(clock, limit, movies.inspect(path));
-    if (!inspected || !*inspected)
-        co_return MovieFacts{};
-    co_return **inspected;
+    if (!inspected)
+        co_return failure(u"三秒内没有完成校验"_s);
+    co_return *inspected;
 }
 
 } // namespace
 
-QCoro::Task<bool> MovieCheck::plays(QString path)
+QCoro::Task<std::optional<bool>> MovieCheck::plays(QString path)
 {
-    const MovieFacts facts = co_await factsWithin(_movies, _clock, path);
-    co_return facts.isPlayable;
+    const auto facts = co_await factsWithin(_movies, _clock, path);
+    if (!facts)
+        co_return std::nullopt;
+    co_return std::optional(facts->isPlayable);
 }
 
 QCoro::Task<MovieReport> MovieCheck::inspect(QString path, bool systemMode)
@@ -34,11 +36,14 @@ QCoro::Task<MovieReport> MovieCheck::inspect(QString path, bool systemMode)
     report.exists = QFileInfo::exists(path);
     if (!report.exists)
         co_return report;
-    const MovieFacts facts = co_await factsWithin(_movies, _clock, path);
+    const auto inspected = co_await factsWithin(_movies, _clock, path);
+    const MovieFacts facts = inspected.value_or(MovieFacts{});
     const QFileInfo file(path);
     report.isPlayable = facts.isPlayable;
     report.verdict = judgeMovie(facts, file.fileName(), file.size(), systemMode);
-    if (!facts.hasVideo)
+    if (!inspected)
+        report.remarks.append(u"校验没有结果，文件保留：%1"_s.arg(inspected.error().message));
+    else if (!facts.hasVideo)
         report.remarks.append(u"no video, audioTracks=%1"_s.arg(facts.audioTracks));
     co_return report;
 }

@@ -7,22 +7,25 @@
 #include <QCoroTask>
 #include <QStringList>
 
+#include <optional>
+
 namespace velbrix {
 
 struct MovieReport {
     bool exists = false;
-    bool isPlayable = false;
+    bool isPlayable = false; // false also when nobody could tell
     MovieVerdict verdict;
     QStringList remarks; // further lines for the log
 };
 
 // What a finished recording is worth. Waits at most three seconds for the
-// answer; a movie that takes longer counts as one that does not play.
+// answer.
 class MovieCheck {
 public:
     MovieCheck(MovieFiles &movies, Clock &clock) : _movies(movies), _clock(clock) {}
 
-    QCoro::Task<bool> plays(QString path);
+    // Nothing when it could not be found out.
+    QCoro::Task<std::optional<bool>> plays(QString path);
     QCoro::Task<MovieReport> inspect(QString path, bool systemMode);
 
 private:

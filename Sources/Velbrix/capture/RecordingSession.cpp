@@ -57,6 +57,13 @@ void RecordingSession::stop()
         _stopWanted = true;
 }
 
+void RecordingSession::refuse(const QString &reason)
+{
+    _lastFailure = QString();
+    _finishedMovie = std::optional<QString>();
+    fail(reason);
+}
+
 QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
 {
     const QPointer self(this);
@@ -175,7 +182,8 @@ CaptureObserver RecordingSession::observer()
     CaptureObserver observer;
     observer.streamStopped = [this](const Failure &reason) {
         _log.append(u"❌ 流异常停止:"_s + reason.message);
-        _lastFailure = reason.message;
+        if (_lastFailure.value().isEmpty())
+            _lastFailure = reason.message;
         // What has been written is worth keeping.
         stop();
     };
@@ -245,20 +253,21 @@ QCoro::Task<> RecordingSession::finishManualFile()
     const auto finished = co_await _stream->finishWriting();
     if (!self)
         co_return;
+    const QString path = _outputURL.value().value_or(QString());
     const CaptureCounters counters = _stream->ledger().counters();
     if (!counters.sessionStarted) {
         fail(u"手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
                  .arg(log::text(counters.sessionStarted)));
+        QFile::remove(path);
         co_return;
     }
     if (finished)
         co_return;
     const QString reason = finished.error().message;
     fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
-    const QString path = _outputURL.value().value_or(QString());
-    // A movie that plays in spite of the failure is the user's, not ours to remove.
-    const bool plays = co_await _check.plays(path);
-    if (self && !plays)
+    // What plays in spite of the failure, or may play, is not ours to remove.
+    const std::optional<bool> plays = co_await _check.plays(path);
+    if (self && plays == false)
         QFile::remove(path);
 }
 
@@ -284,16 +293,18 @@ QCoro::Task<> RecordingSession::validate()
         fail(report.verdict.text);
     for (const QString &remark : report.remarks)
         _log.append(remark);
-    if (report.isPlayable) {
+    if (report.isPlayable)
         _unfinished.end(*path);
+    if (report.verdict.isGood)
         _finishedMovie = path;
-    }
 }
 
 void RecordingSession::fail(const QString &message)
 {
     _log.append(u"❌ "_s + message);
-    _lastFailure = message;
+    // The first cause explains the others.
+    if (_lastFailure.value().isEmpty())
+        _lastFailure = message;
 }
 
 void RecordingSession::abandon()

@@ -25,9 +25,9 @@ class RecordingSession final : public QObject {
     VELB_PUBLISHED(RecordingSession, bool, isRecording, false)
     VELB_PUBLISHED(RecordingSession, bool, isProcessing, false) // a start or a stop is under way
     VELB_PUBLISHED(RecordingSession, std::optional<QString>, outputURL)
-    // The last good movie, for "show in folder".
+    // The movie of the last recording if it is good, for "show in folder".
     VELB_PUBLISHED(RecordingSession, std::optional<QString>, finishedMovie)
-    // What the last start or stop failed of; empty when it went well.
+    // What the last recording failed of first; empty when all went well.
     VELB_PUBLISHED(RecordingSession, QString, lastFailure)
     VELB_PUBLISHED(RecordingSession, std::optional<QDateTime>, recordStartedAt)
     VELB_PUBLISHED(RecordingSession, QSize, captureSize, 1920, 1080)
@@ -42,7 +42,7 @@ public:
     // Ignored while a stop is in progress; during a start it follows the start.
     void stop();
     // Notes that a start was refused before it began.
-    void refuse(const QString &reason) { fail(reason); }
+    void refuse(const QString &reason);
 
 private:
     QCoro::Task<> runStart(RecordingRequest request);

@@ -3,6 +3,7 @@
 #include "capture/RecorderLog.h"
 #include "foundation/SettingsStore.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QPointer>
@@ -27,9 +28,13 @@ UnfinishedRecordings::UnfinishedRecordings(SettingsStore &settings, MovieFiles &
 void UnfinishedRecordings::findLeftovers()
 {
     QStringList present = stored();
+    QStringList remembered = present;
     present.removeIf([](const QString &path) { return !QFileInfo(path).isFile(); });
+    // A folder that is away may come back with its disk.
+    remembered.removeIf(
+        [](const QString &path) { return !QFileInfo(path).isFile() && QFileInfo(path).dir().exists(); });
     _leftovers = present;
-    store(present);
+    store(remembered);
     for (const QString &path : present)
         _log.append(u"发现未正常结束的录制：%1"_s.arg(QFileInfo(path).fileName()));
 }
@@ -67,13 +72,15 @@ QCoro::Task<> UnfinishedRecordings::runRepair(QString path)
     const QPointer self(this);
     const QString name = QFileInfo(path).fileName();
     _isRepairing = true;
+    _problem = QString();
     _log.append(u"正在修复 %1…"_s.arg(name));
     const auto repaired = co_await _movies.repair(path);
     if (!self)
         co_return;
     _isRepairing = false;
     if (!repaired) {
-        _log.append(u"❌ 修复失败，文件保持原样：%1 %2"_s.arg(name, repaired.error().message));
+        _problem = u"修复失败，文件保持原样：%1 %2"_s.arg(name, repaired.error().message);
+        _log.append(u"❌ "_s + _problem.value());
         co_return;
     }
     _log.append(u"✅ 已修复 %1"_s.arg(name));

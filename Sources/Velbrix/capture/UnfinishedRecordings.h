@@ -19,6 +19,7 @@ class UnfinishedRecordings final : public QObject {
     // Movies of earlier runs that were never completed and still exist.
     VELB_PUBLISHED(UnfinishedRecordings, QStringList, leftovers)
     VELB_PUBLISHED(UnfinishedRecordings, bool, isRepairing, false)
+    VELB_PUBLISHED(UnfinishedRecordings, QString, problem) // of the last repair; empty when it went well
 
 public:
     UnfinishedRecordings(SettingsStore &settings, MovieFiles &movies, RecorderLog &log,

@@ -39,14 +39,13 @@ bool isTemporaryName(const QString &name)
            !all([](QChar c) { return c.isUpper(); });
 }
 
-void setAside(const QString &path)
+// The name under which the file is kept now; empty when it could not be moved.
+QString setAside(const QString &path)
 {
     QString aside = path + u".damaged"_s;
     for (int n = 2; QFile::exists(aside); ++n)
         aside = path + u".damaged-%1"_s.arg(n);
-    const bool kept = QFile::rename(path, aside);
-    log::line(u"Velbrix"_s,
-              kept ? u"settings unreadable, kept as "_s + aside : u"settings unreadable: "_s + path);
+    return QFile::rename(path, aside) ? aside : QString();
 }
 
 } // namespace
@@ -58,13 +57,19 @@ QJsonObject JsonSettingsFile::load()
     QFile file(_path);
     if (!file.exists())
         return {};
-    if (file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly)) {
+        _isOutOfReach = true;
+        _problem = u"设置文件无法读取，本次修改不会保存：%1 %2"_s.arg(_path, file.errorString());
+    } else {
         const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
         if (document.isObject())
             return document.object();
+        const QString aside = setAside(_path);
+        _isOutOfReach = aside.isEmpty();
+        _problem = _isOutOfReach ? u"设置文件已损坏且无法移开，本次修改不会保存：%1"_s.arg(_path)
+                                 : u"设置文件已损坏，已恢复默认设置；原文件保留为 %1"_s.arg(aside);
     }
-    file.close();
-    setAside(_path);
+    log::line(u"Velbrix"_s, _problem);
     return {};
 }
 
@@ -81,6 +86,8 @@ void JsonSettingsFile::tidy()
 
 Result<void> JsonSettingsFile::save(const QJsonObject &all, const QStringList &)
 {
+    if (_isOutOfReach)
+        return failure(_problem);
     const QString folder = QFileInfo(_path).absolutePath();
     if (!QDir().mkpath(folder))
         return failure(u"无法创建文件夹 "_s + folder);

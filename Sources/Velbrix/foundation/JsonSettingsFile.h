@@ -12,13 +12,18 @@ class JsonSettingsFile final : public SettingsBackend {
 public:
     explicit JsonSettingsFile(QString path);
 
-    // A file that is not a JSON object is kept under a name ending in ".damaged".
+    // A file that is not a JSON object is kept under a name ending in
+    // ".damaged". One that cannot be opened stays where it is, and nothing is
+    // saved over it.
     QJsonObject load() override;
+    QString loadProblem() const override { return _problem; }
     void tidy() override;
     Result<void> save(const QJsonObject &all, const QStringList &changed) override;
 
 private:
     const QString _path;
+    QString _problem;
+    bool _isOutOfReach = false;
 };
 
 } // namespace velbrix

@@ -80,21 +80,21 @@ QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject reque
     client->disconnectFromServer();
 }
 
-QCoro::Task<Result<QJsonObject>> askLocalChannel(QString path, QJsonObject request)
+QCoro::Task<std::expected<QJsonObject, ChannelFailure>> askLocalChannel(QString path, QJsonObject request)
 {
     QLocalSocket socket;
     socket.connectToServer(path);
     if (socket.state() == QLocalSocket::ConnectingState)
         co_await qCoro(&socket, &QLocalSocket::stateChanged);
     if (socket.state() != QLocalSocket::ConnectedState)
-        co_return failure(socket.errorString());
+        co_return std::unexpected(ChannelFailure{true, socket.errorString()});
     socket.write(line(request));
     // The answer is complete when the other side hangs up.
     co_await qCoro(&socket, &QLocalSocket::disconnected);
     const QByteArray answer = socket.readAll();
     const QJsonDocument document = QJsonDocument::fromJson(answer);
     if (!document.isObject())
-        co_return failure(u"答复无法读取"_s);
+        co_return std::unexpected(ChannelFailure{false, u"Velbrix 没有答复"_s});
     co_return document.object();
 }
 

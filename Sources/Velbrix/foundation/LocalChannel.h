@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include <expected>
 #include <functional>
 #include <memory>
 
@@ -40,8 +41,14 @@ private:
     std::unique_ptr<QLocalServer> _server;
 };
 
-// Asks whoever listens at the endpoint. Nothing listening is a failure.
-QCoro::Task<Result<QJsonObject>> askLocalChannel(QString path, QJsonObject request);
+struct ChannelFailure {
+    bool nobodyListens = false;
+    QString message;
+};
+
+// Asks whoever listens at the endpoint, and waits for the answer as long as
+// that takes.
+QCoro::Task<std::expected<QJsonObject, ChannelFailure>> askLocalChannel(QString path, QJsonObject request);
 
 // Where this user's running program listens.
 Result<QString> controlEndpoint();

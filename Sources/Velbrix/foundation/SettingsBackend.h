@@ -12,9 +12,11 @@ class SettingsBackend {
 public:
     virtual ~SettingsBackend() = default;
 
-    // Everything that is stored. A store that cannot be read is set aside,
-    // not overwritten, and counts as empty; the failure says what happened.
+    // Everything that is stored. What cannot be read counts as empty and is
+    // never overwritten.
     virtual QJsonObject load() = 0;
+    // What went wrong at the load, in words for the user; else empty.
+    virtual QString loadProblem() const { return {}; }
     // Removes what killed writes have left behind. Only for the one running
     // copy of the program: it would take another copy's write from under it.
     virtual void tidy() {}

@@ -15,7 +15,7 @@
 namespace velbrix {
 
 // The user's settings: one value per key, kept in memory and written a moment
-// after the last change of a burst. A stored value of another type than the
+// after the first change of a burst. A stored value of another type than the
 // one asked for counts as absent. Main thread only.
 class SettingsStore {
 public:
@@ -28,7 +28,7 @@ public:
     std::optional<int> integer(const QString &key) const;
     std::optional<double> real(const QString &key) const;
     std::optional<QString> string(const QString &key) const;
-    // A structured value as JSON text, for Codable-like records.
+    // A structured value: an object or a list.
     std::optional<QJsonValue> json(const QString &key) const;
 
     // A list or object is a structured value.
@@ -41,6 +41,7 @@ public:
     // Called after a write that failed; it is tried again by itself.
     void observeFailures(std::function<void(const Failure &)> failed) { _failed = std::move(failed); }
 
+    QString loadProblem() const { return _backend->loadProblem(); }
     // See SettingsBackend::tidy().
     void tidy() { _backend->tidy(); }
 

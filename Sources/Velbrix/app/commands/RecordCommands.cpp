@@ -19,16 +19,22 @@ QString missingConsent(const AppServices &services)
 {
     if (!services.privacy.hasAcceptedFirstLaunchNotice())
         return u"尚未完成首启声明确认。请先在 Velbrix 窗口中确认。"_s;
-    if (const auto notice = services.privacy.pendingFeatureNotice())
+    const auto notice = services.privacy.pendingFeatureNotice();
+    if (notice && notice->kind == PrivacyConsentKind::screenRecording)
         return u"需要先在 Velbrix 窗口中确认：%1"_s.arg(notice->title);
     return {};
+}
+
+QString reasonOr(const QString &reason, const QString &otherwise)
+{
+    return reason.isEmpty() ? otherwise : reason;
 }
 
 CommandReply started(AppServices &services)
 {
     const RecordingSession &session = services.recorder.session();
     if (!session.isRecording())
-        return CommandReply::refusal(session.lastFailure());
+        return CommandReply::refusal(reasonOr(session.lastFailure(), u"录制没有开始"_s));
     const QString path = session.outputURL().value_or(QString());
     return {exitcode::done, u"已开始录制：%1"_s.arg(path), {{u"recording"_s, true}, {u"file"_s, path}}};
 }
@@ -38,7 +44,7 @@ CommandReply stopped(AppServices &services)
     const RecordingSession &session = services.recorder.session();
     const auto movie = session.finishedMovie();
     if (!movie)
-        return CommandReply::refusal(session.lastFailure());
+        return CommandReply::refusal(reasonOr(session.lastFailure(), u"没有录下影片"_s));
     const qint64 bytes = QFileInfo(*movie).size();
     return {exitcode::done,
             u"已保存：%1"_s.arg(*movie),
@@ -47,11 +53,9 @@ CommandReply stopped(AppServices &services)
 
 QCoro::Task<CommandReply> start(AppServices &services, std::function<void()> act)
 {
-    RecordingSession &session = services.recorder.session();
-    if (session.isRecording() || session.isProcessing())
+    if (services.recorder.isRecording() || services.recorder.isProcessing())
         co_return CommandReply::refusal(u"录制已在进行中"_s);
-    if (services.privacy.hasAcceptedFirstLaunchNotice())
-        act();
+    act();
     if (const QString reason = missingConsent(services); !reason.isEmpty())
         co_return CommandReply::refusal(reason);
     while (services.recorder.isStarting())
@@ -65,6 +69,8 @@ QCoro::Task<CommandReply> stop(AppServices &services)
     if (!session.isRecording() && !services.recorder.isStarting())
         co_return CommandReply::refusal(u"当前没有录制"_s);
     services.recorder.stop();
+    while (services.recorder.isStarting())
+        co_await qCoro(&services.recorder, &ScreenRecorderController::isStartingChanged);
     while (session.isRecording() || session.isProcessing())
         co_await qCoro(&session, &RecordingSession::isProcessingChanged);
     co_return stopped(services);
@@ -132,7 +138,7 @@ QHash<QString, CommandHandler> recordCommands(AppServices &services, RecordingAc
     return {
         {u"record start"_s,
          [&services, &actions](const QStringList &) {
-             return start(services, [&actions] { actions.toggleFromPanel(); });
+             return start(services, [&actions] { actions.startFromPanel(); });
          }},
         {u"record stop"_s, [&services](const QStringList &) { return stop(services); }},
         {u"record toggle"_s,

@@ -6,6 +6,7 @@
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
+#include "views/components/SymbolLabel.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -30,7 +31,16 @@ LeftoversCard::LeftoversCard(const ViewContext &context, QWidget *parent)
     job->setJob(u"正在修复，原文件在完成前不会改动…"_s, 0, 0);
     addRow(job);
 
+    auto *problem = new SettingRow(u"没有修复"_s, {}, nullptr);
+    problem->setObjectName(u"repairProblem"_s);
+    problem->setLeading(new SymbolLabel(context.theme, u"xmark.circle.fill"_s, 22, ThemeColor::bad));
+    addRow(problem);
+
     UnfinishedRecordings &unfinished = context.services.recorder.unfinished();
+    follow(unfinished, &UnfinishedRecordings::problemChanged, this, [problem, &unfinished] {
+        problem->setDescription(unfinished.problem());
+        problem->setVisible(!unfinished.problem().isEmpty());
+    });
     follow(unfinished, &UnfinishedRecordings::leftoversChanged, this, [this] { rebuild(); });
     follow(unfinished, &UnfinishedRecordings::isRepairingChanged, this, [this, job, &unfinished] {
         job->setVisible(unfinished.isRepairing());

@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "views/Follow.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
 #include "views/components/SymbolLabel.h"
@@ -27,8 +28,17 @@ RecordAccessCard::RecordAccessCard(const ViewContext &context, QWidget *parent)
     connect(&access, &RecorderAccess::hasPermissionChanged, this, again);
     connect(&access, &RecorderAccess::showPermissionDialogChanged, this, again);
     refresh();
+    follow(context.services.privacy, &PrivacyManager::hasAcceptedFirstLaunchNoticeChanged, this,
+           [this] { check(); });
+}
+
+void RecordAccessCard::check()
+{
+    // Nothing looks at the screen before the user has agreed to the statement.
+    if (_isChecked || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
+        return;
     const QPointer self(this);
-    access.checkPermission().then([self](bool) {
+    _context.services.recorder.access().checkPermission().then([self](bool) {
         if (!self)
             return;
         self->_isChecked = true;

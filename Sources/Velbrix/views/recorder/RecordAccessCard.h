@@ -16,6 +16,7 @@ public:
 
 private:
     QWidget *makeButtons();
+    void check();
     void refresh();
 
     ViewContext _context;

@@ -34,12 +34,8 @@ void RecordOutcomeCard::addFailure()
     addRow(row);
     const RecordingSession &session = _context.services.recorder.session();
     follow(session, &RecordingSession::lastFailureChanged, this, [row, &session] {
-        QString reason = session.lastFailure();
-        // The log's mark says what the row's symbol says already.
-        if (reason.startsWith(u'❌'))
-            reason = reason.sliced(1).trimmed();
-        row->setDescription(reason);
-        row->setVisible(!reason.isEmpty());
+        row->setDescription(session.lastFailure());
+        row->setVisible(!session.lastFailure().isEmpty());
     });
 }
 

@@ -77,6 +77,8 @@ void RecordTargetCard::followWindows()
     connect(_grid, &ThumbnailGrid::wanted, this,
             [&catalog](const QString &id) { catalog.select(std::optional(id)); });
     connect(_job, &JobBar::cancelled, this, [&catalog] { catalog.cancelThumbnails(); });
+    connect(&_context.services.privacy, &PrivacyManager::hasAcceptedFirstLaunchNoticeChanged, this,
+            [this] { showMode(); });
     follow(catalog, &WindowCatalog::availableWindowsChanged, this, [this] { showWindows(); });
     follow(catalog, &WindowCatalog::windowThumbnailsChanged, this, [this, &catalog] {
         _grid->setPictures(catalog.windowThumbnails());
@@ -104,7 +106,8 @@ void RecordTargetCard::showMode()
 {
     const bool isWindowMode = _context.services.recorder.preferences().recordMode() == RecordMode::window;
     _windows->setVisible(isWindowMode);
-    if (!isVisible())
+    // Nothing looks at the screen before the user has agreed to the statement.
+    if (!isVisible() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
         return;
     if (isWindowMode)
         _context.services.recorder.windows().refreshWindows();
