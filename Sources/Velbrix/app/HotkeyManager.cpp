@@ -102,13 +102,7 @@ bool HotkeyManager::handleCapturedKey(const KeyPress &press)
         _hosts.beep();
         return true;
     }
-    if (const auto label = conflict(action, chord)) {
-        _captureHint = u"与"_s + *label + u"冲突，请换一组"_s;
-        _hosts.beep();
-        return true;
-    }
-    assign(action, chord);
-    endCapture();
+    take(action, chord);
     return true;
 }
 
@@ -120,14 +114,7 @@ void HotkeyManager::cancelCapture()
 
 void HotkeyManager::resetToDefault(HotkeyAction action)
 {
-    const HotkeyChord chord = hotkeyActionInfo(action).defaultChord;
-    if (const auto label = conflict(action, chord)) {
-        _captureHint = u"与"_s + *label + u"冲突，请换一组"_s;
-        _hosts.beep();
-        return;
-    }
-    assign(action, chord);
-    endCapture();
+    take(action, hotkeyActionInfo(action).defaultChord);
 }
 
 void HotkeyManager::installHandler()
@@ -226,10 +213,16 @@ std::optional<QString> HotkeyManager::conflict(HotkeyAction action, const Hotkey
     return std::nullopt;
 }
 
-void HotkeyManager::assign(HotkeyAction action, const HotkeyChord &chord)
+void HotkeyManager::take(HotkeyAction action, const HotkeyChord &chord)
 {
+    if (const auto label = conflict(action, chord)) {
+        _captureHint = u"与"_s + *label + u"冲突，请换一组"_s;
+        _hosts.beep();
+        return;
+    }
     setChord(action, chord);
     _settings.set(hotkeyActionInfo(action).settingsKey, chord.toJson());
+    endCapture();
 }
 
 void HotkeyManager::setChord(HotkeyAction action, const HotkeyChord &chord)

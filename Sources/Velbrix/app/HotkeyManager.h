@@ -74,7 +74,7 @@ private:
     void hotkeyPressed(quint32 id);
     bool screenshotKeyPressed(const KeyPress &press);
     std::optional<QString> conflict(HotkeyAction action, const HotkeyChord &chord) const;
-    void assign(HotkeyAction action, const HotkeyChord &chord);
+    void take(HotkeyAction action, const HotkeyChord &chord);
     void setChord(HotkeyAction action, const HotkeyChord &chord);
     void setProblem(HotkeyAction action, const QString &reason);
     void endCapture();

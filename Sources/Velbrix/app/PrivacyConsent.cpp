@@ -93,8 +93,8 @@ FeaturePrivacyNotice featurePrivacyNotice(PrivacyConsentKind kind)
     case PrivacyConsentKind::fileAccess:
         break;
     }
-    return notice(kind, u"hand.raised.fill"_s, blue, u"隐私与使用声明"_s,
-                  u"以下为 Velbrix 的隐私与功能使用说明，请确认你已知悉。"_s, statementDetails());
+    const PrivacyStatement statement = reviewedStatement();
+    return notice(kind, u"hand.raised.fill"_s, blue, statement.title, statement.message, statement.details);
 }
 
 FeaturePrivacyNotice quickRecordingNotice()

@@ -19,7 +19,7 @@ struct Toast {
     QString title;
     QString body;
     QString icon;  // SF Symbol name, may be empty
-    QString style; // "slide", or empty for the default look
+    QString style; // "slide" or empty: every banner slides in
     std::chrono::milliseconds duration{3000};
 
     bool operator==(const Toast &) const = default;
