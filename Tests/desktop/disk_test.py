@@ -81,6 +81,7 @@ class Disk(DesktopTestCase):
         movie.picture_sums(made)
         (folder / "ballast").unlink()
         program.do("record", "start")  # and the program goes on
+        program.wait_for_recording(1)
         program.do("record", "stop")
 
     def test_folder_goes_away(self):

@@ -76,7 +76,7 @@ class HotKeyRecording(DesktopTestCase):
             press(*lock)
             self.addCleanup(press, *lock)
             press("ctrl+alt+0")
-            program.wait_for_recording()
+            program.wait_for_recording(1)
             press("ctrl+alt+0")
             program.wait_for_movie()
         press("ctrl+shift+alt+0")  # another chord
