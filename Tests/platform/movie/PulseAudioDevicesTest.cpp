@@ -99,6 +99,22 @@ private Q_SLOTS:
         QTRY_VERIFY(!speakersOf(devices).join(u' ').contains(u"third"_s));
     }
 
+    void aMissingServerIsToldOnce()
+    {
+        qputenv("PULSE_SERVER", "unix:/nonexistent/native");
+        PulseAudioDevices devices;
+        int changes = 0;
+        // As the recorder does: every change is looked at, every look may fail.
+        devices.observeChanges([&] {
+            ++changes;
+            devices.speakers();
+        });
+        devices.speakers();
+        QTest::qWait(700);
+        qunsetenv("PULSE_SERVER");
+        QCOMPARE(changes, 1);
+    }
+
     void saysWhenThereIsNoServerAndFindsItAgain()
     {
         PulseAudioDevices devices;

@@ -30,14 +30,12 @@ PulseAudioDevices::~PulseAudioDevices() = default;
 
 QCoro::Task<Result<QList<AudioDeviceItem>>> PulseAudioDevices::speakers()
 {
-    watch();
     const QFuture<Result<QList<PulseDevice>>> sinks = QtConcurrent::run(pulse::listSinks);
     co_return items(co_await sinks);
 }
 
 QCoro::Task<Result<QList<AudioDeviceItem>>> PulseAudioDevices::microphones()
 {
-    watch();
     const QFuture<Result<QList<PulseDevice>>> sources = QtConcurrent::run(pulse::listSources);
     co_return items(co_await sources);
 }
@@ -51,15 +49,10 @@ QCoro::Task<Result<void>> PulseAudioDevices::setDefaultSpeaker(const QString id)
 void PulseAudioDevices::observeChanges(std::function<void()> changed)
 {
     _observers.push_back(std::move(changed));
-    if (!_watch)
-        _watch = std::make_unique<PulseWatch>([this] { announce(); });
-    watch();
-}
-
-void PulseAudioDevices::watch()
-{
     if (_watch)
-        _watch->ensureConnected();
+        return;
+    _watch = std::make_unique<PulseWatch>([this] { announce(); });
+    _watch->start();
 }
 
 // On the watch's thread. A burst of events is one change.

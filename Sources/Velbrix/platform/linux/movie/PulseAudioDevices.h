@@ -28,7 +28,6 @@ public:
     void observeChanges(std::function<void()> changed) override;
 
 private:
-    void watch();
     void announce();
 
     std::unique_ptr<PulseWatch> _watch;

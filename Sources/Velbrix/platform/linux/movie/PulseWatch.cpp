@@ -2,6 +2,7 @@
 
 #include "platform/linux/movie/PulseContext.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -19,10 +20,21 @@ struct PulseWatchCallbacks {
         if (facility == PA_SUBSCRIPTION_EVENT_SERVER || kind != PA_SUBSCRIPTION_EVENT_CHANGE)
             static_cast<PulseWatch *>(data)->_changed();
     }
+    static void retry(pa_mainloop_api *, pa_time_event *, const timeval *, void *data)
+    {
+        static_cast<PulseWatch *>(data)->connect();
+    }
 };
 
+namespace {
+
+constexpr pa_usec_t firstRetry = 2 * PA_USEC_PER_SEC;
+constexpr pa_usec_t slowestRetry = 60 * PA_USEC_PER_SEC;
+
+} // namespace
+
 PulseWatch::PulseWatch(std::function<void()> changed)
-    : _changed(std::move(changed)), _loop(pa_threaded_mainloop_new())
+    : _changed(std::move(changed)), _loop(pa_threaded_mainloop_new()), _retryDelay(firstRetry)
 {
     pa_threaded_mainloop_start(_loop);
 }
@@ -36,11 +48,10 @@ PulseWatch::~PulseWatch()
     pa_threaded_mainloop_free(_loop);
 }
 
-void PulseWatch::ensureConnected()
+void PulseWatch::start()
 {
     pa_threaded_mainloop_lock(_loop);
-    if (!_context || !PA_CONTEXT_IS_GOOD(pa_context_get_state(_context)))
-        connect();
+    connect();
     pa_threaded_mainloop_unlock(_loop);
 }
 
@@ -53,6 +64,7 @@ void PulseWatch::connect()
 
 void PulseWatch::disconnect()
 {
+    stopRetrying();
     pulse::closeContext(_context);
 }
 
@@ -60,10 +72,29 @@ void PulseWatch::contextChanged()
 {
     const pa_context_state_t state = pa_context_get_state(_context);
     if (state == PA_CONTEXT_READY) {
+        _retryDelay = firstRetry;
         pulse::subscribeToDevices(_context);
+        if (!std::exchange(_hasServer, true))
+            _changed(); // the devices came back with the server
     } else if (state == PA_CONTEXT_FAILED) {
-        _changed(); // all devices went with the server
+        retryLater();
+        if (std::exchange(_hasServer, false))
+            _changed(); // all devices went with the server
     }
+}
+
+void PulseWatch::retryLater()
+{
+    stopRetrying();
+    _retry =
+        pa_context_rttime_new(_context, pa_rtclock_now() + _retryDelay, PulseWatchCallbacks::retry, this);
+    _retryDelay = std::min(_retryDelay * 2, slowestRetry);
+}
+
+void PulseWatch::stopRetrying()
+{
+    if (_retry)
+        pa_threaded_mainloop_get_api(_loop)->time_free(std::exchange(_retry, nullptr));
 }
 
 } // namespace velbrix

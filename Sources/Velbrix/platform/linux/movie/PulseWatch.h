@@ -1,14 +1,17 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 struct pa_context;
 struct pa_threaded_mainloop;
+struct pa_time_event;
 
 namespace velbrix {
 
 // Hears from the sound server when devices come, go or change places; nothing
-// runs in between. Call from one thread.
+// runs in between. While there is no server it looks for one, ever more
+// seldom. Call from one thread.
 class PulseWatch {
 public:
     // Called on a thread of its own.
@@ -18,8 +21,7 @@ public:
     PulseWatch(const PulseWatch &) = delete;
     PulseWatch &operator=(const PulseWatch &) = delete;
 
-    // Connects unless it is connected.
-    void ensureConnected();
+    void start();
 
 private:
     friend struct PulseWatchCallbacks;
@@ -27,10 +29,16 @@ private:
     void connect();
     void disconnect();
     void contextChanged();
+    void retryLater();
+    void stopRetrying();
 
     const std::function<void()> _changed;
     pa_threaded_mainloop *const _loop;
-    pa_context *_context = nullptr; // with the loop's lock
+    // With the loop's lock:
+    pa_context *_context = nullptr;
+    pa_time_event *_retry = nullptr;
+    std::uint64_t _retryDelay; // microseconds
+    bool _hasServer = true;    // as far as the listener knows
 };
 
 } // namespace velbrix
