@@ -213,6 +213,19 @@ private Q_SLOTS:
                  (QJsonArray{50, 60, 1200, 800}));
     }
 
+    void openingItAgainShowsTheWindow()
+    {
+        Rig rig;
+        rig.launch(false);
+        rig.delegate->windowShouldClose();
+        QVERIFY(!rig.shell.visible);
+        rig.delegate->applicationDidBecomeActive();
+        QVERIFY(rig.shell.visible);
+        rig.delegate->windowShouldClose();
+        rig.delegate->applicationDidBecomeActive(); // told each time, active or not
+        QVERIFY(rig.shell.visible);
+    }
+
     void withoutATrayTheWindowStaysReachable()
     {
         Rig rig;

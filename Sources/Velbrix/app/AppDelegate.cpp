@@ -131,6 +131,10 @@ bool AppDelegate::windowShouldClose()
 
 void AppDelegate::applicationDidBecomeActive()
 {
+    // Opened again from the Dock or the file manager: nothing else activates a
+    // program whose window is hidden.
+    if (_services.isInBackground() && !_shell.isMainWindowVisible())
+        applicationShouldHandleReopen();
     if (std::exchange(_isAppActive, true))
         return;
     _tray.scheduleMenuRefresh(_isAppActive);

@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
 #include "app/CommandClient.h"
+#include "app/QuitRequests.h"
 #include "foundation/SystemClock.h"
 #include "platform/Platform.h"
 #include "views/DesktopShell.h"
@@ -98,8 +99,10 @@ int runAsApplication(int argc, char **argv, bool inBackground)
                          else
                              delegate.applicationDidResignActive();
                      });
-    QObject::connect(&delegate, &AppDelegate::terminate, &application, &QCoreApplication::quit,
-                     Qt::QueuedConnection);
+    const QuitRequests quitRequests([&delegate] { delegate.quitApp(); });
+    QObject::connect(
+        &delegate, &AppDelegate::terminate, &application, [] { QCoreApplication::exit(exitcode::done); },
+        Qt::QueuedConnection);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);
     installSignalHandlers(delegate);
