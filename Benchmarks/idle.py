@@ -5,7 +5,7 @@ import subprocess
 import threading
 
 from support import (BUILD, Velbrix, cpu_seconds, end, now, private_dirty_megabytes, ratio, sleep_until, summary, table,
-                     wait_for, wake_ups)
+                     sleeps, wait_for, wake_ups)
 
 
 class EmptyTray:
@@ -58,12 +58,12 @@ def measure_rest(seconds):
     programs = [Velbrix().start(), EmptyTray().start()]
     sleep_until(now() + 5)
     begin = now()
-    before = [(wake_ups(program.pid), cpu_seconds(program.pid)) for program in programs]
+    before = [(sleeps(program.pid), cpu_seconds(program.pid)) for program in programs]
     sleep_until(begin + seconds)
     minutes = (now() - begin) / 60
     result = []
     for program, (wakes, cpu) in zip(programs, before):
-        result.append((private_dirty_megabytes(program.pid), (wake_ups(program.pid) - wakes) / minutes,
+        result.append((private_dirty_megabytes(program.pid), wake_ups(wakes, sleeps(program.pid)) / minutes,
                        1000 * (cpu_seconds(program.pid) - cpu) / minutes))
         program.end()
     return result

@@ -49,12 +49,19 @@ def private_dirty_megabytes(pid):
     return int(re.search(r"^Private_Dirty:\s+(\d+)", Path(f"/proc/{pid}/smaps_rollup").read_text(), re.M)[1]) / 1024
 
 
-def wake_ups(pid):
-    """How often the threads of a process have gone to sleep."""
-    total = 0
+def sleeps(pid):
+    """How often each thread of a process has gone to sleep, by thread."""
+    found = {}
     for thread in Path(f"/proc/{pid}/task").iterdir():
-        total += int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", (thread / "status").read_text(), re.M)[1])
-    return total
+        found[thread.name] = int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", (thread / "status").read_text(),
+                                           re.M)[1])
+    return found
+
+
+def wake_ups(before, after):
+    """Between two looks at sleeps(); a thread that ended woke once for it."""
+    return sum(after.get(thread, count + 1) - count for thread, count in before.items()) + sum(
+        count for thread, count in after.items() if thread not in before)
 
 
 @functools.cache
