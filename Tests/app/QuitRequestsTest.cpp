@@ -16,8 +16,8 @@ private Q_SLOTS:
         int requests = 0;
         const QuitRequests watch([&requests] { ++requests; });
         bool wentOn = false;
-        QTimer::singleShot(0, qApp, [] { QCoreApplication::quit(); });
-        QTimer::singleShot(20, qApp, [&wentOn] {
+        QTimer::singleShot(0, QCoreApplication::instance(), [] { QCoreApplication::quit(); });
+        QTimer::singleShot(20, QCoreApplication::instance(), [&wentOn] {
             wentOn = true;
             QCoreApplication::exit(3);
         });
