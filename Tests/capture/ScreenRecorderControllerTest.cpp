@@ -95,6 +95,16 @@ private Q_SLOTS:
         QVERIFY(rig.recorder.log().logLines().contains(u"系统音频目标扬声器:乙"_s));
     }
 
+    void anAbsentSpeakerIsTold()
+    {
+        Rig rig;
+        rig.recorder.preferences().setSelectedSpeakerID(u"gone"_s);
+        rig.recorder.start();
+        QVERIFY(rig.recorder.isRecording());
+        QVERIFY(rig.recorder.log().logLines().contains(u"⚠️ 所选扬声器不在，使用系统默认输出"_s));
+        QVERIFY(rig.host.audioDevices.calls.filter(u"setDefaultSpeaker"_s).isEmpty());
+    }
+
     void oneStartAtATime()
     {
         Rig rig;

@@ -36,11 +36,13 @@ QCoro::Task<> RecorderDevices::refreshAudioDevices()
                 self->refreshAudioDevices();
         });
     }
+    // An answer that a later question has overtaken is old news.
+    const int generation = ++_generation;
     const auto speakers = co_await _devices.speakers();
-    if (!self)
+    if (!self || generation != _generation)
         co_return;
     const auto microphones = co_await _devices.microphones();
-    if (!self)
+    if (!self || generation != _generation)
         co_return;
     _problem = !speakers ? speakers.error().message : !microphones ? microphones.error().message : QString();
     const auto newSpeakers = speakers.value_or(QList<AudioDeviceItem>());

@@ -33,7 +33,8 @@ public:
     // Switches the system to the selected speaker, when it is present.
     // Answers its name, empty when there is none to switch to.
     QString routeToSelectedSpeaker();
-    // For the stream: present, and one that can be recorded from.
+    // For the stream: the chosen one, if it is of a kind that can be recorded
+    // from. Whether it is present the host finds out.
     std::optional<QString> microphoneForCapture() const;
 
 private:
@@ -43,6 +44,7 @@ private:
     RecorderPreferences &_preferences;
     RecorderLog &_log;
     bool _observing = false;
+    int _generation = 0;
 };
 
 } // namespace velbrix

@@ -81,6 +81,8 @@ QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
             co_return;
         if (const QString speaker = _devices.routeToSelectedSpeaker(); !speaker.isEmpty())
             _log.append(u"系统音频目标扬声器:"_s + speaker);
+        else if (!_devices.speakerDevices().isEmpty())
+            _log.append(u"⚠️ 所选扬声器不在，使用系统默认输出"_s);
     }
     _session.start(request(mode));
     if (_stopWanted)
