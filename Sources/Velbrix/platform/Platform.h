@@ -3,12 +3,19 @@
 #include "foundation/Clock.h"
 #include "foundation/SettingsBackend.h"
 #include "platform/AudioDevices.h"
+#include "platform/DesktopPicture.h"
 #include "platform/DesktopServices.h"
+#include "platform/DesktopSurfaces.h"
+#include "platform/DesktopVisibility.h"
+#include "platform/Displays.h"
+#include "platform/DockPreference.h"
 #include "platform/HotkeyRegistrar.h"
 #include "platform/KeyMonitor.h"
 #include "platform/LoginItem.h"
+#include "platform/MediaProbe.h"
 #include "platform/MovieFiles.h"
 #include "platform/Permissions.h"
+#include "platform/PowerSource.h"
 #include "platform/ScreenCapture.h"
 #include "platform/SingleInstance.h"
 #include "platform/Symbols.h"
@@ -35,6 +42,13 @@ struct Platform {
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<DesktopServices> desktop;
     std::unique_ptr<Symbols> symbols;
+    std::unique_ptr<Displays> displays;
+    std::unique_ptr<DesktopSurfaces> surfaces;
+    std::unique_ptr<DesktopPicture> desktopPicture;
+    std::unique_ptr<DesktopVisibility> visibility;
+    std::unique_ptr<MediaProbe> mediaProbe;
+    std::unique_ptr<PowerSource> power;
+    std::unique_ptr<DockPreference> dock;
 };
 
 // Before the QApplication is made: settles what that needs on this host. Why
