@@ -3,12 +3,16 @@
 #include "app/AppServices.h"
 #include "platform/Platform.h"
 #include "support/FakeAudioDevices.h"
+#include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
+#include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
 #include "support/FakeKeyMonitor.h"
 #include "support/FakeLoginItem.h"
+#include "support/FakeMediaProbe.h"
 #include "support/FakeMovieFiles.h"
 #include "support/FakePermissions.h"
+#include "support/FakePowerSource.h"
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
@@ -33,7 +37,11 @@ public:
           movieFiles(make<FakeMovieFiles>(platform.movieFiles, clock)),
           loginItem(make<FakeLoginItem>(platform.loginItem)),
           desktop(make<FakeDesktopServices>(platform.desktop)),
-          symbols(make<FakeSymbols>(platform.symbols))
+          symbols(make<FakeSymbols>(platform.symbols)),
+          desktopPicture(make<FakeDesktopPicture>(platform.desktopPicture, clock)),
+          mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
+          power(make<FakePowerSource>(platform.power)),
+          dock(make<FakeDockPreference>(platform.dock, clock))
     {
     }
 
@@ -50,6 +58,10 @@ public:
     FakeLoginItem &loginItem;
     FakeDesktopServices &desktop;
     FakeSymbols &symbols;
+    FakeDesktopPicture &desktopPicture;
+    FakeMediaProbe &mediaProbe;
+    FakePowerSource &power;
+    FakeDockPreference &dock;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
