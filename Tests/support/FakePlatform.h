@@ -5,6 +5,9 @@
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
+#include "support/FakeDesktopSurfaces.h"
+#include "support/FakeDesktopVisibility.h"
+#include "support/FakeDisplays.h"
 #include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
 #include "support/FakeKeyMonitor.h"
@@ -41,7 +44,10 @@ public:
           desktopPicture(make<FakeDesktopPicture>(platform.desktopPicture, clock)),
           mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
           power(make<FakePowerSource>(platform.power)),
-          dock(make<FakeDockPreference>(platform.dock, clock))
+          dock(make<FakeDockPreference>(platform.dock, clock)),
+          displays(make<FakeDisplays>(platform.displays)),
+          surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
+          visibility(make<FakeDesktopVisibility>(platform.visibility))
     {
     }
 
@@ -62,6 +68,9 @@ public:
     FakeMediaProbe &mediaProbe;
     FakePowerSource &power;
     FakeDockPreference &dock;
+    FakeDisplays &displays;
+    FakeDesktopSurfaces &surfaces;
+    FakeDesktopVisibility &visibility;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
