@@ -105,8 +105,10 @@ bool IconWindow::matchesRoot(xcb_pixmap_t picture) const
     const auto rootCookie = xcb_get_geometry(xcb, _connection.root());
     const XReply<xcb_get_geometry_reply_t> own(xcb_get_geometry_reply(xcb, pictureCookie, nullptr));
     const XReply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(xcb, rootCookie, nullptr));
+    // Some leave a picture with transparency, of which only the colours count.
+    constexpr int withAlpha = 32;
     return own && root && own->width == root->width && own->height == root->height &&
-           own->depth == root->depth;
+           (own->depth == root->depth || own->depth == withAlpha);
 }
 
 } // namespace velbrix
