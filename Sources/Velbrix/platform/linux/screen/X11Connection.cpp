@@ -137,6 +137,14 @@ xcb_atom_t X11Connection::atom(const char *name)
     return atom;
 }
 
+QByteArray X11Connection::atomName(xcb_atom_t atom) const
+{
+    const XReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(_connection, xcb_get_atom_name(_connection, atom), nullptr));
+    return reply ? QByteArray(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()))
+                 : QByteArray();
+}
+
 XProperty X11Connection::property(xcb_window_t window, const char *name, std::uint32_t maximumBytes)
 {
     const auto cookie = xcb_get_property(_connection, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0,

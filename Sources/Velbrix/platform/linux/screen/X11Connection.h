@@ -66,6 +66,7 @@ public:
     int randrEvent() const { return _randrEvent; }
 
     xcb_atom_t atom(const char *name);
+    QByteArray atomName(xcb_atom_t atom) const;
     XProperty property(xcb_window_t window, const char *name, std::uint32_t maximumBytes = 4096);
     bool hasCompositingManager();
 
