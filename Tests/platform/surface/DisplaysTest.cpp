@@ -16,7 +16,7 @@ namespace {
 // What every adapter promises; `plug` and `unplug` add and remove displays.
 void keepsContract(Displays &displays, const std::function<void()> &plug, const std::function<void()> &unplug)
 {
-    const QList<Display> before = displays.displays();
+    const QList<velbrix::Display> before = displays.displays();
     QVERIFY(!before.isEmpty());
     int changes = 0;
     qsizetype seen = 0;
@@ -26,10 +26,10 @@ void keepsContract(Displays &displays, const std::function<void()> &plug, const 
     });
     plug();
     QTRY_COMPARE(seen, 2);
-    const QList<Display> two = displays.displays();
+    const QList<velbrix::Display> two = displays.displays();
     QVERIFY(two.first().isMain && !two.last().isMain);
     QVERIFY(two.first().id != two.last().id);
-    for (const Display &display : two) {
+    for (const velbrix::Display &display : two) {
         QVERIFY(!display.name.isEmpty());
         QVERIFY(display.id != 0);
         QVERIFY(display.frame.contains(display.visibleFrame));
@@ -48,8 +48,8 @@ private Q_SLOTS:
     void fakeKeepsTheContract()
     {
         FakeDisplays displays;
-        const QList<Display> one = displays.list;
-        QList<Display> two = one;
+        const QList<velbrix::Display> one = displays.list;
+        QList<velbrix::Display> two = one;
         two.append({2, u"Second"_s, false, QRect(1280, 0, 640, 480), QRect(1280, 0, 640, 480)});
         keepsContract(displays, [&] { displays.set(two); }, [&] { displays.set(one); });
     }
@@ -63,7 +63,7 @@ private Q_SLOTS:
     {
         addTwoMonitors();
         X11Displays displays;
-        const QList<Display> all = displays.displays();
+        const QList<velbrix::Display> all = displays.displays();
         removeTwoMonitors();
         QCOMPARE(all.size(), 2);
         QCOMPARE(all.at(0).name, u"left"_s);
@@ -91,7 +91,7 @@ private Q_SLOTS:
         QList<QRect> visible;
         displays.observe([&] {
             visible.clear();
-            for (const Display &display : displays.displays())
+            for (const velbrix::Display &display : displays.displays())
                 visible.append(display.visibleFrame);
         });
         QVERIFY(!displays.displays().isEmpty());
@@ -141,8 +141,6 @@ private Q_SLOTS:
         QTEST(visibleFrame(monitor, QSize(1600, 800), std::span(&all, 1)), "visible");
     }
 };
-
-Q_DECLARE_METATYPE(velbrix::EdgeStrut)
 
 QTEST_MAIN(DisplaysTest)
 #include "DisplaysTest.moc"
