@@ -90,6 +90,7 @@ void X11Connection::negotiate()
         const XReply<xcb_damage_query_version_reply_t> version(xcb_damage_query_version_reply(
             _connection, xcb_damage_query_version(_connection, 1, 1), nullptr));
         _has.damage = version != nullptr;
+        _damageEvent = xcb_get_extension_data(_connection, &xcb_damage_id)->first_event;
     }
     if ((_has.randr = _has.randr && isPresent(xcb_randr_id))) {
         const XReply<xcb_randr_query_version_reply_t> version(

@@ -61,6 +61,7 @@ public:
     bool isAlive() const { return xcb_connection_has_error(_connection) == 0; }
 
     // Event numbers; only where there is the ability.
+    int damageEvent() const { return _damageEvent; }
     int fixesEvent() const { return _fixesEvent; }
     int randrEvent() const { return _randrEvent; }
 
@@ -82,6 +83,7 @@ private:
     xcb_screen_t *_screen = nullptr;
     int _screenNumber;
     X11Abilities _has;
+    int _damageEvent = 0;
     int _fixesEvent = 0;
     int _randrEvent = 0;
     std::map<std::string, xcb_atom_t, std::less<>> _atoms;
