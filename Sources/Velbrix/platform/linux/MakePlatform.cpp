@@ -3,6 +3,7 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/movie/LibAvMediaProbe.h"
 #include "platform/linux/movie/LinuxMovieFiles.h"
 #include "platform/linux/movie/MovieRecorder.h"
 #include "platform/linux/movie/PulseAudioDevices.h"
@@ -70,6 +71,7 @@ Platform makePlatform(Clock &)
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();
     platform.symbols = std::make_unique<ThemeSymbols>();
+    platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
     return platform;
 }
 
