@@ -12,6 +12,8 @@ namespace {
 
 // Programs of the same interface, which write down what they were asked.
 class DockRig {
+    QTemporaryDir _folder; // first, because the programs lie in it
+
 public:
     SystemClock clock;
     DefaultsDockPreference::Programs programs{program(u"defaults"_s), program(u"killall"_s)};
@@ -49,8 +51,6 @@ public:
 
 private:
     QString logPath() const { return _folder.filePath(u"log"_s); }
-
-    QTemporaryDir _folder;
 };
 
 } // namespace

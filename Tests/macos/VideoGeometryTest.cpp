@@ -22,7 +22,7 @@ private Q_SLOTS:
         QTest::newRow("upside down") << QSizeF(1920, 1080) << half << QSize(1920, 1080) << QSize(480, 270);
         QTest::newRow("small") << QSizeF(320, 200) << upright << QSize(320, 200) << QSize(320, 200);
         QTest::newRow("thin") << QSizeF(4000, 2) << upright << QSize(4000, 2) << QSize(480, 1);
-        QTest::newRow("none") << QSizeF() << upright << QSize(0, 0) << QSize(1, 1);
+        QTest::newRow("none") << QSizeF(0, 0) << upright << QSize(0, 0) << QSize(1, 1);
     }
     void fitsTheTurnedPictureIntoTheBound()
     {

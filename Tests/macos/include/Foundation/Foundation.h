@@ -76,6 +76,7 @@ typedef struct {
 @property(readonly) NSUInteger length;
 + (instancetype)stringWithCharacters:(const unichar *)characters length:(NSUInteger)length;
 - (void)getCharacters:(unichar *)buffer range:(struct _NSRange)range;
+- (BOOL)isEqualToString:(NSString *)other;
 @end
 
 typedef struct _NSRange {
