@@ -15,6 +15,8 @@
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
 #include "platform/linux/shell/XdgLoginItem.h"
+#include "platform/linux/surface/X11DesktopVisibility.h"
+#include "platform/linux/surface/X11Displays.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -50,7 +52,7 @@ QString prepareHost()
                      .arg(qEnvironmentVariable("DISPLAY", u"未设置"_s));
 }
 
-Platform makePlatform(Clock &)
+Platform makePlatform(Clock &clock)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     const auto x11 = qtX11Connection();
@@ -70,6 +72,8 @@ Platform makePlatform(Clock &)
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();
     platform.symbols = std::make_unique<ThemeSymbols>();
+    platform.displays = std::make_unique<X11Displays>();
+    platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
     return platform;
 }
 

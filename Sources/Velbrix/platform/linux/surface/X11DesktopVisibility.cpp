@@ -49,7 +49,7 @@ private:
             update();
         else if (!_soon && _cover->handleEvent(event))
             _soon = _clock.after(rest, [this] {
-                const auto fired = std::move(_soon);
+                _soon.reset();
                 _isCoverStale = true;
                 update();
             });
@@ -60,7 +60,6 @@ private:
         if (!_power->mustBeAsked())
             return;
         _ask = _clock.after(_sight.isScreenOff ? askWhileOff : askWhileOn, [this] {
-            const auto fired = std::move(_ask);
             askPowerLater();
             update();
         });
