@@ -17,6 +17,8 @@
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
 #include "platform/linux/shell/XdgLoginItem.h"
+#include "platform/linux/surface/X11DesktopVisibility.h"
+#include "platform/linux/surface/X11Displays.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -74,6 +76,8 @@ Platform makePlatform(Clock &clock)
     platform.symbols = std::make_unique<ThemeSymbols>();
     platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
     platform.power = std::make_unique<UPowerSource>(clock);
+    platform.displays = std::make_unique<X11Displays>();
+    platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
     return platform;
 }
 
