@@ -15,6 +15,7 @@
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
 #include "platform/linux/shell/XdgLoginItem.h"
+#include "platform/linux/surface/X11DesktopSurfaces.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -50,7 +51,7 @@ QString prepareHost()
                      .arg(qEnvironmentVariable("DISPLAY", u"未设置"_s));
 }
 
-Platform makePlatform(Clock &)
+Platform makePlatform(Clock &clock)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     const auto x11 = qtX11Connection();
@@ -70,6 +71,7 @@ Platform makePlatform(Clock &)
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();
     platform.symbols = std::make_unique<ThemeSymbols>();
+    platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     return platform;
 }
 
