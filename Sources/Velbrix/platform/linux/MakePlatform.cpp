@@ -19,6 +19,7 @@
 #include "platform/linux/shell/XdgLoginItem.h"
 #include "platform/linux/surface/X11DesktopVisibility.h"
 #include "platform/linux/surface/X11Displays.h"
+#include "platform/linux/surface/X11DesktopSurfaces.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -78,6 +79,7 @@ Platform makePlatform(Clock &clock)
     platform.power = std::make_unique<UPowerSource>(clock);
     platform.displays = std::make_unique<X11Displays>();
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
+    platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     return platform;
 }
 
