@@ -63,7 +63,7 @@ std::unique_ptr<DesktopPicture> makeKeeper(Program program, Clock &clock, const 
     using Family = GsettingsPicture::Family;
     switch (program) {
     case Program::Xfce:
-        return std::make_unique<XfcePicture>();
+        return std::make_unique<XfcePicture>(clock);
     case Program::Pcmanfm:
         return std::make_unique<PcmanfmPicture>(clock, profile, isRunning);
     case Program::Gnome:

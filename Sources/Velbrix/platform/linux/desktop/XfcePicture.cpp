@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/XfcePicture.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
@@ -42,25 +43,19 @@ QCoro::Task<Result<void>> XfcePicture::set(const QString path)
     const auto values = co_await _settings.values(base);
     if (!values)
         co_return std::unexpected(values.error());
-    bool isSet = false;
+    QVariantMap wanted;
     for (auto value = values->begin(); value != values->end(); ++value) {
         if (!value.key().endsWith(image))
             continue;
         const QString place = value.key().chopped(image.size());
-        QVariantMap wanted{{value.key(), path}, {place + style, zoomed}};
+        wanted.insert(value.key(), path);
+        wanted.insert(place + style, zoomed);
         if (values->value(place + cycle).toBool())
             wanted.insert(place + cycle, false);
-        for (auto each = wanted.begin(); each != wanted.end(); ++each) {
-            if (values->value(each.key()) == *each)
-                continue;
-            if (const auto done = co_await _settings.set(each.key(), *each); !done)
-                co_return std::unexpected(done.error());
-        }
-        isSet = true;
     }
-    if (!isSet)
+    if (wanted.isEmpty())
         co_return failure(u"Xfce 桌面还没有可设置的显示器"_s);
-    co_return Result<void>();
+    co_return co_await change(*values, wanted);
 }
 
 QCoro::Task<Result<void>> XfcePicture::restore(const QJsonObject picture)
@@ -68,26 +63,40 @@ QCoro::Task<Result<void>> XfcePicture::restore(const QJsonObject picture)
     const auto values = co_await _settings.values(base);
     if (!values)
         co_return std::unexpected(values.error());
-    // What appeared since, such as another monitor, shows our picture too.
+    QVariantMap wanted;
     QStringList shown;
     for (auto former = picture.begin(); former != picture.end(); ++former) {
+        wanted.insert(former.key(), typed(*former));
         if (former.key().endsWith(image))
             shown.append(values->value(former.key()).toString());
     }
+    // What appeared since, such as another monitor, shows our picture too.
     for (auto value = values->begin(); value != values->end(); ++value) {
-        const bool isNew = isOurs(value.key()) && !picture.contains(value.key());
         const QString place = value.key().left(value.key().lastIndexOf(u'/'));
-        if (!isNew || !shown.contains(values->value(place + image).toString()))
-            continue;
-        if (const auto done = co_await _settings.reset(value.key()); !done)
-            co_return std::unexpected(done.error());
+        if (isOurs(value.key()) && !picture.contains(value.key()) &&
+            shown.contains(values->value(place + image).toString()))
+            wanted.insert(value.key(), QVariant());
     }
-    for (auto former = picture.begin(); former != picture.end(); ++former) {
-        const QVariant wanted = typed(*former);
-        if (values->value(former.key()) == wanted)
-            continue;
-        if (const auto done = co_await _settings.set(former.key(), wanted); !done)
-            co_return std::unexpected(done.error());
+    co_return co_await change(*values, wanted);
+}
+
+// Two changes of one place at once leave xfdesktop with a black screen now and
+// then, so the pictures follow when it is done with the rest.
+QCoro::Task<Result<void>> XfcePicture::change(const QVariantMap values, const QVariantMap wanted)
+{
+    for (const bool isImage : {false, true}) {
+        bool isChanged = false;
+        for (auto each = wanted.begin(); each != wanted.end(); ++each) {
+            if (each.key().endsWith(image) != isImage || values.value(each.key()) == *each)
+                continue;
+            const auto done = each->isValid() ? co_await _settings.set(each.key(), *each)
+                                              : co_await _settings.reset(each.key());
+            if (!done)
+                co_return std::unexpected(done.error());
+            isChanged = true;
+        }
+        if (isChanged && !isImage)
+            co_await Pause(_clock, 500ms);
     }
     co_return Result<void>();
 }
