@@ -43,8 +43,11 @@ struct AVVideoSurface::Ticking {
 };
 
 AVVideoSurface::AVVideoSurface(const QRect &frame, SurfaceEvents events, Clock &clock)
-    : _events(std::move(events)), _clock(clock), _player(_events.failed ? _events.failed : [](const Failure &) {}),
-      _layer([AVPlayerLayer playerLayerWithPlayer:_player.player()]), _window(frame)
+    : _events(std::move(events)),
+      _clock(clock),
+      _player(_events.failed ? _events.failed : [](const Failure &) {}),
+      _layer([AVPlayerLayer playerLayerWithPlayer:_player.player()]),
+      _window(frame)
 {
     _window.show(_layer);
 }
