@@ -142,7 +142,7 @@ void ComponentsTest::pathFieldTakesAFolderOnly()
 
 void ComponentsTest::gridByKeyboard()
 {
-    ThumbnailGrid grid(_theme, u"grid"_s);
+    ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
     grid.resize(600, 400);
     grid.setItems({{u"7"_s, u"甲"_s, {}}, {u"8"_s, u"乙"_s, {}}, {u"9"_s, u"丙"_s, {}}});
     grid.show();
