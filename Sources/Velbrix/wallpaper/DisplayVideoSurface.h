@@ -17,6 +17,7 @@ public:
     ~DisplayVideoSurface();
 
     quint32 displayID() const { return _displayID; }
+    void moveTo(quint32 displayID) { _displayID = displayID; }
     VideoSurface &surface() { return *_surface; }
     const std::optional<QString> &videoURL() const { return _videoURL; }
     bool isShown() const { return _isShown; }
@@ -36,10 +37,9 @@ public:
 
 private:
     void update();
-    void watch();
     void look();
 
-    const quint32 _displayID;
+    quint32 _displayID;
     std::unique_ptr<VideoSurface> _surface;
     Clock &_clock;
     std::optional<QString> _videoURL;
@@ -50,6 +50,7 @@ private:
     bool _isPlaying = false;
     std::unique_ptr<Alarm> _watchdog;
     qint64 _lastProgress = 0;
+    std::chrono::seconds _stillFor{0};
     std::chrono::seconds _patience;
 };
 

@@ -28,8 +28,8 @@ Q_SIGNALS:
     void toggled();
 
 private:
-    QCoro::Task<> toggle();
-    QCoro::Task<bool> writeDockAutoHide(bool value);
+    QCoro::Task<> change(bool hides);
+    void finish(const QString &problem);
 
     DockPreference &_dock;
     WallpaperPreferences &_preferences;

@@ -22,8 +22,6 @@ class StaticDesktop final : public QObject {
     VELB_PUBLISHED(StaticDesktop, bool, isWorking, false)
 
 public:
-    static constexpr int keptPictures = 6;
-
     // The folder for the pictures is created with the first one.
     StaticDesktop(DesktopPicture &picture, SettingsStore &settings, Clock &clock, QString folder,
                   QObject *parent = nullptr);
@@ -40,7 +38,6 @@ private:
     QCoro::Task<> restoreOriginal();
     QCoro::Task<Result<void>> rememberOriginal();
     bool isOurs(const QJsonObject &picture) const;
-    QString newPath() const;
 
     DesktopPicture &_picture;
     SettingsStore &_settings;

@@ -9,7 +9,6 @@
 #include <QObject>
 
 #include <map>
-#include <vector>
 
 namespace velbrix {
 
@@ -47,6 +46,7 @@ public:
     bool isShowing(quint32 displayID) const;
 
     void applyWindowLayering();
+    void bringMainToFront();
     QCoro::Task<Result<QImage>> mainFrame();
     QList<quint32> windowIds() const;
 

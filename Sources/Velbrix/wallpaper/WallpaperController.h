@@ -10,6 +10,7 @@
 #include "wallpaper/WallpaperPreferences.h"
 #include "wallpaper/WallpaperVideo.h"
 
+#include <QCoroTask>
 #include <QObject>
 
 namespace velbrix {
@@ -24,6 +25,8 @@ class WallpaperController final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(WallpaperController, WallpaperState, state)
     VELB_PUBLISHED(WallpaperController, bool, isPaused, false)
+    // A wallpaper is about to show.
+    VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
     // What the user should know about the last act; empty when all is well.
     VELB_PUBLISHED(WallpaperController, QString, notice)
     VELB_PUBLISHED(WallpaperController, QList<WallpaperDisplayInfo>, connectedDisplays)
@@ -55,12 +58,14 @@ public:
                         std::function<bool()> isInBackground, QObject *parent = nullptr);
     ~WallpaperController() override;
 
-    // Starts showing the chosen content; shows it anew when it shows already.
-    void applyWallpaper();
+    // Starts showing the chosen content, or shows it anew.
+    void applyWallpaper() { apply(); }
+    // The same; answers whether it is on the desktop then.
+    QCoro::Task<bool> apply();
     // Chooses the main display's video and stores it once it is known to be
     // one. A showing wallpaper changes over to it. Answers when that is done.
     QCoro::Task<bool> setVideo(const QString path);
-    void loadVideo(const QString &path) { setVideo(path); }
+    void loadVideo(const QString &atPath) { setVideo(atPath); }
     void stopWallpaper();
     void pauseWallpaper();
     void resumeWallpaper();
@@ -115,23 +120,22 @@ Q_SIGNALS:
     void isSettledChanged();
 
 private:
-    void followPreferences();
-    void followHost(Hosts &hosts);
-    void followSurfaces();
-    void applyVideo();
+    void followParts();
+    QCoro::Task<bool> applyVideo(QString path);
     QCoro::Task<> loadAndApply(QString path);
     void hardResume(const QString &reason);
     void restoreLastVideo();
     void resumeAfterBattery();
+    void showSecondaryOnly();
+    void show(const QString &path);
+    void refuse(const QString &message);
     void refreshStaticDesktop(const QString &reason);
-    QCoro::Task<> setFirstFrame(QString path);
     QCoro::Task<> setShownFrame();
     void displaysChanged();
-    void showing(const QString &path);
     WallpaperState restingState() const;
-    std::optional<QString> shownMainPath() const;
 
     Displays &_displays;
+    Clock &_clock;
     WallpaperPreferences _preferences;
     WallpaperVideo _video;
     VideoFolder _folder;
@@ -141,7 +145,7 @@ private:
     PowerPolicy _power;
     DockHiding _dock;
     std::function<bool()> _isInBackground;
-    int _frameGeneration = 0;
+    int _applyGeneration = 0;
 };
 
 } // namespace velbrix

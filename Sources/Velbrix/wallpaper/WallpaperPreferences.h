@@ -73,12 +73,12 @@ public:
     // The user's own auto-hide of the Dock, as long as this program has
     // changed it; nothing when it is not known.
     std::optional<bool> originalSystemDockAutohideState() const;
+    // On disk when it returns: a crash must not cost the user his value.
     void setDockState(bool isHidden, std::optional<bool> original);
 
 private:
     template <typename Property, typename Value>
     void change(Property &property, const Value &value, const QString &key, const QJsonValue &stored);
-    void storeDisplayPaths();
 
     SettingsStore &_settings;
 };
