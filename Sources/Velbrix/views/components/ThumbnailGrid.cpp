@@ -229,7 +229,11 @@ void ThumbnailGrid::setPictures(const QHash<QString, QImage> &pictures)
 
 void ThumbnailGrid::setPicture(const QString &id, const QImage &picture)
 {
-    _items->pictures.insert(id, picture);
+    const bool hadProblem = _items->problems.remove(id);
+    QImage &shown = _items->pictures[id];
+    if (shown.cacheKey() == picture.cacheKey() && !hadProblem)
+        return;
+    shown = picture;
     _items->redraw(id);
 }
 
@@ -289,11 +293,22 @@ void ThumbnailGrid::keyPressEvent(QKeyEvent *event)
 void ThumbnailGrid::paintEvent(QPaintEvent *event)
 {
     QListView::paintEvent(event);
-    // Also when only a page around the grid has scrolled.
-    if (const QStringList ids = idsInSight(); ids != _inSight) {
-        _inSight = ids;
-        Q_EMIT inSightChanged(ids);
-    }
+    noteSight(); // it may be a page around the grid that has scrolled
+}
+
+void ThumbnailGrid::scrollContentsBy(int dx, int dy)
+{
+    QListView::scrollContentsBy(dx, dy);
+    noteSight();
+}
+
+void ThumbnailGrid::noteSight()
+{
+    const QStringList ids = idsInSight();
+    if (ids == _inSight)
+        return;
+    _inSight = ids;
+    Q_EMIT inSightChanged(ids);
 }
 
 void ThumbnailGrid::resizeEvent(QResizeEvent *event)

@@ -47,18 +47,20 @@ public:
 
 Q_SIGNALS:
     void wanted(const QString &id);
-    // Comes while the grid is painted: put off what changes it.
+    // May come while the grid is painted.
     void inSightChanged(const QStringList &ids);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
 
 private:
     class Items;
     class Cell;
     int columns() const;
+    void noteSight();
     void fit();
 
     Items *_items;
