@@ -23,6 +23,8 @@
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
 
+#include <QTemporaryDir>
+
 namespace velbrix::test {
 
 // A whole host of fakes: `platform` owns them, the references reach them.
@@ -83,9 +85,16 @@ private:
     }
 };
 
-// The program's services on a virtual clock and a host of fakes. Change the
-// host, then call make().
+// The program's services on a virtual clock and a host of fakes, with folders
+// of their own. Change the host, then call make().
 struct ServicesRig {
+    ServicesRig()
+    {
+        qputenv("XDG_DATA_HOME", files.filePath(QStringLiteral("data")).toUtf8());
+        qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
+    }
+
+    QTemporaryDir files;
     VirtualClock clock;
     FakePlatform host{clock};
     std::unique_ptr<AppServices> services;

@@ -97,7 +97,7 @@ public:
     void toggleHideDesktopIcons();
     void toggleDockAutoHide() { _dock.toggleDockAutoHide(); }
     void setContentMode(WallpaperContentMode mode);
-    void setPauseOnBattery(bool on);
+    void setPauseOnBattery(bool on) { _preferences.setPauseOnBattery(on); }
 
     // While the user looks for a file in the system's panel.
     void beginSelecting();

@@ -3,6 +3,8 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/desktop/UPowerSource.h"
+#include "platform/linux/movie/LibAvMediaProbe.h"
 #include "platform/linux/movie/LinuxMovieFiles.h"
 #include "platform/linux/movie/MovieRecorder.h"
 #include "platform/linux/movie/PulseAudioDevices.h"
@@ -50,7 +52,7 @@ QString prepareHost()
                      .arg(qEnvironmentVariable("DISPLAY", u"未设置"_s));
 }
 
-Platform makePlatform(Clock &)
+Platform makePlatform(Clock &clock)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     const auto x11 = qtX11Connection();
@@ -70,6 +72,8 @@ Platform makePlatform(Clock &)
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();
     platform.symbols = std::make_unique<ThemeSymbols>();
+    platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
+    platform.power = std::make_unique<UPowerSource>(clock);
     return platform;
 }
 

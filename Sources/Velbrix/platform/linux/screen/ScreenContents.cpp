@@ -1,5 +1,6 @@
 #include "platform/linux/screen/ScreenContents.h"
 
+#include "platform/linux/screen/MonitorNames.h"
 #include "platform/linux/screen/TextProperty.h"
 #include "platform/linux/screen/TopLevel.h"
 
@@ -98,6 +99,16 @@ QRectF toQRect(const PixelRect &rect)
     return QRectF(rect.x, rect.y, rect.width, rect.height);
 }
 
+void identify(std::vector<Monitor> &all)
+{
+    std::vector<QByteArray> connectors;
+    for (const Monitor &monitor : all)
+        connectors.push_back(monitor.connector);
+    const std::vector<quint32> ids = displayIds(connectors);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        all[i].id = ids[i];
+}
+
 } // namespace
 
 std::vector<Monitor> monitors(X11Connection &connection)
@@ -116,14 +127,31 @@ std::vector<Monitor> monitors(X11Connection &connection)
         for (; each.rem; xcb_randr_monitor_info_next(&each)) {
             const auto &info = *each.data;
             const PixelRect rect = intersected({info.x, info.y, info.width, info.height}, whole);
-            // The atom of a name like "HDMI-1": the same for every use of a socket.
-            if (!isEmpty(rect))
-                found.push_back({info.name, rect, info.primary != 0});
+            if (isEmpty(rect))
+                continue;
+            const bool hasOutput = info.nOutput > 0;
+            found.push_back({.id = 0,
+                             .rect = rect,
+                             .isPrimary = info.primary != 0,
+                             .connector = connection.atomName(info.name),
+                             .firstOutput = hasOutput ? *xcb_randr_monitor_info_outputs(each.data) : 0});
         }
     } else {
-        found.push_back({connection.root(), whole, true});
+        found.push_back({.id = 0, .rect = whole, .isPrimary = true, .connector = "screen", .firstOutput = 0});
     }
+    identify(found);
     return found;
+}
+
+const Monitor *mainMonitor(const std::vector<Monitor> &all)
+{
+    const auto isAtCorner = [](const Monitor &monitor) { return monitor.rect.x == 0 && monitor.rect.y == 0; };
+    auto main = std::ranges::find_if(all, &Monitor::isPrimary);
+    if (main == all.end())
+        main = std::ranges::find_if(all, isAtCorner);
+    if (main == all.end())
+        main = all.begin();
+    return main == all.end() ? nullptr : &*main;
 }
 
 QList<CapturableWindow> windowsOnScreen(X11Connection &connection)

@@ -90,6 +90,7 @@ void X11Connection::negotiate()
         const XReply<xcb_damage_query_version_reply_t> version(xcb_damage_query_version_reply(
             _connection, xcb_damage_query_version(_connection, 1, 1), nullptr));
         _has.damage = version != nullptr;
+        _damageEvent = xcb_get_extension_data(_connection, &xcb_damage_id)->first_event;
     }
     if ((_has.randr = _has.randr && isPresent(xcb_randr_id))) {
         const XReply<xcb_randr_query_version_reply_t> version(
@@ -134,6 +135,14 @@ xcb_atom_t X11Connection::atom(const char *name)
     const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     _atoms.emplace(name, atom);
     return atom;
+}
+
+QByteArray X11Connection::atomName(xcb_atom_t atom) const
+{
+    const XReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(_connection, xcb_get_atom_name(_connection, atom), nullptr));
+    return reply ? QByteArray(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()))
+                 : QByteArray();
 }
 
 XProperty X11Connection::property(xcb_window_t window, const char *name, std::uint32_t maximumBytes)

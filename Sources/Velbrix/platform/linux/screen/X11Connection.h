@@ -61,10 +61,12 @@ public:
     bool isAlive() const { return xcb_connection_has_error(_connection) == 0; }
 
     // Event numbers; only where there is the ability.
+    int damageEvent() const { return _damageEvent; }
     int fixesEvent() const { return _fixesEvent; }
     int randrEvent() const { return _randrEvent; }
 
     xcb_atom_t atom(const char *name);
+    QByteArray atomName(xcb_atom_t atom) const;
     XProperty property(xcb_window_t window, const char *name, std::uint32_t maximumBytes = 4096);
     bool hasCompositingManager();
 
@@ -82,6 +84,7 @@ private:
     xcb_screen_t *_screen = nullptr;
     int _screenNumber;
     X11Abilities _has;
+    int _damageEvent = 0;
     int _fixesEvent = 0;
     int _randrEvent = 0;
     std::map<std::string, xcb_atom_t, std::less<>> _atoms;

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/DesktopVisibility.h"
+
+#include <memory>
+
+namespace velbrix {
+
+// What the window server says of the desktop-level windows, and the system's
+// announcements about the session and its screens. A display without such a
+// window never counts as covered.
+class MacDesktopVisibility final : public DesktopVisibility {
+public:
+    DesktopSight sight() const override;
+    std::unique_ptr<Observation> watch(std::function<void()> changed) override;
+
+private:
+    class Announcements;
+    class Watch;
+    std::weak_ptr<Announcements> _announcements; // of the watches there are
+};
+
+} // namespace velbrix
