@@ -8,6 +8,7 @@
 #include <QPainterPath>
 #include <QScrollBar>
 #include <QSet>
+#include <QStyle>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -189,9 +190,8 @@ ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, const QStr
     : QListView(parent), _items(new Items(this))
 {
     setObjectName(name);
-    // Not IconMode, which takes seconds to lay out tens of thousands of cells.
-    setFlow(LeftToRight);
-    setWrapping(true);
+    setViewMode(IconMode);
+    setMovement(Static);
     setResizeMode(Adjust);
     setUniformItemSizes(true);
     setSelectionMode(NoSelection);
@@ -317,16 +317,21 @@ void ThumbnailGrid::resizeEvent(QResizeEvent *event)
     fit();
 }
 
+int ThumbnailGrid::room() const
+{
+    // As the base class counts when it breaks the lines: less one pixel, and
+    // always with the bar.
+    return width() - style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, verticalScrollBar()) - 1;
+}
+
 int ThumbnailGrid::columns() const
 {
-    const int room = width() - verticalScrollBar()->sizeHint().width();
-    return std::max(room / leastCellWidth, 1);
+    return std::max(room() / leastCellWidth, 1);
 }
 
 void ThumbnailGrid::fit()
 {
-    const int room = width() - verticalScrollBar()->sizeHint().width();
-    setGridSize(QSize(std::max(room / columns(), 1), cellHeight));
+    setGridSize(QSize(std::max(room() / columns(), 1), cellHeight));
     setFixedHeight(std::max(sizeHint().height(), 1));
 }
 

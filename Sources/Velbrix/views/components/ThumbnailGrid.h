@@ -59,6 +59,7 @@ protected:
 private:
     class Items;
     class Cell;
+    int room() const;
     int columns() const;
     void noteSight();
     void fit();

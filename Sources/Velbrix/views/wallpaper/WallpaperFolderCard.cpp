@@ -153,7 +153,7 @@ void WallpaperFolderCard::showFolder()
     _field->setPath(path.value_or(QString()));
     _unchosen->setVisible(!path);
     _top->setVisible(path.has_value());
-    _count->setText(count == 0 ? u"壁纸文件夹"_s : u"壁纸文件夹 · 共 %1 个视频"_s.arg(count));
+    _count->setText(count == 0 ? u"文件夹"_s : u"共 %1 个视频"_s.arg(count));
     _problem->setText(folder.problem());
     _problem->setVisible(hasProblem);
     _job->setVisible(folder.isScanning());

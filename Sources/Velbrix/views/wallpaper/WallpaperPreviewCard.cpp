@@ -274,6 +274,25 @@ void WallpaperPreviewCard::dropEvent(QDropEvent *event)
     }
 }
 
+void WallpaperPreviewCard::loadLastVideo()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    // A load under way would be outdated by this one.
+    if (_hasLoadedLast || wallpaper.video().videoURL() || wallpaper.video().isLoading())
+        return;
+    const auto last = wallpaper.preferences().lastVideoPath();
+    if (!last || !QFileInfo(*last).isFile() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
+        return;
+    _hasLoadedLast = true;
+    wallpaper.loadVideo(*last);
+}
+
+void WallpaperPreviewCard::showEvent(QShowEvent *event)
+{
+    Card::showEvent(event);
+    loadLastVideo();
+}
+
 void WallpaperPreviewCard::hideEvent(QHideEvent *event)
 {
     // Nobody looks at it any more.

@@ -23,6 +23,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private:
@@ -39,6 +40,7 @@ private:
     void showVideo();
     void showPicture();
     void showNotice();
+    void loadLastVideo();
 
     ViewContext _context;
     EmptyState *_empty;
@@ -53,6 +55,7 @@ private:
     QWidget *_buttons = nullptr;
     QPushButton *_toggle = nullptr;
     QPushButton *_stop = nullptr;
+    bool _hasLoadedLast = false;
 };
 
 } // namespace velbrix
