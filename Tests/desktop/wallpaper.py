@@ -16,12 +16,12 @@ def make_clip(path, *colors, size="640x400", seconds=0.5):
     parts = "".join(f"[{i}]" for i in range(len(colors)))
     output_of("ffmpeg", "-v", "error", "-y", *sources, "-filter_complex", f"{parts}concat=n={len(colors)}",
               "-pix_fmt", "yuv420p", path)
-    return path
+    return str(path)
 
 
 def make_sound(path):
     output_of("ffmpeg", "-v", "error", "-y", "-f", "lavfi", "-i", "sine=duration=1", path)
-    return path
+    return str(path)
 
 
 class Shot:

@@ -111,7 +111,7 @@ class Wallpaper(DesktopTestCase):
         text.write_text("this is no video\n" * 100)
         empty = self.home / "empty.mp4"
         empty.touch()
-        sound = make_sound(self.home / "sound.m4a").rename(self.home / "sound.mp4")
+        sound = make_sound(self.home / "sound.mp4")
         for path, words in ((text, "无法读取视频："), (empty, "无法读取视频："), (self.home / "none.mp4", "无法读取视频："),
                             (self.home, "无法读取视频："), (sound, "视频中没有画面轨道")):
             answer = program.ask("wallpaper", "set", str(path))
