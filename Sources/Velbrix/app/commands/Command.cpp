@@ -75,7 +75,7 @@ const QList<CommandForm> &commandForms()
         {u"wallpaper stop"_s, {}, 0, 0, u"停止动态壁纸并恢复原来的桌面图片"_s},
         {u"wallpaper status"_s, {}, 0, 0, u"动态壁纸与各显示器的当前状态"_s},
         {u"hotkeys"_s, {}, 0, 0, u"列出全局快捷键及其状态"_s},
-        {u"quit"_s, {}, 0, 0, u"退出 Velbrix（会先结束正在进行的录制）"_s},
+        {u"quit"_s, {}, 0, 0, u"退出 Velbrix（会先恢复桌面并结束正在进行的录制）"_s},
     };
     return forms;
 }
