@@ -7,13 +7,14 @@
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
+#include <QDBusConnection>
 #include <QDir>
 #include <QGuiApplication>
-#include <QJsonArray>
 #include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
 
 #include <memory>
 
@@ -64,6 +65,22 @@ QString makePicture(const QString &path, QColor left, QColor right)
     return path;
 }
 
+// Plasma's shell, as far as its pictures go.
+class PlasmaShell final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.PlasmaShell")
+public:
+    const QByteArray desktops =
+        R"([{"fill":"2","id":1,"image":"","kind":"org.kde.slideshow"},{"fill":"6","id":7,"image":"file:///u.png","kind":"org.kde.image"}])";
+    QStringList inputs;
+public Q_SLOTS:
+    QString evaluateScript(const QString &script)
+    {
+        inputs.append(script.section(u'\n', 0, 0));
+        return script.contains(u"print("_s) ? QString::fromUtf8(desktops) : QString();
+    }
+};
+
 const QString magenta = u"#ff00ff"_s;
 const QString cyan = u"#00ffff"_s;
 
@@ -106,6 +123,12 @@ class DesktopPictureTest : public QObject {
         }));
     }
 
+    void renameWindowManager(const QString &name)
+    {
+        shell(u"xprop -id $(xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x.*') "
+              "-f _NET_WM_NAME 8u -set _NET_WM_NAME '%1'"_s.arg(name));
+    }
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -123,6 +146,7 @@ private Q_SLOTS:
             _desktop.reset();
         }
         shell(u"xprop -root -remove _XROOTPMAP_ID -remove ESETROOT_PMAP_ID; xsetroot -def"_s);
+        renameWindowManager(u"Openbox"_s);
     }
 
     void theFakeRemembersToo()
@@ -261,10 +285,7 @@ private Q_SLOTS:
 
     void gnomeKeepsItInItsSettings()
     {
-        const QByteArray check = shell(u"xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x.*'"_s).trimmed();
-        const QString rename =
-            u"xprop -id %1 -f _NET_WM_NAME 8u -set _NET_WM_NAME '%2'"_s.arg(QString::fromLatin1(check));
-        shell(rename.arg(u"GNOME Shell"_s));
+        renameWindowManager(u"GNOME Shell"_s);
         const QString get = u"gsettings get org.gnome.desktop.background "_s;
         shell(u"gsettings set org.gnome.desktop.background picture-options none"_s);
         const QJsonObject former = current();
@@ -279,7 +300,24 @@ private Q_SLOTS:
         QCOMPARE(current(), former);
         QCOMPARE(shell(get + u"picture-options"_s), "'none'\n");
         QCOMPARE(shell(get + u"picture-uri-dark"_s), dark);
-        shell(rename.arg(u"Openbox"_s));
+    }
+
+    void plasmaKeepsItForEveryScreen()
+    {
+        renameWindowManager(u"KWin"_s);
+        PlasmaShell plasma;
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"plasma"_s);
+        QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
+                bus.registerService(u"org.kde.plasmashell"_s));
+        const QJsonObject former = current();
+        QCOMPARE(former.keys(), (QStringList{u"plasma"_s, u"root"_s}));
+        QVERIFY(set());
+        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QVERIFY(restore(former));
+        const QString address = QString::fromLatin1(QUrl::fromLocalFile(ours()).toEncoded());
+        QCOMPARE(plasma.inputs, (QStringList{u"var input = null;"_s, u"var input = [\"%1\"];"_s.arg(address),
+                                             u"var input = %1;"_s.arg(QString::fromUtf8(plasma.desktops))}));
+        QDBusConnection::disconnectFromBus(u"plasma"_s);
     }
 
     void aMissingPictureIsAFailure()
