@@ -123,6 +123,16 @@ class DesktopPictureTest : public QObject {
         }));
     }
 
+    void installSchema(const QString &schema, const QStringList &keys)
+    {
+        const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + u"/glib-2.0/schemas"_s;
+        QDir().mkpath(folder);
+        QString xml = u"<schemalist><schema id='%1' path='/test/%1/'>"_s.arg(schema);
+        for (const QString &key : keys + QStringList{u"picture-options"_s})
+            xml += u"<key name='%1' type='s'><default>'unset'</default></key>"_s.arg(key);
+        writeFile(folder + u'/' + schema + u".gschema.xml"_s, xml.toUtf8() + "</schema></schemalist>");
+        shell(u"glib-compile-schemas "_s + folder);
+    }
     void renameWindowManager(const QString &name)
     {
         shell(u"xprop -id $(xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x.*') "
@@ -248,6 +258,17 @@ private Q_SLOTS:
         QCOMPARE(current(), former);
     }
 
+    void pcmanfmKeepsThePicturesOfItsWorkspaces()
+    {
+        const QString folder = qEnvironmentVariable("XDG_CONFIG_HOME") + u"/pcmanfm/many"_s;
+        QDir().mkpath(folder);
+        writeFile(folder + u"/desktop-items-0.conf"_s, "[*]\nwallpaper_mode=crop\nwallpaper_common=0\n");
+        startDesktop(u"pcmanfm"_s, {u"--desktop"_s, u"-p"_s, u"many"_s});
+        const auto done = set();
+        QVERIFY(!done);
+        QCOMPARE(done.error().message, u"pcmanfm 为每个工作区设置了不同的图片，因此不作更改"_s);
+    }
+
     void xfdesktopShowsItEverywhere()
     {
         startDesktop(u"xfdesktop"_s, {});
@@ -283,23 +304,47 @@ private Q_SLOTS:
         QCOMPARE(current(), former);
     }
 
-    void gnomeKeepsItInItsSettings()
+    void gnomesFamilyKeepsItInItsSettings_data()
     {
-        renameWindowManager(u"GNOME Shell"_s);
-        const QString get = u"gsettings get org.gnome.desktop.background "_s;
-        shell(u"gsettings set org.gnome.desktop.background picture-options none"_s);
+        QTest::addColumn<QString>("manager");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("schema");
+        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<bool>("keepsRoot");
+        const QStringList uris{u"picture-uri"_s, u"picture-uri-dark"_s};
+        QTest::newRow("GNOME") << u"GNOME Shell"_s << u"gnome"_s << u"org.gnome.desktop.background"_s << uris
+                               << false;
+        QTest::newRow("Cinnamon") << u"Mutter (Muffin)"_s << u"cinnamon"_s
+                                  << u"org.cinnamon.desktop.background"_s << uris.first(1) << false;
+        QTest::newRow("MATE") << u"Metacity (Marco)"_s << u"mate"_s << u"org.mate.background"_s
+                              << QStringList{u"picture-filename"_s} << true;
+    }
+    void gnomesFamilyKeepsItInItsSettings()
+    {
+        QFETCH(QString, manager);
+        QFETCH(QString, name);
+        QFETCH(QString, schema);
+        QFETCH(QStringList, keys);
+        QFETCH(bool, keepsRoot);
+        if (name != u"gnome"_s)
+            installSchema(schema, keys);
+        renameWindowManager(manager);
+        const auto get = [&](const QString &key) {
+            return shell(u"gsettings get %1 %2"_s.arg(schema, key)).trimmed();
+        };
+        shell(u"gsettings set %1 picture-options none"_s.arg(schema));
         const QJsonObject former = current();
-        QCOMPARE(former.keys(), (QStringList{u"gnome"_s, u"root"_s}));
-        const QByteArray dark = shell(get + u"picture-uri-dark"_s);
+        QCOMPARE(former.keys(), keepsRoot ? QStringList{name} : (QStringList{name, u"root"_s}));
+        const QByteArray before = get(keys.last());
         QVERIFY(set());
-        QCOMPARE(shell(get + u"picture-options"_s), "'zoom'\n");
-        for (const QString &key : {u"picture-uri"_s, u"picture-uri-dark"_s})
-            QVERIFY(shell(get + key).contains("%20'own'%20picture.png"));
-        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QCOMPARE(get(u"picture-options"_s), "'zoom'");
+        for (const QString &key : std::as_const(keys))
+            QVERIFY(get(key).endsWith(keepsRoot ? " 'own' picture.png\"" : "%20'own'%20picture.png\""));
+        QCOMPARE(hasPublishedPicture(), !keepsRoot);
         QVERIFY(restore(former));
         QCOMPARE(current(), former);
-        QCOMPARE(shell(get + u"picture-options"_s), "'none'\n");
-        QCOMPARE(shell(get + u"picture-uri-dark"_s), dark);
+        QCOMPARE(get(u"picture-options"_s), "'none'");
+        QCOMPARE(get(keys.last()), before);
     }
 
     void plasmaKeepsItForEveryScreen()
