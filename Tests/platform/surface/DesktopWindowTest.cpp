@@ -94,27 +94,49 @@ Seen compare(const QImage &alone, const QImage &backdrop, const QImage &now)
             empty > 0 ? static_cast<double>(seenEmpty) / static_cast<double>(empty) : 0};
 }
 
+// Manages windows as long as it lives, and has begun to.
+class WindowManager {
+public:
+    explicit WindowManager(const QString &name)
+        : _program(name, name == u"openbox"_s ? QStringList{u"--replace"_s, u"--sm-disable"_s}
+                                              : QStringList{u"--replace"_s})
+    {
+        QTRY_VERIFY(isNamed(name));
+        QTRY_VERIFY(manages());
+    }
+
+private:
+    bool isNamed(const QString &name)
+    {
+        X11Connection &connection = _observer.connection();
+        const xcb_window_t check =
+            connection.property(connection.root(), "_NET_SUPPORTING_WM_CHECK").value(0);
+        return connection.property(check, "_NET_WM_NAME").bytes.toLower() == name.toUtf8();
+    }
+    // A window that is mapped while a manager starts may be overlooked.
+    bool manages()
+    {
+        ForeignWindow window(QRect(0, 0, 10, 10));
+        window.map();
+        QTest::qWait(100);
+        return _observer.clients().contains(window.id());
+    }
+
+    Observer _observer;
+    DesktopProgram _program;
+};
+
 // A window manager and an icon manager of one desktop environment.
 struct Desktop {
     Desktop(const QString &manager, const QString &iconManager)
-        : windowManager(manager, manager == u"openbox"_s ? QStringList{u"--replace"_s, u"--sm-disable"_s}
-                                                         : QStringList{u"--replace"_s}),
-          isPcmanfm(iconManager == u"pcmanfm"_s)
+        : windowManager(manager), isPcmanfm(iconManager == u"pcmanfm"_s)
     {
         const QDir home = QDir::home();
         for (const char *name : {"Desktop/one", "Desktop/two", "Desktop/three"})
             home.mkpath(QString::fromLatin1(name));
-        QTRY_VERIFY(manages(manager));
         startIcons();
     }
 
-    bool manages(const QString &manager)
-    {
-        X11Connection &connection = observer.connection();
-        const xcb_window_t check =
-            connection.property(connection.root(), "_NET_SUPPORTING_WM_CHECK").value(0);
-        return connection.property(check, "_NET_WM_NAME").bytes.toLower() == manager.toUtf8();
-    }
     void startIcons()
     {
         icons.emplace(isPcmanfm ? u"pcmanfm"_s : u"xfdesktop"_s,
@@ -169,7 +191,7 @@ struct Desktop {
     }
 
     Observer observer;
-    DesktopProgram windowManager;
+    WindowManager windowManager;
     const bool isPcmanfm;
     std::optional<DesktopProgram> icons;
 };
@@ -195,6 +217,9 @@ private:
     }
 
 private Q_SLOTS:
+    // Also those of a test that has failed.
+    void cleanup() { removeTwoMonitors(); }
+
     void liesBelowOrAboveTheIcons_data() { desktops(); }
     void liesBelowOrAboveTheIcons()
     {
@@ -220,7 +245,6 @@ private Q_SLOTS:
                                    u"click"_s, u"1"_s}));
         QTRY_VERIFY(seen().icons < 0.95);
         QCOMPARE(share(observer.screen(), QRect(800, 0, 480, 800), red), 1.0);
-        const QImage selected = observer.screen();
 
         coloured.window->setLayer(SurfaceLayer::aboveIcons);
         QTRY_COMPARE(share(observer.screen(), whole, red), 1.0);
@@ -229,10 +253,12 @@ private Q_SLOTS:
         QTest::qWait(300);
         QCOMPARE(share(observer.screen(), whole, red), 1.0);
         coloured.window->setLayer(SurfaceLayer::belowIcons);
-        QTRY_VERIFY(observer.screen().copy(0, 0, 100, 40) == selected.copy(0, 0, 100, 40));
+        QTRY_COMPARE(share(observer.screen(), QRect(800, 0, 480, 800), red), 1.0);
+        QTRY_VERIFY(seen().icons > 0.5);
+        QVERIFY(seen().icons < 0.95);
 
         coloured.window->orderOut();
-        QTRY_VERIFY(compare(alone, backdrop, observer.screen()).backdrop == 1);
+        QTRY_VERIFY(seen().backdrop > 0.98);
     }
 
     void followsTheIconManager_data() { desktops(); }
@@ -298,7 +324,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, windowManager);
         Observer observer;
-        const DesktopProgram manager(windowManager, {u"--replace"_s});
+        const WindowManager manager(windowManager);
         ForeignWindow other(QRect(100, 100, 300, 200));
         other.map();
         const auto active = [&] {
@@ -333,13 +359,12 @@ private Q_SLOTS:
         QCOMPARE(observer.pixel({900, 700}), red);
     }
 
-    void staysBehindWindowsOfAllMonitors_data() { windowManagers(); }
+    // With Openbox alone: others do not know monitors without outputs.
     void staysBehindWindowsOfAllMonitors()
     {
-        QFETCH(QString, windowManager);
-        addTwoMonitors();
         Observer observer;
-        const DesktopProgram manager(windowManager, {u"--replace"_s});
+        const WindowManager manager(u"openbox"_s);
+        addTwoMonitors();
         ForeignWindow first(QRect(100, 100, 300, 200));
         ForeignWindow second(QRect(800, 100, 300, 200));
         first.map();
@@ -371,12 +396,11 @@ private Q_SLOTS:
     void survivesAnotherWindowManager()
     {
         Observer observer;
-        std::optional<DesktopProgram> manager;
-        manager.emplace(u"openbox"_s, QStringList{u"--replace"_s});
+        const WindowManager manager(u"openbox"_s);
         ColouredWindow coloured(whole, red);
         coloured.window->orderFront();
         QTRY_COMPARE(share(observer.screen(), whole, red), 1.0);
-        const DesktopProgram next(u"xfwm4"_s, {u"--replace"_s});
+        const WindowManager next(u"xfwm4"_s);
         const auto type = [&] {
             return observer.hasAtom(coloured.window->id(), "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_NORMAL");
         };
