@@ -104,8 +104,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
         QTest::addColumn<int>("started");
         QTest::newRow("no defaults") << QString() << u"exit 0"_s << u"failed to write Dock autohide: "_s << 0;
-        QTest::newRow("defaults") << u"exit 3"_s << u"exit 0"_s
-                                  << u"defaults write Dock autohide failed: 3"_s << 1;
+        QTest::newRow("defaults") << u"exit 3"_s << u"exit 0"_s << u"defaults write Dock autohide failed: 3"_s
+                                  << 1;
         QTest::newRow("no killall") << u"exit 0"_s << QString() << u"failed to reload Dock: "_s << 1;
         QTest::newRow("killall") << u"exit 0"_s << u"exit 1"_s << u"killall Dock failed: 1"_s << 2;
     }

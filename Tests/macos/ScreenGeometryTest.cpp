@@ -17,7 +17,8 @@ private Q_SLOTS:
         const ScreenFacts desk{7, u"外接"_s, QRectF(1440, -200, 1920, 1080), QRectF(1440, -200, 1920, 1055)};
         const QList<velbrix::Display> displays = displayList({laptop, desk});
         const velbrix::Display first{1, u"内建"_s, true, QRect(0, 0, 1440, 900), QRect(0, 25, 1440, 805)};
-        const velbrix::Display second{7, u"外接"_s, false, QRect(1440, 20, 1920, 1080), QRect(1440, 45, 1920, 1055)};
+        const velbrix::Display second{7, u"外接"_s, false, QRect(1440, 20, 1920, 1080),
+                                      QRect(1440, 45, 1920, 1055)};
         QCOMPARE(displays, (QList<velbrix::Display>{first, second}));
     }
 

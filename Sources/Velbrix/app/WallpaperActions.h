@@ -1,5 +1,8 @@
 #pragma once
 
+#include "foundation/Result.h"
+
+#include <QCoroTask>
 #include <QObject>
 #include <QString>
 
@@ -16,18 +19,23 @@ class WallpaperActions final : public QObject {
     Q_OBJECT
 
 public:
+    // Fails when nothing was chosen or begun. A video can be chosen and yet not
+    // show, on battery for one: then the value says why; else it is empty.
+    using Outcome = Result<QString>;
+
     WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, QObject *parent = nullptr);
 
     // Nothing is played before the first launch's statement is accepted: then
-    // these only ask for the statement.
+    // these only ask for the statement. Without consent they answer at once
+    // that it is missing, and act when the user has given it.
 
     // For the main display; shows it at once.
-    void playVideo(const QString &path);
+    QCoro::Task<Outcome> playVideo(const QString &path);
     // For one display; a wallpaper that is not showing starts with it.
-    void playVideoOn(quint32 displayID, const QString &path);
+    QCoro::Task<Outcome> playVideoOn(quint32 displayID, const QString &path);
     // For the display that is chosen as the target, else the main one.
-    void playChosenVideo(const QString &path);
-    void play();
+    QCoro::Task<Outcome> playChosenVideo(const QString &path);
+    QCoro::Task<Outcome> play();
     void togglePlayPause();
     // Need no consent.
     void pause();
@@ -38,7 +46,11 @@ Q_SIGNALS:
     void statementNeeded();
 
 private:
-    void guarded(std::function<void()> act);
+    QCoro::Task<Outcome> guarded(std::function<QCoro::Task<Outcome>()> act);
+    QCoro::Task<Outcome> showVideo(QString path);
+    QCoro::Task<Outcome> showVideoOn(quint32 displayID, QString path);
+    QCoro::Task<Outcome> start();
+    QString reason() const;
 
     WallpaperController &_wallpaper;
     PrivacyManager &_privacy;

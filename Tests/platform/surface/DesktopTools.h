@@ -103,6 +103,60 @@ private:
     std::unique_ptr<X11Connection> _connection = std::move(*X11Connection::open());
 };
 
+// A window of another program: this one knows nothing of it.
+class ForeignWindow {
+public:
+    explicit ForeignWindow(const QRect &frame, bool isUnmanaged = false)
+    {
+        X11Connection &connection = _observer.connection();
+        _id = xcb_generate_id(connection.xcb());
+        const std::uint32_t values[] = {connection.screen().white_pixel, isUnmanaged ? 1U : 0U};
+        xcb_create_window(connection.xcb(), XCB_COPY_FROM_PARENT, _id, connection.root(),
+                          static_cast<std::int16_t>(frame.x()), static_cast<std::int16_t>(frame.y()),
+                          static_cast<std::uint16_t>(frame.width()), static_cast<std::uint16_t>(frame.height()),
+                          0, XCB_WINDOW_CLASS_INPUT_OUTPUT, connection.screen().root_visual,
+                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+        // The user's place.
+        _observer.setNumbers(_id, "WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS,
+                             {3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    }
+    ~ForeignWindow()
+    {
+        xcb_destroy_window(_observer.connection().xcb(), _id);
+        _observer.connection().sync();
+    }
+    Q_DISABLE_COPY_MOVE(ForeignWindow)
+
+    xcb_window_t id() const { return _id; }
+    void set(const char *property, const char *atom)
+    {
+        _observer.setNumbers(_id, property, XCB_ATOM_ATOM, {_observer.connection().atom(atom)});
+    }
+    void setNumbers(const char *property, std::initializer_list<std::uint32_t> values)
+    {
+        _observer.setNumbers(_id, property, XCB_ATOM_CARDINAL, values);
+    }
+    void undecorate()
+    {
+        const xcb_atom_t hints = _observer.connection().atom("_MOTIF_WM_HINTS");
+        _observer.setNumbers(_id, "_MOTIF_WM_HINTS", hints, {2, 0, 0, 0, 0});
+    }
+    void map()
+    {
+        xcb_map_window(_observer.connection().xcb(), _id);
+        _observer.connection().sync();
+    }
+    void unmap()
+    {
+        xcb_unmap_window(_observer.connection().xcb(), _id);
+        _observer.connection().sync();
+    }
+
+private:
+    Observer _observer;
+    xcb_window_t _id = XCB_WINDOW_NONE;
+};
+
 // Splits the screen of 1280x800 in two.
 inline void addTwoMonitors()
 {

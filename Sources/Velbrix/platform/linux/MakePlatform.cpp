@@ -17,6 +17,9 @@
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
 #include "platform/linux/shell/XdgLoginItem.h"
+#include "platform/linux/surface/X11DesktopVisibility.h"
+#include "platform/linux/surface/X11Displays.h"
+#include "platform/linux/surface/X11DesktopSurfaces.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -74,6 +77,9 @@ Platform makePlatform(Clock &clock)
     platform.symbols = std::make_unique<ThemeSymbols>();
     platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
     platform.power = std::make_unique<UPowerSource>(clock);
+    platform.displays = std::make_unique<X11Displays>();
+    platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
+    platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     return platform;
 }
 

@@ -21,8 +21,8 @@ Result<VideoFacts> trackFacts(AVAssetTrack *track)
         return std::unexpected(toFailure(error));
     VideoFacts facts;
     facts.hasVideo = true;
-    facts.size = shownSize(naturalSize(track),
-                           isLoaded(track, @"preferredTransform") ? turn(track) : QTransform());
+    facts.size =
+        shownSize(naturalSize(track), isLoaded(track, @"preferredTransform") ? turn(track) : QTransform());
     if (isLoaded(track, @"nominalFrameRate"))
         facts.framesPerSecond = static_cast<double>(track.nominalFrameRate);
     return facts;

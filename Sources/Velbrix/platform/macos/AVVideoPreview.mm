@@ -75,7 +75,7 @@ void AVVideoPreview::Pictures::fetch(AVPlayerItem *item, CMTime time)
 
 AVVideoPreview::AVVideoPreview(const QString &path, QSize bound, PreviewEvents events)
     : _player(events.failed ? events.failed : [](const Failure &) {}),
-      _pictures(std::make_shared<Pictures>(bound, events.frame))
+      _pictures(std::make_shared<Pictures>(Pictures{bound, events.frame, {}}))
 {
     AVQueuePlayer *player = _player.player();
     player.muted = YES;

@@ -36,6 +36,7 @@ private:
     struct Ticking;
 
     void readinessChanged();
+    void countPlaying();
     void restartTicking();
     void stopTicking();
 

@@ -43,8 +43,11 @@ struct AVVideoSurface::Ticking {
 };
 
 AVVideoSurface::AVVideoSurface(const QRect &frame, SurfaceEvents events, Clock &clock)
-    : _events(std::move(events)), _clock(clock), _player(_events.failed ? _events.failed : [](const Failure &) {}),
-      _layer([AVPlayerLayer playerLayerWithPlayer:_player.player()]), _window(frame)
+    : _events(std::move(events)),
+      _clock(clock),
+      _player(_events.failed ? _events.failed : [](const Failure &) {}),
+      _layer([AVPlayerLayer playerLayerWithPlayer:_player.player()]),
+      _window(frame)
 {
     _window.show(_layer);
 }
@@ -59,6 +62,7 @@ void AVVideoSurface::load(const QString &path)
 {
     _awaitsFirstFrame = true;
     _player.load(path);
+    countPlaying();
     // Anew for each file, so that a late word about the one before is lost.
     _readiness = [[VBKeyValueWatch alloc] initWithObject:_layer
                                                  keyPath:@"readyForDisplay"
@@ -71,6 +75,7 @@ void AVVideoSurface::unload()
     _readiness = nil;
     _awaitsFirstFrame = false;
     _player.unload();
+    countPlaying();
 }
 
 void AVVideoSurface::readinessChanged()
@@ -87,17 +92,24 @@ void AVVideoSurface::play(double rate)
     // The player counts intervals in the video's own time.
     const bool isOtherPace = !qFuzzyCompare(std::exchange(_rate, rate), rate);
     _player.play(rate);
-    if (!_ticking)
-        return;
-    _ticking->ticks.begin(_clock.uptime());
-    if (isOtherPace)
+    countPlaying();
+    if (_ticking && isOtherPace)
         restartTicking();
 }
 
 void AVVideoSurface::pause()
 {
     _player.pause();
-    if (_ticking)
+    countPlaying();
+}
+
+void AVVideoSurface::countPlaying()
+{
+    if (!_ticking)
+        return;
+    if (_player.isPlaying())
+        _ticking->ticks.begin(_clock.uptime());
+    else
         _ticking->ticks.end(_clock.uptime());
 }
 
@@ -118,9 +130,8 @@ void AVVideoSurface::observeTime(std::chrono::milliseconds interval)
     if (interval <= std::chrono::milliseconds(0))
         return;
     _interval = interval;
-    _ticking = std::make_shared<Ticking>(PlayTicks(interval), _events.time, _clock);
-    if (_player.isPlaying())
-        _ticking->ticks.begin(_clock.uptime());
+    _ticking = std::make_shared<Ticking>(Ticking{PlayTicks(interval), _events.time, _clock});
+    countPlaying();
     restartTicking();
 }
 

@@ -43,8 +43,8 @@ QCoro::Task<Result<void>> writeAutoHide(ProcessRunner runner, DefaultsDockPrefer
     ProcessRequest writing = request(programs.defaults, {u"write"_s, u"com.apple.dock"_s, u"autohide"_s,
                                                          u"-bool"_s, hides ? u"true"_s : u"false"_s});
     const auto written = co_await runner.run(std::move(writing));
-    const Result<void> isWritten = judged(written, u"failed to write Dock autohide: "_s,
-                                          u"defaults write Dock autohide failed: "_s);
+    const Result<void> isWritten =
+        judged(written, u"failed to write Dock autohide: "_s, u"defaults write Dock autohide failed: "_s);
     if (!isWritten)
         co_return std::unexpected(isWritten.error());
     ProcessRequest reloading = request(programs.killall, {u"Dock"_s});

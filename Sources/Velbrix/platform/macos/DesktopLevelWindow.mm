@@ -81,8 +81,8 @@ QList<SurfaceSight> DesktopLevelWindow::sights()
     QList<SurfaceSight> sights;
     for (NSWindow *window in NSApplication.sharedApplication.windows) {
         if ([window isKindOfClass:[VBDesktopWindow class]] && window.isVisible && window.screen)
-            sights.append({displayId(window.screen),
-                           (window.occlusionState & NSWindowOcclusionStateVisible) != 0});
+            sights.append(
+                {displayId(window.screen), (window.occlusionState & NSWindowOcclusionStateVisible) != 0});
     }
     return sights;
 }

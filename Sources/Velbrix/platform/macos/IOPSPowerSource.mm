@@ -25,8 +25,8 @@ QList<PowerSourceFacts> powerSources()
     for (id source in sources) {
         NSDictionary<NSString *, id> *description =
             (__bridge NSDictionary *)IOPSGetPowerSourceDescription(info, (__bridge CFTypeRef)source);
-        facts.append({toQString(description[@kIOPSTypeKey]),
-                      toQString(description[@kIOPSPowerSourceStateKey])});
+        facts.append(
+            { toQString(description[@kIOPSTypeKey]), toQString(description[@kIOPSPowerSourceStateKey]) });
     }
     return facts;
 }

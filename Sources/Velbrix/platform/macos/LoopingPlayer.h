@@ -28,7 +28,7 @@ public:
     void play(double rate);
     void pause();
 
-    bool isPlaying() const { return _rate.has_value(); } // or would, had it a file
+    bool isPlaying() const { return _asset && _rate; }
     AVQueuePlayer *player() const { return _player; }
     AVAsset *asset() const { return _asset; } // nil without a file
     NSInteger repetitions() const { return _looper.loopCount; }

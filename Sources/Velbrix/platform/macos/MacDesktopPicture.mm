@@ -82,11 +82,10 @@ Result<void> setOnEveryScreen(const std::function<std::optional<ScreenPicture>(q
         if (!picture)
             continue;
         NSError *error = nil;
-        if (![NSWorkspace.sharedWorkspace
-                setDesktopImageURL:[NSURL fileURLWithPath:toNSString(picture->path)]
-                         forScreen:screen
-                           options:optionsOf(*picture)
-                             error:&error])
+        if (![NSWorkspace.sharedWorkspace setDesktopImageURL:[NSURL fileURLWithPath:toNSString(picture->path)]
+                                                   forScreen:screen
+                                                     options:optionsOf(*picture)
+                                                       error:&error])
             done = std::unexpected(toFailure(error));
     }
     return done;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Clock.h"
 #include "platform/DesktopVisibility.h"
 
 #include <memory>
@@ -11,12 +12,17 @@ namespace velbrix {
 // window never counts as covered.
 class MacDesktopVisibility final : public DesktopVisibility {
 public:
+    // The clock must outlive every watch.
+    explicit MacDesktopVisibility(Clock &clock) : _clock(clock) {}
+
     DesktopSight sight() const override;
     std::unique_ptr<Observation> watch(std::function<void()> changed) override;
 
 private:
     class Announcements;
     class Watch;
+
+    Clock &_clock;
     std::weak_ptr<Announcements> _announcements; // of the watches there are
 };
 

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+using namespace std::chrono_literals;
+
 namespace velbrix {
 namespace {
 
@@ -35,17 +37,24 @@ SessionState presentState()
     return state;
 }
 
-DesktopSight sightOf(const SessionState &session)
+DesktopSight sightOf(const QSet<quint32> &covered, const SessionState &session)
 {
-    return {coveredDisplays(DesktopLevelWindow::sights()), session.isLocked || session.isSwitchedOut,
-            session.isScreenOff};
+    return {covered, session.isLocked || session.isSwitchedOut, session.isScreenOff};
 }
+
+QSet<quint32> presentlyCovered()
+{
+    return coveredDisplays(DesktopLevelWindow::sights());
+}
+
+// Around one change the window server announces several, to and fro.
+constexpr auto settling = 500ms;
 
 } // namespace
 
 class MacDesktopVisibility::Announcements : public std::enable_shared_from_this<Announcements> {
 public:
-    Announcements()
+    explicit Announcements(Clock &clock) : _clock(clock)
     {
         follow(@"com.apple.screenIsLocked", &SessionState::isLocked, true);
         follow(@"com.apple.screenIsUnlocked", &SessionState::isLocked, false);
@@ -57,10 +66,10 @@ public:
         _watches.push_back([[VBNotificationWatch alloc]
             initWithCenter:NSNotificationCenter.defaultCenter
                       name:NSWindowDidChangeOcclusionStateNotification
-                    posted:[this](NSNotification *) { report(); }]);
+                    posted:[this](NSNotification *) { settle(); }]);
     }
 
-    DesktopSight sight() const { return sightOf(_session); }
+    DesktopSight sight() const { return sightOf(_covered, _session); }
     void add(const std::shared_ptr<std::function<void()>> &changed) { _observers.push_back(changed); }
 
 private:
@@ -82,6 +91,14 @@ private:
         _session.*fact = value;
         report();
     }
+    void settle()
+    {
+        _settled = _clock.after(settling, [this] {
+            const QSet<quint32> before = std::exchange(_covered, presentlyCovered());
+            if (before != _covered)
+                report();
+        });
+    }
     void report()
     {
         // A call may end any watch, the last one included.
@@ -94,7 +111,10 @@ private:
         }
     }
 
+    Clock &_clock;
+    std::unique_ptr<Alarm> _settled;
     SessionState _session = presentState();
+    QSet<quint32> _covered = presentlyCovered();
     std::vector<std::weak_ptr<std::function<void()>>> _observers;
     std::vector<VBNotificationWatch *> _watches;
 };
@@ -116,14 +136,14 @@ private:
 DesktopSight MacDesktopVisibility::sight() const
 {
     const auto announcements = _announcements.lock();
-    return announcements ? announcements->sight() : sightOf(presentState());
+    return announcements ? announcements->sight() : sightOf(presentlyCovered(), presentState());
 }
 
 std::unique_ptr<Observation> MacDesktopVisibility::watch(std::function<void()> changed)
 {
     auto announcements = _announcements.lock();
     if (!announcements) {
-        announcements = std::make_shared<Announcements>();
+        announcements = std::make_shared<Announcements>(_clock);
         _announcements = announcements;
     }
     return std::make_unique<Watch>(std::move(announcements), std::move(changed));

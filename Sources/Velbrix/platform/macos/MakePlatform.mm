@@ -45,7 +45,7 @@ Platform makePlatform(Clock &clock)
     platform.displays = std::make_unique<MacDisplays>();
     platform.surfaces = std::make_unique<AVDesktopSurfaces>(clock);
     platform.desktopPicture = std::make_unique<MacDesktopPicture>();
-    platform.visibility = std::make_unique<MacDesktopVisibility>();
+    platform.visibility = std::make_unique<MacDesktopVisibility>(clock);
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);

@@ -16,8 +16,7 @@ QSize decodedSize(QSizeF natural, const QTransform &turn, QSize bound)
     const QSizeF shown = shownSize(natural, turn);
     if (shown.isEmpty())
         return {1, 1};
-    const double scale =
-        std::min({1.0, bound.width() / shown.width(), bound.height() / shown.height()});
+    const double scale = std::min({1.0, bound.width() / shown.width(), bound.height() / shown.height()});
     return (natural * scale).toSize().expandedTo(QSize(1, 1));
 }
 

@@ -28,15 +28,6 @@ QString title(X11Connection &connection, xcb_window_t window)
     return name.isEmpty() ? text(connection, connection.property(window, "WM_NAME")) : name;
 }
 
-bool holds(const XProperty &atoms, xcb_atom_t wanted)
-{
-    for (int i = 0; i < atoms.count(); ++i) {
-        if (atoms.value(i) == wanted)
-            return true;
-    }
-    return false;
-}
-
 // A program lists its window's types from special to general; a list of
 // nothing but unknown ones is an ordinary window.
 bool isNormal(X11Connection &connection, xcb_window_t window)
@@ -57,41 +48,6 @@ bool isNormal(X11Connection &connection, xcb_window_t window)
             return false;
     }
     return true;
-}
-
-// Some window managers keep minimised windows and those of other workspaces
-// mapped.
-bool isPutAway(X11Connection &connection, xcb_window_t window)
-{
-    constexpr std::uint32_t allWorkspaces = 0xffffffff;
-    if (holds(connection.property(window, "_NET_WM_STATE"), connection.atom("_NET_WM_STATE_HIDDEN")))
-        return true;
-    const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
-    const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
-    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
-           workspace.value(0) != current.value(0);
-}
-
-// Bottom to top. Without a window manager every window that could have one.
-std::vector<xcb_window_t> clients(X11Connection &connection)
-{
-    for (const char *list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"}) {
-        const XProperty property = connection.property(connection.root(), list, 65536);
-        if (property.type != XCB_ATOM_WINDOW)
-            continue;
-        std::vector<xcb_window_t> windows;
-        for (int i = 0; i < property.count(); ++i)
-            windows.push_back(property.value(i));
-        return windows;
-    }
-    std::vector<xcb_window_t> windows = stackedWindows(connection);
-    std::erase_if(windows, [&connection](xcb_window_t window) {
-        const XReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-            connection.xcb(), xcb_get_window_attributes(connection.xcb(), window), nullptr));
-        return !attributes || attributes->override_redirect ||
-               attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT;
-    });
-    return windows;
 }
 
 QRectF toQRect(const PixelRect &rect)
@@ -154,10 +110,42 @@ const Monitor *mainMonitor(const std::vector<Monitor> &all)
     return main == all.end() ? nullptr : &*main;
 }
 
+bool isPutAway(X11Connection &connection, xcb_window_t window)
+{
+    constexpr std::uint32_t allWorkspaces = 0xffffffff;
+    if (connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_HIDDEN")))
+        return true;
+    const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
+    const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
+    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
+           workspace.value(0) != current.value(0);
+}
+
+std::vector<xcb_window_t> clientWindows(X11Connection &connection)
+{
+    for (const char *list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"}) {
+        const XProperty property = connection.property(connection.root(), list, 65536);
+        if (property.type != XCB_ATOM_WINDOW)
+            continue;
+        std::vector<xcb_window_t> windows;
+        for (int i = 0; i < property.count(); ++i)
+            windows.push_back(property.value(i));
+        return windows;
+    }
+    std::vector<xcb_window_t> windows = stackedWindows(connection);
+    std::erase_if(windows, [&connection](xcb_window_t window) {
+        const XReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+            connection.xcb(), xcb_get_window_attributes(connection.xcb(), window), nullptr));
+        return !attributes || attributes->override_redirect ||
+               attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT;
+    });
+    return windows;
+}
+
 QList<CapturableWindow> windowsOnScreen(X11Connection &connection)
 {
     QList<CapturableWindow> found;
-    std::vector<xcb_window_t> windows = clients(connection);
+    std::vector<xcb_window_t> windows = clientWindows(connection);
     std::ranges::reverse(windows);
     for (const xcb_window_t window : windows) {
         const std::optional<TopLevel> topLevel = topLevelOf(connection, window);

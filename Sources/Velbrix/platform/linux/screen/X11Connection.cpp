@@ -22,6 +22,15 @@ std::uint32_t XProperty::value(int index) const
     return number;
 }
 
+bool XProperty::holds(std::uint32_t wanted) const
+{
+    for (int i = 0; i < count(); ++i) {
+        if (value(i) == wanted)
+            return true;
+    }
+    return false;
+}
+
 Result<std::unique_ptr<X11Connection>> X11Connection::open(const X11Abilities &allowed)
 {
     int screenNumber = 0;

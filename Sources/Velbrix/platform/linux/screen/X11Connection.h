@@ -38,6 +38,7 @@ struct XProperty {
 
     // Of a property of 32-bit values; zero where there are not so many.
     std::uint32_t value(int index) const;
+    bool holds(std::uint32_t wanted) const;
     int count() const { return static_cast<int>(bytes.size() / 4); }
 };
 

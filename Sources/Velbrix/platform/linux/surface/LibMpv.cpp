@@ -1,0 +1,45 @@
+#include "platform/linux/surface/LibMpv.h"
+
+#include <QLibrary>
+
+#include <clocale>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+template <typename Function> bool resolve(QLibrary &library, const char *name, Function &function)
+{
+    function = reinterpret_cast<Function>(library.resolve(name));
+    return function != nullptr;
+}
+
+bool load(LibMpv &functions)
+{
+    QLibrary library(u"mpv"_s, MPV_CLIENT_API_VERSION >> 16);
+    bool isComplete = library.load();
+#define VELB_MPV_RESOLVE(name) isComplete = resolve(library, #name, functions.name) && isComplete;
+    VELB_MPV(VELB_MPV_RESOLVE)
+#undef VELB_MPV_RESOLVE
+    return isComplete;
+}
+
+} // namespace
+
+Result<const LibMpv *> libMpv()
+{
+    static LibMpv functions;
+    static const bool isLoaded = load(functions);
+    if (!isLoaded)
+        return failure(u"缺少播放视频所需的组件 libmpv，请先安装"_s);
+    // It reads and writes numbers with the functions of C and refuses to work
+    // where these use a decimal comma. Ours come from Qt, which does not care.
+    if (const char *const locale = std::setlocale(LC_NUMERIC, nullptr);
+        !locale || std::strcmp(locale, "C") != 0)
+        std::setlocale(LC_NUMERIC, "C");
+    return &functions;
+}
+
+} // namespace velbrix

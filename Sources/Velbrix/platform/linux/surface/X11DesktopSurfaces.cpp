@@ -1,0 +1,22 @@
+#include "platform/linux/surface/X11DesktopSurfaces.h"
+
+#include "platform/linux/surface/MpvPreview.h"
+#include "platform/linux/surface/X11VideoSurface.h"
+
+namespace velbrix {
+
+X11DesktopSurfaces::X11DesktopSurfaces(Clock &clock) : _clock(clock) {}
+
+Result<std::unique_ptr<VideoSurface>> X11DesktopSurfaces::makeVideoSurface(const QRect &frame,
+                                                                           SurfaceEvents events)
+{
+    return X11VideoSurface::create(_clock, _retired, frame, std::move(events));
+}
+
+Result<std::unique_ptr<VideoPreview>> X11DesktopSurfaces::makePreview(const QString &path, QSize bound,
+                                                                      PreviewEvents events)
+{
+    return MpvPreview::create(_retired, path, bound, std::move(events));
+}
+
+} // namespace velbrix
