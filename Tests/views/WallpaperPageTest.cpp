@@ -23,6 +23,7 @@ namespace {
 
 // A program with a folder for videos, which the fakes need not read.
 struct Rig : WindowRig {
+    Rig() { host.settings.stored.insert(u"Velbrix_Privacy_consent_videoWallpaper"_s, true); }
     WallpaperController &wallpaper() const { return services->wallpaper; }
     void click(const QString &name) const { QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton); }
     QString text(const QString &name) const
@@ -76,6 +77,7 @@ class WallpaperPageTest final : public QObject {
 
 private Q_SLOTS:
     void chosenVideoPlays();
+    void consentComesFirst();
     void buttonsFollowTheWallpaper();
     void lastVideoIsShown();
     void failureIsToldUntilSeen();
@@ -116,6 +118,19 @@ void WallpaperPageTest::chosenVideoPlays()
     QCOMPARE(rig.text(u"wallpaperName"_s), u"海.mp4"_s);
     QCOMPARE(rig.text(u"wallpaperFacts"_s), u"1920×1080 · 30 帧/秒 · 0:10"_s);
     QCOMPARE(rig.texts(u"wallpaperBadge"_s), QStringList{u"播放中"_s});
+}
+
+void WallpaperPageTest::consentComesFirst()
+{
+    Rig rig;
+    rig.host.settings.stored.remove(u"Velbrix_Privacy_consent_videoWallpaper"_s);
+    rig.start();
+    rig.wallpaper().loadVideo(rig.video(u"海.mp4"_s));
+    rig.click(u"wallpaperToggle"_s);
+    QVERIFY(rig.button(u"noticeConfirm"_s));
+    QVERIFY(!rig.wallpaper().isShowing());
+    rig.click(u"noticeConfirm"_s);
+    QTRY_VERIFY(rig.wallpaper().isShowing());
 }
 
 void WallpaperPageTest::buttonsFollowTheWallpaper()
