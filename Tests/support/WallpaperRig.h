@@ -4,6 +4,7 @@
 #include "support/FakePlatform.h"
 
 #include <QFile>
+#include <QThreadPool>
 
 namespace velbrix::test {
 
@@ -11,6 +12,9 @@ namespace velbrix::test {
 // videos; change the host or the settings, then call wallpaper().
 struct WallpaperRig : ServicesRig {
     CapturedLog log;
+
+    // Pictures are written in other threads, and the folder goes after this.
+    ~WallpaperRig() { QThreadPool::globalInstance()->waitForDone(); }
 
     WallpaperController &wallpaper()
     {

@@ -121,14 +121,15 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 dis
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::start()
 {
-    if (_wallpaper.isShowing() && _wallpaper.isPaused()) {
-        _wallpaper.resumeWallpaper();
-        co_return _wallpaper.isPaused() ? Outcome(failure(reason())) : Outcome(QString());
-    }
     const auto last = _wallpaper.preferences().lastVideoPath();
     if (!_wallpaper.isShowing() && last && QFileInfo(*last).isFile()) {
         const Outcome outcome = co_await showVideo(*last);
         co_return outcome && !outcome->isEmpty() ? Outcome(failure(*outcome)) : outcome;
+    }
+    if (!_wallpaper.isShowing() || _wallpaper.isPaused()) {
+        _wallpaper.resumeWallpaper();
+        const bool isPlaying = _wallpaper.isShowing() && !_wallpaper.isPaused();
+        co_return isPlaying ? Outcome(QString()) : Outcome(failure(reason()));
     }
     const QPointer self(this);
     const bool isShown = co_await _wallpaper.apply();

@@ -61,7 +61,7 @@ Platform makePlatform(Clock &clock)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     const QString data =
-        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/velbrix"_s;
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velbrix"_s;
     const auto x11 = qtX11Connection();
     const auto keyboard = x11 ? std::make_shared<X11Keyboard>(*x11) : nullptr;
 
