@@ -113,6 +113,10 @@ QCoro::Task<bool> WallpaperController::apply()
         _notice = u"请先选择一个视频"_s;
         co_return false;
     }
+    if (!isFile(path)) {
+        refuse(u"无法读取视频：文件不存在"_s);
+        co_return false;
+    }
     const int generation = ++_applyGeneration;
     _isApplying = true;
     const bool isShown = co_await applyVideo(*path);

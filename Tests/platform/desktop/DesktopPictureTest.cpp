@@ -7,13 +7,14 @@
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
+#include <QDBusConnection>
 #include <QDir>
 #include <QGuiApplication>
-#include <QJsonArray>
 #include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
 
 #include <memory>
 
@@ -64,6 +65,22 @@ QString makePicture(const QString &path, QColor left, QColor right)
     return path;
 }
 
+// Plasma's shell, as far as its pictures go.
+class PlasmaShell final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.PlasmaShell")
+public:
+    const QByteArray desktops =
+        R"([{"fill":"2","id":1,"image":"","kind":"org.kde.slideshow"},{"fill":"6","id":7,"image":"file:///u.png","kind":"org.kde.image"}])";
+    QStringList inputs;
+public Q_SLOTS:
+    QString evaluateScript(const QString &script)
+    {
+        inputs.append(script.section(u'\n', 0, 0));
+        return script.contains(u"print("_s) ? QString::fromUtf8(desktops) : QString();
+    }
+};
+
 const QString magenta = u"#ff00ff"_s;
 const QString cyan = u"#00ffff"_s;
 
@@ -106,6 +123,22 @@ class DesktopPictureTest : public QObject {
         }));
     }
 
+    void installSchema(const QString &schema, const QStringList &keys)
+    {
+        const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + u"/glib-2.0/schemas"_s;
+        QDir().mkpath(folder);
+        QString xml = u"<schemalist><schema id='%1' path='/test/%1/'>"_s.arg(schema);
+        for (const QString &key : keys + QStringList{u"picture-options"_s})
+            xml += u"<key name='%1' type='s'><default>'unset'</default></key>"_s.arg(key);
+        writeFile(folder + u'/' + schema + u".gschema.xml"_s, xml.toUtf8() + "</schema></schemalist>");
+        shell(u"glib-compile-schemas "_s + folder);
+    }
+    void renameWindowManager(const QString &name)
+    {
+        shell(u"xprop -id $(xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x.*') "
+              "-f _NET_WM_NAME 8u -set _NET_WM_NAME '%1'"_s.arg(name));
+    }
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -123,6 +156,7 @@ private Q_SLOTS:
             _desktop.reset();
         }
         shell(u"xprop -root -remove _XROOTPMAP_ID -remove ESETROOT_PMAP_ID; xsetroot -def"_s);
+        renameWindowManager(u"Openbox"_s);
     }
 
     void theFakeRemembersToo()
@@ -224,6 +258,17 @@ private Q_SLOTS:
         QCOMPARE(current(), former);
     }
 
+    void pcmanfmKeepsThePicturesOfItsWorkspaces()
+    {
+        const QString folder = qEnvironmentVariable("XDG_CONFIG_HOME") + u"/pcmanfm/many"_s;
+        QDir().mkpath(folder);
+        writeFile(folder + u"/desktop-items-0.conf"_s, "[*]\nwallpaper_mode=crop\nwallpaper_common=0\n");
+        startDesktop(u"pcmanfm"_s, {u"--desktop"_s, u"-p"_s, u"many"_s});
+        const auto done = set();
+        QVERIFY(!done);
+        QCOMPARE(done.error().message, u"pcmanfm 为每个工作区设置了不同的图片，因此不作更改"_s);
+    }
+
     void xfdesktopShowsItEverywhere()
     {
         startDesktop(u"xfdesktop"_s, {});
@@ -259,27 +304,65 @@ private Q_SLOTS:
         QCOMPARE(current(), former);
     }
 
-    void gnomeKeepsItInItsSettings()
+    void gnomesFamilyKeepsItInItsSettings_data()
     {
-        const QByteArray check = shell(u"xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x.*'"_s).trimmed();
-        const QString rename =
-            u"xprop -id %1 -f _NET_WM_NAME 8u -set _NET_WM_NAME '%2'"_s.arg(QString::fromLatin1(check));
-        shell(rename.arg(u"GNOME Shell"_s));
-        const QString get = u"gsettings get org.gnome.desktop.background "_s;
-        shell(u"gsettings set org.gnome.desktop.background picture-options none"_s);
+        QTest::addColumn<QString>("manager");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("schema");
+        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<bool>("keepsRoot");
+        const QStringList uris{u"picture-uri"_s, u"picture-uri-dark"_s};
+        QTest::newRow("GNOME") << u"GNOME Shell"_s << u"gnome"_s << u"org.gnome.desktop.background"_s << uris
+                               << false;
+        QTest::newRow("Cinnamon") << u"Mutter (Muffin)"_s << u"cinnamon"_s
+                                  << u"org.cinnamon.desktop.background"_s << uris.first(1) << false;
+        QTest::newRow("MATE") << u"Metacity (Marco)"_s << u"mate"_s << u"org.mate.background"_s
+                              << QStringList{u"picture-filename"_s} << true;
+    }
+    void gnomesFamilyKeepsItInItsSettings()
+    {
+        QFETCH(QString, manager);
+        QFETCH(QString, name);
+        QFETCH(QString, schema);
+        QFETCH(QStringList, keys);
+        QFETCH(bool, keepsRoot);
+        if (name != u"gnome"_s)
+            installSchema(schema, keys);
+        renameWindowManager(manager);
+        const auto get = [&](const QString &key) {
+            return shell(u"gsettings get %1 %2"_s.arg(schema, key)).trimmed();
+        };
+        shell(u"gsettings set %1 picture-options none"_s.arg(schema));
         const QJsonObject former = current();
-        QCOMPARE(former.keys(), (QStringList{u"gnome"_s, u"root"_s}));
-        const QByteArray dark = shell(get + u"picture-uri-dark"_s);
+        QCOMPARE(former.keys(), keepsRoot ? QStringList{name} : (QStringList{name, u"root"_s}));
+        const QByteArray before = get(keys.last());
         QVERIFY(set());
-        QCOMPARE(shell(get + u"picture-options"_s), "'zoom'\n");
-        for (const QString &key : {u"picture-uri"_s, u"picture-uri-dark"_s})
-            QVERIFY(shell(get + key).contains("%20'own'%20picture.png"));
-        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QCOMPARE(get(u"picture-options"_s), "'zoom'");
+        for (const QString &key : std::as_const(keys))
+            QVERIFY(get(key).endsWith(keepsRoot ? " 'own' picture.png\"" : "%20'own'%20picture.png\""));
+        QCOMPARE(hasPublishedPicture(), !keepsRoot);
         QVERIFY(restore(former));
         QCOMPARE(current(), former);
-        QCOMPARE(shell(get + u"picture-options"_s), "'none'\n");
-        QCOMPARE(shell(get + u"picture-uri-dark"_s), dark);
-        shell(rename.arg(u"Openbox"_s));
+        QCOMPARE(get(u"picture-options"_s), "'none'");
+        QCOMPARE(get(keys.last()), before);
+    }
+
+    void plasmaKeepsItForEveryScreen()
+    {
+        renameWindowManager(u"KWin"_s);
+        PlasmaShell plasma;
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"plasma"_s);
+        QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
+                bus.registerService(u"org.kde.plasmashell"_s));
+        const QJsonObject former = current();
+        QCOMPARE(former.keys(), (QStringList{u"plasma"_s, u"root"_s}));
+        QVERIFY(set());
+        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QVERIFY(restore(former));
+        const QString address = QString::fromLatin1(QUrl::fromLocalFile(ours()).toEncoded());
+        QCOMPARE(plasma.inputs, (QStringList{u"var input = null;"_s, u"var input = [\"%1\"];"_s.arg(address),
+                                             u"var input = %1;"_s.arg(QString::fromUtf8(plasma.desktops))}));
+        QDBusConnection::disconnectFromBus(u"plasma"_s);
     }
 
     void aMissingPictureIsAFailure()

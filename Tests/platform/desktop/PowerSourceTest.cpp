@@ -6,7 +6,7 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusInterface>
+#include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -61,10 +61,11 @@ public:
     }
     void set(bool onBattery)
     {
-        QDBusInterface mock(u"org.freedesktop.UPower"_s, u"/org/freedesktop/UPower"_s,
-                            u"org.freedesktop.DBus.Mock"_s, QDBusConnection::systemBus());
-        mock.call(u"UpdateProperties"_s, u"org.freedesktop.UPower"_s,
-                  QVariantMap{{u"OnBattery"_s, onBattery}});
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(u"org.freedesktop.UPower"_s, u"/org/freedesktop/UPower"_s,
+                                           u"org.freedesktop.DBus.Mock"_s, u"UpdateProperties"_s);
+        call.setArguments({u"org.freedesktop.UPower"_s, QVariantMap{{u"OnBattery"_s, onBattery}}});
+        QCOMPARE(QDBusConnection::systemBus().call(call).type(), QDBusMessage::ReplyMessage);
     }
     ~MockedUPower()
     {

@@ -168,7 +168,7 @@ inline void addTwoMonitors()
 inline void removeTwoMonitors()
 {
     for (const QString &name : {QStringLiteral("right"), QStringLiteral("left")})
-        run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), name});
+        run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), name}); // if there
 }
 
 } // namespace velbrix::test

@@ -2,6 +2,7 @@
 
 #include "DesktopTools.h"
 #include "platform/linux/screen/ScreenContents.h"
+#include "platform/linux/surface/Struts.h"
 #include "support/FakeDisplays.h"
 #include "support/PaintedWindow.h"
 

@@ -5,8 +5,10 @@
 #include <QFile>
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <unistd.h>
 #include <utility>
 
@@ -16,33 +18,37 @@ namespace velbrix {
 namespace {
 
 using Program = RunningDesktop::Program;
-using Names = std::array<std::pair<QLatin1StringView, Program>, 8>;
+using Name = std::pair<QLatin1StringView, Program>;
 
-// Parts of a name, lower case.
-constexpr Names windowClasses{{{"xfdesktop"_L1, Program::Xfce},
-                               {"pcmanfm"_L1, Program::Pcmanfm},
-                               {"plasmashell"_L1, Program::Plasma},
-                               {"nemo"_L1, Program::Cinnamon},
-                               {"caja"_L1, Program::Mate},
-                               {"nautilus"_L1, Program::Gnome},
-                               {"gnome-shell"_L1, Program::Gnome},
-                               {"gjs"_L1, Program::Gnome}}};
-constexpr Names sessions{{{"gnome shell"_L1, Program::Gnome},
-                          {"muffin"_L1, Program::Cinnamon},
-                          {"cinnamon"_L1, Program::Cinnamon},
-                          {"kwin"_L1, Program::Plasma},
-                          {"kde"_L1, Program::Plasma},
-                          {"mate"_L1, Program::Mate},
-                          {"unity"_L1, Program::Gnome},
-                          {"gnome"_L1, Program::Gnome}}};
+// Parts of names, in any case.
+constexpr std::array windowClasses{
+    Name("xfdesktop"_L1, Program::Xfce),     Name("pcmanfm"_L1, Program::Pcmanfm),
+    Name("plasmashell"_L1, Program::Plasma), Name("nemo"_L1, Program::Cinnamon),
+    Name("caja"_L1, Program::Mate),          Name("nautilus"_L1, Program::Gnome),
+    Name("gjs"_L1, Program::Gnome)};
+constexpr std::array managers{Name("gnome shell"_L1, Program::Gnome), Name("budgie"_L1, Program::Gnome),
+                              Name("gala"_L1, Program::Gnome),        Name("muffin"_L1, Program::Cinnamon),
+                              Name("marco"_L1, Program::Mate),        Name("kwin"_L1, Program::Plasma)};
+// Of managers that serve several desktops the session says which one it is.
+constexpr std::array sharedManagers{"mutter"_L1, "metacity"_L1, "compiz"_L1};
+constexpr std::array sessions{Name("cinnamon"_L1, Program::Cinnamon), Name("mate"_L1, Program::Mate),
+                              Name("kde"_L1, Program::Plasma), Name("unity"_L1, Program::Gnome),
+                              Name("gnome"_L1, Program::Gnome)};
 
-std::optional<Program> match(const Names &names, const QString &text)
+std::optional<Program> match(std::span<const Name> names, const QString &text)
 {
     for (const auto &[part, program] : names) {
         if (text.contains(part, Qt::CaseInsensitive))
             return program;
     }
     return std::nullopt;
+}
+
+bool isShared(const QString &manager)
+{
+    return std::ranges::any_of(sharedManagers, [&manager](QLatin1StringView name) {
+        return manager.contains(name, Qt::CaseInsensitive);
+    });
 }
 
 struct DesktopClient {
@@ -103,9 +109,9 @@ RunningDesktop RunningDesktop::find()
         // LXQt's namesake takes its orders differently.
         if (client->windowClass.contains("pcmanfm-qt"_L1, Qt::CaseInsensitive))
             found.program = Program::RootWindow;
-    } else if (const auto byManager = match(sessions, manager)) {
+    } else if (const auto byManager = match(managers, manager)) {
         found.program = *byManager;
-    } else if (manager.isEmpty() || manager == u"Mutter"_s) {
+    } else if (isShared(manager)) {
         found.program = match(sessions, session).value_or(Program::RootWindow);
     }
     return found;

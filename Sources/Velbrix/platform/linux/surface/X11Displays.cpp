@@ -2,10 +2,13 @@
 
 #include "platform/linux/screen/MonitorNames.h"
 #include "platform/linux/screen/ScreenContents.h"
+#include "platform/linux/surface/Struts.h"
+#include "platform/linux/surface/X11EventSource.h"
 
 #include <xcb/randr.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 using namespace Qt::StringLiterals;
@@ -21,27 +24,66 @@ constexpr std::uint16_t randrEvents = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
 
 } // namespace
 
+// One look at the server and all that follow. Without a server there are no
+// displays.
+class X11Displays::Monitors {
+public:
+    explicit Monitors(std::function<void()> changed);
+
+    const QList<Display> &displays() const { return _displays; }
+
+private:
+    struct Client {
+        bool isPanel = false;
+        std::optional<Strut> strut;
+    };
+
+    void handleEvent(const xcb_generic_event_t &event);
+    void update();
+    void readClients();
+    Client readClient(xcb_window_t window) const;
+    QList<Display> readDisplays() const;
+    QString nameOf(quint32 output, const QByteArray &connector) const;
+
+    const std::function<void()> _changed;
+    std::unique_ptr<X11EventSource> _events;
+    std::map<xcb_window_t, Client> _clients;
+    QList<Display> _displays;
+    bool _areClientsStale = true;
+    bool _isStale = false;
+};
+
 X11Displays::X11Displays() = default;
 X11Displays::~X11Displays() = default;
 
+X11Displays::Monitors &X11Displays::monitors() const
+{
+    if (!_monitors)
+        _monitors = std::make_unique<Monitors>([this] { tellObservers(); });
+    return *_monitors;
+}
+
 QList<Display> X11Displays::displays() const
 {
-    if (!_events)
-        const_cast<X11Displays *>(this)->connect();
-    return _displays;
+    return monitors().displays();
 }
 
 void X11Displays::observe(std::function<void()> changed)
 {
     _observers.push_back(std::move(changed));
     // Not during the program's start.
-    QMetaObject::invokeMethod(&_context, [this] { connect(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&_context, [this] { monitors(); }, Qt::QueuedConnection);
 }
 
-void X11Displays::connect()
+void X11Displays::tellObservers() const
 {
-    if (_events)
-        return;
+    const auto observers = _observers;
+    for (const auto &observer : observers)
+        observer();
+}
+
+X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::move(changed))
+{
     auto events = X11EventSource::open([this](const xcb_generic_event_t &event) { handleEvent(event); },
                                        [this] { update(); });
     if (!events)
@@ -55,7 +97,7 @@ void X11Displays::connect()
     _displays = readDisplays();
 }
 
-void X11Displays::handleEvent(const xcb_generic_event_t &event)
+void X11Displays::Monitors::handleEvent(const xcb_generic_event_t &event)
 {
     X11Connection &connection = _events->connection();
     const int type = event.response_type & 0x7f;
@@ -79,7 +121,7 @@ void X11Displays::handleEvent(const xcb_generic_event_t &event)
     }
 }
 
-void X11Displays::update()
+void X11Displays::Monitors::update()
 {
     if (!_isStale && !_areClientsStale)
         return;
@@ -90,12 +132,10 @@ void X11Displays::update()
     if (now == _displays)
         return;
     _displays = std::move(now);
-    const auto observers = _observers;
-    for (const auto &observer : observers)
-        observer();
+    _changed();
 }
 
-void X11Displays::readClients()
+void X11Displays::Monitors::readClients()
 {
     _areClientsStale = false;
     X11Connection &connection = _events->connection();
@@ -110,7 +150,7 @@ void X11Displays::readClients()
     }
 }
 
-X11Displays::Client X11Displays::readClient(xcb_window_t window) const
+X11Displays::Monitors::Client X11Displays::Monitors::readClient(xcb_window_t window) const
 {
     X11Connection &connection = _events->connection();
     // Only panels are worth being woken for; before the reading, so that no
@@ -124,10 +164,10 @@ X11Displays::Client X11Displays::readClient(xcb_window_t window) const
     return {isPanel, readStrut(connection, window)};
 }
 
-QList<Display> X11Displays::readDisplays() const
+QList<Display> X11Displays::Monitors::readDisplays() const
 {
     X11Connection &connection = _events->connection();
-    const std::vector<Monitor> all = monitors(connection);
+    const std::vector<Monitor> all = velbrix::monitors(connection);
     const Monitor *const main = mainMonitor(all);
     const XReply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
         connection.xcb(), xcb_get_geometry(connection.xcb(), connection.root()), nullptr));
@@ -150,7 +190,7 @@ QList<Display> X11Displays::readDisplays() const
     return found;
 }
 
-QString X11Displays::nameOf(quint32 output, const QByteArray &connector) const
+QString X11Displays::Monitors::nameOf(quint32 output, const QByteArray &connector) const
 {
     X11Connection &connection = _events->connection();
     const QString socket = QString::fromUtf8(connector);
