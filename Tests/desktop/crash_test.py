@@ -44,6 +44,7 @@ class Crash(DesktopTestCase):
 
         program = self.start()
         window = Window(program, program.wait_for_window())
+        program.do("show", "recorder")
         window.wait_for("录制没有正常结束，文件仍在。修复后即可播放。")
         window.wait_for(left.name)
         window.click("修复")
@@ -63,6 +64,7 @@ class Crash(DesktopTestCase):
         content = left.read_bytes()
         program = self.start()
         window = Window(program, program.wait_for_window())
+        program.do("show", "recorder")
         window.click("忽略")
         window.wait_without(left.name)
         wait_until(lambda: "Velbrix_ScreenRecord_unfinishedFiles" not in program.settings(), "it is forgotten")

@@ -48,6 +48,7 @@ class FirstLaunch(DesktopTestCase):
         program.end()
         program = self.start()
         window = Window(program, program.wait_for_window())
+        program.do("show", "recorder")
         window.wait_for("开始录制")
         self.assertIsNone(window.find("使用声明与隐私提示"))
 
