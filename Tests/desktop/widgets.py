@@ -1,5 +1,7 @@
 """The program's window as an assistive technology sees it, operated by mouse and keyboard as a person would."""
 
+import time
+
 import dbus
 import dbus.bus
 
@@ -100,10 +102,18 @@ class Window:
         window_x, window_y, window_width, window_height = geometry(self.window)
         output_of("xdotool", "mousemove", window_x + window_width - 60, window_y + window_height // 2)
         for _ in range(60):
-            x, y, width, height = widget.extents
+            x, y, width, height = self._resting_place(widget)
             middle = y + height // 2
             if window_y + 20 <= middle <= window_y + window_height - 20:
                 return x, y, width, height
             output_of("xdotool", "click", 5 if middle > window_y else 4)
         raise AssertionError(f"“{widget.name}” cannot be scrolled to")
 
+    def _resting_place(self, widget):
+        """A page that has just appeared still moves its widgets."""
+        def rests():
+            place = widget.extents
+            time.sleep(0.1)
+            return place == widget.extents and place
+
+        return wait_until(rests, f"“{widget.name}” rests")
