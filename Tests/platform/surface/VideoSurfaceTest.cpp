@@ -214,6 +214,11 @@ private Q_SLOTS:
         shown.surface->setFrame(larger);
         QTRY_COMPARE(colour(screen(larger), QPoint(636, 356)), blue);
         QCOMPARE(colour(screen(larger), QPoint(320, 180)), red);
+        // Enlarged by the server; most of it lies beyond the screen.
+        constexpr QRect huge(0, 100, 2600, 300);
+        shown.surface->setFrame(huge);
+        QTRY_COMPARE(colour(screen(QRect(0, 100, 1280, 300)), QPoint(310, 298)), blue);
+        QCOMPARE(colour(screen(QRect(0, 100, 1280, 300)), QPoint(340, 298)), red);
         // Without scaling.
         shown.surface->setFrame(QRect(600, 100, 320, 180));
         QTRY_COMPARE(colour(screen(QRect(600, 100, 320, 180)), QPoint(43, 2)), red);
