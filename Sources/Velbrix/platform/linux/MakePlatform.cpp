@@ -16,6 +16,8 @@
 #include "platform/linux/shell/X11KeyMonitor.h"
 #include "platform/linux/shell/XdgLoginItem.h"
 #include "platform/linux/surface/X11DesktopSurfaces.h"
+#include "platform/linux/surface/X11DesktopVisibility.h"
+#include "platform/linux/surface/X11Displays.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -71,7 +73,9 @@ Platform makePlatform(Clock &clock)
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();
     platform.symbols = std::make_unique<ThemeSymbols>();
+    platform.displays = std::make_unique<X11Displays>();
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
+    platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
     return platform;
 }
 

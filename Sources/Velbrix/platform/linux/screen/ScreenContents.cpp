@@ -1,5 +1,6 @@
 #include "platform/linux/screen/ScreenContents.h"
 
+#include "platform/linux/screen/MonitorNames.h"
 #include "platform/linux/screen/TextProperty.h"
 #include "platform/linux/screen/TopLevel.h"
 
@@ -27,15 +28,6 @@ QString title(X11Connection &connection, xcb_window_t window)
     return name.isEmpty() ? text(connection, connection.property(window, "WM_NAME")) : name;
 }
 
-bool holds(const XProperty &atoms, xcb_atom_t wanted)
-{
-    for (int i = 0; i < atoms.count(); ++i) {
-        if (atoms.value(i) == wanted)
-            return true;
-    }
-    return false;
-}
-
 // A program lists its window's types from special to general; a list of
 // nothing but unknown ones is an ordinary window.
 bool isNormal(X11Connection &connection, xcb_window_t window)
@@ -58,44 +50,19 @@ bool isNormal(X11Connection &connection, xcb_window_t window)
     return true;
 }
 
-// Some window managers keep minimised windows and those of other workspaces
-// mapped.
-bool isPutAway(X11Connection &connection, xcb_window_t window)
-{
-    constexpr std::uint32_t allWorkspaces = 0xffffffff;
-    if (holds(connection.property(window, "_NET_WM_STATE"), connection.atom("_NET_WM_STATE_HIDDEN")))
-        return true;
-    const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
-    const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
-    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
-           workspace.value(0) != current.value(0);
-}
-
-// Bottom to top. Without a window manager every window that could have one.
-std::vector<xcb_window_t> clients(X11Connection &connection)
-{
-    for (const char *list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"}) {
-        const XProperty property = connection.property(connection.root(), list, 65536);
-        if (property.type != XCB_ATOM_WINDOW)
-            continue;
-        std::vector<xcb_window_t> windows;
-        for (int i = 0; i < property.count(); ++i)
-            windows.push_back(property.value(i));
-        return windows;
-    }
-    std::vector<xcb_window_t> windows = stackedWindows(connection);
-    std::erase_if(windows, [&connection](xcb_window_t window) {
-        const XReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-            connection.xcb(), xcb_get_window_attributes(connection.xcb(), window), nullptr));
-        return !attributes || attributes->override_redirect ||
-               attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT;
-    });
-    return windows;
-}
-
 QRectF toQRect(const PixelRect &rect)
 {
     return QRectF(rect.x, rect.y, rect.width, rect.height);
+}
+
+void identify(std::vector<Monitor> &all)
+{
+    std::vector<QByteArray> connectors;
+    for (const Monitor &monitor : all)
+        connectors.push_back(monitor.connector);
+    const std::vector<quint32> ids = displayIds(connectors);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        all[i].id = ids[i];
 }
 
 } // namespace
@@ -116,20 +83,69 @@ std::vector<Monitor> monitors(X11Connection &connection)
         for (; each.rem; xcb_randr_monitor_info_next(&each)) {
             const auto &info = *each.data;
             const PixelRect rect = intersected({info.x, info.y, info.width, info.height}, whole);
-            // The atom of a name like "HDMI-1": the same for every use of a socket.
-            if (!isEmpty(rect))
-                found.push_back({info.name, rect, info.primary != 0});
+            if (isEmpty(rect))
+                continue;
+            const bool hasOutput = info.nOutput > 0;
+            found.push_back({.id = 0,
+                             .rect = rect,
+                             .isPrimary = info.primary != 0,
+                             .connector = connection.atomName(info.name),
+                             .firstOutput = hasOutput ? *xcb_randr_monitor_info_outputs(each.data) : 0});
         }
     } else {
-        found.push_back({connection.root(), whole, true});
+        found.push_back({.id = 0, .rect = whole, .isPrimary = true, .connector = "screen", .firstOutput = 0});
     }
+    identify(found);
     return found;
+}
+
+const Monitor *mainMonitor(const std::vector<Monitor> &all)
+{
+    const auto isAtCorner = [](const Monitor &monitor) { return monitor.rect.x == 0 && monitor.rect.y == 0; };
+    auto main = std::ranges::find_if(all, &Monitor::isPrimary);
+    if (main == all.end())
+        main = std::ranges::find_if(all, isAtCorner);
+    if (main == all.end())
+        main = all.begin();
+    return main == all.end() ? nullptr : &*main;
+}
+
+bool isPutAway(X11Connection &connection, xcb_window_t window)
+{
+    constexpr std::uint32_t allWorkspaces = 0xffffffff;
+    if (connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_HIDDEN")))
+        return true;
+    const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
+    const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
+    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
+           workspace.value(0) != current.value(0);
+}
+
+std::vector<xcb_window_t> clientWindows(X11Connection &connection)
+{
+    for (const char *list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"}) {
+        const XProperty property = connection.property(connection.root(), list, 65536);
+        if (property.type != XCB_ATOM_WINDOW)
+            continue;
+        std::vector<xcb_window_t> windows;
+        for (int i = 0; i < property.count(); ++i)
+            windows.push_back(property.value(i));
+        return windows;
+    }
+    std::vector<xcb_window_t> windows = stackedWindows(connection);
+    std::erase_if(windows, [&connection](xcb_window_t window) {
+        const XReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+            connection.xcb(), xcb_get_window_attributes(connection.xcb(), window), nullptr));
+        return !attributes || attributes->override_redirect ||
+               attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT;
+    });
+    return windows;
 }
 
 QList<CapturableWindow> windowsOnScreen(X11Connection &connection)
 {
     QList<CapturableWindow> found;
-    std::vector<xcb_window_t> windows = clients(connection);
+    std::vector<xcb_window_t> windows = clientWindows(connection);
     std::ranges::reverse(windows);
     for (const xcb_window_t window : windows) {
         const std::optional<TopLevel> topLevel = topLevelOf(connection, window);

@@ -22,6 +22,15 @@ std::uint32_t XProperty::value(int index) const
     return number;
 }
 
+bool XProperty::holds(std::uint32_t wanted) const
+{
+    for (int i = 0; i < count(); ++i) {
+        if (value(i) == wanted)
+            return true;
+    }
+    return false;
+}
+
 Result<std::unique_ptr<X11Connection>> X11Connection::open(const X11Abilities &allowed)
 {
     int screenNumber = 0;
@@ -135,6 +144,14 @@ xcb_atom_t X11Connection::atom(const char *name)
     const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     _atoms.emplace(name, atom);
     return atom;
+}
+
+QByteArray X11Connection::atomName(xcb_atom_t atom) const
+{
+    const XReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(_connection, xcb_get_atom_name(_connection, atom), nullptr));
+    return reply ? QByteArray(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()))
+                 : QByteArray();
 }
 
 XProperty X11Connection::property(xcb_window_t window, const char *name, std::uint32_t maximumBytes)

@@ -38,6 +38,7 @@ struct XProperty {
 
     // Of a property of 32-bit values; zero where there are not so many.
     std::uint32_t value(int index) const;
+    bool holds(std::uint32_t wanted) const;
     int count() const { return static_cast<int>(bytes.size() / 4); }
 };
 
@@ -66,6 +67,7 @@ public:
     int randrEvent() const { return _randrEvent; }
 
     xcb_atom_t atom(const char *name);
+    QByteArray atomName(xcb_atom_t atom) const;
     XProperty property(xcb_window_t window, const char *name, std::uint32_t maximumBytes = 4096);
     bool hasCompositingManager();
 

@@ -22,10 +22,9 @@ Result<ShareableContent> readContent(const X11Abilities &allowed)
     if (!connection)
         return std::unexpected(connection.error());
     const std::vector<Monitor> found = monitors(**connection);
-    const bool hasPrimary = std::ranges::any_of(found, &Monitor::isPrimary);
     ShareableContent content;
     for (const Monitor &monitor : found) {
-        const bool isMain = monitor.isPrimary || (!hasPrimary && content.displays.isEmpty());
+        const bool isMain = &monitor == mainMonitor(found);
         content.displays.append(
             {.displayId = monitor.id,
              .frame = QRectF(monitor.rect.x, monitor.rect.y, monitor.rect.width, monitor.rect.height),

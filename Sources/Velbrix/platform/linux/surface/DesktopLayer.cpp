@@ -4,6 +4,14 @@
 
 namespace velbrix {
 
+namespace {
+
+// A window manager that has just started overlooks windows that are mapped
+// meanwhile.
+constexpr std::chrono::milliseconds managerStart{1000};
+
+} // namespace
+
 Result<std::shared_ptr<DesktopLayer>> DesktopLayer::shared()
 {
     static std::weak_ptr<DesktopLayer> living;
@@ -47,10 +55,12 @@ void DesktopLayer::handleEvent(const xcb_generic_event_t &event)
         member->handleEvent(event);
     if ((event.response_type & 0x7f) == XCB_PROPERTY_NOTIFY &&
         reinterpret_cast<const xcb_property_notify_event_t &>(event).atom ==
-            connection().atom("_NET_SUPPORTING_WM_CHECK")) {
-        for (DesktopLayerMember *member : _members)
-            member->managerChanged();
-    }
+            connection().atom("_NET_SUPPORTING_WM_CHECK"))
+        _managerSettles = _clock.after(managerStart, [this] {
+            for (DesktopLayerMember *member : _members)
+                member->managerChanged();
+            connection().flush();
+        });
 }
 
 void DesktopLayer::settle()

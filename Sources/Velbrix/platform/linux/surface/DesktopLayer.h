@@ -18,7 +18,7 @@ public:
     virtual bool showsIcons() const = 0;
     virtual void handleEvent(const xcb_generic_event_t &event) = 0;
     virtual void iconsChanged() = 0;
-    // Another window manager has taken over.
+    // A window manager has taken over.
     virtual void managerChanged() = 0;
     // After a batch of events; may destroy any member.
     virtual void settled() = 0;
@@ -50,6 +50,7 @@ private:
     std::unique_ptr<IconWatch> _watch;
     std::vector<PixelRect> _icons;
     std::vector<DesktopLayerMember *> _members;
+    std::unique_ptr<Alarm> _managerSettles;
 };
 
 } // namespace velbrix

@@ -37,9 +37,10 @@ X11EventSource::X11EventSource(std::unique_ptr<X11Connection> connection, Handle
 {
     QObject::connect(&_readable, &QSocketNotifier::activated, &_context, [this] { deliver(received); });
     // A reply that was waited for may have left events in the queue, of which
-    // the socket says nothing more.
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &_context,
-                     [this] { deliver(queued); });
+    // the socket says nothing more. A loop that does not wait only awakes.
+    const auto *loop = QAbstractEventDispatcher::instance();
+    for (const auto turn : {&QAbstractEventDispatcher::aboutToBlock, &QAbstractEventDispatcher::awake})
+        QObject::connect(loop, turn, &_context, [this] { deliver(queued); });
 }
 
 X11EventSource::~X11EventSource() = default;

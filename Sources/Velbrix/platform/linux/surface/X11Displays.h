@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/Displays.h"
+
+#include <QObject>
+
+#include <memory>
+#include <vector>
+
+namespace velbrix {
+
+// The monitors of RandR and what panels leave of them. Connects when it is
+// first asked, and follows the server from then on.
+class X11Displays final : public Displays {
+public:
+    X11Displays();
+    ~X11Displays() override;
+
+    QList<Display> displays() const override;
+    void observe(std::function<void()> changed) override;
+
+private:
+    class Monitors;
+    Monitors &monitors() const;
+    void tellObservers() const;
+
+    QObject _context;
+    std::vector<std::function<void()>> _observers;
+    mutable std::unique_ptr<Monitors> _monitors;
+};
+
+} // namespace velbrix
