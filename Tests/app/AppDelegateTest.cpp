@@ -2,6 +2,7 @@
 
 #include "foundation/LocalChannel.h"
 #include "support/FakePlatform.h"
+#include "support/FakeShell.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -16,48 +17,6 @@ using namespace velbrix;
 using namespace velbrix::test;
 
 namespace {
-
-class FakeShell final : public Shell {
-public:
-    QStringList calls;
-    std::optional<QRect> frame;
-    bool visible = false;
-    QList<TrayMenuItem> menu;
-    bool trayShowsRecording = false;
-    std::function<void()> clicked;
-    std::function<void(TrayItemId)> chosen;
-
-    void showMainWindow(const std::optional<QRect> &wanted) override
-    {
-        calls << u"show"_s;
-        visible = true;
-        frame = wanted ? wanted : QRect(10, 20, 1040, 700);
-    }
-    void hideMainWindow() override
-    {
-        calls << u"hide"_s;
-        visible = false;
-    }
-    void minimizeMainWindow() override { calls << u"minimize"_s; }
-    bool isMainWindowVisible() const override { return visible; }
-    std::optional<QRect> mainWindowFrame() const override { return frame; }
-    void createTray(const QList<TrayMenuItem> &items, std::function<void()> onClick,
-                    std::function<void(TrayItemId)> onChoice) override
-    {
-        calls << u"createTray"_s;
-        menu = items;
-        clicked = std::move(onClick);
-        chosen = std::move(onChoice);
-    }
-    void updateTray(const QList<TrayMenuItem> &items, bool isRecording) override
-    {
-        calls << u"updateTray"_s;
-        menu = items;
-        trayShowsRecording = isRecording;
-    }
-    void removeTray() override { calls << u"removeTray"_s; }
-    void showPrivacyStatement() override { calls << u"statement"_s; }
-};
 
 struct Rig : ServicesRig {
     explicit Rig(bool accepted = true)
@@ -111,7 +70,7 @@ private Q_SLOTS:
         QCOMPARE(rig.shell.calls, (QStringList{u"createTray"_s, u"updateTray"_s}));
         QCOMPARE(rig.host.notifications.calls,
                  (QStringList{u"register RECORDING_LONG_ALERT"_s, u"requestAuthorization"_s, u"settings"_s}));
-        QCOMPARE(rig.host.hotkeys.registered.keys(), QList<quint32>{1});
+        QCOMPARE(rig.host.hotkeys.registered.keys(), (QList<quint32>{1, 2, 3}));
         QVERIFY(rig.services->isInBackground());
         rig.host.singleInstance.wake();
         QVERIFY(rig.shell.visible);
@@ -166,11 +125,11 @@ private Q_SLOTS:
         QCOMPARE(rig.menuWrites(), 1);
         QCOMPARE(rig.delegate->lastTraySignature(), u"播放壁纸|false|false|false|开始录制（全屏）"_s);
         rig.clock.advance(2min);
-        QCOMPARE(rig.menuWrites(), 1);
+        QCOMPARE(rig.menuWrites(), 2); // after the wallpaper's restore
         rig.shell.clicked();
-        QCOMPARE(rig.menuWrites(), 2);
-        rig.choose(TrayItemId::recordToggle);
         QCOMPARE(rig.menuWrites(), 3);
+        rig.choose(TrayItemId::recordToggle);
+        QCOMPARE(rig.menuWrites(), 4);
         QVERIFY(rig.shell.trayShowsRecording);
         QCOMPARE(rig.shell.menu[7].title, u"停止当前录制"_s);
     }
@@ -297,12 +256,12 @@ private Q_SLOTS:
         rig.services->hotkeys.beginCapture(HotkeyAction::recordToggle);
         QVERIFY(rig.host.hotkeys.registered.isEmpty());
         rig.delegate->windowShouldClose();
-        QCOMPARE(rig.host.hotkeys.registered.size(), 1);
+        QCOMPARE(rig.host.hotkeys.registered.size(), 3);
         rig.delegate->applicationDidBecomeActive();
         rig.services->hotkeys.beginCapture(HotkeyAction::recordToggle);
         rig.delegate->applicationDidResignActive();
         QCOMPARE(rig.services->hotkeys.captureTarget(), HotkeyAction::none);
-        QCOMPARE(rig.host.hotkeys.registered.size(), 1);
+        QCOMPARE(rig.host.hotkeys.registered.size(), 3);
     }
 
     void aNoticeBringsTheWindowForward()

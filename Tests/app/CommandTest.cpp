@@ -15,14 +15,29 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         QTest::addColumn<bool>("valid");
         QTest::addColumn<ParsedCommand>("parsed");
-        QTest::newRow("verb") << u"status"_s << true << ParsedCommand{u"status"_s, {}, false};
-        QTest::newRow("json anywhere") << u"--json status"_s << true << ParsedCommand{u"status"_s, {}, true};
+        QTest::newRow("verb") << u"status"_s << true << ParsedCommand{u"status"_s, {}, false, {}};
+        QTest::newRow("json anywhere") << u"--json status"_s << true << ParsedCommand{u"status"_s, {}, true, {}};
         QTest::newRow("two words") << u"record list-windows --json"_s << true
-                                   << ParsedCommand{u"record list-windows"_s, {}, true};
+                                   << ParsedCommand{u"record list-windows"_s, {}, true, {}};
         QTest::newRow("argument") << u"show recorder"_s << true
-                                  << ParsedCommand{u"show"_s, {u"recorder"_s}, false};
+                                  << ParsedCommand{u"show"_s, {u"recorder"_s}, false, {}};
+        const auto set = [](const QString &file, const QString &display) {
+            ParsedCommand command{u"wallpaper set"_s, {file}, false, {}};
+            if (!display.isEmpty())
+                command.options.insert(u"--display"_s, display);
+            return command;
+        };
+        QTest::newRow("option") << u"wallpaper set a.mp4 --display 2"_s << true << set(u"a.mp4"_s, u"2"_s);
+        QTest::newRow("option first") << u"wallpaper set --display=2 a.mp4"_s << true
+                                      << set(u"a.mp4"_s, u"2"_s);
+        QTest::newRow("a name with a dash") << u"wallpaper set -a.mp4"_s << true << set(u"-a.mp4"_s, {});
+        QTest::newRow("a name like an option") << u"wallpaper set -- --json"_s << true << set(u"--json"_s, {});
         for (const auto &line : {u"record"_s, u"record fly"_s, u"show"_s, u"show a b"_s, u"status now"_s,
-                                 u"--verbose"_s, u"show --help-me"_s, u"statusx"_s, u"--json"_s})
+                                 u"--verbose"_s, u"show --help-me"_s, u"statusx"_s, u"--json"_s, u"wallpaper"_s,
+                                 u"wallpaper set"_s, u"wallpaper set "_s, u"wallpaper set a b"_s,
+                                 u"wallpaper set a --display"_s, u"wallpaper set a --loud 1"_s,
+                                 u"wallpaper set --a.mp4"_s, u"wallpaper play --display 1"_s,
+                                 u"wallpaper set a --display 1 --display=2"_s})
             QTest::newRow(qPrintable(line)) << line << false << ParsedCommand{};
     }
     void parses()
@@ -33,8 +48,40 @@ private Q_SLOTS:
         QTEST(parsed.value_or(ParsedCommand{}), "parsed");
     }
 
+    void pathsAreThoseOfTheTypist_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("sent");
+        QTest::newRow("relative") << u"a.mp4"_s << u"/home/我/a.mp4"_s;
+        QTest::newRow("above") << u"../b/./a.mp4"_s << u"/home/b/a.mp4"_s;
+        QTest::newRow("absolute") << u"/x/a.mp4"_s << u"/x/a.mp4"_s;
+        QTest::newRow("dash, space, newline") << u"-a b\nc.mp4"_s << u"/home/我/-a b\nc.mp4"_s;
+        QTest::newRow("colon") << u":/a.mp4"_s << u"/home/我/:/a.mp4"_s;
+    }
+    void pathsAreThoseOfTheTypist()
+    {
+        QFETCH(QString, typed);
+        const ParsedCommand command{u"wallpaper set"_s, {typed}, false, {{u"--display"_s, u"2"_s}}};
+        const ParsedCommand sent = withAbsolutePaths(command, u"/home/我"_s);
+        QTEST(sent.arguments.first(), "sent");
+        QVERIFY(isValid(sent));
+        QCOMPARE(parsedCommandFromJson(toJson(sent)), sent);
+        const ParsedCommand show{u"show"_s, {typed}, false, {}};
+        QCOMPARE(withAbsolutePaths(show, u"/home"_s), show);
+    }
+
+    void whatComesInIsChecked()
+    {
+        QVERIFY(!isValid(parsedCommandFromJson({})));
+        QVERIFY(!isValid({u"show recorder"_s, {}, false, {}}));
+        QVERIFY(!isValid({u"status"_s, {}, false, {{u"--display"_s, u"1"_s}}}));
+        QVERIFY(!isValid({u"wallpaper set"_s, {u""_s}, false, {}}));
+    }
+
     void theHelpNamesEveryVerb()
     {
+        QVERIFY(helpText().contains(u"velbrix wallpaper set <视频文件> [--display <编号>] "_s));
+        QVERIFY(helpText().contains(u"（wallpaper、recorder、settings）"_s));
         for (const CommandForm &form : commandForms())
             QVERIFY2(helpText().contains(u"velbrix "_s + form.words), qPrintable(form.words));
     }

@@ -11,6 +11,7 @@ import unittest
 
 import movie
 from desktop import ACCEPTED, DONE, NOT_RUNNING, PROGRAM, REFUSED, RUNTIME, USAGE, DesktopTestCase, output_of
+from wallpaper import BLUE, RED, make_clip
 
 
 class CommandLine(DesktopTestCase):
@@ -24,7 +25,8 @@ class CommandLine(DesktopTestCase):
             self.assertIn(word, helped.stdout)
         self.assertRegex(run("--version").stdout, r"^Velbrix \d+\.\d+\.\d+\n$")
         for words in (["dance"], ["record"], ["record", "dance"], ["show"], ["show", "recorder", "settings"],
-                      ["status", "--loud"], ["--background", "status"]):
+                      ["status", "--loud"], ["--background", "status"], ["wallpaper"], ["wallpaper", "set"],
+                      ["wallpaper", "set", "--display", "1"], ["wallpaper", "play", "--display", "1"]):
             wrong = run(*words)
             self.assertEqual(wrong.returncode, USAGE, words)
             self.assertIn("无法识别的命令", wrong.stderr)
@@ -97,6 +99,36 @@ class CommandLine(DesktopTestCase):
         program.wait_for_recording(1)
         self.assertFalse(program.do("record", "toggle")["recording"])
         self.assertEqual(len(list(self.movies.iterdir())), 2)
+
+    def test_wallpaper(self):
+        self.write_settings(ACCEPTED)
+        program = self.start("--background")
+        refused = program.ask("wallpaper", "play")
+        self.assertEqual((refused["exitCode"], refused["error"]),
+                         (REFUSED, "需要先在 Velbrix 窗口中确认：视频壁纸隐私确认"))
+        program.end()
+
+        self.write_settings(ACCEPTED | {"Velbrix_Privacy_consent_videoWallpaper": True})
+        program = self.start("--background")
+        self.assertEqual(program.ask("wallpaper", "pause")["error"], "动态壁纸没有在播放")
+        self.assertIn("动态壁纸：未播放", program.run("status").stdout)
+        self.assertEqual(program.ask("wallpaper", "set", "x.mp4", "--display", "2")["error"],
+                         "没有编号为 2 的显示器（共 1 块）")
+        clip = make_clip(self.home / "clip.mp4", RED, BLUE)
+        names = ["-a b\nc.mp4", ":d.mp4", "--json", "中文 %1.mp4"]
+        for name in names:
+            shutil.copy(clip, self.home / name)
+            done = program.run("wallpaper", "set", "--json", "--", name, folder=self.home)
+            self.assertEqual(done.returncode, DONE, done.stderr + done.stdout)
+            self.assertEqual(program.do("wallpaper", "status")["file"], str(self.home / name))
+        status = program.status()["wallpaper"]
+        self.assertEqual((status["state"], status["paused"], status["contentMode"]), ("playing", False, "video"))
+        main = status["displays"][0]
+        self.assertEqual((main["number"], main["main"], main["playing"]), (1, True, True))
+        self.assertIn("动态壁纸：已暂停", program.run("wallpaper", "pause").stdout)
+        self.assertIn("动态壁纸：播放中", program.run("wallpaper", "play").stdout)
+        self.assertEqual(program.run("wallpaper", "stop").stdout, "动态壁纸已停止\n")
+        self.assertFalse(program.do("wallpaper", "status")["displays"][0]["playing"])
 
     def test_quit_finishes_a_recording(self):
         program = self.start_hidden()

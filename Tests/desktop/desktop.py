@@ -103,8 +103,9 @@ class Program:
             self.process = subprocess.Popen([PROGRAM, *arguments], env=self._environment, stdout=log, stderr=log)
         self.pid = self.process.pid
 
-    def run(self, *words):
-        return subprocess.run([PROGRAM, *words], env=self._environment, capture_output=True, text=True, timeout=30)
+    def run(self, *words, folder=None):
+        return subprocess.run([PROGRAM, *words], env=self._environment, capture_output=True, text=True, timeout=30,
+                              cwd=folder)
 
     def ask(self, *words):
         """What the program answers in JSON; the exit code comes with it."""

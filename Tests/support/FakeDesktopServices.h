@@ -43,6 +43,11 @@ public:
         _themeObservers.push_back(std::move(changed));
     }
 
+    void observeUnhide(std::function<void()> unhidden) override
+    {
+        _unhideObservers.push_back(std::move(unhidden));
+    }
+
     void setTrayHost(bool present)
     {
         trayHost = present;
@@ -55,10 +60,16 @@ public:
         for (const auto &changed : _themeObservers)
             changed();
     }
+    void unhide()
+    {
+        for (const auto &unhidden : _unhideObservers)
+            unhidden();
+    }
 
 private:
     std::vector<std::function<void()>> _trayObservers;
     std::vector<std::function<void()>> _themeObservers;
+    std::vector<std::function<void()>> _unhideObservers;
 };
 
 } // namespace velbrix::test

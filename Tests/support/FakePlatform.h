@@ -3,18 +3,27 @@
 #include "app/AppServices.h"
 #include "platform/Platform.h"
 #include "support/FakeAudioDevices.h"
+#include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
+#include "support/FakeDesktopSurfaces.h"
+#include "support/FakeDesktopVisibility.h"
+#include "support/FakeDisplays.h"
+#include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
 #include "support/FakeKeyMonitor.h"
 #include "support/FakeLoginItem.h"
+#include "support/FakeMediaProbe.h"
 #include "support/FakeMovieFiles.h"
 #include "support/FakePermissions.h"
+#include "support/FakePowerSource.h"
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
+
+#include <QTemporaryDir>
 
 namespace velbrix::test {
 
@@ -33,7 +42,14 @@ public:
           movieFiles(make<FakeMovieFiles>(platform.movieFiles, clock)),
           loginItem(make<FakeLoginItem>(platform.loginItem)),
           desktop(make<FakeDesktopServices>(platform.desktop)),
-          symbols(make<FakeSymbols>(platform.symbols))
+          symbols(make<FakeSymbols>(platform.symbols)),
+          desktopPicture(make<FakeDesktopPicture>(platform.desktopPicture, clock)),
+          mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
+          power(make<FakePowerSource>(platform.power)),
+          dock(make<FakeDockPreference>(platform.dock, clock)),
+          displays(make<FakeDisplays>(platform.displays)),
+          surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
+          visibility(make<FakeDesktopVisibility>(platform.visibility))
     {
     }
 
@@ -50,6 +66,13 @@ public:
     FakeLoginItem &loginItem;
     FakeDesktopServices &desktop;
     FakeSymbols &symbols;
+    FakeDesktopPicture &desktopPicture;
+    FakeMediaProbe &mediaProbe;
+    FakePowerSource &power;
+    FakeDockPreference &dock;
+    FakeDisplays &displays;
+    FakeDesktopSurfaces &surfaces;
+    FakeDesktopVisibility &visibility;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
@@ -62,9 +85,16 @@ private:
     }
 };
 
-// The program's services on a virtual clock and a host of fakes. Change the
-// host, then call make().
+// The program's services on a virtual clock and a host of fakes, with folders
+// of their own. Change the host, then call make().
 struct ServicesRig {
+    ServicesRig()
+    {
+        qputenv("XDG_DATA_HOME", files.filePath(QStringLiteral("data")).toUtf8());
+        qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
+    }
+
+    QTemporaryDir files;
     VirtualClock clock;
     FakePlatform host{clock};
     std::unique_ptr<AppServices> services;

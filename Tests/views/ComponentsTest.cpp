@@ -1,6 +1,8 @@
 #include "support/FakeDesktopServices.h"
 #include "support/FakeSymbols.h"
+#include "support/VirtualClock.h"
 #include "views/Theme.h"
+#include "views/components/PacedSlider.h"
 #include "views/components/PathField.h"
 #include "views/components/SegmentedChoice.h"
 #include "views/components/Switch.h"
@@ -8,15 +10,20 @@
 #include "views/components/ValueSlider.h"
 
 #include <QDragEnterEvent>
+#include <QLabel>
 #include <QMimeData>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace velbrix;
 using namespace velbrix::test;
 
@@ -31,7 +38,11 @@ private Q_SLOTS:
     void sliderLeavesTheWheelToThePage();
     void segmentsByArrowKeys();
     void pathFieldTakesAFolderOnly();
+    void sliderInItsOwnWords();
+    void pacedSliderSparesTheSetting();
     void gridByKeyboard();
+    void gridKnowsWhatIsInSight();
+    void gridKeepsItsPlace();
 
 private:
     FakeDesktopServices _desktop;
@@ -142,7 +153,7 @@ void ComponentsTest::pathFieldTakesAFolderOnly()
 
 void ComponentsTest::gridByKeyboard()
 {
-    ThumbnailGrid grid(_theme, u"grid"_s);
+    ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
     grid.resize(600, 400);
     grid.setItems({{u"7"_s, u"甲"_s, {}}, {u"8"_s, u"乙"_s, {}}, {u"9"_s, u"丙"_s, {}}});
     grid.show();
@@ -152,6 +163,89 @@ void ComponentsTest::gridByKeyboard()
     QTest::keyClick(&grid, Qt::Key_Right);
     QTest::keyClick(&grid, Qt::Key_Space);
     QCOMPARE(wanted, (QList<QVariantList>{{u"8"_s}}));
+}
+
+void ComponentsTest::sliderInItsOwnWords()
+{
+    ValueSlider slider(u"speed"_s, {1, 8, 4, {}, [](int place) { return QString::number(place / 4.0) + u"×"_s; }});
+    slider.setValue(3);
+    QCOMPARE(slider.findChild<QLabel *>()->text(), u"0.75×"_s);
+    QCOMPARE(slider.findChild<QSlider *>()->accessibleDescription(), u"0.75×"_s);
+}
+
+void ComponentsTest::pacedSliderSparesTheSetting()
+{
+    VirtualClock clock;
+    QList<int> heard;
+    ValueSlider slider(u"volume"_s, {0, 100, 30, u"%"_s});
+    auto *const pace = new PacedSlider(&slider, clock, [&](int value) { heard.append(value); });
+    const auto drag = [&](int value) { slider.findChild<QSlider *>()->setValue(value); };
+    for (const int value : {31, 35, 40})
+        drag(value);
+    pace->show(30); // the setting's own echo does not pull at the handle
+    QCOMPARE(slider.value(), 40);
+    QCOMPARE(heard, QList<int>());
+    clock.advance(100ms);
+    QCOMPARE(heard, QList<int>{40});
+    pace->show(40);
+    drag(50);
+    delete pace;
+    QCOMPARE(heard, (QList<int>{40, 50}));
+}
+
+void ComponentsTest::gridKnowsWhatIsInSight()
+{
+    constexpr int count = 20'000;
+    QList<ThumbnailItem> items;
+    for (int i = 0; i < count; ++i)
+        items.append({QString::number(i), u"视频"_s, {}});
+    QScrollArea page;
+    page.setWidgetResizable(true);
+    auto *const body = new QWidget;
+    auto *const rows = new QVBoxLayout(body);
+    auto *const above = new QWidget;
+    above->setFixedHeight(1000);
+    auto *const grid = new ThumbnailGrid(_theme, u"grid"_s, u"film"_s);
+    rows->addWidget(above);
+    rows->addWidget(grid);
+    page.setWidget(body);
+    page.resize(760, 560);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QSignalSpy sight(grid, &ThumbnailGrid::inSightChanged);
+    grid->setItems(items);
+    QCoreApplication::processEvents();
+    QCOMPARE(grid->idsInSight(), QStringList()); // the page hides it
+    page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum());
+    QTRY_COMPARE(sight.size(), 1);
+    const QStringList top = sight.last().first().toStringList();
+    QCOMPARE(top.first(), u"0"_s);
+    QVERIFY(top.size() < 24);
+    for (const QString &id : top) // what is named is what is there
+        QVERIFY(grid->viewport()->rect().intersects(grid->visualRect(grid->model()->index(id.toInt(), 0))));
+    QVERIFY(!grid->viewport()->rect().intersects(
+        grid->visualRect(grid->model()->index(static_cast<int>(top.size()), 0))));
+    grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum());
+    QCOMPARE(sight.last().first().toStringList().last(), QString::number(count - 1));
+}
+
+void ComponentsTest::gridKeepsItsPlace()
+{
+    ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
+    grid.resize(600, 400);
+    QList<ThumbnailItem> items;
+    for (int i = 0; i < 300; ++i)
+        items.append({QString::number(i), u"视频"_s, {}});
+    grid.setItems(items);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    grid.setCurrentIndex(grid.model()->index(100, 0));
+    const int place = grid.verticalScrollBar()->value();
+    QVERIFY(place > 0);
+    items.append({u"new"_s, u"视频"_s, {}});
+    grid.setItems(items);
+    QCOMPARE(grid.currentIndex().row(), 100);
+    QCOMPARE(grid.verticalScrollBar()->value(), place);
 }
 
 QTEST_MAIN(ComponentsTest)

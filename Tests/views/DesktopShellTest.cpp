@@ -88,9 +88,9 @@ void DesktopShellTest::tabsByKeyboard()
 {
     WindowRig rig;
     rig.start();
-    QVERIFY(rig.find(u"recorderPage"_s));
+    QVERIFY(rig.find(u"wallpaperPage"_s));
     QVERIFY(!rig.window()->findChild<QWidget *>(u"settingsPage"_s)); // made when first shown
-    rig.key(Qt::Key_2, Qt::ControlModifier);
+    rig.key(Qt::Key_3, Qt::ControlModifier);
     QVERIFY(rig.find(u"settingsPage"_s));
     QVERIFY(rig.button(u"tab.settings"_s)->isChecked());
     rig.button(u"tab.settings"_s)->setFocus();

@@ -30,6 +30,11 @@ CapturableWindow window(quint32 id, const QString &title)
 // A program whose recordings go to a folder of the test's.
 struct Rig : WindowRig {
     Rig() { host.settings.stored.insert(u"Velbrix_ScreenRecord_outputDir"_s, folder.path()); }
+    void start()
+    {
+        WindowRig::start();
+        services->router.show(AppTab::recorder);
+    }
     void consentTo(PrivacyConsentKind kind)
     {
         host.settings.stored.insert(u"Velbrix_Privacy_consent_"_s + rawValue(kind), true);

@@ -6,38 +6,17 @@
 #include "foundation/Log.h"
 #include "platform/Platform.h"
 
-#include <QCoreApplication>
-#include <QFileInfo>
-#include <QJsonArray>
 #include <QPointer>
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
-constexpr auto trayGrace = 5s;
-constexpr auto quitLimit = 10s;
-const QString frameKey = u"Velbrix_MainWindow_Frame"_s;
 const QString showWindowKey = u"Velbrix_NeedShowMainWindow"_s;
 const QString longAlertCategory = u"RECORDING_LONG_ALERT"_s;
-
-std::optional<QRect> storedFrame(const SettingsStore &settings)
-{
-    const QJsonArray numbers = settings.json(frameKey).value_or(QJsonValue()).toArray();
-    if (numbers.size() != 4)
-        return std::nullopt;
-    const QRect frame(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
-    return frame.width() > 0 && frame.height() > 0 ? std::optional(frame) : std::nullopt;
-}
-
-void storeFrame(SettingsStore &settings, const QRect &frame)
-{
-    settings.set(frameKey, QJsonArray{frame.x(), frame.y(), frame.width(), frame.height()});
-}
 
 } // namespace
 
@@ -46,8 +25,12 @@ AppDelegate::AppDelegate(AppServices &services, Shell &shell, QObject *parent)
       _services(services),
       _shell(shell),
       _recording(services.recorder, services.privacy),
+      _wallpaper(services.wallpaper, services.privacy),
+      _banners(services, shell),
+      _window(services, shell),
       _tray(services, shell, [this](TrayItemId item) { chosenFromTray(item); }),
-      _savedFrame(storedFrame(services.settings))
+      _wallpaperLaunch(services, [this] { _tray.refresh(true); }),
+      _quit(services)
 {
 }
 
@@ -63,6 +46,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
     }
     host.singleInstance->observeWake([this] { showWindow(); });
     _services.settings.tidy();
+    _wallpaperLaunch.recoverAfterCrash();
     host.desktop->setAccessoryPresence();
     _tray.createStatusItem();
     _localKeyMonitor = host.keys->watchLocal(
@@ -73,6 +57,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
     _tray.refresh(true);
     _tray.scheduleMenuRefresh(_isAppActive);
     followState();
+    _wallpaperLaunch.scheduleRestore();
 
     _commands = std::make_unique<CommandServer>(_services, *this);
     if (const auto listening = _commands->listen(); !listening)
@@ -80,34 +65,18 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
 
     const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
     _services.settings.remove(showWindowKey);
-    if (const QString problem = _services.settings.loadProblem(); !problem.isEmpty())
-        showBanner(u"设置"_s, problem, u"exclamationmark.triangle.fill"_s);
-    if (!_services.recorder.unfinished().leftovers().isEmpty())
-        showBanner(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);
+    _banners.tellOfStart();
     if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
         showWindow();
     else
-        startInBackground();
+        _window.startHidden();
     return Launch::running;
-}
-
-void AppDelegate::startInBackground()
-{
-    _services.setInBackground(true);
-    // Panels start late; where none comes the window must be within reach.
-    _trayGrace = _services.clock.after(trayGrace, [this] {
-        if (!_services.platform.desktop->hasTrayHost() && _services.isInBackground())
-            _shell.minimizeMainWindow();
-    });
 }
 
 void AppDelegate::showWindow()
 {
-    if (_isQuitting)
-        return;
-    _shell.showMainWindow(_savedFrame);
-    _services.platform.desktop->activate();
-    _services.setInBackground(false);
+    if (!_isQuitting)
+        _window.show();
 }
 
 bool AppDelegate::windowShouldClose()
@@ -116,16 +85,7 @@ bool AppDelegate::windowShouldClose()
         return true;
     // No key works while one is being captured.
     _services.hotkeys.cancelCapture();
-    _savedFrame = _shell.mainWindowFrame();
-    if (_savedFrame)
-        storeFrame(_services.settings, *_savedFrame);
-    // Without a tray nobody could bring a hidden window back.
-    if (_services.platform.desktop->hasTrayHost()) {
-        _shell.hideMainWindow();
-        _services.setInBackground(true);
-    } else {
-        _shell.minimizeMainWindow();
-    }
+    _window.close();
     return false;
 }
 
@@ -148,6 +108,11 @@ void AppDelegate::applicationDidResignActive()
     _tray.scheduleMenuRefresh(_isAppActive);
 }
 
+void AppDelegate::applicationDidUnhide()
+{
+    _services.wallpaper.handleUnhide();
+}
+
 void AppDelegate::showPrivacyStatement()
 {
     showWindow();
@@ -164,22 +129,8 @@ void AppDelegate::quitApp()
 {
     if (std::exchange(_isQuitting, true))
         return;
-    ScreenRecorderController &recorder = _services.recorder;
-    if (!recorder.isRecording() && !recorder.isProcessing()) {
-        finishQuit();
-        return;
-    }
-    const auto whenDone = [this] {
-        if (!_services.recorder.isRecording() && !_services.recorder.isProcessing())
-            finishQuit();
-    };
-    // Queued: the recorder is still inside its own change of state.
-    connect(&recorder, &ScreenRecorderController::isStartingChanged, this, whenDone, Qt::QueuedConnection);
-    connect(&recorder.session(), &RecordingSession::isProcessingChanged, this, whenDone,
-            Qt::QueuedConnection);
-    // A movie can be repaired, a program that does not end cannot.
-    _quitLimit = _services.clock.after(quitLimit, [this] { finishQuit(); });
-    recorder.stop();
+    _wallpaperLaunch.cancel();
+    _quit.begin();
 }
 
 void AppDelegate::applicationWillTerminate()
@@ -187,16 +138,13 @@ void AppDelegate::applicationWillTerminate()
     if (std::exchange(_terminated, true))
         return;
     _isQuitting = true;
-    if (const auto frame = _shell.mainWindowFrame())
-        storeFrame(_services.settings, *frame);
-    _trayGrace.reset();
-    _quitLimit.reset();
+    _wallpaperLaunch.cancel();
+    _quit.stopWallpaper();
     _localKeyMonitor.reset();
     _observers.clear();
     _commands.reset();
-    _services.settings.observeFailures({});
-    _services.toasts.clear();
-    _shell.hideMainWindow();
+    _banners.unfollow();
+    _window.end();
     _tray.remove();
     _services.platform.desktop->resetPresence();
     (void)_services.settings.flush();
@@ -207,10 +155,25 @@ void AppDelegate::observeNotifications()
     const auto observe = [this](const QString &name, NotificationCenter::Observer observer) {
         _observers.push_back(_services.notifications.observe(name, std::move(observer)));
     };
-    observe(hotkeyActionInfo(HotkeyAction::recordToggle).notification,
-            [this](const QVariantMap &) { _recording.toggleQuickly(); });
+    const auto observeHotkey = [&](HotkeyAction action, std::function<void()> act) {
+        observe(hotkeyActionInfo(action).notification, [this, act = std::move(act)](const QVariantMap &) {
+            if (!_isQuitting)
+                act();
+        });
+    };
+    observeHotkey(HotkeyAction::recordToggle, [this] { _recording.toggleQuickly(); });
+    observeHotkey(HotkeyAction::hideDesktopIcons, [this] { toggleHideDesktopIcons(); });
+    observeHotkey(HotkeyAction::hideDock, [this] { _services.wallpaper.toggleDockAutoHide(); });
     observe(bannerToastNotification,
             [this](const QVariantMap &userInfo) { _services.toasts.show(toastFromUserInfo(userInfo)); });
+}
+
+void AppDelegate::toggleHideDesktopIcons()
+{
+    if (_services.wallpaper.preferences().hideDesktopIconsEnabled())
+        _services.wallpaper.toggleHideDesktopIcons();
+    else
+        _banners.tellIconsStay();
 }
 
 QCoro::Task<> AppDelegate::setUpUserNotifications()
@@ -234,17 +197,12 @@ QCoro::Task<> AppDelegate::setUpUserNotifications()
 void AppDelegate::followState()
 {
     connect(&_recording, &RecordingActions::statementNeeded, this, &AppDelegate::showWindow);
-    const RecordingSession &session = _services.recorder.session();
-    connect(&session, &RecordingSession::lastFailureChanged, this, [this, &session] {
-        if (!session.lastFailure().isEmpty())
-            showBanner(u"屏幕录制"_s, session.lastFailure(), u"exclamationmark.triangle.fill"_s);
-    });
-    connect(&session, &RecordingSession::finishedMovieChanged, this, [this, &session] {
-        if (const auto movie = session.finishedMovie())
-            showBanner(u"录制已保存"_s, QFileInfo(*movie).fileName(), u"checkmark.circle.fill"_s);
-    });
-    _services.settings.observeFailures([this](const Failure &reason) {
-        showBanner(u"设置没有存盘，稍后会再试"_s, reason.message, u"exclamationmark.triangle.fill"_s);
+    connect(&_wallpaper, &WallpaperActions::statementNeeded, this, &AppDelegate::showWindow);
+    connect(&_quit, &QuitSequence::finished, this, &AppDelegate::finishQuit);
+    _banners.follow();
+    _services.platform.desktop->observeUnhide([self = QPointer(this)] {
+        if (self)
+            self->applicationDidUnhide();
     });
     // A notice that waits behind a hidden window would never be answered.
     connect(&_services.privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this] {
@@ -255,9 +213,17 @@ void AppDelegate::followState()
 
 void AppDelegate::chosenFromTray(TrayItemId item)
 {
+    if (_isQuitting)
+        return;
     switch (item) {
     case TrayItemId::open:
         showWindow();
+        break;
+    case TrayItemId::wallpaperPlay:
+        _wallpaper.togglePlayPause();
+        break;
+    case TrayItemId::wallpaperStop:
+        _wallpaper.stop();
         break;
     case TrayItemId::recordToggle:
         _recording.toggleQuickly();
@@ -276,8 +242,6 @@ void AppDelegate::chosenFromTray(TrayItemId item)
         break;
     case TrayItemId::separator:
     case TrayItemId::wallpaperHeader:
-    case TrayItemId::wallpaperPlay:
-    case TrayItemId::wallpaperStop:
     case TrayItemId::recordHeader:
         break;
     }
@@ -288,13 +252,7 @@ void AppDelegate::checkRemoteConfig()
     const QString reason = deployment::productServer().isEmpty()
                                ? u"此安装没有配置产品服务器，无法检查更新与公告。"_s
                                : u"此版本还不能读取更新与公告，请到产品网站查看。"_s;
-    showBanner(u"检查更新与公告"_s, reason, u"info.circle"_s);
-}
-
-void AppDelegate::showBanner(const QString &title, const QString &body, const QString &icon)
-{
-    _services.notifications.post(bannerToastNotification,
-                                 {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}});
+    _banners.show(u"检查更新与公告"_s, reason, u"info.circle"_s);
 }
 
 void AppDelegate::finishQuit()

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "app/Banners.h"
+#include "app/QuitSequence.h"
 #include "app/RecordingActions.h"
 #include "app/Shell.h"
 #include "app/TrayController.h"
+#include "app/WallpaperActions.h"
+#include "app/WallpaperLaunch.h"
+#include "app/WindowPresence.h"
 #include "foundation/NotificationCenter.h"
 #include "platform/KeyMonitor.h"
 
@@ -10,7 +15,6 @@
 #include <QObject>
 
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace velbrix {
@@ -38,15 +42,17 @@ public:
     void applicationShouldHandleReopen() { showWindow(); }
     void applicationDidBecomeActive();
     void applicationDidResignActive();
+    void applicationDidUnhide();
 
     void showPrivacyStatement();
     void openRecordPanel();
-    // Ends a running recording first, then the program.
+    // Stops the wallpaper, completes a running recording, then ends the program.
     void quitApp();
     // The last clean-up, also when the system ends the program. Safe twice.
     void applicationWillTerminate();
 
     RecordingActions &recording() { return _recording; }
+    WallpaperActions &wallpaper() { return _wallpaper; }
     const QString &lastTraySignature() const { return _tray.lastTraySignature(); }
 
 Q_SIGNALS:
@@ -54,29 +60,30 @@ Q_SIGNALS:
     void terminate();
 
 private:
-    void startInBackground();
     void observeNotifications();
+    void toggleHideDesktopIcons();
     QCoro::Task<> setUpUserNotifications();
     void followState();
     void chosenFromTray(TrayItemId item);
     void checkRemoteConfig();
-    void showBanner(const QString &title, const QString &body, const QString &icon);
     void finishQuit();
 
     AppServices &_services;
     Shell &_shell;
     RecordingActions _recording;
+    WallpaperActions _wallpaper;
+    Banners _banners;
+    WindowPresence _window;
     TrayController _tray;
+    WallpaperLaunch _wallpaperLaunch;
+    QuitSequence _quit;
     std::unique_ptr<CommandServer> _commands;
 
     bool _isQuitting = false;
     bool _terminated = false;
-    std::optional<QRect> _savedFrame;
     std::unique_ptr<KeyWatch> _localKeyMonitor;
     std::vector<std::unique_ptr<Observation>> _observers;
     bool _isAppActive = false;
-    std::unique_ptr<Alarm> _trayGrace;
-    std::unique_ptr<Alarm> _quitLimit;
 };
 
 } // namespace velbrix

@@ -8,6 +8,7 @@
 #include "foundation/NotificationCenter.h"
 #include "foundation/Published.h"
 #include "foundation/SettingsStore.h"
+#include "wallpaper/WallpaperController.h"
 
 #include <QObject>
 
@@ -37,13 +38,14 @@ public:
     NotificationCenter notifications;
     ToastQueue toasts;
 
+    WallpaperController wallpaper;
     ScreenRecorderController recorder;
     PrivacyManager privacy;
     AppRouter router;
     HotkeyManager hotkeys;
-    std::mutex powerLock;
+    std::mutex powerLock; // guards isInBackground for readers of other threads
 
-    void setInBackground(bool inBackground) { _isInBackground = inBackground; }
+    void setInBackground(bool inBackground);
 
     VELB_PUBLISHED(AppServices, bool, isInBackground, false)
 };

@@ -9,6 +9,7 @@ namespace velbrix {
 const QList<AppTabInfo> &appTabs()
 {
     static const QList<AppTabInfo> tabs = {
+        {AppTab::wallpaper, u"wallpaper"_s, u"动态壁纸"_s, u"photo.on.rectangle"_s, u"桌面"_s},
         {AppTab::recorder, u"recorder"_s, u"屏幕录制"_s, u"record.circle"_s, u"录制"_s},
         {AppTab::settings, u"settings"_s, u"设置"_s, u"gearshape"_s, {}},
     };

@@ -8,7 +8,7 @@
 namespace velbrix {
 
 // The sidebar's tabs. Only tools that work have a case.
-enum class AppTab { recorder, settings };
+enum class AppTab { wallpaper, recorder, settings };
 
 struct AppTabInfo {
     AppTab tab;

@@ -4,6 +4,7 @@
 #include "foundation/Deadline.h"
 #include "foundation/LocalChannel.h"
 
+#include <QDir>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -18,6 +19,14 @@ void print(std::FILE *stream, const QByteArray &bytes)
 {
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
     std::fputc('\n', stream);
+}
+
+std::chrono::milliseconds longestAnswer(const QString &words)
+{
+    // A recording may take its time to start or end, and a video to be read.
+    if (words.startsWith(u"record "_s))
+        return 10min;
+    return words.startsWith(u"wallpaper "_s) ? 1min : 10s;
 }
 
 int present(const CommandReply &reply, bool json)
@@ -43,10 +52,9 @@ QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
     const auto endpoint = controlEndpoint();
     if (!endpoint)
         co_return present(notRunning, command.json);
-    const QJsonObject request = toJson(command);
-    // A recording may take its time to start or end; nothing else may.
-    const auto limit = command.words.startsWith(u"record "_s) ? std::chrono::milliseconds(10min) : 10s;
-    const auto answer = co_await withDeadline(clock, limit, askLocalChannel(*endpoint, request));
+    const QJsonObject request = toJson(withAbsolutePaths(command, QDir::currentPath()));
+    const auto answer =
+        co_await withDeadline(clock, longestAnswer(command.words), askLocalChannel(*endpoint, request));
     if (!answer)
         co_return present(CommandReply::refusal(u"Velbrix 没有答复"_s), command.json);
     if (*answer)

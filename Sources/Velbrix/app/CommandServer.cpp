@@ -4,6 +4,7 @@
 #include "app/AppServices.h"
 #include "app/commands/RecordCommands.h"
 #include "app/commands/ShellCommands.h"
+#include "app/commands/WallpaperCommands.h"
 
 #include <QJsonArray>
 
@@ -17,6 +18,7 @@ CommandServer::CommandServer(AppServices &services, AppDelegate &delegate, QObje
       _channel([this](const QJsonObject &request) { return answer(request); }, services.clock)
 {
     _handlers.insert(recordCommands(services, delegate.recording()));
+    _handlers.insert(wallpaperCommands(services, delegate.wallpaper()));
 }
 
 Result<void> CommandServer::listen()
@@ -29,23 +31,37 @@ Result<void> CommandServer::listen()
 
 QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request)
 {
-    QStringList words = request.value(u"words"_s).toString().split(u' ');
-    for (const QJsonValue &argument : request.value(u"arguments"_s).toArray())
-        words.append(argument.toString());
+    const ParsedCommand command = parsedCommandFromJson(request);
     // Not only our own client can write to the endpoint.
-    const auto command = parseCommand(words);
-    if (!command) {
+    if (!isValid(command)) {
         const CommandReply refused{exitcode::usage, u"无法识别的命令"_s, {}};
         co_return toJson(refused);
     }
-    const CommandHandler handler = _handlers.value(command->words);
-    const CommandReply reply = co_await handler(command->arguments);
+    const CommandHandler handler = _handlers.value(command.words);
+    const CommandReply reply = co_await handler(command);
     co_return toJson(reply);
 }
 
 QJsonObject toJson(const ParsedCommand &command)
 {
-    return {{u"words"_s, command.words}, {u"arguments"_s, QJsonArray::fromStringList(command.arguments)}};
+    QJsonObject options;
+    for (auto option = command.options.begin(); option != command.options.end(); ++option)
+        options.insert(option.key(), option.value());
+    return {{u"words"_s, command.words},
+            {u"arguments"_s, QJsonArray::fromStringList(command.arguments)},
+            {u"options"_s, options}};
+}
+
+ParsedCommand parsedCommandFromJson(const QJsonObject &json)
+{
+    ParsedCommand command;
+    command.words = json.value(u"words"_s).toString();
+    for (const QJsonValue &argument : json.value(u"arguments"_s).toArray())
+        command.arguments.append(argument.toString());
+    const QJsonObject options = json.value(u"options"_s).toObject();
+    for (auto option = options.begin(); option != options.end(); ++option)
+        command.options.insert(option.key(), option.value().toString());
+    return command;
 }
 
 QJsonObject toJson(const CommandReply &reply)

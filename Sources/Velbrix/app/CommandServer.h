@@ -30,6 +30,7 @@ private:
 
 // The request and the answer as they travel.
 QJsonObject toJson(const ParsedCommand &command);
+ParsedCommand parsedCommandFromJson(const QJsonObject &json);
 QJsonObject toJson(const CommandReply &reply);
 CommandReply commandReplyFromJson(const QJsonObject &json);
 

@@ -89,6 +89,16 @@ void PrivacyManager::cancelPendingNotice()
         notice->onCancel();
 }
 
+QString PrivacyManager::missingConsent(PrivacyConsentKind kind) const
+{
+    if (!_hasAcceptedFirstLaunchNotice)
+        return u"尚未完成首启声明确认。请先在 Velbrix 窗口中确认。"_s;
+    const auto notice = _pendingFeatureNotice.value();
+    if (notice && notice->kind == kind)
+        return u"需要先在 Velbrix 窗口中确认：%1"_s.arg(notice->title);
+    return {};
+}
+
 void PrivacyManager::startFirstLaunchCountdown()
 {
     if (_hasAcceptedFirstLaunchNotice || _countdown || _firstLaunchCountdown == 0)

@@ -40,6 +40,9 @@ public:
     void guard(FeaturePrivacyNotice notice, std::function<void()> action);
     void confirmPendingNotice();
     void cancelPendingNotice();
+    // What the user has to agree to in the window before a guarded action of
+    // this kind can be done; empty when nothing is open.
+    QString missingConsent(PrivacyConsentKind kind) const;
 
     // Counts the seconds down while the statement is in sight.
     void startFirstLaunchCountdown();

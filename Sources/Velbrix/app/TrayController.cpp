@@ -24,6 +24,7 @@ TrayController::TrayController(AppServices &services, Shell &shell, std::functio
 {
     connect(&_services.recorder.session(), &RecordingSession::isRecordingChanged, this,
             [this] { refresh(false); });
+    followWallpaper();
     _services.platform.desktop->observeTrayHost([self = QPointer(this)] {
         if (self)
             self->trayHostChanged();
@@ -31,6 +32,18 @@ TrayController::TrayController(AppServices &services, Shell &shell, std::functio
 }
 
 TrayController::~TrayController() = default;
+
+void TrayController::followWallpaper()
+{
+    const auto refreshNow = [this] { refresh(false); };
+    WallpaperController &wallpaper = _services.wallpaper;
+    connect(&wallpaper, &WallpaperController::stateChanged, this, refreshNow);
+    connect(&wallpaper, &WallpaperController::isPausedChanged, this, refreshNow);
+    connect(&wallpaper, &WallpaperController::connectedDisplaysChanged, this, refreshNow);
+    connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, refreshNow);
+    connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, this, refreshNow);
+    connect(&wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this, refreshNow);
+}
 
 void TrayController::createStatusItem()
 {
@@ -86,7 +99,11 @@ void TrayController::trayHostChanged()
 
 TrayState TrayController::state() const
 {
+    const WallpaperController &wallpaper = _services.wallpaper;
     TrayState state;
+    state.wallpaperTitle = wallpaper.trayTitle();
+    state.canToggleWallpaper = wallpaper.canToggle();
+    state.isWallpaperShowing = wallpaper.isShowing();
     state.isRecording = _services.recorder.isRecording();
     state.recordTitle = _services.recorder.trayTitle();
     return state;

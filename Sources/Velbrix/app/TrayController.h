@@ -35,6 +35,7 @@ public:
     const QString &lastTraySignature() const { return _lastTraySignature; }
 
 private:
+    void followWallpaper();
     void trayHostChanged();
     TrayState state() const;
 

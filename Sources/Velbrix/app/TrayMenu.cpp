@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 QString TrayState::signature() const
 {
-    return QStringList{wallpaperTitle, log::text(canToggleWallpaper), log::text(isWallpaperPlaying),
+    return QStringList{wallpaperTitle, log::text(canToggleWallpaper), log::text(isWallpaperShowing),
                        log::text(isRecording), recordTitle}
         .join(u'|');
 }
@@ -25,7 +25,7 @@ QList<TrayMenuItem> trayMenu(const TrayState &state)
         separator,
         header(TrayItemId::wallpaperHeader, u"视频壁纸"_s),
         {TrayItemId::wallpaperPlay, state.wallpaperTitle, u"⌘⇧P"_s, false, state.canToggleWallpaper},
-        {TrayItemId::wallpaperStop, u"停止壁纸"_s, {}, false, state.isWallpaperPlaying},
+        {TrayItemId::wallpaperStop, u"停止壁纸"_s, {}, false, state.isWallpaperShowing},
         separator,
         header(TrayItemId::recordHeader, u"屏幕录制"_s),
         {TrayItemId::recordToggle, state.recordTitle, u"⌘⇧R"_s},

@@ -37,7 +37,7 @@ struct TrayMenuItem {
 struct TrayState {
     QString wallpaperTitle = QStringLiteral("播放壁纸");
     bool canToggleWallpaper = false;
-    bool isWallpaperPlaying = false;
+    bool isWallpaperShowing = false;
     bool isRecording = false;
     QString recordTitle;
 

@@ -119,7 +119,8 @@ int main(int argc, char **argv)
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));
 
-    if (words.contains(u"--help"_s))
+    const auto end = words.indexOf(u"--"_s);
+    if (words.first(end < 0 ? words.size() : end).contains(u"--help"_s))
         return print(stdout, helpText(), exitcode::done);
     if (words == QStringList{u"--version"_s})
         return print(stdout, u"Velbrix " VELBRIX_VERSION "\n"_s, exitcode::done);

@@ -33,6 +33,10 @@ public:
     virtual bool prefersReducedMotion() const = 0;
     virtual bool prefersDarkTheme() const = 0;
     virtual void observeTheme(std::function<void()> changed) = 0;
+
+    // Called after the whole program was hidden and is shown again; a host
+    // without such hiding never calls.
+    virtual void observeUnhide(std::function<void()> unhidden) = 0;
 };
 
 } // namespace velbrix

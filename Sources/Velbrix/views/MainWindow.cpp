@@ -8,6 +8,7 @@
 #include "views/ViewContext.h"
 #include "views/recorder/RecorderPage.h"
 #include "views/settings/SettingsPage.h"
+#include "views/wallpaper/WallpaperPage.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -25,6 +26,7 @@ MainWindow::MainWindow(AppServices &services, Theme &theme, std::function<bool()
     : _services(services),
       _theme(theme),
       _recording(services.recorder, services.privacy),
+      _wallpaper(services.wallpaper, services.privacy),
       _shouldClose(std::move(shouldClose)),
       _pages(new QStackedWidget)
 {
@@ -82,8 +84,10 @@ void MainWindow::showPage(AppTab tab)
 
 QWidget *MainWindow::makePage(AppTab tab)
 {
-    const ViewContext context{_services, _theme, _recording};
+    const ViewContext context{_services, _theme, _recording, _wallpaper};
     switch (tab) {
+    case AppTab::wallpaper:
+        return new WallpaperPage(context);
     case AppTab::recorder:
         return new RecorderPage(context);
     case AppTab::settings:

@@ -2,6 +2,7 @@
 
 #include "app/AppTab.h"
 #include "app/RecordingActions.h"
+#include "app/WallpaperActions.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -37,6 +38,7 @@ private:
     AppServices &_services;
     Theme &_theme;
     RecordingActions _recording;
+    WallpaperActions _wallpaper;
     std::function<bool()> _shouldClose;
     QStackedWidget *_pages;
     QHash<AppTab, QWidget *> _made;

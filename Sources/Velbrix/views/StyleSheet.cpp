@@ -30,6 +30,7 @@ QLabel[role="value"] { color: @secondary; }
 QScrollArea, QWidget#pageColumn, QWidget#pageBody { background: @window; border: none; }
 QWidget#sidebar { background: @sidebar; border: none; border-right: 1px solid @hairline; }
 QFrame[role="card"] { background: @card; border: 1px solid @hairline; border-radius: 12px; }
+QFrame[role="card"][dropping="true"] { border: 1px solid @accent; }
 QFrame[role="hairline"] { background: @hairline; border: none; min-height: 1px; max-height: 1px; }
 
 QPushButton { background: @control; border: 1px solid @hairline; border-radius: 6px; padding: 0 12px;

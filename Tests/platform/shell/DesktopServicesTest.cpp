@@ -194,6 +194,10 @@ private Q_SLOTS:
         services.setTrayHost(false);
         services.setTrayHost(true);
         QCOMPARE(seen, (QList<bool>{false, true}));
+        int unhides = 0;
+        services.observeUnhide([&] { ++unhides; });
+        services.unhide();
+        QCOMPARE(unhides, 1);
     }
 };
 

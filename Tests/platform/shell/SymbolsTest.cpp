@@ -40,6 +40,7 @@ const char *const usedNames[] = {
     "chevron.right",
     "chevron.down",
     "photo",
+    "photo.on.rectangle",
     "film",
     "clock",
     "bell.fill",

@@ -1,45 +1,127 @@
 #include "app/commands/Command.h"
 
+#include "app/AppTab.h"
+
+#include <QDir>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
+
+QString tabIdentifiers()
+{
+    QStringList identifiers;
+    for (const AppTabInfo &info : appTabs())
+        identifiers.append(info.identifier);
+    return identifiers.join(u"、"_s);
+}
+
+const CommandForm *formBegunBy(const QStringList &words)
+{
+    for (const CommandForm &form : commandForms()) {
+        const QStringList name = form.words.split(u' ');
+        if (words.first(std::min(name.size(), words.size())) == name)
+            return &form;
+    }
+    return nullptr;
+}
+
+// False when an option lacks its value or is said twice.
+bool takeOptions(QStringList &words, QMap<QString, QString> &options)
+{
+    QStringList rest;
+    while (!words.isEmpty()) {
+        const QString word = words.takeFirst();
+        if (!word.startsWith(u"--")) {
+            rest.append(word);
+            continue;
+        }
+        const auto equals = word.indexOf(u'=');
+        if (options.contains(word.first(equals < 0 ? word.size() : equals)) || (equals < 0 && words.isEmpty()))
+            return false;
+        if (equals < 0)
+            options.insert(word, words.takeFirst());
+        else
+            options.insert(word.first(equals), word.mid(equals + 1));
+    }
+    words = rest;
+    return true;
+}
+
+} // namespace
 
 const QList<CommandForm> &commandForms()
 {
     static const QList<CommandForm> forms = {
-        {u"status"_s, {}, 0, 0, u"程序与录制的当前状态"_s},
-        {u"show"_s, u"标签页"_s, 1, 1, u"打开主窗口并切换到标签页（recorder、settings）"_s},
+        {u"status"_s, {}, 0, 0, u"程序、壁纸与录制的当前状态"_s},
+        {u"show"_s, u"标签页"_s, 1, 1, u"打开主窗口并切换到标签页（%1）"_s.arg(tabIdentifiers())},
         {u"record start"_s, {}, 0, 0, u"按录制面板的设置开始录制"_s},
         {u"record stop"_s, {}, 0, 0, u"停止录制并等待文件校验完成"_s},
         {u"record toggle"_s, {}, 0, 0, u"开始全屏录制，或停止当前录制"_s},
         {u"record list-windows"_s, {}, 0, 0, u"列出可录制的窗口"_s},
         {u"record list-devices"_s, {}, 0, 0, u"列出扬声器与麦克风"_s},
+        {u"wallpaper set"_s,
+         u"视频文件"_s,
+         1,
+         1,
+         u"选择并播放视频；编号见 wallpaper status，1 是主显示器"_s,
+         true,
+         {{u"--display"_s, u"编号"_s}}},
+        {u"wallpaper play"_s, {}, 0, 0, u"播放或继续播放动态壁纸"_s},
+        {u"wallpaper pause"_s, {}, 0, 0, u"暂停动态壁纸"_s},
+        {u"wallpaper stop"_s, {}, 0, 0, u"停止动态壁纸并恢复原来的桌面图片"_s},
+        {u"wallpaper status"_s, {}, 0, 0, u"动态壁纸与各显示器的当前状态"_s},
         {u"hotkeys"_s, {}, 0, 0, u"列出全局快捷键及其状态"_s},
         {u"quit"_s, {}, 0, 0, u"退出 Velbrix（会先结束正在进行的录制）"_s},
     };
     return forms;
 }
 
-std::optional<ParsedCommand> parseCommand(QStringList words)
+std::optional<ParsedCommand> parseCommand(const QStringList &words)
 {
+    const auto end = words.indexOf(u"--"_s);
+    QStringList read = end < 0 ? words : words.first(end);
     ParsedCommand parsed;
-    parsed.json = words.removeAll(u"--json"_s) > 0;
-    for (const CommandForm &form : commandForms()) {
-        const QStringList name = form.words.split(u' ');
-        if (words.first(std::min(name.size(), words.size())) != name)
-            continue;
-        parsed.words = form.words;
-        parsed.arguments = words.mid(name.size());
-        const auto count = parsed.arguments.size();
-        const bool hasOption =
-            std::ranges::any_of(parsed.arguments, [](const QString &word) { return word.startsWith(u"--"); });
-        if (count < form.least || count > form.most || hasOption)
-            return std::nullopt;
-        return parsed;
+    parsed.json = read.removeAll(u"--json"_s) > 0;
+    const CommandForm *form = formBegunBy(read);
+    if (!form)
+        return std::nullopt;
+    parsed.words = form->words;
+    read.remove(0, form->words.count(u' ') + 1);
+    if (!takeOptions(read, parsed.options))
+        return std::nullopt;
+    parsed.arguments = end < 0 ? read : read + words.mid(end + 1);
+    return isValid(parsed) ? std::optional(parsed) : std::nullopt;
+}
+
+bool isValid(const ParsedCommand &command)
+{
+    const auto form = std::ranges::find(commandForms(), command.words, &CommandForm::words);
+    if (form == commandForms().end())
+        return false;
+    const auto isKnown = [&](const QString &option) {
+        return std::ranges::find(form->options, option, &CommandOption::name) != form->options.end();
+    };
+    const auto count = command.arguments.size();
+    return count >= form->least && count <= form->most &&
+           std::ranges::all_of(command.options.keys(), isKnown) &&
+           !(form->takesPath && command.arguments.contains(QString()));
+}
+
+ParsedCommand withAbsolutePaths(ParsedCommand command, const QString &folder)
+{
+    const auto form = std::ranges::find(commandForms(), command.words, &CommandForm::words);
+    if (form == commandForms().end() || !form->takesPath)
+        return command;
+    for (QString &path : command.arguments) {
+        if (!path.startsWith(u'/'))
+            path = folder + u'/' + path;
+        path = QDir::cleanPath(path);
     }
-    return std::nullopt;
+    return command;
 }
 
 QString helpText()
@@ -48,11 +130,14 @@ QString helpText()
                    "  velbrix                     启动，或把已运行的窗口带到前面\n"
                    "  velbrix --background        启动但不显示窗口\n"_s;
     for (const CommandForm &form : commandForms()) {
-        const QString usage =
-            form.arguments.isEmpty() ? form.words : form.words + u" <"_s + form.arguments + u'>';
-        text += u"  velbrix %1%2\n"_s.arg(usage.leftJustified(20), form.help);
+        QString usage = form.words;
+        if (!form.arguments.isEmpty())
+            usage += u" <%1>"_s.arg(form.arguments);
+        for (const CommandOption &option : form.options)
+            usage += u" [%1 <%2>]"_s.arg(option.name, option.value);
+        text += u"  velbrix %1 %2\n"_s.arg(usage.leftJustified(19), form.help);
     }
-    return text + u"选项：--json 输出稳定的英文键；--help 显示本说明；--version 显示版本\n"
+    return text + u"选项：--json 输出稳定的英文键；--help 显示本说明；--version 显示版本；-- 之后都是参数\n"
                   "退出码：0 完成，1 被拒绝并说明原因，2 用法错误，3 程序未运行\n"_s;
 }
 

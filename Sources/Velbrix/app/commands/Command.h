@@ -3,6 +3,7 @@
 #include <QCoroTask>
 #include <QJsonObject>
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,14 @@ struct CommandReply {
     static CommandReply refusal(const QString &reason) { return {exitcode::refused, reason, {}}; }
 };
 
+// "--display NUMBER": an option always has a value.
+struct CommandOption {
+    QString name;  // with its dashes
+    QString value; // described for the help
+
+    bool operator==(const CommandOption &) const = default;
+};
+
 // One verb of the command line. The words before any argument name it
 // ("record start"); `arguments` describes what may follow, for the help.
 struct CommandForm {
@@ -36,6 +45,8 @@ struct CommandForm {
     int least = 0; // number of arguments
     int most = 0;
     QString help;
+    bool takesPath = false; // each argument is the path of a file
+    QList<CommandOption> options = {};
 
     bool operator==(const CommandForm &) const = default;
 };
@@ -48,16 +59,22 @@ struct ParsedCommand {
     QString words;
     QStringList arguments;
     bool json = false;
+    QMap<QString, QString> options = {}; // by name
 
     bool operator==(const ParsedCommand &) const = default;
 };
 
 // What the words on the command line mean; nothing when they mean nothing.
-std::optional<ParsedCommand> parseCommand(QStringList words);
+// After "--" every word is an argument.
+std::optional<ParsedCommand> parseCommand(const QStringList &words);
+// A verb that exists, with as many arguments and only such options as it takes.
+bool isValid(const ParsedCommand &command);
+// Relative paths are those of the folder in which the user types.
+ParsedCommand withAbsolutePaths(ParsedCommand command, const QString &folder);
 
 QString helpText();
 
 // Handlers are called on the main thread of the running program.
-using CommandHandler = std::function<QCoro::Task<CommandReply>(QStringList arguments)>;
+using CommandHandler = std::function<QCoro::Task<CommandReply>(ParsedCommand command)>;
 
 } // namespace velbrix

@@ -15,16 +15,6 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-QString missingConsent(const AppServices &services)
-{
-    if (!services.privacy.hasAcceptedFirstLaunchNotice())
-        return u"尚未完成首启声明确认。请先在 Velbrix 窗口中确认。"_s;
-    const auto notice = services.privacy.pendingFeatureNotice();
-    if (notice && notice->kind == PrivacyConsentKind::screenRecording)
-        return u"需要先在 Velbrix 窗口中确认：%1"_s.arg(notice->title);
-    return {};
-}
-
 QString reasonOr(const QString &reason, const QString &otherwise)
 {
     return reason.isEmpty() ? otherwise : reason;
@@ -56,7 +46,8 @@ QCoro::Task<CommandReply> start(AppServices &services, std::function<void()> act
     if (services.recorder.isRecording() || services.recorder.isProcessing())
         co_return CommandReply::refusal(u"录制已在进行中"_s);
     act();
-    if (const QString reason = missingConsent(services); !reason.isEmpty())
+    if (const QString reason = services.privacy.missingConsent(PrivacyConsentKind::screenRecording);
+        !reason.isEmpty())
         co_return CommandReply::refusal(reason);
     while (services.recorder.isStarting())
         co_await qCoro(&services.recorder, &ScreenRecorderController::isStartingChanged);
@@ -137,18 +128,18 @@ QHash<QString, CommandHandler> recordCommands(AppServices &services, RecordingAc
 {
     return {
         {u"record start"_s,
-         [&services, &actions](const QStringList &) {
+         [&services, &actions](const ParsedCommand &) {
              return start(services, [&actions] { actions.startFromPanel(); });
          }},
-        {u"record stop"_s, [&services](const QStringList &) { return stop(services); }},
+        {u"record stop"_s, [&services](const ParsedCommand &) { return stop(services); }},
         {u"record toggle"_s,
-         [&services, &actions](const QStringList &) {
+         [&services, &actions](const ParsedCommand &) {
              if (services.recorder.isRecording())
                  return stop(services);
              return start(services, [&actions] { actions.toggleQuickly(); });
          }},
-        {u"record list-windows"_s, [&services](const QStringList &) { return listWindows(services); }},
-        {u"record list-devices"_s, [&services](const QStringList &) { return listDevices(services); }},
+        {u"record list-windows"_s, [&services](const ParsedCommand &) { return listWindows(services); }},
+        {u"record list-devices"_s, [&services](const ParsedCommand &) { return listDevices(services); }},
     };
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
+#include "app/commands/WallpaperCommands.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -23,7 +24,8 @@ CommandReply status(AppServices &services)
                   {u"firstLaunchAccepted"_s, services.privacy.hasAcceptedFirstLaunchNotice()},
                   {u"recording"_s, recorder.isRecording()},
                   {u"frames"_s, live.frameCountUI()},
-                  {u"elapsedSeconds"_s, live.elapsedSeconds()}};
+                  {u"elapsedSeconds"_s, live.elapsedSeconds()},
+                  {u"wallpaper"_s, wallpaperData(services.wallpaper)}};
     if (const auto path = session.outputURL())
         reply.data[u"file"_s] = *path;
     if (const auto path = session.finishedMovie())
@@ -36,6 +38,7 @@ CommandReply status(AppServices &services)
     lines << (recorder.isRecording()
                   ? u"录制：进行中，%1 秒，%2 帧"_s.arg(live.elapsedSeconds()).arg(live.frameCountUI())
                   : u"录制：未开始"_s);
+    lines << wallpaperSummary(services.wallpaper);
     if (!services.privacy.hasAcceptedFirstLaunchNotice())
         lines << u"尚未完成首启声明确认。"_s;
     reply.text = lines.join(u'\n');
@@ -86,7 +89,7 @@ QCoro::Task<CommandReply> answered(CommandReply reply)
 
 CommandHandler immediate(std::function<CommandReply(const QStringList &)> act)
 {
-    return [act = std::move(act)](const QStringList &arguments) { return answered(act(arguments)); };
+    return [act = std::move(act)](const ParsedCommand &command) { return answered(act(command.arguments)); };
 }
 
 } // namespace

@@ -3,6 +3,10 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/desktop/LinuxDesktopPicture.h"
+#include "platform/linux/desktop/LinuxDockPreference.h"
+#include "platform/linux/desktop/UPowerSource.h"
+#include "platform/linux/movie/LibAvMediaProbe.h"
 #include "platform/linux/movie/LinuxMovieFiles.h"
 #include "platform/linux/movie/MovieRecorder.h"
 #include "platform/linux/movie/PulseAudioDevices.h"
@@ -56,6 +60,8 @@ QString prepareHost()
 Platform makePlatform(Clock &clock)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    const QString data =
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velbrix"_s;
     const auto x11 = qtX11Connection();
     const auto keyboard = x11 ? std::make_shared<X11Keyboard>(*x11) : nullptr;
 
@@ -73,6 +79,10 @@ Platform makePlatform(Clock &clock)
                                                         QCoreApplication::applicationFilePath());
     platform.desktop = std::make_unique<LinuxDesktopServices>();
     platform.symbols = std::make_unique<ThemeSymbols>();
+    platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
+    platform.desktopPicture = std::make_unique<LinuxDesktopPicture>(clock, data + u"/former-desktop"_s);
+    platform.dock = std::make_unique<LinuxDockPreference>(clock, data + u"/former-panels.json"_s);
+    platform.power = std::make_unique<UPowerSource>(clock);
     platform.displays = std::make_unique<X11Displays>();
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);

@@ -1,10 +1,9 @@
 #include "platform/macos/AVMovieFiles.h"
 
+#include "platform/macos/AssetBridge.h"
 #include "platform/macos/Completion.h"
 #include "platform/macos/FoundationBridge.h"
 #include "platform/macos/RepairFile.h"
-
-#import <AVFoundation/AVFoundation.h>
 
 #include <QFile>
 
@@ -14,16 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-AVURLAsset *assetAt(const QString &path)
-{
-    return [[AVURLAsset alloc] initWithURL:[NSURL fileURLWithPath:toNSString(path)] options:nil];
-}
-
-bool isLoaded(AVAsset *asset, NSString *key)
-{
-    return [asset statusOfValueForKey:key error:nil] == AVKeyValueStatusLoaded;
-}
 
 void countAudioTracks(AVAsset *asset, MovieFacts facts, Completion<Result<MovieFacts>> inspected)
 {
@@ -55,8 +44,7 @@ QCoro::Task<Result<MovieFacts>> AVMovieFiles::inspect(const QString path)
                          completionHandler:^{
                              MovieFacts facts;
                              facts.isPlayable = isLoaded(asset, @"playable") && asset.isPlayable;
-                             if (isLoaded(asset, @"duration") && CMTIME_IS_VALID(asset.duration))
-                                 facts.duration = finiteSeconds(CMTimeGetSeconds(asset.duration));
+                             facts.duration = loadedDuration(asset);
                              countTracks(asset, facts, inspected);
                          }];
     return answerOf(inspected);

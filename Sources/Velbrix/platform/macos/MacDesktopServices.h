@@ -27,6 +27,8 @@ public:
     bool prefersDarkTheme() const override;
     void observeTheme(std::function<void()> changed) override;
 
+    void observeUnhide(std::function<void()> unhidden) override;
+
 private:
     struct Private;
     std::unique_ptr<Private> _d;

@@ -1,67 +1,22 @@
 #include "platform/macos/MacDesktopServices.h"
 
 #include "platform/macos/FoundationBridge.h"
-#include "platform/macos/MainThread.h"
+#include "platform/macos/SystemWatch.h"
 
 #import <AppKit/AppKit.h>
 
 #include <QFileInfo>
 
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
-
-static NSString *const appearanceKeyPath = @"effectiveAppearance";
-static char appearanceContext;
-
-@interface VBAppearanceObserver : NSObject
-- (instancetype)initWithChanged:(std::function<void()>)changed;
-@end
-
-@implementation VBAppearanceObserver {
-    std::shared_ptr<std::function<void()>> _changed;
-}
-
-- (instancetype)initWithChanged:(std::function<void()>)changed
-{
-    if ((self = [super init])) {
-        _changed = std::make_shared<std::function<void()>>(std::move(changed));
-        [NSApplication.sharedApplication addObserver:self
-                                          forKeyPath:appearanceKeyPath
-                                             options:0
-                                             context:&appearanceContext];
-    }
-    return self;
-}
-
-- (void)observeValueForKeyPath:(NSString *)keyPath
-                      ofObject:(id)object
-                        change:(NSDictionary<NSString *, id> *)change
-                       context:(void *)context
-{
-    if (context != &appearanceContext) {
-        [super observeValueForKeyPath:keyPath ofObject:object change:change context:context];
-        return;
-    }
-    velbrix::onMainThread([target = std::weak_ptr(_changed)] {
-        if (const auto alive = target.lock())
-            (*alive)();
-    });
-}
-
-- (void)dealloc
-{
-    [NSApplication.sharedApplication removeObserver:self
-                                         forKeyPath:appearanceKeyPath
-                                            context:&appearanceContext];
-}
-
-@end
 
 namespace velbrix {
 
 struct MacDesktopServices::Private {
-    VBAppearanceObserver *appearance = nil;
+    VBKeyValueWatch *appearance = nil;
+    std::vector<VBNotificationWatch *> unhides;
 };
 
 MacDesktopServices::MacDesktopServices() : _d(std::make_unique<Private>()) {}
@@ -127,7 +82,17 @@ bool MacDesktopServices::prefersDarkTheme() const
 
 void MacDesktopServices::observeTheme(std::function<void()> changed)
 {
-    _d->appearance = [[VBAppearanceObserver alloc] initWithChanged:std::move(changed)];
+    _d->appearance = [[VBKeyValueWatch alloc] initWithObject:NSApplication.sharedApplication
+                                                     keyPath:@"effectiveAppearance"
+                                                     changed:std::move(changed)];
+}
+
+void MacDesktopServices::observeUnhide(std::function<void()> unhidden)
+{
+    _d->unhides.push_back([[VBNotificationWatch alloc]
+        initWithCenter:NSNotificationCenter.defaultCenter
+                  name:NSApplicationDidUnhideNotification
+                posted:[unhidden = std::move(unhidden)](NSNotification *) { unhidden(); }]);
 }
 
 } // namespace velbrix

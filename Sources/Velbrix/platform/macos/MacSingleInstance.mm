@@ -1,7 +1,7 @@
 #include "platform/macos/MacSingleInstance.h"
 
 #include "platform/macos/BundleIdentity.h"
-#include "platform/macos/MainThread.h"
+#include "platform/macos/SystemWatch.h"
 
 #import <AppKit/AppKit.h>
 
@@ -9,43 +9,6 @@
 #include <utility>
 
 static NSNotificationName const wakeNotification = @"com.tamsel.Velbrix.single-instance";
-
-@interface VBWakeObserver : NSObject
-- (instancetype)initWithWake:(std::function<void()>)wake;
-@end
-
-@implementation VBWakeObserver {
-    std::shared_ptr<std::function<void()>> _wake;
-}
-
-- (instancetype)initWithWake:(std::function<void()>)wake
-{
-    if ((self = [super init])) {
-        _wake = std::make_shared<std::function<void()>>(std::move(wake));
-        [[NSDistributedNotificationCenter defaultCenter]
-                   addObserver:self
-                      selector:@selector(handleBringToFrontNotification:)
-                          name:wakeNotification
-                        object:nil
-            suspensionBehavior:NSNotificationSuspensionBehaviorDeliverImmediately];
-    }
-    return self;
-}
-
-- (void)handleBringToFrontNotification:(NSNotification *)notification
-{
-    velbrix::onMainThread([wake = std::weak_ptr(_wake)] {
-        if (const auto alive = wake.lock())
-            (*alive)();
-    });
-}
-
-- (void)dealloc
-{
-    [[NSDistributedNotificationCenter defaultCenter] removeObserver:self];
-}
-
-@end
 
 namespace velbrix {
 namespace {
@@ -63,7 +26,7 @@ NSRunningApplication *otherCopy()
 } // namespace
 
 struct MacSingleInstance::Private {
-    VBWakeObserver *observer = nil;
+    VBNotificationWatch *observer = nil;
 };
 
 MacSingleInstance::MacSingleInstance() : _d(std::make_unique<Private>()) {}
@@ -91,7 +54,9 @@ void MacSingleInstance::wakeOther()
 
 void MacSingleInstance::observeWake(std::function<void()> wake)
 {
-    _d->observer = [[VBWakeObserver alloc] initWithWake:std::move(wake)];
+    _d->observer = [[VBNotificationWatch alloc]
+        initWithDistributedName:wakeNotification
+                         posted:[wake = std::move(wake)](NSNotification *) { wake(); }];
 }
 
 } // namespace velbrix

@@ -1,9 +1,16 @@
 #include "platform/Platform.h"
 
+#include "platform/macos/AVDesktopSurfaces.h"
+#include "platform/macos/AVMediaProbe.h"
 #include "platform/macos/AVMovieFiles.h"
 #include "platform/macos/CarbonHotkeyRegistrar.h"
 #include "platform/macos/CoreAudioDevices.h"
+#include "platform/macos/DefaultsDockPreference.h"
+#include "platform/macos/IOPSPowerSource.h"
+#include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
+#include "platform/macos/MacDesktopVisibility.h"
+#include "platform/macos/MacDisplays.h"
 #include "platform/macos/MacPermissions.h"
 #include "platform/macos/MacSingleInstance.h"
 #include "platform/macos/MacUserNotifications.h"
@@ -20,7 +27,7 @@ QString prepareHost()
     return {};
 }
 
-Platform makePlatform(Clock &)
+Platform makePlatform(Clock &clock)
 {
     Platform platform;
     platform.settings = std::make_unique<UserDefaultsBackend>();
@@ -35,6 +42,13 @@ Platform makePlatform(Clock &)
     platform.loginItem = std::make_unique<SMLoginItem>();
     platform.desktop = std::make_unique<MacDesktopServices>();
     platform.symbols = std::make_unique<SFSymbols>();
+    platform.displays = std::make_unique<MacDisplays>();
+    platform.surfaces = std::make_unique<AVDesktopSurfaces>(clock);
+    platform.desktopPicture = std::make_unique<MacDesktopPicture>();
+    platform.visibility = std::make_unique<MacDesktopVisibility>(clock);
+    platform.mediaProbe = std::make_unique<AVMediaProbe>();
+    platform.power = std::make_unique<IOPSPowerSource>();
+    platform.dock = std::make_unique<DefaultsDockPreference>(clock);
     return platform;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #import <CoreGraphics/CoreGraphics.h>
+#import <CoreVideo/CoreVideo.h>
 
 #include <QImage>
 
@@ -14,5 +15,7 @@ QImage drawnPicture(QSize pixels, const std::function<void(CGContextRef)> &draw)
 
 // A copy of the picture's pixels; null for none.
 QImage toQImage(CGImageRef picture);
+// Of a buffer in kCVPixelFormatType_32BGRA, whose alpha is left out.
+QImage toQImage(CVPixelBufferRef picture);
 
 } // namespace velbrix

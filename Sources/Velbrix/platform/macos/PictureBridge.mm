@@ -34,4 +34,17 @@ QImage toQImage(CGImageRef picture)
     });
 }
 
+QImage toQImage(CVPixelBufferRef picture)
+{
+    if (!picture || CVPixelBufferLockBaseAddress(picture, kCVPixelBufferLock_ReadOnly) != kCVReturnSuccess)
+        return {};
+    const QImage pixels(static_cast<const uchar *>(CVPixelBufferGetBaseAddress(picture)),
+                        static_cast<int>(CVPixelBufferGetWidth(picture)),
+                        static_cast<int>(CVPixelBufferGetHeight(picture)),
+                        static_cast<qsizetype>(CVPixelBufferGetBytesPerRow(picture)), QImage::Format_RGB32);
+    const QImage copy = pixels.copy();
+    CVPixelBufferUnlockBaseAddress(picture, kCVPixelBufferLock_ReadOnly);
+    return copy;
+}
+
 } // namespace velbrix

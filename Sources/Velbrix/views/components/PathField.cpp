@@ -39,7 +39,10 @@ QString shortened(const QString &path)
 } // namespace
 
 PathField::PathField(const Theme &theme, const QString &name, const QString &panelTitle, QWidget *parent)
-    : QFrame(parent), _panelTitle(panelTitle), _text(makeText({}, u"value"_s))
+    : QFrame(parent),
+      _panelTitle(panelTitle),
+      _text(makeText({}, u"value"_s)),
+      _reveal(makeButton(theme, {name + u"Reveal"_s, u"在文件夹中显示"_s, {}, u"plain"_s}))
 {
     setObjectName(name);
     setProperty("role", u"path"_s);
@@ -47,21 +50,21 @@ PathField::PathField(const Theme &theme, const QString &name, const QString &pan
     _text->setWordWrap(false);
     _text->setMinimumWidth(60);
     auto *chooseButton = makeButton(theme, {name + u"Choose"_s, u"选择…"_s, {}, u"plain"_s});
-    auto *reveal = makeButton(theme, {name + u"Reveal"_s, u"在文件夹中显示"_s, {}, u"plain"_s});
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins(12, 2, 4, 2);
     line->setSpacing(4);
     line->addWidget(_text, 1);
     line->addWidget(chooseButton);
-    line->addWidget(reveal);
+    line->addWidget(_reveal);
     connect(chooseButton, &QPushButton::clicked, this, &PathField::choose);
-    connect(reveal, &QPushButton::clicked, this, [this] { Q_EMIT revealWanted(_path); });
+    connect(_reveal, &QPushButton::clicked, this, [this] { Q_EMIT revealWanted(_path); });
 }
 
 void PathField::setPath(const QString &path)
 {
     _path = path;
     _text->setToolTip(path);
+    _reveal->setVisible(!path.isEmpty());
     elide();
 }
 
@@ -108,7 +111,7 @@ void PathField::choose()
 
 void PathField::elide()
 {
-    const QString whole = shortened(QDir::toNativeSeparators(_path));
+    const QString whole = _path.isEmpty() ? u"还没有选择文件夹"_s : shortened(QDir::toNativeSeparators(_path));
     const QString shown = QFontMetrics(_text->font()).elidedText(whole, Qt::ElideMiddle, _text->width());
     if (_text->text() != shown)
         _text->setText(shown);

@@ -3,6 +3,7 @@
 #include <QFrame>
 
 class QLabel;
+class QPushButton;
 
 namespace velbrix {
 
@@ -16,8 +17,11 @@ class PathField final : public QFrame {
 public:
     PathField(const Theme &theme, const QString &name, const QString &panelTitle, QWidget *parent = nullptr);
 
+    // Empty while there is none yet.
     void setPath(const QString &path);
     QString path() const { return _path; }
+    // Opens the system's panel.
+    void choose();
 
 Q_SIGNALS:
     void wanted(const QString &folder);
@@ -30,12 +34,12 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void choose();
     void elide();
 
     QString _panelTitle;
     QString _path;
     QLabel *_text;
+    QPushButton *_reveal;
 };
 
 } // namespace velbrix

@@ -7,9 +7,12 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QScrollBar>
+#include <QSet>
+#include <QStyle>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <utility>
 
 namespace velbrix {
 namespace {
@@ -19,7 +22,7 @@ constexpr int cellHeight = 168;
 constexpr int mostRows = 2;
 constexpr int gap = 8;
 
-enum Role { pictureRole = Qt::UserRole, subtitleRole, chosenRole };
+enum Role { pictureRole = Qt::UserRole, subtitleRole, problemRole, chosenRole };
 
 } // namespace
 
@@ -40,11 +43,13 @@ public:
         case Qt::ToolTipRole:
             return item.title;
         case Qt::AccessibleTextRole:
-            return QStringLiteral("%1，%2").arg(item.title, item.subtitle);
+            return QStringLiteral("%1，%2").arg(item.title, problems.value(item.id, item.subtitle));
         case pictureRole:
             return pictures.value(item.id);
         case subtitleRole:
             return item.subtitle;
+        case problemRole:
+            return problems.value(item.id);
         case chosenRole:
             return chosen == item.id;
         default:
@@ -52,29 +57,49 @@ public:
         }
     }
 
-    void replace(const QList<ThumbnailItem> &fresh)
+    bool replace(const QList<ThumbnailItem> &fresh)
     {
         if (fresh == items)
-            return;
+            return false;
         beginResetModel();
         items = fresh;
+        problems.clear();
+        _rows.clear();
+        _rows.reserve(items.size());
+        for (int row = 0; row < rowCount(); ++row)
+            _rows.insert(items[row].id, row);
         endResetModel();
+        return true;
     }
 
-    void redraw()
+    QModelIndex find(const QString &id) const
     {
-        if (!items.isEmpty())
-            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+        const auto row = _rows.constFind(id);
+        return row == _rows.cend() ? QModelIndex() : index(*row);
+    }
+
+    void redraw(const QString &id)
+    {
+        if (const QModelIndex cell = find(id); cell.isValid())
+            Q_EMIT dataChanged(cell, cell);
     }
 
     QList<ThumbnailItem> items;
     QHash<QString, QImage> pictures;
+    QHash<QString, QString> problems;
     std::optional<QString> chosen;
+
+private:
+    QHash<QString, int> _rows;
 };
 
 class ThumbnailGrid::Cell final : public QStyledItemDelegate {
 public:
-    Cell(const Theme &theme, ThumbnailGrid &grid) : QStyledItemDelegate(&grid), _theme(theme), _grid(grid) {}
+    Cell(const Theme &theme, ThumbnailGrid &grid, QString placeholder)
+        : QStyledItemDelegate(&grid), _theme(theme), _grid(grid), _placeholder(std::move(placeholder))
+    {
+        connect(&theme, &Theme::changed, this, [this] { _symbols.clear(); });
+    }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
@@ -92,9 +117,14 @@ public:
         painter->drawRoundedRect(QRectF(cell).adjusted(1, 1, -1, -1), 8, 8);
 
         const QRect words(cell.x() + 10, cell.bottom() - 43, cell.width() - 20, 36);
-        drawPicture(*painter,
-                    QRect(cell.x() + 8, cell.y() + 8, cell.width() - 16, words.top() - cell.y() - 14),
-                    index.data(pictureRole).value<QImage>());
+        const QRect room(cell.x() + 8, cell.y() + 8, cell.width() - 16, words.top() - cell.y() - 14);
+        const QImage picture = index.data(pictureRole).value<QImage>();
+        if (!index.data(problemRole).toString().isEmpty())
+            drawSymbol(*painter, room, QStringLiteral("exclamationmark.triangle.fill"));
+        else if (picture.isNull())
+            drawSymbol(*painter, room, _placeholder);
+        else
+            drawPicture(*painter, room, picture);
         drawWords(*painter, words, index, isChosen);
         painter->restore();
     }
@@ -105,16 +135,18 @@ public:
     }
 
 private:
+    void drawSymbol(QPainter &painter, const QRect &room, const QString &name) const
+    {
+        constexpr int side = 32;
+        const qreal ratio = painter.device()->devicePixelRatioF();
+        QPixmap &drawn = _symbols[name];
+        if (drawn.isNull() || drawn.devicePixelRatio() != ratio)
+            drawn = _theme.symbol(name, side, _theme.color(ThemeColor::secondary), ratio);
+        painter.drawPixmap(room.center() - QPoint(side / 2, side / 2), drawn);
+    }
+
     void drawPicture(QPainter &painter, const QRect &room, const QImage &picture) const
     {
-        if (picture.isNull()) {
-            constexpr int side = 32;
-            const QPoint at = room.center() - QPoint(side / 2, side / 2);
-            const qreal ratio = painter.device()->devicePixelRatioF();
-            painter.drawPixmap(at, _theme.symbol(QStringLiteral("macwindow"), side,
-                                                 _theme.color(ThemeColor::secondary), ratio));
-            return;
-        }
         const QSize largest = picture.size().boundedTo(room.size());
         const QSize fitted = picture.size().scaled(largest, Qt::KeepAspectRatio);
         QRect place(QPoint(), fitted);
@@ -141,15 +173,20 @@ private:
         const QString mark = isChosen ? QStringLiteral("✓ ") : QString();
         line(mark + index.data().toString(), QRect(room.x(), room.y(), room.width(), 18),
              _theme.font(12, QFont::DemiBold), isChosen ? ThemeColor::accentText : ThemeColor::text);
-        line(index.data(subtitleRole).toString(), QRect(room.x(), room.y() + 18, room.width(), 18),
-             _theme.font(11), ThemeColor::secondary);
+        const QString problem = index.data(problemRole).toString();
+        line(problem.isEmpty() ? index.data(subtitleRole).toString() : problem,
+             QRect(room.x(), room.y() + 18, room.width(), 18), _theme.font(11),
+             problem.isEmpty() ? ThemeColor::secondary : ThemeColor::warning);
     }
 
     const Theme &_theme;
     const ThumbnailGrid &_grid;
+    const QString _placeholder;
+    mutable QHash<QString, QPixmap> _symbols;
 };
 
-ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, QWidget *parent)
+ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, const QString &placeholder,
+                             QWidget *parent)
     : QListView(parent), _items(new Items(this))
 {
     setObjectName(name);
@@ -164,7 +201,7 @@ ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, QWidget *p
     setFrameShape(NoFrame);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setModel(_items);
-    setItemDelegate(new Cell(theme, *this));
+    setItemDelegate(new Cell(theme, *this, placeholder));
     connect(this, &QListView::clicked, this,
             [this](const QModelIndex &index) { Q_EMIT wanted(_items->items[index.row()].id); });
     connect(&theme, &Theme::changed, this, [this] { viewport()->update(); });
@@ -172,20 +209,67 @@ ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, QWidget *p
 
 void ThumbnailGrid::setItems(const QList<ThumbnailItem> &items)
 {
-    _items->replace(items);
+    const QModelIndex current = currentIndex();
+    const QString currentId = current.isValid() ? _items->items[current.row()].id : QString();
+    const int place = verticalScrollBar()->value();
+    if (!_items->replace(items))
+        return;
     fit();
+    executeDelayedItemsLayout();
+    if (const QModelIndex again = _items->find(currentId); again.isValid())
+        selectionModel()->setCurrentIndex(again, QItemSelectionModel::NoUpdate);
+    verticalScrollBar()->setValue(place);
 }
 
 void ThumbnailGrid::setPictures(const QHash<QString, QImage> &pictures)
 {
     _items->pictures = pictures;
-    _items->redraw();
+    viewport()->update();
+}
+
+void ThumbnailGrid::setPicture(const QString &id, const QImage &picture)
+{
+    const bool hadProblem = _items->problems.remove(id);
+    QImage &shown = _items->pictures[id];
+    if (shown.cacheKey() == picture.cacheKey() && !hadProblem)
+        return;
+    shown = picture;
+    _items->redraw(id);
+}
+
+void ThumbnailGrid::setProblem(const QString &id, const QString &problem)
+{
+    _items->problems.insert(id, problem);
+    _items->redraw(id);
+}
+
+void ThumbnailGrid::keepPictures(const QStringList &ids)
+{
+    const QSet<QString> kept(ids.begin(), ids.end());
+    _items->pictures.removeIf([&](const auto &entry) { return !kept.contains(entry.key()); });
 }
 
 void ThumbnailGrid::setChosen(const std::optional<QString> &id)
 {
-    _items->chosen = id;
-    _items->redraw();
+    const std::optional<QString> before = std::exchange(_items->chosen, id);
+    for (const auto &changed : {before, id}) {
+        if (changed)
+            _items->redraw(*changed);
+    }
+}
+
+QStringList ThumbnailGrid::idsInSight() const
+{
+    const QRect seen = viewport()->visibleRegion().boundingRect();
+    if (seen.isEmpty())
+        return {};
+    const qsizetype across = columns();
+    const qsizetype first = (verticalOffset() + seen.top()) / cellHeight * across;
+    const qsizetype end = ((verticalOffset() + seen.bottom()) / cellHeight + 1) * across;
+    QStringList ids;
+    for (qsizetype row = first; row < std::min(end, _items->items.size()); ++row)
+        ids.append(_items->items[row].id);
+    return ids;
 }
 
 QSize ThumbnailGrid::sizeHint() const
@@ -206,22 +290,48 @@ void ThumbnailGrid::keyPressEvent(QKeyEvent *event)
         QListView::keyPressEvent(event);
 }
 
+void ThumbnailGrid::paintEvent(QPaintEvent *event)
+{
+    QListView::paintEvent(event);
+    noteSight(); // it may be a page around the grid that has scrolled
+}
+
+void ThumbnailGrid::scrollContentsBy(int dx, int dy)
+{
+    QListView::scrollContentsBy(dx, dy);
+    noteSight();
+}
+
+void ThumbnailGrid::noteSight()
+{
+    const QStringList ids = idsInSight();
+    if (ids == _inSight)
+        return;
+    _inSight = ids;
+    Q_EMIT inSightChanged(ids);
+}
+
 void ThumbnailGrid::resizeEvent(QResizeEvent *event)
 {
     QListView::resizeEvent(event);
     fit();
 }
 
+int ThumbnailGrid::room() const
+{
+    // As the base class counts when it breaks the lines: less one pixel, and
+    // always with the bar.
+    return width() - style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, verticalScrollBar()) - 1;
+}
+
 int ThumbnailGrid::columns() const
 {
-    const int room = width() - verticalScrollBar()->sizeHint().width();
-    return std::max(room / leastCellWidth, 1);
+    return std::max(room() / leastCellWidth, 1);
 }
 
 void ThumbnailGrid::fit()
 {
-    const int room = width() - verticalScrollBar()->sizeHint().width();
-    setGridSize(QSize(std::max(room / columns(), 1), cellHeight));
+    setGridSize(QSize(std::max(room() / columns(), 1), cellHeight));
     setFixedHeight(std::max(sizeHint().height(), 1));
 }
 

@@ -3,6 +3,7 @@
 #include <QAbstractListModel>
 #include <QImage>
 #include <QListView>
+#include <QStringList>
 
 #include <optional>
 
@@ -18,34 +19,53 @@ struct ThumbnailItem {
     bool operator==(const ThumbnailItem &) const = default;
 };
 
-// Pictures with names to choose one of. Only cells in sight are drawn; arrow
-// keys and Space or a click choose.
+// Pictures with names to choose one of; arrow keys and Space or a click choose.
+// Made for tens of thousands of cells: only those in sight are drawn, and
+// whoever brings the pictures is told which these are.
 class ThumbnailGrid final : public QListView {
     Q_OBJECT
 
 public:
-    ThumbnailGrid(const Theme &theme, const QString &name, QWidget *parent = nullptr);
+    // The placeholder is the symbol of a cell that has no picture.
+    ThumbnailGrid(const Theme &theme, const QString &name, const QString &placeholder,
+                  QWidget *parent = nullptr);
 
+    // Keeps the place and the current cell when that is still there.
     void setItems(const QList<ThumbnailItem> &items);
     void setPictures(const QHash<QString, QImage> &pictures);
+    void setPicture(const QString &id, const QImage &picture);
+    // The cell says this in place of its subtitle and gets no picture.
+    void setProblem(const QString &id, const QString &problem);
+    // Lets go of every other picture.
+    void keepPictures(const QStringList &ids);
     void setChosen(const std::optional<QString> &id);
+
+    // What the user can see of the grid now, from the top.
+    QStringList idsInSight() const;
 
     QSize sizeHint() const override;
 
 Q_SIGNALS:
     void wanted(const QString &id);
+    // May come while the grid is painted.
+    void inSightChanged(const QStringList &ids);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
 
 private:
     class Items;
     class Cell;
+    int room() const;
     int columns() const;
+    void noteSight();
     void fit();
 
     Items *_items;
+    QStringList _inSight;
 };
 
 } // namespace velbrix

@@ -26,8 +26,7 @@ ValueSlider::ValueSlider(const QString &name, const Range &range, QWidget *paren
     _slider->setToolTip(u"双击恢复默认值"_s);
     _text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     _text->setWordWrap(false);
-    _text->setFixedWidth(
-        QFontMetrics(_text->font()).horizontalAdvance(u"%1 %2"_s.arg(range.most).arg(range.unit)) + 8);
+    _text->setFixedWidth(QFontMetrics(_text->font()).horizontalAdvance(words(range.most)) + 8);
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);
@@ -41,7 +40,7 @@ void ValueSlider::setValue(int value)
 {
     const QSignalBlocker quiet(_slider);
     _slider->setValue(value);
-    const QString text = u"%1 %2"_s.arg(_slider->value()).arg(_range.unit);
+    const QString text = words(_slider->value());
     _text->setText(text);
     _slider->setAccessibleName(accessibleName());
     _slider->setAccessibleDescription(text);
@@ -50,6 +49,11 @@ void ValueSlider::setValue(int value)
 int ValueSlider::value() const
 {
     return _slider->value();
+}
+
+QString ValueSlider::words(int value) const
+{
+    return _range.words ? _range.words(value) : u"%1 %2"_s.arg(value).arg(_range.unit);
 }
 
 bool ValueSlider::eventFilter(QObject *, QEvent *event)

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include <functional>
+
 class QLabel;
 class QSlider;
 
@@ -18,6 +20,7 @@ public:
         int most = 100;
         int standard = 0;
         QString unit; // "分钟"
+        std::function<QString(int)> words = {}; // in place of number and unit
     };
 
     ValueSlider(const QString &name, const Range &range, QWidget *parent = nullptr);
@@ -32,6 +35,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    QString words(int value) const;
+
     Range _range;
     QSlider *_slider;
     QLabel *_text;

@@ -22,7 +22,7 @@ RecordTargetCard::RecordTargetCard(const ViewContext &context, QWidget *parent)
     : Card(parent),
       _context(context),
       _windows(new QWidget),
-      _grid(new ThumbnailGrid(context.theme, u"windowGrid"_s)),
+      _grid(new ThumbnailGrid(context.theme, u"windowGrid"_s, u"macwindow"_s)),
       _empty(new EmptyState(context.theme, u"windowsEmpty"_s,
                             {u"macwindow"_s, u"没有找到窗口"_s, u"打开目标应用后点刷新"_s, {}})),
       _job(new JobBar(context.theme, u"thumbnailJob"_s))

@@ -2,6 +2,7 @@
 
 #include <CoreMedia/CoreMedia.h>
 #include <Foundation/Foundation.h>
+#include <QuartzCore/QuartzCore.h>
 
 #pragma clang assume_nonnull begin
 
@@ -9,6 +10,7 @@ typedef NSString *AVMediaType;
 typedef NSString *AVFileType;
 typedef NSString *AVVideoCodecType;
 typedef NSString *AVCaptureDeviceType;
+typedef NSString *AVLayerVideoGravity;
 
 extern "C" {
 extern AVMediaType const AVMediaTypeVideo;
@@ -35,6 +37,12 @@ extern NSString *const AVEncoderBitRateKey;
 extern AVCaptureDeviceType const AVCaptureDeviceTypeMicrophone API_AVAILABLE(macos(14.0));
 extern AVCaptureDeviceType const AVCaptureDeviceTypeExternal API_AVAILABLE(macos(14.0));
 extern NSString *const AVAssetExportPresetPassthrough;
+
+extern AVLayerVideoGravity const AVLayerVideoGravityResize;
+extern AVLayerVideoGravity const AVLayerVideoGravityResizeAspect;
+extern AVLayerVideoGravity const AVLayerVideoGravityResizeAspectFill;
+extern NSNotificationName const AVPlayerItemFailedToPlayToEndTimeNotification;
+extern NSString *const AVPlayerItemFailedToPlayToEndTimeErrorKey;
 }
 
 typedef NS_ENUM(NSInteger, AVAuthorizationStatus) {
@@ -61,17 +69,24 @@ API_AVAILABLE(macos(10.15)) @interface AVCaptureDeviceDiscoverySession : NSObjec
                                        position:(AVCaptureDevicePosition)position;
 @end
 
-@interface AVAssetTrack : NSObject
-@end
-
 typedef NS_ENUM(NSInteger, AVKeyValueStatus) { AVKeyValueStatusLoaded = 2 };
 
-@interface AVAsset : NSObject
-@property(nonatomic, readonly) CMTime duration;
-@property(nonatomic, readonly, getter=isPlayable) BOOL playable;
+@protocol AVAsynchronousKeyValueLoading
+- (AVKeyValueStatus)statusOfValueForKey:(NSString *)key error:(NSError *_Nullable *_Nullable)error;
 - (void)loadValuesAsynchronouslyForKeys:(NSArray<NSString *> *)keys
                       completionHandler:(nullable void (^)(void))handler;
-- (AVKeyValueStatus)statusOfValueForKey:(NSString *)key error:(NSError *_Nullable *_Nullable)error;
+@end
+
+@interface AVAssetTrack : NSObject <AVAsynchronousKeyValueLoading>
+@property(nonatomic, readonly) AVMediaType mediaType;
+@property(nonatomic, readonly) CGSize naturalSize;
+@property(nonatomic, readonly) CGAffineTransform preferredTransform;
+@property(nonatomic, readonly) float nominalFrameRate;
+@end
+
+@interface AVAsset : NSObject <AVAsynchronousKeyValueLoading>
+@property(nonatomic, readonly) CMTime duration;
+@property(nonatomic, readonly, getter=isPlayable) BOOL playable;
 - (void)loadTracksWithMediaType:(AVMediaType)mediaType
               completionHandler:(void (^)(NSArray<AVAssetTrack *> *_Nullable tracks,
                                           NSError *_Nullable error))handler API_AVAILABLE(macos(12.0));
@@ -79,6 +94,87 @@ typedef NS_ENUM(NSInteger, AVKeyValueStatus) { AVKeyValueStatusLoaded = 2 };
 
 @interface AVURLAsset : AVAsset
 - (instancetype)initWithURL:(NSURL *)url options:(nullable NSDictionary<NSString *, id> *)options;
+@end
+
+@interface AVAssetImageGenerator : NSObject
+@property(nonatomic) BOOL appliesPreferredTrackTransform;
+@property(nonatomic) CGSize maximumSize;
+@property(nonatomic) CMTime requestedTimeToleranceBefore;
+@property(nonatomic) CMTime requestedTimeToleranceAfter;
+- (instancetype)initWithAsset:(AVAsset *)asset;
+- (void)generateCGImageAsynchronouslyForTime:(CMTime)requestedTime
+                           completionHandler:(void (^)(CGImageRef _Nullable image, CMTime actualTime,
+                                                       NSError *_Nullable error))handler
+    API_AVAILABLE(macos(13.0));
+- (void)cancelAllCGImageGeneration;
+@end
+
+@interface AVPlayerItemOutput : NSObject
+@end
+
+@interface AVPlayerItemVideoOutput : AVPlayerItemOutput
+- (instancetype)initWithPixelBufferAttributes:(nullable NSDictionary<NSString *, id> *)attributes;
+- (BOOL)hasNewPixelBufferForItemTime:(CMTime)itemTime;
+- (nullable CVPixelBufferRef)copyPixelBufferForItemTime:(CMTime)itemTime
+                                     itemTimeForDisplay:(nullable CMTime *)itemTimeForDisplay
+    __attribute__((cf_returns_retained));
+@end
+
+@interface AVPlayerItemTrack : NSObject
+@property(nonatomic, readonly, nullable) AVAssetTrack *assetTrack;
+@end
+
+typedef NS_ENUM(NSInteger, AVPlayerItemStatus) {
+    AVPlayerItemStatusReadyToPlay = 1,
+    AVPlayerItemStatusFailed = 2,
+};
+
+@interface AVPlayerItem : NSObject <NSCopying>
+@property(nonatomic, readonly) AVPlayerItemStatus status;
+@property(nonatomic, readonly, nullable) NSError *error;
+@property(nonatomic, readonly) NSArray<AVPlayerItemTrack *> *tracks;
+@property(nonatomic, readonly) NSArray<AVPlayerItemOutput *> *outputs;
+@property(nonatomic) NSTimeInterval preferredForwardBufferDuration API_AVAILABLE(macos(10.12));
+@property(nonatomic) CGSize preferredMaximumResolution API_AVAILABLE(macos(10.13));
+@property(nonatomic) BOOL canUseNetworkResourcesForLiveStreamingWhilePaused;
+- (instancetype)initWithAsset:(AVAsset *)asset;
+- (void)addOutput:(AVPlayerItemOutput *)output;
+@end
+
+@interface AVPlayer : NSObject
+@property(nonatomic, readonly, nullable) AVPlayerItem *currentItem;
+@property(nonatomic) float rate;
+@property(nonatomic) float volume;
+@property(nonatomic, getter=isMuted) BOOL muted;
+@property(nonatomic) BOOL automaticallyWaitsToMinimizeStalling API_AVAILABLE(macos(10.12));
+- (void)playImmediatelyAtRate:(float)rate API_AVAILABLE(macos(10.12));
+- (void)pause;
+- (CMTime)currentTime;
+- (id)addPeriodicTimeObserverForInterval:(CMTime)interval
+                                   queue:(nullable dispatch_queue_t)queue
+                              usingBlock:(void (^)(CMTime time))block;
+- (void)removeTimeObserver:(id)observer;
+@end
+
+@interface AVQueuePlayer : AVPlayer
+- (void)removeAllItems;
+@end
+
+typedef NS_ENUM(NSInteger, AVPlayerLooperStatus) { AVPlayerLooperStatusFailed = 2 };
+
+API_AVAILABLE(macos(10.12)) @interface AVPlayerLooper : NSObject
+@property(nonatomic, readonly) AVPlayerLooperStatus status;
+@property(nonatomic, readonly, nullable) NSError *error;
+@property(nonatomic, readonly) NSInteger loopCount;
+@property(nonatomic, readonly) NSArray<AVPlayerItem *> *loopingPlayerItems;
++ (instancetype)playerLooperWithPlayer:(AVQueuePlayer *)player templateItem:(AVPlayerItem *)item;
+- (void)disableLooping;
+@end
+
+@interface AVPlayerLayer : CALayer
+@property(copy) AVLayerVideoGravity videoGravity;
+@property(nonatomic, readonly, getter=isReadyForDisplay) BOOL readyForDisplay;
++ (AVPlayerLayer *)playerLayerWithPlayer:(nullable AVPlayer *)player;
 @end
 
 typedef NS_ENUM(NSInteger, AVAssetExportSessionStatus) { AVAssetExportSessionStatusCompleted = 3 };

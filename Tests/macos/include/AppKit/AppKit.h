@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Foundation/Foundation.h>
+#include <QuartzCore/QuartzCore.h>
 
 #pragma clang assume_nonnull begin
 
@@ -42,10 +43,17 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
 };
 
 @class NSRunningApplication;
+@class NSWindow;
+
+extern "C" {
+extern NSNotificationName NSApplicationDidChangeScreenParametersNotification;
+extern NSNotificationName NSApplicationDidUnhideNotification;
+}
 
 @interface NSApplication : NSObject
 @property(class, readonly, strong) __kindof NSApplication *sharedApplication;
 @property(readonly, strong) NSAppearance *effectiveAppearance;
+@property(readonly, copy) NSArray<NSWindow *> *windows;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activate API_AVAILABLE(macos(14.0));
 - (void)yieldActivationToApplication:(NSRunningApplication *)application API_AVAILABLE(macos(14.0));
@@ -59,11 +67,101 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
 - (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
 @end
 
+@interface NSColorSpace : NSObject
+@property(class, readonly, strong) NSColorSpace *sRGBColorSpace;
+@end
+
+@interface NSColor : NSObject <NSCopying>
+@property(class, readonly, strong) NSColor *clearColor;
+@property(readonly) CGFloat redComponent;
+@property(readonly) CGFloat greenComponent;
+@property(readonly) CGFloat blueComponent;
+@property(readonly) CGFloat alphaComponent;
++ (NSColor *)colorWithSRGBRed:(CGFloat)red
+                        green:(CGFloat)green
+                         blue:(CGFloat)blue
+                        alpha:(CGFloat)alpha API_AVAILABLE(macos(10.7));
+- (nullable NSColor *)colorUsingColorSpace:(NSColorSpace *)space;
+@end
+
+typedef NSString *NSDeviceDescriptionKey;
+
+@interface NSScreen : NSObject
+@property(class, readonly, copy) NSArray<NSScreen *> *screens;
+@property(readonly) NSRect frame;
+@property(readonly) NSRect visibleFrame;
+@property(readonly, copy) NSDictionary<NSDeviceDescriptionKey, id> *deviceDescription;
+@property(readonly, copy) NSString *localizedName API_AVAILABLE(macos(10.15));
+@end
+
+@interface NSView : NSObject
+@property BOOL wantsLayer;
+@property(nullable, strong) CALayer *layer;
+@property(readonly) NSRect bounds;
+@end
+
+typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) { NSWindowStyleMaskBorderless = 0 };
+typedef NS_ENUM(NSUInteger, NSBackingStoreType) { NSBackingStoreBuffered = 2 };
+typedef NSInteger NSWindowLevel;
+typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
+    NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
+    NSWindowCollectionBehaviorStationary = 1 << 4,
+    NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
+};
+typedef NS_OPTIONS(NSUInteger, NSWindowOcclusionState) { NSWindowOcclusionStateVisible = 1UL << 1 };
+
+extern "C" NSNotificationName NSWindowDidChangeOcclusionStateNotification API_AVAILABLE(macos(10.9));
+
+@interface NSWindow : NSObject
+@property(nullable, strong) __kindof NSView *contentView;
+@property(nullable, readonly, strong) NSScreen *screen;
+@property(readonly) NSInteger windowNumber;
+@property(readonly, getter=isVisible) BOOL visible;
+@property(readonly) NSWindowOcclusionState occlusionState API_AVAILABLE(macos(10.9));
+@property NSWindowLevel level;
+@property NSWindowCollectionBehavior collectionBehavior;
+@property(getter=isOpaque) BOOL opaque;
+@property(null_resettable, copy) NSColor *backgroundColor;
+@property BOOL ignoresMouseEvents;
+@property BOOL hasShadow;
+@property BOOL canHide;
+@property BOOL hidesOnDeactivate;
+@property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
+- (instancetype)initWithContentRect:(NSRect)contentRect
+                          styleMask:(NSWindowStyleMask)style
+                            backing:(NSBackingStoreType)backing
+                              defer:(BOOL)defer;
+- (void)setFrame:(NSRect)frame display:(BOOL)display;
+- (void)orderFrontRegardless;
+- (void)orderOut:(nullable id)sender;
+- (void)close;
+@end
+
+typedef NSString *NSWorkspaceDesktopImageOptionKey;
+
+extern "C" {
+extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageScalingKey;
+extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageAllowClippingKey;
+extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageFillColorKey;
+extern NSNotificationName NSWorkspaceScreensDidSleepNotification;
+extern NSNotificationName NSWorkspaceScreensDidWakeNotification;
+extern NSNotificationName NSWorkspaceSessionDidBecomeActiveNotification;
+extern NSNotificationName NSWorkspaceSessionDidResignActiveNotification;
+}
+
 @interface NSWorkspace : NSObject
+@property(readonly, strong) NSNotificationCenter *notificationCenter;
 @property(class, readonly, strong) NSWorkspace *sharedWorkspace;
 @property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
 - (BOOL)openURL:(NSURL *)url;
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL *> *)fileURLs;
+- (BOOL)setDesktopImageURL:(NSURL *)url
+                 forScreen:(NSScreen *)screen
+                   options:(NSDictionary<NSWorkspaceDesktopImageOptionKey, id> *)options
+                     error:(NSError *_Nullable *_Nullable)error;
+- (nullable NSURL *)desktopImageURLForScreen:(NSScreen *)screen;
+- (nullable NSDictionary<NSWorkspaceDesktopImageOptionKey, id> *)desktopImageOptionsForScreen:
+    (NSScreen *)screen;
 @end
 
 extern "C" void NSBeep(void);

@@ -26,12 +26,22 @@ typedef const struct __CFString *CFStringRef;
 typedef const struct __CFArray *CFArrayRef;
 typedef const struct __CFDictionary *CFDictionaryRef;
 typedef const struct __CFBoolean *CFBooleanRef;
+typedef struct __CFRunLoop *CFRunLoopRef;
+typedef struct __CFRunLoopSource *CFRunLoopSourceRef;
+typedef CFStringRef CFRunLoopMode;
+
+#define CFSTR(text) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString("" text "")))
 
 extern "C" {
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 CFTypeID CFBooleanGetTypeID(void);
 Boolean CFPreferencesAppSynchronize(CFStringRef applicationId);
+
+extern const CFRunLoopMode kCFRunLoopCommonModes;
+CFRunLoopRef CFRunLoopGetMain(void);
+void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef _Nullable source, CFRunLoopMode mode);
+void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source);
 }
 
 #pragma clang assume_nonnull end

@@ -19,7 +19,18 @@ struct CGRect {
     CGSize size;
 };
 
+struct CGAffineTransform {
+    CGFloat a;
+    CGFloat b;
+    CGFloat c;
+    CGFloat d;
+    CGFloat tx;
+    CGFloat ty;
+};
+
 typedef uint32_t CGDirectDisplayID;
+typedef uint32_t boolean_t;
+typedef int32_t CGWindowLevel;
 typedef uint32_t CGWindowID;
 typedef struct CGColor *CGColorRef;
 typedef struct CGImage *CGImageRef;
@@ -35,6 +46,8 @@ typedef enum CGImageByteOrderInfo : uint32_t {
 typedef enum CGWindowListOption : uint32_t {
     kCGWindowListOptionOnScreenOnly = 1 << 0,
 } CGWindowListOption;
+typedef enum CGWindowLevelKey : int32_t { kCGDesktopIconWindowLevelKey = 18 } CGWindowLevelKey;
+#define kCGSessionOnConsoleKey CFSTR("kCGSSessionOnConsoleKey")
 #define kCGNullWindowID (static_cast<CGWindowID>(0))
 
 extern "C" {
@@ -43,10 +56,14 @@ extern const CFStringRef kCGColorBlack;
 extern const CFStringRef kCGWindowNumber;
 
 CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height);
+CGSize CGSizeMake(CGFloat width, CGFloat height);
 
 CGDirectDisplayID CGMainDisplayID(void);
 size_t CGDisplayPixelsWide(CGDirectDisplayID display);
 size_t CGDisplayPixelsHigh(CGDirectDisplayID display);
+boolean_t CGDisplayIsAsleep(CGDirectDisplayID display);
+CGWindowLevel CGWindowLevelForKey(CGWindowLevelKey key);
+CFDictionaryRef _Nullable CGSessionCopyCurrentDictionary(void);
 
 bool CGPreflightScreenCaptureAccess(void);
 bool CGRequestScreenCaptureAccess(void);

@@ -21,7 +21,9 @@ typedef struct opaqueCMSampleBuffer *CMSampleBufferRef;
 
 extern "C" {
 extern const CMTime kCMTimeInvalid;
+extern const CMTime kCMTimeZero;
 CMTime CMTimeMake(int64_t value, int32_t timescale);
+CMTime CMTimeMakeWithSeconds(Float64 seconds, int32_t preferredTimescale);
 CMTime CMTimeAdd(CMTime addend1, CMTime addend2);
 CMTime CMTimeMaximum(CMTime time1, CMTime time2);
 int32_t CMTimeCompare(CMTime time1, CMTime time2);

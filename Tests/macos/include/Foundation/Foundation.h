@@ -76,6 +76,7 @@ typedef struct {
 @property(readonly) NSUInteger length;
 + (instancetype)stringWithCharacters:(const unichar *)characters length:(NSUInteger)length;
 - (void)getCharacters:(unichar *)buffer range:(struct _NSRange)range;
+- (BOOL)isEqualToString:(NSString *)other;
 @end
 
 typedef struct _NSRange {
@@ -87,6 +88,7 @@ extern "C" NSRange NSMakeRange(NSUInteger location, NSUInteger length);
 @interface NSNumber : NSObject <NSCopying>
 @property(readonly) BOOL boolValue;
 @property(readonly) double doubleValue;
+@property(readonly) int intValue;
 @property(readonly) NSInteger integerValue;
 @property(readonly) unsigned int unsignedIntValue;
 + (NSNumber *)numberWithBool:(BOOL)value;
@@ -108,6 +110,7 @@ extern "C" NSRange NSMakeRange(NSUInteger location, NSUInteger length);
 @property(nullable, nonatomic, readonly) ObjectType firstObject;
 + (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)count;
 - (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
+- (BOOL)containsObject:(ObjectType)object;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>
@@ -119,6 +122,10 @@ extern "C" NSRange NSMakeRange(NSUInteger location, NSUInteger length);
                               forKeys:(const KeyType<NSCopying> _Nonnull[_Nullable])keys
                                 count:(NSUInteger)count;
 - (nullable ObjectType)objectForKeyedSubscript:(KeyType)key;
+@end
+
+@interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
+- (void)setObject:(nullable ObjectType)object forKeyedSubscript:(KeyType<NSCopying>)key;
 @end
 
 @interface NSSet<__covariant ObjectType> : NSObject <NSCopying>
@@ -145,6 +152,7 @@ typedef NSString *NSExceptionName;
 @end
 
 @interface NSURL : NSObject <NSCopying>
+@property(nullable, readonly, copy) NSString *path;
 + (NSURL *)fileURLWithPath:(NSString *)path;
 + (NSURL *)fileURLWithPath:(NSString *)path isDirectory:(BOOL)isDirectory;
 + (nullable instancetype)URLWithString:(NSString *)text;
@@ -166,9 +174,16 @@ typedef NSString *NSExceptionName;
 typedef NSString *NSNotificationName;
 @interface NSNotification : NSObject <NSCopying>
 @property(readonly, copy) NSNotificationName name;
+@property(nullable, readonly, strong) id object;
+@property(nullable, readonly, copy) NSDictionary *userInfo;
 @end
 
 @interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter *defaultCenter;
+- (void)addObserver:(id)observer
+           selector:(SEL)selector
+               name:(nullable NSNotificationName)name
+             object:(nullable id)object;
 - (void)removeObserver:(id)observer;
 @end
 

@@ -39,6 +39,14 @@ bool loadFormat(AvFormat &functions)
     return isComplete;
 }
 
+bool loadScale(AvScale &functions)
+{
+    QLibrary library(u"swscale"_s, LIBSWSCALE_VERSION_MAJOR);
+    bool isComplete = library.load();
+    VELB_AV_SCALE(VELB_AV_RESOLVE)
+    return isComplete;
+}
+
 #undef VELB_AV_RESOLVE
 
 } // namespace
@@ -54,6 +62,13 @@ const AvFormat *avFormat()
 {
     static AvFormat functions;
     static const bool isLoaded = loadFormat(functions);
+    return isLoaded ? &functions : nullptr;
+}
+
+const AvScale *avScale()
+{
+    static AvScale functions;
+    static const bool isLoaded = loadScale(functions);
     return isLoaded ? &functions : nullptr;
 }
 

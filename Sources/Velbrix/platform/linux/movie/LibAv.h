@@ -4,9 +4,10 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/log.h>
+#include <libswscale/swscale.h>
 }
 
-// The functions of libavcodec, libavformat and libavutil that we call.
+// The functions of libavcodec, libavformat, libavutil and libswscale that we call.
 #define VELB_AV_CODEC(X)                                                                                     \
     X(avcodec_alloc_context3)                                                                                \
     X(avcodec_find_decoder)                                                                                  \
@@ -24,17 +25,30 @@ extern "C" {
 #define VELB_AV_UTIL(X)                                                                                      \
     X(av_channel_layout_copy)                                                                                \
     X(av_channel_layout_default)                                                                             \
+    X(av_dict_free)                                                                                          \
+    X(av_dict_set)                                                                                           \
     X(av_frame_alloc)                                                                                        \
     X(av_frame_free)                                                                                         \
     X(av_frame_get_buffer)                                                                                   \
     X(av_frame_make_writable)                                                                                \
+    X(av_frame_move_ref)                                                                                     \
+    X(av_frame_unref)                                                                                        \
     X(av_log_set_level)
 #define VELB_AV_FORMAT(X)                                                                                    \
     X(av_find_best_stream)                                                                                   \
+    X(av_guess_sample_aspect_ratio)                                                                          \
     X(av_read_frame)                                                                                         \
+    X(av_seek_frame)                                                                                         \
+    X(avformat_alloc_context)                                                                                \
     X(avformat_close_input)                                                                                  \
     X(avformat_find_stream_info)                                                                             \
     X(avformat_open_input)
+#define VELB_AV_SCALE(X)                                                                                     \
+    X(sws_freeContext)                                                                                       \
+    X(sws_getCoefficients)                                                                                   \
+    X(sws_getContext)                                                                                        \
+    X(sws_scale)                                                                                             \
+    X(sws_setColorspaceDetails)
 
 namespace velbrix {
 
@@ -49,6 +63,9 @@ struct AvCodec {
 struct AvFormat {
     VELB_AV_FORMAT(VELB_AV_MEMBER)
 };
+struct AvScale {
+    VELB_AV_SCALE(VELB_AV_MEMBER)
+};
 
 #undef VELB_AV_MEMBER
 
@@ -56,5 +73,6 @@ struct AvFormat {
 // thread; the first call takes some 20 ms.
 const AvCodec *avCodec();
 const AvFormat *avFormat();
+const AvScale *avScale();
 
 } // namespace velbrix

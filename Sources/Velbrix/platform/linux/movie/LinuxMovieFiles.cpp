@@ -1,14 +1,12 @@
 #include "platform/linux/movie/LinuxMovieFiles.h"
 
-#include "platform/linux/movie/LibAv.h"
+#include "platform/linux/movie/LibAvHandles.h"
 #include "platform/linux/movie/Mp4Repair.h"
 
 #include <QCoroFuture>
 #include <QFile>
 #include <QFileInfo>
 #include <QtConcurrent/QtConcurrentRun>
-
-#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -17,23 +15,10 @@ namespace {
 
 constexpr int packetsToTry = 500;
 
-struct CloseInput {
-    void operator()(AVFormatContext *input) const { avFormat()->avformat_close_input(&input); }
-};
-struct FreeCodec {
-    void operator()(AVCodecContext *codec) const { avCodec()->avcodec_free_context(&codec); }
-};
-struct FreePacket {
-    void operator()(AVPacket *packet) const { avCodec()->av_packet_free(&packet); }
-};
-struct FreeFrame {
-    void operator()(AVFrame *frame) const { avCodec()->av_frame_free(&frame); }
-};
-
-std::unique_ptr<AVCodecContext, FreeCodec> openDecoder(const AVStream &stream)
+AvDecoder openDecoder(const AVStream &stream)
 {
     const AVCodec *decoder = avCodec()->avcodec_find_decoder(stream.codecpar->codec_id);
-    std::unique_ptr<AVCodecContext, FreeCodec> codec(decoder ? avCodec()->avcodec_alloc_context3(decoder)
+    AvDecoder codec(decoder ? avCodec()->avcodec_alloc_context3(decoder)
                                                              : nullptr);
     if (!codec || avCodec()->avcodec_parameters_to_context(codec.get(), stream.codecpar) < 0)
         return {};
@@ -46,8 +31,8 @@ std::unique_ptr<AVCodecContext, FreeCodec> openDecoder(const AVStream &stream)
 bool decodes(AVFormatContext *input, int streamIndex)
 {
     const auto codec = openDecoder(*input->streams[streamIndex]);
-    const std::unique_ptr<AVPacket, FreePacket> packet(avCodec()->av_packet_alloc());
-    const std::unique_ptr<AVFrame, FreeFrame> frame(avCodec()->av_frame_alloc());
+    const AvPacket packet(avCodec()->av_packet_alloc());
+    const AvPicture frame(avCodec()->av_frame_alloc());
     if (!codec || !packet || !frame)
         return false;
     for (int tried = 0; tried < packetsToTry; ++tried) {
@@ -77,7 +62,7 @@ Result<MovieFacts> inspectFile(const QString &path)
     AVFormatContext *opened = nullptr;
     if (avFormat()->avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
         return facts;
-    const std::unique_ptr<AVFormatContext, CloseInput> input(opened);
+    const AvInput input(opened);
     if (avFormat()->avformat_find_stream_info(input.get(), nullptr) < 0)
         return facts;
     for (unsigned i = 0; i < input->nb_streams; ++i) {

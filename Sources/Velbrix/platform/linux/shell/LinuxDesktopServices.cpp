@@ -110,4 +110,9 @@ void LinuxDesktopServices::observeTheme(std::function<void()> changed)
     QObject::connect(&_appearance, &DesktopAppearance::preferencesChanged, &_appearance, std::move(changed));
 }
 
+void LinuxDesktopServices::observeUnhide(std::function<void()>)
+{
+    // Nothing of the kind happens here.
+}
+
 } // namespace velbrix

@@ -27,6 +27,9 @@ public:
     bool prefersDarkTheme() const override;
     void observeTheme(std::function<void()> changed) override;
 
+    // X11 hides windows one by one, never a whole program.
+    void observeUnhide(std::function<void()> unhidden) override;
+
 private:
     TrayHost _trayHost;
     DesktopAppearance _appearance;

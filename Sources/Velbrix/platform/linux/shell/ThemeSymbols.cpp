@@ -44,6 +44,7 @@ const QHash<QString, QString> &iconNames()
         {u"pencil"_s, u"actions/document-edit"_s},
         {u"person.crop.circle"_s, u"actions/user-identity"_s},
         {u"photo"_s, u"actions/photo"_s},
+        {u"photo.on.rectangle"_s, u"actions/viewimage"_s},
         {u"play.fill"_s, u"actions/media-playback-start"_s},
         {u"plus"_s, u"actions/list-add"_s},
         {u"power"_s, u"actions/system-shutdown"_s},

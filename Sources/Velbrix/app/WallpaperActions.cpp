@@ -1,0 +1,147 @@
+#include "app/WallpaperActions.h"
+
+#include "app/PrivacyManager.h"
+#include "wallpaper/WallpaperController.h"
+
+#include <QFileInfo>
+#include <QPointer>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto consent = PrivacyConsentKind::videoWallpaper;
+
+} // namespace
+
+WallpaperActions::WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, QObject *parent)
+    : QObject(parent), _wallpaper(wallpaper), _privacy(privacy)
+{
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideo(const QString &path)
+{
+    return guarded([this, path] {
+        _wallpaper.setContentMode(WallpaperContentMode::video);
+        return showVideo(path);
+    });
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideoOn(quint32 displayID, const QString &path)
+{
+    const auto displays = _wallpaper.connectedDisplays();
+    const auto display = std::ranges::find(displays, displayID, &WallpaperDisplayInfo::id);
+    if (display != displays.end() && display->isMain)
+        return playVideo(path);
+    return guarded([this, displayID, path] {
+        _wallpaper.setContentMode(WallpaperContentMode::video);
+        return showVideoOn(displayID, path);
+    });
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playChosenVideo(const QString &path)
+{
+    const auto target = _wallpaper.multiDisplayTargetID();
+    return target ? playVideoOn(*target, path) : playVideo(path);
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::play()
+{
+    return guarded([this] { return start(); });
+}
+
+void WallpaperActions::togglePlayPause()
+{
+    if (_wallpaper.isShowing() && !_wallpaper.isPaused())
+        pause();
+    else
+        play();
+}
+
+void WallpaperActions::pause()
+{
+    _wallpaper.pauseWallpaper();
+}
+
+void WallpaperActions::stop()
+{
+    _wallpaper.stopWallpaper();
+}
+
+QCoro::Task<WallpaperActions::Outcome>
+WallpaperActions::guarded(std::function<QCoro::Task<Outcome>()> act)
+{
+    if (!_privacy.hasAcceptedFirstLaunchNotice()) {
+        Q_EMIT statementNeeded();
+        co_return failure(_privacy.missingConsent(consent));
+    }
+    const auto begun = std::make_shared<std::optional<QCoro::Task<Outcome>>>();
+    std::function<void()> begin = [begun, act = std::move(act)] { begun->emplace(act()); };
+    _privacy.guard(featurePrivacyNotice(consent), std::move(begin));
+    if (!*begun)
+        co_return failure(_privacy.missingConsent(consent));
+    const Outcome outcome = co_await **begun;
+    co_return outcome;
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
+{
+    const QPointer self(this);
+    // The same failure twice is news twice.
+    _wallpaper.dismissFailure();
+    const bool isChosen = co_await _wallpaper.setVideo(path);
+    if (!self)
+        co_return QString();
+    if (!isChosen)
+        co_return failure(reason());
+    const bool isShown = co_await _wallpaper.apply();
+    co_return self && !isShown ? reason() : QString();
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 displayID, QString path)
+{
+    const QPointer self(this);
+    _wallpaper.dismissFailure();
+    const bool isChosen = co_await _wallpaper.setDisplayVideo(displayID, path);
+    if (!self)
+        co_return QString();
+    if (!isChosen)
+        co_return failure(reason());
+    if (_wallpaper.isShowing())
+        co_return QString();
+    const Outcome outcome = co_await start();
+    co_return outcome ? *outcome : outcome.error().message;
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::start()
+{
+    const auto last = _wallpaper.preferences().lastVideoPath();
+    if (!_wallpaper.isShowing() && last && QFileInfo(*last).isFile()) {
+        const Outcome outcome = co_await showVideo(*last);
+        co_return outcome && !outcome->isEmpty() ? Outcome(failure(*outcome)) : outcome;
+    }
+    if (!_wallpaper.isShowing() || _wallpaper.isPaused()) {
+        _wallpaper.resumeWallpaper();
+        const bool isPlaying = _wallpaper.isShowing() && !_wallpaper.isPaused();
+        co_return isPlaying ? Outcome(QString()) : Outcome(failure(reason()));
+    }
+    const QPointer self(this);
+    const bool isShown = co_await _wallpaper.apply();
+    co_return self && !isShown ? Outcome(failure(reason())) : Outcome(QString());
+}
+
+QString WallpaperActions::reason() const
+{
+    if (!_wallpaper.notice().isEmpty())
+        return _wallpaper.notice();
+    const WallpaperState state = _wallpaper.state();
+    return state.kind == WallpaperState::Kind::failed ? state.message : u"已被后来的操作取代"_s;
+}
+
+} // namespace velbrix

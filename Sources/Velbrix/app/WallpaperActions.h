@@ -1,0 +1,59 @@
+#pragma once
+
+#include "foundation/Result.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace velbrix {
+
+class PrivacyManager;
+class WallpaperController;
+
+// What the user can do with the wallpaper, each with the consent it needs.
+// Shared by page, hot key, tray and command line.
+class WallpaperActions final : public QObject {
+    Q_OBJECT
+
+public:
+    // Fails when nothing was chosen or begun. A video can be chosen and yet not
+    // show, on battery for one: then the value says why; else it is empty.
+    using Outcome = Result<QString>;
+
+    WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, QObject *parent = nullptr);
+
+    // Nothing is played before the first launch's statement is accepted: then
+    // these only ask for the statement. Without consent they answer at once
+    // that it is missing, and act when the user has given it.
+
+    // For the main display; shows it at once.
+    QCoro::Task<Outcome> playVideo(const QString &path);
+    // For one display; a wallpaper that is not showing starts with it.
+    QCoro::Task<Outcome> playVideoOn(quint32 displayID, const QString &path);
+    // For the display that is chosen as the target, else the main one.
+    QCoro::Task<Outcome> playChosenVideo(const QString &path);
+    QCoro::Task<Outcome> play();
+    void togglePlayPause();
+    // Need no consent.
+    void pause();
+    void stop();
+
+Q_SIGNALS:
+    // The user wants a wallpaper and has not accepted the statement yet.
+    void statementNeeded();
+
+private:
+    QCoro::Task<Outcome> guarded(std::function<QCoro::Task<Outcome>()> act);
+    QCoro::Task<Outcome> showVideo(QString path);
+    QCoro::Task<Outcome> showVideoOn(quint32 displayID, QString path);
+    QCoro::Task<Outcome> start();
+    QString reason() const;
+
+    WallpaperController &_wallpaper;
+    PrivacyManager &_privacy;
+};
+
+} // namespace velbrix

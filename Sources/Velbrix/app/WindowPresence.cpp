@@ -1,0 +1,80 @@
+#include "app/WindowPresence.h"
+
+#include "app/AppServices.h"
+#include "app/Shell.h"
+#include "platform/Platform.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto trayGrace = 5s;
+const QString frameKey = u"Velbrix_MainWindow_Frame"_s;
+
+std::optional<QRect> storedFrame(const SettingsStore &settings)
+{
+    const QJsonArray numbers = settings.json(frameKey).value_or(QJsonValue()).toArray();
+    if (numbers.size() != 4)
+        return std::nullopt;
+    const QRect frame(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
+    return frame.width() > 0 && frame.height() > 0 ? std::optional(frame) : std::nullopt;
+}
+
+} // namespace
+
+WindowPresence::WindowPresence(AppServices &services, Shell &shell)
+    : _services(services), _shell(shell), _savedFrame(storedFrame(services.settings))
+{
+}
+
+WindowPresence::~WindowPresence() = default;
+
+void WindowPresence::show()
+{
+    _shell.showMainWindow(_savedFrame);
+    _services.platform.desktop->activate();
+    _services.setInBackground(false);
+}
+
+void WindowPresence::startHidden()
+{
+    _services.setInBackground(true);
+    // Panels start late; where none comes the window must be within reach.
+    _trayGrace = _services.clock.after(trayGrace, [this] {
+        if (!_services.platform.desktop->hasTrayHost() && _services.isInBackground())
+            _shell.minimizeMainWindow();
+    });
+}
+
+void WindowPresence::close()
+{
+    keepFrame();
+    // Without a tray nobody could bring a hidden window back.
+    if (_services.platform.desktop->hasTrayHost()) {
+        _shell.hideMainWindow();
+        _services.setInBackground(true);
+    } else {
+        _shell.minimizeMainWindow();
+    }
+}
+
+void WindowPresence::end()
+{
+    _trayGrace.reset();
+    keepFrame();
+    _shell.hideMainWindow();
+}
+
+void WindowPresence::keepFrame()
+{
+    const auto frame = _shell.mainWindowFrame();
+    _savedFrame = frame;
+    if (frame)
+        _services.settings.set(frameKey, QJsonArray{frame->x(), frame->y(), frame->width(), frame->height()});
+}
+
+} // namespace velbrix

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "foundation/Clock.h"
+
+#include <QRect>
+
+#include <memory>
+#include <optional>
+
+namespace velbrix {
+
+class AppServices;
+class Shell;
+
+// The main window's coming and going: in sight, or hidden behind the tray,
+// and never out of the user's reach.
+class WindowPresence final {
+public:
+    WindowPresence(AppServices &services, Shell &shell);
+    ~WindowPresence();
+
+    // Before all others, where it was last.
+    void show();
+    // The program begins without its window.
+    void startHidden();
+    // The window leaves the sight and its place is remembered.
+    void close();
+    // For good: nothing shows it any more.
+    void end();
+
+private:
+    void keepFrame();
+
+    AppServices &_services;
+    Shell &_shell;
+    std::optional<QRect> _savedFrame;
+    std::unique_ptr<Alarm> _trayGrace;
+};
+
+} // namespace velbrix

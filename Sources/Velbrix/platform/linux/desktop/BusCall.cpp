@@ -1,0 +1,37 @@
+#include "platform/linux/desktop/BusCall.h"
+
+#include "platform/linux/shell/SessionBus.h"
+
+#include <QCoroDBusPendingCall>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+QCoro::Task<Result<QVariantList>> callSessionBus(const QString service, const QString path,
+                                                 const QString interface, const QString method,
+                                                 const QVariantList arguments)
+{
+    const auto bus = sessionBus();
+    if (!bus)
+        co_return failure(u"没有会话总线"_s);
+    QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    const QDBusPendingCall pending = bus->asyncCall(message, 5000);
+    const QDBusMessage reply = co_await pending;
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        co_return failure(u"%1 没有完成请求：%2"_s.arg(service, reply.errorMessage()));
+    co_return reply.arguments();
+}
+
+QCoro::Task<QStringList> runningServices()
+{
+    const QString name = u"org.freedesktop.DBus"_s;
+    const QVariantList none;
+    const auto names = co_await callSessionBus(name, u"/org/freedesktop/DBus"_s, name, u"ListNames"_s, none);
+    co_return names && !names->isEmpty() ? names->first().toStringList() : QStringList();
+}
+
+} // namespace velbrix

@@ -1,0 +1,61 @@
+#include "platform/linux/desktop/Gsettings.h"
+
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+
+Gsettings::Gsettings(Clock &clock, QString schema, QString folder)
+    : _programs(clock), _schema(std::move(schema)), _folder(std::move(folder))
+{
+}
+
+QCoro::Task<Result<QString>> Gsettings::run(const QString command, const QStringList arguments)
+{
+    const QString program = QStandardPaths::findExecutable(u"gsettings"_s);
+    if (program.isEmpty())
+        co_return failure(u"没有找到 gsettings"_s);
+    ProcessRequest request;
+    request.program = program;
+    if (!_folder.isEmpty())
+        request.arguments = {u"--schemadir"_s, _folder};
+    request.arguments += QStringList{command, _schema} + arguments;
+    request.timeout = 5s;
+    const auto outcome = co_await _programs.run(request);
+    if (!outcome)
+        co_return std::unexpected(outcome.error());
+    if (!outcome->succeeded())
+        co_return failure(u"gsettings 没有成功："_s + QString::fromUtf8(outcome->errorOutput).trimmed());
+    co_return QString::fromUtf8(outcome->output).trimmed();
+}
+
+QCoro::Task<Result<QStringList>> Gsettings::keys()
+{
+    const QStringList none;
+    const auto listed = co_await run(u"list-keys"_s, none);
+    const QStringList keys = listed ? listed->split(u'\n', Qt::SkipEmptyParts) : QStringList();
+    co_return keys;
+}
+
+QCoro::Task<Result<QString>> Gsettings::value(const QString key)
+{
+    return run(u"get"_s, {key});
+}
+
+QCoro::Task<Result<void>> Gsettings::set(const QString key, const QString value)
+{
+    const QStringList assignment{key, value};
+    const auto done = co_await run(u"set"_s, assignment);
+    if (!done)
+        co_return std::unexpected(done.error());
+    co_return Result<void>();
+}
+
+QString Gsettings::quoted(QString text)
+{
+    return u'\'' + text.replace(u'\\', u"\\\\"_s).replace(u'\'', u"\\'"_s) + u'\'';
+}
+
+} // namespace velbrix

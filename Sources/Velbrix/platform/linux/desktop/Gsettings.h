@@ -1,0 +1,29 @@
+#pragma once
+
+#include "foundation/ProcessRunner.h"
+
+namespace velbrix {
+
+// One schema of GNOME's settings by the program gsettings. Values are the text
+// that GLib writes and reads, so that whatever there was goes back unchanged.
+class Gsettings {
+public:
+    // A schema that is not installed system-wide needs its folder.
+    Gsettings(Clock &clock, QString schema, QString folder = {});
+
+    // Empty where there is no such schema.
+    QCoro::Task<Result<QStringList>> keys();
+    QCoro::Task<Result<QString>> value(const QString key);
+    QCoro::Task<Result<void>> set(const QString key, const QString value);
+
+    static QString quoted(QString text);
+
+private:
+    QCoro::Task<Result<QString>> run(const QString command, const QStringList arguments);
+
+    ProcessRunner _programs;
+    QString _schema;
+    QString _folder;
+};
+
+} // namespace velbrix

@@ -1,0 +1,90 @@
+#include "platform/linux/desktop/GsettingsPicture.h"
+
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+const QString fileKey = u"picture-filename"_s; // MATE's; the others want an address
+const QString optionsKey = u"picture-options"_s;
+
+QString schema(GsettingsPicture::Family family)
+{
+    switch (family) {
+    case GsettingsPicture::Family::Cinnamon:
+        return u"org.cinnamon.desktop.background"_s;
+    case GsettingsPicture::Family::Mate:
+        return u"org.mate.background"_s;
+    case GsettingsPicture::Family::Gnome:
+        break;
+    }
+    return u"org.gnome.desktop.background"_s;
+}
+
+QString wanted(const QString &key, const QString &path)
+{
+    if (key == optionsKey)
+        return Gsettings::quoted(u"zoom"_s);
+    if (key == fileKey)
+        return Gsettings::quoted(path);
+    return Gsettings::quoted(QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded()));
+}
+
+} // namespace
+
+GsettingsPicture::GsettingsPicture(Clock &clock, Family family) : _settings(clock, schema(family)) {}
+
+QCoro::Task<Result<QStringList>> GsettingsPicture::pictureKeys()
+{
+    const auto there = co_await _settings.keys();
+    if (!there)
+        co_return std::unexpected(there.error());
+    QStringList keys;
+    for (const QString &key : {u"picture-uri"_s, u"picture-uri-dark"_s, fileKey, optionsKey}) {
+        if (there->contains(key))
+            keys.append(key);
+    }
+    if (keys.isEmpty())
+        co_return failure(u"没有这个桌面的背景设置"_s);
+    co_return keys;
+}
+
+QCoro::Task<Result<QJsonObject>> GsettingsPicture::current()
+{
+    const auto keys = co_await pictureKeys();
+    if (!keys)
+        co_return std::unexpected(keys.error());
+    QJsonObject picture;
+    for (const QString &key : *keys) {
+        const auto value = co_await _settings.value(key);
+        if (!value)
+            co_return std::unexpected(value.error());
+        picture.insert(key, *value);
+    }
+    co_return picture;
+}
+
+QCoro::Task<Result<void>> GsettingsPicture::set(const QString path)
+{
+    const auto keys = co_await pictureKeys();
+    if (!keys)
+        co_return std::unexpected(keys.error());
+    for (const QString &key : *keys) {
+        if (const auto done = co_await _settings.set(key, wanted(key, path)); !done)
+            co_return std::unexpected(done.error());
+    }
+    co_return Result<void>();
+}
+
+QCoro::Task<Result<void>> GsettingsPicture::restore(const QJsonObject picture)
+{
+    for (auto former = picture.begin(); former != picture.end(); ++former) {
+        if (const auto done = co_await _settings.set(former.key(), former->toString()); !done)
+            co_return std::unexpected(done.error());
+    }
+    co_return Result<void>();
+}
+
+} // namespace velbrix

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/DesktopPicture.h"
+#include "platform/linux/desktop/Gsettings.h"
+
+namespace velbrix {
+
+// The picture of GNOME, Cinnamon or MATE, which all show it by themselves.
+class GsettingsPicture final : public DesktopPicture {
+public:
+    enum class Family { Gnome, Cinnamon, Mate };
+
+    GsettingsPicture(Clock &clock, Family family);
+
+    QCoro::Task<Result<QJsonObject>> current() override;
+    QCoro::Task<Result<void>> set(const QString path) override;
+    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+
+private:
+    // Those of the keys that this version of the desktop has.
+    QCoro::Task<Result<QStringList>> pictureKeys();
+
+    Gsettings _settings;
+};
+
+} // namespace velbrix

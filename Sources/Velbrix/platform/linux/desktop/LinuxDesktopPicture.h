@@ -1,0 +1,25 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "platform/DesktopPicture.h"
+
+namespace velbrix {
+
+// The picture of whichever desktop runs in this session, and of the root
+// window unless that desktop keeps it itself.
+class LinuxDesktopPicture final : public DesktopPicture {
+public:
+    // What must be kept of a former picture goes into the folder. The clock
+    // must outlive every task.
+    LinuxDesktopPicture(Clock &clock, QString folder);
+
+    QCoro::Task<Result<QJsonObject>> current() override;
+    QCoro::Task<Result<void>> set(const QString path) override;
+    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+
+private:
+    Clock &_clock;
+    QString _folder;
+};
+
+} // namespace velbrix

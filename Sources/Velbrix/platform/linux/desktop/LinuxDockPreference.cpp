@@ -1,0 +1,148 @@
+#include "platform/linux/desktop/LinuxDockPreference.h"
+
+#include "platform/linux/desktop/BusCall.h"
+#include "platform/linux/desktop/GnomeDock.h"
+#include "platform/linux/desktop/PlasmaPanels.h"
+#include "platform/linux/desktop/RunningDesktop.h"
+#include "platform/linux/desktop/XfcePanels.h"
+
+#include <QCoroFuture>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QSaveFile>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+struct Dock {
+    QString name;
+    std::shared_ptr<DockSettings> settings;
+};
+
+QCoro::Task<Result<Dock>> findDock(Clock &clock)
+{
+    const QStringList services = co_await runningServices();
+    Dock dock;
+    if (services.contains(u"org.xfce.Panel"_s))
+        dock = {u"xfce"_s, std::make_shared<XfcePanels>()};
+    else if (services.contains(u"org.kde.plasmashell"_s))
+        dock = {u"plasma"_s, std::make_shared<PlasmaPanels>()};
+    else if (services.contains(u"org.gnome.Shell"_s))
+        dock = {u"gnome"_s, std::make_shared<GnomeDock>(clock)};
+    if (dock.settings)
+        co_return std::as_const(dock);
+    const QFuture<RunningDesktop> search = QtConcurrent::run(RunningDesktop::find);
+    const RunningDesktop desktop = co_await search;
+    co_return failure(u"当前桌面（%1）没有可以自动隐藏的 Dock 或面板"_s.arg(desktop.name));
+}
+
+// What the bars of each desktop were set to before they were made to hide.
+class FormerValues {
+public:
+    explicit FormerValues(QString path) : _path(std::move(path))
+    {
+        QFile file(_path);
+        if (file.open(QIODevice::ReadOnly))
+            _all = QJsonDocument::fromJson(file.read(1 << 20)).object();
+    }
+
+    QJsonObject of(const QString &dock) const { return _all.value(dock).toObject(); }
+    Result<void> keep(const QString &dock, const QJsonObject &values)
+    {
+        _all.insert(dock, values);
+        return save();
+    }
+    void forget(const QString &dock)
+    {
+        _all.remove(dock);
+        (void)save(); // the same values again do no harm
+    }
+
+private:
+    Result<void> save() const
+    {
+        QDir().mkpath(QFileInfo(_path).path());
+        QSaveFile file(_path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(_all).toJson()) < 0 ||
+            !file.commit())
+            return failure(u"无法保存面板原来的设置"_s);
+        return {};
+    }
+
+    QString _path;
+    QJsonObject _all;
+};
+
+QJsonObject differing(const QJsonObject &wanted, const QJsonObject &now)
+{
+    QJsonObject changes;
+    for (auto value = wanted.begin(); value != wanted.end(); ++value) {
+        if (now.contains(value.key()) && now.value(value.key()) != *value)
+            changes.insert(value.key(), *value);
+    }
+    return changes;
+}
+
+QCoro::Task<Result<void>> hide(const Dock dock, FormerValues former)
+{
+    const auto now = co_await dock.settings->read();
+    if (!now)
+        co_return std::unexpected(now.error());
+    if (dock.settings->hides(*now))
+        co_return Result<void>();
+    if (const auto kept = former.keep(dock.name, *now); !kept)
+        co_return std::unexpected(kept.error());
+    co_return co_await dock.settings->write(differing(dock.settings->hidden(*now), *now));
+}
+
+QCoro::Task<Result<void>> show(const Dock dock, FormerValues former)
+{
+    const auto now = co_await dock.settings->read();
+    if (!now)
+        co_return std::unexpected(now.error());
+    QJsonObject wanted = dock.settings->shown(*now);
+    const QJsonObject before = former.of(dock.name);
+    for (auto value = before.begin(); value != before.end(); ++value)
+        wanted.insert(value.key(), *value);
+    const auto done = co_await dock.settings->write(differing(wanted, *now));
+    if (done)
+        former.forget(dock.name);
+    co_return done;
+}
+
+} // namespace
+
+LinuxDockPreference::LinuxDockPreference(Clock &clock, QString formerFile)
+    : _clock(clock), _formerFile(std::move(formerFile))
+{
+}
+
+QCoro::Task<Result<bool>> LinuxDockPreference::autoHide()
+{
+    const auto dock = co_await findDock(_clock);
+    if (!dock)
+        co_return std::unexpected(dock.error());
+    const auto values = co_await dock->settings->read();
+    if (!values)
+        co_return std::unexpected(values.error());
+    co_return dock->settings->hides(*values);
+}
+
+QCoro::Task<Result<void>> LinuxDockPreference::setAutoHide(bool hides)
+{
+    const QString file = _formerFile;
+    const auto dock = co_await findDock(_clock);
+    if (!dock)
+        co_return std::unexpected(dock.error());
+    const FormerValues former(file);
+    co_return hides ? co_await hide(*dock, former) : co_await show(*dock, former);
+}
+
+} // namespace velbrix

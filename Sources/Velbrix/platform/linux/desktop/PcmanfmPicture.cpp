@@ -1,0 +1,129 @@
+#include "platform/linux/desktop/PcmanfmPicture.h"
+
+#include "foundation/Log.h"
+#include "platform/linux/screen/X11Connection.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+const QString colourMode = u"color"_s;
+
+QString configuration(const QString &profile)
+{
+    return QStandardPaths::locate(QStandardPaths::GenericConfigLocation,
+                                  u"pcmanfm/%1/desktop-items-0.conf"_s.arg(profile));
+}
+
+QString read(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(1 << 20)) : QString();
+}
+
+QRegularExpression line(const QString &key)
+{
+    return QRegularExpression(u"^%1=(.*)$"_s.arg(key), QRegularExpression::MultilineOption);
+}
+
+QString entry(const QString &text, const QString &key)
+{
+    return line(key).match(text).captured(1);
+}
+
+Result<void> write(const QString &profile, const QString &path, const QString &mode)
+{
+    const QString name = configuration(profile);
+    QString text = read(name);
+    text.replace(line(u"wallpaper_mode"_s), u"wallpaper_mode="_s + mode);
+    if (!path.isEmpty())
+        text.replace(line(u"wallpaper"_s), u"wallpaper="_s + QString(path).replace(u'\\', u"\\\\"_s));
+    QSaveFile file(name);
+    if (text.isEmpty() || !file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit())
+        return failure(u"无法写入 pcmanfm 的设置"_s);
+    return {};
+}
+
+// In plain colour pcmanfm leaves its last picture behind for those who look at
+// the root window's.
+void forgetRootPicture()
+{
+    const auto x11 = X11Connection::open();
+    if (!x11)
+        return;
+    xcb_delete_property((*x11)->xcb(), (*x11)->root(), (*x11)->atom("_XROOTPMAP_ID"));
+    (*x11)->sync();
+}
+
+} // namespace
+
+PcmanfmPicture::PcmanfmPicture(Clock &clock, QString profile, bool isRunning)
+    : _programs(clock), _profile(std::move(profile)), _isRunning(isRunning)
+{
+}
+
+QCoro::Task<Result<QJsonObject>> PcmanfmPicture::current()
+{
+    const QString text = read(configuration(_profile));
+    const QString mode = entry(text, u"wallpaper_mode"_s);
+    QJsonObject picture{{u"profile"_s, _profile},
+                        {u"mode"_s, mode.isEmpty() ? colourMode : mode},
+                        {u"path"_s, entry(text, u"wallpaper"_s).replace(u"\\\\"_s, u"\\"_s)}};
+    co_return picture;
+}
+
+QCoro::Task<Result<void>> PcmanfmPicture::set(const QString path)
+{
+    // It would put the picture on one workspace and could not be told to put
+    // back those of the others.
+    if (entry(read(configuration(_profile)), u"wallpaper_common"_s) == u"0"_s)
+        co_return failure(u"pcmanfm 为每个工作区设置了不同的图片，因此不作更改"_s);
+    co_return co_await order(path, u"crop"_s);
+}
+
+QCoro::Task<Result<void>> PcmanfmPicture::restore(const QJsonObject picture)
+{
+    QString mode = picture.value(u"mode"_s).toString();
+    QString path = picture.value(u"path"_s).toString();
+    if (!QFileInfo(path).isFile()) {
+        if (mode != colourMode)
+            log::line(u"Wallpaper"_s, u"原来的桌面图片已不存在："_s + path);
+        path.clear();
+        mode = colourMode;
+    }
+    const auto done = co_await order(path, mode);
+    if (done && _isRunning && mode == colourMode)
+        forgetRootPicture();
+    co_return done;
+}
+
+QCoro::Task<Result<void>> PcmanfmPicture::order(const QString path, const QString mode)
+{
+    if (!_isRunning)
+        co_return write(_profile, path, mode);
+    const QString program = QStandardPaths::findExecutable(u"pcmanfm"_s);
+    if (program.isEmpty())
+        co_return failure(u"没有找到 pcmanfm"_s);
+    ProcessRequest request;
+    request.program = program;
+    request.arguments = {u"--wallpaper-mode="_s + mode};
+    if (!path.isEmpty())
+        request.arguments.prepend(u"--set-wallpaper="_s + path);
+    request.timeout = 5s;
+    const auto outcome = co_await _programs.run(request);
+    if (!outcome)
+        co_return std::unexpected(outcome.error());
+    if (!outcome->succeeded())
+        co_return failure(u"pcmanfm 没有接受桌面图片"_s);
+    co_return Result<void>();
+}
+
+} // namespace velbrix

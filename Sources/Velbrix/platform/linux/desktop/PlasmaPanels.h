@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/linux/desktop/DockSettings.h"
+
+namespace velbrix {
+
+// Every panel of Plasma, by the scripts of its shell.
+class PlasmaPanels final : public DockSettings {
+public:
+    QCoro::Task<Result<QJsonObject>> read() override;
+    QCoro::Task<Result<void>> write(const QJsonObject values) override;
+    bool hides(const QJsonObject &values) const override;
+    QJsonObject hidden(QJsonObject values) const override;
+    QJsonObject shown(QJsonObject values) const override;
+};
+
+} // namespace velbrix

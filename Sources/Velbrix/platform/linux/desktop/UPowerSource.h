@@ -1,0 +1,37 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "platform/PowerSource.h"
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+namespace velbrix {
+
+// The UPower service of the system bus. Until it answers, and where there is
+// none, the kernel's own files count, looked at every now and then.
+class UPowerSource final : public QObject, public PowerSource {
+    Q_OBJECT
+
+public:
+    // The clock must outlive it.
+    explicit UPowerSource(Clock &clock, QString supplies = QStringLiteral("/sys/class/power_supply"));
+
+    Result<void> startMonitor(std::function<void()> changed) override;
+    bool isOnBattery() const override { return _isOnBattery; }
+
+private:
+    Q_SLOT void ask();
+    void watchFiles();
+    void take(bool isOnBattery);
+
+    Clock &_clock;
+    QString _supplies;
+    std::function<void()> _changed;
+    std::unique_ptr<Alarm> _poll;
+    bool _isOnBattery = false;
+};
+
+} // namespace velbrix

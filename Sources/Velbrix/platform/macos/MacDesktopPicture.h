@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/DesktopPicture.h"
+
+namespace velbrix {
+
+// NSWorkspace's desktop pictures. The system keeps one for each screen and
+// Space; only the Space on show is read and written.
+class MacDesktopPicture final : public DesktopPicture {
+public:
+    QCoro::Task<Result<QJsonObject>> current() override;
+    QCoro::Task<Result<void>> set(const QString path) override;
+    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+};
+
+} // namespace velbrix

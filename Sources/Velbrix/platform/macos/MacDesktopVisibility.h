@@ -1,0 +1,29 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "platform/DesktopVisibility.h"
+
+#include <memory>
+
+namespace velbrix {
+
+// What the window server says of the desktop-level windows, and the system's
+// announcements about the session and its screens. A display without such a
+// window never counts as covered.
+class MacDesktopVisibility final : public DesktopVisibility {
+public:
+    // The clock must outlive every watch.
+    explicit MacDesktopVisibility(Clock &clock) : _clock(clock) {}
+
+    DesktopSight sight() const override;
+    std::unique_ptr<Observation> watch(std::function<void()> changed) override;
+
+private:
+    class Announcements;
+    class Watch;
+
+    Clock &_clock;
+    std::weak_ptr<Announcements> _announcements; // of the watches there are
+};
+
+} // namespace velbrix

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "views/ViewContext.h"
+#include "views/components/Card.h"
+
+class QLabel;
+
+namespace velbrix {
+
+class DisplayMap;
+struct WallpaperDisplayInfo;
+
+// The connected displays and the video of each.
+class WallpaperDisplaysCard final : public Card {
+public:
+    explicit WallpaperDisplaysCard(const ViewContext &context, QWidget *parent = nullptr);
+
+private:
+    class Row;
+    QWidget *makeTop();
+    Row *makeRow(const WallpaperDisplayInfo &display);
+    void refresh();
+    void chooseFor(const WallpaperDisplayInfo &display);
+
+    ViewContext _context;
+    QLabel *_count = nullptr;
+    DisplayMap *_map = nullptr;
+    QWidget *_list;
+    QList<Row *> _rows;
+};
+
+} // namespace velbrix

@@ -1,0 +1,111 @@
+#include "views/wallpaper/WallpaperPlaybackCard.h"
+
+#include "app/AppServices.h"
+#include "views/Follow.h"
+#include "views/components/PacedSlider.h"
+#include "views/components/SegmentedChoice.h"
+#include "views/components/SettingRow.h"
+#include "views/components/Switch.h"
+#include "views/components/ValueSlider.h"
+#include "views/wallpaper/WallpaperWords.h"
+
+#include <algorithm>
+#include <iterator>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr double speedStep = 0.05; // one place of the slider
+
+} // namespace
+
+WallpaperPlaybackCard::WallpaperPlaybackCard(const ViewContext &context, QWidget *parent)
+    : Card(parent), _context(context)
+{
+    setObjectName(u"wallpaperPlayback"_s);
+    addGravity();
+    addSliders();
+    addSwitches();
+    addBattery();
+}
+
+void WallpaperPlaybackCard::addGravity()
+{
+    WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
+    QStringList names;
+    for (const WallpaperGravity gravity : allWallpaperGravities)
+        names.append(rawValue(gravity));
+    auto *choice = new SegmentedChoice(u"wallpaperGravity"_s, names);
+    addRow(new SettingRow(u"画面填充"_s, u"视频与屏幕比例不同时怎样铺满"_s, choice));
+    connect(choice, &SegmentedChoice::wanted, this, [&preferences](int index) {
+        preferences.setGravity(allWallpaperGravities.at(static_cast<std::size_t>(index)));
+    });
+    follow(preferences, &WallpaperPreferences::gravityChanged, this, [choice, &preferences] {
+        const auto found = std::ranges::find(allWallpaperGravities, preferences.gravity());
+        choice->setCurrent(static_cast<int>(std::distance(allWallpaperGravities.begin(), found)));
+    });
+}
+
+void WallpaperPlaybackCard::addSliders()
+{
+    WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
+    Clock &clock = _context.services.clock;
+    auto *volume = new ValueSlider(u"wallpaperVolume"_s, {0, 100, 30, u"%"_s});
+    addRow(new SettingRow(u"音量"_s, u"只有主屏的视频出声，副屏始终静音"_s, volume));
+    auto *volumePace = new PacedSlider(volume, clock, [&preferences](int percent) {
+        preferences.setVolume(percent / 100.0);
+    });
+    follow(preferences, &WallpaperPreferences::volumeChanged, this, [volumePace, &preferences] {
+        volumePace->show(qRound(preferences.volume() * 100));
+    });
+
+    auto *speed = new ValueSlider(
+        u"wallpaperSpeed"_s, {5, 40, 20, {}, [](int place) {
+                                  return QString::number(place * speedStep, 'f', 2) + u"×"_s;
+                              }});
+    addRow(new SettingRow(u"播放速度"_s, {}, speed));
+    auto *speedPace = new PacedSlider(
+        speed, clock, [&preferences](int place) { preferences.setSpeed(place * speedStep); });
+    follow(preferences, &WallpaperPreferences::speedChanged, this, [speedPace, &preferences] {
+        speedPace->show(qRound(preferences.speed() / speedStep));
+    });
+}
+
+void WallpaperPlaybackCard::addSwitches()
+{
+    WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
+    auto *restore = new Switch(_context.theme, u"wallpaperAutoPlay"_s);
+    addRow(new SettingRow(u"开机自动恢复壁纸"_s, u"启动 Velbrix 时自动播放上次的壁纸"_s, restore));
+    connect(restore, &Switch::wanted, this, [&preferences](bool on) { preferences.setAutoPlay(on); });
+    follow(preferences, &WallpaperPreferences::autoPlayChanged, this,
+           [restore, &preferences] { restore->setOn(preferences.autoPlay()); });
+
+    auto *covered = new Switch(_context.theme, u"wallpaperPauseWhenCovered"_s);
+    addRow(new SettingRow(u"被全屏窗口遮住时暂停"_s, u"看不见的壁纸不耗电；露出后自动继续"_s, covered));
+    connect(covered, &Switch::wanted, this, [&preferences](bool on) { preferences.setPauseWhenCovered(on); });
+    follow(preferences, &WallpaperPreferences::pauseWhenCoveredChanged, this,
+           [covered, &preferences] { covered->setOn(preferences.pauseWhenCovered()); });
+}
+
+void WallpaperPlaybackCard::addBattery()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    auto *battery = new Switch(_context.theme, u"wallpaperPauseOnBattery"_s);
+    auto *row = new SettingRow(u"使用电池时停止播放"_s, u"拔掉电源就停止，接上电源后自动恢复"_s, battery);
+    row->setObjectName(u"wallpaperBattery"_s);
+    addRow(row);
+    connect(battery, &Switch::wanted, this, [&wallpaper](bool on) { wallpaper.setPauseOnBattery(on); });
+    const auto note = [row, &wallpaper] {
+        row->setNote(wallpaper.power().blocks() ? batteryWords() : QString(), u"warning"_s);
+    };
+    connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, row, note);
+    follow(wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this,
+           [battery, note, &wallpaper] {
+               battery->setOn(wallpaper.preferences().pauseOnBattery());
+               note();
+           });
+}
+
+} // namespace velbrix

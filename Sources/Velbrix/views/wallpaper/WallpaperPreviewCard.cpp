@@ -1,0 +1,303 @@
+#include "views/wallpaper/WallpaperPreviewCard.h"
+
+#include "app/AppServices.h"
+#include "app/WallpaperActions.h"
+#include "views/Follow.h"
+#include "views/Theme.h"
+#include "views/components/EmptyState.h"
+#include "views/components/Parts.h"
+#include "views/components/SettingRow.h"
+#include "views/components/SymbolLabel.h"
+#include "views/wallpaper/PreviewStage.h"
+#include "views/wallpaper/VideoPanel.h"
+#include "views/wallpaper/WallpaperWords.h"
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+WallpaperPreviewCard::WallpaperPreviewCard(const ViewContext &context, QWidget *parent)
+    : Card(parent),
+      _context(context),
+      _empty(new EmptyState(context.theme, u"wallpaperEmpty"_s,
+                            {u"photo.on.rectangle"_s, u"还没有选择壁纸视频"_s,
+                             u"把一个视频拖到这里，或从磁盘中选择"_s, u"选择视频…"_s})),
+      _stage(new PreviewStage(context.theme))
+{
+    setObjectName(u"wallpaperPreview"_s);
+    setAcceptDrops(true);
+    addDetail(_empty);
+    auto *picture = new QWidget;
+    auto *room = new QVBoxLayout(picture);
+    room->setContentsMargins(0, 12, 0, 4);
+    room->addWidget(_stage);
+    addDetail(picture);
+    addDetail(makeWords());
+    addDetail(makeFailure());
+    addDetail(makeButtons());
+
+    connect(_empty, &EmptyState::acted, this, &WallpaperPreviewCard::choose);
+    connect(_stage, &PreviewStage::pressed, this, &WallpaperPreviewCard::togglePreview);
+    followWallpaper();
+    followPreview();
+}
+
+QWidget *WallpaperPreviewCard::makeWords()
+{
+    _words = new QWidget;
+    _name = makeText({}, u"heading"_s);
+    _name->setObjectName(u"wallpaperName"_s);
+    _facts = makeText({}, u"note"_s);
+    _facts->setObjectName(u"wallpaperFacts"_s);
+    _notice = makeText({}, u"note"_s);
+    _notice->setObjectName(u"wallpaperNotice"_s);
+    auto *line = new QHBoxLayout(_words);
+    line->setContentsMargins(0, 8, 0, 4);
+    line->setSpacing(16);
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(2);
+    for (QLabel *label : {_name, _facts, _notice})
+        texts->addWidget(label);
+    line->addLayout(texts, 1);
+    line->addWidget(makeBadge(), 0, Qt::AlignTop);
+    return _words;
+}
+
+QWidget *WallpaperPreviewCard::makeBadge()
+{
+    auto *badge = new QWidget;
+    badge->setObjectName(u"wallpaperBadge"_s);
+    _badgeSymbol = new SymbolLabel(_context.theme, u"film"_s, 16, ThemeColor::secondary);
+    _badgeText = makeText({}, u"note"_s);
+    _badgeText->setWordWrap(false);
+    auto *line = new QHBoxLayout(badge);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(6);
+    line->addWidget(_badgeSymbol);
+    line->addWidget(_badgeText);
+    return badge;
+}
+
+QWidget *WallpaperPreviewCard::makeFailure()
+{
+    QPushButton *const seen =
+        makeButton(_context.theme, {u"wallpaperFailureSeen"_s, u"知道了"_s, {}, u"plain"_s});
+    _failure = new SettingRow(u"壁纸无法播放"_s, {}, seen);
+    _failure->setObjectName(u"wallpaperFailure"_s);
+    _failure->setLeading(new SymbolLabel(_context.theme, u"xmark.circle.fill"_s, 22, ThemeColor::bad));
+    connect(seen, &QPushButton::clicked, this, [this] { _context.services.wallpaper.dismissFailure(); });
+    return _failure;
+}
+
+QWidget *WallpaperPreviewCard::makeButtons()
+{
+    _buttons = new QWidget;
+    _toggle = makeButton(_context.theme, {u"wallpaperToggle"_s, u"播放"_s, u"play.fill"_s, u"primary"_s});
+    _stop = makeButton(_context.theme, {u"wallpaperStop"_s, u"停止"_s, u"stop.fill"_s, {}});
+    QPushButton *const video =
+        makeButton(_context.theme, {u"wallpaperChoose"_s, u"选择视频…"_s, u"folder"_s, {}});
+    auto *line = new QHBoxLayout(_buttons);
+    line->setContentsMargins(0, 4, 0, 12);
+    line->setSpacing(8);
+    line->addWidget(_toggle);
+    line->addWidget(_stop);
+    line->addStretch(1);
+    line->addWidget(video);
+    connect(_toggle, &QPushButton::clicked, this, &WallpaperPreviewCard::press);
+    connect(_stop, &QPushButton::clicked, this, [this] { _context.wallpaper.stop(); });
+    connect(video, &QPushButton::clicked, this, &WallpaperPreviewCard::choose);
+    return _buttons;
+}
+
+void WallpaperPreviewCard::followWallpaper()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    const auto again = [this] {
+        showVideo();
+        showState();
+    };
+    connect(&wallpaper, &WallpaperController::stateChanged, this, again);
+    connect(&wallpaper, &WallpaperController::isPausedChanged, this, again);
+    connect(&wallpaper, &WallpaperController::connectedDisplaysChanged, this, again);
+    const WallpaperVideo &video = wallpaper.video();
+    connect(&video, &WallpaperVideo::videoURLChanged, this, again);
+    connect(&video, &WallpaperVideo::videoSizeChanged, this, again);
+    connect(&video, &WallpaperVideo::videoFPSChanged, this, again);
+    connect(&video, &WallpaperVideo::videoDurationChanged, this, again);
+    connect(&video, &WallpaperVideo::isLoadingChanged, this, again);
+    again();
+    const auto noted = [this] {
+        showState();
+        showNotice();
+    };
+    connect(&wallpaper, &WallpaperController::noticeChanged, this, noted);
+    connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, this, noted);
+    connect(&wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this, noted);
+}
+
+void WallpaperPreviewCard::followPreview()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    PreviewPlayer &preview = wallpaper.preview();
+    const auto again = [this] { showPicture(); };
+    connect(&preview, &PreviewPlayer::frameChanged, this, again);
+    connect(&wallpaper.video(), &WallpaperVideo::currentFrameChanged, this, again);
+    connect(&preview, &PreviewPlayer::problemChanged, this, [this] { showNotice(); });
+    connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, [&wallpaper] {
+        if (wallpaper.preview().previewItemURL() != wallpaper.video().videoURL())
+            wallpaper.preview().stop();
+    });
+    follow(preview, &PreviewPlayer::isPreviewPlayingChanged, this, [this, &preview] {
+        _stage->setPlaying(preview.isPreviewPlaying());
+        showPicture();
+    });
+    showNotice();
+}
+
+void WallpaperPreviewCard::choose()
+{
+    openVideoPanel(this, _context.services.wallpaper, u"选择一个视频作为 macOS 动态壁纸"_s,
+                   [this](const QString &path) { _context.wallpaper.playVideo(path); });
+}
+
+void WallpaperPreviewCard::press()
+{
+    const WallpaperController &wallpaper = _context.services.wallpaper;
+    if (wallpaper.isShowing() && !wallpaper.isPaused())
+        _context.wallpaper.pause();
+    else
+        _context.wallpaper.play();
+}
+
+void WallpaperPreviewCard::togglePreview()
+{
+    PreviewPlayer &preview = _context.services.wallpaper.preview();
+    const auto path = _context.services.wallpaper.video().videoURL();
+    if (preview.isPreviewPlaying())
+        preview.pause();
+    else if (path)
+        preview.play(*path);
+}
+
+void WallpaperPreviewCard::showState()
+{
+    const WallpaperController &wallpaper = _context.services.wallpaper;
+    const WallpaperLook look = lookOf(wallpaper);
+    const BadgeLook badge = badgeOf(look);
+    _badgeSymbol->show(badge.symbol, badge.tint);
+    _badgeText->setText(badge.text);
+    setLook(_badgeText, "role", badge.role);
+
+    // What a refused file says is not what the older one does.
+    const bool isPlaying = wallpaper.isShowing() && !wallpaper.isPaused();
+    const QString text = isPlaying ? u"暂停"_s : wallpaper.isShowing() ? u"继续"_s : u"播放"_s;
+    const bool canPress = wallpaper.canToggle();
+    _toggle->setText(text);
+    _toggle->setAccessibleName(text);
+    _toggle->setEnabled(canPress);
+    _toggle->setIcon(_context.theme.icon(isPlaying ? u"pause.fill"_s : u"play.fill"_s,
+                                         canPress ? ThemeColor::onFill : ThemeColor::secondary));
+    _stop->setEnabled(wallpaper.isShowing());
+
+    _failure->setNote(wallpaper.state().message, u"bad"_s);
+    _failure->setVisible(look == WallpaperLook::failed);
+}
+
+void WallpaperPreviewCard::showVideo()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    const WallpaperVideo &video = wallpaper.video();
+    const auto path = video.videoURL() ? video.videoURL() : wallpaper.preferences().lastVideoPath();
+    const bool isEmpty = !path && !video.isLoading() && !wallpaper.canToggle();
+    _empty->setVisible(isEmpty);
+    _stage->parentWidget()->setVisible(!isEmpty);
+    _words->setVisible(!isEmpty);
+    _buttons->setVisible(!isEmpty);
+    _stage->setPlayable(video.videoURL().has_value());
+
+    _name->setText(path ? fileName(*path) : QString());
+    _name->setToolTip(path.value_or(QString()));
+    _name->setVisible(path.has_value());
+    QString facts = describeVideo(video.videoSize(), video.videoFPS(), video.videoDuration());
+    if (video.isLoading())
+        facts = u"正在读取视频…"_s;
+    else if (!video.videoURL())
+        facts = path && QFileInfo(*path).isFile() ? u"上次的视频"_s : u"上次的视频已不在原处，请重新选择"_s;
+    _facts->setText(facts);
+    _facts->setVisible(path && !facts.isEmpty());
+}
+
+void WallpaperPreviewCard::showPicture()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    const PreviewPlayer &preview = wallpaper.preview();
+    const bool isPreview = preview.previewItemURL() && !preview.frame().isNull();
+    _stage->setPicture(isPreview ? preview.frame() : wallpaper.video().currentFrame().value_or(QImage()));
+}
+
+void WallpaperPreviewCard::showNotice()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    QString text = wallpaper.preview().problem();
+    if (text.isEmpty())
+        text = wallpaper.power().blocks() ? batteryWords() : wallpaper.notice();
+    _notice->setText(text);
+    _notice->setVisible(!_notice->text().isEmpty());
+}
+
+void WallpaperPreviewCard::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (draggedVideo(event->mimeData()).isEmpty())
+        return;
+    setLook(this, "dropping", true);
+    event->acceptProposedAction();
+}
+
+void WallpaperPreviewCard::dragLeaveEvent(QDragLeaveEvent *)
+{
+    setLook(this, "dropping", false);
+}
+
+void WallpaperPreviewCard::dropEvent(QDropEvent *event)
+{
+    setLook(this, "dropping", false);
+    if (const QString path = draggedVideo(event->mimeData()); !path.isEmpty()) {
+        event->acceptProposedAction();
+        _context.wallpaper.playVideo(path);
+    }
+}
+
+void WallpaperPreviewCard::loadLastVideo()
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    // A load under way would be outdated by this one.
+    if (_hasLoadedLast || wallpaper.video().videoURL() || wallpaper.video().isLoading())
+        return;
+    const auto last = wallpaper.preferences().lastVideoPath();
+    if (!last || !QFileInfo(*last).isFile() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
+        return;
+    _hasLoadedLast = true;
+    wallpaper.loadVideo(*last);
+}
+
+void WallpaperPreviewCard::showEvent(QShowEvent *event)
+{
+    Card::showEvent(event);
+    loadLastVideo();
+}
+
+void WallpaperPreviewCard::hideEvent(QHideEvent *event)
+{
+    // Nobody looks at it any more.
+    _context.services.wallpaper.preview().stop();
+    Card::hideEvent(event);
+}
+
+} // namespace velbrix

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "views/ViewContext.h"
+#include "views/components/Card.h"
+
+class QLabel;
+class QPushButton;
+
+namespace velbrix {
+
+class EmptyState;
+class PreviewStage;
+class SettingRow;
+class SymbolLabel;
+
+// The chosen video: how it looks, what it is doing, and its controls. A video
+// dropped here is played.
+class WallpaperPreviewCard final : public Card {
+public:
+    explicit WallpaperPreviewCard(const ViewContext &context, QWidget *parent = nullptr);
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    QWidget *makeWords();
+    QWidget *makeBadge();
+    QWidget *makeFailure();
+    QWidget *makeButtons();
+    void followWallpaper();
+    void followPreview();
+    void choose();
+    void press();
+    void togglePreview();
+    void showState();
+    void showVideo();
+    void showPicture();
+    void showNotice();
+    void loadLastVideo();
+
+    ViewContext _context;
+    EmptyState *_empty;
+    PreviewStage *_stage;
+    QWidget *_words = nullptr;
+    QLabel *_name = nullptr;
+    QLabel *_facts = nullptr;
+    SymbolLabel *_badgeSymbol = nullptr;
+    QLabel *_badgeText = nullptr;
+    SettingRow *_failure = nullptr;
+    QLabel *_notice = nullptr;
+    QWidget *_buttons = nullptr;
+    QPushButton *_toggle = nullptr;
+    QPushButton *_stop = nullptr;
+    bool _hasLoadedLast = false;
+};
+
+} // namespace velbrix

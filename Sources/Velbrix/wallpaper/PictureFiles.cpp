@@ -1,0 +1,53 @@
+#include "wallpaper/PictureFiles.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr int quality = 92; // compression factor 0.92
+
+// The time in the name is that of the creation, which the file system may
+// not know.
+qint64 creationTime(const QFileInfo &file)
+{
+    static const QRegularExpression pattern(u"^static_(\\d+)\\.jpg$"_s);
+    const auto match = pattern.match(file.fileName());
+    return match.hasMatch() ? match.captured(1).toLongLong() : file.lastModified().toMSecsSinceEpoch();
+}
+
+void prune(const QString &folder)
+{
+    QFileInfoList pictures = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden);
+    pictures.removeIf([](const QFileInfo &file) { return file.suffix().toLower() != u"jpg"; });
+    std::ranges::sort(pictures, std::ranges::greater(), creationTime);
+    for (qsizetype i = keptPictures; i < pictures.size(); ++i)
+        QFile::remove(pictures[i].filePath());
+}
+
+} // namespace
+
+Result<QString> writePicture(const QImage &image, const QString &folder, qint64 stamp)
+{
+    if (!QDir().mkpath(folder))
+        return failure(u"无法建立文件夹 "_s + folder);
+    QString path;
+    do {
+        path = u"%1/static_%2.jpg"_s.arg(folder).arg(stamp++);
+    } while (QFileInfo::exists(path));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "JPG", quality) || !file.commit())
+        return failure(u"无法写入 %1：%2"_s.arg(path, file.errorString()));
+    prune(folder);
+    return path;
+}
+
+} // namespace velbrix

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringList>
+
+#include <atomic>
+
+namespace velbrix {
+
+// Every video in the folder and the folders in it, by name as people sort.
+// Hidden files, the insides of packages (a program, a photo library) and
+// linked folders are left out; folders that cannot be read are passed over.
+// Any thread; empty once cancelled.
+QStringList videosBelow(const QString &folder, const std::atomic_bool &cancelled);
+
+} // namespace velbrix

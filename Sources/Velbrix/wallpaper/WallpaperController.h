@@ -1,0 +1,151 @@
+#pragma once
+
+#include "foundation/Published.h"
+#include "wallpaper/DockHiding.h"
+#include "wallpaper/PowerPolicy.h"
+#include "wallpaper/PreviewPlayer.h"
+#include "wallpaper/StaticDesktop.h"
+#include "wallpaper/VideoFolder.h"
+#include "wallpaper/VideoSurfaces.h"
+#include "wallpaper/WallpaperPreferences.h"
+#include "wallpaper/WallpaperVideo.h"
+
+#include <QCoroTask>
+#include <QObject>
+
+namespace velbrix {
+
+class LoginItem;
+class Permissions;
+
+// The live wallpaper: one facade over the parts that each own a group of its
+// published state. It does not ask for consent; whoever lets the user start a
+// wallpaper does that first. Main thread.
+class WallpaperController final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(WallpaperController, WallpaperState, state)
+    VELB_PUBLISHED(WallpaperController, bool, isPaused, false)
+    // A wallpaper is about to show.
+    VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
+    // What the user should know about the last act; empty when all is well.
+    VELB_PUBLISHED(WallpaperController, QString, notice)
+    VELB_PUBLISHED(WallpaperController, QList<WallpaperDisplayInfo>, connectedDisplays)
+    VELB_PUBLISHED(WallpaperController, bool, hasMultipleDisplays, false)
+    // The display that the next chosen video is for; nothing for the main one.
+    VELB_PUBLISHED(WallpaperController, std::optional<quint32>, multiDisplayTargetID)
+    VELB_PUBLISHED(WallpaperController, bool, launchAtLogin, false)
+    VELB_PUBLISHED(WallpaperController, bool, accessibilityTrusted, false)
+
+public:
+    struct Hosts {
+        DesktopSurfaces &surfaces;
+        Displays &displays;
+        DesktopVisibility &visibility;
+        DesktopPicture &picture;
+        MediaProbe &probe;
+        PowerSource &power;
+        DockPreference &dock;
+        LoginItem &loginItem;
+        Permissions &permissions;
+    };
+    struct Folders {
+        QString staticDesktop;
+        QString thumbnails;
+    };
+
+    // `isInBackground` may be asked at any time after the construction.
+    WallpaperController(Hosts hosts, SettingsStore &settings, Clock &clock, Folders folders,
+                        std::function<bool()> isInBackground, QObject *parent = nullptr);
+    ~WallpaperController() override;
+
+    // Starts showing the chosen content, or shows it anew.
+    void applyWallpaper() { apply(); }
+    // The same; answers whether it is on the desktop then.
+    QCoro::Task<bool> apply();
+    // Chooses the main display's video and stores it once it is known to be
+    // one. A showing wallpaper changes over to it. Answers when that is done.
+    QCoro::Task<bool> setVideo(const QString path);
+    void loadVideo(const QString &atPath) { setVideo(atPath); }
+    void stopWallpaper();
+    void pauseWallpaper();
+    void resumeWallpaper();
+    // Tray and keyboard: pauses what plays, starts or resumes what does not.
+    void togglePlayPause();
+    // Something can be started, paused or resumed.
+    bool canToggle() const;
+    // "播放壁纸", "暂停壁纸" or "继续播放壁纸".
+    QString trayTitle() const;
+    // Windows are on the desktop, moving or not.
+    bool isShowing() const { return _surfaces.isShowing(); }
+
+    // Once at the start of the program: what an earlier run could not put
+    // back is put back.
+    void recoverAfterCrash();
+    // Once, later at the start.
+    void autoRestoreOnLaunch();
+    void handleUnhide();
+    // At the end of the program: stops and puts everything back. The end may
+    // come when isSettled().
+    void shutDown();
+    bool isSettled() const { return !_staticDesktop.isWorking() && !_dock.isWorking(); }
+
+    void detectDisplays();
+    QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString path);
+    void clearDisplayVideo(quint32 displayID);
+    void setMultiDisplayTarget(std::optional<quint32> displayID) { _multiDisplayTargetID = displayID; }
+
+    void toggleHideDesktopIcons();
+    void toggleDockAutoHide() { _dock.toggleDockAutoHide(); }
+    void setContentMode(WallpaperContentMode mode);
+    void setPauseOnBattery(bool on) { _preferences.setPauseOnBattery(on); }
+
+    // While the user looks for a file in the system's panel.
+    void beginSelecting();
+    void endSelecting();
+    // The failure was seen: back to what is playing, or can be.
+    void dismissFailure();
+
+    WallpaperPreferences &preferences() { return _preferences; }
+    const WallpaperPreferences &preferences() const { return _preferences; }
+    WallpaperVideo &video() { return _video; }
+    VideoFolder &folder() { return _folder; }
+    PreviewPlayer &preview() { return _preview; }
+    StaticDesktop &staticDesktop() { return _staticDesktop; }
+    PowerPolicy &power() { return _power; }
+    DockHiding &dock() { return _dock; }
+    // For pictures of the screen that keep the wallpaper.
+    QList<quint32> windowIds() const { return _surfaces.windowIds(); }
+
+Q_SIGNALS:
+    void isSettledChanged();
+
+private:
+    void followParts();
+    QCoro::Task<bool> applyVideo(QString path);
+    QCoro::Task<> loadAndApply(QString path);
+    void hardResume(const QString &reason);
+    void restoreLastVideo();
+    void resumeAfterBattery();
+    void showSecondaryOnly();
+    void show(const QString &path);
+    void refuse(const QString &message);
+    void refreshStaticDesktop(const QString &reason);
+    QCoro::Task<> setShownFrame();
+    void displaysChanged();
+    WallpaperState restingState() const;
+
+    Displays &_displays;
+    Clock &_clock;
+    WallpaperPreferences _preferences;
+    WallpaperVideo _video;
+    VideoFolder _folder;
+    PreviewPlayer _preview;
+    VideoSurfaces _surfaces;
+    StaticDesktop _staticDesktop;
+    PowerPolicy _power;
+    DockHiding _dock;
+    std::function<bool()> _isInBackground;
+    int _applyGeneration = 0;
+};
+
+} // namespace velbrix

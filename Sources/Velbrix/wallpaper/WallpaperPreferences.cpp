@@ -1,0 +1,235 @@
+#include "wallpaper/WallpaperPreferences.h"
+
+#include "foundation/SettingsStore.h"
+
+#include <QDir>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+// The first six predate the others and must stay readable.
+const QString volumeKey = u"VelbClean_WallpaperVolume"_s;
+const QString speedKey = u"VelbClean_WallpaperSpeed"_s;
+const QString gravityKey = u"VelbClean_WallpaperGravity"_s;
+const QString folderKey = u"VelbClean_WallpaperFolder"_s;
+const QString autoPlayKey = u"VelbClean_WallpaperAutoPlay"_s;
+const QString lastVideoKey = u"VelbClean_LastVideoPath"_s;
+const QString hideIconsEnabledKey = u"Velbrix_WallpaperHideDesktopIconsEnabled"_s;
+const QString hideIconsActiveKey = u"Velbrix_WallpaperHideDesktopIconsActive"_s;
+const QString dockActiveKey = u"Velbrix_WallpaperDockAutoHideActive"_s;
+const QString dockOriginalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
+const QString pauseOnBatteryKey = u"Velbrix_WallpaperPauseOnBattery"_s;
+const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
+const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
+const QString lastHtmlKey = u"Velbrix_LastHTMLPath"_s;
+const QString htmlInteractiveKey = u"Velbrix_HTMLInteractive"_s;
+const QString shieldMisTouchKey = u"Velbrix_MusicShieldMisTouch"_s;
+const QString snapshotIntervalKey = u"Velbrix_HTMLDesktopSnapshotInterval"_s;
+const QString ignoreMainWindowsKey = u"Velbrix_WallpaperScreenshotIgnoreMainWindows"_s;
+const QString displayPathsKey = u"Velbrix_PerDisplayVideoPaths"_s;
+const QString autoMoveKey = u"Velbrix_AutoMoveToAppDir"_s;
+
+constexpr double intervalTolerance = 0.01; // seconds
+
+double clampedInterval(double seconds)
+{
+    return std::isnan(seconds) ? 20.0 : std::clamp(std::round(seconds), 1.0, 20.0);
+}
+
+DisplayVideoPaths displayPaths(const QJsonValue &stored)
+{
+    DisplayVideoPaths paths;
+    const QJsonObject object = stored.toObject();
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        bool isNumber = false;
+        const quint32 id = entry.key().toUInt(&isNumber);
+        if (isNumber && !entry.value().toString().isEmpty())
+            paths.insert(id, entry.value().toString());
+    }
+    return paths;
+}
+
+} // namespace
+
+WallpaperPreferences::WallpaperPreferences(SettingsStore &settings, QObject *parent)
+    : QObject(parent), _settings(settings)
+{
+}
+
+void WallpaperPreferences::loadSettings()
+{
+    const auto take = [](const auto &stored, auto &property) {
+        if (stored)
+            property = *stored;
+    };
+    if (const auto volume = _settings.real(volumeKey))
+        _volume = clampedVolume(*volume);
+    if (const auto speed = _settings.real(speedKey))
+        _speed = clampedSpeed(*speed);
+    _gravity = wallpaperGravityFromRawValue(_settings.string(gravityKey).value_or(QString()));
+    _contentMode = wallpaperContentModeFromRawValue(_settings.string(contentModeKey).value_or(QString()));
+    if (const auto folder = _settings.string(folderKey); folder && !folder->isEmpty())
+        _wallpaperFolder = folder;
+    take(_settings.boolean(autoPlayKey), _autoPlay);
+    take(_settings.boolean(hideIconsEnabledKey), _hideDesktopIconsEnabled);
+    take(_settings.boolean(hideIconsActiveKey), _isHidingDesktopIcons);
+    take(_settings.boolean(dockActiveKey), _isDockAutoHidden);
+    take(_settings.boolean(pauseOnBatteryKey), _pauseOnBattery);
+    take(_settings.boolean(pauseWhenCoveredKey), _pauseWhenCovered);
+    if (const auto path = _settings.string(lastHtmlKey); path && !path->isEmpty())
+        setHtmlURL(*path);
+    take(_settings.boolean(htmlInteractiveKey), _htmlInteractive);
+    take(_settings.boolean(shieldMisTouchKey), _musicShieldMisTouch);
+    if (const auto seconds = _settings.real(snapshotIntervalKey))
+        _htmlDesktopSnapshotInterval = clampedInterval(*seconds);
+    take(_settings.boolean(ignoreMainWindowsKey), _screenshotIgnoreMainWindows);
+    _perDisplayVideoPaths = displayPaths(_settings.json(displayPathsKey).value_or(QJsonValue()));
+    take(_settings.boolean(autoMoveKey), _autoMoveToAppDir);
+}
+
+template <typename Property, typename Value>
+void WallpaperPreferences::change(Property &property, const Value &value, const QString &key,
+                                  const QJsonValue &stored)
+{
+    if (property.value() == value)
+        return;
+    property = value;
+    _settings.set(key, stored);
+}
+
+void WallpaperPreferences::setVolume(double volume)
+{
+    change(_volume, clampedVolume(volume), volumeKey, clampedVolume(volume));
+}
+
+void WallpaperPreferences::setSpeed(double speed)
+{
+    change(_speed, clampedSpeed(speed), speedKey, clampedSpeed(speed));
+}
+
+void WallpaperPreferences::setGravity(WallpaperGravity gravity)
+{
+    change(_gravity, gravity, gravityKey, rawValue(gravity));
+}
+
+void WallpaperPreferences::setContentMode(WallpaperContentMode mode)
+{
+    change(_contentMode, mode, contentModeKey, rawValue(mode));
+}
+
+void WallpaperPreferences::setHtmlURL(const QString &path)
+{
+    const QString normal = QDir::cleanPath(path);
+    _htmlURL = normal;
+    if (_settings.string(lastHtmlKey) != normal)
+        _settings.set(lastHtmlKey, normal);
+}
+
+void WallpaperPreferences::setHtmlInteractive(bool on)
+{
+    change(_htmlInteractive, on, htmlInteractiveKey, on);
+}
+
+void WallpaperPreferences::setMusicShieldMisTouch(bool on)
+{
+    change(_musicShieldMisTouch, on, shieldMisTouchKey, on);
+}
+
+void WallpaperPreferences::setSnapshotInterval(double seconds)
+{
+    const double interval = clampedInterval(seconds);
+    if (std::abs(interval - _htmlDesktopSnapshotInterval.value()) > intervalTolerance)
+        change(_htmlDesktopSnapshotInterval, interval, snapshotIntervalKey, interval);
+}
+
+void WallpaperPreferences::setScreenshotIgnoreMainWindows(bool on)
+{
+    change(_screenshotIgnoreMainWindows, on, ignoreMainWindowsKey, on);
+}
+
+void WallpaperPreferences::setWallpaperFolder(const QString &folder)
+{
+    change(_wallpaperFolder, std::optional(folder), folderKey, folder);
+}
+
+void WallpaperPreferences::setAutoPlay(bool on)
+{
+    change(_autoPlay, on, autoPlayKey, on);
+}
+
+void WallpaperPreferences::setHideDesktopIconsEnabled(bool on)
+{
+    change(_hideDesktopIconsEnabled, on, hideIconsEnabledKey, on);
+}
+
+void WallpaperPreferences::setHidingDesktopIcons(bool on)
+{
+    change(_isHidingDesktopIcons, on, hideIconsActiveKey, on);
+}
+
+void WallpaperPreferences::setPauseOnBattery(bool on)
+{
+    change(_pauseOnBattery, on, pauseOnBatteryKey, on);
+}
+
+void WallpaperPreferences::setPauseWhenCovered(bool on)
+{
+    change(_pauseWhenCovered, on, pauseWhenCoveredKey, on);
+}
+
+void WallpaperPreferences::setAutoMoveToAppDir(bool on)
+{
+    change(_autoMoveToAppDir, on, autoMoveKey, on);
+}
+
+void WallpaperPreferences::setDisplayVideoPath(quint32 displayId, const std::optional<QString> &path)
+{
+    DisplayVideoPaths paths = _perDisplayVideoPaths;
+    if (path)
+        paths.insert(displayId, *path);
+    else
+        paths.remove(displayId);
+    if (paths == _perDisplayVideoPaths.value())
+        return;
+    _perDisplayVideoPaths = paths;
+    QJsonObject stored;
+    for (auto entry = paths.cbegin(); entry != paths.cend(); ++entry)
+        stored.insert(QString::number(entry.key()), entry.value());
+    _settings.set(displayPathsKey, stored);
+}
+
+std::optional<QString> WallpaperPreferences::lastVideoPath() const
+{
+    const auto path = _settings.string(lastVideoKey);
+    return path && !path->isEmpty() ? path : std::nullopt;
+}
+
+void WallpaperPreferences::setLastVideoPath(const QString &path)
+{
+    if (lastVideoPath() != path)
+        _settings.set(lastVideoKey, path);
+}
+
+std::optional<bool> WallpaperPreferences::originalSystemDockAutohideState() const
+{
+    return _settings.boolean(dockOriginalKey);
+}
+
+void WallpaperPreferences::setDockState(bool isHidden, std::optional<bool> original)
+{
+    change(_isDockAutoHidden, isHidden, dockActiveKey, isHidden);
+    if (original)
+        _settings.set(dockOriginalKey, *original);
+    else
+        _settings.remove(dockOriginalKey);
+    // A failure is told and tried again by the store.
+    (void)_settings.flush();
+}
+
+} // namespace velbrix

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "foundation/Published.h"
+#include "wallpaper/WallpaperTypes.h"
+
+#include <QHash>
+#include <QJsonValue>
+#include <QObject>
+
+namespace velbrix {
+
+class SettingsStore;
+
+using DisplayVideoPaths = QHash<quint32, QString>; // by display id
+
+// What of the wallpaper outlives the program. A setter that changes a value
+// stores it.
+class WallpaperPreferences final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(WallpaperPreferences, double, volume, 0.3)
+    VELB_PUBLISHED(WallpaperPreferences, double, speed, 1.0)
+    VELB_PUBLISHED(WallpaperPreferences, WallpaperGravity, gravity, WallpaperGravity::aspectFill)
+    VELB_PUBLISHED(WallpaperPreferences, WallpaperContentMode, contentMode, WallpaperContentMode::video)
+    VELB_PUBLISHED(WallpaperPreferences, std::optional<QString>, htmlURL) // a path
+    VELB_PUBLISHED(WallpaperPreferences, bool, htmlInteractive, true)
+    VELB_PUBLISHED(WallpaperPreferences, bool, musicShieldMisTouch, true)
+    VELB_PUBLISHED(WallpaperPreferences, double, htmlDesktopSnapshotInterval, 20) // whole seconds, 1…20
+    VELB_PUBLISHED(WallpaperPreferences, bool, screenshotIgnoreMainWindows, false)
+    VELB_PUBLISHED(WallpaperPreferences, std::optional<QString>, wallpaperFolder)
+    VELB_PUBLISHED(WallpaperPreferences, bool, autoPlay, true)
+    VELB_PUBLISHED(WallpaperPreferences, bool, hideDesktopIconsEnabled, false)
+    VELB_PUBLISHED(WallpaperPreferences, bool, isHidingDesktopIcons, false)
+    VELB_PUBLISHED(WallpaperPreferences, bool, isDockAutoHidden, false)
+    VELB_PUBLISHED(WallpaperPreferences, bool, pauseOnBattery, true)
+    VELB_PUBLISHED(WallpaperPreferences, bool, pauseWhenCovered, true)
+    VELB_PUBLISHED(WallpaperPreferences, bool, autoMoveToAppDir, true)
+    VELB_PUBLISHED(WallpaperPreferences, DisplayVideoPaths, perDisplayVideoPaths)
+
+public:
+    explicit WallpaperPreferences(SettingsStore &settings, QObject *parent = nullptr);
+
+    // Takes each stored value that is present and of its type.
+    void loadSettings();
+
+    void setVolume(double volume);
+    void setSpeed(double speed);
+    void setGravity(WallpaperGravity gravity);
+    void setContentMode(WallpaperContentMode mode);
+    void setHtmlURL(const QString &path);
+    void setHtmlInteractive(bool on);
+    void setMusicShieldMisTouch(bool on);
+    // Rounded and clamped; a change of at most 0.01 s is none.
+    void setSnapshotInterval(double seconds);
+    void setScreenshotIgnoreMainWindows(bool on);
+    void setWallpaperFolder(const QString &folder);
+    void setAutoPlay(bool on);
+    void setHideDesktopIconsEnabled(bool on);
+    void setHidingDesktopIcons(bool on);
+    void setPauseOnBattery(bool on);
+    void setPauseWhenCovered(bool on);
+    void setAutoMoveToAppDir(bool on);
+
+    // Nothing takes the display's own video away.
+    void setDisplayVideoPath(quint32 displayId, const std::optional<QString> &path);
+
+    // The last video applied on the main display.
+    std::optional<QString> lastVideoPath() const;
+    void setLastVideoPath(const QString &path);
+
+    // Icons are covered: allowed and switched on.
+    bool coversDesktopIcons() const { return _hideDesktopIconsEnabled && _isHidingDesktopIcons; }
+
+    // The user's own auto-hide of the Dock, as long as this program has
+    // changed it; nothing when it is not known.
+    std::optional<bool> originalSystemDockAutohideState() const;
+    // On disk when it returns: a crash must not cost the user his value.
+    void setDockState(bool isHidden, std::optional<bool> original);
+
+private:
+    template <typename Property, typename Value>
+    void change(Property &property, const Value &value, const QString &key, const QJsonValue &stored);
+
+    SettingsStore &_settings;
+};
+
+} // namespace velbrix

@@ -1,0 +1,103 @@
+#include "wallpaper/WallpaperTypes.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+double clampedOr(double value, double least, double most, double otherwise)
+{
+    return std::isnan(value) ? otherwise : std::clamp(value, least, most);
+}
+
+} // namespace
+
+QString rawValue(WallpaperContentMode mode)
+{
+    switch (mode) {
+    case WallpaperContentMode::video:
+        return u"视频壁纸"_s;
+    case WallpaperContentMode::html:
+        return u"HTML壁纸"_s;
+    case WallpaperContentMode::music:
+        return u"音乐壁纸(Beta)"_s;
+    }
+    return {};
+}
+
+WallpaperContentMode wallpaperContentModeFromRawValue(const QString &stored)
+{
+    for (const auto mode : {WallpaperContentMode::html, WallpaperContentMode::music}) {
+        if (stored == rawValue(mode))
+            return mode;
+    }
+    return WallpaperContentMode::video;
+}
+
+QString rawValue(WallpaperGravity gravity)
+{
+    switch (gravity) {
+    case WallpaperGravity::fill:
+        return u"填充"_s;
+    case WallpaperGravity::aspectFill:
+        return u"裁剪"_s;
+    case WallpaperGravity::aspectFit:
+        return u"适应"_s;
+    case WallpaperGravity::resize:
+        return u"拉伸"_s;
+    case WallpaperGravity::none:
+        return u"居中"_s;
+    }
+    return {};
+}
+
+WallpaperGravity wallpaperGravityFromRawValue(const QString &stored)
+{
+    const auto found = std::ranges::find_if(
+        allWallpaperGravities, [&](WallpaperGravity gravity) { return rawValue(gravity) == stored; });
+    return found == allWallpaperGravities.end() ? WallpaperGravity::aspectFill : *found;
+}
+
+VideoGravity layerGravity(WallpaperGravity gravity)
+{
+    switch (gravity) {
+    case WallpaperGravity::fill:
+    case WallpaperGravity::resize:
+        return VideoGravity::stretch;
+    case WallpaperGravity::aspectFit:
+    case WallpaperGravity::none:
+        return VideoGravity::fit;
+    case WallpaperGravity::aspectFill:
+        break;
+    }
+    return VideoGravity::crop;
+}
+
+const QStringList &videoExtensions()
+{
+    static const QStringList extensions = {u"mp4"_s, u"mov"_s,  u"m4v"_s, u"avi"_s,
+                                           u"mkv"_s, u"webm"_s, u"wmv"_s, u"flv"_s};
+    return extensions;
+}
+
+bool hasVideoExtension(const QString &path)
+{
+    return videoExtensions().contains(QFileInfo(path).suffix().toLower());
+}
+
+double clampedVolume(double volume)
+{
+    return clampedOr(volume, 0.0, 1.0, 0.3);
+}
+
+double clampedSpeed(double speed)
+{
+    return clampedOr(speed, 0.25, 2.0, 1.0);
+}
+
+} // namespace velbrix

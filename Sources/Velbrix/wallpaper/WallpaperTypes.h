@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/DesktopSurfaces.h"
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <optional>
+
+namespace velbrix {
+
+enum class WallpaperContentMode { video, html, music };
+
+QString rawValue(WallpaperContentMode mode);
+// An unknown value means video.
+WallpaperContentMode wallpaperContentModeFromRawValue(const QString &stored);
+
+enum class WallpaperGravity { fill, aspectFill, aspectFit, resize, none };
+
+inline constexpr std::array allWallpaperGravities = {WallpaperGravity::fill, WallpaperGravity::aspectFill,
+                                                     WallpaperGravity::aspectFit, WallpaperGravity::resize,
+                                                     WallpaperGravity::none};
+
+QString rawValue(WallpaperGravity gravity);
+// An unknown value means aspectFill.
+WallpaperGravity wallpaperGravityFromRawValue(const QString &stored);
+// Both fill and resize stretch, and the centred picture is made to fit.
+VideoGravity layerGravity(WallpaperGravity gravity);
+
+struct WallpaperState {
+    enum class Kind { idle, selecting, ready, playing, failed };
+
+    Kind kind = Kind::idle;
+    QString videoURL; // of ready and playing
+    QString message;  // of failed
+
+    bool isPlaying() const { return kind == Kind::playing; }
+    bool operator==(const WallpaperState &) const = default;
+};
+
+struct WallpaperDisplayInfo {
+    quint32 id = 0;
+    QString name;
+    bool isMain = false;
+    QRect frame;
+    std::optional<QString> videoPath; // chosen for this display
+    bool isPlaying = false;
+
+    bool operator==(const WallpaperDisplayInfo &) const = default;
+};
+
+// "mp4", "mov" …: what counts as a video by its name, in any case.
+const QStringList &videoExtensions();
+bool hasVideoExtension(const QString &path);
+
+double clampedVolume(double volume); // 0…1
+double clampedSpeed(double speed);   // 0.25…2, what a player can do
+
+} // namespace velbrix

@@ -1,0 +1,76 @@
+#include "wallpaper/WallpaperVideo.h"
+
+#include "foundation/Log.h"
+
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr QSize previewBound{1280, 720};  // pixels
+constexpr QSize desktopBound{2560, 1440}; // pixels
+
+std::optional<Failure> problemOf(const Result<VideoFacts> &facts)
+{
+    if (!facts)
+        return Failure{u"无法读取视频："_s + facts.error().message};
+    if (!facts->hasVideo)
+        return Failure{u"视频中没有画面轨道"_s};
+    return std::nullopt;
+}
+
+} // namespace
+
+WallpaperVideo::WallpaperVideo(MediaProbe &probe, QObject *parent) : QObject(parent), _probe(probe) {}
+
+QCoro::Task<std::optional<Failure>> WallpaperVideo::problem(const QString path)
+{
+    const auto facts = co_await _probe.facts(path);
+    co_return problemOf(facts);
+}
+
+QCoro::Task<WallpaperVideo::Outcome> WallpaperVideo::load(const QString path)
+{
+    const QPointer self(this);
+    const int generation = ++_generation;
+    _isLoading = true;
+    const auto facts = co_await _probe.facts(path);
+    if (!self || generation != _generation)
+        co_return Outcome{};
+    _isLoading = false;
+    if (const auto problem = problemOf(facts))
+        co_return Outcome{Loaded::refused, problem->message};
+    const bool isNew = videoURL() != path;
+    _videoURL = path;
+    _videoSize = QSizeF(facts->size);
+    _videoFPS = facts->framesPerSecond;
+    _videoDuration = facts->duration;
+    if (isNew)
+        _currentFrame = std::nullopt;
+    showFirstFrame(path, generation);
+    co_return Outcome{Loaded::done, {}};
+}
+
+QCoro::Task<Result<QImage>> WallpaperVideo::frameAt(const QString path, double seconds)
+{
+    const auto frame = co_await _probe.frame(path, seconds, desktopBound, {});
+    if (!frame)
+        log::line(u"Wallpaper"_s, u"提取帧失败:"_s + frame.error().message);
+    co_return frame;
+}
+
+QCoro::Task<> WallpaperVideo::showFirstFrame(QString path, int generation)
+{
+    const QPointer self(this);
+    const auto frame = co_await _probe.frame(path, 0, previewBound, {});
+    if (!self || generation != _generation)
+        co_return;
+    if (frame)
+        _currentFrame = *frame;
+    else
+        log::line(u"Wallpaper"_s, u"提取帧失败:"_s + frame.error().message);
+}
+
+} // namespace velbrix

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "foundation/Published.h"
+#include "foundation/Result.h"
+#include "platform/MediaProbe.h"
+
+#include <QCoroTask>
+#include <QImage>
+#include <QObject>
+#include <QSizeF>
+
+#include <optional>
+
+namespace velbrix {
+
+// The chosen video: where it is, what it is like and how it begins.
+class WallpaperVideo final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(WallpaperVideo, std::optional<QString>, videoURL) // a path
+    VELB_PUBLISHED(WallpaperVideo, double, videoDuration, 0)         // seconds
+    VELB_PUBLISHED(WallpaperVideo, QSizeF, videoSize, 0, 0)          // pixels
+    VELB_PUBLISHED(WallpaperVideo, double, videoFPS, 0)
+    VELB_PUBLISHED(WallpaperVideo, std::optional<QImage>, currentFrame) // the first one
+    VELB_PUBLISHED(WallpaperVideo, bool, isLoading, false)
+
+public:
+    explicit WallpaperVideo(MediaProbe &probe, QObject *parent = nullptr);
+
+    // The words for a file that cannot be a wallpaper; nothing when it can.
+    QCoro::Task<std::optional<Failure>> problem(const QString path);
+
+    enum class Loaded { done, refused, outdated };
+    struct Outcome {
+        Loaded loaded = Loaded::outdated;
+        QString message; // why it was refused
+    };
+    // Takes the video once it is known to be one; a refused file changes
+    // nothing. A newer call makes this one outdated.
+    QCoro::Task<Outcome> load(const QString path);
+
+    // The picture at the time, for the desktop; a failure is logged too.
+    QCoro::Task<Result<QImage>> frameAt(const QString path, double seconds);
+
+private:
+    QCoro::Task<> showFirstFrame(QString path, int generation);
+
+    MediaProbe &_probe;
+    int _generation = 0;
+};
+
+} // namespace velbrix

@@ -1,0 +1,275 @@
+#include "app/AppDelegate.h"
+
+#include "support/FakeShell.h"
+#include "support/WallpaperRig.h"
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString originalKey = u"Velbrix_WallpaperOriginalDesktopPicture"_s;
+
+// The program with a stored video, started without its window.
+struct Rig : WallpaperRig {
+    explicit Rig(const QJsonObject &settings = {})
+    {
+        qputenv("XDG_RUNTIME_DIR", {});
+        host.settings.stored = {{u"Velbrix_Privacy_firstLaunchAccepted"_s, true},
+                                {u"Velbrix_Privacy_consent_videoWallpaper"_s, true},
+                                {u"VelbClean_LastVideoPath"_s, path}};
+        for (auto entry = settings.begin(); entry != settings.end(); ++entry)
+            host.settings.stored.insert(entry.key(), entry.value());
+        make();
+        delegate = std::make_unique<AppDelegate>(*services, shell);
+    }
+    void launch() { delegate->applicationDidFinishLaunching(true); }
+    void launchAndRestore()
+    {
+        launch();
+        clock.advance(1500ms);
+    }
+    // The picture under the video is written in another thread.
+    bool hasReplacedPicture()
+    {
+        return QTest::qWaitFor([this] { return wallpaper().isSettled(); }) &&
+               services->settings.json(originalKey).has_value();
+    }
+    void choose(TrayItemId item)
+    {
+        shell.chosen(item);
+        QCoreApplication::processEvents();
+    }
+    void press(quint32 keyCode)
+    {
+        host.hotkeys.press({keyCode, HotkeyChord::controlKey | HotkeyChord::optionKey});
+        QCoreApplication::processEvents();
+    }
+    // The wallpaper's two entries: "title on, title off".
+    QString entries() const
+    {
+        QStringList found;
+        for (const TrayMenuItem &item : shell.menu) {
+            if (item.id == TrayItemId::wallpaperPlay || item.id == TrayItemId::wallpaperStop)
+                found << item.title + (item.isEnabled ? u" on"_s : u" off"_s);
+        }
+        return found.join(u", "_s);
+    }
+    QStringList banners() const
+    {
+        QStringList found;
+        for (const Toast &toast : services->toasts.visible())
+            found << toast.title + u"|"_s + toast.body;
+        return found;
+    }
+
+    const QString path = video(u"last.mp4"_s);
+    FakeShell shell;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+} // namespace
+
+class WallpaperLifeTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void comesBackShortlyAfterTheStart_data()
+    {
+        QTest::addColumn<QJsonObject>("settings");
+        QTest::addColumn<QString>("said");
+        QTest::addColumn<bool>("plays");
+        QTest::newRow("last video") << QJsonObject() << u"auto wallpaper restore (launch) autoPlay=true"_s << true;
+        QTest::newRow("switched off") << QJsonObject{{u"VelbClean_WallpaperAutoPlay"_s, false}}
+                                      << u"auto wallpaper restore (launch) autoPlay=false"_s << false;
+        QTest::newRow("statement open")
+            << QJsonObject{{u"Velbrix_Privacy_firstLaunchAccepted"_s, false}}
+            << u"skip auto wallpaper (launch): first-launch not accepted"_s << false;
+    }
+    void comesBackShortlyAfterTheStart()
+    {
+        QFETCH(QJsonObject, settings);
+        QFETCH(QString, said);
+        Rig rig(settings);
+        rig.launch();
+        rig.clock.advance(1499ms);
+        QCOMPARE(rig.log.take(u"Velbrix"_s), QStringList());
+        QVERIFY(!rig.wallpaper().isShowing());
+        rig.clock.advance(1ms);
+        QCOMPARE(rig.log.take(u"Velbrix"_s), QStringList{said});
+        QTEST(rig.wallpaper().isShowing(), "plays");
+        // Accepting it later plays nothing by itself.
+        rig.services->privacy.acceptFirstLaunch();
+        rig.clock.advance(1min);
+        QTEST(rig.wallpaper().isShowing(), "plays");
+    }
+
+    void onlyTheFirstCopyPutsBackWhatACrashLeft()
+    {
+        const QJsonObject own{{u"path"_s, u"/own/picture.png"_s}};
+        const QJsonObject left{{originalKey, own},
+                               {u"Velbrix_WallpaperDockAutoHideActive"_s, true},
+                               {u"Velbrix_WallpaperDockAutoHideOriginal"_s, false}};
+        Rig second(left);
+        second.host.singleInstance.isTaken = true;
+        second.launch();
+        QCOMPARE(second.host.desktopPicture.calls, QStringList());
+        QCOMPARE(second.host.dock.calls, QStringList());
+        Rig rig(left);
+        QCOMPARE(rig.host.desktopPicture.calls, QStringList());
+        rig.launch();
+        QCOMPARE(rig.host.desktopPicture.calls, QStringList{u"restore {\"path\":\"/own/picture.png\"}"_s});
+        QCOMPARE(rig.host.dock.calls, QStringList{u"set false"_s});
+    }
+
+    void theTrayFollowsAtOnce()
+    {
+        Rig rig;
+        rig.launch();
+        QCOMPARE(rig.entries(), u"播放壁纸 on, 停止壁纸 off"_s);
+        rig.choose(TrayItemId::wallpaperPlay);
+        QCOMPARE(rig.entries(), u"暂停壁纸 on, 停止壁纸 on"_s);
+        QCOMPARE(rig.delegate->lastTraySignature(), u"暂停壁纸|true|true|false|开始录制（全屏）"_s);
+        rig.choose(TrayItemId::wallpaperPlay);
+        QCOMPARE(rig.entries(), u"继续播放壁纸 on, 停止壁纸 on"_s);
+        QVERIFY(!rig.surface()->isPlaying);
+        rig.choose(TrayItemId::wallpaperPlay);
+        QVERIFY(rig.surface()->isPlaying);
+        rig.choose(TrayItemId::wallpaperStop);
+        QCOMPARE(rig.entries(), u"播放壁纸 on, 停止壁纸 off"_s);
+        QVERIFY(!rig.surface());
+        rig.host.power.set(true);
+        QCOMPARE(rig.entries(), u"播放壁纸 off, 停止壁纸 off"_s);
+        rig.wallpaper().preferences().setPauseOnBattery(false);
+        QCOMPARE(rig.entries(), u"播放壁纸 on, 停止壁纸 off"_s);
+    }
+
+    void theTraysEntryAsksForConsent()
+    {
+        Rig rig({{u"Velbrix_Privacy_consent_videoWallpaper"_s, false},
+                 {u"VelbClean_WallpaperAutoPlay"_s, false}});
+        rig.launchAndRestore();
+        rig.choose(TrayItemId::wallpaperPlay);
+        QVERIFY(rig.shell.visible); // where the notice is
+        QVERIFY(!rig.wallpaper().isShowing());
+        rig.services->privacy.confirmPendingNotice();
+        QVERIFY(rig.wallpaper().isShowing());
+
+        Rig fresh({{u"Velbrix_Privacy_firstLaunchAccepted"_s, false}});
+        fresh.launch();
+        fresh.shell.calls.clear();
+        fresh.choose(TrayItemId::wallpaperPlay);
+        QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
+    }
+
+    void hotKeysTidyTheDesktop()
+    {
+        Rig rig;
+        rig.launchAndRestore();
+        rig.press(2);
+        QCOMPARE(rig.banners(),
+                 QStringList{u"桌面图标没有被盖住|请先在“动态壁纸”里打开“隐藏桌面文件”。"_s});
+        QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
+        rig.wallpaper().preferences().setHideDesktopIconsEnabled(true);
+        rig.press(2);
+        QCOMPARE(rig.surface()->layer, SurfaceLayer::aboveIcons);
+        rig.press(2);
+        QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
+        rig.press(4);
+        QCOMPARE(rig.host.dock.calls, (QStringList{u"autoHide"_s, u"set true"_s}));
+        QCOMPARE(rig.banners().size(), 1);
+    }
+
+    void problemsBecomeBannersBehindTheWindow()
+    {
+        Rig rig;
+        rig.host.mediaProbe.factsOf[rig.path] = failure(u"坏了"_s);
+        rig.launchAndRestore();
+        QCOMPARE(rig.banners(), QStringList{u"动态壁纸|无法读取视频：坏了"_s});
+        rig.services->toasts.clear();
+        rig.host.power.set(true);
+        rig.delegate->wallpaper().play();
+        rig.host.dock.failure = u"此桌面没有 Dock。"_s;
+        rig.press(4);
+        QVERIFY(rig.banners().contains(u"隐藏 Dock|此桌面没有 Dock。"_s));
+        rig.delegate->showWindow();
+        rig.services->toasts.clear();
+        rig.press(4);
+        rig.delegate->wallpaper().playVideo(rig.path);
+        QCOMPARE(rig.banners(), QStringList()); // the page tells it
+    }
+
+    void isLayeredAgainWhenTheProgramIsUnhidden()
+    {
+        Rig rig;
+        rig.launchAndRestore();
+        rig.surface()->calls.clear();
+        rig.host.desktop.unhide();
+        QCOMPARE(rig.surface()->calls, QStringList{u"setLayer belowIcons"_s});
+    }
+
+    void quittingGivesTheDesktopBackFirst()
+    {
+        Rig rig;
+        rig.launchAndRestore();
+        rig.press(4);
+        QVERIFY(rig.hasReplacedPicture());
+        rig.host.desktopPicture.delay = 200ms;
+        rig.host.dock.delay = 100ms;
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        QVERIFY(!rig.surface());
+        rig.choose(TrayItemId::wallpaperPlay); // too late
+        rig.press(4);
+        QVERIFY(!rig.wallpaper().isShowing());
+        rig.clock.advance(199ms);
+        QCoreApplication::processEvents();
+        QCOMPARE(terminated.count(), 0);
+        rig.clock.advance(1ms);
+        QCoreApplication::processEvents();
+        QCOMPARE(terminated.count(), 1);
+        QVERIFY(rig.host.desktopPicture.calls.last().startsWith(u"restore "));
+        QCOMPARE(rig.host.dock.calls.last(), u"set false"_s);
+        QVERIFY(!rig.host.settings.stored.contains(originalKey));
+        QCOMPARE(rig.clock.pendingCount(), 0);
+    }
+
+    void quittingDoesNotWaitForEver()
+    {
+        Rig rig;
+        rig.launchAndRestore();
+        QVERIFY(rig.hasReplacedPicture());
+        rig.host.desktopPicture.delay = 1h;
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        rig.clock.advance(9999ms);
+        QCOMPARE(terminated.count(), 0);
+        rig.clock.advance(1ms);
+        QCOMPARE(terminated.count(), 1);
+        // The next start finds it.
+        QVERIFY(rig.host.settings.stored.contains(originalKey));
+        rig.clock.advance(1h);
+        QCOMPARE(terminated.count(), 1);
+    }
+
+    void theSystemsEndStopsItToo()
+    {
+        Rig rig;
+        rig.launch();
+        rig.delegate->applicationWillTerminate();
+        rig.clock.advance(1min);
+        QVERIFY(!rig.wallpaper().isShowing());
+        QCOMPARE(rig.log.take(u"Wallpaper"_s).count(u"stopWallpaper"_s), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(WallpaperLifeTest)
+#include "WallpaperLifeTest.moc"

@@ -1,0 +1,19 @@
+#include "platform/macos/SurfaceSight.h"
+
+#include <QTest>
+
+using namespace velbrix;
+
+class SurfaceSightTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void coversADisplayOnlyWhenAllItsWindowsAre()
+    {
+        QCOMPARE(coveredDisplays({{1, false}, {2, true}, {3, false}, {3, true}}), QSet<quint32>{1});
+        QVERIFY(coveredDisplays({}).isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(SurfaceSightTest)
+#include "SurfaceSightTest.moc"

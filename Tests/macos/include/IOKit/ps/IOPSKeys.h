@@ -1,0 +1,4 @@
+#pragma once
+
+#define kIOPSTypeKey "Type"
+#define kIOPSPowerSourceStateKey "Power Source State"

@@ -1,0 +1,386 @@
+#include "platform/linux/desktop/LinuxDesktopPicture.h"
+
+#include "../movie/MediaTools.h"
+#include "foundation/SystemClock.h"
+#include "platform/linux/desktop/RootWindow.h"
+#include "support/FakeDesktopPicture.h"
+#include "support/VirtualClock.h"
+
+#include <QCoroTask>
+#include <QDBusConnection>
+#include <QDir>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+#include <memory>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray shell(const QString &line)
+{
+    return output(u"sh"_s, {u"-c"_s, line});
+}
+
+// What is to be seen on the screen, sampled off every monitor's middle and of icons.
+QStringList seen()
+{
+    auto x11 = X11Connection::open();
+    QStringList colours;
+    for (const QPoint &at : {QPoint(100, 600), {540, 600}, {740, 600}, {1180, 600}}) {
+        const XReply<xcb_get_image_reply_t> image(xcb_get_image_reply(
+            (*x11)->xcb(),
+            xcb_get_image((*x11)->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, (*x11)->root(),
+                          static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 1, 1, ~0U),
+            nullptr));
+        QRgb pixel = 0;
+        if (image)
+            std::memcpy(&pixel, xcb_get_image_data(image.get()), 4);
+        colours.append(QColor(pixel).name());
+    }
+    return colours;
+}
+
+bool hasPublishedPicture()
+{
+    auto root = RootWindow::open();
+    return root && !root->published().isNull();
+}
+
+QString makePicture(const QString &path, QColor left, QColor right)
+{
+    QImage image(400, 100, QImage::Format_RGB32);
+    QPainter painter(&image);
+    painter.fillRect(0, 0, 200, 100, left);
+    painter.fillRect(200, 0, 200, 100, right);
+    painter.end();
+    image.save(path);
+    return path;
+}
+
+// Plasma's shell, as far as its pictures go.
+class PlasmaShell final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.PlasmaShell")
+public:
+    const QByteArray desktops =
+        R"([{"fill":"2","id":1,"image":"","kind":"org.kde.slideshow"},{"fill":"6","id":7,"image":"file:///u.png","kind":"org.kde.image"}])";
+    QStringList inputs;
+public Q_SLOTS:
+    QString evaluateScript(const QString &script)
+    {
+        inputs.append(script.section(u'\n', 0, 0));
+        return script.contains(u"print("_s) ? QString::fromUtf8(desktops) : QString();
+    }
+};
+
+const QString magenta = u"#ff00ff"_s;
+const QString cyan = u"#00ffff"_s;
+
+} // namespace
+
+class DesktopPictureTest : public QObject {
+    Q_OBJECT
+
+    SystemClock _clock;
+    QTemporaryDir _folder;
+    std::unique_ptr<QProcess> _desktop;
+    std::unique_ptr<LinuxDesktopPicture> _picture;
+
+    QString path(const QString &name) const { return _folder.filePath(name); }
+    QString ours() const { return path(u"它的 'own' picture.png"_s); }
+
+    QJsonObject current()
+    {
+        const auto answer = QCoro::waitFor(_picture->current());
+        if (!answer)
+            qWarning() << answer.error().message;
+        return answer.value_or(QJsonObject());
+    }
+    Result<void> set() { return QCoro::waitFor(_picture->set(ours())); }
+    // As after a crash: by an object that knows nothing.
+    Result<void> restore(const QJsonObject &former)
+    {
+        _picture = std::make_unique<LinuxDesktopPicture>(_clock, path(u"kept"_s));
+        return QCoro::waitFor(_picture->restore(former));
+    }
+    void startDesktop(const QString &program, const QStringList &arguments)
+    {
+        _desktop = std::make_unique<QProcess>();
+        _desktop->setStandardErrorFile(QProcess::nullDevice());
+        _desktop->start(program, arguments);
+        QVERIFY(QTest::qWaitFor([] {
+            return shell(u"for w in $(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*'); do "
+                         "xprop -id $w _NET_WM_WINDOW_TYPE; done"_s)
+                .contains("TYPE_DESKTOP");
+        }));
+    }
+
+    void installSchema(const QString &schema, const QStringList &keys)
+    {
+        const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + u"/glib-2.0/schemas"_s;
+        QDir().mkpath(folder);
+        QString xml = u"<schemalist><schema id='%1' path='/test/%1/'>"_s.arg(schema);
+        for (const QString &key : keys + QStringList{u"picture-options"_s})
+            xml += u"<key name='%1' type='s'><default>'unset'</default></key>"_s.arg(key);
+        writeFile(folder + u'/' + schema + u".gschema.xml"_s, xml.toUtf8() + "</schema></schemalist>");
+        shell(u"glib-compile-schemas "_s + folder);
+    }
+    void renameWindowManager(const QString &name)
+    {
+        shell(u"xprop -id $(xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x.*') "
+              "-f _NET_WM_NAME 8u -set _NET_WM_NAME '%1'"_s.arg(name));
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        shell(u"xrandr --setmonitor left 640/170x800/212+0+0 screen; "
+              "xrandr --setmonitor right 640/170x800/212+640+0 none"_s);
+        makePicture(ours(), magenta, cyan);
+        makePicture(path(u"user.png"_s), Qt::yellow, Qt::green);
+    }
+    void init() { _picture = std::make_unique<LinuxDesktopPicture>(_clock, path(u"kept"_s)); }
+    void cleanup()
+    {
+        if (_desktop) {
+            _desktop->terminate();
+            _desktop->waitForFinished();
+            _desktop.reset();
+        }
+        shell(u"xprop -root -remove _XROOTPMAP_ID -remove ESETROOT_PMAP_ID; xsetroot -def"_s);
+        renameWindowManager(u"Openbox"_s);
+    }
+
+    void theFakeRemembersToo()
+    {
+        VirtualClock clock;
+        FakeDesktopPicture fake(clock);
+        const auto former = QCoro::waitFor(fake.current());
+        QVERIFY(former && QCoro::waitFor(fake.set(ours())));
+        QVERIFY(*QCoro::waitFor(fake.current()) != *former);
+        QVERIFY(QCoro::waitFor(fake.restore(*former)));
+        QCOMPARE(*QCoro::waitFor(fake.current()), *former);
+    }
+
+    void theRootWindowComesBack_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("isPublished");
+        QTest::newRow("untouched") << u"true"_s << false;
+        QTest::newRow("one colour") << u"xsetroot -solid '#336699'"_s << false;
+        QTest::newRow("pattern") << u"xsetroot -mod 5 3 -fg '#ff0000' -bg '#0000ff'"_s << false;
+        QTest::newRow("picture") << QString() << true;
+    }
+    void theRootWindowComesBack()
+    {
+        QFETCH(QString, command);
+        QFETCH(bool, isPublished);
+        if (isPublished)
+            QVERIFY(QCoro::waitFor(_picture->set(path(u"user.png"_s))));
+        else
+            shell(command);
+        const QStringList before = seen();
+        const QJsonObject former = current();
+        QVERIFY(former.contains(u"root"_s));
+        QCOMPARE(hasPublishedPicture(), isPublished);
+        QVERIFY(set());
+        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QVERIFY(hasPublishedPicture());
+        QVERIFY(set());
+        QVERIFY(restore(former));
+        QCOMPARE(seen(), before);
+        QCOMPARE(hasPublishedPicture(), isPublished);
+        QCOMPARE(current(), former);
+    }
+
+    void keepsOnlySomeFormerPictures()
+    {
+        for (int i = 0; i < 7; ++i) {
+            makePicture(path(u"other.png"_s), QColor(i, 0, 0), Qt::white);
+            QVERIFY(QCoro::waitFor(_picture->set(path(u"other.png"_s))));
+            current();
+        }
+        QCOMPARE(QDir(path(u"kept"_s)).entryList(QDir::Files).size(), 4);
+    }
+
+    void pcmanfmShowsItOnItsFirstMonitor_data()
+    {
+        QTest::addColumn<bool>("hasPicture");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("plain colour") << false << QStringList{u"--desktop"_s};
+        QTest::newRow("picture") << true << QStringList{u"--desktop"_s, u"--profile"_s, u"LXDE"_s};
+    }
+    void pcmanfmShowsItOnItsFirstMonitor()
+    {
+        QFETCH(bool, hasPicture);
+        QFETCH(QStringList, arguments);
+        startDesktop(u"pcmanfm"_s, arguments);
+        if (hasPicture) {
+            shell(u"pcmanfm --wallpaper-mode=stretch --set-wallpaper="_s + path(u"user.png"_s));
+            QTRY_COMPARE(seen().first(), QColor(Qt::yellow).name());
+        }
+        QTRY_VERIFY(current().value(u"pcmanfm"_s).toObject().value(u"mode"_s) ==
+                    (hasPicture ? u"stretch"_s : u"color"_s));
+        const QStringList before = seen();
+        const QJsonObject former = current();
+        QVERIFY(!former.contains(u"root"_s));
+        QVERIFY(set());
+        QTRY_COMPARE(seen(), (QStringList{magenta, cyan, before[2], before[3]}));
+        QTRY_VERIFY(current() != former);
+        QVERIFY(restore(former));
+        QTRY_COMPARE(seen(), before);
+        QTRY_COMPARE(current().value(u"pcmanfm"_s).toObject().value(u"mode"_s),
+                     former.value(u"pcmanfm"_s).toObject().value(u"mode"_s));
+        QCOMPARE(hasPublishedPicture(), hasPicture);
+        if (hasPicture)
+            QCOMPARE(current(), former);
+    }
+
+    void pcmanfmGetsItBackWhereItNoLongerRuns()
+    {
+        startDesktop(u"pcmanfm"_s, {u"--desktop"_s});
+        shell(u"pcmanfm --wallpaper-mode=fit --set-wallpaper="_s + path(u"user.png"_s));
+        QTRY_VERIFY(current().value(u"pcmanfm"_s).toObject().value(u"mode"_s) == u"fit"_s);
+        const QJsonObject former = current();
+        QVERIFY(set());
+        QTRY_VERIFY(current() != former);
+        cleanup();
+        QVERIFY(restore(former));
+        startDesktop(u"pcmanfm"_s, {u"--desktop"_s});
+        QCOMPARE(current(), former);
+    }
+
+    void pcmanfmKeepsThePicturesOfItsWorkspaces()
+    {
+        const QString folder = qEnvironmentVariable("XDG_CONFIG_HOME") + u"/pcmanfm/many"_s;
+        QDir().mkpath(folder);
+        writeFile(folder + u"/desktop-items-0.conf"_s, "[*]\nwallpaper_mode=crop\nwallpaper_common=0\n");
+        startDesktop(u"pcmanfm"_s, {u"--desktop"_s, u"-p"_s, u"many"_s});
+        const auto done = set();
+        QVERIFY(!done);
+        QCOMPARE(done.error().message, u"pcmanfm 为每个工作区设置了不同的图片，因此不作更改"_s);
+    }
+
+    void xfdesktopShowsItEverywhere()
+    {
+        startDesktop(u"xfdesktop"_s, {});
+        const QString query = u"xfconf-query -c xfce4-desktop -p /backdrop/screen0/monitorscreen"_s;
+        QTRY_VERIFY(shell(u"xfconf-query -c xfce4-desktop -l"_s).contains("workspace3/last-image"));
+        shell(query + u"/workspace0/last-image -s "_s + path(u"user.png"_s));
+        shell(query + u"/workspace0/image-style -s 3"_s);
+        shell(query + u"/workspace1/image-style -s 0"_s);
+        shell(query + u"/workspace2/backdrop-cycle-enable -n -t bool -s true"_s);
+        QTRY_COMPARE(seen().first(), QColor(Qt::yellow).name());
+        const QStringList before = seen();
+        const QJsonObject former = current();
+        QCOMPARE(former.keys(), QStringList{u"xfce"_s});
+        QVERIFY(set());
+        // A monitor without an output is none to xfdesktop.
+        QTRY_COMPARE(seen(), (QStringList{magenta, cyan, before[2], before[3]}));
+        const QJsonObject now = current().value(u"xfce"_s).toObject();
+        for (auto value = now.begin(); value != now.end(); ++value) {
+            if (value.key().endsWith(u"last-image"_s))
+                QCOMPARE(value->toString(), ours());
+            if (value.key().endsWith(u"image-style"_s))
+                QCOMPARE(value->toInt(), 5);
+            if (value.key().endsWith(u"cycle-enable"_s))
+                QCOMPARE(value->toBool(), false);
+        }
+        // A monitor that came in the meantime is not left with our picture.
+        shell(u"xfconf-query -c xfce4-desktop -p /backdrop/screen0/monitorHDMI/workspace0/last-image "
+              "-n -t string -s "_s +
+              path(u"user.png"_s));
+        QVERIFY(set());
+        QVERIFY(restore(former));
+        QTRY_COMPARE(seen(), before);
+        QCOMPARE(current(), former);
+    }
+
+    void gnomesFamilyKeepsItInItsSettings_data()
+    {
+        QTest::addColumn<QString>("manager");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("schema");
+        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<bool>("keepsRoot");
+        const QStringList uris{u"picture-uri"_s, u"picture-uri-dark"_s};
+        QTest::newRow("GNOME") << u"GNOME Shell"_s << u"gnome"_s << u"org.gnome.desktop.background"_s << uris
+                               << false;
+        QTest::newRow("Cinnamon") << u"Mutter (Muffin)"_s << u"cinnamon"_s
+                                  << u"org.cinnamon.desktop.background"_s << uris.first(1) << false;
+        QTest::newRow("MATE") << u"Metacity (Marco)"_s << u"mate"_s << u"org.mate.background"_s
+                              << QStringList{u"picture-filename"_s} << true;
+    }
+    void gnomesFamilyKeepsItInItsSettings()
+    {
+        QFETCH(QString, manager);
+        QFETCH(QString, name);
+        QFETCH(QString, schema);
+        QFETCH(QStringList, keys);
+        QFETCH(bool, keepsRoot);
+        if (name != u"gnome"_s)
+            installSchema(schema, keys);
+        renameWindowManager(manager);
+        const auto get = [&](const QString &key) {
+            return shell(u"gsettings get %1 %2"_s.arg(schema, key)).trimmed();
+        };
+        shell(u"gsettings set %1 picture-options none"_s.arg(schema));
+        const QJsonObject former = current();
+        QCOMPARE(former.keys(), keepsRoot ? QStringList{name} : (QStringList{name, u"root"_s}));
+        const QByteArray before = get(keys.last());
+        QVERIFY(set());
+        QCOMPARE(get(u"picture-options"_s), "'zoom'");
+        for (const QString &key : std::as_const(keys))
+            QVERIFY(get(key).endsWith(keepsRoot ? " 'own' picture.png\"" : "%20'own'%20picture.png\""));
+        QCOMPARE(hasPublishedPicture(), !keepsRoot);
+        QVERIFY(restore(former));
+        QCOMPARE(current(), former);
+        QCOMPARE(get(u"picture-options"_s), "'none'");
+        QCOMPARE(get(keys.last()), before);
+    }
+
+    void plasmaKeepsItForEveryScreen()
+    {
+        renameWindowManager(u"KWin"_s);
+        PlasmaShell plasma;
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"plasma"_s);
+        QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
+                bus.registerService(u"org.kde.plasmashell"_s));
+        const QJsonObject former = current();
+        QCOMPARE(former.keys(), (QStringList{u"plasma"_s, u"root"_s}));
+        QVERIFY(set());
+        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QVERIFY(restore(former));
+        const QString address = QString::fromLatin1(QUrl::fromLocalFile(ours()).toEncoded());
+        QCOMPARE(plasma.inputs, (QStringList{u"var input = null;"_s, u"var input = [\"%1\"];"_s.arg(address),
+                                             u"var input = %1;"_s.arg(QString::fromUtf8(plasma.desktops))}));
+        QDBusConnection::disconnectFromBus(u"plasma"_s);
+    }
+
+    void aMissingPictureIsAFailure()
+    {
+        const auto done = QCoro::waitFor(_picture->set(u"/nowhere.jpg"_s));
+        QVERIFY(!done);
+        QCOMPARE(done.error().message, u"无法读取图片：/nowhere.jpg"_s);
+        QVERIFY(!hasPublishedPicture());
+    }
+
+    void outlivesItsOwner()
+    {
+        bool hasEnded = false;
+        _picture->set(ours()).then([&](Result<void> done) { hasEnded = done.has_value(); });
+        _picture.reset();
+        QTRY_VERIFY(hasEnded);
+    }
+};
+
+QTEST_MAIN(DesktopPictureTest)
+#include "DesktopPictureTest.moc"

@@ -1,0 +1,187 @@
+#include "platform/linux/desktop/LinuxDockPreference.h"
+
+#include "../movie/MediaTools.h"
+#include "foundation/SystemClock.h"
+#include "support/FakeDockPreference.h"
+#include "support/VirtualClock.h"
+
+#include <QCoroTask>
+#include <QDBusConnection>
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray shell(const QString &line)
+{
+    return output(u"sh"_s, {u"-c"_s, line}).trimmed();
+}
+
+// Plasma's shell, as far as its panels go.
+class PlasmaShell final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.PlasmaShell")
+public:
+    QJsonObject panels{{u"3"_s, u"none"_s}, {u"8"_s, u"dodgewindows"_s}, {u"9"_s, u"windowsbelow"_s}};
+    bool isLocked = false;
+public Q_SLOTS:
+    QString evaluateScript(const QString &script)
+    {
+        if (isLocked)
+            return u"Widgets are locked"_s;
+        const QString input = script.section(u'\n', 0, 0).section(u" = "_s, 1).chopped(1);
+        if (input == u"null"_s)
+            return QString::fromUtf8(QJsonDocument(panels).toJson());
+        const QJsonObject wanted = QJsonDocument::fromJson(input.toUtf8()).object();
+        for (auto panel = wanted.begin(); panel != wanted.end(); ++panel)
+            panels.insert(panel.key(), *panel);
+        return {};
+    }
+};
+
+} // namespace
+
+class DockPreferenceTest : public QObject {
+    Q_OBJECT
+
+    SystemClock _clock;
+    QTemporaryDir _folder;
+
+    QString formerFile() const { return _folder.filePath(u"kept/former.json"_s); }
+    // Each call is made by an object that knows nothing of the one before.
+    Result<bool> autoHide()
+    {
+        LinuxDockPreference dock(_clock, formerFile());
+        return QCoro::waitFor(dock.autoHide());
+    }
+    Result<void> set(bool hides)
+    {
+        LinuxDockPreference dock(_clock, formerFile());
+        return QCoro::waitFor(dock.setAutoHide(hides));
+    }
+    // The same for the fake and every desktop whose bars do not all hide.
+    template <typename Dock> void hideAndShow(Dock &dock)
+    {
+        QCOMPARE(QCoro::waitFor(dock.autoHide()), Result<bool>(false));
+        QVERIFY(QCoro::waitFor(dock.setAutoHide(true)));
+        QCOMPARE(QCoro::waitFor(dock.autoHide()), Result<bool>(true));
+        QVERIFY(QCoro::waitFor(dock.setAutoHide(true)));
+        QVERIFY(QCoro::waitFor(dock.setAutoHide(false)));
+        QCOMPARE(QCoro::waitFor(dock.autoHide()), Result<bool>(false));
+    }
+
+private Q_SLOTS:
+    void theFakeHidesAndShows()
+    {
+        VirtualClock clock;
+        FakeDockPreference fake(clock);
+        hideAndShow(fake);
+        QCOMPARE(fake.calls.size(), 6);
+    }
+
+    void saysWhatIsMissing()
+    {
+        const QString message = u"当前桌面（Openbox）没有可以自动隐藏的 Dock 或面板"_s;
+        QVERIFY(!autoHide() && !set(true));
+        QCOMPARE(autoHide().error().message, message);
+        QCOMPARE(set(true).error().message, message);
+    }
+
+    void xfcePanelsHideAndComeBack()
+    {
+        QProcess panel;
+        panel.setStandardErrorFile(QProcess::nullDevice());
+        panel.start(u"xfce4-panel"_s, {u"--disable-wm-check"_s});
+        const auto workArea = [] { return shell(u"xprop -root _NET_WORKAREA | cut -d, -f2"_s); };
+        // The bar at the top has its room: 26 pixels and its border.
+        QTRY_COMPARE_WITH_TIMEOUT(workArea(), "27", 10000);
+        const QString get = u"xfconf-query -c xfce4-panel -p /panels/panel-%1/autohide-behavior"_s;
+        QTRY_COMPARE(shell(get.arg(2)), "1"); // below: hides when a window needs the room
+        LinuxDockPreference dock(_clock, formerFile());
+        hideAndShow(dock);
+        QCOMPARE(shell(get.arg(1)), "0");
+        QCOMPARE(shell(get.arg(2)), "1");
+
+        QVERIFY(set(true));
+        QCOMPARE(shell(get.arg(1)), "2");
+        QCOMPARE(shell(get.arg(2)), "1");
+        QTRY_COMPARE(workArea(), "0");
+        QVERIFY(set(false));
+        QCOMPARE(shell(get.arg(2)), "1");
+        QTRY_COMPARE(workArea(), "27");
+
+        // Whose bars all hide keeps them as they are.
+        shell(get.arg(1) + u" -s 1"_s);
+        QCOMPARE(autoHide(), Result<bool>(true));
+        QVERIFY(set(true));
+        QCOMPARE(shell(get.arg(1)), "1");
+        panel.terminate();
+        panel.waitForFinished();
+        QTRY_VERIFY(!autoHide());
+    }
+
+    void plasmasPanelsHideAndComeBack()
+    {
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"plasma"_s);
+        PlasmaShell plasma;
+        QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
+                bus.registerService(u"org.kde.plasmashell"_s));
+        const QJsonObject before = plasma.panels;
+        LinuxDockPreference dock(_clock, formerFile());
+        hideAndShow(dock);
+        QCOMPARE(plasma.panels, before);
+        QVERIFY(set(true));
+        QCOMPARE(
+            plasma.panels,
+            (QJsonObject{{u"3"_s, u"autohide"_s}, {u"8"_s, u"dodgewindows"_s}, {u"9"_s, u"autohide"_s}}));
+        plasma.isLocked = true;
+        QCOMPARE(set(false).error().message, u"Plasma 没有完成请求：Widgets are locked"_s);
+        plasma.isLocked = false;
+        QVERIFY(set(false));
+        QCOMPARE(plasma.panels, before);
+        QDBusConnection::disconnectFromBus(u"plasma"_s);
+    }
+
+    void gnomesDockHidesAndComesBack()
+    {
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"gnome"_s);
+        QVERIFY(bus.registerService(u"org.gnome.Shell"_s));
+        QCOMPARE(autoHide().error().message, u"GNOME 没有安装 Dash to Dock 扩展，没有可以自动隐藏的 Dock"_s);
+
+        const QString schemas = qEnvironmentVariable("XDG_DATA_HOME") +
+                                u"/gnome-shell/extensions/dash-to-dock@micxgx.gmail.com/schemas"_s;
+        QDir().mkpath(schemas);
+        writeFile(schemas + u"/dock.gschema.xml"_s,
+                  "<schemalist><schema id='org.gnome.shell.extensions.dash-to-dock' path='/test/dock/'>"
+                  "<key name='dock-fixed' type='b'><default>true</default></key>"
+                  "<key name='autohide' type='b'><default>false</default></key>"
+                  "<key name='intellihide' type='b'><default>true</default></key></schema></schemalist>");
+        shell(u"glib-compile-schemas "_s + schemas);
+        const auto values = [&] {
+            return shell(u"for k in dock-fixed autohide intellihide; do gsettings --schemadir "_s + schemas +
+                         u" get org.gnome.shell.extensions.dash-to-dock $k; done"_s);
+        };
+        LinuxDockPreference dock(_clock, formerFile());
+        hideAndShow(dock);
+        QCOMPARE(values(), "true\nfalse\ntrue");
+        QVERIFY(set(true));
+        QCOMPARE(values(), "false\ntrue\ntrue");
+        QVERIFY(set(false));
+        QCOMPARE(values(), "true\nfalse\ntrue");
+        QDBusConnection::disconnectFromBus(u"gnome"_s);
+    }
+};
+
+QTEST_MAIN(DockPreferenceTest)
+#include "DockPreferenceTest.moc"

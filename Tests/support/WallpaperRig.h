@@ -1,0 +1,52 @@
+#pragma once
+
+#include "support/CapturedLog.h"
+#include "support/FakePlatform.h"
+
+#include <QFile>
+#include <QThreadPool>
+
+namespace velbrix::test {
+
+// A wallpaper over fakes, with a main display 1 and a folder for made-up
+// videos; change the host or the settings, then call wallpaper().
+struct WallpaperRig : ServicesRig {
+    CapturedLog log;
+
+    // Pictures are written in other threads, and the folder goes after this.
+    ~WallpaperRig() { QThreadPool::globalInstance()->waitForDone(); }
+
+    WallpaperController &wallpaper()
+    {
+        if (!services)
+            make();
+        return services->wallpaper;
+    }
+
+    // A file that exists; what is in it is up to the fake probe.
+    QString video(const QString &name)
+    {
+        QFile file(files.filePath(name));
+        if (file.open(QIODevice::WriteOnly))
+            file.write("video");
+        return file.fileName();
+    }
+
+    void plugSecond()
+    {
+        auto list = host.displays.list;
+        list.append({2, QStringLiteral("副屏"), false, QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)});
+        host.displays.set(list);
+    }
+
+    void play(const QString &path)
+    {
+        wallpaper().loadVideo(path);
+        wallpaper().applyWallpaper();
+    }
+
+    FakeVideoSurface *surface(int index = 0) { return host.surfaces.surfaces.value(index); }
+    QStringList logged() { return log.take(QStringLiteral("Wallpaper")); }
+};
+
+} // namespace velbrix::test

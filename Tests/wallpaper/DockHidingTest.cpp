@@ -1,0 +1,96 @@
+#include "support/WallpaperRig.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+class DockHidingTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theUsersOwnValueIsHonoured_data()
+    {
+        QTest::addColumn<bool>("had");
+        QTest::newRow("in sight") << false;
+        QTest::newRow("hidden already") << true;
+    }
+
+    void theUsersOwnValueIsHonoured()
+    {
+        QFETCH(bool, had);
+        WallpaperRig rig;
+        rig.host.dock.hides = had;
+        const WallpaperPreferences &preferences = rig.wallpaper().preferences();
+        rig.wallpaper().toggleDockAutoHide();
+        QVERIFY(preferences.isDockAutoHidden());
+        QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(had));
+        QCOMPARE(rig.host.settings.stored.value(u"Velbrix_WallpaperDockAutoHideOriginal"_s).toBool(!had), had);
+        rig.wallpaper().toggleDockAutoHide();
+        QCOMPARE(rig.host.dock.calls,
+                 (QStringList{u"autoHide"_s, u"set true"_s, had ? u"set true"_s : u"set false"_s}));
+        QVERIFY(!preferences.isDockAutoHidden());
+        QVERIFY(!preferences.originalSystemDockAutohideState());
+    }
+
+    void aFailureChangesNothing_data()
+    {
+        QTest::addColumn<bool>("whileReading");
+        QTest::newRow("reading") << true;
+        QTest::newRow("writing") << false;
+    }
+
+    void aFailureChangesNothing()
+    {
+        QFETCH(bool, whileReading);
+        WallpaperRig rig;
+        const QString words = u"defaults write Dock autohide failed: 1"_s;
+        if (whileReading)
+            rig.host.dock.hides = failure(words);
+        else
+            rig.host.dock.failure = words;
+        rig.wallpaper();
+        rig.logged();
+        rig.wallpaper().toggleDockAutoHide();
+        QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
+        QVERIFY(!rig.wallpaper().preferences().originalSystemDockAutohideState());
+        QCOMPARE(rig.wallpaper().dock().problem(), words);
+        QCOMPARE(rig.logged(), QStringList{words});
+        rig.host.dock.hides = false;
+        rig.host.dock.failure.reset();
+        rig.wallpaper().toggleDockAutoHide();
+        QVERIFY(rig.wallpaper().dock().problem().isEmpty());
+    }
+
+    void oneChangeAtATime()
+    {
+        WallpaperRig rig;
+        rig.host.dock.delay = 1s;
+        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().toggleDockAutoHide();
+        QVERIFY(rig.wallpaper().dock().isWorking());
+        // Known on disk before anything changes.
+        rig.clock.advance(1s);
+        QVERIFY(rig.host.settings.stored.contains(u"Velbrix_WallpaperDockAutoHideOriginal"_s));
+        QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
+        rig.clock.advance(1s);
+        QCOMPARE(rig.host.dock.calls, (QStringList{u"autoHide"_s, u"set true"_s}));
+        QVERIFY(rig.wallpaper().preferences().isDockAutoHidden());
+    }
+
+    void aCrashInBetweenIsMended()
+    {
+        WallpaperRig rig;
+        rig.host.settings.stored.insert(u"Velbrix_WallpaperDockAutoHideOriginal"_s, false);
+        rig.wallpaper().recoverAfterCrash();
+        QCOMPARE(rig.host.dock.calls, QStringList{u"set false"_s});
+        QVERIFY(!rig.wallpaper().preferences().originalSystemDockAutohideState());
+        rig.wallpaper().recoverAfterCrash();
+        QCOMPARE(rig.host.dock.calls.size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(DockHidingTest)
+#include "DockHidingTest.moc"

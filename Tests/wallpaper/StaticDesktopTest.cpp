@@ -1,0 +1,164 @@
+#include "wallpaper/StaticDesktop.h"
+
+#include "foundation/SettingsStore.h"
+#include "support/CapturedLog.h"
+#include "support/FakeDesktopPicture.h"
+#include "support/MemorySettings.h"
+#include "support/VirtualClock.h"
+#include "wallpaper/PictureFiles.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString originalKey = u"Velbrix_WallpaperOriginalDesktopPicture"_s;
+
+QImage filled(QColor color)
+{
+    QImage image(32, 18, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+struct Rig {
+    QTemporaryDir home;
+    QString folder = home.filePath(u"Velbrix/StaticDesktop"_s);
+    VirtualClock clock;
+    MemorySettings *memory = new MemorySettings;
+    SettingsStore settings{std::unique_ptr<SettingsBackend>(memory), clock};
+    FakeDesktopPicture picture{clock};
+    StaticDesktop desktop{picture, settings, clock, folder};
+    CapturedLog log;
+
+    QStringList files() { return QDir(folder).entryList(QDir::Files, QDir::Name); }
+};
+
+void touch(const QString &path)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+}
+
+} // namespace
+
+class StaticDesktopTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sixPicturesRemain()
+    {
+        QTemporaryDir home;
+        const QString folder = home.filePath(u"new/folder"_s);
+        for (qint64 stamp = 1; stamp <= 7; ++stamp)
+            QCOMPARE(writePicture(filled(Qt::red), folder, stamp),
+                     Result<QString>(folder + u"/static_%1.jpg"_s.arg(stamp)));
+        QCOMPARE(QDir(folder).entryList({u"*.jpg"_s}, QDir::Files, QDir::Name).first(), u"static_2.jpg"_s);
+        touch(folder + u"/own.png"_s);
+        touch(folder + u"/STATIC_1.JPG"_s); // its age is that of the file: the newest
+        QVERIFY(writePicture(filled(Qt::red), folder, 8));
+        QCOMPARE(QDir(folder).entryList(QDir::Files, QDir::Name),
+                 (QStringList{u"STATIC_1.JPG"_s, u"own.png"_s, u"static_4.jpg"_s, u"static_5.jpg"_s,
+                              u"static_6.jpg"_s, u"static_7.jpg"_s, u"static_8.jpg"_s}));
+        // Two in the same millisecond are two.
+        QCOMPARE(writePicture(filled(Qt::blue), folder, 8), Result<QString>(folder + u"/static_9.jpg"_s));
+        const QImage read(folder + u"/static_9.jpg"_s);
+        QCOMPARE(read.size(), QSize(32, 18));
+        QVERIFY(qBlue(read.pixel(5, 5)) > 240 && qRed(read.pixel(5, 5)) < 15);
+    }
+
+    void aFolderThatCannotBeMadeIsAFailure()
+    {
+        QTemporaryDir home;
+        touch(home.filePath(u"file"_s));
+        const QString folder = home.filePath(u"file/inside"_s);
+        QCOMPARE(writePicture(filled(Qt::red), folder, 1), Result<QString>(failure(u"无法建立文件夹 "_s + folder)));
+    }
+
+    void theUsersPictureIsRememberedOnce()
+    {
+        Rig rig;
+        rig.desktop.setStaticDesktop(filled(Qt::red));
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.clock.advance(5ms);
+        rig.desktop.setStaticDesktop(filled(Qt::green));
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QCOMPARE(rig.picture.calls.count(u"current"_s), 1);
+        QCOMPARE(rig.files().size(), 2);
+        QCOMPARE(rig.picture.calls.last(), u"set "_s + rig.folder + u'/' + rig.files().last());
+        // On disk: a crash must find it.
+        QCOMPARE(rig.memory->stored.value(originalKey).toObject().value(u"path"_s).toString(),
+                 u"/own/picture.png"_s);
+        rig.desktop.putBack();
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QCOMPARE(rig.picture.calls.last(), u"restore {\"path\":\"/own/picture.png\"}"_s);
+        QVERIFY(!rig.settings.contains(originalKey));
+        rig.desktop.putBack();
+        QVERIFY(!rig.desktop.isWorking());
+    }
+
+    void onlyTheNewestWishIsCarriedOut()
+    {
+        Rig rig;
+        rig.picture.delay = 1s;
+        for (QColor color : {Qt::red, Qt::green, Qt::blue})
+            rig.desktop.setStaticDesktop(filled(color));
+        rig.desktop.putBack();
+        const auto settled = [&rig] {
+            rig.clock.advance(1s);
+            return !rig.desktop.isWorking();
+        };
+        QTRY_VERIFY(settled());
+        QCOMPARE(rig.files().size(), 1);
+        QCOMPARE(rig.picture.calls.size(), 3);
+        QVERIFY(rig.picture.calls.last().startsWith(u"restore "_s));
+        QCOMPARE(rig.picture.overlaps, 0);
+    }
+
+    void whatCannotBeRememberedIsNotReplaced()
+    {
+        Rig rig;
+        rig.picture.now = failure(u"桌面没有回答"_s);
+        rig.desktop.setStaticDesktop(filled(Qt::red));
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QCOMPARE(rig.picture.calls, QStringList{u"current"_s});
+        QCOMPARE(rig.log.take(u"Wallpaper"_s), QStringList{u"设置桌面失败:桌面没有回答"_s});
+    }
+
+    void ourOwnPictureIsNobodysOriginal()
+    {
+        Rig rig;
+        rig.picture.now = QJsonObject{{u"monitors"_s, QJsonArray{rig.folder + u"/static_1.jpg"_s}}};
+        rig.desktop.setStaticDesktop(filled(Qt::red));
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QVERIFY(!rig.settings.contains(originalKey));
+        QCOMPARE(rig.picture.calls.size(), 2);
+    }
+
+    void failuresAreLoggedAndTriedAgain()
+    {
+        Rig rig;
+        rig.picture.setAnswer = failure(u"拒绝"_s);
+        rig.desktop.setStaticDesktop(filled(Qt::red));
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QCOMPARE(rig.log.take(u"Wallpaper"_s), QStringList{u"设置桌面失败:拒绝"_s});
+        rig.picture.restoreAnswer = failure(u"还是不行"_s);
+        rig.desktop.putBack();
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QVERIFY(rig.settings.contains(originalKey));
+        rig.picture.restoreAnswer = {};
+        rig.desktop.putBack();
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QVERIFY(!rig.settings.contains(originalKey));
+    }
+};
+
+QTEST_GUILESS_MAIN(StaticDesktopTest)
+#include "StaticDesktopTest.moc"

@@ -1,0 +1,172 @@
+#include "wallpaper/VideoFolder.h"
+
+#include "support/WallpaperRig.h"
+#include "wallpaper/VideoList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+struct Rig : WallpaperRig {
+    Rig() { QDir().mkpath(root); }
+
+    QString root = files.filePath(u"films"_s);
+    VideoFolder &folder = wallpaper().folder();
+
+    QString make(const QString &name)
+    {
+        const QString path = root + u'/' + name;
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (file.open(QIODevice::WriteOnly))
+            file.write("x");
+        return path;
+    }
+    QStringList names()
+    {
+        QStringList all = folder.folderVideos();
+        for (QString &path : all)
+            path = path.sliced(root.size() + 1);
+        return all;
+    }
+    int frames() { return static_cast<int>(host.mediaProbe.calls.filter(u"frame "_s).size()); }
+};
+
+} // namespace
+
+class VideoFolderTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsVideosByName()
+    {
+        Rig rig;
+        for (const QStringView name :
+             {u"b10.mp4", u"b9.MOV", u"sub/deep/a.webm", u"c.m4v", u"d.avi", u"e.mkv", u"f.wmv", u"g.flv",
+              u"notes.txt", u"mp4", u".hidden.mp4", u".cache/h.mp4", u"Film.app/Contents/i.mp4",
+              u"Fotos.PhotosLibrary/j.mov"})
+            rig.make(name.toString());
+        // A loop, and a way out of the folder.
+        QVERIFY(QFile::link(rig.root, rig.root + u"/sub/loop"_s));
+        QVERIFY(QFile::link(rig.files.path(), rig.root + u"/out"_s));
+        rig.folder.choose(rig.root);
+        QVERIFY(rig.folder.isScanning());
+        QTRY_VERIFY(!rig.folder.isScanning());
+        QCOMPARE(rig.names(), (QStringList{u"b9.MOV"_s, u"b10.mp4"_s, u"c.m4v"_s, u"d.avi"_s, u"e.mkv"_s,
+                                           u"f.wmv"_s, u"g.flv"_s, u"sub/deep/a.webm"_s}));
+        QCOMPARE(rig.wallpaper().preferences().wallpaperFolder(), std::optional(rig.root));
+    }
+
+    void problemsAreTold()
+    {
+        Rig rig;
+        rig.folder.choose(u"/none"_s);
+        QCOMPARE(rig.folder.problem(), u"文件夹不存在：/none"_s);
+        const QString file = rig.make(u"a.mp4"_s);
+        rig.folder.choose(file);
+        QCOMPARE(rig.folder.problem(), u"不是文件夹："_s + file);
+        rig.folder.choose(rig.root);
+        QVERIFY(rig.folder.problem().isEmpty());
+        QTRY_COMPARE(rig.folder.folderVideos().size(), 1);
+    }
+
+    void aCancelledScanLeavesTheListAlone()
+    {
+        Rig rig;
+        rig.make(u"a.mp4"_s);
+        rig.folder.choose(rig.root);
+        QTRY_COMPARE(rig.folder.folderVideos().size(), 1);
+        rig.make(u"b.mp4"_s);
+        rig.folder.rescan();
+        rig.folder.cancelScan();
+        QVERIFY(!rig.folder.isScanning());
+        QTest::qWait(0);
+        QCOMPARE(rig.folder.folderVideos().size(), 1);
+        const std::atomic_bool cancelled{true};
+        QVERIFY(videosBelow(rig.root, cancelled).isEmpty());
+    }
+
+    void picturesAreMadeForWhatIsInSight()
+    {
+        Rig rig;
+        const QString a = rig.make(u"a.mp4"_s);
+        const QString b = rig.make(u"b.mp4"_s);
+        QSignalSpy changed(&rig.folder, &VideoFolder::thumbnailChanged);
+        rig.folder.wantThumbnails({a});
+        rig.folder.wantThumbnails({a});
+        QTRY_COMPARE(changed.size(), 1);
+        QVERIFY(!rig.folder.thumbnail(a).isNull());
+        QVERIFY(rig.folder.thumbnail(b).isNull());
+        QCOMPARE(rig.host.mediaProbe.calls, QStringList{u"frame "_s + a + u" 1 320x180"_s});
+        // The next time they come from the disk, while the file is the same.
+        const auto stored = [&rig] { return QDir(rig.files.filePath(u"cache/velbrix/thumbnails"_s)).count(); };
+        QTRY_COMPARE(stored(), 3u);
+        rig.folder.dropThumbnails();
+        QVERIFY(rig.folder.thumbnail(a).isNull());
+        rig.folder.wantThumbnails({a});
+        QTRY_COMPARE(changed.size(), 2);
+        QCOMPARE(rig.frames(), 1);
+        QVERIFY(QFile::remove(a));
+        rig.make(u"a.mp4"_s);
+        QFile again(a);
+        QVERIFY(again.open(QIODevice::Append) && again.write("more") == 4);
+        again.close();
+        rig.folder.dropThumbnails();
+        rig.folder.wantThumbnails({a});
+        QTRY_COMPARE(changed.size(), 3);
+        QCOMPARE(rig.frames(), 2);
+    }
+
+    void whatLeftTheSightIsForgottenAndClosingCancels()
+    {
+        Rig rig;
+        rig.host.mediaProbe.delay = 1s;
+        QStringList all;
+        for (int i = 0; i < 20; ++i)
+            all << rig.make(u"%1.mp4"_s.arg(i));
+        rig.folder.wantThumbnails(all);
+        QTRY_COMPARE(rig.frames(), 2);
+        rig.folder.wantThumbnails(all.last(3));
+        rig.clock.advance(1s);
+        QTRY_COMPARE(rig.frames(), 4);
+        QVERIFY(rig.host.mediaProbe.calls.last().contains(all[18]));
+        rig.folder.dropThumbnails();
+        rig.clock.advance(1s);
+        QTest::qWait(0);
+        QCOMPARE(rig.frames(), 4);
+        QVERIFY(rig.folder.thumbnail(all[18]).isNull());
+        // Asked for again before the cancelled one has come to its end.
+        rig.folder.wantThumbnails({all[18]});
+        rig.folder.dropThumbnails();
+        rig.folder.wantThumbnails({all[18]});
+        const auto arrived = [&] {
+            rig.clock.advance(1s);
+            return !rig.folder.thumbnail(all[18]).isNull();
+        };
+        QTRY_VERIFY(arrived());
+    }
+
+    void aVideoWithoutAPictureIsMarked()
+    {
+        Rig rig;
+        const QString bad = rig.make(u"bad.mp4"_s);
+        rig.host.mediaProbe.frameAnswer = failure(u"坏了"_s);
+        QSignalSpy changed(&rig.folder, &VideoFolder::thumbnailChanged);
+        rig.folder.wantThumbnails({bad});
+        QTRY_COMPARE(changed.size(), 1);
+        QVERIFY(rig.folder.hasNoThumbnail(bad));
+        rig.folder.wantThumbnails({bad});
+        QCOMPARE(rig.frames(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(VideoFolderTest)
+#include "VideoFolderTest.moc"

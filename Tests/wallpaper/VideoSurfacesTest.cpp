@@ -1,0 +1,200 @@
+#include "support/WallpaperRig.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+class VideoSurfacesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void otherDisplaysPlayTheirOwnVideoOrTheMainOneSilently()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        const QString main = rig.video(u"main.mp4"_s);
+        const QString own = rig.video(u"own.mp4"_s);
+        rig.play(main);
+        QCOMPARE(rig.surface(1)->path, main);
+        QCOMPARE(rig.surface(1)->frame, QRect(1280, 0, 1920, 1080));
+        QCOMPARE(rig.surface(1)->volume, 0.0);
+        QVERIFY(rig.surface(1)->isPlaying);
+
+        rig.wallpaper().setDisplayVideo(2, own);
+        QCOMPARE(rig.surface(1)->path, own);
+        QCOMPARE(rig.wallpaper().connectedDisplays().last().videoPath, std::optional(own));
+        rig.wallpaper().preferences().setVolume(0.8);
+        QCOMPARE(rig.surface(0)->volume, 0.8);
+        QCOMPARE(rig.surface(1)->volume, 0.0);
+
+        rig.wallpaper().clearDisplayVideo(2);
+        QCOMPARE(rig.surface(1)->path, main);
+        QVERIFY(!rig.wallpaper().connectedDisplays().last().videoPath);
+    }
+
+    void aDisplaysMissingFileFallsBack()
+    {
+        WallpaperRig rig;
+        rig.host.settings.stored.insert(u"Velbrix_PerDisplayVideoPaths"_s,
+                                        QJsonObject{{u"2"_s, u"/gone.mp4"_s}});
+        rig.plugSecond();
+        const QString main = rig.video(u"main.mp4"_s);
+        rig.play(main);
+        QCOMPARE(rig.surface(1)->path, main);
+    }
+
+    void aBadFileForADisplayIsToldAndNotStored()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        const QString bad = rig.video(u"bad.mp4"_s);
+        rig.host.mediaProbe.factsOf.insert(bad, failure(u"文件是空的"_s));
+        rig.wallpaper().setDisplayVideo(2, bad);
+        QCOMPARE(rig.wallpaper().notice(), u"无法读取视频：文件是空的"_s);
+        QVERIFY(rig.wallpaper().preferences().perDisplayVideoPaths().isEmpty());
+    }
+
+    void displaysComeAndGoWhileItPlays()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        const auto alone = rig.host.displays.list;
+        rig.plugSecond();
+        QCOMPARE(rig.host.surfaces.surfaces.size(), 2);
+        QVERIFY(rig.wallpaper().hasMultipleDisplays());
+        rig.host.displays.set(alone);
+        QCOMPARE(rig.host.surfaces.surfaces.size(), 1);
+
+        auto moved = alone;
+        moved.first().frame = moved.first().visibleFrame = QRect(0, 0, 800, 600);
+        rig.host.displays.set(moved);
+        QCOMPARE(rig.surface()->frame, QRect(0, 0, 800, 600));
+        // For a moment there is none at all.
+        rig.host.displays.set({});
+        rig.host.displays.set(alone);
+        QVERIFY(rig.surface()->isPlaying);
+    }
+
+    void theMainVideoFollowsTheMainDisplay()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.play(rig.video(u"a.mp4"_s));
+        auto list = rig.host.displays.list;
+        std::swap(list[0].isMain, list[1].isMain);
+        rig.host.displays.set(list);
+        QCOMPARE(rig.surface(0)->frame, QRect(1280, 0, 1920, 1080));
+        QCOMPARE(rig.host.surfaces.surfaces.size(), 2);
+        QCOMPARE(rig.surface(1)->frame, QRect(0, 24, 1280, 776));
+    }
+
+    void aPanelHigherThanTheDisplayLeavesALine()
+    {
+        WallpaperRig rig;
+        rig.host.displays.list.first().visibleFrame = QRect(0, 900, 1280, 10);
+        rig.play(rig.video(u"a.mp4"_s));
+        QCOMPARE(rig.surface()->frame, QRect(0, 799, 1280, 1));
+    }
+
+    void aDisplayThatCannotBeServedIsTold()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.host.surfaces.refusal = Failure{u"窗口太多"_s};
+        rig.plugSecond();
+        QCOMPARE(rig.wallpaper().notice(), u"副显示器的视频无法播放：窗口太多"_s);
+        rig.host.surfaces.refusal.reset();
+        rig.wallpaper().clearDisplayVideo(2);
+        rig.host.displays.set(rig.host.displays.list);
+        rig.surface(1)->fail(u"坏了"_s);
+        QTRY_COMPARE(rig.wallpaper().notice(), u"副显示器的视频无法播放：坏了"_s);
+        QCOMPARE(rig.host.surfaces.surfaces.size(), 1);
+        QVERIFY(rig.surface()->isPlaying);
+    }
+
+    void whatNobodySeesRests_data()
+    {
+        QTest::addColumn<DesktopSight>("sight");
+        QTest::addColumn<bool>("minds");
+        QTest::addColumn<bool>("firstPlays");
+        QTest::addColumn<bool>("secondPlays");
+        QTest::newRow("covered") << DesktopSight{{2}, false, false} << true << true << false;
+        QTest::newRow("all covered") << DesktopSight{{1, 2}, false, false} << true << false << false;
+        QTest::newRow("covered, not minded") << DesktopSight{{2}, false, false} << false << true << true;
+        QTest::newRow("locked") << DesktopSight{{}, true, false} << false << false << false;
+        QTest::newRow("dark") << DesktopSight{{}, false, true} << true << false << false;
+    }
+
+    void whatNobodySeesRests()
+    {
+        QFETCH(DesktopSight, sight);
+        QFETCH(bool, minds);
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.play(rig.video(u"a.mp4"_s));
+        QCOMPARE(rig.host.visibility.watchers, 1);
+        rig.host.visibility.set(sight);
+        rig.wallpaper().preferences().setPauseWhenCovered(minds);
+        QTEST(rig.surface(0)->isPlaying, "firstPlays");
+        QTEST(rig.surface(1)->isPlaying, "secondPlays");
+        QVERIFY(!rig.wallpaper().isPaused());
+
+        rig.host.visibility.set({});
+        QVERIFY(rig.surface(0)->isPlaying && rig.surface(1)->isPlaying);
+        rig.host.visibility.set(sight);
+        rig.wallpaper().pauseWallpaper();
+        rig.host.visibility.set({});
+        QVERIFY(!rig.surface(0)->isPlaying && !rig.surface(1)->isPlaying);
+    }
+
+    void settingsReachThePlayers()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.wallpaper().preferences().setSpeed(2.5);
+        rig.wallpaper().preferences().setGravity(WallpaperGravity::none);
+        for (int i : {0, 1}) {
+            QCOMPARE(rig.surface(i)->rate, 2.0);
+            QCOMPARE(rig.surface(i)->gravity, VideoGravity::fit);
+        }
+        rig.wallpaper().pauseWallpaper();
+        rig.wallpaper().preferences().setSpeed(0.5);
+        QVERIFY(!rig.surface()->isPlaying);
+        rig.wallpaper().resumeWallpaper();
+        QCOMPARE(rig.surface()->rate, 0.5);
+    }
+
+    void aStuckVideoIsLoadedAnew()
+    {
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.play(file);
+        FakeVideoSurface &surface = *rig.surface();
+        const auto loads = [&surface, &file] { return surface.calls.count(u"load "_s + file); };
+        for (int i = 0; i < 10; ++i) {
+            ++surface.pictures;
+            rig.clock.advance(5s);
+        }
+        QCOMPARE(loads(), 1);
+        rig.clock.advance(10s);
+        QCOMPARE(loads(), 2);
+        QVERIFY(rig.logged().contains(u"no frame for 10 s, reload (display 1)"_s));
+        // Twice as long before the next time: it may be that still.
+        rig.clock.advance(15s);
+        QCOMPARE(loads(), 2);
+        rig.clock.advance(5s);
+        QCOMPARE(loads(), 3);
+        rig.wallpaper().pauseWallpaper();
+        const int fired = rig.clock.firedCount();
+        rig.clock.advance(10min);
+        QCOMPARE(rig.clock.firedCount(), fired);
+        QCOMPARE(loads(), 3);
+    }
+};
+
+QTEST_GUILESS_MAIN(VideoSurfacesTest)
+#include "VideoSurfacesTest.moc"

@@ -1,0 +1,372 @@
+#include "support/WallpaperRig.h"
+
+#include <QDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+using Kind = WallpaperState::Kind;
+
+class WallpaperControllerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aChosenVideoIsKnownBeforeItPlays()
+    {
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.wallpaper().loadVideo(file);
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::ready, file, {}}));
+        QCOMPARE(rig.wallpaper().video().videoSize(), QSizeF(1920, 1080));
+        QCOMPARE(rig.wallpaper().video().videoFPS(), 30.0);
+        QCOMPARE(rig.wallpaper().video().videoDuration(), 10.0);
+        QVERIFY(rig.wallpaper().video().currentFrame().has_value());
+        QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(file));
+        QVERIFY(rig.host.surfaces.surfaces.isEmpty());
+        QVERIFY(rig.host.desktopPicture.calls.isEmpty());
+    }
+
+    void aFileThatIsNoVideoIsRefusedAndChangesNothing_data()
+    {
+        QTest::addColumn<Result<VideoFacts>>("facts");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("unreadable") << Result<VideoFacts>(failure(u"文件是空的"_s)) << u"无法读取视频：文件是空的"_s;
+        QTest::newRow("sound only") << Result<VideoFacts>(VideoFacts{}) << u"视频中没有画面轨道"_s;
+    }
+
+    void aFileThatIsNoVideoIsRefusedAndChangesNothing()
+    {
+        QFETCH(Result<VideoFacts>, facts);
+        QFETCH(QString, message);
+        WallpaperRig rig;
+        const QString good = rig.video(u"good.mp4"_s);
+        const QString bad = rig.video(u"bad.mp4"_s);
+        rig.host.mediaProbe.factsOf.insert(bad, facts);
+        rig.play(good);
+        rig.wallpaper().loadVideo(bad);
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::failed, {}, message}));
+        QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(good));
+        QVERIFY(rig.surface()->isPlaying);
+        QCOMPARE(rig.surface()->path, good);
+        rig.wallpaper().dismissFailure();
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, good, {}}));
+    }
+
+    void theNewerOfTwoChoicesWins()
+    {
+        WallpaperRig rig;
+        rig.host.mediaProbe.delay = 1s;
+        const QString first = rig.video(u"a.mp4"_s);
+        const QString second = rig.video(u"b.mp4"_s);
+        rig.wallpaper().loadVideo(first);
+        rig.clock.advance(500ms);
+        rig.wallpaper().loadVideo(second);
+        rig.clock.advance(5s);
+        QCOMPARE(rig.wallpaper().state().videoURL, second);
+        QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(second));
+    }
+
+    void applyingShowsTheMainDisplay()
+    {
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.wallpaper().preferences().setSpeed(1.5);
+        rig.play(file);
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, file, {}}));
+        QCOMPARE(rig.surface()->frame, QRect(0, 24, 1280, 776));
+        QCOMPARE(rig.surface()->calls,
+                 (QStringList{u"setGravity crop"_s, u"setVolume 0.3"_s, u"observeTime 12000"_s, u"load "_s + file,
+                              u"setLayer belowIcons"_s, u"orderFront"_s, u"play 1.5"_s}));
+        QVERIFY(rig.wallpaper().connectedDisplays().first().isPlaying);
+        QVERIFY(rig.logged().contains(u"static desktop ← video frame (apply-video)"_s));
+        QTRY_VERIFY(rig.wallpaper().isSettled());
+        QCOMPARE(rig.host.desktopPicture.calls.size(), 2);
+        QCOMPARE(rig.host.desktopPicture.calls.first(), u"current"_s);
+        QVERIFY(rig.host.desktopPicture.calls.last().startsWith(
+            u"set "_s + rig.files.filePath(u"data/Velbrix/StaticDesktop/static_"_s)));
+    }
+
+    void aSlowFirstFrameDoesNotHoldTheWallpaperUp()
+    {
+        WallpaperRig rig;
+        rig.wallpaper().loadVideo(rig.video(u"a.mp4"_s));
+        rig.host.mediaProbe.delay = 10s;
+        rig.wallpaper().applyWallpaper();
+        QVERIFY(rig.wallpaper().isApplying());
+        rig.clock.advance(1s);
+        QVERIFY(rig.wallpaper().isShowing() && !rig.wallpaper().isApplying());
+        rig.clock.advance(10s);
+    }
+
+    void stoppingWhileItStartsKeepsItOff()
+    {
+        WallpaperRig rig;
+        rig.wallpaper().loadVideo(rig.video(u"a.mp4"_s));
+        rig.host.mediaProbe.delay = 500ms;
+        rig.wallpaper().applyWallpaper();
+        rig.wallpaper().stopWallpaper();
+        rig.clock.advance(2s);
+        QVERIFY(!rig.wallpaper().isShowing() && !rig.wallpaper().isApplying());
+        QVERIFY(rig.host.desktopPicture.calls.isEmpty());
+    }
+
+    void whatCannotBeShownIsTold_data()
+    {
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("no video") << u"none"_s << u"请先选择一个视频"_s;
+        QTest::newRow("no display") << u"display"_s << u"没有检测到显示器"_s;
+        QTest::newRow("no player") << u"player"_s << u"没有播放器"_s;
+        QTest::newRow("a page") << u"html"_s << u"此版本还不能显示HTML壁纸，请选择一个视频。"_s;
+        QTest::newRow("battery") << u"battery"_s << u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
+    }
+
+    void whatCannotBeShownIsTold()
+    {
+        QFETCH(QString, what);
+        WallpaperRig rig;
+        WallpaperController &wallpaper = rig.wallpaper();
+        if (what != u"none")
+            wallpaper.loadVideo(rig.video(u"a.mp4"_s));
+        if (what == u"display")
+            rig.host.displays.set({});
+        if (what == u"player")
+            rig.host.surfaces.refusal = Failure{u"没有播放器"_s};
+        if (what == u"html")
+            wallpaper.setContentMode(WallpaperContentMode::html);
+        if (what == u"battery")
+            rig.host.power.set(true);
+        wallpaper.applyWallpaper();
+        QVERIFY(!wallpaper.isShowing());
+        QTEST(wallpaper.notice() + wallpaper.state().message, "told");
+        QCOMPARE(rig.logged().contains(u"blocked: on battery (pauseOnBattery)"_s), what == u"battery");
+    }
+
+    void pauseKeepsTheWindowsAndResumePlaysThem()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.logged();
+        rig.wallpaper().togglePlayPause();
+        QVERIFY(rig.wallpaper().isPaused() && rig.wallpaper().state().isPlaying());
+        QVERIFY(!rig.surface()->isPlaying && rig.surface()->isShown);
+        QCOMPARE(rig.logged(), QStringList{u"pause"_s});
+        QCOMPARE(rig.wallpaper().trayTitle(), u"继续播放壁纸"_s);
+        rig.wallpaper().togglePlayPause();
+        QVERIFY(!rig.wallpaper().isPaused() && rig.surface()->isPlaying);
+        QCOMPARE(rig.logged(), (QStringList{u"hardResume ok (resumeWallpaper) rate=1.0"_s,
+                                            u"static desktop ← video frame (hardResume)"_s}));
+        QCOMPARE(rig.wallpaper().trayTitle(), u"暂停壁纸"_s);
+    }
+
+    void stoppingGivesTheDesktopBack()
+    {
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.play(file);
+        rig.logged();
+        rig.wallpaper().stopWallpaper();
+        QCOMPARE(rig.logged(), QStringList{u"stopWallpaper"_s});
+        QVERIFY(rig.host.surfaces.surfaces.isEmpty());
+        QCOMPARE(rig.host.visibility.watchers, 0);
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::ready, file, {}}));
+        QCOMPARE(rig.wallpaper().trayTitle(), u"播放壁纸"_s);
+        QTRY_VERIFY(rig.wallpaper().isSettled());
+        QCOMPARE(rig.host.desktopPicture.calls.last(), u"restore {\"path\":\"/own/picture.png\"}"_s);
+        rig.wallpaper().togglePlayPause();
+        QVERIFY(rig.wallpaper().isShowing());
+    }
+
+    void resumeFromNothingLoadsTheLastVideo()
+    {
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.host.settings.stored.insert(u"VelbClean_LastVideoPath"_s, file);
+        QVERIFY(rig.wallpaper().canToggle());
+        rig.wallpaper().resumeWallpaper();
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, file, {}}));
+        rig.wallpaper().stopWallpaper();
+        rig.host.power.set(true);
+        QVERIFY(!rig.wallpaper().canToggle());
+        rig.logged();
+        rig.wallpaper().resumeWallpaper();
+        QVERIFY(!rig.wallpaper().isShowing());
+        QCOMPARE(rig.logged(), QStringList{u"resume blocked: on battery"_s});
+    }
+
+    void launchRestores_data()
+    {
+        QTest::addColumn<QJsonObject>("stored");
+        QTest::addColumn<bool>("battery");
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<bool>("plays");
+        const QJsonObject last{{u"VelbClean_LastVideoPath"_s, u"FILE"_s}};
+        const auto with = [&](const QString &key, const QJsonValue &value) {
+            QJsonObject all = last;
+            all.insert(key, value);
+            return all;
+        };
+        QTest::newRow("last video") << last << false << QStringList{u"autoRestore load last path: FILE"_s} << true;
+        QTest::newRow("gone") << QJsonObject{{u"VelbClean_LastVideoPath"_s, u"/none.mp4"_s}} << false
+                              << QStringList{u"autoRestore load last path: /none.mp4"_s} << false;
+        QTest::newRow("nothing yet") << QJsonObject{} << false << QStringList{u"autoRestore: no last video path"_s}
+                                     << false;
+        QTest::newRow("not wanted") << with(u"VelbClean_WallpaperAutoPlay"_s, false) << false
+                                    << QStringList{u"autoRestore skipped: autoPlay=false"_s} << false;
+        QTest::newRow("battery") << last << true << QStringList{u"autoRestore skipped: on battery"_s} << false;
+        QTest::newRow("battery allowed") << with(u"Velbrix_WallpaperPauseOnBattery"_s, false) << true
+                                         << QStringList{u"autoRestore load last path: FILE"_s} << true;
+        QTest::newRow("secondary only")
+            << QJsonObject{{u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"2"_s, u"FILE"_s}}}} << false
+            << QStringList{u"autoRestore: no last video path"_s, u"autoRestore secondary-only paths count=1"_s}
+            << true;
+    }
+
+    void launchRestores()
+    {
+        QFETCH(QJsonObject, stored);
+        QFETCH(bool, battery);
+        QFETCH(QStringList, lines);
+        QFETCH(bool, plays);
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        const QByteArray text = QJsonDocument(stored).toJson().replace("FILE", file.toUtf8());
+        rig.host.settings.stored = QJsonDocument::fromJson(text).object();
+        rig.host.power.battery = battery;
+        rig.plugSecond();
+        rig.wallpaper();
+        rig.logged();
+        rig.wallpaper().autoRestoreOnLaunch();
+        const QStringList logged = rig.logged();
+        QCOMPARE(logged.mid(0, lines.size()), lines.replaceInStrings(u"FILE"_s, file));
+        QCOMPARE(rig.wallpaper().isShowing(), plays);
+        QCOMPARE(rig.wallpaper().state().isPlaying(), plays);
+    }
+
+    void aRunningWallpaperIsNotRestoredTwice()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.logged();
+        rig.wallpaper().autoRestoreOnLaunch();
+        QCOMPARE(rig.logged(), QStringList{u"autoRestore skipped: already playing"_s});
+    }
+
+    void aNewVideoReplacesTheShownOne()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.play(rig.video(u"a.mp4"_s));
+        const QString second = rig.video(u"b.mp4"_s);
+        rig.wallpaper().pauseWallpaper();
+        rig.wallpaper().loadVideo(second);
+        QCOMPARE(rig.surface(0)->path, second);
+        QCOMPARE(rig.surface(1)->path, second);
+        QVERIFY(!rig.surface(0)->isPlaying && rig.wallpaper().isPaused());
+        QCOMPARE(rig.host.surfaces.surfacesMade, 2);
+    }
+
+    void aVideoThatFailsWhilePlayingIsToldAndTakenOff()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.surface()->fail(u"文件已被删除"_s);
+        QTRY_COMPARE(rig.wallpaper().state(),
+                     (WallpaperState{Kind::failed, {}, u"无法读取视频：文件已被删除"_s}));
+        QVERIFY(rig.host.surfaces.surfaces.isEmpty());
+    }
+
+    void theMenuBarFollowsTheVideo()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        const auto refreshes = [&] {
+            rig.logged();
+            rig.surface()->tick();
+            return rig.logged().contains(u"static desktop ← video frame (time)"_s);
+        };
+        QVERIFY(refreshes());
+        rig.services->setInBackground(true);
+        QVERIFY(!refreshes());
+        rig.services->setInBackground(false);
+        rig.surface()->picture = failure(u"没有画面"_s);
+        rig.logged();
+        rig.surface()->tick();
+        QVERIFY(rig.logged().contains(u"提取帧失败:没有画面"_s));
+    }
+
+    void iconsAreCoveredOnlyWhereThatIsOn()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.wallpaper().toggleHideDesktopIcons();
+        QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
+        QVERIFY(!rig.wallpaper().preferences().isHidingDesktopIcons());
+
+        rig.wallpaper().preferences().setHideDesktopIconsEnabled(true);
+        rig.wallpaper().toggleHideDesktopIcons();
+        for (int i : {0, 1}) {
+            QCOMPARE(rig.surface(i)->layer, SurfaceLayer::aboveIcons);
+            QCOMPARE(rig.surface(i)->calls.last(), u"orderFront"_s);
+        }
+        rig.wallpaper().preferences().setHideDesktopIconsEnabled(false);
+        QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
+    }
+
+    void selectingEndsWhereItBegan()
+    {
+        WallpaperRig rig;
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.wallpaper().beginSelecting();
+        QCOMPARE(rig.wallpaper().state().kind, Kind::selecting);
+        rig.wallpaper().endSelecting();
+        QCOMPARE(rig.wallpaper().state().kind, Kind::idle);
+        rig.play(file);
+        rig.wallpaper().beginSelecting();
+        rig.wallpaper().endSelecting();
+        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, file, {}}));
+    }
+
+    void theEndPutsEverythingBack()
+    {
+        WallpaperRig rig;
+        rig.play(rig.video(u"a.mp4"_s));
+        rig.wallpaper().toggleDockAutoHide();
+        QVERIFY(rig.wallpaper().preferences().isDockAutoHidden());
+        rig.host.dock.delay = 100ms;
+        rig.wallpaper().shutDown();
+        QVERIFY(!rig.wallpaper().isSettled());
+        rig.clock.advance(1s);
+        QTRY_VERIFY(rig.wallpaper().isSettled());
+        QCOMPARE(rig.host.dock.calls.last(), u"set false"_s);
+        QVERIFY(rig.host.desktopPicture.calls.last().startsWith(u"restore "_s));
+        QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
+    }
+
+    void anEarlierRunsLeavingsArePutBack()
+    {
+        WallpaperRig rig;
+        rig.host.settings.stored = {
+            {u"Velbrix_WallpaperOriginalDesktopPicture"_s, QJsonObject{{u"path"_s, u"/mine.jpg"_s}}},
+            {u"Velbrix_WallpaperDockAutoHideActive"_s, true},
+            {u"Velbrix_WallpaperDockAutoHideOriginal"_s, true}};
+        rig.wallpaper().recoverAfterCrash();
+        QTRY_VERIFY(rig.wallpaper().isSettled());
+        QCOMPARE(rig.host.desktopPicture.calls, QStringList{u"restore {\"path\":\"/mine.jpg\"}"_s});
+        QCOMPARE(rig.host.dock.calls, QStringList{u"set true"_s});
+    }
+
+    void pageFilesStayReadable()
+    {
+        WallpaperRig rig;
+        QVERIFY(!rig.wallpaper().launchAtLogin());
+        QCOMPARE(rig.wallpaper().accessibilityTrusted(), rig.host.permissions.accessibilityTrusted());
+    }
+};
+
+QTEST_GUILESS_MAIN(WallpaperControllerTest)
+#include "WallpaperControllerTest.moc"
