@@ -258,6 +258,19 @@ private Q_SLOTS:
         QCOMPARE(surface->progress(), hidden);
     }
 
+    void showsPausedWhatWasLoadedWhileHidden()
+    {
+        RealDesktop desktop;
+        Heard heard;
+        const auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
+        surface->load(desktop.clips.green());
+        QTRY_COMPARE(surface->progress(), 1);
+        surface->orderFront();
+        QTRY_COMPARE(heard.firstFrames, 1);
+        QTRY_COMPARE(colour(screen(), QPoint(200, 200)), greenColour);
+        QCOMPARE(surface->progress(), 1);
+    }
+
     void handsOverThePictureOnShow_data()
     {
         QTest::addColumn<bool>("isLarge");
