@@ -124,6 +124,10 @@ public:
     {
         xcb_destroy_window(_observer.connection().xcb(), _id);
         _observer.connection().sync();
+        // The next window may get its number, which would confuse the window
+        // manager.
+        [[maybe_unused]] const bool isGone =
+            QTest::qWaitFor([this] { return !_observer.clients().contains(_id); }, 1000);
     }
     Q_DISABLE_COPY_MOVE(ForeignWindow)
 
@@ -156,6 +160,16 @@ private:
     Observer _observer;
     xcb_window_t _id = XCB_WINDOW_NONE;
 };
+
+// Whether windows are managed already: those that are mapped while a manager
+// starts may be overlooked.
+inline bool isManaged()
+{
+    Observer observer;
+    ForeignWindow window(QRect(0, 0, 10, 10));
+    window.map();
+    return QTest::qWaitFor([&] { return observer.clients().contains(window.id()); }, 300);
+}
 
 // Splits the screen of 1280x800 in two.
 inline void addTwoMonitors()

@@ -129,6 +129,7 @@ private Q_SLOTS:
         // The login manager's bus is the test's own.
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
         qputenv("XDG_SESSION_ID", "1");
+        QTRY_VERIFY(isManaged());
     }
 
     void fakeKeepsTheContract()

@@ -46,6 +46,8 @@ class DisplaysTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QTRY_VERIFY(isManaged()); }
+
     void fakeKeepsTheContract()
     {
         FakeDisplays displays;

@@ -19,9 +19,9 @@
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
 #include "platform/linux/shell/XdgLoginItem.h"
+#include "platform/linux/surface/X11DesktopSurfaces.h"
 #include "platform/linux/surface/X11DesktopVisibility.h"
 #include "platform/linux/surface/X11Displays.h"
-#include "platform/linux/surface/X11DesktopSurfaces.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -84,8 +84,8 @@ Platform makePlatform(Clock &clock)
     platform.dock = std::make_unique<LinuxDockPreference>(clock, data + u"/former-panels.json"_s);
     platform.power = std::make_unique<UPowerSource>(clock);
     platform.displays = std::make_unique<X11Displays>();
-    platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
+    platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
     return platform;
 }
 

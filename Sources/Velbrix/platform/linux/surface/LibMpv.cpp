@@ -1,6 +1,10 @@
 #include "platform/linux/surface/LibMpv.h"
 
+#include "platform/linux/movie/LibAv.h"
+
 #include <QLibrary>
+
+#include <malloc.h>
 
 #include <clocale>
 #include <cstring>
@@ -16,8 +20,18 @@ template <typename Function> bool resolve(QLibrary &library, const char *name, F
     return function != nullptr;
 }
 
+// Every thread of a player allocates from an arena of its own. Left alone, the
+// C library soon keeps pictures and packets there and never gives them back.
+void returnLargeBlocks()
+{
+    constexpr int bytes = 128 * 1024;
+    mallopt(M_MMAP_THRESHOLD, bytes);
+    mallopt(M_TRIM_THRESHOLD, bytes);
+}
+
 bool load(LibMpv &functions)
 {
+    returnLargeBlocks();
     QLibrary library(u"mpv"_s, MPV_CLIENT_API_VERSION >> 16);
     bool isComplete = library.load();
 #define VELB_MPV_RESOLVE(name) isComplete = resolve(library, #name, functions.name) && isComplete;
@@ -39,6 +53,9 @@ Result<const LibMpv *> libMpv()
     if (const char *const locale = std::setlocale(LC_NUMERIC, nullptr);
         !locale || std::strcmp(locale, "C") != 0)
         std::setlocale(LC_NUMERIC, "C");
+    // A player that ends takes the silence of the others with it.
+    if (const AvCodec *const av = avCodec())
+        av->av_log_set_level(AV_LOG_QUIET);
     return &functions;
 }
 

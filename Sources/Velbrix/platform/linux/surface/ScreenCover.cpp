@@ -68,8 +68,11 @@ bool ScreenCover::handleEvent(const xcb_generic_event_t &event)
         return concernsProperty(reinterpret_cast<const xcb_property_notify_event_t &>(event));
     case XCB_MAP_NOTIFY:
         return true;
-    case XCB_UNMAP_NOTIFY:
     case XCB_DESTROY_NOTIFY:
+        // Its number may be given to another window.
+        std::erase(_clients, reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);
+        [[fallthrough]];
+    case XCB_UNMAP_NOTIFY:
     case XCB_REPARENT_NOTIFY:
         return _covering.contains(reinterpret_cast<const xcb_unmap_notify_event_t &>(event).window);
     case XCB_CONFIGURE_NOTIFY: {

@@ -8,6 +8,8 @@ namespace velbrix {
 
 namespace {
 
+constexpr QSize largestPicture(2560, 1440);
+
 std::size_t stride(QSize size)
 {
     return static_cast<std::size_t>(size.width()) * 4;
@@ -41,23 +43,39 @@ WindowSink::WindowSink(std::unique_ptr<X11Connection> connection, xcb_window_t w
 
 WindowSink::~WindowSink() = default;
 
+QSize WindowSink::pictureSize(QSize window)
+{
+    const bool fits = window.width() <= largestPicture.width() && window.height() <= largestPicture.height();
+    return fits ? window : window.scaled(largestPicture, Qt::KeepAspectRatio);
+}
+
 void WindowSink::resize(QSize size)
 {
+    if (size == _size)
+        return;
     _size = size;
+    _painted = pictureSize(size);
+    _enlarged.reset();
+    // What was painted for the old size cannot be shown in the new one.
+    _hasPicture = _hasPicture && _buffers[_shown].size == _painted;
+    if (_painted != _size)
+        _enlarged = EnlargedPicture::create(*_connection, _window, _painted, _size);
+    if (!_enlarged)
+        _painted = _size;
 }
 
 std::optional<PictureSink::Canvas> WindowSink::next()
 {
     Buffer &buffer = _buffers[1 - _shown];
-    if (_size.isEmpty() || buffer.reads > 0)
+    if (_painted.isEmpty() || buffer.reads > 0)
         return std::nullopt;
-    if (!buffer.memory || buffer.size != _size) {
+    if (!buffer.memory || buffer.size != _painted) {
         buffer.memory.reset();
-        const std::size_t bytes = stride(_size) * static_cast<std::size_t>(_size.height());
+        const std::size_t bytes = stride(_painted) * static_cast<std::size_t>(_painted.height());
         buffer.memory = std::make_unique<ShmSegment>(*_connection, bytes);
-        buffer.size = _size;
+        buffer.size = _painted;
     }
-    return Canvas{buffer.memory->data(), stride(_size), _size};
+    return Canvas{buffer.memory->data(), stride(_painted), _painted};
 }
 
 void WindowSink::present()
@@ -104,21 +122,24 @@ void WindowSink::collect()
 
 void WindowSink::put(Buffer &buffer)
 {
+    const xcb_drawable_t target = _enlarged ? _enlarged->pixmap() : _window;
     if (!buffer.memory->isShared()) {
-        putRows(buffer);
+        putRows(buffer, target);
     } else {
         ++buffer.reads;
         const auto width = length(buffer.size.width());
         const auto height = length(buffer.size.height());
-        xcb_shm_put_image(_connection->xcb(), _window, _context, width, height, 0, 0, width, height, 0, 0,
+        xcb_shm_put_image(_connection->xcb(), target, _context, width, height, 0, 0, width, height, 0, 0,
                           _connection->screen().root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 1, buffer.memory->id(),
                           0);
     }
+    if (_enlarged)
+        _enlarged->show();
     _connection->flush();
 }
 
 // As many rows at a time as a request can hold.
-void WindowSink::putRows(const Buffer &buffer)
+void WindowSink::putRows(const Buffer &buffer, xcb_drawable_t target)
 {
     xcb_connection_t *const xcb = _connection->xcb();
     const std::size_t row = stride(buffer.size);
@@ -126,7 +147,7 @@ void WindowSink::putRows(const Buffer &buffer)
     const int rows = std::max(1, static_cast<int>(room / row));
     for (int y = 0; y < buffer.size.height(); y += rows) {
         const int count = std::min(rows, buffer.size.height() - y);
-        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, _window, _context, length(buffer.size.width()),
+        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, target, _context, length(buffer.size.width()),
                       length(count), 0, static_cast<std::int16_t>(y), 0, _connection->screen().root_depth,
                       static_cast<std::uint32_t>(row * static_cast<std::size_t>(count)),
                       buffer.memory->data() + row * static_cast<std::size_t>(y));

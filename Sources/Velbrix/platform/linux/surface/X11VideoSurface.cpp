@@ -177,7 +177,8 @@ void X11VideoSurface::applyPlaying()
 
 void X11VideoSurface::applySize()
 {
-    _player->setScaling(_format.stored != _frame.size() || _format.shown != _frame.size());
+    const QSize painted = WindowSink::pictureSize(_frame.size());
+    _player->setScaling(_format.stored != painted || _format.shown != painted);
     _renderer->resize(_frame.size());
 }
 
