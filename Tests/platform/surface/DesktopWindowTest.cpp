@@ -54,10 +54,11 @@ double share(const QImage &image, const QRect &area, QColor colour)
 {
     qint64 found = 0;
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x)
-            found += image.pixel(x, y) == colour.rgb();
+        const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        found += std::count_if(row + area.left(), row + area.right() + 1,
+                               [&](QRgb pixel) { return (pixel | 0xff000000) == colour.rgb(); });
     }
-    return static_cast<double>(found) / (double{1.0} * area.width() * area.height());
+    return static_cast<double>(found) / (1.0 * area.width() * area.height());
 }
 
 // How much of what the icon manager shows alone is also seen in the picture,

@@ -126,14 +126,14 @@ private Q_SLOTS:
         QVERIFY(!patience.believes(10000, 4000, 1, 20ms));
         // Another picture: from the beginning.
         QVERIFY(!patience.believes(10000, 4000, 2, 180ms));
-        QVERIFY(!patience.believes(10000, 4000, 2, 320ms));
-        QVERIFY(patience.believes(10000, 4000, 2, 330ms));
+        QVERIFY(!patience.believes(10000, 4000, 2, 470ms));
+        QVERIFY(patience.believes(10000, 4000, 2, 480ms));
         // Icons may always go.
-        QVERIFY(patience.believes(10000, 0, 2, 340ms));
+        QVERIFY(patience.believes(10000, 0, 2, 490ms));
         // It passed by.
-        QVERIFY(!patience.believes(10000, 3000, 2, 350ms));
-        QVERIFY(patience.believes(10000, 90, 2, 360ms));
-        QVERIFY(!patience.believes(10000, 3000, 2, 600ms));
+        QVERIFY(!patience.believes(10000, 3000, 2, 500ms));
+        QVERIFY(patience.believes(10000, 90, 2, 510ms));
+        QVERIFY(!patience.believes(10000, 3000, 2, 900ms));
     }
 };
 

@@ -28,7 +28,7 @@ std::int64_t areaOf(const std::vector<PixelRect> &parts);
 class IconPatience {
 public:
     // A sudden growth is believed when it has lasted; ask again after `pause`.
-    static constexpr std::chrono::milliseconds pause{150};
+    static constexpr std::chrono::milliseconds pause{300};
 
     // The size of the whole picture and of what differs, and from which
     // backdrop; `now` never runs backwards.

@@ -10,6 +10,8 @@ namespace {
 
 // An icon manager paints in several steps.
 constexpr std::chrono::milliseconds rest{30};
+// After this nobody moves the pointer over the icons any more.
+constexpr std::chrono::seconds idle{5};
 
 } // namespace
 
@@ -29,6 +31,7 @@ void IconWatch::setActive(bool active)
         return;
     _isActive = active;
     _soon.reset();
+    _rest.reset();
     if (active) {
         findWindows();
         look();
@@ -57,7 +60,12 @@ void IconWatch::handleEvent(const xcb_generic_event_t &event)
         const xcb_atom_t atom = reinterpret_cast<const xcb_property_notify_event_t &>(event).atom;
         if (atom == _connection.atom("_NET_CLIENT_LIST"))
             _areWindowsStale = true;
-        if (_areWindowsStale || atom == _connection.atom("_XROOTPMAP_ID"))
+        const bool isPicture = atom == _connection.atom("_XROOTPMAP_ID");
+        for (const auto &window : _windows) {
+            if (isPicture)
+                window->forgetBackdrop();
+        }
+        if (_areWindowsStale || isPicture)
             lookSoon(rest);
     } else if (type == XCB_DESTROY_NOTIFY || type == XCB_UNMAP_NOTIFY || type == XCB_MAP_NOTIFY ||
                type == XCB_CONFIGURE_NOTIFY) {
@@ -120,6 +128,10 @@ void IconWatch::look()
         if (look == IconWindow::Look::doubtful)
             lookSoon(IconPatience::pause);
     }
+    _rest = _clock.after(idle, [this] {
+        for (const auto &window : _windows)
+            window->rest();
+    });
     if (hasChanged)
         _changed();
 }

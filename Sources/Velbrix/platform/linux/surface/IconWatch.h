@@ -42,6 +42,7 @@ private:
     std::vector<std::unique_ptr<IconWindow>> _windows;
     std::set<xcb_window_t> _others; // clients that show no icons
     std::unique_ptr<Alarm> _soon;
+    std::unique_ptr<Alarm> _rest;
 };
 
 } // namespace velbrix

@@ -38,8 +38,10 @@ IconWindow::Look IconWindow::look(xcb_pixmap_t rootPicture, std::chrono::millise
     if (!found)
         return Look::same;
     const std::int64_t pixels = std::int64_t{where->width} * where->height;
-    if (!_patience.believes(pixels, areaOf(*found), rootPicture, now))
+    if (!_patience.believes(pixels, areaOf(*found), rootPicture, now)) {
+        forgetBackdrop();
         return Look::doubtful;
+    }
     std::vector<PixelRect> parts = *found;
     for (PixelRect &part : parts)
         part = translated(part, where->x, where->y);
@@ -66,34 +68,49 @@ std::optional<PixelRect> IconWindow::place() const
     return PixelRect{origin->dst_x, origin->dst_y, size->width, size->height};
 }
 
-std::optional<std::vector<PixelRect>> IconWindow::compare(const PixelRect &where,
-                                                          xcb_pixmap_t rootPicture) const
+std::optional<std::vector<PixelRect>> IconWindow::compare(const PixelRect &where, xcb_pixmap_t rootPicture)
 {
     xcb_connection_t *const xcb = _connection.xcb();
     const xcb_pixmap_t content = xcb_generate_id(xcb);
     xcb_composite_name_window_pixmap(xcb, _window, content);
-    GrabBuffer picture(_connection);
-    const bool isGrabbed = grab(picture, content, 0, 0, where);
+    _picture = grab(std::move(_picture), content, 0, 0, where);
     xcb_free_pixmap(xcb, content);
-    if (!isGrabbed)
+    if (!_picture)
         return std::nullopt;
-    if (matchesRoot(rootPicture)) {
-        GrabBuffer backdrop(_connection);
-        if (grab(backdrop, rootPicture, where.x, where.y, where)) {
-            if (auto parts = iconParts(picture.view(), backdrop.view()))
-                return parts;
-        }
+    if (!_backdrop || _backdrop->pixmap != rootPicture || _backdrop->place != where) {
+        std::unique_ptr<GrabBuffer> former = _backdrop ? std::move(_backdrop->pixels) : nullptr;
+        const bool isUsable = matchesRoot(rootPicture);
+        _backdrop.emplace(rootPicture, where,
+                          isUsable ? grab(std::move(former), rootPicture, where.x, where.y, where) : nullptr);
     }
-    return iconParts(picture.view());
+    if (_backdrop->pixels) {
+        if (auto parts = iconParts(_picture->view(), _backdrop->pixels->view()))
+            return parts;
+        // It may have been read before it was painted.
+        forgetBackdrop();
+    }
+    return iconParts(_picture->view());
 }
 
-bool IconWindow::grab(GrabBuffer &buffer, xcb_drawable_t drawable, int x, int y, const PixelRect &where) const
+void IconWindow::rest()
 {
-    buffer.resize(where.width, where.height);
-    if (!buffer.view().pixels)
-        return false;
-    buffer.queue(drawable, x, y, {0, 0, where.width, where.height}, false);
-    return buffer.collect();
+    _picture.reset();
+    _backdrop.reset();
+}
+
+// In the buffer, if there is one. Null when it cannot be had.
+std::unique_ptr<GrabBuffer> IconWindow::grab(std::unique_ptr<GrabBuffer> buffer, xcb_drawable_t drawable, int x,
+                                             int y, const PixelRect &where) const
+{
+    if (!buffer)
+        buffer = std::make_unique<GrabBuffer>(_connection);
+    const BitmapView former = buffer->view();
+    if (former.width != where.width || former.height != where.height)
+        buffer->resize(where.width, where.height);
+    if (!buffer->view().pixels)
+        return nullptr;
+    buffer->queue(drawable, x, y, {0, 0, where.width, where.height}, false);
+    return buffer->collect() ? std::move(buffer) : nullptr;
 }
 
 bool IconWindow::matchesRoot(xcb_pixmap_t picture) const

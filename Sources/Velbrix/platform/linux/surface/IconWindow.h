@@ -5,6 +5,8 @@
 #include "platform/linux/surface/IconMask.h"
 
 #include <chrono>
+#include <memory>
+#include <optional>
 #include <vector>
 
 namespace velbrix {
@@ -29,11 +31,22 @@ public:
 
     // Compares it with the root's picture (none: with its own main colour).
     Look look(xcb_pixmap_t rootPicture, std::chrono::milliseconds now);
+    // The root's picture is another one, even if it has the same number.
+    void forgetBackdrop() { _backdrop.reset(); }
+    // Lets go of the memory that makes looks in quick succession cheap.
+    void rest();
 
 private:
+    struct Backdrop {
+        xcb_pixmap_t pixmap = XCB_NONE;
+        PixelRect place;
+        std::unique_ptr<GrabBuffer> pixels; // null where it cannot be used
+    };
+
     std::optional<PixelRect> place() const;
-    bool grab(GrabBuffer &buffer, xcb_drawable_t drawable, int x, int y, const PixelRect &place) const;
-    std::optional<std::vector<PixelRect>> compare(const PixelRect &place, xcb_pixmap_t rootPicture) const;
+    std::unique_ptr<GrabBuffer> grab(std::unique_ptr<GrabBuffer> buffer, xcb_drawable_t drawable, int x, int y,
+                                     const PixelRect &where) const;
+    std::optional<std::vector<PixelRect>> compare(const PixelRect &where, xcb_pixmap_t rootPicture);
     bool matchesRoot(xcb_pixmap_t picture) const;
 
     X11Connection &_connection;
@@ -41,6 +54,8 @@ private:
     const std::uint32_t _damage;
     std::vector<PixelRect> _parts;
     IconPatience _patience;
+    std::unique_ptr<GrabBuffer> _picture;
+    std::optional<Backdrop> _backdrop;
 };
 
 } // namespace velbrix
