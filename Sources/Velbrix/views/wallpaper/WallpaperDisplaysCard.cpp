@@ -55,10 +55,11 @@ public:
         return id == display.id && isMain == display.isMain && name == display.name;
     }
 
-    void show(const WallpaperDisplayInfo &display)
+    void show(const WallpaperDisplayInfo &display, bool isPaused)
     {
+        const QString doing = isPaused ? u"已暂停"_s : u"播放中"_s;
         _row->setDescription(describeDisplay(display));
-        _row->setNote(display.isPlaying ? u"▶ 播放中"_s : QString(), u"good"_s);
+        _row->setNote(display.isPlaying ? doing : QString(), isPaused ? u"warning"_s : u"good"_s);
         if (_clear)
             _clear->setVisible(display.videoPath.has_value());
     }
@@ -92,6 +93,7 @@ WallpaperDisplaysCard::WallpaperDisplaysCard(const ViewContext &context, QWidget
     hint->setContentsMargins(0, 10, 0, 10);
     addRow(hint);
     WallpaperController &wallpaper = context.services.wallpaper;
+    connect(&wallpaper, &WallpaperController::isPausedChanged, this, [this] { refresh(); });
     follow(wallpaper, &WallpaperController::connectedDisplaysChanged, this, [this] { refresh(); });
 }
 
@@ -148,7 +150,8 @@ void WallpaperDisplaysCard::refresh()
 {
     const QList<WallpaperDisplayInfo> displays = _context.services.wallpaper.connectedDisplays();
     _count->setText(countDisplays(displays.size()));
-    _map->show(displays);
+    const bool isPaused = _context.services.wallpaper.isPaused();
+    _map->show(displays, isPaused);
     _map->setVisible(displays.size() > 1);
     const bool isSame =
         std::ranges::equal(_rows, displays, [](const Row *row, const auto &display) { return row->isOf(display); });
@@ -167,7 +170,7 @@ void WallpaperDisplaysCard::refresh()
         }
     }
     for (qsizetype index = 0; index < displays.size(); ++index)
-        _rows[index]->show(displays[index]);
+        _rows[index]->show(displays[index], isPaused);
     _list->setVisible(!displays.isEmpty());
 }
 

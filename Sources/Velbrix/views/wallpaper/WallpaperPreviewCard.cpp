@@ -89,7 +89,7 @@ QWidget *WallpaperPreviewCard::makeFailure()
 {
     QPushButton *const seen =
         makeButton(_context.theme, {u"wallpaperFailureSeen"_s, u"知道了"_s, {}, u"plain"_s});
-    _failure = new SettingRow(u"壁纸无法播放"_s, {}, seen);
+    _failure = new SettingRow(u"视频无法播放"_s, {}, seen);
     _failure->setObjectName(u"wallpaperFailure"_s);
     _failure->setLeading(new SymbolLabel(_context.theme, u"xmark.circle.fill"_s, 22, ThemeColor::bad));
     connect(seen, &QPushButton::clicked, this, [this] { _context.services.wallpaper.dismissFailure(); });
@@ -206,6 +206,7 @@ void WallpaperPreviewCard::showState()
                                          canPress ? ThemeColor::onFill : ThemeColor::secondary));
     _stop->setEnabled(wallpaper.isShowing());
 
+    _failure->setDescription(wallpaper.isShowing() ? u"原来的壁纸仍在播放"_s : QString());
     _failure->setNote(wallpaper.state().message, u"bad"_s);
     _failure->setVisible(look == WallpaperLook::failed);
 }
