@@ -60,7 +60,10 @@ struct Rig : WindowRig {
         QCoreApplication::processEvents();
         return videos;
     }
-    int thumbnailsAskedFor() const { return static_cast<int>(host.mediaProbe.calls.filter(u" 320x180"_s).size()); }
+    int thumbnailsAskedFor() const
+    {
+        return static_cast<int>(host.mediaProbe.calls.filter(u" 320x180"_s).size());
+    }
 
     QTemporaryDir folder;
 };

@@ -43,8 +43,8 @@ void DisplayMap::paintEvent(QPaintEvent *)
         whole |= display.frame;
     if (whole.isEmpty())
         return;
-    const double scale =
-        std::min(static_cast<double>(width()) / whole.width(), static_cast<double>(mapHeight - 8) / whole.height());
+    const double scale = std::min(static_cast<double>(width()) / whole.width(),
+                                  static_cast<double>(mapHeight - 8) / whole.height());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate((width() - whole.width() * scale) / 2, (mapHeight - whole.height() * scale) / 2);

@@ -121,11 +121,9 @@ WallpaperDisplaysCard::Row *WallpaperDisplaysCard::makeRow(const WallpaperDispla
     buttons.choose->setAccessibleDescription(display.name);
     connect(buttons.choose, &QPushButton::clicked, this, [this, display] { chooseFor(display); });
     if (!display.isMain) {
-        buttons.clear =
-            makeButton(_context.theme, {u"displayClear.%1"_s.arg(display.id),
-                                        u"清除该屏专属视频，回落主屏视频"_s,
-                                        {},
-                                        u"plain"_s});
+        buttons.clear = makeButton(
+            _context.theme,
+            {u"displayClear.%1"_s.arg(display.id), u"清除该屏专属视频，回落主屏视频"_s, {}, u"plain"_s});
         buttons.clear->setAccessibleDescription(display.name);
         connect(buttons.clear, &QPushButton::clicked, this,
                 [this, id = display.id] { _context.services.wallpaper.clearDisplayVideo(id); });
@@ -153,8 +151,8 @@ void WallpaperDisplaysCard::refresh()
     const bool isPaused = _context.services.wallpaper.isPaused();
     _map->show(displays, isPaused);
     _map->setVisible(displays.size() > 1);
-    const bool isSame =
-        std::ranges::equal(_rows, displays, [](const Row *row, const auto &display) { return row->isOf(display); });
+    const bool isSame = std::ranges::equal(
+        _rows, displays, [](const Row *row, const auto &display) { return row->isOf(display); });
     if (!isSame) {
         for (Row *row : std::as_const(_rows)) {
             row->hide();
