@@ -10,6 +10,7 @@
 #include "views/components/SymbolLabel.h"
 #include "views/wallpaper/PreviewStage.h"
 #include "views/wallpaper/VideoPanel.h"
+#include "views/wallpaper/WallpaperBadge.h"
 #include "views/wallpaper/WallpaperWords.h"
 
 #include <QDragEnterEvent>
@@ -66,23 +67,9 @@ QWidget *WallpaperPreviewCard::makeWords()
     for (QLabel *label : {_name, _facts, _notice})
         texts->addWidget(label);
     line->addLayout(texts, 1);
-    line->addWidget(makeBadge(), 0, Qt::AlignTop);
+    _badge = new WallpaperBadge(_context.theme);
+    line->addWidget(_badge, 0, Qt::AlignTop);
     return _words;
-}
-
-QWidget *WallpaperPreviewCard::makeBadge()
-{
-    auto *badge = new QWidget;
-    badge->setObjectName(u"wallpaperBadge"_s);
-    _badgeSymbol = new SymbolLabel(_context.theme, u"film"_s, 16, ThemeColor::secondary);
-    _badgeText = makeText({}, u"note"_s);
-    _badgeText->setWordWrap(false);
-    auto *line = new QHBoxLayout(badge);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(6);
-    line->addWidget(_badgeSymbol);
-    line->addWidget(_badgeText);
-    return badge;
 }
 
 QWidget *WallpaperPreviewCard::makeFailure()
@@ -190,11 +177,7 @@ void WallpaperPreviewCard::showState()
 {
     const WallpaperController &wallpaper = _context.services.wallpaper;
     const WallpaperLook look = lookOf(wallpaper);
-    const BadgeLook badge = badgeOf(look);
-    _badgeSymbol->show(badge.symbol, badge.tint);
-    _badgeText->setText(badge.text);
-    setLook(_badgeText, "role", badge.role);
-
+    _badge->show(look);
     // What a refused file says is not what the older one does.
     const bool isPlaying = wallpaper.isShowing() && !wallpaper.isPaused();
     const QString text = isPlaying ? u"暂停"_s : wallpaper.isShowing() ? u"继续"_s : u"播放"_s;
@@ -280,6 +263,9 @@ void WallpaperPreviewCard::loadLastVideo()
     WallpaperController &wallpaper = _context.services.wallpaper;
     // A load under way would be outdated by this one.
     if (_hasLoadedLast || wallpaper.video().videoURL() || wallpaper.video().isLoading())
+        return;
+    // It is about to be played anyway.
+    if (wallpaper.preferences().autoPlay() && !wallpaper.power().blocks())
         return;
     const auto last = wallpaper.preferences().lastVideoPath();
     if (!last || !QFileInfo(*last).isFile() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
