@@ -167,7 +167,8 @@ void ComponentsTest::gridByKeyboard()
 
 void ComponentsTest::sliderInItsOwnWords()
 {
-    ValueSlider slider(u"speed"_s, {1, 8, 4, {}, [](int place) { return QString::number(place / 4.0) + u"×"_s; }});
+    ValueSlider slider(u"speed"_s,
+                       {1, 8, 4, {}, [](int place) { return QString::number(place / 4.0) + u"×"_s; }});
     slider.setValue(3);
     QCOMPARE(slider.findChild<QLabel *>()->text(), u"0.75×"_s);
     QCOMPARE(slider.findChild<QSlider *>()->accessibleDescription(), u"0.75×"_s);

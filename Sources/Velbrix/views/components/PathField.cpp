@@ -111,7 +111,8 @@ void PathField::choose()
 
 void PathField::elide()
 {
-    const QString whole = _path.isEmpty() ? u"还没有选择文件夹"_s : shortened(QDir::toNativeSeparators(_path));
+    const QString whole =
+        _path.isEmpty() ? u"还没有选择文件夹"_s : shortened(QDir::toNativeSeparators(_path));
     const QString shown = QFontMetrics(_text->font()).elidedText(whole, Qt::ElideMiddle, _text->width());
     if (_text->text() != shown)
         _text->setText(shown);

@@ -9,6 +9,8 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -26,7 +28,8 @@ ValueSlider::ValueSlider(const QString &name, const Range &range, QWidget *paren
     _slider->setToolTip(u"双击恢复默认值"_s);
     _text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     _text->setWordWrap(false);
-    _text->setFixedWidth(QFontMetrics(_text->font()).horizontalAdvance(words(range.most)) + 8);
+    // Short values take the same room, so that sliders stand in a column.
+    _text->setFixedWidth(std::max(QFontMetrics(_text->font()).horizontalAdvance(words(range.most)) + 8, 52));
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);

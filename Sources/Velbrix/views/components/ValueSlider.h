@@ -19,7 +19,7 @@ public:
         int least = 0;
         int most = 100;
         int standard = 0;
-        QString unit; // "分钟"
+        QString unit;                           // "分钟"
         std::function<QString(int)> words = {}; // in place of number and unit
     };
 

@@ -92,7 +92,8 @@ void DesktopTidyCard::showIcons()
                                    : u"需要先播放壁纸，才看得到效果"_s,
                         u"warning"_s);
     else
-        _cover->setNote(isCovering ? u"已盖住桌面图标，并屏蔽点击（点不到桌面文件）"_s : QString(), u"good"_s);
+        _cover->setNote(isCovering ? u"已盖住桌面图标，并屏蔽点击（点不到桌面文件）"_s : QString(),
+                        u"good"_s);
 }
 
 void DesktopTidyCard::showHotkeys()

@@ -25,8 +25,9 @@ DisplayMap::DisplayMap(const Theme &theme, QWidget *parent) : QWidget(parent), _
     connect(&theme, &Theme::changed, this, qOverload<>(&QWidget::update));
 }
 
-void DisplayMap::show(const QList<WallpaperDisplayInfo> &displays)
+void DisplayMap::show(const QList<WallpaperDisplayInfo> &displays, bool isPaused)
 {
+    _isPaused = isPaused;
     _displays = displays;
     QStringList names;
     for (const WallpaperDisplayInfo &display : displays)
@@ -42,8 +43,8 @@ void DisplayMap::paintEvent(QPaintEvent *)
         whole |= display.frame;
     if (whole.isEmpty())
         return;
-    const double scale =
-        std::min(static_cast<double>(width()) / whole.width(), static_cast<double>(mapHeight - 8) / whole.height());
+    const double scale = std::min(static_cast<double>(width()) / whole.width(),
+                                  static_cast<double>(mapHeight - 8) / whole.height());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate((width() - whole.width() * scale) / 2, (mapHeight - whole.height() * scale) / 2);
@@ -56,7 +57,8 @@ void DisplayMap::paintEvent(QPaintEvent *)
         painter.setBrush(fill);
         painter.setPen(QPen(_theme.color(display.isMain ? ThemeColor::accent : ThemeColor::hairline), 1.5));
         painter.drawRoundedRect(box, 5, 5);
-        const QString state = display.isPlaying ? u" · 播放中"_s : QString();
+        const QString doing = _isPaused ? u" · 已暂停"_s : u" · 播放中"_s;
+        const QString state = display.isPlaying ? doing : QString();
         const QString role = (display.isMain ? u"主屏"_s : u"副屏"_s) + state;
         painter.setPen(_theme.color(ThemeColor::text));
         painter.setFont(_theme.font(11));

@@ -14,7 +14,7 @@ class DisplayMap final : public QWidget {
 public:
     explicit DisplayMap(const Theme &theme, QWidget *parent = nullptr);
 
-    void show(const QList<WallpaperDisplayInfo> &displays);
+    void show(const QList<WallpaperDisplayInfo> &displays, bool isPaused);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -22,6 +22,7 @@ protected:
 private:
     const Theme &_theme;
     QList<WallpaperDisplayInfo> _displays;
+    bool _isPaused = false;
 };
 
 } // namespace velbrix

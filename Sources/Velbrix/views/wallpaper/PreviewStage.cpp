@@ -121,9 +121,9 @@ void PreviewStage::drawPicture(QPainter &painter, const QRect &room)
         constexpr int side = 48;
         if (!_button->isHidden())
             return; // it stands in the same place
-        painter.drawPixmap(room.center() - QPoint(side / 2, side / 2),
-                           _theme.symbol(u"film"_s, side, _theme.color(ThemeColor::secondary),
-                                         devicePixelRatioF()));
+        painter.drawPixmap(
+            room.center() - QPoint(side / 2, side / 2),
+            _theme.symbol(u"film"_s, side, _theme.color(ThemeColor::secondary), devicePixelRatioF()));
         return;
     }
     QRect place(QPoint(), _picture.size().scaled(room.size(), Qt::KeepAspectRatio));
@@ -134,8 +134,8 @@ void PreviewStage::drawPicture(QPainter &painter, const QRect &room)
     }
     if (_still.isNull()) {
         const qreal ratio = devicePixelRatioF();
-        _still = QPixmap::fromImage(_picture.scaled(place.size() * ratio, Qt::IgnoreAspectRatio,
-                                                    Qt::SmoothTransformation));
+        _still = QPixmap::fromImage(
+            _picture.scaled(place.size() * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
         _still.setDevicePixelRatio(ratio);
     }
     painter.drawPixmap(place.topLeft(), _still);

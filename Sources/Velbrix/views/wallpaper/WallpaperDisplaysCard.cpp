@@ -55,10 +55,11 @@ public:
         return id == display.id && isMain == display.isMain && name == display.name;
     }
 
-    void show(const WallpaperDisplayInfo &display)
+    void show(const WallpaperDisplayInfo &display, bool isPaused)
     {
+        const QString doing = isPaused ? u"已暂停"_s : u"播放中"_s;
         _row->setDescription(describeDisplay(display));
-        _row->setNote(display.isPlaying ? u"▶ 播放中"_s : QString(), u"good"_s);
+        _row->setNote(display.isPlaying ? doing : QString(), isPaused ? u"warning"_s : u"good"_s);
         if (_clear)
             _clear->setVisible(display.videoPath.has_value());
     }
@@ -92,6 +93,7 @@ WallpaperDisplaysCard::WallpaperDisplaysCard(const ViewContext &context, QWidget
     hint->setContentsMargins(0, 10, 0, 10);
     addRow(hint);
     WallpaperController &wallpaper = context.services.wallpaper;
+    connect(&wallpaper, &WallpaperController::isPausedChanged, this, [this] { refresh(); });
     follow(wallpaper, &WallpaperController::connectedDisplaysChanged, this, [this] { refresh(); });
 }
 
@@ -119,11 +121,9 @@ WallpaperDisplaysCard::Row *WallpaperDisplaysCard::makeRow(const WallpaperDispla
     buttons.choose->setAccessibleDescription(display.name);
     connect(buttons.choose, &QPushButton::clicked, this, [this, display] { chooseFor(display); });
     if (!display.isMain) {
-        buttons.clear =
-            makeButton(_context.theme, {u"displayClear.%1"_s.arg(display.id),
-                                        u"清除该屏专属视频，回落主屏视频"_s,
-                                        {},
-                                        u"plain"_s});
+        buttons.clear = makeButton(
+            _context.theme,
+            {u"displayClear.%1"_s.arg(display.id), u"清除该屏专属视频，回落主屏视频"_s, {}, u"plain"_s});
         buttons.clear->setAccessibleDescription(display.name);
         connect(buttons.clear, &QPushButton::clicked, this,
                 [this, id = display.id] { _context.services.wallpaper.clearDisplayVideo(id); });
@@ -148,10 +148,11 @@ void WallpaperDisplaysCard::refresh()
 {
     const QList<WallpaperDisplayInfo> displays = _context.services.wallpaper.connectedDisplays();
     _count->setText(countDisplays(displays.size()));
-    _map->show(displays);
+    const bool isPaused = _context.services.wallpaper.isPaused();
+    _map->show(displays, isPaused);
     _map->setVisible(displays.size() > 1);
-    const bool isSame =
-        std::ranges::equal(_rows, displays, [](const Row *row, const auto &display) { return row->isOf(display); });
+    const bool isSame = std::ranges::equal(
+        _rows, displays, [](const Row *row, const auto &display) { return row->isOf(display); });
     if (!isSame) {
         for (Row *row : std::as_const(_rows)) {
             row->hide();
@@ -167,7 +168,7 @@ void WallpaperDisplaysCard::refresh()
         }
     }
     for (qsizetype index = 0; index < displays.size(); ++index)
-        _rows[index]->show(displays[index]);
+        _rows[index]->show(displays[index], isPaused);
     _list->setVisible(!displays.isEmpty());
 }
 

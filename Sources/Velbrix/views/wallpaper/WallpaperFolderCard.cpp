@@ -127,7 +127,8 @@ void WallpaperFolderCard::followFolder()
 {
     WallpaperController &wallpaper = _context.services.wallpaper;
     const VideoFolder &folder = wallpaper.folder();
-    connect(&folder, &VideoFolder::thumbnailChanged, this, [this](const QString &path) { showThumbnail(path); });
+    connect(&folder, &VideoFolder::thumbnailChanged, this,
+            [this](const QString &path) { showThumbnail(path); });
     const auto again = [this] { showFolder(); };
     connect(&folder, &VideoFolder::problemChanged, this, again);
     connect(&folder, &VideoFolder::isScanningChanged, this, [this] {
@@ -197,7 +198,8 @@ void WallpaperFolderCard::showTargets()
         _targetLine->addWidget(_target);
     }
     _target->disconnect(this);
-    _target->setCurrent(static_cast<int>(std::max<qsizetype>(targets.indexOf(wallpaper.multiDisplayTargetID()), 0)));
+    _target->setCurrent(
+        static_cast<int>(std::max<qsizetype>(targets.indexOf(wallpaper.multiDisplayTargetID()), 0)));
     connect(_target, &SegmentedChoice::wanted, this,
             [&wallpaper, targets](int index) { wallpaper.setMultiDisplayTarget(targets[index]); });
     _targetRow->setVisible(targets.size() > 1);

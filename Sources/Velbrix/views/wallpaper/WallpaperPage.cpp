@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 
 WallpaperPage::WallpaperPage(const ViewContext &context, QWidget *parent)
-    : Page(u"wallpaperPage"_s, u"动态壁纸"_s, u"让一段视频在桌面图标后面循环播放，每块屏幕可以各放各的。"_s, parent)
+    : Page(u"wallpaperPage"_s, u"动态壁纸"_s, u"让一段视频在桌面图标后面循环播放，每块屏幕可以各放各的。"_s,
+           parent)
 {
     add(new WallpaperPreviewCard(context));
     add(u"显示器"_s, new WallpaperDisplaysCard(context));

@@ -54,23 +54,19 @@ void WallpaperPlaybackCard::addSliders()
     Clock &clock = _context.services.clock;
     auto *volume = new ValueSlider(u"wallpaperVolume"_s, {0, 100, 30, u"%"_s});
     addRow(new SettingRow(u"音量"_s, u"只有主屏的视频出声，副屏始终静音"_s, volume));
-    auto *volumePace = new PacedSlider(volume, clock, [&preferences](int percent) {
-        preferences.setVolume(percent / 100.0);
-    });
-    follow(preferences, &WallpaperPreferences::volumeChanged, this, [volumePace, &preferences] {
-        volumePace->show(qRound(preferences.volume() * 100));
-    });
+    auto *volumePace = new PacedSlider(
+        volume, clock, [&preferences](int percent) { preferences.setVolume(percent / 100.0); });
+    follow(preferences, &WallpaperPreferences::volumeChanged, this,
+           [volumePace, &preferences] { volumePace->show(qRound(preferences.volume() * 100)); });
 
     auto *speed = new ValueSlider(
-        u"wallpaperSpeed"_s, {5, 40, 20, {}, [](int place) {
-                                  return QString::number(place * speedStep, 'f', 2) + u"×"_s;
-                              }});
+        u"wallpaperSpeed"_s,
+        {5, 40, 20, {}, [](int place) { return QString::number(place * speedStep, 'f', 2) + u"×"_s; }});
     addRow(new SettingRow(u"播放速度"_s, {}, speed));
-    auto *speedPace = new PacedSlider(
-        speed, clock, [&preferences](int place) { preferences.setSpeed(place * speedStep); });
-    follow(preferences, &WallpaperPreferences::speedChanged, this, [speedPace, &preferences] {
-        speedPace->show(qRound(preferences.speed() / speedStep));
-    });
+    auto *speedPace =
+        new PacedSlider(speed, clock, [&preferences](int place) { preferences.setSpeed(place * speedStep); });
+    follow(preferences, &WallpaperPreferences::speedChanged, this,
+           [speedPace, &preferences] { speedPace->show(qRound(preferences.speed() / speedStep)); });
 }
 
 void WallpaperPlaybackCard::addSwitches()

@@ -10,6 +10,7 @@
 #include "views/components/SymbolLabel.h"
 #include "views/wallpaper/PreviewStage.h"
 #include "views/wallpaper/VideoPanel.h"
+#include "views/wallpaper/WallpaperBadge.h"
 #include "views/wallpaper/WallpaperWords.h"
 
 #include <QDragEnterEvent>
@@ -66,30 +67,16 @@ QWidget *WallpaperPreviewCard::makeWords()
     for (QLabel *label : {_name, _facts, _notice})
         texts->addWidget(label);
     line->addLayout(texts, 1);
-    line->addWidget(makeBadge(), 0, Qt::AlignTop);
+    _badge = new WallpaperBadge(_context.theme);
+    line->addWidget(_badge, 0, Qt::AlignTop);
     return _words;
-}
-
-QWidget *WallpaperPreviewCard::makeBadge()
-{
-    auto *badge = new QWidget;
-    badge->setObjectName(u"wallpaperBadge"_s);
-    _badgeSymbol = new SymbolLabel(_context.theme, u"film"_s, 16, ThemeColor::secondary);
-    _badgeText = makeText({}, u"note"_s);
-    _badgeText->setWordWrap(false);
-    auto *line = new QHBoxLayout(badge);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(6);
-    line->addWidget(_badgeSymbol);
-    line->addWidget(_badgeText);
-    return badge;
 }
 
 QWidget *WallpaperPreviewCard::makeFailure()
 {
     QPushButton *const seen =
         makeButton(_context.theme, {u"wallpaperFailureSeen"_s, u"知道了"_s, {}, u"plain"_s});
-    _failure = new SettingRow(u"壁纸无法播放"_s, {}, seen);
+    _failure = new SettingRow(u"视频无法播放"_s, {}, seen);
     _failure->setObjectName(u"wallpaperFailure"_s);
     _failure->setLeading(new SymbolLabel(_context.theme, u"xmark.circle.fill"_s, 22, ThemeColor::bad));
     connect(seen, &QPushButton::clicked, this, [this] { _context.services.wallpaper.dismissFailure(); });
@@ -190,11 +177,7 @@ void WallpaperPreviewCard::showState()
 {
     const WallpaperController &wallpaper = _context.services.wallpaper;
     const WallpaperLook look = lookOf(wallpaper);
-    const BadgeLook badge = badgeOf(look);
-    _badgeSymbol->show(badge.symbol, badge.tint);
-    _badgeText->setText(badge.text);
-    setLook(_badgeText, "role", badge.role);
-
+    _badge->show(look);
     // What a refused file says is not what the older one does.
     const bool isPlaying = wallpaper.isShowing() && !wallpaper.isPaused();
     const QString text = isPlaying ? u"暂停"_s : wallpaper.isShowing() ? u"继续"_s : u"播放"_s;
@@ -206,6 +189,7 @@ void WallpaperPreviewCard::showState()
                                          canPress ? ThemeColor::onFill : ThemeColor::secondary));
     _stop->setEnabled(wallpaper.isShowing());
 
+    _failure->setDescription(wallpaper.isShowing() ? u"原来的壁纸仍在播放"_s : QString());
     _failure->setNote(wallpaper.state().message, u"bad"_s);
     _failure->setVisible(look == WallpaperLook::failed);
 }
@@ -279,6 +263,9 @@ void WallpaperPreviewCard::loadLastVideo()
     WallpaperController &wallpaper = _context.services.wallpaper;
     // A load under way would be outdated by this one.
     if (_hasLoadedLast || wallpaper.video().videoURL() || wallpaper.video().isLoading())
+        return;
+    // It is about to be played anyway.
+    if (wallpaper.preferences().autoPlay() && !wallpaper.power().blocks())
         return;
     const auto last = wallpaper.preferences().lastVideoPath();
     if (!last || !QFileInfo(*last).isFile() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())

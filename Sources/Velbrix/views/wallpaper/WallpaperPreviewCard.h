@@ -11,7 +11,7 @@ namespace velbrix {
 class EmptyState;
 class PreviewStage;
 class SettingRow;
-class SymbolLabel;
+class WallpaperBadge;
 
 // The chosen video: how it looks, what it is doing, and its controls. A video
 // dropped here is played.
@@ -28,7 +28,6 @@ protected:
 
 private:
     QWidget *makeWords();
-    QWidget *makeBadge();
     QWidget *makeFailure();
     QWidget *makeButtons();
     void followWallpaper();
@@ -48,8 +47,7 @@ private:
     QWidget *_words = nullptr;
     QLabel *_name = nullptr;
     QLabel *_facts = nullptr;
-    SymbolLabel *_badgeSymbol = nullptr;
-    QLabel *_badgeText = nullptr;
+    WallpaperBadge *_badge = nullptr;
     SettingRow *_failure = nullptr;
     QLabel *_notice = nullptr;
     QWidget *_buttons = nullptr;
