@@ -30,7 +30,7 @@ AppServices::AppServices(Platform &host, Clock &time)
                 settings, time, wallpaperFolders(),
                 [this] {
                     const std::lock_guard guard(powerLock);
-                    return isInBackground();
+                    return _background;
                 }),
       recorder({*host.screenCapture, *host.audioDevices, *host.movieFiles, *host.permissions}, settings,
                time),
@@ -44,7 +44,11 @@ AppServices::~AppServices() = default;
 
 void AppServices::setInBackground(bool inBackground)
 {
-    const std::lock_guard guard(powerLock);
+    {
+        const std::lock_guard guard(powerLock);
+        _background = inBackground;
+    }
+    // Announced outside the lock: whoever hears of it may ask.
     _isInBackground = inBackground;
 }
 

@@ -43,11 +43,12 @@ public:
     PrivacyManager privacy;
     AppRouter router;
     HotkeyManager hotkeys;
-    std::mutex powerLock; // guards isInBackground for readers of other threads
+    std::mutex powerLock; // guards the background flag
 
     void setInBackground(bool inBackground);
 
     VELB_PUBLISHED(AppServices, bool, isInBackground, false)
+    bool _background = false;
 };
 
 } // namespace velbrix

@@ -98,6 +98,8 @@ void WallpaperController::followParts()
 QCoro::Task<bool> WallpaperController::apply()
 {
     const QPointer self(this);
+    if (_isShutDown)
+        co_return false;
     _notice = QString();
     if (_power.blocks()) {
         say(u"blocked: on battery (pauseOnBattery)"_s);
@@ -110,8 +112,9 @@ QCoro::Task<bool> WallpaperController::apply()
     }
     const auto path = _video.videoURL();
     if (!path) {
-        _notice = u"请先选择一个视频"_s;
-        co_return false;
+        showSecondaryOnly();
+        _notice = isShowing() ? QString() : u"请先选择一个视频"_s;
+        co_return isShowing();
     }
     if (!isFile(path)) {
         refuse(u"无法读取视频：文件不存在"_s);
@@ -224,10 +227,13 @@ void WallpaperController::hardResume(const QString &reason)
         refreshStaticDesktop(u"hardResume"_s);
         return;
     }
-    if (const auto last = _preferences.lastVideoPath(); isFile(last))
+    const auto last = _preferences.lastVideoPath();
+    if (isFile(last))
         loadAndApply(*last);
+    else if (last)
+        _notice = u"上次的视频已不在原处，请重新选择：%1"_s.arg(QFileInfo(*last).fileName());
     else
-        _notice = u"请先选择一个视频"_s;
+        applyWallpaper();
 }
 
 void WallpaperController::togglePlayPause()
@@ -322,6 +328,7 @@ void WallpaperController::handleUnhide()
 
 void WallpaperController::shutDown()
 {
+    _isShutDown = true;
     stopWallpaper();
     _preview.stop();
     _folder.cancelScan();

@@ -84,8 +84,8 @@ public:
     // Once, later at the start.
     void autoRestoreOnLaunch();
     void handleUnhide();
-    // At the end of the program: stops and puts everything back. The end may
-    // come when isSettled().
+    // At the end of the program: stops, puts everything back and starts nothing
+    // any more. The end may come when isSettled().
     void shutDown();
     bool isSettled() const { return !_staticDesktop.isWorking() && !_dock.isWorking(); }
 
@@ -146,6 +146,7 @@ private:
     DockHiding _dock;
     std::function<bool()> _isInBackground;
     int _applyGeneration = 0;
+    bool _isShutDown = false;
 };
 
 } // namespace velbrix
