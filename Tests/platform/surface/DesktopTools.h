@@ -86,11 +86,11 @@ public:
     QImage screen()
     {
         const auto &root = _connection->screen();
-        const XReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-            _connection->xcb(),
-            xcb_get_image(_connection->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, root.root, 0, 0,
-                          root.width_in_pixels, root.height_in_pixels, ~0U),
-            nullptr));
+        const XReply<xcb_get_image_reply_t> reply(
+            xcb_get_image_reply(_connection->xcb(),
+                                xcb_get_image(_connection->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, root.root, 0, 0,
+                                              root.width_in_pixels, root.height_in_pixels, ~0U),
+                                nullptr));
         if (!reply)
             return {};
         return QImage(xcb_get_image_data(reply.get()), root.width_in_pixels, root.height_in_pixels,
@@ -113,9 +113,10 @@ public:
         const std::uint32_t values[] = {connection.screen().white_pixel, isUnmanaged ? 1U : 0U};
         xcb_create_window(connection.xcb(), XCB_COPY_FROM_PARENT, _id, connection.root(),
                           static_cast<std::int16_t>(frame.x()), static_cast<std::int16_t>(frame.y()),
-                          static_cast<std::uint16_t>(frame.width()), static_cast<std::uint16_t>(frame.height()),
-                          0, XCB_WINDOW_CLASS_INPUT_OUTPUT, connection.screen().root_visual,
-                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+                          static_cast<std::uint16_t>(frame.width()),
+                          static_cast<std::uint16_t>(frame.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          connection.screen().root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
+                          values);
         // The user's place.
         _observer.setNumbers(_id, "WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS,
                              {3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});

@@ -51,7 +51,10 @@ class LoginManager final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
 public Q_SLOTS:
-    QDBusObjectPath GetSession(const QString &id) { return QDBusObjectPath(id == u"1"_s ? sessionPath : u"/"_s); }
+    QDBusObjectPath GetSession(const QString &id)
+    {
+        return QDBusObjectPath(id == u"1"_s ? sessionPath : u"/"_s);
+    }
 };
 
 class LoginSession final : public QObject {
@@ -136,7 +139,8 @@ private Q_SLOTS:
     {
         FakeDesktopVisibility visibility;
         keepsContract(
-            visibility, [] {}, [&] { visibility.set({.coveredDisplays = {1}}); }, [&] { visibility.set({}); });
+            visibility, [] {}, [&] { visibility.set({.coveredDisplays = {1}}); },
+            [&] { visibility.set({}); });
         QCOMPARE(visibility.watchers, 0);
     }
     void x11KeepsTheContract()
@@ -163,13 +167,19 @@ private Q_SLOTS:
         const QByteArray full("_NET_WM_STATE_FULLSCREEN");
         const QByteArray normal("_NET_WM_WINDOW_TYPE_NORMAL");
         constexpr quint32 opaque = 0xffffffff;
-        QTest::newRow("full-screen") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque << true;
-        QTest::newRow("without decorations") << whole << false << false << QByteArray() << normal << opaque << true;
+        QTest::newRow("full-screen") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque
+                                     << true;
+        QTest::newRow("without decorations")
+            << whole << false << false << QByteArray() << normal << opaque << true;
         QTest::newRow("lock") << whole << true << false << QByteArray() << normal << opaque << true;
-        QTest::newRow("too small") << QRect(0, 0, 1280, 700) << false << false << QByteArray() << normal << opaque << false;
-        QTest::newRow("translucent") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque / 2 << false;
-        QTest::newRow("below all") << whole << false << false << QByteArray("_NET_WM_STATE_BELOW") << normal << opaque << false;
-        QTest::newRow("desktop") << whole << false << false << QByteArray() << QByteArray("_NET_WM_WINDOW_TYPE_DESKTOP") << opaque << false;
+        QTest::newRow("too small") << QRect(0, 0, 1280, 700) << false << false << QByteArray() << normal
+                                   << opaque << false;
+        QTest::newRow("translucent") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque / 2
+                                     << false;
+        QTest::newRow("below all") << whole << false << false << QByteArray("_NET_WM_STATE_BELOW") << normal
+                                   << opaque << false;
+        QTest::newRow("desktop") << whole << false << false << QByteArray()
+                                 << QByteArray("_NET_WM_WINDOW_TYPE_DESKTOP") << opaque << false;
         QTest::newRow("decorated") << whole << false << true << QByteArray() << normal << opaque << false;
     }
     void knowsWhatCovers()

@@ -164,10 +164,11 @@ struct Desktop {
         const XProperty picture = connection.property(connection.root(), "_XROOTPMAP_ID");
         QImage image(whole.size(), QImage::Format_RGB32);
         image.fill(observer.pixel({1200, 700}));
-        const XReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-            connection.xcb(),
-            xcb_get_image(connection.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, picture.value(0), 0, 0, 1280, 800, ~0U),
-            nullptr));
+        const XReply<xcb_get_image_reply_t> reply(
+            xcb_get_image_reply(connection.xcb(),
+                                xcb_get_image(connection.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, picture.value(0),
+                                              0, 0, 1280, 800, ~0U),
+                                nullptr));
         if (reply)
             image = QImage(xcb_get_image_data(reply.get()), 1280, 800, QImage::Format_RGB32).copy();
         return image;
@@ -242,7 +243,8 @@ private Q_SLOTS:
         coloured.window->setLayer(SurfaceLayer::aboveIcons);
         QTRY_COMPARE(share(observer.screen(), whole, red), 1.0);
         // Clicks do not reach them: nothing is deselected.
-        QVERIFY(run(u"xdotool"_s, {u"mousemove"_s, u"900"_s, u"600"_s, u"click"_s, u"1"_s, u"click"_s, u"3"_s}));
+        QVERIFY(
+            run(u"xdotool"_s, {u"mousemove"_s, u"900"_s, u"600"_s, u"click"_s, u"1"_s, u"click"_s, u"3"_s}));
         QTest::qWait(300);
         QCOMPARE(share(observer.screen(), whole, red), 1.0);
         coloured.window->setLayer(SurfaceLayer::belowIcons);
@@ -294,7 +296,9 @@ private Q_SLOTS:
             painter.end();
             const QString path = folder.filePath(u"picture%1.png"_s.arg(round));
             QVERIFY(picture.save(path));
-            const auto shown = [&] { return desktop.backdrop().copy(300, 0, 900, 800) == picture.copy(300, 0, 900, 800); };
+            const auto shown = [&] {
+                return desktop.backdrop().copy(300, 0, 900, 800) == picture.copy(300, 0, 900, 800);
+            };
             desktop.setPicture(path);
             double least = 1;
             const auto look = [&] {
@@ -321,7 +325,9 @@ private Q_SLOTS:
         ForeignWindow other(QRect(100, 100, 300, 200));
         other.map();
         const auto active = [&] {
-            return observer.connection().property(observer.connection().root(), "_NET_ACTIVE_WINDOW").value(0);
+            return observer.connection()
+                .property(observer.connection().root(), "_NET_ACTIVE_WINDOW")
+                .value(0);
         };
         QTRY_VERIFY(observer.clients().contains(other.id()));
         QVERIFY(run(u"wmctrl"_s, {u"-i"_s, u"-a"_s, QString::number(other.id())}));
@@ -333,7 +339,8 @@ private Q_SLOTS:
         QTRY_COMPARE(share(observer.screen(), QRect(500, 0, 780, 800), red), 1.0);
         QCOMPARE(observer.pixel({200, 200}), QColor(Qt::white));
         QCOMPARE(active(), other.id());
-        for (const char *state : {"_NET_WM_STATE_BELOW", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"})
+        for (const char *state :
+             {"_NET_WM_STATE_BELOW", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"})
             QVERIFY2(observer.hasAtom(id, "_NET_WM_STATE", state), state);
         QCOMPARE(observer.connection().property(id, "_NET_WM_DESKTOP").value(0), 0xffffffffU);
         QCOMPARE(observer.connection().property(id, "_NET_WM_NAME").bytes, QByteArray("Velbrix"));
@@ -395,14 +402,16 @@ private Q_SLOTS:
         QTRY_COMPARE(share(observer.screen(), whole, red), 1.0);
         const WindowManager next(u"xfwm4"_s);
         const auto type = [&] {
-            return observer.hasAtom(coloured.window->id(), "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_NORMAL");
+            return observer.hasAtom(coloured.window->id(), "_NET_WM_WINDOW_TYPE",
+                                    "_NET_WM_WINDOW_TYPE_NORMAL");
         };
         QTRY_VERIFY(type());
         ForeignWindow other(QRect(100, 100, 300, 200));
         other.map();
         QTRY_COMPARE(observer.pixel({200, 200}), QColor(Qt::white));
         QTRY_COMPARE(share(observer.screen(), QRect(500, 0, 780, 800), red), 1.0);
-        QCOMPARE(observer.connection().property(coloured.window->id(), "_NET_WM_DESKTOP").value(0), 0xffffffffU);
+        QCOMPARE(observer.connection().property(coloured.window->id(), "_NET_WM_DESKTOP").value(0),
+                 0xffffffffU);
     }
 
     void reportsALostServer()

@@ -54,7 +54,8 @@ private Q_SLOTS:
         const QList<velbrix::Display> one = displays.list;
         QList<velbrix::Display> two = one;
         two.append({2, u"Second"_s, false, QRect(1280, 0, 640, 480), QRect(1280, 0, 640, 480)});
-        keepsContract(displays, [&] { displays.set(two); }, [&] { displays.set(one); });
+        keepsContract(
+            displays, [&] { displays.set(two); }, [&] { displays.set(one); });
     }
     void x11KeepsTheContract()
     {

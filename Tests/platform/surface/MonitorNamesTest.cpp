@@ -32,8 +32,10 @@ private Q_SLOTS:
         };
         QTest::newRow("none") << QByteArray() << QString();
         QTest::newRow("no name") << head + timing.repeated(4) << QString();
-        QTest::newRow("third descriptor") << head + timing + timing + named("DELL U2720\n") + timing << u"DELL U2720"_s;
-        QTest::newRow("full width") << head + named("LG ULTRAWIDE1") + timing.repeated(3) << u"LG ULTRAWIDE1"_s;
+        QTest::newRow("third descriptor")
+            << head + timing + timing + named("DELL U2720\n") + timing << u"DELL U2720"_s;
+        QTest::newRow("full width") << head + named("LG ULTRAWIDE1") + timing.repeated(3)
+                                    << u"LG ULTRAWIDE1"_s;
         QTest::newRow("cut off") << head + named("DELL\n").left(9) << QString();
     }
     void readsNames()

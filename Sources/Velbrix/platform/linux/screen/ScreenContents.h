@@ -14,7 +14,7 @@ struct Monitor {
     quint32 id = 0; // the same for the same connector in every session
     PixelRect rect; // inside the root
     bool isPrimary = false;
-    QByteArray connector;   // the server's name for it, like "HDMI-1"
+    QByteArray connector;    // the server's name for it, like "HDMI-1"
     quint32 firstOutput = 0; // of RandR; 0 where there is none
 
     bool operator==(const Monitor &) const = default;

@@ -53,8 +53,8 @@ public:
             return;
         _frame = frame;
         setPlaceHint(_connection, _id, windowRect());
-        const std::array<std::uint32_t, 4> values{
-            static_cast<std::uint32_t>(frame.x()), static_cast<std::uint32_t>(frame.y()), width(), height()};
+        const std::array<std::uint32_t, 4> values{static_cast<std::uint32_t>(frame.x()),
+                                                  static_cast<std::uint32_t>(frame.y()), width(), height()};
         xcb_configure_window(_connection.xcb(), _id,
                              XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                                  XCB_CONFIG_WINDOW_HEIGHT,
@@ -159,8 +159,8 @@ private:
         std::vector<xcb_rectangle_t> holes;
         if (showsIcons()) {
             for (const PixelRect &icon : _layer->icons()) {
-                const PixelRect part =
-                    intersected(translated(icon, -_frame.x(), -_frame.y()), {0, 0, _frame.width(), _frame.height()});
+                const PixelRect part = intersected(translated(icon, -_frame.x(), -_frame.y()),
+                                                   {0, 0, _frame.width(), _frame.height()});
                 if (!isEmpty(part))
                     holes.push_back({static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(part.y),
                                      static_cast<std::uint16_t>(part.width),
@@ -184,10 +184,7 @@ private:
                              XCB_CLIP_ORDERING_UNSORTED, _id, 0, 0, count, &whole);
     }
 
-    xcb_rectangle_t inside() const
-    {
-        return {0, 0, width(), static_cast<std::uint16_t>(_frame.height())};
-    }
+    xcb_rectangle_t inside() const { return {0, 0, width(), static_cast<std::uint16_t>(_frame.height())}; }
 
     const std::shared_ptr<DesktopLayer> _layer;
     X11Connection &_connection;
@@ -201,7 +198,8 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<DesktopWindow>> DesktopWindow::create(const QRect &frame, std::function<void()> exposed)
+Result<std::unique_ptr<DesktopWindow>> DesktopWindow::create(const QRect &frame,
+                                                             std::function<void()> exposed)
 {
     auto layer = DesktopLayer::shared();
     if (!layer)

@@ -21,7 +21,9 @@ enum Level : std::uint8_t { same, faint, clear };
 class LevelMap {
 public:
     LevelMap(int width, int height)
-        : _width(width), _height(height), _stride(static_cast<std::size_t>(width) + 2 * edge),
+        : _width(width),
+          _height(height),
+          _stride(static_cast<std::size_t>(width) + 2 * edge),
           _levels(_stride * (static_cast<std::size_t>(height) + 2 * edge), faint)
     {
     }

@@ -99,8 +99,8 @@ void IconWindow::rest()
 }
 
 // In the buffer, if there is one. Null when it cannot be had.
-std::unique_ptr<GrabBuffer> IconWindow::grab(std::unique_ptr<GrabBuffer> buffer, xcb_drawable_t drawable, int x,
-                                             int y, const PixelRect &where) const
+std::unique_ptr<GrabBuffer> IconWindow::grab(std::unique_ptr<GrabBuffer> buffer, xcb_drawable_t drawable,
+                                             int x, int y, const PixelRect &where) const
 {
     if (!buffer)
         buffer = std::make_unique<GrabBuffer>(_connection);

@@ -44,8 +44,8 @@ private:
     };
 
     std::optional<PixelRect> place() const;
-    std::unique_ptr<GrabBuffer> grab(std::unique_ptr<GrabBuffer> buffer, xcb_drawable_t drawable, int x, int y,
-                                     const PixelRect &where) const;
+    std::unique_ptr<GrabBuffer> grab(std::unique_ptr<GrabBuffer> buffer, xcb_drawable_t drawable, int x,
+                                     int y, const PixelRect &where) const;
     std::optional<std::vector<PixelRect>> compare(const PixelRect &where, xcb_pixmap_t rootPicture);
     bool matchesRoot(xcb_pixmap_t picture) const;
 

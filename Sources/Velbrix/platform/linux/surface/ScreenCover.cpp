@@ -48,8 +48,8 @@ QSet<quint32> coveredMonitors(const std::vector<Monitor> &monitors,
 
 ScreenCover::ScreenCover(X11Connection &connection) : _connection(connection)
 {
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                               XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    const std::uint32_t mask =
+        XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(_connection.xcb(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
     if (_connection.has().randr)
         xcb_randr_select_input(_connection.xcb(), _connection.root(),

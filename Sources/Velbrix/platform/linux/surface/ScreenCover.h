@@ -12,7 +12,7 @@ namespace velbrix {
 
 // A window as far as it may hide the desktop.
 struct CoveringWindow {
-    PixelRect rect; // in the root
+    PixelRect rect;            // in the root
     bool isFullScreen = false; // as the window manager says
     bool isBare = false;       // without decorations
     bool isOpaque = true;

@@ -76,7 +76,8 @@ void SessionLock::watchLoginSession()
         call.setArguments({static_cast<uint>(QCoreApplication::applicationPid())});
     else
         call.setArguments({session});
-    ask<QDBusObjectPath>(this, bus, call, [this](const QDBusObjectPath &path) { followLoginSession(path.path()); });
+    ask<QDBusObjectPath>(this, bus, call,
+                         [this](const QDBusObjectPath &path) { followLoginSession(path.path()); });
 }
 
 void SessionLock::followLoginSession(const QString &path)

@@ -26,9 +26,10 @@ QRect visibleFrame(const QRect &monitor, const QSize &root, std::span<const Stru
     const int fromRight = root.width() - monitor.right() - 1;
     const int fromBottom = root.height() - monitor.bottom() - 1;
     for (const Strut &strut : struts) {
-        left = std::max(left, depth(strut.left, monitor.x(), monitor.width(), monitor.top(), monitor.bottom()));
-        right = std::max(right,
-                         depth(strut.right, fromRight, monitor.width(), monitor.top(), monitor.bottom()));
+        left =
+            std::max(left, depth(strut.left, monitor.x(), monitor.width(), monitor.top(), monitor.bottom()));
+        right =
+            std::max(right, depth(strut.right, fromRight, monitor.width(), monitor.top(), monitor.bottom()));
         top = std::max(top, depth(strut.top, monitor.y(), monitor.height(), monitor.left(), monitor.right()));
         bottom = std::max(bottom,
                           depth(strut.bottom, fromBottom, monitor.height(), monitor.left(), monitor.right()));
@@ -40,8 +41,7 @@ QRect visibleFrame(const QRect &monitor, const QSize &root, std::span<const Stru
 std::optional<Strut> readStrut(X11Connection &connection, xcb_window_t window)
 {
     const XProperty partial = connection.property(window, "_NET_WM_STRUT_PARTIAL");
-    const XProperty whole =
-        partial.count() < 12 ? connection.property(window, "_NET_WM_STRUT") : XProperty{};
+    const XProperty whole = partial.count() < 12 ? connection.property(window, "_NET_WM_STRUT") : XProperty{};
     const bool isPartial = partial.count() >= 12;
     if (!isPartial && whole.count() < 4)
         return std::nullopt;
@@ -55,8 +55,8 @@ std::optional<Strut> readStrut(X11Connection &connection, xcb_window_t window)
                          isPartial ? number(ranges + 1) : std::numeric_limits<int>::max()};
     };
     const Strut strut{edge(0), edge(1), edge(2), edge(3)};
-    const bool isAny = strut.left.width > 0 || strut.right.width > 0 || strut.top.width > 0 ||
-                       strut.bottom.width > 0;
+    const bool isAny =
+        strut.left.width > 0 || strut.right.width > 0 || strut.top.width > 0 || strut.bottom.width > 0;
     return isAny ? std::optional(strut) : std::nullopt;
 }
 

@@ -19,8 +19,7 @@ namespace {
 
 constexpr std::uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
 constexpr std::uint16_t randrEvents = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
-                                      XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                                      XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
+                                      XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
 
 } // namespace
 
@@ -72,7 +71,8 @@ void X11Displays::observe(std::function<void()> changed)
 {
     _observers.push_back(std::move(changed));
     // Not during the program's start.
-    QMetaObject::invokeMethod(&_context, [this] { monitors(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &_context, [this] { monitors(); }, Qt::QueuedConnection);
 }
 
 void X11Displays::tellObservers() const
@@ -204,9 +204,9 @@ QString X11Displays::Monitors::nameOf(quint32 output, const QByteArray &connecto
         nullptr));
     if (!edid)
         return socket;
-    const QString name = edidName(
-        QByteArray(reinterpret_cast<const char *>(xcb_randr_get_output_property_data(edid.get())),
-                   xcb_randr_get_output_property_data_length(edid.get())));
+    const QString name =
+        edidName(QByteArray(reinterpret_cast<const char *>(xcb_randr_get_output_property_data(edid.get())),
+                            xcb_randr_get_output_property_data_length(edid.get())));
     return name.isEmpty() ? socket : u"%1（%2）"_s.arg(name, socket);
 }
 
