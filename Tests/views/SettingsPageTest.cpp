@@ -51,7 +51,9 @@ void SettingsPageTest::onlyToolsThatExistHaveShortcuts()
     Rig rig;
     rig.open();
     QVERIFY(rig.find(u"shortcut.recordToggle"_s));
-    QVERIFY(!rig.find(u"shortcut.hideDock"_s));
+    QVERIFY(rig.find(u"shortcut.hideDesktopIcons"_s));
+    QVERIFY(rig.find(u"shortcut.hideDock"_s));
+    QVERIFY(!rig.find(u"shortcut.windowSwitcher"_s));
 }
 
 void SettingsPageTest::shortcutIsCaptured()
