@@ -15,6 +15,7 @@ class WindowMode(DesktopTestCase):
         self.prepare(recordSystemAudio=False)
         self.target = self.color_window("目标窗口", RED, 60, 60, 400, 300)
         self.program = self.start()
+        self.program.do("show", "recorder")
         self.window = Window(self.program, self.program.wait_for_window())
 
     def choose_target(self):
