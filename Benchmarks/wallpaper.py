@@ -126,7 +126,7 @@ def measure_memory(loops, changes):
     wallpaper = Ours(short, VelbClean_WallpaperSpeed=2.0)
     watch_memory("loops", wallpaper, loops, lambda i: sleep_until(begin + (i + 1) * 0.25))
     wallpaper.end()
-    clips = [make_clip("first", 2), make_clip("second", 2, 25, "1280x720", "mandelbrot")]
+    clips = [make_clip("first", 2), make_clip("second", 2, 25, "1280x720", "testsrc")]
     wallpaper = Ours(clips[0])
     watch_memory("changes", wallpaper, changes,
                  lambda i: wallpaper.program.command("wallpaper", "set", str(clips[i % 2])))

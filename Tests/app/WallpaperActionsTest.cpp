@@ -144,7 +144,7 @@ private Q_SLOTS:
         QVERIFY(rig.surface()->isPlaying);
         rig.actions.stop();
         QVERIFY(QFile::remove(rig.a));
-        QCOMPARE(rig.answer(rig.actions.play()), u"!请先选择一个视频"_s);
+        QCOMPARE(rig.answer(rig.actions.play()), u"!上次的视频已不在原处，请重新选择：a.mp4"_s);
     }
 
     void eachDisplayHasItsOwn()
@@ -153,14 +153,18 @@ private Q_SLOTS:
         rig.plugSecond();
         rig.host.mediaProbe.factsOf[u"/bad.mp4"_s] = VideoFacts{};
         QCOMPARE(rig.answer(rig.actions.playVideoOn(2, u"/bad.mp4"_s)), u"!视频中没有画面轨道"_s);
-        QCOMPARE(rig.answer(rig.actions.playVideoOn(2, rig.b)), u"请先选择一个视频"_s);
+        QCOMPARE(rig.answer(rig.actions.playVideoOn(2, rig.b)), QString());
+        QCOMPARE(rig.surface(0)->path, rig.b);
         QCOMPARE(rig.answer(rig.actions.playVideoOn(1, rig.a)), QString());
+        QCOMPARE(rig.surface(1)->path, rig.a);
+        rig.actions.stop();
+        QCOMPARE(rig.answer(rig.actions.play()), QString());
         QCOMPARE(rig.surface(0)->path, rig.a);
         QCOMPARE(rig.surface(1)->path, rig.b);
-        rig.wallpaper().setMultiDisplayTarget(2);
+        rig.wallpaper().displays().setMultiDisplayTarget(2);
         rig.answer(rig.actions.playChosenVideo(rig.a));
         QCOMPARE(rig.surface(1)->path, rig.a);
-        rig.wallpaper().setMultiDisplayTarget(std::nullopt);
+        rig.wallpaper().displays().setMultiDisplayTarget(std::nullopt);
         rig.answer(rig.actions.playChosenVideo(rig.b));
         QCOMPARE(rig.surface(0)->path, rig.b);
     }

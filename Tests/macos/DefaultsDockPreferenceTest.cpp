@@ -1,12 +1,14 @@
 #include "platform/macos/DefaultsDockPreference.h"
 
 #include "foundation/SystemClock.h"
+#include "support/CapturedLog.h"
 
 #include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 namespace {
 
@@ -117,9 +119,12 @@ private Q_SLOTS:
         DockRig rig;
         rig.programs.defaults = defaults.isEmpty() ? u"/nowhere/x"_s : rig.program(u"defaults"_s, defaults);
         rig.programs.killall = killall.isEmpty() ? u"/nowhere/x"_s : rig.program(u"killall"_s, killall);
+        CapturedLog log;
         const Result<void> written = rig.setAutoHide(true);
-        QVERIFY(!written);
-        const QString said = written.error().message;
+        QCOMPARE(written, Result<void>(failure(u"无法更改程序坞的设置"_s)));
+        const QStringList lines = log.take(u"Wallpaper"_s);
+        QCOMPARE(lines.size(), 1);
+        const QString said = lines.first();
         // The words after a launch failure are the system's.
         QVERIFY2(message.endsWith(u' ') ? said.startsWith(message) && said != message : said == message,
                  qPrintable(said));

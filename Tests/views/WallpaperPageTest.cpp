@@ -322,7 +322,7 @@ void WallpaperPageTest::displaysComeAndGo()
     QTRY_VERIFY(rig.find(u"display.2"_s)); // new rows show with the next turn
     QVERIFY(rig.find(u"displayMap"_s));
     rig.click(u"wallpaperTarget.1"_s);
-    QVERIFY(rig.wallpaper().multiDisplayTargetID() == 2U);
+    QVERIFY(rig.wallpaper().displays().multiDisplayTargetID() == 2U);
     rig.host.displays.set(one);
     QVERIFY(!rig.find(u"display.2"_s));
     QVERIFY(!rig.find(u"targetRow"_s));

@@ -80,7 +80,7 @@ private Q_SLOTS:
         QCOMPARE(rig.surface()->calls,
                  (QStringList{u"setGravity crop"_s, u"setVolume 0.3"_s, u"observeTime 12000"_s, u"load "_s + file,
                               u"setLayer belowIcons"_s, u"orderFront"_s, u"play 1.5"_s}));
-        QVERIFY(rig.wallpaper().connectedDisplays().first().isPlaying);
+        QVERIFY(rig.wallpaper().displays().connectedDisplays().first().isPlaying);
         QVERIFY(rig.logged().contains(u"static desktop ← video frame (apply-video)"_s));
         QTRY_VERIFY(rig.wallpaper().isSettled());
         QCOMPARE(rig.host.desktopPicture.calls.size(), 2);
@@ -96,9 +96,14 @@ private Q_SLOTS:
         rig.host.mediaProbe.delay = 10s;
         rig.wallpaper().applyWallpaper();
         QVERIFY(rig.wallpaper().isApplying());
+        rig.services->setInBackground(true);
         rig.clock.advance(1s);
         QVERIFY(rig.wallpaper().isShowing() && !rig.wallpaper().isApplying());
+        QVERIFY(rig.host.desktopPicture.calls.isEmpty());
+        // It becomes the still picture when it comes.
         rig.clock.advance(10s);
+        QTRY_VERIFY(rig.wallpaper().isSettled());
+        QVERIFY(!rig.host.desktopPicture.calls.filter(u"set "_s).isEmpty());
     }
 
     void stoppingWhileItStartsKeepsItOff()
@@ -113,6 +118,91 @@ private Q_SLOTS:
         QVERIFY(rig.host.desktopPicture.calls.isEmpty());
     }
 
+    void stoppingOrEndingWhileItLoadsKeepsItOff_data()
+    {
+        QTest::addColumn<bool>("ends");
+        QTest::newRow("stop") << false;
+        QTest::newRow("end") << true;
+    }
+
+    void stoppingOrEndingWhileItLoadsKeepsItOff()
+    {
+        QFETCH(bool, ends);
+        WallpaperRig rig;
+        rig.host.settings.stored.insert(u"VelbClean_LastVideoPath"_s, rig.video(u"a.mp4"_s));
+        rig.host.mediaProbe.delay = 2s;
+        rig.wallpaper().resumeWallpaper();
+        QVERIFY(rig.wallpaper().canStop());
+        if (ends)
+            rig.wallpaper().shutDown();
+        else
+            rig.wallpaper().stopWallpaper();
+        QVERIFY(!rig.wallpaper().canStop());
+        rig.clock.advance(10s);
+        QVERIFY(!rig.wallpaper().isShowing() && rig.host.desktopPicture.calls.isEmpty());
+        rig.wallpaper().resumeWallpaper();
+        rig.clock.advance(10s);
+        QCOMPARE(rig.wallpaper().isShowing(), !ends);
+    }
+
+    void aPlugPulledWhileItStartsKeepsItOffUntilMains()
+    {
+        WallpaperRig rig;
+        rig.wallpaper().loadVideo(rig.video(u"a.mp4"_s));
+        rig.wallpaper().preferences().setAutoPlay(false);
+        rig.host.mediaProbe.delay = 500ms;
+        rig.wallpaper().applyWallpaper();
+        rig.host.power.set(true);
+        rig.clock.advance(5s);
+        QVERIFY(!rig.wallpaper().isShowing());
+        rig.host.power.set(false);
+        rig.clock.advance(5s);
+        QVERIFY(rig.wallpaper().isShowing());
+    }
+
+    void aDiskThatDoesNotAnswerIsTold()
+    {
+        WallpaperRig rig;
+        rig.host.mediaProbe.delay = 1h;
+        rig.wallpaper().loadVideo(rig.video(u"a.mp4"_s));
+        rig.clock.advance(15s);
+        QCOMPARE(rig.wallpaper().state().message, u"无法读取视频：存放它的磁盘没有回应"_s);
+        QVERIFY(!rig.wallpaper().video().isLoading());
+        rig.clock.advance(1h);
+    }
+
+    void otherDisplaysPlayWithoutAMainVideo()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        const QString file = rig.video(u"a.mp4"_s);
+        rig.wallpaper().setDisplayVideo(2, file);
+        rig.wallpaper().togglePlayPause();
+        QCOMPARE(rig.host.surfaces.surfaces.size(), 1);
+        QVERIFY(rig.wallpaper().state().isPlaying() && rig.surface()->isPlaying);
+        // It goes and comes back with its display.
+        const auto both = rig.host.displays.list;
+        rig.host.displays.set({both.first()});
+        QVERIFY(!rig.wallpaper().isShowing());
+        rig.host.displays.set(both);
+        QVERIFY(rig.wallpaper().isShowing());
+        rig.wallpaper().clearDisplayVideo(2);
+        QCOMPARE(rig.wallpaper().state().kind, Kind::idle);
+        QCOMPARE(rig.host.visibility.watchers, 0);
+    }
+
+    void aTargetThatWasUnpluggedIsNone()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.wallpaper().displays().setMultiDisplayTarget(2);
+        QCOMPARE(rig.wallpaper().displays().multiDisplayTargetID(), std::optional(2u));
+        rig.host.displays.set({rig.host.displays.list.first()});
+        QVERIFY(!rig.wallpaper().displays().multiDisplayTargetID());
+        rig.wallpaper().displays().setMultiDisplayTarget(1);
+        QVERIFY(!rig.wallpaper().displays().multiDisplayTargetID());
+    }
+
     void whatCannotBeShownIsTold_data()
     {
         QTest::addColumn<QString>("what");
@@ -121,6 +211,7 @@ private Q_SLOTS:
         QTest::newRow("no display") << u"display"_s << u"没有检测到显示器"_s;
         QTest::newRow("no player") << u"player"_s << u"没有播放器"_s;
         QTest::newRow("a page") << u"html"_s << u"此版本还不能显示HTML壁纸，请选择一个视频。"_s;
+        QTest::newRow("gone") << u"gone"_s << u"无法读取视频：文件不存在"_s;
         QTest::newRow("battery") << u"battery"_s << u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
     }
 
@@ -131,6 +222,8 @@ private Q_SLOTS:
         WallpaperController &wallpaper = rig.wallpaper();
         if (what != u"none")
             wallpaper.loadVideo(rig.video(u"a.mp4"_s));
+        if (what == u"gone")
+            QVERIFY(QFile::remove(rig.files.filePath(u"a.mp4"_s)));
         if (what == u"display")
             rig.host.displays.set({});
         if (what == u"player")
@@ -172,6 +265,7 @@ private Q_SLOTS:
         QCOMPARE(rig.logged(), QStringList{u"stopWallpaper"_s});
         QVERIFY(rig.host.surfaces.surfaces.isEmpty());
         QCOMPARE(rig.host.visibility.watchers, 0);
+        QVERIFY(!rig.wallpaper().canStop());
         QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::ready, file, {}}));
         QCOMPARE(rig.wallpaper().trayTitle(), u"播放壁纸"_s);
         QTRY_VERIFY(rig.wallpaper().isSettled());
@@ -354,13 +448,16 @@ private Q_SLOTS:
             {u"Velbrix_WallpaperOriginalDesktopPicture"_s, QJsonObject{{u"path"_s, u"/mine.jpg"_s}}},
             {u"Velbrix_WallpaperDockAutoHideActive"_s, true},
             {u"Velbrix_WallpaperDockAutoHideOriginal"_s, true}};
+        const QString left = rig.files.filePath(u"data/Velbrix/StaticDesktop/static_1.jpg"_s);
+        rig.host.desktopPicture.now = QJsonObject{{u"path"_s, left}};
         rig.wallpaper().recoverAfterCrash();
         QTRY_VERIFY(rig.wallpaper().isSettled());
-        QCOMPARE(rig.host.desktopPicture.calls, QStringList{u"restore {\"path\":\"/mine.jpg\"}"_s});
+        QCOMPARE(rig.host.desktopPicture.calls,
+                 (QStringList{u"current"_s, u"restore {\"path\":\"/mine.jpg\"}"_s}));
         QCOMPARE(rig.host.dock.calls, QStringList{u"set true"_s});
     }
 
-    void pageFilesStayReadable()
+    void whatTheSystemSaysIsRead()
     {
         WallpaperRig rig;
         QVERIFY(!rig.wallpaper().launchAtLogin());

@@ -39,7 +39,7 @@ void TrayController::followWallpaper()
     WallpaperController &wallpaper = _services.wallpaper;
     connect(&wallpaper, &WallpaperController::stateChanged, this, refreshNow);
     connect(&wallpaper, &WallpaperController::isPausedChanged, this, refreshNow);
-    connect(&wallpaper, &WallpaperController::connectedDisplaysChanged, this, refreshNow);
+    connect(&wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, refreshNow);
     connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, refreshNow);
     connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, this, refreshNow);
     connect(&wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this, refreshNow);

@@ -35,7 +35,7 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideo(const QString
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideoOn(quint32 displayID, const QString &path)
 {
-    const auto displays = _wallpaper.connectedDisplays();
+    const auto displays = _wallpaper.displays().connectedDisplays();
     const auto display = std::ranges::find(displays, displayID, &WallpaperDisplayInfo::id);
     if (display != displays.end() && display->isMain)
         return playVideo(path);
@@ -47,7 +47,7 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideoOn(quint32 dis
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playChosenVideo(const QString &path)
 {
-    const auto target = _wallpaper.multiDisplayTargetID();
+    const auto target = _wallpaper.displays().multiDisplayTargetID();
     return target ? playVideoOn(*target, path) : playVideo(path);
 }
 

@@ -14,11 +14,14 @@ class DesktopPicture {
 public:
     virtual ~DesktopPicture() = default;
 
-    // What restore() needs to bring back what is shown now. Only this host
-    // understands it; it may be stored, and contains the paths of the pictures.
+    // What restore() needs to bring back what is shown now: one entry for each
+    // place that keeps a picture, which only this host understands. It may be
+    // stored. An entry contains the paths of its pictures, or "ours": true where
+    // the place shows what set() gave it and knows no path.
     virtual QCoro::Task<Result<QJsonObject>> current() = 0;
     // The file must stay as long as it is the picture.
     virtual QCoro::Task<Result<void>> set(const QString path) = 0;
+    // Some of the entries do, too; a place without one stays as it is.
     virtual QCoro::Task<Result<void>> restore(const QJsonObject picture) = 0;
 };
 

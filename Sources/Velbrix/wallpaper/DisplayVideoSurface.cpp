@@ -15,6 +15,8 @@ constexpr auto lookInterval = 5s;
 constexpr auto firstPatience = 10s;
 // A video that really stands still for long must come to its end some time.
 constexpr auto mostPatience = 160s;
+// Having run for so long it is no video that stands still by nature.
+constexpr auto recovery = 5min;
 
 } // namespace
 
@@ -108,8 +110,12 @@ void DisplayVideoSurface::look()
     const qint64 progress = _surface->progress();
     if (std::exchange(_lastProgress, progress) != progress) {
         _stillFor = 0s;
+        _movedFor += lookInterval;
+        if (_movedFor >= recovery)
+            _patience = firstPatience;
         return;
     }
+    _movedFor = 0s;
     _stillFor += lookInterval;
     if (_stillFor < _patience)
         return;

@@ -51,6 +51,7 @@ private:
     std::unique_ptr<Alarm> _watchdog;
     qint64 _lastProgress = 0;
     std::chrono::seconds _stillFor{0};
+    std::chrono::seconds _movedFor{0};
     std::chrono::seconds _patience;
 };
 

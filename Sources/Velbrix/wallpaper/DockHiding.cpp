@@ -1,6 +1,5 @@
 #include "wallpaper/DockHiding.h"
 
-#include "foundation/Log.h"
 #include "wallpaper/WallpaperPreferences.h"
 
 #include <QPointer>
@@ -59,8 +58,6 @@ QCoro::Task<> DockHiding::change(bool hides)
 void DockHiding::finish(const QString &problem)
 {
     _problem = problem;
-    if (!problem.isEmpty())
-        log::line(u"Wallpaper"_s, problem);
     _isWorking = false;
 }
 

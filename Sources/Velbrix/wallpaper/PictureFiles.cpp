@@ -24,12 +24,15 @@ qint64 creationTime(const QFileInfo &file)
     return match.hasMatch() ? match.captured(1).toLongLong() : file.lastModified().toMSecsSinceEpoch();
 }
 
-void prune(const QString &folder)
+// The newest file is the newest whatever the clock says.
+void prune(const QString &folder, const QString &newest)
 {
     QFileInfoList pictures = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden);
-    pictures.removeIf([](const QFileInfo &file) { return file.suffix().toLower() != u"jpg"; });
+    pictures.removeIf([&newest](const QFileInfo &file) {
+        return file.suffix().toLower() != u"jpg" || file.filePath() == newest;
+    });
     std::ranges::sort(pictures, std::ranges::greater(), creationTime);
-    for (qsizetype i = keptPictures; i < pictures.size(); ++i)
+    for (qsizetype i = keptPictures - 1; i < pictures.size(); ++i)
         QFile::remove(pictures[i].filePath());
 }
 
@@ -46,7 +49,7 @@ Result<QString> writePicture(const QImage &image, const QString &folder, qint64 
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "JPG", quality) || !file.commit())
         return failure(u"无法写入 %1：%2"_s.arg(path, file.errorString()));
-    prune(folder);
+    prune(folder, path);
     return path;
 }
 

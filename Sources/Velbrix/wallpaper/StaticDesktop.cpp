@@ -5,8 +5,10 @@
 #include "wallpaper/PictureFiles.h"
 
 #include <QCoroFuture>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QPointer>
+#include <QUrl>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <utility>
@@ -94,8 +96,16 @@ QCoro::Task<> StaticDesktop::restoreOriginal()
     if (!original)
         co_return;
     const QPointer self(this);
-    const QJsonObject picture = original->toObject();
-    const auto restored = co_await _picture.restore(picture);
+    QJsonObject picture = original->toObject();
+    const auto now = co_await _picture.current();
+    if (!self)
+        co_return;
+    // What the user has chosen since is his, and stays.
+    for (const QString &place : picture.keys()) {
+        if (now && now->contains(place) && !isOurs(now->value(place)))
+            picture.remove(place);
+    }
+    const auto restored = picture.isEmpty() ? Result<void>() : co_await _picture.restore(picture);
     if (!self)
         co_return;
     // Kept after a failure: the next stop or start tries again.
@@ -105,24 +115,35 @@ QCoro::Task<> StaticDesktop::restoreOriginal()
         _settings.remove(originalKey);
 }
 
+// Before each change: another program may have taken over the desktop, or the
+// user may have chosen a picture meanwhile.
 QCoro::Task<Result<void>> StaticDesktop::rememberOriginal()
 {
-    if (_settings.json(originalKey))
-        co_return {};
     const QPointer self(this);
     const auto now = co_await _picture.current();
     if (!now)
         co_return std::unexpected(now.error());
-    // After lost settings the desktop may still show one of our pictures.
-    if (!self || isOurs(*now))
+    if (!self)
         co_return {};
-    _settings.set(originalKey, *now);
+    const QJsonObject known = _settings.json(originalKey).value_or(QJsonValue()).toObject();
+    QJsonObject original = known;
+    for (auto place = now->begin(); place != now->end(); ++place) {
+        if (!isOurs(*place))
+            original.insert(place.key(), *place);
+    }
+    if (original == known)
+        co_return {};
+    _settings.set(originalKey, original);
     co_return _settings.flush();
 }
 
-bool StaticDesktop::isOurs(const QJsonObject &picture) const
+bool StaticDesktop::isOurs(const QJsonValue &place) const
 {
-    return QJsonDocument(picture).toJson(QJsonDocument::Compact).contains((_folder + u'/').toUtf8());
+    if (place.toObject().value(u"ours"_s).toBool())
+        return true;
+    const QByteArray text = QJsonDocument(QJsonArray{place}).toJson(QJsonDocument::Compact);
+    const QString folder = _folder + u'/';
+    return text.contains(folder.toUtf8()) || text.contains(QUrl::fromLocalFile(folder).toEncoded());
 }
 
 } // namespace velbrix

@@ -6,6 +6,7 @@
 
 #include <QCoroTask>
 #include <QImage>
+#include <QJsonValue>
 #include <QObject>
 
 #include <optional>
@@ -37,7 +38,7 @@ private:
     QCoro::Task<> apply(QImage image);
     QCoro::Task<> restoreOriginal();
     QCoro::Task<Result<void>> rememberOriginal();
-    bool isOurs(const QJsonObject &picture) const;
+    bool isOurs(const QJsonValue &place) const;
 
     DesktopPicture &_picture;
     SettingsStore &_settings;

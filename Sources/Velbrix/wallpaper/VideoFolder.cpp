@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <utility>
@@ -18,6 +19,13 @@ namespace {
 
 constexpr int picturesAtOnce = 2;
 constexpr int keptThumbnails = 160;
+
+// Never waited for: a folder on a disk that is gone would hold up the end.
+QThreadPool &workers()
+{
+    static auto *const pool = new QThreadPool;
+    return *pool;
+}
 
 QString folderProblem(const QString &folder)
 {
@@ -83,7 +91,7 @@ QCoro::Task<> VideoFolder::scan(QString folder)
     _scanCancelled = cancelled;
     _isScanning = true;
     const ThumbnailCache cache = _cache;
-    auto walk = QtConcurrent::run([folder, cancelled, cache] {
+    auto walk = QtConcurrent::run(&workers(), [folder, cancelled, cache] {
         QStringList found = videosBelow(folder, *cancelled);
         cache.prune();
         return found;
@@ -133,13 +141,13 @@ QCoro::Task<> VideoFolder::makeThumbnail(QString path)
     Cancellation cancellation;
     _running.insert(path, cancellation);
     const ThumbnailCache cache = _cache;
-    auto lookUp = QtConcurrent::run([cache, path] { return cache.find(path); });
+    auto lookUp = QtConcurrent::run(&workers(), [cache, path] { return cache.find(path); });
     QImage picture = co_await lookUp;
     if (self && picture.isNull() && !cancellation.isCancelled()) {
         const auto made = co_await _probe.frame(path, 1.0, thumbnailSize, cancellation);
         if (made) {
             picture = *made;
-            (void)QtConcurrent::run([cache, path, picture] { cache.store(path, picture); });
+            (void)QtConcurrent::run(&workers(), [cache, path, picture] { cache.store(path, picture); });
         }
     }
     if (!self || cancellation.isCancelled())

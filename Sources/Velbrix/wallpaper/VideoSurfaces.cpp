@@ -69,8 +69,11 @@ Result<void> VideoSurfaces::setUpMain()
         return failure(u"没有检测到显示器"_s);
     SurfaceEvents events;
     events.failed = [this](const Failure &reason) {
-        QMetaObject::invokeMethod(
-            this, [this, reason] { Q_EMIT mainFailed(reason.message); }, Qt::QueuedConnection);
+        const auto later = [this, reason, path = _main->videoURL()] {
+            if (_main && _main->videoURL() == path)
+                Q_EMIT mainFailed(reason.message);
+        };
+        QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
     };
     events.time = [this] { Q_EMIT timeReached(); };
     auto made = make(*display, std::move(events));
@@ -131,11 +134,7 @@ void VideoSurfaces::showSecondary(const Display &display, const QString &path)
         events.failed = [this, id](const Failure &reason) {
             // The surface cannot be taken away from inside its own event.
             QMetaObject::invokeMethod(
-                this,
-                [this, id, reason] {
-                    removeSecondary(id);
-                    Q_EMIT secondaryFailed(id, reason.message);
-                },
+                this, [this, id, reason, path = pathOn(id)] { dropFailed(id, path, reason); },
                 Qt::QueuedConnection);
         };
         auto made = make(display, std::move(events));
@@ -166,6 +165,22 @@ void VideoSurfaces::removeSecondary(quint32 displayID)
     _secondarySurfaces.erase(found);
 }
 
+std::optional<QString> VideoSurfaces::pathOn(quint32 displayID) const
+{
+    const auto found = _secondarySurfaces.find(displayID);
+    return found == _secondarySurfaces.end() ? std::nullopt : found->second->videoURL();
+}
+
+void VideoSurfaces::dropFailed(quint32 displayID, const std::optional<QString> &path, const Failure &reason)
+{
+    // Another video has taken its place meanwhile.
+    if (!path || pathOn(displayID) != path)
+        return;
+    removeSecondary(displayID);
+    followSight();
+    Q_EMIT secondaryFailed(displayID, reason.message);
+}
+
 void VideoSurfaces::fitToDisplays()
 {
     const QList<Display> displays = _hosts.displays.displays();
@@ -180,6 +195,7 @@ void VideoSurfaces::setPaused(bool paused)
 {
     _isPaused = paused;
     forEach([this](DisplayVideoSurface &one) { play(one); });
+    followSight();
 }
 
 void VideoSurfaces::stop()
@@ -259,7 +275,7 @@ void VideoSurfaces::forEach(const std::function<void(DisplayVideoSurface &)> &ca
 
 void VideoSurfaces::followSight()
 {
-    if (!isShowing())
+    if (!isShowing() || _isPaused)
         _sight.reset();
     else if (!_sight)
         _sight = _hosts.visibility.watch([this] { applySight(); });

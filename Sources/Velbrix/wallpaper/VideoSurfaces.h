@@ -62,6 +62,8 @@ private:
     Result<void> setUpMain();
     void showSecondary(const Display &display, const QString &path);
     void removeSecondary(quint32 displayID);
+    std::optional<QString> pathOn(quint32 displayID) const;
+    void dropFailed(quint32 displayID, const std::optional<QString> &path, const Failure &reason);
     void applyLayer(DisplayVideoSurface &surface);
     void forEach(const std::function<void(DisplayVideoSurface &)> &call) const;
     void followSight();

@@ -1,26 +1,23 @@
 #include "wallpaper/WallpaperController.h"
 
-#include "foundation/Deadline.h"
 #include "foundation/Log.h"
 #include "platform/LoginItem.h"
 #include "platform/Permissions.h"
+#include "wallpaper/LaunchRestore.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
-// The picture under the windows should be there before they move, but a slow
-// disk must not hold the wallpaper up.
-constexpr auto firstFrameLimit = 1s;
+const QString onBattery = u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
+const QString nothingChosen = u"请先选择一个视频"_s;
 
 void say(const QString &text)
 {
@@ -43,16 +40,16 @@ bool isFile(const std::optional<QString> &path)
 WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, Clock &clock, Folders folders,
                                          std::function<bool()> isInBackground, QObject *parent)
     : QObject(parent),
-      _displays(hosts.displays),
-      _clock(clock),
       _preferences(settings),
-      _video(hosts.probe),
+      _video(hosts.probe, clock),
       _folder(hosts.probe, _preferences, folders.thumbnails),
       _preview(hosts.surfaces),
       _surfaces({hosts.surfaces, hosts.displays, hosts.visibility}, _preferences, clock),
+      _displays(hosts.displays, _preferences, [this](quint32 id) { return _surfaces.isShowing(id); }),
       _staticDesktop(hosts.picture, settings, clock, folders.staticDesktop),
+      _still(_video, _surfaces, _staticDesktop, clock),
       _power(hosts.power, _preferences,
-             {[this] { return isShowing(); }, [this] { stopWallpaper(); }, [this] { resumeAfterBattery(); }}),
+             {[this] { return isShowing() || isApplying(); }, [this] { stopWallpaper(); }, [this] { resumeAfterBattery(); }}),
       _dock(hosts.dock, _preferences),
       _isInBackground(std::move(isInBackground))
 {
@@ -61,7 +58,7 @@ WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, C
     _accessibilityTrusted = hosts.permissions.accessibilityTrusted();
     followParts();
     _power.startPowerSourceMonitor();
-    _displays.observe([self = QPointer(this)] {
+    hosts.displays.observe([self = QPointer(this)] {
         if (self)
             self->displaysChanged();
     });
@@ -84,11 +81,13 @@ void WallpaperController::followParts()
     });
     connect(&_surfaces, &VideoSurfaces::secondaryFailed, this, [this](quint32, const QString &reason) {
         _notice = u"副显示器的视频无法播放："_s + reason;
+        if (!isShowing())
+            stopWallpaper();
         detectDisplays();
     });
     connect(&_surfaces, &VideoSurfaces::timeReached, this, [this] {
         if (state().isPlaying() && !isPaused() && !_isInBackground())
-            refreshStaticDesktop(u"time"_s);
+            _still.refreshStaticDesktop(u"time"_s);
     });
     connect(&_dock, &DockHiding::toggled, this, [this] { _surfaces.applyWindowLayering(); });
     connect(&_staticDesktop, &StaticDesktop::isWorkingChanged, this, &WallpaperController::isSettledChanged);
@@ -103,7 +102,7 @@ QCoro::Task<bool> WallpaperController::apply()
     _notice = QString();
     if (_power.blocks()) {
         say(u"blocked: on battery (pauseOnBattery)"_s);
-        _notice = u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
+        _notice = onBattery;
         co_return false;
     }
     if (_preferences.contentMode() != WallpaperContentMode::video) {
@@ -113,7 +112,7 @@ QCoro::Task<bool> WallpaperController::apply()
     const auto path = _video.videoURL();
     if (!path) {
         showSecondaryOnly();
-        _notice = isShowing() ? QString() : u"请先选择一个视频"_s;
+        _notice = isShowing() ? QString() : nothingChosen;
         co_return isShowing();
     }
     if (!isFile(path)) {
@@ -132,13 +131,10 @@ QCoro::Task<bool> WallpaperController::applyVideo(QString path)
 {
     const QPointer self(this);
     const int generation = _applyGeneration;
-    say(u"static desktop ← video frame (apply-video)"_s);
-    auto search = _video.frameAt(path, 0);
-    const auto frame = co_await withDeadline(_clock, firstFrameLimit, std::move(search));
-    if (!self || generation != _applyGeneration)
+    co_await _still.setFirstFrame(path, u"apply-video"_s);
+    // The plug may have been pulled meanwhile.
+    if (!self || generation != _applyGeneration || _power.blocks())
         co_return false;
-    if (frame && *frame)
-        _staticDesktop.setStaticDesktop(**frame);
     _isPaused = false;
     _surfaces.setPaused(false);
     show(path);
@@ -159,6 +155,8 @@ void WallpaperController::show(const QString &path)
 QCoro::Task<bool> WallpaperController::setVideo(const QString path)
 {
     const QPointer self(this);
+    if (_isShutDown)
+        co_return false;
     const QString file = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
     const auto outcome = co_await _video.load(file);
     if (!self || outcome.loaded == WallpaperVideo::Loaded::outdated)
@@ -171,7 +169,7 @@ QCoro::Task<bool> WallpaperController::setVideo(const QString path)
     _preferences.setLastVideoPath(file);
     if (_surfaces.hasMainItem()) {
         show(file);
-        refreshStaticDesktop(u"setVideo"_s);
+        _still.setFirstFrame(file, u"setVideo"_s);
     } else if (!isShowing()) {
         _state = WallpaperState{WallpaperState::Kind::ready, file, {}};
     }
@@ -184,6 +182,8 @@ void WallpaperController::stopWallpaper()
     say(u"stopWallpaper"_s);
     ++_applyGeneration;
     _isApplying = false;
+    _video.cancelLoad();
+    _still.cancel();
     _surfaces.stop();
     _staticDesktop.putBack();
     _isPaused = false;
@@ -204,7 +204,7 @@ void WallpaperController::resumeWallpaper()
 {
     if (_power.blocks()) {
         say(u"resume blocked: on battery"_s);
-        _notice = u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
+        _notice = onBattery;
         return;
     }
     _isPaused = false;
@@ -217,6 +217,8 @@ void WallpaperController::hardResume(const QString &reason)
         say(u"hardResume blocked: on battery (%1)"_s.arg(reason));
         return;
     }
+    if (_isShutDown)
+        return;
     _notice = QString();
     if (isShowing()) {
         _surfaces.setPaused(false);
@@ -224,7 +226,7 @@ void WallpaperController::hardResume(const QString &reason)
         _surfaces.applyWindowLayering();
         say(u"hardResume ok (%1) rate=%2"_s.arg(reason, decimal(clampedSpeed(_preferences.speed()))));
         _state = restingState();
-        refreshStaticDesktop(u"hardResume"_s);
+        _still.refreshStaticDesktop(u"hardResume"_s);
         return;
     }
     const auto last = _preferences.lastVideoPath();
@@ -248,7 +250,8 @@ void WallpaperController::togglePlayPause()
 
 bool WallpaperController::canToggle() const
 {
-    return !_power.blocks() && (isShowing() || _video.videoURL() || isFile(_preferences.lastVideoPath()));
+    return !_power.blocks() && (isShowing() || _video.videoURL() || _preferences.lastVideoPath() ||
+                                 !_preferences.perDisplayVideoPaths().isEmpty());
 }
 
 QString WallpaperController::trayTitle() const
@@ -266,35 +269,24 @@ void WallpaperController::recoverAfterCrash()
 
 void WallpaperController::autoRestoreOnLaunch()
 {
-    if (!_preferences.autoPlay())
-        say(u"autoRestore skipped: autoPlay=false"_s);
-    else if (_power.blocks())
-        say(u"autoRestore skipped: on battery"_s);
-    else if (state().isPlaying())
-        say(u"autoRestore skipped: already playing"_s);
-    else if (_preferences.contentMode() == WallpaperContentMode::video)
-        restoreLastVideo();
-}
-
-void WallpaperController::restoreLastVideo()
-{
-    if (_video.videoURL()) {
-        say(u"autoRestore apply current videoURL"_s);
+    LaunchFacts facts;
+    facts.autoPlay = _preferences.autoPlay();
+    facts.isOnBattery = _power.blocks();
+    facts.isPlaying = state().isPlaying();
+    facts.contentMode = _preferences.contentMode();
+    facts.hasVideo = _video.videoURL().has_value();
+    facts.lastVideoPath = _preferences.lastVideoPath();
+    facts.displayPaths = _preferences.perDisplayVideoPaths().size();
+    const LaunchPlan plan = launchPlan(facts);
+    for (const QString &line : plan.log)
+        say(line);
+    // A file that has gone is passed over.
+    if (plan.step == LaunchPlan::Step::applyCurrent && isFile(_video.videoURL()))
         applyWallpaper();
-        return;
-    }
-    if (const auto last = _preferences.lastVideoPath()) {
-        say(u"autoRestore load last path: "_s + *last);
-        if (isFile(last))
-            loadAndApply(*last);
-        return;
-    }
-    say(u"autoRestore: no last video path"_s);
-    const auto count = _preferences.perDisplayVideoPaths().size();
-    if (count == 0)
-        return;
-    say(u"autoRestore secondary-only paths count=%1"_s.arg(count));
-    showSecondaryOnly();
+    else if (plan.step == LaunchPlan::Step::loadLast && isFile(facts.lastVideoPath))
+        loadAndApply(*facts.lastVideoPath);
+    else if (plan.step == LaunchPlan::Step::secondaryOnly)
+        showSecondaryOnly();
 }
 
 void WallpaperController::showSecondaryOnly()
@@ -314,10 +306,10 @@ QCoro::Task<> WallpaperController::loadAndApply(QString path)
 
 void WallpaperController::resumeAfterBattery()
 {
-    if (_video.videoURL())
-        applyWallpaper();
-    else
+    if (!_video.videoURL())
         autoRestoreOnLaunch();
+    else if (isFile(_video.videoURL()))
+        applyWallpaper();
 }
 
 void WallpaperController::handleUnhide()
@@ -335,33 +327,12 @@ void WallpaperController::shutDown()
     _dock.putBack();
 }
 
-void WallpaperController::detectDisplays()
-{
-    QList<WallpaperDisplayInfo> found;
-    const DisplayVideoPaths paths = _preferences.perDisplayVideoPaths();
-    for (const Display &display : _displays.displays()) {
-        WallpaperDisplayInfo info;
-        info.id = display.id;
-        info.name = display.name;
-        info.isMain = display.isMain;
-        info.frame = display.frame;
-        if (display.isMain)
-            info.videoPath = _preferences.lastVideoPath();
-        else if (const auto own = paths.constFind(display.id); own != paths.constEnd())
-            info.videoPath = *own;
-        info.isPlaying = _surfaces.isShowing(display.id);
-        found.append(info);
-    }
-    _connectedDisplays = found;
-    _hasMultipleDisplays = found.size() > 1;
-}
-
 void WallpaperController::displaysChanged()
 {
-    if (isShowing()) {
+    // A wallpaper of other displays alone goes and comes back with them.
+    if (isShowing() || state().isPlaying()) {
         _surfaces.fitToDisplays();
-        const auto main = _surfaces.hasMainItem() ? _video.videoURL() : std::nullopt;
-        _surfaces.applySecondaryDisplays(main);
+        _surfaces.applySecondaryDisplays(_surfaces.hasMainItem() ? _video.videoURL() : std::nullopt);
         _surfaces.applyWindowLayering();
     }
     detectDisplays();
@@ -369,9 +340,7 @@ void WallpaperController::displaysChanged()
 
 QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const QString path)
 {
-    const auto displays = connectedDisplays();
-    const auto display = std::ranges::find(displays, displayID, &WallpaperDisplayInfo::id);
-    if (display != displays.end() && display->isMain) {
+    if (_displays.isMain(displayID)) {
         const bool isSet = co_await setVideo(path);
         co_return isSet;
     }
@@ -389,6 +358,8 @@ QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const 
 void WallpaperController::clearDisplayVideo(quint32 displayID)
 {
     _preferences.setDisplayVideoPath(displayID, std::nullopt);
+    if (state().isPlaying() && !isShowing())
+        stopWallpaper();
 }
 
 void WallpaperController::toggleHideDesktopIcons()
@@ -438,27 +409,6 @@ WallpaperState WallpaperController::restingState() const
     if (!path.isEmpty())
         return {WallpaperState::Kind::ready, path, {}};
     return {};
-}
-
-void WallpaperController::refreshStaticDesktop(const QString &reason)
-{
-    if (!_video.videoURL()) {
-        say(u"static desktop skip (%1): no video"_s.arg(reason));
-        return;
-    }
-    say(u"static desktop ← video frame (%1)"_s.arg(reason));
-    setShownFrame();
-}
-
-QCoro::Task<> WallpaperController::setShownFrame()
-{
-    const QPointer self(this);
-    const auto frame = co_await _surfaces.mainFrame();
-    if (!frame)
-        say(u"提取帧失败:"_s + frame.error().message);
-    // Stopped meanwhile: the user's own picture is back.
-    else if (self && isShowing())
-        _staticDesktop.setStaticDesktop(*frame);
 }
 
 } // namespace velbrix

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "foundation/Published.h"
+#include "wallpaper/ConnectedDisplays.h"
 #include "wallpaper/DockHiding.h"
 #include "wallpaper/PowerPolicy.h"
 #include "wallpaper/PreviewPlayer.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/VideoFolder.h"
+#include "wallpaper/VideoStill.h"
 #include "wallpaper/VideoSurfaces.h"
 #include "wallpaper/WallpaperPreferences.h"
 #include "wallpaper/WallpaperVideo.h"
@@ -29,10 +31,6 @@ class WallpaperController final : public QObject {
     VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
     // What the user should know about the last act; empty when all is well.
     VELB_PUBLISHED(WallpaperController, QString, notice)
-    VELB_PUBLISHED(WallpaperController, QList<WallpaperDisplayInfo>, connectedDisplays)
-    VELB_PUBLISHED(WallpaperController, bool, hasMultipleDisplays, false)
-    // The display that the next chosen video is for; nothing for the main one.
-    VELB_PUBLISHED(WallpaperController, std::optional<quint32>, multiDisplayTargetID)
     VELB_PUBLISHED(WallpaperController, bool, launchAtLogin, false)
     VELB_PUBLISHED(WallpaperController, bool, accessibilityTrusted, false)
 
@@ -77,6 +75,8 @@ public:
     QString trayTitle() const;
     // Windows are on the desktop, moving or not.
     bool isShowing() const { return _surfaces.isShowing(); }
+    // Something shows or is about to.
+    bool canStop() const { return isShowing() || isApplying() || _video.isLoading(); }
 
     // Once at the start of the program: what an earlier run could not put
     // back is put back.
@@ -89,10 +89,9 @@ public:
     void shutDown();
     bool isSettled() const { return !_staticDesktop.isWorking() && !_dock.isWorking(); }
 
-    void detectDisplays();
+    void detectDisplays() { _displays.detectDisplays(); }
     QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString path);
     void clearDisplayVideo(quint32 displayID);
-    void setMultiDisplayTarget(std::optional<quint32> displayID) { _multiDisplayTargetID = displayID; }
 
     void toggleHideDesktopIcons();
     void toggleDockAutoHide() { _dock.toggleDockAutoHide(); }
@@ -107,6 +106,7 @@ public:
 
     WallpaperPreferences &preferences() { return _preferences; }
     const WallpaperPreferences &preferences() const { return _preferences; }
+    ConnectedDisplays &displays() { return _displays; }
     WallpaperVideo &video() { return _video; }
     VideoFolder &folder() { return _folder; }
     PreviewPlayer &preview() { return _preview; }
@@ -124,24 +124,21 @@ private:
     QCoro::Task<bool> applyVideo(QString path);
     QCoro::Task<> loadAndApply(QString path);
     void hardResume(const QString &reason);
-    void restoreLastVideo();
     void resumeAfterBattery();
     void showSecondaryOnly();
     void show(const QString &path);
     void refuse(const QString &message);
-    void refreshStaticDesktop(const QString &reason);
-    QCoro::Task<> setShownFrame();
     void displaysChanged();
     WallpaperState restingState() const;
 
-    Displays &_displays;
-    Clock &_clock;
     WallpaperPreferences _preferences;
     WallpaperVideo _video;
     VideoFolder _folder;
     PreviewPlayer _preview;
     VideoSurfaces _surfaces;
+    ConnectedDisplays _displays;
     StaticDesktop _staticDesktop;
+    VideoStill _still;
     PowerPolicy _power;
     DockHiding _dock;
     std::function<bool()> _isInBackground;

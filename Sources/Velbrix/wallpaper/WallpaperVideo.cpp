@@ -1,16 +1,20 @@
 #include "wallpaper/WallpaperVideo.h"
 
+#include "foundation/Deadline.h"
 #include "foundation/Log.h"
 
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
 constexpr QSize previewBound{1280, 720};  // pixels
 constexpr QSize desktopBound{2560, 1440}; // pixels
+// Longer than the slowest honest disk; one that is gone never answers.
+constexpr auto patience = 15s;
 
 std::optional<Failure> problemOf(const Result<VideoFacts> &facts)
 {
@@ -23,12 +27,28 @@ std::optional<Failure> problemOf(const Result<VideoFacts> &facts)
 
 } // namespace
 
-WallpaperVideo::WallpaperVideo(MediaProbe &probe, QObject *parent) : QObject(parent), _probe(probe) {}
+WallpaperVideo::WallpaperVideo(MediaProbe &probe, Clock &clock, QObject *parent)
+    : QObject(parent), _probe(probe), _clock(clock)
+{
+}
+
+QCoro::Task<Result<VideoFacts>> WallpaperVideo::facts(QString path)
+{
+    auto search = _probe.facts(path);
+    auto found = co_await withDeadline(_clock, patience, std::move(search));
+    co_return found ? *found : Result<VideoFacts>(failure(u"存放它的磁盘没有回应"_s));
+}
+
+void WallpaperVideo::cancelLoad()
+{
+    ++_generation;
+    _isLoading = false;
+}
 
 QCoro::Task<std::optional<Failure>> WallpaperVideo::problem(const QString path)
 {
-    const auto facts = co_await _probe.facts(path);
-    co_return problemOf(facts);
+    const auto found = co_await facts(path);
+    co_return problemOf(found);
 }
 
 QCoro::Task<WallpaperVideo::Outcome> WallpaperVideo::load(const QString path)
@@ -36,17 +56,17 @@ QCoro::Task<WallpaperVideo::Outcome> WallpaperVideo::load(const QString path)
     const QPointer self(this);
     const int generation = ++_generation;
     _isLoading = true;
-    const auto facts = co_await _probe.facts(path);
+    const auto found = co_await facts(path);
     if (!self || generation != _generation)
         co_return Outcome{};
     _isLoading = false;
-    if (const auto problem = problemOf(facts))
+    if (const auto problem = problemOf(found))
         co_return Outcome{Loaded::refused, problem->message};
     const bool isNew = videoURL() != path;
     _videoURL = path;
-    _videoSize = QSizeF(facts->size);
-    _videoFPS = facts->framesPerSecond;
-    _videoDuration = facts->duration;
+    _videoSize = QSizeF(found->size);
+    _videoFPS = found->framesPerSecond;
+    _videoDuration = found->duration;
     if (isNew)
         _currentFrame = std::nullopt;
     showFirstFrame(path, generation);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Clock.h"
 #include "foundation/Published.h"
 #include "foundation/Result.h"
 #include "platform/MediaProbe.h"
@@ -24,7 +25,7 @@ class WallpaperVideo final : public QObject {
     VELB_PUBLISHED(WallpaperVideo, bool, isLoading, false)
 
 public:
-    explicit WallpaperVideo(MediaProbe &probe, QObject *parent = nullptr);
+    WallpaperVideo(MediaProbe &probe, Clock &clock, QObject *parent = nullptr);
 
     // The words for a file that cannot be a wallpaper; nothing when it can.
     QCoro::Task<std::optional<Failure>> problem(const QString path);
@@ -37,14 +38,18 @@ public:
     // Takes the video once it is known to be one; a refused file changes
     // nothing. A newer call makes this one outdated.
     QCoro::Task<Outcome> load(const QString path);
+    // The load under way is outdated.
+    void cancelLoad();
 
     // The picture at the time, for the desktop; a failure is logged too.
     QCoro::Task<Result<QImage>> frameAt(const QString path, double seconds);
 
 private:
+    QCoro::Task<Result<VideoFacts>> facts(QString path);
     QCoro::Task<> showFirstFrame(QString path, int generation);
 
     MediaProbe &_probe;
+    Clock &_clock;
     int _generation = 0;
 };
 

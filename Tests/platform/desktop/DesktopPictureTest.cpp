@@ -86,6 +86,9 @@ const QString cyan = u"#00ffff"_s;
 
 } // namespace
 
+// A picture on the root window that is not ours.
+const QString userShows = u"feh --no-fehbg --bg-fill '%1'"_s;
+
 class DesktopPictureTest : public QObject {
     Q_OBJECT
 
@@ -184,7 +187,7 @@ private Q_SLOTS:
         QFETCH(QString, command);
         QFETCH(bool, isPublished);
         if (isPublished)
-            QVERIFY(QCoro::waitFor(_picture->set(path(u"user.png"_s))));
+            shell(userShows.arg(path(u"user.png"_s)));
         else
             shell(command);
         const QStringList before = seen();
@@ -194,6 +197,7 @@ private Q_SLOTS:
         QVERIFY(set());
         QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
         QVERIFY(hasPublishedPicture());
+        QCOMPARE(current().value(u"root"_s), QJsonValue(QJsonObject{{u"ours"_s, true}}));
         QVERIFY(set());
         QVERIFY(restore(former));
         QCOMPARE(seen(), before);
@@ -205,7 +209,7 @@ private Q_SLOTS:
     {
         for (int i = 0; i < 7; ++i) {
             makePicture(path(u"other.png"_s), QColor(i, 0, 0), Qt::white);
-            QVERIFY(QCoro::waitFor(_picture->set(path(u"other.png"_s))));
+            shell(userShows.arg(path(u"other.png"_s)));
             current();
         }
         QCOMPARE(QDir(path(u"kept"_s)).entryList(QDir::Files).size(), 4);

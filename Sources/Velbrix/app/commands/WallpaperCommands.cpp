@@ -82,7 +82,7 @@ CommandReply status(WallpaperController &wallpaper)
           << u"桌面图标："_s + (preferences.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
           << u"Dock："_s + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s) << u"显示器："_s;
     int number = 0;
-    for (const WallpaperDisplayInfo &display : wallpaper.connectedDisplays())
+    for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
         lines << line(display, ++number, wallpaper.isPaused());
     if (number == 0)
         lines << u"  没有检测到显示器"_s;
@@ -107,7 +107,7 @@ QCoro::Task<CommandReply> set(WallpaperController &wallpaper, WallpaperActions &
                               ParsedCommand command)
 {
     const QString path = command.arguments.first();
-    const auto display = wantedDisplay(command, wallpaper.connectedDisplays());
+    const auto display = wantedDisplay(command, wallpaper.displays().connectedDisplays());
     if (!display)
         co_return CommandReply::refusal(display.error().message);
     auto playing = *display ? actions.playVideoOn((*display)->id, path) : actions.playVideo(path);
@@ -145,7 +145,7 @@ CommandReply pause(WallpaperController &wallpaper, WallpaperActions &actions)
 
 QCoro::Task<CommandReply> stop(WallpaperController &wallpaper, WallpaperActions &actions)
 {
-    if (!wallpaper.isShowing() && !wallpaper.isApplying())
+    if (!wallpaper.canStop())
         co_return CommandReply::refusal(u"动态壁纸没有在播放"_s);
     actions.stop();
     // Done when the user's own picture is back.
@@ -188,7 +188,7 @@ QJsonObject wallpaperData(WallpaperController &wallpaper)
 {
     const WallpaperPreferences &preferences = wallpaper.preferences();
     QJsonArray displays;
-    for (const WallpaperDisplayInfo &display : wallpaper.connectedDisplays())
+    for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
         displays.append(toJson(display, static_cast<int>(displays.size()) + 1));
     const QString file = chosenFile(wallpaper);
     return {{u"state"_s, name(wallpaper.state().kind)},

@@ -1,5 +1,7 @@
 #include "platform/macos/DefaultsDockPreference.h"
 
+#include "foundation/Log.h"
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -26,14 +28,14 @@ bool isYes(const QByteArray &output)
     return value == "1" || value == "true" || value == "yes";
 }
 
-// The words for a program that did not start, and for one that did not succeed.
+// Logs a program that did not start, and one that did not succeed.
 Result<void> judged(const Result<ProcessOutcome> &run, const QString &notStarted, const QString &notDone)
 {
-    if (!run)
-        return failure(notStarted + run.error().message);
-    if (!run->succeeded())
-        return failure(notDone + QString::number(run->exitCode));
-    return {};
+    if (run && run->succeeded())
+        return {};
+    log::line(u"Wallpaper"_s,
+              run ? notDone + QString::number(run->exitCode) : notStarted + run.error().message);
+    return failure(u"无法更改程序坞的设置"_s);
 }
 
 // Takes copies, because its owner may be gone after a wait.

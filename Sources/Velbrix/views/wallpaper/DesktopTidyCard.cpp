@@ -34,7 +34,7 @@ DesktopTidyCard::DesktopTidyCard(const ViewContext &context, QWidget *parent)
     WallpaperController &wallpaper = context.services.wallpaper;
     const auto icons = [this] { showIcons(); };
     connect(&wallpaper, &WallpaperController::stateChanged, this, icons);
-    connect(&wallpaper, &WallpaperController::connectedDisplaysChanged, this, icons);
+    connect(&wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, icons);
     connect(&wallpaper.preferences(), &WallpaperPreferences::hideDesktopIconsEnabledChanged, this, icons);
     connect(&wallpaper.preferences(), &WallpaperPreferences::isHidingDesktopIconsChanged, this, icons);
     showIcons();

@@ -94,7 +94,7 @@ WallpaperDisplaysCard::WallpaperDisplaysCard(const ViewContext &context, QWidget
     addRow(hint);
     WallpaperController &wallpaper = context.services.wallpaper;
     connect(&wallpaper, &WallpaperController::isPausedChanged, this, [this] { refresh(); });
-    follow(wallpaper, &WallpaperController::connectedDisplaysChanged, this, [this] { refresh(); });
+    follow(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, [this] { refresh(); });
 }
 
 QWidget *WallpaperDisplaysCard::makeTop()
@@ -146,7 +146,7 @@ void WallpaperDisplaysCard::chooseFor(const WallpaperDisplayInfo &display)
 
 void WallpaperDisplaysCard::refresh()
 {
-    const QList<WallpaperDisplayInfo> displays = _context.services.wallpaper.connectedDisplays();
+    const QList<WallpaperDisplayInfo> displays = _context.services.wallpaper.displays().connectedDisplays();
     _count->setText(countDisplays(displays.size()));
     const bool isPaused = _context.services.wallpaper.isPaused();
     _map->show(displays, isPaused);

@@ -140,8 +140,8 @@ void WallpaperFolderCard::followFolder()
 
     const auto chosen = [this] { showChosen(); };
     connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, chosen);
-    connect(&wallpaper, &WallpaperController::multiDisplayTargetIDChanged, this, [this] { showTargets(); });
-    follow(wallpaper, &WallpaperController::connectedDisplaysChanged, this, [this] { showTargets(); });
+    connect(&wallpaper.displays(), &ConnectedDisplays::multiDisplayTargetIDChanged, this, [this] { showTargets(); });
+    follow(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, [this] { showTargets(); });
 }
 
 void WallpaperFolderCard::showFolder()
@@ -180,7 +180,7 @@ void WallpaperFolderCard::showTargets()
     WallpaperController &wallpaper = _context.services.wallpaper;
     QStringList names{u"主屏"_s};
     QList<std::optional<quint32>> targets{std::nullopt};
-    const auto displays = wallpaper.connectedDisplays();
+    const auto displays = wallpaper.displays().connectedDisplays();
     for (const WallpaperDisplayInfo &display : displays) {
         if (display.isMain)
             continue;
@@ -199,18 +199,18 @@ void WallpaperFolderCard::showTargets()
     }
     _target->disconnect(this);
     _target->setCurrent(
-        static_cast<int>(std::max<qsizetype>(targets.indexOf(wallpaper.multiDisplayTargetID()), 0)));
+        static_cast<int>(std::max<qsizetype>(targets.indexOf(wallpaper.displays().multiDisplayTargetID()), 0)));
     connect(_target, &SegmentedChoice::wanted, this,
-            [&wallpaper, targets](int index) { wallpaper.setMultiDisplayTarget(targets[index]); });
+            [&wallpaper, targets](int index) { wallpaper.displays().setMultiDisplayTarget(targets[index]); });
     _targetRow->setVisible(targets.size() > 1);
     showChosen();
 }
 
 void WallpaperFolderCard::showChosen()
 {
-    const WallpaperController &wallpaper = _context.services.wallpaper;
-    const auto displays = wallpaper.connectedDisplays();
-    const auto target = wallpaper.multiDisplayTargetID();
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    const auto displays = wallpaper.displays().connectedDisplays();
+    const auto target = wallpaper.displays().multiDisplayTargetID();
     const auto found = std::ranges::find_if(displays, [&](const WallpaperDisplayInfo &display) {
         return target ? display.id == *target : display.isMain;
     });

@@ -112,7 +112,8 @@ void WallpaperPreviewCard::followWallpaper()
     };
     connect(&wallpaper, &WallpaperController::stateChanged, this, again);
     connect(&wallpaper, &WallpaperController::isPausedChanged, this, again);
-    connect(&wallpaper, &WallpaperController::connectedDisplaysChanged, this, again);
+    connect(&wallpaper, &WallpaperController::isApplyingChanged, this, again);
+    connect(&wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, again);
     const WallpaperVideo &video = wallpaper.video();
     connect(&video, &WallpaperVideo::videoURLChanged, this, again);
     connect(&video, &WallpaperVideo::videoSizeChanged, this, again);
@@ -187,7 +188,7 @@ void WallpaperPreviewCard::showState()
     _toggle->setEnabled(canPress);
     _toggle->setIcon(_context.theme.icon(isPlaying ? u"pause.fill"_s : u"play.fill"_s,
                                          canPress ? ThemeColor::onFill : ThemeColor::secondary));
-    _stop->setEnabled(wallpaper.isShowing());
+    _stop->setEnabled(wallpaper.canStop());
 
     _failure->setDescription(wallpaper.isShowing() ? u"原来的壁纸仍在播放"_s : QString());
     _failure->setNote(wallpaper.state().message, u"bad"_s);

@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/BusCall.h"
 
+#include "foundation/Log.h"
 #include "platform/linux/shell/SessionBus.h"
 
 #include <QCoroDBusPendingCall>
@@ -21,8 +22,10 @@ QCoro::Task<Result<QVariantList>> callSessionBus(const QString service, const QS
     message.setArguments(arguments);
     const QDBusPendingCall pending = bus->asyncCall(message, 5000);
     const QDBusMessage reply = co_await pending;
-    if (reply.type() != QDBusMessage::ReplyMessage)
-        co_return failure(u"%1 没有完成请求：%2"_s.arg(service, reply.errorMessage()));
+    if (reply.type() != QDBusMessage::ReplyMessage) {
+        log::line(u"Wallpaper"_s, service + u": "_s + reply.errorMessage());
+        co_return failure(u"%1 没有完成请求"_s.arg(service));
+    }
     co_return reply.arguments();
 }
 

@@ -1,5 +1,7 @@
 #include "platform/linux/desktop/Gsettings.h"
 
+#include "foundation/Log.h"
+
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -26,8 +28,10 @@ QCoro::Task<Result<QString>> Gsettings::run(const QString command, const QString
     const auto outcome = co_await _programs.run(request);
     if (!outcome)
         co_return std::unexpected(outcome.error());
-    if (!outcome->succeeded())
-        co_return failure(u"gsettings 没有成功："_s + QString::fromUtf8(outcome->errorOutput).trimmed());
+    if (!outcome->succeeded()) {
+        log::line(u"Wallpaper"_s, u"gsettings: "_s + QString::fromUtf8(outcome->errorOutput).trimmed());
+        co_return failure(u"gsettings 没有成功"_s);
+    }
     co_return QString::fromUtf8(outcome->output).trimmed();
 }
 

@@ -54,6 +54,7 @@ public:
     }
 
     QJsonObject of(const QString &dock) const { return _all.value(dock).toObject(); }
+    bool isOnlyOfOthers(const QString &dock) const { return !_all.isEmpty() && !_all.contains(dock); }
     Result<void> keep(const QString &dock, const QJsonObject &values)
     {
         _all.insert(dock, values);
@@ -104,6 +105,8 @@ QCoro::Task<Result<void>> hide(const Dock dock, FormerValues former)
 
 QCoro::Task<Result<void>> show(const Dock dock, FormerValues former)
 {
+    if (former.isOnlyOfOthers(dock.name))
+        co_return failure(u"隐藏的是另一个桌面的面板，请登录那个桌面后再恢复"_s);
     const auto now = co_await dock.settings->read();
     if (!now)
         co_return std::unexpected(now.error());

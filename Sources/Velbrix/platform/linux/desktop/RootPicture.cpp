@@ -60,6 +60,8 @@ Result<QJsonObject> remember(const QString &folder)
     auto root = RootWindow::open();
     if (!root)
         return std::unexpected(root.error());
+    if (root->isOurs())
+        return QJsonObject{{u"ours"_s, true}};
     const QImage published = root->published();
     const QImage image = published.isNull() ? root->background() : published;
     if (image.isNull())
@@ -96,7 +98,7 @@ Result<void> show(const QString &path)
     for (const QRect &monitor : monitors)
         painter.drawImage(monitor.topLeft(), cropped(picture, monitor.size()));
     painter.end();
-    return root->publish(whole);
+    return root->publishAsOurs(whole);
 }
 
 Result<void> bringBack(const QJsonObject &former)

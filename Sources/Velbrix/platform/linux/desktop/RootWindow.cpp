@@ -13,6 +13,7 @@ namespace {
 
 constexpr auto publishedName = "_XROOTPMAP_ID";
 constexpr auto ownedName = "ESETROOT_PMAP_ID"; // whoever replaces the picture frees it
+constexpr auto oursName = "_VELBRIX_ROOTPMAP_ID";
 
 } // namespace
 
@@ -129,7 +130,7 @@ void RootWindow::release()
     const xcb_pixmap_t owned = _x11->property(_x11->root(), ownedName).value(0);
     if (owned != XCB_NONE && owned == _x11->property(_x11->root(), publishedName).value(0))
         xcb_kill_client(_x11->xcb(), owned);
-    for (const char *name : {publishedName, ownedName})
+    for (const char *name : {publishedName, ownedName, oursName})
         xcb_delete_property(_x11->xcb(), _x11->root(), _x11->atom(name));
 }
 
@@ -138,6 +139,23 @@ void RootWindow::show(std::uint32_t attribute, std::uint32_t value)
     xcb_change_window_attributes(_x11->xcb(), _x11->root(), attribute, &value);
     xcb_clear_area(_x11->xcb(), 0, _x11->root(), 0, 0, 0, 0);
     _x11->sync();
+}
+
+bool RootWindow::isOurs()
+{
+    const xcb_pixmap_t marked = _x11->property(_x11->root(), oursName).value(0);
+    return marked != XCB_NONE && marked == _x11->property(_x11->root(), publishedName).value(0);
+}
+
+Result<void> RootWindow::publishAsOurs(const QImage &picture)
+{
+    const auto published = publish(picture);
+    const xcb_pixmap_t pixmap = _x11->property(_x11->root(), publishedName).value(0);
+    if (published)
+        xcb_change_property(_x11->xcb(), XCB_PROP_MODE_REPLACE, _x11->root(), _x11->atom(oursName),
+                            XCB_ATOM_PIXMAP, 32, 1, &pixmap);
+    _x11->sync();
+    return published;
 }
 
 Result<void> RootWindow::publish(const QImage &picture)

@@ -22,8 +22,12 @@ public:
     // manager draws in its place.
     QImage background();
 
-    // Both outlive the connection and whoever calls.
+    // Whether the published picture is one that publishAsOurs() put there.
+    bool isOurs();
+
+    // These outlive the connection and whoever calls.
     Result<void> publish(const QImage &picture);
+    Result<void> publishAsOurs(const QImage &picture);
     Result<void> setBackground(const QImage &picture);
     void setBackground(QRgb colour);
     // The server's own background, and no picture published.

@@ -1,0 +1,56 @@
+#include "wallpaper/ConnectedDisplays.h"
+
+#include "wallpaper/WallpaperPreferences.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velbrix {
+
+ConnectedDisplays::ConnectedDisplays(Displays &displays, const WallpaperPreferences &preferences,
+                                     std::function<bool(quint32)> isShowing, QObject *parent)
+    : QObject(parent), _displays(displays), _preferences(preferences), _isShowing(std::move(isShowing))
+{
+}
+
+void ConnectedDisplays::detectDisplays()
+{
+    QList<WallpaperDisplayInfo> found;
+    const DisplayVideoPaths paths = _preferences.perDisplayVideoPaths();
+    const QList<Display> displays = _displays.displays();
+    for (const Display &display : displays) {
+        WallpaperDisplayInfo info;
+        info.id = display.id;
+        info.name = display.name;
+        info.isMain = display.isMain;
+        info.frame = display.frame;
+        if (display.isMain)
+            info.videoPath = _preferences.lastVideoPath();
+        else if (const auto own = paths.constFind(display.id); own != paths.constEnd())
+            info.videoPath = *own;
+        info.isPlaying = _isShowing(display.id);
+        found.append(info);
+    }
+    _connectedDisplays = found;
+    _hasMultipleDisplays = found.size() > 1;
+    setMultiDisplayTarget(_multiDisplayTargetID);
+}
+
+void ConnectedDisplays::setMultiDisplayTarget(std::optional<quint32> displayID)
+{
+    const auto displays = connectedDisplays();
+    const bool isThere = displayID && std::ranges::any_of(displays, [&](const WallpaperDisplayInfo &display) {
+                             return display.id == *displayID && !display.isMain;
+                         });
+    _multiDisplayTargetID = isThere ? displayID : std::nullopt;
+}
+
+bool ConnectedDisplays::isMain(quint32 displayID) const
+{
+    const auto displays = connectedDisplays();
+    return std::ranges::any_of(displays, [&](const WallpaperDisplayInfo &display) {
+        return display.id == displayID && display.isMain;
+    });
+}
+
+} // namespace velbrix
