@@ -35,7 +35,8 @@ struct WallpaperRig : ServicesRig {
     void plugSecond()
     {
         auto list = host.displays.list;
-        list.append({2, QStringLiteral("副屏"), false, QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)});
+        list.append(
+            {2, QStringLiteral("副屏"), false, QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)});
         host.displays.set(list);
     }
 

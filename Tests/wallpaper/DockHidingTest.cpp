@@ -27,7 +27,8 @@ private Q_SLOTS:
         rig.wallpaper().toggleDockAutoHide();
         QVERIFY(preferences.isDockAutoHidden());
         QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(had));
-        QCOMPARE(rig.host.settings.stored.value(u"Velbrix_WallpaperDockAutoHideOriginal"_s).toBool(!had), had);
+        QCOMPARE(rig.host.settings.stored.value(u"Velbrix_WallpaperDockAutoHideOriginal"_s).toBool(!had),
+                 had);
         rig.wallpaper().toggleDockAutoHide();
         QCOMPARE(rig.host.dock.calls,
                  (QStringList{u"autoHide"_s, u"set true"_s, had ? u"set true"_s : u"set false"_s}));

@@ -82,7 +82,8 @@ private Q_SLOTS:
         QTemporaryDir home;
         touch(home.filePath(u"file"_s));
         const QString folder = home.filePath(u"file/inside"_s);
-        QCOMPARE(writePicture(filled(Qt::red), folder, 1), Result<QString>(failure(u"无法建立文件夹 "_s + folder)));
+        QCOMPARE(writePicture(filled(Qt::red), folder, 1),
+                 Result<QString>(failure(u"无法建立文件夹 "_s + folder)));
     }
 
     void theUsersPictureIsRememberedOnce()
@@ -184,7 +185,8 @@ private Q_SLOTS:
         QFETCH(QJsonValue, entry);
         Rig rig;
         QByteArray text = QJsonDocument(QJsonObject{{u"place"_s, entry}}).toJson();
-        text.replace("FOLDER", rig.folder.toUtf8()).replace("ENCODED", QUrl::toPercentEncoding(rig.folder, "/"));
+        text.replace("FOLDER", rig.folder.toUtf8())
+            .replace("ENCODED", QUrl::toPercentEncoding(rig.folder, "/"));
         rig.picture.now = QJsonDocument::fromJson(text).object();
         rig.desktop.setStaticDesktop(filled(Qt::red));
         QTRY_VERIFY(!rig.desktop.isWorking());

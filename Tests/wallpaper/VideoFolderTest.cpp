@@ -107,7 +107,9 @@ private Q_SLOTS:
         QVERIFY(rig.folder.thumbnail(b).isNull());
         QCOMPARE(rig.host.mediaProbe.calls, QStringList{u"frame "_s + a + u" 1 320x180"_s});
         // The next time they come from the disk, while the file is the same.
-        const auto stored = [&rig] { return QDir(rig.files.filePath(u"cache/velbrix/thumbnails"_s)).count(); };
+        const auto stored = [&rig] {
+            return QDir(rig.files.filePath(u"cache/velbrix/thumbnails"_s)).count();
+        };
         QTRY_COMPARE(stored(), 3u);
         rig.folder.dropThumbnails();
         QVERIFY(rig.folder.thumbnail(a).isNull());

@@ -33,7 +33,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<Result<VideoFacts>>("facts");
         QTest::addColumn<QString>("message");
-        QTest::newRow("unreadable") << Result<VideoFacts>(failure(u"文件是空的"_s)) << u"无法读取视频：文件是空的"_s;
+        QTest::newRow("unreadable") << Result<VideoFacts>(failure(u"文件是空的"_s))
+                                    << u"无法读取视频：文件是空的"_s;
         QTest::newRow("sound only") << Result<VideoFacts>(VideoFacts{}) << u"视频中没有画面轨道"_s;
     }
 
@@ -78,8 +79,8 @@ private Q_SLOTS:
         QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, file, {}}));
         QCOMPARE(rig.surface()->frame, QRect(0, 24, 1280, 776));
         QCOMPARE(rig.surface()->calls,
-                 (QStringList{u"setGravity crop"_s, u"setVolume 0.3"_s, u"observeTime 12000"_s, u"load "_s + file,
-                              u"setLayer belowIcons"_s, u"orderFront"_s, u"play 1.5"_s}));
+                 (QStringList{u"setGravity crop"_s, u"setVolume 0.3"_s, u"observeTime 12000"_s,
+                              u"load "_s + file, u"setLayer belowIcons"_s, u"orderFront"_s, u"play 1.5"_s}));
         QVERIFY(rig.wallpaper().displays().connectedDisplays().first().isPlaying);
         QVERIFY(rig.logged().contains(u"static desktop ← video frame (apply-video)"_s));
         QTRY_VERIFY(rig.wallpaper().isSettled());
@@ -303,19 +304,22 @@ private Q_SLOTS:
             all.insert(key, value);
             return all;
         };
-        QTest::newRow("last video") << last << false << QStringList{u"autoRestore load last path: FILE"_s} << true;
+        QTest::newRow("last video") << last << false << QStringList{u"autoRestore load last path: FILE"_s}
+                                    << true;
         QTest::newRow("gone") << QJsonObject{{u"VelbClean_LastVideoPath"_s, u"/none.mp4"_s}} << false
                               << QStringList{u"autoRestore load last path: /none.mp4"_s} << false;
-        QTest::newRow("nothing yet") << QJsonObject{} << false << QStringList{u"autoRestore: no last video path"_s}
-                                     << false;
+        QTest::newRow("nothing yet") << QJsonObject{} << false
+                                     << QStringList{u"autoRestore: no last video path"_s} << false;
         QTest::newRow("not wanted") << with(u"VelbClean_WallpaperAutoPlay"_s, false) << false
                                     << QStringList{u"autoRestore skipped: autoPlay=false"_s} << false;
-        QTest::newRow("battery") << last << true << QStringList{u"autoRestore skipped: on battery"_s} << false;
+        QTest::newRow("battery") << last << true << QStringList{u"autoRestore skipped: on battery"_s}
+                                 << false;
         QTest::newRow("battery allowed") << with(u"Velbrix_WallpaperPauseOnBattery"_s, false) << true
                                          << QStringList{u"autoRestore load last path: FILE"_s} << true;
         QTest::newRow("secondary only")
             << QJsonObject{{u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"2"_s, u"FILE"_s}}}} << false
-            << QStringList{u"autoRestore: no last video path"_s, u"autoRestore secondary-only paths count=1"_s}
+            << QStringList{u"autoRestore: no last video path"_s,
+                           u"autoRestore secondary-only paths count=1"_s}
             << true;
     }
 

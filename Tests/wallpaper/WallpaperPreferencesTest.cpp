@@ -172,8 +172,7 @@ private Q_SLOTS:
     void displaysThatAreNoneAreForgotten()
     {
         Rig rig({{u"Velbrix_PerDisplayVideoPaths"_s,
-                                              QJsonObject{{u"x"_s, u"/a"_s}, {u"-1"_s, u"/b"_s}, {u"5"_s, 3},
-                                                          {u"7"_s, u"/c"_s}}}});
+                  QJsonObject{{u"x"_s, u"/a"_s}, {u"-1"_s, u"/b"_s}, {u"5"_s, 3}, {u"7"_s, u"/c"_s}}}});
         QCOMPARE(rig.preferences.perDisplayVideoPaths(), (DisplayVideoPaths{{7, u"/c"_s}}));
     }
 };

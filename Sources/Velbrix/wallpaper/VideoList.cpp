@@ -19,9 +19,9 @@ namespace {
 bool isPackage(const QString &name)
 {
     static const QStringList endings = {
-        u".app"_s,       u".bundle"_s,       u".framework"_s,    u".plugin"_s,       u".kext"_s,
-        u".pkg"_s,       u".photoslibrary"_s, u".tvlibrary"_s,   u".musiclibrary"_s, u".imovielibrary"_s,
-        u".fcpbundle"_s, u".rtfd"_s,         u".xcodeproj"_s,    u".theater"_s};
+        u".app"_s,       u".bundle"_s,        u".framework"_s, u".plugin"_s,       u".kext"_s,
+        u".pkg"_s,       u".photoslibrary"_s, u".tvlibrary"_s, u".musiclibrary"_s, u".imovielibrary"_s,
+        u".fcpbundle"_s, u".rtfd"_s,          u".xcodeproj"_s, u".theater"_s};
     return std::ranges::any_of(
         endings, [&](const QString &ending) { return name.endsWith(ending, Qt::CaseInsensitive); });
 }

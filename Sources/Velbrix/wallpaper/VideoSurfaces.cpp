@@ -44,8 +44,8 @@ VideoSurfaces::VideoSurfaces(Hosts hosts, WallpaperPreferences &preferences, Clo
             _main->surface().setVolume(_preferences.volume());
     });
     connect(&_preferences, &WallpaperPreferences::gravityChanged, this, all([this](DisplayVideoSurface &one) {
-                one.surface().setGravity(layerGravity(_preferences.gravity()));
-            }));
+        one.surface().setGravity(layerGravity(_preferences.gravity()));
+    }));
     connect(&_preferences, &WallpaperPreferences::speedChanged, this,
             all([this](DisplayVideoSurface &one) { play(one); }));
     connect(&_preferences, &WallpaperPreferences::pauseWhenCoveredChanged, this, [this] { applySight(); });

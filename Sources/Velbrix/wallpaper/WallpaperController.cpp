@@ -49,7 +49,8 @@ WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, C
       _staticDesktop(hosts.picture, settings, clock, folders.staticDesktop),
       _still(_video, _surfaces, _staticDesktop, clock),
       _power(hosts.power, _preferences,
-             {[this] { return isShowing() || isApplying(); }, [this] { stopWallpaper(); }, [this] { resumeAfterBattery(); }}),
+             {[this] { return isShowing() || isApplying(); }, [this] { stopWallpaper(); },
+              [this] { resumeAfterBattery(); }}),
       _dock(hosts.dock, _preferences),
       _isInBackground(std::move(isInBackground))
 {
@@ -251,7 +252,7 @@ void WallpaperController::togglePlayPause()
 bool WallpaperController::canToggle() const
 {
     return !_power.blocks() && (isShowing() || _video.videoURL() || _preferences.lastVideoPath() ||
-                                 !_preferences.perDisplayVideoPaths().isEmpty());
+                                !_preferences.perDisplayVideoPaths().isEmpty());
 }
 
 QString WallpaperController::trayTitle() const
