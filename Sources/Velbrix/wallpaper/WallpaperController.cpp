@@ -5,7 +5,6 @@
 #include "platform/Permissions.h"
 #include "wallpaper/LaunchRestore.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QPointer>
 
@@ -16,18 +15,9 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-const QString onBattery = u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
-const QString nothingChosen = u"请先选择一个视频"_s;
-
 void say(const QString &text)
 {
     log::line(u"Wallpaper"_s, text);
-}
-
-QString decimal(double value)
-{
-    const QString text = QString::number(value);
-    return text.contains(u'.') ? text : text + u".0"_s;
 }
 
 bool isFile(const std::optional<QString> &path)
@@ -51,6 +41,7 @@ WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, C
       _power(hosts.power, _preferences,
              {[this] { return isShowing() || isApplying(); }, [this] { stopWallpaper(); },
               [this] { resumeAfterBattery(); }}),
+      _playback({_preferences, _video, _surfaces, _displays, _staticDesktop, _still, _power}),
       _dock(hosts.dock, _preferences),
       _isInBackground(std::move(isInBackground))
 {
@@ -61,7 +52,7 @@ WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, C
     _power.startPowerSourceMonitor();
     hosts.displays.observe([self = QPointer(this)] {
         if (self)
-            self->displaysChanged();
+            self->_playback.displaysChanged();
     });
     detectDisplays();
 }
@@ -74,179 +65,17 @@ void WallpaperController::followParts()
             [this] { _surfaces.applyWindowLayering(); });
     connect(&_preferences, &WallpaperPreferences::isHidingDesktopIconsChanged, this,
             [this] { _surfaces.applyWindowLayering(); });
-    connect(&_preferences, &WallpaperPreferences::perDisplayVideoPathsChanged, this,
-            [this] { displaysChanged(); });
-    connect(&_surfaces, &VideoSurfaces::mainFailed, this, [this](const QString &reason) {
-        stopWallpaper();
-        refuse(u"无法读取视频："_s + reason);
-    });
-    connect(&_surfaces, &VideoSurfaces::secondaryFailed, this, [this](quint32, const QString &reason) {
-        _notice = u"副显示器的视频无法播放："_s + reason;
-        if (!isShowing())
-            stopWallpaper();
-        detectDisplays();
-    });
     connect(&_surfaces, &VideoSurfaces::timeReached, this, [this] {
         if (state().isPlaying() && !isPaused() && !_isInBackground())
             _still.refreshStaticDesktop(u"time"_s);
     });
+    connect(&_playback, &WallpaperPlayback::stateChanged, this, &WallpaperController::stateChanged);
+    connect(&_playback, &WallpaperPlayback::isPausedChanged, this, &WallpaperController::isPausedChanged);
+    connect(&_playback, &WallpaperPlayback::isApplyingChanged, this, &WallpaperController::isApplyingChanged);
+    connect(&_playback, &WallpaperPlayback::noticeChanged, this, &WallpaperController::noticeChanged);
     connect(&_dock, &DockHiding::toggled, this, [this] { _surfaces.applyWindowLayering(); });
     connect(&_staticDesktop, &StaticDesktop::isWorkingChanged, this, &WallpaperController::isSettledChanged);
     connect(&_dock, &DockHiding::isWorkingChanged, this, &WallpaperController::isSettledChanged);
-}
-
-QCoro::Task<bool> WallpaperController::apply()
-{
-    const QPointer self(this);
-    if (_isShutDown)
-        co_return false;
-    _notice = QString();
-    if (_power.blocks()) {
-        say(u"blocked: on battery (pauseOnBattery)"_s);
-        _notice = onBattery;
-        co_return false;
-    }
-    if (_preferences.contentMode() != WallpaperContentMode::video) {
-        _notice = u"此版本还不能显示%1，请选择一个视频。"_s.arg(rawValue(_preferences.contentMode()));
-        co_return false;
-    }
-    const auto path = _video.videoURL();
-    if (!path) {
-        showSecondaryOnly();
-        _notice = isShowing() ? QString() : nothingChosen;
-        co_return isShowing();
-    }
-    if (!isFile(path)) {
-        refuse(u"无法读取视频：文件不存在"_s);
-        co_return false;
-    }
-    const int generation = ++_applyGeneration;
-    _isApplying = true;
-    const bool isShown = co_await applyVideo(*path);
-    if (self && generation == _applyGeneration)
-        _isApplying = false;
-    co_return isShown;
-}
-
-QCoro::Task<bool> WallpaperController::applyVideo(QString path)
-{
-    const QPointer self(this);
-    const int generation = _applyGeneration;
-    co_await _still.setFirstFrame(path, u"apply-video"_s);
-    // The plug may have been pulled meanwhile.
-    if (!self || generation != _applyGeneration || _power.blocks())
-        co_return false;
-    _isPaused = false;
-    _surfaces.setPaused(false);
-    show(path);
-    co_return isShowing();
-}
-
-void WallpaperController::show(const QString &path)
-{
-    if (const auto shown = _surfaces.showMain(path); !shown) {
-        refuse(shown.error().message);
-        return;
-    }
-    _surfaces.applySecondaryDisplays(path);
-    _state = WallpaperState{WallpaperState::Kind::playing, path, {}};
-    detectDisplays();
-}
-
-QCoro::Task<bool> WallpaperController::setVideo(const QString path)
-{
-    const QPointer self(this);
-    if (_isShutDown)
-        co_return false;
-    const QString file = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    const auto outcome = co_await _video.load(file);
-    if (!self || outcome.loaded == WallpaperVideo::Loaded::outdated)
-        co_return false;
-    if (outcome.loaded == WallpaperVideo::Loaded::refused) {
-        refuse(outcome.message);
-        co_return false;
-    }
-    _notice = QString();
-    _preferences.setLastVideoPath(file);
-    if (_surfaces.hasMainItem()) {
-        show(file);
-        _still.setFirstFrame(file, u"setVideo"_s);
-    } else if (!isShowing()) {
-        _state = WallpaperState{WallpaperState::Kind::ready, file, {}};
-    }
-    detectDisplays();
-    co_return true;
-}
-
-void WallpaperController::stopWallpaper()
-{
-    say(u"stopWallpaper"_s);
-    ++_applyGeneration;
-    _isApplying = false;
-    _video.cancelLoad();
-    _still.cancel();
-    _surfaces.stop();
-    _staticDesktop.putBack();
-    _isPaused = false;
-    _state = restingState();
-    detectDisplays();
-}
-
-void WallpaperController::pauseWallpaper()
-{
-    if (!isShowing() || isPaused())
-        return;
-    say(u"pause"_s);
-    _surfaces.setPaused(true);
-    _isPaused = true;
-}
-
-void WallpaperController::resumeWallpaper()
-{
-    if (_power.blocks()) {
-        say(u"resume blocked: on battery"_s);
-        _notice = onBattery;
-        return;
-    }
-    _isPaused = false;
-    hardResume(u"resumeWallpaper"_s);
-}
-
-void WallpaperController::hardResume(const QString &reason)
-{
-    if (_power.blocks()) {
-        say(u"hardResume blocked: on battery (%1)"_s.arg(reason));
-        return;
-    }
-    if (_isShutDown)
-        return;
-    _notice = QString();
-    if (isShowing()) {
-        _surfaces.setPaused(false);
-        _surfaces.bringMainToFront();
-        _surfaces.applyWindowLayering();
-        say(u"hardResume ok (%1) rate=%2"_s.arg(reason, decimal(clampedSpeed(_preferences.speed()))));
-        _state = restingState();
-        _still.refreshStaticDesktop(u"hardResume"_s);
-        return;
-    }
-    const auto last = _preferences.lastVideoPath();
-    if (isFile(last))
-        loadAndApply(*last);
-    else if (last)
-        _notice = u"上次的视频已不在原处，请重新选择：%1"_s.arg(QFileInfo(*last).fileName());
-    else
-        applyWallpaper();
-}
-
-void WallpaperController::togglePlayPause()
-{
-    if (isShowing() && !isPaused())
-        pauseWallpaper();
-    else if (isShowing() || !_video.videoURL())
-        resumeWallpaper();
-    else
-        applyWallpaper();
 }
 
 bool WallpaperController::canToggle() const
@@ -285,24 +114,9 @@ void WallpaperController::autoRestoreOnLaunch()
     if (plan.step == LaunchPlan::Step::applyCurrent && isFile(_video.videoURL()))
         applyWallpaper();
     else if (plan.step == LaunchPlan::Step::loadLast && isFile(facts.lastVideoPath))
-        loadAndApply(*facts.lastVideoPath);
+        _playback.loadAndApply(*facts.lastVideoPath);
     else if (plan.step == LaunchPlan::Step::secondaryOnly)
-        showSecondaryOnly();
-}
-
-void WallpaperController::showSecondaryOnly()
-{
-    _surfaces.applySecondaryDisplays(std::nullopt);
-    _state = restingState();
-    detectDisplays();
-}
-
-QCoro::Task<> WallpaperController::loadAndApply(QString path)
-{
-    const QPointer self(this);
-    const bool isLoaded = co_await setVideo(path);
-    if (self && isLoaded)
-        co_await apply();
+        _playback.showSecondaryOnly();
 }
 
 void WallpaperController::resumeAfterBattery()
@@ -321,46 +135,10 @@ void WallpaperController::handleUnhide()
 
 void WallpaperController::shutDown()
 {
-    _isShutDown = true;
-    stopWallpaper();
+    _playback.end();
     _preview.stop();
     _folder.cancelScan();
     _dock.putBack();
-}
-
-void WallpaperController::displaysChanged()
-{
-    // A wallpaper of other displays alone goes and comes back with them.
-    if (isShowing() || state().isPlaying()) {
-        _surfaces.fitToDisplays();
-        _surfaces.applySecondaryDisplays(_surfaces.hasMainItem() ? _video.videoURL() : std::nullopt);
-        _surfaces.applyWindowLayering();
-    }
-    detectDisplays();
-}
-
-QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const QString path)
-{
-    if (_displays.isMain(displayID)) {
-        const bool isSet = co_await setVideo(path);
-        co_return isSet;
-    }
-    const QPointer self(this);
-    const QString file = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    const auto problem = co_await _video.problem(file);
-    if (!self)
-        co_return false;
-    _notice = problem ? problem->message : QString();
-    if (!problem)
-        _preferences.setDisplayVideoPath(displayID, file);
-    co_return !problem;
-}
-
-void WallpaperController::clearDisplayVideo(quint32 displayID)
-{
-    _preferences.setDisplayVideoPath(displayID, std::nullopt);
-    if (state().isPlaying() && !isShowing())
-        stopWallpaper();
 }
 
 void WallpaperController::toggleHideDesktopIcons()
@@ -376,40 +154,6 @@ void WallpaperController::setContentMode(WallpaperContentMode mode)
     if (isShowing())
         stopWallpaper();
     _preferences.setContentMode(mode);
-}
-
-void WallpaperController::beginSelecting()
-{
-    _state = WallpaperState{WallpaperState::Kind::selecting, {}, {}};
-}
-
-void WallpaperController::endSelecting()
-{
-    if (state().kind == WallpaperState::Kind::selecting)
-        _state = restingState();
-}
-
-void WallpaperController::dismissFailure()
-{
-    _notice = QString();
-    if (state().kind == WallpaperState::Kind::failed)
-        _state = restingState();
-}
-
-void WallpaperController::refuse(const QString &message)
-{
-    _state = WallpaperState{WallpaperState::Kind::failed, {}, message};
-    detectDisplays();
-}
-
-WallpaperState WallpaperController::restingState() const
-{
-    const QString path = _video.videoURL().value_or(QString());
-    if (isShowing())
-        return {WallpaperState::Kind::playing, path, {}};
-    if (!path.isEmpty())
-        return {WallpaperState::Kind::ready, path, {}};
-    return {};
 }
 
 } // namespace velbrix

@@ -9,6 +9,7 @@
 #include "wallpaper/VideoFolder.h"
 #include "wallpaper/VideoStill.h"
 #include "wallpaper/VideoSurfaces.h"
+#include "wallpaper/WallpaperPlayback.h"
 #include "wallpaper/WallpaperPreferences.h"
 #include "wallpaper/WallpaperVideo.h"
 
@@ -25,12 +26,6 @@ class Permissions;
 // wallpaper does that first. Main thread.
 class WallpaperController final : public QObject {
     Q_OBJECT
-    VELB_PUBLISHED(WallpaperController, WallpaperState, state)
-    VELB_PUBLISHED(WallpaperController, bool, isPaused, false)
-    // A wallpaper is about to show.
-    VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
-    // What the user should know about the last act; empty when all is well.
-    VELB_PUBLISHED(WallpaperController, QString, notice)
     VELB_PUBLISHED(WallpaperController, bool, launchAtLogin, false)
     VELB_PUBLISHED(WallpaperController, bool, accessibilityTrusted, false)
 
@@ -59,16 +54,22 @@ public:
     // Starts showing the chosen content, or shows it anew.
     void applyWallpaper() { apply(); }
     // The same; answers whether it is on the desktop then.
-    QCoro::Task<bool> apply();
+    QCoro::Task<bool> apply() { return _playback.apply(); }
     // Chooses the main display's video and stores it once it is known to be
     // one. A showing wallpaper changes over to it. Answers when that is done.
-    QCoro::Task<bool> setVideo(const QString path);
+    QCoro::Task<bool> setVideo(const QString &path) { return _playback.setVideo(path); }
     void loadVideo(const QString &atPath) { setVideo(atPath); }
-    void stopWallpaper();
-    void pauseWallpaper();
-    void resumeWallpaper();
+    void stopWallpaper() { _playback.stopWallpaper(); }
+    void pauseWallpaper() { _playback.pauseWallpaper(); }
+    void resumeWallpaper() { _playback.resumeWallpaper(); }
     // Tray and keyboard: pauses what plays, starts or resumes what does not.
-    void togglePlayPause();
+    void togglePlayPause() { _playback.togglePlayPause(); }
+    WallpaperState state() const { return _playback.state(); }
+    bool isPaused() const { return _playback.isPaused(); }
+    // A wallpaper is about to show.
+    bool isApplying() const { return _playback.isApplying(); }
+    // What the user should know about the last act; empty when all is well.
+    QString notice() const { return _playback.notice(); }
     // Something can be started, paused or resumed.
     bool canToggle() const;
     // "播放壁纸", "暂停壁纸" or "继续播放壁纸".
@@ -90,8 +91,11 @@ public:
     bool isSettled() const { return !_staticDesktop.isWorking() && !_dock.isWorking(); }
 
     void detectDisplays() { _displays.detectDisplays(); }
-    QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString path);
-    void clearDisplayVideo(quint32 displayID);
+    QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString &path)
+    {
+        return _playback.setDisplayVideo(displayID, path);
+    }
+    void clearDisplayVideo(quint32 displayID) { _playback.clearDisplayVideo(displayID); }
 
     void toggleHideDesktopIcons();
     void toggleDockAutoHide() { _dock.toggleDockAutoHide(); }
@@ -99,10 +103,10 @@ public:
     void setPauseOnBattery(bool on) { _preferences.setPauseOnBattery(on); }
 
     // While the user looks for a file in the system's panel.
-    void beginSelecting();
-    void endSelecting();
+    void beginSelecting() { _playback.beginSelecting(); }
+    void endSelecting() { _playback.endSelecting(); }
     // The failure was seen: back to what is playing, or can be.
-    void dismissFailure();
+    void dismissFailure() { _playback.dismissFailure(); }
 
     WallpaperPreferences &preferences() { return _preferences; }
     const WallpaperPreferences &preferences() const { return _preferences; }
@@ -117,19 +121,15 @@ public:
     QList<quint32> windowIds() const { return _surfaces.windowIds(); }
 
 Q_SIGNALS:
+    void stateChanged();
+    void isPausedChanged();
+    void isApplyingChanged();
+    void noticeChanged();
     void isSettledChanged();
 
 private:
     void followParts();
-    QCoro::Task<bool> applyVideo(QString path);
-    QCoro::Task<> loadAndApply(QString path);
-    void hardResume(const QString &reason);
     void resumeAfterBattery();
-    void showSecondaryOnly();
-    void show(const QString &path);
-    void refuse(const QString &message);
-    void displaysChanged();
-    WallpaperState restingState() const;
 
     WallpaperPreferences _preferences;
     WallpaperVideo _video;
@@ -140,10 +140,9 @@ private:
     StaticDesktop _staticDesktop;
     VideoStill _still;
     PowerPolicy _power;
+    WallpaperPlayback _playback;
     DockHiding _dock;
     std::function<bool()> _isInBackground;
-    int _applyGeneration = 0;
-    bool _isShutDown = false;
 };
 
 } // namespace velbrix
