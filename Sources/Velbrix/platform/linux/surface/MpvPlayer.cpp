@@ -1,5 +1,6 @@
 #include "platform/linux/surface/MpvPlayer.h"
 
+#include "platform/linux/movie/VideoFile.h"
 #include "platform/linux/surface/MpvNode.h"
 
 #include <QFile>
@@ -98,19 +99,6 @@ void command(const LibMpv &mpv, mpv_handle *handle, std::uint64_t number,
     mpv.mpv_command_node_async(handle, number, &node);
 }
 
-// Why the file cannot be opened; empty when it can.
-QString obstacle(const QString &path)
-{
-    const QFileInfo file(path);
-    if (!file.exists())
-        return u"文件不存在"_s;
-    if (!file.isFile())
-        return u"不是普通文件"_s;
-    if (!file.isReadable())
-        return u"没有读取权限"_s;
-    return file.size() == 0 ? u"文件是空的"_s : QString();
-}
-
 bool isVideo(const mpv_node &track)
 {
     return nodeText(track, "type") == "video" && !nodeFlag(track, "albumart");
@@ -174,14 +162,13 @@ mpv_handle *MpvPlayer::release()
 
 int MpvPlayer::load(const QString &path)
 {
-    const QFileInfo file(path);
     // Absolute, so that nothing in the name is taken for a protocol or an option.
-    _path = file.absoluteFilePath();
+    _path = QFileInfo(path).absoluteFilePath();
     ++_load;
     _entry.reset();
-    if (const QString why = obstacle(_path); !why.isEmpty()) {
+    if (const auto usable = checkVideoFile(_path); !usable) {
         stop();
-        _relay->post([this, why, load = _load] {
+        _relay->post([this, why = usable.error().message, load = _load] {
             if (load == _load && isLoaded())
                 fail(why);
         });
@@ -346,8 +333,8 @@ void MpvPlayer::ended(const mpv_event_end_file &end)
 {
     if (!_entry || end.playlist_entry_id != *_entry)
         return;
-    if (const QString why = obstacle(_path); !why.isEmpty())
-        return fail(why);
+    if (const auto usable = checkVideoFile(_path); !usable)
+        return fail(usable.error().message);
     switch (end.error) {
     case MPV_ERROR_LOADING_FAILED:
         return fail(u"无法打开文件"_s);
