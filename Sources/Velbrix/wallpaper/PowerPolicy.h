@@ -4,12 +4,16 @@
 #include "platform/PowerSource.h"
 
 #include <QObject>
+#include <QString>
 
 #include <functional>
 
 namespace velbrix {
 
 class WallpaperPreferences;
+
+// Says why nothing plays while PowerPolicy::blocks().
+inline const QString stoppedOnBattery = QStringLiteral("当前正在使用电池：壁纸已停止，接上电源后可自动恢复");
 
 // Stops the wallpaper when the machine goes over to its battery and brings it
 // back on mains.

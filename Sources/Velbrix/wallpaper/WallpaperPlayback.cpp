@@ -18,7 +18,6 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-const QString onBattery = u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
 const QString nothingChosen = u"请先选择一个视频"_s;
 
 void say(const QString &text)
@@ -87,7 +86,7 @@ QCoro::Task<bool> WallpaperPlayback::apply()
     _notice = QString();
     if (_power.blocks()) {
         say(u"blocked: on battery (pauseOnBattery)"_s);
-        _notice = onBattery;
+        _notice = stoppedOnBattery;
         co_return false;
     }
     if (_preferences.contentMode() != WallpaperContentMode::video) {
@@ -189,7 +188,7 @@ void WallpaperPlayback::resumeWallpaper()
 {
     if (_power.blocks()) {
         say(u"resume blocked: on battery"_s);
-        _notice = onBattery;
+        _notice = stoppedOnBattery;
         return;
     }
     _isPaused = false;

@@ -307,7 +307,7 @@ private Q_SLOTS:
         QTest::newRow("address") << u"edl://green.mp4"_s << QByteArray() << u"文件不存在"_s;
         QTest::newRow("empty") << u"empty.mp4"_s << QByteArray("") << u"文件是空的"_s;
         QTest::newRow("text") << u"text.mp4"_s << QByteArray("Not a video.\n").repeated(200) << unknown;
-        QTest::newRow("folder") << u"."_s << QByteArray() << u"不是普通文件"_s;
+        QTest::newRow("folder") << u"."_s << QByteArray() << u"这是文件夹，不是视频文件"_s;
         QTest::newRow("sound") << u"tone.m4a"_s << QByteArray() << u"视频中没有画面轨道"_s;
         // Files that name other files.
         QTest::newRow("playlist") << u"list.m3u"_s << QByteArray("#EXTM3U\ngreen.mp4\n") << unknown;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QAbstractListModel>
-#include <QImage>
+#include "views/components/ThumbnailItems.h"
+
 #include <QListView>
 #include <QStringList>
 
@@ -10,14 +10,6 @@
 namespace velbrix {
 
 class Theme;
-
-struct ThumbnailItem {
-    QString id;
-    QString title;
-    QString subtitle;
-
-    bool operator==(const ThumbnailItem &) const = default;
-};
 
 // Pictures with names to choose one of; arrow keys and Space or a click choose.
 // Made for tens of thousands of cells: only those in sight are drawn, and
@@ -57,14 +49,12 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
 
 private:
-    class Items;
-    class Cell;
     int room() const;
     int columns() const;
     void noteSight();
     void fit();
 
-    Items *_items;
+    ThumbnailItems *_items;
     QStringList _inSight;
 };
 

@@ -7,7 +7,6 @@
 #include "views/components/SettingRow.h"
 #include "views/components/Switch.h"
 #include "views/components/ValueSlider.h"
-#include "views/wallpaper/WallpaperWords.h"
 
 #include <algorithm>
 #include <iterator>
@@ -94,7 +93,7 @@ void WallpaperPlaybackCard::addBattery()
     addRow(row);
     connect(battery, &Switch::wanted, this, [&wallpaper](bool on) { wallpaper.setPauseOnBattery(on); });
     const auto note = [row, &wallpaper] {
-        row->setNote(wallpaper.power().blocks() ? batteryWords() : QString(), u"warning"_s);
+        row->setNote(wallpaper.power().blocks() ? stoppedOnBattery : QString(), u"warning"_s);
     };
     connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, row, note);
     follow(wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this,

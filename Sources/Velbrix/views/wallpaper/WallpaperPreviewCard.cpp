@@ -232,7 +232,7 @@ void WallpaperPreviewCard::showNotice()
     WallpaperController &wallpaper = _context.services.wallpaper;
     QString text = wallpaper.preview().problem();
     if (text.isEmpty())
-        text = wallpaper.power().blocks() ? batteryWords() : wallpaper.notice();
+        text = wallpaper.power().blocks() ? stoppedOnBattery : wallpaper.notice();
     _notice->setText(text);
     _notice->setVisible(!_notice->text().isEmpty());
 }

@@ -95,11 +95,6 @@ QString countDisplays(qsizetype count)
     return count == 1 ? u"当前仅检测到 1 块屏幕"_s : u"%1 块屏幕，可为每块屏单独设置视频"_s.arg(count);
 }
 
-QString batteryWords()
-{
-    return u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
-}
-
 QString fileName(const QString &path)
 {
     return path.sliced(path.lastIndexOf(u'/') + 1);

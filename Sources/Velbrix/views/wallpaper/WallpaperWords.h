@@ -29,9 +29,6 @@ QString describeVideo(QSizeF size, double framesPerSecond, double seconds);
 QString describeDisplay(const WallpaperDisplayInfo &display);
 QString countDisplays(qsizetype count);
 
-// Why nothing may play on the battery.
-QString batteryWords();
-
 QString fileName(const QString &path);
 
 } // namespace velbrix

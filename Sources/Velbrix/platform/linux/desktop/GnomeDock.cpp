@@ -39,14 +39,8 @@ QCoro::Task<Result<QJsonObject>> GnomeDock::read()
     if (!folder)
         co_return std::unexpected(folder.error());
     Gsettings settings(_clock, schema, *folder);
-    QJsonObject found;
-    for (const QString &key : {fixedKey, autoHideKey, dodgeKey}) {
-        const auto value = co_await settings.value(key);
-        if (!value)
-            co_return std::unexpected(value.error());
-        found.insert(key, *value);
-    }
-    co_return found;
+    const QStringList keys{fixedKey, autoHideKey, dodgeKey};
+    co_return co_await settings.values(keys);
 }
 
 QCoro::Task<Result<void>> GnomeDock::write(const QJsonObject values)
@@ -55,11 +49,7 @@ QCoro::Task<Result<void>> GnomeDock::write(const QJsonObject values)
     if (!folder)
         co_return std::unexpected(folder.error());
     Gsettings settings(_clock, schema, *folder);
-    for (auto value = values.begin(); value != values.end(); ++value) {
-        if (const auto done = co_await settings.set(value.key(), value->toString()); !done)
-            co_return std::unexpected(done.error());
-    }
-    co_return Result<void>();
+    co_return co_await settings.set(values);
 }
 
 bool GnomeDock::hides(const QJsonObject &values) const

@@ -57,6 +57,27 @@ QCoro::Task<Result<void>> Gsettings::set(const QString key, const QString value)
     co_return Result<void>();
 }
 
+QCoro::Task<Result<QJsonObject>> Gsettings::values(const QStringList keys)
+{
+    QJsonObject found;
+    for (const QString &key : keys) {
+        const auto text = co_await value(key);
+        if (!text)
+            co_return std::unexpected(text.error());
+        found.insert(key, *text);
+    }
+    co_return found;
+}
+
+QCoro::Task<Result<void>> Gsettings::set(const QJsonObject values)
+{
+    for (auto each = values.begin(); each != values.end(); ++each) {
+        if (const auto done = co_await set(each.key(), each->toString()); !done)
+            co_return std::unexpected(done.error());
+    }
+    co_return Result<void>();
+}
+
 QString Gsettings::quoted(QString text)
 {
     return u'\'' + text.replace(u'\\', u"\\\\"_s).replace(u'\'', u"\\'"_s) + u'\'';

@@ -2,6 +2,8 @@
 
 #include "foundation/ProcessRunner.h"
 
+#include <QJsonObject>
+
 namespace velbrix {
 
 // One schema of GNOME's settings by the program gsettings. Values are the text
@@ -15,6 +17,9 @@ public:
     QCoro::Task<Result<QStringList>> keys();
     QCoro::Task<Result<QString>> value(const QString key);
     QCoro::Task<Result<void>> set(const QString key, const QString value);
+    // Several at once, up to the first that fails.
+    QCoro::Task<Result<QJsonObject>> values(const QStringList keys);
+    QCoro::Task<Result<void>> set(const QJsonObject values);
 
     static QString quoted(QString text);
 

@@ -56,14 +56,7 @@ QCoro::Task<Result<QJsonObject>> GsettingsPicture::current()
     const auto keys = co_await pictureKeys();
     if (!keys)
         co_return std::unexpected(keys.error());
-    QJsonObject picture;
-    for (const QString &key : *keys) {
-        const auto value = co_await _settings.value(key);
-        if (!value)
-            co_return std::unexpected(value.error());
-        picture.insert(key, *value);
-    }
-    co_return picture;
+    co_return co_await _settings.values(*keys);
 }
 
 QCoro::Task<Result<void>> GsettingsPicture::set(const QString path)
@@ -80,11 +73,7 @@ QCoro::Task<Result<void>> GsettingsPicture::set(const QString path)
 
 QCoro::Task<Result<void>> GsettingsPicture::restore(const QJsonObject picture)
 {
-    for (auto former = picture.begin(); former != picture.end(); ++former) {
-        if (const auto done = co_await _settings.set(former.key(), former->toString()); !done)
-            co_return std::unexpected(done.error());
-    }
-    co_return Result<void>();
+    return _settings.set(picture);
 }
 
 } // namespace velbrix

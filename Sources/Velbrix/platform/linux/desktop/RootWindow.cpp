@@ -1,7 +1,8 @@
 #include "platform/linux/desktop/RootWindow.h"
 
+#include "platform/linux/screen/ScreenContents.h"
+
 #include <xcb/composite.h>
-#include <xcb/randr.h>
 
 #include <algorithm>
 #include <cstring>
@@ -35,14 +36,8 @@ QSize RootWindow::size() const
 QList<QRect> RootWindow::monitors()
 {
     QList<QRect> found;
-    if (_x11->has().randr) {
-        const XReply<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
-            _x11->xcb(), xcb_randr_get_monitors(_x11->xcb(), _x11->root(), 1), nullptr));
-        for (auto each = reply ? xcb_randr_get_monitors_monitors_iterator(reply.get())
-                               : xcb_randr_monitor_info_iterator_t{};
-             each.rem > 0; xcb_randr_monitor_info_next(&each))
-            found.append({each.data->x, each.data->y, each.data->width, each.data->height});
-    }
+    for (const Monitor &monitor : velbrix::monitors(*_x11))
+        found.append({monitor.rect.x, monitor.rect.y, monitor.rect.width, monitor.rect.height});
     return found.isEmpty() ? QList<QRect>{QRect(QPoint(), size())} : found;
 }
 

@@ -1,17 +1,11 @@
 #include "platform/linux/movie/LibAv.h"
 
-#include <QLibrary>
+#include "platform/linux/movie/LibraryFunction.h"
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-template <typename Function> bool resolve(QLibrary &library, const char *name, Function &function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
 
 #define VELB_AV_RESOLVE(name) isComplete = resolve(library, #name, functions.name) && isComplete;
 

@@ -1,9 +1,9 @@
 #include "platform/linux/movie/VideoInput.h"
 
 #include "platform/linux/movie/MonotonicTime.h"
+#include "platform/linux/movie/VideoFile.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <array>
 #include <cmath>
@@ -24,8 +24,6 @@ constexpr std::int64_t longestWork = 8'000'000'000; // nanoseconds
 // pictures and text would take nearly anything for a film.
 constexpr auto demuxers = "mov,matroska,avi,asf,flv,mpegts,mpeg,ogg,mp3,wav,flac,aac";
 
-const QString noVideoFile = u"不是可播放的视频文件"_s;
-
 struct Options {
     Options() = default;
     ~Options() { avCodec()->av_dict_free(&entries); }
@@ -34,24 +32,6 @@ struct Options {
 
     AVDictionary *entries = nullptr;
 };
-
-Result<void> checkFile(const QString &path)
-{
-    const QFileInfo file(path);
-    if (!file.exists())
-        return failure(u"文件不存在"_s);
-    if (file.isDir())
-        return failure(u"这是文件夹，不是视频文件"_s);
-    if (!file.isFile())
-        return failure(noVideoFile); // opening a pipe would wait for its writer
-    if (!file.isReadable())
-        return failure(u"没有读取权限"_s);
-    if (file.size() == 0)
-        return failure(u"文件是空的"_s);
-    if (!avCodec() || !avFormat() || !avScale())
-        return failure(u"系统没有所需版本的 FFmpeg 库"_s);
-    return {};
-}
 
 int isOverLimit(void *limit)
 {
@@ -163,15 +143,17 @@ Result<VideoInput> VideoInput::open(const QString &path, const WorkLimit &limit)
 {
     if (limit.isReached())
         return std::unexpected(limit.reason());
-    if (const auto usable = checkFile(path); !usable)
+    if (const auto usable = checkVideoFile(path); !usable)
         return std::unexpected(usable.error());
+    if (!avCodec() || !avFormat() || !avScale())
+        return failure(u"系统没有所需版本的 FFmpeg 库"_s);
     avCodec()->av_log_set_level(AV_LOG_QUIET); // the answer says it all
     AvInput format = openFormat(path, limit);
     const bool isRead = format && readStreams(format.get());
     if (limit.isReached())
         return std::unexpected(limit.reason());
     if (!isRead || format->nb_streams == 0)
-        return failure(noVideoFile);
+        return failure(notPlayableWords());
     AVStream *const stream = pictures(*format);
     return VideoInput(std::move(format), stream);
 }
@@ -182,7 +164,7 @@ Result<VideoFacts> VideoInput::facts() const
         return VideoFacts{};
     const QSize coded(_stream->codecpar->width, _stream->codecpar->height);
     if (coded.isEmpty() || std::int64_t(coded.width()) * coded.height() > mostPixels)
-        return failure(noVideoFile);
+        return failure(notPlayableWords());
     const AVRational shape = avFormat()->av_guess_sample_aspect_ratio(_format.get(), _stream, nullptr);
     return VideoFacts{.hasVideo = true,
                       .size = shownSize(coded, shape),

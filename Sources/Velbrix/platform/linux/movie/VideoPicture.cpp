@@ -1,5 +1,7 @@
 #include "platform/linux/movie/VideoPicture.h"
 
+#include "platform/linux/movie/FittedSize.h"
+
 #include <cmath>
 #include <vector>
 
@@ -110,13 +112,6 @@ Result<QImage> scaled(const AVFrame &picture, QSize size)
     return QImage(pixels.data(), size.width(), size.height(), stride, QImage::Format_RGB32).copy();
 }
 
-QSize fitted(QSize size, QSize bound)
-{
-    if (size.width() > bound.width() || size.height() > bound.height())
-        size.scale(bound, Qt::KeepAspectRatio);
-    return size.expandedTo({1, 1});
-}
-
 } // namespace
 
 Result<QImage> videoPicture(VideoInput &input, double seconds, QSize bound, const WorkLimit &limit)
@@ -134,7 +129,7 @@ Result<QImage> videoPicture(VideoInput &input, double seconds, QSize bound, cons
     const AVRational shape =
         avFormat()->av_guess_sample_aspect_ratio(&input.format(), input.stream(), picture.get());
     const QTransform turn = input.orientation();
-    const QSize shown = fitted(input.shownSize({picture->width, picture->height}, shape), bound);
+    const QSize shown = fittedSize(input.shownSize({picture->width, picture->height}, shape), bound);
     auto image = scaled(*picture, turn.mapRect(QRect(QPoint(), shown)).size());
     if (image && !turn.isIdentity())
         *image = image->transformed(turn);

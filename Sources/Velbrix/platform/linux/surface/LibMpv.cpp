@@ -1,8 +1,7 @@
 #include "platform/linux/surface/LibMpv.h"
 
 #include "platform/linux/movie/LibAv.h"
-
-#include <QLibrary>
+#include "platform/linux/movie/LibraryFunction.h"
 
 #include <malloc.h>
 
@@ -13,12 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-template <typename Function> bool resolve(QLibrary &library, const char *name, Function &function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
 
 // Every thread of a player allocates from an arena of its own. Left alone, the
 // C library soon keeps pictures and packets there and never gives them back.

@@ -8,6 +8,15 @@
 
 namespace velbrix {
 
+// The text is not copied.
+inline mpv_node textNode(const char *value)
+{
+    mpv_node node{};
+    node.format = MPV_FORMAT_STRING;
+    node.u.string = const_cast<char *>(value);
+    return node;
+}
+
 // Reading the values that libmpv hands out; absent ones read as zero.
 
 inline std::span<const mpv_node> nodeList(const mpv_node &node)

@@ -1,10 +1,12 @@
 #include "platform/linux/surface/MpvPlayer.h"
 
+#include "platform/linux/movie/VideoFile.h"
+#include "platform/linux/surface/MpvDecoder.h"
 #include "platform/linux/surface/MpvNode.h"
+#include "platform/linux/surface/MpvOptions.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
 
 #include <algorithm>
 #include <array>
@@ -17,80 +19,14 @@ namespace velbrix {
 
 namespace {
 
-constexpr qint64 largestPixels = qint64{2560} * 1440;
-// What one thread decodes with room to spare.
-constexpr qint64 pixelsPerSecond = qint64{1920} * 1088 * 31;
-
-struct Option {
-    const char *name;
-    const char *value;
-};
-
-constexpr std::array<Option, 41> options{{
-    // Nothing of the user's or the system's own player.
-    {"config", "no"},
-    {"load-scripts", "no"},
-    {"ytdl", "no"},
-    {"osc", "no"},
-    {"osd-level", "0"},
-    {"terminal", "no"},
-    {"input-default-bindings", "no"},
-    {"input-vo-keyboard", "no"},
-    {"input-media-keys", "no"},
-    {"resume-playback", "no"},
-    {"save-position-on-quit", "no"},
-    {"stop-screensaver", "no"},
-    // One file and nothing that it names or that lies beside it.
-    {"demuxer", "lavf"},
-    {"access-references", "no"},
-    {"autoload-files", "no"},
-    {"sub-auto", "no"},
-    {"audio-file-auto", "no"},
-    {"cover-art-auto", "no"},
-    {"audio-display", "no"},
-    {"sid", "no"},
-    {"aid", "no"},
-    {"vo", "libmpv"},
-    {"ao", "pulse,null"},
-    {"audio-client-name", "Velbrix"},
-    {"audio-fallback-to-null", "yes"},
-    {"hwdec", "no"},
-    {"idle", "yes"},
-    {"pause", "yes"},
-    {"loop-file", "inf"},
-    {"keepaspect", "no"},
-    // Eight seconds ahead, whatever the bit rate.
-    {"cache", "no"},
-    {"demuxer-thread", "yes"},
-    {"demuxer-readahead-secs", "8"},
-    {"demuxer-max-bytes", "32MiB"},
-    {"demuxer-max-back-bytes", "0"},
-    {"demuxer-donate-buffer", "no"},
-    // Measured the cheapest that look right, see setScaling().
-    {"zimg-scaler", "bilinear"},
-    {"zimg-scaler-chroma", "bilinear"},
-    {"zimg-threads", "1"},
-    {"sws-scaler", "fast-bilinear"},
-    {"sws-fast", "yes"},
-}};
-
-// Containers of single files. Others name further files or addresses.
-constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpeg,ogg";
-
-mpv_node text(const char *value)
-{
-    mpv_node node{};
-    node.format = MPV_FORMAT_STRING;
-    node.u.string = const_cast<char *>(value);
-    return node;
-}
+const QString cannotOpen = u"无法打开文件"_s;
 
 template <std::size_t count>
 void command(const LibMpv &mpv, mpv_handle *handle, std::uint64_t number,
              const std::array<const char *, count> &words)
 {
     std::array<mpv_node, count> values{};
-    std::ranges::transform(words, values.begin(), text);
+    std::ranges::transform(words, values.begin(), textNode);
     mpv_node_list list{static_cast<int>(count), values.data(), nullptr};
     mpv_node node{};
     node.format = MPV_FORMAT_NODE_ARRAY;
@@ -98,17 +34,18 @@ void command(const LibMpv &mpv, mpv_handle *handle, std::uint64_t number,
     mpv.mpv_command_node_async(handle, number, &node);
 }
 
-// Why the file cannot be opened; empty when it can.
-QString obstacle(const QString &path)
+QString wordsOf(int error)
 {
-    const QFileInfo file(path);
-    if (!file.exists())
-        return u"文件不存在"_s;
-    if (!file.isFile())
-        return u"不是普通文件"_s;
-    if (!file.isReadable())
-        return u"没有读取权限"_s;
-    return file.size() == 0 ? u"文件是空的"_s : QString();
+    switch (error) {
+    case MPV_ERROR_LOADING_FAILED:
+        return cannotOpen;
+    case MPV_ERROR_UNKNOWN_FORMAT:
+        return u"不是可以识别的视频文件"_s;
+    case MPV_ERROR_NOTHING_TO_PLAY:
+        return u"无法解码视频画面"_s;
+    default:
+        return u"视频无法继续播放"_s;
+    }
 }
 
 bool isVideo(const mpv_node &track)
@@ -126,62 +63,45 @@ Result<std::unique_ptr<MpvPlayer>> MpvPlayer::create(Events events)
     mpv_handle *const handle = (*mpv)->mpv_create();
     if (!handle)
         return failure(u"无法启动视频播放器"_s);
-    if (!configure(**mpv, handle)) {
+    if (!setMpvOptions(**mpv, handle) || !start(**mpv, handle)) {
         (*mpv)->mpv_terminate_destroy(handle);
         return failure(u"无法启动视频播放器"_s);
     }
     return std::unique_ptr<MpvPlayer>(new MpvPlayer(**mpv, handle, std::move(events)));
 }
 
-bool MpvPlayer::configure(const LibMpv &mpv, mpv_handle *handle)
+bool MpvPlayer::start(const LibMpv &mpv, mpv_handle *handle)
 {
-    // An option that a newer version has dropped is no reason to show nothing;
-    // one that keeps files apart from the rest of the world is.
-    for (const Option &option : options)
-        mpv.mpv_set_option_string(handle, option.name, option.value);
-    std::array<char *, 2> keys{const_cast<char *>("format_whitelist"),
-                               const_cast<char *>("protocol_whitelist")};
-    std::array<mpv_node, 2> values{text(containers), text("file")};
-    mpv_node_list list{2, values.data(), keys.data()};
-    mpv_node map{};
-    map.format = MPV_FORMAT_NODE_MAP;
-    map.u.list = &list;
-    return mpv.mpv_set_option(handle, "demuxer-lavf-o", MPV_FORMAT_NODE, &map) >= 0 &&
-           mpv.mpv_set_option_string(handle, "demuxer", "lavf") >= 0 && mpv.mpv_initialize(handle) >= 0 &&
-           mpv.mpv_hook_add(handle, 0, "on_preloaded", 0) >= 0 &&
+    return mpv.mpv_initialize(handle) >= 0 && mpv.mpv_hook_add(handle, 0, "on_preloaded", 0) >= 0 &&
            mpv.mpv_observe_property(handle, 0, "video-out-params", MPV_FORMAT_NODE) >= 0;
 }
 
 MpvPlayer::MpvPlayer(const LibMpv &mpv, mpv_handle *handle, Events events)
-    : _mpv(mpv), _handle(handle), _events(std::move(events))
+    : _mpv(mpv),
+      _handle(handle),
+      _events(std::move(events)),
+      _queue(mpv, handle, [this](const mpv_event &event) { handleEvent(event); })
 {
-    const auto woken = [](void *player) {
-        auto *const self = static_cast<MpvPlayer *>(player);
-        if (!self->_isDraining.exchange(true))
-            self->_relay->post([self] { self->drain(); });
-    };
-    _mpv.mpv_set_wakeup_callback(_handle, woken, this);
 }
 
 MpvPlayer::~MpvPlayer() = default;
 
 mpv_handle *MpvPlayer::release()
 {
-    _mpv.mpv_set_wakeup_callback(_handle, nullptr, nullptr);
+    _queue.close();
     _relay->close();
     return std::exchange(_handle, nullptr);
 }
 
 int MpvPlayer::load(const QString &path)
 {
-    const QFileInfo file(path);
     // Absolute, so that nothing in the name is taken for a protocol or an option.
-    _path = file.absoluteFilePath();
+    _path = QFileInfo(path).absoluteFilePath();
     ++_load;
     _entry.reset();
-    if (const QString why = obstacle(_path); !why.isEmpty()) {
+    if (const auto usable = checkVideoFile(_path); !usable) {
         stop();
-        _relay->post([this, why, load = _load] {
+        _relay->post([this, why = usable.error().message, load = _load] {
             if (load == _load && isLoaded())
                 fail(why);
         });
@@ -255,17 +175,6 @@ void MpvPlayer::setFlag(const char *name, bool value)
     _mpv.mpv_set_property_async(_handle, 0, name, MPV_FORMAT_FLAG, &flag);
 }
 
-void MpvPlayer::drain()
-{
-    _isDraining = false;
-    for (;;) {
-        const mpv_event *const event = _mpv.mpv_wait_event(_handle, 0);
-        if (event->event_id == MPV_EVENT_NONE)
-            return;
-        handleEvent(*event);
-    }
-}
-
 void MpvPlayer::handleEvent(const mpv_event &event)
 {
     switch (event.event_id) {
@@ -276,7 +185,7 @@ void MpvPlayer::handleEvent(const mpv_event &event)
             _entry =
                 nodeNumber(static_cast<const mpv_event_command *>(event.data)->result, "playlist_entry_id");
         else
-            fail(u"无法打开文件"_s);
+            fail(cannotOpen);
         return;
     case MPV_EVENT_START_FILE:
         _started = static_cast<const mpv_event_start_file *>(event.data)->playlist_entry_id;
@@ -302,30 +211,16 @@ void MpvPlayer::prepare()
 {
     mpv_node tracks{};
     if (_mpv.mpv_get_property(_handle, "track-list", MPV_FORMAT_NODE, &tracks) < 0)
-        return fail(u"无法打开文件"_s);
+        return fail(cannotOpen);
     const auto all = nodeList(tracks);
     const auto video = std::ranges::find_if(all, isVideo);
     if (video == all.end()) {
         fail(u"视频中没有画面轨道"_s);
     } else {
-        tuneDecoder(*video);
+        tuneMpvDecoder(_mpv, _handle, *video);
         _events.starting(_load);
     }
     _mpv.mpv_free_node_contents(&tracks);
-}
-
-void MpvPlayer::tuneDecoder(const mpv_node &track)
-{
-    const qint64 pixels = nodeNumber(track, "demux-w") * nodeNumber(track, "demux-h");
-    const qint64 rate = std::max<qint64>(nodeNumber(track, "demux-fps"), 25);
-    int flag = pixels > largestPixels ? 1 : 0;
-    _mpv.mpv_set_property(_handle, "vd-lavc-fast", MPV_FORMAT_FLAG, &flag);
-    const char *skipped = pixels > largestPixels ? "nonref" : "default";
-    _mpv.mpv_set_property(_handle, "vd-lavc-skiploopfilter", MPV_FORMAT_STRING, &skipped);
-    // Each thread more holds pictures of its own.
-    const int most = std::min(QThread::idealThreadCount(), 4);
-    std::int64_t threads = pixels * rate <= pixelsPerSecond ? 1 : most;
-    _mpv.mpv_set_property(_handle, "vd-lavc-threads", MPV_FORMAT_INT64, &threads);
 }
 
 void MpvPlayer::readFormat(const mpv_event_property &property)
@@ -346,18 +241,9 @@ void MpvPlayer::ended(const mpv_event_end_file &end)
 {
     if (!_entry || end.playlist_entry_id != *_entry)
         return;
-    if (const QString why = obstacle(_path); !why.isEmpty())
-        return fail(why);
-    switch (end.error) {
-    case MPV_ERROR_LOADING_FAILED:
-        return fail(u"无法打开文件"_s);
-    case MPV_ERROR_UNKNOWN_FORMAT:
-        return fail(u"不是可以识别的视频文件"_s);
-    case MPV_ERROR_NOTHING_TO_PLAY:
-        return fail(u"无法解码视频画面"_s);
-    default:
-        return fail(u"视频无法继续播放"_s);
-    }
+    if (const auto usable = checkVideoFile(_path); !usable)
+        return fail(usable.error().message);
+    fail(wordsOf(end.error));
 }
 
 void MpvPlayer::fail(const QString &why)

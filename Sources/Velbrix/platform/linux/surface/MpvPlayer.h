@@ -3,11 +3,11 @@
 #include "platform/DesktopSurfaces.h"
 #include "platform/linux/surface/LibMpv.h"
 #include "platform/linux/surface/MainThreadRelay.h"
+#include "platform/linux/surface/MpvEventQueue.h"
 
 #include <QSize>
 #include <QString>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -61,11 +61,9 @@ public:
 
 private:
     MpvPlayer(const LibMpv &mpv, mpv_handle *handle, Events events);
-    static bool configure(const LibMpv &mpv, mpv_handle *handle);
-    void drain();
+    static bool start(const LibMpv &mpv, mpv_handle *handle);
     void handleEvent(const mpv_event &event);
     void prepare();
-    void tuneDecoder(const mpv_node &track);
     void readFormat(const mpv_event_property &property);
     void ended(const mpv_event_end_file &end);
     void fail(const QString &why);
@@ -78,13 +76,13 @@ private:
     mpv_handle *_handle;
     const Events _events;
     const std::shared_ptr<MainThreadRelay> _relay = std::make_shared<MainThreadRelay>();
-    std::atomic<bool> _isDraining = false;
     QString _path;
     int _load = 0;
     std::optional<qint64> _entry;   // of this load in the player's list
     std::optional<qint64> _started; // the entry that the player is at
     PictureFormat _format;
     std::optional<bool> _isScaling;
+    MpvEventQueue _queue;
 };
 
 } // namespace velbrix

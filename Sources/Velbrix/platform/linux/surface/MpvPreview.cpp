@@ -1,5 +1,6 @@
 #include "platform/linux/surface/MpvPreview.h"
 
+#include "platform/linux/movie/FittedSize.h"
 #include "platform/linux/surface/ImageSink.h"
 
 namespace velbrix {
@@ -70,10 +71,7 @@ void MpvPreview::pause()
 
 void MpvPreview::fit(const PictureFormat &format)
 {
-    QSize size = format.shown;
-    if (size.width() > _bound.width() || size.height() > _bound.height())
-        size.scale(_bound, Qt::KeepAspectRatio);
-    size = size.expandedTo(QSize(1, 1));
+    const QSize size = fittedSize(format.shown, _bound);
     _player->setScaling(format.stored != size);
     _renderer->resize(size);
 }

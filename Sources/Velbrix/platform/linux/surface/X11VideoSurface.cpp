@@ -1,5 +1,6 @@
 #include "platform/linux/surface/X11VideoSurface.h"
 
+#include "platform/linux/movie/FittedSize.h"
 #include "platform/linux/surface/WindowSink.h"
 
 #include <QCoroFuture>
@@ -151,10 +152,9 @@ void X11VideoSurface::orderOut()
 
 QCoro::Task<Result<QImage>> X11VideoSurface::currentFrame()
 {
-    QSize size = _format.shown;
-    if (size.width() > largestCopy.width() || size.height() > largestCopy.height())
-        size.scale(largestCopy, Qt::KeepAspectRatio);
-    const QFuture<Result<QImage>> copied = _renderer->copy(_load > 0 ? size : QSize());
+    const bool hasPicture = _load > 0 && !_format.shown.isEmpty();
+    const QSize size = hasPicture ? fittedSize(_format.shown, largestCopy) : QSize();
+    const QFuture<Result<QImage>> copied = _renderer->copy(size);
     co_return co_await copied;
 }
 

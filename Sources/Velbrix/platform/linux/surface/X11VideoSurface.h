@@ -40,7 +40,6 @@ private:
     void applyPlaying();
     void applySize();
     void firstPicture(int load);
-    void announce();
     void failed(const Failure &why);
 
     const std::shared_ptr<RetiredThreads> _retired;
