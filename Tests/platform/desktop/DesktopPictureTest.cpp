@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 
 #include "../movie/MediaTools.h"
+#include "../surface/DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/desktop/RootWindow.h"
 #include "support/FakeDesktopPicture.h"
@@ -24,27 +25,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray shell(const QString &line)
-{
-    return output(u"sh"_s, {u"-c"_s, line});
-}
-
 // What is to be seen on the screen, sampled off every monitor's middle and of icons.
 QStringList seen()
 {
-    auto x11 = X11Connection::open();
+    const QImage screen = Observer().screen();
     QStringList colours;
-    for (const QPoint &at : {QPoint(100, 600), {540, 600}, {740, 600}, {1180, 600}}) {
-        const XReply<xcb_get_image_reply_t> image(xcb_get_image_reply(
-            (*x11)->xcb(),
-            xcb_get_image((*x11)->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, (*x11)->root(),
-                          static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 1, 1, ~0U),
-            nullptr));
-        QRgb pixel = 0;
-        if (image)
-            std::memcpy(&pixel, xcb_get_image_data(image.get()), 4);
-        colours.append(QColor(pixel).name());
-    }
+    for (const QPoint &at : {QPoint(100, 600), {540, 600}, {740, 600}, {1180, 600}})
+        colours.append(screen.pixelColor(at).name());
     return colours;
 }
 
@@ -145,8 +132,7 @@ class DesktopPictureTest : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        shell(u"xrandr --setmonitor left 640/170x800/212+0+0 screen; "
-              "xrandr --setmonitor right 640/170x800/212+640+0 none"_s);
+        addTwoMonitors();
         makePicture(ours(), magenta, cyan);
         makePicture(path(u"user.png"_s), Qt::yellow, Qt::green);
     }
@@ -333,9 +319,7 @@ private Q_SLOTS:
         if (name != u"gnome"_s)
             installSchema(schema, keys);
         renameWindowManager(manager);
-        const auto get = [&](const QString &key) {
-            return shell(u"gsettings get %1 %2"_s.arg(schema, key)).trimmed();
-        };
+        const auto get = [&](const QString &key) { return shell(u"gsettings get %1 %2"_s.arg(schema, key)); };
         shell(u"gsettings set %1 picture-options none"_s.arg(schema));
         const QJsonObject former = current();
         QCOMPARE(former.keys(), keepsRoot ? QStringList{name} : (QStringList{name, u"root"_s}));

@@ -23,11 +23,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray shell(const QString &line)
-{
-    return output(u"sh"_s, {u"-c"_s, line}).trimmed();
-}
-
 // Plasma's shell, as far as its panels go.
 class PlasmaShell final : public QObject {
     Q_OBJECT

@@ -38,6 +38,12 @@ inline QByteArray output(const QString &program, const QStringList &arguments, Q
     return printed;
 }
 
+// What a line of the shell printed, without the white space around it.
+inline QByteArray shell(const QString &line)
+{
+    return output(QStringLiteral("sh"), {QStringLiteral("-c"), line}).trimmed();
+}
+
 inline QByteArray probed(const QString &path, const QString &entries, const QString &stream)
 {
     using namespace Qt::StringLiterals;

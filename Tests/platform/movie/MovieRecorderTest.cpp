@@ -51,7 +51,7 @@ private:
     {
         const QString player = u"ffmpeg -v quiet -re -f lavfi -i sine=440 -ac 2 -ar 48000 -af volume=4 "
                                "-device %1 -f pulse tone </dev/null >/dev/null 2>&1 & echo $!"_s;
-        return output(u"sh"_s, {u"-c"_s, player.arg(sink)}).trimmed().toInt();
+        return shell(player.arg(sink)).toInt();
     }
     static QStringList locked(std::mutex &lock, const QStringList &list)
     {

@@ -9,18 +9,13 @@ Result<std::unique_ptr<VideoPreview>> MpvPreview::create(std::shared_ptr<Retired
                                                          const QString &path, QSize bound,
                                                          PreviewEvents events)
 {
-    std::unique_ptr<MpvPreview> preview(new MpvPreview(std::move(retired), bound, std::move(events)));
-    if (const auto opened = preview->open(path); !opened)
+    std::unique_ptr<MpvPreview> preview(new MpvPreview(bound, std::move(events)));
+    if (const auto opened = preview->open(std::move(retired), path); !opened)
         return std::unexpected(opened.error());
     return preview;
 }
 
-MpvPreview::MpvPreview(std::shared_ptr<RetiredThreads> retired, QSize bound, PreviewEvents events)
-    : _retired(std::move(retired)), _bound(bound), _events(std::move(events))
-{
-}
-
-Result<void> MpvPreview::open(const QString &path)
+Result<void> MpvPreview::open(std::shared_ptr<RetiredThreads> retired, const QString &path)
 {
     // Once more through the event loop: the caller may destroy us.
     const auto failed = [this](const Failure &why) {
@@ -29,51 +24,41 @@ Result<void> MpvPreview::open(const QString &path)
                 call(why);
         });
     };
-    auto player = MpvPlayer::create({.starting = [this](int load) { _renderer->begin(load); },
-                                     .formatChanged = [this](const PictureFormat &format) { fit(format); },
-                                     .failed = failed});
-    if (!player)
-        return std::unexpected(player.error());
     const auto deliver = [call = _events.frame](const QImage &image) {
         if (call)
             call(image);
     };
-    auto renderer = VideoRenderer::create((*player)->library(), (*player)->handle(),
-                                          std::make_unique<ImageSink>(_relay, deliver), [](int) {});
-    if (!renderer) {
-        (*player)->library().mpv_terminate_destroy((*player)->release());
-        return std::unexpected(renderer.error());
-    }
-    _player = std::move(*player);
-    _renderer = std::move(*renderer);
-    _player->load(path);
+    auto painted = PaintedPlayer::create(
+        std::move(retired), std::make_unique<ImageSink>(_relay, deliver),
+        {.formatChanged = [this](const PictureFormat &format) { fit(format); }, .failed = failed},
+        [](int) {});
+    if (!painted)
+        return std::unexpected(painted.error());
+    _painted = std::move(*painted);
+    _painted->player().load(path);
     return {};
 }
 
 MpvPreview::~MpvPreview()
 {
     _relay->close();
-    if (!_renderer)
-        return;
-    _player->release();
-    VideoRenderer::retire(std::move(_renderer), *_retired);
 }
 
 void MpvPreview::play()
 {
-    _player->setPaused(false);
+    _painted->player().setPaused(false);
 }
 
 void MpvPreview::pause()
 {
-    _player->setPaused(true);
+    _painted->player().setPaused(true);
 }
 
 void MpvPreview::fit(const PictureFormat &format)
 {
     const QSize size = fittedSize(format.shown, _bound);
-    _player->setScaling(format.stored != size);
-    _renderer->resize(size);
+    _painted->player().setScaling(format.stored != size);
+    _painted->renderer().resize(size);
 }
 
 } // namespace velbrix

@@ -2,8 +2,7 @@
 
 #include "platform/DesktopSurfaces.h"
 #include "platform/linux/surface/MainThreadRelay.h"
-#include "platform/linux/surface/MpvPlayer.h"
-#include "platform/linux/surface/VideoRenderer.h"
+#include "platform/linux/surface/PaintedPlayer.h"
 
 namespace velbrix {
 
@@ -19,16 +18,14 @@ public:
     void pause() override;
 
 private:
-    MpvPreview(std::shared_ptr<RetiredThreads> retired, QSize bound, PreviewEvents events);
-    Result<void> open(const QString &path);
+    MpvPreview(QSize bound, PreviewEvents events) : _bound(bound), _events(std::move(events)) {}
+    Result<void> open(std::shared_ptr<RetiredThreads> retired, const QString &path);
     void fit(const PictureFormat &format);
 
-    const std::shared_ptr<RetiredThreads> _retired;
     const QSize _bound;
     const PreviewEvents _events;
     const std::shared_ptr<MainThreadRelay> _relay = std::make_shared<MainThreadRelay>();
-    std::unique_ptr<MpvPlayer> _player;
-    std::unique_ptr<VideoRenderer> _renderer;
+    std::unique_ptr<PaintedPlayer> _painted;
 };
 
 } // namespace velbrix

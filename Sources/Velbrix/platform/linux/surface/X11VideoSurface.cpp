@@ -21,50 +21,42 @@ Result<std::unique_ptr<VideoSurface>> X11VideoSurface::create(Clock &clock,
                                                               std::shared_ptr<RetiredThreads> retired,
                                                               const QRect &frame, SurfaceEvents events)
 {
-    std::unique_ptr<X11VideoSurface> surface(
-        new X11VideoSurface(clock, std::move(retired), frame, std::move(events)));
-    if (const auto opened = surface->open(); !opened)
+    std::unique_ptr<X11VideoSurface> surface(new X11VideoSurface(clock, frame, std::move(events)));
+    if (const auto opened = surface->open(std::move(retired)); !opened)
         return std::unexpected(opened.error());
     return surface;
 }
 
-X11VideoSurface::X11VideoSurface(Clock &clock, std::shared_ptr<RetiredThreads> retired, const QRect &frame,
-                                 SurfaceEvents events)
-    : _retired(std::move(retired)), _frame(frame), _events(std::move(events)), _time(clock, [this] {
+X11VideoSurface::X11VideoSurface(Clock &clock, const QRect &frame, SurfaceEvents events)
+    : _frame(frame), _events(std::move(events)), _time(clock, [this] {
           if (const auto passed = _events.time)
               passed();
       })
 {
 }
 
-Result<void> X11VideoSurface::open()
+Result<void> X11VideoSurface::open(std::shared_ptr<RetiredThreads> retired)
 {
-    auto window = DesktopWindow::create(_frame, [this] { _renderer->repaint(); });
+    auto window = DesktopWindow::create(_frame, [this] { _painted->renderer().repaint(); });
     if (!window)
         return std::unexpected(window.error());
     _window = std::move(*window);
     auto sink = WindowSink::open(_window->id());
     if (!sink)
         return std::unexpected(sink.error());
-    auto player = MpvPlayer::create({.starting = [this](int load) { _renderer->begin(load); },
-                                     .formatChanged =
-                                         [this](const PictureFormat &format) {
-                                             _format = format;
-                                             applySize();
-                                         },
-                                     .failed = [this](const Failure &why) { failed(why); }});
-    if (!player)
-        return std::unexpected(player.error());
+    const auto formatChanged = [this](const PictureFormat &format) {
+        _format = format;
+        applySize();
+    };
     const auto shown = [this, relay = _relay](int load) {
         relay->post([this, load] { firstPicture(load); });
     };
-    auto renderer = VideoRenderer::create((*player)->library(), (*player)->handle(), std::move(*sink), shown);
-    if (!renderer) {
-        (*player)->library().mpv_terminate_destroy((*player)->release());
-        return std::unexpected(renderer.error());
-    }
-    _player = std::move(*player);
-    _renderer = std::move(*renderer);
+    auto painted = PaintedPlayer::create(
+        std::move(retired), std::move(*sink),
+        {.formatChanged = formatChanged, .failed = [this](const Failure &why) { failed(why); }}, shown);
+    if (!painted)
+        return std::unexpected(painted.error());
+    _painted = std::move(*painted);
     applySize();
     return {};
 }
@@ -72,16 +64,12 @@ Result<void> X11VideoSurface::open()
 X11VideoSurface::~X11VideoSurface()
 {
     _relay->close();
-    if (!_renderer)
-        return;
-    _player->release();
-    VideoRenderer::retire(std::move(_renderer), *_retired);
 }
 
 void X11VideoSurface::load(const QString &path)
 {
     _isAnnouncing = false;
-    _load = _player->load(path);
+    _load = _painted->player().load(path);
     applyPlaying();
 }
 
@@ -89,15 +77,15 @@ void X11VideoSurface::unload()
 {
     _isAnnouncing = false;
     _load = 0;
-    _player->unload();
-    _renderer->clear();
+    _painted->player().unload();
+    _painted->renderer().clear();
     applyPlaying();
 }
 
 void X11VideoSurface::play(double rate)
 {
     _isToPlay = true;
-    _player->setRate(rate);
+    _painted->player().setRate(rate);
     applyPlaying();
 }
 
@@ -109,12 +97,12 @@ void X11VideoSurface::pause()
 
 void X11VideoSurface::setVolume(double volume)
 {
-    _player->setVolume(volume);
+    _painted->player().setVolume(volume);
 }
 
 void X11VideoSurface::setGravity(VideoGravity gravity)
 {
-    _player->setGravity(gravity);
+    _painted->player().setGravity(gravity);
 }
 
 void X11VideoSurface::observeTime(std::chrono::milliseconds interval)
@@ -154,13 +142,13 @@ QCoro::Task<Result<QImage>> X11VideoSurface::currentFrame()
 {
     const bool hasPicture = _load > 0 && !_format.shown.isEmpty();
     const QSize size = hasPicture ? fittedSize(_format.shown, largestCopy) : QSize();
-    const QFuture<Result<QImage>> copied = _renderer->copy(size);
+    const QFuture<Result<QImage>> copied = _painted->renderer().copy(size);
     co_return co_await copied;
 }
 
 qint64 X11VideoSurface::progress() const
 {
-    return _renderer->pictures();
+    return _painted->renderer().pictures();
 }
 
 quint32 X11VideoSurface::windowId() const
@@ -170,16 +158,16 @@ quint32 X11VideoSurface::windowId() const
 
 void X11VideoSurface::applyPlaying()
 {
-    const bool plays = _isToPlay && _isShown && _player->isLoaded();
-    _player->setPaused(!plays);
+    const bool plays = _isToPlay && _isShown && _painted->player().isLoaded();
+    _painted->player().setPaused(!plays);
     _time.run(plays);
 }
 
 void X11VideoSurface::applySize()
 {
     const QSize painted = WindowSink::pictureSize(_frame.size());
-    _player->setScaling(_format.stored != painted || _format.shown != painted);
-    _renderer->resize(_frame.size());
+    _painted->player().setScaling(_format.stored != painted || _format.shown != painted);
+    _painted->renderer().resize(_frame.size());
 }
 
 void X11VideoSurface::firstPicture(int load)

@@ -4,9 +4,8 @@
 #include "platform/DesktopSurfaces.h"
 #include "platform/linux/surface/DesktopWindow.h"
 #include "platform/linux/surface/MainThreadRelay.h"
-#include "platform/linux/surface/MpvPlayer.h"
+#include "platform/linux/surface/PaintedPlayer.h"
 #include "platform/linux/surface/PlayingTime.h"
-#include "platform/linux/surface/VideoRenderer.h"
 
 namespace velbrix {
 
@@ -34,21 +33,18 @@ public:
     quint32 windowId() const override;
 
 private:
-    X11VideoSurface(Clock &clock, std::shared_ptr<RetiredThreads> retired, const QRect &frame,
-                    SurfaceEvents events);
-    Result<void> open();
+    X11VideoSurface(Clock &clock, const QRect &frame, SurfaceEvents events);
+    Result<void> open(std::shared_ptr<RetiredThreads> retired);
     void applyPlaying();
     void applySize();
     void firstPicture(int load);
     void failed(const Failure &why);
 
-    const std::shared_ptr<RetiredThreads> _retired;
     QRect _frame;
     const SurfaceEvents _events;
     const std::shared_ptr<MainThreadRelay> _relay = std::make_shared<MainThreadRelay>();
     std::unique_ptr<DesktopWindow> _window;
-    std::unique_ptr<MpvPlayer> _player;
-    std::unique_ptr<VideoRenderer> _renderer;
+    std::unique_ptr<PaintedPlayer> _painted;
     PlayingTime _time;
     PictureFormat _format;
     int _load = 0;
