@@ -257,7 +257,7 @@ private Q_SLOTS:
         QCOMPARE(terminated.count(), 1);
         // The next start finds it.
         QVERIFY(rig.host.settings.stored.contains(originalKey));
-        rig.clock.advance(1h);
+        rig.clock.advance(3h);
         QCOMPARE(terminated.count(), 1);
     }
 

@@ -48,6 +48,37 @@ private Q_SLOTS:
         QCOMPARE(rig.devices.problem(), u"没有声音服务"_s);
     }
 
+    void anOvertakenAnswerWaitsForTheOneThatCounts_data()
+    {
+        QTest::addColumn<int>("first"); // ms until the earlier answer comes
+        QTest::addColumn<int>("second");
+        QTest::newRow("in order") << 10 << 20;
+        QTest::newRow("the later one first") << 20 << 5;
+    }
+    void anOvertakenAnswerWaitsForTheOneThatCounts()
+    {
+        QFETCH(int, first);
+        QFETCH(int, second);
+        Rig rig;
+        QList<int> delays{first, second};
+        rig.host.audioDevices.wait = [&]() -> QCoro::Task<> {
+            co_await Pause(rig.clock, std::chrono::milliseconds(delays.takeFirst()));
+        };
+        int ended = 0;
+        const auto ask = [&]() -> QCoro::Task<> {
+            co_await rig.devices.refreshAudioDevices();
+            ++ended;
+        };
+        ask();
+        rig.host.audioDevices.speakersAnswer = failure(u"声音服务没有了"_s);
+        ask();
+        rig.clock.advance(std::chrono::milliseconds(std::min(first, second)));
+        QCOMPARE(ended, first < second ? 0 : 1);
+        rig.clock.advance(std::chrono::seconds(1));
+        QTRY_COMPARE(ended, 2);
+        QCOMPARE(rig.devices.problem(), u"声音服务没有了"_s);
+    }
+
     void selectingASpeakerSwitchesTheSystem()
     {
         Rig rig;

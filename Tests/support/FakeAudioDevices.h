@@ -17,11 +17,16 @@ public:
         QList<AudioDeviceItem>{{QStringLiteral("mic"), QStringLiteral("Microphone"), std::nullopt, true}};
     Result<void> setDefaultAnswer;
     QStringList calls; // "speakers", "microphones", "setDefaultSpeaker ID"
+    // Lets answers wait; what they say is settled when they are asked for.
+    std::function<QCoro::Task<>()> wait;
 
     QCoro::Task<Result<QList<AudioDeviceItem>>> speakers() override
     {
         calls.append(QStringLiteral("speakers"));
-        co_return std::as_const(speakersAnswer);
+        const auto answer = speakersAnswer;
+        if (wait)
+            co_await wait();
+        co_return answer;
     }
     QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override
     {

@@ -3,6 +3,7 @@
 #include "capture/RecorderLog.h"
 #include "capture/RecorderPreferences.h"
 
+#include <QCoroSignal>
 #include <QPointer>
 
 #include <algorithm>
@@ -39,16 +40,29 @@ QCoro::Task<> RecorderDevices::refreshAudioDevices()
     // An answer that a later question has overtaken is old news.
     const int generation = ++_generation;
     const auto speakers = co_await _devices.speakers();
-    if (!self || generation != _generation)
+    if (!self)
         co_return;
     const auto microphones = co_await _devices.microphones();
-    if (!self || generation != _generation)
+    if (!self)
         co_return;
+    if (generation == _generation) {
+        take(speakers, microphones);
+        _takenGeneration = generation;
+        Q_EMIT refreshed();
+    } else if (_takenGeneration < generation) {
+        // Whoever waits for this answer waits for the one that counts.
+        co_await qCoro(this, &RecorderDevices::refreshed);
+    }
+}
+
+void RecorderDevices::take(const Result<QList<AudioDeviceItem>> &speakers,
+                           const Result<QList<AudioDeviceItem>> &microphones)
+{
     _problem = !speakers ? speakers.error().message : !microphones ? microphones.error().message : QString();
     const auto newSpeakers = speakers.value_or(QList<AudioDeviceItem>());
     const auto newMicrophones = microphones.value_or(QList<AudioDeviceItem>());
     if (newSpeakers == _speakerDevices.value() && newMicrophones == _microphoneDevices.value())
-        co_return;
+        return;
     _speakerDevices = newSpeakers;
     _microphoneDevices = newMicrophones;
     _log.append(u"扬声器 %1 个 / 麦克风 %2 个"_s.arg(newSpeakers.size()).arg(newMicrophones.size()));

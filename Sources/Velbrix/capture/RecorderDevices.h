@@ -24,7 +24,8 @@ public:
     RecorderDevices(AudioDevices &devices, RecorderPreferences &preferences, RecorderLog &log,
                     QObject *parent = nullptr);
 
-    // From the first call on the lists follow the devices by themselves.
+    // From the first call on the lists follow the devices by themselves. The
+    // lists are of now when the task ends.
     QCoro::Task<> refreshAudioDevices();
     // Makes the speaker the one that the user hears as well.
     void selectSpeaker(const QString &id);
@@ -37,7 +38,12 @@ public:
     // from. Whether it is present the host finds out.
     std::optional<QString> microphoneForCapture() const;
 
+Q_SIGNALS:
+    void refreshed();
+
 private:
+    void take(const Result<QList<AudioDeviceItem>> &speakers,
+              const Result<QList<AudioDeviceItem>> &microphones);
     QCoro::Task<> switchSpeaker(AudioDeviceItem speaker);
 
     AudioDevices &_devices;
@@ -45,6 +51,7 @@ private:
     RecorderLog &_log;
     bool _observing = false;
     int _generation = 0;
+    int _takenGeneration = 0;
 };
 
 } // namespace velbrix
