@@ -1,6 +1,7 @@
 """Videos made for the test, and what of them is on the screen."""
 
 import os
+import re
 import subprocess
 
 from desktop import output_of, wait_until
@@ -30,7 +31,9 @@ class Shot:
     def __init__(self):
         found = subprocess.run(["import", "-silent", "-window", "root", "-depth", "8", "rgb:-"], capture_output=True,
                                check=True)
-        self.width, self.height = map(int, output_of("xdotool", "getdisplaygeometry").split())
+        # Others tell the size of the first monitor only.
+        told = output_of("xwininfo", "-root")
+        self.width, self.height = (int(re.search(rf"{name}: +(\d+)", told)[1]) for name in ("Width", "Height"))
         self.bytes = found.stdout
 
     def at(self, x, y):
