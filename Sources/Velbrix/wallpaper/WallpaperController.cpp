@@ -66,7 +66,7 @@ void WallpaperController::followParts()
     connect(&_preferences, &WallpaperPreferences::isHidingDesktopIconsChanged, this,
             [this] { _surfaces.applyWindowLayering(); });
     connect(&_surfaces, &VideoSurfaces::timeReached, this, [this] {
-        if (state().isPlaying() && !isPaused() && !_isInBackground())
+        if (isShowing() && !isPaused() && !_isInBackground())
             _still.refreshStaticDesktop(u"time"_s);
     });
     connect(&_playback, &WallpaperPlayback::stateChanged, this, &WallpaperController::stateChanged);

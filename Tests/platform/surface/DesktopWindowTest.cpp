@@ -414,6 +414,21 @@ private Q_SLOTS:
                  0xffffffffU);
     }
 
+    void staysBehindWhereTheManagerHasEnded()
+    {
+        Observer observer;
+        {
+            const WindowManager manager(u"openbox"_s);
+        }
+        ForeignWindow other(QRect(100, 100, 300, 200));
+        other.map();
+        QTRY_COMPARE(observer.pixel({200, 200}), QColor(Qt::white));
+        ColouredWindow coloured(whole, red);
+        coloured.window->orderFront();
+        QTRY_COMPARE(observer.pixel({700, 200}), red);
+        QCOMPARE(observer.pixel({200, 200}), QColor(Qt::white));
+    }
+
     void reportsALostServer()
     {
         const QByteArray display = qgetenv("DISPLAY");

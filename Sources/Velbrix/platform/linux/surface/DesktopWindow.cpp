@@ -108,7 +108,7 @@ private:
 
     bool isManaged() const
     {
-        return _connection.property(_connection.root(), "_NET_SUPPORTING_WM_CHECK").count() > 0;
+        return windowManager(_connection) != XCB_NONE;
     }
 
     void map()

@@ -45,8 +45,7 @@ private:
 // go by the missing entry in the task list, and give a splash screen the focus.
 const char *windowType(X11Connection &connection)
 {
-    const xcb_window_t manager = connection.property(connection.root(), "_NET_SUPPORTING_WM_CHECK").value(0);
-    const QByteArray name = connection.property(manager, "_NET_WM_NAME").bytes;
+    const QByteArray name = connection.property(windowManager(connection), "_NET_WM_NAME").bytes;
     return name == "Openbox" ? "_NET_WM_WINDOW_TYPE_SPLASH" : "_NET_WM_WINDOW_TYPE_NORMAL";
 }
 
@@ -58,6 +57,16 @@ void sendToRoot(X11Connection &connection, const void *event)
 }
 
 } // namespace
+
+xcb_window_t windowManager(X11Connection &connection)
+{
+    // One that was killed leaves its name on the root, and no window.
+    const auto named = [&connection](xcb_window_t window) {
+        return connection.property(window, "_NET_SUPPORTING_WM_CHECK").value(0);
+    };
+    const xcb_window_t manager = named(connection.root());
+    return manager != XCB_NONE && named(manager) == manager ? manager : XCB_NONE;
+}
 
 void setDesktopHints(X11Connection &connection, xcb_window_t window, const QRect &frame)
 {
