@@ -7,7 +7,8 @@ import unittest
 import dbus
 
 import movie
-from desktop import DesktopTestCase, wait_until
+from desktop import ACCEPTED, DesktopTestCase, wait_until
+from wallpaper import BLUE, RED, make_clip, wait_for_color
 from widgets import process_of
 
 ITEM = "org.kde.StatusNotifierItem"
@@ -77,6 +78,19 @@ class Tray(DesktopTestCase):
 
         item.choose("打开 Velbrix")
         program.wait_for_window()
+
+    def test_wallpaper(self):
+        clip = make_clip(self.home / "loop.mp4", RED, BLUE)
+        self.write_settings(ACCEPTED | {"Velbrix_Privacy_consent_videoWallpaper": True,
+                                        "VelbClean_LastVideoPath": clip, "VelbClean_WallpaperAutoPlay": False})
+        item = self.item(self.start("--background"))
+        for title, then, color in (("播放壁纸", "暂停壁纸", RED), ("暂停壁纸", "继续播放壁纸", None),
+                                   ("继续播放壁纸", "暂停壁纸", BLUE), ("停止壁纸", "播放壁纸", None)):
+            item.choose(title)
+            wait_until(lambda: then in item.titles(), f"{title} turns into {then}")
+            if color:
+                wait_for_color(500, 600, color)
+        self.assertIn("停止壁纸", {title for _, title, enabled in item.entries() if not enabled})
 
     def test_quit(self):
         program = self.start_hidden()
