@@ -179,10 +179,13 @@ private:
 class FakeDesktopSurfaces final : public DesktopSurfaces {
 public:
     std::optional<Failure> refusal; // what both verbs fail with
+    int preparations = 0;
     int surfacesMade = 0;
     int previewsMade = 0;
     QList<FakeVideoSurface *> surfaces; // alive, in the order of their making
     QList<FakePreview *> previews;
+
+    void prepare() override { ++preparations; }
 
     Result<std::unique_ptr<VideoSurface>> makeVideoSurface(const QRect &frame, SurfaceEvents events) override
     {

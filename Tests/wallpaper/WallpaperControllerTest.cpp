@@ -26,6 +26,7 @@ private Q_SLOTS:
         QVERIFY(rig.wallpaper().video().currentFrame().has_value());
         QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(file));
         QVERIFY(rig.host.surfaces.surfaces.isEmpty());
+        QCOMPARE(rig.host.surfaces.preparations, 1);
         QVERIFY(rig.host.desktopPicture.calls.isEmpty());
     }
 

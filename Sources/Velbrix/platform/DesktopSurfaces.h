@@ -86,6 +86,9 @@ class DesktopSurfaces {
 public:
     virtual ~DesktopSurfaces() = default;
 
+    // A surface will be wanted soon: what takes long is begun in the
+    // background, on a host where something does.
+    virtual void prepare() {}
     // Hidden, empty, below the icons.
     virtual Result<std::unique_ptr<VideoSurface>> makeVideoSurface(const QRect &frame,
                                                                    SurfaceEvents events) = 0;

@@ -29,6 +29,8 @@ public:
     VideoSurfaces(Hosts hosts, WallpaperPreferences &preferences, Clock &clock, QObject *parent = nullptr);
     ~VideoSurfaces() override;
 
+    // A video will be shown soon.
+    void prepare() { _hosts.surfaces.prepare(); }
     // Sets the main display's window up if need be, loads and shows it; it
     // plays unless paused.
     Result<void> showMain(const QString &path);

@@ -141,6 +141,7 @@ QCoro::Task<bool> WallpaperPlayback::setVideo(const QString path)
     const QPointer self(this);
     if (_hasEnded)
         co_return false;
+    _surfaces.prepare();
     const QString file = absolute(path);
     const auto outcome = co_await _video.load(file);
     if (!self || outcome.loaded == WallpaperVideo::Loaded::outdated)

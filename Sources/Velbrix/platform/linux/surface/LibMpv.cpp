@@ -33,13 +33,24 @@ bool load(LibMpv &functions)
     return isComplete;
 }
 
-} // namespace
-
-Result<const LibMpv *> libMpv()
+const LibMpv *loaded()
 {
     static LibMpv functions;
     static const bool isLoaded = load(functions);
-    if (!isLoaded)
+    return isLoaded ? &functions : nullptr;
+}
+
+} // namespace
+
+void preloadLibMpv()
+{
+    (void)loaded();
+}
+
+Result<const LibMpv *> libMpv()
+{
+    const LibMpv *const functions = loaded();
+    if (!functions)
         return failure(u"缺少播放视频所需的组件 libmpv，请先安装"_s);
     // It reads and writes numbers with the functions of C and refuses to work
     // where these use a decimal comma. Ours come from Qt, which does not care.
@@ -49,7 +60,7 @@ Result<const LibMpv *> libMpv()
     // A player that ends takes the silence of the others with it.
     if (const AvCodec *const av = avCodec())
         av->av_log_set_level(AV_LOG_QUIET);
-    return &functions;
+    return functions;
 }
 
 } // namespace velbrix

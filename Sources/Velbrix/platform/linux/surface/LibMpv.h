@@ -39,7 +39,9 @@ struct LibMpv {
 #undef VELB_MPV_MEMBER
 };
 
-// Stays valid until the program ends. The first call takes some 60 ms. Main thread.
+// Does the slow part of the first call of libMpv(), some 60 to 300 ms. Any thread.
+void preloadLibMpv();
+// Stays valid until the program ends. Main thread.
 Result<const LibMpv *> libMpv();
 
 } // namespace velbrix

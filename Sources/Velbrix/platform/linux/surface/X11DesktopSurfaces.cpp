@@ -1,11 +1,19 @@
 #include "platform/linux/surface/X11DesktopSurfaces.h"
 
+#include "platform/linux/surface/LibMpv.h"
 #include "platform/linux/surface/MpvPreview.h"
 #include "platform/linux/surface/X11VideoSurface.h"
+
+#include <QtConcurrent/QtConcurrentRun>
 
 namespace velbrix {
 
 X11DesktopSurfaces::X11DesktopSurfaces(Clock &clock) : _clock(clock) {}
+
+void X11DesktopSurfaces::prepare()
+{
+    (void)QtConcurrent::run(preloadLibMpv);
+}
 
 Result<std::unique_ptr<VideoSurface>> X11DesktopSurfaces::makeVideoSurface(const QRect &frame,
                                                                            SurfaceEvents events)

@@ -12,6 +12,7 @@ public:
     // The clock must outlive the surfaces.
     explicit X11DesktopSurfaces(Clock &clock);
 
+    void prepare() override;
     Result<std::unique_ptr<VideoSurface>> makeVideoSurface(const QRect &frame, SurfaceEvents events) override;
     Result<std::unique_ptr<VideoPreview>> makePreview(const QString &path, QSize bound,
                                                       PreviewEvents events) override;
