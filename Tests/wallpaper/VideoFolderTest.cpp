@@ -89,7 +89,8 @@ private Q_SLOTS:
         rig.folder.cancelScan();
         QVERIFY(!rig.folder.isScanning());
         QTest::qWait(0);
-        QCOMPARE(rig.folder.folderVideos().size(), 1);
+        // It may have been quicker than the cancelling.
+        QVERIFY(!rig.folder.folderVideos().isEmpty());
         const std::atomic_bool cancelled{true};
         QVERIFY(videosBelow(rig.root, cancelled).isEmpty());
     }
