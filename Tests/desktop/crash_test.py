@@ -65,6 +65,10 @@ class Crash(DesktopTestCase):
         program = self.start()
         window = Window(program, program.wait_for_window())
         program.do("show", "recorder")
+        window.wait_for(left.name)
+        # The banner about it has slid in and out again.
+        window.wait_for("发现未正常结束的录制")
+        window.wait_without("发现未正常结束的录制")
         window.click("忽略")
         window.wait_without(left.name)
         wait_until(lambda: "Velbrix_ScreenRecord_unfinishedFiles" not in program.settings(), "it is forgotten")
