@@ -236,6 +236,10 @@ private Q_SLOTS:
             rig.host.power.set(true);
         wallpaper.applyWallpaper();
         QVERIFY(!wallpaper.isShowing());
+        // What the desktop showed before, it shows again.
+        QTRY_VERIFY(wallpaper.isSettled());
+        QCOMPARE(rig.host.desktopPicture.now->value(u"path"_s).toString(), u"/own/picture.png"_s);
+        QVERIFY(!rig.services->settings.contains(u"Velbrix_WallpaperOriginalDesktopPicture"_s));
         QTEST(wallpaper.notice() + wallpaper.state().message, "told");
         QCOMPARE(rig.logged().contains(u"blocked: on battery (pauseOnBattery)"_s), what == u"battery");
     }

@@ -1,6 +1,6 @@
 #include "wallpaper/PowerPolicy.h"
 
-#include "foundation/Log.h"
+#include "wallpaper/WallpaperLog.h"
 #include "wallpaper/WallpaperPreferences.h"
 
 #include <utility>
@@ -8,14 +8,8 @@
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-namespace {
 
-void say(const QString &text)
-{
-    log::line(u"Wallpaper"_s, text);
-}
-
-} // namespace
+using wallpaperlog::say;
 
 PowerPolicy::PowerPolicy(PowerSource &source, WallpaperPreferences &preferences, Acts acts, QObject *parent)
     : QObject(parent), _source(source), _preferences(preferences), _acts(std::move(acts))

@@ -1,9 +1,9 @@
 #include "wallpaper/VideoStill.h"
 
 #include "foundation/Deadline.h"
-#include "foundation/Log.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/VideoSurfaces.h"
+#include "wallpaper/WallpaperLog.h"
 #include "wallpaper/WallpaperVideo.h"
 
 #include <QPointer>
@@ -12,16 +12,14 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace velbrix {
+
+using wallpaperlog::say;
+
 namespace {
 
 // The picture under the windows should be there before they move, but a slow
 // disk must not hold the wallpaper up.
 constexpr auto firstFrameLimit = 1s;
-
-void say(const QString &text)
-{
-    log::line(u"Wallpaper"_s, text);
-}
 
 } // namespace
 

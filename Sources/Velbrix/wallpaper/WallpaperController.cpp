@@ -1,9 +1,9 @@
 #include "wallpaper/WallpaperController.h"
 
-#include "foundation/Log.h"
 #include "platform/LoginItem.h"
 #include "platform/Permissions.h"
 #include "wallpaper/LaunchRestore.h"
+#include "wallpaper/WallpaperLog.h"
 
 #include <QFileInfo>
 #include <QPointer>
@@ -13,12 +13,10 @@
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-namespace {
 
-void say(const QString &text)
-{
-    log::line(u"Wallpaper"_s, text);
-}
+using wallpaperlog::say;
+
+namespace {
 
 bool isFile(const std::optional<QString> &path)
 {

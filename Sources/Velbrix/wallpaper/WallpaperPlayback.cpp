@@ -1,11 +1,11 @@
 #include "wallpaper/WallpaperPlayback.h"
 
-#include "foundation/Log.h"
 #include "wallpaper/ConnectedDisplays.h"
 #include "wallpaper/PowerPolicy.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/VideoStill.h"
 #include "wallpaper/VideoSurfaces.h"
+#include "wallpaper/WallpaperLog.h"
 #include "wallpaper/WallpaperPreferences.h"
 #include "wallpaper/WallpaperVideo.h"
 
@@ -16,14 +16,12 @@
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+
+using wallpaperlog::say;
+
 namespace {
 
 const QString nothingChosen = u"请先选择一个视频"_s;
-
-void say(const QString &text)
-{
-    log::line(u"Wallpaper"_s, text);
-}
 
 QString decimal(double value)
 {
@@ -128,6 +126,11 @@ QCoro::Task<bool> WallpaperPlayback::applyVideo(QString path)
 void WallpaperPlayback::show(const QString &path)
 {
     if (const auto shown = _surfaces.showMain(path); !shown) {
+        // The still picture has come before the windows.
+        if (!isShowing()) {
+            _still.cancel();
+            _staticDesktop.putBack();
+        }
         refuse(shown.error().message);
         return;
     }

@@ -16,8 +16,8 @@ constexpr int gap = 8;
 
 } // namespace
 
-ThumbnailCell::ThumbnailCell(const Theme &theme, QListView &grid, QString placeholder)
-    : QStyledItemDelegate(&grid), _theme(theme), _grid(grid), _placeholder(std::move(placeholder))
+ThumbnailCell::ThumbnailCell(const Theme &theme, QListView &grid, QString emptySymbol)
+    : QStyledItemDelegate(&grid), _theme(theme), _grid(grid), _emptySymbol(std::move(emptySymbol))
 {
     connect(&theme, &Theme::changed, this, [this] { _symbols.clear(); });
 }
@@ -44,7 +44,7 @@ void ThumbnailCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     if (!index.data(ThumbnailItems::problemRole).toString().isEmpty())
         drawSymbol(*painter, room, QStringLiteral("exclamationmark.triangle.fill"));
     else if (picture.isNull())
-        drawSymbol(*painter, room, _placeholder);
+        drawSymbol(*painter, room, _emptySymbol);
     else
         drawPicture(*painter, room, picture);
     drawWords(*painter, words, index, isChosen);

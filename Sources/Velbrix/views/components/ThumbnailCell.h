@@ -14,8 +14,8 @@ class Theme;
 // words, or a symbol where there is none to show.
 class ThumbnailCell final : public QStyledItemDelegate {
 public:
-    // The placeholder is the symbol of a cell that has no picture.
-    ThumbnailCell(const Theme &theme, QListView &grid, QString placeholder);
+    // The empty symbol is that of a cell that has no picture.
+    ThumbnailCell(const Theme &theme, QListView &grid, QString emptySymbol);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
@@ -28,7 +28,7 @@ private:
 
     const Theme &_theme;
     const QListView &_grid;
-    const QString _placeholder;
+    const QString _emptySymbol;
     mutable QHash<QString, QPixmap> _symbols;
 };
 

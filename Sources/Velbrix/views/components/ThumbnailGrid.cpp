@@ -20,7 +20,7 @@ constexpr int mostRows = 2;
 
 } // namespace
 
-ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, const QString &placeholder,
+ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, const QString &emptySymbol,
                              QWidget *parent)
     : QListView(parent), _items(new ThumbnailItems(this))
 {
@@ -36,7 +36,7 @@ ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, const QStr
     setFrameShape(NoFrame);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setModel(_items);
-    setItemDelegate(new ThumbnailCell(theme, *this, placeholder));
+    setItemDelegate(new ThumbnailCell(theme, *this, emptySymbol));
     connect(this, &QListView::clicked, this,
             [this](const QModelIndex &index) { Q_EMIT wanted(_items->items[index.row()].id); });
     connect(&theme, &Theme::changed, this, [this] { viewport()->update(); });

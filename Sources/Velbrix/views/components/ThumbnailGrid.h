@@ -18,8 +18,8 @@ class ThumbnailGrid final : public QListView {
     Q_OBJECT
 
 public:
-    // The placeholder is the symbol of a cell that has no picture.
-    ThumbnailGrid(const Theme &theme, const QString &name, const QString &placeholder,
+    // The empty symbol is that of a cell that has no picture.
+    ThumbnailGrid(const Theme &theme, const QString &name, const QString &emptySymbol,
                   QWidget *parent = nullptr);
 
     // Keeps the place and the current cell when that is still there.
