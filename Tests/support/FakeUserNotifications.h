@@ -12,6 +12,7 @@ public:
     Result<bool> authorization = true; // what the request answers
     NotificationSettings current{QStringLiteral("authorized"), QStringLiteral("enabled")};
     QStringList calls; // "register …", "requestAuthorization", "settings"
+    QList<UserNotice> posted;
 
     void registerCategory(const QString identifier) override
     {
@@ -26,6 +27,11 @@ public:
     {
         calls.append(QStringLiteral("settings"));
         co_return std::as_const(current);
+    }
+    QCoro::Task<Result<void>> post(const UserNotice notice) override
+    {
+        posted.append(notice);
+        co_return Result<void>();
     }
 };
 

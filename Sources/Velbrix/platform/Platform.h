@@ -2,13 +2,18 @@
 
 #include "foundation/Clock.h"
 #include "foundation/SettingsBackend.h"
+#include "platform/AdminShell.h"
+#include "platform/ApplicationCatalog.h"
+#include "platform/Archiver.h"
 #include "platform/AudioDevices.h"
 #include "platform/DesktopPicture.h"
 #include "platform/DesktopServices.h"
 #include "platform/DesktopSurfaces.h"
 #include "platform/DesktopVisibility.h"
+#include "platform/DiskUsage.h"
 #include "platform/Displays.h"
 #include "platform/DockPreference.h"
+#include "platform/HostFamily.h"
 #include "platform/HotkeyRegistrar.h"
 #include "platform/KeyMonitor.h"
 #include "platform/LoginItem.h"
@@ -16,9 +21,11 @@
 #include "platform/MovieFiles.h"
 #include "platform/Permissions.h"
 #include "platform/PowerSource.h"
+#include "platform/RunningPrograms.h"
 #include "platform/ScreenCapture.h"
 #include "platform/SingleInstance.h"
 #include "platform/Symbols.h"
+#include "platform/TrashCan.h"
 #include "platform/UserNotifications.h"
 
 #include <QString>
@@ -49,6 +56,13 @@ struct Platform {
     std::unique_ptr<MediaProbe> mediaProbe;
     std::unique_ptr<PowerSource> power;
     std::unique_ptr<DockPreference> dock;
+    std::unique_ptr<DiskUsage> diskUsage;
+    std::unique_ptr<TrashCan> trash;
+    std::unique_ptr<AdminShell> adminShell;
+    std::unique_ptr<RunningPrograms> programs;
+    std::unique_ptr<ApplicationCatalog> applications;
+    std::unique_ptr<Archiver> archiver;
+    HostFamily family = HostFamily::freedesktop;
 };
 
 // Before the QApplication is made: settles what that needs on this host. Why

@@ -14,6 +14,14 @@ struct NotificationSettings {
     bool operator==(const NotificationSettings &) const = default;
 };
 
+struct UserNotice {
+    QString identifier; // a newer notice of the same identifier takes its place
+    QString title;
+    QString body;
+
+    bool operator==(const UserNotice &) const = default;
+};
+
 // The system's notification banners. Main thread.
 class UserNotifications {
 public:
@@ -24,6 +32,7 @@ public:
     // For alerts, sounds and badges; true when granted.
     virtual QCoro::Task<Result<bool>> requestAuthorization() = 0;
     virtual QCoro::Task<NotificationSettings> settings() = 0;
+    virtual QCoro::Task<Result<void>> post(const UserNotice notice) = 0;
 };
 
 } // namespace velbrix

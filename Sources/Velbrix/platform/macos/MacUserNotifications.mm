@@ -85,4 +85,28 @@ QCoro::Task<NotificationSettings> MacUserNotifications::settings()
     return answerOf(read);
 }
 
+QCoro::Task<Result<void>> MacUserNotifications::post(const UserNotice notice)
+{
+    const Completion<Result<void>> posted;
+    if (!hasBundle()) {
+        posted.answer(failure(u"程序不在应用包中运行，系统不提供通知"_s));
+        return answerOf(posted);
+    }
+    UNMutableNotificationContent *content = [UNMutableNotificationContent new];
+    content.title = toNSString(notice.title);
+    content.body = toNSString(notice.body);
+    UNNotificationRequest *request = [UNNotificationRequest requestWithIdentifier:toNSString(notice.identifier)
+                                                                          content:content
+                                                                          trigger:nil];
+    [[UNUserNotificationCenter currentNotificationCenter]
+        addNotificationRequest:request
+         withCompletionHandler:^(NSError *error) {
+             if (error)
+                 posted.answer(std::unexpected(toFailure(error)));
+             else
+                 posted.answer(Result<void>());
+         }];
+    return answerOf(posted);
+}
+
 } // namespace velbrix

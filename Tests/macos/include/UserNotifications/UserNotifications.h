@@ -46,6 +46,20 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 @property(nonatomic, readonly) UNNotificationSetting alertSetting;
 @end
 
+@interface UNNotificationContent : NSObject
+@end
+@interface UNMutableNotificationContent : UNNotificationContent
+@property(nonatomic, copy) NSString *title;
+@property(nonatomic, copy) NSString *body;
+@end
+@interface UNNotificationTrigger : NSObject
+@end
+@interface UNNotificationRequest : NSObject
++ (instancetype)requestWithIdentifier:(NSString *)identifier
+                              content:(UNNotificationContent *)content
+                              trigger:(nullable UNNotificationTrigger *)trigger;
+@end
+
 @protocol UNUserNotificationCenterDelegate <NSObject>
 @optional
 - (void)userNotificationCenter:(UNUserNotificationCenter *)center
@@ -59,6 +73,8 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 - (void)requestAuthorizationWithOptions:(UNAuthorizationOptions)options
                       completionHandler:(void (^)(BOOL granted, NSError *_Nullable error))completionHandler;
 - (void)setNotificationCategories:(NSSet<UNNotificationCategory *> *)categories;
+- (void)addNotificationRequest:(UNNotificationRequest *)request
+         withCompletionHandler:(nullable void (^)(NSError *_Nullable error))completionHandler;
 - (void)getNotificationSettingsWithCompletionHandler:(void (^)(UNNotificationSettings *settings))handler;
 @end
 

@@ -56,4 +56,24 @@ QCoro::Task<NotificationSettings> FreedesktopNotifications::settings()
     co_return NotificationSettings{u"denied"_s, u"notSupported"_s};
 }
 
+QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotice notice)
+{
+    const auto bus = sessionBus();
+    if (!bus)
+        co_return failure(u"没有会话总线，无法显示系统通知"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s,
+                                       u"org.freedesktop.Notifications"_s, u"Notify"_s);
+    constexpr int serversChoice = -1;
+    // The body is markup to many services.
+    call << u"Velbrix"_s << _shown.value(notice.identifier) << u"velbrix"_s << notice.title
+         << notice.body.toHtmlEscaped() << QStringList() << QVariantMap() << serversChoice;
+    QDBusPendingReply<uint> shown = bus->asyncCall(call);
+    co_await shown;
+    if (shown.isError())
+        co_return failure(shown.error().message());
+    _shown[notice.identifier] = shown.value();
+    co_return Result<void>();
+}
+
 } // namespace velbrix

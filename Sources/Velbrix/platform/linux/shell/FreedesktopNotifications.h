@@ -2,6 +2,8 @@
 
 #include "platform/UserNotifications.h"
 
+#include <QHash>
+
 namespace velbrix {
 
 // The desktop's notification service on the session bus. It grants everything
@@ -13,6 +15,10 @@ public:
     // Starts no service: one that the bus can start on demand counts as there.
     QCoro::Task<Result<bool>> requestAuthorization() override;
     QCoro::Task<NotificationSettings> settings() override;
+    QCoro::Task<Result<void>> post(const UserNotice notice) override;
+
+private:
+    QHash<QString, uint> _shown; // the service's number by our identifier
 };
 
 } // namespace velbrix

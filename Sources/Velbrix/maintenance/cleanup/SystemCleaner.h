@@ -1,0 +1,124 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/ProcessRunner.h"
+#include "foundation/Published.h"
+#include "foundation/Removal.h"
+#include "foundation/Result.h"
+#include "maintenance/cleanup/CleanupCatalog.h"
+#include "maintenance/cleanup/CleanupTypes.h"
+
+#include <QCoroTask>
+#include <QHash>
+#include <QObject>
+#include <QSet>
+
+#include <atomic>
+#include <memory>
+
+namespace velbrix {
+
+class AdminShell;
+class DiskUsage;
+class RunningPrograms;
+class SettingsStore;
+class TrashCan;
+
+using CleanupContentsById = QHash<QString, CleanupContents>;
+
+// Caches, logs, trash and folders of the user's choice: how large they are,
+// and emptying those that are selected.
+class SystemCleaner final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(SystemCleaner, QList<CleanupItem>, items)
+    VELB_PUBLISHED(SystemCleaner, CleanupPhase, phase)
+    VELB_PUBLISHED(SystemCleaner, double, progress, 0)           // 0…1
+    VELB_PUBLISHED(SystemCleaner, CleanupContentsById, contents) // of the opened rows
+    VELB_PUBLISHED(SystemCleaner, CleanupReport, report)         // of the last clean
+    VELB_PUBLISHED(SystemCleaner, QStringList, busyItems) // ids whose owner runs; asked anew with the sizes
+    VELB_PUBLISHED(SystemCleaner, QSet<QString>, forcedItems) // busy ones to be cleaned all the same
+
+public:
+    static constexpr int maxCustomPathsAllowed = 10;
+
+    struct Hosts {
+        DiskUsage &usage;
+        TrashCan &trash;
+        AdminShell &admin;
+        RunningPrograms &programs;
+    };
+
+    // Everything must outlive the cleaner. `ownPlaces`: what of this program
+    // must never be removed.
+    SystemCleaner(Hosts hosts, SettingsStore &settings, Clock &clock, QList<CleanupRule> catalog,
+                  QList<QByteArray> ownPlaces, QObject *parent = nullptr);
+    ~SystemCleaner() override;
+
+    CleanupGroup group(const QString &id) const;
+    bool isAdministrative(const QString &id) const;
+    // Whether the row has entries to open.
+    bool hasContents(const QString &id) const;
+    // Bytes as last measured; nothing while unknown or not measurable.
+    std::optional<qint64> measuredBytes(const QString &id) const;
+
+    void setSelected(const QString &id, bool isSelected);
+    void setAllSelected(bool isSelected);
+    // A busy item is skipped unless it is forced; for this session only.
+    void setForced(const QString &id, bool isForced);
+
+    // The failure is for the user.
+    Result<void> addCustomPath(const QString &path);
+    void removeCustomPath(const QString &id);
+
+    // Does nothing while sizes are measured or items cleaned.
+    void recalculate();
+    // The first showing of the page; later ones do nothing.
+    void calculateOnce();
+
+    void open(const QString &id);
+    void close(const QString &id);
+    // Leaves one entry of an opened row out of the next clean, or takes it in again.
+    void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
+
+    // Ends the measuring, or the cleaning after the entry it is at.
+    void cancel();
+    // Asks nothing: confirmation and consent come before.
+    void clean();
+    // Selected items that a clean would take now, in its order.
+    QList<CleanupItem> itemsToClean() const;
+    bool isWorking() const;
+
+private:
+    const CleanupRule *rule(const QString &id) const;
+    CleanupTarget target(const CleanupItem &item) const;
+    QStringList measuredFolders(const CleanupItem &item) const;
+    RemovalRules removalRules(const QString &id) const;
+    void loadSelection();
+    void saveSelection();
+    void saveCustomPaths();
+    void setSize(const QString &id, const QString &text);
+    void refreshBusyItems();
+    QCoro::Task<> measure(QStringList ids);
+    QCoro::Task<> measureContents(QString id);
+    QCoro::Task<> runClean();
+
+    struct Act; // what one item's cleaning did
+    QCoro::Task<Act> emptyFolder(CleanupItem item, QString path);
+    QCoro::Task<Act> emptyTrash(QString id);
+    QCoro::Task<Act> runCommand(CleanupTarget target);
+
+    Hosts _hosts;
+    SettingsStore &_settings;
+    Clock &_clock;
+    ProcessRunner _processes;
+    QList<CleanupRule> _catalog;
+    QList<QByteArray> _ownPlaces;
+    QHash<QString, qint64> _bytes;
+    QHash<QString, QSet<QByteArray>> _leftOut; // by item
+    QHash<QString, Cancellation> _openings;
+    Cancellation _work;
+    std::shared_ptr<std::atomic_bool> _stopRemoval;
+    bool _hasCalculated = false;
+};
+
+} // namespace velbrix

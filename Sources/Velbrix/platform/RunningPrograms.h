@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace velbrix {
+
+// What the user's session is running at this moment. Main thread.
+class RunningPrograms {
+public:
+    virtual ~RunningPrograms() = default;
+
+    // Those of the names that run. Names are what the host tells programs
+    // apart by: macOS the bundle identifier, Linux the executable's file name.
+    virtual QSet<QString> running(const QStringList &names) const = 0;
+    // Whether a program runs whose executable lies at or below the path.
+    virtual bool runsFrom(const QString &path) const = 0;
+    // The paths of all sockets that somebody listens on; nothing when the
+    // host does not tell.
+    virtual std::optional<QSet<QByteArray>> boundSockets() const = 0;
+};
+
+} // namespace velbrix
