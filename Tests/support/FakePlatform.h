@@ -3,6 +3,7 @@
 #include "app/AppServices.h"
 #include "platform/Platform.h"
 #include "support/FakeArchiver.h"
+#include "support/FakeApplicationCatalog.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
@@ -52,6 +53,7 @@ public:
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
           archiver(make<FakeArchiver>(platform.archiver, clock))
+          applications(make<FakeApplicationCatalog>(platform.applications, clock))
     {
     }
 
@@ -76,6 +78,7 @@ public:
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
     FakeArchiver &archiver;
+    FakeApplicationCatalog &applications;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
