@@ -9,6 +9,7 @@
 #include "support/FakeDesktopServices.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/FakeDesktopVisibility.h"
+#include "support/FakeDiskUsage.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
@@ -49,6 +50,7 @@ public:
           mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
           power(make<FakePowerSource>(platform.power)),
           dock(make<FakeDockPreference>(platform.dock, clock)),
+          diskUsage(make<FakeDiskUsage>(platform.diskUsage, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
@@ -74,6 +76,7 @@ public:
     FakeMediaProbe &mediaProbe;
     FakePowerSource &power;
     FakeDockPreference &dock;
+    FakeDiskUsage &diskUsage;
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
