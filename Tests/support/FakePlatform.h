@@ -2,8 +2,8 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
-#include "support/FakeArchiver.h"
 #include "support/FakeApplicationCatalog.h"
+#include "support/FakeArchiver.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
@@ -54,7 +54,7 @@ public:
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
-          archiver(make<FakeArchiver>(platform.archiver, clock))
+          archiver(make<FakeArchiver>(platform.archiver, clock)),
           applications(make<FakeApplicationCatalog>(platform.applications, clock))
     {
     }
@@ -101,6 +101,8 @@ struct ServicesRig {
     {
         qputenv("XDG_DATA_HOME", files.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", files.filePath(QStringLiteral("config")).toUtf8());
+        qputenv("HOME", files.path().toUtf8());
     }
 
     QTemporaryDir files;
