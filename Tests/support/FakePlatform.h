@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "support/FakeAdminShell.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
@@ -16,9 +17,11 @@
 #include "support/FakeMovieFiles.h"
 #include "support/FakePermissions.h"
 #include "support/FakePowerSource.h"
+#include "support/FakeRunningPrograms.h"
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
+#include "support/FakeTrashCan.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
@@ -49,7 +52,10 @@ public:
           dock(make<FakeDockPreference>(platform.dock, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
-          visibility(make<FakeDesktopVisibility>(platform.visibility))
+          visibility(make<FakeDesktopVisibility>(platform.visibility)),
+          trash(make<FakeTrashCan>(platform.trash)),
+          adminShell(make<FakeAdminShell>(platform.adminShell, clock)),
+          programs(make<FakeRunningPrograms>(platform.programs))
     {
     }
 
@@ -73,6 +79,9 @@ public:
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
+    FakeTrashCan &trash;
+    FakeAdminShell &adminShell;
+    FakeRunningPrograms &programs;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
