@@ -8,6 +8,7 @@
 #include "support/FakeDesktopServices.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/FakeDesktopVisibility.h"
+#include "support/FakeDiskUsage.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
@@ -50,6 +51,7 @@ public:
           mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
           power(make<FakePowerSource>(platform.power)),
           dock(make<FakeDockPreference>(platform.dock, clock)),
+          diskUsage(make<FakeDiskUsage>(platform.diskUsage, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
@@ -76,6 +78,7 @@ public:
     FakeMediaProbe &mediaProbe;
     FakePowerSource &power;
     FakeDockPreference &dock;
+    FakeDiskUsage &diskUsage;
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
