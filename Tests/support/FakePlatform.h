@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 #include "support/FakeApplicationCatalog.h"
 #include "support/FakeArchiver.h"
+#include "support/FakeAdminShell.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
@@ -19,9 +20,11 @@
 #include "support/FakeMovieFiles.h"
 #include "support/FakePermissions.h"
 #include "support/FakePowerSource.h"
+#include "support/FakeRunningPrograms.h"
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
+#include "support/FakeTrashCan.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
@@ -56,6 +59,9 @@ public:
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
           archiver(make<FakeArchiver>(platform.archiver, clock)),
           applications(make<FakeApplicationCatalog>(platform.applications, clock))
+          trash(make<FakeTrashCan>(platform.trash)),
+          adminShell(make<FakeAdminShell>(platform.adminShell, clock)),
+          programs(make<FakeRunningPrograms>(platform.programs))
     {
     }
 
@@ -82,6 +88,9 @@ public:
     FakeDesktopVisibility &visibility;
     FakeArchiver &archiver;
     FakeApplicationCatalog &applications;
+    FakeTrashCan &trash;
+    FakeAdminShell &adminShell;
+    FakeRunningPrograms &programs;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
