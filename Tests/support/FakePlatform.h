@@ -2,11 +2,14 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "support/FakeArchiver.h"
+#include "support/FakeApplicationCatalog.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/FakeDesktopVisibility.h"
+#include "support/FakeDiskUsage.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
@@ -47,9 +50,12 @@ public:
           mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
           power(make<FakePowerSource>(platform.power)),
           dock(make<FakeDockPreference>(platform.dock, clock)),
+          diskUsage(make<FakeDiskUsage>(platform.diskUsage, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
-          visibility(make<FakeDesktopVisibility>(platform.visibility))
+          visibility(make<FakeDesktopVisibility>(platform.visibility)),
+          archiver(make<FakeArchiver>(platform.archiver, clock))
+          applications(make<FakeApplicationCatalog>(platform.applications, clock))
     {
     }
 
@@ -70,9 +76,12 @@ public:
     FakeMediaProbe &mediaProbe;
     FakePowerSource &power;
     FakeDockPreference &dock;
+    FakeDiskUsage &diskUsage;
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
+    FakeArchiver &archiver;
+    FakeApplicationCatalog &applications;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
