@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "support/FakeApplicationCatalog.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
@@ -49,7 +50,8 @@ public:
           dock(make<FakeDockPreference>(platform.dock, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
-          visibility(make<FakeDesktopVisibility>(platform.visibility))
+          visibility(make<FakeDesktopVisibility>(platform.visibility)),
+          applications(make<FakeApplicationCatalog>(platform.applications, clock))
     {
     }
 
@@ -73,6 +75,7 @@ public:
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
+    FakeApplicationCatalog &applications;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
