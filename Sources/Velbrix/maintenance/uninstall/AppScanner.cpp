@@ -7,7 +7,6 @@
 #include "maintenance/uninstall/UninstallSequence.h"
 #include "platform/TrashCan.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 #include <QPointer>
@@ -163,7 +162,7 @@ UninstallPlan AppScanner::planFor(const AppInfo &app, UninstallMode mode) const
         if (other.path != app.path && !other.bundleID.isEmpty())
             plan.search.subject.others.append(other.bundleID);
     }
-    plan.search.protectedPlaces = {u"/"_s, QDir::homePath(), _ownFolder, _hosts.catalog.ownIdentity().path};
+    plan.search.protectedPlaces = {_ownFolder, _hosts.catalog.ownIdentity().path};
     plan.search.protectedPlaces += _hosts.trash.folders();
     const CleanupOptions options = cleanupOptions();
     for (const LibraryFolder &folder : _hosts.catalog.libraryFolders()) {
@@ -216,13 +215,15 @@ void AppScanner::showSizes()
 
 QCoro::Task<UninstallReview> AppScanner::reviewOf(AppInfo app, UninstallMode mode)
 {
-    DiskUsage &usage = _hosts.usage;
+    const QPointer self(this);
     const UninstallPlan plan = planFor(app, mode);
     UninstallReview review = co_await listedReview(plan, _hosts.catalog, _hosts.programs);
+    if (!self)
+        co_return review;
     const auto sizes = std::make_shared<QHash<qsizetype, qint64>>();
     const auto measured = [sizes](qsizetype item, qint64 bytes) { sizes->insert(item, bytes); };
     const Cancellation never;
-    co_await measureReview(review, usage, measured, never);
+    co_await measureReview(review, _hosts.usage, measured, never);
     for (const auto &[item, bytes] : std::as_const(*sizes).asKeyValueRange())
         review.items[item].bytes = bytes;
     co_return review;

@@ -1,5 +1,7 @@
 #include "maintenance/uninstall/DataSearch.h"
 
+#include "foundation/Removal.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -80,7 +83,10 @@ QThreadPool &uninstallWorkers()
 
 ProtectedPlaces::ProtectedPlaces(const QStringList &places)
 {
-    for (const QString &place : places) {
+    QStringList all = places;
+    for (const QByteArray &place : protectedHostPlaces())
+        all.append(QFile::decodeName(place));
+    for (const QString &place : std::as_const(all)) {
         for (QString path : {QDir::cleanPath(place), placeOf(place), QFileInfo(place).canonicalFilePath()}) {
             for (; path.startsWith(u'/') && !_places.contains(path); path = QFileInfo(path).path())
                 _places.insert(path);

@@ -12,11 +12,10 @@ class QThreadPool;
 
 namespace velbrix {
 
-// Places that must stay: each of them and whatever contains one. A link counts
-// as itself, not as what it leads to.
+// Places that must stay, with those no tool ever removes: each of them and
+// whatever contains one. A link counts as itself, not as what it leads to.
 class ProtectedPlaces {
 public:
-    ProtectedPlaces() = default;
     // Blocking: links on the way are resolved.
     explicit ProtectedPlaces(const QStringList &places);
 

@@ -65,12 +65,11 @@ QList<ReviewItem> itemsOf(const UninstallPlan &plan)
 {
     const AppInfo &app = plan.review.app;
     QList<ReviewItem> items = companionItems(app.source.companions, plan.search.protectedPlaces);
-    const auto isListed = [&](const ReviewItem &item) {
-        return item.path == app.path ||
-               std::ranges::contains(app.source.companions, item.path, &ApplicationCompanion::path);
-    };
+    QSet<QString> listed = {app.path};
+    for (const ApplicationCompanion &companion : app.source.companions)
+        listed.insert(companion.path);
     for (const ReviewItem &item : findData(plan.search)) {
-        if (!isListed(item))
+        if (!listed.contains(item.path))
             items.append(item);
     }
     items.prepend(applicationItem(app));
