@@ -3,6 +3,7 @@
 #include "app/AppServices.h"
 #include "platform/Platform.h"
 #include "support/FakeApplicationCatalog.h"
+#include "support/FakeArchiver.h"
 #include "support/FakeAdminShell.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
@@ -56,6 +57,7 @@ public:
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
+          archiver(make<FakeArchiver>(platform.archiver, clock)),
           applications(make<FakeApplicationCatalog>(platform.applications, clock))
           trash(make<FakeTrashCan>(platform.trash)),
           adminShell(make<FakeAdminShell>(platform.adminShell, clock)),
@@ -84,6 +86,7 @@ public:
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
+    FakeArchiver &archiver;
     FakeApplicationCatalog &applications;
     FakeTrashCan &trash;
     FakeAdminShell &adminShell;
@@ -107,6 +110,8 @@ struct ServicesRig {
     {
         qputenv("XDG_DATA_HOME", files.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", files.filePath(QStringLiteral("config")).toUtf8());
+        qputenv("HOME", files.path().toUtf8());
     }
 
     QTemporaryDir files;
