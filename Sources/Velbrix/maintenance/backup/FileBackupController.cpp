@@ -75,6 +75,12 @@ QCoro::Task<bool> nobodyAgrees()
     co_return false;
 }
 
+void give(QPromise<bool> &promise, bool answer)
+{
+    promise.addResult(answer);
+    promise.finish();
+}
+
 auto byId(const QString &id)
 {
     return [id](const BackupTask &task) { return task.id == id; };
@@ -98,7 +104,8 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
 
 FileBackupController::~FileBackupController()
 {
-    _answer.reset();
+    if (_answer)
+        give(*_answer, false);
     _runCancellation.cancel();
     _restoreCancellation.cancel();
 }
@@ -321,8 +328,7 @@ QCoro::Task<bool> FileBackupController::ask(BackupQuestion question)
     _askedAt = _clock.uptime();
     const QFuture<bool> future = _answer->future();
     _question = question;
-    co_await qCoro(future).waitForFinished();
-    const bool isYes = future.resultCount() > 0 && future.result();
+    const bool isYes = co_await future;
     co_return self &&isYes;
 }
 
@@ -332,8 +338,7 @@ void FileBackupController::answer(bool isYes)
     if (!answer)
         return;
     _question = std::nullopt;
-    answer->addResult(isYes);
-    answer->finish();
+    give(*answer, isYes);
 }
 
 QCoro::Task<> FileBackupController::restoreInto(QString archive, QString folder)
