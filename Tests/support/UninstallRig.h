@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace velbrix::test {
 
@@ -32,6 +33,7 @@ struct UninstallRig {
     FakePlatform host{clock};
     SettingsStore settings{std::move(host.platform.settings), clock};
     std::unique_ptr<AppScanner> scanner;
+    QString message; // of the last ending
 
     QString home(const QString &path = {}) const
     {
@@ -67,6 +69,8 @@ struct UninstallRig {
     {
         const AppScanner::Hosts hosts = {host.applications, host.diskUsage, host.trash, host.programs};
         scanner = std::make_unique<AppScanner>(hosts, settings, clock, journal());
+        QObject::connect(scanner.get(), &AppScanner::finished, scanner.get(),
+                         [this](const QString &text) { message = text; });
         return *scanner;
     }
     AppScanner &scanned()
@@ -93,18 +97,15 @@ struct UninstallRig {
     // The message it ends with.
     QString uninstall(const UninstallReview &review)
     {
+        message.clear();
         scanner->uninstall(review);
         return ending();
     }
+    // Of what was begun.
     QString ending()
     {
-        QString message;
-        const auto heard = QObject::connect(scanner.get(), &AppScanner::finished, scanner.get(),
-                                            [&](const QString &text) { message = text; });
-        until([&] { return !message.isEmpty(); });
-        until([&] { return !scanner->isScanning(); });
-        QObject::disconnect(heard);
-        return message;
+        until([&] { return !message.isEmpty() && !scanner->isScanning(); });
+        return std::exchange(message, QString());
     }
     QStringList trashed() const
     {
