@@ -4,6 +4,7 @@
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
 #include "platform/linux/applications/LinuxApplicationCatalog.h"
+#include "platform/linux/archive/ZipArchiver.h"
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 #include "platform/linux/desktop/LinuxDockPreference.h"
 #include "platform/linux/desktop/UPowerSource.h"
@@ -91,6 +92,7 @@ Platform makePlatform(Clock &clock)
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
     platform.applications = std::make_unique<LinuxApplicationCatalog>(clock, ApplicationPlaces::ofThisUser(),
                                                                       PackagePrograms::ofThisHost());
+    platform.archiver = std::make_unique<ZipArchiver>(clock);
     return platform;
 }
 
