@@ -3,6 +3,7 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/archive/ZipArchiver.h"
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 #include "platform/linux/desktop/LinuxDockPreference.h"
 #include "platform/linux/desktop/UPowerSource.h"
@@ -86,6 +87,7 @@ Platform makePlatform(Clock &clock)
     platform.displays = std::make_unique<X11Displays>();
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
+    platform.archiver = std::make_unique<ZipArchiver>(clock);
     return platform;
 }
 
