@@ -13,9 +13,12 @@
 #include "platform/macos/MacDesktopVisibility.h"
 #include "platform/macos/MacDisplays.h"
 #include "platform/macos/MacPermissions.h"
+#include "platform/macos/MacRunningPrograms.h"
 #include "platform/macos/MacSingleInstance.h"
+#include "platform/macos/MacTrashCan.h"
 #include "platform/macos/MacUserNotifications.h"
 #include "platform/macos/NSEventKeyMonitor.h"
+#include "platform/macos/OsascriptAdminShell.h"
 #include "platform/macos/SCKScreenCapture.h"
 #include "platform/macos/SFSymbols.h"
 #include "platform/macos/SMLoginItem.h"
@@ -51,6 +54,10 @@ Platform makePlatform(Clock &clock)
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
     platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
+    platform.trash = std::make_unique<MacTrashCan>(clock);
+    platform.adminShell = std::make_unique<OsascriptAdminShell>(clock);
+    platform.programs = std::make_unique<MacRunningPrograms>();
+    platform.family = HostFamily::macos;
     return platform;
 }
 

@@ -62,6 +62,9 @@ extern NSNotificationName NSApplicationDidUnhideNotification;
 @interface NSRunningApplication : NSObject
 @property(readonly) pid_t processIdentifier;
 @property(readonly, getter=isTerminated) BOOL terminated;
+@property(nullable, readonly, copy) NSString *bundleIdentifier;
+@property(nullable, readonly, copy) NSURL *bundleURL;
+@property(nullable, readonly, copy) NSURL *executableURL;
 @property(class, readonly, strong) NSRunningApplication *currentApplication;
 + (NSArray<NSRunningApplication *> *)runningApplicationsWithBundleIdentifier:(NSString *)bundleIdentifier;
 - (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
@@ -153,6 +156,7 @@ extern NSNotificationName NSWorkspaceSessionDidResignActiveNotification;
 @property(readonly, strong) NSNotificationCenter *notificationCenter;
 @property(class, readonly, strong) NSWorkspace *sharedWorkspace;
 @property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
+@property(readonly, copy) NSArray<NSRunningApplication *> *runningApplications API_AVAILABLE(macos(10.6));
 - (BOOL)openURL:(NSURL *)url;
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL *> *)fileURLs;
 - (BOOL)setDesktopImageURL:(NSURL *)url
