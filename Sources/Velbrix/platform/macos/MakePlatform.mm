@@ -7,6 +7,7 @@
 #include "platform/macos/CoreAudioDevices.h"
 #include "platform/macos/DefaultsDockPreference.h"
 #include "platform/macos/IOPSPowerSource.h"
+#include "platform/macos/MacApplicationCatalog.h"
 #include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
 #include "platform/macos/MacDesktopVisibility.h"
@@ -49,6 +50,7 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
+    platform.applications = std::make_unique<MacApplicationCatalog>();
     return platform;
 }
 

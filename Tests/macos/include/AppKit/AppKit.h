@@ -42,6 +42,7 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
     NSApplicationActivateAllWindows = 1 << 0,
 };
 
+@class NSImage;
 @class NSRunningApplication;
 @class NSWindow;
 
@@ -154,6 +155,7 @@ extern NSNotificationName NSWorkspaceSessionDidResignActiveNotification;
 @property(class, readonly, strong) NSWorkspace *sharedWorkspace;
 @property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
 - (BOOL)openURL:(NSURL *)url;
+- (NSImage *)iconForFile:(NSString *)fullPath;
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL *> *)fileURLs;
 - (BOOL)setDesktopImageURL:(NSURL *)url
                  forScreen:(NSScreen *)screen
