@@ -6,6 +6,7 @@
 #include "platform/macos/CarbonHotkeyRegistrar.h"
 #include "platform/macos/CoreAudioDevices.h"
 #include "platform/macos/DefaultsDockPreference.h"
+#include "platform/macos/DuDiskUsage.h"
 #include "platform/macos/IOPSPowerSource.h"
 #include "platform/macos/MacApplicationCatalog.h"
 #include "platform/macos/MacDesktopPicture.h"
@@ -51,6 +52,7 @@ Platform makePlatform(Clock &clock)
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
     platform.applications = std::make_unique<MacApplicationCatalog>();
+    platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
     return platform;
 }
 
