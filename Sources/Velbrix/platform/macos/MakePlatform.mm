@@ -8,6 +8,7 @@
 #include "platform/macos/DefaultsDockPreference.h"
 #include "platform/macos/DuDiskUsage.h"
 #include "platform/macos/IOPSPowerSource.h"
+#include "platform/macos/MacApplicationCatalog.h"
 #include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
 #include "platform/macos/MacDesktopVisibility.h"
@@ -53,6 +54,7 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
+    platform.applications = std::make_unique<MacApplicationCatalog>();
     platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
     platform.trash = std::make_unique<MacTrashCan>(clock);
     platform.adminShell = std::make_unique<OsascriptAdminShell>(clock);
