@@ -7,6 +7,7 @@
 #include "platform/macos/CoreAudioDevices.h"
 #include "platform/macos/DefaultsDockPreference.h"
 #include "platform/macos/DittoArchiver.h"
+#include "platform/macos/DuDiskUsage.h"
 #include "platform/macos/IOPSPowerSource.h"
 #include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
@@ -51,6 +52,7 @@ Platform makePlatform(Clock &clock)
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
     platform.archiver = std::make_unique<DittoArchiver>(clock);
+    platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
     return platform;
 }
 

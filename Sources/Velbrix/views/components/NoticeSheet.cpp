@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -22,6 +24,8 @@ namespace {
 constexpr int cardWidth = 480;
 constexpr int margin = 24;
 constexpr int rise = 12;
+constexpr int sideMargin = 28;
+constexpr int leastDetails = 72;
 
 } // namespace
 
@@ -44,7 +48,7 @@ NoticeSheet::NoticeSheet(const Theme &theme, const Words &words, QWidget *parent
     title->setAlignment(Qt::AlignHCenter);
     _message->setAlignment(words.details.isEmpty() ? Qt::AlignHCenter : Qt::AlignLeft);
     auto *rows = new QVBoxLayout(_card);
-    rows->setContentsMargins(28, 24, 28, 20);
+    rows->setContentsMargins(sideMargin, 24, sideMargin, 20);
     rows->setSpacing(0);
     rows->addWidget(new GradientIcon(theme, words.symbol, words.colors), 0, Qt::AlignHCenter);
     rows->addSpacing(12);
@@ -85,7 +89,20 @@ QWidget *NoticeSheet::details(const QStringList &lines)
         line->addWidget(makeText(text, u"body"_s), 1);
         rows->addLayout(line);
     }
-    return list;
+    _details = new QScrollArea;
+    _details->setObjectName(u"noticeDetails"_s);
+    _details->setFrameShape(QFrame::NoFrame);
+    _details->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    _details->setFocusPolicy(Qt::NoFocus);
+    _details->setWidgetResizable(true);
+    _details->setWidget(list);
+    return _details;
+}
+
+bool NoticeSheet::covers(const QWidget *window)
+{
+    const auto sheets = window->findChildren<NoticeSheet *>();
+    return std::ranges::any_of(sheets, [](const NoticeSheet *sheet) { return !sheet->isHidden(); });
 }
 
 QWidget *NoticeSheet::buttons(const Words &words)
@@ -170,8 +187,23 @@ void NoticeSheet::keyPressEvent(QKeyEvent *event)
     } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (auto *button = qobject_cast<QPushButton *>(focusWidget()); button && button->isEnabled())
             button->click();
+    } else {
+        scrollDetails(event->key());
     }
     event->accept(); // no key reaches what lies behind
+}
+
+void NoticeSheet::scrollDetails(int key)
+{
+    if (!_details)
+        return;
+    QScrollBar *const bar = _details->verticalScrollBar();
+    if (key == Qt::Key_Down || key == Qt::Key_Up)
+        bar->triggerAction(key == Qt::Key_Down ? QScrollBar::SliderSingleStepAdd
+                                               : QScrollBar::SliderSingleStepSub);
+    else if (key == Qt::Key_PageDown || key == Qt::Key_PageUp)
+        bar->triggerAction(key == Qt::Key_PageDown ? QScrollBar::SliderPageStepAdd
+                                                   : QScrollBar::SliderPageStepSub);
 }
 
 void NoticeSheet::paintEvent(QPaintEvent *)
@@ -215,7 +247,16 @@ void NoticeSheet::focusDefault()
 void NoticeSheet::place()
 {
     const int width = std::min(cardWidth, this->width() - 2 * margin);
-    const int height = std::max(_card->heightForWidth(width), _card->minimumSizeHint().height());
+    const auto needed = [&] {
+        return std::max(_card->heightForWidth(width), _card->minimumSizeHint().height());
+    };
+    if (_details) {
+        _details->setFixedHeight(0);
+        const int room = this->height() - 2 * margin - needed();
+        const int whole = _details->widget()->heightForWidth(width - 2 * sideMargin);
+        _details->setFixedHeight(std::min(whole, std::max(room, leastDetails)));
+    }
+    const int height = needed();
     const double shown =
         _arrival.state() == QAbstractAnimation::Running ? _arrival.currentValue().toDouble() : 1;
     const int y = (this->height() - height) / 2 + static_cast<int>((1 - shown) * rise);

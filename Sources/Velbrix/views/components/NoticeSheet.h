@@ -8,14 +8,15 @@
 class QFrame;
 class QLabel;
 class QPushButton;
+class QScrollArea;
 
 namespace velbrix {
 
 class Theme;
 
 // A question or statement inside the window, over everything else in it. It
-// covers its parent, keeps the keyboard focus, and Esc cancels it. Whoever opens
-// it takes it away.
+// covers its parent, keeps the keyboard focus, and Esc cancels it; details that
+// are too many scroll. Whoever opens it takes it away.
 class NoticeSheet final : public QWidget {
     Q_OBJECT
 
@@ -32,6 +33,9 @@ public:
     };
 
     NoticeSheet(const Theme &theme, const Words &words, QWidget *parent);
+
+    // Whether one lies over the window.
+    static bool covers(const QWidget *window);
 
     void setMessage(const QString &message);
     void setConfirm(const QString &text, bool enabled);
@@ -52,12 +56,14 @@ protected:
 private:
     QWidget *details(const QStringList &lines);
     QWidget *buttons(const Words &words);
+    void scrollDetails(int key);
     void focusDefault();
     void place();
 
     const Theme &_theme;
     QFrame *_card;
     QLabel *_message;
+    QScrollArea *_details = nullptr;
     QPushButton *_confirm = nullptr;
     QPushButton *_cancel = nullptr;
     bool _isDestructive;
