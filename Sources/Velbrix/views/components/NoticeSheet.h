@@ -1,22 +1,18 @@
 #pragma once
 
+#include "views/components/Veil.h"
+
 #include <QColor>
 #include <QStringList>
-#include <QVariantAnimation>
-#include <QWidget>
 
-class QFrame;
 class QLabel;
 class QPushButton;
 
 namespace velbrix {
 
-class Theme;
-
-// A question or statement inside the window, over everything else in it. It
-// covers its parent, keeps the keyboard focus, and Esc cancels it. Whoever opens
-// it takes it away.
-class NoticeSheet final : public QWidget {
+// A question or statement inside the window, over everything else in it. Esc
+// cancels it. Whoever opens it takes it away.
+class NoticeSheet final : public Veil {
     Q_OBJECT
 
 public:
@@ -41,27 +37,17 @@ Q_SIGNALS:
     void cancelled();
 
 protected:
-    bool event(QEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
-    bool focusNextPrevChild(bool next) override;
-    void keyPressEvent(QKeyEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    void showEvent(QShowEvent *event) override;
+    void focusDefault() override;
+    void escape() override { Q_EMIT cancelled(); }
 
 private:
     QWidget *details(const QStringList &lines);
     QWidget *buttons(const Words &words);
-    void focusDefault();
-    void place();
 
-    const Theme &_theme;
-    QFrame *_card;
     QLabel *_message;
     QPushButton *_confirm = nullptr;
     QPushButton *_cancel = nullptr;
     bool _isDestructive;
-    QVariantAnimation _arrival; // 0 to 1
 };
 
 } // namespace velbrix
