@@ -2,11 +2,15 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "support/FakeApplicationCatalog.h"
+#include "support/FakeArchiver.h"
+#include "support/FakeAdminShell.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/FakeDesktopVisibility.h"
+#include "support/FakeDiskUsage.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeDockPreference.h"
 #include "support/FakeHotkeyRegistrar.h"
@@ -16,9 +20,11 @@
 #include "support/FakeMovieFiles.h"
 #include "support/FakePermissions.h"
 #include "support/FakePowerSource.h"
+#include "support/FakeRunningPrograms.h"
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
+#include "support/FakeTrashCan.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
@@ -47,9 +53,15 @@ public:
           mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
           power(make<FakePowerSource>(platform.power)),
           dock(make<FakeDockPreference>(platform.dock, clock)),
+          diskUsage(make<FakeDiskUsage>(platform.diskUsage, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
-          visibility(make<FakeDesktopVisibility>(platform.visibility))
+          visibility(make<FakeDesktopVisibility>(platform.visibility)),
+          archiver(make<FakeArchiver>(platform.archiver, clock)),
+          applications(make<FakeApplicationCatalog>(platform.applications, clock))
+          trash(make<FakeTrashCan>(platform.trash)),
+          adminShell(make<FakeAdminShell>(platform.adminShell, clock)),
+          programs(make<FakeRunningPrograms>(platform.programs))
     {
     }
 
@@ -70,9 +82,15 @@ public:
     FakeMediaProbe &mediaProbe;
     FakePowerSource &power;
     FakeDockPreference &dock;
+    FakeDiskUsage &diskUsage;
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
+    FakeArchiver &archiver;
+    FakeApplicationCatalog &applications;
+    FakeTrashCan &trash;
+    FakeAdminShell &adminShell;
+    FakeRunningPrograms &programs;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
@@ -92,6 +110,8 @@ struct ServicesRig {
     {
         qputenv("XDG_DATA_HOME", files.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", files.filePath(QStringLiteral("config")).toUtf8());
+        qputenv("HOME", files.path().toUtf8());
     }
 
     QTemporaryDir files;

@@ -1,7 +1,10 @@
 #include "app/AppServices.h"
 
+#include "foundation/RuntimeFolder.h"
 #include "platform/Platform.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <utility>
@@ -16,6 +19,23 @@ WallpaperController::Folders wallpaperFolders()
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     return {data + u"/Velbrix/StaticDesktop"_s, cache + u"/velbrix/thumbnails"_s};
+}
+
+// What of this program no tool of it may remove: settings, data, the endpoint
+// of the command line.
+QList<QByteArray> ownPlaces()
+{
+    QStringList places = {
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/velbrix"_s,
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velbrix"_s};
+    if (const auto runtime = runtimeFolder())
+        places.append(*runtime);
+    QList<QByteArray> canonical;
+    for (const QString &place : places) {
+        const QString real = QFileInfo(place).canonicalFilePath();
+        canonical.append(QFile::encodeName(real.isEmpty() ? place : real));
+    }
+    return canonical;
 }
 
 } // namespace
@@ -35,7 +55,9 @@ AppServices::AppServices(Platform &host, Clock &time)
       recorder({*host.screenCapture, *host.audioDevices, *host.movieFiles, *host.permissions}, settings,
                time),
       privacy(*host.permissions, *host.notifications, settings, time),
-      hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }}, settings, notifications, time)
+      hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }}, settings, notifications, time),
+      cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
+              cleanupCatalog(host.family), ownPlaces())
 {
     recorder.setUp();
 }

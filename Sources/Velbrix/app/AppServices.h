@@ -8,6 +8,7 @@
 #include "foundation/NotificationCenter.h"
 #include "foundation/Published.h"
 #include "foundation/SettingsStore.h"
+#include "maintenance/cleanup/SystemCleaner.h"
 #include "wallpaper/WallpaperController.h"
 
 #include <QObject>
@@ -43,6 +44,7 @@ public:
     PrivacyManager privacy;
     AppRouter router;
     HotkeyManager hotkeys;
+    SystemCleaner cleaner;
     std::mutex powerLock; // guards the background flag
 
     void setInBackground(bool inBackground);

@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
+#include "app/commands/CleanCommands.h"
 #include "app/commands/RecordCommands.h"
 #include "app/commands/ShellCommands.h"
 #include "app/commands/WallpaperCommands.h"
@@ -19,6 +20,7 @@ CommandServer::CommandServer(AppServices &services, AppDelegate &delegate, QObje
 {
     _handlers.insert(recordCommands(services, delegate.recording()));
     _handlers.insert(wallpaperCommands(services, delegate.wallpaper()));
+    _handlers.insert(cleanCommands(services.cleaner, services.privacy));
 }
 
 Result<void> CommandServer::listen()

@@ -21,11 +21,16 @@ namespace velbrix {
 
 struct RemovalRules {
     // Neither removed nor entered for removal, nor is anything that contains
-    // them. Canonical.
+    // them; none of them can be a root, what lies in them can. Canonical.
     QList<QByteArray> protectedPlaces;
+    // The same with everything in them: nothing in one can be a root either.
+    // The system's own folders (/usr, /etc, /System …) always count as such.
+    QList<QByteArray> sealedPlaces;
     // Sockets somebody listens on; when unknown every socket counts.
     std::optional<QSet<QByteArray>> boundSockets;
-    // Only what belongs to this user and was neither changed nor modified for so long.
+    // Only what belongs to this user and was neither changed nor modified for
+    // so long; of an entry everything or nothing. What stays for this reason is
+    // no problem and is not reported.
     std::optional<std::chrono::seconds> minimumAge;
     qint64 now = 0; // seconds since 1970, for minimumAge
 };
@@ -38,8 +43,8 @@ struct RemovalProblem {
 };
 
 struct RemovalReport {
-    qint64 freedBytes = 0; // given back to the disk
-    qint64 removedFiles = 0;
+    qint64 freedBytes = 0;          // given back to the disk: a file of several names counts with its last
+    qint64 removedFiles = 0;        // and links, sockets …; not folders
     QList<RemovalProblem> problems; // the first hundred
     qint64 problemCount = 0;
 
@@ -52,7 +57,8 @@ struct RemovalReport {
 class RemovalRoot {
 public:
     // Why the folder cannot be a root, in words for the user: missing, not a
-    // folder, protected. A link to a folder is resolved first.
+    // folder, protected, not readable; else empty. A link to a folder is
+    // resolved first.
     static QString obstacle(const QByteArray &folder, const RemovalRules &rules);
 
     RemovalRoot(const QByteArray &folder, RemovalRules rules);
@@ -75,9 +81,9 @@ private:
     std::unique_ptr<State> _state;
 };
 
-// The places no tool ever removes on any host: the root of the file system and
-// its first floor, home and its well-known folders (documents, pictures …).
-// Canonical, as far as they exist.
+// The places no tool ever removes on any host, for protectedPlaces: the root of
+// the file system and its first floor but the temporary folder, home and its
+// well-known folders (documents, pictures …). Canonical, as far as they exist.
 QList<QByteArray> protectedHostPlaces();
 
 } // namespace velbrix

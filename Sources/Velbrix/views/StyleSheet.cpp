@@ -27,6 +27,7 @@ QLabel[role="bad"] { font-size: 12px; color: @bad; }
 QLabel[role="good"] { font-size: 12px; color: @good; }
 QLabel[role="value"] { color: @secondary; }
 
+QFrame[role="card"] QScrollArea, QFrame[role="card"] QScrollArea > QWidget > QWidget { background: transparent; }
 QScrollArea, QWidget#pageColumn, QWidget#pageBody { background: @window; border: none; }
 QWidget#sidebar { background: @sidebar; border: none; border-right: 1px solid @hairline; }
 QFrame[role="card"] { background: @card; border: 1px solid @hairline; border-radius: 12px; }

@@ -4,21 +4,27 @@
 
 namespace velbrix {
 
-// One line that gives way in its middle when there is too little room; the
-// whole text stays in reach of tool tip and assistive technologies.
+// One line of text that may be longer than its room: what does not fit is left
+// out, and shown as the tool tip. text() is the whole text.
 class ElidedLabel final : public QLabel {
 public:
     // The role is the style sheet's.
-    ElidedLabel(const QString &text, const QString &role, QWidget *parent = nullptr);
+    ElidedLabel(const QString &text, const QString &role, Qt::TextElideMode mode = Qt::ElideRight,
+                QWidget *parent = nullptr);
 
-    // The tip is the text itself unless another is given.
-    void show(const QString &text, const QString &tip = {});
-
+    void setText(const QString &text);
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+
+private:
+    Qt::TextElideMode _mode;
 };
+
+// The text without line breaks and other characters that would break or turn
+// round a line; file names may hold anything.
+QString oneLine(QString text);
 
 } // namespace velbrix

@@ -2,11 +2,14 @@
 
 #include "views/components/GradientIcon.h"
 #include "views/components/Parts.h"
+#include "views/components/ScrollingBody.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -65,7 +68,9 @@ QWidget *NoticeSheet::details(const QStringList &lines)
         line->addWidget(makeText(text, u"body"_s), 1);
         rows->addLayout(line);
     }
-    return list;
+    _details = new ScrollingBody(list);
+    _details->setObjectName(u"noticeDetails"_s);
+    return _details;
 }
 
 QWidget *NoticeSheet::buttons(const Words &words)
@@ -103,6 +108,26 @@ void NoticeSheet::setConfirm(const QString &text, bool enabled)
     _confirm->setEnabled(enabled);
     if (isVisible())
         focusDefault();
+}
+
+void NoticeSheet::keyPressEvent(QKeyEvent *event)
+{
+    const auto scroll = [this](QScrollBar::SliderAction action) {
+        if (_details)
+            _details->verticalScrollBar()->triggerAction(action);
+    };
+    switch (event->key()) {
+    case Qt::Key_Down:
+        return scroll(QScrollBar::SliderSingleStepAdd);
+    case Qt::Key_Up:
+        return scroll(QScrollBar::SliderSingleStepSub);
+    case Qt::Key_PageDown:
+        return scroll(QScrollBar::SliderPageStepAdd);
+    case Qt::Key_PageUp:
+        return scroll(QScrollBar::SliderPageStepSub);
+    default:
+        Veil::keyPressEvent(event);
+    }
 }
 
 void NoticeSheet::focusDefault()

@@ -7,11 +7,12 @@
 
 class QLabel;
 class QPushButton;
+class QScrollArea;
 
 namespace velbrix {
 
 // A question or statement inside the window, over everything else in it. Esc
-// cancels it. Whoever opens it takes it away.
+// cancels it; details that are too many scroll. Whoever opens it takes it away.
 class NoticeSheet final : public Veil {
     Q_OBJECT
 
@@ -39,12 +40,14 @@ Q_SIGNALS:
 protected:
     void focusDefault() override;
     void escape() override { Q_EMIT cancelled(); }
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QWidget *details(const QStringList &lines);
     QWidget *buttons(const Words &words);
 
     QLabel *_message;
+    QScrollArea *_details = nullptr;
     QPushButton *_confirm = nullptr;
     QPushButton *_cancel = nullptr;
     bool _isDestructive;

@@ -9,10 +9,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -26,36 +23,6 @@ QWidget *surfaceOf(const QWidget *page)
     const auto *window = qobject_cast<QMainWindow *>(page->window());
     return window && window->centralWidget() ? window->centralWidget() : page->window();
 }
-
-class ScrollingBody final : public QScrollArea {
-public:
-    explicit ScrollingBody(QWidget *content)
-    {
-        setProperty("role", u"sheet"_s);
-        content->setObjectName(u"sheetBody"_s);
-        setWidgetResizable(true);
-        setFrameShape(NoFrame);
-        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        setFocusPolicy(Qt::NoFocus);
-        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
-        policy.setHeightForWidth(true);
-        setSizePolicy(policy);
-        setWidget(content);
-    }
-
-    QSize sizeHint() const override { return widget()->sizeHint(); }
-    QSize minimumSizeHint() const override { return {200, std::min(widget()->sizeHint().height(), 80)}; }
-    bool hasHeightForWidth() const override { return widget()->hasHeightForWidth(); }
-    int heightForWidth(int width) const override { return widget()->heightForWidth(width); }
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (watched == widget() && event->type() == QEvent::LayoutRequest)
-            updateGeometry();
-        return QScrollArea::eventFilter(watched, event);
-    }
-};
 
 } // namespace
 
@@ -146,11 +113,6 @@ bool Sheet::eventFilter(QObject *watched, QEvent *event)
             hide();
     }
     return Veil::eventFilter(watched, event);
-}
-
-QWidget *makeScrolling(QWidget *content)
-{
-    return new ScrollingBody(content);
 }
 
 } // namespace velbrix

@@ -56,7 +56,4 @@ private:
     QHBoxLayout *_buttons;
 };
 
-// A body that is as high as what it holds and scrolls when the window is lower.
-QWidget *makeScrolling(QWidget *content);
-
 } // namespace velbrix

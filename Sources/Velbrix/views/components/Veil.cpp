@@ -36,6 +36,12 @@ Veil::Veil(const Theme &theme, int cardWidth, QWidget *parent)
     parent->installEventFilter(this);
 }
 
+bool Veil::covers(const QWidget *window)
+{
+    const auto all = window->findChildren<Veil *>();
+    return std::ranges::any_of(all, [](const Veil *veil) { return !veil->isHidden(); });
+}
+
 bool Veil::event(QEvent *event)
 {
     switch (event->type()) {
@@ -44,9 +50,6 @@ bool Veil::event(QEvent *event)
     case QEvent::Wheel:
     case QEvent::ContextMenu:
         return true; // nothing behind the card may be touched
-    case QEvent::ShortcutOverride:
-        event->accept(); // nor the window's shortcuts used
-        return true;
     default:
         return QWidget::event(event);
     }
@@ -131,15 +134,26 @@ void Veil::showEvent(QShowEvent *event)
     }
 }
 
-void Veil::place()
+int Veil::cardHeight(int width) const
 {
-    const int width = std::min(_cardWidth, this->width() - 2 * margin);
     const int fitting = _card->heightForWidth(width);
     const int wanted = fitting > 0 ? fitting : _card->sizeHint().height();
     // What does not fit scrolls, as far as it can.
-    const int height = std::max(std::min(wanted, this->height() - 2 * margin), _card->minimumSizeHint().height());
-    const int y = (this->height() - height) / 2 + static_cast<int>((1 - shown()) * rise);
-    _card->setGeometry((this->width() - width) / 2, std::max(y, 0), width, height);
+    return std::max(std::min(wanted, height() - 2 * margin), _card->minimumSizeHint().height());
+}
+
+void Veil::place()
+{
+    const int width = std::min(_cardWidth, this->width() - 2 * margin);
+    const auto set = [&] {
+        const int height = cardHeight(width);
+        const int y = (this->height() - height) / 2 + static_cast<int>((1 - shown()) * rise);
+        _card->setGeometry((this->width() - width) / 2, std::max(y, 0), width, height);
+    };
+    set();
+    // Lines that break in this width may ask for another height.
+    if (_card->layout() && _card->layout()->activate())
+        set();
 }
 
 } // namespace velbrix

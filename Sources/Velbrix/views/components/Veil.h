@@ -12,8 +12,13 @@ class Theme;
 // A card over everything else in its parent, and a veil between them. Nothing
 // behind it can be reached by mouse or keyboard. Whoever opens it takes it away.
 class Veil : public QWidget {
+    Q_OBJECT
+
 public:
     Veil(const Theme &theme, int cardWidth, QWidget *parent);
+
+    // Whether one lies over the window.
+    static bool covers(const QWidget *window);
 
 protected:
     const Theme &theme() const { return _theme; }
@@ -39,6 +44,7 @@ protected:
 private:
     QList<QWidget *> stops() const;
     double shown() const;
+    int cardHeight(int width) const;
 
     const Theme &_theme;
     int _cardWidth;

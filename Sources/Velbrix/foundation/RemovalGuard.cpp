@@ -1,0 +1,147 @@
+#include "foundation/RemovalGuard.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+// Where no user's data is. Absent ones do no harm.
+QList<QByteArray> systemFolders()
+{
+    return {"/bin",    "/boot",  "/dev",         "/etc",          "/lib",        "/lib32", "/lib64",
+            "/libx32", "/proc",  "/private/etc", "/sbin",         "/snap",       "/sys",   "/System",
+            "/usr",    "/cores", "/Network",     "/var/lib/dpkg", "/run/systemd"};
+}
+
+std::optional<FileIdentity> identity(const QByteArray &path)
+{
+    struct stat facts {};
+    if (path.isEmpty() || ::stat(path.constData(), &facts) != 0)
+        return std::nullopt;
+    return FileIdentity::of(facts);
+}
+
+bool isInside(const QByteArray &path, const QByteArray &folder)
+{
+    return folder == "/" ? path != "/"
+                         : path.startsWith(folder) && path.sliced(folder.size()).startsWith('/');
+}
+
+QByteArray parent(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash <= 0 ? QByteArray("/") : path.first(slash);
+}
+
+} // namespace
+
+RemovalGuard::RemovalGuard(RemovalRules rules) : _rules(std::move(rules))
+{
+    _sealed = _rules.sealedPlaces + systemFolders();
+    _places = _rules.protectedPlaces + _sealed;
+    for (const QByteArray &place : std::as_const(_places)) {
+        if (const auto found = identity(place))
+            _placeIdentities.insert(*found);
+        for (QByteArray above = place; above != "/";) {
+            above = parent(above);
+            if (const auto found = identity(above))
+                _containing.insert(*found);
+        }
+    }
+    for (const QByteArray &place : std::as_const(_sealed)) {
+        if (const auto found = identity(place))
+            _sealedIdentities.insert(*found);
+    }
+    for (const QByteArray &socket : _rules.boundSockets.value_or(QSet<QByteArray>())) {
+        if (!socket.startsWith('/'))
+            _boundNames.insert(socket.mid(socket.lastIndexOf('/') + 1));
+        else if (const auto found = identity(socket))
+            _boundIdentities.insert(*found);
+    }
+}
+
+QString RemovalGuard::rootObstacle(const QByteArray &canonicalPath, const struct stat &facts) const
+{
+    const QString refusal = u"是受保护的位置"_s;
+    if (canonicalPath == "/" || _places.contains(canonicalPath) ||
+        _placeIdentities.contains(FileIdentity::of(facts)))
+        return refusal;
+    for (QByteArray above = parent(canonicalPath);; above = parent(above)) {
+        const auto found = identity(above);
+        if (_sealed.contains(above) || (found && _sealedIdentities.contains(*found)))
+            return refusal;
+        if (above == "/")
+            return {};
+    }
+}
+
+QString RemovalGuard::entryObstacle(const QByteArray &path, const struct stat &facts) const
+{
+    const FileIdentity what = FileIdentity::of(facts);
+    if (_places.contains(path) || _placeIdentities.contains(what))
+        return u"是受保护的位置"_s;
+    if (_containing.contains(what) ||
+        std::ranges::any_of(_places, [&](const QByteArray &place) { return isInside(place, path); }))
+        return u"里面有受保护的位置"_s;
+    if (S_ISSOCK(facts.st_mode) && isBound(path, facts))
+        return u"套接字正在使用"_s;
+    return {};
+}
+
+bool RemovalGuard::isBound(const QByteArray &path, const struct stat &facts) const
+{
+    return !_rules.boundSockets || _rules.boundSockets->contains(path) ||
+           _boundIdentities.contains(FileIdentity::of(facts)) ||
+           _boundNames.contains(path.mid(path.lastIndexOf('/') + 1));
+}
+
+bool RemovalGuard::isOthers(const struct stat &facts) const
+{
+    return hasMinimumAge() && facts.st_uid != ::geteuid();
+}
+
+bool RemovalGuard::isYoung(const struct stat &facts) const
+{
+    const qint64 touched = std::max<qint64>(facts.st_mtime, facts.st_ctime);
+    return hasMinimumAge() && _rules.now - touched < _rules.minimumAge->count();
+}
+
+QString removalReason(int error)
+{
+    switch (error) {
+    case EACCES:
+        return u"没有权限"_s;
+    case EPERM:
+        return u"系统不允许删除（已锁定或属于其他用户）"_s;
+    case EBUSY:
+    case ETXTBSY:
+        return u"正在使用"_s;
+    case EROFS:
+        return u"所在磁盘是只读的"_s;
+    case ENOTEMPTY:
+    case EEXIST:
+        return u"删除时又写入了新文件"_s;
+    case ELOOP:
+    case ENOTDIR:
+    case EISDIR:
+        return u"删除时被换成了别的东西"_s;
+    case ENOENT:
+        return u"已经不在了"_s;
+    case EMFILE:
+    case ENFILE:
+        return u"打开的文件太多"_s;
+    case EIO:
+        return u"磁盘读写出错"_s;
+    default:
+        return u"系统错误 %1"_s.arg(error);
+    }
+}
+
+} // namespace velbrix

@@ -1,0 +1,24 @@
+#include "views/TabActivity.h"
+
+#include "app/AppServices.h"
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+void TabActivity::watchTools(AppServices &services)
+{
+    const RecordingSession &session = services.recorder.session();
+    watch(
+        AppTab::recorder, session,
+        [&session] { return session.isRecording() ? std::optional(TabJob{u"录制中"_s}) : std::nullopt; },
+        &RecordingSession::isRecordingChanged);
+}
+
+std::optional<TabJob> TabActivity::job(AppTab tab) const
+{
+    const Answer answer = _answers.value(tab);
+    return answer ? answer() : std::nullopt;
+}
+
+} // namespace velbrix
