@@ -2,6 +2,7 @@
 
 #include "views/ShownPath.h"
 #include "views/Theme.h"
+#include "views/components/ElidedLabel.h"
 #include "views/components/RowList.h"
 #include "views/uninstall/AppRows.h"
 
@@ -92,7 +93,7 @@ void AppRow::drawName(QPainter &painter, const QRect &place, const QModelIndex &
     painter.setFont(_theme.font(13, QFont::DemiBold));
     painter.setPen(_theme.color(ThemeColor::text));
     const QString name =
-        painter.fontMetrics().elidedText(app.name.simplified(), Qt::ElideRight, place.width() - marks);
+        painter.fontMetrics().elidedText(oneLine(app.name), Qt::ElideRight, place.width() - marks);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, name);
     QRect rest = place.adjusted(painter.fontMetrics().horizontalAdvance(name) + 8, 0, 0, 0);
     if (!manager.isEmpty())

@@ -1,6 +1,8 @@
 #include "views/uninstall/ReviewRow.h"
 
 #include "views/Theme.h"
+#include "views/components/CheckBox.h"
+#include "views/components/ElidedLabel.h"
 #include "views/components/RowList.h"
 #include "views/uninstall/ReviewRows.h"
 
@@ -12,7 +14,6 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr int boxSide = 16;
 constexpr int sizeWidth = 96;
 
 } // namespace
@@ -34,7 +35,8 @@ void ReviewRow::paint(QPainter *painter, const QStyleOptionViewItem &option, con
     painter->setRenderHint(QPainter::Antialiasing);
     const ReviewItem &item = _rows.item(index);
     const QRect row = option.rect;
-    drawBox(*painter, QRect(row.x() + 10, row.y() + 12, boxSide, boxSide), item);
+    CheckBox::paint(*painter, _theme, QRectF(row.x() + 11, row.y() + 11, CheckBox::side, CheckBox::side),
+                    item.isTicked ? Qt::Checked : Qt::Unchecked, !item.isFixed);
 
     const int left = row.x() + 38;
     const QRect size(row.right() - sizeWidth - 8, row.y() + 9, sizeWidth, 20);
@@ -42,29 +44,13 @@ void ReviewRow::paint(QPainter *painter, const QStyleOptionViewItem &option, con
     painter->setFont(_theme.font(13));
     painter->setPen(_theme.color(item.isTicked ? ThemeColor::text : ThemeColor::secondary));
     painter->drawText(path, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                      painter->fontMetrics().elidedText(index.data().toString().simplified(),
+                      painter->fontMetrics().elidedText(oneLine(index.data().toString()),
                                                         Qt::ElideMiddle, path.width()));
     painter->setFont(_theme.font(12));
     painter->setPen(_theme.color(ThemeColor::secondary));
     painter->drawText(size, Qt::AlignRight | Qt::AlignVCenter, sizeText(item));
     drawReasons(*painter, QRect(left, row.y() + 30, row.right() - left - 8, 18), item);
     painter->restore();
-}
-
-void ReviewRow::drawBox(QPainter &painter, const QRect &place, const ReviewItem &item) const
-{
-    painter.setOpacity(item.isFixed ? 0.5 : 1);
-    const QRectF box = QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setPen(_theme.color(item.isTicked ? ThemeColor::accentFill : ThemeColor::secondary));
-    painter.setBrush(_theme.color(item.isTicked ? ThemeColor::accentFill : ThemeColor::control));
-    painter.drawRoundedRect(box, 4, 4);
-    if (item.isTicked) {
-        painter.setPen(QPen(_theme.color(ThemeColor::onFill), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        const QPointF corner = place.topLeft();
-        painter.drawPolyline(
-            QPolygonF{corner + QPointF(4, 8.5), corner + QPointF(7, 11.5), corner + QPointF(12, 5)});
-    }
-    painter.setOpacity(1);
 }
 
 void ReviewRow::drawReasons(QPainter &painter, const QRect &place, const ReviewItem &item) const

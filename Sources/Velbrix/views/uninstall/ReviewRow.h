@@ -31,7 +31,6 @@ protected:
                      const QModelIndex &index) override;
 
 private:
-    void drawBox(QPainter &painter, const QRect &place, const ReviewItem &item) const;
     void drawReasons(QPainter &painter, const QRect &place, const ReviewItem &item) const;
 
     const Theme &_theme;

@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
+#include "views/components/ElidedLabel.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>
@@ -22,7 +23,7 @@ constexpr int steps = 1000;
 UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget *page)
     : Sheet(context.theme,
             {u"uninstallProgress"_s,
-             u"正在卸载「%1」"_s.arg(context.services.uninstaller.uninstallingName().simplified()), {}},
+             u"正在卸载「%1」"_s.arg(oneLine(context.services.uninstaller.uninstallingName())), {}},
             sheetWidth, page),
       _context(context),
       _stage(makeText({}, u"secondary"_s)),

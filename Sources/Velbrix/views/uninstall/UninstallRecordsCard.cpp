@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
+#include "views/components/ElidedLabel.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
@@ -74,7 +75,7 @@ QWidget *UninstallRecordsCard::makeRow(const UninstallRecord &record)
     back->setAccessibleName(u"放回原处：%1"_s.arg(record.name));
     back->setEnabled(!record.moved.isEmpty());
     connect(back, &QPushButton::clicked, this, [this, id = record.id] { putBack(id); });
-    auto *row = new SettingRow(u"%1（%2）"_s.arg(record.name.simplified(),
+    auto *row = new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name),
                                                  record.at.toString(u"M 月 d 日 HH:mm"_s)),
                                recordText(record), back);
     row->setLeading(new SymbolLabel(_context.theme, u"trash"_s, 22, ThemeColor::secondary));

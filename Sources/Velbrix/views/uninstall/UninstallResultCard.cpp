@@ -83,7 +83,7 @@ void UninstallResultCard::showFailures()
         auto *words = new QVBoxLayout(line);
         words->setContentsMargins(0, 0, 0, 0);
         words->setSpacing(0);
-        words->addWidget(new ElidedLabel(shownPath(item.path).simplified(), u"body"_s));
+        words->addWidget(new ElidedLabel(shownPath(item.path), u"body"_s, Qt::ElideMiddle));
         words->addWidget(makeText(item.reason, u"bad"_s));
         rows->addWidget(line);
     }

@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
+#include "views/components/ElidedLabel.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/RowList.h"
@@ -21,7 +22,7 @@ constexpr int sheetWidth = 680;
 
 QString question(const QString &name)
 {
-    return u"确定要卸载「%1」吗？此操作会将文件移到废纸篓。"_s.arg(name.simplified());
+    return u"确定要卸载「%1」吗？此操作会将文件移到废纸篓。"_s.arg(oneLine(name));
 }
 
 QString packagesText(const UninstallReview &review)
@@ -38,7 +39,7 @@ QString packagesText(const UninstallReview &review)
 
 UninstallReviewSheet::UninstallReviewSheet(const ViewContext &context, const QString &appName, QWidget *page)
     : Sheet(context.theme,
-            {u"uninstallReview"_s, u"卸载「%1」"_s.arg(appName.simplified()), question(appName)}, sheetWidth,
+            {u"uninstallReview"_s, u"卸载「%1」"_s.arg(oneLine(appName)), question(appName)}, sheetWidth,
             page),
       _context(context)
 {
@@ -99,7 +100,7 @@ void UninstallReviewSheet::refresh()
     _mode->setVisible(review.has_value());
     _total->setText(review ? tickedText(review->items) : QString());
     if (review) {
-        setTitle(u"卸载「%1」"_s.arg(review->app.name.simplified()));
+        setTitle(u"卸载「%1」"_s.arg(oneLine(review->app.name)));
         setMessage(question(review->app.name));
         _rows->replace(review->items);
     }

@@ -4,6 +4,7 @@
 #include "views/Follow.h"
 #include "views/components/Card.h"
 #include "views/components/Parts.h"
+#include "views/components/ScrollingBody.h"
 #include "views/components/SettingRow.h"
 #include "views/components/Switch.h"
 
@@ -51,7 +52,7 @@ UninstallSettingsSheet::UninstallSettingsSheet(const ViewContext &context, QWidg
     _summary = makeText({}, u"note"_s);
     _summary->setObjectName(u"cleanupSummary"_s);
     rows->addWidget(_summary);
-    setBody(makeScrolling(body));
+    setBody(new ScrollingBody(body));
     _done = addButton({u"uninstallSettingsDone"_s, u"完成"_s, {}, u"primary"_s});
     connect(_done, &QPushButton::clicked, this, &Sheet::cancelled);
     connect(this, &Sheet::cancelled, this, &Sheet::dismiss);
