@@ -58,7 +58,7 @@ public:
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
           visibility(make<FakeDesktopVisibility>(platform.visibility)),
           archiver(make<FakeArchiver>(platform.archiver, clock)),
-          applications(make<FakeApplicationCatalog>(platform.applications, clock))
+          applications(make<FakeApplicationCatalog>(platform.applications, clock)),
           trash(make<FakeTrashCan>(platform.trash)),
           adminShell(make<FakeAdminShell>(platform.adminShell, clock)),
           programs(make<FakeRunningPrograms>(platform.programs))

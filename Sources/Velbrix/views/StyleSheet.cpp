@@ -25,6 +25,10 @@ QLabel[role="group"] { font-size: 11px; color: @secondary; padding: 0 12px; }
 QLabel[role="warning"] { font-size: 12px; color: @warning; }
 QLabel[role="bad"] { font-size: 12px; color: @bad; }
 QLabel[role="good"] { font-size: 12px; color: @good; }
+QLabel[role="goodHeading"] { font-size: 13px; font-weight: 600; color: @good; }
+QLabel[role="badHeading"] { font-size: 13px; font-weight: 600; color: @bad; }
+QLabel[role="badge"] { font-size: 11px; color: @accentText; background: @accent/12; border-radius: 4px;
+                       padding: 1px 6px; }
 QLabel[role="value"] { color: @secondary; }
 
 QFrame[role="card"] QScrollArea, QFrame[role="card"] QScrollArea > QWidget > QWidget { background: transparent; }
@@ -53,6 +57,9 @@ QPushButton[role="plain"] { background: transparent; border: 1px solid transpare
                             color: @accentText; }
 QPushButton[role="plain"]:hover { background: @accent/12; }
 QPushButton[role="plain"][keyed="true"]:focus { border-color: @accent; }
+QPushButton[role="icon"] { background: transparent; border: 1px solid transparent; padding: 0; }
+QPushButton[role="icon"]:hover { background: @secondary/12; }
+QPushButton[role="icon"][keyed="true"]:focus { border-color: @accent; }
 QPushButton[role="chord"] { min-width: 104px; font-size: 14px; }
 QPushButton[role="chord"][capturing="true"] { border: 2px solid @accent; color: @accentText;
                                               padding: 0 11px; min-height: 24px; }
@@ -102,6 +109,9 @@ QListView { background: transparent; border: none; outline: none; }
 QListView[role="log"] { background: @control; border: 1px solid @hairline; border-radius: 8px;
                         padding: 6px 4px; font-size: 12px; }
 QListView[role="log"][keyed="true"]:focus { border-color: @accent; }
+QListView[role="entries"] { background: @control/60; border: 1px solid @hairline; border-radius: 8px;
+                            padding: 3px; }
+QListView[role="entries"][keyed="true"]:focus { border-color: @accent; }
 QListView[role="log"]::item { padding: 2px 8px; color: @text; }
 QListView[role="log"]::item:selected { background: @accent/22; color: @text; border-radius: 4px; }
 

@@ -13,6 +13,15 @@ void TabActivity::watchTools(AppServices &services)
         AppTab::recorder, session,
         [&session] { return session.isRecording() ? std::optional(TabJob{u"录制中"_s}) : std::nullopt; },
         &RecordingSession::isRecordingChanged);
+    const SystemCleaner &cleaner = services.cleaner;
+    watch(
+        AppTab::systemClean, cleaner,
+        [&cleaner]() -> std::optional<TabJob> {
+            if (cleaner.isCleaning())
+                return TabJob{u"正在清理"_s, cleaner.progress()};
+            return cleaner.isWorking() ? std::optional(TabJob{u"正在计算大小"_s}) : std::nullopt;
+        },
+        &SystemCleaner::phaseChanged, &SystemCleaner::progressChanged);
 }
 
 std::optional<TabJob> TabActivity::job(AppTab tab) const

@@ -197,7 +197,8 @@ bool SystemCleaner::isSkipped(const CleanupItem &item) const
 RemovalRules SystemCleaner::removalRules(const QString &id) const
 {
     RemovalRules rules;
-    rules.protectedPlaces = protectedHostPlaces() + _ownPlaces;
+    rules.protectedPlaces = protectedHostPlaces();
+    rules.sealedPlaces = _ownPlaces;
     rules.boundSockets = _hosts.programs.boundSockets();
     rules.now = _clock.now().toSecsSinceEpoch();
     const CleanupRule *known = rule(id);

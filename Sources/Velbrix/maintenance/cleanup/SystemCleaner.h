@@ -83,6 +83,8 @@ public:
     void close(const QString &id);
     // Leaves one entry of an opened row out of the next clean, or takes it in again.
     void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
+    // Entries left out of the next clean; those of a closed row, too.
+    qsizetype leftOutCount(const QString &id) const { return _leftOut.value(id).size(); }
 
     // Ends the measuring, or the cleaning after the entry it is at.
     void cancel();

@@ -27,6 +27,8 @@ bool areSamePaths(const QList<CleanupEntry> &one, const QList<CleanupEntry> &oth
 
 void CleanupEntries::show(const QList<CleanupEntry> &entries)
 {
+    if (entries.constData() == _entries.constData())
+        return;
     if (entries.size() != _entries.size()) {
         beginResetModel();
         _entries = entries;

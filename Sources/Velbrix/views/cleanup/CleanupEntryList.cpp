@@ -33,8 +33,7 @@ public:
         return {0, lineHeight};
     }
 
-    void paint(QPainter *painter, const QStyleOptionViewItem &option,
-               const QModelIndex &index) const override
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
@@ -43,8 +42,7 @@ public:
         const bool isIncluded = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
         const QRectF box(room.x(), room.y() + (lineHeight - CheckBox::side) / 2.0, CheckBox::side,
                          CheckBox::side);
-        CheckBox::paint(*painter, _theme, box, isIncluded ? Qt::Checked : Qt::Unchecked,
-                        _list.isEnabled());
+        CheckBox::paint(*painter, _theme, box, isIncluded ? Qt::Checked : Qt::Unchecked, _list.isEnabled());
         const QString size = index.data(CleanupEntries::sizeRole).toString();
         const QFontMetrics metrics = option.fontMetrics;
         const int sizeWidth = metrics.horizontalAdvance(size);

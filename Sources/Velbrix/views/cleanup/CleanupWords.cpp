@@ -46,9 +46,8 @@ NoticeSheet::Words cleanupQuestion(const SystemCleaner &cleaner)
     NoticeSheet::Words words;
     words.symbol = u"trash"_s;
     words.title = u"确认清理"_s;
-    words.message =
-        u"将清理已选中的 %1 个项目%2，操作不可撤销。"_s.arg(items.size())
-            .arg(bytes > 0 ? u"（约 %1）"_s.arg(formatByteCount(bytes)) : QString());
+    words.message = u"将清理已选中的 %1 个项目%2，操作不可撤销。"_s.arg(items.size())
+                        .arg(bytes > 0 ? u"（约 %1）"_s.arg(formatByteCount(bytes)) : QString());
     for (const CleanupItem &item : items)
         words.details.append(itemLine(cleaner, item));
     for (const QString &name : cleaner.itemsToSkip())
@@ -56,6 +55,19 @@ NoticeSheet::Words cleanupQuestion(const SystemCleaner &cleaner)
     words.confirm = u"清理"_s;
     words.isDestructive = true;
     return words;
+}
+
+QString contentsText(const CleanupContents &contents)
+{
+    if (!contents.problem.isEmpty())
+        return contents.problem;
+    if (contents.entries.isEmpty())
+        return contents.isMeasuring ? u"正在读取…"_s : u"没有可清理的内容"_s;
+    const auto leftOut = std::ranges::count(contents.entries, false, &CleanupEntry::isIncluded);
+    QString text = u"共 %1 个条目"_s.arg(contents.entries.size());
+    if (leftOut > 0)
+        text += u"，已排除 %1 个"_s.arg(leftOut);
+    return contents.isMeasuring ? text + u"，正在计算大小…"_s : text;
 }
 
 QString reportText(const CleanupReport &report)

@@ -15,6 +15,8 @@ class SystemCleaner;
 QString selectionText(const SystemCleaner &cleaner);
 // What is asked before the selected items are cleaned.
 NoticeSheet::Words cleanupQuestion(const SystemCleaner &cleaner);
+// Above the entries of an opened row.
+QString contentsText(const CleanupContents &contents);
 // Beneath the result: what was really freed, left alone and not begun. One
 // statement a line.
 QString reportText(const CleanupReport &report);

@@ -5,10 +5,16 @@
 
 namespace velbrix {
 
-// The system cleaner.
+// The system cleaner. Sizes are first asked for when it is first shown.
 class SystemCleanupView final : public Page {
 public:
     explicit SystemCleanupView(const ViewContext &context, QWidget *parent = nullptr);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    ViewContext _context;
 };
 
 } // namespace velbrix

@@ -36,7 +36,8 @@ QSize ElidedLabel::sizeHint() const
     ensurePolished();
     const QFontMetrics metrics = fontMetrics();
     // The glyphs of a line may reach a little beyond its advance.
-    return {metrics.horizontalAdvance(oneLine(text())) + 2, std::max(metrics.height(), metrics.lineSpacing())};
+    return {metrics.horizontalAdvance(oneLine(text())) + 2,
+            std::max(metrics.height(), metrics.lineSpacing())};
 }
 
 void ElidedLabel::paintEvent(QPaintEvent *)

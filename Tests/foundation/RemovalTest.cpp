@@ -1,0 +1,602 @@
+#include "foundation/Removal.h"
+
+#include "support/FileTree.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+#include <optional>
+#include <random>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#ifdef __linux__
+#include <sched.h>
+#include <sys/mount.h>
+#endif
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+constexpr uid_t nobody = 65534;
+
+// A folder to empty, and one beside it that must stay as it is.
+struct Ground {
+    QTemporaryDir folder;
+    QByteArray base = QFile::encodeName(QFileInfo(folder.path()).canonicalFilePath());
+    QByteArray root = base + "/root";
+    QByteArray outside = base + "/outside";
+
+    explicit Ground(const QString &where = QDir::tempPath()) : folder(where + u"/RemovalTest-XXXXXX"_s)
+    {
+        tree::file(outside + "/deep/in/kept", "outside");
+        tree::file(outside + "/kept");
+        tree::folder(root);
+    }
+    // Qt cannot remove every name.
+    ~Ground() { std::filesystem::remove_all(tree::native(base)); }
+    Ground(const Ground &) = delete;
+};
+
+RemovalRules rules(QList<QByteArray> places = {})
+{
+    RemovalRules rules;
+    rules.protectedPlaces = std::move(places);
+    rules.boundSockets = QSet<QByteArray>();
+    return rules;
+}
+
+RemovalReport empty(const RemovalRoot &root)
+{
+    const std::atomic_bool cancelled = false;
+    RemovalReport report;
+    for (const QByteArray &entry : root.entries())
+        report.add(root.remove(entry, cancelled));
+    return report;
+}
+
+RemovalReport done(qint64 bytes, qint64 files)
+{
+    RemovalReport report;
+    report.freedBytes = bytes;
+    report.removedFiles = files;
+    return report;
+}
+
+qint64 diskUsage(const QByteArray &path)
+{
+    QProcess du;
+    du.start(u"/usr/bin/du"_s, {u"-sk"_s, QFile::decodeName(path)});
+    du.waitForFinished();
+    return du.readAllStandardOutput().split('\t').value(0).toLongLong() * 1024;
+}
+
+// A disk of its own there, and the folder shown a second time; false where
+// this may not be done.
+bool mountOver(const QByteArray &disk, const QByteArray &folder, const QByteArray &second)
+{
+#ifdef __linux__
+    return ::mount("none", disk.constData(), "tmpfs", 0, "size=1m") == 0 &&
+           ::mount(folder.constData(), second.constData(), nullptr, MS_BIND, nullptr) == 0;
+#else
+    return disk.isNull() && folder.isNull() && second.isNull();
+#endif
+}
+
+void setAge(const QByteArray &path, qint64 modified)
+{
+    const timeval times[2] = {{.tv_sec = modified, .tv_usec = 0}, {.tv_sec = modified, .tv_usec = 0}};
+    ::lutimes(path.constData(), times);
+}
+
+qint64 changed(const QByteArray &path)
+{
+    struct stat facts {};
+    ::lstat(path.constData(), &facts);
+    return facts.st_ctime;
+}
+
+// A tree of any shape with traps in it, and what must be left of it.
+class TrappedTree {
+public:
+    TrappedTree(Ground &ground, unsigned seed, bool mounts) : _ground(ground), _random(seed)
+    {
+        grow(ground.root, 0);
+        for (int i = 0; i < 2; ++i)
+            places.append(add(ground.root + '/' + QByteArray::number(i) + "place", 'f'));
+        if (mounts)
+            addMount();
+    }
+    ~TrappedTree()
+    {
+        for (const int descriptor : std::as_const(_sockets))
+            ::close(descriptor);
+#ifdef __linux__
+        for (const QByteArray &mount : std::as_const(_mounts))
+            ::umount2(mount.constData(), MNT_DETACH);
+#endif
+    }
+
+    QList<QByteArray> places;    // protected
+    QSet<QByteArray> boundPaths; // of sockets
+
+    // By their paths in the root.
+    QSet<QByteArray> remains() const
+    {
+        QSet<QByteArray> kept;
+        for (const QByteArray &path : tree::snapshot(_ground.root).keys()) {
+            const QByteArray whole = _ground.root + '/' + path;
+            const QByteArray entry = _ground.root + '/' + path.split('/').first();
+            const bool isKept = boundPaths.contains(whole) || isIn(_mounts, whole) ||
+                                std::ranges::any_of(places, [&](const QByteArray &place) {
+                                    return place == entry || place.startsWith(entry + '/');
+                                });
+            for (QByteArray above = path; isKept; above.truncate(above.lastIndexOf('/'))) {
+                kept.insert(above);
+                if (!above.contains('/'))
+                    break;
+            }
+        }
+        return kept;
+    }
+
+private:
+    static bool isIn(const QList<QByteArray> &folders, const QByteArray &path)
+    {
+        return std::ranges::any_of(folders, [&](const QByteArray &folder) {
+            return path == folder || path.startsWith(folder + '/');
+        });
+    }
+    int below(int end)
+    {
+        return std::uniform_int_distribution(0, end - 1)(_random);
+    }
+    QByteArray name()
+    {
+        static const QList<QByteArray> odd{"n\nl", "\xff\xc3(",    " ",  "-rf", "*",
+                                           "...",  "\xe4\xb8\xad", "a b"};
+        return odd[below(int(odd.size()))] + QByteArray::number(++_count);
+    }
+    QByteArray add(const QByteArray &path, char kind)
+    {
+        const QByteArray outside = _ground.outside;
+        switch (kind) {
+        case 'd':
+            tree::folder(path);
+            break;
+        case 'l': // the whole way, a relative way, to nothing, upwards
+            tree::link(QList<QByteArray>{outside, "../outside/deep", "none", "..", "/"}[below(5)], path);
+            break;
+        case 'h':
+            ::link((outside + (below(2) == 0 ? "/kept" : "/deep/in/kept")).constData(), path.constData());
+            break;
+        case 's':
+            if (path.size() < 100 && below(3) == 0) {
+                _sockets.append(tree::socket(path));
+                boundPaths.insert(path);
+            }
+            break;
+        case 'p':
+            ::mkfifo(path.constData(), 0600);
+            break;
+        default:
+            tree::file(path, QByteArray(below(9000), 'x'));
+        }
+        return path;
+    }
+    void grow(const QByteArray &folder, int depth)
+    {
+        for (int i = 2 + below(6); i > 0; --i) {
+            const char kind = "ddffflhsp"[below(9)];
+            const QByteArray path = add(folder + '/' + name(), kind);
+            if (kind == 'd' && depth < 4)
+                grow(path, depth + 1);
+            if (kind == 'd' && depth > 0 && below(40) == 0)
+                places.append(path);
+        }
+    }
+    void addMount()
+    {
+        const QByteArray disk = _ground.root + "/m" + name(), second = disk + "second/in";
+        tree::folder(disk);
+        tree::folder(second);
+        _mounts = {disk, second};
+        if (mountOver(disk, _ground.outside, second))
+            tree::file(disk + "/kept");
+    }
+
+    Ground &_ground;
+    std::mt19937 _random;
+    int _count = 0;
+    QList<QByteArray> _mounts;
+    QList<int> _sockets;
+};
+
+} // namespace
+
+class RemovalTest : public QObject {
+    Q_OBJECT
+
+    bool _hasOwnMounts = false;
+    QTemporaryDir _quick; // in memory where that can be had, for many changes
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+#ifdef __linux__
+        // Mounts of this test are seen by nobody else and end with it.
+        _hasOwnMounts =
+            ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+            ::mount("none", QFile::encodeName(_quick.path()).constData(), "tmpfs", 0, nullptr) == 0;
+#endif
+    }
+
+    void cleanupTestCase()
+    {
+#ifdef __linux__
+        ::umount(QFile::encodeName(_quick.path()).constData());
+#endif
+    }
+
+    void removesWhatIsThere()
+    {
+        Ground ground;
+        tree::file(ground.root + "/a/b/one", QByteArray(100'000, 'x'));
+        tree::file(ground.root + "/a/line\nbreak \xff\xfe", "x");
+        tree::file(ground.root + "/two");
+        const qint64 size = diskUsage(ground.root + "/a") + diskUsage(ground.root + "/two");
+        RemovalRoot root(ground.root, rules());
+        QVERIFY(root.isOpen());
+        QCOMPARE(root.canonicalPath(), ground.root);
+        QCOMPARE(root.entries(), (QList<QByteArray>{"a", "two"}));
+        QCOMPARE(root.ownSize("two"), 1);
+        QCOMPARE(root.ownSize("none"), 0);
+        const RemovalReport report = empty(root);
+        QCOMPARE(report, done(size, 3));
+        QVERIFY(tree::snapshot(ground.root).isEmpty());
+        QVERIFY(tree::exists(ground.root));
+    }
+
+    void countsFilesOfSeveralNamesWithTheLast()
+    {
+        Ground ground;
+        tree::file(ground.root + "/one", QByteArray(50'000, 'x'));
+        const qint64 size = diskUsage(ground.root + "/one");
+        ::link((ground.root + "/one").constData(), (ground.root + "/two").constData());
+        ::link((ground.outside + "/kept").constData(), (ground.root + "/third").constData());
+        QCOMPARE(empty(RemovalRoot(ground.root, rules())), done(size, 3));
+    }
+
+    void refusesRoots_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QString>("obstacle");
+        QTest::newRow("good") << QByteArray("BASE/root") << QString();
+        QTest::newRow("link to a folder") << QByteArray("BASE/link") << QString();
+        QTest::newRow("in a protected place") << QByteArray("BASE/home/cache") << QString();
+        QTest::newRow("around a protected place") << QByteArray("BASE/around") << QString();
+        QTest::newRow("temporary files") << QByteArray("/tmp") << QString();
+        QTest::newRow("missing") << QByteArray("BASE/none") << u"文件夹不存在"_s;
+        QTest::newRow("empty") << QByteArray() << u"不是完整的路径"_s;
+        QTest::newRow("relative") << QByteArray("root") << u"不是完整的路径"_s;
+        QTest::newRow("file") << QByteArray("BASE/outside/kept") << u"不是文件夹"_s;
+        const QString refusal = u"是受保护的位置"_s;
+        QTest::newRow("protected") << QByteArray("BASE/home") << refusal;
+        QTest::newRow("by a long way") << QByteArray("BASE/root/../home/./") << refusal;
+        QTest::newRow("link to a protected place") << QByteArray("BASE/homelink") << refusal;
+        QTest::newRow("sealed") << QByteArray("BASE/own") << refusal;
+        QTest::newRow("in a sealed place") << QByteArray("BASE/own/deep/er") << refusal;
+        for (const char *path : {"/", "/usr", "/usr/share", "/bin", "/etc/..", "/var", "/home"})
+            QTest::newRow(path) << QByteArray(path) << refusal;
+        QTest::newRow("home") << QFile::encodeName(QDir::homePath()) << refusal;
+    }
+    void refusesRoots()
+    {
+        QFETCH(QByteArray, path);
+        Ground ground;
+        tree::folder(ground.base + "/home/cache");
+        tree::folder(ground.base + "/around/inner");
+        tree::folder(ground.base + "/own/deep/er");
+        tree::link("root", ground.base + "/link");
+        tree::link(ground.base + "/home", ground.base + "/homelink");
+        path.replace("BASE", ground.base);
+        RemovalRules some = rules(protectedHostPlaces());
+        some.protectedPlaces += {ground.base + "/home", ground.base + "/around/inner"};
+        some.sealedPlaces = {ground.base + "/own"};
+        QTEST(RemovalRoot::obstacle(path, some), "obstacle");
+        QFETCH(QString, obstacle);
+        QCOMPARE(RemovalRoot(path, some).isOpen(), obstacle.isEmpty());
+    }
+
+    void refusesWhatIsNoEntry_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        for (const char *name : {"", ".", "..", "../outside", "a/b", "/etc"})
+            QTest::newRow(name) << QByteArray(name);
+    }
+    void refusesWhatIsNoEntry()
+    {
+        QFETCH(QByteArray, name);
+        Ground ground;
+        tree::file(ground.root + "/a/b");
+        const auto before = tree::snapshot(ground.base);
+        const std::atomic_bool cancelled = false;
+        const RemovalReport report = RemovalRoot(ground.root, rules()).remove(name, cancelled);
+        QCOMPARE(report.problems.value(0).reason, u"不在可以清理的文件夹里"_s);
+        QCOMPARE(tree::snapshot(ground.base), before);
+    }
+
+    void keepsProtectedPlacesByAnyName()
+    {
+        Ground ground;
+        const QByteArray place = ground.root + "/a/b/own";
+        tree::file(place + "/kept");
+        tree::file(ground.root + "/a/also kept");
+        tree::file(ground.root + "/c");
+        RemovalRoot root(ground.root, rules({place, ground.root + "/later"}));
+        tree::file(ground.root + "/later"); // made when the rules were settled
+        QCOMPARE(::rename(place.constData(), (ground.root + "/moved").constData()), 0);
+        const RemovalReport report = empty(root);
+        QCOMPARE(report.removedFiles, 1);
+        QCOMPARE(report.problems, (QList<RemovalProblem>{{ground.root + "/a", u"里面有受保护的位置"_s},
+                                                         {ground.root + "/later", u"是受保护的位置"_s},
+                                                         {ground.root + "/moved", u"是受保护的位置"_s}}));
+        QVERIFY(tree::exists(ground.root + "/moved/kept") && tree::exists(ground.root + "/a/also kept"));
+    }
+
+    void keepsSocketsInUse()
+    {
+        Ground ground;
+        tree::folder(ground.root + "/a");
+        tree::link(ground.root, ground.base + "/alias");
+        const QList<QByteArray> names{"/a/s", "/direct", "/relative", "/left"};
+        for (const QByteArray &name : names)
+            ::close(tree::socket(ground.root + name));
+        tree::file(ground.root + "/a/file");
+        RemovalRules some = rules();
+        some.boundSockets = {ground.root + "/direct", ground.base + "/alias/a/s", "run/relative"};
+        const RemovalReport report = empty(RemovalRoot(ground.root, some));
+        const QString reason = u"套接字正在使用"_s;
+        QCOMPARE(report.problems, (QList<RemovalProblem>{{ground.root + "/a/s", reason},
+                                                         {ground.root + "/direct", reason},
+                                                         {ground.root + "/relative", reason}}));
+        QCOMPARE(tree::snapshot(ground.root).keys(), (QList<QByteArray>{"a", "a/s", "direct", "relative"}));
+        some.boundSockets.reset();
+        QCOMPARE(empty(RemovalRoot(ground.root, some)).problemCount, 3);
+        QCOMPARE(empty(RemovalRoot(ground.root, rules())).removedFiles, 3);
+    }
+
+    void takesOldThingsOnlyWhole()
+    {
+        Ground ground;
+        for (const char *name : {"/old/a", "/old/b/c", "/mixed/old", "/mixed/new", "/single", "/twins/one"})
+            tree::file(ground.root + name);
+        ::link((ground.root + "/twins/one").constData(), (ground.root + "/twins/two").constData());
+        RemovalRules some = rules();
+        some.minimumAge = 24h;
+        some.now = changed(ground.root + "/twins/two") + 24 * 3600 + 10;
+        setAge(ground.root + "/mixed/new", some.now - 24 * 3600 + 1);
+        const RemovalReport report = empty(RemovalRoot(ground.root, some));
+        QCOMPARE(report.problemCount, 0);
+        QCOMPARE(report.removedFiles, 5);
+        QCOMPARE(tree::snapshot(ground.root).keys(), (QList<QByteArray>{"mixed", "mixed/new", "mixed/old"}));
+        // A file just changed is young, whatever time it claims to be from.
+        setAge(ground.root + "/mixed/new", 1000);
+        some.now = changed(ground.root + "/mixed/new") + 24 * 3600 - 1;
+        QCOMPARE(empty(RemovalRoot(ground.root, some)), RemovalReport());
+    }
+
+    void leavesOthersOldThings()
+    {
+        if (::geteuid() != 0)
+            QSKIP("only root can give files away");
+        Ground ground;
+        tree::file(ground.root + "/mixed/mine");
+        tree::file(ground.root + "/mixed/theirs");
+        ::chown((ground.root + "/mixed/theirs").constData(), nobody, nobody);
+        RemovalRules some = rules();
+        some.minimumAge = 24h;
+        some.now = changed(ground.root + "/mixed/theirs") + 48 * 3600;
+        QCOMPARE(empty(RemovalRoot(ground.root, some)), RemovalReport());
+        QCOMPARE(tree::snapshot(ground.root).size(), 3);
+    }
+
+    void saysWhatItMayNotRemove()
+    {
+        Ground ground;
+        for (const char *name : {"/fixed/one", "/fixed/two", "/fixed/in/three", "/unread/four", "/good"})
+            tree::file(ground.root + name);
+        tree::folder(ground.root + "/empty");
+        ::chmod((ground.root + "/fixed").constData(), 0500);
+        ::chmod((ground.root + "/unread").constData(), 0);
+        ::chmod((ground.root + "/empty").constData(), 0);
+        RemovalRoot root(ground.root, rules());
+        if (::geteuid() == 0) {
+            QProcess::execute(u"chown"_s, {u"-R"_s, u"65534"_s, QFile::decodeName(ground.root)});
+            QCOMPARE(::seteuid(nobody), 0);
+        }
+        const RemovalReport report = empty(root);
+        if (::getuid() == 0)
+            QCOMPARE(::seteuid(0), 0);
+        QCOMPARE(report.removedFiles, 2);
+        QCOMPARE(report.problems, (QList<RemovalProblem>{{ground.root + "/fixed", u"没有权限"_s},
+                                                         {ground.root + "/unread", u"没有权限"_s}}));
+        ::chmod((ground.root + "/fixed").constData(), 0700);
+        ::chmod((ground.root + "/unread").constData(), 0700);
+        QCOMPARE(tree::snapshot(ground.root).keys(),
+                 (QList<QByteArray>{"fixed", "fixed/in", "fixed/one", "fixed/two", "unread", "unread/four"}));
+    }
+
+    void stopsWhenCancelled()
+    {
+        Ground ground;
+        tree::file(ground.root + "/a/b");
+        const std::atomic_bool cancelled = true;
+        QCOMPARE(RemovalRoot(ground.root, rules()).remove("a", cancelled), RemovalReport());
+        QVERIFY(tree::exists(ground.root + "/a/b"));
+    }
+
+    void keepsTheFirstHundredProblems()
+    {
+        RemovalReport all;
+        for (int i = 0; i < 150; ++i)
+            all.add({.problems = {{QByteArray::number(i), u"x"_s}}, .problemCount = 1});
+        QCOMPARE(all.problemCount, 150);
+        QCOMPARE(all.problems.size(), 100);
+        QCOMPARE(all.problems.last().path, "99");
+    }
+
+    void deepTreesNeedFewDescriptors_data()
+    {
+        QTest::addColumn<int>("levels");
+        QTest::addColumn<int>("nameLength");
+        QTest::newRow("many levels") << 5000 << 8;
+        QTest::newRow("long paths") << 60 << 255;
+    }
+    void deepTreesNeedFewDescriptors()
+    {
+        QFETCH(int, levels);
+        QFETCH(int, nameLength);
+        Ground ground(_quick.path());
+        int at = ::open(ground.root.constData(), O_RDONLY | O_DIRECTORY);
+        for (int i = 0; i < levels; ++i) {
+            const QByteArray name(nameLength, 'n');
+            QCOMPARE(::mkdirat(at, name.constData(), 0700), 0);
+            ::close(::openat(at, "file", O_WRONLY | O_CREAT, 0600));
+            const int next = ::openat(at, name.constData(), O_RDONLY | O_DIRECTORY);
+            ::close(at);
+            at = next;
+        }
+        ::close(at);
+        rlimit before{};
+        ::getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit few{.rlim_cur = 128, .rlim_max = before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        const RemovalReport report = empty(RemovalRoot(ground.root, rules()));
+        ::setrlimit(RLIMIT_NOFILE, &before);
+        QCOMPARE(report.problems, QList<RemovalProblem>());
+        QCOMPARE(report.removedFiles, levels);
+        QVERIFY(tree::snapshot(ground.root).isEmpty());
+    }
+
+    void stopsAtMounts()
+    {
+        if (!_hasOwnMounts)
+            QSKIP("mounts cannot be made here");
+        Ground ground;
+        const auto outside = tree::snapshot(ground.outside);
+        for (const char *name : {"/disk", "/a/second", "/a/b"})
+            tree::folder(ground.root + name);
+        tree::file(ground.root + "/a/file");
+        QVERIFY(mountOver(ground.root + "/disk", ground.outside, ground.root + "/a/second"));
+        tree::file(ground.root + "/disk/kept");
+        const RemovalReport report = empty(RemovalRoot(ground.root, rules()));
+        const QString reason = u"是另一个磁盘的挂载点"_s;
+        QCOMPARE(report.problems, (QList<RemovalProblem>{{ground.root + "/a/second", reason},
+                                                         {ground.root + "/disk", reason}}));
+        QCOMPARE(report.removedFiles, 1);
+        QVERIFY(tree::exists(ground.root + "/disk/kept") && !tree::exists(ground.root + "/a/b"));
+        QCOMPARE(tree::snapshot(ground.outside), outside);
+        ::umount((ground.root + "/disk").constData());
+        ::umount((ground.root + "/a/second").constData());
+        QCOMPARE(empty(RemovalRoot(ground.root, rules())).problemCount, 0);
+    }
+
+    void whateverIsThereTheOutsideStays_data()
+    {
+        QTest::addColumn<bool>("mounts");
+        QTest::newRow("without mounts") << false;
+        QTest::newRow("with mounts") << true;
+    }
+    void whateverIsThereTheOutsideStays()
+    {
+        QFETCH(bool, mounts);
+        if (mounts && !_hasOwnMounts)
+            QSKIP("mounts cannot be made here");
+        for (unsigned seed = 1; seed <= 60; ++seed) {
+            Ground ground;
+            const TrappedTree trapped(ground, seed, mounts);
+            RemovalRules some = rules(trapped.places);
+            some.boundSockets = trapped.boundPaths;
+            const QSet<QByteArray> remains = trapped.remains();
+            const auto outside = tree::snapshot(ground.outside);
+            const auto inside = tree::snapshot(ground.root);
+            empty(RemovalRoot(ground.root, some));
+            const QByteArray which = "seed " + QByteArray::number(seed);
+            QVERIFY2(tree::snapshot(ground.outside) == outside, which);
+            const auto left = tree::snapshot(ground.root);
+            QVERIFY2(QSet<QByteArray>(left.keyBegin(), left.keyEnd()) == remains, which);
+            for (const QByteArray &place : trapped.places)
+                QVERIFY2(left.value(place.sliced(ground.root.size() + 1)) ==
+                             inside.value(place.sliced(ground.root.size() + 1)),
+                         which);
+        }
+    }
+
+    // Somebody keeps exchanging the folders for links to the outside.
+    void exchangedFoldersLeadNowhere()
+    {
+        Ground ground(_quick.path());
+        const QByteArray folder = ground.root + "/a", inner = folder + "/in";
+        const QByteArray parked = ground.base + "/parked", innerParked = ground.base + "/inner";
+        // The same as inside, so that a wrong turn finds something.
+        const QList<QByteArray> names{"/in/kept", "/in/other", "/in/more/kept", "/kept"};
+        for (const QByteArray &name : names)
+            tree::file(ground.outside + "/deep" + name);
+        const auto outside = tree::snapshot(ground.outside);
+        std::atomic_bool ends = false;
+        std::atomic_int exchanges = 0;
+        std::thread exchanger([&] {
+            const auto exchange = [&](const QByteArray &path, const QByteArray &away,
+                                      const QByteArray &target) {
+                if (::rename(path.constData(), away.constData()) != 0)
+                    return;
+                tree::link(target, path);
+                ++exchanges;
+                ::unlink(path.constData());
+                // The way back is barred when the folder has been made again.
+                if (::rename(away.constData(), path.constData()) != 0)
+                    std::filesystem::remove_all(tree::native(away));
+            };
+            while (!ends) {
+                exchange(inner, innerParked, ground.outside + "/deep/in");
+                exchange(folder, parked, ground.outside + "/deep");
+            }
+        });
+        const std::atomic_bool cancelled = false;
+        const RemovalRoot root(ground.root, rules());
+        QElapsedTimer time;
+        qint64 removed = 0;
+        for (time.start(); time.elapsed() < 3000;) {
+            for (const QByteArray &name : names) {
+                ::mkdir(folder.constData(), 0700);
+                ::mkdir(inner.constData(), 0700);
+                ::mkdir((inner + "/more").constData(), 0700);
+                const int file =
+                    ::open((folder + name).constData(), O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW, 0600);
+                if (file >= 0)
+                    ::close(file);
+            }
+            removed += root.remove("a", cancelled).removedFiles;
+        }
+        ends = true;
+        exchanger.join();
+        QVERIFY2(exchanges > 100 && removed > 100,
+                 QByteArray::number(exchanges) + ' ' + QByteArray::number(removed));
+        qInfo("%d exchanges, %lld files removed", int(exchanges), removed);
+        QCOMPARE(tree::snapshot(ground.outside), outside);
+    }
+};
+
+QTEST_GUILESS_MAIN(RemovalTest)
+#include "RemovalTest.moc"
