@@ -6,10 +6,12 @@
 #include "views/Sidebar.h"
 #include "views/Theme.h"
 #include "views/ViewContext.h"
+#include "views/backup/FileBackupView.h"
 #include "views/cleanup/SystemCleanupView.h"
 #include "views/components/Veil.h"
 #include "views/recorder/RecorderPage.h"
 #include "views/settings/SettingsPage.h"
+#include "views/uninstall/UninstallContentView.h"
 #include "views/wallpaper/WallpaperPage.h"
 
 #include <QCloseEvent>
@@ -95,6 +97,10 @@ QWidget *MainWindow::makePage(AppTab tab)
         return new RecorderPage(context);
     case AppTab::systemClean:
         return new SystemCleanupView(context);
+    case AppTab::uninstaller:
+        return new UninstallContentView(context);
+    case AppTab::fileBackup:
+        return new FileBackupView(context);
     case AppTab::settings:
         return new SettingsPage(context, [this] { showPrivacyStatement(); });
     }

@@ -141,7 +141,8 @@ void AddBackupTaskSheet::addRules(QVBoxLayout &rows)
     _aside = new Switch(_context.theme, u"editorSetsAside"_s);
     _aside->setOn(_task.setsAside);
     connect(_aside, &Switch::wanted, _aside, &Switch::setOn);
-    _asideRow = new SettingRow(u"留存被删除和替换的文件"_s, u"同步前移到带日期的文件夹，保留 30 天"_s, _aside);
+    _asideRow =
+        new SettingRow(u"留存被删除和替换的文件"_s, u"同步前移到带日期的文件夹，保留 30 天"_s, _aside);
     rows.addWidget(_asideRow);
 
     _excludes = new QPlainTextEdit(_task.excludes.join(u'\n'));

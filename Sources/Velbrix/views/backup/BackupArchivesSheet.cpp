@@ -38,8 +38,7 @@ public:
         return {300, rowHeight};
     }
 
-    void paint(QPainter *painter, const QStyleOptionViewItem &option,
-               const QModelIndex &index) const override
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         painter->save();
         _list.drawBack(*painter, option);
@@ -52,8 +51,8 @@ public:
         painter->setFont(_theme.font(12));
         painter->setPen(_theme.color(ThemeColor::secondary));
         painter->drawText(QRect(row.x(), row.y() + 27, row.width() - 100, 18), Qt::AlignVCenter,
-                          painter->fontMetrics().elidedText(oneLine(index.data().toString()),
-                                                            Qt::ElideMiddle, row.width() - 100));
+                          painter->fontMetrics().elidedText(oneLine(index.data().toString()), Qt::ElideMiddle,
+                                                            row.width() - 100));
         painter->drawText(row, Qt::AlignRight | Qt::AlignVCenter, index.data(sizeRole).toString());
         painter->restore();
     }

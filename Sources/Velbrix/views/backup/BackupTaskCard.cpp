@@ -129,8 +129,7 @@ QWidget *BackupTaskCard::makeButtons()
     };
     _run = add(u"backupRun"_s, u"立即运行"_s, {}, [this] { _context.services.fileBackup.runNow(_task.id); });
     _edit = add(u"backupEdit"_s, u"编辑"_s, {}, [this] { Q_EMIT editWanted(_task.id); });
-    _archives =
-        add(u"backupArchives"_s, u"恢复…"_s, {}, [this] { Q_EMIT archivesWanted(_task.id); });
+    _archives = add(u"backupArchives"_s, u"恢复…"_s, {}, [this] { Q_EMIT archivesWanted(_task.id); });
     add(u"backupReveal"_s, u"在文件夹中显示"_s, u"plain"_s, [this] { reveal(); });
     line->addStretch(1);
     add(u"backupRemove"_s, u"删除"_s, u"plainBad"_s, [this] { askToRemove(); });
@@ -203,8 +202,7 @@ void BackupTaskCard::askToRemove()
     words.message = u"只删除这个任务的设置，已经备份和同步的文件都会保留。"_s;
     words.confirm = u"删除任务"_s;
     words.isDestructive = true;
-    Confirmation::ask(_context.theme, this, words,
-                      [this] { _context.services.fileBackup.remove(_task.id); });
+    Confirmation::ask(_context.theme, this, words, [this] { _context.services.fileBackup.remove(_task.id); });
 }
 
 void BackupTaskCard::reveal()

@@ -39,8 +39,8 @@ DeletionQuestionSheet::DeletionQuestionSheet(const ViewContext &context, const B
     const auto task = backups.task(question.taskId);
     setBody(makeText(consequence(task), task && task->setsAside ? u"note"_s : u"warning"_s));
     _cancel = addButton({u"deletionDecline"_s, u"不同步"_s, {}, {}});
-    QPushButton *const confirm =
-        addButton({u"deletionConfirm"_s, u"删除 %1 个文件并同步"_s.arg(question.deletions), {}, u"destructive"_s});
+    QPushButton *const confirm = addButton(
+        {u"deletionConfirm"_s, u"删除 %1 个文件并同步"_s.arg(question.deletions), {}, u"destructive"_s});
     connect(this, &Sheet::cancelled, this, [&backups] { backups.declineDeletions(); });
     connect(_cancel, &QPushButton::clicked, this, &Sheet::cancelled);
     connect(confirm, &QPushButton::clicked, this, [&backups] { backups.confirmDeletions(); });

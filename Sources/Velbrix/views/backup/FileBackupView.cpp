@@ -60,7 +60,8 @@ QWidget *FileBackupView::makeProblem()
     auto *card = new Card;
     card->setObjectName(u"backupStorageProblem"_s);
     auto *row = new SettingRow(u"有任务没有读出来"_s, {}, nullptr);
-    row->setLeading(new SymbolLabel(_context.theme, u"exclamationmark.triangle.fill"_s, 22, ThemeColor::warning));
+    row->setLeading(
+        new SymbolLabel(_context.theme, u"exclamationmark.triangle.fill"_s, 22, ThemeColor::warning));
     card->addRow(row);
     const FileBackupController &backups = _context.services.fileBackup;
     follow(backups, &FileBackupController::storageProblemChanged, card, [card, row, &backups] {

@@ -26,7 +26,7 @@ public:
 
 Q_SIGNALS:
     void wanted(const QModelIndex &index); // Enter
-    void spaced(const QModelIndex &index);  // Space
+    void spaced(const QModelIndex &index); // Space
     void typed(const QString &text);
 
 protected:

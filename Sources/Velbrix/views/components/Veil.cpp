@@ -68,7 +68,7 @@ QList<QWidget *> Veil::stops() const
 {
     QList<QWidget *> found;
     for (QWidget *next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
-        const bool isStop = next->focusPolicy().testFlag(Qt::TabFocus) && !next->focusProxy();
+        const bool isStop = (next->focusPolicy() & Qt::TabFocus) && !next->focusProxy();
         if (isStop && isAncestorOf(next) && next->isEnabled() && next->isVisibleTo(this))
             found.append(next);
     }

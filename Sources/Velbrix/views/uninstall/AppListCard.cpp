@@ -4,6 +4,7 @@
 #include "foundation/ByteCount.h"
 #include "platform/Platform.h"
 #include "views/Follow.h"
+#include "views/Theme.h"
 #include "views/components/EmptyState.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
@@ -64,8 +65,7 @@ void AppListCard::addTop()
     _search->setAccessibleName(u"搜索应用"_s);
     _search->setPlaceholderText(u"搜索应用"_s);
     _search->setClearButtonEnabled(true);
-    _search->addAction(theme.icon(u"magnifyingglass"_s, ThemeColor::secondary),
-                       QLineEdit::LeadingPosition);
+    _search->addAction(theme.icon(u"magnifyingglass"_s, ThemeColor::secondary), QLineEdit::LeadingPosition);
     _search->installEventFilter(this);
     _rescan = makeButton(theme, {u"appsRescan"_s, u"重新扫描"_s, u"arrow.clockwise"_s, u"plain"_s});
     QPushButton *const settings =
@@ -112,9 +112,9 @@ void AppListCard::addList()
     _list->setModel(_rows);
     auto *row = new AppRow(theme, *_list, *_rows);
     _list->setItemDelegate(row);
-    _noMatch = new EmptyState(theme, u"appsNoMatch"_s,
-                              {u"magnifyingglass"_s, u"没有匹配的应用"_s, u"换一个词试试，或查看全部应用"_s,
-                               u"清除搜索"_s});
+    _noMatch = new EmptyState(
+        theme, u"appsNoMatch"_s,
+        {u"magnifyingglass"_s, u"没有匹配的应用"_s, u"换一个词试试，或查看全部应用"_s, u"清除搜索"_s});
     _none = new EmptyState(theme, u"appsEmpty"_s,
                            {u"shippingbox.fill"_s, u"没有找到应用"_s, u"安装应用后点「重新扫描」"_s, {}});
     body->addWidget(_list);

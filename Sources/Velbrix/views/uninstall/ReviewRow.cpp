@@ -43,9 +43,9 @@ void ReviewRow::paint(QPainter *painter, const QStyleOptionViewItem &option, con
     const QRect path(left, row.y() + 9, size.left() - left - 12, 20);
     painter->setFont(_theme.font(13));
     painter->setPen(_theme.color(item.isTicked ? ThemeColor::text : ThemeColor::secondary));
-    painter->drawText(path, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                      painter->fontMetrics().elidedText(oneLine(index.data().toString()),
-                                                        Qt::ElideMiddle, path.width()));
+    painter->drawText(
+        path, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+        painter->fontMetrics().elidedText(oneLine(index.data().toString()), Qt::ElideMiddle, path.width()));
     painter->setFont(_theme.font(12));
     painter->setPen(_theme.color(ThemeColor::secondary));
     painter->drawText(size, Qt::AlignRight | Qt::AlignVCenter, sizeText(item));
@@ -67,9 +67,9 @@ void ReviewRow::drawReasons(QPainter &painter, const QRect &place, const ReviewI
     constexpr int side = 14;
     const QColor tint = _theme.color(ThemeColor::warning);
     const int x = place.x() + std::min(wide, room) + 12;
-    painter.drawPixmap(x, place.center().y() - side / 2 + 1,
-                       _theme.symbol(u"exclamationmark.triangle.fill"_s, side, tint,
-                                     painter.device()->devicePixelRatioF()));
+    painter.drawPixmap(
+        x, place.center().y() - side / 2 + 1,
+        _theme.symbol(u"exclamationmark.triangle.fill"_s, side, tint, painter.device()->devicePixelRatioF()));
     const QRect rest(x + side + 4, place.y(), place.right() - x - side - 4, place.height());
     painter.setPen(tint);
     painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter,

@@ -24,8 +24,8 @@ constexpr int around = 300;
 } // namespace
 
 UninstallContentView::UninstallContentView(const ViewContext &context, QWidget *parent)
-    : Page(u"uninstallPage"_s, u"应用卸载"_s, u"移走不再需要的应用，连同它留下的数据；先看清单，再动手，还能放回原处。"_s,
-           parent),
+    : Page(u"uninstallPage"_s, u"应用卸载"_s,
+           u"移走不再需要的应用，连同它留下的数据；先看清单，再动手，还能放回原处。"_s, parent),
       _context(context),
       _apps(new AppListCard(context, this))
 {

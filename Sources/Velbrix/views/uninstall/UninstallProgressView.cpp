@@ -23,7 +23,8 @@ constexpr int steps = 1000;
 UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget *page)
     : Sheet(context.theme,
             {u"uninstallProgress"_s,
-             u"正在卸载「%1」"_s.arg(oneLine(context.services.uninstaller.uninstallingName())), {}},
+             u"正在卸载「%1」"_s.arg(oneLine(context.services.uninstaller.uninstallingName())),
+             {}},
             sheetWidth, page),
       _context(context),
       _stage(makeText({}, u"secondary"_s)),
@@ -47,9 +48,8 @@ UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget
         scanner.cancelUninstall();
         _stop->setEnabled(false);
     });
-    follow(scanner, &AppScanner::progressValueChanged, this, [this, &scanner] {
-        _bar->setValue(qRound(scanner.progressValue() * steps));
-    });
+    follow(scanner, &AppScanner::progressValueChanged, this,
+           [this, &scanner] { _bar->setValue(qRound(scanner.progressValue() * steps)); });
     follow(scanner, &AppScanner::progressStageChanged, this, [this] { refresh(); });
 }
 

@@ -46,7 +46,7 @@ UninstallRecordsCard::UninstallRecordsCard(const ViewContext &context, QWidget *
     addRow(_job);
     AppScanner &scanner = context.services.uninstaller;
     follow(scanner, &AppScanner::recordsChanged, this, [this] { rebuild(); });
-    connect(&scanner, &AppScanner::finished, this, [this] { showBusy(); });
+    connect(&scanner, &AppScanner::isPuttingBackChanged, this, [this] { showBusy(); });
     follow(scanner, &AppScanner::isUninstallingChanged, this, [this] { showBusy(); });
 }
 
@@ -74,18 +74,13 @@ QWidget *UninstallRecordsCard::makeRow(const UninstallRecord &record)
         _context.theme, {u"putBack.%1"_s.arg(record.id), u"放回原处"_s, u"arrow.uturn.backward"_s, {}});
     back->setAccessibleName(u"放回原处：%1"_s.arg(record.name));
     back->setEnabled(!record.moved.isEmpty());
-    connect(back, &QPushButton::clicked, this, [this, id = record.id] { putBack(id); });
-    auto *row = new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name),
-                                                 record.at.toString(u"M 月 d 日 HH:mm"_s)),
-                               recordText(record), back);
+    connect(back, &QPushButton::clicked, this,
+            [this, id = record.id] { _context.services.uninstaller.putBack(id); });
+    auto *row =
+        new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
+                       recordText(record), back);
     row->setLeading(new SymbolLabel(_context.theme, u"trash"_s, 22, ThemeColor::secondary));
     return row;
-}
-
-void UninstallRecordsCard::putBack(const QString &id)
-{
-    _context.services.uninstaller.putBack(id);
-    showBusy();
 }
 
 void UninstallRecordsCard::showBusy()

@@ -16,7 +16,6 @@ public:
 private:
     void rebuild();
     QWidget *makeRow(const UninstallRecord &record);
-    void putBack(const QString &id);
     void showBusy();
 
     ViewContext _context;

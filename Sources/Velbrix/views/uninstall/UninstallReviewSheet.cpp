@@ -38,9 +38,8 @@ QString packagesText(const UninstallReview &review)
 } // namespace
 
 UninstallReviewSheet::UninstallReviewSheet(const ViewContext &context, const QString &appName, QWidget *page)
-    : Sheet(context.theme,
-            {u"uninstallReview"_s, u"卸载「%1」"_s.arg(oneLine(appName)), question(appName)}, sheetWidth,
-            page),
+    : Sheet(context.theme, {u"uninstallReview"_s, u"卸载「%1」"_s.arg(oneLine(appName)), question(appName)},
+            sheetWidth, page),
       _context(context)
 {
     setBody(makeBody());

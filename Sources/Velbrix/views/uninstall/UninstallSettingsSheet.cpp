@@ -27,10 +27,9 @@ QString cleanupSummary(UninstallMode mode, const CleanupOptions &options, const 
 {
     if (mode != UninstallMode::custom)
         return infoText(mode);
-    CleanupOptions chosen = options;
     QStringList names;
     for (const LibraryKind kind : kinds) {
-        if (flag(chosen, kind))
+        if (flag(options, kind))
             names.append(label(kind));
     }
     return names.isEmpty() ? u"只移走应用本体，不清理任何数据"_s
@@ -38,7 +37,8 @@ QString cleanupSummary(UninstallMode mode, const CleanupOptions &options, const 
 }
 
 UninstallSettingsSheet::UninstallSettingsSheet(const ViewContext &context, QWidget *page)
-    : Sheet(context.theme, {u"uninstallSettingsSheet"_s, u"卸载设置"_s, u"决定卸载时连同哪些数据一起移到废纸篓。"_s},
+    : Sheet(context.theme,
+            {u"uninstallSettingsSheet"_s, u"卸载设置"_s, u"决定卸载时连同哪些数据一起移到废纸篓。"_s},
             sheetWidth, page),
       _context(context)
 {
@@ -107,8 +107,7 @@ QWidget *UninstallSettingsSheet::makeToggles()
             scanner.setCleanupOptions(options);
         });
         follow(scanner, &AppScanner::cleanupOptionsChanged, toggle, [toggle, kind, &scanner] {
-            CleanupOptions options = scanner.cleanupOptions();
-            toggle->setOn(flag(options, kind));
+            toggle->setOn(flag(std::as_const(scanner).cleanupOptions(), kind));
         });
     }
     return section;
