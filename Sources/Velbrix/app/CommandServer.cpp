@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
+#include "app/commands/AppsCommands.h"
 #include "app/commands/CleanCommands.h"
 #include "app/commands/RecordCommands.h"
 #include "app/commands/ShellCommands.h"
@@ -21,6 +22,7 @@ CommandServer::CommandServer(AppServices &services, AppDelegate &delegate, QObje
     _handlers.insert(recordCommands(services, delegate.recording()));
     _handlers.insert(wallpaperCommands(services, delegate.wallpaper()));
     _handlers.insert(cleanCommands(services.cleaner, services.privacy));
+    _handlers.insert(appsCommands(services.uninstaller, services.privacy));
 }
 
 Result<void> CommandServer::listen()

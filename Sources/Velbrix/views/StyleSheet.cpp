@@ -29,7 +29,7 @@ QLabel[role="goodHeading"] { font-size: 13px; font-weight: 600; color: @good; }
 QLabel[role="badHeading"] { font-size: 13px; font-weight: 600; color: @bad; }
 QLabel[role="badge"] { font-size: 11px; color: @accentText; background: @accent/12; border-radius: 4px;
                        padding: 1px 6px; }
-QLabel[role="value"] { color: @secondary; }
+QWidget[role="value"] { color: @secondary; }
 
 QFrame[role="card"] QScrollArea, QFrame[role="card"] QScrollArea > QWidget > QWidget { background: transparent; }
 QScrollArea, QWidget#pageColumn, QWidget#pageBody { background: @window; border: none; }
@@ -49,6 +49,8 @@ QPushButton[role="primary"]:hover { background: @accentFill/88; }
 QPushButton[role="primary"]:pressed { background: @accentFill/76; }
 QPushButton[role="primary"]:disabled { background: @control; border-color: @hairline; color: @secondary; }
 QPushButton[role="primary"][keyed="true"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
+QPushButton[size="large"] { min-height: 34px; min-width: 84px; font-size: 14px; }
+QPushButton[size="large"][keyed="true"]:focus { min-height: 32px; }
 QPushButton[role="destructive"] { background: @badFill; border: 1px solid @badFill; color: white; }
 QPushButton[role="destructive"]:hover { background: @badFill/88; }
 QPushButton[role="destructive"]:pressed { background: @badFill/76; }

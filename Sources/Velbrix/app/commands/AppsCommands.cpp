@@ -161,7 +161,7 @@ QList<AppInfo> called(const QList<AppInfo> &apps, const QString &name)
     QList<AppInfo> matching = apps;
     matching.removeIf([&](const AppInfo &app) {
         return name.isEmpty() || (app.name.compare(name, Qt::CaseInsensitive) != 0 &&
-                                  app.bundleID.compare(name, Qt::CaseInsensitive) != 0);
+                                  app.bundleID.compare(name, Qt::CaseInsensitive) != 0 && app.path != name);
     });
     return matching;
 }
@@ -223,7 +223,7 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
         co_return CommandReply::refusal(u"找不到应用："_s + name);
     if (matching.size() > 1)
         co_return CommandReply::refusal(
-            u"有多个应用符合「%1」，请用标识指定：\n%2"_s.arg(name, linesOf(matching)));
+            u"有多个应用符合「%1」，请用标识或路径指定：\n%2"_s.arg(name, linesOf(matching)));
     const AppInfo app = matching.first();
     const UninstallReview review = co_await scanner.reviewOf(app, *mode);
     if (isDryRun)

@@ -3,9 +3,12 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/applications/LinuxApplicationCatalog.h"
+#include "platform/linux/archive/ZipArchiver.h"
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 #include "platform/linux/desktop/LinuxDockPreference.h"
 #include "platform/linux/desktop/UPowerSource.h"
+#include "platform/linux/files/TreeDiskUsage.h"
 #include "platform/linux/movie/LibAvMediaProbe.h"
 #include "platform/linux/movie/LinuxMovieFiles.h"
 #include "platform/linux/movie/MovieRecorder.h"
@@ -82,10 +85,14 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
     platform.desktopPicture = std::make_unique<LinuxDesktopPicture>(clock, data + u"/former-desktop"_s);
     platform.dock = std::make_unique<LinuxDockPreference>(clock, data + u"/former-panels.json"_s);
+    platform.diskUsage = std::make_unique<TreeDiskUsage>();
     platform.power = std::make_unique<UPowerSource>(clock);
     platform.displays = std::make_unique<X11Displays>();
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
+    platform.applications = std::make_unique<LinuxApplicationCatalog>(clock, ApplicationPlaces::ofThisUser(),
+                                                                      PackagePrograms::ofThisHost());
+    platform.archiver = std::make_unique<ZipArchiver>(clock);
     return platform;
 }
 

@@ -6,6 +6,7 @@
 #include "platform/macos/CarbonHotkeyRegistrar.h"
 #include "platform/macos/CoreAudioDevices.h"
 #include "platform/macos/DefaultsDockPreference.h"
+#include "platform/macos/DuDiskUsage.h"
 #include "platform/macos/IOPSPowerSource.h"
 #include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
@@ -49,6 +50,7 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
+    platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
     return platform;
 }
 

@@ -32,7 +32,10 @@ CleanupOutcomeCard::CleanupOutcomeCard(const ViewContext &context, QWidget *pare
     setObjectName(u"cleanupOutcome"_s);
     addRow(makeResult());
     addRow(makeProblems());
-    connect(&_cleaner, &SystemCleaner::phaseChanged, this, [this] { refresh(); });
+    const auto again = [this] { refresh(); };
+    connect(&_cleaner, &SystemCleaner::phaseChanged, this, again);
+    connect(&_cleaner, &SystemCleaner::itemsChanged, this, again);
+    connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, again);
     follow(_cleaner, &SystemCleaner::reportChanged, this, [this] { refresh(); });
 }
 
@@ -89,8 +92,10 @@ void CleanupOutcomeCard::refresh()
 {
     const CleanupReport report = _cleaner.report();
     const QString result = resultText(report.outcome);
-    setVisible(!result.isEmpty() && !_cleaner.isCleaning());
     const bool hasFailed = report.outcome.kind == CleanupPhase::Kind::failed;
+    // That there was nothing to do is told until there is something to do.
+    const bool isOutdated = hasFailed && !_cleaner.itemsToClean().isEmpty();
+    setVisible(!result.isEmpty() && !isOutdated && !_cleaner.isCleaning());
     _mark->show(hasFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
                 hasFailed ? ThemeColor::bad : ThemeColor::good);
     _result->setText(result);

@@ -194,7 +194,7 @@ void CleanupRow::showContents()
     _contentsText->setText(contentsText(*found));
     setLook(_contentsText, "role", found->problem.isEmpty() ? u"note"_s : u"warning"_s);
     _entries->setVisible(!found->entries.isEmpty());
-    _entries->show(found->entries);
+    _entries->showEntries(found->entries);
 }
 
 void CleanupRow::showOpened(bool isOpened)
