@@ -6,8 +6,10 @@
 #include "platform/macos/CarbonHotkeyRegistrar.h"
 #include "platform/macos/CoreAudioDevices.h"
 #include "platform/macos/DefaultsDockPreference.h"
+#include "platform/macos/DittoArchiver.h"
 #include "platform/macos/DuDiskUsage.h"
 #include "platform/macos/IOPSPowerSource.h"
+#include "platform/macos/MacApplicationCatalog.h"
 #include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
 #include "platform/macos/MacDesktopVisibility.h"
@@ -53,6 +55,8 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
+    platform.applications = std::make_unique<MacApplicationCatalog>();
+    platform.archiver = std::make_unique<DittoArchiver>(clock);
     platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
     platform.trash = std::make_unique<MacTrashCan>(clock);
     platform.adminShell = std::make_unique<OsascriptAdminShell>(clock);

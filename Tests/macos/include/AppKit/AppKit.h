@@ -42,6 +42,7 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
     NSApplicationActivateAllWindows = 1 << 0,
 };
 
+@class NSImage;
 @class NSRunningApplication;
 @class NSWindow;
 
@@ -158,6 +159,7 @@ extern NSNotificationName NSWorkspaceSessionDidResignActiveNotification;
 @property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
 @property(readonly, copy) NSArray<NSRunningApplication *> *runningApplications API_AVAILABLE(macos(10.6));
 - (BOOL)openURL:(NSURL *)url;
+- (NSImage *)iconForFile:(NSString *)fullPath;
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL *> *)fileURLs;
 - (BOOL)setDesktopImageURL:(NSURL *)url
                  forScreen:(NSScreen *)screen

@@ -171,6 +171,9 @@ typedef NSString *NSExceptionName;
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle *mainBundle;
 @property(nullable, readonly, copy) NSString *bundleIdentifier;
+@property(readonly, copy) NSString *bundlePath;
+@property(nullable, readonly, copy) NSDictionary<NSString *, id> *infoDictionary;
++ (nullable instancetype)bundleWithPath:(NSString *)path;
 @end
 
 @interface NSUserDefaults : NSObject
