@@ -2,6 +2,9 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "support/FakeApplicationCatalog.h"
+#include "support/FakeArchiver.h"
+#include "support/FakeAdminShell.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"
@@ -17,9 +20,11 @@
 #include "support/FakeMovieFiles.h"
 #include "support/FakePermissions.h"
 #include "support/FakePowerSource.h"
+#include "support/FakeRunningPrograms.h"
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
+#include "support/FakeTrashCan.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
@@ -51,7 +56,12 @@ public:
           diskUsage(make<FakeDiskUsage>(platform.diskUsage, clock)),
           displays(make<FakeDisplays>(platform.displays)),
           surfaces(make<FakeDesktopSurfaces>(platform.surfaces)),
-          visibility(make<FakeDesktopVisibility>(platform.visibility))
+          visibility(make<FakeDesktopVisibility>(platform.visibility)),
+          archiver(make<FakeArchiver>(platform.archiver, clock)),
+          applications(make<FakeApplicationCatalog>(platform.applications, clock)),
+          trash(make<FakeTrashCan>(platform.trash)),
+          adminShell(make<FakeAdminShell>(platform.adminShell, clock)),
+          programs(make<FakeRunningPrograms>(platform.programs))
     {
     }
 
@@ -76,6 +86,11 @@ public:
     FakeDisplays &displays;
     FakeDesktopSurfaces &surfaces;
     FakeDesktopVisibility &visibility;
+    FakeArchiver &archiver;
+    FakeApplicationCatalog &applications;
+    FakeTrashCan &trash;
+    FakeAdminShell &adminShell;
+    FakeRunningPrograms &programs;
 
 private:
     template <typename Fake, typename Port, typename... Arguments>
@@ -95,6 +110,8 @@ struct ServicesRig {
     {
         qputenv("XDG_DATA_HOME", files.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", files.filePath(QStringLiteral("config")).toUtf8());
+        qputenv("HOME", files.path().toUtf8());
     }
 
     QTemporaryDir files;

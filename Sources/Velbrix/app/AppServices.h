@@ -8,6 +8,9 @@
 #include "foundation/NotificationCenter.h"
 #include "foundation/Published.h"
 #include "foundation/SettingsStore.h"
+#include "maintenance/backup/FileBackupController.h"
+#include "maintenance/cleanup/SystemCleaner.h"
+#include "maintenance/uninstall/AppScanner.h"
 #include "wallpaper/WallpaperController.h"
 
 #include <QObject>
@@ -43,6 +46,9 @@ public:
     PrivacyManager privacy;
     AppRouter router;
     HotkeyManager hotkeys;
+    SystemCleaner cleaner;
+    FileBackupController fileBackup;
+    AppScanner uninstaller;
     std::mutex powerLock; // guards the background flag
 
     void setInBackground(bool inBackground);

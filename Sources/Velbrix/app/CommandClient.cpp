@@ -5,9 +5,11 @@
 #include "foundation/LocalChannel.h"
 
 #include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 
 #include <cstdio>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -23,8 +25,13 @@ void print(std::FILE *stream, const QByteArray &bytes)
 
 std::chrono::milliseconds longestAnswer(const QString &words)
 {
-    // A recording may take its time to start or end, and a video to be read.
-    if (words.startsWith(u"record "_s))
+    // As long as there is anything to copy or to remove.
+    static const QStringList unhurried = {u"clean run"_s, u"apps uninstall"_s, u"backup run"_s};
+    if (unhurried.contains(words))
+        return 24h;
+    // A recording may take its time to start or end, and a video or a folder
+    // to be read.
+    if (words.startsWith(u"record "_s) || words.startsWith(u"clean "_s) || words.startsWith(u"apps "_s))
         return 10min;
     return words.startsWith(u"wallpaper "_s) ? 1min : 10s;
 }
@@ -44,24 +51,51 @@ int present(const CommandReply &reply, bool json)
     return reply.exitCode;
 }
 
-} // namespace
-
-QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
+QCoro::Task<CommandReply> ask(ParsedCommand command, Clock &clock)
 {
     const CommandReply notRunning{exitcode::notRunning, u"Velbrix 没有在运行"_s, {}};
     const auto endpoint = controlEndpoint();
     if (!endpoint)
-        co_return present(notRunning, command.json);
+        co_return notRunning;
     const QJsonObject request = toJson(withAbsolutePaths(command, QDir::currentPath()));
     const auto answer =
         co_await withDeadline(clock, longestAnswer(command.words), askLocalChannel(*endpoint, request));
     if (!answer)
-        co_return present(CommandReply::refusal(u"Velbrix 没有答复"_s), command.json);
+        co_return CommandReply::refusal(u"Velbrix 没有答复"_s);
     if (*answer)
-        co_return present(commandReplyFromJson(**answer), command.json);
+        co_return commandReplyFromJson(**answer);
     const ChannelFailure failed = answer->error();
-    co_return present(failed.nobodyListens ? notRunning : CommandReply::refusal(failed.message),
-                      command.json);
+    co_return failed.nobodyListens ? notRunning : CommandReply::refusal(failed.message);
+}
+
+// Reading a line holds up nothing here: the program waits for the user alone.
+bool isConfirmed(const QString &question)
+{
+    if (!::isatty(STDIN_FILENO) || !::isatty(STDOUT_FILENO))
+        return false;
+    std::fputs((question + u"\n确定要继续吗？输入 y 继续：[y/N] "_s).toUtf8().constData(), stdout);
+    std::fflush(stdout);
+    QFile terminal;
+    if (!terminal.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    const QByteArray line = terminal.readLine().trimmed().toLower();
+    return line == "y" || line == "yes";
+}
+
+} // namespace
+
+QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
+{
+    CommandReply reply = co_await ask(command, clock);
+    if (!command.json && reply.isQuestion()) {
+        if (isConfirmed(reply.text)) {
+            command.options.insert(u"--yes"_s, QString());
+            reply = co_await ask(command, clock);
+        } else {
+            reply.text += u"\n没有执行。确认无误后加上 --yes 再运行一次。"_s;
+        }
+    }
+    co_return present(reply, command.json);
 }
 
 } // namespace velbrix

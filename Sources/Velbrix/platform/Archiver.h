@@ -28,9 +28,9 @@ struct ArchiveRequest {
 };
 
 struct ArchiveOutcome {
-    int exitStatus = 0;  // 0: everything is in it, apart from what is skipped
-    QString problem;     // why not, in words for the user
-    QStringList skipped; // what could not be read, the first hundred
+    int exitStatus = 0;       // 0: everything is in it, apart from what is skipped
+    QString problem = {};     // why not, in words for the user
+    QStringList skipped = {}; // what could not be read, the first hundred
     qint64 skippedCount = 0;
     bool cancelled = false;
 

@@ -6,8 +6,12 @@
 #include "views/Sidebar.h"
 #include "views/Theme.h"
 #include "views/ViewContext.h"
+#include "views/backup/FileBackupView.h"
+#include "views/cleanup/SystemCleanupView.h"
+#include "views/components/Veil.h"
 #include "views/recorder/RecorderPage.h"
 #include "views/settings/SettingsPage.h"
+#include "views/uninstall/UninstallContentView.h"
 #include "views/wallpaper/WallpaperPage.h"
 
 #include <QCloseEvent>
@@ -35,11 +39,12 @@ MainWindow::MainWindow(AppServices &services, Theme &theme, std::function<bool()
     setMinimumSize(900, 600);
     resize(1040, 700);
 
+    _activity.watchTools(services);
     auto *content = new QWidget(this);
     auto *line = new QHBoxLayout(content);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(0);
-    line->addWidget(new Sidebar(theme, services.router, services.recorder.session()));
+    line->addWidget(new Sidebar(theme, services.router, _activity));
     line->addWidget(_pages, 1);
     setCentralWidget(content);
     _notices = new NoticeDesk(services.privacy, theme, content);
@@ -90,6 +95,12 @@ QWidget *MainWindow::makePage(AppTab tab)
         return new WallpaperPage(context);
     case AppTab::recorder:
         return new RecorderPage(context);
+    case AppTab::systemClean:
+        return new SystemCleanupView(context);
+    case AppTab::uninstaller:
+        return new UninstallContentView(context);
+    case AppTab::fileBackup:
+        return new FileBackupView(context);
     case AppTab::settings:
         return new SettingsPage(context, [this] { showPrivacyStatement(); });
     }
@@ -103,7 +114,7 @@ void MainWindow::addShortcuts()
         const auto key = static_cast<Qt::Key>(Qt::Key_1 + index);
         auto *shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), this);
         connect(shortcut, &QShortcut::activated, this, [this, tab = tabs[index].tab] {
-            if (!_notices->isOpen())
+            if (!Veil::covers(this))
                 _services.router.show(tab);
         });
     }

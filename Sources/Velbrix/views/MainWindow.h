@@ -3,6 +3,7 @@
 #include "app/AppTab.h"
 #include "app/RecordingActions.h"
 #include "app/WallpaperActions.h"
+#include "views/TabActivity.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -39,6 +40,7 @@ private:
     Theme &_theme;
     RecordingActions _recording;
     WallpaperActions _wallpaper;
+    TabActivity _activity;
     std::function<bool()> _shouldClose;
     QStackedWidget *_pages;
     QHash<AppTab, QWidget *> _made;

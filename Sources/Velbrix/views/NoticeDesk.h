@@ -18,7 +18,6 @@ public:
     NoticeDesk(PrivacyManager &privacy, const Theme &theme, QWidget *surface);
 
     void reviewStatement();
-    bool isOpen() const { return !_sheet.isNull(); }
 
 private:
     void refresh();

@@ -1,8 +1,8 @@
 #include "views/Sidebar.h"
 
 #include "app/AppRouter.h"
-#include "capture/RecordingSession.h"
 #include "views/Follow.h"
+#include "views/TabActivity.h"
 #include "views/Theme.h"
 #include "views/components/JobRing.h"
 #include "views/components/Parts.h"
@@ -22,10 +22,10 @@ constexpr int sidebarWidth = 208;
 
 } // namespace
 
-Sidebar::Sidebar(const Theme &theme, AppRouter &router, const RecordingSession &session, QWidget *parent)
+Sidebar::Sidebar(const Theme &theme, AppRouter &router, const TabActivity &activity, QWidget *parent)
     : QWidget(parent),
       _theme(theme),
-      _session(session),
+      _activity(activity),
       _tabs(new QButtonGroup(this)),
       _list(new QVBoxLayout(this))
 {
@@ -82,20 +82,30 @@ void Sidebar::add(const AppTabInfo &tab)
     button->setIconSize(QSize(18, 18));
     _tabs->addButton(button, static_cast<int>(tab.tab));
     _list->addWidget(button);
-    if (tab.tab != AppTab::recorder)
+    if (!_activity.isWatched(tab.tab))
         return;
     auto *line = new QHBoxLayout(button);
     line->setContentsMargins(0, 0, 12, 0);
     line->addStretch(1);
-    line->addWidget(ring());
+    line->addWidget(ring(tab));
 }
 
-QWidget *Sidebar::ring()
+QWidget *Sidebar::ring(const AppTabInfo &tab)
 {
-    auto *ring = new JobRing(_theme, u"录制中"_s);
-    ring->setObjectName(u"recordingRing"_s);
-    follow(_session, &RecordingSession::isRecordingChanged, ring,
-           [this, ring] { ring->setVisible(_session.isRecording()); });
+    const bool records = tab.tab == AppTab::recorder;
+    auto *ring = new JobRing(_theme, {}, records ? JobRing::Look::recording : JobRing::Look::progress);
+    ring->setObjectName(records ? u"recordingRing"_s : u"ring."_s + tab.identifier);
+    const auto refresh = [this, ring, which = tab.tab] {
+        const auto job = _activity.job(which);
+        ring->setVisible(job.has_value());
+        if (job)
+            ring->setJob(job->what, job->progress);
+    };
+    refresh();
+    connect(&_activity, &TabActivity::changed, ring, [refresh, which = tab.tab](AppTab changed) {
+        if (changed == which)
+            refresh();
+    });
     return ring;
 }
 

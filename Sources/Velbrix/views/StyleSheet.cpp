@@ -25,8 +25,13 @@ QLabel[role="group"] { font-size: 11px; color: @secondary; padding: 0 12px; }
 QLabel[role="warning"] { font-size: 12px; color: @warning; }
 QLabel[role="bad"] { font-size: 12px; color: @bad; }
 QLabel[role="good"] { font-size: 12px; color: @good; }
-QLabel[role="value"] { color: @secondary; }
+QLabel[role="goodHeading"] { font-size: 13px; font-weight: 600; color: @good; }
+QLabel[role="badHeading"] { font-size: 13px; font-weight: 600; color: @bad; }
+QLabel[role="badge"] { font-size: 11px; color: @accentText; background: @accent/12; border-radius: 4px;
+                       padding: 1px 6px; }
+QWidget[role="value"] { color: @secondary; }
 
+QFrame[role="card"] QScrollArea, QFrame[role="card"] QScrollArea > QWidget > QWidget { background: transparent; }
 QScrollArea, QWidget#pageColumn, QWidget#pageBody { background: @window; border: none; }
 QWidget#sidebar { background: @sidebar; border: none; border-right: 1px solid @hairline; }
 QFrame[role="card"] { background: @card; border: 1px solid @hairline; border-radius: 12px; }
@@ -44,6 +49,8 @@ QPushButton[role="primary"]:hover { background: @accentFill/88; }
 QPushButton[role="primary"]:pressed { background: @accentFill/76; }
 QPushButton[role="primary"]:disabled { background: @control; border-color: @hairline; color: @secondary; }
 QPushButton[role="primary"][keyed="true"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
+QPushButton[large="true"] { min-height: 34px; min-width: 84px; font-size: 14px; }
+QPushButton[large="true"][keyed="true"]:focus { min-height: 32px; }
 QPushButton[role="destructive"] { background: @badFill; border: 1px solid @badFill; color: white; }
 QPushButton[role="destructive"]:hover { background: @badFill/88; }
 QPushButton[role="destructive"]:pressed { background: @badFill/76; }
@@ -52,6 +59,13 @@ QPushButton[role="plain"] { background: transparent; border: 1px solid transpare
                             color: @accentText; }
 QPushButton[role="plain"]:hover { background: @accent/12; }
 QPushButton[role="plain"][keyed="true"]:focus { border-color: @accent; }
+QPushButton[role="icon"] { background: transparent; border: 1px solid transparent; padding: 0; }
+QPushButton[role="icon"]:hover { background: @secondary/12; }
+QPushButton[role="icon"][keyed="true"]:focus { border-color: @accent; }
+QPushButton[role="plainBad"] { background: transparent; border: 1px solid transparent; padding: 0 8px;
+                               color: @bad; }
+QPushButton[role="plainBad"]:hover { background: @bad/12; }
+QPushButton[role="plainBad"][keyed="true"]:focus { border-color: @bad; }
 QPushButton[role="chord"] { min-width: 104px; font-size: 14px; }
 QPushButton[role="chord"][capturing="true"] { border: 2px solid @accent; color: @accentText;
                                               padding: 0 11px; min-height: 24px; }
@@ -87,6 +101,12 @@ QPushButton[role="device"][keyed="true"]:focus { border-color: @accent; }
 QFrame[role="path"] { background: @control; border: 1px solid @hairline; border-radius: 6px; }
 QFrame[role="path"][dropping="true"] { border: 1px solid @accent; background: @accent/14; }
 
+QLineEdit, QPlainTextEdit, QSpinBox, QTimeEdit { background: @control; border: 1px solid @hairline;
+    border-radius: 6px; min-height: 28px; padding: 0 8px; selection-background-color: @accentFill;
+    selection-color: white; }
+QPlainTextEdit { padding: 4px 4px; }
+QLineEdit:focus, QPlainTextEdit:focus, QSpinBox:focus, QTimeEdit:focus { border-color: @accent; }
+
 QSlider::groove:horizontal { height: 4px; border-radius: 2px; background: @hairline; }
 QSlider::sub-page:horizontal { height: 4px; border-radius: 2px; background: @accent; }
 QSlider::sub-page:horizontal:disabled { background: @secondary/50; }
@@ -101,6 +121,9 @@ QListView { background: transparent; border: none; outline: none; }
 QListView[role="log"] { background: @control; border: 1px solid @hairline; border-radius: 8px;
                         padding: 6px 4px; font-size: 12px; }
 QListView[role="log"][keyed="true"]:focus { border-color: @accent; }
+QListView[role="entries"] { background: @control/60; border: 1px solid @hairline; border-radius: 8px;
+                            padding: 3px; }
+QListView[role="entries"][keyed="true"]:focus { border-color: @accent; }
 QListView[role="log"]::item { padding: 2px 8px; color: @text; }
 QListView[role="log"]::item:selected { background: @accent/22; color: @text; border-radius: 4px; }
 

@@ -11,6 +11,9 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+constexpr int anyNumber = 1000;
+const QString needsConfirmation = u"needsConfirmation"_s;
+
 QString tabIdentifiers()
 {
     QStringList identifiers;
@@ -29,8 +32,14 @@ const CommandForm *formBegunBy(const QStringList &words)
     return nullptr;
 }
 
-// False when an option lacks its value or is said twice.
-bool takeOptions(QStringList &words, QMap<QString, QString> &options)
+bool takesValue(const CommandForm &form, const QString &name)
+{
+    const auto known = std::ranges::find(form.options, name, &CommandOption::name);
+    return known == form.options.end() || !known->value.isEmpty();
+}
+
+// False when an option lacks its value, has one too many or is said twice.
+bool takeOptions(const CommandForm &form, QStringList &words, QMap<QString, QString> &options)
 {
     QStringList rest;
     while (!words.isEmpty()) {
@@ -40,18 +49,32 @@ bool takeOptions(QStringList &words, QMap<QString, QString> &options)
             continue;
         }
         const auto equals = word.indexOf(u'=');
-        if (options.contains(word.first(equals < 0 ? word.size() : equals)) || (equals < 0 && words.isEmpty()))
+        const QString name = word.first(equals < 0 ? word.size() : equals);
+        const bool wantsValue = takesValue(form, name);
+        if (options.contains(name) || (equals >= 0 && !wantsValue) ||
+            (equals < 0 && wantsValue && words.isEmpty()))
             return false;
-        if (equals < 0)
-            options.insert(word, words.takeFirst());
+        if (equals >= 0)
+            options.insert(name, word.mid(equals + 1));
         else
-            options.insert(word.first(equals), word.mid(equals + 1));
+            options.insert(name, wantsValue ? words.takeFirst() : QString());
     }
     words = rest;
     return true;
 }
 
 } // namespace
+
+CommandReply CommandReply::question(const QString &text, QJsonObject data)
+{
+    data[needsConfirmation] = true;
+    return {exitcode::refused, text, data};
+}
+
+bool CommandReply::isQuestion() const
+{
+    return data.value(needsConfirmation).toBool();
+}
 
 const QList<CommandForm> &commandForms()
 {
@@ -74,6 +97,39 @@ const QList<CommandForm> &commandForms()
         {u"wallpaper pause"_s, {}, 0, 0, u"暂停动态壁纸"_s},
         {u"wallpaper stop"_s, {}, 0, 0, u"停止动态壁纸并恢复原来的桌面图片"_s},
         {u"wallpaper status"_s, {}, 0, 0, u"动态壁纸与各显示器的当前状态"_s},
+        {u"clean list"_s, {}, 0, 0, u"列出清理项及其大小"_s},
+        {u"clean preview"_s, u"清理项"_s, 0, anyNumber, u"显示将被清理的内容，不做任何改动"_s},
+        {u"clean run"_s,
+         u"清理项"_s,
+         0,
+         anyNumber,
+         u"清理列出的清理项；没有列出时清理已勾选的"_s,
+         false,
+         {{u"--yes"_s, {}}}},
+        {u"apps list"_s, {}, 0, 0, u"列出已安装的应用"_s},
+        {u"apps uninstall"_s,
+         u"应用"_s,
+         1,
+         1,
+         u"卸载应用；--dry-run 只显示将被移走的内容"_s,
+         false,
+         {{u"--mode"_s, u"full|app|custom"_s}, {u"--dry-run"_s, {}}, {u"--yes"_s, {}}}},
+        {u"backup list"_s, {}, 0, 0, u"列出备份任务"_s},
+        {u"backup add"_s,
+         u"源文件夹 保存目录"_s,
+         2,
+         2,
+         u"添加备份任务；时间为 时:分、日@时:分、月-日@时:分"_s,
+         true,
+         {{u"--kind"_s, u"backup|sync"_s},
+          {u"--name"_s, u"名称"_s},
+          {u"--daily"_s, u"时间"_s},
+          {u"--monthly"_s, u"时间"_s},
+          {u"--yearly"_s, u"时间"_s},
+          {u"--keep"_s, u"份数"_s},
+          {u"--exclude"_s, u"模式"_s}}},
+        {u"backup run"_s, u"任务"_s, 1, 1, u"立即运行任务并等待结果"_s, false, {{u"--yes"_s, {}}}},
+        {u"backup remove"_s, u"任务"_s, 1, 1, u"删除任务；已备份的文件保留"_s, false, {{u"--yes"_s, {}}}},
         {u"hotkeys"_s, {}, 0, 0, u"列出全局快捷键及其状态"_s},
         {u"quit"_s, {}, 0, 0, u"退出 Velbrix（会先恢复桌面并结束正在进行的录制）"_s},
     };
@@ -91,7 +147,7 @@ std::optional<ParsedCommand> parseCommand(const QStringList &words)
         return std::nullopt;
     parsed.words = form->words;
     read.remove(0, form->words.count(u' ') + 1);
-    if (!takeOptions(read, parsed.options))
+    if (!takeOptions(*form, read, parsed.options))
         return std::nullopt;
     parsed.arguments = end < 0 ? read : read + words.mid(end + 1);
     return isValid(parsed) ? std::optional(parsed) : std::nullopt;
@@ -132,9 +188,10 @@ QString helpText()
     for (const CommandForm &form : commandForms()) {
         QString usage = form.words;
         if (!form.arguments.isEmpty())
-            usage += u" <%1>"_s.arg(form.arguments);
+            usage += (form.least > 0 ? u" <%1>"_s : u" [%1 …]"_s).arg(form.arguments);
         for (const CommandOption &option : form.options)
-            usage += u" [%1 <%2>]"_s.arg(option.name, option.value);
+            usage += option.value.isEmpty() ? u" [%1]"_s.arg(option.name)
+                                            : u" [%1 <%2>]"_s.arg(option.name, option.value);
         text += u"  velbrix %1 %2\n"_s.arg(usage.leftJustified(19), form.help);
     }
     return text + u"选项：--json 输出稳定的英文键；--help 显示本说明；--version 显示版本；-- 之后都是参数\n"

@@ -27,12 +27,16 @@ struct CommandReply {
     QJsonObject data;
 
     static CommandReply refusal(const QString &reason) { return {exitcode::refused, reason, {}}; }
+    // Nothing was done: this is what would be. The client asks the user in his
+    // terminal and says the command again with --yes.
+    static CommandReply question(const QString &text, QJsonObject data = {});
+    bool isQuestion() const;
 };
 
-// "--display NUMBER": an option always has a value.
+// "--display NUMBER", or a bare "--yes".
 struct CommandOption {
     QString name;  // with its dashes
-    QString value; // described for the help
+    QString value; // described for the help; empty: it takes none
 
     bool operator==(const CommandOption &) const = default;
 };
@@ -59,7 +63,9 @@ struct ParsedCommand {
     QString words;
     QStringList arguments;
     bool json = false;
-    QMap<QString, QString> options = {}; // by name
+    QMap<QString, QString> options = {}; // by name; empty for those without a value
+
+    bool has(const QString &option) const { return options.contains(option); }
 
     bool operator==(const ParsedCommand &) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QJsonObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -39,23 +40,35 @@ struct BackupTask {
     QStringList excludes;  // shell patterns
     bool setsAside = true; // a sync keeps for 30 days what it deletes or replaces
     QString destVolume;    // where the destination's disk was mounted when the task was saved
+    QString sourceVolume;  // and the source's
     bool lastFailed = false;
+    std::optional<QDateTime> failingSince; // no run has succeeded since
+    QString toldFailure;                   // what the user was notified of since then
+    bool toldOverdue = false;
 
     bool operator==(const BackupTask &) const = default;
 };
 
 QJsonObject toJson(const BackupTask &task);
 // Nothing for what is no task: wrong types, unknown kinds, no id or paths.
-// Numbers out of range are clamped.
+// Numbers out of range are clamped, what is absent has its default. Dates are
+// seconds since 2001-01-01, or ISO 8601; one that is neither is invalid.
 std::optional<BackupTask> backupTaskFromJson(const QJsonObject &json);
 
 // The first time after the instant, in its time zone. A time that a change of
-// the clocks leaves out runs as soon as the clocks have it.
+// the clocks leaves out comes as soon as the clocks have passed it, one that
+// comes twice the first time.
 QDateTime nextRun(const BackupScheduleTime &schedule, const QDateTime &after);
 
-// Why the task cannot be saved, in words for the user; else empty. `source`
-// and `destination` are looked at on the disk.
+// Later than any correct next time: the clock was wrong when it was computed.
+bool isTooFarAhead(const BackupScheduleTime &schedule, const QDateTime &nextRunAt, const QDateTime &now);
+
+// Why the task cannot be saved, in words for the user; else empty. Source and
+// destination are looked at on the disk: call it off the main thread.
 QString backupObstacle(const BackupTask &task);
+// Why it cannot be beside the others: they would write over each other. Looks
+// at the paths only; the task itself may be among the others.
+QString backupConflict(const BackupTask &task, const QList<BackupTask> &others);
 
 // "每天 09:00", "每月 28 日 09:00", "每年 3 月 1 日 09:00".
 QString scheduleText(const BackupScheduleTime &schedule);

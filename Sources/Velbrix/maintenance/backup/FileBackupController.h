@@ -4,12 +4,18 @@
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "foundation/Result.h"
+#include "maintenance/backup/ArchiveList.h"
+#include "maintenance/backup/BackupRun.h"
+#include "maintenance/backup/BackupTaskStore.h"
 #include "maintenance/backup/BackupTypes.h"
 
 #include <QCoroTask>
 #include <QList>
 #include <QObject>
+#include <QPromise>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -18,6 +24,7 @@ namespace velbrix {
 class Archiver;
 class SettingsStore;
 class UserNotifications;
+struct UserNotice;
 
 // A sync that would delete so much that the user is asked first.
 struct BackupQuestion {
@@ -27,14 +34,6 @@ struct BackupQuestion {
     qint64 existing = 0;  // files the mirror has
 
     bool operator==(const BackupQuestion &) const = default;
-};
-
-struct BackupArchiveInfo {
-    QString path;
-    QDateTime at;
-    qint64 bytes = 0;
-
-    bool operator==(const BackupArchiveInfo &) const = default;
 };
 
 // Scheduled archives and mirrors of folders.
@@ -47,6 +46,7 @@ class FileBackupController final : public QObject {
     VELB_PUBLISHED(FileBackupController, double, runningShare, -1) // 0…1, below 0 while nobody knows
     VELB_PUBLISHED(FileBackupController, std::optional<BackupQuestion>, question) // open for the user
     VELB_PUBLISHED(FileBackupController, bool, isRestoring, false)
+    VELB_PUBLISHED(FileBackupController, QString, restoreProgress)
     VELB_PUBLISHED(FileBackupController, QString, restoreResult)  // of the last restore
     VELB_PUBLISHED(FileBackupController, QString, storageProblem) // stored tasks that could not be read
 
@@ -62,8 +62,10 @@ public:
     ~FileBackupController() override;
 
     // The failure is for the user. A task without an id is new; an empty name
-    // becomes the source folder's.
-    Result<BackupTask> save(BackupTask task);
+    // becomes the source folder's. What a run writes (results, next time) is
+    // not taken from the task.
+    QCoro::Task<Result<BackupTask>> save(BackupTask task);
+    // Never deletes files. A run of the task ends.
     void remove(const QString &id);
     void setEnabled(const QString &id, bool isEnabled);
     std::optional<BackupTask> task(const QString &id) const;
@@ -77,13 +79,43 @@ public:
     void declineDeletions();
 
     // Complete archives of the task, newest first.
-    QList<BackupArchiveInfo> archives(const QString &id) const;
-    // Into a new folder inside the chosen one; nothing is replaced.
+    QCoro::Task<QList<BackupArchiveInfo>> archives(QString id) const;
+    // Into a new folder inside the chosen one; nothing is replaced. Does
+    // nothing while another restore goes on.
     void restore(const QString &archive, const QString &intoFolder);
     void cancelRestore();
 
 Q_SIGNALS:
+    // The task has its result.
     void runFinished(const QString &taskId);
+
+private:
+    enum class Occasion { onRequest, onSchedule };
+
+    void correctTimes();
+    void poll();
+    QCoro::Task<> runDue();
+    QCoro::Task<> run(BackupTask task, Occasion occasion);
+    void finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion);
+    void notify(const std::optional<UserNotice> &notice);
+    QCoro::Task<bool> ask(BackupQuestion question);
+    void answer(bool isYes);
+    void abandonQuestion();
+    QCoro::Task<> restoreInto(QString archive, QString folder);
+    // The change is stored at once. False when there is no such task.
+    bool change(const QString &id, const std::function<void(BackupTask &)> &change);
+    void store(const QList<BackupTask> &tasks);
+
+    Hosts _hosts;
+    Clock &_clock;
+    BackupTaskStore _store;
+    std::unique_ptr<Alarm> _pollTimer;
+    std::unique_ptr<Alarm> _catchUp;
+    bool _isPolling = false;
+    Cancellation _runCancellation;
+    Cancellation _restoreCancellation;
+    std::shared_ptr<QPromise<bool>> _answer;
+    std::chrono::milliseconds _askedAt{0};
 };
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "maintenance/cleanup/CleanupTypes.h"
+#include "platform/HostFamily.h"
 
 #include <QList>
 #include <QString>
@@ -13,16 +14,20 @@ enum class CleanupGroup { system, development, packages, browsers, editors, adva
 
 QString title(CleanupGroup group);
 
-// What the built-in table says of one item.
+// What the built-in table says of one item. In folders a whole component may
+// be "*", for every folder there.
 struct CleanupRule {
     CleanupItem item; // its initial state
     CleanupGroup group = CleanupGroup::system;
     CleanupTarget target;
-    QStringList measured;         // folders whose sizes make up the item's; none: not measured
-    QStringList owners;           // programs that use it while they run, as RunningPrograms names them
-    bool takesHidden = false;     // entries that begin with a dot go, too
-    bool onlyOldOwnFiles = false; // this user's, untouched for a day
+    QStringList measured;          // folders that make up its size; none: not measured
+    QStringList owners = {};       // programs that use it, as RunningPrograms names them
+    QStringList furtherPaths = {}; // emptied like the target's path
+    bool onlyOldOwnFiles = false;  // this user's, untouched for a day
+    QString program = {};          // without it on this machine there is no such item
 };
+
+inline const QString trashItemId = QStringLiteral("trash");
 
 // Where the user keeps things on a host of the freedesktop kind.
 struct UserFolders {
@@ -30,7 +35,6 @@ struct UserFolders {
     QString config;
     QString cache;
     QString data;
-    QString state;
 
     static UserFolders ofThisUser();
 };
@@ -38,5 +42,10 @@ struct UserFolders {
 // The tables, in their order.
 QList<CleanupRule> macCleanupCatalog(const QString &home);
 QList<CleanupRule> freedesktopCleanupCatalog(const UserFolders &folders);
+// The host's own, without what this machine has no program for.
+QList<CleanupRule> cleanupCatalog(HostFamily family);
+
+// The folders a pattern means at this moment, sorted.
+QStringList matchingFolders(const QString &pattern);
 
 } // namespace velbrix

@@ -33,11 +33,15 @@ struct CleanupPhase {
     qint64 totalBytes = 0;   // of done
 
     static CleanupPhase cleaning(const QString &item) { return {Kind::cleaning, item, 0, 0}; }
+    static CleanupPhase calculating() { return {Kind::calculating, {}, 0, 0}; }
     static CleanupPhase failed(const QString &message) { return {Kind::failed, message, 0, 0}; }
     static CleanupPhase done(qint64 count, qint64 bytes) { return {Kind::done, {}, count, bytes}; }
 
     bool operator==(const CleanupPhase &) const = default;
 };
+
+// The line that says how a clean ended; empty for other phases.
+QString resultText(const CleanupPhase &phase);
 
 // What cleaning an item does: it empties the folder, or runs the command.
 struct CleanupTarget {
@@ -69,9 +73,12 @@ struct CleanupContents {
     bool operator==(const CleanupContents &) const = default;
 };
 
-// Beyond the count: what a clean really did.
+// The last clean: its end, which the phase soon leaves behind, and what it
+// really did.
 struct CleanupReport {
+    CleanupPhase outcome; // done or failed; idle when there was none
     RemovalReport removal;
+    bool wasCancelled = false;
     QStringList skipped; // names of items that were left alone because their owner runs
 
     bool operator==(const CleanupReport &) const = default;

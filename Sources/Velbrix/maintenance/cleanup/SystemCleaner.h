@@ -40,6 +40,8 @@ class SystemCleaner final : public QObject {
 
 public:
     static constexpr int maxCustomPathsAllowed = 10;
+    static inline const QString defaultsKey = QStringLiteral("VelbClean_CleanupSelection");
+    static inline const QString customPathsKey = QStringLiteral("VelbClean_CustomPaths");
 
     struct Hosts {
         DiskUsage &usage;
@@ -50,7 +52,7 @@ public:
 
     // Everything must outlive the cleaner. `ownPlaces`: what of this program
     // must never be removed.
-    SystemCleaner(Hosts hosts, SettingsStore &settings, Clock &clock, QList<CleanupRule> catalog,
+    SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock &clock, QList<CleanupRule> catalog,
                   QList<QByteArray> ownPlaces, QObject *parent = nullptr);
     ~SystemCleaner() override;
 
@@ -60,6 +62,8 @@ public:
     bool hasContents(const QString &id) const;
     // Bytes as last measured; nothing while unknown or not measurable.
     std::optional<qint64> measuredBytes(const QString &id) const;
+    // Of what is selected; a folder inside another one counts once.
+    qint64 selectedBytes() const;
 
     void setSelected(const QString &id, bool isSelected);
     void setAllSelected(bool isSelected);
@@ -79,33 +83,50 @@ public:
     void close(const QString &id);
     // Leaves one entry of an opened row out of the next clean, or takes it in again.
     void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
+    // Entries left out of the next clean; those of a closed row, too.
+    qsizetype leftOutCount(const QString &id) const { return _leftOut.value(id).size(); }
 
     // Ends the measuring, or the cleaning after the entry it is at.
     void cancel();
-    // Asks nothing: confirmation and consent come before.
-    void clean();
-    // Selected items that a clean would take now, in its order.
-    QList<CleanupItem> itemsToClean() const;
+    // These items, or the selected ones when none are named. Asks nothing:
+    // confirmation and consent come before. Does nothing while items are
+    // cleaned; a measuring under way is ended.
+    void clean(const QStringList &ids = {});
+    // What clean() would take now, in its order.
+    QList<CleanupItem> itemsToClean(const QStringList &ids = {}) const;
+    // Names of the items that it would leave alone because their owner runs.
+    QStringList itemsToSkip(const QStringList &ids = {}) const;
+    bool isCleaning() const { return _isCleaning; }
+    // Cleaning or measuring.
     bool isWorking() const;
 
 private:
+    struct Act; // what one item's cleaning did
+
     const CleanupRule *rule(const QString &id) const;
     CleanupTarget target(const CleanupItem &item) const;
-    QStringList measuredFolders(const CleanupItem &item) const;
+    QStringList emptiedFolders(const QString &id) const;
+    QStringList measuredFolders(const QString &id) const;
+    QStringList keptFolders(const QString &id, const QSet<QString> &cleaned) const;
+    bool isSkipped(const CleanupItem &item) const;
+    const CleanupItem *item(const QString &id) const;
     RemovalRules removalRules(const QString &id) const;
-    void loadSelection();
+
+    void load();
     void saveSelection();
     void saveCustomPaths();
-    void setSize(const QString &id, const QString &text);
+    void change(const QString &id, const std::function<void(CleanupItem &)> &edit);
+    void setSize(const QString &id, qint64 bytes);
     void refreshBusyItems();
-    QCoro::Task<> measure(QStringList ids);
-    QCoro::Task<> measureContents(QString id);
-    QCoro::Task<> runClean();
 
-    struct Act; // what one item's cleaning did
-    QCoro::Task<Act> emptyFolder(CleanupItem item, QString path);
-    QCoro::Task<Act> emptyTrash(QString id);
-    QCoro::Task<Act> runCommand(CleanupTarget target);
+    QCoro::Task<> estimate(QStringList ids);
+    QCoro::Task<> calculate();
+    QCoro::Task<> measureContents(QString id);
+    void publishContents(const QString &id, const CleanupContents &contents);
+
+    QCoro::Task<> runClean(QStringList ids);
+    QCoro::Task<Act> cleanItem(CleanupItem item, QSet<QString> cleaned);
+    QCoro::Task<Act> emptyFolders(QString id, QSet<QString> cleaned);
 
     Hosts _hosts;
     SettingsStore &_settings;
@@ -118,6 +139,7 @@ private:
     QHash<QString, Cancellation> _openings;
     Cancellation _work;
     std::shared_ptr<std::atomic_bool> _stopRemoval;
+    bool _isCleaning = false;
     bool _hasCalculated = false;
 };
 

@@ -6,7 +6,10 @@
 #include "maintenance/uninstall/UninstallTypes.h"
 
 #include <QCoroTask>
+#include <QHash>
 #include <QObject>
+
+#include <memory>
 
 namespace velbrix {
 
@@ -15,6 +18,8 @@ class RunningPrograms;
 class SettingsStore;
 class TrashCan;
 class UninstallJournal;
+class UninstallSequence;
+struct UninstallPlan;
 
 // Installed applications, and taking one of them away with the data that
 // belongs to it. What goes is settled in a review first; everything goes to
@@ -35,6 +40,7 @@ class AppScanner final : public QObject {
     VELB_PUBLISHED(AppScanner, std::optional<UninstallReview>, review) // open for the user's ticks
     VELB_PUBLISHED(AppScanner, QList<UninstallRecord>, records)        // the last uninstalls, newest first
     VELB_PUBLISHED(AppScanner, QList<FailedItem>, failures) // of the last uninstall or putting back
+    VELB_PUBLISHED(AppScanner, bool, isPuttingBack, false)
 
 public:
     struct Hosts {
@@ -44,7 +50,8 @@ public:
         RunningPrograms &programs;
     };
 
-    // The journal's file is made with the first uninstall.
+    // All must outlive the scanner. The journal's file is made with the first
+    // uninstall; what lies beside it is this program's own and never taken.
     AppScanner(Hosts hosts, SettingsStore &settings, Clock &clock, const QString &journalFile,
                QObject *parent = nullptr);
     ~AppScanner() override;
@@ -60,38 +67,58 @@ public:
     // The kinds of data this host has folders for, in order.
     QList<LibraryKind> libraryKinds() const;
 
-    // Looks for what belongs to the application and publishes it as the
-    // review, with the mode that is set or another for this once. The command
-    // line asks the same and gets the answer, without opening it.
+    // Looks for what belongs to the application and publishes it as the review,
+    // with the mode that is set; sizes follow as they are known. Takes the
+    // place of an earlier review.
     void prepareReview(const AppInfo &app);
+    // The same with all sizes and without opening it, for the command line.
     QCoro::Task<UninstallReview> reviewOf(AppInfo app, UninstallMode mode);
+    // The application itself cannot be unticked.
     void setTicked(const QString &path, bool isTicked);
     void cancelReview();
 
-    // Takes away what is ticked. Asks nothing: consent and confirmation come
-    // before. Does nothing while another uninstall runs.
+    // Takes away what is ticked and closes the review. Asks nothing: consent
+    // and confirmation come before. Does nothing while another uninstall runs
+    // or something is put back.
     void uninstall(const UninstallReview &review);
     // Stops before the next item; what has gone stays in the trash.
     void cancelUninstall();
+    // From the call of uninstall() to its finished().
+    bool isBusy() const { return _isBusy; }
 
+    // Back to where it was, the last one first; what cannot go back stays in
+    // the record and is told in `failures`. Packages never can.
     void putBack(const QString &recordId);
-    bool isPuttingBack() const { return _isPuttingBack; }
 
 Q_SIGNALS:
     // An uninstall or a putting back has ended; `message` is for the user.
     void finished(const QString &message);
 
 private:
-    QCoro::Task<> runScan();
+    QCoro::Task<> runScan(Cancellation scan);
+    QCoro::Task<> runReview(AppInfo app, Cancellation reviewing);
     QCoro::Task<> runUninstall(UninstallReview review);
-    QCoro::Task<> runPutBack(QString recordId);
+    QCoro::Task<> runPutBack(UninstallRecord record);
+
+    UninstallPlan planFor(const AppInfo &app, UninstallMode mode) const;
+    void showSizes();
+    void observeSequence();
+    void closeOverlay();
 
     Hosts _hosts;
     SettingsStore &_settings;
     Clock &_clock;
+    const QString _ownFolder;
     std::unique_ptr<UninstallJournal> _journal;
+    UninstallSequence *_sequence;
+    Cancellation _scanning;
+    Cancellation _reviewing;
+    Cancellation _uninstalling;
+    QHash<qsizetype, qint64> _sizes; // of the review's items, not yet shown
+    std::unique_ptr<Alarm> _sizesDue;
+    quint64 _nextId = 1;
     bool _hasScanned = false;
-    bool _isPuttingBack = false;
+    bool _isBusy = false;
 };
 
 } // namespace velbrix

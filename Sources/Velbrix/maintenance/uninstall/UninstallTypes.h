@@ -54,6 +54,7 @@ QJsonObject toJson(const CleanupOptions &options);
 // Nothing unless all seven are there as booleans.
 std::optional<CleanupOptions> cleanupOptionsFromJson(const QJsonObject &json);
 bool &flag(CleanupOptions &options, LibraryKind kind);
+bool flag(const CleanupOptions &options, LibraryKind kind);
 QString label(LibraryKind kind);       // "偏好设置"
 QString toggleTitle(LibraryKind kind); // "偏好设置 (Preferences)"
 
@@ -104,7 +105,7 @@ struct UninstallReview {
 // One thing that was moved and can go back.
 struct MovedItem {
     QString original;
-    QString trashed;
+    QString trashed; // empty when nobody told where it lies
 
     bool operator==(const MovedItem &) const = default;
 };

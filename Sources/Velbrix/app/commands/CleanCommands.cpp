@@ -1,0 +1,187 @@
+#include "app/commands/CleanCommands.h"
+
+#include "app/PrivacyManager.h"
+#include "foundation/ByteCount.h"
+#include "foundation/NextSignal.h"
+#include "maintenance/cleanup/SystemCleaner.h"
+
+#include <QCoroTask>
+#include <QFile>
+#include <QJsonArray>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr int entriesShown = 20; // of one item in a preview
+
+QCoro::Task<> idle(SystemCleaner &cleaner)
+{
+    while (cleaner.isWorking())
+        co_await nextSignal(cleaner, &SystemCleaner::phaseChanged);
+}
+
+QCoro::Task<> measured(SystemCleaner &cleaner)
+{
+    co_await idle(cleaner);
+    cleaner.recalculate();
+    co_await idle(cleaner);
+}
+
+QJsonObject toJson(const SystemCleaner &cleaner, const CleanupItem &item)
+{
+    QJsonObject json = {{u"id"_s, item.id},
+                        {u"name"_s, item.name},
+                        {u"selected"_s, item.isSelected},
+                        {u"busy"_s, cleaner.busyItems().contains(item.id)},
+                        {u"admin"_s, cleaner.isAdministrative(item.id)}};
+    if (const auto bytes = cleaner.measuredBytes(item.id))
+        json[u"bytes"_s] = *bytes;
+    if (item.customPath)
+        json[u"path"_s] = *item.customPath;
+    return json;
+}
+
+QString line(const SystemCleaner &cleaner, const CleanupItem &item)
+{
+    QStringList marks;
+    if (cleaner.isAdministrative(item.id))
+        marks << u"需要管理员权限"_s;
+    if (cleaner.busyItems().contains(item.id))
+        marks << u"正在运行"_s;
+    const QString note = marks.isEmpty() ? QString() : u"  （%1）"_s.arg(marks.join(u"，"_s));
+    return u"%1 %2  %3  %4%5"_s.arg(item.isSelected ? u"[x]"_s : u"[ ]"_s, item.id, item.name,
+                                    item.estimatedSize, note);
+}
+
+QCoro::Task<CommandReply> list(SystemCleaner &cleaner)
+{
+    co_await measured(cleaner);
+    QStringList lines;
+    QJsonArray items;
+    for (const CleanupItem &item : cleaner.items()) {
+        lines << line(cleaner, item);
+        items.append(toJson(cleaner, item));
+    }
+    const CommandReply reply{exitcode::done, lines.join(u'\n'), {{u"items"_s, items}}};
+    co_return reply;
+}
+
+// Why the ids cannot be taken; else empty.
+QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
+{
+    const QList<CleanupItem> items = cleaner.items();
+    for (const QString &id : ids) {
+        if (std::ranges::find(items, id, &CleanupItem::id) == items.end())
+            return u"没有这个清理项：%1（见 clean list）"_s.arg(id);
+    }
+    return {};
+}
+
+// The contents of one item as they would go, the largest first.
+QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
+{
+    if (!cleaner.hasContents(item.id))
+        co_return QString();
+    const bool wasOpen = cleaner.contents().contains(item.id);
+    cleaner.open(item.id);
+    while (cleaner.contents().value(item.id).isMeasuring)
+        co_await nextSignal(cleaner, &SystemCleaner::contentsChanged);
+    const CleanupContents contents = cleaner.contents().value(item.id);
+    if (!wasOpen)
+        cleaner.close(item.id);
+    QStringList lines;
+    if (!contents.problem.isEmpty())
+        lines << u"    "_s + contents.problem;
+    for (const CleanupEntry &entry :
+         contents.entries.first(std::min<qsizetype>(entriesShown, contents.entries.size())))
+        lines << u"    %1  %2%3"_s.arg(formatByteCount(entry.bytes.value_or(0)), entry.name,
+                                       entry.isIncluded ? QString() : u"  （保留）"_s);
+    if (contents.entries.size() > entriesShown)
+        lines << u"    …… 共 %1 项"_s.arg(contents.entries.size());
+    co_return lines.join(u'\n');
+}
+
+QCoro::Task<CommandReply> preview(SystemCleaner &cleaner, QStringList ids)
+{
+    if (const QString reason = unknownIds(cleaner, ids); !reason.isEmpty())
+        co_return CommandReply::refusal(reason);
+    co_await measured(cleaner);
+    QStringList lines;
+    QJsonArray items;
+    for (const CleanupItem &item : cleaner.items()) {
+        if (ids.isEmpty() ? !item.isSelected : !ids.contains(item.id))
+            continue;
+        lines << line(cleaner, item);
+        items.append(toJson(cleaner, item));
+        const QString contents = co_await contentsOf(cleaner, item);
+        if (!contents.isEmpty())
+            lines << contents;
+    }
+    const CommandReply reply{
+        exitcode::done, lines.isEmpty() ? u"没有选择任何清理项"_s : lines.join(u'\n'), {{u"items"_s, items}}};
+    co_return reply;
+}
+
+CommandReply outcome(const CleanupReport &report)
+{
+    if (report.outcome.kind == CleanupPhase::Kind::failed)
+        return CommandReply::refusal(report.outcome.text);
+    const CleanupPhase &done = report.outcome;
+    QStringList lines = {resultText(done)};
+    lines << u"实际释放 %1"_s.arg(formatByteCount(report.removal.freedBytes));
+    if (!report.skipped.isEmpty())
+        lines << u"正在运行，已跳过：%1"_s.arg(report.skipped.join(u"、"_s));
+    QJsonArray problems;
+    for (const RemovalProblem &problem : report.removal.problems) {
+        const QString path = QFile::decodeName(problem.path);
+        lines << u"未能移除 %1：%2"_s.arg(path, problem.reason);
+        problems.append(QJsonObject{{u"path"_s, path}, {u"reason"_s, problem.reason}});
+    }
+    return {exitcode::done,
+            lines.join(u'\n'),
+            {{u"count"_s, done.cleanedCount},
+             {u"bytes"_s, done.totalBytes},
+             {u"freed"_s, report.removal.freedBytes},
+             {u"skipped"_s, QJsonArray::fromStringList(report.skipped)},
+             {u"problems"_s, problems}}};
+}
+
+// Cleans these items and leaves the user's own selection as it was.
+QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, ParsedCommand command)
+{
+    const QStringList ids = command.arguments;
+    if (const QString reason = unknownIds(cleaner, ids); !reason.isEmpty())
+        co_return CommandReply::refusal(reason);
+    if (!command.has(u"--yes"_s)) {
+        const CommandReply shown = co_await preview(cleaner, ids);
+        co_return CommandReply::question(u"将清理以下内容，操作不可撤销：\n"_s + shown.text, shown.data);
+    }
+    // In the window the user confirms the notice; the command is said again.
+    privacy.guard(featurePrivacyNotice(PrivacyConsentKind::systemCleanup), [] {});
+    if (const QString reason = privacy.missingConsent(PrivacyConsentKind::systemCleanup); !reason.isEmpty())
+        co_return CommandReply::refusal(reason);
+    if (cleaner.isCleaning())
+        co_return CommandReply::refusal(u"清理已在进行中"_s);
+    cleaner.clean(ids);
+    while (cleaner.isCleaning())
+        co_await nextSignal(cleaner, &SystemCleaner::phaseChanged);
+    co_return outcome(cleaner.report());
+}
+
+} // namespace
+
+QHash<QString, CommandHandler> cleanCommands(SystemCleaner &cleaner, PrivacyManager &privacy)
+{
+    return {
+        {u"clean list"_s, [&cleaner](const ParsedCommand &) { return list(cleaner); }},
+        {u"clean preview"_s,
+         [&cleaner](const ParsedCommand &command) { return preview(cleaner, command.arguments); }},
+        {u"clean run"_s, [&](const ParsedCommand &command) { return run(cleaner, privacy, command); }},
+    };
+}
+
+} // namespace velbrix

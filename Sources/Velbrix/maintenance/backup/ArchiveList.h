@@ -1,0 +1,23 @@
+#pragma once
+
+#include "maintenance/backup/BackupTypes.h"
+
+#include <QList>
+
+namespace velbrix {
+
+struct BackupArchiveInfo {
+    QString path;
+    QDateTime at;
+    qint64 bytes = 0;
+
+    bool operator==(const BackupArchiveInfo &) const = default;
+};
+
+// The task's own archives, newest first: files of exactly its names; one that
+// is still growing has another name. Looks at the disk.
+QList<BackupArchiveInfo> completeArchives(const BackupTask &task);
+// Those that are not among the newest `keepLast`.
+QList<BackupArchiveInfo> archivesToPrune(const BackupTask &task);
+
+} // namespace velbrix

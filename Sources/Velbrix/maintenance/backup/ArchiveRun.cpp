@@ -1,0 +1,196 @@
+#include "maintenance/backup/ArchiveRun.h"
+
+#include "foundation/ByteCount.h"
+#include "maintenance/backup/ArchiveList.h"
+#include "maintenance/backup/BackupDisk.h"
+#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/MirrorComparison.h"
+#include "platform/Archiver.h"
+
+#include <QCoroFuture>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+struct Plan {
+    QString obstacle;
+    QString archive;
+    QString growing; // the archive's path until it is whole
+    TreeFacts facts;
+};
+
+// What cannot be made smaller, with the archive's own entries.
+qint64 worstSize(const TreeFacts &facts)
+{
+    constexpr qint64 perEntry = 512;
+    constexpr qint64 margin = 1 << 20;
+    return facts.bytes + facts.bytes / 1000 + facts.entries * perEntry + margin;
+}
+
+QString spaceObstacle(const BackupTask &task, const TreeFacts &facts)
+{
+    const qint64 available = QStorageInfo(task.destPath).bytesAvailable();
+    const qint64 needed = worstSize(facts);
+    if (available < 0 || available >= needed)
+        return {};
+    return u"保存目录的可用空间不足：最多需要 %1，只剩 %2"_s.arg(formatByteCount(needed),
+                                                                 formatByteCount(available));
+}
+
+// The archive's file is that of the first second whose name is free.
+QString freeArchivePath(const BackupTask &task, QDateTime at)
+{
+    const QDir destination(task.destPath);
+    while (QFileInfo::exists(destination.filePath(archiveName(task, at))))
+        at = at.addSecs(1);
+    return destination.filePath(archiveName(task, at));
+}
+
+void removeGrowing(const BackupTask &task)
+{
+    removeOwn(task, task.destPath, [&](const QString &name) { return isGrowing(task, name); });
+}
+
+Plan plan(const BackupTask &task, const QDateTime &at, const std::shared_ptr<std::atomic_bool> &cancelled)
+{
+    Plan made;
+    made.obstacle = placesObstacle(task);
+    if (!made.obstacle.isEmpty())
+        return made;
+    removeGrowing(task);
+    made.facts = measureTree(QFile::encodeName(task.sourcePath), ExcludeRules(task.excludes), *cancelled);
+    if (!made.facts.isReadable)
+        made.obstacle = u"没有权限读取源文件夹：%1"_s.arg(task.sourcePath);
+    else
+        made.obstacle = spaceObstacle(task, made.facts);
+    made.archive = freeArchivePath(task, at);
+    made.growing = QDir(task.destPath).filePath(growingName(QFileInfo(made.archive).fileName()));
+    return made;
+}
+
+// The archive's size.
+Result<qint64> publish(const BackupTask &task, const Plan &made)
+{
+    if (const auto published = publishFile(made.growing, made.archive); !published)
+        return std::unexpected(published.error());
+    // An archive of nothing must not push out one of something.
+    if (made.facts.items > 0) {
+        QStringList old;
+        for (const BackupArchiveInfo &archive : archivesToPrune(task))
+            old.append(QFileInfo(archive.path).fileName());
+        removeOwn(task, task.destPath, [&](const QString &name) { return old.contains(name); });
+    }
+    return QFileInfo(made.archive).size();
+}
+
+QString inParentheses(const QString &reason)
+{
+    return reason.isEmpty() ? QString() : u"（%1）"_s.arg(reason);
+}
+
+// One run; lives in the frame of the coroutine that drives it.
+class ArchiveRun {
+public:
+    ArchiveRun(Archiver &archiver, BackupRunRequest request)
+        : _archiver(archiver), _request(std::move(request)), _task(_request.task)
+    {
+    }
+
+    QCoro::Task<BackupOutcome> run()
+    {
+        _request.progress(u"正在扫描目录…"_s, -1);
+        const auto cancelled = std::make_shared<std::atomic_bool>(false);
+        _request.cancellation.onCancel([cancelled] { *cancelled = true; });
+        const QFuture<Plan> planning =
+            QtConcurrent::run(&backupWorkers(), plan, _task, _request.at, cancelled);
+        _plan = co_await planning;
+        if (_request.cancellation.isCancelled())
+            co_return BackupOutcome::cancelled();
+        if (!_plan.obstacle.isEmpty())
+            co_return BackupOutcome::failed(_plan.obstacle);
+        const BackupOutcome written = co_await write();
+        const BackupOutcome outcome =
+            written.state == BackupOutcome::State::done ? co_await publishWritten() : written;
+        if (outcome.state != BackupOutcome::State::done) {
+            const QFuture<void> removal = QtConcurrent::run(&backupWorkers(), removeGrowing, _task);
+            co_await removal;
+        }
+        co_return BackupOutcome(outcome);
+    }
+
+private:
+    QCoro::Task<BackupOutcome> write()
+    {
+        _request.progress(u"正在压缩…"_s, 0);
+        ArchiveRequest request{.source = _task.sourcePath,
+                               .archive = _plan.growing,
+                               .excludes = _task.excludes,
+                               .progress = [this](const ArchiveProgress &done) { tell(done); },
+                               .cancellation = _request.cancellation};
+        const auto created = co_await _archiver.create(std::move(request));
+        if (_request.cancellation.isCancelled() || (created && created->cancelled))
+            co_return BackupOutcome::cancelled();
+        if (!created)
+            co_return BackupOutcome::failed(u"压缩失败 (exit 1)"_s + inParentheses(created.error().message));
+        if (created->exitStatus != 0)
+            co_return BackupOutcome::failed(u"压缩失败 (exit %1)"_s.arg(created->exitStatus) +
+                                            inParentheses(created->problem));
+        _skipped = created->skippedCount;
+        _request.progress(u"正在校验归档…"_s, -1);
+        const auto tested = co_await _archiver.test(_plan.growing, _request.cancellation);
+        if (_request.cancellation.isCancelled())
+            co_return BackupOutcome::cancelled();
+        if (!tested)
+            co_return BackupOutcome::failed(u"归档校验失败，已删除"_s +
+                                            inParentheses(tested.error().message));
+        co_return BackupOutcome::done({});
+    }
+
+    QCoro::Task<BackupOutcome> publishWritten()
+    {
+        const QFuture<Result<qint64>> publishing = QtConcurrent::run(&backupWorkers(), publish, _task, _plan);
+        const Result<qint64> size = co_await publishing;
+        if (!size)
+            co_return BackupOutcome::failed(u"无法保存归档"_s + inParentheses(size.error().message));
+        const QString skipped = _skipped > 0 ? u"（%1 个文件无法读取，未包含）"_s.arg(_skipped) : QString();
+        co_return BackupOutcome::done(u"✓ 压缩完成 · "_s + formatByteCount(*size) + skipped);
+    }
+
+    void tell(const ArchiveProgress &done) const
+    {
+        const qint64 total = done.totalFiles > 0 ? done.totalFiles : _plan.facts.items;
+        // Bytes say more than files while a large one is read.
+        const double share = _plan.facts.bytes > 0
+                                 ? static_cast<double>(done.bytes) / static_cast<double>(_plan.facts.bytes)
+                                 : -1;
+        _request.progress(u"正在压缩：%1 / %2 个文件"_s.arg(done.files).arg(total), std::min(share, 1.0));
+    }
+
+    Archiver &_archiver;
+    BackupRunRequest _request;
+    const BackupTask _task;
+    Plan _plan;
+    qint64 _skipped = 0;
+};
+
+} // namespace
+
+QCoro::Task<BackupOutcome> archiveFolder(Archiver &archiver, BackupRunRequest request)
+{
+    ArchiveRun run(archiver, std::move(request));
+    const BackupOutcome outcome = co_await run.run();
+    co_return BackupOutcome(outcome);
+}
+
+} // namespace velbrix

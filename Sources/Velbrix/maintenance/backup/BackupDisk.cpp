@@ -1,0 +1,117 @@
+#include "maintenance/backup/BackupDisk.h"
+
+#include "foundation/Removal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+QString systemReason(int error)
+{
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+int synced(const QString &path, int flags)
+{
+    const int opened = ::open(QFile::encodeName(path).constData(), flags | O_RDONLY | O_CLOEXEC);
+    if (opened < 0)
+        return errno;
+    const int error = ::fsync(opened) == 0 ? 0 : errno;
+    ::close(opened);
+    return error;
+}
+
+bool isOnAnotherDisk(const QString &path, const QString &volume)
+{
+    return !volume.isEmpty() && QStorageInfo(path).rootPath() != volume;
+}
+
+} // namespace
+
+QString placesObstacle(const BackupTask &task)
+{
+    if (!QFileInfo(task.destPath).isDir() || isOnAnotherDisk(task.destPath, task.destVolume))
+        return u"保存目录所在的磁盘没有连接，或保存目录已被移走：%1"_s.arg(task.destPath);
+    if (!QFileInfo(task.sourcePath).isDir() || isOnAnotherDisk(task.sourcePath, task.sourceVolume))
+        return u"源文件夹不在了，或其所在的磁盘没有连接：%1"_s.arg(task.sourcePath);
+    return {};
+}
+
+void removeOwn(const BackupTask &task, const QString &folder,
+               const std::function<bool(const QString &)> &isOurs)
+{
+    const QByteArray canonical = QFile::encodeName(QFileInfo(folder).canonicalFilePath());
+    if (canonical.isEmpty())
+        return;
+    RemovalRules rules;
+    rules.boundSockets = QSet<QByteArray>();
+    // Documents or a whole disk may be a destination; what is removed there has a name of ours.
+    rules.protectedPlaces = protectedHostPlaces();
+    rules.protectedPlaces.removeAll(canonical);
+    if (const QString source = QFileInfo(task.sourcePath).canonicalFilePath(); !source.isEmpty())
+        rules.protectedPlaces.append(QFile::encodeName(source));
+    rules.protectedPlaces.removeAll(canonical);
+    const RemovalRoot root(canonical, rules);
+    if (!root.isOpen())
+        return;
+    const std::atomic_bool isCancelled = false;
+    for (const QByteArray &entry : root.entries()) {
+        const QString name = QFile::decodeName(entry);
+        if (QFile::encodeName(name) == entry && isOurs(name))
+            root.remove(entry, isCancelled);
+    }
+}
+
+Result<void> publishFile(const QString &from, const QString &to)
+{
+    if (const int error = synced(from, 0); error != 0)
+        return failure(systemReason(error));
+    QFile file(from);
+    if (!file.rename(to))
+        return failure(file.errorString());
+    // The name survives a power cut only once its folder has reached the disk, too.
+    (void)synced(QFileInfo(to).absolutePath(), O_DIRECTORY);
+    return {};
+}
+
+Result<void> makeFolder(const QString &path)
+{
+    if (QFileInfo(path).isSymLink())
+        return failure(u"“%1”是一个链接"_s.arg(path));
+    errno = 0;
+    if (QDir().mkpath(path))
+        return {};
+    const int error = errno;
+    return failure(error != 0 ? systemReason(error) : u"“%1”不是文件夹"_s.arg(path));
+}
+
+Result<void> makePrivateFolder(const QString &path)
+{
+    if (::mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0)
+        return {};
+    const int error = errno;
+    const QFileInfo there(path);
+    if (error == EEXIST && there.isDir() && !there.isSymLink())
+        return {};
+    return failure(systemReason(error));
+}
+
+bool isEmptyFolder(const QString &path)
+{
+    return QFileInfo(path).isDir() &&
+           QDir(path).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+}
+
+} // namespace velbrix

@@ -1,0 +1,57 @@
+#include "maintenance/backup/BackupNotices.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr qint64 patienceSecs = 3 * 24 * 3600;
+
+UserNotice notice(const BackupTask &task, const QString &title, const QString &body)
+{
+    return {u"velbrix.backup."_s + task.id, title, body};
+}
+
+// The figures in a message change from day to day; what it says does not.
+QString withoutFigures(QString message)
+{
+    message.removeIf([](QChar c) { return c.isDigit() || c == u'.'; });
+    return message;
+}
+
+} // namespace
+
+std::optional<UserNotice> noticeOfFailure(BackupTask &task, const QDateTime &due, const QDateTime &now)
+{
+    if (!task.failingSince)
+        task.failingSince = std::min(due, now);
+    const QString message = task.lastResult.value_or(QString());
+    const bool isTold = withoutFigures(message) == task.toldFailure;
+    task.toldFailure = withoutFigures(message);
+    if (const auto delay = noticeOfDelay(task, now))
+        return delay;
+    if (isTold)
+        return std::nullopt;
+    return notice(task, u"“%1”没有完成"_s.arg(task.name), message);
+}
+
+std::optional<UserNotice> noticeOfDelay(BackupTask &task, const QDateTime &now)
+{
+    if (!task.isEnabled || !task.failingSince || task.toldOverdue ||
+        task.failingSince->secsTo(now) <= patienceSecs)
+        return std::nullopt;
+    task.toldOverdue = true;
+    return notice(task, u"“%1”已逾期 %2 天"_s.arg(task.name).arg(task.failingSince->daysTo(now)),
+                  task.lastResult.value_or(QString()));
+}
+
+void forgetFailures(BackupTask &task)
+{
+    task.failingSince.reset();
+    task.toldFailure.clear();
+    task.toldOverdue = false;
+}
+
+} // namespace velbrix

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "maintenance/backup/BackupTypes.h"
+#include "platform/UserNotifications.h"
+
+#include <optional>
+
+namespace velbrix {
+
+// What the user is told of a task that fails by itself, each thing once. They
+// remember in the task what was told.
+
+// After a run on schedule that failed; `due` is when it should have run.
+std::optional<UserNotice> noticeOfFailure(BackupTask &task, const QDateTime &due, const QDateTime &now);
+// Of a task whose runs have failed for long.
+std::optional<UserNotice> noticeOfDelay(BackupTask &task, const QDateTime &now);
+// After a run that succeeded.
+void forgetFailures(BackupTask &task);
+
+} // namespace velbrix

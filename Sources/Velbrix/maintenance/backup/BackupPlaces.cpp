@@ -1,0 +1,102 @@
+#include "maintenance/backup/BackupPlaces.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+const QString timeFormat = u"yyyyMMdd_HHmmss"_s;
+const QString growingSuffix = u".partial"_s;
+constexpr int longestPart = 190; // bytes, of the 255 that a name may have
+
+QString inDestination(const BackupTask &task, const QString &name)
+{
+    return QDir::cleanPath(task.destPath + u'/' + name);
+}
+
+QString mirrorName(const BackupTask &task)
+{
+    return fileNamePart(task.name) + u"_同步"_s;
+}
+
+// fromString() alone would take "2026 3 1_…", too.
+std::optional<QDateTime> timeIn(const QString &text)
+{
+    const QDateTime time = QDateTime::fromString(text, timeFormat);
+    return time.isValid() && time.toString(timeFormat) == text ? std::optional(time) : std::nullopt;
+}
+
+} // namespace
+
+QString fileNamePart(const QString &name)
+{
+    QString part = name;
+    for (QChar &c : part) {
+        if (c == u'/' || c.category() == QChar::Other_Control)
+            c = u'_';
+    }
+    while (part.toUtf8().size() > longestPart)
+        part.chop(part.size() > 1 && part.back().isLowSurrogate() ? 2 : 1);
+    return part;
+}
+
+QString archiveName(const BackupTask &task, const QDateTime &at)
+{
+    return fileNamePart(task.name) + u'_' + at.toString(timeFormat) + u".zip"_s;
+}
+
+std::optional<QDateTime> archiveTime(const BackupTask &task, const QString &fileName)
+{
+    const QString start = fileNamePart(task.name) + u'_';
+    const QString end = u".zip"_s;
+    if (!fileName.startsWith(start) || !fileName.endsWith(end) ||
+        fileName.size() != start.size() + timeFormat.size() + end.size())
+        return std::nullopt;
+    return timeIn(fileName.sliced(start.size(), timeFormat.size()));
+}
+
+QString growingName(const QString &archiveName)
+{
+    return u'.' + archiveName + growingSuffix;
+}
+
+bool isGrowing(const BackupTask &task, const QString &fileName)
+{
+    const bool isHidden = fileName.size() > growingSuffix.size() && fileName.startsWith(u'.') &&
+                          fileName.endsWith(growingSuffix);
+    return isHidden && archiveTime(task, fileName.sliced(1).chopped(growingSuffix.size()));
+}
+
+QString mirrorFolder(const BackupTask &task)
+{
+    return inDestination(task, mirrorName(task));
+}
+
+QString setAsideFolder(const BackupTask &task)
+{
+    return inDestination(task, mirrorName(task) + u"_旧文件"_s);
+}
+
+QString unfinishedName(const BackupTask &task)
+{
+    return u'.' + mirrorName(task) + growingSuffix;
+}
+
+QString setAsideName(const QDateTime &at)
+{
+    return at.toString(timeFormat);
+}
+
+std::optional<QDateTime> setAsideTime(const QString &folderName)
+{
+    return timeIn(folderName);
+}
+
+bool isWithin(const QString &path, const QString &folder)
+{
+    return path == folder || folder == u"/"_s || path.startsWith(folder + u'/');
+}
+
+} // namespace velbrix

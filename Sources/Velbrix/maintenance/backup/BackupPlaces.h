@@ -1,0 +1,37 @@
+#pragma once
+
+#include "maintenance/backup/BackupTypes.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace velbrix {
+
+// What a task writes in its destination. Paths are absolute; nothing here
+// looks at the disk.
+
+// The task's name as part of a file's name.
+QString fileNamePart(const QString &name);
+
+QString archiveName(const BackupTask &task, const QDateTime &at);
+// When the archive of that name was begun; nothing unless it is exactly a name
+// that archiveName() gives for the task.
+std::optional<QDateTime> archiveTime(const BackupTask &task, const QString &fileName);
+// The hidden name under which the archive grows.
+QString growingName(const QString &archiveName);
+// Whether the file is a growing archive of the task.
+bool isGrowing(const BackupTask &task, const QString &fileName);
+
+QString mirrorFolder(const BackupTask &task);
+// Holds a folder per run for what the mirror has lost.
+QString setAsideFolder(const BackupTask &task);
+// What rsync has not finished yet.
+QString unfinishedName(const BackupTask &task);
+QString setAsideName(const QDateTime &at);
+std::optional<QDateTime> setAsideTime(const QString &folderName);
+
+// Whether the path is the folder or in it; both are clean.
+bool isWithin(const QString &path, const QString &folder);
+
+} // namespace velbrix

@@ -1,0 +1,91 @@
+#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/ExcludeRules.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+// As the disk knows it; the path itself when it is not there.
+QString canonical(const QString &path)
+{
+    const QString found = QFileInfo(path).canonicalFilePath();
+    return found.isEmpty() ? QDir::cleanPath(path) : found;
+}
+
+bool isFolder(const QString &path)
+{
+    return QDir::isAbsolutePath(path) && QFileInfo(path).isDir();
+}
+
+QString archiveObstacle(const BackupTask &task, const QString &source, const QString &destination)
+{
+    if (!isWithin(destination, source))
+        return {};
+    const QByteArray below = destination.sliced(source.size()).toUtf8();
+    const auto start = below.startsWith('/') ? 1 : 0;
+    if (below.size() > start && ExcludeRules(task.excludes).leavesOutWithin(below.sliced(start)))
+        return {};
+    return u"保存目录在源文件夹里面，每个归档都会包含以前的归档；请换一个保存目录，或将它加入排除项"_s;
+}
+
+QString mirrorObstacle(const BackupTask &task, const QString &source, const QString &destination)
+{
+    BackupTask real = task;
+    real.destPath = destination;
+    if (isWithin(destination, source))
+        return u"保存目录在源文件夹里面，同步会把文件夹复制进它自己；请换一个保存目录"_s;
+    for (const QString &written : {canonical(mirrorFolder(real)), canonical(setAsideFolder(real))}) {
+        if (isWithin(source, written) || isWithin(written, source))
+            return u"源文件夹与同步文件夹“%1”重叠，同步会删除源文件；请换一个保存目录或名称"_s.arg(written);
+    }
+    return {};
+}
+
+QString written(const BackupTask &task)
+{
+    return task.kind == BackupTaskKind::sync
+               ? mirrorFolder(task)
+               : QDir::cleanPath(task.destPath + u'/' + fileNamePart(task.name));
+}
+
+} // namespace
+
+QString backupObstacle(const BackupTask &task)
+{
+    if (task.sourcePath.isEmpty() || task.destPath.isEmpty())
+        return u"请选择源文件夹和保存目录"_s;
+    if (!isFolder(task.sourcePath))
+        return u"源文件夹不存在或不是目录"_s;
+    if (!isFolder(task.destPath))
+        return u"保存目录不存在或不是目录"_s;
+    const QString source = canonical(task.sourcePath);
+    const QString destination = canonical(task.destPath);
+    return task.kind == BackupTaskKind::sync ? mirrorObstacle(task, source, destination)
+                                             : archiveObstacle(task, source, destination);
+}
+
+QString backupConflict(const BackupTask &task, const QList<BackupTask> &others)
+{
+    for (const BackupTask &other : others) {
+        if (other.id == task.id)
+            continue;
+        // Not every disk tells "A" from "a".
+        if (other.kind == task.kind && written(other).compare(written(task), Qt::CaseInsensitive) == 0)
+            return u"任务“%1”已使用同一保存目录和名称，请换一个名称"_s.arg(other.name);
+        const bool isLost =
+            other.kind == BackupTaskKind::sync && isWithin(task.destPath, mirrorFolder(other));
+        if (isLost)
+            return u"保存目录在任务“%1”的同步文件夹里面，会被同步删除；请换一个保存目录"_s.arg(other.name);
+        if (task.kind == BackupTaskKind::sync && isWithin(other.destPath, mirrorFolder(task)))
+            return u"任务“%1”保存在这个同步文件夹里面，会被同步删除；请换一个名称或保存目录"_s.arg(
+                other.name);
+    }
+    return {};
+}
+
+} // namespace velbrix

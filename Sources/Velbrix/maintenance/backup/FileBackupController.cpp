@@ -1,0 +1,381 @@
+#include "maintenance/backup/FileBackupController.h"
+
+#include "maintenance/backup/ArchiveList.h"
+#include "maintenance/backup/ArchiveRun.h"
+#include "maintenance/backup/BackupNotices.h"
+#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/MirrorRun.h"
+#include "maintenance/backup/RestoreRun.h"
+#include "platform/UserNotifications.h"
+
+#include <QCoroFuture>
+#include <QDir>
+#include <QPointer>
+#include <QStorageInfo>
+#include <QUuid>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto catchUpDelay = 60s; // a start is busy enough
+
+struct Inspection {
+    QString obstacle;
+    QString sourceVolume = {};
+    QString destVolume = {};
+};
+
+Inspection inspect(const BackupTask &task)
+{
+    Inspection seen{.obstacle = backupObstacle(task)};
+    if (seen.obstacle.isEmpty()) {
+        seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
+        seen.destVolume = QStorageInfo(task.destPath).rootPath();
+    }
+    return seen;
+}
+
+BackupTask normalised(BackupTask task)
+{
+    const auto clean = [](const QString &path) { return path.isEmpty() ? path : QDir::cleanPath(path); };
+    task.sourcePath = clean(task.sourcePath);
+    task.destPath = clean(task.destPath);
+    task.name = task.name.trimmed();
+    if (task.name.isEmpty())
+        task.name = QDir(task.sourcePath).dirName();
+    if (task.name.isEmpty())
+        task.name = u"备份"_s;
+    QStringList excludes;
+    for (const QString &pattern : std::as_const(task.excludes)) {
+        if (!pattern.trimmed().isEmpty() && !excludes.contains(pattern.trimmed()))
+            excludes.append(pattern.trimmed());
+    }
+    task.excludes = excludes;
+    task.keepLast = std::max(task.keepLast, 0);
+    return task;
+}
+
+// What runs have written stays that of the task as it is.
+void takeResults(BackupTask &task, const BackupTask &from)
+{
+    task.lastRunAt = from.lastRunAt;
+    task.lastResult = from.lastResult;
+    task.lastFailed = from.lastFailed;
+}
+
+QCoro::Task<bool> nobodyAgrees()
+{
+    co_return false;
+}
+
+void give(QPromise<bool> &promise, bool answer)
+{
+    promise.addResult(answer);
+    promise.finish();
+}
+
+auto byId(const QString &id)
+{
+    return [id](const BackupTask &task) { return task.id == id; };
+}
+
+} // namespace
+
+FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings, Clock &clock,
+                                           QObject *parent)
+    : QObject(parent), _hosts(hosts), _clock(clock), _store(settings)
+{
+    _tasks = _store.load();
+    _storageProblem = _store.problem();
+    correctTimes();
+    _pollTimer = _clock.every(checkInterval, [this] { poll(); });
+    const QDateTime now = _clock.now();
+    const auto isMissed = [&](const BackupTask &task) { return task.isEnabled && task.nextRunAt <= now; };
+    if (std::ranges::any_of(_tasks.value(), isMissed))
+        _catchUp = _clock.after(catchUpDelay, [this] { poll(); });
+}
+
+FileBackupController::~FileBackupController()
+{
+    if (_answer)
+        give(*_answer, false);
+    _runCancellation.cancel();
+    _restoreCancellation.cancel();
+}
+
+QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
+{
+    task = normalised(std::move(task));
+    const QPointer self(this);
+    const QFuture<Inspection> inspection = QtConcurrent::run(&backupWorkers(), inspect, task);
+    const Inspection seen = co_await inspection;
+    if (!self)
+        co_return failure(u"程序正在退出"_s);
+    if (!seen.obstacle.isEmpty())
+        co_return failure(seen.obstacle);
+    QList<BackupTask> tasks = _tasks;
+    if (const QString conflict = backupConflict(task, tasks); !conflict.isEmpty())
+        co_return failure(conflict);
+    task.sourceVolume = seen.sourceVolume;
+    task.destVolume = seen.destVolume;
+    task.nextRunAt = nextRun(task.schedule, _clock.now());
+    forgetFailures(task);
+    const auto known = std::ranges::find_if(tasks, byId(task.id));
+    if (known != tasks.end() && !task.id.isEmpty()) {
+        takeResults(task, *known);
+        *known = task;
+    } else {
+        takeResults(task, {});
+        task.id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+        tasks.append(task);
+    }
+    store(tasks);
+    const BackupTask saved = task;
+    co_return saved;
+}
+
+void FileBackupController::remove(const QString &id)
+{
+    if (_currentRunningTaskID.value() == id)
+        cancelRun();
+    QList<BackupTask> tasks = _tasks;
+    if (tasks.removeIf(byId(id)) > 0)
+        store(tasks);
+}
+
+void FileBackupController::setEnabled(const QString &id, bool isEnabled)
+{
+    change(id, [isEnabled](BackupTask &task) { task.isEnabled = isEnabled; });
+}
+
+std::optional<BackupTask> FileBackupController::task(const QString &id) const
+{
+    const QList<BackupTask> tasks = _tasks;
+    const auto found = std::ranges::find_if(tasks, byId(id));
+    return found != tasks.end() ? std::optional(*found) : std::nullopt;
+}
+
+void FileBackupController::runNow(const QString &id)
+{
+    if (const auto wanted = task(id); wanted && !_isRunningBackup)
+        run(*wanted, Occasion::onRequest);
+}
+
+void FileBackupController::cancelRun()
+{
+    _runCancellation.cancel();
+    answer(false);
+}
+
+void FileBackupController::confirmDeletions()
+{
+    answer(true);
+}
+
+void FileBackupController::declineDeletions()
+{
+    answer(false);
+}
+
+QCoro::Task<QList<BackupArchiveInfo>> FileBackupController::archives(QString id) const
+{
+    const auto wanted = task(id);
+    if (!wanted || wanted->kind != BackupTaskKind::backup)
+        co_return QList<BackupArchiveInfo>();
+    const QFuture<QList<BackupArchiveInfo>> list =
+        QtConcurrent::run(&backupWorkers(), completeArchives, *wanted);
+    const QList<BackupArchiveInfo> found = co_await list;
+    co_return QList<BackupArchiveInfo>(found);
+}
+
+void FileBackupController::restore(const QString &archive, const QString &intoFolder)
+{
+    if (!_isRestoring)
+        restoreInto(archive, intoFolder);
+}
+
+void FileBackupController::cancelRestore()
+{
+    _restoreCancellation.cancel();
+}
+
+void FileBackupController::correctTimes()
+{
+    QList<BackupTask> tasks = _tasks;
+    const QDateTime now = _clock.now();
+    for (BackupTask &task : tasks) {
+        if (!task.nextRunAt.isValid() || isTooFarAhead(task.schedule, task.nextRunAt, now))
+            task.nextRunAt = nextRun(task.schedule, now);
+    }
+    if (tasks != _tasks.value())
+        store(tasks);
+}
+
+void FileBackupController::poll()
+{
+    correctTimes();
+    const QDateTime now = _clock.now();
+    QList<BackupTask> tasks = _tasks;
+    for (BackupTask &task : tasks)
+        notify(noticeOfDelay(task, now));
+    if (tasks != _tasks.value())
+        store(tasks);
+    if (_isRunningBackup)
+        abandonQuestion();
+    else if (!_isPolling)
+        runDue();
+}
+
+// A question that nobody answers must not keep the other tasks waiting.
+void FileBackupController::abandonQuestion()
+{
+    const QDateTime now = _clock.now();
+    const auto waits = [&](const BackupTask &task) {
+        return task.isEnabled && task.nextRunAt <= now && task.id != _currentRunningTaskID.value();
+    };
+    if (_answer && _clock.uptime() - _askedAt >= checkInterval && std::ranges::any_of(_tasks.value(), waits))
+        answer(false);
+}
+
+QCoro::Task<> FileBackupController::runDue()
+{
+    const QPointer self(this);
+    const QDateTime now = _clock.now();
+    QList<BackupTask> due = _tasks;
+    due.removeIf([&](const BackupTask &task) { return !task.isEnabled || task.nextRunAt > now; });
+    std::ranges::sort(due, {}, &BackupTask::nextRunAt);
+    _isPolling = true;
+    for (const BackupTask &found : std::as_const(due)) {
+        // It may have been changed, removed or run meanwhile.
+        const auto current = task(found.id);
+        if (_isRunningBackup || !current || !current->isEnabled || current->nextRunAt > _clock.now())
+            continue;
+        co_await run(*current, Occasion::onSchedule);
+        if (!self)
+            co_return;
+    }
+    _isPolling = false;
+}
+
+QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
+{
+    const QPointer self(this);
+    _runCancellation = Cancellation();
+    _isRunningBackup = true;
+    _currentRunningTaskID = task.id;
+    _runningProgress = u"正在准备…"_s;
+    _runningShare = -1;
+    BackupRunRequest request{.task = task, .at = _clock.now(), .cancellation = _runCancellation};
+    request.progress = [self](const QString &line, double share) {
+        if (!self)
+            return;
+        self->_runningProgress = line;
+        self->_runningShare = share;
+    };
+    if (occasion == Occasion::onRequest)
+        request.approve = [self, task](qint64 deletions, qint64 existing) {
+            return self ? self->ask({task.id, task.name, deletions, existing}) : nobodyAgrees();
+        };
+    BackupOutcome outcome;
+    if (task.kind == BackupTaskKind::sync)
+        outcome = co_await mirrorFolder(_clock, std::move(request));
+    else
+        outcome = co_await archiveFolder(_hosts.archiver, std::move(request));
+    if (self)
+        finish(task, outcome, occasion);
+}
+
+void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion)
+{
+    const QDateTime now = _clock.now();
+    std::optional<UserNotice> notice;
+    change(asRun.id, [&](BackupTask &task) {
+        task.lastRunAt = now;
+        task.lastResult = outcome.message;
+        task.lastFailed = outcome.state == BackupOutcome::State::failed;
+        task.nextRunAt = nextRun(task.schedule, now);
+        if (outcome.state == BackupOutcome::State::done)
+            forgetFailures(task);
+        else if (task.lastFailed && occasion == Occasion::onSchedule)
+            notice = noticeOfFailure(task, asRun.nextRunAt, now);
+    });
+    _runningProgress = QString();
+    _runningShare = -1;
+    _currentRunningTaskID = std::nullopt;
+    _isRunningBackup = false;
+    notify(notice);
+    Q_EMIT runFinished(asRun.id);
+}
+
+void FileBackupController::notify(const std::optional<UserNotice> &notice)
+{
+    if (notice)
+        _hosts.notifications.post(*notice);
+}
+
+QCoro::Task<bool> FileBackupController::ask(BackupQuestion question)
+{
+    const QPointer self(this);
+    _answer = std::make_shared<QPromise<bool>>();
+    _answer->start();
+    _askedAt = _clock.uptime();
+    const QFuture<bool> future = _answer->future();
+    _question = question;
+    const bool isYes = co_await future;
+    co_return self &&isYes;
+}
+
+void FileBackupController::answer(bool isYes)
+{
+    const auto answer = std::exchange(_answer, nullptr);
+    if (!answer)
+        return;
+    _question = std::nullopt;
+    give(*answer, isYes);
+}
+
+QCoro::Task<> FileBackupController::restoreInto(QString archive, QString folder)
+{
+    const QPointer self(this);
+    _restoreCancellation = Cancellation();
+    _restoreResult = QString();
+    _isRestoring = true;
+    RestoreRequest request{.archive = archive, .folder = folder, .cancellation = _restoreCancellation};
+    request.progress = [self](const QString &line, double) {
+        if (self)
+            self->_restoreProgress = line;
+    };
+    const BackupOutcome outcome = co_await restoreArchive(_hosts.archiver, std::move(request));
+    if (!self)
+        co_return;
+    _restoreProgress = QString();
+    _restoreResult = outcome.message;
+    _isRestoring = false;
+}
+
+bool FileBackupController::change(const QString &id, const std::function<void(BackupTask &)> &change)
+{
+    QList<BackupTask> tasks = _tasks;
+    const auto found = std::ranges::find_if(tasks, byId(id));
+    if (found == tasks.end())
+        return false;
+    change(*found);
+    store(tasks);
+    return true;
+}
+
+void FileBackupController::store(const QList<BackupTask> &tasks)
+{
+    // Stored first: whoever hears of the change may ask the settings.
+    _store.save(tasks);
+    _tasks = tasks;
+}
+
+} // namespace velbrix

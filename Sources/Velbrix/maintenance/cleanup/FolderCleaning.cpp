@@ -1,0 +1,74 @@
+#include "maintenance/cleanup/FolderCleaning.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+bool contains(const QByteArray &folder, const QByteArray &path)
+{
+    return path == folder || path.startsWith(folder + '/');
+}
+
+// What keeps a place the user wants kept is no news, nor that the folders
+// around it are still there.
+void dropExpected(RemovalReport &report, const QList<QByteArray> &kept)
+{
+    report.problemCount -= report.problems.removeIf([&](const RemovalProblem &problem) {
+        return std::ranges::any_of(kept,
+                                   [&](const QByteArray &place) { return contains(problem.path, place); });
+    });
+}
+
+} // namespace
+
+bool isCleanable(const QByteArray &name)
+{
+    return !name.startsWith('.') || name == ".DS_Store";
+}
+
+FolderCleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled)
+{
+    FolderCleaned cleaned;
+    for (const QString &folder : cleaning.folders) {
+        const RemovalRoot root(QFile::encodeName(folder), cleaning.rules);
+        for (const QByteArray &name : root.entries()) {
+            const QByteArray path = root.canonicalPath() + '/' + name;
+            if (!isCleanable(name) || cleaning.leftOut.contains(path) || cleaning.kept.contains(path))
+                continue;
+            if (cancelled)
+                return cleaned;
+            cleaned.ownBytes += root.ownSize(name);
+            RemovalReport removal = root.remove(name, cancelled);
+            dropExpected(removal, cleaning.kept);
+            cleaned.removal.add(removal);
+            ++cleaned.count;
+        }
+    }
+    return cleaned;
+}
+
+CleanableEntries cleanableEntries(const QStringList &folders, const RemovalRules &rules)
+{
+    CleanableEntries found;
+    for (const QString &folder : folders) {
+        const QByteArray native = QFile::encodeName(folder);
+        // A missing folder is an empty one.
+        if (!QFileInfo::exists(folder))
+            continue;
+        found.problem = RemovalRoot::obstacle(native, rules);
+        const RemovalRoot root(native, rules);
+        for (const QByteArray &name : root.entries()) {
+            if (isCleanable(name))
+                found.paths.append(root.canonicalPath() + '/' + name);
+        }
+    }
+    return found;
+}
+
+} // namespace velbrix

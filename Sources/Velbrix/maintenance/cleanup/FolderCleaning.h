@@ -1,0 +1,44 @@
+#pragma once
+
+#include "foundation/Removal.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QSet>
+#include <QStringList>
+
+#include <atomic>
+
+namespace velbrix {
+
+// Whether emptying a folder takes the entry of this name: hidden ones stay.
+bool isCleanable(const QByteArray &name);
+
+// Emptying folders. Blocking; for a thread of its own.
+struct FolderCleaning {
+    QStringList folders;
+    RemovalRules rules;
+    QSet<QByteArray> leftOut; // entries that stay, by their path
+    QList<QByteArray> kept;   // places inside that stay without a word; among the protected ones
+};
+
+struct FolderCleaned {
+    qint64 count = 0;    // entries that were to go, gone or not
+    qint64 ownBytes = 0; // of those entries themselves, not of what is in them
+    RemovalReport removal;
+
+    bool operator==(const FolderCleaned &) const = default;
+};
+
+FolderCleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled);
+
+// The entries that cleaning would take, by their path. A folder that cannot be
+// listed has none and is named in the problem.
+struct CleanableEntries {
+    QList<QByteArray> paths;
+    QString problem;
+};
+
+CleanableEntries cleanableEntries(const QStringList &folders, const RemovalRules &rules);
+
+} // namespace velbrix

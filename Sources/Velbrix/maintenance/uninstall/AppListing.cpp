@@ -1,0 +1,83 @@
+#include "maintenance/uninstall/AppListing.h"
+
+#include "maintenance/uninstall/DataSearch.h"
+#include "maintenance/uninstall/SelfTest.h"
+#include "platform/DiskUsage.h"
+
+#include <QCoroFuture>
+#include <QFile>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+QList<InstalledApplication> withoutSelf(QList<InstalledApplication> found, const OwnIdentity &own)
+{
+    const SelfTraits self = selfTraits(own);
+    found.removeIf([&](const InstalledApplication &each) { return isSelf(selfTraits(each), self); });
+    return found;
+}
+
+AppInfo row(const InstalledApplication &source)
+{
+    return {.id = 0,
+            .name = source.name,
+            .path = source.path,
+            .bundleID = source.identifier,
+            .icon = source.icon,
+            .size = source.size.value_or(0),
+            .version = source.version.isEmpty() ? u"—"_s : source.version,
+            .source = source};
+}
+
+// Those of one name keep their order.
+QList<AppInfo> sortedByName(const QList<AppInfo> &apps)
+{
+    QList<std::pair<QString, qsizetype>> order;
+    for (const AppInfo &app : apps)
+        order.append({app.name.toLower(), order.size()});
+    std::ranges::sort(order);
+    QList<AppInfo> sorted;
+    for (const auto &[name, index] : std::as_const(order))
+        sorted.append(apps.at(index));
+    return sorted;
+}
+
+} // namespace
+
+QCoro::Task<QList<AppInfo>> listedApps(QList<InstalledApplication> found, OwnIdentity own, DiskUsage &usage,
+                                       Cancellation cancellation)
+{
+    const QFuture<QList<InstalledApplication>> asked =
+        QtConcurrent::run(&uninstallWorkers(), withoutSelf, found, own);
+    const QList<InstalledApplication> others = co_await asked;
+    if (cancellation.isCancelled())
+        co_return QList<AppInfo>();
+    const auto apps = std::make_shared<QList<AppInfo>>();
+    QList<QByteArray> unmeasured;
+    QList<qsizetype> rows;
+    for (const InstalledApplication &each : others) {
+        // Of a managed one only the launcher is known, which says nothing.
+        if (!each.size && each.kind != InstalledApplication::Kind::managed) {
+            rows.append(apps->size());
+            unmeasured.append(QFile::encodeName(each.path));
+        }
+        apps->append(row(each));
+    }
+    const DiskUsage::Measured measured = [apps, rows](qsizetype index, qint64 bytes) {
+        (*apps)[rows.at(index)].size = bytes;
+    };
+    co_await usage.measure(unmeasured, measured, cancellation);
+    if (cancellation.isCancelled())
+        co_return QList<AppInfo>();
+    const QList<AppInfo> sorted = sortedByName(*apps);
+    co_return sorted;
+}
+
+} // namespace velbrix

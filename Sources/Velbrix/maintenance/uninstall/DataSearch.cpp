@@ -1,0 +1,133 @@
+#include "maintenance/uninstall/DataSearch.h"
+
+#include "foundation/Removal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QThreadPool>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Entry {
+    QString name;
+    bool isLink = false;
+};
+
+QList<Entry> entriesOf(const QString &folder)
+{
+    QList<Entry> entries;
+    std::error_code problem;
+    fs::directory_iterator each(QFile::encodeName(folder).toStdString(), problem);
+    for (; !problem && each != fs::directory_iterator(); each.increment(problem)) {
+        const QByteArray bytes = QByteArray::fromStdString(each->path().filename().native());
+        const QString name = QFile::decodeName(bytes);
+        std::error_code ignored;
+        // Under a name that does not lead back to it the entry cannot be asked for.
+        if (QFile::encodeName(name) == bytes)
+            entries.append({name, each->is_symlink(ignored)});
+    }
+    std::ranges::sort(entries, {}, &Entry::name);
+    return entries;
+}
+
+bool isAtOrBelow(const QString &path, const QString &folder)
+{
+    return path == folder || path.startsWith(folder.endsWith(u'/') ? folder : folder + u'/');
+}
+
+// With the links of the folders above resolved, but not the last name.
+QString placeOf(const QString &path)
+{
+    const QFileInfo info(QDir::cleanPath(path));
+    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    if (info.fileName().isEmpty() || folder.isEmpty())
+        return info.filePath();
+    return (folder == u'/' ? QString() : folder) + u'/' + info.fileName();
+}
+
+bool leadsOutOf(const QString &folder, const QString &link)
+{
+    std::error_code problem;
+    const fs::path target = fs::weakly_canonical(QFile::encodeName(link).toStdString(), problem);
+    if (problem)
+        return true;
+    const QString inside = QFileInfo(folder).canonicalFilePath();
+    return !isAtOrBelow(QFile::decodeName(QByteArray::fromStdString(target.native())), inside);
+}
+
+} // namespace
+
+bool isThere(const QString &path)
+{
+    std::error_code problem;
+    const fs::file_status status = fs::symlink_status(QFile::encodeName(path).toStdString(), problem);
+    return fs::exists(status);
+}
+
+QThreadPool &uninstallWorkers()
+{
+    static auto *const pool = new QThreadPool;
+    return *pool;
+}
+
+ProtectedPlaces::ProtectedPlaces(const QStringList &places)
+{
+    QStringList all = places;
+    for (const QByteArray &place : protectedHostPlaces())
+        all.append(QFile::decodeName(place));
+    for (const QString &place : std::as_const(all)) {
+        for (QString path : {QDir::cleanPath(place), placeOf(place), QFileInfo(place).canonicalFilePath()}) {
+            for (; path.startsWith(u'/') && !_places.contains(path); path = QFileInfo(path).path())
+                _places.insert(path);
+        }
+    }
+}
+
+bool ProtectedPlaces::hold(const QString &path) const
+{
+    return _places.contains(QDir::cleanPath(path)) || _places.contains(placeOf(path));
+}
+
+QList<ReviewItem> findData(const DataSearch &search)
+{
+    const DataMatcher matcher(search.subject);
+    const ProtectedPlaces places(search.protectedPlaces);
+    QList<ReviewItem> items;
+    QSet<QString> seen;
+    for (const LibraryFolder &folder : search.folders) {
+        const QString parent = QDir::cleanPath(folder.path);
+        const QString canonicalParent = QFileInfo(parent).canonicalFilePath();
+        for (const Entry &entry : entriesOf(parent)) {
+            const QString path = parent + u'/' + entry.name;
+            auto match = matcher.match(entry.name, false);
+            if (!match || seen.contains(path) || places.holdCanonical(path) ||
+                places.holdCanonical(canonicalParent + u'/' + entry.name))
+                continue;
+            if (entry.isLink && leadsOutOf(parent, path))
+                match = matcher.match(entry.name, true);
+            seen.insert(path);
+            items.append({.path = path,
+                          .reason = match->reason,
+                          .why = match->why,
+                          .caution = match->caution,
+                          .library = folder.kind,
+                          .bytes = {},
+                          .isTicked = match->caution.isEmpty(),
+                          .isFixed = false});
+        }
+    }
+    return items;
+}
+
+} // namespace velbrix

@@ -1,0 +1,325 @@
+#include "maintenance/uninstall/UninstallSequence.h"
+
+#include "foundation/Log.h"
+#include "maintenance/uninstall/SelfTest.h"
+#include "maintenance/uninstall/UninstallJournal.h"
+#include "platform/TrashCan.h"
+
+#include <QCoroFuture>
+#include <QPointer>
+#include <QUuid>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+using Kind = UninstallStage::Kind;
+
+const QString &cancelled()
+{
+    static const QString text = u"已取消"_s;
+    return text;
+}
+
+struct Standing {
+    bool isSelf = false;
+    bool isThere = false;
+    bool isProtected = false;
+};
+
+Standing standing(const AppInfo &app, const OwnIdentity &own, const QStringList &places)
+{
+    InstalledApplication application;
+    application.path = app.path;
+    application.name = app.name;
+    application.identifier = app.bundleID;
+    return {isSelf(selfTraits(application), selfTraits(own)), isThere(app.path),
+            !app.path.startsWith(u'/') || ProtectedPlaces(places).hold(app.path)};
+}
+
+// Those companions that may go.
+QStringList allowedCompanions(const QList<ApplicationCompanion> &companions, const QStringList &places)
+{
+    const ProtectedPlaces stay(places);
+    QStringList allowed;
+    for (const ApplicationCompanion &companion : companions) {
+        if (companion.path.startsWith(u'/') && !stay.hold(companion.path))
+            allowed.append(companion.path);
+    }
+    return allowed;
+}
+
+QStringList stillThere(const QSet<QString> &paths)
+{
+    QStringList there;
+    std::ranges::copy_if(paths, std::back_inserter(there), isThere);
+    there.sort();
+    return there;
+}
+
+} // namespace
+
+UninstallSequence::UninstallSequence(ApplicationCatalog &catalog, TrashCan &trash, UninstallJournal &journal,
+                                     Clock &clock, QObject *parent)
+    : QObject(parent), _catalog(catalog), _trash(trash), _journal(journal), _clock(clock)
+{
+}
+
+void UninstallSequence::prepare(UninstallPlan plan, Cancellation cancellation)
+{
+    _plan = std::move(plan);
+    _cancellation = std::move(cancellation);
+    _record = {
+        QUuid::createUuid().toString(QUuid::WithoutBraces), _plan.review.app.name, _clock.now(), {}, {}, {}};
+    _hasRemoved = false;
+    _isUnrecorded = false;
+    _open.clear();
+    for (const ReviewItem &item : std::as_const(_plan.review.items)) {
+        if (item.isTicked && item.reason != MatchReason::application)
+            _open.insert(item.path);
+    }
+}
+
+QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan plan, Cancellation cancellation)
+{
+    const QPointer self(this);
+    prepare(std::move(plan), std::move(cancellation));
+    const QString hindrance = co_await obstacle();
+    if (!self)
+        co_return Outcome{};
+    if (!hindrance.isEmpty())
+        co_return ended(Kind::failed, hindrance);
+    Q_EMIT begun();
+    Q_EMIT stageReached({Kind::preparing, {}});
+    co_await Pause(_clock, 300ms);
+    if (!self)
+        co_return Outcome{};
+    Q_EMIT stageReached({Kind::movingApp, {}});
+    co_await Pause(_clock, 200ms);
+    if (!self)
+        co_return Outcome{};
+    if (_cancellation.isCancelled())
+        co_return ended(Kind::failed, cancelled());
+    const Result<void> taken = co_await takeApplication();
+    if (!self)
+        co_return Outcome{};
+    if (!taken)
+        co_return ended(Kind::failed, taken.error().message);
+    _hasRemoved = true;
+    const Outcome outcome = co_await takeTheRest();
+    co_return outcome;
+}
+
+QCoro::Task<UninstallSequence::Outcome> UninstallSequence::takeTheRest()
+{
+    const QPointer self(this);
+    co_await takeCompanions();
+    if (!self)
+        co_return Outcome{};
+    co_await takeData();
+    if (!self)
+        co_return Outcome{};
+    if (_cancellation.isCancelled())
+        co_return ended(Kind::failed, u"已取消，其余项目未移动"_s);
+    co_await refuseTheRest();
+    if (!self)
+        co_return Outcome{};
+    Q_EMIT stageReached({Kind::finishing, {}});
+    co_await Pause(_clock, 400ms);
+    if (!self)
+        co_return Outcome{};
+    co_return ended(Kind::done);
+}
+
+UninstallSequence::Outcome UninstallSequence::ended(Kind kind, const QString &text)
+{
+    const UninstallStage stage = {kind, text};
+    Q_EMIT stageReached(stage);
+    return {stage, _hasRemoved};
+}
+
+QCoro::Task<QString> UninstallSequence::obstacle()
+{
+    const QString path = _plan.review.app.path;
+    const OwnIdentity own = _catalog.ownIdentity();
+    const QFuture<Standing> asked =
+        QtConcurrent::run(&uninstallWorkers(), standing, _plan.review.app, own, _plan.search.protectedPlaces);
+    const Standing found = co_await asked;
+    if (found.isSelf) {
+        log::line(u"Uninstall"_s, u"blocked self uninstall: "_s + path);
+        co_return u"不能卸载 Velbrix 自身"_s;
+    }
+    if (!found.isThere)
+        co_return u"找不到应用"_s;
+    co_return found.isProtected ? u"受保护的位置，不能卸载：%1"_s.arg(path) : QString();
+}
+
+QCoro::Task<Result<void>> UninstallSequence::takeApplication()
+{
+    const QPointer self(this);
+    const InstalledApplication source = _plan.review.app.source;
+    const QString path = _plan.review.app.path;
+    if (source.kind == InstalledApplication::Kind::managed) {
+        const Result<void> removed = co_await _catalog.removeManaged(source, _cancellation);
+        if (!self || !removed)
+            co_return removed;
+        _record.removedPackage = source.package.isEmpty() ? source.name : source.package;
+        co_await remember();
+        co_return Result<void>();
+    }
+    const Result<void> moved = co_await move(path);
+    if (!self || !moved)
+        co_return moved;
+    // Whoever was asked to move it may have failed without a word.
+    const QFuture<bool> asked = QtConcurrent::run(&uninstallWorkers(), isThere, path);
+    const bool isStillThere = co_await asked;
+    if (self && isStillThere)
+        co_return failure(u"无法将应用移入废纸篓"_s);
+    co_return Result<void>();
+}
+
+QCoro::Task<> UninstallSequence::takeCompanions()
+{
+    const QPointer self(this);
+    const QFuture<QStringList> asked =
+        QtConcurrent::run(&uninstallWorkers(), allowedCompanions, _plan.review.app.source.companions,
+                          _plan.search.protectedPlaces);
+    const QStringList allowed = co_await asked;
+    if (!self)
+        co_return;
+    QStringList paths;
+    std::ranges::copy_if(allowed, std::back_inserter(paths),
+                         [this](const QString &path) { return _open.contains(path); });
+    for (const QString &path : paths) {
+        if (_cancellation.isCancelled())
+            co_return;
+        _open.remove(path);
+        (void)co_await move(path);
+        if (!self)
+            co_return;
+    }
+}
+
+QCoro::Task<> UninstallSequence::takeData()
+{
+    const QPointer self(this);
+    const QList<LibraryFolder> folders = _plan.search.folders;
+    for (const LibraryFolder &folder : folders) {
+        if (_cancellation.isCancelled())
+            co_return;
+        Q_EMIT stageReached({Kind::scanningLibrary, label(folder.kind)});
+        DataSearch search = _plan.search;
+        search.folders = {folder};
+        const QFuture<QList<ReviewItem>> asked = QtConcurrent::run(&uninstallWorkers(), findData, search);
+        const QList<ReviewItem> found = co_await asked;
+        if (!self)
+            co_return;
+        co_await Pause(_clock, 150ms);
+        if (!self)
+            co_return;
+        Q_EMIT stageReached({Kind::cleaningLibrary, label(folder.kind)});
+        co_await takeEntries(ticked(found));
+        if (!self)
+            co_return;
+    }
+}
+
+QStringList UninstallSequence::ticked(const QList<ReviewItem> &found) const
+{
+    QStringList paths;
+    for (const ReviewItem &item : found) {
+        if (_open.contains(item.path))
+            paths.append(item.path);
+    }
+    return paths;
+}
+
+QCoro::Task<> UninstallSequence::takeEntries(QStringList paths)
+{
+    const QPointer self(this);
+    const double base = UninstallStage{Kind::cleaningLibrary, {}}.progress();
+    for (qsizetype handled = 0; handled < paths.size();) {
+        if (handled > 0)
+            co_await Pause(_clock, 50ms);
+        if (!self || _cancellation.isCancelled())
+            co_return;
+        const QString path = paths.at(handled);
+        _open.remove(path);
+        (void)co_await move(path);
+        if (!self)
+            co_return;
+        ++handled;
+        const double share = static_cast<double>(handled) / static_cast<double>(paths.size());
+        Q_EMIT progressed(std::min(base + 0.65 * share, 0.9));
+    }
+}
+
+QCoro::Task<> UninstallSequence::refuseTheRest()
+{
+    const QPointer self(this);
+    const QFuture<QStringList> asked = QtConcurrent::run(&uninstallWorkers(), stillThere, _open);
+    const QStringList refused = co_await asked;
+    if (!self)
+        co_return;
+    for (const QString &path : refused)
+        fail(path, u"不属于此应用的数据，已拒绝移动"_s);
+    if (!refused.isEmpty())
+        co_await remember();
+}
+
+QCoro::Task<Result<void>> UninstallSequence::move(QString path)
+{
+    const QPointer self(this);
+    // Known on disk before it goes: a kill in between must not lose it.
+    _record.moved.append({path, {}});
+    co_await remember();
+    if (!self)
+        co_return failure(cancelled());
+    const Result<QString> trashed = co_await _trash.moveToTrash(path);
+    if (!self)
+        co_return failure(cancelled());
+    bool isStillThere = false;
+    if (!trashed || trashed->isEmpty()) {
+        const QFuture<bool> asked = QtConcurrent::run(&uninstallWorkers(), isThere, path);
+        isStillThere = co_await asked;
+        if (!self)
+            co_return failure(cancelled());
+    }
+    Result<void> result;
+    if (trashed && !isStillThere)
+        _record.moved.last().trashed = *trashed;
+    else
+        _record.moved.removeLast();
+    if (isStillThere) {
+        result = failure(trashed ? u"无法移入废纸篓"_s : trashed.error().message);
+        fail(path, result.error().message);
+    }
+    co_await remember();
+    co_return result;
+}
+
+QCoro::Task<> UninstallSequence::remember()
+{
+    const QPointer self(this);
+    const Result<void> written = co_await _journal.put(_record);
+    if (!self)
+        co_return;
+    if (!written && !_isUnrecorded) {
+        _isUnrecorded = true;
+        fail(_plan.review.app.path, u"卸载记录未能保存，退出后无法放回原处："_s + written.error().message);
+    }
+    Q_EMIT recorded();
+}
+
+void UninstallSequence::fail(const QString &path, const QString &reason)
+{
+    _record.failed.append({path, reason});
+    Q_EMIT failed({path, reason});
+}
+
+} // namespace velbrix

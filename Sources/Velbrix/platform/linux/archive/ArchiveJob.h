@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/linux/archive/ArchiveWork.h"
+#include "platform/linux/archive/ExcludePatterns.h"
+#include "platform/linux/archive/FolderScan.h"
+#include "platform/linux/archive/Packer.h"
+#include "platform/linux/archive/SkippedFiles.h"
+#include "platform/linux/archive/ZipOutput.h"
+#include "platform/linux/archive/ZipRecords.h"
+
+#include <array>
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace velbrix {
+
+// Writes one archive. Files up to `wholeFile` are read and packed as a whole,
+// each by one of two threads; longer ones in parts by both. So it needs no more
+// than 40 MB, and some 300 bytes for each entry.
+class ArchiveJob {
+public:
+    static constexpr std::uint64_t wholeFile = 8 << 20;
+
+    ArchiveJob(const QString &source, const QString &archive, const QStringList &excludes, ArchiveWork &work);
+
+    // Called once, off the main thread.
+    ArchiveOutcome run();
+
+private:
+    // One of the threads, with what it needs.
+    struct Worker {
+        Packer packer;
+        RawBytes buffer;
+    };
+
+    ArchiveOutcome ended(int exitStatus, const QString &problem) const;
+    ArchiveOutcome writeProblem() const;
+    bool hasEnded() const { return _work.cancelled || _output.error() != 0; }
+    ZipEntry entryOf(const FolderItem &item) const;
+    void addItems(Worker &worker);
+    void addItem(std::size_t index, Worker &worker);
+    bool addFile(FolderItem &item, ZipEntry &entry, Worker &worker);
+    bool addLink(const FolderItem &item, ZipEntry &entry);
+    bool addLarge(const FolderItem &item, ZipEntry &entry);
+    bool addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, Worker *worker);
+    FileDescriptor openFile(const FolderItem &item, ZipEntry &entry);
+    bool skip(const FolderItem &item, int error);
+    bool writeDirectory();
+
+    const QString _sourcePath;
+    const QString _archivePath;
+    const ExcludePatterns _excludes;
+    ArchiveWork &_work;
+    QByteArray _topName;
+    FileDescriptor _source;
+    ZipOutput _output;
+    SkippedFiles _skipped;
+    std::array<Worker, 2> _workers;
+    std::vector<FolderItem> _items;
+    std::vector<std::optional<ZipEntry>> _entries; // of the items
+    std::atomic<std::size_t> _next = 0;
+};
+
+} // namespace velbrix

@@ -1,0 +1,150 @@
+#include "views/cleanup/CleanupControlCard.h"
+
+#include "app/AppServices.h"
+#include "foundation/ByteCount.h"
+#include "views/Follow.h"
+#include "views/Theme.h"
+#include "views/cleanup/CleanupWords.h"
+#include "views/components/Confirmation.h"
+#include "views/components/JobBar.h"
+#include "views/components/Parts.h"
+#include "views/components/TabularLabel.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr int steps = 1000; // of the progress
+
+QStringList idsToClean(const SystemCleaner &cleaner)
+{
+    QStringList ids;
+    for (const CleanupItem &item : cleaner.itemsToClean())
+        ids.append(item.id);
+    return ids;
+}
+
+} // namespace
+
+CleanupControlCard::CleanupControlCard(const ViewContext &context, QWidget *parent)
+    : Card(parent), _context(context), _cleaner(context.services.cleaner)
+{
+    setObjectName(u"cleanupControl"_s);
+    addRow(makeTotals());
+    _job = new JobBar(context.theme, u"cleanupJob"_s);
+    addDetail(_job);
+    addRow(makeTools());
+
+    connect(_job, &JobBar::cancelled, this, [this] { _cleaner.cancel(); });
+    const auto totals = [this] { showTotals(); };
+    const auto job = [this] { showJob(); };
+    connect(&_cleaner, &SystemCleaner::itemsChanged, this, totals);
+    connect(&_cleaner, &SystemCleaner::busyItemsChanged, this, totals);
+    connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, totals);
+    connect(&_cleaner, &SystemCleaner::progressChanged, this, job);
+    connect(&_cleaner, &SystemCleaner::phaseChanged, this, job);
+    showTotals();
+    showJob();
+}
+
+QWidget *CleanupControlCard::makeTotals()
+{
+    const Theme &theme = _context.theme;
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 14, 0, 14);
+    line->setSpacing(16);
+    auto *words = new QVBoxLayout;
+    words->setSpacing(2);
+    _total = new TabularLabel;
+    _total->setObjectName(u"cleanupTotal"_s);
+    _total->setFont(theme.font(24, QFont::DemiBold));
+    words->addWidget(_total);
+    words->addWidget(makeText(u"所选项目占用的空间"_s, u"note"_s));
+    line->addLayout(words, 1);
+    _clean = makeButton(theme, {u"cleanupClean"_s, u"清理"_s, u"sparkles"_s, u"primary"_s});
+    _clean->setAccessibleName(u"清理所选项目"_s);
+    _clean->setProperty("large", true);
+    line->addWidget(_clean, 0, Qt::AlignVCenter);
+    connect(_clean, &QPushButton::clicked, this, [this] { cleanWithConsent(); });
+    return row;
+}
+
+QWidget *CleanupControlCard::makeTools()
+{
+    const Theme &theme = _context.theme;
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 6, 0, 6);
+    line->setSpacing(4);
+    _selection = makeText({}, u"body"_s);
+    _selection->setObjectName(u"cleanupSelection"_s);
+    _all = makeButton(theme, {u"cleanupAll"_s, u"全选"_s, {}, u"plain"_s});
+    _none = makeButton(theme, {u"cleanupNone"_s, u"全不选"_s, {}, u"plain"_s});
+    _recalculate =
+        makeButton(theme, {u"cleanupRecalculate"_s, u"重新计算大小"_s, u"arrow.clockwise"_s, u"plain"_s});
+    line->addWidget(_selection, 1);
+    line->addWidget(_all);
+    line->addWidget(_none);
+    line->addWidget(_recalculate);
+    connect(_all, &QPushButton::clicked, this, [this] { _cleaner.setAllSelected(true); });
+    connect(_none, &QPushButton::clicked, this, [this] { _cleaner.setAllSelected(false); });
+    connect(_recalculate, &QPushButton::clicked, this, [this] { _cleaner.recalculate(); });
+    return row;
+}
+
+void CleanupControlCard::showTotals()
+{
+    const qint64 bytes = _cleaner.selectedBytes();
+    const bool isUnknown = bytes == 0 && _cleaner.phase().kind == CleanupPhase::Kind::calculating;
+    _total->setText(isUnknown ? u"计算中…"_s : formatByteCount(bytes));
+    _selection->setText(selectionText(_cleaner));
+}
+
+void CleanupControlCard::showJob()
+{
+    const CleanupPhase phase = _cleaner.phase();
+    const bool isCleaning = _cleaner.isCleaning();
+    _job->setVisible(_cleaner.isWorking());
+    if (isCleaning) {
+        const int done = static_cast<int>(_cleaner.progress() * steps);
+        // Of a single item nobody knows how far it is.
+        _job->setJob(u"正在清理 %1…"_s.arg(phase.text), done, done > 0 ? steps : 0);
+    } else {
+        _job->setJob(u"正在计算各目录大小…"_s, 0, 0);
+    }
+    _clean->setEnabled(!isCleaning);
+    _all->setEnabled(!isCleaning);
+    _none->setEnabled(!isCleaning);
+    _recalculate->setEnabled(!_cleaner.isWorking());
+    showTotals();
+}
+
+void CleanupControlCard::cleanWithConsent()
+{
+    if (_cleaner.itemsToClean().isEmpty())
+        _cleaner.clean(); // says that there is nothing to do
+    else
+        _context.services.privacy.guard(featurePrivacyNotice(PrivacyConsentKind::systemCleanup),
+                                        [this] { ask(); });
+}
+
+void CleanupControlCard::ask()
+{
+    const QStringList asked = idsToClean(_cleaner);
+    Confirmation::ask(_context.theme, this, cleanupQuestion(_cleaner), [this, asked] {
+        // Somebody may have chosen otherwise meanwhile, from the command line.
+        if (idsToClean(_cleaner) == asked)
+            _cleaner.clean();
+        else
+            ask();
+    });
+}
+
+} // namespace velbrix

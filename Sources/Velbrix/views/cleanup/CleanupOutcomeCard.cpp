@@ -1,0 +1,126 @@
+#include "views/cleanup/CleanupOutcomeCard.h"
+
+#include "app/AppServices.h"
+#include "views/Follow.h"
+#include "views/cleanup/CleanupWords.h"
+#include "views/components/ElidedLabel.h"
+#include "views/components/Parts.h"
+#include "views/components/SymbolLabel.h"
+
+#include <QFile>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListView>
+#include <QPushButton>
+#include <QStringListModel>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr int mostListHeight = 168;
+
+} // namespace
+
+CleanupOutcomeCard::CleanupOutcomeCard(const ViewContext &context, QWidget *parent)
+    : Card(parent), _context(context), _cleaner(context.services.cleaner), _lines(new QStringListModel(this))
+{
+    setObjectName(u"cleanupOutcome"_s);
+    addRow(makeResult());
+    addRow(makeProblems());
+    const auto again = [this] { refresh(); };
+    connect(&_cleaner, &SystemCleaner::phaseChanged, this, again);
+    connect(&_cleaner, &SystemCleaner::itemsChanged, this, again);
+    connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, again);
+    follow(_cleaner, &SystemCleaner::reportChanged, this, [this] { refresh(); });
+}
+
+QWidget *CleanupOutcomeCard::makeResult()
+{
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 12, 0, 12);
+    line->setSpacing(12);
+    _mark = new SymbolLabel(_context.theme, u"checkmark.circle.fill"_s, 22, ThemeColor::good);
+    line->addWidget(_mark, 0, Qt::AlignTop);
+    auto *words = new QVBoxLayout;
+    words->setSpacing(2);
+    _result = makeText({}, u"goodHeading"_s);
+    _result->setObjectName(u"cleanupResult"_s);
+    _details = makeText({}, u"note"_s);
+    _details->setObjectName(u"cleanupDetails"_s);
+    words->addWidget(_result);
+    words->addWidget(_details);
+    line->addLayout(words, 1);
+    return row;
+}
+
+QWidget *CleanupOutcomeCard::makeProblems()
+{
+    _problems = new QWidget;
+    auto *rows = new QVBoxLayout(_problems);
+    rows->setContentsMargins(0, 8, 0, 8);
+    rows->setSpacing(8);
+    auto *line = new QHBoxLayout;
+    line->setSpacing(12);
+    line->addWidget(
+        new SymbolLabel(_context.theme, u"exclamationmark.triangle.fill"_s, 22, ThemeColor::warning));
+    _problemCount = makeText({}, u"body"_s);
+    _problemCount->setObjectName(u"cleanupProblemCount"_s);
+    line->addWidget(_problemCount, 1);
+    _open = makeButton(_context.theme, {u"cleanupProblemsOpen"_s, u"查看原因"_s, {}, u"plain"_s});
+    line->addWidget(_open);
+    rows->addLayout(line);
+    _list = new QListView;
+    _list->setObjectName(u"cleanupProblems"_s);
+    _list->setAccessibleName(u"没有删除的条目"_s);
+    _list->setProperty("role", u"log"_s);
+    _list->setModel(_lines);
+    _list->setEditTriggers(QListView::NoEditTriggers);
+    _list->setWordWrap(true);
+    _list->setTextElideMode(Qt::ElideMiddle);
+    rows->addWidget(_list);
+    connect(_open, &QPushButton::clicked, this, [this] { showProblems(_list->isHidden()); });
+    return _problems;
+}
+
+void CleanupOutcomeCard::refresh()
+{
+    const CleanupReport report = _cleaner.report();
+    const QString result = resultText(report.outcome);
+    const bool hasFailed = report.outcome.kind == CleanupPhase::Kind::failed;
+    // That there was nothing to do is told until there is something to do.
+    const bool isOutdated = hasFailed && !_cleaner.itemsToClean().isEmpty();
+    setVisible(!result.isEmpty() && !isOutdated && !_cleaner.isCleaning());
+    _mark->show(hasFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
+                hasFailed ? ThemeColor::bad : ThemeColor::good);
+    _result->setText(result);
+    setLook(_result, "role", hasFailed ? u"badHeading"_s : u"goodHeading"_s);
+    const QString details = reportText(report);
+    _details->setText(details);
+    _details->setVisible(!details.isEmpty());
+
+    QStringList lines;
+    for (const RemovalProblem &problem : report.removal.problems)
+        lines.append(oneLine(QFile::decodeName(problem.path)) + u" — "_s + problem.reason);
+    _problemCount->setText(problemText(report.removal));
+    _problems->setVisible(!lines.isEmpty());
+    if (lines == _lines->stringList())
+        return;
+    _lines->setStringList(lines);
+    showProblems(false);
+}
+
+void CleanupOutcomeCard::showProblems(bool isOpened)
+{
+    _list->setVisible(isOpened);
+    _list->setFixedHeight(std::min(mostListHeight, _list->sizeHintForRow(0) * _lines->rowCount() + 16));
+    _open->setText(isOpened ? u"收起"_s : u"查看原因"_s);
+    _open->setAccessibleName(_open->text());
+}
+
+} // namespace velbrix

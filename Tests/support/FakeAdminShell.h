@@ -1,0 +1,41 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "platform/AdminShell.h"
+
+#include <QStringList>
+
+#include <functional>
+#include <utility>
+
+namespace velbrix::test {
+
+class FakeAdminShell final : public AdminShell {
+public:
+    explicit FakeAdminShell(Clock &clock) : _clock(clock) {}
+
+    // What a line comes to; success without output unless the test says otherwise.
+    std::function<Result<ProcessOutcome>(const QString &line)> answer = [](const QString &) {
+        return ProcessOutcome();
+    };
+    std::chrono::milliseconds delay{0}; // as long as the prompt stands open
+    QStringList lines;
+
+    QCoro::Task<Result<ProcessOutcome>> run(const QString line, Cancellation cancellation) override
+    {
+        lines.append(line);
+        if (delay.count() > 0)
+            co_await Pause(_clock, delay);
+        if (cancellation.isCancelled()) {
+            ProcessOutcome outcome;
+            outcome.cancelled = true;
+            co_return std::as_const(outcome);
+        }
+        co_return answer(line);
+    }
+
+private:
+    Clock &_clock;
+};
+
+} // namespace velbrix::test
