@@ -4,7 +4,9 @@ import argparse
 import os
 import random
 import shutil
+import signal
 import subprocess
+import sys
 import tempfile
 from pathlib import Path
 
@@ -112,6 +114,7 @@ def main():
     parser.add_argument("--place", help="where to put the trees; the folder for temporary files without it")
     options = parser.parse_args()
 
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # the trees go all the same
     place = Path(tempfile.mkdtemp(prefix="velbrix-sizing-", dir=options.place))
     try:
         folders = make_trees(place, options.files)
