@@ -14,20 +14,24 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+QString dataFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velbrix"_s;
+}
+
 WallpaperController::Folders wallpaperFolders()
 {
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
-    return {data + u"/Velbrix/StaticDesktop"_s, cache + u"/velbrix/thumbnails"_s};
+    return {dataFolder() + u"/StaticDesktop"_s, cache + u"/velbrix/thumbnails"_s};
 }
 
 // What of this program no tool of it may remove: settings, data, the endpoint
 // of the command line.
 QList<QByteArray> ownPlaces()
 {
-    QStringList places = {
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/velbrix"_s,
-        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velbrix"_s};
+    QStringList places = {QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                              u"/velbrix"_s,
+                          dataFolder()};
     if (const auto runtime = runtimeFolder())
         places.append(*runtime);
     QList<QByteArray> canonical;
@@ -57,7 +61,10 @@ AppServices::AppServices(Platform &host, Clock &time)
       privacy(*host.permissions, *host.notifications, settings, time),
       hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }}, settings, notifications, time),
       cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
-              cleanupCatalog(host.family), ownPlaces())
+              cleanupCatalog(host.family), ownPlaces()),
+      fileBackup({*host.archiver, *host.notifications}, settings, time),
+      uninstaller({*host.applications, *host.diskUsage, *host.trash, *host.programs}, settings, time,
+                  dataFolder() + u"/uninstalls.json"_s)
 {
     recorder.setUp();
 }

@@ -8,7 +8,9 @@
 #include "foundation/NotificationCenter.h"
 #include "foundation/Published.h"
 #include "foundation/SettingsStore.h"
+#include "maintenance/backup/FileBackupController.h"
 #include "maintenance/cleanup/SystemCleaner.h"
+#include "maintenance/uninstall/AppScanner.h"
 #include "wallpaper/WallpaperController.h"
 
 #include <QObject>
@@ -45,6 +47,8 @@ public:
     AppRouter router;
     HotkeyManager hotkeys;
     SystemCleaner cleaner;
+    FileBackupController fileBackup;
+    AppScanner uninstaller;
     std::mutex powerLock; // guards the background flag
 
     void setInBackground(bool inBackground);

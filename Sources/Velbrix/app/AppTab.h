@@ -8,7 +8,7 @@
 namespace velbrix {
 
 // The sidebar's tabs. Only tools that work have a case.
-enum class AppTab { wallpaper, recorder, systemClean, settings };
+enum class AppTab { wallpaper, recorder, systemClean, uninstaller, fileBackup, settings };
 
 struct AppTabInfo {
     AppTab tab;

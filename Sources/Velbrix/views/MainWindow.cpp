@@ -6,10 +6,12 @@
 #include "views/Sidebar.h"
 #include "views/Theme.h"
 #include "views/ViewContext.h"
+#include "views/backup/FileBackupView.h"
 #include "views/cleanup/SystemCleanupView.h"
-#include "views/components/NoticeSheet.h"
+#include "views/components/Veil.h"
 #include "views/recorder/RecorderPage.h"
 #include "views/settings/SettingsPage.h"
+#include "views/uninstall/UninstallContentView.h"
 #include "views/wallpaper/WallpaperPage.h"
 
 #include <QCloseEvent>
@@ -95,6 +97,10 @@ QWidget *MainWindow::makePage(AppTab tab)
         return new RecorderPage(context);
     case AppTab::systemClean:
         return new SystemCleanupView(context);
+    case AppTab::uninstaller:
+        return new UninstallContentView(context);
+    case AppTab::fileBackup:
+        return new FileBackupView(context);
     case AppTab::settings:
         return new SettingsPage(context, [this] { showPrivacyStatement(); });
     }
@@ -108,7 +114,7 @@ void MainWindow::addShortcuts()
         const auto key = static_cast<Qt::Key>(Qt::Key_1 + index);
         auto *shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), this);
         connect(shortcut, &QShortcut::activated, this, [this, tab = tabs[index].tab] {
-            if (!NoticeSheet::covers(this))
+            if (!Veil::covers(this))
                 _services.router.show(tab);
         });
     }

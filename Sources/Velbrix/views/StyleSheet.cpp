@@ -29,7 +29,7 @@ QLabel[role="goodHeading"] { font-size: 13px; font-weight: 600; color: @good; }
 QLabel[role="badHeading"] { font-size: 13px; font-weight: 600; color: @bad; }
 QLabel[role="badge"] { font-size: 11px; color: @accentText; background: @accent/12; border-radius: 4px;
                        padding: 1px 6px; }
-QLabel[role="value"] { color: @secondary; }
+QWidget[role="value"] { color: @secondary; }
 
 QFrame[role="card"] QScrollArea, QFrame[role="card"] QScrollArea > QWidget > QWidget { background: transparent; }
 QScrollArea, QWidget#pageColumn, QWidget#pageBody { background: @window; border: none; }
@@ -49,6 +49,8 @@ QPushButton[role="primary"]:hover { background: @accentFill/88; }
 QPushButton[role="primary"]:pressed { background: @accentFill/76; }
 QPushButton[role="primary"]:disabled { background: @control; border-color: @hairline; color: @secondary; }
 QPushButton[role="primary"][keyed="true"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
+QPushButton[large="true"] { min-height: 34px; min-width: 84px; font-size: 14px; }
+QPushButton[large="true"][keyed="true"]:focus { min-height: 32px; }
 QPushButton[role="destructive"] { background: @badFill; border: 1px solid @badFill; color: white; }
 QPushButton[role="destructive"]:hover { background: @badFill/88; }
 QPushButton[role="destructive"]:pressed { background: @badFill/76; }
@@ -60,6 +62,10 @@ QPushButton[role="plain"][keyed="true"]:focus { border-color: @accent; }
 QPushButton[role="icon"] { background: transparent; border: 1px solid transparent; padding: 0; }
 QPushButton[role="icon"]:hover { background: @secondary/12; }
 QPushButton[role="icon"][keyed="true"]:focus { border-color: @accent; }
+QPushButton[role="plainBad"] { background: transparent; border: 1px solid transparent; padding: 0 8px;
+                               color: @bad; }
+QPushButton[role="plainBad"]:hover { background: @bad/12; }
+QPushButton[role="plainBad"][keyed="true"]:focus { border-color: @bad; }
 QPushButton[role="chord"] { min-width: 104px; font-size: 14px; }
 QPushButton[role="chord"][capturing="true"] { border: 2px solid @accent; color: @accentText;
                                               padding: 0 11px; min-height: 24px; }
@@ -94,6 +100,12 @@ QPushButton[role="device"][keyed="true"]:focus { border-color: @accent; }
 
 QFrame[role="path"] { background: @control; border: 1px solid @hairline; border-radius: 6px; }
 QFrame[role="path"][dropping="true"] { border: 1px solid @accent; background: @accent/14; }
+
+QLineEdit, QPlainTextEdit, QSpinBox, QTimeEdit { background: @control; border: 1px solid @hairline;
+    border-radius: 6px; min-height: 28px; padding: 0 8px; selection-background-color: @accentFill;
+    selection-color: white; }
+QPlainTextEdit { padding: 4px 4px; }
+QLineEdit:focus, QPlainTextEdit:focus, QSpinBox:focus, QTimeEdit:focus { border-color: @accent; }
 
 QSlider::groove:horizontal { height: 4px; border-radius: 2px; background: @hairline; }
 QSlider::sub-page:horizontal { height: 4px; border-radius: 2px; background: @accent; }

@@ -22,6 +22,26 @@ void TabActivity::watchTools(AppServices &services)
             return cleaner.isWorking() ? std::optional(TabJob{u"正在计算大小"_s}) : std::nullopt;
         },
         &SystemCleaner::phaseChanged, &SystemCleaner::progressChanged);
+    const AppScanner &scanner = services.uninstaller;
+    watch(
+        AppTab::uninstaller, scanner,
+        [&scanner]() -> std::optional<TabJob> {
+            if (scanner.isUninstalling())
+                return TabJob{u"正在卸载"_s, scanner.progressValue()};
+            return scanner.isPuttingBack() ? std::optional(TabJob{u"正在放回原处"_s}) : std::nullopt;
+        },
+        &AppScanner::isUninstallingChanged, &AppScanner::progressValueChanged,
+        &AppScanner::isPuttingBackChanged);
+    const FileBackupController &backups = services.fileBackup;
+    watch(
+        AppTab::fileBackup, backups,
+        [&backups]() -> std::optional<TabJob> {
+            if (backups.isRunningBackup())
+                return TabJob{u"正在备份"_s, backups.runningShare()};
+            return backups.isRestoring() ? std::optional(TabJob{u"正在恢复"_s}) : std::nullopt;
+        },
+        &FileBackupController::isRunningBackupChanged, &FileBackupController::runningShareChanged,
+        &FileBackupController::isRestoringChanged);
 }
 
 std::optional<TabJob> TabActivity::job(AppTab tab) const

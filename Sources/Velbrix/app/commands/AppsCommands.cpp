@@ -2,9 +2,9 @@
 
 #include "app/PrivacyManager.h"
 #include "foundation/ByteCount.h"
+#include "foundation/NextSignal.h"
 #include "maintenance/uninstall/AppScanner.h"
 
-#include <QCoroSignal>
 #include <QJsonArray>
 
 #include <memory>
@@ -139,7 +139,7 @@ QCoro::Task<> scanned(AppScanner &scanner)
     if (!scanner.isScanning())
         scanner.scan();
     while (scanner.isScanning())
-        co_await qCoro(&scanner, &AppScanner::isScanningChanged);
+        co_await nextSignal(scanner, &AppScanner::isScanningChanged);
 }
 
 QCoro::Task<CommandReply> list(AppScanner &scanner)
@@ -161,7 +161,7 @@ QList<AppInfo> called(const QList<AppInfo> &apps, const QString &name)
     QList<AppInfo> matching = apps;
     matching.removeIf([&](const AppInfo &app) {
         return name.isEmpty() || (app.name.compare(name, Qt::CaseInsensitive) != 0 &&
-                                  app.bundleID.compare(name, Qt::CaseInsensitive) != 0);
+                                  app.bundleID.compare(name, Qt::CaseInsensitive) != 0 && app.path != name);
     });
     return matching;
 }
@@ -189,7 +189,7 @@ QCoro::Task<CommandReply> carryOut(AppScanner &scanner, UninstallReview review)
                                             [message](const QString &text) { *message = text; });
     scanner.uninstall(review);
     while (scanner.isBusy())
-        co_await qCoro(&scanner, &AppScanner::finished);
+        co_await nextSignal(scanner, &AppScanner::finished);
     QObject::disconnect(listening);
     co_return outcome(scanner, review.app, *message);
 }
@@ -223,7 +223,7 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
         co_return CommandReply::refusal(u"找不到应用："_s + name);
     if (matching.size() > 1)
         co_return CommandReply::refusal(
-            u"有多个应用符合「%1」，请用标识指定：\n%2"_s.arg(name, linesOf(matching)));
+            u"有多个应用符合「%1」，请用标识或路径指定：\n%2"_s.arg(name, linesOf(matching)));
     const AppInfo app = matching.first();
     const UninstallReview review = co_await scanner.reviewOf(app, *mode);
     if (isDryRun)

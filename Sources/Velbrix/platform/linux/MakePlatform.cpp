@@ -3,10 +3,13 @@
 #include "foundation/JsonSettingsFile.h"
 #include "foundation/Log.h"
 #include "foundation/RuntimeFolder.h"
+#include "platform/linux/applications/LinuxApplicationCatalog.h"
 #include "platform/linux/archive/ZipArchiver.h"
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 #include "platform/linux/desktop/LinuxDockPreference.h"
 #include "platform/linux/desktop/UPowerSource.h"
+#include "platform/linux/files/FreedesktopTrash.h"
+#include "platform/linux/files/TreeDiskUsage.h"
 #include "platform/linux/movie/LibAvMediaProbe.h"
 #include "platform/linux/movie/LinuxMovieFiles.h"
 #include "platform/linux/movie/MovieRecorder.h"
@@ -16,6 +19,8 @@
 #include "platform/linux/shell/FreedesktopNotifications.h"
 #include "platform/linux/shell/LinuxDesktopServices.h"
 #include "platform/linux/shell/LinuxPermissions.h"
+#include "platform/linux/shell/PolkitAdminShell.h"
+#include "platform/linux/shell/ProcPrograms.h"
 #include "platform/linux/shell/ThemeSymbols.h"
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
@@ -83,11 +88,18 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
     platform.desktopPicture = std::make_unique<LinuxDesktopPicture>(clock, data + u"/former-desktop"_s);
     platform.dock = std::make_unique<LinuxDockPreference>(clock, data + u"/former-panels.json"_s);
+    platform.diskUsage = std::make_unique<TreeDiskUsage>();
     platform.power = std::make_unique<UPowerSource>(clock);
     platform.displays = std::make_unique<X11Displays>();
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);
+    platform.applications = std::make_unique<LinuxApplicationCatalog>(clock, ApplicationPlaces::ofThisUser(),
+                                                                      PackagePrograms::ofThisHost());
     platform.archiver = std::make_unique<ZipArchiver>(clock);
+    platform.trash = std::make_unique<FreedesktopTrash>(clock);
+    platform.adminShell = std::make_unique<PolkitAdminShell>(clock);
+    platform.programs = std::make_unique<ProcPrograms>();
+    platform.family = HostFamily::freedesktop;
     return platform;
 }
 

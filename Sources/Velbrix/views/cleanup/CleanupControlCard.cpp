@@ -65,13 +65,12 @@ QWidget *CleanupControlCard::makeTotals()
     _total = new TabularLabel;
     _total->setObjectName(u"cleanupTotal"_s);
     _total->setFont(theme.font(24, QFont::DemiBold));
-    _selection = makeText({}, u"note"_s);
-    _selection->setObjectName(u"cleanupSelection"_s);
     words->addWidget(_total);
-    words->addWidget(_selection);
+    words->addWidget(makeText(u"所选项目占用的空间"_s, u"note"_s));
     line->addLayout(words, 1);
     _clean = makeButton(theme, {u"cleanupClean"_s, u"清理"_s, u"sparkles"_s, u"primary"_s});
-    _clean->setMinimumSize(112, 36);
+    _clean->setAccessibleName(u"清理所选项目"_s);
+    _clean->setProperty("large", true);
     line->addWidget(_clean, 0, Qt::AlignVCenter);
     connect(_clean, &QPushButton::clicked, this, [this] { cleanWithConsent(); });
     return row;
@@ -84,13 +83,15 @@ QWidget *CleanupControlCard::makeTools()
     auto *line = new QHBoxLayout(row);
     line->setContentsMargins(0, 6, 0, 6);
     line->setSpacing(4);
+    _selection = makeText({}, u"body"_s);
+    _selection->setObjectName(u"cleanupSelection"_s);
     _all = makeButton(theme, {u"cleanupAll"_s, u"全选"_s, {}, u"plain"_s});
     _none = makeButton(theme, {u"cleanupNone"_s, u"全不选"_s, {}, u"plain"_s});
     _recalculate =
         makeButton(theme, {u"cleanupRecalculate"_s, u"重新计算大小"_s, u"arrow.clockwise"_s, u"plain"_s});
+    line->addWidget(_selection, 1);
     line->addWidget(_all);
     line->addWidget(_none);
-    line->addStretch(1);
     line->addWidget(_recalculate);
     connect(_all, &QPushButton::clicked, this, [this] { _cleaner.setAllSelected(true); });
     connect(_none, &QPushButton::clicked, this, [this] { _cleaner.setAllSelected(false); });

@@ -91,7 +91,7 @@ CleanupEntryList::CleanupEntryList(const Theme &theme, const QString &name, QWid
     connect(&theme, &Theme::changed, viewport(), qOverload<>(&QWidget::update));
 }
 
-void CleanupEntryList::show(const QList<CleanupEntry> &entries)
+void CleanupEntryList::showEntries(const QList<CleanupEntry> &entries)
 {
     _entries->show(entries);
     const int lines = std::clamp(static_cast<int>(entries.size()), 1, mostLines);

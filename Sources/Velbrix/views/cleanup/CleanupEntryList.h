@@ -17,7 +17,7 @@ class CleanupEntryList final : public QListView {
 public:
     CleanupEntryList(const Theme &theme, const QString &name, QWidget *parent = nullptr);
 
-    void show(const QList<CleanupEntry> &entries);
+    void showEntries(const QList<CleanupEntry> &entries);
 
 Q_SIGNALS:
     void wanted(const QByteArray &path, bool isIncluded);

@@ -32,7 +32,10 @@ CleanupOutcomeCard::CleanupOutcomeCard(const ViewContext &context, QWidget *pare
     setObjectName(u"cleanupOutcome"_s);
     addRow(makeResult());
     addRow(makeProblems());
-    connect(&_cleaner, &SystemCleaner::phaseChanged, this, [this] { refresh(); });
+    const auto again = [this] { refresh(); };
+    connect(&_cleaner, &SystemCleaner::phaseChanged, this, again);
+    connect(&_cleaner, &SystemCleaner::itemsChanged, this, again);
+    connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, again);
     follow(_cleaner, &SystemCleaner::reportChanged, this, [this] { refresh(); });
 }
 
@@ -89,8 +92,10 @@ void CleanupOutcomeCard::refresh()
 {
     const CleanupReport report = _cleaner.report();
     const QString result = resultText(report.outcome);
-    setVisible(!result.isEmpty() && !_cleaner.isCleaning());
     const bool hasFailed = report.outcome.kind == CleanupPhase::Kind::failed;
+    // That there was nothing to do is told until there is something to do.
+    const bool isOutdated = hasFailed && !_cleaner.itemsToClean().isEmpty();
+    setVisible(!result.isEmpty() && !isOutdated && !_cleaner.isCleaning());
     _mark->show(hasFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
                 hasFailed ? ThemeColor::bad : ThemeColor::good);
     _result->setText(result);
@@ -113,7 +118,7 @@ void CleanupOutcomeCard::refresh()
 void CleanupOutcomeCard::showProblems(bool isOpened)
 {
     _list->setVisible(isOpened);
-    _list->setFixedHeight(std::min(mostListHeight, 28 * std::max(_lines->rowCount(), 1) + 18));
+    _list->setFixedHeight(std::min(mostListHeight, _list->sizeHintForRow(0) * _lines->rowCount() + 16));
     _open->setText(isOpened ? u"收起"_s : u"查看原因"_s);
     _open->setAccessibleName(_open->text());
 }

@@ -1,5 +1,6 @@
 #include "views/components/PathField.h"
 
+#include "views/ShownPath.h"
 #include "views/components/Parts.h"
 
 #include <QDir>
@@ -25,15 +26,6 @@ QString droppedFolder(const QMimeData *data)
         return {};
     const QString path = urls.first().toLocalFile();
     return QFileInfo(path).isDir() ? QDir::cleanPath(path) : QString();
-}
-
-// The home folder is known: "~/Desktop" says more in less room.
-QString shortened(const QString &path)
-{
-    const QString home = QDir::homePath();
-    if (path == home || path.startsWith(home + u'/'))
-        return u'~' + path.sliced(home.size());
-    return path;
 }
 
 } // namespace
@@ -112,7 +104,7 @@ void PathField::choose()
 void PathField::elide()
 {
     const QString whole =
-        _path.isEmpty() ? u"还没有选择文件夹"_s : shortened(QDir::toNativeSeparators(_path));
+        _path.isEmpty() ? u"还没有选择文件夹"_s : shownPath(_path);
     const QString shown = QFontMetrics(_text->font()).elidedText(whole, Qt::ElideMiddle, _text->width());
     if (_text->text() != shown)
         _text->setText(shown);

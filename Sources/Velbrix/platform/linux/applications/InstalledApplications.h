@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/linux/applications/AppImages.h"
+#include "platform/linux/applications/LauncherScan.h"
+#include "platform/linux/applications/PackageManager.h"
+#include "platform/linux/applications/StoreList.h"
+
+namespace velbrix {
+
+// What was found on the host, from which the list of applications follows.
+struct HostFindings {
+    QList<Launcher> launchers;
+    QList<AppImage> images;
+    QString manager;                // of the system; empty when there is none or it did not answer
+    QHash<QString, QString> owners; // package by the launcher's path
+    QHash<QString, PackageFacts> facts;
+    QList<FlatpakApplication> flatpaks;
+    QHash<QString, QString> snaps;
+};
+
+// An entry of the system that no package manager owns is listed only when the
+// user may delete its file; what can neither be removed through a manager nor
+// as a file is left out. On the main thread, for the icons.
+QList<InstalledApplication> installedApplications(const ApplicationPlaces &places,
+                                                  const HostFindings &findings);
+
+} // namespace velbrix

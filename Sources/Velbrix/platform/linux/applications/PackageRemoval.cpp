@@ -1,0 +1,104 @@
+#include "platform/linux/applications/PackageRemoval.h"
+
+#include "platform/linux/applications/HostCommand.h"
+#include "platform/linux/applications/SystemPackages.h"
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+// What pkexec answers itself.
+constexpr int dismissed = 126;
+constexpr int notAuthorized = 127;
+
+// Never asks on a terminal, which would stop a program in the background.
+QStringList asRoot(const PackagePrograms &programs, const QStringList &command)
+{
+    return QStringList{programs.pkexec, u"--disable-internal-agent"_s} + command;
+}
+
+// The command, or why there is none.
+Result<QStringList> removalCommand(const ApplicationPlaces &places, const PackagePrograms &programs,
+                                   const InstalledApplication &application)
+{
+    const QString manager = application.manager;
+    const QString package = application.package;
+    const auto missing = failure(u"没有找到 %1，无法移除 %2"_s.arg(manager, package));
+    if (manager == u"Flatpak"_s) {
+        if (programs.flatpak.isEmpty())
+            return missing;
+        const bool isUsers = application.path.startsWith(places.userFlatpakFolder() + u'/');
+        return QStringList{programs.flatpak, u"uninstall"_s, u"-y"_s, isUsers ? u"--user"_s : u"--system"_s,
+                           package};
+    }
+    if (programs.pkexec.isEmpty())
+        return failure(u"没有找到 pkexec，无法取得移除软件包所需的管理员权限"_s);
+    if (manager == u"Snap"_s)
+        return programs.snap.isEmpty() ? Result<QStringList>(missing)
+                                       : asRoot(programs, {programs.snap, u"remove"_s, package});
+    const auto system = systemPackageManager(programs);
+    if (!system || system->name != manager || programs.env.isEmpty())
+        return missing;
+    const QStringList quietly{programs.env, u"DEBIAN_FRONTEND=noninteractive"_s};
+    return asRoot(programs, quietly + system->removal + QStringList{package});
+}
+
+Result<void> refusal(const InstalledApplication &application)
+{
+    if (application.kind != InstalledApplication::Kind::managed || !isPackageName(application.package))
+        return failure(u"「%1」不是由软件包管理器安装的"_s.arg(application.name));
+    return {};
+}
+
+Result<void> judged(const ProcessOutcome &outcome, bool isThroughPkexec,
+                    const InstalledApplication &application)
+{
+    if (outcome.succeeded())
+        return {};
+    if (isThroughPkexec && outcome.exitCode == dismissed)
+        return failure(u"没有输入密码，%1 未被移除"_s.arg(application.package));
+    if (isThroughPkexec && outcome.exitCode == notAuthorized)
+        return failure(u"没有取得管理员权限，%1 未被移除：%2"_s.arg(application.package, lastLine(outcome)));
+    return failure(u"%1 没有移除 %2：%3"_s.arg(application.manager, application.package, lastLine(outcome)));
+}
+
+} // namespace
+
+QCoro::Task<Result<QStringList>> simulateRemoval(Clock &clock, ApplicationPlaces places,
+                                                 PackagePrograms programs, InstalledApplication application)
+{
+    if (const auto allowed = refusal(application); !allowed)
+        co_return std::unexpected(allowed.error());
+    const QString package = application.package;
+    if (application.manager == u"Flatpak"_s || application.manager == u"Snap"_s)
+        co_return QStringList{package};
+    const auto manager = systemPackageManager(programs);
+    if (!manager || manager->name != application.manager)
+        co_return failure(u"没有找到 %1，无法移除 %2"_s.arg(application.manager, package));
+    const auto removed = co_await simulatedRemoval(clock, *manager, package, places.executable);
+    co_return removed;
+}
+
+QCoro::Task<Result<void>> removeThroughManager(Clock &clock, ApplicationPlaces places,
+                                               PackagePrograms programs, InstalledApplication application,
+                                               Cancellation cancellation)
+{
+    const auto command = removalCommand(places, programs, application);
+    const auto simulated = co_await simulateRemoval(clock, places, programs, application);
+    if (!simulated)
+        co_return std::unexpected(simulated.error());
+    if (!command)
+        co_return std::unexpected(command.error());
+    if (cancellation.isCancelled())
+        co_return failure(u"已取消"_s);
+    ProcessRunner runner(clock);
+    // Without a timeout and without the cancellation.
+    const ProcessRequest request = hostCommand(*command);
+    const auto outcome = co_await runner.run(request);
+    if (!outcome)
+        co_return std::unexpected(outcome.error());
+    co_return judged(*outcome, command->first() == programs.pkexec, application);
+}
+
+} // namespace velbrix

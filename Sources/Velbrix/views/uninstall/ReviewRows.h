@@ -1,0 +1,33 @@
+#pragma once
+
+#include "maintenance/uninstall/UninstallTypes.h"
+
+#include <QAbstractListModel>
+
+namespace velbrix {
+
+// What an uninstall has found, to be ticked.
+class ReviewRows final : public QAbstractListModel {
+public:
+    using QAbstractListModel::QAbstractListModel;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    // Keeps the current row when only ticks and sizes have changed.
+    void replace(const QList<ReviewItem> &items);
+    const ReviewItem &item(const QModelIndex &index) const { return _items[index.row()]; }
+
+private:
+    QList<ReviewItem> _items;
+};
+
+// "缓存 · 名称包含标识符": the kind of folder and why the item is thought to belong.
+QString reasonText(const ReviewItem &item);
+// "正在计算…" while it is being measured.
+QString sizeText(const ReviewItem &item);
+// "已勾选 3 项，共 1.2 MB".
+QString tickedText(const QList<ReviewItem> &items);
+
+} // namespace velbrix

@@ -1,0 +1,140 @@
+#include "app/commands/AppsCommands.h"
+
+#include "app/PrivacyManager.h"
+#include "support/UninstallRig.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+struct Rig : UninstallRig {
+    explicit Rig(bool agreed = true)
+    {
+        settings.set(u"Velbrix_Privacy_firstLaunchAccepted"_s, true);
+        settings.set(u"Velbrix_Privacy_consent_uninstall"_s, agreed);
+        install(u"Note"_s, u"org.acme.note"_s);
+        lastInstalled().size = 2'000'000;
+        install(u"Zed"_s, u"org.zed"_s);
+        lastInstalled().version = u"1.2"_s;
+        plant(u"Preferences/org.acme.note.plist"_s);
+        plant(u"Caches/Evernote"_s);
+        make();
+        privacy = std::make_unique<PrivacyManager>(host.permissions, host.notifications, settings, clock);
+    }
+
+    std::optional<CommandReply> reply;
+    CommandReply ask(const QString &words, const QString &name = {},
+                     const QMap<QString, QString> &options = {})
+    {
+        reply.reset();
+        const ParsedCommand command = {words, name.isEmpty() ? QStringList() : QStringList{name}, false,
+                                       options};
+        handlers().value(words)(command).then([this](CommandReply now) { reply = std::move(now); });
+        until([this] { return reply.has_value(); });
+        return reply.value_or(CommandReply{-1, u"…"_s, {}});
+    }
+    QString text(const QString &name, const QMap<QString, QString> &options = {})
+    {
+        const CommandReply answer = ask(u"apps uninstall"_s, name, options);
+        return u"%1 %2"_s.arg(QString::number(answer.exitCode), answer.text);
+    }
+    QHash<QString, CommandHandler> handlers() { return appsCommands(*scanner, *privacy); }
+
+    std::unique_ptr<PrivacyManager> privacy;
+};
+
+const QMap<QString, QString> yes = {{u"--yes"_s, {}}};
+
+} // namespace
+
+class AppsCommandsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lists()
+    {
+        Rig rig;
+        rig.lastInstalled().manager = u"APT"_s;
+        QCOMPARE(rig.ask(u"apps list"_s).text,
+                 u"Note  —  2 MB  org.acme.note  %1\nZed  1.2  零 KB  APT  org.zed  %2"_s.arg(
+                     rig.home(u"Applications/Note.app"_s), rig.home(u"Applications/Zed.app"_s)));
+        QCOMPARE(rig.reply->data.value("apps"_L1).toArray().at(0).toObject(),
+                 (QJsonObject{{u"name"_s, u"Note"_s},
+                              {u"identifier"_s, u"org.acme.note"_s},
+                              {u"version"_s, u"—"_s},
+                              {u"bytes"_s, 2'000'000},
+                              {u"path"_s, rig.home(u"Applications/Note.app"_s)},
+                              {u"kind"_s, u"bundle"_s},
+                              {u"manager"_s, u""_s},
+                              {u"package"_s, u""_s}}));
+        rig.host.applications.installed = failure(u"坏了"_s);
+        QCOMPARE(rig.ask(u"apps list"_s).text, u"坏了"_s);
+        QCOMPARE(rig.reply->exitCode, exitcode::refused);
+    }
+
+    void showsFirstAndTakesWhenToldSo()
+    {
+        Rig rig;
+        rig.host.programs.names = {u"org.acme.note"_s};
+        const QString review =
+            u"卸载「Note」（完全卸载）：\n  应用正在运行，请先退出\n"
+            "  [✓]  2 MB  %1/Applications/Note.app  应用本体\n"
+            "  [✓]  零 KB  %1/Preferences/org.acme.note.plist  名称包含标识 org.acme.note\n"
+            "  [ ]  零 KB  %1/Caches/Evernote  名称包含应用名 note  仅名称相似，可能属于其他应用"_s.arg(
+                rig.home());
+        QCOMPARE(rig.text(u"note"_s, {{u"--dry-run"_s, {}}}), u"0 "_s + review);
+        QVERIFY(!rig.reply->data.contains("needsConfirmation"_L1));
+        QCOMPARE(rig.text(u"ORG.acme.NOTE"_s), u"1 "_s + review);
+        QCOMPARE(rig.reply->data.value("needsConfirmation"_L1), true);
+        const QJsonArray items = rig.reply->data.value("review"_L1).toObject().value("items"_L1).toArray();
+        QCOMPARE(items.at(1).toObject().value("reason"_L1), u"identifier"_s);
+        QCOMPARE(items.at(2).toObject().value("ticked"_L1), false);
+        QVERIFY(rig.host.trash.calls.isEmpty());
+
+        QCOMPARE(rig.text(u"Note"_s, yes), u"0 已卸载「Note」"_s);
+        QCOMPARE(rig.trashed(),
+                 (QStringList{u"Applications/Note.app"_s, u"Preferences/org.acme.note.plist"_s}));
+        QCOMPARE(rig.reply->data.value("uninstalled"_L1), true);
+    }
+
+    void takesTheModeItIsTold()
+    {
+        Rig rig;
+        QCOMPARE(rig.text(u"Note"_s, {{u"--mode"_s, u"alles"_s}}), u"2 --mode 只能是 full、app 或 custom"_s);
+        rig.text(u"Note"_s, {{u"--mode"_s, u"app"_s}, {u"--yes"_s, {}}});
+        QCOMPARE(rig.trashed(), QStringList{u"Applications/Note.app"_s});
+        QCOMPARE(rig.scanner->uninstallMode(), UninstallMode::full);
+    }
+
+    void refusesWithTheReason()
+    {
+        Rig rig;
+        QCOMPARE(rig.text(u"Not"_s, yes), u"1 找不到应用：Not"_s);
+        rig.install(u"NOTE"_s, u"org.other"_s);
+        QVERIFY(rig.text(u"note"_s, yes)
+                    .startsWith(u"1 有多个应用符合「note」，请用标识或路径指定：\nNote  —"_s));
+        const QString path = rig.home(u"Applications/Zed.app"_s);
+        rig.host.trash.refused.insert(path, u"没有权限"_s);
+        QCOMPARE(rig.text(path, yes), u"1 失败：没有权限\n  %1：没有权限"_s.arg(path));
+        QCOMPARE(rig.reply->data.value("uninstalled"_L1), false);
+        rig.scanner->uninstall(rig.reviewOf(u"Zed"_s));
+        QCOMPARE(rig.text(u"Zed"_s, yes), u"1 另一个卸载或放回操作正在进行"_s);
+        rig.ending();
+    }
+
+    void asksForConsentAndStartsNothingWithIt()
+    {
+        Rig rig(false);
+        QCOMPARE(rig.text(u"Note"_s, yes), u"1 需要先在 Velbrix 窗口中确认：应用卸载隐私确认"_s);
+        rig.privacy->confirmPendingNotice();
+        QVERIFY(!rig.scanner->isBusy());
+        QCOMPARE(rig.text(u"Note"_s, yes), u"0 已卸载「Note」"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(AppsCommandsTest)
+#include "AppsCommandsTest.moc"

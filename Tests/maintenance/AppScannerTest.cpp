@@ -1,0 +1,519 @@
+#include "maintenance/uninstall/UninstallJournal.h"
+#include "support/CapturedLog.h"
+#include "support/UninstallRig.h"
+
+#include <QLocale>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+// "Note" with certain data, doubtful data and traps around it.
+struct NoteRig : UninstallRig {
+    NoteRig()
+    {
+        install(u"Note"_s, u"org.acme.note"_s);
+        install(u"Other"_s, u"org.acme.note.pro"_s);
+        for (const QString &path :
+             {u"Preferences/org.acme.note.plist"_s, u"Preferences/org.acme.note/deep/file"_s,
+              u"Preferences/org.acme.note.pro.plist"_s, u"Preferences/com.note.x"_s,
+              u"Preferences/Evernote"_s, u"Preferences/stranger"_s, u"Preferences/velbrix-note"_s,
+              u"Caches/org.acme.note"_s, u"outside/org.acme.note"_s})
+            plant(path);
+        QFile::link(home(u"outside"_s), home(u"Caches/org.acme.note.link"_s));
+        scanned();
+    }
+};
+
+QStringList names(const QList<AppInfo> &apps)
+{
+    QStringList all;
+    for (const AppInfo &app : apps)
+        all.append(app.name);
+    return all;
+}
+
+} // namespace
+
+class AppScannerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void listsAllButItself()
+    {
+        UninstallRig rig;
+        for (const QString &name : {u"zoom"_s, u"Xcode"_s, u"Velbrix"_s, u"alpha"_s, u"Tool"_s})
+            rig.install(name, u"org."_s + name);
+        rig.lastInstalled().identifier = u"VELBRIX"_s;
+        rig.install(u"Big"_s);
+        rig.lastInstalled().size = 1 << 20;
+        rig.lastInstalled().version = u"1.2"_s;
+        rig.host.diskUsage.sizes.insert(rig.home(u"Applications/zoom.app"_s).toUtf8(), 4096);
+        AppScanner &scanner = rig.make();
+        scanner.scanOnce();
+        QVERIFY(rig.until([&] { return !scanner.isScanning(); }));
+        QCOMPARE(names(scanner.apps()), (QStringList{u"alpha"_s, u"Big"_s, u"Xcode"_s, u"zoom"_s}));
+        QCOMPARE(rig.app(u"zoom"_s).version, u"—"_s);
+        QCOMPARE(rig.app(u"zoom"_s).size, 4096);
+        QCOMPARE(rig.app(u"Big"_s).version, u"1.2"_s);
+        QCOMPARE(rig.app(u"Big"_s).size, 1 << 20);
+        QCOMPARE(rig.host.diskUsage.calls.value(0).size(), 3);
+        const quint64 id = rig.app(u"zoom"_s).id;
+        scanner.scanOnce();
+        QVERIFY(!scanner.isScanning());
+        scanner.scan();
+        QVERIFY(rig.until([&] { return !scanner.isScanning(); }));
+        QVERIFY(rig.app(u"zoom"_s).id != id);
+
+        rig.host.applications.installed = failure(u"坏了"_s);
+        scanner.scan();
+        QVERIFY(rig.until([&] { return !scanner.isScanning(); }));
+        QCOMPARE(scanner.scanProblem(), u"坏了"_s);
+        QVERIFY(scanner.apps().isEmpty());
+    }
+
+    void filtersInTheUsersLanguage()
+    {
+        UninstallRig rig;
+        rig.install(u"Istanbul"_s);
+        rig.install(u"Rome"_s);
+        AppScanner &scanner = rig.scanned();
+        scanner.setSearchText(u"ISTAN"_s);
+        QCOMPARE(names(scanner.filteredApps()), QStringList{u"Istanbul"_s});
+        QLocale::setDefault(QLocale(QLocale::Turkish));
+        scanner.setSearchText(u"ıstan"_s);
+        QCOMPARE(names(scanner.filteredApps()), QStringList{u"Istanbul"_s});
+        QLocale::setDefault(QLocale::c());
+        QVERIFY(scanner.filteredApps().isEmpty());
+        scanner.setSearchText({});
+        QCOMPARE(scanner.filteredApps().size(), 2);
+    }
+
+    void remembersModeAndOptions()
+    {
+        NoteRig rig;
+        CleanupOptions options;
+        options.caches = false;
+        rig.scanner->setUninstallMode(UninstallMode::custom);
+        rig.scanner->setCleanupOptions(options);
+        rig.clock.advance(10s);
+        QCOMPARE(rig.host.settings.stored.value("Velbrix_UninstallMode"_L1), u"自定义"_s);
+        QCOMPARE(rig.host.settings.stored.value("Velbrix_CleanupOptions"_L1).toObject().value("caches"_L1),
+                 false);
+        QCOMPARE(rig.make().uninstallMode(), UninstallMode::custom);
+        QCOMPARE(rig.scanner->cleanupOptions(), options);
+
+        rig.settings.set(u"Velbrix_UninstallMode"_s, u"某种"_s);
+        rig.settings.set(u"Velbrix_CleanupOptions"_s, QJsonObject{{u"caches"_s, false}});
+        QCOMPARE(rig.make().uninstallMode(), UninstallMode::full);
+        QCOMPARE(rig.scanner->cleanupOptions(), CleanupOptions());
+        rig.settings.set(u"Velbrix_CleanupOptions"_s, 3);
+        QCOMPARE(rig.make().cleanupOptions(), CleanupOptions());
+    }
+
+    void theReviewSaysWhatWouldGo()
+    {
+        NoteRig rig;
+        rig.host.programs.executables = {rig.home(u"Applications/Note.app/bin/note"_s)};
+        rig.host.diskUsage.sizes.insert(rig.home(u"Preferences/org.acme.note"_s).toUtf8(), 8192);
+        rig.scanner->prepareReview(rig.app(u"Note"_s));
+        QVERIFY(
+            rig.until([&] { return rig.scanner->review() && rig.scanner->review()->items.last().bytes; }));
+        QVERIFY(!rig.scanner->isReviewing());
+        const UninstallReview review = *rig.scanner->review();
+        QVERIFY(review.isRunning);
+        QStringList lines;
+        for (const ReviewItem &item : review.items)
+            lines << (item.isTicked ? u"+ "_s : u"- "_s) + item.path.sliced(rig.home().size() + 1);
+        QCOMPARE(lines, (QStringList{u"+ Applications/Note.app"_s, u"- Preferences/Evernote"_s,
+                                     u"- Preferences/com.note.x"_s, u"+ Preferences/org.acme.note"_s,
+                                     u"+ Preferences/org.acme.note.plist"_s,
+                                     u"- Preferences/org.acme.note.pro.plist"_s, u"+ Caches/org.acme.note"_s,
+                                     u"- Caches/org.acme.note.link"_s}));
+        QCOMPARE(review.items.at(3).bytes, 8192);
+        for (const ReviewItem &item : review.items)
+            QCOMPARE(item.caution.isEmpty(), item.isTicked);
+
+        rig.scanner->setTicked(review.items.at(0).path, false);
+        rig.scanner->setTicked(review.items.at(1).path, true);
+        QVERIFY(rig.scanner->review()->items.at(0).isTicked);
+        QVERIFY(rig.scanner->review()->items.at(1).isTicked);
+        rig.scanner->cancelReview();
+        QVERIFY(!rig.scanner->review());
+        QVERIFY(rig.host.trash.calls.isEmpty());
+    }
+
+    void sizesThatComeTooLateAreDropped()
+    {
+        NoteRig rig;
+        rig.host.diskUsage.delay = 1s;
+        rig.scanner->prepareReview(rig.app(u"Note"_s));
+        QVERIFY(rig.until([&] { return rig.scanner->review().has_value(); }));
+        rig.scanner->cancelReview();
+        rig.scanner->prepareReview(rig.app(u"Other"_s));
+        QVERIFY(rig.until([&] { return rig.scanner->review().has_value(); }));
+        rig.clock.advance(60s);
+        QCOMPARE(rig.scanner->review()->app.name, u"Other"_s);
+        QVERIFY(rig.scanner->review()->items.last().bytes);
+    }
+
+    void takesWhatIsTickedInTime()
+    {
+        NoteRig rig;
+        rig.plant(u"Preferences/x.org.acme.note"_s);
+        const UninstallReview review = rig.reviewOf(u"Note"_s);
+        const auto start = rig.clock.uptime();
+        QStringList trace;
+        const auto tell = [&](const QString &what) {
+            trace << u"%1 %2"_s.arg((rig.clock.uptime() - start).count()).arg(what);
+        };
+        connect(rig.scanner.get(), &AppScanner::isUninstallingChanged, this,
+                [&] { tell(rig.scanner->isUninstalling() ? u"begin"_s : u"end"_s); });
+        connect(rig.scanner.get(), &AppScanner::progressStageChanged, this,
+                [&] { tell(rig.scanner->progressStage().label()); });
+        connect(rig.scanner.get(), &AppScanner::progressValueChanged, this,
+                [&] { tell(QString::number(rig.scanner->progressValue(), 'f', 3)); });
+        rig.scanner->uninstall(review);
+        QCOMPARE(rig.scanner->uninstallingName(), u"Note"_s);
+        rig.scanner->uninstall(review); // one at a time
+        QCOMPARE(rig.ending(), u"已卸载「Note」"_s);
+        QCOMPARE(trace, (QStringList{u"0 begin"_s,
+                                     u"0 0.050"_s,
+                                     u"300 移入废纸篓…"_s,
+                                     u"300 0.150"_s,
+                                     u"500 扫描 偏好设置…"_s,
+                                     u"500 0.250"_s,
+                                     u"650 清理 偏好设置…"_s,
+                                     u"650 0.600"_s,
+                                     u"650 0.817"_s,
+                                     u"700 0.900"_s,
+                                     u"750 扫描 缓存…"_s,
+                                     u"750 0.250"_s,
+                                     u"900 清理 缓存…"_s,
+                                     u"900 0.600"_s,
+                                     u"900 0.900"_s,
+                                     u"900 收尾中…"_s,
+                                     u"900 0.950"_s,
+                                     u"1300 卸载完成 ✅"_s,
+                                     u"1300 1.000"_s,
+                                     u"2800 准备卸载…"_s,
+                                     u"2800 0.000"_s,
+                                     u"2800 end"_s}));
+        QCOMPARE(rig.trashed(), (QStringList{u"Applications/Note.app"_s, u"Preferences/org.acme.note"_s,
+                                             u"Preferences/org.acme.note.plist"_s,
+                                             u"Preferences/x.org.acme.note"_s, u"Caches/org.acme.note"_s}));
+        for (const QString &trap : {u"Preferences/org.acme.note.pro.plist"_s, u"Preferences/stranger"_s,
+                                    u"Preferences/velbrix-note"_s, u"outside/org.acme.note"_s})
+            QVERIFY(QFile::exists(rig.home(trap)));
+        QVERIFY(rig.scanner->uninstallingName().isEmpty());
+        QVERIFY(rig.scanner->failures().isEmpty());
+    }
+
+    void theModeSettlesWhereItLooks_data()
+    {
+        QTest::addColumn<UninstallMode>("mode");
+        QTest::addColumn<bool>("caches");
+        QTest::addColumn<QStringList>("expected");
+        const QString app = u"Applications/Note.app"_s;
+        QTest::newRow("app only") << UninstallMode::appOnly << true << QStringList{app};
+        QTest::newRow("custom, nothing") << UninstallMode::custom << false << QStringList{app};
+        QTest::newRow("custom, caches")
+            << UninstallMode::custom << true << QStringList{app, u"Caches/org.acme.note"_s};
+    }
+
+    void theModeSettlesWhereItLooks()
+    {
+        QFETCH(UninstallMode, mode);
+        QFETCH(bool, caches);
+        QFETCH(QStringList, expected);
+        NoteRig rig;
+        CleanupOptions options = {false, false, caches, false, false, false, false};
+        rig.scanner->setCleanupOptions(options);
+        const bool searches = mode == UninstallMode::custom && caches;
+        int searched = 0;
+        connect(rig.scanner.get(), &AppScanner::progressStageChanged, this, [&] {
+            searched += rig.scanner->progressStage().kind == UninstallStage::Kind::scanningLibrary;
+        });
+        rig.uninstall(rig.reviewOf(u"Note"_s, mode));
+        QCOMPARE(rig.trashed(), expected);
+        QCOMPARE(searched, searches ? 1 : 0);
+    }
+
+    void neverTakesItself()
+    {
+        NoteRig rig;
+        UninstallReview review = rig.reviewOf(u"Note"_s);
+        review.app.path = rig.plant(u"Applications/VelBrix.APP/"_s);
+        review.app.source.path = review.app.path;
+        CapturedLog log;
+        QCOMPARE(rig.uninstall(review), u"失败：不能卸载 Velbrix 自身"_s);
+        QCOMPARE(log.take(u"Uninstall"_s), QStringList{u"blocked self uninstall: "_s + review.app.path});
+        QCOMPARE(rig.scanner->progressStage().label(), u"失败：不能卸载 Velbrix 自身"_s);
+        QCOMPARE(rig.scanner->progressValue(), 1.0);
+        QVERIFY(rig.host.trash.calls.isEmpty());
+        QVERIFY(!QFile::exists(rig.journal()));
+    }
+
+    void whatIsGoneOrProtectedIsNotTaken()
+    {
+        NoteRig rig;
+        UninstallReview review = rig.reviewOf(u"Note"_s);
+        review.app.path = rig.home(u"Applications/Gone.app"_s);
+        QCOMPARE(rig.uninstall(review), u"失败：找不到应用"_s);
+        for (const QString &place : {rig.home(), rig.home(u"Preferences"_s), rig.home(u"own"_s), u"/"_s,
+                                     u"/usr"_s, rig.home(u"Applications/../Caches/"_s)}) {
+            rig.plant(u"own/file"_s);
+            review.app.path = place;
+            QVERIFY2(rig.uninstall(review).startsWith(u"失败：受保护的位置"_s), qPrintable(place));
+        }
+        QVERIFY(rig.host.trash.calls.isEmpty());
+    }
+
+    void theDataStaysWhenTheApplicationDoes()
+    {
+        NoteRig rig;
+        const UninstallReview review = rig.reviewOf(u"Note"_s);
+        rig.host.trash.refused.insert(review.app.path, u"没有权限"_s);
+        QCOMPARE(rig.uninstall(review), u"失败：没有权限"_s);
+        QCOMPARE(rig.trashed().size(), 1);
+        QVERIFY(!rig.scanner->isUninstalling());
+        QVERIFY(rig.scanner->records().isEmpty());
+        QCOMPARE(rig.scanner->failures(), (QList<FailedItem>{{review.app.path, u"没有权限"_s}}));
+        rig.host.trash.refused.clear();
+        QCOMPARE(rig.uninstall(review), u"已卸载「Note」"_s);
+    }
+
+    void whatCannotGoIsTold()
+    {
+        NoteRig rig;
+        const UninstallReview review = rig.reviewOf(u"Note"_s);
+        const QString stuck = rig.home(u"Preferences/org.acme.note.plist"_s);
+        rig.host.trash.refused.insert(stuck, u"没有权限"_s);
+        QFile::remove(rig.home(u"Caches/org.acme.note"_s)); // vanished: done
+        QCOMPARE(rig.uninstall(review), u"已卸载「Note」，1 项未能移动"_s);
+        QCOMPARE(rig.scanner->failures(), (QList<FailedItem>{{stuck, u"没有权限"_s}}));
+        QCOMPARE(rig.scanner->records().first().failed, rig.scanner->failures());
+    }
+
+    void onlyWhatASearchWouldFindGoes()
+    {
+        NoteRig rig;
+        UninstallReview review = rig.reviewOf(u"Note"_s);
+        const QStringList forged = {rig.home(),
+                                    rig.home(u"Preferences"_s),
+                                    rig.home(u"Preferences/stranger"_s),
+                                    rig.home(u"Preferences/velbrix-note"_s),
+                                    rig.home(u"Preferences/org.acme.note/deep"_s),
+                                    rig.home(u"Preferences/../outside/org.acme.note"_s),
+                                    rig.home(u"outside/org.acme.note"_s)};
+        for (const QString &path : forged)
+            review.items.append({.path = path,
+                                 .reason = MatchReason::identifier,
+                                 .why = {},
+                                 .caution = {},
+                                 .library = LibraryKind::preferences,
+                                 .bytes = {},
+                                 .isTicked = true,
+                                 .isFixed = false});
+        review.items.last().reason = MatchReason::companion;
+        rig.host.trash.refused.insert(rig.home(u"Preferences/org.acme.note"_s), u"没有权限"_s);
+        rig.uninstall(review);
+        for (const QString &path : forged)
+            QVERIFY2(!rig.host.trash.calls.contains(u"trash "_s + path) && QFile::exists(path),
+                     qPrintable(path));
+        QCOMPARE(rig.scanner->failures().size(), forged.size() + 1);
+        QCOMPARE(rig.scanner->failures().last().reason, u"不属于此应用的数据，已拒绝移动"_s);
+    }
+
+    void companionsGoAlong()
+    {
+        UninstallRig rig;
+        rig.install(u"Note"_s, u"org.acme.note"_s);
+        const QString launcher = rig.plant(u"share/note.desktop"_s);
+        const QString tool = rig.plant(u"bin/note"_s);
+        rig.lastInstalled().companions = {{launcher, true}, {tool, false}, {rig.home(), true}};
+        rig.scanned();
+        const UninstallReview review = rig.reviewOf(u"Note"_s, UninstallMode::appOnly);
+        QCOMPARE(review.items.size(), 3);
+        rig.uninstall(review);
+        QCOMPARE(rig.trashed(), (QStringList{u"Applications/Note.app"_s, u"share/note.desktop"_s}));
+        QVERIFY(QFile::exists(tool));
+    }
+
+    void packagesGoThroughTheirManager()
+    {
+        NoteRig rig;
+        rig.install(u"Gimp"_s, u"org.gimp.GIMP"_s);
+        rig.lastInstalled().kind = InstalledApplication::Kind::managed;
+        rig.lastInstalled().manager = u"APT"_s;
+        rig.lastInstalled().package = u"gimp"_s;
+        rig.plant(u"Caches/org.gimp.GIMP"_s);
+        rig.scanned();
+        rig.host.applications.removedWith = QStringList{u"gimp"_s, u"gimp-data"_s};
+        const UninstallReview review = rig.reviewOf(u"Gimp"_s);
+        QCOMPARE(review.packages, (QStringList{u"gimp"_s, u"gimp-data"_s}));
+        QCOMPARE(review.items.first().why, u"应用本体，由 APT 移除（gimp）"_s);
+        rig.host.applications.failure = u"密码不对"_s;
+        QCOMPARE(rig.uninstall(review), u"失败：密码不对"_s);
+        QVERIFY(rig.host.trash.calls.isEmpty());
+        rig.host.applications.failure.reset();
+        QCOMPARE(rig.uninstall(review), u"已卸载「Gimp」"_s);
+        QCOMPARE(rig.trashed(), QStringList{u"Caches/org.gimp.GIMP"_s});
+        QVERIFY(QFile::exists(review.app.path));
+        const UninstallRecord record = rig.scanner->records().first();
+        QCOMPARE(record.removedPackage, u"gimp"_s);
+        rig.scanner->putBack(record.id);
+        QCOMPARE(rig.ending(), u"已将「Gimp」的 1 项放回原处，软件包 gimp 不能放回，请重新安装"_s);
+        QVERIFY(rig.scanner->records().isEmpty());
+    }
+
+    void stopsBetweenTwoItems()
+    {
+        NoteRig rig;
+        const UninstallReview review = rig.reviewOf(u"Note"_s);
+        rig.scanner->uninstall(review);
+        rig.scanner->cancelUninstall();
+        QCOMPARE(rig.ending(), u"失败：已取消"_s);
+        QVERIFY(rig.host.trash.calls.isEmpty());
+        rig.scanner->uninstall(review);
+        QVERIFY(rig.until([&] { return rig.host.trash.calls.size() == 2; }));
+        rig.scanner->putBack(rig.scanner->records().first().id);
+        QVERIFY(!rig.scanner->isPuttingBack());
+        rig.scanner->cancelUninstall();
+        QCOMPARE(rig.ending(), u"失败：已取消，其余项目未移动"_s);
+        QCOMPARE(rig.host.trash.calls.size(), 2);
+        QCOMPARE(rig.scanner->records().first().moved.size(), 2);
+    }
+
+    void everythingGoesBack()
+    {
+        NoteRig rig;
+        rig.uninstall(rig.reviewOf(u"Note"_s));
+        rig.make(); // another day
+        const UninstallRecord record = rig.scanner->records().value(0);
+        QCOMPARE(record.moved.size(), 4);
+        rig.plant(u"Preferences/org.acme.note.plist"_s); // made anew
+        rig.host.trash.calls.clear();
+        rig.scanner->putBack(record.id);
+        QCOMPARE(rig.ending(), u"已将「Note」的 3 项放回原处，1 项未能放回"_s);
+        QCOMPARE(rig.host.trash.calls.first(), u"put back "_s + record.moved.last().original);
+        QVERIFY(QFile::exists(rig.home(u"Preferences/org.acme.note/deep/file"_s)));
+        QVERIFY(QFile::exists(rig.home(u"Applications/Note.app"_s)));
+        QCOMPARE(rig.scanner->failures().first().path, rig.home(u"Preferences/org.acme.note.plist"_s));
+        QCOMPARE(rig.scanner->records().first().moved.size(), 1);
+        QFile::remove(rig.home(u"Preferences/org.acme.note.plist"_s));
+        rig.scanner->putBack(record.id);
+        rig.ending();
+        QVERIFY(rig.scanner->records().isEmpty());
+        QVERIFY(UninstallJournal(rig.journal()).records().isEmpty());
+    }
+
+    // What has gone is in the file at every moment, so that a kill loses nothing.
+    void theRecordIsNeverBehind()
+    {
+        NoteRig rig;
+        rig.scanner->uninstall(rig.reviewOf(u"Note"_s));
+        int checks = 0;
+        QVERIFY(rig.until([&] {
+            for (const QString &path : rig.trashed()) {
+                const QString original = rig.home(path);
+                const QList<UninstallRecord> records = UninstallJournal(rig.journal()).records();
+                const auto moved = records.isEmpty() ? QList<MovedItem>() : records.first().moved;
+                if (QFile::exists(original))
+                    continue;
+                ++checks;
+                if (std::ranges::find(moved, original, &MovedItem::original) == moved.end())
+                    qFatal("lost");
+            }
+            return !rig.scanner->isBusy();
+        }));
+        QVERIFY(checks > 20);
+    }
+
+    void anUnwritableRecordIsTold()
+    {
+        NoteRig rig;
+        rig.plant(u"own"_s); // a file where the folder should be
+        rig.uninstall(rig.reviewOf(u"Note"_s));
+        QCOMPARE(rig.scanner->failures().size(), 1);
+        QVERIFY(rig.scanner->failures().first().reason.startsWith(u"卸载记录未能保存"_s));
+        QCOMPARE(rig.trashed().size(), 4);
+    }
+
+    void endsInTheMiddle()
+    {
+        NoteRig rig;
+        rig.scanner->uninstall(rig.reviewOf(u"Note"_s));
+        QVERIFY(rig.until([&] { return rig.host.trash.calls.size() == 2; }));
+        rig.scanner.reset();
+        rig.until([&] { return rig.clock.pendingCount() == 0; });
+        QTest::qWait(50);
+        QCOMPARE(rig.host.trash.calls.size(), 2);
+    }
+
+    void namesNobodyExpects()
+    {
+        UninstallRig rig;
+        rig.install(u"Note"_s, u"org.acme.note"_s);
+        const QString odd = rig.plant(u"Caches/org.acme.note a\nb"_s);
+        const QByteArray bytes = QFile::encodeName(rig.home(u"Caches"_s)) + "/org.acme.note\xff\xfe";
+        FILE *const file = std::fopen(bytes.constData(), "w");
+        QVERIFY(file);
+        std::fclose(file);
+        rig.scanned();
+        const UninstallReview review = rig.reviewOf(u"Note"_s);
+        QCOMPARE(review.items.size(), 2);
+        QCOMPARE(review.items.last().path, odd);
+        rig.uninstall(review);
+        QVERIFY(!QFile::exists(odd));
+        QCOMPARE(::unlink(bytes.constData()), 0); // it stayed
+    }
+
+    // Whatever an application calls itself.
+    void nothingElseIsEverTouched()
+    {
+        const QStringList words = {u""_s,         u" "_s,    u"."_s,   u".."_s,   u"/"_s,    u"com"_s,
+                                   u"org.acme"_s, u"note"_s, u"e"_s,   u"home"_s, u"*"_s,    u"Preferences"_s,
+                                   u"../.."_s,    u"x\ny"_s, u"own"_s, u"Café"_s, u"com."_s, u"velbrix"_s};
+        QRandomGenerator random(7);
+        const auto word = [&] { return words.at(random.bounded(words.size())); };
+        for (int round = 0; round < 25; ++round) {
+            NoteRig rig;
+            rig.host.applications.folders.append(
+                {LibraryKind::logs, rig.home(u"Preferences/org.acme.note"_s)});
+            rig.plant(u"Preferences/com./home/x"_s);
+            rig.plant(u"Caches/Preferences"_s);
+            AppInfo app = rig.app(u"Note"_s);
+            app.name = word() + word();
+            app.bundleID = word() + (random.bounded(2) ? word() : QString());
+            std::optional<UninstallReview> review;
+            rig.scanner->reviewOf(app, UninstallMode::full).then([&](UninstallReview now) { review = now; });
+            QVERIFY(rig.until([&] { return review.has_value(); }));
+            for (ReviewItem &item : review->items)
+                item.isTicked = true;
+            rig.uninstall(*review);
+            for (const QString &path : rig.trashed()) {
+                const bool isEntry = path.count(u'/') == 1 &&
+                                     (path.startsWith(u"Preferences/"_s) || path.startsWith(u"Caches/"_s));
+                const bool isNested =
+                    path.startsWith(u"Preferences/org.acme.note/"_s) && path.count(u'/') == 2;
+                QVERIFY2(path == u"Applications/Note.app"_s || isEntry || isNested, qPrintable(path));
+                QVERIFY2(path != u"Preferences/org.acme.note"_s && !path.contains(u"velbrix"_s),
+                         qPrintable(path));
+            }
+            QVERIFY(QFile::exists(rig.home(u"outside/org.acme.note"_s)));
+            QVERIFY(QDir(rig.home(u"Caches"_s)).exists());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(AppScannerTest)
+#include "AppScannerTest.moc"

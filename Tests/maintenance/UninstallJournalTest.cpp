@@ -1,0 +1,130 @@
+#include "maintenance/uninstall/UninstallJournal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+
+namespace {
+
+struct Rig {
+    QTemporaryDir folder;
+    const QString file = folder.filePath(u"own/uninstalls.json"_s);
+
+    UninstallRecord record(const QString &id) const
+    {
+        return {id,
+                u"名称"_s,
+                QDateTime(QDate(2026, 3, 1), QTime(9, 0, 0, 123)),
+                {{u"/gone/a\nb"_s, u"/trash/a"_s}, {u"/gone/c"_s, {}}},
+                {{u"/gone/d"_s, u"原因"_s}},
+                u"gimp"_s};
+    }
+    static Result<void> wait(QCoro::Task<Result<void>> task)
+    {
+        std::optional<Result<void>> answer;
+        task.then([&answer](Result<void> now) { answer = std::move(now); });
+        return QTest::qWaitFor([&] { return answer.has_value(); }) ? *answer : failure(u"…"_s);
+    }
+    void write(const QByteArray &content) const
+    {
+        QDir().mkpath(folder.filePath(u"own"_s));
+        QFile target(file);
+        QVERIFY(target.open(QIODevice::WriteOnly));
+        target.write(content);
+    }
+};
+
+} // namespace
+
+class UninstallJournalTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsTheLastTenForTheUserAlone()
+    {
+        Rig rig;
+        UninstallJournal journal(rig.file);
+        QVERIFY(!QFile::exists(rig.file));
+        for (int n = 0; n < 12; ++n)
+            QVERIFY(Rig::wait(journal.put(rig.record(QString::number(n)))));
+        QCOMPARE(journal.records().size(), 10);
+        QCOMPARE(journal.records().first(), rig.record(u"11"_s));
+        QCOMPARE(UninstallJournal(rig.file).records(), journal.records());
+        QCOMPARE(QFile::permissions(rig.file) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    }
+
+    void aRecordThatTellsOfNothingLeaves()
+    {
+        Rig rig;
+        UninstallJournal journal(rig.file);
+        UninstallRecord record = rig.record(u"1"_s);
+        QVERIFY(Rig::wait(journal.put(rig.record(u"2"_s))));
+        QVERIFY(Rig::wait(journal.put(record)));
+        record.moved = {};
+        QVERIFY(Rig::wait(journal.put(record)));
+        QCOMPARE(journal.records().size(), 2); // of a package
+        record.removedPackage.clear();
+        QVERIFY(Rig::wait(journal.put(record)));
+        QCOMPARE(journal.records().size(), 1);
+        QVERIFY(Rig::wait(journal.remove(u"2"_s)));
+        QVERIFY(UninstallJournal(rig.file).records().isEmpty());
+    }
+
+    void whatWasNeverMovedIsNoPartOfIt()
+    {
+        Rig rig;
+        const QString there = rig.folder.filePath(u"there"_s);
+        QVERIFY(QFile::link(u"/nowhere"_s, there));
+        UninstallRecord record = rig.record(u"1"_s);
+        record.moved.append({there, {}});
+        UninstallJournal before(rig.file);
+        QVERIFY(Rig::wait(before.put(record)));
+        record.moved.removeLast();
+        QCOMPARE(UninstallJournal(rig.file).records().first().moved, record.moved);
+    }
+
+    void nonsenseIsKeptAside_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("torn") << QByteArray(R"({"records": [{"id": "1", "at")");
+        QTest::newRow("list") << QByteArray("[]");
+        QTest::newRow("another object") << QByteArray(R"({"records": 7})");
+        QTest::newRow("a record of nonsense") << QByteArray(R"({"records": [{"id": 3}]})");
+        QTest::newRow("a relative path")
+            << QByteArray(R"({"records": [{"id": "1", "at": "2026-03-01T09:00:00.000Z",
+                             "moved": [{"original": "a", "trashed": "b"}]}]})");
+    }
+
+    void nonsenseIsKeptAside()
+    {
+        QFETCH(QByteArray, content);
+        Rig rig;
+        for (const QString &aside : {u".damaged"_s, u".damaged-2"_s}) {
+            rig.write(content);
+            UninstallJournal journal(rig.file);
+            QVERIFY(journal.records().isEmpty());
+            QFile kept(rig.file + aside);
+            QVERIFY(kept.open(QIODevice::ReadOnly));
+            QCOMPARE(kept.readAll(), content);
+            QVERIFY(Rig::wait(journal.put(rig.record(u"1"_s))));
+        }
+    }
+
+    void tellsWhenItCannotBeWritten()
+    {
+        Rig rig;
+        QFile blocking(rig.folder.filePath(u"own"_s));
+        QVERIFY(blocking.open(QIODevice::WriteOnly));
+        UninstallJournal journal(rig.file);
+        QVERIFY(!Rig::wait(journal.put(rig.record(u"1"_s))));
+        QCOMPARE(journal.records().size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(UninstallJournalTest)
+#include "UninstallJournalTest.moc"

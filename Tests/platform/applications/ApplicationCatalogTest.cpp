@@ -1,0 +1,456 @@
+#include "platform/linux/applications/LinuxApplicationCatalog.h"
+
+#include "foundation/SystemClock.h"
+#include "support/FakeApplicationCatalog.h"
+#include "support/VirtualClock.h"
+
+#include <QCoroTask>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = InstalledApplication::Kind;
+
+// A home, a system's data folder and package managers that are shell scripts.
+struct HostRig {
+    QTemporaryDir folder;
+    SystemClock clock;
+    ApplicationPlaces places;
+    PackagePrograms programs;
+
+    HostRig()
+    {
+        places.home = at(u"home"_s);
+        places.dataHome = at(u"home/.local/share"_s);
+        places.configHome = at(u"home/.config"_s);
+        places.cacheHome = at(u"home/.cache"_s);
+        places.stateHome = at(u"home/.local/state"_s);
+        places.dataFolders = {at(u"local"_s), at(u"system"_s)};
+        places.flatpakFolder = at(u"flatpak"_s);
+        places.executable = at(u"bin/velbrix"_s);
+        programs.env = u"/usr/bin/env"_s;
+    }
+    QString at(const QString &path) const { return folder.filePath(path); }
+    QString write(const QString &path, const QByteArray &text) const
+    {
+        QDir().mkpath(QFileInfo(at(path)).absolutePath());
+        QFile file(at(path));
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+            qFatal("cannot write");
+        return at(path);
+    }
+    QString entry(const QString &path, const QByteArray &name, const QByteArray &more = "Exec=true") const
+    {
+        return write(path, "[Desktop Entry]\nType=Application\nName=" + name + '\n' + more + '\n');
+    }
+    // Each call is noted in the file "calls".
+    QString script(const QString &name, const QByteArray &body) const
+    {
+        const QString path =
+            write(u"bin/"_s + name, "#!/bin/sh\nprintf '%s\\n' \"" + name.toUtf8() + " $*\" >> '" +
+                                        at(u"calls"_s).toUtf8() + "'\n" + body);
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return path;
+    }
+    // GIMP is a package; its removal takes a plug-in with it.
+    void installApt()
+    {
+        const QByteArray gimp = entry(u"system/applications/gimp.desktop"_s, "GIMP").toUtf8();
+        programs.dpkgQuery =
+            script(u"dpkg-query"_s, "if [ $1 = -S ]; then [ -f '" + gimp + "' ] && echo 'gimp: " + gimp +
+                                        "'\nexit 1; fi\n"
+                                        "printf 'gimp\\t2.10\\t4\\tno\\tno\\toptional\\n'\n");
+        programs.aptGet =
+            script(u"apt-get"_s,
+                   "if [ $1 = -s ]; then echo 'Remv gimp [2.10]'; echo 'Remv gimp-plug [1]'; exit 0; fi\n"
+                   "echo \"$DEBIAN_FRONTEND $LC_ALL\" >> '" +
+                       at(u"calls"_s).toUtf8() + "'\nrm '" + gimp + "'\n");
+        programs.pkexec = script(u"pkexec"_s, "shift; exec \"$@\"\n");
+    }
+    QStringList calls() const
+    {
+        QFile file(at(u"calls"_s));
+        return file.open(QIODevice::ReadOnly)
+                   ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
+                   : QStringList();
+    }
+    LinuxApplicationCatalog catalog() { return {clock, places, programs}; }
+    QList<InstalledApplication> applications()
+    {
+        LinuxApplicationCatalog host = catalog();
+        return QCoro::waitFor(host.applications()).value_or(QList<InstalledApplication>());
+    }
+    InstalledApplication named(const QString &name)
+    {
+        const QList<InstalledApplication> all = applications();
+        for (const InstalledApplication &application : all) {
+            if (application.name == name)
+                return application;
+        }
+        return {};
+    }
+};
+
+QStringList names(const QList<InstalledApplication> &applications)
+{
+    QStringList found;
+    for (const InstalledApplication &application : applications)
+        found.append(application.name);
+    found.sort();
+    return found;
+}
+
+InstalledApplication gimpOf(const QString &path)
+{
+    InstalledApplication gimp;
+    gimp.name = u"GIMP"_s;
+    gimp.path = path;
+    gimp.kind = Kind::managed;
+    gimp.manager = u"APT"_s;
+    gimp.package = u"gimp"_s;
+    return gimp;
+}
+
+} // namespace
+
+class ApplicationCatalogTest : public QObject {
+    Q_OBJECT
+
+    template <typename Catalog> void listsAndRemoves(Catalog &catalog)
+    {
+        const auto listed = QCoro::waitFor(catalog.applications());
+        QVERIFY(listed);
+        QCOMPARE(names(*listed), QStringList{u"GIMP"_s});
+        const InstalledApplication gimp = listed->first();
+        QCOMPARE(gimp.kind, Kind::managed);
+        QCOMPARE(gimp.manager + u' ' + gimp.package, u"APT gimp"_s);
+        const auto going = QCoro::waitFor(catalog.packagesRemovedWith(gimp));
+        QVERIFY(going);
+        QCOMPARE(going->first(), u"gimp"_s);
+
+        Cancellation cancelled;
+        cancelled.cancel();
+        const auto kept = QCoro::waitFor(catalog.removeManaged(gimp, cancelled));
+        QVERIFY(!kept);
+        QCOMPARE(kept.error().message, u"已取消"_s);
+        QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 1);
+
+        QVERIFY(QCoro::waitFor(catalog.removeManaged(gimp, {})));
+        QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 0);
+    }
+
+private Q_SLOTS:
+    void theFakeListsAndRemoves()
+    {
+        VirtualClock clock;
+        FakeApplicationCatalog fake(clock);
+        fake.installed = QList{gimpOf(u"/usr/share/applications/gimp.desktop"_s)};
+        listsAndRemoves(fake);
+    }
+
+    void theHostListsAndRemoves()
+    {
+        HostRig rig;
+        rig.installApt();
+        LinuxApplicationCatalog catalog = rig.catalog();
+        listsAndRemoves(catalog);
+        const QStringList calls = rig.calls();
+        const qsizetype removal =
+            calls.indexOf(u"pkexec --disable-internal-agent /usr/bin/env DEBIAN_FRONTEND=noninteractive "_s +
+                          rig.programs.aptGet + u" -y remove gimp"_s);
+        QVERIFY2(removal > 0, qPrintable(calls.join(u'\n')));
+        QCOMPARE(calls.value(removal - 1), u"dpkg-query -S -- "_s + rig.places.executable);
+        QCOMPARE(calls.mid(removal + 1, 2),
+                 (QStringList{u"apt-get -y remove gimp"_s, u"noninteractive C.UTF-8"_s}));
+        QCOMPARE(calls.filter(u"pkexec"_s).size(), 1);
+    }
+
+    void packagesGiveVersionAndSize()
+    {
+        HostRig rig;
+        rig.installApt();
+        rig.entry(u"system/applications/kde/edit.desktop"_s, "Unowned");
+        const InstalledApplication gimp = rig.named(u"GIMP"_s);
+        QCOMPARE(gimp.identifier, u"gimp"_s);
+        QCOMPARE(gimp.version, u"2.10"_s);
+        QCOMPARE(gimp.size, std::optional<qint64>(4096));
+        QCOMPARE(rig.calls().filter(u"-S -- "_s).size(), 1);
+        const InstalledApplication unowned = rig.named(u"Unowned"_s);
+        QCOMPARE(unowned.identifier, u"kde-edit"_s);
+        QCOMPARE(unowned.kind, Kind::desktopEntry);
+    }
+
+    void usersEntriesHideTheSystems()
+    {
+        HostRig rig;
+        rig.installApt();
+        rig.entry(u"home/.local/share/applications/gimp.desktop"_s, "Mine", "Hidden=true");
+        rig.entry(u"system/applications/local.desktop"_s, "Behind");
+        rig.entry(u"local/applications/local.desktop"_s, "Before");
+        QCOMPARE(names(rig.applications()), QStringList{u"Before"_s});
+    }
+
+    // Nobody can tell whose they are.
+    void withoutAnAnswerTheSystemsEntriesAreLeftOut()
+    {
+        HostRig rig;
+        rig.installApt();
+        rig.entry(u"home/.local/share/applications/own.desktop"_s, "Own");
+        rig.programs.dpkgQuery = rig.script(u"dpkg-query"_s, "kill -9 $$\n");
+        QCOMPARE(names(rig.applications()), QStringList{u"Own"_s});
+        rig.programs.dpkgQuery = rig.at(u"nowhere"_s);
+        QCOMPARE(names(rig.applications()), QStringList{u"Own"_s});
+    }
+
+    void launchersKnowTheirProgram()
+    {
+        HostRig rig;
+        const QString tool = rig.write(u"home/bin/tool"_s, "#!/bin/sh\n");
+        const QString image = rig.write(u"home/apps/X.AppImage"_s, "x");
+        const QString own = u"home/.local/share/applications/"_s;
+        const QString path =
+            rig.entry(own + u"org.tool.Tool.desktop"_s, "Tool", "Exec=env A=b " + tool.toUtf8());
+        rig.entry(own + u"x.desktop"_s, "X", "Exec=\"" + image.toUtf8() + "\" %U\nX-AppImage-Version=3");
+        QFile::link(u"/bin/sh"_s, rig.at(u"home/bin/link"_s));
+        rig.entry(own + u"link.desktop"_s, "Link", "Exec=" + rig.at(u"home/bin/link"_s).toUtf8());
+        rig.entry(own + u"out.desktop"_s, "Out", "Exec=" + rig.at(u"home/../bin/sh"_s).toUtf8());
+        QDir().mkpath(rig.at(u"outside"_s));
+        rig.write(u"outside/tool"_s, "x");
+        QFile::link(rig.at(u"outside"_s), rig.at(u"home/away"_s));
+        rig.entry(own + u"away.desktop"_s, "Away", "Exec=" + rig.at(u"home/away/tool"_s).toUtf8());
+
+        const InstalledApplication found = rig.named(u"Tool"_s);
+        QCOMPARE(found.path, path);
+        QCOMPARE(found.identifier, u"org.tool.Tool"_s);
+        QCOMPARE(found.companions, (QList<ApplicationCompanion>{{tool, false}}));
+        QCOMPARE(rig.named(u"X"_s).companions, (QList<ApplicationCompanion>{{image, true}}));
+        QCOMPARE(rig.named(u"X"_s).version, u"3"_s);
+        QVERIFY(rig.named(u"Link"_s).companions.isEmpty() && rig.named(u"Out"_s).companions.isEmpty() &&
+                rig.named(u"Away"_s).companions.isEmpty());
+    }
+
+    void appImagesKnowTheirLauncher()
+    {
+        HostRig rig;
+        const QString image = rig.write(u"home/Applications/Krita-5.2-x86_64.appimage"_s, "");
+        const QString marked = rig.write(u"home/Downloads/marked"_s, QByteArray("\x7f"
+                                                                                "ELF\2\1\1\0AI\2",
+                                                                                11) +
+                                                                         QByteArray(70000, 'x'));
+        rig.write(u"home/Downloads/other"_s, QByteArray(80000, 'x'));
+        QDir().mkpath(rig.at(u"home/Downloads/folder.AppImage"_s));
+        const QString icon = rig.write(u"home/icons/krita.png"_s, "png");
+        const QString launcher =
+            rig.entry(u"home/.local/share/applications/org.kde.krita.desktop"_s, "Krita Paint",
+                      "Exec=" + image.toUtf8() + "\nIcon=" + icon.toUtf8() + "\nX-AppImage-Version=5.2.9");
+        const QList<InstalledApplication> all = rig.applications();
+        QCOMPARE(names(all), (QStringList{u"Krita Paint"_s, u"marked"_s}));
+        const InstalledApplication krita = rig.named(u"Krita Paint"_s);
+        QCOMPARE(krita.path, image);
+        QCOMPARE(krita.kind, Kind::appImage);
+        QCOMPARE(krita.version, u"5.2.9"_s);
+        QCOMPARE(krita.identifier, u"org.kde.krita"_s);
+        QCOMPARE(krita.companions, (QList<ApplicationCompanion>{{launcher, true}, {icon, false}}));
+        QCOMPARE(rig.named(u"marked"_s).path, marked);
+        QVERIFY(rig.named(u"marked"_s).identifier.isEmpty() && !rig.named(u"marked"_s).size);
+    }
+
+    void flatpaksAndSnapsGoThroughTheirManager()
+    {
+        HostRig rig;
+        rig.installApt();
+        rig.programs.flatpak = rig.script(
+            u"flatpak"_s,
+            "[ $1 = list ] && printf 'org.a.A\\tA\\t1\\t1.0 MB\\tuser\\norg.b.B\\tB\\t2\\t?\\tsystem\\n'\n"
+            "[ \"$4\" != org.b.B ] || { echo 'no password' >&2; exit 1; }\n");
+        rig.programs.snap =
+            rig.script(u"snap"_s, "[ $1 = list ] && printf 'Name Version\\nfoo 7\\ncore20 1\\n'\nexit 0\n");
+        rig.entry(u"system/applications/org.b.B.desktop"_s, "Bee",
+                  "Exec=flatpak run org.b.B\nX-Flatpak=org.b.B");
+        rig.entry(u"system/applications/org.gone.C.desktop"_s, "Gone", "Exec=true\nX-Flatpak=org.gone.C");
+        rig.entry(u"system/applications/foo_foo.desktop"_s, "Foo", "Exec=foo\nX-SnapInstanceName=foo");
+        QCOMPARE(names(rig.applications()), (QStringList{u"A"_s, u"Bee"_s, u"Foo"_s, u"GIMP"_s}));
+        const InstalledApplication a = rig.named(u"A"_s);
+        QCOMPARE(a.path, rig.at(u"home/.local/share/flatpak/app/org.a.A"_s));
+        QCOMPARE(a.size, std::optional<qint64>(1000000));
+        const InstalledApplication bee = rig.named(u"Bee"_s);
+        QCOMPARE(bee.identifier + u' ' + bee.version, u"org.b.B 2"_s);
+        const InstalledApplication foo = rig.named(u"Foo"_s);
+        QCOMPARE(foo.identifier + u' ' + foo.version, u"foo 7"_s);
+
+        LinuxApplicationCatalog catalog = rig.catalog();
+        QVERIFY(QCoro::waitFor(catalog.removeManaged(a, {})));
+        QVERIFY(QCoro::waitFor(catalog.removeManaged(foo, {})));
+        const auto refused = QCoro::waitFor(catalog.removeManaged(bee, {}));
+        QVERIFY(!refused);
+        QCOMPARE(refused.error().message, u"Flatpak 没有移除 org.b.B：no password"_s);
+        QVERIFY(rig.calls().contains(u"flatpak uninstall -y --user org.a.A"_s));
+        QVERIFY(rig.calls().contains(u"flatpak uninstall -y --system org.b.B"_s));
+        QVERIFY(rig.calls().contains(u"snap remove foo"_s));
+        QVERIFY(rig.calls().contains(u"pkexec --disable-internal-agent "_s + rig.programs.snap +
+                                     u" remove foo"_s));
+    }
+
+    void refusesWhatTheSystemNeeds_data()
+    {
+        QTest::addColumn<QByteArray>("simulated");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("essential") << QByteArray("Remv gimp [1]\\nRemv bash [5]\\n")
+                                   << QByteArray("不能移除 gimp：系统或桌面离不开软件包 bash");
+        QTest::newRow("desktop") << QByteArray("Remv gimp [1]\\nRemv xserver-xorg-core:amd64 [2]\\n")
+                                 << QByteArray(
+                                        "不能移除 gimp：系统或桌面离不开软件包 xserver-xorg-core:amd64");
+        QTest::newRow("Velbrix") << QByteArray("Remv gimp [1]\\nRemv velbrix [2]\\n")
+                                 << QByteArray("不能移除 gimp：Velbrix 自身会一起被移除");
+        QTest::newRow("no answer") << QByteArray("E: Unable to locate package gimp\\n")
+                                   << QByteArray("APT 不能移除软件包 gimp：E: Unable to locate package gimp");
+    }
+    void refusesWhatTheSystemNeeds()
+    {
+        QFETCH(QByteArray, simulated);
+        QFETCH(QByteArray, message);
+        HostRig rig;
+        rig.installApt();
+        rig.programs.aptGet = rig.script(u"apt-get"_s, "printf '" + simulated + "'\n");
+        rig.programs.dpkgQuery = rig.script(
+            u"dpkg-query"_s, "if [ $1 = -S ]; then echo 'velbrix: " + rig.places.executable.toUtf8() +
+                                 "'; exit; fi\nshift 3\nfor p; do case $p in bash) e=yes;; *) e=no;; esac\n"
+                                 "printf '%s\\t1\\t1\\t%s\\t\\toptional\\n' $p $e; done\n");
+        LinuxApplicationCatalog catalog = rig.catalog();
+        const InstalledApplication gimp = gimpOf(rig.at(u"system/applications/gimp.desktop"_s));
+        const auto going = QCoro::waitFor(catalog.packagesRemovedWith(gimp));
+        QVERIFY(!going);
+        QCOMPARE(going.error().message, QString::fromUtf8(message));
+        const auto removed = QCoro::waitFor(catalog.removeManaged(gimp, {}));
+        QVERIFY(!removed);
+        QCOMPARE(removed.error(), going.error());
+        QVERIFY(rig.calls().filter(u"pkexec"_s).isEmpty());
+    }
+
+    void saysWhyARemovalDidNotHappen()
+    {
+        HostRig rig;
+        rig.installApt();
+        const InstalledApplication gimp = rig.named(u"GIMP"_s);
+        const auto message = [&](const InstalledApplication &application) {
+            LinuxApplicationCatalog catalog = rig.catalog();
+            const auto removed = QCoro::waitFor(catalog.removeManaged(application, {}));
+            return removed ? QString() : removed.error().message;
+        };
+        rig.programs.pkexec = rig.script(u"pkexec"_s, "exit 126\n");
+        QCOMPARE(message(gimp), u"没有输入密码，gimp 未被移除"_s);
+        rig.programs.pkexec = rig.script(u"pkexec"_s, "echo 'No agent' >&2; exit 127\n");
+        QCOMPARE(message(gimp), u"没有取得管理员权限，gimp 未被移除：No agent"_s);
+        rig.programs.pkexec = rig.script(u"pkexec"_s, "printf 'Reading\\nE: Locked\\n'; exit 100\n");
+        QCOMPARE(message(gimp), u"APT 没有移除 gimp：E: Locked"_s);
+        rig.programs.pkexec.clear();
+        QCOMPARE(message(gimp), u"没有找到 pkexec，无法取得移除软件包所需的管理员权限"_s);
+        InstalledApplication other = gimp;
+        other.package = u"--purge"_s;
+        QCOMPARE(message(other), u"「GIMP」不是由软件包管理器安装的"_s);
+        other = gimp;
+        other.kind = Kind::desktopEntry;
+        QCOMPARE(message(other), u"「GIMP」不是由软件包管理器安装的"_s);
+    }
+
+    void hostileEntriesCostOnlyThemselves()
+    {
+        HostRig rig;
+        const QString own = u"home/.local/share/applications/"_s;
+        rig.entry(own + u"good.desktop"_s, "Good");
+        rig.entry(own + u"new\nline.desktop"_s, "Line");
+        rig.entry(own + u"huge.desktop"_s, QByteArray(2 << 20, 'x'));
+        rig.write(own + u"binary.desktop"_s, QByteArray(4096, '\0'));
+        rig.write(own + u"empty.desktop"_s, "");
+        QFile::link(u"/dev/zero"_s, rig.at(own + u"zero.desktop"_s));
+        QFile::link(u"."_s, rig.at(own + u"loop"_s));
+        QDir().mkpath(rig.at(own + u"folder.desktop"_s));
+        const QByteArray odd = QFile::encodeName(rig.at(own)) + "odd\xff.desktop";
+        QCOMPARE(::symlink(QFile::encodeName(rig.at(own + u"good.desktop"_s)).constData(), odd.constData()),
+                 0);
+        const QStringList found = names(rig.applications());
+        ::unlink(odd.constData()); // the temporary folder could not
+        QCOMPARE(found, (QStringList{u"Good"_s, u"Line"_s}));
+    }
+
+    void threeHundredEntriesAreQuick()
+    {
+        HostRig rig;
+        for (int number = 0; number < 300; ++number)
+            rig.entry(u"home/.local/share/applications/a%1.desktop"_s.arg(number),
+                      "App " + QByteArray::number(number),
+                      "Exec=true\nIcon=nothing-of-the-kind\n" + QByteArray(20000, '#'));
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(rig.applications().size(), 300);
+        qInfo("%lld ms", timer.elapsed());
+        QVERIFY(timer.elapsed() < 1000);
+    }
+
+    void placesFollowTheEnvironment()
+    {
+        QTemporaryDir folder;
+        qputenv("XDG_DATA_HOME", "/data/");
+        qputenv("XDG_CONFIG_HOME", "relative");
+        qputenv("XDG_CACHE_HOME", "/cache");
+        qputenv("XDG_STATE_HOME", "/state");
+        SystemClock clock;
+        const LinuxApplicationCatalog catalog(clock, ApplicationPlaces::ofThisUser(), {});
+        const QString home = QDir::homePath();
+        QCOMPARE(catalog.libraryFolders(),
+                 (QList<LibraryFolder>{{LibraryKind::preferences, home + u"/.config"_s},
+                                       {LibraryKind::appSupport, u"/data"_s},
+                                       {LibraryKind::caches, u"/cache"_s},
+                                       {LibraryKind::containers, home + u"/.var/app"_s},
+                                       {LibraryKind::containers, home + u"/snap"_s},
+                                       {LibraryKind::savedState, u"/state"_s}}));
+        const QString program = QCoreApplication::applicationFilePath();
+        QCOMPARE(catalog.ownIdentity(), (OwnIdentity{program, u"Velbrix"_s, u"velbrix"_s}));
+
+        QFile image(folder.filePath(u"Velbrix.AppImage"_s));
+        QVERIFY(image.open(QIODevice::WriteOnly));
+        qputenv("APPIMAGE", image.fileName().toUtf8());
+        qputenv("APPDIR", "/somewhere/else");
+        QCOMPARE(ApplicationPlaces::ofThisUser().executable, program);
+        qputenv("APPDIR", QCoreApplication::applicationDirPath().toUtf8());
+        QCOMPARE(ApplicationPlaces::ofThisUser().executable, image.fileName());
+        for (const char *variable :
+             {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "APPIMAGE", "APPDIR"})
+            qunsetenv(variable);
+    }
+
+    // Only asks.
+    void theRealDpkgKnowsWhatItOwns()
+    {
+        HostRig rig;
+        const PackagePrograms real = PackagePrograms::ofThisHost();
+        const QDir system(u"/usr/share/applications"_s);
+        if (real.dpkgQuery.isEmpty() || system.entryList({u"*.desktop"_s}).isEmpty())
+            QSKIP("no dpkg or no desktop entries");
+        rig.programs.dpkgQuery = real.dpkgQuery;
+        rig.programs.aptGet = rig.script(u"apt-get"_s, "exit 1\n");
+        rig.places.dataFolders = {u"/usr/share"_s};
+        QElapsedTimer timer;
+        timer.start();
+        const QList<InstalledApplication> all = rig.applications();
+        qInfo("%lld applications in %lld ms", static_cast<long long>(all.size()), timer.elapsed());
+        QVERIFY(!all.isEmpty());
+        for (const InstalledApplication &application : all) {
+            QCOMPARE(application.kind, Kind::managed);
+            QVERIFY(!application.version.isEmpty() && application.size > 0);
+        }
+    }
+};
+
+QTEST_MAIN(ApplicationCatalogTest)
+#include "ApplicationCatalogTest.moc"

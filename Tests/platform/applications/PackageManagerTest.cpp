@@ -1,0 +1,117 @@
+#include "platform/linux/applications/PackageManager.h"
+#include "platform/linux/applications/SizeText.h"
+#include "platform/linux/applications/StoreList.h"
+
+#include <QTest>
+
+using namespace velbrix;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+PackageManager managerOf(const QString &query, const QString &remover)
+{
+    PackagePrograms programs;
+    programs.dpkgQuery = query == u"dpkg-query"_s ? query : QString();
+    programs.rpm = query == u"rpm"_s ? query : QString();
+    programs.aptGet = remover == u"apt-get"_s ? remover : QString();
+    programs.dnf = remover == u"dnf"_s ? remover : QString();
+    programs.zypper = remover == u"zypper"_s ? remover : QString();
+    programs.pacman = remover == u"pacman"_s ? remover : QString();
+    return systemPackageManager(programs).value_or(PackageManager());
+}
+
+using Owners = QHash<QString, QString>;
+
+} // namespace
+
+class PackageManagerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void takesTheOneThatCanRemove()
+    {
+        QCOMPARE(managerOf(u"dpkg-query"_s, u"apt-get"_s).name, u"APT"_s);
+        QCOMPARE(managerOf(u"rpm"_s, u"dnf"_s).name, u"DNF"_s);
+        QCOMPARE(managerOf(u"rpm"_s, u"zypper"_s).name, u"Zypper"_s);
+        QCOMPARE(managerOf(u""_s, u"pacman"_s).name, u"Pacman"_s);
+        QVERIFY(!systemPackageManager({}));
+        PackagePrograms onlyQuery;
+        onlyQuery.dpkgQuery = u"dpkg-query"_s;
+        QVERIFY(!systemPackageManager(onlyQuery));
+    }
+
+    void understandsApt()
+    {
+        const PackageManager apt = managerOf(u"dpkg-query"_s, u"apt-get"_s);
+        QCOMPARE(apt.owners("gimp: /usr/share/applications/gimp.desktop\n"
+                            "diversion by gimp from: /usr/share/applications/x.desktop\n"
+                            "wine:i386, wine:amd64: /usr/share/applications/a: b.desktop\n"),
+                 (Owners{{u"/usr/share/applications/gimp.desktop"_s, u"gimp"_s},
+                         {u"/usr/share/applications/a: b.desktop"_s, u"wine:i386"_s}}));
+        const auto facts = apt.facts("gimp\t2.10-1\t18000\tno\tno\toptional\nbash\t5\t\tyes\t\trequired\n"
+                                     "init\t1\t2\tno\tyes\timportant\n");
+        QCOMPARE(facts.value(u"gimp"_s), (PackageFacts{u"2.10-1"_s, 18000LL * 1024, false}));
+        QCOMPARE(facts.value(u"bash"_s), (PackageFacts{u"5"_s, std::nullopt, true}));
+        QVERIFY(facts.value(u"init"_s).isEssential);
+        QCOMPARE(apt.removed("Reading package lists...\nRemv gimp [2.10-1] [plug:amd64 ]\nRemv plug [1]\n"),
+                 (QStringList{u"gimp"_s, u"plug"_s}));
+    }
+
+    void understandsRpmsManagers()
+    {
+        const PackageManager dnf = managerOf(u"rpm"_s, u"dnf"_s);
+        QCOMPARE(dnf.owners("gimp\t/usr/bin/gimp\nfile /opt/x is not owned by any package\n"),
+                 (Owners{{u"/usr/bin/gimp"_s, u"gimp"_s}}));
+        QCOMPARE(dnf.facts("gimp\t2.10-3.fc40\t1234\n").value(u"gimp"_s),
+                 (PackageFacts{u"2.10-3.fc40"_s, 1234, false}));
+        QCOMPARE(dnf.removed("Dependencies resolved.\n=====\n Package  Arch\n=====\nRemoving:\n"
+                             " gimp     x86_64  2:2.10  @fedora  100 M\nRemoving dependent packages:\n"
+                             " gimp-data noarch 1 @fedora 1 M\n\nTransaction Summary\n=====\n"
+                             "Remove  2 Packages\n"),
+                 (QStringList{u"gimp"_s, u"gimp-data"_s}));
+        QCOMPARE(managerOf(u"rpm"_s, u"zypper"_s)
+                     .removed("Resolving package dependencies...\n\nThe following 2 packages are going to be "
+                              "REMOVED:\n  gimp gimp-data\n\n2 packages to remove.\n"),
+                 (QStringList{u"gimp"_s, u"gimp-data"_s}));
+    }
+
+    void understandsPacman()
+    {
+        const PackageManager pacman = managerOf(u""_s, u"pacman"_s);
+        QCOMPARE(pacman.owners("/usr/share/applications/gimp.desktop is owned by gimp 2.10-1\n"),
+                 (Owners{{u"/usr/share/applications/gimp.desktop"_s, u"gimp"_s}}));
+        QCOMPARE(pacman
+                     .facts("Name            : gimp\nVersion         : 2.10-1\nDepends On : a: b\n"
+                            "Installed Size  : 1.50 MiB\n")
+                     .value(u"gimp"_s),
+                 (PackageFacts{u"2.10-1"_s, 1572864, false}));
+        QCOMPARE(pacman.removed("gimp\n"), QStringList{u"gimp"_s});
+    }
+
+    void readsFlatpaksAndSnaps()
+    {
+        const QList<FlatpakApplication> expected{{u"org.gimp.GIMP"_s, u"GIMP"_s, u"2.10"_s, 123400000, true},
+                                                 {u"org.x.Y"_s, u"org.x.Y"_s, u""_s, std::nullopt, false}};
+        QCOMPARE(flatpakApplications("org.gimp.GIMP\tGIMP\t2.10\t123.4\xc2\xa0MB\tuser\n"
+                                     "org.x.Y\t\t\t?\tsystem\norg.extra.Z\tZ\t1\t1 MB\tlab\n"
+                                     "--all\tBad\t1\t1 MB\tuser\nhalf\tline\n"),
+                 expected);
+        QCOMPARE(snapVersions("Name    Version  Rev  Tracking  Publisher  Notes\n"
+                              "firefox 128.0-1  1    latest    mozilla    -\n"),
+                 (Owners{{u"firefox"_s, u"128.0-1"_s}}));
+    }
+
+    void knowsSizesAndNames()
+    {
+        QCOMPARE(bytesOf(u"512 bytes"_s), 512);
+        QCOMPARE(bytesOf(u"1.5 GB"_s), 1500000000);
+        QVERIFY(!bytesOf(u""_s) && !bytesOf(u"inf MB"_s) && !bytesOf(u"-1 MB"_s) && !bytesOf(u"12"_s));
+        QVERIFY(isPackageName(u"libstdc++6:amd64"_s) && isPackageName(u"org.gimp.GIMP"_s));
+        QVERIFY(!isPackageName(u"-y"_s) && !isPackageName(u""_s) && !isPackageName(u"a*"_s) &&
+                !isPackageName(u"a b"_s) && !isPackageName(u"a\n"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(PackageManagerTest)
+#include "PackageManagerTest.moc"

@@ -1,0 +1,262 @@
+#include "platform/linux/files/TreeDiskUsage.h"
+
+#include "foundation/SystemClock.h"
+#include "platform/macos/DuDiskUsage.h"
+#include "support/FakeDiskUsage.h"
+#include "support/FileTree.h"
+#include "support/VirtualClock.h"
+
+#include <QCoroTask>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr uid_t nobody = 65534;
+
+// What du says, through a shell that passes any bytes on; 0 when it says nothing.
+qint64 du(const QByteArray &path)
+{
+    QByteArray octal;
+    for (const char byte : path)
+        octal += "\\0" + QByteArray::number(uchar(byte), 8).rightJustified(3, '0');
+    QProcess shell;
+    shell.start(u"/bin/bash"_s,
+                {u"-c"_s, u"printf -v path %b '%1'; /usr/bin/du -sk \"$path\" 2>/dev/null"_s.arg(
+                              QString::fromLatin1(octal))});
+    shell.waitForFinished();
+    return shell.readAllStandardOutput().split('\t').value(0).toLongLong() * 1024;
+}
+
+QHash<qsizetype, qint64> measured(DiskUsage &usage, const QList<QByteArray> &paths)
+{
+    QHash<qsizetype, qint64> told;
+    const auto keep = [&](qsizetype index, qint64 bytes) {
+        QVERIFY2(!told.contains(index), "told twice");
+        told.insert(index, bytes);
+    };
+    QCoro::waitFor(usage.measure(paths, keep, Cancellation()));
+    return told;
+}
+
+} // namespace
+
+// The fake, the walker and du itself; du's figures are the measure.
+class DiskUsageTest : public QObject {
+    Q_OBJECT
+
+    SystemClock _clock;
+    VirtualClock _virtual;
+    QTemporaryDir _folder;
+    QByteArray _base;
+
+    std::unique_ptr<DiskUsage> make(const QByteArray &kind, const QList<QByteArray> &paths)
+    {
+        if (kind == "tree")
+            return std::make_unique<TreeDiskUsage>();
+        if (kind == "du")
+            return std::make_unique<DuDiskUsage>(_clock);
+        auto fake = std::make_unique<FakeDiskUsage>(_virtual);
+        for (const QByteArray &path : paths)
+            fake->sizes.insert(path, du(path));
+        return fake;
+    }
+    static void kinds()
+    {
+        QTest::addColumn<QByteArray>("kind");
+        for (const char *kind : {"fake", "tree", "du"})
+            QTest::newRow(kind) << QByteArray(kind);
+    }
+    void compare(const QByteArray &kind, const QList<QByteArray> &paths)
+    {
+        const auto usage = make(kind, paths);
+        const auto told = measured(*usage, paths);
+        QCOMPARE(told.size(), paths.size());
+        for (qsizetype i = 0; i < paths.size(); ++i)
+            QVERIFY2(told[i] == du(paths[i]), paths[i] + ": " + QByteArray::number(told[i]) + " instead of " +
+                                                  QByteArray::number(du(paths[i])));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        static int count = 0;
+        _base = QFile::encodeName(_folder.path()) + '/' + QByteArray::number(++count);
+        tree::folder(_base);
+    }
+    void cleanup() { std::filesystem::remove_all(tree::native(_base)); }
+
+    void saysWhatDuSays_data() { kinds(); }
+    void saysWhatDuSays()
+    {
+        QFETCH(QByteArray, kind);
+        for (int i = 0; i < 300; ++i)
+            tree::file(_base + "/many/" + QByteArray::number(i % 20) + "/in/" + QByteArray::number(i),
+                       QByteArray(i * 77, 'x'));
+        tree::file(_base + "/plain file", QByteArray(70'000, 'x'));
+        tree::file(_base + "/hard/one", QByteArray(20'000, 'x'));
+        ::link((_base + "/hard/one").constData(), (_base + "/hard/two").constData());
+        ::link((_base + "/hard/one").constData(), (_base + "/many/three").constData());
+        tree::file(_base + "/sparse/file");
+        QCOMPARE(::truncate((_base + "/sparse/file").constData(), 500'000'000), 0);
+        tree::link(_base + "/many", _base + "/link");
+        tree::link(_base + "/many", _base + "/hard/link");
+        tree::folder(_base + "/空 folder\n");
+        compare(kind, {_base, _base + "/many", _base + "/hard", _base + "/hard", _base + "/sparse",
+                       _base + "/plain file", _base + "/link", _base + "/link/", _base + "/空 folder\n",
+                       _base + "/missing", _base + "/plain file/in", "/proc/self/fd/9999"});
+    }
+
+    void readsNamesOfAnyBytes()
+    {
+        tree::file(_base + "/\xff\xfe/\xc3(", QByteArray(9000, 'x'));
+        compare("tree", {_base, _base + "/\xff\xfe", _base + "/\xff\xfe/\xc3("});
+        compare("du", {_base});
+    }
+
+    void countsDeepTrees_data() { kinds(); }
+    void countsDeepTrees()
+    {
+        QFETCH(QByteArray, kind);
+        int at = ::open(_base.constData(), O_RDONLY | O_DIRECTORY);
+        for (int i = 0; i < 60; ++i) { // paths of 15,000 bytes
+            const QByteArray name(250, 'n');
+            ::mkdirat(at, name.constData(), 0700);
+            const int next = ::openat(at, name.constData(), O_RDONLY | O_DIRECTORY);
+            ::close(at);
+            at = next;
+        }
+        const int file = ::openat(at, "file", O_CREAT | O_WRONLY, 0600);
+        QCOMPARE(::write(file, "x", 1), 1);
+        ::close(file);
+        ::close(at);
+        compare(kind, {_base});
+    }
+
+    void countsWhatItCanRead_data() { kinds(); }
+    void countsWhatItCanRead()
+    {
+        QFETCH(QByteArray, kind);
+        for (const char *name : {"/open/a", "/unread/b", "/unsearched/c", "/unsearched/in/d"})
+            tree::file(_base + name, QByteArray(10'000, 'x'));
+        ::chmod((_base + "/unread").constData(), 0);
+        ::chmod((_base + "/unsearched").constData(), 0600);
+        if (::geteuid() == 0) {
+            ::chmod(QFile::encodeName(_folder.path()).constData(), 0755);
+            QProcess::execute(u"chown"_s, {u"-R"_s, u"65534"_s, QFile::decodeName(_base)});
+            // The whole process, so that du is started as somebody without rights too.
+            if (::setresuid(nobody, nobody, 0) != 0)
+                QSKIP("root may read everything");
+        }
+        compare(kind, {_base, _base + "/unread", _base + "/unsearched"});
+        if (::getuid() == nobody)
+            QCOMPARE(::setresuid(0, 0, 0), 0);
+        ::chmod((_base + "/unread").constData(), 0700);
+        ::chmod((_base + "/unsearched").constData(), 0700);
+    }
+
+    void tellsNothingAfterTheCancelling_data() { kinds(); }
+    void tellsNothingAfterTheCancelling()
+    {
+        QFETCH(QByteArray, kind);
+        QList<QByteArray> paths;
+        for (int i = 0; i < 40; ++i) {
+            tree::file(_base + '/' + QByteArray::number(i) + "/file");
+            paths.append(_base + '/' + QByteArray::number(i));
+        }
+        const auto usage = make(kind, paths);
+        Cancellation cancellation;
+        int told = 0;
+        const auto cancelAtThird = [&](qsizetype, qint64) {
+            if (++told == 3)
+                cancellation.cancel();
+        };
+        QCoro::waitFor(usage->measure(paths, cancelAtThird, cancellation));
+        QCOMPARE(told, 3);
+        QCoro::waitFor(usage->measure(paths, cancelAtThird, cancellation));
+        QCOMPARE(told, 3);
+    }
+
+    void answersSeveralAtOnce_data() { kinds(); }
+    void answersSeveralAtOnce()
+    {
+        QFETCH(QByteArray, kind);
+        tree::file(_base + "/a/file", QByteArray(9000, 'x'));
+        tree::file(_base + "/b/file", QByteArray(90'000, 'x'));
+        const QList<QByteArray> paths{_base + "/a", _base + "/b"};
+        const auto usage = make(kind, paths);
+        QHash<QByteArray, qint64> told;
+        const auto keep = [&](qsizetype index, qint64 bytes) { told[paths[index]] += bytes; };
+        QCoro::Task<> first = usage->measure(paths, keep, Cancellation());
+        QCoro::Task<> second = usage->measure(paths, keep, Cancellation());
+        QCoro::Task<> none = usage->measure({}, keep, Cancellation());
+        QCoro::waitFor(std::move(first));
+        QCoro::waitFor(std::move(second));
+        QCoro::waitFor(std::move(none));
+        for (const QByteArray &path : paths)
+            QCOMPARE(told[path], 2 * du(path));
+    }
+
+    void theFakeHoldsItsAnswersBack()
+    {
+        FakeDiskUsage fake(_virtual);
+        fake.delay = 1s;
+        QList<qsizetype> told;
+        const QList<QByteArray> paths{"/a", "/b"};
+        const auto keep = [&](qsizetype index, qint64) { told.append(index); };
+        QCoro::Task<> task = fake.measure(paths, keep, Cancellation());
+        QCOMPARE(told, QList<qsizetype>());
+        _virtual.advance(1s);
+        QCOMPARE(told, QList<qsizetype>{0});
+        _virtual.advance(1s);
+        QCOMPARE(told, (QList<qsizetype>{0, 1}));
+        QCOMPARE(fake.calls, QList<QList<QByteArray>>{paths});
+    }
+
+    // The program may end while folders are still walked through.
+    void endsInTheMiddle()
+    {
+        QObject context;
+        auto usage = std::make_unique<TreeDiskUsage>();
+        int told = 0;
+        QCoro::Task<> task = usage->measure(
+            {"/usr"}, [&](qsizetype, qint64) { ++told; }, Cancellation());
+        usage.reset();
+        QCoro::waitFor(std::move(task));
+        QCOMPARE(told, 0);
+    }
+
+    void readsDusOutput_data()
+    {
+        QTest::addColumn<QByteArray>("output");
+        QTest::addColumn<qint64>("bytes");
+        QTest::newRow("usual") << QByteArray("12\t/a b\n") << qint64(12 * 1024);
+        QTest::newRow("white space first") << QByteArray(" \n 7 /a") << qint64(7 * 1024);
+        QTest::newRow("the number alone") << QByteArray("5") << qint64(5 * 1024);
+        QTest::newRow("large") << QByteArray("4294967296\t/a") << (qint64(1) << 42);
+        for (const char *nothing : {"", " \n", "du: cannot access", "0x12 /a", "1.5 /a", "12K\t/a"})
+            QTest::newRow(nothing) << QByteArray(nothing) << qint64(0);
+    }
+    void readsDusOutput()
+    {
+        QFETCH(QByteArray, output);
+        QTEST(duBytes(output), "bytes");
+    }
+
+    void withoutDuEverythingIsNothing()
+    {
+        DuDiskUsage usage(_clock, u"/nonexistent/du"_s);
+        QCOMPARE(measured(usage, {"/usr/bin", "/etc"}), (QHash<qsizetype, qint64>{{0, 0}, {1, 0}}));
+    }
+};
+
+QTEST_GUILESS_MAIN(DiskUsageTest)
+#include "DiskUsageTest.moc"
