@@ -16,7 +16,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("valid");
         QTest::addColumn<ParsedCommand>("parsed");
         QTest::newRow("verb") << u"status"_s << true << ParsedCommand{u"status"_s, {}, false, {}};
-        QTest::newRow("json anywhere") << u"--json status"_s << true << ParsedCommand{u"status"_s, {}, true, {}};
+        QTest::newRow("json anywhere")
+            << u"--json status"_s << true << ParsedCommand{u"status"_s, {}, true, {}};
         QTest::newRow("two words") << u"record list-windows --json"_s << true
                                    << ParsedCommand{u"record list-windows"_s, {}, true, {}};
         QTest::newRow("argument") << u"show recorder"_s << true
@@ -28,16 +29,36 @@ private Q_SLOTS:
             return command;
         };
         QTest::newRow("option") << u"wallpaper set a.mp4 --display 2"_s << true << set(u"a.mp4"_s, u"2"_s);
-        QTest::newRow("option first") << u"wallpaper set --display=2 a.mp4"_s << true
-                                      << set(u"a.mp4"_s, u"2"_s);
+        QTest::newRow("option first")
+            << u"wallpaper set --display=2 a.mp4"_s << true << set(u"a.mp4"_s, u"2"_s);
+        const ParsedCommand clean{u"clean run"_s, {u"npm"_s, u"pip"_s}, false, {{u"--yes"_s, QString()}}};
+        QTest::newRow("a bare option") << u"clean run --yes npm pip"_s << true << clean;
+        QTest::newRow("no argument is enough")
+            << u"clean run"_s << true << ParsedCommand{u"clean run"_s, {}, false, {}};
         QTest::newRow("a name with a dash") << u"wallpaper set -a.mp4"_s << true << set(u"-a.mp4"_s, {});
-        QTest::newRow("a name like an option") << u"wallpaper set -- --json"_s << true << set(u"--json"_s, {});
-        for (const auto &line : {u"record"_s, u"record fly"_s, u"show"_s, u"show a b"_s, u"status now"_s,
-                                 u"--verbose"_s, u"show --help-me"_s, u"statusx"_s, u"--json"_s, u"wallpaper"_s,
-                                 u"wallpaper set"_s, u"wallpaper set "_s, u"wallpaper set a b"_s,
-                                 u"wallpaper set a --display"_s, u"wallpaper set a --loud 1"_s,
-                                 u"wallpaper set --a.mp4"_s, u"wallpaper play --display 1"_s,
-                                 u"wallpaper set a --display 1 --display=2"_s})
+        QTest::newRow("a name like an option")
+            << u"wallpaper set -- --json"_s << true << set(u"--json"_s, {});
+        for (const auto &line : {u"record"_s,
+                                 u"record fly"_s,
+                                 u"show"_s,
+                                 u"show a b"_s,
+                                 u"status now"_s,
+                                 u"--verbose"_s,
+                                 u"show --help-me"_s,
+                                 u"statusx"_s,
+                                 u"--json"_s,
+                                 u"wallpaper"_s,
+                                 u"wallpaper set"_s,
+                                 u"wallpaper set "_s,
+                                 u"wallpaper set a b"_s,
+                                 u"wallpaper set a --display"_s,
+                                 u"wallpaper set a --loud 1"_s,
+                                 u"wallpaper set --a.mp4"_s,
+                                 u"wallpaper play --display 1"_s,
+                                 u"wallpaper set a --display 1 --display=2"_s,
+                                 u"clean run --yes=1"_s,
+                                 u"clean run --yes --yes"_s,
+                                 u"apps uninstall"_s})
             QTest::newRow(qPrintable(line)) << line << false << ParsedCommand{};
     }
     void parses()
@@ -81,7 +102,8 @@ private Q_SLOTS:
     void theHelpNamesEveryVerb()
     {
         QVERIFY(helpText().contains(u"velbrix wallpaper set <视频文件> [--display <编号>] "_s));
-        QVERIFY(helpText().contains(u"（wallpaper、recorder、settings）"_s));
+        QVERIFY(helpText().contains(u"velbrix clean run [清理项 …] [--yes] "_s));
+        QVERIFY(helpText().contains(u"（wallpaper、recorder、clean、"_s));
         for (const CommandForm &form : commandForms())
             QVERIFY2(helpText().contains(u"velbrix "_s + form.words), qPrintable(form.words));
     }
@@ -94,6 +116,8 @@ private Q_SLOTS:
         QCOMPARE(back.text, u"原因"_s);
         QCOMPARE(back.data, reply.data);
         QCOMPARE(commandReplyFromJson({}).exitCode, exitcode::refused);
+        QVERIFY(!back.isQuestion());
+        QVERIFY(commandReplyFromJson(toJson(CommandReply::question(u"真的？"_s))).isQuestion());
     }
 };
 

@@ -77,14 +77,15 @@ class Window:
             except dbus.DBusException:
                 continue  # it went away while we were looking
 
-    def find(self, name, role=None):
+    def find(self, name, role=None, prefix=False):
         for widget in self.widgets():
-            if widget.name == name and role in (None, widget.role):
+            told = widget.name
+            if (told == name or prefix and told.startswith(name)) and role in (None, widget.role):
                 return widget
         return None
 
-    def wait_for(self, name, role=None, seconds=10):
-        return wait_until(lambda: self.find(name, role), f"{role or 'widget'} “{name}” shows", seconds)
+    def wait_for(self, name, role=None, seconds=10, prefix=False):
+        return wait_until(lambda: self.find(name, role, prefix), f"{role or 'widget'} “{name}” shows", seconds)
 
     def wait_without(self, name, seconds=10):
         wait_until(lambda: not self.find(name), f"“{name}” has gone", seconds)

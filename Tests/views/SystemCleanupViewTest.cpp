@@ -309,6 +309,7 @@ void SystemCleanupViewTest::busyItemIsSkipped()
     QVERIFY(!rig.find(u"cleanupBusy.jetbrains"_s));
     QCOMPARE(rig.label(u"cleanupSelection"_s), u"已选 2 项，其中 1 项正在使用，将跳过"_s);
     rig.click(u"cleanupClean"_s);
+    QVERIFY(rig.label(u"noticeMessage"_s).endsWith(u"另有 1 个项目正在运行，将跳过。"_s));
     QCOMPARE(rig.texts(u"noticeDetails"_s).last(), u"跳过：Chrome 浏览器缓存（正在运行）"_s);
     rig.key(Qt::Key_Escape);
     rig.click(u"cleanupForce."_s + chrome);

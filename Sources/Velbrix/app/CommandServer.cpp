@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
 #include "app/commands/AppsCommands.h"
+#include "app/commands/BackupCommands.h"
 #include "app/commands/CleanCommands.h"
 #include "app/commands/RecordCommands.h"
 #include "app/commands/ShellCommands.h"
@@ -23,6 +24,7 @@ CommandServer::CommandServer(AppServices &services, AppDelegate &delegate, QObje
     _handlers.insert(wallpaperCommands(services, delegate.wallpaper()));
     _handlers.insert(cleanCommands(services.cleaner, services.privacy));
     _handlers.insert(appsCommands(services.uninstaller, services.privacy));
+    _handlers.insert(backupCommands(services.fileBackup));
 }
 
 Result<void> CommandServer::listen()

@@ -2,8 +2,8 @@
 
 #include "capture/RecorderLog.h"
 #include "capture/RecorderPreferences.h"
+#include "foundation/NextSignal.h"
 
-#include <QCoroSignal>
 #include <QPointer>
 
 #include <algorithm>
@@ -51,7 +51,7 @@ QCoro::Task<> RecorderDevices::refreshAudioDevices()
         Q_EMIT refreshed();
     } else if (_takenGeneration < generation) {
         // Whoever waits for this answer waits for the one that counts.
-        co_await qCoro(this, &RecorderDevices::refreshed);
+        co_await nextSignal(*this, &RecorderDevices::refreshed);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "foundation/LocalChannel.h"
 
+#include "foundation/NextSignal.h"
 #include "foundation/RuntimeFolder.h"
 
-#include <QCoroSignal>
 #include <QJsonDocument>
 #include <QLocalServer>
 #include <QLocalSocket>
@@ -85,12 +85,12 @@ QCoro::Task<std::expected<QJsonObject, ChannelFailure>> askLocalChannel(QString 
     QLocalSocket socket;
     socket.connectToServer(path);
     if (socket.state() == QLocalSocket::ConnectingState)
-        co_await qCoro(&socket, &QLocalSocket::stateChanged);
+        co_await nextSignal(socket, &QLocalSocket::stateChanged);
     if (socket.state() != QLocalSocket::ConnectedState)
         co_return std::unexpected(ChannelFailure{true, socket.errorString()});
     socket.write(line(request));
     // The answer is complete when the other side hangs up.
-    co_await qCoro(&socket, &QLocalSocket::disconnected);
+    co_await nextSignal(socket, &QLocalSocket::disconnected);
     const QByteArray answer = socket.readAll();
     const QJsonDocument document = QJsonDocument::fromJson(answer);
     if (!document.isObject())

@@ -49,8 +49,8 @@ QPushButton[role="primary"]:hover { background: @accentFill/88; }
 QPushButton[role="primary"]:pressed { background: @accentFill/76; }
 QPushButton[role="primary"]:disabled { background: @control; border-color: @hairline; color: @secondary; }
 QPushButton[role="primary"][keyed="true"]:focus { border: 2px solid @text; padding: 0 11px; min-height: 24px; }
-QPushButton[size="large"] { min-height: 34px; min-width: 84px; font-size: 14px; }
-QPushButton[size="large"][keyed="true"]:focus { min-height: 32px; }
+QPushButton[large="true"] { min-height: 34px; min-width: 84px; font-size: 14px; }
+QPushButton[large="true"][keyed="true"]:focus { min-height: 32px; }
 QPushButton[role="destructive"] { background: @badFill; border: 1px solid @badFill; color: white; }
 QPushButton[role="destructive"]:hover { background: @badFill/88; }
 QPushButton[role="destructive"]:pressed { background: @badFill/76; }

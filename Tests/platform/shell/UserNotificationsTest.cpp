@@ -1,9 +1,13 @@
 #include "platform/linux/shell/FreedesktopNotifications.h"
 
+#include "support/FakeUserNotifications.h"
+
 #include <QCoreApplication>
+#include <QCoroTask>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 
 #include <optional>
@@ -58,6 +62,25 @@ private:
 
 BareBus *bus = nullptr;
 
+// What a desktop shows: one notice per number, newest text.
+class NotificationService final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+public:
+    QMap<uint, QString> shown; // title and body
+public Q_SLOTS:
+    uint Notify(const QString &, uint replaced, const QString &, const QString &title, const QString &body,
+                const QStringList &, const QVariantMap &, int)
+    {
+        const uint number = replaced ? replaced : ++_last;
+        shown.insert(number, title + u'|' + body);
+        return number;
+    }
+
+private:
+    uint _last = 0;
+};
+
 } // namespace
 
 class UserNotificationsTest : public QObject {
@@ -90,6 +113,7 @@ private Q_SLOTS:
         const auto answer = ask();
         QVERIFY(answer && !*answer);
         QCOMPARE(answer->error().message, u"桌面没有通知服务（org.freedesktop.Notifications）"_s);
+        QVERIFY(!QCoro::waitFor(_notifications.post({u"x"_s, u"title"_s, u"body"_s})));
         QCOMPARE(askSettings(), (NotificationSettings{u"denied"_s, u"notSupported"_s}));
     }
 
@@ -101,6 +125,31 @@ private Q_SLOTS:
         QVERIFY(answer->value());
         QCOMPARE(askSettings(), (NotificationSettings{u"authorized"_s, u"enabled"_s}));
         QVERIFY(QDBusConnection::sessionBus().unregisterService(serviceName));
+    }
+
+    void postsAndReplaces()
+    {
+        QDBusConnection desktop = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"desktop"_s);
+        NotificationService service;
+        QVERIFY(desktop.registerObject(u"/org/freedesktop/Notifications"_s, &service,
+                                       QDBusConnection::ExportAllSlots) &&
+                desktop.registerService(serviceName));
+        const auto post = [](UserNotifications &notifications, const UserNotice &notice) {
+            return QCoro::waitFor(notifications.post(notice));
+        };
+        const UserNotice first{u"backup.1"_s, u"备份失败"_s, u"磁盘已满"_s};
+        const UserNotice hostile{u"backup.2"_s, u"<b>x</b>"_s, u"<img src=\"/etc/passwd\"/>&amp; ok"_s};
+        const UserNotice newer{u"backup.1"_s, u"备份完成"_s, u""_s};
+        FakeUserNotifications fake;
+        for (const UserNotice &notice : {first, hostile, newer}) {
+            QVERIFY(post(_notifications, notice));
+            QVERIFY(post(fake, notice));
+        }
+        QCOMPARE(service.shown.values(),
+                 (QStringList{u"备份完成|"_s,
+                              u"<b>x</b>|&lt;img src=&quot;/etc/passwd&quot;/&gt;&amp;amp; ok"_s}));
+        QCOMPARE(fake.posted, (QList<UserNotice>{first, hostile, newer}));
+        QDBusConnection::disconnectFromBus(u"desktop"_s);
     }
 
     void aServiceTheBusCanStartGrants()

@@ -2,9 +2,9 @@
 
 #include "app/PrivacyManager.h"
 #include "foundation/ByteCount.h"
+#include "foundation/NextSignal.h"
 #include "maintenance/uninstall/AppScanner.h"
 
-#include <QCoroSignal>
 #include <QJsonArray>
 
 #include <memory>
@@ -139,7 +139,7 @@ QCoro::Task<> scanned(AppScanner &scanner)
     if (!scanner.isScanning())
         scanner.scan();
     while (scanner.isScanning())
-        co_await qCoro(&scanner, &AppScanner::isScanningChanged);
+        co_await nextSignal(scanner, &AppScanner::isScanningChanged);
 }
 
 QCoro::Task<CommandReply> list(AppScanner &scanner)
@@ -189,7 +189,7 @@ QCoro::Task<CommandReply> carryOut(AppScanner &scanner, UninstallReview review)
                                             [message](const QString &text) { *message = text; });
     scanner.uninstall(review);
     while (scanner.isBusy())
-        co_await qCoro(&scanner, &AppScanner::finished);
+        co_await nextSignal(scanner, &AppScanner::finished);
     QObject::disconnect(listening);
     co_return outcome(scanner, review.app, *message);
 }

@@ -2,9 +2,10 @@
 
 #include "app/PrivacyManager.h"
 #include "foundation/ByteCount.h"
+#include "foundation/NextSignal.h"
 #include "maintenance/cleanup/SystemCleaner.h"
 
-#include <QCoroSignal>
+#include <QCoroTask>
 #include <QFile>
 #include <QJsonArray>
 
@@ -20,7 +21,7 @@ constexpr int entriesShown = 20; // of one item in a preview
 QCoro::Task<> idle(SystemCleaner &cleaner)
 {
     while (cleaner.isWorking())
-        co_await qCoro(&cleaner, &SystemCleaner::phaseChanged);
+        co_await nextSignal(cleaner, &SystemCleaner::phaseChanged);
 }
 
 QCoro::Task<> measured(SystemCleaner &cleaner)
@@ -88,7 +89,7 @@ QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
     const bool wasOpen = cleaner.contents().contains(item.id);
     cleaner.open(item.id);
     while (cleaner.contents().value(item.id).isMeasuring)
-        co_await qCoro(&cleaner, &SystemCleaner::contentsChanged);
+        co_await nextSignal(cleaner, &SystemCleaner::contentsChanged);
     const CleanupContents contents = cleaner.contents().value(item.id);
     if (!wasOpen)
         cleaner.close(item.id);
@@ -167,7 +168,7 @@ QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, P
         co_return CommandReply::refusal(u"清理已在进行中"_s);
     cleaner.clean(ids);
     while (cleaner.isCleaning())
-        co_await qCoro(&cleaner, &SystemCleaner::phaseChanged);
+        co_await nextSignal(cleaner, &SystemCleaner::phaseChanged);
     co_return outcome(cleaner.report());
 }
 

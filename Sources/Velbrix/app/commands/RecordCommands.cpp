@@ -2,10 +2,10 @@
 
 #include "app/AppServices.h"
 #include "app/RecordingActions.h"
+#include "foundation/NextSignal.h"
 #include "platform/Platform.h"
 
 #include <QCoreApplication>
-#include <QCoroSignal>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QPointer>
@@ -50,7 +50,7 @@ QCoro::Task<CommandReply> start(AppServices &services, std::function<void()> act
         !reason.isEmpty())
         co_return CommandReply::refusal(reason);
     while (services.recorder.isStarting())
-        co_await qCoro(&services.recorder, &ScreenRecorderController::isStartingChanged);
+        co_await nextSignal(services.recorder, &ScreenRecorderController::isStartingChanged);
     co_return started(services);
 }
 
@@ -61,9 +61,9 @@ QCoro::Task<CommandReply> stop(AppServices &services)
         co_return CommandReply::refusal(u"当前没有录制"_s);
     services.recorder.stop();
     while (services.recorder.isStarting())
-        co_await qCoro(&services.recorder, &ScreenRecorderController::isStartingChanged);
+        co_await nextSignal(services.recorder, &ScreenRecorderController::isStartingChanged);
     while (session.isRecording() || session.isProcessing())
-        co_await qCoro(&session, &RecordingSession::isProcessingChanged);
+        co_await nextSignal(session, &RecordingSession::isProcessingChanged);
     co_return stopped(services);
 }
 

@@ -2,8 +2,8 @@
 
 #include "app/AppServices.h"
 #include "app/WallpaperActions.h"
+#include "foundation/NextSignal.h"
 
-#include <QCoroSignal>
 #include <QJsonArray>
 
 using namespace Qt::StringLiterals;
@@ -63,10 +63,9 @@ QString line(const WallpaperDisplayInfo &display, int number, bool isPaused)
 {
     const QString shown = isPaused ? u"已暂停"_s : u"播放中"_s;
     const QString otherwise = display.isMain ? u"未选择视频"_s : u"跟随主显示器"_s;
-    return u"  %1  %2%3  %4  %5"_s.arg(QString::number(number), display.name,
-                                       display.isMain ? u"（主）"_s : QString(),
-                                       display.isPlaying ? shown : u"未播放"_s,
-                                       display.videoPath.value_or(otherwise));
+    return u"  %1  %2%3  %4  %5"_s.arg(
+        QString::number(number), display.name, display.isMain ? u"（主）"_s : QString(),
+        display.isPlaying ? shown : u"未播放"_s, display.videoPath.value_or(otherwise));
 }
 
 CommandReply status(WallpaperController &wallpaper)
@@ -116,8 +115,8 @@ QCoro::Task<CommandReply> set(WallpaperController &wallpaper, WallpaperActions &
         co_return CommandReply::refusal(outcome.error().message);
     const QString what = *display ? u"%1：%2"_s.arg((*display)->name, path) : path;
     CommandReply reply;
-    reply.text = outcome->isEmpty() ? u"正在播放："_s + what
-                                    : u"已选择：%1\n还没有播放：%2"_s.arg(what, *outcome);
+    reply.text =
+        outcome->isEmpty() ? u"正在播放："_s + what : u"已选择：%1\n还没有播放：%2"_s.arg(what, *outcome);
     reply.data = {{u"file"_s, path}, {u"playing"_s, outcome->isEmpty()}, {u"notice"_s, *outcome}};
     co_return reply;
 }
@@ -150,7 +149,7 @@ QCoro::Task<CommandReply> stop(WallpaperController &wallpaper, WallpaperActions 
     actions.stop();
     // Done when the user's own picture is back.
     while (!wallpaper.isSettled())
-        co_await qCoro(&wallpaper, &WallpaperController::isSettledChanged);
+        co_await nextSignal(wallpaper, &WallpaperController::isSettledChanged);
     const CommandReply reply{exitcode::done, u"动态壁纸已停止"_s, wallpaperData(wallpaper)};
     co_return reply;
 }
@@ -166,8 +165,7 @@ QHash<QString, CommandHandler> wallpaperCommands(AppServices &services, Wallpape
 {
     WallpaperController &wallpaper = services.wallpaper;
     return {
-        {u"wallpaper set"_s,
-         [&](const ParsedCommand &command) { return set(wallpaper, actions, command); }},
+        {u"wallpaper set"_s, [&](const ParsedCommand &command) { return set(wallpaper, actions, command); }},
         {u"wallpaper play"_s, [&](const ParsedCommand &) { return play(wallpaper, actions); }},
         {u"wallpaper pause"_s, [&](const ParsedCommand &) { return answered(pause(wallpaper, actions)); }},
         {u"wallpaper stop"_s, [&](const ParsedCommand &) { return stop(wallpaper, actions); }},

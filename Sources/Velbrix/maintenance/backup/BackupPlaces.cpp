@@ -64,8 +64,9 @@ QString growingName(const QString &archiveName)
 
 bool isGrowing(const BackupTask &task, const QString &fileName)
 {
-    return fileName.startsWith(u'.') && fileName.endsWith(growingSuffix) &&
-           archiveTime(task, fileName.sliced(1).chopped(growingSuffix.size()));
+    const bool isHidden = fileName.size() > growingSuffix.size() && fileName.startsWith(u'.') &&
+                          fileName.endsWith(growingSuffix);
+    return isHidden && archiveTime(task, fileName.sliced(1).chopped(growingSuffix.size()));
 }
 
 QString mirrorFolder(const BackupTask &task)

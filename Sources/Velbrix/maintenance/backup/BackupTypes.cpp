@@ -33,6 +33,8 @@ template <typename Kind, size_t N> QString nameOf(const NamedKind<Kind> (&kinds)
 
 QJsonValue toJson(const QDateTime &date)
 {
+    if (!date.isValid())
+        return {};
     return static_cast<double>(date.toMSecsSinceEpoch() - referenceSecs * 1000) / 1000;
 }
 

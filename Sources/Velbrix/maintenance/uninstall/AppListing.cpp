@@ -63,7 +63,8 @@ QCoro::Task<QList<AppInfo>> listedApps(QList<InstalledApplication> found, OwnIde
     QList<QByteArray> unmeasured;
     QList<qsizetype> rows;
     for (const InstalledApplication &each : others) {
-        if (!each.size) {
+        // Of a managed one only the launcher is known, which says nothing.
+        if (!each.size && each.kind != InstalledApplication::Kind::managed) {
             rows.append(apps->size());
             unmeasured.append(QFile::encodeName(each.path));
         }

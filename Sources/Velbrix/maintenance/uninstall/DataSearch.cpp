@@ -107,10 +107,12 @@ QList<ReviewItem> findData(const DataSearch &search)
     QSet<QString> seen;
     for (const LibraryFolder &folder : search.folders) {
         const QString parent = QDir::cleanPath(folder.path);
+        const QString canonicalParent = QFileInfo(parent).canonicalFilePath();
         for (const Entry &entry : entriesOf(parent)) {
             const QString path = parent + u'/' + entry.name;
             auto match = matcher.match(entry.name, false);
-            if (!match || seen.contains(path) || places.hold(path))
+            if (!match || seen.contains(path) || places.holdCanonical(path) ||
+                places.holdCanonical(canonicalParent + u'/' + entry.name))
                 continue;
             if (entry.isLink && leadsOutOf(parent, path))
                 match = matcher.match(entry.name, true);

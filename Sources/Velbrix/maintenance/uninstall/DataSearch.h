@@ -21,6 +21,8 @@ public:
 
     // Blocking.
     bool hold(const QString &path) const;
+    // A path without links on the way.
+    bool holdCanonical(const QString &path) const { return _places.contains(path); }
 
 private:
     QSet<QString> _places;

@@ -18,6 +18,8 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
+using Kind = UninstallStage::Kind;
+
 const QString &cancelled()
 {
     static const QString text = u"已取消"_s;
@@ -52,18 +54,11 @@ QStringList allowedCompanions(const QList<ApplicationCompanion> &companions, con
     return allowed;
 }
 
-QStringList pathsOf(const QList<ReviewItem> &items)
-{
-    QStringList paths;
-    for (const ReviewItem &item : items)
-        paths.append(item.path);
-    return paths;
-}
-
-QStringList stillThere(const QStringList &paths)
+QStringList stillThere(const QSet<QString> &paths)
 {
     QStringList there;
     std::ranges::copy_if(paths, std::back_inserter(there), isThere);
+    there.sort();
     return there;
 }
 
@@ -75,10 +70,8 @@ UninstallSequence::UninstallSequence(ApplicationCatalog &catalog, TrashCan &tras
 {
 }
 
-QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan plan, Cancellation cancellation)
+void UninstallSequence::prepare(UninstallPlan plan, Cancellation cancellation)
 {
-    using Kind = UninstallStage::Kind;
-    const QPointer self(this);
     _plan = std::move(plan);
     _cancellation = std::move(cancellation);
     _record = {
@@ -88,9 +81,14 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
     _open.clear();
     for (const ReviewItem &item : std::as_const(_plan.review.items)) {
         if (item.isTicked && item.reason != MatchReason::application)
-            _open.append(item.path);
+            _open.insert(item.path);
     }
+}
 
+QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan plan, Cancellation cancellation)
+{
+    const QPointer self(this);
+    prepare(std::move(plan), std::move(cancellation));
     const QString hindrance = co_await obstacle();
     if (!self)
         co_return Outcome{};
@@ -113,6 +111,13 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
     if (!taken)
         co_return ended(Kind::failed, taken.error().message);
     _hasRemoved = true;
+    const Outcome outcome = co_await takeTheRest();
+    co_return outcome;
+}
+
+QCoro::Task<UninstallSequence::Outcome> UninstallSequence::takeTheRest()
+{
+    const QPointer self(this);
     co_await takeCompanions();
     if (!self)
         co_return Outcome{};
@@ -131,7 +136,7 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
     co_return ended(Kind::done);
 }
 
-UninstallSequence::Outcome UninstallSequence::ended(UninstallStage::Kind kind, const QString &text)
+UninstallSequence::Outcome UninstallSequence::ended(Kind kind, const QString &text)
 {
     const UninstallStage stage = {kind, text};
     Q_EMIT stageReached(stage);
@@ -193,7 +198,7 @@ QCoro::Task<> UninstallSequence::takeCompanions()
     for (const QString &path : paths) {
         if (_cancellation.isCancelled())
             co_return;
-        _open.removeAll(path);
+        _open.remove(path);
         (void)co_await move(path);
         if (!self)
             co_return;
@@ -202,7 +207,6 @@ QCoro::Task<> UninstallSequence::takeCompanions()
 
 QCoro::Task<> UninstallSequence::takeData()
 {
-    using Kind = UninstallStage::Kind;
     const QPointer self(this);
     const QList<LibraryFolder> folders = _plan.search.folders;
     for (const LibraryFolder &folder : folders) {
@@ -219,26 +223,33 @@ QCoro::Task<> UninstallSequence::takeData()
         if (!self)
             co_return;
         Q_EMIT stageReached({Kind::cleaningLibrary, label(folder.kind)});
-        const QSet<QString> ticked(_open.cbegin(), _open.cend());
-        QStringList paths = pathsOf(found);
-        paths.removeIf([&](const QString &path) { return !ticked.contains(path); });
-        co_await takeEntries(paths);
+        co_await takeEntries(ticked(found));
         if (!self)
             co_return;
     }
 }
 
+QStringList UninstallSequence::ticked(const QList<ReviewItem> &found) const
+{
+    QStringList paths;
+    for (const ReviewItem &item : found) {
+        if (_open.contains(item.path))
+            paths.append(item.path);
+    }
+    return paths;
+}
+
 QCoro::Task<> UninstallSequence::takeEntries(QStringList paths)
 {
     const QPointer self(this);
-    const double base = UninstallStage{UninstallStage::Kind::cleaningLibrary, {}}.progress();
+    const double base = UninstallStage{Kind::cleaningLibrary, {}}.progress();
     for (qsizetype handled = 0; handled < paths.size();) {
         if (handled > 0)
             co_await Pause(_clock, 50ms);
         if (!self || _cancellation.isCancelled())
             co_return;
         const QString path = paths.at(handled);
-        _open.removeAll(path);
+        _open.remove(path);
         (void)co_await move(path);
         if (!self)
             co_return;

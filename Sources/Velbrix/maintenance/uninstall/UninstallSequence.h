@@ -7,6 +7,7 @@
 
 #include <QCoroTask>
 #include <QObject>
+#include <QSet>
 
 namespace velbrix {
 
@@ -45,11 +46,14 @@ Q_SIGNALS:
     void recorded(); // the journal has changed
 
 private:
+    void prepare(UninstallPlan plan, Cancellation cancellation);
     QCoro::Task<QString> obstacle();
     QCoro::Task<Result<void>> takeApplication();
+    QCoro::Task<Outcome> takeTheRest();
     QCoro::Task<> takeCompanions();
     QCoro::Task<> takeData();
     QCoro::Task<> takeEntries(QStringList paths);
+    QStringList ticked(const QList<ReviewItem> &found) const;
     QCoro::Task<> refuseTheRest();
     QCoro::Task<Result<void>> move(QString path);
     QCoro::Task<> remember();
@@ -63,7 +67,7 @@ private:
     UninstallPlan _plan;
     Cancellation _cancellation;
     UninstallRecord _record;
-    QStringList _open; // ticked and not yet dealt with
+    QSet<QString> _open; // ticked and not yet dealt with
     bool _hasRemoved = false;
     bool _isUnrecorded = false;
 };

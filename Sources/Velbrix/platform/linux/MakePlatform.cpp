@@ -8,6 +8,7 @@
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 #include "platform/linux/desktop/LinuxDockPreference.h"
 #include "platform/linux/desktop/UPowerSource.h"
+#include "platform/linux/files/FreedesktopTrash.h"
 #include "platform/linux/files/TreeDiskUsage.h"
 #include "platform/linux/movie/LibAvMediaProbe.h"
 #include "platform/linux/movie/LinuxMovieFiles.h"
@@ -18,6 +19,8 @@
 #include "platform/linux/shell/FreedesktopNotifications.h"
 #include "platform/linux/shell/LinuxDesktopServices.h"
 #include "platform/linux/shell/LinuxPermissions.h"
+#include "platform/linux/shell/PolkitAdminShell.h"
+#include "platform/linux/shell/ProcPrograms.h"
 #include "platform/linux/shell/ThemeSymbols.h"
 #include "platform/linux/shell/X11HotkeyRegistrar.h"
 #include "platform/linux/shell/X11KeyMonitor.h"
@@ -93,6 +96,10 @@ Platform makePlatform(Clock &clock)
     platform.applications = std::make_unique<LinuxApplicationCatalog>(clock, ApplicationPlaces::ofThisUser(),
                                                                       PackagePrograms::ofThisHost());
     platform.archiver = std::make_unique<ZipArchiver>(clock);
+    platform.trash = std::make_unique<FreedesktopTrash>(clock);
+    platform.adminShell = std::make_unique<PolkitAdminShell>(clock);
+    platform.programs = std::make_unique<ProcPrograms>();
+    platform.family = HostFamily::freedesktop;
     return platform;
 }
 

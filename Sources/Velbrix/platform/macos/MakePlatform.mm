@@ -6,16 +6,21 @@
 #include "platform/macos/CarbonHotkeyRegistrar.h"
 #include "platform/macos/CoreAudioDevices.h"
 #include "platform/macos/DefaultsDockPreference.h"
+#include "platform/macos/DittoArchiver.h"
 #include "platform/macos/DuDiskUsage.h"
 #include "platform/macos/IOPSPowerSource.h"
+#include "platform/macos/MacApplicationCatalog.h"
 #include "platform/macos/MacDesktopPicture.h"
 #include "platform/macos/MacDesktopServices.h"
 #include "platform/macos/MacDesktopVisibility.h"
 #include "platform/macos/MacDisplays.h"
 #include "platform/macos/MacPermissions.h"
+#include "platform/macos/MacRunningPrograms.h"
 #include "platform/macos/MacSingleInstance.h"
+#include "platform/macos/MacTrashCan.h"
 #include "platform/macos/MacUserNotifications.h"
 #include "platform/macos/NSEventKeyMonitor.h"
+#include "platform/macos/OsascriptAdminShell.h"
 #include "platform/macos/SCKScreenCapture.h"
 #include "platform/macos/SFSymbols.h"
 #include "platform/macos/SMLoginItem.h"
@@ -50,7 +55,13 @@ Platform makePlatform(Clock &clock)
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
+    platform.applications = std::make_unique<MacApplicationCatalog>();
+    platform.archiver = std::make_unique<DittoArchiver>(clock);
     platform.diskUsage = std::make_unique<DuDiskUsage>(clock);
+    platform.trash = std::make_unique<MacTrashCan>(clock);
+    platform.adminShell = std::make_unique<OsascriptAdminShell>(clock);
+    platform.programs = std::make_unique<MacRunningPrograms>();
+    platform.family = HostFamily::macos;
     return platform;
 }
 

@@ -1,6 +1,21 @@
 #include "platform/macos/PictureBridge.h"
 
+#import <AppKit/AppKit.h>
+
+#include <algorithm>
+
 namespace velbrix {
+namespace {
+
+NSRect fittedRect(NSSize picture, QSize pixels)
+{
+    const CGFloat scale = std::min(pixels.width() / picture.width, pixels.height() / picture.height);
+    const CGFloat width = picture.width * scale;
+    const CGFloat height = picture.height * scale;
+    return CGRectMake((pixels.width() - width) / 2, (pixels.height() - height) / 2, width, height);
+}
+
+} // namespace
 
 QImage drawnPicture(QSize pixels, const std::function<void(CGContextRef)> &draw)
 {
@@ -21,6 +36,22 @@ QImage drawnPicture(QSize pixels, const std::function<void(CGContextRef)> &draw)
     draw(context);
     CGContextRelease(context);
     return picture;
+}
+
+QImage toQImage(NSImage *picture, QSize pixels)
+{
+    if (!picture || picture.size.width <= 0 || picture.size.height <= 0)
+        return {};
+    return drawnPicture(pixels, [&](CGContextRef context) {
+        [NSGraphicsContext saveGraphicsState];
+        NSGraphicsContext.currentContext = [NSGraphicsContext graphicsContextWithCGContext:context
+                                                                                   flipped:NO];
+        [picture drawInRect:fittedRect(picture.size, pixels)
+                   fromRect:NSZeroRect
+                  operation:NSCompositingOperationSourceOver
+                   fraction:1];
+        [NSGraphicsContext restoreGraphicsState];
+    });
 }
 
 QImage toQImage(CGImageRef picture)

@@ -10,38 +10,15 @@
 #include <QPainter>
 #include <QPixmap>
 
-#include <algorithm>
-
 namespace velbrix {
 namespace {
-
-// In the middle of the square, as large as it fits.
-NSRect fittedRect(NSSize symbol, QSize pixels)
-{
-    const CGFloat scale = std::min(pixels.width() / symbol.width, pixels.height() / symbol.height);
-    const CGFloat width = symbol.width * scale;
-    const CGFloat height = symbol.height * scale;
-    return CGRectMake((pixels.width() - width) / 2, (pixels.height() - height) / 2, width, height);
-}
 
 QImage renderedSymbol(NSImage *symbol, QSize pixels)
 {
     NSImageSymbolConfiguration *configuration =
         [NSImageSymbolConfiguration configurationWithPointSize:pixels.height() weight:NSFontWeightRegular];
     NSImage *configured = [symbol imageWithSymbolConfiguration:configuration];
-    NSImage *drawn = configured ? configured : symbol;
-    if (drawn.size.width <= 0 || drawn.size.height <= 0)
-        return {};
-    return drawnPicture(pixels, [&](CGContextRef context) {
-        [NSGraphicsContext saveGraphicsState];
-        NSGraphicsContext.currentContext = [NSGraphicsContext graphicsContextWithCGContext:context
-                                                                                   flipped:NO];
-        [drawn drawInRect:fittedRect(drawn.size, pixels)
-                 fromRect:NSZeroRect
-                operation:NSCompositingOperationSourceOver
-                 fraction:1];
-        [NSGraphicsContext restoreGraphicsState];
-    });
+    return toQImage(configured ? configured : symbol, pixels);
 }
 
 class SymbolEngine final : public QIconEngine {

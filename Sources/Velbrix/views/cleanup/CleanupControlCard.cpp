@@ -69,7 +69,8 @@ QWidget *CleanupControlCard::makeTotals()
     words->addWidget(makeText(u"所选项目占用的空间"_s, u"note"_s));
     line->addLayout(words, 1);
     _clean = makeButton(theme, {u"cleanupClean"_s, u"清理"_s, u"sparkles"_s, u"primary"_s});
-    _clean->setProperty("size", u"large"_s);
+    _clean->setAccessibleName(u"清理所选项目"_s);
+    _clean->setProperty("large", true);
     line->addWidget(_clean, 0, Qt::AlignVCenter);
     connect(_clean, &QPushButton::clicked, this, [this] { cleanWithConsent(); });
     return row;

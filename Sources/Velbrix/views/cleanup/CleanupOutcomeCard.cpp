@@ -118,7 +118,7 @@ void CleanupOutcomeCard::refresh()
 void CleanupOutcomeCard::showProblems(bool isOpened)
 {
     _list->setVisible(isOpened);
-    _list->setFixedHeight(std::min(mostListHeight, 28 * std::max(_lines->rowCount(), 1) + 18));
+    _list->setFixedHeight(std::min(mostListHeight, _list->sizeHintForRow(0) * _lines->rowCount() + 16));
     _open->setText(isOpened ? u"收起"_s : u"查看原因"_s);
     _open->setAccessibleName(_open->text());
 }

@@ -51,6 +51,7 @@ CleanupRow::CleanupRow(const ViewContext &context, const CleanupItem &item, QWid
             _remove->setEnabled(isFree);
         if (_entries)
             _entries->setEnabled(isFree);
+        _open->setVisible(_cleaner.hasContents(_id)); // folders come and go
     });
     showBusy();
 }
@@ -130,13 +131,12 @@ void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
     _size = new TabularLabel;
     _size->setObjectName(u"cleanupSize."_s + _id);
     places->addWidget(_size);
-    if (!_cleaner.hasContents(_id)) {
-        places->addSpacing(openerSide + places->spacing());
-        return;
-    }
     _open = makeButton(_context.theme, {u"cleanupOpen."_s + _id, {}, u"chevron.right"_s, u"icon"_s});
     _open->setFixedSize(openerSide, openerSide);
     _open->setAccessibleName(u"显示%1的内容"_s.arg(name));
+    QSizePolicy policy = _open->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // sizes stand in one column
+    _open->setSizePolicy(policy);
     places->addWidget(_open);
     connect(_open, &QPushButton::clicked, this, [this] {
         if (_cleaner.contents().contains(_id))
@@ -206,9 +206,8 @@ void CleanupRow::showOpened(bool isOpened)
     }
     if (_contents)
         _contents->setVisible(isOpened);
-    if (_open)
-        _open->setIcon(
-            _context.theme.icon(isOpened ? u"chevron.down"_s : u"chevron.right"_s, ThemeColor::secondary));
+    _open->setIcon(
+        _context.theme.icon(isOpened ? u"chevron.down"_s : u"chevron.right"_s, ThemeColor::secondary));
 }
 
 } // namespace velbrix

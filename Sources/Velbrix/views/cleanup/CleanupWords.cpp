@@ -50,7 +50,10 @@ NoticeSheet::Words cleanupQuestion(const SystemCleaner &cleaner)
                         .arg(bytes > 0 ? u"（约 %1）"_s.arg(formatByteCount(bytes)) : QString());
     for (const CleanupItem &item : items)
         words.details.append(itemLine(cleaner, item));
-    for (const QString &name : cleaner.itemsToSkip())
+    const QStringList skipped = cleaner.itemsToSkip();
+    if (!skipped.isEmpty())
+        words.message += u"另有 %1 个项目正在运行，将跳过。"_s.arg(skipped.size());
+    for (const QString &name : skipped)
         words.details.append(u"跳过：%1（正在运行）"_s.arg(oneLine(name)));
     words.confirm = u"清理"_s;
     words.isDestructive = true;

@@ -42,6 +42,7 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
     NSApplicationActivateAllWindows = 1 << 0,
 };
 
+@class NSImage;
 @class NSRunningApplication;
 @class NSWindow;
 
@@ -62,6 +63,9 @@ extern NSNotificationName NSApplicationDidUnhideNotification;
 @interface NSRunningApplication : NSObject
 @property(readonly) pid_t processIdentifier;
 @property(readonly, getter=isTerminated) BOOL terminated;
+@property(nullable, readonly, copy) NSString *bundleIdentifier;
+@property(nullable, readonly, copy) NSURL *bundleURL;
+@property(nullable, readonly, copy) NSURL *executableURL;
 @property(class, readonly, strong) NSRunningApplication *currentApplication;
 + (NSArray<NSRunningApplication *> *)runningApplicationsWithBundleIdentifier:(NSString *)bundleIdentifier;
 - (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
@@ -153,7 +157,9 @@ extern NSNotificationName NSWorkspaceSessionDidResignActiveNotification;
 @property(readonly, strong) NSNotificationCenter *notificationCenter;
 @property(class, readonly, strong) NSWorkspace *sharedWorkspace;
 @property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
+@property(readonly, copy) NSArray<NSRunningApplication *> *runningApplications API_AVAILABLE(macos(10.6));
 - (BOOL)openURL:(NSURL *)url;
+- (NSImage *)iconForFile:(NSString *)fullPath;
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL *> *)fileURLs;
 - (BOOL)setDesktopImageURL:(NSURL *)url
                  forScreen:(NSScreen *)screen

@@ -158,9 +158,22 @@ typedef NSString *NSExceptionName;
 + (nullable instancetype)URLWithString:(NSString *)text;
 @end
 
+@interface NSFileManager : NSObject
+@property(class, readonly, strong) NSFileManager *defaultManager;
+- (BOOL)trashItemAtURL:(NSURL *)url
+      resultingItemURL:(NSURL *_Nullable *_Nullable)outResultingURL
+                 error:(NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.8));
+- (BOOL)moveItemAtURL:(NSURL *)srcURL
+                toURL:(NSURL *)dstURL
+                error:(NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.6));
+@end
+
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle *mainBundle;
 @property(nullable, readonly, copy) NSString *bundleIdentifier;
+@property(readonly, copy) NSString *bundlePath;
+@property(nullable, readonly, copy) NSDictionary<NSString *, id> *infoDictionary;
++ (nullable instancetype)bundleWithPath:(NSString *)path;
 @end
 
 @interface NSUserDefaults : NSObject

@@ -8,8 +8,8 @@
 
 namespace velbrix {
 
-// Reads little-endian numbers off bytes; past their end all is zero and
-// isValid() false.
+// Reads little-endian numbers off bytes; past their end all is zero,
+// nothing is left and isValid() false.
 class RecordReader {
 public:
     explicit RecordReader(std::span<const std::uint8_t> bytes) : _bytes(bytes) {}
@@ -19,9 +19,11 @@ public:
     std::uint64_t u64() { return number<std::uint64_t>(); }
     std::span<const std::uint8_t> bytes(std::size_t size)
     {
-        _isValid = _isValid && size <= _bytes.size();
-        if (!_isValid)
+        if (size > _bytes.size()) {
+            _isValid = false;
+            _bytes = {};
             return {};
+        }
         const auto taken = _bytes.first(size);
         _bytes = _bytes.subspan(size);
         return taken;

@@ -1,0 +1,253 @@
+#include "app/commands/BackupCommands.h"
+
+#include "maintenance/backup/FileBackupController.h"
+
+#include <QCoroFuture>
+#include <QJsonArray>
+#include <QPromise>
+#include <QRegularExpression>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+const QString confirmOption = u"--yes"_s;
+
+QString kindText(BackupTaskKind kind)
+{
+    return kind == BackupTaskKind::sync ? u"同步"_s : u"备份"_s;
+}
+
+QJsonValue isoDate(const std::optional<QDateTime> &date)
+{
+    return date ? QJsonValue(date->toString(Qt::ISODate)) : QJsonValue();
+}
+
+QJsonObject described(const BackupTask &task)
+{
+    return {{u"id"_s, task.id},
+            {u"name"_s, task.name},
+            {u"kind"_s, task.kind == BackupTaskKind::sync ? u"sync"_s : u"backup"_s},
+            {u"source"_s, task.sourcePath},
+            {u"destination"_s, task.destPath},
+            {u"schedule"_s, toJson(task).value("schedule"_L1)},
+            {u"enabled"_s, task.isEnabled},
+            {u"nextRunAt"_s, isoDate(task.nextRunAt)},
+            {u"lastRunAt"_s, isoDate(task.lastRunAt)},
+            {u"lastResult"_s, task.lastResult ? QJsonValue(*task.lastResult) : QJsonValue()},
+            {u"failed"_s, task.lastFailed},
+            {u"keepLast"_s, task.keepLast},
+            {u"excludes"_s, QJsonArray::fromStringList(task.excludes)}};
+}
+
+QString line(const BackupTask &task, bool isRunning)
+{
+    const QString next =
+        task.isEnabled ? u"下次 "_s + task.nextRunAt.toString(u"yyyy-MM-dd HH:mm"_s) : u"已停用"_s;
+    const QString state = isRunning ? u"正在运行"_s : task.lastResult.value_or(u"还没有运行过"_s);
+    return u"%1  %2  %3  %4 → %5\n    %6，%7；%8"_s.arg(task.name, kindText(task.kind), task.id,
+                                                        task.sourcePath, task.destPath,
+                                                        scheduleText(task.schedule), next, state);
+}
+
+QCoro::Task<CommandReply> list(FileBackupController &backup)
+{
+    CommandReply reply;
+    QJsonArray tasks;
+    QStringList lines;
+    for (const BackupTask &task : backup.tasks()) {
+        const bool isRunning = backup.currentRunningTaskID() == task.id;
+        QJsonObject description = described(task);
+        description.insert(u"running"_s, isRunning);
+        tasks.append(description);
+        lines << line(task, isRunning);
+    }
+    if (lines.isEmpty())
+        lines << u"没有备份任务"_s;
+    if (!backup.storageProblem().isEmpty())
+        lines << backup.storageProblem();
+    reply.text = lines.join(u'\n');
+    reply.data = {{u"tasks"_s, tasks}, {u"problem"_s, backup.storageProblem()}};
+    co_return reply;
+}
+
+CommandReply misuse(const QString &text)
+{
+    return {exitcode::usage, text, {}};
+}
+
+// "HH:MM", "D@HH:MM" or "M-D@HH:MM".
+std::optional<BackupScheduleTime> scheduleFrom(const QString &option, const QString &text)
+{
+    static const QRegularExpression daily(u"^()()(\\d{1,2}):(\\d{2})$"_s);
+    static const QRegularExpression monthly(u"^()(\\d{1,2})@(\\d{1,2}):(\\d{2})$"_s);
+    static const QRegularExpression yearly(u"^(\\d{1,2})-(\\d{1,2})@(\\d{1,2}):(\\d{2})$"_s);
+    BackupScheduleTime schedule;
+    QRegularExpressionMatch match;
+    if (option == "--daily"_L1) {
+        match = daily.match(text);
+    } else if (option == "--monthly"_L1) {
+        schedule.kind = BackupScheduleKind::monthly;
+        match = monthly.match(text);
+    } else {
+        schedule.kind = BackupScheduleKind::yearly;
+        match = yearly.match(text);
+    }
+    if (!match.hasMatch())
+        return std::nullopt;
+    if (schedule.kind == BackupScheduleKind::yearly)
+        schedule.month = match.captured(1).toInt();
+    if (schedule.kind != BackupScheduleKind::daily)
+        schedule.dayOfMonth = match.captured(2).toInt();
+    schedule.hour = match.captured(3).toInt();
+    schedule.minute = match.captured(4).toInt();
+    const bool isSound = schedule.hour < 24 && schedule.minute < 60 && schedule.dayOfMonth >= 1 &&
+                         schedule.dayOfMonth <= 31 && schedule.month >= 1 && schedule.month <= 12;
+    return isSound ? std::optional(schedule) : std::nullopt;
+}
+
+// The task that the words describe, or what is wrong with them.
+Result<BackupTask> taskFrom(const ParsedCommand &command)
+{
+    BackupTask task;
+    task.sourcePath = command.arguments.value(0);
+    task.destPath = command.arguments.value(1);
+    task.name = command.options.value(u"--name"_s);
+    const QString kind = command.options.value(u"--kind"_s, u"backup"_s);
+    if (kind != "backup"_L1 && kind != "sync"_L1)
+        return failure(u"--kind 是 backup 或 sync"_s);
+    task.kind = kind == "sync"_L1 ? BackupTaskKind::sync : BackupTaskKind::backup;
+    int schedules = 0;
+    for (const QString &option : {u"--daily"_s, u"--monthly"_s, u"--yearly"_s}) {
+        if (!command.options.contains(option))
+            continue;
+        const auto schedule = scheduleFrom(option, command.options.value(option));
+        if (!schedule || ++schedules > 1)
+            return failure(u"时间写作 --daily 时:分、--monthly 日@时:分 或 --yearly 月-日@时:分，三者选一"_s);
+        task.schedule = *schedule;
+    }
+    if (command.options.contains(u"--keep"_s)) {
+        bool isNumber = false;
+        task.keepLast = command.options.value(u"--keep"_s).toInt(&isNumber);
+        if (!isNumber || task.keepLast < 0)
+            return failure(u"--keep 是要保留的归档数，0 表示全部"_s);
+    }
+    task.excludes = command.options.value(u"--exclude"_s).split(u',', Qt::SkipEmptyParts);
+    return task;
+}
+
+QCoro::Task<CommandReply> add(FileBackupController &backup, ParsedCommand command)
+{
+    const Result<BackupTask> wanted = taskFrom(command);
+    if (!wanted)
+        co_return misuse(wanted.error().message);
+    const Result<BackupTask> saved = co_await backup.save(*wanted);
+    if (!saved)
+        co_return CommandReply::refusal(saved.error().message);
+    co_return CommandReply{exitcode::done, u"已添加：\n"_s + line(*saved, false), described(*saved)};
+}
+
+// By id, or by a name that only one task has.
+Result<BackupTask> found(const FileBackupController &backup, const QString &word)
+{
+    if (const auto task = backup.task(word))
+        return *task;
+    QList<BackupTask> named = backup.tasks();
+    named.removeIf([&](const BackupTask &task) { return task.name != word; });
+    if (named.isEmpty())
+        return failure(u"没有这个备份任务：%1"_s.arg(word));
+    if (named.size() > 1)
+        return failure(u"有 %1 个任务叫“%2”，请改用 backup list 里的编号"_s.arg(named.size()).arg(word));
+    return named.first();
+}
+
+// Until the run asks or ends.
+QCoro::Task<> nextTurn(FileBackupController &backup)
+{
+    QObject listener;
+    const auto promise = std::make_shared<QPromise<void>>();
+    promise->start();
+    const QFuture<void> turned = promise->future();
+    const auto turn = [promise] { promise->finish(); };
+    QObject::connect(&backup, &FileBackupController::questionChanged, &listener, turn);
+    QObject::connect(&backup, &FileBackupController::runFinished, &listener, turn);
+    co_await turned;
+}
+
+CommandReply confirmationNeeded(const QString &text, QJsonObject data)
+{
+    data.insert(u"needsConfirmation"_s, true);
+    return {exitcode::refused, text, data};
+}
+
+CommandReply replyTo(const BackupQuestion &question)
+{
+    return confirmationNeeded(
+        u"“%1”会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。确认要删除就加上 --yes"_s.arg(question.name)
+            .arg(question.deletions)
+            .arg(question.existing),
+        {{u"id"_s, question.taskId},
+         {u"deletions"_s, question.deletions},
+         {u"existing"_s, question.existing}});
+}
+
+QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand command)
+{
+    const Result<BackupTask> wanted = found(backup, command.arguments.value(0));
+    if (!wanted)
+        co_return CommandReply::refusal(wanted.error().message);
+    if (backup.isRunningBackup())
+        co_return CommandReply::refusal(u"另一个备份任务正在运行"_s);
+    const QString id = wanted->id;
+    std::optional<BackupQuestion> refused;
+    backup.runNow(id);
+    while (backup.currentRunningTaskID() == id) {
+        if (const auto question = backup.question()) {
+            if (command.options.contains(confirmOption)) {
+                backup.confirmDeletions();
+            } else {
+                refused = question;
+                backup.declineDeletions();
+            }
+        }
+        co_await nextTurn(backup);
+    }
+    if (refused)
+        co_return replyTo(*refused);
+    const auto ended = backup.task(id);
+    if (!ended)
+        co_return CommandReply::refusal(u"任务已被删除"_s);
+    const QString result = ended->lastResult.value_or(QString());
+    const bool isDone = result.startsWith(u"✓"_s);
+    co_return CommandReply{isDone ? exitcode::done : exitcode::refused, result, described(*ended)};
+}
+
+QCoro::Task<CommandReply> remove(FileBackupController &backup, ParsedCommand command)
+{
+    const Result<BackupTask> wanted = found(backup, command.arguments.value(0));
+    if (!wanted)
+        co_return CommandReply::refusal(wanted.error().message);
+    if (!command.options.contains(confirmOption))
+        co_return confirmationNeeded(u"要删除任务“%1”吗？文件都会保留。确认就加上 --yes"_s.arg(wanted->name),
+                                     {{u"id"_s, wanted->id}});
+    backup.remove(wanted->id);
+    co_return CommandReply{
+        exitcode::done, u"已删除任务“%1”，文件都保留着"_s.arg(wanted->name), {{u"id"_s, wanted->id}}};
+}
+
+} // namespace
+
+QHash<QString, CommandHandler> backupCommands(FileBackupController &backup)
+{
+    return {
+        {u"backup list"_s, [&backup](const ParsedCommand &) { return list(backup); }},
+        {u"backup add"_s, [&backup](ParsedCommand command) { return add(backup, std::move(command)); }},
+        {u"backup run"_s, [&backup](ParsedCommand command) { return run(backup, std::move(command)); }},
+        {u"backup remove"_s, [&backup](ParsedCommand command) { return remove(backup, std::move(command)); }},
+    };
+}
+
+} // namespace velbrix

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "platform/TrashCan.h"
+#include "platform/linux/files/TrashFolder.h"
+
+#include <QThreadPool>
+
+#include <atomic>
+#include <memory>
+
+namespace velbrix {
+
+// The trash that all desktops share: one in the user's data folder, and one on
+// each other volume, for nothing is copied into the trash or out of it. Every
+// change happens on one thread, one after the other.
+class FreedesktopTrash final : public TrashCan {
+public:
+    explicit FreedesktopTrash(Clock &clock, TrashPlaces places = TrashPlaces());
+    // Stops what goes on, soon.
+    ~FreedesktopTrash() override;
+
+    QCoro::Task<Result<QString>> moveToTrash(const QString path) override;
+    QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) override;
+    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules) override;
+    QStringList folders() const override;
+
+private:
+    Clock &_clock;
+    TrashPlaces _places;
+    std::shared_ptr<std::atomic_bool> _cancelled = std::make_shared<std::atomic_bool>(false);
+    QThreadPool _worker;
+};
+
+} // namespace velbrix

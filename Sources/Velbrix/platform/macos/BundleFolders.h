@@ -1,0 +1,20 @@
+#pragma once
+
+#include "foundation/Result.h"
+#include "platform/ApplicationCatalog.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace velbrix {
+
+// Where macOS applications keep a user's data, in the order of the search.
+QList<LibraryFolder> libraryFoldersUnder(const QString &home);
+
+// The paths of the folder's entries that end in ".app", sorted. Blocking.
+Result<QStringList> bundlesIn(const QString &folder);
+
+// Of a bundle's path, as the Finder shows it.
+QString bundleName(const QString &path);
+
+} // namespace velbrix

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QStringList>
+
+namespace velbrix {
+
+// The patterns of Archiver as zip's, which are for the whole path inside the
+// archive and whose "*" passes slashes.
+QStringList zipExcludes(const QStringList &excludes, const QString &topName);
+
+} // namespace velbrix

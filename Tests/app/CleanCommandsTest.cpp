@@ -1,0 +1,117 @@
+#include "app/commands/CleanCommands.h"
+
+#include "support/FakePlatform.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+// Only items whose folders lie in the rig's own home are ever cleaned here.
+struct Rig : ServicesRig {
+    explicit Rig(bool agreed = true)
+    {
+        host.settings.stored = {{u"Velbrix_Privacy_firstLaunchAccepted"_s, true},
+                                {u"Velbrix_Privacy_consent_systemCleanup"_s, agreed}};
+        make();
+        handlers = cleanCommands(services->cleaner, services->privacy);
+        QDir().mkpath(folder + u"/a/b"_s);
+        QFile file(folder + u"/file"_s);
+        if (file.open(QIODevice::WriteOnly))
+            file.write("1234");
+        host.diskUsage.sizes = {{QFile::encodeName(QDir(folder).canonicalPath()), 5000}};
+    }
+
+    CommandReply ask(const QString &words, const QStringList &arguments = {}, bool yes = false)
+    {
+        ParsedCommand command{words, arguments, false, {}};
+        if (yes)
+            command.options.insert(u"--yes"_s, QString());
+        std::optional<CommandReply> reply;
+        handlers.value(words)(command).then([&](CommandReply now) { reply = std::move(now); });
+        for (int turn = 0; turn < 5000 && !reply; ++turn) {
+            clock.advance(50ms);
+            QTest::qWait(1);
+        }
+        return reply.value_or(CommandReply{-1, u"…"_s, {}});
+    }
+    bool isEmpty() const { return QDir(folder).isEmpty(); }
+
+    QHash<QString, CommandHandler> handlers;
+    const QString folder = files.filePath(u".npm/_cacache"_s);
+};
+
+} // namespace
+
+class CleanCommandsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lists()
+    {
+        Rig rig;
+        rig.host.programs.names = {u"npm"_s};
+        const CommandReply reply = rig.ask(u"clean list"_s);
+        QCOMPARE(reply.exitCode, exitcode::done);
+        QVERIFY(reply.text.contains(u"[x] npm  npm 缓存  5 KB  （正在运行）"_s));
+        for (const QJsonValue &item : reply.data[u"items"_s].toArray()) {
+            if (item[u"id"_s] == u"npm"_s)
+                QCOMPARE(item[u"bytes"_s].toInteger(), 5000);
+        }
+    }
+
+    void nothingGoesWithoutYes()
+    {
+        Rig rig;
+        for (const QString &words : {u"clean preview"_s, u"clean run"_s}) {
+            const CommandReply reply = rig.ask(words, {u"npm"_s});
+            QCOMPARE(reply.isQuestion(), words == u"clean run"_s);
+            QVERIFY(reply.text.contains(u"零 KB  file"_s));
+            QVERIFY(!rig.isEmpty());
+        }
+    }
+
+    void refuses_data()
+    {
+        QTest::addColumn<bool>("agreed");
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("unknown") << true << u"nothing"_s << u"没有这个清理项：nothing（见 clean list）"_s;
+        QTest::newRow("no consent") << false << u"npm"_s
+                                    << u"需要先在 Velbrix 窗口中确认：系统清理隐私确认"_s;
+    }
+    void refuses()
+    {
+        QFETCH(bool, agreed);
+        QFETCH(QString, id);
+        Rig rig(agreed);
+        const CommandReply reply = rig.ask(u"clean run"_s, {id}, true);
+        QCOMPARE(reply.exitCode, exitcode::refused);
+        QTEST(reply.text, "text");
+        QVERIFY(!rig.isEmpty());
+    }
+
+    void cleansWhatIsNamed()
+    {
+        Rig rig;
+        rig.services->cleaner.setAllSelected(false);
+        const CommandReply reply = rig.ask(u"clean run"_s, {u"npm"_s}, true);
+        QCOMPARE(reply.exitCode, exitcode::done);
+        QCOMPARE(reply.data[u"count"_s].toInt(), 2);
+        QVERIFY(reply.text.startsWith(u"清理完成！处理了 2 个项目（释放约 "_s));
+        QVERIFY(rig.isEmpty());
+        QVERIFY(QDir(rig.folder).exists());
+        // The same again: nothing left, and an end all the same.
+        QCOMPARE(rig.ask(u"clean run"_s, {u"npm"_s}, true).data[u"count"_s].toInt(), 0);
+        QVERIFY(rig.services->cleaner.itemsToClean().isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(CleanCommandsTest)
+#include "CleanCommandsTest.moc"

@@ -1,0 +1,173 @@
+#include "platform/macos/DittoArchiver.h"
+
+#include "foundation/SystemClock.h"
+#include "platform/macos/ZipExcludes.h"
+
+#include <QCoroTask>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+
+namespace {
+
+// Programs of the same interface, which write down where they were and what
+// they were asked.
+class ArchiverRig {
+    QTemporaryDir _folder; // first, because the programs lie in it
+
+public:
+    ArchiverRig()
+    {
+        for (const QString &name : {u"source"_s, u"out"_s})
+            QDir(_folder.path()).mkdir(name);
+        for (const QString &name : {u"ditto"_s, u"zip"_s, u"unzip"_s, u"zipinfo"_s})
+            program(name, u"exit 0"_s);
+    }
+
+    SystemClock clock;
+    DittoArchiver archiver{clock, {path(u"ditto"_s), path(u"zip"_s), path(u"unzip"_s), path(u"zipinfo"_s)}};
+
+    QString path(const QString &name) const { return _folder.filePath(name); }
+    void program(const QString &name, const QString &ending) const
+    {
+        QFile file(path(name));
+        if (file.open(QIODevice::WriteOnly))
+            file.write(u"#!/bin/sh\necho \"$(basename \"$PWD\")\" %1 \"$@\" >> '%2'\n%3\n"_s
+                           .arg(name, path(u"log"_s), ending)
+                           .toUtf8());
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    // What was asked, without the folder's own path.
+    QString asked() const
+    {
+        QFile log(path(u"log"_s));
+        return log.open(QIODevice::ReadOnly)
+                   ? QString::fromUtf8(log.readAll()).remove(_folder.path() + u'/').trimmed()
+                   : QString();
+    }
+    ArchiveOutcome create(const QStringList &excludes = {})
+    {
+        ArchiveRequest request;
+        request.source = path(u"source"_s);
+        request.archive = path(u"a.zip"_s);
+        request.excludes = excludes;
+        return QCoro::waitFor(archiver.create(request)).value_or(ArchiveOutcome{.exitStatus = -1});
+    }
+    Result<void> extract()
+    {
+        ExtractRequest request;
+        request.archive = path(u"a.zip"_s);
+        request.folder = path(u"out"_s);
+        return QCoro::waitFor(archiver.extract(request));
+    }
+    QStringList unpacked() const
+    {
+        return QDir(path(u"out"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+};
+
+} // namespace
+
+class DittoArchiverTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void packsWithDitto()
+    {
+        ArchiverRig rig;
+        QCOMPARE(rig.create(), ArchiveOutcome());
+        QVERIFY2(rig.asked().endsWith(u" ditto -c -k --keepParent source a.zip"_s), qPrintable(rig.asked()));
+    }
+
+    void leavesOutWithZip()
+    {
+        ArchiverRig rig;
+        QCOMPARE(rig.create({u"*.o"_s}), ArchiveOutcome());
+        const QString folder = QFileInfo(QFileInfo(rig.path(u"source"_s)).path()).fileName();
+        QCOMPARE(rig.asked(), folder + u" zip -r -y -q a.zip source -x */*.o */*.o/*"_s);
+    }
+
+    void translatesPatterns()
+    {
+        QCOMPARE(zipExcludes({u"build/"_s, u"/a?/b"_s, u""_s}, u"[s]"_s),
+                 (QStringList{u"*/build/*"_s, u"\\[s]/a?/b"_s, u"\\[s]/a?/b/*"_s}));
+    }
+
+    void passesExitStatusesOn()
+    {
+        ArchiverRig rig;
+        rig.program(u"ditto"_s, u"echo 'ditto: a.zip: No space left on device' >&2; exit 7"_s);
+        QCOMPARE(rig.create(), (ArchiveOutcome{.exitStatus = 7, .problem = u"打包失败：磁盘空间不足"_s}));
+        rig.program(u"zip"_s, u"echo 'zip warning: could not open for reading: source/a/b' >&2; exit 18"_s);
+        QCOMPARE(rig.create({u"x"_s}),
+                 (ArchiveOutcome{.exitStatus = 0, .skipped = {u"a/b"_s}, .skippedCount = 1}));
+        rig.program(u"zip"_s, u"echo 'zip error: disk' >&2; exit 14"_s);
+        QCOMPARE(rig.create({u"x"_s}),
+                 (ArchiveOutcome{.exitStatus = 14, .problem = u"打包失败：zip error: disk"_s}));
+    }
+
+    void neverReplacesAnArchive()
+    {
+        ArchiverRig rig;
+        rig.program(u"a.zip"_s, u"exit 0"_s);
+        QCOMPARE(rig.create().exitStatus, 15);
+        QCOMPARE(rig.asked(), QString());
+    }
+
+    void testsWithUnzip()
+    {
+        ArchiverRig rig;
+        QVERIFY(QCoro::waitFor(rig.archiver.test(rig.path(u"a.zip"_s), {})));
+        QVERIFY(rig.asked().endsWith(u" unzip -tqq a.zip"_s));
+        rig.program(u"unzip"_s, u"echo 'file  bad CRC 1234'; exit 2"_s);
+        QCOMPARE(QCoro::waitFor(rig.archiver.test(rig.path(u"a.zip"_s), {})),
+                 Result<void>(failure(u"归档已损坏：file  bad CRC 1234"_s)));
+    }
+
+    void unpacksBesideWhatIsThere()
+    {
+        ArchiverRig rig;
+        rig.program(u"ditto"_s, u"mkdir \"$4/source\"; echo new > \"$4/source/file\""_s);
+        QVERIFY(rig.extract());
+        QCOMPARE(rig.unpacked(), QStringList{u"source"_s});
+        QVERIFY(rig.asked().contains(u" ditto -x -k a.zip out/.velbrix-"_s));
+        QCOMPARE(rig.extract(), Result<void>(failure(u"“source”已经存在，没有替换"_s)));
+        QCOMPARE(rig.unpacked(), QStringList{u"source"_s});
+    }
+
+    void unpacksNothingThatLeadsOut_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("up") << u"source/../../evil"_s;
+        QTest::newRow("absolute") << u"/evil"_s;
+    }
+    void unpacksNothingThatLeadsOut()
+    {
+        QFETCH(QString, path);
+        ArchiverRig rig;
+        rig.program(u"zipinfo"_s, u"echo source/; echo "_s + path);
+        QCOMPARE(rig.extract(), Result<void>(failure(u"归档中有不安全的路径：“%1”，没有解压"_s.arg(path))));
+        QVERIFY(!rig.asked().contains(u"ditto"_s));
+    }
+
+    void endsWhenToldTo()
+    {
+        ArchiverRig rig;
+        rig.program(u"ditto"_s, u"sleep 60"_s);
+        ArchiveRequest request;
+        request.source = rig.path(u"source"_s);
+        request.archive = rig.path(u"a.zip"_s);
+        request.cancellation.cancel();
+        const auto outcome = QCoro::waitFor(rig.archiver.create(request));
+        QVERIFY(outcome->cancelled);
+        QCOMPARE(outcome->exitStatus, 9);
+    }
+};
+
+QTEST_GUILESS_MAIN(DittoArchiverTest)
+#include "DittoArchiverTest.moc"

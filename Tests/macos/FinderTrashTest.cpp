@@ -1,0 +1,80 @@
+#include "platform/macos/FinderTrash.h"
+
+#include "foundation/SystemClock.h"
+
+#include <QCoroTask>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace velbrix;
+using namespace Qt::StringLiterals;
+
+class FinderTrashTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir _folder;
+    SystemClock _clock;
+
+    FinderTrash finder(const QByteArray &ending)
+    {
+        QFile file(_folder.filePath(u"osascript"_s));
+        if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            file.write("#!/bin/sh\nprintf '<%s>' \"$@\" > '" +
+                       QFile::encodeName(_folder.filePath(u"asked"_s)) + "'\n" + ending + '\n');
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return FinderTrash(_clock, file.fileName());
+    }
+    QByteArray asked() const
+    {
+        QFile file(_folder.filePath(u"asked"_s));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private Q_SLOTS:
+    void whatIsGoneCountsAndNotTheStatus()
+    {
+        const QString item = _folder.filePath(u"item"_s);
+        const QByteArray native = QFile::encodeName(item);
+        QVERIFY(QFile::link(u"/nowhere"_s, item));
+        QCOMPARE(QCoro::waitFor(finder("exit 0").moveToTrash(item)).error().message,
+                 u"访达没有把它移到废纸篓"_s);
+        QVERIFY(!QCoro::waitFor(FinderTrash(_clock, u"/nowhere/osascript"_s).moveToTrash(item)));
+        QVERIFY(QCoro::waitFor(finder("rm '" + native + "'; exit 1").moveToTrash(item)));
+        QCOMPARE(asked(), "<-e><tell application \"Finder\" to delete POSIX file \"" + native + "\">");
+    }
+
+    void quotesWhatWouldEndTheText()
+    {
+        QCOMPARE(FinderTrash::deleteScript(uR"(/Applications/a "b" \c.app)"_s),
+                 uR"(tell application "Finder" to delete POSIX file "/Applications/a \"b\" \\c.app")"_s);
+    }
+
+    void emptiesThroughTheFinder()
+    {
+        QVERIFY(QCoro::waitFor(finder("exit 0").empty()));
+        QCOMPARE(asked(), "<-e><tell application \"Finder\" to empty trash>");
+        QCOMPARE(QCoro::waitFor(finder("echo ' not allowed' >&2; exit 1").empty()).error().message,
+                 u"访达没有清空废纸篓：not allowed"_s);
+    }
+
+    void knowsWhatLiesInATrash_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("isTrashed");
+        QTest::newRow("home") << u"/Users/me/.Trash/App.app"_s << true;
+        QTest::newRow("volume") << u"/Volumes/My Disk/.Trashes/501/App.app"_s << true;
+        QTest::newRow("another's") << u"/Volumes/My Disk/.Trashes/502/App.app"_s << false;
+        QTest::newRow("the trash itself") << u"/Users/me/.Trash/"_s << false;
+        QTest::newRow("out of it again") << u"/Users/me/.Trash/../Documents/x"_s << false;
+        QTest::newRow("elsewhere") << u"/Users/me/.Trash2/x"_s << false;
+    }
+    void knowsWhatLiesInATrash()
+    {
+        QFETCH(QString, path);
+        QTEST(FinderTrash::isTrashed(path, u"/Users/me"_s, 501), "isTrashed");
+    }
+};
+
+QTEST_GUILESS_MAIN(FinderTrashTest)
+#include "FinderTrashTest.moc"

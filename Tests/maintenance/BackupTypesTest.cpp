@@ -1,0 +1,328 @@
+#include "maintenance/backup/BackupTypes.h"
+
+#include "foundation/SettingsStore.h"
+#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/BackupTaskStore.h"
+#include "support/MemorySettings.h"
+#include "support/VirtualClock.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString key = u"Velbrix_FileBackupTasks_v2"_s;
+const QTimeZone berlin("Europe/Berlin");
+
+QJsonObject storedTask()
+{
+    return {{u"id"_s, u"one"_s},
+            {u"name"_s, u"照片"_s},
+            {u"kind"_s, u"backup"_s},
+            {u"sourcePath"_s, u"/home/me/Photos"_s},
+            {u"destPath"_s, u"/media/disk"_s},
+            {u"schedule"_s, QJsonObject{{u"kind"_s, u"monthly"_s},
+                                        {u"hour"_s, 7},
+                                        {u"minute"_s, 30},
+                                        {u"dayOfMonth"_s, 31},
+                                        {u"month"_s, 1}}},
+            {u"isEnabled"_s, true},
+            {u"nextRunAt"_s, 0.5}};
+}
+
+QJsonObject with(const QString &member, const QJsonValue &value)
+{
+    QJsonObject json = storedTask();
+    json.insert(member, value);
+    return json;
+}
+
+QList<BackupTask> loaded(const QJsonValue &stored, MemorySettings *&backend, QString *problem = nullptr)
+{
+    static VirtualClock clock;
+    auto made = std::make_unique<MemorySettings>();
+    backend = made.get();
+    made->stored.insert(key, stored);
+    static std::unique_ptr<SettingsStore> settings;
+    settings = std::make_unique<SettingsStore>(std::move(made), clock);
+    BackupTaskStore store(*settings);
+    const QList<BackupTask> tasks = store.load();
+    (void)settings->flush();
+    if (problem)
+        *problem = store.problem();
+    return tasks;
+}
+
+BackupScheduleTime daily(int hour, int minute)
+{
+    return {BackupScheduleKind::daily, hour, minute};
+}
+BackupScheduleTime monthly(int day, int hour, int minute)
+{
+    return {BackupScheduleKind::monthly, hour, minute, day};
+}
+BackupScheduleTime yearly(int month, int day, int hour, int minute)
+{
+    return {BackupScheduleKind::yearly, hour, minute, day, month};
+}
+
+} // namespace
+
+class BackupTypesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsWhatTheFirstProgramWrote()
+    {
+        const auto task = backupTaskFromJson(storedTask());
+        QVERIFY(task);
+        QCOMPARE(task->nextRunAt.toUTC(), QDateTime(QDate(2001, 1, 1), QTime(0, 0, 0, 500), Qt::UTC));
+        QCOMPARE(task->schedule, monthly(31, 7, 30));
+        QVERIFY(!task->lastRunAt);
+        QVERIFY(task->setsAside);
+        QCOMPARE(task->keepLast, 0);
+    }
+
+    void writesAndReadsEverything()
+    {
+        BackupTask task = *backupTaskFromJson(storedTask());
+        task.kind = BackupTaskKind::sync;
+        task.lastRunAt = QDateTime(QDate(2026, 3, 1), QTime(9, 0, 0, 123));
+        task.lastResult = u"✓ 同步完成 · 3 个文件"_s;
+        task.excludes = QStringList{u"*.tmp"_s};
+        task.keepLast = 3;
+        task.setsAside = false;
+        task.destVolume = u"/media/disk"_s;
+        task.failingSince = task.lastRunAt;
+        QCOMPARE(backupTaskFromJson(toJson(task)), std::optional(task));
+        for (const QString &member : storedTask().keys())
+            QVERIFY2(toJson(task).contains(member), qPrintable(member));
+        QCOMPARE(toJson(*backupTaskFromJson(storedTask())).value(u"nextRunAt"_s), QJsonValue(0.5));
+    }
+
+    void editedByHand_data()
+    {
+        QTest::addColumn<QJsonObject>("json");
+        QTest::addColumn<bool>("isTask");
+        QTest::newRow("whole") << storedTask() << true;
+        QTest::newRow("no id") << with(u"id"_s, QString()) << false;
+        QTest::newRow("id of a number") << with(u"id"_s, 4) << false;
+        QTest::newRow("no source") << with(u"sourcePath"_s, QJsonValue()) << false;
+        QTest::newRow("unknown kind") << with(u"kind"_s, u"mirror"_s) << false;
+        QTest::newRow("no schedule") << with(u"schedule"_s, QJsonValue()) << false;
+        QTest::newRow("enabled in words") << with(u"isEnabled"_s, u"yes"_s) << false;
+        QTest::newRow("name is absent") << with(u"name"_s, QJsonValue()) << true;
+        QTest::newRow("ISO date") << with(u"nextRunAt"_s, u"2026-03-01T09:00:00Z"_s) << true;
+        QTest::newRow("no date") << with(u"nextRunAt"_s, u"tomorrow"_s) << true;
+        QTest::newRow("a date beyond all") << with(u"nextRunAt"_s, 1e300) << true;
+        QTest::newRow("keeps too few") << with(u"keepLast"_s, -1e18) << true;
+    }
+    void editedByHand()
+    {
+        QFETCH(QJsonObject, json);
+        QFETCH(bool, isTask);
+        const auto task = backupTaskFromJson(json);
+        QCOMPARE(task.has_value(), isTask);
+        if (task)
+            QVERIFY(task->keepLast >= 0);
+    }
+
+    void numbersOutOfRangeAreClamped()
+    {
+        const auto task = backupTaskFromJson(with(u"schedule"_s, QJsonObject{{u"kind"_s, u"yearly"_s},
+                                                                             {u"hour"_s, 99},
+                                                                             {u"minute"_s, -1},
+                                                                             {u"dayOfMonth"_s, 1e9},
+                                                                             {u"month"_s, 0}}));
+        QCOMPARE(task->schedule, yearly(1, 31, 23, 0));
+    }
+
+    void aBadTaskDoesNotCostTheOthers()
+    {
+        const QJsonArray stored{storedTask(), 4, with(u"kind"_s, u"?"_s), storedTask()};
+        MemorySettings *backend = nullptr;
+        QString problem;
+        const QList<BackupTask> tasks = loaded(stored, backend, &problem);
+        QCOMPARE(tasks.size(), 2);
+        QVERIFY(tasks[0].id != tasks[1].id);
+        QVERIFY(problem.startsWith(u"2 个备份任务无法读取"_s));
+        QCOMPARE(backend->stored.value(key + u"_unreadable"_s),
+                 QJsonValue(QJsonArray{4, with(u"kind"_s, u"?"_s)}));
+        QCOMPARE(backend->stored.value(key), QJsonValue(stored));
+    }
+
+    void whatIsNoListIsKeptAside()
+    {
+        MemorySettings *backend = nullptr;
+        QString problem;
+        QVERIFY(loaded(u"[{"_s, backend, &problem).isEmpty());
+        QVERIFY(!problem.isEmpty());
+        QCOMPARE(backend->stored.value(key + u"_unreadable"_s), QJsonValue(QJsonArray{u"[{"_s}));
+    }
+
+    void nextRuns_data()
+    {
+        QTest::addColumn<BackupScheduleTime>("schedule");
+        QTest::addColumn<QString>("after");
+        QTest::addColumn<QString>("next");
+        const auto row = [](const char *name, const BackupScheduleTime &schedule, const char *after,
+                            const char *next) {
+            QTest::newRow(name) << schedule << QString::fromLatin1(after) << QString::fromLatin1(next);
+        };
+        row("later today", daily(9, 0), "2026-06-01 08:59:59", "2026-06-01 09:00:00");
+        row("saved at 09:00:30", daily(9, 0), "2026-06-01 09:00:30", "2026-06-02 09:00:00");
+        row("exactly then", daily(9, 0), "2026-06-01 09:00:00", "2026-06-02 09:00:00");
+        row("over the year's end", daily(0, 0), "2026-12-31 00:00:01", "2027-01-01 00:00:00");
+        row("day 31 is the 28th", monthly(31, 9, 0), "2026-01-29 12:00:00", "2026-02-28 09:00:00");
+        row("this month", monthly(15, 9, 0), "2026-04-15 08:00:00", "2026-04-15 09:00:00");
+        row("December rolls over", monthly(28, 9, 0), "2026-12-28 10:00:00", "2027-01-28 09:00:00");
+        row("this year", yearly(3, 1, 9, 0), "2026-02-01 00:00:00", "2026-03-01 09:00:00");
+        row("next year", yearly(3, 1, 9, 0), "2026-03-01 09:00:00", "2027-03-01 09:00:00");
+        row("29 February", yearly(2, 29, 9, 0), "2028-02-29 00:00:00", "2029-02-28 09:00:00");
+        row("the gap", daily(2, 30), "2026-03-28 12:00:00", "2026-03-29 03:00:00");
+        row("after the gap", daily(2, 30), "2026-03-29 03:00:00", "2026-03-30 02:30:00");
+        row("through the gap", daily(9, 0), "2026-03-28 09:00:00", "2026-03-29 09:00:00");
+    }
+    void nextRuns()
+    {
+        QFETCH(BackupScheduleTime, schedule);
+        QFETCH(QString, after);
+        QFETCH(QString, next);
+        const QDateTime reference = QDateTime::fromString(after, u"yyyy-MM-dd HH:mm:ss"_s);
+        const QDateTime result = nextRun(schedule, QDateTime(reference.date(), reference.time(), berlin));
+        QCOMPARE(result.toString(u"yyyy-MM-dd HH:mm:ss"_s), next);
+    }
+
+    void anHourThatComesTwiceRunsOnce()
+    {
+        // 02:30 comes at 00:30 and at 01:30 UTC.
+        const QDateTime first(QDate(2026, 10, 25), QTime(0, 30), Qt::UTC);
+        const QDateTime eve = QDateTime(QDate(2026, 10, 24), QTime(12, 0), Qt::UTC).toTimeZone(berlin);
+        QCOMPARE(nextRun(daily(2, 30), eve).toUTC(), first);
+        const QDateTime after = first.addSecs(60).toTimeZone(berlin);
+        QCOMPARE(nextRun(daily(2, 30), after).toUTC(), QDateTime(QDate(2026, 10, 26), QTime(1, 30), Qt::UTC));
+        const QDateTime between = first.addSecs(50 * 60).toTimeZone(berlin);
+        QCOMPARE(nextRun(daily(2, 30), between).toUTC(),
+                 QDateTime(QDate(2026, 10, 26), QTime(1, 30), Qt::UTC));
+    }
+
+    void tellsATimeFromAWrongClock()
+    {
+        const QDateTime now(QDate(2026, 3, 1), QTime(9, 0));
+        QVERIFY(!isTooFarAhead(daily(9, 0), nextRun(daily(9, 0), now), now));
+        QVERIFY(isTooFarAhead(daily(9, 0), now.addDays(1).addSecs(1), now));
+        QVERIFY(!isTooFarAhead(yearly(2, 28, 9, 0), nextRun(yearly(2, 28, 9, 0), now), now));
+        QVERIFY(isTooFarAhead(monthly(1, 9, 0), now.addMonths(2), now));
+    }
+
+    void saysTheScheduleInWords()
+    {
+        QCOMPARE(scheduleText(daily(9, 0)), u"每天 09:00"_s);
+        QCOMPARE(scheduleText(monthly(31, 9, 5)), u"每月 28 日 09:05"_s);
+        QCOMPARE(scheduleText(yearly(3, 1, 9, 0)), u"每年 3 月 1 日 09:00"_s);
+    }
+
+    void knowsItsOwnNamesOnly()
+    {
+        BackupTask task;
+        task.name = u"a/b"_s;
+        task.destPath = u"/d"_s;
+        const QDateTime at(QDate(2026, 3, 1), QTime(9, 0, 5));
+        QCOMPARE(archiveName(task, at), u"a_b_20260301_090005.zip"_s);
+        QCOMPARE(archiveTime(task, archiveName(task, at)), std::optional(at));
+        for (const QString &foreign :
+             {u"a_b_20260301_090005.ZIP"_s, u"a_b_20261301_090005.zip"_s, u"a_b_2026 301_090005.zip"_s,
+              u"x_a_b_20260301_090005.zip"_s, u"a_b_20260301_090005 2.zip"_s,
+              u".a_b_20260301_090005.zip.partial"_s, u"a_b_.zip"_s})
+            QVERIFY2(!archiveTime(task, foreign), qPrintable(foreign));
+        QVERIFY(isGrowing(task, growingName(archiveName(task, at))));
+        QVERIFY(!isGrowing(task, u".a_b_.zip.partial"_s));
+        QVERIFY(!isGrowing(task, u".partial"_s));
+        QCOMPARE(mirrorFolder(task), u"/d/a_b_同步"_s);
+        QVERIFY(fileNamePart(QString(300, u'中')).toUtf8().size() <= 200);
+    }
+
+    void obstacles_data()
+    {
+        QTest::addColumn<bool>("isSync");
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("destination");
+        QTest::addColumn<QStringList>("excludes");
+        QTest::addColumn<QString>("begins");
+        const QString empty = u"请选择源文件夹和保存目录"_s;
+        const QString noSource = u"源文件夹不存在或不是目录"_s;
+        const QString noDestination = u"保存目录不存在或不是目录"_s;
+        QTest::newRow("nothing") << false << QString() << QString() << QStringList() << empty;
+        QTest::newRow("no destination") << false << u"src"_s << QString() << QStringList() << empty;
+        QTest::newRow("source missing") << false << u"none"_s << u"none"_s << QStringList() << noSource;
+        QTest::newRow("source is a file") << true << u"file"_s << u"dst"_s << QStringList() << noSource;
+        QTest::newRow("destination is a file")
+            << true << u"src"_s << u"file"_s << QStringList() << noDestination;
+        QTest::newRow("sound archive") << false << u"src"_s << u"dst"_s << QStringList() << QString();
+        QTest::newRow("sound mirror") << true << u"src"_s << u"dst"_s << QStringList() << QString();
+        QTest::newRow("beside each other") << true << u"src"_s << u"."_s << QStringList() << QString();
+        QTest::newRow("archives in the source")
+            << false << u"src"_s << u"src/in"_s << QStringList() << u"保存目录在源文件夹里面"_s;
+        QTest::newRow("through a link")
+            << false << u"link"_s << u"src/in"_s << QStringList() << u"保存目录在源文件夹里面"_s;
+        QTest::newRow("excluded archives")
+            << false << u"src"_s << u"src/in"_s << QStringList{u"/in"_s} << QString();
+        QTest::newRow("the source itself")
+            << false << u"src"_s << u"src"_s << QStringList{u"*.zip"_s} << u"保存目录在源文件夹里面"_s;
+        QTest::newRow("mirror in the source")
+            << true << u"src"_s << u"src/in"_s << QStringList{u"in"_s} << u"保存目录在源文件夹里面"_s;
+        QTest::newRow("source in the mirror")
+            << true << u"t_同步/in"_s << u"."_s << QStringList() << u"源文件夹与同步文件夹"_s;
+    }
+    void obstacles()
+    {
+        QFETCH(bool, isSync);
+        QFETCH(QString, source);
+        QFETCH(QString, destination);
+        QFETCH(QStringList, excludes);
+        QFETCH(QString, begins);
+        const QTemporaryDir folder;
+        const QDir dir(folder.path());
+        for (const char *made : {"src/in", "dst", "t_同步/in"})
+            dir.mkpath(QString::fromUtf8(made));
+        QFile(dir.filePath(u"file"_s)).open(QIODevice::WriteOnly);
+        QFile::link(dir.filePath(u"src"_s), dir.filePath(u"link"_s));
+        BackupTask task;
+        task.name = u"t"_s;
+        task.kind = isSync ? BackupTaskKind::sync : BackupTaskKind::backup;
+        task.sourcePath = source.isEmpty() ? source : dir.filePath(source);
+        task.destPath = destination.isEmpty() ? destination : QDir::cleanPath(dir.filePath(destination));
+        task.excludes = excludes;
+        const QString obstacle = backupObstacle(task);
+        QVERIFY2(obstacle.startsWith(begins) && obstacle.isEmpty() == begins.isEmpty(), qPrintable(obstacle));
+    }
+
+    void tasksMustNotWriteOverEachOther()
+    {
+        BackupTask one;
+        one.id = u"1"_s;
+        one.name = u"A"_s;
+        one.kind = BackupTaskKind::sync;
+        one.destPath = u"/d"_s;
+        BackupTask other = one;
+        QVERIFY(backupConflict(other, {one}).isEmpty());
+        other.id = u"2"_s;
+        QVERIFY(!backupConflict(other, {one}).isEmpty());
+        other.kind = BackupTaskKind::backup;
+        QVERIFY(backupConflict(other, {one}).isEmpty());
+        other.destPath = u"/d/A_同步/archives"_s;
+        QVERIFY(!backupConflict(other, {one}).isEmpty());
+        QVERIFY(!backupConflict(one, {other}).isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(BackupTypesTest)
+#include "BackupTypesTest.moc"

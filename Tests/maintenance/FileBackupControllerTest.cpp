@@ -1,0 +1,434 @@
+#include "maintenance/backup/FileBackupController.h"
+
+#include "foundation/SettingsStore.h"
+#include "support/FakeArchiver.h"
+#include "support/FakeUserNotifications.h"
+#include "support/MemorySettings.h"
+#include "support/VirtualClock.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString key = u"Velbrix_FileBackupTasks_v2"_s;
+const QDateTime start(QDate(2026, 3, 1), QTime(9, 0));
+
+struct Rig {
+    Rig()
+    {
+        QDir(folder.path()).mkpath(u"src"_s);
+        QDir(folder.path()).mkpath(u"dst"_s);
+        write(u"src/a"_s);
+    }
+    ~Rig()
+    {
+        archiver.holds = false;
+        clock.advance(1s);
+        controller.reset();
+        // What a controller leaves behind ends on its own.
+        QTest::qWait(20);
+    }
+
+    QString path(const QString &below) const { return folder.filePath(below); }
+    void write(const QString &below) const
+    {
+        QDir().mkpath(QFileInfo(path(below)).path());
+        QFile file(path(below));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("x");
+    }
+    BackupTask described(const QString &name, int hour = 10) const
+    {
+        BackupTask task;
+        task.name = name;
+        task.sourcePath = path(u"src"_s);
+        task.destPath = path(u"dst"_s);
+        task.schedule.hour = hour;
+        return task;
+    }
+    Result<BackupTask> save(BackupTask task)
+    {
+        std::optional<Result<BackupTask>> saved;
+        make();
+        const auto wait = [&]() -> QCoro::Task<> { saved = co_await controller->save(task); };
+        const QCoro::Task<> waiting = wait();
+        if (!QTest::qWaitFor([&] { return saved.has_value(); }))
+            return failure(u"never saved"_s);
+        return *saved;
+    }
+    FileBackupController &make()
+    {
+        if (!controller)
+            controller = std::make_unique<FileBackupController>(
+                FileBackupController::Hosts{archiver, notifications}, settings, clock);
+        return *controller;
+    }
+    // A day's tasks in the settings, without the checks of save().
+    void store(const QList<BackupTask> &tasks)
+    {
+        QJsonArray list;
+        for (const BackupTask &task : tasks)
+            list.append(toJson(task));
+        settings.set(key, list);
+    }
+    bool ends()
+    {
+        return QTest::qWaitFor([this] { return !controller->isRunningBackup(); });
+    }
+    QString result(const QString &id) const { return controller->task(id)->lastResult.value_or(QString()); }
+    QStringList inDestination() const
+    {
+        return QDir(path(u"dst"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir folder;
+    VirtualClock clock{start};
+    MemorySettings *backend = new MemorySettings;
+    SettingsStore settings{std::unique_ptr<SettingsBackend>(backend), clock};
+    FakeArchiver archiver{clock};
+    FakeUserNotifications notifications;
+    std::unique_ptr<FileBackupController> controller;
+};
+
+} // namespace
+
+class FileBackupControllerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void savesChecksAndStores()
+    {
+        Rig rig;
+        QCOMPARE(rig.save(BackupTask()).error().message, u"请选择源文件夹和保存目录"_s);
+        const auto saved = rig.save(rig.described(u" "_s));
+        QVERIFY(saved);
+        QCOMPARE(saved->name, u"src"_s);
+        QCOMPARE(saved->nextRunAt, start.addSecs(3600));
+        QVERIFY(!saved->destVolume.isEmpty());
+        QCOMPARE(rig.settings.json(key)->toArray().size(), 1);
+        QVERIFY(!rig.save(rig.described(u"src"_s)));
+        BackupTask edited = *saved;
+        edited.schedule.hour = 8;
+        QCOMPARE(rig.save(edited)->nextRunAt, start.addDays(1).addSecs(-3600));
+        QCOMPARE(rig.controller->tasks().size(), 1);
+        rig.controller->setEnabled(saved->id, false);
+        QCOMPARE(rig.settings.json(key)->toArray().at(0)[u"isEnabled"_s], QJsonValue(false));
+        rig.controller->remove(saved->id);
+        QCOMPARE(rig.settings.json(key)->toArray(), QJsonArray());
+    }
+
+    void runsWhatIsDueAtThePoll()
+    {
+        Rig rig;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.clock.advance(59min);
+        QVERIFY(!rig.controller->isRunningBackup());
+        rig.clock.advance(1min);
+        QVERIFY(rig.controller->isRunningBackup());
+        QCOMPARE(rig.controller->currentRunningTaskID(), std::optional(id));
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 18 字节"_s);
+        QCOMPARE(rig.inDestination(), QStringList{u"t_20260301_100000.zip"_s});
+        QCOMPARE(rig.controller->task(id)->nextRunAt, start.addDays(1).addSecs(3600));
+        QCOMPARE(rig.controller->task(id)->lastRunAt, std::optional(start.addSecs(3600)));
+        QCOMPARE(rig.controller->currentRunningTaskID(), std::nullopt);
+        QCOMPARE(rig.settings.json(key)->toArray().at(0)[u"lastResult"_s], QJsonValue(rig.result(id)));
+        QVERIFY(rig.notifications.posted.isEmpty());
+    }
+
+    void idleItHasOneTimerOnly()
+    {
+        Rig rig;
+        rig.make();
+        QCOMPARE(rig.clock.pendingCount(), 1);
+        rig.clock.advance(24h);
+        QCOMPARE(rig.clock.firedCount(), 24 * 12);
+    }
+
+    void catchesUpAfterTheStartInOrder()
+    {
+        Rig rig;
+        BackupTask late = rig.described(u"late"_s);
+        late.id = u"late"_s;
+        late.nextRunAt = start.addSecs(-60);
+        BackupTask later = rig.described(u"earlier"_s);
+        later.id = u"earlier"_s;
+        later.nextRunAt = start.addDays(-2);
+        BackupTask disabled = later;
+        disabled.name = disabled.id = u"disabled"_s;
+        disabled.isEnabled = false;
+        rig.store({late, later, disabled});
+        rig.make();
+        const QSignalSpy finished(rig.controller.get(), &FileBackupController::runFinished);
+        rig.clock.advance(59s);
+        QVERIFY(!rig.controller->isRunningBackup());
+        rig.clock.advance(1s);
+        QTRY_COMPARE(finished.size(), 2);
+        QCOMPARE(finished.at(0).at(0).toString(), u"earlier"_s);
+        QCOMPARE(finished.at(1).at(0).toString(), u"late"_s);
+        QCOMPARE(rig.result(u"disabled"_s), QString());
+        rig.controller->runNow(u"disabled"_s);
+        QVERIFY(rig.ends());
+        QVERIFY(rig.result(u"disabled"_s).startsWith(u"✓"_s));
+    }
+
+    void aClockThatWasWrongDoesNotStopATask()
+    {
+        Rig rig;
+        BackupTask task = rig.described(u"t"_s);
+        task.id = u"t"_s;
+        task.nextRunAt = start.addYears(4);
+        BackupTask undated = rig.described(u"u"_s);
+        undated.id = u"u"_s;
+        rig.store({task, undated});
+        rig.make();
+        QCOMPARE(rig.controller->task(u"t"_s)->nextRunAt, start.addSecs(3600));
+        QCOMPARE(rig.controller->task(u"u"_s)->nextRunAt, start.addSecs(3600));
+    }
+
+    void oneRunAtATime()
+    {
+        Rig rig;
+        const QString one = rig.save(rig.described(u"1"_s))->id;
+        const QString two = rig.save(rig.described(u"2"_s))->id;
+        rig.controller->runNow(one);
+        rig.controller->runNow(two);
+        rig.clock.advance(2h);
+        QCOMPARE(rig.controller->currentRunningTaskID(), std::optional(one));
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(two), QString());
+    }
+
+    void failedArchives_data()
+    {
+        QTest::addColumn<int>("exitStatus");
+        QTest::addColumn<bool>("tears");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("exit status") << 3 << false << u"压缩失败 (exit 3)（磁盘已满）"_s;
+        QTest::newRow("torn") << 0 << true << u"归档校验失败，已删除（归档已损坏）"_s;
+    }
+    void failedArchives()
+    {
+        QFETCH(int, exitStatus);
+        QFETCH(bool, tears);
+        QFETCH(QString, result);
+        Rig rig;
+        rig.archiver.tears = tears;
+        rig.archiver.outcome.exitStatus = exitStatus;
+        rig.archiver.outcome.problem = u"磁盘已满"_s;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(id), result);
+        QVERIFY(rig.controller->task(id)->lastFailed);
+        QVERIFY(rig.controller->task(id)->isEnabled);
+        QCOMPARE(rig.inDestination(), QStringList());
+        QVERIFY(rig.notifications.posted.isEmpty()); // the user is looking
+    }
+
+    void keepsTheNewestOfItsOwn()
+    {
+        Rig rig;
+        for (const QString &name :
+             {u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s, u"t_20260103_000000.zip"_s,
+              u"t_20260104_000000 2.zip"_s, u"t_99_20260104_000000.zip"_s,
+              u".t_20260105_000000.zip.partial"_s, u".x_20260105_000000.zip.partial"_s, u"t_holiday.zip"_s})
+            rig.write(u"dst/"_s + name);
+        BackupTask task = rig.described(u"t"_s);
+        task.keepLast = 2;
+        const QString id = rig.save(task)->id;
+        rig.archiver.outcome.exitStatus = 1;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.inDestination().size(), 7); // the leftover of a killed run is gone, no archive is
+        rig.archiver.outcome = {.skipped = {u"locked"_s}, .skippedCount = 3};
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 18 字节（3 个文件无法读取，未包含）"_s);
+        QCOMPARE(rig.inDestination(),
+                 (QStringList{u".x_20260105_000000.zip.partial"_s, u"t_20260103_000000.zip"_s,
+                              u"t_20260104_000000 2.zip"_s, u"t_20260301_090000.zip"_s,
+                              u"t_99_20260104_000000.zip"_s, u"t_holiday.zip"_s}));
+    }
+
+    void anArchiveOfNothingPushesNothingOut()
+    {
+        Rig rig;
+        rig.write(u"dst/t_20260101_000000.zip"_s);
+        BackupTask task = rig.described(u"t"_s);
+        task.keepLast = 1;
+        const QString id = rig.save(task)->id;
+        QFile::remove(rig.path(u"src/a"_s));
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.inDestination().size(), 2);
+    }
+
+    void cancelLeavesNothing()
+    {
+        Rig rig;
+        rig.archiver.holds = true;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->runNow(id);
+        QTRY_COMPARE(rig.inDestination(), QStringList{u".t_20260301_090000.zip.partial"_s});
+        rig.controller->cancelRun();
+        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRunningBackup()));
+        QCOMPARE(rig.result(id), u"已取消"_s);
+        QVERIFY(!rig.controller->task(id)->lastFailed);
+        QCOMPARE(rig.inDestination(), QStringList());
+    }
+
+    void aFailureIsToldOnceAndADelayOnce()
+    {
+        Rig rig;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        QDir(rig.path(u"src"_s)).removeRecursively();
+        const auto passDay = [&] {
+            rig.clock.advance(1h);
+            QVERIFY(rig.ends());
+            rig.clock.advance(23h);
+        };
+        passDay();
+        QVERIFY(rig.result(id).startsWith(u"源文件夹不在了"_s));
+        QCOMPARE(rig.notifications.posted.size(), 1);
+        QCOMPARE(rig.notifications.posted.first().title, u"“t”没有完成"_s);
+        QCOMPARE(rig.notifications.posted.first().body, rig.result(id));
+        passDay();
+        QCOMPARE(rig.notifications.posted.size(), 1);
+        passDay();
+        passDay();
+        passDay();
+        QCOMPARE(rig.notifications.posted.size(), 2);
+        QCOMPARE(rig.notifications.posted.last().title, u"“t”已逾期 3 天"_s);
+        rig.write(u"src/a"_s);
+        passDay();
+        QVERIFY(rig.result(id).startsWith(u"✓"_s));
+        QVERIFY(!rig.controller->task(id)->failingSince);
+    }
+
+    void aMirrorAsksBeforeManyDeletions()
+    {
+        if (!QFile::exists(u"/usr/bin/rsync"_s))
+            QSKIP("rsync is not installed");
+        Rig rig;
+        BackupTask task = rig.described(u"t"_s);
+        task.kind = BackupTaskKind::sync;
+        const QString id = rig.save(task)->id;
+        for (int n = 0; n < 60; ++n)
+            rig.write(u"dst/t_同步/%1"_s.arg(n));
+        rig.controller->runNow(id);
+        QTRY_VERIFY(rig.controller->question());
+        QCOMPARE(*rig.controller->question(), (BackupQuestion{id, u"t"_s, 60, 60}));
+        rig.controller->declineDeletions();
+        QVERIFY(!rig.controller->question());
+        QVERIFY(rig.ends());
+        QVERIFY(QFile::exists(rig.path(u"dst/t_同步/0"_s)));
+        rig.controller->runNow(id);
+        QTRY_VERIFY(rig.controller->question());
+        rig.controller->cancelRun();
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(id), u"已取消"_s);
+        rig.clock.advance(1h); // on schedule nobody is asked
+        QVERIFY(rig.ends());
+        QVERIFY(rig.result(id).contains(u"已暂停"_s));
+        QCOMPARE(rig.notifications.posted.size(), 1);
+        rig.controller->runNow(id);
+        QTRY_VERIFY(rig.controller->question());
+        rig.controller->confirmDeletions();
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(id), u"✓ 同步完成 · 1 个文件"_s);
+        QVERIFY(!QFile::exists(rig.path(u"dst/t_同步/0"_s)));
+    }
+
+    void anUnansweredQuestionMakesWayForADueTask()
+    {
+        Rig rig;
+        BackupTask task = rig.described(u"t"_s, 20);
+        task.kind = BackupTaskKind::sync;
+        const QString id = rig.save(task)->id;
+        const QString other = rig.save(rig.described(u"other"_s))->id;
+        for (int n = 0; n < 60; ++n)
+            rig.write(u"dst/t_同步/%1"_s.arg(n));
+        rig.controller->runNow(id);
+        QTRY_VERIFY(rig.controller->question());
+        rig.clock.advance(55min);
+        QVERIFY(rig.controller->question());
+        rig.clock.advance(5min);
+        QVERIFY(rig.ends());
+        rig.clock.advance(5min);
+        QVERIFY(rig.ends());
+        QVERIFY(rig.result(other).startsWith(u"✓"_s));
+    }
+
+    void removingATaskKeepsItsFilesAndEndsItsRun()
+    {
+        Rig rig;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        rig.archiver.holds = true;
+        rig.clock.advance(1s);
+        rig.controller->runNow(id);
+        rig.controller->remove(id);
+        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRunningBackup()));
+        QCOMPARE(rig.inDestination(), QStringList{u"t_20260301_090000.zip"_s});
+        QVERIFY(rig.controller->tasks().isEmpty());
+    }
+
+    void restoresIntoANewFolder()
+    {
+        Rig rig;
+        rig.write(u"dst/t_20260301_090000.zip"_s);
+        rig.write(u"to/extracted"_s);
+        rig.write(u"to/.velbrix-restore-0123456789abcdef0123456789abcdef/x"_s);
+        QFile whole(rig.path(u"dst/t_20260301_090000.zip"_s));
+        QVERIFY(whole.open(QIODevice::WriteOnly));
+        whole.write(FakeArchiver::content);
+        whole.close();
+        const auto inTarget = [&] {
+            return QDir(rig.path(u"to"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        };
+        const auto restored = [&] {
+            rig.make().restore(whole.fileName(), rig.path(u"to"_s));
+            const bool isDone = QTest::qWaitFor([&] { return !rig.controller->isRestoring(); });
+            return isDone ? rig.controller->restoreResult() : QString();
+        };
+        QCOMPARE(restored(), u"✓ 已恢复到 "_s + rig.path(u"to/extracted 2"_s));
+        QCOMPARE(inTarget(), (QStringList{u"extracted"_s, u"extracted 2"_s}));
+        rig.archiver.extractProblem = u"磁盘已满"_s;
+        QCOMPARE(restored(), u"恢复失败：磁盘已满"_s);
+        QCOMPARE(inTarget().size(), 2);
+        rig.archiver.holds = true;
+        rig.controller->restore(whole.fileName(), rig.path(u"to"_s));
+        QTRY_COMPARE(inTarget().size(), 3);
+        rig.controller->cancelRestore();
+        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRestoring()));
+        QCOMPARE(rig.controller->restoreResult(), u"已取消"_s);
+        QCOMPARE(inTarget().size(), 2);
+    }
+
+    void diesInTheMiddleOfARun()
+    {
+        Rig rig;
+        rig.archiver.holds = true;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->runNow(id);
+        QTRY_COMPARE(rig.archiver.created.size(), 1);
+        rig.controller.reset();
+        rig.clock.advance(1s);
+        QTRY_COMPARE(rig.inDestination(), QStringList());
+    }
+};
+
+QTEST_GUILESS_MAIN(FileBackupControllerTest)
+#include "FileBackupControllerTest.moc"

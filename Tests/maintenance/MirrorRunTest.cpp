@@ -1,0 +1,367 @@
+#include "maintenance/backup/MirrorRun.h"
+
+#include "foundation/SystemClock.h"
+#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/MirrorComparison.h"
+#include "maintenance/backup/RsyncOutput.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+
+namespace {
+
+// A source and a destination of their own, and real runs of rsync.
+struct Rig {
+    Rig()
+    {
+        QDir(folder.path()).mkpath(u"src"_s);
+        QDir(folder.path()).mkpath(u"dst"_s);
+        request.task.id = u"1"_s;
+        request.task.name = u"t"_s;
+        request.task.kind = BackupTaskKind::sync;
+        request.task.sourcePath = path(u"src"_s);
+        request.task.destPath = path(u"dst"_s);
+        request.at = QDateTime(QDate(2026, 3, 1), QTime(9, 0));
+        request.progress = [this](const QString &line, double) { lines.append(line); };
+    }
+    QString path(const QString &below) const { return folder.filePath(below); }
+    QString mirror(const QString &below) const { return path(u"dst/t_同步/"_s + below); }
+
+    void write(const QString &below, const QByteArray &content = "x") const
+    {
+        QDir().mkpath(QFileInfo(path(below)).path());
+        QFile file(path(below));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    void writeMany(const QString &below, int count) const
+    {
+        for (int n = 0; n < count; ++n)
+            write(u"%1/%2"_s.arg(below).arg(n));
+    }
+    QByteArray read(const QString &below) const
+    {
+        QFile file(path(below));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("-");
+    }
+    void start()
+    {
+        hasEnded = false;
+        drive();
+    }
+    QString run()
+    {
+        start();
+        const bool isDone = QTest::qWaitFor([this] { return hasEnded; }, 20000);
+        return isDone ? outcome.message : u"still running"_s;
+    }
+    QStringList inDestination() const
+    {
+        return QDir(path(u"dst"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir folder;
+    SystemClock clock;
+    BackupRunRequest request;
+    QStringList lines;
+    BackupOutcome outcome;
+    bool hasEnded = false;
+
+private:
+    QCoro::Task<> drive()
+    {
+        outcome = co_await mirrorFolder(clock, request);
+        hasEnded = true;
+    }
+};
+
+QCoro::Task<bool> answering(bool answer)
+{
+    co_return answer;
+}
+
+} // namespace
+
+class MirrorRunTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!QFile::exists(u"/usr/bin/rsync"_s))
+            QSKIP("rsync is not installed");
+    }
+
+    void mirrorsEverything()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s, "one");
+        rig.write(u"src/sub/中文.txt"_s, "two");
+        rig.write(u"src/line\nbreak"_s);
+        rig.write(u"src/deleting me"_s);
+        QFile::link(u"/nowhere"_s, rig.path(u"src/link"_s));
+        rig.write(u"src/empty"_s, {});
+        const auto odd = [&](const QString &folder) {
+            return QFile::encodeName(rig.path(folder)) + "/bad\xff";
+        };
+        QCOMPARE(::mkdir(odd(u"src"_s).constData(), 0755), 0);
+        // A name that begins like one of rsync's own lines is copied but not counted.
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 5 个文件"_s);
+        QCOMPARE(rig.read(u"dst/t_同步/sub/中文.txt"_s), "two");
+        QCOMPARE(QFile::symLinkTarget(rig.mirror(u"link"_s)), u"/nowhere"_s);
+        QVERIFY(QFile::exists(rig.mirror(u"deleting me"_s)));
+        QCOMPARE(rig.lines.first(2), (QStringList{u"正在扫描目录…"_s, u"5 个文件，开始同步…"_s}));
+        QCOMPARE(rig.inDestination(), QStringList{u"t_同步"_s});
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 0 个文件"_s);
+        // The temporary folder could not remove a name that is no UTF-8.
+        QCOMPARE(::rmdir(odd(u"dst/t_同步"_s).constData()), 0);
+        QCOMPARE(::rmdir(odd(u"src"_s).constData()), 0);
+    }
+
+    void setsAsideWhatItDeletesAndReplaces()
+    {
+        Rig rig;
+        rig.write(u"src/kept"_s, "new");
+        rig.write(u"src/becomesFile"_s, "file");
+        rig.write(u"src/becomesFolder/in"_s);
+        rig.write(u"dst/t_同步/kept"_s, "old");
+        rig.write(u"dst/t_同步/gone/deep/x"_s, "lost");
+        rig.write(u"dst/t_同步/becomesFile/in"_s, "was");
+        rig.write(u"dst/t_同步/becomesFolder"_s, "was a file");
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件"_s);
+        QVERIFY(!QFile::exists(rig.mirror(u"gone"_s)));
+        QCOMPARE(rig.read(u"dst/t_同步/becomesFile"_s), "file");
+        const QString old = u"dst/t_同步_旧文件/20260301_090000/"_s;
+        QCOMPARE(rig.read(old + u"kept"_s), "old");
+        QCOMPARE(rig.read(old + u"gone/deep/x"_s), "lost");
+        QCOMPARE(rig.read(old + u"becomesFile/in"_s), "was");
+        QCOMPARE(rig.read(old + u"becomesFolder"_s), "was a file");
+    }
+
+    void withoutSettingAsideNothingIsKept()
+    {
+        Rig rig;
+        rig.request.task.setsAside = false;
+        rig.write(u"src/a"_s);
+        rig.write(u"dst/t_同步/gone"_s);
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 1 个文件"_s);
+        QCOMPARE(rig.inDestination(), QStringList{u"t_同步"_s});
+        QVERIFY(!QFile::exists(rig.mirror(u"gone"_s)));
+    }
+
+    void onlyItsOwnOldFoldersExpire()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s);
+        const QString old = u"dst/t_同步_旧文件/"_s;
+        for (const QString &name :
+             {u"20260129_090000"_s, u"20260131_090000"_s, u"20260129_090000 mine"_s, u"20261329_090000"_s})
+            rig.write(old + name + u"/x"_s);
+        QVERIFY(rig.run().startsWith(u"✓"_s));
+        QCOMPARE(QDir(rig.path(old)).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                 (QStringList{u"20260129_090000 mine"_s, u"20260131_090000"_s, u"20261329_090000"_s}));
+    }
+
+    void expiryDoesNotFollowALink()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.write(u"elsewhere/20200101_000000/mine"_s);
+        QFile::link(rig.path(u"elsewhere"_s), rig.path(u"dst/t_同步_旧文件"_s));
+        QVERIFY(rig.run().startsWith(u"创建同步目录失败: "_s));
+        QVERIFY(QFile::exists(rig.path(u"elsewhere/20200101_000000/mine"_s)));
+    }
+
+    void refusesAnEmptySource()
+    {
+        Rig rig;
+        rig.write(u"dst/t_同步/only"_s);
+        QDir().mkpath(rig.path(u"src/empty"_s));
+        QVERIFY(rig.run().startsWith(u"源文件夹里没有文件"_s));
+        QVERIFY(QFile::exists(rig.mirror(u"only"_s)));
+    }
+
+    void refusesAMissingSourceOrDisk()
+    {
+        Rig rig;
+        rig.write(u"dst/t_同步/only"_s);
+        rig.write(u"src/a"_s);
+        rig.request.task.destVolume = u"/media/stick"_s;
+        QVERIFY(rig.run().startsWith(u"保存目录所在的磁盘没有连接"_s));
+        QVERIFY(!QFile::exists(rig.mirror(u"a"_s)));
+        rig.request.task.destVolume.clear();
+        rig.request.task.sourceVolume = u"/media/stick"_s;
+        QVERIFY(rig.run().startsWith(u"源文件夹不在了"_s));
+        rig.request.task.sourceVolume.clear();
+        rig.request.task.sourcePath = rig.path(u"none"_s);
+        QVERIFY(rig.run().startsWith(u"源文件夹不在了"_s));
+        QVERIFY(QFile::exists(rig.mirror(u"only"_s)));
+        rig.request.task.sourcePath = rig.path(u"src"_s);
+        rig.request.task.destPath = rig.path(u"unmounted"_s);
+        QVERIFY(rig.run().startsWith(u"保存目录所在的磁盘没有连接"_s));
+        QVERIFY(!QFile::exists(rig.path(u"unmounted"_s)));
+    }
+
+    void doesNotWriteThroughALink()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.write(u"elsewhere/mine"_s);
+        QFile::link(rig.path(u"elsewhere"_s), rig.path(u"dst/t_同步"_s));
+        QVERIFY(rig.run().startsWith(u"创建同步目录失败: "_s));
+        QVERIFY(QFile::exists(rig.path(u"elsewhere/mine"_s)));
+    }
+
+    void manyDeletionsNeedAnAnswer_data()
+    {
+        QTest::addColumn<int>("kept");
+        QTest::addColumn<int>("lost");
+        QTest::addColumn<bool>("isAsked");
+        QTest::newRow("fifty of sixty") << 10 << 50 << false;
+        QTest::newRow("fifty-one of sixty-one") << 10 << 51 << true;
+        QTest::newRow("a fifth of many") << 240 << 60 << false;
+        QTest::newRow("more than a fifth") << 240 << 61 << true;
+    }
+    void manyDeletionsNeedAnAnswer()
+    {
+        QFETCH(int, kept);
+        QFETCH(int, lost);
+        QFETCH(bool, isAsked);
+        Rig rig;
+        rig.writeMany(u"src/kept"_s, kept);
+        rig.writeMany(u"dst/t_同步/kept"_s, kept);
+        rig.writeMany(u"dst/t_同步/lost"_s, lost);
+        const QString held = rig.run();
+        QCOMPARE(QFile::exists(rig.mirror(u"lost/0"_s)), isAsked);
+        if (!isAsked)
+            return;
+        QCOMPARE(held,
+                 u"同步会删除同步文件夹里 %1 个文件（共 %2 个），已暂停；请手动运行并确认"_s.arg(lost).arg(
+                     kept + lost));
+        qint64 asked = 0;
+        rig.request.approve = [&](qint64 deletions, qint64) {
+            asked = deletions;
+            return answering(false);
+        };
+        QVERIFY(rig.run().endsWith(u"未获确认，没有同步"_s));
+        QCOMPARE(asked, lost);
+        QVERIFY(QFile::exists(rig.mirror(u"lost/0"_s)));
+        rig.request.approve = [](qint64, qint64) { return answering(true); };
+        QVERIFY(rig.run().startsWith(u"✓ 同步完成"_s));
+        QVERIFY(!QFile::exists(rig.mirror(u"lost"_s)));
+    }
+
+    void whatIsExcludedStaysWhereItIs()
+    {
+        Rig rig;
+        rig.request.task.excludes = {u"*.tmp"_s, u"/cache/deep"_s, u"+ odd"_s, u"!"_s, u"build/"_s};
+        for (const QString &name :
+             {u"src/a"_s, u"src/b.tmp"_s, u"src/cache/deep/x"_s, u"src/in/cache/deep/y"_s, u"src/+ odd"_s,
+              u"src/!"_s, u"src/build/z"_s, u"src/in/build"_s})
+            rig.write(name);
+        rig.write(u"dst/t_同步/mine.tmp"_s);
+        rig.write(u"dst/t_同步/gone/other.tmp"_s);
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件"_s);
+        QVERIFY(QFile::exists(rig.mirror(u"in/cache/deep/y"_s)));
+        QVERIFY(QFile::exists(rig.mirror(u"in/build"_s)));
+        QVERIFY(QFile::exists(rig.mirror(u"mine.tmp"_s)));
+        for (const QString &name : {u"b.tmp"_s, u"cache/deep"_s, u"+ odd"_s, u"!"_s, u"build"_s})
+            QVERIFY2(!QFile::exists(rig.mirror(name)), qPrintable(name));
+    }
+
+    void anUnreadableFolderLosesNothing()
+    {
+        if (::geteuid() == 0)
+            QSKIP("root reads everything");
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.write(u"src/closed/x"_s);
+        rig.write(u"dst/t_同步/closed/x"_s, "kept");
+        rig.write(u"dst/t_同步/gone"_s);
+        ::chmod(QFile::encodeName(rig.path(u"src/closed"_s)).constData(), 0);
+        QCOMPARE(rig.run(), u"✓ 同步完成（部分错误，exit 23）"_s);
+        ::chmod(QFile::encodeName(rig.path(u"src/closed"_s)).constData(), 0755);
+        QCOMPARE(rig.read(u"dst/t_同步/closed/x"_s), "kept");
+        QVERIFY(QFile::exists(rig.mirror(u"gone"_s)));
+    }
+
+    void cleansUpAfterAKilledRun()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.write(u"dst/.t_同步.partial/.a.Xy12ab"_s);
+        rig.write(u"dst/.t_同步.partial.mine/x"_s);
+        QVERIFY(rig.run().startsWith(u"✓"_s));
+        QCOMPARE(rig.inDestination(), (QStringList{u".t_同步.partial.mine"_s, u"t_同步"_s}));
+    }
+
+    void cancelledBeforeOrDuringTheCopy()
+    {
+        Rig rig;
+        rig.writeMany(u"src"_s, 3000);
+        rig.request.cancellation = Cancellation();
+        rig.request.progress = [&](const QString &line, double) {
+            if (line.startsWith(u"已同步"_s) || line.endsWith(u"开始同步…"_s))
+                rig.request.cancellation.cancel();
+        };
+        QCOMPARE(rig.run(), u"已取消"_s);
+        QVERIFY(!rig.inDestination().contains(u".t_同步.partial"_s));
+        rig.request.cancellation = Cancellation();
+        rig.request.cancellation.cancel();
+        QCOMPARE(rig.run(), u"已取消"_s);
+        QCOMPARE(rig.outcome.state, BackupOutcome::State::cancelled);
+    }
+
+    void comparesWithoutFollowingLinks()
+    {
+        Rig rig;
+        rig.writeMany(u"outside"_s, 5);
+        rig.write(u"src/a"_s, "12345");
+        rig.write(u"src/sub/b"_s);
+        QFile::link(rig.path(u"outside"_s), rig.path(u"src/link"_s));
+        rig.write(u"mirror/a"_s);
+        rig.write(u"mirror/link/in"_s);
+        rig.write(u"mirror/sub"_s);
+        QFile::link(rig.path(u"outside"_s), rig.path(u"mirror/away"_s));
+        const std::atomic_bool isCancelled = false;
+        const auto native = [&](const QString &below) { return QFile::encodeName(rig.path(below)); };
+        const TreeFacts facts =
+            compareTrees(native(u"src"_s), native(u"mirror"_s), ExcludeRules({}), isCancelled);
+        QCOMPARE(facts, (TreeFacts{.isReadable = true,
+                                   .files = 2,
+                                   .items = 3,
+                                   .entries = 4,
+                                   .mirrorFiles = 4,
+                                   .deletions = 3,
+                                   .deletedEntries = 4}));
+        QCOMPARE(measureTree(native(u"src"_s), ExcludeRules({}), isCancelled).bytes, 6);
+        QVERIFY(
+            !compareTrees(native(u"none"_s), native(u"mirror"_s), ExcludeRules({}), isCancelled).isReadable);
+    }
+
+    void countsFilesInRsyncsOutput()
+    {
+        const QByteArray output = "a\nsub/\nsub/b\ndeleting old\ncannot delete non-empty directory: x\n"
+                                  "rsync: [sender] x failed\nIO error encountered -- skipping file deletion\n"
+                                  "new\\#012line\nlast";
+        for (qsizetype size = 1; size < output.size(); ++size) {
+            RsyncOutput counted;
+            for (qsizetype start = 0; start < output.size(); start += size)
+                counted.feed(output.mid(start, size));
+            counted.finish();
+            QCOMPARE(counted.files(), 4);
+            QCOMPARE(counted.lastFile(), "last");
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(MirrorRunTest)
+#include "MirrorRunTest.moc"

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "../movie/MediaTools.h"
+#include "foundation/SystemClock.h"
+#include "platform/linux/archive/ZipArchiver.h"
+
+#include <QCoroTask>
+#include <QTemporaryDir>
+
+namespace velbrix::test {
+
+// A temporary folder with an archiver.
+class ArchiveRig {
+    QTemporaryDir _folder;
+
+public:
+    SystemClock clock;
+    ZipArchiver archiver{clock};
+
+    QString path(const QString &name) const { return _folder.filePath(name); }
+    // A line for the shell in the folder.
+    QByteArray in(const QString &line) const
+    {
+        return shell(QStringLiteral("cd '%1' || exit; export LC_ALL=C.UTF-8; %2").arg(_folder.path(), line));
+    }
+    ArchiveOutcome create(const QString &source, const QString &archive, const QStringList &excludes = {})
+    {
+        ArchiveRequest request;
+        request.source = path(source);
+        request.archive = path(archive);
+        request.excludes = excludes;
+        return QCoro::waitFor(archiver.create(request)).value_or(ArchiveOutcome{.exitStatus = -1});
+    }
+    // The words of a failure, or nothing.
+    QString test(const QString &archive)
+    {
+        const auto answer = QCoro::waitFor(archiver.test(path(archive), {}));
+        return answer ? QString() : answer.error().message;
+    }
+    QString extract(const QString &archive, const QString &folder)
+    {
+        ExtractRequest request;
+        request.archive = path(archive);
+        request.folder = path(folder);
+        const auto answer = QCoro::waitFor(archiver.extract(request));
+        return answer ? QString() : answer.error().message;
+    }
+    // What a backup must keep of a tree, and its contents.
+    QByteArray tree(const QString &folder) const
+    {
+        return in(
+            QStringLiteral("cd '") + folder +
+            QStringLiteral("' && find . \\( -type d -printf '%p d %m %Ts\\n' -o -type l -printf "
+                           "'%p l %Ts %l\\n' -o -printf '%p %y %m %Ts %s\\n' \\) | LC_ALL=C sort; find . "
+                           "-type f -print0 | LC_ALL=C sort -z | xargs -0 md5sum"));
+    }
+};
+
+} // namespace velbrix::test

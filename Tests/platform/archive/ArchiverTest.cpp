@@ -1,0 +1,284 @@
+#include "ArchiveTools.h"
+#include "platform/linux/archive/ArchiveJob.h"
+#include "platform/linux/archive/ExcludePatterns.h"
+#include "platform/linux/archive/LargeFile.h"
+#include "support/FakeArchiver.h"
+#include "support/VirtualClock.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/fsuid.h>
+#include <unistd.h>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+} // namespace
+
+class ArchiverTest : public QObject {
+    Q_OBJECT
+
+    // The same for the fake and the real one.
+    void keepsItsPromises(ArchiveRig &rig, Archiver &archiver)
+    {
+        rig.in(u"mkdir s out; echo text > s/file; echo mine > taken; echo torn > torn"_s);
+        ArchiveRequest request;
+        request.source = rig.path(u"s"_s);
+        request.archive = rig.path(u"taken"_s);
+        QCOMPARE(QCoro::waitFor(archiver.create(request))->exitStatus, 15);
+        QCOMPARE(contentOf(request.archive), "mine\n");
+
+        request.archive = rig.path(u"a"_s);
+        QCOMPARE(QCoro::waitFor(archiver.create(request)), Result<ArchiveOutcome>(ArchiveOutcome()));
+        QVERIFY(QCoro::waitFor(archiver.test(request.archive, {})));
+        QVERIFY(!QCoro::waitFor(archiver.test(rig.path(u"torn"_s), {})));
+        QVERIFY(!QCoro::waitFor(archiver.test(rig.path(u"missing"_s), {})));
+
+        ExtractRequest extraction;
+        extraction.archive = request.archive;
+        extraction.folder = rig.path(u"out"_s);
+        QVERIFY(QCoro::waitFor(archiver.extract(extraction)));
+        const QByteArray unpacked = rig.tree(u"out"_s);
+        QVERIFY(!QCoro::waitFor(archiver.extract(extraction))); // nothing is replaced
+        QCOMPARE(rig.tree(u"out"_s), unpacked);
+
+        request.archive = rig.path(u"b"_s);
+        request.cancellation.cancel();
+        const auto cancelled = QCoro::waitFor(archiver.create(request));
+        QVERIFY(cancelled->cancelled);
+        QCOMPARE(cancelled->exitStatus, 9);
+    }
+
+private Q_SLOTS:
+    void theFakeKeepsItsPromises()
+    {
+        ArchiveRig rig;
+        VirtualClock clock;
+        FakeArchiver fake(clock);
+        keepsItsPromises(rig, fake);
+    }
+    void theRealOneKeepsItsPromises()
+    {
+        ArchiveRig rig;
+        keepsItsPromises(rig, rig.archiver);
+    }
+
+    void keepsATree()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir -p 's/空 文件夹' s/sub/deep; cd s; printf '%65537s' x > sub/text; "
+               "head -c 300000 /dev/urandom > sub/random; : > empty; printf a > \"$(printf 'new\\nline')\"; "
+               "printf b > '中文.txt'; printf 'tool' > sub/tool; ln sub/tool sub/hard; ln -s sub/text link; "
+               "ln -s nowhere dangling; ln -s sub folder-link; printf 'back' > 'back\\slash'; "
+               "mkfifo pipe; mkdir shut; printf c > shut/in; "
+               "chmod 755 sub/tool; chmod 600 sub/text; chmod 444 empty; chmod 555 shut; "
+               "touch -h -d '2001-02-03 04:05:07' sub/text link; "
+               "touch -d '2001-02-03 04:05:06' sub"_s);
+        QCOMPARE(rig.create(u"s"_s, u"a.zip"_s), ArchiveOutcome());
+        QCOMPARE(rig.test(u"a.zip"_s), QString());
+        QCOMPARE(rig.in(u"unzip -tqq a.zip; echo $?"_s), "0");
+
+        rig.in(
+            u"rm s/pipe; mkdir ours theirs; bsdtar -xpf a.zip -C theirs; mkdir unzipped; unzip -q a.zip -d unzipped"_s);
+        const QByteArray original = rig.tree(u"s"_s);
+        QVERIFY(original.contains("./folder-link l") && original.contains("./中文.txt f"));
+        QCOMPARE(rig.tree(u"theirs/s"_s), original);
+        QCOMPARE(rig.extract(u"a.zip"_s, u"ours"_s), QString());
+        QCOMPARE(rig.tree(u"ours/s"_s), original);
+        // unzip drops the newline from a name.
+        QCOMPARE(rig.in(u"diff -r --no-dereference -x 'new*' s unzipped/s; echo $?"_s), "0");
+        QCOMPARE(rig.in(u"chmod 755 */s/shut s/shut"_s), ""); // else not every user can remove them
+    }
+
+    void keepsNamesThatAreNotUtf8AndVeryLongPaths()
+    {
+        ArchiveRig rig;
+        rig.in(
+            u"mkdir -p ours s/$(printf '%0250d/' $(seq 15))/$(printf '%0200d' 7); cd s; "
+            "printf a > \"$(printf '\\377\\376')\"; touch -d 1969-12-31 *; cd $(printf '%0250d/' $(seq 15)); echo deep > 末"_s);
+        QCOMPARE(rig.create(u"s"_s, u"a.zip"_s), ArchiveOutcome());
+        QCOMPARE(rig.test(u"a.zip"_s), QString());
+        QCOMPARE(rig.extract(u"a.zip"_s, u"ours"_s), QString());
+        QCOMPARE(rig.tree(u"ours/s"_s), rig.tree(u"s"_s));
+        QVERIFY(rig.tree(u"s"_s).contains("\377\376 f"));
+        QVERIFY(rig.in(u"zipinfo -1 a.zip"_s).contains("\377\376"));
+        rig.in(u"rm -rf s ours"_s); // too long for Qt
+    }
+
+    void packsLargeFilesInParts()
+    {
+        ArchiveRig rig;
+        rig.in(
+            u"mkdir s ours; cd s; head -c 9000000 /dev/urandom > random; "
+            "seq 1900000 > text; cat text random text | head -c 25165824 > mixed; truncate -s 30M zeros"_s);
+        QCOMPARE(rig.create(u"s"_s, u"a.zip"_s), ArchiveOutcome());
+        QCOMPARE(rig.test(u"a.zip"_s), QString());
+        QCOMPARE(rig.in(u"unzip -tqq a.zip; echo $?"_s), "0");
+        QCOMPARE(rig.extract(u"a.zip"_s, u"ours"_s), QString());
+        QCOMPARE(rig.tree(u"ours/s"_s), rig.tree(u"s"_s));
+        rig.in(u"zip -q -r z.zip s"_s);
+        const double ratio = static_cast<double>(QFileInfo(rig.path(u"a.zip"_s)).size()) /
+                             static_cast<double>(QFileInfo(rig.path(u"z.zip"_s)).size());
+        QVERIFY2(ratio < 1.01, qPrintable(QString::number(ratio)));
+    }
+
+    void endsAFileThatHasBecomeShorter()
+    {
+        ArchiveRig rig;
+        rig.in(u"head -c 2500000 /dev/zero > file"_s);
+        const FileDescriptor file(::open(rig.path(u"file"_s).toUtf8(), O_RDONLY));
+        ZipOutput output;
+        QVERIFY(output.create(rig.path(u"out"_s)));
+        ArchiveWork work;
+        LargeFile large(file.number(), 9 << 20, output, work);
+        Packer packer;
+        RawBytes buffer;
+        large.packParts(packer, buffer);
+        QVERIFY(large.finish());
+        QCOMPARE(large.size(), 2500000U);
+        QCOMPARE(output.size(), large.packedSize());
+    }
+
+    void countsMoreThan65535Entries()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir s; cd s; seq 70000 | xargs touch"_s);
+        QCOMPARE(rig.create(u"s"_s, u"a.zip"_s), ArchiveOutcome());
+        QCOMPARE(rig.test(u"a.zip"_s), QString());
+        QCOMPARE(rig.in(u"unzip -tqq a.zip; echo $?; bsdtar -tf a.zip | wc -l"_s), "0\n70001");
+    }
+
+    void leavesOut_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("isFolder");
+        QTest::addColumn<bool>("matches");
+        QTest::newRow("name") << u"*.o"_s << u"a/b.o"_s << false << true;
+        QTest::newRow("another name") << u"*.o"_s << u"a.o/b.c"_s << false << false;
+        QTest::newRow("path") << u"a/*.o"_s << u"a/b.o"_s << false << true;
+        QTest::newRow("deeper path") << u"a/*.o"_s << u"a/c/b.o"_s << false << false;
+        QTest::newRow("any depth") << u"a/**.o"_s << u"a/c/b.o"_s << false << true;
+        QTest::newRow("at the top") << u"/b.o"_s << u"a/b.o"_s << false << false;
+        QTest::newRow("folder") << u"build/"_s << u"a/build"_s << true << true;
+        QTest::newRow("file with a folder's name") << u"build/"_s << u"a/build"_s << false << false;
+        QTest::newRow("Chinese") << u"缓存?"_s << u"a/缓存一"_s << true << true;
+        QTest::newRow("nothing") << u""_s << u"a"_s << true << false;
+    }
+    void leavesOut()
+    {
+        QFETCH(QString, pattern);
+        QFETCH(QString, path);
+        QFETCH(bool, isFolder);
+        QTEST(ExcludePatterns({pattern}).matches(path.toUtf8(), isFolder), "matches");
+    }
+
+    void leavesOutWhatIsExcludedAndItself()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir -p s/cache/deep s/kept/cache2; touch s/cache/deep/x s/kept/a.tmp s/kept/b"_s);
+        QCOMPARE(rig.create(u"s"_s, u"s/kept/a.zip"_s, {u"cache"_s, u"*.tmp"_s}), ArchiveOutcome());
+        QCOMPARE(rig.in(u"zipinfo -1 s/kept/a.zip"_s), "s/\ns/kept/\ns/kept/b\ns/kept/cache2/");
+    }
+
+    void countsWhatCannotBeRead()
+    {
+        ArchiveRig rig;
+        rig.in(u"chmod 777 .; mkdir s s/shut; touch s/a s/b; chmod 000 s/b s/shut"_s);
+        ArchiveWork work;
+        const bool isRoot = ::geteuid() == 0;
+        if (isRoot)
+            ::setfsuid(65534); // of this thread and those that it starts
+        const ArchiveOutcome outcome = ArchiveJob(rig.path(u"s"_s), rig.path(u"a.zip"_s), {}, work).run();
+        if (isRoot)
+            ::setfsuid(0);
+        QCOMPARE(outcome.exitStatus, 0);
+        QCOMPARE(outcome.skippedCount, 2);
+        QCOMPARE(outcome.skipped, (QStringList{u"shut"_s, u"b"_s}));
+        QCOMPARE(rig.in(u"zipinfo -1 a.zip; chmod 755 s/shut"_s), "s/\ns/a\ns/shut/");
+    }
+
+    void saysWhatWentWrong()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir s"_s);
+        QCOMPARE(rig.create(u"missing"_s, u"a.zip"_s).exitStatus, 18);
+        QVERIFY(!QFileInfo::exists(rig.path(u"a.zip"_s)));
+        const ArchiveOutcome outcome = rig.create(u"s"_s, u"nowhere/a.zip"_s);
+        QCOMPARE(outcome.exitStatus, 15);
+        QVERIFY(outcome.problem.startsWith(u"无法创建归档："_s));
+    }
+
+    void saysThatTheDiskIsFull()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir s disk; head -c 3000000 /dev/urandom > s/random"_s);
+        if (rig.in(u"mount -t tmpfs -o size=1m tmpfs disk && echo yes"_s) != "yes")
+            QSKIP("a small disk can be mounted only by root");
+        const ArchiveOutcome outcome = rig.create(u"s"_s, u"disk/a.zip"_s);
+        rig.in(u"rm disk/a.zip"_s);
+        rig.create(u"s"_s, u"a.zip"_s);
+        const QString unpacked = rig.extract(u"a.zip"_s, u"disk"_s);
+        rig.in(u"umount disk"_s);
+        QCOMPARE(outcome.exitStatus, 14);
+        QCOMPARE(outcome.problem, u"磁盘空间不足，归档没有写完"_s);
+        QCOMPARE(unpacked, u"磁盘空间不足：解压需要 3 MB，只剩 1 MB"_s);
+    }
+
+    void reportsAndEndsWhenToldTo()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir s; truncate -s 4G s/zeros; touch s/file"_s);
+        ArchiveRequest request;
+        request.source = rig.path(u"s"_s);
+        request.archive = rig.path(u"a.zip"_s);
+        QElapsedTimer sinceCancel;
+        ArchiveProgress seen;
+        request.progress = [&](const ArchiveProgress &progress) {
+            seen = progress;
+            if (progress.bytes > 0 && !std::exchange(_isCancelled, true)) {
+                sinceCancel.start();
+                request.cancellation.cancel();
+            }
+        };
+        const auto outcome = QCoro::waitFor(rig.archiver.create(request));
+        QVERIFY(sinceCancel.isValid());
+        QVERIFY2(sinceCancel.elapsed() < 500, qPrintable(QString::number(sinceCancel.elapsed())));
+        QCOMPARE(*outcome, (ArchiveOutcome{.exitStatus = 9, .problem = u"已取消"_s, .cancelled = true}));
+        QCOMPARE(seen.totalFiles, 3);
+        QCOMPARE(seen.files, 2);
+    }
+
+    void endsWithItsOwner()
+    {
+        ArchiveRig rig;
+        rig.in(u"mkdir s; truncate -s 4G s/zeros"_s);
+        auto archiver = std::make_unique<ZipArchiver>(rig.clock);
+        ArchiveRequest request;
+        request.source = rig.path(u"s"_s);
+        request.archive = rig.path(u"a.zip"_s);
+        bool hasEnded = false;
+        auto task = archiver->create(request);
+        archiver.reset();
+        task.then([&](const Result<ArchiveOutcome> &outcome) { hasEnded = outcome->cancelled; });
+        QTRY_VERIFY(hasEnded);
+    }
+
+private:
+    bool _isCancelled = false;
+};
+
+QTEST_GUILESS_MAIN(ArchiverTest)
+#include "ArchiverTest.moc"

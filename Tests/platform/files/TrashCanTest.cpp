@@ -1,0 +1,366 @@
+#include "platform/linux/files/FreedesktopTrash.h"
+
+#include "foundation/SystemClock.h"
+#include "support/FakeTrashCan.h"
+#include "support/VirtualClock.h"
+
+#include <QCoroTask>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isThere(const QString &path)
+{
+    struct stat facts {};
+    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
+}
+
+QByteArray read(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool write(const QString &path, const QByteArray &text = "x")
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) && file.write(text) >= 0;
+}
+
+bool link(const QString &target, const QString &path)
+{
+    return ::symlink(QFile::encodeName(target).constData(), QFile::encodeName(path).constData()) == 0;
+}
+
+// Mounts made after this are seen by this process alone.
+bool ownMounts()
+{
+    const uint user = ::getuid();
+    if (::unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) != 0)
+        return false;
+    if (user != 0) {
+        QFile map(u"/proc/self/uid_map"_s);
+        if (!map.open(QIODevice::WriteOnly) ||
+            map.write(QByteArray::number(user) + ' ' + QByteArray::number(user) + " 1") < 0)
+            return false;
+    }
+    return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool hasOwnMounts = false;
+
+// A home with a trash and a second volume, both in a temporary folder.
+class TrashRig {
+    QTemporaryDir _folder;
+
+public:
+    SystemClock clock;
+    RemovalRules rules;
+    const QString data = path(u"data"_s);
+    const QString trash = data + u"/Trash"_s;
+    const QString volume = path(u"a volume"_s);
+    const QString volumeTrash = volume + u"/.Trash-"_s + QString::number(::getuid());
+    const QString table = path(u"mounts"_s);
+    std::unique_ptr<FreedesktopTrash> can;
+
+    TrashRig()
+    {
+        qputenv("XDG_DATA_HOME", QFile::encodeName(data));
+        QDir().mkpath(volume);
+        QString escaped = volume;
+        write(table, "40 27 8:1 / " + QFile::encodeName(escaped.replace(u' ', u"\\040"_s)) +
+                         " rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
+        can = std::make_unique<FreedesktopTrash>(clock, TrashPlaces(QFile::encodeName(table)));
+    }
+    ~TrashRig()
+    {
+        can.reset();
+        if (isMounted)
+            ::umount(QFile::encodeName(volume).constData());
+    }
+    bool mountVolume()
+    {
+        isMounted = hasOwnMounts &&
+                    ::mount("none", QFile::encodeName(volume).constData(), "tmpfs", 0, "size=1m") == 0;
+        return isMounted;
+    }
+    QString path(const QString &name) const { return _folder.filePath(name); }
+    Result<QString> throwAway(const QString &item) { return QCoro::waitFor(can->moveToTrash(item)); }
+    Result<void> putBack(const QString &trashed, const QString &original)
+    {
+        return QCoro::waitFor(can->putBack(trashed, original));
+    }
+    RemovalReport empty() { return QCoro::waitFor(can->empty(rules)).value_or(RemovalReport{-1}); }
+
+private:
+    bool isMounted = false;
+};
+
+} // namespace
+
+class TrashCanTest : public QObject {
+    Q_OBJECT
+
+    // The same for the fake and the real one.
+    void goesAndComesBack(TrashCan &can, const QString &folder, const QString &name)
+    {
+        const QString kept = folder + u"/kept/inside"_s;
+        const QString item = folder + u"/deep/"_s + name;
+        QVERIFY(write(kept) && QDir().mkpath(folder + u"/deep"_s));
+        if (name == u"folder")
+            QVERIFY(write(item + u"/inside"_s));
+        else if (name.startsWith(u"link"))
+            QVERIFY(link(name == u"link" ? folder + u"/kept"_s : u"/nowhere/at/all"_s, item));
+        else
+            QVERIFY(write(item));
+        const bool isLink = QFileInfo(item).isSymLink();
+
+        const auto trashed = QCoro::waitFor(can.moveToTrash(item));
+        QVERIFY2(trashed, qPrintable(trashed ? QString() : trashed.error().message));
+        QVERIFY(!isThere(item) && isThere(*trashed) && isThere(kept));
+        QVERIFY(trashed->startsWith(can.folders().constFirst() + u'/'));
+        QCOMPARE(QFileInfo(*trashed).isSymLink(), isLink);
+        QVERIFY(!QCoro::waitFor(can.moveToTrash(item)));
+
+        QVERIFY(write(item, "newer"));
+        QVERIFY(!QCoro::waitFor(can.putBack(*trashed, item)));
+        QCOMPARE(read(item), "newer");
+        QVERIFY(isThere(*trashed));
+
+        // Its folder is made anew.
+        QVERIFY(QDir(folder + u"/deep"_s).removeRecursively());
+        const auto back = QCoro::waitFor(can.putBack(*trashed, item));
+        QVERIFY2(back, qPrintable(back ? QString() : back.error().message));
+        QVERIFY(isThere(item) && !isThere(*trashed));
+        QCOMPARE(QFileInfo(item).isSymLink(), isLink);
+        QVERIFY(!QCoro::waitFor(can.putBack(*trashed, item + u" again"_s)));
+
+        const auto again = QCoro::waitFor(can.moveToTrash(item));
+        QVERIFY(again);
+        const auto report = QCoro::waitFor(can.empty(RemovalRules{{}, QSet<QByteArray>(), {}, 0}));
+        QVERIFY(report && report->removedFiles > 0 && report->problemCount == 0);
+        QVERIFY(!isThere(*again) && isThere(kept));
+    }
+
+private Q_SLOTS:
+    void itemsGoAndComeBack_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("file") << u"a file.txt"_s;
+        QTest::newRow("folder") << u"folder"_s;
+        QTest::newRow("link to a folder") << u"link"_s;
+        QTest::newRow("link to nothing") << u"link to nothing"_s;
+        QTest::newRow("line break") << u"two\nlines %41"_s;
+        QTest::newRow("as long as names get") << QString(85, u'长');
+    }
+    void itemsGoAndComeBack()
+    {
+        QFETCH(QString, name);
+        TrashRig rig;
+        FakeTrashCan fake;
+        goesAndComesBack(fake, rig.path(u"for the fake"_s), name);
+        goesAndComesBack(*rig.can, rig.path(u"for the real one"_s), name);
+        QVERIFY(QDir(rig.trash + u"/info"_s).isEmpty());
+    }
+
+    void saysWhereItCameFromAndWhen()
+    {
+        QCOMPARE(trashInfo("/a b/中%\n\xff", QDateTime({2026, 2, 3}, {4, 5, 6})),
+                 "[Trash Info]\nPath=/a%20b/%E4%B8%AD%25%0A%FF\nDeletionDate=2026-02-03T04:05:06\n");
+        TrashRig rig;
+        for (const QString &name : {u"item"_s, u"item.2"_s, u"item.3"_s}) {
+            QVERIFY(write(rig.path(u"item"_s)));
+            QCOMPARE(rig.throwAway(rig.path(u"item"_s)), Result<QString>(rig.trash + u"/files/"_s + name));
+            QVERIFY(read(rig.trash + u"/info/"_s + name + u".trashinfo"_s)
+                        .startsWith("[Trash Info]\nPath=" + QFile::encodeName(rig.path(u"item"_s)) + '\n'));
+        }
+        QCOMPARE(QFileInfo(rig.trash).permissions() & QFile::Permissions(0x0077), QFile::Permissions());
+    }
+
+    void namesAreCutBetweenCharacters()
+    {
+        QCOMPARE(trashedName("short", 1), "short");
+        QCOMPARE(trashedName("short", 12), "short.12");
+        const QByteArray name = QString(85, u'长').toUtf8();
+        QCOMPARE(trashedName(name, 1), name.first(243)); // of 245
+        QCOMPARE(trashedName(name, 2), name.first(243) + ".2");
+        QCOMPARE(trashedName(name, 10), name.first(240) + ".10");
+    }
+
+    void whatIsNoItemStays_data()
+    {
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("not there") << u"nothing"_s << u"文件不存在"_s;
+        QTest::newRow("the folder itself") << u"kept/."_s << u"文件不存在"_s;
+        QTest::newRow("the folder above") << u"kept/.."_s << u"文件不存在"_s;
+        QTest::newRow("the trash") << u"data/Trash"_s << u"已经在废纸篓里"_s;
+        QTest::newRow("in the trash") << u"data/Trash/files/old"_s << u"已经在废纸篓里"_s;
+        QTest::newRow("around the trash") << u"data"_s << u"它里面就是废纸篓"_s;
+    }
+    void whatIsNoItemStays()
+    {
+        QFETCH(QString, item);
+        TrashRig rig;
+        QVERIFY(write(rig.path(u"old"_s)) && write(rig.path(u"kept/file"_s)));
+        QVERIFY(rig.throwAway(rig.path(u"old"_s)));
+        const auto moved = rig.throwAway(rig.path(item));
+        QVERIFY(!moved);
+        QTEST(moved.error().message, "message");
+        QVERIFY(isThere(rig.trash + u"/files/old"_s) && isThere(rig.path(u"kept/file"_s)));
+        QCOMPARE(QDir(rig.trash + u"/info"_s).entryList(QDir::Files), QStringList{u"old.trashinfo"_s});
+        QVERIFY(!rig.throwAway(u"relative"_s));
+    }
+
+    void aLinkGoesEvenWhenNamedAsAFolder()
+    {
+        TrashRig rig;
+        QVERIFY(write(rig.path(u"kept/file"_s)) && link(rig.path(u"kept"_s), rig.path(u"link"_s)));
+        const auto trashed = rig.throwAway(rig.path(u"link/"_s));
+        QVERIFY(trashed && QFileInfo(*trashed).isSymLink() && !isThere(rig.path(u"link"_s)));
+        QVERIFY(isThere(rig.path(u"kept/file"_s)));
+    }
+
+    void onlyWhatIsTrashedIsPutBack()
+    {
+        TrashRig rig;
+        QVERIFY(write(rig.path(u"elsewhere/files/item"_s)));
+        QVERIFY(write(rig.path(u"elsewhere/.Trash-%1/files/item"_s.arg(::getuid()))));
+        const QString target = rig.path(u"made/target"_s);
+        QCOMPARE(rig.putBack(rig.path(u"elsewhere/files/item"_s), target).error().message, u"不在废纸篓里"_s);
+        QVERIFY(!rig.putBack(rig.path(u"elsewhere/.Trash-%1/files/item"_s.arg(::getuid())), target));
+        QCOMPARE(rig.putBack(rig.trash + u"/files/item"_s, target).error().message,
+                 u"废纸篓里已经没有它了"_s);
+        QVERIFY(!isThere(rig.path(u"made"_s)));
+    }
+
+    void emptyingLeavesNothingBehind()
+    {
+        TrashRig rig;
+        QVERIFY(write(rig.path(u"kept/inside"_s)));
+        QVERIFY(write(rig.trash + u"/files/folder/file"_s, QByteArray(100000, 'x')));
+        QVERIFY(link(rig.path(u"kept"_s), rig.trash + u"/files/link"_s));
+        for (const char *name : {"info/folder.trashinfo", "info/orphan.trashinfo", "info/junk",
+                                 "expunged/1/file", "directorysizes"})
+            QVERIFY(write(rig.trash + u'/' + QString::fromLatin1(name)));
+        QVERIFY(write(rig.volumeTrash + u"/files/other"_s));
+        rig.rules.boundSockets = QSet<QByteArray>();
+        const RemovalReport report = rig.empty();
+        QCOMPARE(report.problemCount, 0);
+        QVERIFY2(report.freedBytes >= 100000, qPrintable(QString::number(report.freedBytes)));
+        for (const char *part : {"files", "info", "expunged"})
+            QVERIFY2(QDir(rig.trash + u'/' + QString::fromLatin1(part))
+                         .isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+                     part);
+        QVERIFY(!isThere(rig.trash + u"/directorysizes"_s) && isThere(rig.path(u"kept/inside"_s)));
+        // A folder in a volume's place is no volume, so what is called a trash there is none.
+        QVERIFY(isThere(rig.volumeTrash + u"/files/other"_s));
+        QCOMPARE(rig.empty(), RemovalReport());
+    }
+
+    void whatStaysKeepsItsInfo()
+    {
+        TrashRig rig;
+        QVERIFY(write(rig.trash + u"/files/stays/file"_s) && write(rig.trash + u"/files/goes"_s));
+        QVERIFY(write(rig.trash + u"/info/stays.trashinfo"_s) &&
+                write(rig.trash + u"/info/goes.trashinfo"_s));
+        rig.rules.protectedPlaces = {QFile::encodeName(rig.trash + u"/files/stays"_s)};
+        const RemovalReport report = rig.empty();
+        QCOMPARE(report.problemCount, 1);
+        QVERIFY(isThere(rig.trash + u"/files/stays/file"_s));
+        QCOMPARE(QDir(rig.trash + u"/info"_s).entryList(QDir::Files), QStringList{u"stays.trashinfo"_s});
+    }
+
+    void aLinkInsteadOfThePartIsNotFollowed()
+    {
+        TrashRig rig;
+        QVERIFY(write(rig.path(u"kept/inside"_s)) && QDir().mkpath(rig.trash));
+        QVERIFY(link(rig.path(u"kept"_s), rig.trash + u"/files"_s));
+        QVERIFY(link(rig.path(u"kept"_s), rig.trash + u"/info"_s));
+        QCOMPARE(rig.empty(), RemovalReport());
+        QVERIFY(isThere(rig.path(u"kept/inside"_s)));
+        QVERIFY(write(rig.path(u"item"_s)));
+        QVERIFY(!rig.throwAway(rig.path(u"item"_s)));
+        QVERIFY(isThere(rig.path(u"item"_s)));
+    }
+
+    void otherVolumesHaveTheirOwnTrash()
+    {
+        TrashRig rig;
+        if (!rig.mountVolume())
+            QSKIP("nothing can be mounted here");
+        const QString item = rig.volume + u"/deep/item"_s;
+        QVERIFY(write(item));
+        const auto trashed = rig.throwAway(item);
+        QCOMPARE(trashed, Result<QString>(rig.volumeTrash + u"/files/item"_s));
+        QVERIFY(read(rig.volumeTrash + u"/info/item.trashinfo"_s).contains("\nPath=deep/item\n"));
+        QVERIFY(!isThere(rig.trash));
+        QVERIFY(rig.can->folders().contains(rig.volumeTrash));
+
+        QCOMPARE(rig.putBack(*trashed, rig.path(u"made/item"_s)).error().message,
+                 u"原来的位置和废纸篓不在同一个磁盘上"_s);
+        QVERIFY(!isThere(rig.path(u"made"_s)));
+        QVERIFY(rig.putBack(*trashed, item));
+        QVERIFY(isThere(item) && QDir(rig.volumeTrash + u"/info"_s).isEmpty());
+
+        QVERIFY(rig.throwAway(item));
+        QVERIFY(rig.empty().removedFiles == 1 && QDir(rig.volumeTrash + u"/files"_s).isEmpty());
+    }
+
+    void aLinkInsteadOfAVolumesTrashIsNotUsed()
+    {
+        TrashRig rig;
+        if (!rig.mountVolume())
+            QSKIP("nothing can be mounted here");
+        QVERIFY(write(rig.path(u"kept/files/inside"_s)));
+        QVERIFY(link(rig.path(u"kept"_s), rig.volumeTrash) && write(rig.volume + u"/item"_s));
+        QCOMPARE(rig.throwAway(rig.volume + u"/item"_s).error().message, u"所在的磁盘没有可用的废纸篓"_s);
+        QCOMPARE(rig.empty(), RemovalReport());
+        QVERIFY(isThere(rig.path(u"kept/files/inside"_s)) && isThere(rig.volume + u"/item"_s));
+
+        // The administrator's shared folder comes first, where nobody can take away another's.
+        const QString shared = rig.volume + u"/.Trash"_s;
+        QVERIFY(QDir().mkpath(shared));
+        QVERIFY(!rig.throwAway(rig.volume + u"/item"_s));
+        QCOMPARE(::chmod(QFile::encodeName(shared).constData(), 01777), 0);
+        QCOMPARE(rig.throwAway(rig.volume + u"/item"_s),
+                 Result<QString>(u"%1/%2/files/item"_s.arg(shared).arg(::getuid())));
+        QCOMPARE(rig.empty().removedFiles, 1);
+    }
+
+    void onlyDisksHaveATrash()
+    {
+        QCOMPARE(
+            trashVolumes("22 27 0:21 / /proc rw - proc proc rw\n"
+                         "27 1 254:0 / / rw,relatime - ext4 /dev/vda rw\n"
+                         "30 27 8:1 / /media/My\\040Disk\\134x rw,nosuid shared:4 master:2 - vfat /dev/a rw\n"
+                         "31 27 8:2 / /media/cd ro - iso9660 /dev/sr0 ro\n"
+                         "32 27 0:40 / /net rw - nfs4 server:/x rw\n"
+                         "33 27 0:41 /home /home rw - btrfs /dev/b rw\n"
+                         "34 27 0:41 /home /home rw - btrfs /dev/b rw\n"
+                         "torn 1 2"),
+            (QList<QByteArray>{"/", "/media/My Disk\\x", "/home"}));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    hasOwnMounts = ownMounts(); // while there is one thread
+    QCoreApplication application(argc, argv);
+    TrashCanTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "TrashCanTest.moc"
