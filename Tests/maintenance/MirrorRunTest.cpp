@@ -220,6 +220,15 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(rig.path(u"elsewhere/mine"_s)));
     }
 
+    void aFileInTheMirrorsPlaceIsNamed()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.write(u"dst/t_同步"_s);
+        QCOMPARE(rig.run(), u"创建同步目录失败: 已有同名的文件"_s);
+        QVERIFY(QFileInfo(rig.path(u"dst/t_同步"_s)).isFile());
+    }
+
     void manyDeletionsNeedAnAnswer_data()
     {
         QTest::addColumn<int>("kept");
@@ -288,7 +297,8 @@ private Q_SLOTS:
         rig.write(u"dst/t_同步/gone"_s);
         ::chmod(QFile::encodeName(rig.path(u"src/closed"_s)).constData(), 0);
         QCOMPARE(rig.run(), u"✓ 同步完成（部分错误，exit 23）"_s);
-        ::chmod(QFile::encodeName(rig.path(u"src/closed"_s)).constData(), 0755);
+        for (const QString &closed : {rig.path(u"src/closed"_s), rig.mirror(u"closed"_s)})
+            ::chmod(QFile::encodeName(closed).constData(), 0755);
         QCOMPARE(rig.read(u"dst/t_同步/closed/x"_s), "kept");
         QVERIFY(QFile::exists(rig.mirror(u"gone"_s)));
     }
