@@ -26,7 +26,7 @@ FileBackupView::FileBackupView(const ViewContext &context, QWidget *parent)
     : Page(u"backupPage"_s, u"文件备份"_s, u"按计划把文件夹压缩归档，或同步到另一个位置。"_s, parent),
       _context(context)
 {
-    add(makeProblem());
+    addProblem();
     add(makeTop());
     _cards = new QWidget;
     _list = new QVBoxLayout(_cards);
@@ -55,9 +55,10 @@ QWidget *FileBackupView::makeTop()
     return _top;
 }
 
-QWidget *FileBackupView::makeProblem()
+void FileBackupView::addProblem()
 {
     auto *card = new Card;
+    add(card);
     card->setObjectName(u"backupStorageProblem"_s);
     auto *row = new SettingRow(u"有任务没有读出来"_s, {}, nullptr);
     row->setLeading(
@@ -68,7 +69,6 @@ QWidget *FileBackupView::makeProblem()
         row->setDescription(backups.storageProblem());
         card->setVisible(!backups.storageProblem().isEmpty());
     });
-    return card;
 }
 
 QWidget *FileBackupView::makeEmpty()

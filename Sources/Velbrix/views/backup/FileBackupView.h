@@ -25,8 +25,8 @@ protected:
 
 private:
     QWidget *makeTop();
-    QWidget *makeProblem();
     QWidget *makeEmpty();
+    void addProblem();
     void showTasks();
     void showQuestion();
     void edit(const BackupTask &task);

@@ -36,8 +36,6 @@ Sheet::Sheet(const Theme &theme, const Words &words, int width, QWidget *page)
 {
     setObjectName(words.name);
     page->installEventFilter(this);
-    setTitle(words.title);
-    setMessage(words.message);
     auto *top = new QVBoxLayout;
     top->setContentsMargins(side, 20, side, 12);
     top->setSpacing(6);
@@ -50,6 +48,8 @@ Sheet::Sheet(const Theme &theme, const Words &words, int width, QWidget *page)
     _rows->setSpacing(0);
     _rows->addLayout(top);
     _rows->addLayout(_buttons);
+    setTitle(words.title);
+    setMessage(words.message);
 }
 
 void Sheet::open()

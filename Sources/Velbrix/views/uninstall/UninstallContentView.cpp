@@ -10,6 +10,7 @@
 #include "views/uninstall/UninstallSettingsSheet.h"
 
 #include <QResizeEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -38,6 +39,8 @@ UninstallContentView::UninstallContentView(const ViewContext &context, QWidget *
     connect(&scanner, &AppScanner::reviewChanged, this, [this] { showReview(); });
     connect(&scanner, &AppScanner::isReviewingChanged, this, [this] { showReview(); });
     connect(&scanner, &AppScanner::isUninstallingChanged, this, [this] { showProgress(); });
+    // The result stands at the top.
+    connect(&scanner, &AppScanner::finished, this, [this] { verticalScrollBar()->setValue(0); });
 }
 
 void UninstallContentView::showEvent(QShowEvent *event)

@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -52,12 +54,19 @@ UninstallResultCard::UninstallResultCard(const ViewContext &context, QWidget *pa
         if (scanner.isUninstalling())
             hide();
     });
+    connect(&scanner, &AppScanner::isPuttingBackChanged, this, [this, &scanner] {
+        if (!scanner.isPuttingBack())
+            return;
+        _wasPutBack = true;
+        hide();
+    });
 }
 
 void UninstallResultCard::show(const QString &message)
 {
     const AppScanner &scanner = _context.services.uninstaller;
-    const bool hasFailed = scanner.progressStage().kind == UninstallStage::Kind::failed;
+    const bool wasPutBack = std::exchange(_wasPutBack, false);
+    const bool hasFailed = !wasPutBack && scanner.progressStage().kind == UninstallStage::Kind::failed;
     if (hasFailed)
         _symbol->show(u"xmark.circle.fill"_s, ThemeColor::bad);
     else if (!scanner.failures().isEmpty())

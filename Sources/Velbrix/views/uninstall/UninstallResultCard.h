@@ -23,6 +23,7 @@ private:
     SymbolLabel *_symbol;
     QLabel *_message;
     QWidget *_failures;
+    bool _wasPutBack = false; // what is going on is no uninstall
 };
 
 } // namespace velbrix
