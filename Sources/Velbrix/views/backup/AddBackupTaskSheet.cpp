@@ -61,7 +61,8 @@ AddBackupTaskSheet::AddBackupTaskSheet(const ViewContext &context, const BackupT
       _context(context),
       _task(task)
 {
-    setBody(new ScrollingBody(makeForm()));
+    _body = new ScrollingBody(makeForm());
+    setBody(_body);
     _problem = makeProblem(u"editorProblem"_s);
     setFoot(_problem);
     QPushButton *const cancel = addButton({u"editorCancel"_s, u"取消"_s, {}, {}});
@@ -133,7 +134,10 @@ void AddBackupTaskSheet::addRules(QVBoxLayout &rows)
     _keep->setRange(0, 999);
     _keep->setSpecialValueText(u"全部保留"_s);
     _keep->setSuffix(u" 份"_s);
-    _keep->setMinimumWidth(110);
+    _keep->setButtonSymbols(QAbstractSpinBox::NoButtons);
+    _keep->setAlignment(Qt::AlignCenter);
+    _keep->setToolTip(u"直接输入，或用 ↑ ↓ 键调整"_s);
+    _keep->setFixedWidth(96);
     _keep->setValue(_task.keepLast);
     rows.addSpacing(6);
     _keepRow = new SettingRow(u"保留最近的归档"_s, u"更早的归档在新归档完成后删除；0 表示全部保留"_s, _keep);
@@ -210,6 +214,8 @@ void AddBackupTaskSheet::showProblem(const QString &problem)
         label->setText(label == place ? problem : QString());
         label->setVisible(label == place && !problem.isEmpty());
     }
+    if (place != _problem && !problem.isEmpty())
+        _body->ensureWidgetVisible(place);
 }
 
 } // namespace velbrix

@@ -16,6 +16,7 @@ namespace velbrix {
 
 class BackupScheduleField;
 class PathField;
+class ScrollingBody;
 class SegmentedChoice;
 class Switch;
 
@@ -41,6 +42,7 @@ private:
 
     ViewContext _context;
     BackupTask _task;
+    ScrollingBody *_body = nullptr;
     SegmentedChoice *_kind = nullptr;
     QLabel *_kindLine = nullptr;
     QLineEdit *_name = nullptr;

@@ -16,6 +16,15 @@ namespace {
 
 constexpr int lastDayOfEveryMonth = 28;
 
+// Typed, or changed by the arrow keys and the wheel.
+void plain(QAbstractSpinBox &field)
+{
+    field.setButtonSymbols(QAbstractSpinBox::NoButtons);
+    field.setAlignment(Qt::AlignCenter);
+    field.setToolTip(u"直接输入，或用 ↑ ↓ 键调整"_s);
+    field.setFixedWidth(72);
+}
+
 QSpinBox *makeNumber(const QString &name, const QString &title, int most, int value)
 {
     auto *field = new QSpinBox;
@@ -24,7 +33,7 @@ QSpinBox *makeNumber(const QString &name, const QString &title, int most, int va
     field->setRange(1, most);
     field->setValue(value);
     field->setSuffix(u' ' + title);
-    field->setMinimumWidth(84);
+    plain(*field);
     return field;
 }
 
@@ -42,7 +51,7 @@ BackupScheduleField::BackupScheduleField(const BackupScheduleTime &schedule, QWi
     _time->setObjectName(u"scheduleTime"_s);
     _time->setAccessibleName(u"运行时间"_s);
     _time->setDisplayFormat(u"HH:mm"_s);
-    _time->setMinimumWidth(84);
+    plain(*_time);
     _hint->setObjectName(u"scheduleHint"_s);
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);

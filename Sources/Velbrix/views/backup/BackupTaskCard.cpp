@@ -85,7 +85,7 @@ QWidget *BackupTaskCard::makeFacts()
     _source = new ElidedLabel({}, u"body"_s, Qt::ElideMiddle);
     _destination = new ElidedLabel({}, u"body"_s, Qt::ElideMiddle);
     _plan = makeText({}, u"note"_s);
-    _mark = new SymbolLabel(theme, u"checkmark.circle.fill"_s, 14, ThemeColor::good);
+    _mark = new SymbolLabel(theme, u"checkmark.circle.fill"_s, 16, ThemeColor::good);
     _result = makeText({}, u"note"_s);
     auto *facts = new QWidget;
     auto *rows = new QVBoxLayout(facts);
@@ -104,7 +104,6 @@ QWidget *BackupTaskCard::makeFacts()
     plan->addWidget(_plan, 1);
     auto *result = new QHBoxLayout;
     result->setSpacing(8);
-    result->setContentsMargins(1, 0, 0, 0);
     result->addWidget(_mark, 0, Qt::AlignTop);
     result->addWidget(_result, 1);
     rows->addLayout(way);
@@ -167,17 +166,19 @@ void BackupTaskCard::showTask()
 void BackupTaskCard::showResult()
 {
     const bool hasRun = _task.lastRunAt && _task.lastResult;
-    const QString text = hasRun ? u"%1 · %2"_s.arg(whenText(*_task.lastRunAt, _context.services.clock.now()),
-                                                   *_task.lastResult)
-                                : u"还没有运行过"_s;
-    _result->setText(text);
-    setLook(_result, "role", !hasRun ? u"note"_s : _task.lastFailed ? u"bad"_s : u"good"_s);
-    if (!hasRun)
-        _mark->show(u"ellipsis"_s, ThemeColor::secondary);
-    else if (_task.lastFailed)
-        _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
-    else
-        _mark->show(u"checkmark.circle.fill"_s, ThemeColor::good);
+    if (!hasRun) {
+        _mark->show(u"info.circle"_s, ThemeColor::secondary);
+        _result->setText(u"还没有运行过"_s);
+        setLook(_result, "role", u"note"_s);
+        return;
+    }
+    _mark->show(_task.lastFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
+                _task.lastFailed ? ThemeColor::bad : ThemeColor::good);
+    QString result = *_task.lastResult;
+    if (result.startsWith(u"✓ "))
+        result.remove(0, 2); // the picture says it
+    _result->setText(u"%1 · %2"_s.arg(whenText(*_task.lastRunAt, _context.services.clock.now()), result));
+    setLook(_result, "role", _task.lastFailed ? u"bad"_s : u"good"_s);
 }
 
 void BackupTaskCard::showRun()

@@ -42,6 +42,7 @@ PathField::PathField(const Theme &theme, const QString &name, const QString &pan
     _text->setWordWrap(false);
     _text->setMinimumWidth(60);
     auto *chooseButton = makeButton(theme, {name + u"Choose"_s, u"选择…"_s, {}, u"plain"_s});
+    chooseButton->setAccessibleName(panelTitle); // there may be several on a page
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins(12, 2, 4, 2);
     line->setSpacing(4);
@@ -103,8 +104,7 @@ void PathField::choose()
 
 void PathField::elide()
 {
-    const QString whole =
-        _path.isEmpty() ? u"还没有选择文件夹"_s : shownPath(_path);
+    const QString whole = _path.isEmpty() ? u"还没有选择文件夹"_s : shownPath(_path);
     const QString shown = QFontMetrics(_text->font()).elidedText(whole, Qt::ElideMiddle, _text->width());
     if (_text->text() != shown)
         _text->setText(shown);

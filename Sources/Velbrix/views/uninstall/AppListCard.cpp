@@ -194,6 +194,7 @@ void AppListCard::look()
     // Nothing is looked at before the user has agreed to the statement.
     if (!isVisible() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
         return;
+    _hasLooked = true;
     _context.services.uninstaller.scanOnce();
     showRunning();
 }
@@ -227,9 +228,8 @@ void AppListCard::showState()
     _job->setVisible(scanner.isScanning());
     _rescan->setEnabled(!scanner.isScanning() && !scanner.isUninstalling());
     _list->setVisible(!shown.isEmpty());
-    _list->setEnabled(!scanner.isUninstalling());
     _noMatch->setVisible(!all.isEmpty() && shown.isEmpty());
-    _none->setVisible(all.isEmpty() && !scanner.isScanning() && !hasProblem);
+    _none->setVisible(_hasLooked && all.isEmpty() && !scanner.isScanning() && !hasProblem);
     _body->setVisible(!all.isEmpty() || !_none->isHidden());
 }
 

@@ -55,6 +55,7 @@ private:
     EmptyState *_noMatch = nullptr;
     EmptyState *_none = nullptr;
     int _listRoom = 360;
+    bool _hasLooked = false; // until then nothing is known
 };
 
 } // namespace velbrix

@@ -125,7 +125,7 @@ void AppRow::drawButton(QPainter &painter, const QStyleOptionViewItem &option) c
     painter.setBrush(_theme.color(ThemeColor::control));
     painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
     painter.setFont(_theme.font(13));
-    painter.setPen(_theme.color(_list.isEnabled() ? ThemeColor::bad : ThemeColor::secondary));
+    painter.setPen(_theme.color(ThemeColor::bad));
     painter.drawText(place, Qt::AlignCenter, u"卸载"_s);
 }
 
