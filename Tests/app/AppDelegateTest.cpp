@@ -5,6 +5,7 @@
 #include "support/FakeShell.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QSignalSpy>
@@ -335,6 +336,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.launch(false);
+        constexpr int pollOfTheBackups = 1;
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.choose(TrayItemId::quit);
         rig.delegate->quitApp();
@@ -344,7 +346,7 @@ private Q_SLOTS:
         QCOMPARE(rig.shell.calls.last(), u"removeTray"_s);
         QCOMPARE(rig.host.keys.localCount(), 0);
         rig.clock.advance(1h);
-        QCOMPARE(rig.clock.pendingCount(), 0);
+        QCOMPARE(rig.clock.pendingCount(), pollOfTheBackups);
         rig.shell.calls.clear();
         rig.host.singleInstance.wake();
         QVERIFY(rig.shell.calls.isEmpty());
@@ -393,6 +395,47 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(terminated.count(), 1);
         QVERIFY(rig.host.screenCapture.nextSession->calls.contains(u"finishWriting"_s));
+    }
+
+    void quittingStopsABackupFirst()
+    {
+        Rig rig;
+        rig.host.archiver.holds = true;
+        rig.launch();
+        FileBackupController &backup = rig.services->fileBackup;
+        BackupTask task;
+        task.sourcePath = rig.files.filePath(u"source"_s);
+        task.destPath = rig.files.filePath(u"saved"_s);
+        QVERIFY(QDir().mkpath(task.sourcePath) && QDir().mkpath(task.destPath));
+        auto saving = backup.save(task);
+        QTRY_COMPARE(backup.tasks().size(), 1);
+        backup.runNow(backup.tasks().first().id);
+        QTRY_COMPARE(rig.host.archiver.created.size(), 1);
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        QCOMPARE(terminated.count(), 0);
+        QTRY_COMPARE((rig.clock.advance(100ms), terminated.count()), 1);
+        QVERIFY(QDir(task.destPath).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    }
+
+    void quittingWaitsForAPackageManager()
+    {
+        Rig rig;
+        rig.host.applications.delay = 1min;
+        rig.launch();
+        UninstallReview review;
+        review.app.name = u"Gimp"_s;
+        review.app.path = rig.files.filePath(u"gimp.desktop"_s);
+        QVERIFY(QFile(review.app.path).open(QIODevice::WriteOnly));
+        review.app.source.kind = InstalledApplication::Kind::managed;
+        review.app.source.package = u"gimp"_s;
+        rig.services->uninstaller.uninstall(review);
+        QTRY_COMPARE((rig.clock.advance(100ms), rig.host.applications.calls), QStringList{u"remove gimp"_s});
+        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
+        rig.delegate->quitApp();
+        rig.clock.advance(30s);
+        QCOMPARE(terminated.count(), 0);
+        QTRY_COMPARE((rig.clock.advance(10s), terminated.count()), 1);
     }
 };
 

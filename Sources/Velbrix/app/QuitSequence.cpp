@@ -17,23 +17,41 @@ QuitSequence::QuitSequence(AppServices &services, QObject *parent) : QObject(par
 
 QuitSequence::~QuitSequence() = default;
 
+void QuitSequence::observe()
+{
+    // Queued: whoever ends is still inside its own change of state.
+    const auto finishAfter = [this](const auto &sender, auto signal) {
+        connect(&sender, signal, this, &QuitSequence::finishWhenDone, Qt::QueuedConnection);
+    };
+    finishAfter(_services.wallpaper, &WallpaperController::isSettledChanged);
+    finishAfter(_services.recorder, &ScreenRecorderController::isStartingChanged);
+    finishAfter(_services.recorder.session(), &RecordingSession::isProcessingChanged);
+    finishAfter(_services.cleaner, &SystemCleaner::phaseChanged);
+    finishAfter(_services.fileBackup, &FileBackupController::isRunningBackupChanged);
+    finishAfter(_services.fileBackup, &FileBackupController::isRestoringChanged);
+    finishAfter(_services.uninstaller, &AppScanner::isUninstallingChanged);
+    finishAfter(_services.uninstaller, &AppScanner::isPuttingBackChanged);
+    finishAfter(_services.uninstaller, &AppScanner::finished);
+}
+
 void QuitSequence::begin()
 {
-    ScreenRecorderController &recorder = _services.recorder;
-    // Queued: whoever ends is still inside its own change of state.
-    connect(&_services.wallpaper, &WallpaperController::isSettledChanged, this,
-            &QuitSequence::finishWhenDone, Qt::QueuedConnection);
-    connect(&recorder, &ScreenRecorderController::isStartingChanged, this, &QuitSequence::finishWhenDone,
-            Qt::QueuedConnection);
-    connect(&recorder.session(), &RecordingSession::isProcessingChanged, this, &QuitSequence::finishWhenDone,
-            Qt::QueuedConnection);
-    // A movie can be repaired and the desktop put back at the next start; a
-    // program that does not end cannot be helped.
-    _limit = _services.clock.after(quitLimit, [this] { finish(); });
+    observe();
+    _limit = _services.clock.after(quitLimit, [this] { finishAtLimit(); });
     stopWallpaper();
+    stopMaintenance();
+    ScreenRecorderController &recorder = _services.recorder;
     if (recorder.isRecording() || recorder.isProcessing())
         recorder.stop();
     finishWhenDone();
+}
+
+void QuitSequence::stopMaintenance()
+{
+    _services.cleaner.cancel();
+    _services.uninstaller.cancelUninstall();
+    _services.fileBackup.cancelRun();
+    _services.fileBackup.cancelRestore();
 }
 
 void QuitSequence::stopWallpaper()
@@ -45,7 +63,25 @@ void QuitSequence::stopWallpaper()
 bool QuitSequence::isDone() const
 {
     const ScreenRecorderController &recorder = _services.recorder;
-    return _services.wallpaper.isSettled() && !recorder.isRecording() && !recorder.isProcessing();
+    return _services.wallpaper.isSettled() && !recorder.isRecording() && !recorder.isProcessing() &&
+           isMaintenanceDone();
+}
+
+bool QuitSequence::isMaintenanceDone() const
+{
+    return !_services.cleaner.isCleaning() && !_services.uninstaller.isBusy() &&
+           !_services.uninstaller.isPuttingBack() && !_services.fileBackup.isRunningBackup() &&
+           !_services.fileBackup.isRestoring();
+}
+
+// A movie can be repaired and the desktop put back at the next start; a program
+// that does not end cannot be helped.
+void QuitSequence::finishAtLimit()
+{
+    if (_services.uninstaller.isBusy())
+        _limit = _services.clock.after(quitLimit, [this] { finishAtLimit(); });
+    else
+        finish();
 }
 
 void QuitSequence::finishWhenDone()

@@ -11,8 +11,9 @@ namespace velbrix {
 class AppServices;
 
 // What has to come to its end before the program may: the wallpaper gives the
-// user's own desktop back, a recording is completed. Nothing of it may keep
-// the program for long.
+// user's own desktop back, a recording is completed, a clean, a backup or an
+// uninstall stops after the step it is at. Nothing of it may keep the program
+// for long, but for a package manager: it is never left alone in mid-work.
 class QuitSequence final : public QObject {
     Q_OBJECT
 
@@ -29,7 +30,11 @@ Q_SIGNALS:
     void finished();
 
 private:
+    void observe();
+    void stopMaintenance();
+    bool isMaintenanceDone() const;
     bool isDone() const;
+    void finishAtLimit();
     void finishWhenDone();
     void finish();
 
