@@ -18,8 +18,8 @@ LARGE_SIZE = 64 << 20
 def prose(size):
     """Words as a text has them: a few often, most of them rarely."""
     letters = "etaoinshrdlucmfwypvbgkjqxz"
-    words = ["".join(random.choices(letters, k=random.randint(2, 10))) for _ in range(20_000)]
-    weights = [1 / (rank + 3) for rank in range(len(words))]
+    words = ["".join(random.choices(letters, k=random.randint(2, 10))) for _ in range(4000)]
+    weights = [(rank + 2) ** -1.1 for rank in range(len(words))]
     pieces = []
     length = 0
     while length < size:
@@ -59,27 +59,31 @@ def timed(*command, **options):
     return now() - start
 
 
-class Runs:
-    """Each run writes to a new place: to refill one that was emptied is another measurement."""
+class Places:
+    """A new folder for each run: to refill one that was emptied is another measurement."""
 
-    def __init__(self, source):
-        self.source = source
-        self.folder = Path(tempfile.mkdtemp(prefix="runs-", dir=source.parent))
+    def __init__(self, folder):
+        self.folder = folder
         self.count = 0
 
-    def place(self):
+    def new(self):
         self.count += 1
-        return self.folder / str(self.count)
+        place = self.folder / f"run {self.count}"
+        place.mkdir()
+        return place
 
 
-def compare_archives(runs, rounds):
+def compare_archives(source, places, rounds):
     ours, theirs, sizes = [], [], []
     for _ in range(rounds):
-        archive, other = runs.place(), runs.place().with_suffix(".zip")
-        ours.append(timed(RUN, "archive", runs.source, archive))
-        theirs.append(timed("zip", "-r", "-q", "-y", other, runs.source.name, cwd=runs.source.parent))
+        place, other = places.new(), places.new() / "other.zip"
+        ours.append(timed(RUN, "archive", source, place))
+        theirs.append(timed("zip", "-r", "-q", "-y", other, source.name, cwd=source.parent))
+        [archive] = place.glob("*.zip")
         sizes.append((archive.stat().st_size, other.stat().st_size))
-    subprocess.run(["unzip", "-tq", archive], check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(["unzip", "-tqq", archive], check=True)
+        archive.unlink()
+        other.unlink()
     our_sizes, their_sizes = zip(*sizes)
     print(f"archive s: ours {summary(ours)} with its test and sync, zip {summary(theirs)}; "
           f"MB: ours {our_sizes[0] / 1e6:.1f}, zip {their_sizes[0] / 1e6:.1f}")
@@ -87,16 +91,32 @@ def compare_archives(runs, rounds):
     ratio("backup-archive-size", our_sizes, their_sizes, "our archive's bytes against zip's")
 
 
+def compare_mirrors(source, places, rounds):
+    rsync = ["rsync", "-a", "--checksum", "--delete", "--out-format=%n", f"{source}/"]
+    first, again = ([], []), ([], [])
+    for _ in range(rounds):
+        place, other = places.new(), places.new()
+        for times in (first, again):
+            times[0].append(timed(RUN, "mirror", source, place))
+            times[1].append(timed(*rsync, f"{other}/"))
+    for kind, (ours, theirs) in {"first": first, "unchanged": again}.items():
+        print(f"mirror s, {kind} run: ours {summary(ours)}, bare rsync {summary(theirs)}")
+    ratio("backup-mirror-wall", *first, "our first sync against bare rsync -a --checksum --delete")
+    ratio("backup-mirror-unchanged-wall", *again, "the same when nothing has changed")
+
+
 def main():
     parser = argparse.ArgumentParser(prog="./bench backup", description=__doc__)
     parser.add_argument("--rounds", type=int, default=5, help="runs of each")
     options = parser.parse_args()
 
-    source = Path(tempfile.mkdtemp(prefix="backup-", dir=os.environ["HOME"])) / "source"
+    folder = Path(tempfile.mkdtemp(prefix="backup-", dir=os.environ["HOME"]))
+    source = folder / "source"
     source.mkdir()
     fill(source)
-    runs = Runs(source)
-    compare_archives(runs, options.rounds)
+    places = Places(folder)
+    compare_archives(source, places, options.rounds)
+    compare_mirrors(source, places, options.rounds)
 
 
 if __name__ == "__main__":

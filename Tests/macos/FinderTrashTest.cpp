@@ -46,8 +46,9 @@ private Q_SLOTS:
 
     void quotesWhatWouldEndTheText()
     {
-        QCOMPARE(FinderTrash::deleteScript(uR"(/Applications/a "b" \c.app)"_s),
-                 uR"(tell application "Finder" to delete POSIX file "/Applications/a \"b\" \\c.app")"_s);
+        QCOMPARE(
+            FinderTrash::deleteScript(u"/Applications/a \"b\" \\c.app"_s),
+            u"tell application \"Finder\" to delete POSIX file \"/Applications/a \\\"b\\\" \\\\c.app\""_s);
     }
 
     void emptiesThroughTheFinder()

@@ -196,6 +196,17 @@ private Q_SLOTS:
         QCOMPARE(rig.controller->task(u"u"_s)->nextRunAt, start.addSecs(3600));
     }
 
+    void switchingOnAgainIsNoMissedRun()
+    {
+        Rig rig;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->setEnabled(id, false);
+        rig.clock.advance(30h);
+        rig.controller->setEnabled(id, true);
+        QCOMPARE(rig.controller->task(id)->nextRunAt, start.addDays(2).addSecs(3600));
+        QCOMPARE(rig.result(id), QString());
+    }
+
     void oneRunAtATime()
     {
         Rig rig;
@@ -272,6 +283,19 @@ private Q_SLOTS:
         rig.controller->runNow(id);
         QVERIFY(rig.ends());
         QCOMPARE(rig.inDestination().size(), 2);
+    }
+
+    void looksForRoomFirst()
+    {
+        Rig rig;
+        if (!QFile::resize(rig.path(u"src/a"_s), qint64(1) << 43))
+            QSKIP("no file may be as large here");
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QVERIFY2(rig.result(id).startsWith(u"保存目录的可用空间不足：最多需要 8.8 TB，只剩 "_s),
+                 qPrintable(rig.result(id)));
+        QVERIFY(rig.archiver.calls.isEmpty());
     }
 
     void cancelLeavesNothing()

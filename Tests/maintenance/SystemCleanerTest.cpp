@@ -148,6 +148,11 @@ void SystemCleanerTest::measuringCanBeCancelled()
     rig.finish();
     QCOMPARE(rig.sizeOf(u"caches"_s), u"无数据"_s);
     QCOMPARE(rig.sizeOf(u"browser"_s), u"待计算"_s);
+    // Nothing later is held up by it.
+    QVERIFY(QDir().mkpath(rig.path(u"mine"_s)));
+    QVERIFY(cleaner.addCustomPath(rig.path(u"mine"_s)));
+    const QString custom = cleaner.items().last().id;
+    QTRY_COMPARE((rig.clock.advance(1s), rig.sizeOf(custom)), u"无数据"_s);
 }
 
 void SystemCleanerTest::selectionIsRemembered()

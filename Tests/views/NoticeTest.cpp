@@ -1,6 +1,9 @@
 #include "support/WindowRig.h"
-#include "views/components/NoticeSheet.h"
+#include "views/Theme.h"
+#include "views/components/Confirmation.h"
 
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSet>
 #include <QSignalSpy>
 
@@ -18,6 +21,8 @@ private Q_SLOTS:
     void featureNotice();
     void focusStaysInTheSheet();
     void destructiveIsNeverTheDefault();
+    void manyDetailsScroll();
+    void newerQuestionTakesTheOlderOnesPlace();
     void reviewClosesByKeyOrButton_data();
     void reviewClosesByKeyOrButton();
 };
@@ -111,6 +116,47 @@ void NoticeTest::destructiveIsNeverTheDefault()
     QTest::keyClick(surface.focusWidget(), Qt::Key_Return);
     QCOMPARE(confirmed.count(), 0);
     QCOMPARE(cancelled.count(), 1);
+}
+
+void NoticeTest::manyDetailsScroll()
+{
+    WindowRig rig;
+    rig.start();
+    rig.window()->resize(900, 600);
+    const Theme theme(rig.host.desktop, rig.host.symbols);
+    NoticeSheet::Words words;
+    words.title = words.message = words.confirm = u"清理"_s;
+    words.details = QStringList(80, u"一个项目"_s);
+    Confirmation::ask(theme, rig.window(), words, [] {});
+    const QWidget *const confirm = rig.button(u"noticeConfirm"_s);
+    const QPoint end = confirm->mapTo(rig.window(), confirm->rect().bottomRight());
+    QVERIFY(rig.window()->rect().contains(end));
+    const QScrollBar *const bar = rig.find<QScrollArea>(u"noticeDetails"_s)->verticalScrollBar();
+    QVERIFY(bar->maximum() > 0);
+    rig.key(Qt::Key_PageDown);
+    QVERIFY(bar->value() > 0);
+}
+
+void NoticeTest::newerQuestionTakesTheOlderOnesPlace()
+{
+    WindowRig rig;
+    rig.start();
+    const Theme theme(rig.host.desktop, rig.host.symbols);
+    QStringList answers;
+    const auto ask = [&](const QString &title) {
+        NoticeSheet::Words words;
+        words.title = title;
+        Confirmation::ask(
+            theme, rig.window(), words, [&answers, title] { answers.append(u"yes "_s + title); },
+            [&answers, title] { answers.append(u"no "_s + title); });
+    };
+    ask(u"one"_s);
+    ask(u"two"_s);
+    QCOMPARE(answers, QStringList{u"no one"_s});
+    QCOMPARE(rig.find<QLabel>(u"noticeTitle"_s)->text(), u"two"_s);
+    rig.key(Qt::Key_Return);
+    QCOMPARE(answers.last(), u"yes two"_s);
+    QVERIFY(!rig.find(u"confirmation"_s));
 }
 
 void NoticeTest::reviewClosesByKeyOrButton_data()

@@ -13,6 +13,7 @@
 #include <optional>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -10,7 +10,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -20,6 +22,14 @@ namespace {
 
 QString systemReason(int error)
 {
+    if (error == EACCES || error == EPERM)
+        return u"没有权限"_s;
+    if (error == EROFS)
+        return u"磁盘是只读的"_s;
+    if (error == ENOSPC || error == EDQUOT)
+        return u"磁盘已满"_s;
+    if (error == EEXIST || error == ENOTDIR)
+        return u"已有同名的文件"_s;
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
@@ -90,11 +100,9 @@ Result<void> makeFolder(const QString &path)
 {
     if (QFileInfo(path).isSymLink())
         return failure(u"“%1”是一个链接"_s.arg(path));
-    errno = 0;
-    if (QDir().mkpath(path))
-        return {};
-    const int error = errno;
-    return failure(error != 0 ? systemReason(error) : u"“%1”不是文件夹"_s.arg(path));
+    std::error_code error;
+    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
+    return error ? Result<void>(failure(systemReason(error.value()))) : Result<void>();
 }
 
 Result<void> makePrivateFolder(const QString &path)

@@ -79,11 +79,6 @@ QString setAsideFolder(const BackupTask &task)
     return inDestination(task, mirrorName(task) + u"_旧文件"_s);
 }
 
-QString unfinishedName(const BackupTask &task)
-{
-    return u'.' + mirrorName(task) + growingSuffix;
-}
-
 QString setAsideName(const QDateTime &at)
 {
     return at.toString(timeFormat);

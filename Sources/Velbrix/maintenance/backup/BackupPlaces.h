@@ -26,8 +26,6 @@ bool isGrowing(const BackupTask &task, const QString &fileName);
 QString mirrorFolder(const BackupTask &task);
 // Holds a folder per run for what the mirror has lost.
 QString setAsideFolder(const BackupTask &task);
-// What rsync has not finished yet.
-QString unfinishedName(const BackupTask &task);
 QString setAsideName(const QDateTime &at);
 std::optional<QDateTime> setAsideTime(const QString &folderName);
 

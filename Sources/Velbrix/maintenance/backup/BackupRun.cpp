@@ -13,7 +13,12 @@ BackupOutcome BackupOutcome::cancelled()
 
 QThreadPool &backupWorkers()
 {
-    static auto *const pool = new QThreadPool;
+    static auto *const pool = [] {
+        auto *const made = new QThreadPool;
+        // A disk that never answers keeps its thread; the others need theirs.
+        made->setMaxThreadCount(8);
+        return made;
+    }();
     return *pool;
 }
 

@@ -152,7 +152,13 @@ void FileBackupController::remove(const QString &id)
 
 void FileBackupController::setEnabled(const QString &id, bool isEnabled)
 {
-    change(id, [isEnabled](BackupTask &task) { task.isEnabled = isEnabled; });
+    const QDateTime now = _clock.now();
+    change(id, [isEnabled, now](BackupTask &task) {
+        // What came due while it was off was not missed.
+        if (isEnabled && !task.isEnabled && task.nextRunAt <= now)
+            task.nextRunAt = nextRun(task.schedule, now);
+        task.isEnabled = isEnabled;
+    });
 }
 
 std::optional<BackupTask> FileBackupController::task(const QString &id) const

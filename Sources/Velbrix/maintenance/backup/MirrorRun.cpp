@@ -31,13 +31,12 @@ struct Survey {
     TreeFacts facts;
 };
 
-// Takes away what earlier runs have left and looks at both sides.
+// Takes away what has been set aside for long enough and looks at both sides.
 Survey survey(const BackupTask &task, const QDateTime &now,
               const std::shared_ptr<std::atomic_bool> &cancelled)
 {
     if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
         return {obstacle, {}};
-    removeOwn(task, task.destPath, [&](const QString &name) { return name == unfinishedName(task); });
     if (!QFileInfo(setAsideFolder(task)).isSymLink())
         removeOwn(task, setAsideFolder(task), [&](const QString &name) {
             const auto at = setAsideTime(name);
@@ -54,12 +53,11 @@ Result<void> makeFolders(const BackupTask &task)
         return made;
     if (task.setsAside && QFileInfo(setAsideFolder(task)).isSymLink())
         return failure(u"“%1”是一个链接"_s.arg(setAsideFolder(task)));
-    return makePrivateFolder(task.destPath + u'/' + unfinishedName(task));
+    return {};
 }
 
 void tidy(const BackupTask &task, const QDateTime &at)
 {
-    removeOwn(task, task.destPath, [&](const QString &name) { return name == unfinishedName(task); });
     const QString old = setAsideFolder(task);
     if (isEmptyFolder(old + u'/' + setAsideName(at)))
         removeOwn(task, old, [&](const QString &name) { return name == setAsideName(at); });
@@ -77,8 +75,7 @@ QStringList rsyncArguments(const BackupTask &task, const QDateTime &at, const Tr
     QStringList arguments = {u"-a"_s, u"--checksum"_s, u"--delete"_s, u"--out-format=%n"_s};
     // Only after the whole source was read, and no more than was counted: the
     // source may vanish on the way.
-    arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessDeletions)
-              << u"--temp-dir="_s + task.destPath + u'/' + unfinishedName(task);
+    arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessDeletions);
     if (task.setsAside)
         arguments << u"--backup"_s << u"--backup-dir="_s + setAsideFolder(task) + u'/' + setAsideName(at);
     arguments += ExcludeRules(task.excludes).rsyncArguments();

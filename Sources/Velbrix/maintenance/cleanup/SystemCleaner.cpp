@@ -277,7 +277,7 @@ Result<void> SystemCleaner::addCustomPath(const QString &path)
         return failure(u"最多可添加 %1 个自定义文件夹"_s.arg(maxCustomPathsAllowed));
     _items = _items.value() + QList<CleanupItem>{custom};
     saveCustomPaths();
-    estimate({custom.id});
+    estimate({custom.id}, Cancellation());
     return {};
 }
 

@@ -119,7 +119,7 @@ private:
     void setSize(const QString &id, qint64 bytes);
     void refreshBusyItems();
 
-    QCoro::Task<> estimate(QStringList ids);
+    QCoro::Task<> estimate(QStringList ids, Cancellation work);
     QCoro::Task<> calculate();
     QCoro::Task<> measureContents(QString id);
     void publishContents(const QString &id, const CleanupContents &contents);

@@ -75,16 +75,15 @@ QCoro::Task<> SystemCleaner::calculate()
     QStringList ids;
     for (const CleanupItem &item : _items.value())
         ids.append(item.id);
-    co_await estimate(ids);
+    co_await estimate(ids, _work);
     // A clean may have begun meanwhile.
     if (self && _phase.value().kind == CleanupPhase::Kind::calculating)
         _phase = CleanupPhase();
 }
 
-QCoro::Task<> SystemCleaner::estimate(QStringList ids)
+QCoro::Task<> SystemCleaner::estimate(QStringList ids, Cancellation work)
 {
     const QPointer self(this);
-    const Cancellation work = _work;
     QStringList folders;
     QStringList owners; // of each folder: the item
     QHash<QString, int> missing;

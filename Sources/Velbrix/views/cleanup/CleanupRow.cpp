@@ -133,7 +133,6 @@ void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
     places->addWidget(_size);
     _open = makeButton(_context.theme, {u"cleanupOpen."_s + _id, {}, u"chevron.right"_s, u"icon"_s});
     _open->setFixedSize(openerSide, openerSide);
-    _open->setAccessibleName(u"显示%1的内容"_s.arg(name));
     QSizePolicy policy = _open->sizePolicy();
     policy.setRetainSizeWhenHidden(true); // sizes stand in one column
     _open->setSizePolicy(policy);
@@ -206,6 +205,8 @@ void CleanupRow::showOpened(bool isOpened)
     }
     if (_contents)
         _contents->setVisible(isOpened);
+    const QString act = isOpened ? u"收起%1的内容"_s : u"显示%1的内容"_s;
+    _open->setAccessibleName(act.arg(_check->accessibleName()));
     _open->setIcon(
         _context.theme.icon(isOpened ? u"chevron.down"_s : u"chevron.right"_s, ThemeColor::secondary));
 }

@@ -38,7 +38,7 @@ void Confirmation::ask(const Theme &theme, QWidget *asker, NoticeSheet::Words wo
     QWidget *const surface = surfaceOf(asker);
     const auto open = surface->findChildren<NoticeSheet *>(sheetName, Qt::FindDirectChildrenOnly);
     for (NoticeSheet *sheet : open) {
-        if (sheet->isVisible())
+        if (!sheet->isHidden())
             Q_EMIT sheet->cancelled();
     }
     QPointer<QWidget> focusBefore;
@@ -53,7 +53,7 @@ void Confirmation::ask(const Theme &theme, QWidget *asker, NoticeSheet::Words wo
     sheet->setObjectName(sheetName);
     sheet->setGeometry(surface->rect());
     const auto answer = [sheet, focusBefore](const std::function<void()> &act) {
-        if (!sheet->isVisible())
+        if (sheet->isHidden())
             return; // answered already
         close(sheet, focusBefore);
         if (act)

@@ -42,6 +42,11 @@ std::span<const std::uint8_t> bytesOf(const QByteArray &bytes)
             static_cast<std::size_t>(bytes.size())};
 }
 
+bool isLarge(const FolderItem &item)
+{
+    return S_ISREG(item.mode) && item.size > ArchiveJob::wholeFile;
+}
+
 } // namespace
 
 ArchiveJob::ArchiveJob(const QString &source, const QString &archive, const QStringList &excludes,
@@ -65,18 +70,17 @@ ArchiveOutcome ArchiveJob::run()
     _entries.resize(_items.size());
     onTwoThreads([this](std::size_t thread) { addItems(_workers[thread]); });
     for (std::size_t i = 0; i < _items.size() && !hasEnded(); ++i) {
-        if (S_ISREG(_items[i].mode) && _items[i].size > wholeFile) {
-            ZipEntry entry = entryOf(_items[i]);
-            if (addLarge(_items[i], entry))
-                _entries[i] = std::move(entry);
-            ++_work.files;
-        }
+        if (!isLarge(_items[i]))
+            continue;
+        ZipEntry entry = entryOf(_items[i]);
+        if (addLarge(_items[i], entry))
+            _entries[i] = std::move(entry);
+        ++_work.files;
     }
+    const bool isWhole = !hasEnded() && writeDirectory() && _output.sync();
     if (_work.cancelled)
         return ended(cancelledStatus, u"已取消"_s);
-    if (hasEnded() || !writeDirectory() || !_output.sync())
-        return writeProblem();
-    return ended(0, {});
+    return isWhole ? ended(0, {}) : writeProblem();
 }
 
 ArchiveOutcome ArchiveJob::ended(int exitStatus, const QString &problem) const
@@ -112,10 +116,10 @@ ZipEntry ArchiveJob::entryOf(const FolderItem &item) const
 void ArchiveJob::addItems(Worker &worker)
 {
     for (std::size_t i = _next++; i < _items.size() && !hasEnded(); i = _next++) {
-        if (!S_ISREG(_items[i].mode) || _items[i].size <= wholeFile) {
-            addItem(i, worker);
-            ++_work.files;
-        }
+        if (isLarge(_items[i]))
+            continue;
+        addItem(i, worker);
+        _work.files += isLarge(_items[i]) ? 0 : 1;
     }
 }
 

@@ -68,8 +68,10 @@ public:
     QByteArray script() const
     {
         // The kernel gives the process the script's name, cut off.
-        const QByteArray name = contents(_folder + "/comm", 64).trimmed();
         const QByteArray second = arguments().value(1);
+        if (second.isEmpty())
+            return {};
+        const QByteArray name = contents(_folder + "/comm", 64).trimmed();
         constexpr qsizetype keptName = 15;
         const bool isNamedSo =
             !name.isEmpty() && baseName(second).first(std::min(baseName(second).size(), keptName)) == name;
@@ -130,7 +132,10 @@ QSet<QString> ProcPrograms::running(const QStringList &names) const
     }
     QSet<QString> found;
     anyProcess([&](const Process &process) {
-        for (const QByteArray &path : {process.executable(), process.argument0(), process.script()}) {
+        const QByteArray executable = process.executable();
+        if (executable.isEmpty()) // the kernel's own, or beyond reach
+            return false;
+        for (const QByteArray &path : {executable, process.argument0(), process.script()}) {
             if (const QByteArray name = baseName(path); wanted.contains(name))
                 found.insert(QFile::decodeName(name));
         }
