@@ -107,6 +107,12 @@ QLineEdit, QPlainTextEdit, QSpinBox, QTimeEdit { background: @control; border: 1
 QPlainTextEdit { padding: 4px 4px; }
 QLineEdit:focus, QPlainTextEdit:focus, QSpinBox:focus, QTimeEdit:focus { border-color: @accent; }
 
+QRadioButton { spacing: 8px; }
+QRadioButton::indicator { width: 14px; height: 14px; border: 1px solid @secondary; border-radius: 8px;
+                          background: @control; }
+QRadioButton::indicator:checked { width: 6px; height: 6px; border: 5px solid @accentFill; background: white; }
+QRadioButton[keyed="true"]:focus { color: @accentText; }
+
 QSlider::groove:horizontal { height: 4px; border-radius: 2px; background: @hairline; }
 QSlider::sub-page:horizontal { height: 4px; border-radius: 2px; background: @accent; }
 QSlider::sub-page:horizontal:disabled { background: @secondary/50; }

@@ -192,7 +192,10 @@ void BackupTaskCard::showRun()
         return;
     const double share = backups.runningShare();
     _progress->setText(backups.runningProgress());
-    _job->setJob(u"正在运行"_s, share < 0 ? 0 : qRound(share * steps), share < 0 ? 0 : steps);
+    if (share < 0)
+        _job->setJob(u"进行中"_s, 0, 0);
+    else
+        _job->setJob(QString::number(qRound(share * 100)) + u'%', qRound(share * steps), steps);
 }
 
 void BackupTaskCard::askToRemove()

@@ -44,7 +44,7 @@ UninstallSettingsSheet::UninstallSettingsSheet(const ViewContext &context, QWidg
 {
     auto *body = new QWidget;
     auto *rows = new QVBoxLayout(body);
-    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setContentsMargins(0, 0, 6, 0); // beside the scroll bar
     rows->setSpacing(12);
     rows->addWidget(makeModes());
     _toggles = makeToggles();
@@ -82,7 +82,7 @@ QWidget *UninstallSettingsSheet::makeModeRow(UninstallMode mode)
     button->setAccessibleDescription(description(mode));
     _modes->addButton(button, static_cast<int>(mode));
     auto *words = makeText(description(mode), u"note"_s);
-    words->setContentsMargins(20, 0, 0, 0);
+    words->setContentsMargins(24, 0, 0, 0);
     auto *row = new QWidget;
     auto *rows = new QVBoxLayout(row);
     rows->setContentsMargins(0, 8, 0, 8);
