@@ -104,6 +104,7 @@ private Q_SLOTS:
     void cleansInOrder();
     void keepsWhatIsHiddenOrLeftOut();
     void whatIsNotCleanedStaysInsideAnotherItem();
+    void whatIsLeftOutOfOneItemStaysInsideAnother();
     void aRunningOwnersItemIsSkipped();
     void ownPlacesAndLinksSurvive();
     void removalsThatFailAreTold();
@@ -232,6 +233,9 @@ void SystemCleanerTest::customFoldersAreRemembered()
     rig.finish();
     QTest::qWait(0);
     QCOMPARE(rig.make().items().size(), 5 + SystemCleaner::maxCustomPathsAllowed - 1);
+    // Written by hand: only what means the same place wherever the program starts.
+    rig.settings.set(u"VelbClean_CustomPaths"_s, QJsonArray{QString(), u"here"_s, u"~you"_s, 7, paths[0]});
+    QCOMPARE(rig.make().items().size(), 6);
 }
 
 void SystemCleanerTest::nothingSelected()
@@ -321,6 +325,29 @@ void SystemCleanerTest::whatIsNotCleanedStaysInsideAnotherItem()
     cleaner.clean();
     rig.finish();
     QVERIFY(!rig.has(u"cache/browser"_s));
+}
+
+void SystemCleanerTest::whatIsLeftOutOfOneItemStaysInsideAnother()
+{
+    Rig rig;
+    rig.put(u"cache/browser/dear/page"_s);
+    rig.put(u"cache/browser/cheap"_s);
+    rig.put(u"cache/other"_s);
+    const QString cache = QFileInfo(rig.path(u"cache"_s)).canonicalFilePath();
+    SystemCleaner &cleaner = rig.make();
+    cleaner.setIncluded(u"browser"_s, QFile::encodeName(cache + u"/browser/dear"_s), false);
+    cleaner.clean({u"caches"_s, u"browser"_s});
+    rig.finish();
+    QVERIFY(rig.has(u"cache/browser/dear/page"_s) && !rig.has(u"cache/browser/cheap"_s));
+    QVERIFY(!rig.has(u"cache/other"_s));
+    QCOMPARE(cleaner.report().removal.problems, QList<RemovalProblem>());
+
+    // Left out as an entry, yet emptied as an item of its own.
+    cleaner.setIncluded(u"browser"_s, QFile::encodeName(cache + u"/browser/dear"_s), true);
+    cleaner.setIncluded(u"caches"_s, QFile::encodeName(cache + u"/browser"_s), false);
+    cleaner.clean({u"browser"_s});
+    rig.finish();
+    QVERIFY(rig.has(u"cache/browser"_s) && !rig.has(u"cache/browser/dear"_s));
 }
 
 void SystemCleanerTest::aRunningOwnersItemIsSkipped()

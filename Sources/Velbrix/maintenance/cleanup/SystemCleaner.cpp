@@ -72,8 +72,10 @@ void SystemCleaner::load()
     for (const CleanupRule &rule : std::as_const(_catalog))
         items.append(rule.item);
     for (const QString &path : strings(_settings.json(customPathsKey))) {
+        if (!path.startsWith(u'/') && !path.startsWith(u"~/"))
+            continue; // it would depend on where the program was started
         const CleanupItem custom = customItem(standardizedPath(path));
-        if (!path.isEmpty() && std::ranges::find(items, custom.id, &CleanupItem::id) == items.end())
+        if (std::ranges::find(items, custom.id, &CleanupItem::id) == items.end())
             items.append(custom);
     }
     const auto selection = _settings.json(defaultsKey);

@@ -13,6 +13,7 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -22,9 +23,12 @@ namespace {
 
 constexpr auto afterEachItem = 100ms;
 
-// What stays is told to the gate by its real name.
+// What stays is told to the gate by its real name. An entry left out of one row
+// may be the folder that another row empties.
 void keep(FolderCleaning &cleaning, const QStringList &folders)
 {
+    for (const QString &folder : std::as_const(cleaning.folders))
+        cleaning.kept.removeAll(QFile::encodeName(QFileInfo(folder).canonicalFilePath()));
     for (const QString &folder : folders) {
         const QString canonical = QFileInfo(folder).canonicalFilePath();
         if (!canonical.isEmpty())
@@ -150,6 +154,11 @@ QCoro::Task<SystemCleaner::Act> SystemCleaner::emptyFolders(QString id, QSet<QSt
     cleaning.folders = emptiedFolders(id);
     cleaning.rules = removalRules(id);
     cleaning.leftOut = _leftOut.value(id);
+    // Another row's entry may lie deeper in here.
+    for (const auto &[other, entries] : std::as_const(_leftOut).asKeyValueRange()) {
+        if (other != id)
+            cleaning.kept += entries.values();
+    }
     auto emptying =
         QtConcurrent::run(&cleanupThreads(), run, cleaning, keptFolders(id, cleaned), _stopRemoval);
     const FolderCleaned done = co_await emptying;
