@@ -34,7 +34,7 @@ QString putBackMessage(const UninstallRecord &record, qsizetype failures)
 {
     QStringList parts;
     if (const qsizetype restored = record.moved.size() - failures; restored > 0)
-        parts << u"已将「%1」的 %2 项放回原处"_s.arg(record.name).arg(restored);
+        parts << u"已将「%1」的 %2 项放回原处"_s.arg(record.name, QString::number(restored));
     if (failures > 0)
         parts << u"%1 项未能放回"_s.arg(failures);
     if (!record.removedPackage.isEmpty())
@@ -283,7 +283,8 @@ QCoro::Task<> AppScanner::runUninstall(UninstallReview review)
     _isUninstalling = false;
     _uninstallingName = QString();
     _isBusy = false;
-    if (outcome.hasRemoved)
+    // A failure may mean that the list is not true any more.
+    if (outcome.hasRemoved || !isDone)
         scan();
     Q_EMIT finished(message);
 }
