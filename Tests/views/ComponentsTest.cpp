@@ -18,6 +18,7 @@
 #include <QSlider>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextDocument>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -38,6 +39,7 @@ private Q_SLOTS:
     void sliderLeavesTheWheelToThePage();
     void segmentsByArrowKeys();
     void pathFieldTakesAFolderOnly();
+    void tipsShowNamesAsTheyAre();
     void sliderInItsOwnWords();
     void pacedSliderSparesTheSetting();
     void gridByKeyboard();
@@ -149,6 +151,18 @@ void ComponentsTest::pathFieldTakesAFolderOnly()
     QVERIFY(!drop({QUrl::fromLocalFile(folder.filePath(u"absent"_s))}));
     QVERIFY(drop({QUrl::fromLocalFile(folder.path())}));
     QCOMPARE(wanted, (QList<QVariantList>{{folder.path()}}));
+}
+
+void ComponentsTest::tipsShowNamesAsTheyAre()
+{
+    PathField field(_theme, u"path"_s, u"选择输出目录"_s);
+    const auto *shown = field.findChild<QLabel *>();
+    field.setPath(u"/plain & simple"_s);
+    QCOMPARE(shown->toolTip(), u"/plain & simple"_s);
+    field.setPath(u"/a/<b>&amp;<img src=x>"_s);
+    QTextDocument document;
+    document.setHtml(shown->toolTip());
+    QCOMPARE(document.toPlainText(), field.path());
 }
 
 void ComponentsTest::gridByKeyboard()

@@ -43,7 +43,7 @@ std::optional<UserNotice> noticeOfDelay(BackupTask &task, const QDateTime &now)
         task.failingSince->secsTo(now) <= patienceSecs)
         return std::nullopt;
     task.toldOverdue = true;
-    return notice(task, u"“%1”已逾期 %2 天"_s.arg(task.name).arg(task.failingSince->daysTo(now)),
+    return notice(task, u"“%1”已逾期 %2 天"_s.arg(task.name, QString::number(task.failingSince->daysTo(now))),
                   task.lastResult.value_or(QString()));
 }
 

@@ -48,7 +48,7 @@ QString freeName(const QDir &folder, const QString &name)
     };
     QString candidate = name;
     for (int n = 2; isTaken(candidate); ++n)
-        candidate = u"%1 %2"_s.arg(name).arg(n);
+        candidate = u"%1 %2"_s.arg(name, QString::number(n));
     return candidate;
 }
 

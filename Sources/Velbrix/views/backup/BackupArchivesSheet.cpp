@@ -2,10 +2,11 @@
 
 #include "app/AppServices.h"
 #include "foundation/ByteCount.h"
+#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/PlainTip.h"
 #include "views/Theme.h"
 #include "views/backup/BackupWords.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/EmptyState.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
@@ -84,7 +85,7 @@ public:
         case Qt::DisplayRole:
             return name;
         case Qt::ToolTipRole:
-            return archive.path;
+            return plainTip(archive.path);
         case ArchiveRow::whenRole:
             return whenText(archive.at, _clock.now());
         case ArchiveRow::sizeRole:

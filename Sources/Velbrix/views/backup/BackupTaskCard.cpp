@@ -1,6 +1,7 @@
 #include "views/backup/BackupTaskCard.h"
 
 #include "app/AppServices.h"
+#include "foundation/OneLine.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "views/Follow.h"
 #include "views/Reveal.h"

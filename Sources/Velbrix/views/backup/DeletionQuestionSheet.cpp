@@ -1,7 +1,7 @@
 #include "views/backup/DeletionQuestionSheet.h"
 
 #include "app/AppServices.h"
-#include "views/components/ElidedLabel.h"
+#include "foundation/OneLine.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>
@@ -16,10 +16,8 @@ constexpr int sheetWidth = 480;
 
 QString message(const BackupQuestion &question)
 {
-    return u"「%1」的源文件夹里少了许多文件。继续的话，同步文件夹现有的 %2 个文件中会有 %3 个被删除。"_s
-        .arg(oneLine(question.name))
-        .arg(question.existing)
-        .arg(question.deletions);
+    return u"「%1」的源文件夹里少了许多文件。继续的话，同步文件夹现有的 %2 个文件中会有 %3 个被删除。"_s.arg(
+        oneLine(question.name), QString::number(question.existing), QString::number(question.deletions));
 }
 
 QString consequence(const std::optional<BackupTask> &task)

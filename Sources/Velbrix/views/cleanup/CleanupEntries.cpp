@@ -1,7 +1,8 @@
 #include "views/cleanup/CleanupEntries.h"
 
 #include "foundation/ByteCount.h"
-#include "views/components/ElidedLabel.h"
+#include "foundation/OneLine.h"
+#include "views/PlainTip.h"
 
 #include <QFile>
 #include <QHash>
@@ -76,7 +77,7 @@ QVariant CleanupEntries::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return oneLine(entry.name);
     case Qt::ToolTipRole:
-        return oneLine(QFile::decodeName(entry.path));
+        return plainTip(oneLine(QFile::decodeName(entry.path)));
     case Qt::CheckStateRole:
         return entry.isIncluded ? Qt::Checked : Qt::Unchecked;
     case Qt::AccessibleTextRole:

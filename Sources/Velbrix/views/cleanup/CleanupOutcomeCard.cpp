@@ -1,9 +1,9 @@
 #include "views/cleanup/CleanupOutcomeCard.h"
 
 #include "app/AppServices.h"
+#include "foundation/OneLine.h"
 #include "views/Follow.h"
 #include "views/cleanup/CleanupWords.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/Parts.h"
 #include "views/components/SymbolLabel.h"
 

@@ -1,8 +1,8 @@
 #include "views/cleanup/CleanupWords.h"
 
 #include "foundation/ByteCount.h"
+#include "foundation/OneLine.h"
 #include "maintenance/cleanup/SystemCleaner.h"
-#include "views/components/ElidedLabel.h"
 
 #include <algorithm>
 

@@ -1,5 +1,8 @@
 #include "views/components/ElidedLabel.h"
 
+#include "foundation/OneLine.h"
+#include "views/PlainTip.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -48,19 +51,8 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     const QString shown = fontMetrics().elidedText(whole, _mode, width());
     painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown);
     const QString tip = shown == whole ? QString() : whole;
-    if (tip != toolTip())
-        setToolTip(tip);
-}
-
-QString oneLine(QString text)
-{
-    for (QChar &character : text) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Other_Format ||
-            category == QChar::Separator_Line || category == QChar::Separator_Paragraph)
-            character = u' ';
-    }
-    return text;
+    if (plainTip(tip) != toolTip())
+        setToolTip(plainTip(tip));
 }
 
 } // namespace velbrix

@@ -23,8 +23,4 @@ private:
     Qt::TextElideMode _mode;
 };
 
-// The text without line breaks and other characters that would break or turn
-// round a line; file names may hold anything.
-QString oneLine(QString text);
-
 } // namespace velbrix

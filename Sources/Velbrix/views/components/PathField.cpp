@@ -1,5 +1,6 @@
 #include "views/components/PathField.h"
 
+#include "views/PlainTip.h"
 #include "views/ShownPath.h"
 #include "views/components/Parts.h"
 
@@ -56,7 +57,7 @@ PathField::PathField(const Theme &theme, const QString &name, const QString &pan
 void PathField::setPath(const QString &path)
 {
     _path = path;
-    _text->setToolTip(path);
+    _text->setToolTip(plainTip(path));
     _reveal->setVisible(!path.isEmpty());
     elide();
 }

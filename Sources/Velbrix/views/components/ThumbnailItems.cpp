@@ -1,5 +1,7 @@
 #include "views/components/ThumbnailItems.h"
 
+#include "views/PlainTip.h"
+
 namespace velbrix {
 
 int ThumbnailItems::rowCount(const QModelIndex &parent) const
@@ -13,7 +15,7 @@ QVariant ThumbnailItems::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case Qt::ToolTipRole:
-        return item.title;
+        return plainTip(item.title);
     case Qt::AccessibleTextRole:
         return QStringLiteral("%1，%2").arg(item.title, problems.value(item.id, item.subtitle));
     case pictureRole:

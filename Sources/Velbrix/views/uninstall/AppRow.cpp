@@ -1,8 +1,8 @@
 #include "views/uninstall/AppRow.h"
 
+#include "foundation/OneLine.h"
 #include "views/ShownPath.h"
 #include "views/Theme.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/RowList.h"
 #include "views/uninstall/AppRows.h"
 

@@ -1,6 +1,8 @@
 #include "views/uninstall/AppRows.h"
 
 #include "foundation/ByteCount.h"
+#include "foundation/OneLine.h"
+#include "views/PlainTip.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,7 +23,7 @@ QVariant AppRows::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return row.name;
     case Qt::ToolTipRole:
-        return row.path;
+        return plainTip(oneLine(row.path));
     case Qt::AccessibleTextRole: {
         QStringList words{row.name, u"版本 "_s + row.version, sizeText(row)};
         if (!row.source.manager.isEmpty())

@@ -1,8 +1,8 @@
 #include "views/uninstall/ReviewRow.h"
 
+#include "foundation/OneLine.h"
 #include "views/Theme.h"
 #include "views/components/CheckBox.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/RowList.h"
 #include "views/uninstall/ReviewRows.h"
 

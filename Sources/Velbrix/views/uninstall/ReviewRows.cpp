@@ -1,6 +1,8 @@
 #include "views/uninstall/ReviewRows.h"
 
 #include "foundation/ByteCount.h"
+#include "foundation/OneLine.h"
+#include "views/PlainTip.h"
 #include "views/ShownPath.h"
 
 #include <algorithm>
@@ -23,10 +25,10 @@ QVariant ReviewRows::data(const QModelIndex &index, int role) const
     case Qt::CheckStateRole:
         return row.isTicked ? Qt::Checked : Qt::Unchecked;
     case Qt::ToolTipRole: {
-        QStringList lines{row.path, reasonText(row)};
+        QStringList lines{oneLine(row.path), reasonText(row)};
         if (!row.caution.isEmpty())
             lines.append(row.caution);
-        return lines.join(u'\n');
+        return plainTip(lines.join(u'\n'));
     }
     case Qt::AccessibleTextRole: {
         QStringList words{shownPath(row.path), row.isTicked ? u"已勾选"_s : u"未勾选"_s, sizeText(row),

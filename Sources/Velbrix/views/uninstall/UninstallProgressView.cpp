@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallProgressView.h"
 
 #include "app/AppServices.h"
+#include "foundation/OneLine.h"
 #include "views/Follow.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>

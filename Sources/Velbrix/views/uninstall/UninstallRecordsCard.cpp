@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallRecordsCard.h"
 
 #include "app/AppServices.h"
+#include "foundation/OneLine.h"
 #include "views/Follow.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"

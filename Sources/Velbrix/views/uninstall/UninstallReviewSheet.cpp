@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallReviewSheet.h"
 
 #include "app/AppServices.h"
+#include "foundation/OneLine.h"
 #include "views/Follow.h"
-#include "views/components/ElidedLabel.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/RowList.h"

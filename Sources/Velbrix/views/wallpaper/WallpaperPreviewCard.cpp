@@ -3,6 +3,7 @@
 #include "app/AppServices.h"
 #include "app/WallpaperActions.h"
 #include "views/Follow.h"
+#include "views/PlainTip.h"
 #include "views/Theme.h"
 #include "views/components/EmptyState.h"
 #include "views/components/Parts.h"
@@ -208,7 +209,7 @@ void WallpaperPreviewCard::showVideo()
     _stage->setPlayable(video.videoURL().has_value());
 
     _name->setText(path ? fileName(*path) : QString());
-    _name->setToolTip(path.value_or(QString()));
+    _name->setToolTip(plainTip(path.value_or(QString())));
     _name->setVisible(path.has_value());
     QString facts = describeVideo(video.videoSize(), video.videoFPS(), video.videoDuration());
     if (video.isLoading())

@@ -75,7 +75,8 @@ Result<void> EntryReader::read(const ZipEntry &entry, const Sink &sink)
     if ((entry.flags & zip::encryptedFlag) != 0)
         return failure(u"“%1”已加密，无法读取"_s.arg(shownName(entry)));
     if (entry.method != zip::stored && entry.method != zip::deflated)
-        return failure(u"“%1”的压缩方法（%2）不受支持"_s.arg(shownName(entry)).arg(entry.method));
+        return failure(
+            u"“%1”的压缩方法（%2）不受支持"_s.arg(shownName(entry), QString::number(entry.method)));
     const Result<std::uint64_t> offset = _archive.dataOffset(entry);
     if (!offset)
         return std::unexpected(offset.error());
