@@ -64,6 +64,7 @@ QPushButton[role="icon"]:hover { background: @secondary/12; }
 QPushButton[role="icon"][keyed="true"]:focus { border-color: @accent; }
 QPushButton[role="plainBad"] { background: transparent; border: 1px solid transparent; padding: 0 8px;
                                color: @bad; }
+QPushButton[role="plain"]:disabled, QPushButton[role="plainBad"]:disabled { color: @secondary/70; }
 QPushButton[role="plainBad"]:hover { background: @bad/12; }
 QPushButton[role="plainBad"][keyed="true"]:focus { border-color: @bad; }
 QPushButton[role="chord"] { min-width: 104px; font-size: 14px; }
