@@ -89,7 +89,8 @@ private Q_SLOTS:
         QCOMPARE(rig.text(u"note"_s, {{u"--dry-run"_s, {}}}), u"0 "_s + review);
         QVERIFY(!rig.reply->data.contains("needsConfirmation"_L1));
         QCOMPARE(rig.text(u"ORG.acme.NOTE"_s), u"1 "_s + review);
-        QCOMPARE(rig.reply->data.value("needsConfirmation"_L1), true);
+        QVERIFY(rig.reply->isQuestion());
+        QCOMPARE(rig.reply->agreedArguments(), QStringList{rig.home() + u"/Applications/Note.app"_s});
         const QJsonArray items = rig.reply->data.value("review"_L1).toObject().value("items"_L1).toArray();
         QCOMPARE(items.at(1).toObject().value("reason"_L1), u"identifier"_s);
         QCOMPARE(items.at(2).toObject().value("ticked"_L1), false);

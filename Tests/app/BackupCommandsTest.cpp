@@ -146,7 +146,9 @@ private Q_SLOTS:
         rig.added({{u"--name"_s, u"photos"_s}, {u"--kind"_s, u"sync"_s}});
         QVERIFY(rig.said(u"backup remove"_s, {u"photos"_s}).text.startsWith(u"有 2 个任务叫“photos”"_s));
         const QString id = rig.controller->tasks().at(0).id;
-        QCOMPARE(rig.said(u"backup remove"_s, {id}).data[u"needsConfirmation"_s], QJsonValue(true));
+        const CommandReply asked = rig.said(u"backup remove"_s, {id});
+        QVERIFY(asked.isQuestion());
+        QCOMPARE(asked.agreedArguments(), QStringList{id});
         QCOMPARE(rig.controller->tasks().size(), 2);
         QCOMPARE(rig.said(u"backup remove"_s, {id}, {{u"--yes"_s, QString()}}).exitCode, exitcode::done);
         QCOMPARE(rig.controller->tasks().size(), 1);

@@ -77,6 +77,20 @@ private Q_SLOTS:
         }
     }
 
+    void whatWasShownIsAgreedTo()
+    {
+        Rig rig;
+        rig.services->cleaner.setAllSelected(false);
+        const CommandReply nothing = rig.ask(u"clean run"_s);
+        QVERIFY(!nothing.isQuestion());
+        QCOMPARE(nothing.text, u"没有选择任何清理项"_s);
+        rig.services->cleaner.setSelected(u"npm"_s, true);
+        QCOMPARE(rig.ask(u"clean run"_s).agreedArguments(), QStringList{u"npm"_s});
+        QFile file(rig.folder + u"/two\nlines\x1b[2J"_s);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(rig.ask(u"clean run"_s).text.contains(u"  two lines [2J"_s));
+    }
+
     void refuses_data()
     {
         QTest::addColumn<bool>("agreed");

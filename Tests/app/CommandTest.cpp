@@ -117,7 +117,10 @@ private Q_SLOTS:
         QCOMPARE(back.data, reply.data);
         QCOMPARE(commandReplyFromJson({}).exitCode, exitcode::refused);
         QVERIFY(!back.isQuestion());
-        QVERIFY(commandReplyFromJson(toJson(CommandReply::question(u"真的？"_s))).isQuestion());
+        const CommandReply question =
+            commandReplyFromJson(toJson(CommandReply::question(u"真的？"_s, {u"a b"_s})));
+        QVERIFY(question.isQuestion());
+        QCOMPARE(question.agreedArguments(), QStringList{u"a b"_s});
     }
 };
 

@@ -68,11 +68,14 @@ QCoro::Task<CommandReply> ask(ParsedCommand command, Clock &clock)
     co_return failed.nobodyListens ? notRunning : CommandReply::refusal(failed.message);
 }
 
+bool hasTerminal()
+{
+    return ::isatty(STDIN_FILENO) && ::isatty(STDOUT_FILENO);
+}
+
 // Reading a line holds up nothing here: the program waits for the user alone.
 bool isConfirmed(const QString &question)
 {
-    if (!::isatty(STDIN_FILENO) || !::isatty(STDOUT_FILENO))
-        return false;
     std::fputs((question + u"\n确定要继续吗？输入 y 继续：[y/N] "_s).toUtf8().constData(), stdout);
     std::fflush(stdout);
     QFile terminal;
@@ -88,11 +91,14 @@ QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
 {
     CommandReply reply = co_await ask(command, clock);
     if (!command.json && reply.isQuestion()) {
-        if (isConfirmed(reply.text)) {
+        if (!hasTerminal()) {
+            reply.text += u"\n没有执行。确认无误后加上 --yes 再运行一次。"_s;
+        } else if (isConfirmed(reply.text)) {
+            command.arguments = reply.agreedArguments();
             command.options.insert(u"--yes"_s, QString());
             reply = co_await ask(command, clock);
         } else {
-            reply.text += u"\n没有执行。确认无误后加上 --yes 再运行一次。"_s;
+            reply.text = u"没有执行"_s;
         }
     }
     co_return present(reply, command.json);

@@ -3,6 +3,7 @@
 #include "app/PrivacyManager.h"
 #include "foundation/ByteCount.h"
 #include "foundation/NextSignal.h"
+#include "foundation/OneLine.h"
 #include "maintenance/uninstall/AppScanner.h"
 
 #include <QJsonArray>
@@ -83,10 +84,10 @@ QJsonObject toJson(const AppInfo &app)
 
 QString lineOf(const AppInfo &app)
 {
-    QStringList parts = {app.name, app.version, formatByteCount(app.size)};
+    QStringList parts = {oneLine(app.name), oneLine(app.version), formatByteCount(app.size)};
     if (!app.source.manager.isEmpty())
         parts << app.source.manager;
-    parts << (app.bundleID.isEmpty() ? u"（无标识）"_s : app.bundleID) << app.path;
+    parts << (app.bundleID.isEmpty() ? u"（无标识）"_s : oneLine(app.bundleID)) << oneLine(app.path);
     return parts.join(u"  "_s);
 }
 
@@ -118,14 +119,14 @@ QJsonObject toJson(const UninstallReview &review)
 
 QString textOf(const UninstallReview &review)
 {
-    QStringList lines = {u"卸载「%1」（%2）："_s.arg(review.app.name, rawValue(review.mode))};
+    QStringList lines = {u"卸载「%1」（%2）："_s.arg(oneLine(review.app.name), rawValue(review.mode))};
     if (review.isRunning)
         lines << u"  应用正在运行，请先退出"_s;
     if (!review.packages.isEmpty())
         lines << u"  会移除的软件包："_s + review.packages.join(u"、"_s);
     for (const ReviewItem &item : review.items) {
         QStringList parts = {item.isTicked ? u"  [✓]"_s : u"  [ ]"_s, formatByteCount(item.bytes.value_or(0)),
-                             item.path, item.why};
+                             oneLine(item.path), item.why};
         if (!item.caution.isEmpty())
             parts << item.caution;
         lines << parts.join(u"  "_s);
@@ -174,7 +175,7 @@ CommandReply outcome(const AppScanner &scanner, const AppInfo &app, const QStrin
     QStringList lines = {message};
     QJsonArray failures;
     for (const FailedItem &item : scanner.failures()) {
-        lines << u"  %1：%2"_s.arg(item.path, item.reason);
+        lines << u"  %1：%2"_s.arg(oneLine(item.path), item.reason);
         failures.append(QJsonObject{{u"path"_s, item.path}, {u"reason"_s, item.reason}});
     }
     reply.text = lines.join(u'\n');
@@ -229,9 +230,7 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
     if (isDryRun)
         co_return CommandReply{exitcode::done, textOf(review), {{u"review"_s, toJson(review)}}};
     if (!command.options.contains(u"--yes"_s))
-        co_return CommandReply{exitcode::refused,
-                               textOf(review),
-                               {{u"needsConfirmation"_s, true}, {u"review"_s, toJson(review)}}};
+        co_return CommandReply::question(textOf(review), {app.path}, {{u"review"_s, toJson(review)}});
     if (const QString reason = hindrance(scanner, privacy); !reason.isEmpty())
         co_return CommandReply::refusal(reason);
     const CommandReply reply = co_await carryOut(scanner, review);

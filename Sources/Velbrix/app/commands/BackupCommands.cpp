@@ -1,5 +1,6 @@
 #include "app/commands/BackupCommands.h"
 
+#include "foundation/OneLine.h"
 #include "maintenance/backup/FileBackupController.h"
 
 #include <QCoroFuture>
@@ -48,8 +49,8 @@ QString line(const BackupTask &task, bool isRunning)
     const QString next =
         task.isEnabled ? u"下次 "_s + task.nextRunAt.toString(u"yyyy-MM-dd HH:mm"_s) : u"已停用"_s;
     const QString state = isRunning ? u"正在运行"_s : task.lastResult.value_or(u"还没有运行过"_s);
-    return u"%1  %2  %3  %4 → %5\n    %6，%7；%8"_s.arg(task.name, kindText(task.kind), task.id,
-                                                        task.sourcePath, task.destPath,
+    return u"%1  %2  %3  %4 → %5\n    %6，%7；%8"_s.arg(oneLine(task.name), kindText(task.kind), task.id,
+                                                        oneLine(task.sourcePath), oneLine(task.destPath),
                                                         scheduleText(task.schedule), next, state);
 }
 
@@ -160,7 +161,8 @@ Result<BackupTask> found(const FileBackupController &backup, const QString &word
     if (named.isEmpty())
         return failure(u"没有这个备份任务：%1"_s.arg(word));
     if (named.size() > 1)
-        return failure(u"有 %1 个任务叫“%2”，请改用 backup list 里的编号"_s.arg(named.size()).arg(word));
+        return failure(
+            u"有 %1 个任务叫“%2”，请改用 backup list 里的编号"_s.arg(QString::number(named.size()), word));
     return named.first();
 }
 
@@ -177,18 +179,12 @@ QCoro::Task<> nextTurn(FileBackupController &backup)
     co_await turned;
 }
 
-CommandReply confirmationNeeded(const QString &text, QJsonObject data)
-{
-    data.insert(u"needsConfirmation"_s, true);
-    return {exitcode::refused, text, data};
-}
-
 CommandReply replyTo(const BackupQuestion &question)
 {
-    return confirmationNeeded(
-        u"“%1”会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。确认要删除就加上 --yes"_s.arg(question.name)
-            .arg(question.deletions)
-            .arg(question.existing),
+    return CommandReply::question(
+        u"“%1”会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。"_s.arg(
+            oneLine(question.name), QString::number(question.deletions), QString::number(question.existing)),
+        {question.taskId},
         {{u"id"_s, question.taskId},
          {u"deletions"_s, question.deletions},
          {u"existing"_s, question.existing}});
@@ -231,11 +227,12 @@ QCoro::Task<CommandReply> remove(FileBackupController &backup, ParsedCommand com
     if (!wanted)
         co_return CommandReply::refusal(wanted.error().message);
     if (!command.options.contains(confirmOption))
-        co_return confirmationNeeded(u"要删除任务“%1”吗？文件都会保留。确认就加上 --yes"_s.arg(wanted->name),
-                                     {{u"id"_s, wanted->id}});
+        co_return CommandReply::question(u"要删除任务“%1”吗？文件都会保留。"_s.arg(oneLine(wanted->name)),
+                                         {wanted->id}, {{u"id"_s, wanted->id}});
     backup.remove(wanted->id);
-    co_return CommandReply{
-        exitcode::done, u"已删除任务“%1”，文件都保留着"_s.arg(wanted->name), {{u"id"_s, wanted->id}}};
+    co_return CommandReply{exitcode::done,
+                           u"已删除任务“%1”，文件都保留着"_s.arg(oneLine(wanted->name)),
+                           {{u"id"_s, wanted->id}}};
 }
 
 } // namespace

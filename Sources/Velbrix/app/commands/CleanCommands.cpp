@@ -3,6 +3,7 @@
 #include "app/PrivacyManager.h"
 #include "foundation/ByteCount.h"
 #include "foundation/NextSignal.h"
+#include "foundation/OneLine.h"
 #include "maintenance/cleanup/SystemCleaner.h"
 
 #include <QCoroTask>
@@ -53,7 +54,7 @@ QString line(const SystemCleaner &cleaner, const CleanupItem &item)
     if (cleaner.busyItems().contains(item.id))
         marks << u"正在运行"_s;
     const QString note = marks.isEmpty() ? QString() : u"  （%1）"_s.arg(marks.join(u"，"_s));
-    return u"%1 %2  %3  %4%5"_s.arg(item.isSelected ? u"[x]"_s : u"[ ]"_s, item.id, item.name,
+    return u"%1 %2  %3  %4%5"_s.arg(item.isSelected ? u"[x]"_s : u"[ ]"_s, item.id, oneLine(item.name),
                                     item.estimatedSize, note);
 }
 
@@ -81,6 +82,13 @@ QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
     return {};
 }
 
+// Said as the window says it.
+QString nothingToClean(const SystemCleaner &cleaner, const QStringList &ids)
+{
+    return cleaner.itemsToSkip(ids).isEmpty() ? u"没有选择任何清理项"_s
+                                              : u"所选项目的应用正在运行，没有清理"_s;
+}
+
 // The contents of one item as they would go, the largest first.
 QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
 {
@@ -98,7 +106,7 @@ QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
         lines << u"    "_s + contents.problem;
     for (const CleanupEntry &entry :
          contents.entries.first(std::min<qsizetype>(entriesShown, contents.entries.size())))
-        lines << u"    %1  %2%3"_s.arg(formatByteCount(entry.bytes.value_or(0)), entry.name,
+        lines << u"    %1  %2%3"_s.arg(formatByteCount(entry.bytes.value_or(0)), oneLine(entry.name),
                                        entry.isIncluded ? QString() : u"  （保留）"_s);
     if (contents.entries.size() > entriesShown)
         lines << u"    …… 共 %1 项"_s.arg(contents.entries.size());
@@ -138,7 +146,7 @@ CommandReply outcome(const CleanupReport &report)
     QJsonArray problems;
     for (const RemovalProblem &problem : report.removal.problems) {
         const QString path = QFile::decodeName(problem.path);
-        lines << u"未能移除 %1：%2"_s.arg(path, problem.reason);
+        lines << u"未能移除 %1：%2"_s.arg(oneLine(path), problem.reason);
         problems.append(QJsonObject{{u"path"_s, path}, {u"reason"_s, problem.reason}});
     }
     return {exitcode::done,
@@ -158,7 +166,13 @@ QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, P
         co_return CommandReply::refusal(reason);
     if (!command.has(u"--yes"_s)) {
         const CommandReply shown = co_await preview(cleaner, ids);
-        co_return CommandReply::question(u"将清理以下内容，操作不可撤销：\n"_s + shown.text, shown.data);
+        QStringList agreed;
+        for (const CleanupItem &item : cleaner.itemsToClean(ids))
+            agreed << item.id;
+        if (agreed.isEmpty())
+            co_return CommandReply::refusal(nothingToClean(cleaner, ids));
+        co_return CommandReply::question(u"将清理以下内容，操作不可撤销：\n"_s + shown.text, agreed,
+                                         shown.data);
     }
     // In the window the user confirms the notice; the command is said again.
     privacy.guard(featurePrivacyNotice(PrivacyConsentKind::systemCleanup), [] {});

@@ -3,6 +3,7 @@
 #include "app/AppTab.h"
 
 #include <QDir>
+#include <QJsonArray>
 
 #include <algorithm>
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr int anyNumber = 1000;
 const QString needsConfirmation = u"needsConfirmation"_s;
+const QString confirmArguments = u"confirmArguments"_s;
 
 QString tabIdentifiers()
 {
@@ -65,15 +67,21 @@ bool takeOptions(const CommandForm &form, QStringList &words, QMap<QString, QStr
 
 } // namespace
 
-CommandReply CommandReply::question(const QString &text, QJsonObject data)
+CommandReply CommandReply::question(const QString &text, const QStringList &agreed, QJsonObject data)
 {
     data[needsConfirmation] = true;
+    data[confirmArguments] = QJsonArray::fromStringList(agreed);
     return {exitcode::refused, text, data};
 }
 
 bool CommandReply::isQuestion() const
 {
     return data.value(needsConfirmation).toBool();
+}
+
+QStringList CommandReply::agreedArguments() const
+{
+    return data.value(confirmArguments).toVariant().toStringList();
 }
 
 const QList<CommandForm> &commandForms()
