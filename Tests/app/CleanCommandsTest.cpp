@@ -77,6 +77,29 @@ private Q_SLOTS:
         }
     }
 
+    void doesNotAskInVain()
+    {
+        Rig rig;
+        rig.services->cleaner.setAllSelected(false);
+        const CommandReply nothing = rig.ask(u"clean run"_s);
+        QVERIFY(!nothing.isQuestion());
+        QCOMPARE(nothing.text, u"没有选择任何清理项"_s);
+        rig.host.programs.names = {u"npm"_s};
+        const CommandReply busy = rig.ask(u"clean run"_s, {u"npm"_s});
+        QVERIFY(!busy.isQuestion());
+        QCOMPARE(busy.text, u"所选项目的应用正在运行，没有清理"_s);
+    }
+
+    void asksForWhatItShows()
+    {
+        Rig rig;
+        rig.services->cleaner.setAllSelected(false);
+        rig.services->cleaner.setSelected(u"npm"_s, true);
+        const CommandReply reply = rig.ask(u"clean run"_s);
+        QVERIFY(reply.isQuestion());
+        QCOMPARE(reply.data[u"arguments"_s].toArray(), QJsonArray{u"npm"_s});
+    }
+
     void refuses_data()
     {
         QTest::addColumn<bool>("agreed");

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -90,6 +91,9 @@ QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
     if (!command.json && reply.isQuestion()) {
         if (isConfirmed(reply.text)) {
             command.options.insert(u"--yes"_s, QString());
+            if (const QVariantList agreed = reply.data[u"arguments"_s].toArray().toVariantList();
+                !agreed.isEmpty())
+                command.arguments = QVariant(agreed).toStringList();
             reply = co_await ask(command, clock);
         } else {
             reply.text += u"\n没有执行。确认无误后加上 --yes 再运行一次。"_s;

@@ -133,6 +133,8 @@ CommandReply outcome(const CleanupReport &report)
     const CleanupPhase &done = report.outcome;
     QStringList lines = {resultText(done)};
     lines << u"实际释放 %1"_s.arg(formatByteCount(report.removal.freedBytes));
+    if (report.wasCancelled)
+        lines << u"已取消，余下的没有清理"_s;
     if (!report.skipped.isEmpty())
         lines << u"正在运行，已跳过：%1"_s.arg(report.skipped.join(u"、"_s));
     QJsonArray problems;
@@ -141,11 +143,14 @@ CommandReply outcome(const CleanupReport &report)
         lines << u"未能移除 %1：%2"_s.arg(path, problem.reason);
         problems.append(QJsonObject{{u"path"_s, path}, {u"reason"_s, problem.reason}});
     }
+    if (report.removal.problemCount > problems.size())
+        lines << u"…… 未能移除的共 %1 项"_s.arg(report.removal.problemCount);
     return {exitcode::done,
             lines.join(u'\n'),
             {{u"count"_s, done.cleanedCount},
              {u"bytes"_s, done.totalBytes},
              {u"freed"_s, report.removal.freedBytes},
+             {u"cancelled"_s, report.wasCancelled},
              {u"skipped"_s, QJsonArray::fromStringList(report.skipped)},
              {u"problems"_s, problems}}};
 }
@@ -158,7 +163,14 @@ QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, P
         co_return CommandReply::refusal(reason);
     if (!command.has(u"--yes"_s)) {
         const CommandReply shown = co_await preview(cleaner, ids);
-        co_return CommandReply::question(u"将清理以下内容，操作不可撤销：\n"_s + shown.text, shown.data);
+        if (const QString reason = cleaner.obstacle(ids); !reason.isEmpty())
+            co_return CommandReply::refusal(reason);
+        QJsonObject data = shown.data;
+        QJsonArray agreed;
+        for (const CleanupItem &item : cleaner.itemsToClean(ids))
+            agreed.append(item.id);
+        data[u"arguments"_s] = agreed;
+        co_return CommandReply::question(u"将清理以下内容，操作不可撤销：\n"_s + shown.text, data);
     }
     // In the window the user confirms the notice; the command is said again.
     privacy.guard(featurePrivacyNotice(PrivacyConsentKind::systemCleanup), [] {});

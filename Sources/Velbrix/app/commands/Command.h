@@ -28,7 +28,8 @@ struct CommandReply {
 
     static CommandReply refusal(const QString &reason) { return {exitcode::refused, reason, {}}; }
     // Nothing was done: this is what would be. The client asks the user in his
-    // terminal and says the command again with --yes.
+    // terminal and says the command again with --yes, and with the "arguments"
+    // of the data in place of its own when there are any.
     static CommandReply question(const QString &text, QJsonObject data = {});
     bool isQuestion() const;
 };
