@@ -336,7 +336,6 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.launch(false);
-        constexpr int pollOfTheBackups = 1;
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.choose(TrayItemId::quit);
         rig.delegate->quitApp();
@@ -346,7 +345,7 @@ private Q_SLOTS:
         QCOMPARE(rig.shell.calls.last(), u"removeTray"_s);
         QCOMPARE(rig.host.keys.localCount(), 0);
         rig.clock.advance(1h);
-        QCOMPARE(rig.clock.pendingCount(), pollOfTheBackups);
+        QCOMPARE(rig.clock.pendingCount(), standingAlarms);
         rig.shell.calls.clear();
         rig.host.singleInstance.wake();
         QVERIFY(rig.shell.calls.isEmpty());

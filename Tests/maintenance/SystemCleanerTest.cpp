@@ -468,9 +468,11 @@ void SystemCleanerTest::openedRow()
     SystemCleaner &cleaner = rig.make();
     QVERIFY(cleaner.hasContents(u"caches"_s) && !cleaner.hasContents(u"trash"_s) &&
             !cleaner.hasContents(u"dns"_s));
+    rig.usage.delay = 1s;
     cleaner.open(u"caches"_s);
     QVERIFY(cleaner.contents().value(u"caches"_s).isMeasuring);
-    QTRY_VERIFY(!cleaner.contents().value(u"caches"_s).isMeasuring);
+    QTRY_VERIFY((rig.clock.advance(1s), !cleaner.contents().value(u"caches"_s).isMeasuring));
+    rig.usage.delay = 0s;
     const CleanupContents contents = cleaner.contents().value(u"caches"_s);
     QCOMPARE(contents.entries.size(), 2);
     QCOMPARE(contents.entries[0].name, u"large"_s);

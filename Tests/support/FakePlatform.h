@@ -33,6 +33,9 @@
 
 namespace velbrix::test {
 
+// Waits for ever, whatever else has ended: the backups' look at the time.
+inline constexpr int standingAlarms = 1;
+
 // A whole host of fakes: `platform` owns them, the references reach them.
 class FakePlatform {
 public:

@@ -198,8 +198,8 @@ private Q_SLOTS:
         rig.wallpaper().pauseWallpaper();
         QCOMPARE(rig.host.visibility.watchers, 0);
         const int fired = rig.clock.firedCount();
-        rig.clock.advance(10min);
-        QCOMPARE(rig.clock.firedCount(), fired);
+        rig.clock.advance(FileBackupController::checkInterval - 1s);
+        QVERIFY(rig.clock.firedCount() <= fired + standingAlarms);
         QCOMPARE(loads(), 4);
     }
 };
