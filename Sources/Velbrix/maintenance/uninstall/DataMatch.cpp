@@ -117,14 +117,14 @@ QString DataMatcher::caution(const QString &entry, MatchReason reason) const
     if (const QString other = otherOwner(entry); !other.isEmpty())
         return other == _identifier ? u"另一个已安装的应用使用相同的标识"_s
                                     : u"可能属于另一个应用："_s + other;
-    if (isEverybodys(entry))
-        return u"许多应用共用的文件夹"_s;
     const bool isIdentified = reason == MatchReason::identifier;
     const QString &used = isIdentified ? _identifier : _name;
     if (used.size() < shortestCertainToken)
         return u"匹配的文字「%1」太短"_s.arg(used);
     if (!isIdentified)
         return u"仅名称相似，可能属于其他应用"_s;
+    if (isEverybodys(entry))
+        return u"许多应用共用的文件夹"_s;
     // "com.vendor" or "editor" names more than one program.
     const bool isPrecise = _identifier.count(u'.') >= 2;
     if (isExactly(entry) || (isPrecise && hasWholeIdentifier(entry)))
