@@ -118,7 +118,7 @@ private Q_SLOTS:
         rig.added({{u"--name"_s, u"photos"_s}});
         const CommandReply reply = rig.said(u"backup run"_s, {u"photos"_s});
         QCOMPARE(reply.exitCode, exitcode::done);
-        QCOMPARE(reply.text, u"✓ 压缩完成 · 18 字节"_s);
+        QCOMPARE(reply.text, u"✓ 压缩完成 · 22 字节"_s);
         rig.archiver.outcome.exitStatus = 2;
         const CommandReply failed = rig.said(u"backup run"_s, {rig.controller->tasks().at(0).id});
         QCOMPARE(failed.exitCode, exitcode::refused);

@@ -77,15 +77,27 @@ private Q_SLOTS:
         }
     }
 
-    void whatWasShownIsAgreedTo()
+    void doesNotAskInVain()
     {
         Rig rig;
         rig.services->cleaner.setAllSelected(false);
         const CommandReply nothing = rig.ask(u"clean run"_s);
         QVERIFY(!nothing.isQuestion());
         QCOMPARE(nothing.text, u"没有选择任何清理项"_s);
+        rig.host.programs.names = {u"npm"_s};
+        const CommandReply busy = rig.ask(u"clean run"_s, {u"npm"_s});
+        QVERIFY(!busy.isQuestion());
+        QCOMPARE(busy.text, u"所选项目的应用正在运行，没有清理"_s);
+    }
+
+    void asksForWhatItShows()
+    {
+        Rig rig;
+        rig.services->cleaner.setAllSelected(false);
         rig.services->cleaner.setSelected(u"npm"_s, true);
-        QCOMPARE(rig.ask(u"clean run"_s).agreedArguments(), QStringList{u"npm"_s});
+        const CommandReply reply = rig.ask(u"clean run"_s);
+        QVERIFY(reply.isQuestion());
+        QCOMPARE(reply.data[u"arguments"_s].toArray(), QJsonArray{u"npm"_s});
         QFile file(rig.folder + u"/two\nlines\x1b[2J"_s);
         QVERIFY(file.open(QIODevice::WriteOnly));
         QVERIFY(rig.ask(u"clean run"_s).text.contains(u"  two lines [2J"_s));

@@ -321,6 +321,8 @@ private Q_SLOTS:
         other.destPath = u"/d/A_同步/archives"_s;
         QVERIFY(!backupConflict(other, {one}).isEmpty());
         QVERIFY(!backupConflict(one, {other}).isEmpty());
+        other.destPath = u"/d/A_同步_旧文件/20260301_090000"_s;
+        QVERIFY(!backupConflict(other, {one}).isEmpty());
     }
 };
 

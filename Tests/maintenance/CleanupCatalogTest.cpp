@@ -1,6 +1,7 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
 
 #include <QDir>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void bothTablesHoldTogether_data();
     void bothTablesHoldTogether();
     void foldersFollowTheUser();
+    void homeIsNoCache();
     void patterns();
 };
 
@@ -131,6 +133,20 @@ void CleanupCatalogTest::foldersFollowTheUser()
     QCOMPARE(temporary.measured, QStringList());
 }
 
+void CleanupCatalogTest::homeIsNoCache()
+{
+    const QTemporaryDir elsewhere;
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(elsewhere.path()));
+    if (UserFolders::ofThisUser().cache != elsewhere.path())
+        QSKIP("folders do not follow the environment here");
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(QDir::homePath() + u"/."_s));
+    qputenv("XDG_CONFIG_HOME", "/");
+    QCOMPARE(UserFolders::ofThisUser().cache, QDir::homePath() + u"/.cache"_s);
+    QCOMPARE(UserFolders::ofThisUser().config, QDir::homePath() + u"/.config"_s);
+    qunsetenv("XDG_CACHE_HOME");
+    qunsetenv("XDG_CONFIG_HOME");
+}
+
 void CleanupCatalogTest::patterns()
 {
     const QTemporaryDir home;
@@ -138,6 +154,7 @@ void CleanupCatalogTest::patterns()
     for (const char *path : {"app/b/cache", "app/a/cache", "app/none", "elsewhere/cache"})
         QVERIFY(folder.mkpath(QString::fromLatin1(path)));
     QVERIFY(QFile::link(folder.filePath(u"elsewhere"_s), folder.filePath(u"app/link"_s)));
+    QVERIFY(QFile::link(folder.filePath(u"elsewhere/cache"_s), folder.filePath(u"app/none/cache"_s)));
     QCOMPARE(matchingFolders(folder.filePath(u"app/*/cache"_s)),
              QStringList({folder.filePath(u"app/a/cache"_s), folder.filePath(u"app/b/cache"_s)}));
     QCOMPARE(matchingFolders(u"/plain"_s), QStringList{u"/plain"_s});

@@ -66,6 +66,9 @@ private Q_SLOTS:
         row("a word for an identifier", subject(u"Code"_s, u"code"_s), u"claude-code"_s, identifier, loose);
         row("the word itself", subject(u"Gimp"_s, u"gimp"_s), u"GIMP"_s, identifier);
         row("the word's file", subject(u"Gimp"_s, u"gimp"_s), u".gimp.conf"_s, identifier);
+        row("a folder of all", subject(u"Fonts"_s, u"fonts"_s), u"fonts"_s, identifier,
+            u"许多应用共用的文件夹"_s);
+        row("a file in a folder of all", subject(u"Fonts"_s, u"fonts"_s), u"fonts.conf"_s, identifier);
         row("short identifier", subject(u"VLC media player"_s, u"vlc"_s), u"vlc"_s, identifier,
             u"匹配的文字「vlc」太短"_s);
         row("one letter", subject(u"Dubious"_s, u"."_s), u"org.gnome"_s, identifier,

@@ -40,12 +40,17 @@ struct Rig {
     }
 
     QString path(const QString &below) const { return folder.filePath(below); }
-    void write(const QString &below) const
+    void write(const QString &below, const QByteArray &content = "x") const
     {
         QDir().mkpath(QFileInfo(path(below)).path());
         QFile file(path(below));
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("x");
+        file.write(content);
+    }
+    void writeArchives(const QStringList &names) const
+    {
+        for (const QString &name : names)
+            write(u"dst/"_s + name, FakeArchiver::content);
     }
     BackupTask described(const QString &name, int hour = 10) const
     {
@@ -117,6 +122,10 @@ private Q_SLOTS:
         QVERIFY(!saved->destVolume.isEmpty());
         QCOMPARE(rig.settings.json(key)->toArray().size(), 1);
         QVERIFY(!rig.save(rig.described(u"src"_s)));
+        BackupTask throughLink = rig.described(u"src"_s);
+        QFile::link(rig.path(u"dst"_s), rig.path(u"link"_s));
+        throughLink.destPath = rig.path(u"link"_s);
+        QVERIFY(!rig.save(throughLink));
         BackupTask edited = *saved;
         edited.schedule.hour = 8;
         QCOMPARE(rig.save(edited)->nextRunAt, start.addDays(1).addSecs(-3600));
@@ -137,7 +146,7 @@ private Q_SLOTS:
         QVERIFY(rig.controller->isRunningBackup());
         QCOMPARE(rig.controller->currentRunningTaskID(), std::optional(id));
         QVERIFY(rig.ends());
-        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 18 字节"_s);
+        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 22 字节"_s);
         QCOMPARE(rig.inDestination(), QStringList{u"t_20260301_100000.zip"_s});
         QCOMPARE(rig.controller->task(id)->nextRunAt, start.addDays(1).addSecs(3600));
         QCOMPARE(rig.controller->task(id)->lastRunAt, std::optional(start.addSecs(3600)));
@@ -250,11 +259,10 @@ private Q_SLOTS:
     void keepsTheNewestOfItsOwn()
     {
         Rig rig;
-        for (const QString &name :
-             {u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s, u"t_20260103_000000.zip"_s,
-              u"t_20260104_000000 2.zip"_s, u"t_99_20260104_000000.zip"_s,
-              u".t_20260105_000000.zip.partial"_s, u".x_20260105_000000.zip.partial"_s, u"t_holiday.zip"_s})
-            rig.write(u"dst/"_s + name);
+        rig.writeArchives({u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s, u"t_20260103_000000.zip"_s,
+                           u"t_20260104_000000 2.zip"_s, u"t_99_20260104_000000.zip"_s,
+                           u".t_20260105_000000.zip.partial"_s, u".x_20260105_000000.zip.partial"_s,
+                           u"t_holiday.zip"_s});
         BackupTask task = rig.described(u"t"_s);
         task.keepLast = 2;
         const QString id = rig.save(task)->id;
@@ -265,17 +273,98 @@ private Q_SLOTS:
         rig.archiver.outcome = {.skipped = {u"locked"_s}, .skippedCount = 3};
         rig.controller->runNow(id);
         QVERIFY(rig.ends());
-        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 18 字节（3 个文件无法读取，未包含）"_s);
+        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 22 字节（3 个文件无法读取，未包含）"_s);
         QCOMPARE(rig.inDestination(),
                  (QStringList{u".x_20260105_000000.zip.partial"_s, u"t_20260103_000000.zip"_s,
                               u"t_20260104_000000 2.zip"_s, u"t_20260301_090000.zip"_s,
                               u"t_99_20260104_000000.zip"_s, u"t_holiday.zip"_s}));
     }
 
+    void aTornArchiveCountsForNothing()
+    {
+        Rig rig;
+        rig.writeArchives({u"t_20260101_000000.zip"_s});
+        rig.write(u"dst/t_20260102_000000.zip"_s, FakeArchiver::content + "more");
+        rig.write(u"dst/t_20260103_000000.zip"_s, FakeArchiver::content.chopped(1));
+        BackupTask task = rig.described(u"t"_s);
+        task.keepLast = 2;
+        const QString id = rig.save(task)->id;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.inDestination(), (QStringList{u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s,
+                                                   u"t_20260103_000000.zip"_s, u"t_20260301_090000.zip"_s}));
+    }
+
+    void aClockThatWasAheadDoesNotPushTheNewestOut()
+    {
+        Rig rig;
+        rig.writeArchives({u"t_20270101_000000.zip"_s, u"t_20270102_000000.zip"_s});
+        BackupTask task = rig.described(u"t"_s);
+        task.keepLast = 2;
+        const QString id = rig.save(task)->id;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.inDestination(), (QStringList{u"t_20260301_090000.zip"_s, u"t_20270102_000000.zip"_s}));
+    }
+
+    void whatIsGoneOnTheWayPushesNothingOut_data()
+    {
+        QTest::addColumn<int>("filesInIt");
+        QTest::addColumn<bool>("pushesOut");
+        QTest::newRow("none of four") << 0 << false;
+        QTest::newRow("one of four") << 1 << false;
+        QTest::newRow("most") << 3 << true;
+    }
+    void whatIsGoneOnTheWayPushesNothingOut()
+    {
+        QFETCH(int, filesInIt);
+        Rig rig;
+        rig.writeArchives({u"t_20260101_000000.zip"_s});
+        for (const QString &name : {u"src/b"_s, u"src/c"_s, u"src/d"_s})
+            rig.write(name);
+        BackupTask task = rig.described(u"t"_s);
+        task.keepLast = 1;
+        const QString id = rig.save(task)->id;
+        rig.archiver.outcome.files = filesInIt;
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QTEST(!rig.inDestination().contains(u"t_20260101_000000.zip"_s), "pushesOut");
+    }
+
+    void aSourceThatGoesOnTheWayIsNoBackup()
+    {
+        Rig rig;
+        rig.archiver.holds = true;
+        const QString id = rig.save(rig.described(u"t"_s))->id;
+        rig.controller->runNow(id);
+        QTRY_COMPARE(rig.archiver.created.size(), 1);
+        QDir(rig.path(u"src"_s)).removeRecursively();
+        rig.archiver.holds = false;
+        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRunningBackup()));
+        QVERIFY2(rig.result(id).contains(u"源文件夹不在了"_s), qPrintable(rig.result(id)));
+        QCOMPARE(rig.inDestination(), QStringList());
+    }
+
+    void settingsEditedByHandAreCheckedAtTheRun()
+    {
+        Rig rig;
+        BackupTask mirror = rig.described(u""_s);
+        mirror.kind = BackupTaskKind::sync;
+        mirror.id = u"m"_s;
+        mirror.destPath = mirror.sourcePath;
+        rig.store({mirror});
+        rig.make();
+        QCOMPARE(rig.controller->task(u"m"_s)->name, u"src"_s);
+        rig.controller->runNow(u"m"_s);
+        QVERIFY(rig.ends());
+        QVERIFY2(rig.result(u"m"_s).startsWith(u"保存目录在源文件夹里面"_s), qPrintable(rig.result(u"m"_s)));
+        QVERIFY(!QFile::exists(rig.path(u"src/src_同步"_s)));
+    }
+
     void anArchiveOfNothingPushesNothingOut()
     {
         Rig rig;
-        rig.write(u"dst/t_20260101_000000.zip"_s);
+        rig.writeArchives({u"t_20260101_000000.zip"_s});
         BackupTask task = rig.described(u"t"_s);
         task.keepLast = 1;
         const QString id = rig.save(task)->id;
@@ -296,6 +385,10 @@ private Q_SLOTS:
         QVERIFY2(rig.result(id).startsWith(u"保存目录的可用空间不足：最多需要 8.8 TB，只剩 "_s),
                  qPrintable(rig.result(id)));
         QVERIFY(rig.archiver.calls.isEmpty());
+        rig.writeArchives({u"t_20260101_000000.zip"_s}); // it can be packed well
+        rig.controller->runNow(id);
+        QVERIFY(rig.ends());
+        QVERIFY2(rig.result(id).startsWith(u"✓"_s), qPrintable(rig.result(id)));
     }
 
     void cancelLeavesNothing()
@@ -423,9 +516,9 @@ private Q_SLOTS:
             return QDir(rig.path(u"to"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
         };
         const auto restored = [&] {
-            rig.make().restore(whole.fileName(), rig.path(u"to"_s));
-            const bool isDone = QTest::qWaitFor([&] { return !rig.controller->isRestoring(); });
-            return isDone ? rig.controller->restoreResult() : QString();
+            rig.make().restorer().restore(whole.fileName(), rig.path(u"to"_s));
+            const bool isDone = QTest::qWaitFor([&] { return !rig.controller->restorer().isRestoring(); });
+            return isDone ? rig.controller->restorer().result() : QString();
         };
         QCOMPARE(restored(), u"✓ 已恢复到 "_s + rig.path(u"to/extracted 2"_s));
         QCOMPARE(inTarget(), (QStringList{u"extracted"_s, u"extracted 2"_s}));
@@ -433,11 +526,11 @@ private Q_SLOTS:
         QCOMPARE(restored(), u"恢复失败：磁盘已满"_s);
         QCOMPARE(inTarget().size(), 2);
         rig.archiver.holds = true;
-        rig.controller->restore(whole.fileName(), rig.path(u"to"_s));
+        rig.controller->restorer().restore(whole.fileName(), rig.path(u"to"_s));
         QTRY_COMPARE(inTarget().size(), 3);
-        rig.controller->cancelRestore();
-        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRestoring()));
-        QCOMPARE(rig.controller->restoreResult(), u"已取消"_s);
+        rig.controller->restorer().cancel();
+        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->restorer().isRestoring()));
+        QCOMPARE(rig.controller->restorer().result(), u"已取消"_s);
         QCOMPARE(inTarget().size(), 2);
     }
 

@@ -268,6 +268,44 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(rig.mirror(u"lost"_s)));
     }
 
+    void looksAgainAfterAQuestion_data()
+    {
+        QTest::addColumn<bool>("losesSource");
+        QTest::newRow("empty source") << true;
+        QTest::newRow("no destination") << false;
+    }
+    void looksAgainAfterAQuestion()
+    {
+        QFETCH(bool, losesSource);
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.writeMany(u"dst/t_同步"_s, 60);
+        rig.request.approve = [&](qint64, qint64) {
+            if (losesSource)
+                QFile::remove(rig.path(u"src/a"_s));
+            else
+                QDir().rename(rig.path(u"dst"_s), rig.path(u"unmounted"_s));
+            return answering(true);
+        };
+        const QString result = rig.run();
+        QVERIFY2(result.startsWith(losesSource ? u"源文件夹里没有文件"_s : u"保存目录所在的磁盘没有连接"_s),
+                 qPrintable(result));
+        QCOMPARE(QFile::exists(rig.mirror(u"0"_s)), losesSource);
+        QCOMPARE(QFile::exists(rig.path(u"dst"_s)), losesSource);
+    }
+
+    void twoRunsInASecondSetAsideBoth()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s, "1");
+        rig.write(u"dst/t_同步/a"_s, "first");
+        QVERIFY(rig.run().startsWith(u"✓"_s));
+        rig.write(u"src/a"_s, "second");
+        QVERIFY(rig.run().startsWith(u"✓"_s));
+        QCOMPARE(rig.read(u"dst/t_同步_旧文件/20260301_090000/a"_s), "first");
+        QCOMPARE(rig.read(u"dst/t_同步_旧文件/20260301_090001/a"_s), "1");
+    }
+
     void whatIsExcludedStaysWhereItIs()
     {
         Rig rig;

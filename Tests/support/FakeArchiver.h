@@ -19,7 +19,7 @@ class FakeArchiver final : public Archiver {
 public:
     explicit FakeArchiver(Clock &clock) : _clock(clock) {}
 
-    static inline const QByteArray content = QByteArrayLiteral("PK a whole archive");
+    static inline const QByteArray content = "PK\5\6" + QByteArray(18, 0);
     static constexpr auto turn = std::chrono::milliseconds(100); // how often a held call looks up
 
     ArchiveOutcome outcome;             // of create; half an archive is left when it is not 0

@@ -46,7 +46,7 @@ public:
             co_return failure(QStringLiteral("cannot put back"));
         co_return Result<void>();
     }
-    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules) override
+    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation) override
     {
         calls.append(QStringLiteral("empty"));
         emptyRules.append(rules);

@@ -255,9 +255,9 @@ void FileBackupViewTest::anArchiveComesBack()
     QMetaObject::invokeMethod(panel, "accept");
     QVERIFY(rig.until([&] { return rig.find(u"restoreJob"_s) != nullptr; }));
     rig.host.archiver.holds = false;
-    QVERIFY(rig.until([&] { return !rig.backups().isRestoring(); }));
+    QVERIFY(rig.until([&] { return !rig.backups().restorer().isRestoring(); }));
     QVERIFY(rig.find(u"restoreResult"_s));
-    QCOMPARE(rig.text(u"restoreResult"_s), rig.backups().restoreResult());
+    QCOMPARE(rig.text(u"restoreResult"_s), rig.backups().restorer().result());
     QCOMPARE(rig.host.archiver.extracted.size(), 1);
 }
 

@@ -94,8 +94,9 @@ QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
         if (!hasTerminal()) {
             reply.text += u"\n没有执行。确认无误后加上 --yes 再运行一次。"_s;
         } else if (isConfirmed(reply.text)) {
-            command.arguments = reply.agreedArguments();
             command.options.insert(u"--yes"_s, QString());
+            if (const QStringList agreed = reply.agreedArguments(); !agreed.isEmpty())
+                command.arguments = agreed;
             reply = co_await ask(command, clock);
         } else {
             reply.text = u"没有执行"_s;

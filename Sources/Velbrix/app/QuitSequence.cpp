@@ -28,7 +28,7 @@ void QuitSequence::observe()
     finishAfter(_services.recorder.session(), &RecordingSession::isProcessingChanged);
     finishAfter(_services.cleaner, &SystemCleaner::phaseChanged);
     finishAfter(_services.fileBackup, &FileBackupController::isRunningBackupChanged);
-    finishAfter(_services.fileBackup, &FileBackupController::isRestoringChanged);
+    finishAfter(_services.fileBackup.restorer(), &ArchiveRestorer::isRestoringChanged);
     finishAfter(_services.uninstaller, &AppScanner::isUninstallingChanged);
     finishAfter(_services.uninstaller, &AppScanner::isPuttingBackChanged);
     finishAfter(_services.uninstaller, &AppScanner::finished);
@@ -51,7 +51,7 @@ void QuitSequence::stopMaintenance()
     _services.cleaner.cancel();
     _services.uninstaller.cancelUninstall();
     _services.fileBackup.cancelRun();
-    _services.fileBackup.cancelRestore();
+    _services.fileBackup.restorer().cancel();
 }
 
 void QuitSequence::stopWallpaper()
@@ -71,7 +71,7 @@ bool QuitSequence::isMaintenanceDone() const
 {
     return !_services.cleaner.isCleaning() && !_services.uninstaller.isBusy() &&
            !_services.uninstaller.isPuttingBack() && !_services.fileBackup.isRunningBackup() &&
-           !_services.fileBackup.isRestoring();
+           !_services.fileBackup.restorer().isRestoring();
 }
 
 // A movie can be repaired and the desktop put back at the next start; a program

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace velbrix {
 
@@ -33,6 +34,7 @@ struct ArchiveOutcome {
     QStringList skipped = {}; // what could not be read, the first hundred
     qint64 skippedCount = 0;
     bool cancelled = false;
+    std::optional<qint64> files = {}; // in it, links too; nothing when nobody counted
 
     bool operator==(const ArchiveOutcome &) const = default;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/ProcessRunner.h"
 #include "foundation/Removal.h"
 #include "foundation/Result.h"
 
@@ -19,8 +20,9 @@ public:
     virtual QCoro::Task<Result<QString>> moveToTrash(const QString path) = 0;
     // Back to where it was; never replaces what is there by now.
     virtual QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) = 0;
-    // For good. A host that does not tell what it freed reports nothing.
-    virtual QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules) = 0;
+    // For good. A host that does not tell what it freed reports nothing. Ends
+    // soon after the cancelling where the host itself empties it.
+    virtual QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) = 0;
     // What the trash consists of, to be measured; some may be missing.
     virtual QStringList folders() const = 0;
 };

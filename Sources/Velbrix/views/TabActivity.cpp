@@ -38,10 +38,11 @@ void TabActivity::watchTools(AppServices &services)
         [&backups]() -> std::optional<TabJob> {
             if (backups.isRunningBackup())
                 return TabJob{u"正在备份"_s, backups.runningShare()};
-            return backups.isRestoring() ? std::optional(TabJob{u"正在恢复"_s}) : std::nullopt;
+            return backups.restorer().isRestoring() ? std::optional(TabJob{u"正在恢复"_s}) : std::nullopt;
         },
-        &FileBackupController::isRunningBackupChanged, &FileBackupController::runningShareChanged,
-        &FileBackupController::isRestoringChanged);
+        &FileBackupController::isRunningBackupChanged, &FileBackupController::runningShareChanged);
+    connect(&backups.restorer(), &ArchiveRestorer::isRestoringChanged, this,
+            [this] { Q_EMIT changed(AppTab::fileBackup); });
 }
 
 std::optional<TabJob> TabActivity::job(AppTab tab) const

@@ -424,6 +424,11 @@ private Q_SLOTS:
         QCOMPARE(ApplicationPlaces::ofThisUser().executable, program);
         qputenv("APPDIR", QCoreApplication::applicationDirPath().toUtf8());
         QCOMPARE(ApplicationPlaces::ofThisUser().executable, image.fileName());
+        // Else everything in home would be an application's data.
+        qputenv("XDG_CACHE_HOME", QFile::encodeName(home));
+        qputenv("XDG_DATA_HOME", "/");
+        QCOMPARE(ApplicationPlaces::ofThisUser().cacheHome, home + u"/.cache"_s);
+        QCOMPARE(ApplicationPlaces::ofThisUser().dataHome, home + u"/.local/share"_s);
         for (const char *variable :
              {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "APPIMAGE", "APPDIR"})
             qunsetenv(variable);

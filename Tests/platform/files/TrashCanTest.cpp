@@ -75,6 +75,7 @@ class TrashRig {
 public:
     SystemClock clock;
     RemovalRules rules;
+    Cancellation stop;
     const QString data = path(u"data"_s);
     const QString trash = data + u"/Trash"_s;
     const QString volume = path(u"a volume"_s);
@@ -109,7 +110,7 @@ public:
     {
         return QCoro::waitFor(can->putBack(trashed, original));
     }
-    RemovalReport empty() { return *QCoro::waitFor(can->empty(rules)); }
+    RemovalReport empty() { return *QCoro::waitFor(can->empty(rules, stop)); }
 
 private:
     bool isMounted = false;
@@ -156,7 +157,7 @@ class TrashCanTest : public QObject {
 
         const auto again = QCoro::waitFor(can.moveToTrash(item));
         QVERIFY(again);
-        const auto report = QCoro::waitFor(can.empty(RemovalRules()));
+        const auto report = QCoro::waitFor(can.empty(RemovalRules(), Cancellation()));
         QVERIFY(report && report->removedFiles > 0 && report->problemCount == 0);
         QVERIFY(!isThere(*again) && isThere(kept));
     }
@@ -275,6 +276,15 @@ private Q_SLOTS:
         // A folder in a volume's place is no volume, so what is called a trash there is none.
         QVERIFY(isThere(rig.volumeTrash + u"/files/other"_s));
         QCOMPARE(rig.empty(), RemovalReport());
+    }
+
+    void emptyingCanBeCancelled()
+    {
+        TrashRig rig;
+        QVERIFY(write(rig.trash + u"/files/one"_s) && write(rig.trash + u"/info/one.trashinfo"_s));
+        rig.stop.cancel();
+        QCOMPARE(rig.empty().removedFiles, 0);
+        QVERIFY(isThere(rig.trash + u"/files/one"_s) && isThere(rig.trash + u"/info/one.trashinfo"_s));
     }
 
     void whatStaysKeepsItsInfo()

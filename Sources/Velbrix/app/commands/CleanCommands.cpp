@@ -82,13 +82,6 @@ QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
     return {};
 }
 
-// Said as the window says it.
-QString nothingToClean(const SystemCleaner &cleaner, const QStringList &ids)
-{
-    return cleaner.itemsToSkip(ids).isEmpty() ? u"没有选择任何清理项"_s
-                                              : u"所选项目的应用正在运行，没有清理"_s;
-}
-
 // The contents of one item as they would go, the largest first.
 QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
 {
@@ -141,6 +134,8 @@ CommandReply outcome(const CleanupReport &report)
     const CleanupPhase &done = report.outcome;
     QStringList lines = {resultText(done)};
     lines << u"实际释放 %1"_s.arg(formatByteCount(report.removal.freedBytes));
+    if (report.wasCancelled)
+        lines << u"已取消，余下的没有清理"_s;
     if (!report.skipped.isEmpty())
         lines << u"正在运行，已跳过：%1"_s.arg(report.skipped.join(u"、"_s));
     QJsonArray problems;
@@ -149,11 +144,14 @@ CommandReply outcome(const CleanupReport &report)
         lines << u"未能移除 %1：%2"_s.arg(oneLine(path), problem.reason);
         problems.append(QJsonObject{{u"path"_s, path}, {u"reason"_s, problem.reason}});
     }
+    if (report.removal.problemCount > problems.size())
+        lines << u"…… 未能移除的共 %1 项"_s.arg(report.removal.problemCount);
     return {exitcode::done,
             lines.join(u'\n'),
             {{u"count"_s, done.cleanedCount},
              {u"bytes"_s, done.totalBytes},
              {u"freed"_s, report.removal.freedBytes},
+             {u"cancelled"_s, report.wasCancelled},
              {u"skipped"_s, QJsonArray::fromStringList(report.skipped)},
              {u"problems"_s, problems}}};
 }
@@ -166,11 +164,11 @@ QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, P
         co_return CommandReply::refusal(reason);
     if (!command.has(u"--yes"_s)) {
         const CommandReply shown = co_await preview(cleaner, ids);
+        if (const QString reason = cleaner.obstacle(ids); !reason.isEmpty())
+            co_return CommandReply::refusal(reason);
         QStringList agreed;
         for (const CleanupItem &item : cleaner.itemsToClean(ids))
             agreed << item.id;
-        if (agreed.isEmpty())
-            co_return CommandReply::refusal(nothingToClean(cleaner, ids));
         co_return CommandReply::question(u"将清理以下内容，操作不可撤销：\n"_s + shown.text, agreed,
                                          shown.data);
     }

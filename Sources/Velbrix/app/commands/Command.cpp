@@ -14,7 +14,7 @@ namespace {
 
 constexpr int anyNumber = 1000;
 const QString needsConfirmation = u"needsConfirmation"_s;
-const QString confirmArguments = u"confirmArguments"_s;
+const QString agreedArgumentsKey = u"arguments"_s;
 
 QString tabIdentifiers()
 {
@@ -70,7 +70,7 @@ bool takeOptions(const CommandForm &form, QStringList &words, QMap<QString, QStr
 CommandReply CommandReply::question(const QString &text, const QStringList &agreed, QJsonObject data)
 {
     data[needsConfirmation] = true;
-    data[confirmArguments] = QJsonArray::fromStringList(agreed);
+    data[agreedArgumentsKey] = QJsonArray::fromStringList(agreed);
     return {exitcode::refused, text, data};
 }
 
@@ -81,7 +81,7 @@ bool CommandReply::isQuestion() const
 
 QStringList CommandReply::agreedArguments() const
 {
-    return data.value(confirmArguments).toVariant().toStringList();
+    return data.value(agreedArgumentsKey).toVariant().toStringList();
 }
 
 const QList<CommandForm> &commandForms()

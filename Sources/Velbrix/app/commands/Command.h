@@ -28,8 +28,9 @@ struct CommandReply {
 
     static CommandReply refusal(const QString &reason) { return {exitcode::refused, reason, {}}; }
     // Nothing was done: this is what would be. The client asks the user in his
-    // terminal and says the command again with --yes and these arguments, so that
-    // what was shown is what is done, whatever has been chosen meanwhile.
+    // terminal and says the command again with --yes and these arguments ("arguments"
+    // in the data), so that what was shown is what is done, whatever has been
+    // chosen meanwhile.
     static CommandReply question(const QString &text, const QStringList &agreed, QJsonObject data = {});
     bool isQuestion() const;
     QStringList agreedArguments() const;

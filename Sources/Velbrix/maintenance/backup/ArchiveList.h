@@ -14,10 +14,12 @@ struct BackupArchiveInfo {
     bool operator==(const BackupArchiveInfo &) const = default;
 };
 
-// The task's own archives, newest first: files of exactly its names; one that
-// is still growing has another name. Looks at the disk.
+// The task's own archives, newest first: files of exactly its names that end
+// as an archive does; one that is still growing has another name. Looks at the
+// disk.
 QList<BackupArchiveInfo> completeArchives(const BackupTask &task);
-// Those that are not among the newest `keepLast`.
-QList<BackupArchiveInfo> archivesToPrune(const BackupTask &task);
+// Those that are not among the newest `keepLast`, of which the one that was
+// just made is the first whatever the clock says.
+QList<BackupArchiveInfo> archivesToPrune(const BackupTask &task, const QString &justMade);
 
 } // namespace velbrix

@@ -30,22 +30,30 @@ struct Plan {
     TreeFacts facts;
 };
 
+constexpr qint64 margin = 1 << 20;
+
 // What cannot be made smaller, with the archive's own entries.
 qint64 worstSize(const TreeFacts &facts)
 {
     constexpr qint64 perEntry = 512;
-    constexpr qint64 margin = 1 << 20;
     return facts.bytes + facts.bytes / 1000 + facts.entries * perEntry + margin;
 }
 
 QString spaceObstacle(const BackupTask &task, const TreeFacts &facts)
 {
     const qint64 available = QStorageInfo(task.destPath).bytesAvailable();
-    const qint64 needed = worstSize(facts);
-    if (available < 0 || available >= needed)
+    const qint64 worst = worstSize(facts);
+    if (available < 0 || available >= worst)
         return {};
-    return u"保存目录的可用空间不足：最多需要 %1，只剩 %2"_s.arg(formatByteCount(needed),
-                                                                 formatByteCount(available));
+    const QString left = formatByteCount(available);
+    const QList<BackupArchiveInfo> before = completeArchives(task);
+    if (before.isEmpty())
+        return u"保存目录的可用空间不足：最多需要 %1，只剩 %2"_s.arg(formatByteCount(worst), left);
+    // How far the source can be packed shows in the archive before.
+    const qint64 likely = std::min(worst, before.first().bytes * 2 + margin);
+    if (available >= likely)
+        return {};
+    return u"保存目录的可用空间不足：预计需要 %1，只剩 %2"_s.arg(formatByteCount(likely), left);
 }
 
 // The archive's file is that of the first second whose name is free.
@@ -80,14 +88,17 @@ Plan plan(const BackupTask &task, const QDateTime &at, const std::shared_ptr<std
 }
 
 // The archive's size.
-Result<qint64> publish(const BackupTask &task, const Plan &made)
+Result<qint64> publish(const BackupTask &task, const Plan &made, qint64 filesInIt)
 {
+    // What was there at the start may have gone on the way.
+    if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
+        return failure(obstacle);
     if (const auto published = publishFile(made.growing, made.archive); !published)
         return std::unexpected(published.error());
-    // An archive of nothing must not push out one of something.
-    if (made.facts.items > 0) {
+    // An archive that lacks most of the source must not push out a better one.
+    if (filesInIt > 0 && filesInIt >= made.facts.items / 2) {
         QStringList old;
-        for (const BackupArchiveInfo &archive : archivesToPrune(task))
+        for (const BackupArchiveInfo &archive : archivesToPrune(task, made.archive))
             old.append(QFileInfo(archive.path).fileName());
         removeOwn(task, task.destPath, [&](const QString &name) { return old.contains(name); });
     }
@@ -147,6 +158,7 @@ private:
             co_return BackupOutcome::failed(u"压缩失败 (exit %1)"_s.arg(created->exitStatus) +
                                             inParentheses(created->problem));
         _skipped = created->skippedCount;
+        _filesInIt = created->files.value_or(_plan.facts.items);
         _request.progress(u"正在校验归档…"_s, -1);
         const auto tested = co_await _archiver.test(_plan.growing, _request.cancellation);
         if (_request.cancellation.isCancelled())
@@ -159,7 +171,8 @@ private:
 
     QCoro::Task<BackupOutcome> publishWritten()
     {
-        const QFuture<Result<qint64>> publishing = QtConcurrent::run(&backupWorkers(), publish, _task, _plan);
+        const QFuture<Result<qint64>> publishing =
+            QtConcurrent::run(&backupWorkers(), publish, _task, _plan, _filesInIt);
         const Result<qint64> size = co_await publishing;
         if (!size)
             co_return BackupOutcome::failed(u"无法保存归档"_s + inParentheses(size.error().message));
@@ -182,6 +195,7 @@ private:
     const BackupTask _task;
     Plan _plan;
     qint64 _skipped = 0;
+    qint64 _filesInIt = 0;
 };
 
 } // namespace

@@ -10,9 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -56,7 +54,8 @@ QString placesObstacle(const BackupTask &task)
         return u"保存目录所在的磁盘没有连接，或保存目录已被移走：%1"_s.arg(task.destPath);
     if (!QFileInfo(task.sourcePath).isDir() || isOnAnotherDisk(task.sourcePath, task.sourceVolume))
         return u"源文件夹不在了，或其所在的磁盘没有连接：%1"_s.arg(task.sourcePath);
-    return {};
+    // A link may lead elsewhere than when the task was saved.
+    return backupObstacle(task);
 }
 
 void removeOwn(const BackupTask &task, const QString &folder,
@@ -96,18 +95,11 @@ Result<void> publishFile(const QString &from, const QString &to)
     return {};
 }
 
-Result<void> makeFolder(const QString &path)
+Result<void> makeFolder(const QString &path, mode_t mode)
 {
     if (QFileInfo(path).isSymLink())
         return failure(u"“%1”是一个链接"_s.arg(path));
-    std::error_code error;
-    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
-    return error ? Result<void>(failure(systemReason(error.value()))) : Result<void>();
-}
-
-Result<void> makePrivateFolder(const QString &path)
-{
-    if (::mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0)
+    if (::mkdir(QFile::encodeName(path).constData(), mode) == 0)
         return {};
     const int error = errno;
     const QFileInfo there(path);

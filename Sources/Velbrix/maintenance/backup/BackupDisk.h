@@ -7,13 +7,15 @@
 #include <QString>
 
 #include <functional>
+#include <sys/types.h>
 
 namespace velbrix {
 
 // What runs do on the disk. Blocking: off the main thread.
 
 // Why the task cannot run now, in words for the user: its source or its
-// destination is not there, or not the disk it was; else empty.
+// destination is not there, or not the disk it was, or one lies in the other;
+// else empty.
 QString placesObstacle(const BackupTask &task);
 
 // Removes the entries that `isOurs` knows from a folder that a task writes.
@@ -23,9 +25,9 @@ void removeOwn(const BackupTask &task, const QString &folder,
 
 // Gives the file its name once it has reached the disk; nothing is replaced.
 Result<void> publishFile(const QString &from, const QString &to);
-Result<void> makeFolder(const QString &path);
-// A folder of its own, for nobody else; it may be there already.
-Result<void> makePrivateFolder(const QString &path);
+// It may be there already, but not as a link. The folder around it is not made:
+// without it a disk is not mounted.
+Result<void> makeFolder(const QString &path, mode_t mode = 0777);
 // Whether it is a folder with nothing in it.
 bool isEmptyFolder(const QString &path);
 

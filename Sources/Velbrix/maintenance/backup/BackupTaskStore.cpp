@@ -53,7 +53,7 @@ QList<BackupTask> BackupTaskStore::load()
         if (ids.contains(task->id))
             task->id = QUuid::createUuid().toString(QUuid::WithoutBraces);
         ids.insert(task->id);
-        tasks.append(*task);
+        tasks.append(normalised(*task));
     }
     if (unreadable > 0)
         _problem = u"%1 个备份任务无法读取，原内容已保留在设置项 %2"_s.arg(unreadable).arg(unreadableKey);

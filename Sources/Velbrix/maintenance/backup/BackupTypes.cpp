@@ -1,10 +1,12 @@
 #include "maintenance/backup/BackupTypes.h"
 
+#include <QDir>
 #include <QJsonArray>
 
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -143,6 +145,26 @@ std::optional<BackupScheduleTime> scheduleFrom(const QJsonObject &json)
 }
 
 } // namespace
+
+BackupTask normalised(BackupTask task)
+{
+    const auto clean = [](const QString &path) { return path.isEmpty() ? path : QDir::cleanPath(path); };
+    task.sourcePath = clean(task.sourcePath);
+    task.destPath = clean(task.destPath);
+    task.name = task.name.trimmed();
+    if (task.name.isEmpty())
+        task.name = QDir(task.sourcePath).dirName();
+    if (task.name.isEmpty())
+        task.name = u"备份"_s;
+    QStringList excludes;
+    for (const QString &pattern : std::as_const(task.excludes)) {
+        if (!pattern.trimmed().isEmpty() && !excludes.contains(pattern.trimmed()))
+            excludes.append(pattern.trimmed());
+    }
+    task.excludes = excludes;
+    task.keepLast = std::max(task.keepLast, 0);
+    return task;
+}
 
 QJsonObject toJson(const BackupTask &task)
 {

@@ -49,6 +49,9 @@ struct BackupTask {
     bool operator==(const BackupTask &) const = default;
 };
 
+// Clean paths, no empty patterns, and the source folder's name for an empty one.
+BackupTask normalised(BackupTask task);
+
 QJsonObject toJson(const BackupTask &task);
 // Nothing for what is no task: wrong types, unknown kinds, no id or paths.
 // Numbers out of range are clamped, what is absent has its default. Dates are

@@ -1,6 +1,6 @@
+#include "foundation/ExcludeRules.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/BackupTypes.h"
-#include "maintenance/backup/ExcludeRules.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -53,6 +53,13 @@ QString written(const BackupTask &task)
                : QDir::cleanPath(task.destPath + u'/' + fileNamePart(task.name));
 }
 
+// Whether what is in the folder goes with what the task deletes.
+bool takesAway(const BackupTask &task, const QString &folder)
+{
+    return task.kind == BackupTaskKind::sync &&
+           (isWithin(folder, mirrorFolder(task)) || isWithin(folder, setAsideFolder(task)));
+}
+
 } // namespace
 
 QString backupObstacle(const BackupTask &task)
@@ -77,11 +84,9 @@ QString backupConflict(const BackupTask &task, const QList<BackupTask> &others)
         // Not every disk tells "A" from "a".
         if (other.kind == task.kind && written(other).compare(written(task), Qt::CaseInsensitive) == 0)
             return u"任务“%1”已使用同一保存目录和名称，请换一个名称"_s.arg(other.name);
-        const bool isLost =
-            other.kind == BackupTaskKind::sync && isWithin(task.destPath, mirrorFolder(other));
-        if (isLost)
+        if (takesAway(other, task.destPath))
             return u"保存目录在任务“%1”的同步文件夹里面，会被同步删除；请换一个保存目录"_s.arg(other.name);
-        if (task.kind == BackupTaskKind::sync && isWithin(other.destPath, mirrorFolder(task)))
+        if (takesAway(task, other.destPath))
             return u"任务“%1”保存在这个同步文件夹里面，会被同步删除；请换一个名称或保存目录"_s.arg(
                 other.name);
     }

@@ -5,11 +5,10 @@
 #include "maintenance/backup/BackupNotices.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/MirrorRun.h"
-#include "maintenance/backup/RestoreRun.h"
 #include "platform/UserNotifications.h"
 
 #include <QCoroFuture>
-#include <QDir>
+#include <QFileInfo>
 #include <QPointer>
 #include <QStorageInfo>
 #include <QUuid>
@@ -30,6 +29,7 @@ struct Inspection {
     QString obstacle;
     QString sourceVolume = {};
     QString destVolume = {};
+    QString realDestination = {}; // without links
 };
 
 Inspection inspect(const BackupTask &task)
@@ -38,28 +38,9 @@ Inspection inspect(const BackupTask &task)
     if (seen.obstacle.isEmpty()) {
         seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
         seen.destVolume = QStorageInfo(task.destPath).rootPath();
+        seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
     }
     return seen;
-}
-
-BackupTask normalised(BackupTask task)
-{
-    const auto clean = [](const QString &path) { return path.isEmpty() ? path : QDir::cleanPath(path); };
-    task.sourcePath = clean(task.sourcePath);
-    task.destPath = clean(task.destPath);
-    task.name = task.name.trimmed();
-    if (task.name.isEmpty())
-        task.name = QDir(task.sourcePath).dirName();
-    if (task.name.isEmpty())
-        task.name = u"备份"_s;
-    QStringList excludes;
-    for (const QString &pattern : std::as_const(task.excludes)) {
-        if (!pattern.trimmed().isEmpty() && !excludes.contains(pattern.trimmed()))
-            excludes.append(pattern.trimmed());
-    }
-    task.excludes = excludes;
-    task.keepLast = std::max(task.keepLast, 0);
-    return task;
 }
 
 // What runs have written stays that of the task as it is.
@@ -75,12 +56,6 @@ QCoro::Task<bool> nobodyAgrees()
     co_return false;
 }
 
-void give(QPromise<bool> &promise, bool answer)
-{
-    promise.addResult(answer);
-    promise.finish();
-}
-
 auto byId(const QString &id)
 {
     return [id](const BackupTask &task) { return task.id == id; };
@@ -90,7 +65,12 @@ auto byId(const QString &id)
 
 FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings, Clock &clock,
                                            QObject *parent)
-    : QObject(parent), _hosts(hosts), _clock(clock), _store(settings)
+    : QObject(parent),
+      _hosts(hosts),
+      _clock(clock),
+      _store(settings),
+      _answer(clock),
+      _restorer(hosts.archiver)
 {
     _tasks = _store.load();
     _storageProblem = _store.problem();
@@ -104,10 +84,7 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
 
 FileBackupController::~FileBackupController()
 {
-    if (_answer)
-        give(*_answer, false);
     _runCancellation.cancel();
-    _restoreCancellation.cancel();
 }
 
 QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
@@ -121,8 +98,12 @@ QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
     if (!seen.obstacle.isEmpty())
         co_return failure(seen.obstacle);
     QList<BackupTask> tasks = _tasks;
-    if (const QString conflict = backupConflict(task, tasks); !conflict.isEmpty())
-        co_return failure(conflict);
+    for (const QString &destination : {task.destPath, seen.realDestination}) {
+        BackupTask there = task;
+        there.destPath = destination;
+        if (const QString conflict = backupConflict(there, tasks); !conflict.isEmpty())
+            co_return failure(conflict);
+    }
     task.sourceVolume = seen.sourceVolume;
     task.destVolume = seen.destVolume;
     task.nextRunAt = nextRun(task.schedule, _clock.now());
@@ -201,17 +182,6 @@ QCoro::Task<QList<BackupArchiveInfo>> FileBackupController::archives(QString id)
     co_return QList<BackupArchiveInfo>(found);
 }
 
-void FileBackupController::restore(const QString &archive, const QString &intoFolder)
-{
-    if (!_isRestoring)
-        restoreInto(archive, intoFolder);
-}
-
-void FileBackupController::cancelRestore()
-{
-    _restoreCancellation.cancel();
-}
-
 void FileBackupController::correctTimes()
 {
     QList<BackupTask> tasks = _tasks;
@@ -246,7 +216,7 @@ void FileBackupController::abandonQuestion()
     const auto waits = [&](const BackupTask &task) {
         return task.isEnabled && task.nextRunAt <= now && task.id != _currentRunningTaskID.value();
     };
-    if (_answer && _clock.uptime() - _askedAt >= checkInterval && std::ranges::any_of(_tasks.value(), waits))
+    if (_answer.isWaitedForSince(checkInterval) && std::ranges::any_of(_tasks.value(), waits))
         answer(false);
 }
 
@@ -328,42 +298,17 @@ void FileBackupController::notify(const std::optional<UserNotice> &notice)
 
 QCoro::Task<bool> FileBackupController::ask(BackupQuestion question)
 {
-    const QPointer self(this);
-    _answer = std::make_shared<QPromise<bool>>();
-    _answer->start();
-    _askedAt = _clock.uptime();
-    const QFuture<bool> future = _answer->future();
+    auto answer = _answer.wait();
     _question = question;
-    const bool isYes = co_await future;
-    co_return self &&isYes;
+    return answer;
 }
 
 void FileBackupController::answer(bool isYes)
 {
-    const auto answer = std::exchange(_answer, nullptr);
-    if (!answer)
+    if (!_question.value())
         return;
     _question = std::nullopt;
-    give(*answer, isYes);
-}
-
-QCoro::Task<> FileBackupController::restoreInto(QString archive, QString folder)
-{
-    const QPointer self(this);
-    _restoreCancellation = Cancellation();
-    _restoreResult = QString();
-    _isRestoring = true;
-    RestoreRequest request{.archive = archive, .folder = folder, .cancellation = _restoreCancellation};
-    request.progress = [self](const QString &line, double) {
-        if (self)
-            self->_restoreProgress = line;
-    };
-    const BackupOutcome outcome = co_await restoreArchive(_hosts.archiver, std::move(request));
-    if (!self)
-        co_return;
-    _restoreProgress = QString();
-    _restoreResult = outcome.message;
-    _isRestoring = false;
+    _answer.give(isYes);
 }
 
 bool FileBackupController::change(const QString &id, const std::function<void(BackupTask &)> &change)

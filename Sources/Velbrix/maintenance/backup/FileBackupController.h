@@ -5,6 +5,8 @@
 #include "foundation/Published.h"
 #include "foundation/Result.h"
 #include "maintenance/backup/ArchiveList.h"
+#include "maintenance/backup/ArchiveRestorer.h"
+#include "maintenance/backup/AwaitedAnswer.h"
 #include "maintenance/backup/BackupRun.h"
 #include "maintenance/backup/BackupTaskStore.h"
 #include "maintenance/backup/BackupTypes.h"
@@ -12,7 +14,6 @@
 #include <QCoroTask>
 #include <QList>
 #include <QObject>
-#include <QPromise>
 
 #include <chrono>
 #include <functional>
@@ -45,9 +46,6 @@ class FileBackupController final : public QObject {
     VELB_PUBLISHED(FileBackupController, QString, runningProgress) // the progress line
     VELB_PUBLISHED(FileBackupController, double, runningShare, -1) // 0…1, below 0 while nobody knows
     VELB_PUBLISHED(FileBackupController, std::optional<BackupQuestion>, question) // open for the user
-    VELB_PUBLISHED(FileBackupController, bool, isRestoring, false)
-    VELB_PUBLISHED(FileBackupController, QString, restoreProgress)
-    VELB_PUBLISHED(FileBackupController, QString, restoreResult)  // of the last restore
     VELB_PUBLISHED(FileBackupController, QString, storageProblem) // stored tasks that could not be read
 
 public:
@@ -80,10 +78,8 @@ public:
 
     // Complete archives of the task, newest first.
     QCoro::Task<QList<BackupArchiveInfo>> archives(QString id) const;
-    // Into a new folder inside the chosen one; nothing is replaced. Does
-    // nothing while another restore goes on.
-    void restore(const QString &archive, const QString &intoFolder);
-    void cancelRestore();
+    ArchiveRestorer &restorer() { return _restorer; }
+    const ArchiveRestorer &restorer() const { return _restorer; }
 
 Q_SIGNALS:
     // The task has its result.
@@ -101,7 +97,6 @@ private:
     QCoro::Task<bool> ask(BackupQuestion question);
     void answer(bool isYes);
     void abandonQuestion();
-    QCoro::Task<> restoreInto(QString archive, QString folder);
     // The change is stored at once. False when there is no such task.
     bool change(const QString &id, const std::function<void(BackupTask &)> &change);
     void store(const QList<BackupTask> &tasks);
@@ -113,9 +108,8 @@ private:
     std::unique_ptr<Alarm> _catchUp;
     bool _isPolling = false;
     Cancellation _runCancellation;
-    Cancellation _restoreCancellation;
-    std::shared_ptr<QPromise<bool>> _answer;
-    std::chrono::milliseconds _askedAt{0};
+    AwaitedAnswer _answer;
+    ArchiveRestorer _restorer;
 };
 
 } // namespace velbrix

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "maintenance/backup/ExcludeRules.h"
+#include "foundation/ExcludeRules.h"
 
 #include <QByteArray>
 

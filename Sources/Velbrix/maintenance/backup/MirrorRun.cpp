@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -47,22 +48,42 @@ Survey survey(const BackupTask &task, const QDateTime &now,
                          ExcludeRules(task.excludes), *cancelled)};
 }
 
-Result<void> makeFolders(const BackupTask &task)
+QString emptyObstacle(qint64 mirrorFiles)
 {
-    if (const auto made = makeFolder(mirrorFolder(task)); !made)
-        return made;
-    if (task.setsAside && QFileInfo(setAsideFolder(task)).isSymLink())
-        return failure(u"“%1”是一个链接"_s.arg(setAsideFolder(task)));
-    return {};
+    return u"源文件夹里没有文件，而同步文件夹里有 %1 个；为免误删，没有同步"_s.arg(mirrorFiles);
 }
 
-void tidy(const BackupTask &task, const QDateTime &at)
+// The folder of this run for what the mirror loses: that of the first second
+// whose name is free.
+QString freeSetAsideFolder(const BackupTask &task, QDateTime at)
 {
-    const QString old = setAsideFolder(task);
-    if (isEmptyFolder(old + u'/' + setAsideName(at)))
-        removeOwn(task, old, [&](const QString &name) { return name == setAsideName(at); });
-    if (isEmptyFolder(old))
-        removeOwn(task, task.destPath, [&](const QString &name) { return name == QDir(old).dirName(); });
+    const QDir folder(setAsideFolder(task));
+    while (folder.exists(setAsideName(at)))
+        at = at.addSecs(1);
+    return folder.filePath(setAsideName(at));
+}
+
+// What it returns is for setting aside. Nobody knows how long ago the survey
+// was: a question may have been open, and a disk unmounted meanwhile.
+Result<QString> prepare(const BackupTask &task, const QDateTime &at, qint64 mirrorFiles)
+{
+    if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
+        return failure(obstacle);
+    if (mirrorFiles > 0 && isEmptyFolder(task.sourcePath))
+        return failure(emptyObstacle(mirrorFiles));
+    const QString trouble = u"创建同步目录失败: "_s;
+    if (const auto made = makeFolder(mirrorFolder(task)); !made)
+        return failure(trouble + made.error().message);
+    if (task.setsAside && QFileInfo(setAsideFolder(task)).isSymLink())
+        return failure(trouble + u"“%1”是一个链接"_s.arg(setAsideFolder(task)));
+    return freeSetAsideFolder(task, at);
+}
+
+// Removes what has remained empty.
+void tidy(const QString &setAside)
+{
+    for (const QString &folder : {setAside, QFileInfo(setAside).path()})
+        ::rmdir(QFile::encodeName(folder).constData());
 }
 
 QString withSlash(const QString &path)
@@ -70,14 +91,14 @@ QString withSlash(const QString &path)
     return path.endsWith(u'/') ? path : path + u'/';
 }
 
-QStringList rsyncArguments(const BackupTask &task, const QDateTime &at, const TreeFacts &facts)
+QStringList rsyncArguments(const BackupTask &task, const QString &setAside, const TreeFacts &facts)
 {
     QStringList arguments = {u"-a"_s, u"--checksum"_s, u"--delete"_s, u"--out-format=%n"_s};
     // Only after the whole source was read, and no more than was counted: the
     // source may vanish on the way.
     arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessDeletions);
     if (task.setsAside)
-        arguments << u"--backup"_s << u"--backup-dir="_s + setAsideFolder(task) + u'/' + setAsideName(at);
+        arguments << u"--backup"_s << u"--backup-dir="_s + setAside;
     arguments += ExcludeRules(task.excludes).rsyncArguments();
     return arguments << withSlash(task.sourcePath) << withSlash(mirrorFolder(task));
 }
@@ -120,12 +141,13 @@ public:
         _request.progress(QString::number(_facts.files) + u" 个文件，开始同步…"_s, -1);
         if (const auto refused = co_await askAboutDeletions(); refused)
             co_return BackupOutcome(*refused);
-        const QFuture<Result<void>> making = QtConcurrent::run(&backupWorkers(), makeFolders, _task);
-        const Result<void> made = co_await making;
-        if (!made)
-            co_return BackupOutcome::failed(u"创建同步目录失败: "_s + made.error().message);
-        const BackupOutcome outcome = co_await synchronise();
-        const QFuture<void> tidying = QtConcurrent::run(&backupWorkers(), tidy, _task, _request.at);
+        const QFuture<Result<QString>> preparing =
+            QtConcurrent::run(&backupWorkers(), prepare, _task, _request.at, _facts.mirrorFiles);
+        const Result<QString> setAside = co_await preparing;
+        if (!setAside)
+            co_return BackupOutcome::failed(setAside.error().message);
+        const BackupOutcome outcome = co_await synchronise(*setAside);
+        const QFuture<void> tidying = QtConcurrent::run(&backupWorkers(), tidy, *setAside);
         co_await tidying;
         co_return BackupOutcome(outcome);
     }
@@ -138,8 +160,7 @@ private:
         if (!seen.facts.isReadable)
             return u"扫描源文件夹失败"_s;
         if (seen.facts.items == 0 && seen.facts.mirrorFiles > 0)
-            return u"源文件夹里没有文件，而同步文件夹里有 %1 个；为免误删，没有同步"_s.arg(
-                seen.facts.mirrorFiles);
+            return emptyObstacle(seen.facts.mirrorFiles);
         return {};
     }
 
@@ -160,14 +181,14 @@ private:
         co_return std::nullopt;
     }
 
-    QCoro::Task<BackupOutcome> synchronise()
+    QCoro::Task<BackupOutcome> synchronise(QString setAside)
     {
         // The clock is only there while nobody has cancelled.
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
         ProcessRequest rsync;
         rsync.program = u"/usr/bin/rsync"_s;
-        rsync.arguments = rsyncArguments(_task, _request.at, _facts);
+        rsync.arguments = rsyncArguments(_task, setAside, _facts);
         rsync.environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s); // else it escapes what is not ASCII
         rsync.onOutput = [this](const QByteArray &piece) { take(piece); };
         rsync.outputLimit = 0;

@@ -10,6 +10,7 @@
 #include <QUuid>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include <sys/stat.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -34,7 +35,7 @@ Result<QString> prepare(const QString &archive, const QString &folder)
     static const QRegularExpression ours(u"^\\.velbrix-restore-[0-9a-f]{32}$"_s);
     removeOwn({}, folder, [&](const QString &name) { return ours.match(name).hasMatch(); });
     const QString path = QDir(folder).filePath(unpackingPrefix + QUuid::createUuid().toString(QUuid::Id128));
-    if (const auto made = makePrivateFolder(path); !made)
+    if (const auto made = makeFolder(path, S_IRWXU); !made)
         return failure(u"无法写入目标文件夹：%1"_s.arg(made.error().message));
     return path;
 }

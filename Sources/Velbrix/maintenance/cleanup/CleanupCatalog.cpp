@@ -1,11 +1,29 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
+
+constexpr auto everyFolder = "/*"_L1;
+
+// A base folder that is home itself, or around it, says nothing of what is in
+// it: home's own folders are no caches.
+QString baseFolder(QStandardPaths::StandardLocation kind, const QString &standard)
+{
+    const QString home = QFileInfo(QDir::homePath()).canonicalFilePath();
+    const QString path = QStandardPaths::writableLocation(kind);
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    const bool holdsHome =
+        !canonical.isEmpty() && (home + u'/').startsWith(canonical == u'/' ? canonical : canonical + u'/');
+    return holdsHome ? QDir::homePath() + standard : path;
+}
+
+} // namespace
 
 QString title(CleanupGroup group)
 {
@@ -30,9 +48,9 @@ QString title(CleanupGroup group)
 
 UserFolders UserFolders::ofThisUser()
 {
-    return {QDir::homePath(), QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
-            QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation),
-            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)};
+    return {QDir::homePath(), baseFolder(QStandardPaths::GenericConfigLocation, u"/.config"_s),
+            baseFolder(QStandardPaths::GenericCacheLocation, u"/.cache"_s),
+            baseFolder(QStandardPaths::GenericDataLocation, u"/.local/share"_s)};
 }
 
 QList<CleanupRule> cleanupCatalog(HostFamily family)
@@ -46,19 +64,26 @@ QList<CleanupRule> cleanupCatalog(HostFamily family)
     return rules;
 }
 
+bool isPattern(const QString &path)
+{
+    return path.contains(everyFolder);
+}
+
 QStringList matchingFolders(const QString &pattern)
 {
-    const auto star = pattern.indexOf(u"/*"_s);
-    if (star < 0)
+    if (!isPattern(pattern))
         return {pattern};
-    const QString parent = pattern.first(star);
-    const QString rest = pattern.mid(star + 2);
+    const auto star = pattern.indexOf(everyFolder);
+    const QString parent = QFileInfo(pattern.first(star)).canonicalFilePath();
+    const QString rest = pattern.mid(star + everyFolder.size());
     QStringList folders;
-    // A link's target belongs to somebody else.
+    if (parent.isEmpty())
+        return folders;
     for (const QString &name :
          QDir(parent).entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden)) {
         const QString folder = parent + u'/' + name + rest;
-        if (QDir(folder).exists())
+        const QFileInfo found(folder);
+        if (found.isDir() && found.canonicalFilePath() == folder)
             folders.append(folder);
     }
     folders.sort();

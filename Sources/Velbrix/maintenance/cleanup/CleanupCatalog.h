@@ -45,7 +45,9 @@ QList<CleanupRule> freedesktopCleanupCatalog(const UserFolders &folders);
 // The host's own, without what this machine has no program for.
 QList<CleanupRule> cleanupCatalog(HostFamily family);
 
-// The folders a pattern means at this moment, sorted.
+bool isPattern(const QString &path);
+// The folders a pattern means at this moment, sorted. Real ones only: what lies
+// behind a link is not the pattern's. A path that is none means itself.
 QStringList matchingFolders(const QString &pattern);
 
 } // namespace velbrix

@@ -36,10 +36,15 @@ FolderCleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &canc
 {
     FolderCleaned cleaned;
     for (const QString &folder : cleaning.folders) {
-        const RemovalRoot root(QFile::encodeName(folder), cleaning.rules);
+        const QByteArray native = QFile::encodeName(folder);
+        const RemovalRoot root(native, cleaning.rules);
+        if (cleaning.withoutLinks && root.canonicalPath() != native)
+            continue;
+        if (!root.isOpen() && QFileInfo::exists(folder))
+            cleaned.removal.add({0, 0, {{native, RemovalRoot::obstacle(native, cleaning.rules)}}, 1});
         for (const QByteArray &name : root.entries()) {
             const QByteArray path = root.canonicalPath() + '/' + name;
-            if (!isCleanable(name) || cleaning.leftOut.contains(path) || cleaning.kept.contains(path))
+            if (!isCleanable(name) || cleaning.kept.contains(path))
                 continue;
             if (cancelled)
                 return cleaned;

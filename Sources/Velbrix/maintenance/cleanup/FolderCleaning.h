@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QList>
-#include <QSet>
 #include <QStringList>
 
 #include <atomic>
@@ -18,8 +17,9 @@ bool isCleanable(const QByteArray &name);
 struct FolderCleaning {
     QStringList folders;
     RemovalRules rules;
-    QSet<QByteArray> leftOut; // entries that stay, by their path
-    QList<QByteArray> kept;   // places inside that stay without a word; among the protected ones
+    QList<QByteArray> kept; // places inside that stay without a word; among the protected ones
+    // A folder that a link leads to stays as it is: others may have laid it.
+    bool withoutLinks = false;
 };
 
 struct FolderCleaned {

@@ -72,8 +72,9 @@ void SystemCleaner::load()
     for (const CleanupRule &rule : std::as_const(_catalog))
         items.append(rule.item);
     for (const QString &path : strings(_settings.json(customPathsKey))) {
-        if (!path.startsWith(u'/') && !path.startsWith(u"~/"))
-            continue; // it would depend on where the program was started
+        // A relative one would mean another folder with every start.
+        if (!path.startsWith(u'/') && path != u"~" && !path.startsWith(u"~/"))
+            continue;
         const CleanupItem custom = customItem(standardizedPath(path));
         if (std::ranges::find(items, custom.id, &CleanupItem::id) == items.end())
             items.append(custom);
@@ -175,20 +176,15 @@ QStringList SystemCleaner::measuredFolders(const QString &id) const
     return folders;
 }
 
-// Folders inside this item's that belong to items which are not cleaned.
-QStringList SystemCleaner::keptFolders(const QString &id, const QSet<QString> &cleaned) const
+// Those of items which are not cleaned.
+QStringList SystemCleaner::foldersOfOthers(const QString &id, const QSet<QString> &cleaned) const
 {
-    const QStringList emptied = emptiedFolders(id);
-    QStringList kept;
+    QStringList folders;
     for (const CleanupItem &other : _items.value()) {
-        if (other.id == id || cleaned.contains(other.id))
-            continue;
-        for (const QString &folder : emptiedFolders(other.id)) {
-            if (std::ranges::any_of(emptied, [&](const QString &mine) { return liesInside(folder, mine); }))
-                kept.append(folder);
-        }
+        if (other.id != id && !cleaned.contains(other.id))
+            folders += emptiedFolders(other.id);
     }
-    return kept;
+    return folders;
 }
 
 bool SystemCleaner::isSkipped(const CleanupItem &item) const
@@ -330,6 +326,13 @@ QList<CleanupItem> SystemCleaner::itemsToClean(const QStringList &ids) const
             taken.append(item);
     }
     return taken;
+}
+
+QString SystemCleaner::obstacle(const QStringList &ids) const
+{
+    if (!itemsToClean(ids).isEmpty())
+        return {};
+    return itemsToSkip(ids).isEmpty() ? u"没有选择任何清理项"_s : u"所选项目的应用正在运行，没有清理"_s;
 }
 
 QStringList SystemCleaner::itemsToSkip(const QStringList &ids) const

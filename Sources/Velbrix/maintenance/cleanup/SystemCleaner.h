@@ -96,6 +96,8 @@ public:
     QList<CleanupItem> itemsToClean(const QStringList &ids = {}) const;
     // Names of the items that it would leave alone because their owner runs.
     QStringList itemsToSkip(const QStringList &ids = {}) const;
+    // Why it would do nothing, for the user; else empty.
+    QString obstacle(const QStringList &ids = {}) const;
     bool isCleaning() const { return _isCleaning; }
     // Cleaning or measuring.
     bool isWorking() const;
@@ -107,7 +109,7 @@ private:
     CleanupTarget target(const CleanupItem &item) const;
     QStringList emptiedFolders(const QString &id) const;
     QStringList measuredFolders(const QString &id) const;
-    QStringList keptFolders(const QString &id, const QSet<QString> &cleaned) const;
+    QStringList foldersOfOthers(const QString &id, const QSet<QString> &cleaned) const;
     bool isSkipped(const CleanupItem &item) const;
     const CleanupItem *item(const QString &id) const;
     RemovalRules removalRules(const QString &id) const;
@@ -139,6 +141,7 @@ private:
     QHash<QString, Cancellation> _openings;
     Cancellation _work;
     std::shared_ptr<std::atomic_bool> _stopRemoval;
+    quint64 _measurings = 0; // of all items, so far
     bool _isCleaning = false;
     bool _hasCalculated = false;
 };

@@ -13,7 +13,6 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -23,24 +22,29 @@ namespace {
 
 constexpr auto afterEachItem = 100ms;
 
-// What stays is told to the gate by its real name. An entry left out of one row
-// may be the folder that another row empties.
-void keep(FolderCleaning &cleaning, const QStringList &folders)
+QList<QByteArray> canonical(const QStringList &folders)
 {
-    for (const QString &folder : std::as_const(cleaning.folders))
-        cleaning.kept.removeAll(QFile::encodeName(QFileInfo(folder).canonicalFilePath()));
+    QList<QByteArray> paths;
     for (const QString &folder : folders) {
-        const QString canonical = QFileInfo(folder).canonicalFilePath();
-        if (!canonical.isEmpty())
-            cleaning.kept.append(QFile::encodeName(canonical));
+        const QString path = QFileInfo(folder).canonicalFilePath();
+        if (!path.isEmpty())
+            paths.append(QFile::encodeName(path));
     }
-    cleaning.rules.protectedPlaces += cleaning.kept;
+    return paths;
 }
 
-FolderCleaned run(FolderCleaning cleaning, const QStringList &kept,
-                  const std::shared_ptr<std::atomic_bool> &cancelled)
+// What stays is told to the gate by its real name, for a link may lead into
+// what is emptied. What is emptied itself cannot be kept.
+FolderCleaned run(FolderCleaning cleaning, const QStringList &foldersOfOthers,
+                  const QList<QByteArray> &leftOut, const std::shared_ptr<std::atomic_bool> &cancelled)
 {
-    keep(cleaning, kept);
+    const QList<QByteArray> emptied = canonical(cleaning.folders);
+    for (const QByteArray &place : canonical(foldersOfOthers) + leftOut) {
+        if (std::ranges::any_of(emptied,
+                                [&](const QByteArray &folder) { return place.startsWith(folder + '/'); }))
+            cleaning.kept.append(place);
+    }
+    cleaning.rules.protectedPlaces += cleaning.kept;
     return clean(cleaning, *cancelled);
 }
 
@@ -64,11 +68,10 @@ void SystemCleaner::clean(const QStringList &ids)
         return;
     _work.cancel();
     refreshBusyItems();
-    CleanupReport report;
-    if (itemsToClean(ids).isEmpty()) {
+    if (const QString reason = obstacle(ids); !reason.isEmpty()) {
+        CleanupReport report;
         report.skipped = itemsToSkip(ids);
-        report.outcome = CleanupPhase::failed(
-            report.skipped.isEmpty() ? u"没有选择任何清理项"_s : u"所选项目的应用正在运行，没有清理"_s);
+        report.outcome = CleanupPhase::failed(reason);
         _report = report;
         _phase = report.outcome;
         return;
@@ -122,7 +125,7 @@ QCoro::Task<SystemCleaner::Act> SystemCleaner::cleanItem(CleanupItem item, QSet<
     const Cancellation work = _work;
     const CleanupTarget target = this->target(item);
     if (item.id == trashItemId) {
-        const auto emptied = co_await _hosts.trash.empty(removalRules(item.id));
+        const auto emptied = co_await _hosts.trash.empty(removalRules(item.id), work);
         Act act{1, 0, {}};
         if (emptied)
             act.removal = *emptied;
@@ -153,14 +156,14 @@ QCoro::Task<SystemCleaner::Act> SystemCleaner::emptyFolders(QString id, QSet<QSt
     FolderCleaning cleaning;
     cleaning.folders = emptiedFolders(id);
     cleaning.rules = removalRules(id);
-    cleaning.leftOut = _leftOut.value(id);
-    // Another row's entry may lie deeper in here.
-    for (const auto &[other, entries] : std::as_const(_leftOut).asKeyValueRange()) {
-        if (other != id)
-            cleaning.kept += entries.values();
-    }
-    auto emptying =
-        QtConcurrent::run(&cleanupThreads(), run, cleaning, keptFolders(id, cleaned), _stopRemoval);
+    const CleanupRule *known = rule(id);
+    cleaning.withoutLinks = known && known->target.path && isPattern(*known->target.path);
+    // Also those left out of other items: one may lie inside another.
+    QList<QByteArray> leftOut;
+    for (const QSet<QByteArray> &entries : std::as_const(_leftOut))
+        leftOut += entries.values();
+    auto emptying = QtConcurrent::run(&cleanupThreads(), run, cleaning, foldersOfOthers(id, cleaned), leftOut,
+                                      _stopRemoval);
     const FolderCleaned done = co_await emptying;
     const Act act{done.count, done.ownBytes, done.removal};
     co_return act;

@@ -73,14 +73,15 @@ QCoro::Task<> SystemCleaner::calculate()
     const QPointer self(this);
     _hasCalculated = true;
     _work = Cancellation();
+    const quint64 measuring = ++_measurings;
     _phase = CleanupPhase::calculating();
     refreshBusyItems();
     QStringList ids;
     for (const CleanupItem &item : _items.value())
         ids.append(item.id);
     co_await estimate(ids, _work);
-    // A clean may have begun meanwhile.
-    if (self && _phase.value().kind == CleanupPhase::Kind::calculating)
+    // A clean may have begun meanwhile, and another measuring after it.
+    if (self && measuring == _measurings && _phase.value().kind == CleanupPhase::Kind::calculating)
         _phase = CleanupPhase();
 }
 

@@ -52,6 +52,28 @@ bool isDataSuffix(const QString &suffix)
     return suffixes.contains(suffix);
 }
 
+// Folders of the session into which many programs write, whatever else is
+// called so.
+bool isEverybodys(const QString &entry)
+{
+    static const QSet<QString> names = {u"applications"_s,  u"autostart"_s,
+                                        u"backgrounds"_s,   u"byhost"_s,
+                                        u"cache"_s,         u"containers"_s,
+                                        u"databases"_s,     u"dbus-1"_s,
+                                        u"dconf"_s,         u"desktop-directories"_s,
+                                        u"environment.d"_s, u"flatpak"_s,
+                                        u"fontconfig"_s,    u"fonts"_s,
+                                        u"icons"_s,         u"keyrings"_s,
+                                        u"locale"_s,        u"menus"_s,
+                                        u"metadata"_s,      u"mime"_s,
+                                        u"preferences"_s,   u"sessions"_s,
+                                        u"sounds"_s,        u"systemd"_s,
+                                        u"themes"_s,        u"thumbnails"_s,
+                                        u"trash"_s,         u"wayland-sessions"_s,
+                                        u"xsessions"_s};
+    return names.contains(entry);
+}
+
 } // namespace
 
 DataMatcher::DataMatcher(const DataSubject &subject)
@@ -101,6 +123,8 @@ QString DataMatcher::caution(const QString &entry, MatchReason reason) const
         return u"匹配的文字「%1」太短"_s.arg(used);
     if (!isIdentified)
         return u"仅名称相似，可能属于其他应用"_s;
+    if (isEverybodys(entry))
+        return u"许多应用共用的文件夹"_s;
     // "com.vendor" or "editor" names more than one program.
     const bool isPrecise = _identifier.count(u'.') >= 2;
     if (isExactly(entry) || (isPrecise && hasWholeIdentifier(entry)))

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <utility>
@@ -85,6 +86,28 @@ bool leadsOut(const QByteArray &path)
     return path.startsWith('/') || path.split('/').contains("..");
 }
 
+// Folders end with a slash: what lies in anything else may be written where a
+// link leads.
+bool isInNoFolder(const QByteArray &path, const QSet<QByteArray> &paths)
+{
+    for (auto end = path.indexOf('/'); end >= 0; end = path.indexOf('/', end + 1)) {
+        if (paths.contains(path.first(end)))
+            return true;
+    }
+    return false;
+}
+
+QByteArray unsafePath(const QByteArray &listing)
+{
+    const QByteArrayList listed = listing.split('\n');
+    const QSet<QByteArray> paths(listed.begin(), listed.end());
+    for (const QByteArray &path : listed) {
+        if (leadsOut(path) || isInNoFolder(path, paths))
+            return path;
+    }
+    return {};
+}
+
 // All of them or none.
 Result<void> moveInto(const QDir &folder, const QDir &from)
 {
@@ -118,15 +141,16 @@ QCoro::Task<Result<ArchiveOutcome>> DittoArchiver::create(ArchiveRequest archivi
         ArchiveOutcome taken{.exitStatus = existsStatus, .problem = u"已经存在：%1"_s.arg(archive)};
         co_return taken;
     }
+    // As a path: "-x" would be an option.
+    const QString below = u"./"_s + source.fileName();
     const QStringList excludes = zipExcludes(archiving.excludes, source.fileName());
     const bool byZip = !excludes.isEmpty();
     ProcessRequest packing =
-        byZip
-            ? request(_programs.zip,
-                      QStringList{u"-r"_s, u"-y"_s, u"-q"_s, archive, source.fileName(), u"-x"_s} + excludes,
-                      archiving.cancellation)
-            : request(_programs.ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, source.filePath(), archive},
-                      archiving.cancellation);
+        byZip ? request(_programs.zip,
+                        QStringList{u"-r"_s, u"-y"_s, u"-q"_s, archive, below, u"-x"_s} + excludes,
+                        archiving.cancellation)
+              : request(_programs.ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, source.filePath(), archive},
+                        archiving.cancellation);
     packing.workingDirectory = source.path();
     const auto run = co_await _runner.run(std::move(packing));
     if (!run)
@@ -152,10 +176,8 @@ QCoro::Task<Result<void>> DittoArchiver::extract(ExtractRequest extraction)
     const auto listed = co_await runner.run(std::move(listing));
     if (const auto isListed = judged(listed, u"归档已损坏："_s); !isListed)
         co_return isListed;
-    for (const QByteArray &path : listed->output.split('\n')) {
-        if (leadsOut(path))
-            co_return failure(u"归档中有不安全的路径：“%1”，没有解压"_s.arg(QString::fromUtf8(path)));
-    }
+    if (const QByteArray path = unsafePath(listed->output); !path.isEmpty())
+        co_return failure(u"归档中有不安全的路径：“%1”，没有解压"_s.arg(QString::fromUtf8(path)));
     QTemporaryDir meanwhile(QDir(extraction.folder).filePath(u".velbrix-XXXXXX"_s));
     if (!meanwhile.isValid())
         co_return failure(u"无法写入目标文件夹：%1"_s.arg(meanwhile.errorString()));

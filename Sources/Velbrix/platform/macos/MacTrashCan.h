@@ -15,7 +15,7 @@ public:
 
     QCoro::Task<Result<QString>> moveToTrash(const QString path) override;
     QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) override;
-    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules) override;
+    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) override;
     QStringList folders() const override;
 
 private:

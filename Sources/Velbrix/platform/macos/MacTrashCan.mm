@@ -71,7 +71,7 @@ QCoro::Task<Result<void>> MacTrashCan::putBack(const QString trashed, const QStr
     co_return co_await moving;
 }
 
-QCoro::Task<Result<RemovalReport>> MacTrashCan::empty(RemovalRules)
+QCoro::Task<Result<RemovalReport>> MacTrashCan::empty(RemovalRules, Cancellation)
 {
     const Result<void> emptied = co_await _finder.empty();
     if (!emptied)

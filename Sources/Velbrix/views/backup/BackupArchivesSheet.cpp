@@ -126,12 +126,12 @@ BackupArchivesSheet::BackupArchivesSheet(const ViewContext &context, const Backu
     connect(_close, &QPushButton::clicked, this, &Sheet::cancelled);
     connect(this, &Sheet::cancelled, this, &Sheet::dismiss);
     connect(_restore, &QPushButton::clicked, this, [this] { chooseFolder(); });
-    FileBackupController &backups = context.services.fileBackup;
-    connect(_job, &JobBar::cancelled, this, [&backups] { backups.cancelRestore(); });
+    ArchiveRestorer &restorer = context.services.fileBackup.restorer();
+    connect(_job, &JobBar::cancelled, this, [&restorer] { restorer.cancel(); });
     const auto again = [this] { refresh(); };
-    connect(&backups, &FileBackupController::restoreProgressChanged, this, again);
-    connect(&backups, &FileBackupController::restoreResultChanged, this, again);
-    connect(&backups, &FileBackupController::isRestoringChanged, this, again);
+    connect(&restorer, &ArchiveRestorer::progressChanged, this, again);
+    connect(&restorer, &ArchiveRestorer::resultChanged, this, again);
+    connect(&restorer, &ArchiveRestorer::isRestoringChanged, this, again);
     refresh();
     look();
 }
@@ -189,25 +189,25 @@ void BackupArchivesSheet::focusDefault()
 
 void BackupArchivesSheet::refresh()
 {
-    const FileBackupController &backups = _context.services.fileBackup;
-    const bool isRestoring = backups.isRestoring();
+    const ArchiveRestorer &restorer = _context.services.fileBackup.restorer();
+    const bool isRestoring = restorer.isRestoring();
     _hasRestored = _hasRestored || isRestoring;
     _list->setVisible(_rows->rowCount() > 0);
     _list->setEnabled(!isRestoring);
     _list->viewport()->update();
     _empty->setVisible(_hasLooked && _rows->rowCount() == 0);
     _job->setVisible(isRestoring);
-    _job->setJob(backups.restoreProgress().isEmpty() ? u"正在恢复…"_s : backups.restoreProgress(), 0, 0);
-    _result->setText(backups.restoreResult());
-    _result->setVisible(_hasRestored && !isRestoring && !backups.restoreResult().isEmpty());
-    setLook(_result, "role", backups.restoreResult().startsWith(u'✓') ? u"good"_s : u"bad"_s);
+    _job->setJob(restorer.progress().isEmpty() ? u"正在恢复…"_s : restorer.progress(), 0, 0);
+    _result->setText(restorer.result());
+    _result->setVisible(_hasRestored && !isRestoring && !restorer.result().isEmpty());
+    setLook(_result, "role", restorer.result().startsWith(u'✓') ? u"good"_s : u"bad"_s);
     _restore->setEnabled(!isRestoring && _list->currentIndex().isValid());
 }
 
 void BackupArchivesSheet::chooseFolder()
 {
     const QModelIndex current = _list->currentIndex();
-    if (!current.isValid() || _context.services.fileBackup.isRestoring())
+    if (!current.isValid() || _context.services.fileBackup.restorer().isRestoring())
         return;
     const QString archive = _rows->archives[current.row()].path;
     auto *panel = new QFileDialog(this, u"选择恢复到的文件夹"_s);
@@ -218,7 +218,7 @@ void BackupArchivesSheet::chooseFolder()
     panel->setLabelText(QFileDialog::Reject, u"取消"_s);
     panel->setAttribute(Qt::WA_DeleteOnClose);
     connect(panel, &QFileDialog::fileSelected, this, [this, archive](const QString &folder) {
-        _context.services.fileBackup.restore(archive, folder);
+        _context.services.fileBackup.restorer().restore(archive, folder);
     });
     panel->open();
 }

@@ -173,13 +173,18 @@ void BackupTaskCard::showResult()
         setLook(_result, "role", u"note"_s);
         return;
     }
-    _mark->show(_task.lastFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
-                _task.lastFailed ? ThemeColor::bad : ThemeColor::good);
     QString result = *_task.lastResult;
-    if (result.startsWith(u"✓ "))
+    const bool isDone = result.startsWith(u"✓ ");
+    if (isDone)
         result.remove(0, 2); // the picture says it
+    if (_task.lastFailed)
+        _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
+    else if (isDone)
+        _mark->show(u"checkmark.circle.fill"_s, ThemeColor::good);
+    else
+        _mark->show(u"info.circle"_s, ThemeColor::secondary); // cancelled
     _result->setText(u"%1 · %2"_s.arg(whenText(*_task.lastRunAt, _context.services.clock.now()), result));
-    setLook(_result, "role", _task.lastFailed ? u"bad"_s : u"good"_s);
+    setLook(_result, "role", _task.lastFailed ? u"bad"_s : isDone ? u"good"_s : u"note"_s);
 }
 
 void BackupTaskCard::showRun()

@@ -141,7 +141,7 @@ void CleanupControlCard::ask()
     Confirmation::ask(_context.theme, this, cleanupQuestion(_cleaner), [this, asked] {
         // Somebody may have chosen otherwise meanwhile, from the command line.
         if (idsToClean(_cleaner) == asked)
-            _cleaner.clean();
+            _cleaner.clean(asked);
         else
             ask();
     });

@@ -79,9 +79,9 @@ QString reportText(const CleanupReport &report)
     if (report.outcome.kind == CleanupPhase::Kind::done) {
         const RemovalReport &removal = report.removal;
         if (removal.removedFiles > 0 || removal.freedBytes > 0)
-            lines.append(u"实际释放 %1，共删除 %2 个文件和文件夹"_s.arg(formatByteCount(removal.freedBytes))
+            lines.append(u"实际释放 %1，共删除 %2 个文件"_s.arg(formatByteCount(removal.freedBytes))
                              .arg(removal.removedFiles));
-        else
+        else if (report.outcome.cleanedCount == 0)
             lines.append(u"没有需要删除的文件"_s);
     }
     if (report.wasCancelled)

@@ -9,10 +9,18 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-QString folderFrom(const char *variable, const QString &standard)
+// One that is home, or around it, would make data of everything in home.
+bool holds(const QString &folder, const QString &home)
+{
+    const QString above = QFileInfo(folder).canonicalFilePath();
+    const QString below = QFileInfo(home).canonicalFilePath();
+    return above == u"/" || (!above.isEmpty() && (below + u'/').startsWith(above + u'/'));
+}
+
+QString folderFrom(const char *variable, const QString &home, const QString &standard)
 {
     const QString path = qEnvironmentVariable(variable);
-    return QDir::cleanPath(path.startsWith(u'/') ? path : standard);
+    return QDir::cleanPath(path.startsWith(u'/') && !holds(path, home) ? path : home + standard);
 }
 
 QStringList systemDataFolders()
@@ -48,10 +56,10 @@ ApplicationPlaces ApplicationPlaces::ofThisUser()
 {
     ApplicationPlaces places;
     places.home = QDir::homePath();
-    places.dataHome = folderFrom("XDG_DATA_HOME", places.home + u"/.local/share"_s);
-    places.configHome = folderFrom("XDG_CONFIG_HOME", places.home + u"/.config"_s);
-    places.cacheHome = folderFrom("XDG_CACHE_HOME", places.home + u"/.cache"_s);
-    places.stateHome = folderFrom("XDG_STATE_HOME", places.home + u"/.local/state"_s);
+    places.dataHome = folderFrom("XDG_DATA_HOME", places.home, u"/.local/share"_s);
+    places.configHome = folderFrom("XDG_CONFIG_HOME", places.home, u"/.config"_s);
+    places.cacheHome = folderFrom("XDG_CACHE_HOME", places.home, u"/.cache"_s);
+    places.stateHome = folderFrom("XDG_STATE_HOME", places.home, u"/.local/state"_s);
     places.dataFolders = systemDataFolders();
     places.flatpakFolder = u"/var/lib/flatpak"_s;
     places.desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts);

@@ -8,6 +8,7 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
@@ -80,7 +81,17 @@ ArchiveOutcome ArchiveJob::run()
     const bool isWhole = !hasEnded() && writeDirectory() && _output.sync();
     if (_work.cancelled)
         return ended(cancelledStatus, u"已取消"_s);
-    return isWhole ? ended(0, {}) : writeProblem();
+    if (!isWhole)
+        return writeProblem();
+    ArchiveOutcome outcome = ended(0, {});
+    outcome.files = filesInIt();
+    return outcome;
+}
+
+qint64 ArchiveJob::filesInIt() const
+{
+    return std::ranges::count_if(
+        _entries, [](const std::optional<ZipEntry> &entry) { return entry && !S_ISDIR(entry->mode); });
 }
 
 ArchiveOutcome ArchiveJob::ended(int exitStatus, const QString &problem) const

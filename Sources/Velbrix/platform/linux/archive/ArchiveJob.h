@@ -1,7 +1,7 @@
 #pragma once
 
+#include "foundation/ExcludeRules.h"
 #include "platform/linux/archive/ArchiveWork.h"
-#include "platform/linux/archive/ExcludePatterns.h"
 #include "platform/linux/archive/FolderScan.h"
 #include "platform/linux/archive/Packer.h"
 #include "platform/linux/archive/SkippedFiles.h"
@@ -37,6 +37,7 @@ private:
 
     ArchiveOutcome ended(int exitStatus, const QString &problem) const;
     ArchiveOutcome writeProblem() const;
+    qint64 filesInIt() const;
     bool hasEnded() const { return _work.cancelled || _output.error() != 0; }
     ZipEntry entryOf(const FolderItem &item) const;
     void addItems(Worker &worker);
@@ -51,7 +52,7 @@ private:
 
     const QString _sourcePath;
     const QString _archivePath;
-    const ExcludePatterns _excludes;
+    const ExcludeRules _excludes;
     ArchiveWork &_work;
     QByteArray _topName;
     FileDescriptor _source;

@@ -30,7 +30,7 @@ bool isKept(mode_t mode)
 
 class Scan {
 public:
-    Scan(int source, const ExcludePatterns &excludes, FileIdentity except, const std::atomic<bool> &cancelled,
+    Scan(int source, const ExcludeRules &excludes, FileIdentity except, const std::atomic<bool> &cancelled,
          SkippedFiles &skipped)
         : _source(source), _excludes(excludes), _except(except), _cancelled(cancelled), _skipped(skipped)
     {
@@ -90,13 +90,13 @@ private:
             return;
         }
         if (!isKept(facts.st_mode) || FileIdentity{facts.st_dev, facts.st_ino} == _except ||
-            _excludes.matches(path, S_ISDIR(facts.st_mode)))
+            _excludes.leavesOut(path, S_ISDIR(facts.st_mode)))
             return;
         _pending.push_back(itemOf(std::move(path), facts));
     }
 
     int _source;
-    const ExcludePatterns &_excludes;
+    const ExcludeRules &_excludes;
     FileIdentity _except;
     const std::atomic<bool> &_cancelled;
     SkippedFiles &_skipped;
@@ -106,7 +106,7 @@ private:
 
 } // namespace
 
-std::vector<FolderItem> scanFolder(int source, const ExcludePatterns &excludes, FileIdentity except,
+std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
                                    const std::atomic<bool> &cancelled, SkippedFiles &skipped)
 {
     return Scan(source, excludes, except, cancelled, skipped).run();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/archive/ExcludePatterns.h"
+#include "foundation/ExcludeRules.h"
 #include "platform/linux/archive/SkippedFiles.h"
 
 #include <QByteArray>
@@ -30,7 +30,7 @@ struct FileIdentity {
 // Everything below an open folder, the folder itself first and each folder
 // before what is in it, by name. What is neither file, folder nor link is left
 // out, and so is the file `except`. Folders that cannot be read count as skipped.
-std::vector<FolderItem> scanFolder(int source, const ExcludePatterns &excludes, FileIdentity except,
+std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
                                    const std::atomic<bool> &cancelled, SkippedFiles &skipped);
 
 } // namespace velbrix

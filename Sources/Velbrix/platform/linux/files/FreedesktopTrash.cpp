@@ -170,7 +170,10 @@ FreedesktopTrash::FreedesktopTrash(Clock &clock, TrashPlaces places)
 
 FreedesktopTrash::~FreedesktopTrash()
 {
-    *_cancelled = true;
+    for (const auto &emptying : _emptyings) {
+        if (const auto cancelled = emptying.lock())
+            *cancelled = true;
+    }
 }
 
 QCoro::Task<Result<QString>> FreedesktopTrash::moveToTrash(const QString path)
@@ -185,11 +188,17 @@ QCoro::Task<Result<void>> FreedesktopTrash::putBack(const QString trashed, const
     co_return co_await moved;
 }
 
-QCoro::Task<Result<RemovalReport>> FreedesktopTrash::empty(RemovalRules rules)
+QCoro::Task<Result<RemovalReport>> FreedesktopTrash::empty(RemovalRules rules, Cancellation cancellation)
 {
+    const auto cancelled = std::make_shared<std::atomic_bool>(false);
+    std::erase_if(_emptyings, [](const auto &emptying) { return emptying.expired(); });
+    _emptyings.push_back(cancelled);
+    cancellation.onCancel([cancelled] { *cancelled = true; });
     const QFuture<Result<RemovalReport>> emptied =
-        QtConcurrent::run(&_worker, emptyAll, _places.all(), rules, _cancelled);
-    co_return co_await emptied;
+        QtConcurrent::run(&_worker, emptyAll, _places.all(), rules, cancelled);
+    const Result<RemovalReport> report = co_await emptied;
+    cancellation.onCancel({});
+    co_return report;
 }
 
 QStringList FreedesktopTrash::folders() const

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <memory>
+#include <vector>
 
 namespace velbrix {
 
@@ -22,13 +23,13 @@ public:
 
     QCoro::Task<Result<QString>> moveToTrash(const QString path) override;
     QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) override;
-    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules) override;
+    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) override;
     QStringList folders() const override;
 
 private:
     Clock &_clock;
     TrashPlaces _places;
-    std::shared_ptr<std::atomic_bool> _cancelled = std::make_shared<std::atomic_bool>(false);
+    std::vector<std::weak_ptr<std::atomic_bool>> _emptyings; // what stops each
     QThreadPool _worker;
 };
 

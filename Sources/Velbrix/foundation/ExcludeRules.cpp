@@ -1,4 +1,4 @@
-#include "maintenance/backup/ExcludeRules.h"
+#include "foundation/ExcludeRules.h"
 
 #include <fnmatch.h>
 
