@@ -434,7 +434,10 @@ private Q_SLOTS:
         rig.delegate->quitApp();
         rig.clock.advance(30s);
         QCOMPARE(terminated.count(), 0);
+        rig.host.applications.delay = 0ms;
         QTRY_COMPARE((rig.clock.advance(10s), terminated.count()), 1);
+        // Sequences that are still waiting come to their end.
+        QTRY_VERIFY((rig.clock.advance(10s), !rig.services->uninstaller.isScanning()));
     }
 };
 
