@@ -1,20 +1,13 @@
 #include "maintenance/cleanup/SystemCleaner.h"
 
-#include "foundation/ByteCount.h"
 #include "foundation/SettingsStore.h"
 #include "maintenance/cleanup/CustomFolder.h"
-#include "maintenance/cleanup/FolderCleaning.h"
-#include "platform/AdminShell.h"
-#include "platform/DiskUsage.h"
 #include "platform/RunningPrograms.h"
 #include "platform/TrashCan.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 using namespace Qt::StringLiterals;

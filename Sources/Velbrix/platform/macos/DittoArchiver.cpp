@@ -178,7 +178,7 @@ QCoro::Task<Result<void>> DittoArchiver::extract(ExtractRequest extraction)
         co_return isListed;
     if (const QByteArray path = unsafePath(listed->output); !path.isEmpty())
         co_return failure(u"归档中有不安全的路径：“%1”，没有解压"_s.arg(QString::fromUtf8(path)));
-    QTemporaryDir meanwhile(QDir(extraction.folder).filePath(u".velbrix-XXXXXX"_s));
+    QTemporaryDir meanwhile(QDir(extraction.folder).filePath(u".velbrix-"_s));
     if (!meanwhile.isValid())
         co_return failure(u"无法写入目标文件夹：%1"_s.arg(meanwhile.errorString()));
     ProcessRequest unpacking =
