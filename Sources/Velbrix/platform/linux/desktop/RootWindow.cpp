@@ -125,7 +125,7 @@ void RootWindow::release()
     const xcb_pixmap_t owned = _x11->property(_x11->root(), ownedName).value(0);
     if (owned != XCB_NONE && owned == _x11->property(_x11->root(), publishedName).value(0))
         xcb_kill_client(_x11->xcb(), owned);
-    for (const char *name : {publishedName, ownedName, oursName})
+    for (const char *name : {oursName, publishedName, ownedName})
         xcb_delete_property(_x11->xcb(), _x11->root(), _x11->atom(name));
 }
 
@@ -144,22 +144,22 @@ bool RootWindow::isOurs()
 
 Result<void> RootWindow::publishAsOurs(const QImage &picture)
 {
-    const auto published = publish(picture);
-    const xcb_pixmap_t pixmap = _x11->property(_x11->root(), publishedName).value(0);
-    if (published)
-        xcb_change_property(_x11->xcb(), XCB_PROP_MODE_REPLACE, _x11->root(), _x11->atom(oursName),
-                            XCB_ATOM_PIXMAP, 32, 1, &pixmap);
-    _x11->sync();
-    return published;
+    // Marked first: dying in between must not make ours look like the user's.
+    return publish(picture, {oursName, publishedName, ownedName});
 }
 
 Result<void> RootWindow::publish(const QImage &picture)
+{
+    return publish(picture, {publishedName, ownedName});
+}
+
+Result<void> RootWindow::publish(const QImage &picture, std::initializer_list<const char *> names)
 {
     const xcb_pixmap_t pixmap = upload(picture);
     if (pixmap == XCB_NONE)
         return failure(u"X 服务器没有足够的内存"_s);
     release();
-    for (const char *name : {publishedName, ownedName})
+    for (const char *name : names)
         xcb_change_property(_x11->xcb(), XCB_PROP_MODE_REPLACE, _x11->root(), _x11->atom(name),
                             XCB_ATOM_PIXMAP, 32, 1, &pixmap);
     xcb_set_close_down_mode(_x11->xcb(), XCB_CLOSE_DOWN_RETAIN_PERMANENT);

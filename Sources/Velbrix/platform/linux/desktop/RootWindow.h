@@ -6,6 +6,8 @@
 #include <QList>
 #include <QRect>
 
+#include <initializer_list>
+
 namespace velbrix {
 
 // What the X server's root window shows, and what it says it shows: other
@@ -37,6 +39,7 @@ private:
     explicit RootWindow(std::unique_ptr<X11Connection> x11) : _x11(std::move(x11)) {}
     QImage pixels(xcb_drawable_t drawable, QSize size);
     xcb_pixmap_t upload(const QImage &picture);
+    Result<void> publish(const QImage &picture, std::initializer_list<const char *> names);
     void release();
     void show(std::uint32_t attribute, std::uint32_t value);
 
