@@ -54,6 +54,7 @@ def pretouch(megabytes):
 
 def timed(*command, **options):
     pretouch(1200)
+    os.sync()
     start = now()
     subprocess.run(command, check=True, stdout=subprocess.DEVNULL, **options)
     return now() - start
@@ -94,11 +95,13 @@ def compare_archives(source, places, rounds):
 def compare_mirrors(source, places, rounds):
     rsync = ["rsync", "-a", "--checksum", "--delete", "--out-format=%n", f"{source}/"]
     first, again = ([], []), ([], [])
-    for _ in range(rounds):
+    for index in range(rounds):
         place, other = places.new(), places.new()
+        commands = ([RUN, "mirror", source, place], [*rsync, f"{other}/"])
         for times in (first, again):
-            times[0].append(timed(RUN, "mirror", source, place))
-            times[1].append(timed(*rsync, f"{other}/"))
+            # In turn: whoever runs second finds the disk busier.
+            for which in (0, 1) if index % 2 == 0 else (1, 0):
+                times[which].append(timed(*commands[which]))
     for kind, (ours, theirs) in {"first": first, "unchanged": again}.items():
         print(f"mirror s, {kind} run: ours {summary(ours)}, bare rsync {summary(theirs)}")
     ratio("backup-mirror-wall", *first, "our first sync against bare rsync -a --checksum --delete")
