@@ -29,7 +29,7 @@ ACCEPTED = {
 }
 
 
-def wait_until(condition, what, seconds=10):
+def wait_until(condition, what, seconds=20):
     """Returns the condition's first true answer."""
     deadline = time.monotonic() + seconds
     while True:

@@ -54,7 +54,7 @@ def color_at(x, y):
     return Shot().at(x, y)
 
 
-def wait_for_color(x, y, wanted, seconds=10):
+def wait_for_color(x, y, wanted, seconds=20):
     wait_until(lambda: is_near(color_at(x, y), wanted), f"{wanted} at {x},{y}", seconds)
 
 

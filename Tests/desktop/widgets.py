@@ -84,10 +84,10 @@ class Window:
                 return widget
         return None
 
-    def wait_for(self, name, role=None, seconds=10, prefix=False):
+    def wait_for(self, name, role=None, seconds=20, prefix=False):
         return wait_until(lambda: self.find(name, role, prefix), f"{role or 'widget'} “{name}” shows", seconds)
 
-    def wait_without(self, name, seconds=10):
+    def wait_without(self, name, seconds=20):
         wait_until(lambda: not self.find(name), f"“{name}” has gone", seconds)
 
     def texts(self):
