@@ -136,6 +136,20 @@ private Q_SLOTS:
         QCOMPARE(rig.settings.json(key)->toArray(), QJsonArray());
     }
 
+    void refusesATaskThatFeedsAnotherOne()
+    {
+        Rig rig;
+        BackupTask there = rig.described(u"there"_s);
+        there.kind = BackupTaskKind::sync;
+        QVERIFY(rig.save(there));
+        QFile::link(rig.path(u"dst"_s), rig.path(u"link"_s));
+        BackupTask back = rig.described(u"back"_s);
+        back.sourcePath = rig.path(u"link"_s);
+        back.destPath = rig.path(u"src"_s);
+        const auto saved = rig.save(back);
+        QVERIFY(!saved && saved.error().message.startsWith(u"与任务“there”互相备份"_s));
+    }
+
     void runsWhatIsDueAtThePoll()
     {
         Rig rig;

@@ -29,7 +29,8 @@ struct Inspection {
     QString obstacle;
     QString sourceVolume = {};
     QString destVolume = {};
-    QString realDestination = {}; // without links
+    QString realSource = {}; // without links, as the next
+    QString realDestination = {};
 };
 
 Inspection inspect(const BackupTask &task)
@@ -38,6 +39,7 @@ Inspection inspect(const BackupTask &task)
     if (seen.obstacle.isEmpty()) {
         seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
         seen.destVolume = QStorageInfo(task.destPath).rootPath();
+        seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
         seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
     }
     return seen;
@@ -98,9 +100,10 @@ QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
     if (!seen.obstacle.isEmpty())
         co_return failure(seen.obstacle);
     QList<BackupTask> tasks = _tasks;
-    for (const QString &destination : {task.destPath, seen.realDestination}) {
-        BackupTask there = task;
-        there.destPath = destination;
+    BackupTask real = task;
+    real.sourcePath = seen.realSource;
+    real.destPath = seen.realDestination;
+    for (const BackupTask &there : {task, real}) {
         if (const QString conflict = backupConflict(there, tasks); !conflict.isEmpty())
             co_return failure(conflict);
     }
