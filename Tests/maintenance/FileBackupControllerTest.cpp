@@ -2,6 +2,7 @@
 
 #include "foundation/SettingsStore.h"
 #include "support/FakeArchiver.h"
+#include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
@@ -75,7 +76,7 @@ struct Rig {
     {
         if (!controller)
             controller = std::make_unique<FileBackupController>(
-                FileBackupController::Hosts{archiver, notifications}, settings, clock);
+                FileBackupController::Hosts{archiver, notifications, sleep}, settings, clock);
         return *controller;
     }
     // A day's tasks in the settings, without the checks of save().
@@ -102,6 +103,7 @@ struct Rig {
     SettingsStore settings{std::unique_ptr<SettingsBackend>(backend), clock};
     FakeArchiver archiver{clock};
     FakeUserNotifications notifications;
+    FakeSystemSleep sleep;
     std::unique_ptr<FileBackupController> controller;
 };
 
@@ -203,6 +205,26 @@ private Q_SLOTS:
         rig.controller->runNow(u"disabled"_s);
         QVERIFY(rig.ends());
         QVERIFY(rig.result(u"disabled"_s).startsWith(u"✓"_s));
+    }
+
+    void catchesUpSoonAfterTheMachineWakes()
+    {
+        Rig rig;
+        rig.make();
+        QVERIFY(!rig.sleep.isWatched());
+        BackupTask task = rig.described(u"t"_s);
+        task.schedule.minute = 1;
+        const QString id = rig.save(task)->id;
+        rig.clock.advance(61min); // long before the next poll
+        rig.sleep.wake();
+        rig.clock.advance(9s);
+        QVERIFY(!rig.controller->isRunningBackup());
+        rig.clock.advance(1s);
+        QVERIFY(rig.controller->isRunningBackup());
+        QVERIFY(rig.ends());
+        QVERIFY(rig.result(id).startsWith(u"✓"_s));
+        rig.controller->remove(id);
+        QVERIFY(!rig.sleep.isWatched());
     }
 
     void aClockThatWasWrongDoesNotStopATask()
