@@ -114,7 +114,7 @@ private:
     {
         std::optional<Answer> answer;
         askLocalChannel(path, request).then([&](Answer got) { answer = std::move(got); });
-        if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+        if (!waitFor([&] { return answer.has_value(); }))
             return std::unexpected(ChannelFailure{false, u"no answer"_s});
         return *answer;
     }

@@ -106,7 +106,7 @@ class DesktopPictureTest : public QObject {
         _desktop = std::make_unique<QProcess>();
         _desktop->setStandardErrorFile(QProcess::nullDevice());
         _desktop->start(program, arguments);
-        QVERIFY(QTest::qWaitFor([] {
+        QVERIFY(waitFor([] {
             return shell(u"for w in $(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*'); do "
                          "xprop -id $w _NET_WM_WINDOW_TYPE; done"_s)
                 .contains("TYPE_DESKTOP");

@@ -82,7 +82,7 @@ private Q_SLOTS:
         int changes = 0;
         devices.observeChanges([&] { ++changes; });
         QStringList modules;
-        QVERIFY(QTest::qWaitFor([&] {
+        QVERIFY(waitFor([&] {
             if (changes == 0) // until the connection is up nothing is heard
                 modules.append(QString::fromLatin1(
                     pactl({u"load-module"_s, u"module-null-sink"_s, u"sink_name=third"_s})));

@@ -136,7 +136,7 @@ struct Desktop {
                       isPcmanfm ? QStringList{u"--desktop"_s} : QStringList{});
         QTRY_VERIFY(!observer.iconWindows().isEmpty());
         // Icons appear one by one.
-        QTRY_VERIFY_WITH_TIMEOUT(areIconsAtRest(), 10000);
+        QTRY_VERIFY(areIconsAtRest());
     }
     bool areIconsAtRest()
     {
