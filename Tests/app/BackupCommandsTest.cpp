@@ -5,13 +5,13 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;

@@ -1,11 +1,11 @@
 #include "app/AppDelegate.h"
 
 #include "support/FakeShell.h"
+#include "support/PatientTest.h"
 #include "support/WallpaperRig.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <algorithm>
 

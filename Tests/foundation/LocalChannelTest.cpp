@@ -2,6 +2,7 @@
 
 #include "foundation/RuntimeFolder.h"
 #include "foundation/SystemClock.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
@@ -9,7 +10,6 @@
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -4,6 +4,7 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -1,8 +1,8 @@
 #include "maintenance/uninstall/UninstallJournal.h"
+#include "support/PatientTest.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTest>
 
 #include <optional>
 

@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "support/FakePlatform.h"
+#include "support/PatientTest.h"
 #include "views/DesktopShell.h"
 #include "views/MainWindow.h"
 
@@ -9,7 +10,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
-#include <QTest>
 #include <QWidget>
 
 #include <chrono>

@@ -5,6 +5,7 @@
 #include "foundation/SystemClock.h"
 #include "platform/linux/desktop/RootWindow.h"
 #include "support/FakeDesktopPicture.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
@@ -14,7 +15,6 @@
 #include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QUrl>
 
 #include <memory>

@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/UPowerSource.h"
 
 #include "support/FakePowerSource.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoreApplication>
@@ -11,7 +12,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace velbrix;
 using namespace velbrix::test;

@@ -2,9 +2,9 @@
 #include "MediaTools.h"
 #include "platform/linux/movie/MonotonicTime.h"
 #include "support/MoviePictures.h"
+#include "support/PatientTest.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <atomic>

@@ -1,9 +1,9 @@
 #include "platform/linux/movie/PulseAudioDevices.h"
 #include "MediaTools.h"
 #include "support/FakeAudioDevices.h"
+#include "support/PatientTest.h"
 
 #include <QCoroTask>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;

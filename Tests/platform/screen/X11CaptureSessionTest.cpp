@@ -1,13 +1,13 @@
 #include "platform/linux/screen/X11CaptureSession.h"
 
 #include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
 #include "support/RecordingRig.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QScreen>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;

@@ -1,6 +1,7 @@
 #include "platform/linux/shell/FreedesktopNotifications.h"
 
 #include "support/FakeUserNotifications.h"
+#include "support/PatientTest.h"
 
 #include <QCoreApplication>
 #include <QCoroTask>

@@ -3,13 +3,13 @@
 #include "platform/surface/VideoClips.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
 #include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QTest>
 
 #include <unistd.h>
 
