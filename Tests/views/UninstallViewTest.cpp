@@ -59,7 +59,7 @@ struct Rig : WindowRig {
         UninstallJournal journal(files.filePath(u"data/Velbrix/uninstalls.json"_s));
         for (const UninstallRecord &each : records | std::views::reverse)
             journal.put(each);
-        QVERIFY(QTest::qWaitFor([&] { return recorded() == records; }));
+        QVERIFY(waitFor([&] { return recorded() == records; }));
     }
 
     // On the page, with its list.
@@ -344,7 +344,7 @@ void UninstallViewTest::recordsCanBeRemoved()
     rig.click(u"noticeConfirm"_s);
     QVERIFY(rig.scanner().records().isEmpty());
     QVERIFY(!rig.find(u"forget.1"_s));
-    QVERIFY(QTest::qWaitFor([&] { return rig.recorded().isEmpty(); }));
+    QVERIFY(waitFor([&] { return rig.recorded().isEmpty(); }));
 }
 
 void UninstallViewTest::modeAndOptions()

@@ -1,12 +1,12 @@
 #include "platform/linux/desktop/LogindSleep.h"
 
 #include "support/FakeSystemSleep.h"
+#include "support/PatientTest.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QProcess>
-#include <QTest>
 
 using namespace velbrix;
 using namespace velbrix::test;
