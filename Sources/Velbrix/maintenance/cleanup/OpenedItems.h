@@ -1,0 +1,60 @@
+#pragma once
+
+#include "foundation/ProcessRunner.h"
+#include "foundation/Published.h"
+#include "maintenance/cleanup/CleanupTypes.h"
+
+#include <QCoroTask>
+#include <QHash>
+#include <QObject>
+#include <QSet>
+
+namespace velbrix {
+
+class CleanupTable;
+class Clock;
+class DiskUsage;
+
+using CleanupContentsById = QHash<QString, CleanupContents>;
+
+// What is in the items the user has opened, and which entries of an item are
+// left out of the next clean. Everything it is given must outlive it.
+class OpenedItems final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(OpenedItems, CleanupContentsById, contents) // of the opened ones
+
+public:
+    OpenedItems(const CleanupTable &table, DiskUsage &usage, Clock &clock)
+        : _table(table), _usage(usage), _clock(clock)
+    {
+    }
+    ~OpenedItems() override;
+
+    // Whether cleaning the item takes entries that can be listed.
+    bool canOpen(const QString &id) const;
+    // Lists the entries, then measures them. Does nothing when it is open.
+    void open(const QString &id);
+    void close(const QString &id);
+    // Lists and measures all opened ones anew.
+    void lookAgain();
+    // Leaves one entry out of the next clean, or takes it in again; the item
+    // need not be open.
+    void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
+    qsizetype leftOutCount(const QString &id) const { return _leftOut.value(id).size(); }
+    // Of all items.
+    QList<QByteArray> leftOut() const;
+    // Closes it and takes everything in again.
+    void forget(const QString &id);
+
+private:
+    QCoro::Task<> measure(QString id);
+    void publish(const QString &id, const CleanupContents &contents);
+
+    const CleanupTable &_table;
+    DiskUsage &_usage;
+    Clock &_clock;
+    QHash<QString, QSet<QByteArray>> _leftOut; // by item
+    QHash<QString, Cancellation> _openings;
+};
+
+} // namespace velbrix
