@@ -2,8 +2,7 @@
 
 #include "foundation/Clock.h"
 #include "foundation/ProcessRunner.h"
-#include "maintenance/uninstall/DataSearch.h"
-#include "maintenance/uninstall/UninstallTypes.h"
+#include "maintenance/uninstall/UninstallPlan.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -13,12 +12,6 @@ namespace velbrix {
 
 class TrashCan;
 class UninstallJournal;
-
-// What is to go, and within what bounds.
-struct UninstallPlan {
-    UninstallReview review;
-    DataSearch search; // its folders are those from which data may go
-};
 
 // Takes one application away, step by step. Moves nothing but the application
 // itself, companions that the host named, and entries that the search finds
