@@ -5,13 +5,13 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
@@ -44,7 +44,7 @@ struct Rig {
         const ParsedCommand command{words, arguments, false, options};
         const auto wait = [&]() -> QCoro::Task<> { reply = co_await handler(command); };
         const QCoro::Task<> waiting = wait();
-        const bool isDone = QTest::qWaitFor([&] { return reply.has_value(); });
+        const bool isDone = waitFor([&] { return reply.has_value(); });
         return isDone ? *reply : CommandReply{-1, u"no reply"_s, {}};
     }
     CommandReply added(QMap<QString, QString> options)

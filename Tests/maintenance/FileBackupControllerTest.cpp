@@ -4,6 +4,7 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -67,7 +67,7 @@ struct Rig {
         make();
         const auto wait = [&]() -> QCoro::Task<> { saved = co_await controller->save(task); };
         const QCoro::Task<> waiting = wait();
-        if (!QTest::qWaitFor([&] { return saved.has_value(); }))
+        if (!waitFor([&] { return saved.has_value(); }))
             return failure(u"never saved"_s);
         return *saved;
     }
@@ -88,7 +88,7 @@ struct Rig {
     }
     bool ends()
     {
-        return QTest::qWaitFor([this] { return !controller->isRunningBackup(); });
+        return waitFor([this] { return !controller->isRunningBackup(); });
     }
     QString result(const QString &id) const { return controller->task(id)->lastResult.value_or(QString()); }
     QStringList inDestination() const
@@ -517,7 +517,7 @@ private Q_SLOTS:
         };
         const auto restored = [&] {
             rig.make().restorer().restore(whole.fileName(), rig.path(u"to"_s));
-            const bool isDone = QTest::qWaitFor([&] { return !rig.controller->restorer().isRestoring(); });
+            const bool isDone = waitFor([&] { return !rig.controller->restorer().isRestoring(); });
             return isDone ? rig.controller->restorer().result() : QString();
         };
         QCOMPARE(restored(), u"✓ 已恢复到 "_s + rig.path(u"to/extracted 2"_s));

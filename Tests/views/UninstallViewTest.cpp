@@ -54,20 +54,6 @@ struct Rig : WindowRig {
         QVERIFY(until([this] { return !scanner().isScanning(); }));
     }
     AppScanner &scanner() const { return services->uninstaller; }
-    bool until(const std::function<bool()> &isSo)
-    {
-        return QTest::qWaitFor([&] {
-            if (!isSo() && clock.pendingCount() > 0)
-                clock.advance(20ms);
-            return isSo();
-        });
-    }
-    void click(const QString &name) const { QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton); }
-    QString text(const QString &name) const
-    {
-        const auto *label = find<QLabel>(name);
-        return label ? label->text() : QString();
-    }
     QStringList rows(const QString &list) const
     {
         QStringList words;

@@ -1,6 +1,7 @@
 #include "platform/linux/shell/FreedesktopNotifications.h"
 
 #include "support/FakeUserNotifications.h"
+#include "support/PatientTest.h"
 
 #include <QCoreApplication>
 #include <QCoroTask>
@@ -95,7 +96,7 @@ private:
         std::optional<Result<bool>> answer;
         _notifications.requestAuthorization().then([&](Result<bool> result) { answer = result; });
         const bool isEarly = answer.has_value();
-        if (!isEarly && !QTest::qWaitFor([&] { return answer.has_value(); }))
+        if (!isEarly && !waitFor([&] { return answer.has_value(); }))
             return std::nullopt;
         return answer;
     }
@@ -103,7 +104,7 @@ private:
     {
         std::optional<NotificationSettings> answer;
         _notifications.settings().then([&](NotificationSettings result) { answer = result; });
-        if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+        if (!waitFor([&] { return answer.has_value(); }))
             return std::nullopt;
         return answer;
     }
