@@ -125,10 +125,12 @@ private Q_SLOTS:
         rig.host.programs.executables = {rig.home(u"Applications/Note.app/bin/note"_s)};
         rig.host.diskUsage.sizes.insert(rig.home(u"Preferences/org.acme.note"_s).toUtf8(), 8192);
         rig.scanner->prepareReview(rig.app(u"Note"_s));
-        QVERIFY(
-            rig.until([&] { return rig.scanner->review() && rig.scanner->review()->items.last().bytes; }));
-        QVERIFY(!rig.scanner->isReviewing());
-        const UninstallReview review = *rig.scanner->review();
+        QVERIFY(rig.until([&] {
+            return rig.scanner->openReview().review() &&
+                   rig.scanner->openReview().review()->items.last().bytes;
+        }));
+        QVERIFY(!rig.scanner->openReview().isPreparing());
+        const UninstallReview review = *rig.scanner->openReview().review();
         QVERIFY(review.isRunning);
         QStringList lines;
         for (const ReviewItem &item : review.items)
@@ -142,12 +144,12 @@ private Q_SLOTS:
         for (const ReviewItem &item : review.items)
             QCOMPARE(item.caution.isEmpty(), item.isTicked);
 
-        rig.scanner->setTicked(review.items.at(0).path, false);
-        rig.scanner->setTicked(review.items.at(1).path, true);
-        QVERIFY(rig.scanner->review()->items.at(0).isTicked);
-        QVERIFY(rig.scanner->review()->items.at(1).isTicked);
-        rig.scanner->cancelReview();
-        QVERIFY(!rig.scanner->review());
+        rig.scanner->openReview().setTicked(review.items.at(0).path, false);
+        rig.scanner->openReview().setTicked(review.items.at(1).path, true);
+        QVERIFY(rig.scanner->openReview().review()->items.at(0).isTicked);
+        QVERIFY(rig.scanner->openReview().review()->items.at(1).isTicked);
+        rig.scanner->openReview().close();
+        QVERIFY(!rig.scanner->openReview().review());
         QVERIFY(rig.host.trash.calls.isEmpty());
     }
 
@@ -156,13 +158,13 @@ private Q_SLOTS:
         NoteRig rig;
         rig.host.diskUsage.delay = 1s;
         rig.scanner->prepareReview(rig.app(u"Note"_s));
-        QVERIFY(rig.until([&] { return rig.scanner->review().has_value(); }));
-        rig.scanner->cancelReview();
+        QVERIFY(rig.until([&] { return rig.scanner->openReview().review().has_value(); }));
+        rig.scanner->openReview().close();
         rig.scanner->prepareReview(rig.app(u"Other"_s));
-        QVERIFY(rig.until([&] { return rig.scanner->review().has_value(); }));
+        QVERIFY(rig.until([&] { return rig.scanner->openReview().review().has_value(); }));
         rig.clock.advance(60s);
-        QCOMPARE(rig.scanner->review()->app.name, u"Other"_s);
-        QVERIFY(rig.scanner->review()->items.last().bytes);
+        QCOMPARE(rig.scanner->openReview().review()->app.name, u"Other"_s);
+        QVERIFY(rig.scanner->openReview().review()->items.last().bytes);
     }
 
     void takesWhatIsTickedInTime()

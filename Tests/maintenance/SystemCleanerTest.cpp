@@ -310,14 +310,14 @@ void SystemCleanerTest::keepsWhatIsHiddenOrLeftOut()
     rig.put(u"cache/dear/file"_s);
     rig.put(u"cache/cheap"_s);
     SystemCleaner &cleaner = rig.make();
-    cleaner.open(u"caches"_s);
-    cleaner.setIncluded(u"caches"_s,
-                        QFile::encodeName(QFileInfo(rig.path(u"cache/dear"_s)).canonicalFilePath()), false);
+    cleaner.opened().open(u"caches"_s);
+    cleaner.opened().setIncluded(
+        u"caches"_s, QFile::encodeName(QFileInfo(rig.path(u"cache/dear"_s)).canonicalFilePath()), false);
     cleaner.clean({u"caches"_s});
     rig.finish();
     QCOMPARE(cleaner.report().outcome.cleanedCount, 1);
     QVERIFY(rig.has(u"cache/.git/config"_s) && rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
-    QTRY_VERIFY(!cleaner.contents().value(u"caches"_s).isMeasuring);
+    QTRY_VERIFY(!cleaner.opened().contents().value(u"caches"_s).isMeasuring);
 }
 
 void SystemCleanerTest::whatIsLeftOutStaysSoAfterARestart()
@@ -332,23 +332,23 @@ void SystemCleanerTest::whatIsLeftOutStaysSoAfterARestart()
     std::fclose(file);
     rig.make();
     for (const QByteArray &path : {folder + "dear", odd, folder + "gone"})
-        rig.cleaner->setIncluded(u"caches"_s, path, false);
+        rig.cleaner->opened().setIncluded(u"caches"_s, path, false);
     rig.make(); // another day
-    QCOMPARE(rig.cleaner->leftOutCount(u"caches"_s), 3);
+    QCOMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 3);
     rig.cleaner->clean({u"caches"_s});
     rig.finish();
     QVERIFY(rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
     QCOMPARE(::access(odd.constData(), F_OK), 0);
     // Seen to be missing, it is forgotten; an empty folder may be a disk's that is not there.
-    rig.cleaner->open(u"caches"_s);
-    QTRY_COMPARE(rig.cleaner->leftOutCount(u"caches"_s), 2);
+    rig.cleaner->opened().open(u"caches"_s);
+    QTRY_COMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 2);
     QCOMPARE(::unlink(odd.constData()), 0);
     QVERIFY(QDir(rig.path(u"cache"_s)).removeRecursively() && QDir().mkpath(rig.path(u"cache"_s)));
-    rig.make().open(u"caches"_s);
-    QTRY_VERIFY((rig.clock.advance(50ms), !rig.cleaner->contents().value(u"caches"_s).isMeasuring));
-    QCOMPARE(rig.cleaner->leftOutCount(u"caches"_s), 2);
+    rig.make().opened().open(u"caches"_s);
+    QTRY_VERIFY((rig.clock.advance(50ms), !rig.cleaner->opened().contents().value(u"caches"_s).isMeasuring));
+    QCOMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 2);
     for (const QByteArray &path : {folder + "dear", odd})
-        rig.cleaner->setIncluded(u"caches"_s, path, true);
+        rig.cleaner->opened().setIncluded(u"caches"_s, path, true);
     QVERIFY(!rig.settings.contains(LeftOutEntries::defaultsKey));
 }
 
@@ -357,7 +357,7 @@ void SystemCleanerTest::leftOutEntriesEditedByHand()
     Rig rig;
     const auto countOf = [&](const QJsonValue &stored) {
         rig.settings.set(LeftOutEntries::defaultsKey, stored);
-        return rig.make().leftOutCount(u"caches"_s);
+        return rig.make().opened().leftOutCount(u"caches"_s);
     };
     QCOMPARE(countOf(u"caches"_s), 0);
     QCOMPARE(countOf(QJsonArray{u"/a"_s}), 0);
@@ -365,8 +365,8 @@ void SystemCleanerTest::leftOutEntriesEditedByHand()
     QCOMPARE(countOf(QJsonObject{{u"caches"_s, QJsonArray{u"/a"_s, 7, u"relative"_s, QJsonArray(), u""_s}}}),
              1);
     for (int n = 0; n < LeftOutEntries::mostKept + 10; ++n)
-        rig.cleaner->setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
-    QCOMPARE(rig.make().leftOutCount(u"caches"_s), LeftOutEntries::mostKept);
+        rig.cleaner->opened().setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
+    QCOMPARE(rig.make().opened().leftOutCount(u"caches"_s), LeftOutEntries::mostKept);
 }
 
 void SystemCleanerTest::whatIsLeftOutOfOneItemStaysInAnother()
@@ -377,7 +377,7 @@ void SystemCleanerTest::whatIsLeftOutOfOneItemStaysInAnother()
     rig.put(u"cache/other"_s);
     SystemCleaner &cleaner = rig.make();
     const QString dear = QFileInfo(rig.path(u"cache/browser/dear"_s)).canonicalFilePath();
-    cleaner.setIncluded(u"browser"_s, QFile::encodeName(dear), false);
+    cleaner.opened().setIncluded(u"browser"_s, QFile::encodeName(dear), false);
     cleaner.clean({u"caches"_s, u"browser"_s});
     rig.finish();
     QVERIFY(rig.has(u"cache/browser/dear/file"_s));
@@ -519,23 +519,22 @@ void SystemCleanerTest::openedRow()
     const QString folder = QFileInfo(rig.path(u"cache"_s)).canonicalFilePath();
     rig.usage.sizes = {{QFile::encodeName(folder + u"/large"_s), 900},
                        {QFile::encodeName(folder + u"/small"_s), 1}};
-    SystemCleaner &cleaner = rig.make();
-    QVERIFY(cleaner.hasContents(u"caches"_s) && !cleaner.hasContents(u"trash"_s) &&
-            !cleaner.hasContents(u"dns"_s));
+    OpenedItems &opened = rig.make().opened();
+    QVERIFY(opened.canOpen(u"caches"_s) && !opened.canOpen(u"trash"_s) && !opened.canOpen(u"dns"_s));
     rig.usage.delay = 1s;
-    cleaner.open(u"caches"_s);
-    QVERIFY(cleaner.contents().value(u"caches"_s).isMeasuring);
-    QTRY_VERIFY((rig.clock.advance(1s), !cleaner.contents().value(u"caches"_s).isMeasuring));
+    opened.open(u"caches"_s);
+    QVERIFY(opened.contents().value(u"caches"_s).isMeasuring);
+    QTRY_VERIFY((rig.clock.advance(1s), !opened.contents().value(u"caches"_s).isMeasuring));
     rig.usage.delay = 0s;
-    const CleanupContents contents = cleaner.contents().value(u"caches"_s);
+    const CleanupContents contents = opened.contents().value(u"caches"_s);
     QCOMPARE(contents.entries.size(), 2);
     QCOMPARE(contents.entries[0].name, u"large"_s);
     QCOMPARE(contents.entries[0].bytes, std::optional<qint64>(900));
-    cleaner.close(u"caches"_s);
-    QVERIFY(cleaner.contents().isEmpty());
-    cleaner.open(u"browser"_s); // missing is empty
-    QTRY_VERIFY(!cleaner.contents().value(u"browser"_s).isMeasuring);
-    QCOMPARE(cleaner.contents().value(u"browser"_s), CleanupContents());
+    opened.close(u"caches"_s);
+    QVERIFY(opened.contents().isEmpty());
+    opened.open(u"browser"_s); // missing is empty
+    QTRY_VERIFY(!opened.contents().value(u"browser"_s).isMeasuring);
+    QCOMPARE(opened.contents().value(u"browser"_s), CleanupContents());
 }
 
 void SystemCleanerTest::twoCleansAtOnce()

@@ -24,7 +24,7 @@ const QString chrome = u"chrome-cache"_s;
 // Everything that is ever selected lies in the rig's own home.
 struct Rig : WindowRig {
     Rig() { select({chrome}); }
-    void select(const QJsonArray &ids) { host.settings.stored.insert(SystemCleaner::defaultsKey, ids); }
+    void select(const QJsonArray &ids) { host.settings.stored.insert(CleanupChoices::defaultsKey, ids); }
     void start()
     {
         WindowRig::start();
@@ -130,7 +130,7 @@ void SystemCleanupViewTest::selectionIsCounted()
     QVERIFY(rig.check(u"jetbrains"_s)->isChecked());
     rig.click(u"cleanupNone"_s);
     QVERIFY(!rig.check(u"jetbrains"_s)->isChecked());
-    QCOMPARE(rig.services->settings.json(SystemCleaner::defaultsKey)->toArray(), QJsonArray());
+    QCOMPARE(rig.services->settings.json(CleanupChoices::defaultsKey)->toArray(), QJsonArray());
 }
 
 void SystemCleanupViewTest::measuringIsCancelled()
@@ -208,9 +208,9 @@ void SystemCleanupViewTest::cleaningWithConsentAndQuestion()
     rig.fill();
     rig.start();
     QTRY_COMPARE(rig.total(), u"7 MB"_s);
-    rig.cleaner().open(chrome);
-    QTRY_COMPARE(rig.cleaner().contents()[chrome].entries.size(), 2);
-    rig.cleaner().setIncluded(chrome, rig.native(u"cache/google-chrome/small"_s), false);
+    rig.cleaner().opened().open(chrome);
+    QTRY_COMPARE(rig.cleaner().opened().contents()[chrome].entries.size(), 2);
+    rig.cleaner().opened().setIncluded(chrome, rig.native(u"cache/google-chrome/small"_s), false);
     rig.button(u"cleanupClean"_s)->setFocus();
     rig.click(u"cleanupClean"_s);
     QCOMPARE(rig.text(u"noticeTitle"_s), u"系统清理隐私确认"_s);

@@ -185,9 +185,9 @@ void UninstallViewTest::searchingByKeyboard()
     rig.key(Qt::Key_Down);
     rig.key(Qt::Key_Return);
     QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
-    QCOMPARE(rig.scanner().review()->app.name, u"Krita"_s);
+    QCOMPARE(rig.scanner().openReview().review()->app.name, u"Krita"_s);
     rig.key(Qt::Key_Escape);
-    QVERIFY(!rig.scanner().review());
+    QVERIFY(!rig.scanner().openReview().review());
     QVERIFY(rig.find(u"appRows"_s)->hasFocus());
 }
 
@@ -199,7 +199,7 @@ void UninstallViewTest::consentComesFirst()
     rig.open();
     rig.clickUninstall(0);
     QCOMPARE(rig.text(u"noticeTitle"_s), u"应用卸载隐私确认"_s);
-    QVERIFY(!rig.scanner().isReviewing());
+    QVERIFY(!rig.scanner().openReview().isPreparing());
     rig.click(u"noticeCancel"_s);
     QVERIFY(!rig.find(u"uninstallReview"_s));
     rig.clickUninstall(0);
@@ -220,7 +220,7 @@ void UninstallViewTest::reviewIsTickedAndConfirmed()
     QCOMPARE(found.size(), 3);
     QVERIFY2(found[1].contains(u"org.gimp.conf，已勾选"_s), qPrintable(found[1]));
     QVERIFY2(found[2].contains(u"gimpressive，未勾选"_s), qPrintable(found[2]));
-    QVERIFY(found[2].endsWith(rig.scanner().review()->items[2].caution));
+    QVERIFY(found[2].endsWith(rig.scanner().openReview().review()->items[2].caution));
     QVERIFY(rig.text(u"reviewTotal"_s).startsWith(u"已勾选 2 项"_s));
 
     // The destructive button is not where the keyboard begins.
@@ -229,13 +229,13 @@ void UninstallViewTest::reviewIsTickedAndConfirmed()
     list->setFocus();
     list->setCurrentIndex(list->model()->index(0, 0));
     rig.key(Qt::Key_Space);
-    QVERIFY(rig.scanner().review()->items[0].isTicked); // the application itself stays
+    QVERIFY(rig.scanner().openReview().review()->items[0].isTicked); // the application itself stays
     list->setCurrentIndex(list->model()->index(1, 0));
     rig.key(Qt::Key_Space);
-    QVERIFY(!rig.scanner().review()->items[1].isTicked);
+    QVERIFY(!rig.scanner().openReview().review()->items[1].isTicked);
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                       list->visualRect(list->model()->index(2, 0)).center());
-    QVERIFY(rig.scanner().review()->items[2].isTicked);
+    QVERIFY(rig.scanner().openReview().review()->items[2].isTicked);
     rig.click(u"reviewConfirm"_s);
     QVERIFY(rig.finish());
     QVERIFY(QFile::exists(own));
@@ -251,7 +251,7 @@ void UninstallViewTest::cancelledReviewMovesNothing()
     QVERIFY(rig.openReview(0));
     rig.click(u"reviewCancel"_s);
     QVERIFY(!rig.find(u"uninstallReview"_s));
-    QVERIFY(!rig.scanner().review());
+    QVERIFY(!rig.scanner().openReview().review());
     QVERIFY(rig.host.trash.calls.isEmpty());
 }
 

@@ -1,18 +1,16 @@
 #include "capture/RecordingSession.h"
 
-#include "capture/CaptureSize.h"
 #include "capture/RecorderLog.h"
 #include "capture/RecordingFile.h"
+#include "capture/StreamCreation.h"
 #include "capture/StreamPreparation.h"
 #include "capture/UnfinishedRecordings.h"
 #include "foundation/Log.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QPointer>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -69,7 +67,7 @@ QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
     const QPointer self(this);
     _isProcessing = true;
     _stopWanted = false;
-    _usingSystemRecorder = _systemFinished = false;
+    _usingSystemRecorder = false;
     _systemFailed.reset();
     _finishedMovie = std::optional<QString>();
     _lastFailure = QString();
@@ -108,15 +106,8 @@ QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
     if (content->displays.isEmpty())
         co_return failure(u"没有找到显示器"_s);
 
-    const auto filter = recordingFilter(request, *content, QCoreApplication::applicationPid());
-    if (!filter)
-        co_return failure(filter.error().message);
-    logFilter(*filter, *content);
-    if (const auto made = makeStream(request, *filter); !made)
+    if (const auto made = makeStream(request, *content); !made)
         co_return failure(made.error().message);
-    if (const auto prepared = prepareStream(request); !prepared)
-        co_return failure(prepared.error().message);
-
     _log.append(u"[6/6] startCapture…"_s);
     const auto started = co_await _stream->startCapture();
     if (!self)
@@ -124,46 +115,14 @@ QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
     co_return started;
 }
 
-void RecordingSession::logFilter(const CaptureFilter &filter, const ShareableContent &content)
+Result<void> RecordingSession::makeStream(const RecordingRequest &request, const ShareableContent &content)
 {
-    if (filter.windowId) {
-        const auto window = std::ranges::find(content.windows, *filter.windowId, &CapturableWindow::windowId);
-        _log.append(u"[2/6] ✅ 窗口 %1"_s.arg(window->title));
-    } else {
-        _log.append(u"[2/6] ✅ 全屏 displayID=%1 排除本应用窗口=%2"_s.arg(filter.displayId)
-                        .arg(filter.excludedWindows.size()));
-    }
-}
+    auto created = StreamCreation(_capture, _log).create(request, content, observer());
+    if (!created)
+        return failure(created.error().message);
+    _stream = std::move(created->session);
+    _captureSize = created->size;
 
-Result<void> RecordingSession::makeStream(const RecordingRequest &request, const CaptureFilter &filter)
-{
-    const auto geometry = _capture.geometry(filter);
-    if (!geometry)
-        return failure(geometry.error().message);
-    const QSize size = velbrix::captureSize(request.mode, request.quality, *geometry);
-    _captureSize = size;
-
-    const CaptureFeatures features = _capture.features();
-    const StreamConfiguration configuration = recordingStream(request, size, features);
-    QString line = u"[3/6] 捕获像素 %1x%2 %3 %4fps 系统音频=%5"_s.arg(size.width())
-                       .arg(size.height())
-                       .arg(rawValue(request.quality))
-                       .arg(configuration.framesPerSecond)
-                       .arg(log::text(configuration.capturesAudio));
-    if (features.microphone)
-        line += u" 麦克风="_s + log::text(configuration.capturesMicrophone);
-    _log.append(line);
-
-    auto stream = _capture.makeSession(filter, configuration, observer());
-    if (!stream)
-        return failure(stream.error().message);
-    _stream = std::move(*stream);
-    _log.append(u"[4/6] ✅ 捕获流已创建 queueDepth=%1"_s.arg(configuration.queueDepth));
-    return {};
-}
-
-Result<void> RecordingSession::prepareStream(const RecordingRequest &request)
-{
     const QString path = QDir(request.outputDir).filePath(recordingFileName(*_recordStartedAt.value()));
     QFile::remove(path);
     _outputURL = std::optional(path);
@@ -193,10 +152,7 @@ CaptureObserver RecordingSession::observer()
         _systemFailed = reason;
         _log.append(u"❌ SCRecordingOutput 失败:"_s + reason.message);
     };
-    observer.recordingFinished = [this] {
-        _systemFinished = true;
-        _log.append(u"✅ SCRecordingOutput 收尾完成"_s);
-    };
+    observer.recordingFinished = [this] { _log.append(u"✅ SCRecordingOutput 收尾完成"_s); };
     return observer;
 }
 

@@ -47,9 +47,7 @@ public:
 private:
     QCoro::Task<> runStart(RecordingRequest request);
     QCoro::Task<Result<void>> begin(RecordingRequest request);
-    void logFilter(const CaptureFilter &filter, const ShareableContent &content);
-    Result<void> makeStream(const RecordingRequest &request, const CaptureFilter &filter);
-    Result<void> prepareStream(const RecordingRequest &request);
+    Result<void> makeStream(const RecordingRequest &request, const ShareableContent &content);
     CaptureObserver observer();
 
     QCoro::Task<> runStop();
@@ -71,7 +69,6 @@ private:
     std::unique_ptr<Alarm> _progress;
     std::chrono::milliseconds _startedAt{0};
     bool _usingSystemRecorder = false;
-    bool _systemFinished = false;
     std::optional<Failure> _systemFailed;
     bool _stopInProgress = false;
     bool _stopWanted = false; // asked for while starting

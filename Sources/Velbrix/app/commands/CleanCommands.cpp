@@ -85,15 +85,16 @@ QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
 // The contents of one item as they would go, the largest first.
 QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
 {
-    if (!cleaner.hasContents(item.id))
+    OpenedItems &opened = cleaner.opened();
+    if (!opened.canOpen(item.id))
         co_return QString();
-    const bool wasOpen = cleaner.contents().contains(item.id);
-    cleaner.open(item.id);
-    while (cleaner.contents().value(item.id).isMeasuring)
-        co_await nextSignal(cleaner, &SystemCleaner::contentsChanged);
-    const CleanupContents contents = cleaner.contents().value(item.id);
+    const bool wasOpen = opened.contents().contains(item.id);
+    opened.open(item.id);
+    while (opened.contents().value(item.id).isMeasuring)
+        co_await nextSignal(opened, &OpenedItems::contentsChanged);
+    const CleanupContents contents = opened.contents().value(item.id);
     if (!wasOpen)
-        cleaner.close(item.id);
+        opened.close(item.id);
     QStringList lines;
     if (!contents.problem.isEmpty())
         lines << u"    "_s + contents.problem;

@@ -2,17 +2,15 @@
 
 #include "maintenance/backup/ArchiveList.h"
 #include "maintenance/backup/ArchiveRun.h"
+#include "maintenance/backup/BackupInspection.h"
 #include "maintenance/backup/BackupNotices.h"
-#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/BackupTaskChanges.h"
 #include "maintenance/backup/MirrorRun.h"
 #include "platform/SystemSleep.h"
 #include "platform/UserNotifications.h"
 
 #include <QCoroFuture>
-#include <QFileInfo>
 #include <QPointer>
-#include <QStorageInfo>
-#include <QUuid>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -27,42 +25,9 @@ namespace {
 constexpr auto catchUpDelay = 60s; // a start is busy enough
 constexpr auto wakeDelay = 10s;    // disks and the network come back
 
-struct Inspection {
-    QString obstacle;
-    QString sourceVolume = {};
-    QString destVolume = {};
-    QString realSource = {}; // without links, as the next
-    QString realDestination = {};
-};
-
-Inspection inspect(const BackupTask &task)
-{
-    Inspection seen{.obstacle = backupObstacle(task)};
-    if (seen.obstacle.isEmpty()) {
-        seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
-        seen.destVolume = QStorageInfo(task.destPath).rootPath();
-        seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
-        seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
-    }
-    return seen;
-}
-
-// What runs have written stays that of the task as it is.
-void takeResults(BackupTask &task, const BackupTask &from)
-{
-    task.lastRunAt = from.lastRunAt;
-    task.lastResult = from.lastResult;
-    task.lastFailed = from.lastFailed;
-}
-
 QCoro::Task<bool> nobodyAgrees()
 {
     co_return false;
-}
-
-auto byId(const QString &id)
-{
-    return [id](const BackupTask &task) { return task.id == id; };
 }
 
 } // namespace
@@ -80,9 +45,7 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
     _storageProblem = _store.problem();
     correctTimes();
     _pollTimer = _clock.every(checkInterval, [this] { poll(); });
-    const QDateTime now = _clock.now();
-    const auto isMissed = [&](const BackupTask &task) { return task.isEnabled && task.nextRunAt <= now; };
-    if (std::ranges::any_of(_tasks.value(), isMissed))
+    if (!dueTasks(_tasks, _clock.now()).isEmpty())
         pollAfter(catchUpDelay);
     watchWaking();
 }
@@ -96,35 +59,19 @@ QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
 {
     task = normalised(std::move(task));
     const QPointer self(this);
-    const QFuture<Inspection> inspection = QtConcurrent::run(&backupWorkers(), inspect, task);
-    const Inspection seen = co_await inspection;
+    const QFuture<BackupInspection> inspection = QtConcurrent::run(&backupWorkers(), inspectPlaces, task);
+    const BackupInspection seen = co_await inspection;
     if (!self)
         co_return failure(u"程序正在退出"_s);
     if (!seen.obstacle.isEmpty())
         co_return failure(seen.obstacle);
     QList<BackupTask> tasks = _tasks;
-    BackupTask real = task;
-    real.sourcePath = seen.realSource;
-    real.destPath = seen.realDestination;
-    for (const BackupTask &there : {task, real}) {
-        if (const QString conflict = backupConflict(there, tasks); !conflict.isEmpty())
-            co_return failure(conflict);
-    }
+    if (const QString conflict = backupConflict(task, seen, tasks); !conflict.isEmpty())
+        co_return failure(conflict);
     task.sourceVolume = seen.sourceVolume;
     task.destVolume = seen.destVolume;
-    task.nextRunAt = nextRun(task.schedule, _clock.now());
-    forgetFailures(task);
-    const auto known = std::ranges::find_if(tasks, byId(task.id));
-    if (known != tasks.end() && !task.id.isEmpty()) {
-        takeResults(task, *known);
-        *known = task;
-    } else {
-        takeResults(task, {});
-        task.id = QUuid::createUuid().toString(QUuid::WithoutBraces);
-        tasks.append(task);
-    }
+    const BackupTask saved = enterTask(task, tasks, _clock.now());
     store(tasks);
-    const BackupTask saved = task;
     co_return saved;
 }
 
@@ -133,25 +80,20 @@ void FileBackupController::remove(const QString &id)
     if (_currentRunningTaskID.value() == id)
         cancelRun();
     QList<BackupTask> tasks = _tasks;
-    if (tasks.removeIf(byId(id)) > 0)
+    if (tasks.removeIf([&](const BackupTask &task) { return task.id == id; }) > 0)
         store(tasks);
 }
 
 void FileBackupController::setEnabled(const QString &id, bool isEnabled)
 {
     const QDateTime now = _clock.now();
-    change(id, [isEnabled, now](BackupTask &task) {
-        // What came due while it was off was not missed.
-        if (isEnabled && !task.isEnabled && task.nextRunAt <= now)
-            task.nextRunAt = nextRun(task.schedule, now);
-        task.isEnabled = isEnabled;
-    });
+    change(id, [isEnabled, now](BackupTask &task) { setTaskEnabled(task, isEnabled, now); });
 }
 
 std::optional<BackupTask> FileBackupController::task(const QString &id) const
 {
     const QList<BackupTask> tasks = _tasks;
-    const auto found = std::ranges::find_if(tasks, byId(id));
+    const auto found = std::ranges::find(tasks, id, &BackupTask::id);
     return found != tasks.end() ? std::optional(*found) : std::nullopt;
 }
 
@@ -191,11 +133,7 @@ QCoro::Task<QList<BackupArchiveInfo>> FileBackupController::archives(QString id)
 void FileBackupController::correctTimes()
 {
     QList<BackupTask> tasks = _tasks;
-    const QDateTime now = _clock.now();
-    for (BackupTask &task : tasks) {
-        if (!task.nextRunAt.isValid() || isTooFarAhead(task.schedule, task.nextRunAt, now))
-            task.nextRunAt = nextRun(task.schedule, now);
-    }
+    correctNextRuns(tasks, _clock.now());
     if (tasks != _tasks.value())
         store(tasks);
 }
@@ -234,7 +172,7 @@ void FileBackupController::abandonQuestion()
 {
     const QDateTime now = _clock.now();
     const auto waits = [&](const BackupTask &task) {
-        return task.isEnabled && task.nextRunAt <= now && task.id != _currentRunningTaskID.value();
+        return isDue(task, now) && task.id != _currentRunningTaskID.value();
     };
     if (_answer.isWaitedForSince(checkInterval) && std::ranges::any_of(_tasks.value(), waits))
         answer(false);
@@ -243,15 +181,12 @@ void FileBackupController::abandonQuestion()
 QCoro::Task<> FileBackupController::runDue()
 {
     const QPointer self(this);
-    const QDateTime now = _clock.now();
-    QList<BackupTask> due = _tasks;
-    due.removeIf([&](const BackupTask &task) { return !task.isEnabled || task.nextRunAt > now; });
-    std::ranges::sort(due, {}, &BackupTask::nextRunAt);
+    const QList<BackupTask> due = dueTasks(_tasks, _clock.now());
     _isPolling = true;
-    for (const BackupTask &found : std::as_const(due)) {
+    for (const BackupTask &found : due) {
         // It may have been changed, removed or run meanwhile.
         const auto current = task(found.id);
-        if (_isRunningBackup || !current || !current->isEnabled || current->nextRunAt > _clock.now())
+        if (_isRunningBackup || !current || !isDue(*current, _clock.now()))
             continue;
         co_await run(*current, Occasion::onSchedule);
         if (!self)
@@ -293,13 +228,8 @@ void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &
     const QDateTime now = _clock.now();
     std::optional<UserNotice> notice;
     change(asRun.id, [&](BackupTask &task) {
-        task.lastRunAt = now;
-        task.lastResult = outcome.message;
-        task.lastFailed = outcome.state == BackupOutcome::State::failed;
-        task.nextRunAt = nextRun(task.schedule, now);
-        if (outcome.state == BackupOutcome::State::done)
-            forgetFailures(task);
-        else if (task.lastFailed && occasion == Occasion::onSchedule)
+        enterOutcome(outcome, task, now);
+        if (task.lastFailed && occasion == Occasion::onSchedule)
             notice = noticeOfFailure(task, asRun.nextRunAt, now);
     });
     _runningProgress = QString();
@@ -331,15 +261,14 @@ void FileBackupController::answer(bool isYes)
     _answer.give(isYes);
 }
 
-bool FileBackupController::change(const QString &id, const std::function<void(BackupTask &)> &change)
+void FileBackupController::change(const QString &id, const std::function<void(BackupTask &)> &edit)
 {
     QList<BackupTask> tasks = _tasks;
-    const auto found = std::ranges::find_if(tasks, byId(id));
+    const auto found = std::ranges::find(tasks, id, &BackupTask::id);
     if (found == tasks.end())
-        return false;
-    change(*found);
+        return;
+    edit(*found);
     store(tasks);
-    return true;
 }
 
 void FileBackupController::store(const QList<BackupTask> &tasks)

@@ -102,8 +102,8 @@ private:
     QCoro::Task<bool> ask(BackupQuestion question);
     void answer(bool isYes);
     void abandonQuestion();
-    // The change is stored at once. False when there is no such task.
-    bool change(const QString &id, const std::function<void(BackupTask &)> &change);
+    // Stored at once. Does nothing when there is no such task.
+    void change(const QString &id, const std::function<void(BackupTask &)> &edit);
     void store(const QList<BackupTask> &tasks);
 
     Hosts _hosts;

@@ -16,7 +16,7 @@ QString standardizedPath(const QString &path)
     return QDir::cleanPath(QDir(whole).absolutePath());
 }
 
-CleanupItem customItem(const QString &path)
+CleanupRule customRule(const QString &path)
 {
     const QString name = QFileInfo(path).fileName();
     CleanupItem item;
@@ -27,7 +27,7 @@ CleanupItem customItem(const QString &path)
     item.isSelected = true;
     item.estimatedSize = u"待计算"_s;
     item.customPath = path;
-    return item;
+    return {item, CleanupGroup::custom, {item.id, item.name, path, {}, false}, {path}};
 }
 
 QString customFolderObstacle(const QString &path, const RemovalRules &rules)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/Result.h"
-#include "maintenance/cleanup/CleanupTypes.h"
+#include "maintenance/cleanup/CleanupCatalog.h"
 
 #include <QString>
 
@@ -10,7 +10,8 @@ namespace velbrix {
 // Absolute, without "~", "..", "." and doubled slashes.
 QString standardizedPath(const QString &path);
 
-CleanupItem customItem(const QString &standardizedPath);
+// What cleaning such a folder means; already selected.
+CleanupRule customRule(const QString &standardizedPath);
 
 // Why this cannot be cleaned, in words for the user; else empty. Looks at the
 // disk.

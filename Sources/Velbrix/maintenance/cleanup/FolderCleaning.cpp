@@ -27,14 +27,27 @@ void dropExpected(RemovalReport &report, const QList<QByteArray> &kept)
 
 } // namespace
 
+QThreadPool &cleanupThreads()
+{
+    static auto *const pool = new QThreadPool;
+    return *pool;
+}
+
+void Cleaned::add(const Cleaned &other)
+{
+    count += other.count;
+    ownBytes += other.ownBytes;
+    removal.add(other.removal);
+}
+
 bool isCleanable(const QByteArray &name)
 {
     return !name.startsWith('.') || name == ".DS_Store";
 }
 
-FolderCleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled)
+Cleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled)
 {
-    FolderCleaned cleaned;
+    Cleaned cleaned;
     for (const QString &folder : cleaning.folders) {
         const QByteArray native = QFile::encodeName(folder);
         const RemovalRoot root(native, cleaning.rules);

@@ -5,10 +5,15 @@
 #include <QByteArray>
 #include <QList>
 #include <QStringList>
+#include <QThreadPool>
 
 #include <atomic>
 
 namespace velbrix {
+
+// Where folders are listed and emptied. Never waited for: a folder on a disk
+// that is gone would hold up the end.
+QThreadPool &cleanupThreads();
 
 // Whether emptying a folder takes the entry of this name: hidden ones stay.
 bool isCleanable(const QByteArray &name);
@@ -22,15 +27,15 @@ struct FolderCleaning {
     bool withoutLinks = false;
 };
 
-struct FolderCleaned {
-    qint64 count = 0;    // entries that were to go, gone or not
+struct Cleaned {
+    qint64 count = 0;    // entries that were to go, gone or not; the trash and a command are one each
     qint64 ownBytes = 0; // of those entries themselves, not of what is in them
-    RemovalReport removal;
+    RemovalReport removal = {};
 
-    bool operator==(const FolderCleaned &) const = default;
+    void add(const Cleaned &other);
 };
 
-FolderCleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled);
+Cleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled);
 
 // The entries that cleaning would take, by their path. A folder that cannot be
 // listed has none and is named in the problem.

@@ -1,40 +1,36 @@
 #include "maintenance/cleanup/SystemCleaner.h"
 
-#include "foundation/SettingsStore.h"
+#include "foundation/ByteCount.h"
 #include "maintenance/cleanup/CustomFolder.h"
-#include "platform/RunningPrograms.h"
-#include "platform/TrashCan.h"
 
-#include <QJsonArray>
+#include <QPointer>
 
 #include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
-constexpr std::chrono::hours leastAge{24};
+constexpr auto afterEachItem = 100ms;
 
-bool liesInside(const QString &path, const QString &folder)
-{
-    return path.startsWith(folder + u'/');
-}
+const QString unknownYet = u"计算中…"_s;
+const QString notMeasured = u"待计算"_s;
+const QString nothingToShow = u"无数据"_s;
 
 bool isWanted(const CleanupItem &item, const QStringList &ids)
 {
     return ids.isEmpty() ? item.isSelected : ids.contains(item.id);
 }
 
-QStringList strings(const std::optional<QJsonValue> &stored)
+QStringList idsOf(const QList<CleanupItem> &items)
 {
-    QStringList values;
-    for (const QJsonValue &value : stored.value_or(QJsonValue()).toArray()) {
-        if (value.isString())
-            values.append(value.toString());
-    }
-    return values;
+    QStringList ids;
+    for (const CleanupItem &item : items)
+        ids.append(item.id);
+    return ids;
 }
 
 } // namespace
@@ -42,165 +38,47 @@ QStringList strings(const std::optional<QJsonValue> &stored)
 SystemCleaner::SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock &clock,
                              QList<CleanupRule> catalog, QList<QByteArray> ownPlaces, QObject *parent)
     : QObject(parent),
-      _hosts(hosts),
-      _settings(settings),
       _clock(clock),
-      _processes(clock),
-      _catalog(std::move(catalog)),
-      _ownPlaces(std::move(ownPlaces)),
-      _leftOut(settings)
+      _choices(settings),
+      _table(std::move(catalog), {hosts.trash, hosts.programs}, clock, std::move(ownPlaces)),
+      _sizes(_table, hosts.usage),
+      _opened(_table, hosts.usage, settings, clock),
+      _itemCleaner(_table, {hosts.trash, hosts.admin}, clock)
 {
-    load();
+    for (const QString &path : _choices.customPaths())
+        _table.add(customRule(path));
+    QList<CleanupItem> items;
+    for (const CleanupRule &rule : _table.rules())
+        items.append(rule.item);
+    if (const auto selected = _choices.selected()) {
+        for (CleanupItem &item : items)
+            item.isSelected = selected->contains(item.id);
+    }
+    _items = items;
+    _opened.loadLeftOut(idsOf(items));
+    connect(&_sizes, &CleanupSizes::measured, this, &SystemCleaner::showSize);
 }
 
 SystemCleaner::~SystemCleaner()
 {
     cancel();
-    for (Cancellation &opening : _openings)
-        opening.cancel();
-}
-
-void SystemCleaner::load()
-{
-    QList<CleanupItem> items;
-    for (const CleanupRule &rule : std::as_const(_catalog))
-        items.append(rule.item);
-    for (const QString &path : strings(_settings.json(customPathsKey))) {
-        // A relative one would mean another folder with every start.
-        if (!path.startsWith(u'/') && path != u"~" && !path.startsWith(u"~/"))
-            continue;
-        const CleanupItem custom = customItem(standardizedPath(path));
-        if (std::ranges::find(items, custom.id, &CleanupItem::id) == items.end())
-            items.append(custom);
-    }
-    const auto selection = _settings.json(defaultsKey);
-    if (selection && selection->isArray()) {
-        const QStringList selected = strings(selection);
-        for (CleanupItem &item : items)
-            item.isSelected = selected.contains(item.id);
-    }
-    QStringList ids;
-    for (const CleanupItem &item : std::as_const(items))
-        ids.append(item.id);
-    _leftOut.load(ids);
-    _items = items;
-}
-
-const CleanupRule *SystemCleaner::rule(const QString &id) const
-{
-    const auto found = std::ranges::find(_catalog, id, [](const CleanupRule &rule) { return rule.item.id; });
-    return found == _catalog.end() ? nullptr : &*found;
-}
-
-const CleanupItem *SystemCleaner::item(const QString &id) const
-{
-    const auto &items = _items.value();
-    const auto found = std::ranges::find(items, id, &CleanupItem::id);
-    return found == items.end() ? nullptr : &*found;
 }
 
 CleanupGroup SystemCleaner::group(const QString &id) const
 {
-    const CleanupRule *known = rule(id);
+    const CleanupRule *known = _table.rule(id);
     return known ? known->group : CleanupGroup::custom;
 }
 
 bool SystemCleaner::isAdministrative(const QString &id) const
 {
-    const CleanupRule *known = rule(id);
+    const CleanupRule *known = _table.rule(id);
     return known && known->target.requiresAdmin;
-}
-
-bool SystemCleaner::hasContents(const QString &id) const
-{
-    return id != trashItemId && !emptiedFolders(id).isEmpty();
-}
-
-std::optional<qint64> SystemCleaner::measuredBytes(const QString &id) const
-{
-    const auto found = _bytes.find(id);
-    return found == _bytes.end() ? std::nullopt : std::optional(*found);
 }
 
 qint64 SystemCleaner::selectedBytes() const
 {
-    QStringList counted;
-    qint64 total = 0;
-    const QList<CleanupItem> items = itemsToClean();
-    for (const CleanupItem &item : items)
-        counted += measuredFolders(item.id);
-    for (const CleanupItem &item : items) {
-        const QStringList folders = measuredFolders(item.id);
-        const bool isInside = std::ranges::any_of(folders, [&](const QString &folder) {
-            return std::ranges::any_of(counted,
-                                       [&](const QString &other) { return liesInside(folder, other); });
-        });
-        if (!isInside)
-            total += measuredBytes(item.id).value_or(0);
-    }
-    return total;
-}
-
-CleanupTarget SystemCleaner::target(const CleanupItem &item) const
-{
-    if (const CleanupRule *known = rule(item.id))
-        return known->target;
-    return {item.id, item.name, item.customPath, {}, false};
-}
-
-QStringList SystemCleaner::emptiedFolders(const QString &id) const
-{
-    const CleanupRule *known = rule(id);
-    if (!known) {
-        const CleanupItem *custom = item(id);
-        return custom && custom->customPath ? QStringList{*custom->customPath} : QStringList();
-    }
-    QStringList folders;
-    if (known->target.path)
-        folders = matchingFolders(*known->target.path);
-    return folders + known->furtherPaths;
-}
-
-QStringList SystemCleaner::measuredFolders(const QString &id) const
-{
-    if (id == trashItemId)
-        return _hosts.trash.folders();
-    const CleanupRule *known = rule(id);
-    if (!known)
-        return emptiedFolders(id);
-    QStringList folders;
-    for (const QString &pattern : known->measured)
-        folders += matchingFolders(pattern);
-    return folders;
-}
-
-// Those of items which are not cleaned.
-QStringList SystemCleaner::foldersOfOthers(const QString &id, const QSet<QString> &cleaned) const
-{
-    QStringList folders;
-    for (const CleanupItem &other : _items.value()) {
-        if (other.id != id && !cleaned.contains(other.id))
-            folders += emptiedFolders(other.id);
-    }
-    return folders;
-}
-
-bool SystemCleaner::isSkipped(const CleanupItem &item) const
-{
-    return _busyItems.value().contains(item.id) && !_forcedItems.value().contains(item.id);
-}
-
-RemovalRules SystemCleaner::removalRules(const QString &id) const
-{
-    RemovalRules rules;
-    rules.protectedPlaces = protectedHostPlaces();
-    rules.sealedPlaces = _ownPlaces;
-    rules.boundSockets = _hosts.programs.boundSockets();
-    rules.now = _clock.now().toSecsSinceEpoch();
-    const CleanupRule *known = rule(id);
-    if (known && known->onlyOldOwnFiles)
-        rules.minimumAge = leastAge;
-    return rules;
+    return _sizes.total(idsOf(itemsToClean()));
 }
 
 void SystemCleaner::change(const QString &id, const std::function<void(CleanupItem &)> &edit)
@@ -216,7 +94,7 @@ void SystemCleaner::change(const QString &id, const std::function<void(CleanupIt
 void SystemCleaner::setSelected(const QString &id, bool isSelected)
 {
     change(id, [&](CleanupItem &item) { item.isSelected = isSelected; });
-    saveSelection();
+    _choices.saveSelection(_items);
 }
 
 void SystemCleaner::setAllSelected(bool isSelected)
@@ -225,7 +103,7 @@ void SystemCleaner::setAllSelected(bool isSelected)
     for (CleanupItem &item : items)
         item.isSelected = isSelected;
     _items = items;
-    saveSelection();
+    _choices.saveSelection(_items);
 }
 
 void SystemCleaner::setForced(const QString &id, bool isForced)
@@ -238,56 +116,83 @@ void SystemCleaner::setForced(const QString &id, bool isForced)
     _forcedItems = forced;
 }
 
-void SystemCleaner::saveSelection()
-{
-    QJsonArray selected;
-    for (const CleanupItem &item : _items.value()) {
-        if (item.isSelected)
-            selected.append(item.id);
-    }
-    _settings.set(defaultsKey, selected);
-}
-
-void SystemCleaner::saveCustomPaths()
-{
-    QJsonArray paths;
-    for (const CleanupItem &item : _items.value()) {
-        if (item.customPath)
-            paths.append(*item.customPath);
-    }
-    _settings.set(customPathsKey, paths);
-    saveSelection();
-}
-
 Result<void> SystemCleaner::addCustomPath(const QString &path)
 {
-    const CleanupItem custom = customItem(standardizedPath(path));
-    if (const QString obstacle = customFolderObstacle(*custom.customPath, removalRules(custom.id));
-        !obstacle.isEmpty())
+    const QString folder = standardizedPath(path);
+    const CleanupRule custom = customRule(folder);
+    const QString &id = custom.item.id;
+    if (const QString obstacle = customFolderObstacle(folder, _table.removalRules(id)); !obstacle.isEmpty())
         return failure(obstacle);
-    if (item(custom.id))
+    if (_table.rule(id))
         return failure(u"该路径已添加"_s);
-    const auto count = std::ranges::count_if(
-        _items.value(), [](const CleanupItem &item) { return item.customPath.has_value(); });
+    const auto count = std::ranges::count(_table.rules(), CleanupGroup::custom, &CleanupRule::group);
     if (count >= maxCustomPathsAllowed)
         return failure(u"最多可添加 %1 个自定义文件夹"_s.arg(maxCustomPathsAllowed));
-    _items = _items.value() + QList<CleanupItem>{custom};
-    saveCustomPaths();
-    estimate({custom.id}, Cancellation());
+    _table.add(custom);
+    _items = _items.value() + QList<CleanupItem>{custom.item};
+    _choices.save(_items);
+    measure({id}, Cancellation());
     return {};
 }
 
 void SystemCleaner::removeCustomPath(const QString &id)
 {
-    if (rule(id))
+    if (group(id) != CleanupGroup::custom)
         return;
     QList<CleanupItem> items = _items;
     items.removeIf([&](const CleanupItem &item) { return item.id == id; });
-    close(id);
-    _bytes.remove(id);
-    _leftOut.remove(id);
+    _table.remove(id);
+    _opened.forget(id);
+    _sizes.forget(id);
     _items = items;
-    saveCustomPaths();
+    _choices.save(items);
+}
+
+void SystemCleaner::calculateOnce()
+{
+    if (!_hasCalculated)
+        recalculate();
+}
+
+void SystemCleaner::recalculate()
+{
+    if (!isWorking())
+        calculate();
+}
+
+QCoro::Task<> SystemCleaner::calculate()
+{
+    const QPointer self(this);
+    _hasCalculated = true;
+    _work = Cancellation();
+    const quint64 measuring = ++_measurings;
+    _phase = CleanupPhase::calculating();
+    _busyItems = _table.busyItems();
+    co_await measure(idsOf(_items), _work);
+    // A clean may have begun meanwhile, and another measuring after it.
+    if (self && measuring == _measurings && _phase.value().kind == CleanupPhase::Kind::calculating)
+        _phase = CleanupPhase();
+}
+
+QCoro::Task<> SystemCleaner::measure(QStringList ids, Cancellation work)
+{
+    const QPointer self(this);
+    co_await _sizes.measure(ids, work);
+    if (!self)
+        co_return;
+    // Left over by a cancelling.
+    for (const QString &id : ids)
+        change(id, [](CleanupItem &item) {
+            if (item.estimatedSize == unknownYet)
+                item.estimatedSize = notMeasured;
+        });
+}
+
+void SystemCleaner::showSize(const QString &id, qint64 bytes)
+{
+    change(id, [&](CleanupItem &item) {
+        item.estimatedSize = bytes > 0 ? formatByteCount(bytes) : nothingToShow;
+    });
 }
 
 bool SystemCleaner::isWorking() const
@@ -298,22 +203,11 @@ bool SystemCleaner::isWorking() const
 void SystemCleaner::cancel()
 {
     _work.cancel();
-    if (_stopRemoval)
-        *_stopRemoval = true;
 }
 
-void SystemCleaner::refreshBusyItems()
+bool SystemCleaner::isSkipped(const CleanupItem &item) const
 {
-    QStringList owners;
-    for (const CleanupRule &rule : std::as_const(_catalog))
-        owners += rule.owners;
-    const QSet<QString> running = _hosts.programs.running(owners);
-    QStringList busy;
-    for (const CleanupRule &rule : std::as_const(_catalog)) {
-        if (std::ranges::any_of(rule.owners, [&](const QString &owner) { return running.contains(owner); }))
-            busy.append(rule.item.id);
-    }
-    _busyItems = busy;
+    return _busyItems.value().contains(item.id) && !_forcedItems.value().contains(item.id);
 }
 
 QList<CleanupItem> SystemCleaner::itemsToClean(const QStringList &ids) const
@@ -326,13 +220,6 @@ QList<CleanupItem> SystemCleaner::itemsToClean(const QStringList &ids) const
     return taken;
 }
 
-QString SystemCleaner::obstacle(const QStringList &ids) const
-{
-    if (!itemsToClean(ids).isEmpty())
-        return {};
-    return itemsToSkip(ids).isEmpty() ? u"没有选择任何清理项"_s : u"所选项目的应用正在运行，没有清理"_s;
-}
-
 QStringList SystemCleaner::itemsToSkip(const QStringList &ids) const
 {
     QStringList skipped;
@@ -341,6 +228,61 @@ QStringList SystemCleaner::itemsToSkip(const QStringList &ids) const
             skipped.append(item.name);
     }
     return skipped;
+}
+
+QString SystemCleaner::obstacle(const QStringList &ids) const
+{
+    if (!itemsToClean(ids).isEmpty())
+        return {};
+    return itemsToSkip(ids).isEmpty() ? u"没有选择任何清理项"_s : u"所选项目的应用正在运行，没有清理"_s;
+}
+
+void SystemCleaner::clean(const QStringList &ids)
+{
+    if (_isCleaning)
+        return;
+    _work.cancel();
+    _busyItems = _table.busyItems();
+    CleanupReport report;
+    report.skipped = itemsToSkip(ids);
+    if (const QString reason = obstacle(ids); !reason.isEmpty()) {
+        report.outcome = CleanupPhase::failed(reason);
+        _report = report;
+        _phase = report.outcome;
+        return;
+    }
+    runClean(itemsToClean(ids), report);
+}
+
+QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport report)
+{
+    const QPointer self(this);
+    _isCleaning = true;
+    const Cancellation work;
+    _work = work;
+    const QStringList ids = idsOf(items);
+    Cleaned total;
+    for (qsizetype i = 0; i < items.size() && !work.isCancelled(); ++i) {
+        _phase = CleanupPhase::cleaning(items[i].name);
+        _progress = static_cast<double>(i) / static_cast<double>(items.size());
+        const ItemCleaner::Bounds bounds = {{ids.begin(), ids.end()}, _opened.leftOut()};
+        const Cleaned cleaned = co_await _itemCleaner.clean(ids[i], bounds, work);
+        if (!self)
+            co_return;
+        total.add(cleaned);
+        co_await Pause(_clock, afterEachItem);
+        if (!self)
+            co_return;
+    }
+    report.wasCancelled = work.isCancelled();
+    report.removal = total.removal;
+    report.outcome = CleanupPhase::done(total.count, total.ownBytes);
+    _isCleaning = false;
+    _report = report;
+    _progress = 1.0;
+    _phase = report.outcome;
+    calculate();
+    _opened.lookAgain();
 }
 
 } // namespace velbrix

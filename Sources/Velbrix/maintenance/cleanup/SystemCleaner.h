@@ -3,19 +3,19 @@
 #include "foundation/Clock.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
-#include "foundation/Removal.h"
 #include "foundation/Result.h"
-#include "maintenance/cleanup/CleanupCatalog.h"
+#include "maintenance/cleanup/CleanupChoices.h"
+#include "maintenance/cleanup/CleanupSizes.h"
+#include "maintenance/cleanup/CleanupTable.h"
 #include "maintenance/cleanup/CleanupTypes.h"
-#include "maintenance/cleanup/LeftOutEntries.h"
+#include "maintenance/cleanup/ItemCleaner.h"
+#include "maintenance/cleanup/OpenedItems.h"
 
 #include <QCoroTask>
-#include <QHash>
 #include <QObject>
 #include <QSet>
 
-#include <atomic>
-#include <memory>
+#include <functional>
 
 namespace velbrix {
 
@@ -25,24 +25,19 @@ class RunningPrograms;
 class SettingsStore;
 class TrashCan;
 
-using CleanupContentsById = QHash<QString, CleanupContents>;
-
 // Caches, logs, trash and folders of the user's choice: how large they are,
 // and emptying those that are selected.
 class SystemCleaner final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(SystemCleaner, QList<CleanupItem>, items)
     VELB_PUBLISHED(SystemCleaner, CleanupPhase, phase)
-    VELB_PUBLISHED(SystemCleaner, double, progress, 0)           // 0…1
-    VELB_PUBLISHED(SystemCleaner, CleanupContentsById, contents) // of the opened rows
-    VELB_PUBLISHED(SystemCleaner, CleanupReport, report)         // of the last clean
+    VELB_PUBLISHED(SystemCleaner, double, progress, 0)    // 0…1
+    VELB_PUBLISHED(SystemCleaner, CleanupReport, report)  // of the last clean
     VELB_PUBLISHED(SystemCleaner, QStringList, busyItems) // ids whose owner runs; asked anew with the sizes
     VELB_PUBLISHED(SystemCleaner, QSet<QString>, forcedItems) // busy ones to be cleaned all the same
 
 public:
     static constexpr int maxCustomPathsAllowed = 10;
-    static inline const QString defaultsKey = QStringLiteral("VelbClean_CleanupSelection");
-    static inline const QString customPathsKey = QStringLiteral("VelbClean_CustomPaths");
 
     struct Hosts {
         DiskUsage &usage;
@@ -59,10 +54,8 @@ public:
 
     CleanupGroup group(const QString &id) const;
     bool isAdministrative(const QString &id) const;
-    // Whether the row has entries to open.
-    bool hasContents(const QString &id) const;
     // Bytes as last measured; nothing while unknown or not measurable.
-    std::optional<qint64> measuredBytes(const QString &id) const;
+    std::optional<qint64> measuredBytes(const QString &id) const { return _sizes.bytes(id); }
     // Of what is selected; a folder inside another one counts once.
     qint64 selectedBytes() const;
 
@@ -80,12 +73,8 @@ public:
     // The first showing of the page; later ones do nothing.
     void calculateOnce();
 
-    void open(const QString &id);
-    void close(const QString &id);
-    // Leaves one entry of an opened row out of every clean, or takes it in again.
-    void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
-    // Entries left out; those of a closed row, too.
-    qsizetype leftOutCount(const QString &id) const { return _leftOut.count(id); }
+    OpenedItems &opened() { return _opened; }
+    const OpenedItems &opened() const { return _opened; }
 
     // Ends the measuring, or the cleaning after the entry it is at.
     void cancel();
@@ -104,44 +93,21 @@ public:
     bool isWorking() const;
 
 private:
-    struct Act; // what one item's cleaning did
-
-    const CleanupRule *rule(const QString &id) const;
-    CleanupTarget target(const CleanupItem &item) const;
-    QStringList emptiedFolders(const QString &id) const;
-    QStringList measuredFolders(const QString &id) const;
-    QStringList foldersOfOthers(const QString &id, const QSet<QString> &cleaned) const;
     bool isSkipped(const CleanupItem &item) const;
-    const CleanupItem *item(const QString &id) const;
-    RemovalRules removalRules(const QString &id) const;
-
-    void load();
-    void saveSelection();
-    void saveCustomPaths();
     void change(const QString &id, const std::function<void(CleanupItem &)> &edit);
-    void setSize(const QString &id, qint64 bytes);
-    void refreshBusyItems();
+    void showSize(const QString &id, qint64 bytes);
 
-    QCoro::Task<> estimate(QStringList ids, Cancellation work);
+    QCoro::Task<> measure(QStringList ids, Cancellation work);
     QCoro::Task<> calculate();
-    QCoro::Task<> measureContents(QString id);
-    void publishContents(const QString &id, const CleanupContents &contents);
+    QCoro::Task<> runClean(QList<CleanupItem> items, CleanupReport report);
 
-    QCoro::Task<> runClean(QStringList ids);
-    QCoro::Task<Act> cleanItem(CleanupItem item, QSet<QString> cleaned);
-    QCoro::Task<Act> emptyFolders(QString id, QSet<QString> cleaned);
-
-    Hosts _hosts;
-    SettingsStore &_settings;
     Clock &_clock;
-    ProcessRunner _processes;
-    QList<CleanupRule> _catalog;
-    QList<QByteArray> _ownPlaces;
-    QHash<QString, qint64> _bytes;
-    LeftOutEntries _leftOut;
-    QHash<QString, Cancellation> _openings;
+    CleanupChoices _choices;
+    CleanupTable _table;
+    CleanupSizes _sizes;
+    OpenedItems _opened;
+    ItemCleaner _itemCleaner;
     Cancellation _work;
-    std::shared_ptr<std::atomic_bool> _stopRemoval;
     quint64 _measurings = 0; // of all items, so far
     bool _isCleaning = false;
     bool _hasCalculated = false;

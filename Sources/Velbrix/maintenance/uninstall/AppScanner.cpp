@@ -3,8 +3,6 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/uninstall/AppListing.h"
 #include "maintenance/uninstall/ReviewListing.h"
-#include "maintenance/uninstall/UninstallJournal.h"
-#include "maintenance/uninstall/UninstallSequence.h"
 #include "platform/TrashCan.h"
 
 #include <QFileInfo>
@@ -12,7 +10,6 @@
 #include <QPointer>
 
 #include <algorithm>
-#include <ranges>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -22,24 +19,11 @@ namespace {
 
 constexpr auto udModeKey = "Velbrix_UninstallMode"_L1;
 constexpr auto udOptionsKey = "Velbrix_CleanupOptions"_L1;
-constexpr auto sizesShownEvery = 100ms;
 
 QString doneMessage(const QString &name, qsizetype failures)
 {
     const QString done = u"已卸载「%1」"_s.arg(name);
     return failures == 0 ? done : done + u"，%1 项未能移动"_s.arg(failures);
-}
-
-QString putBackMessage(const UninstallRecord &record, qsizetype failures)
-{
-    QStringList parts;
-    if (const qsizetype restored = record.moved.size() - failures; restored > 0)
-        parts << u"已将「%1」的 %2 项放回原处"_s.arg(record.name, QString::number(restored));
-    if (failures > 0)
-        parts << u"%1 项未能放回"_s.arg(failures);
-    if (!record.removedPackage.isEmpty())
-        parts << u"软件包 %1 不能放回，请重新安装"_s.arg(record.removedPackage);
-    return parts.join(u"，"_s);
 }
 
 } // namespace
@@ -51,37 +35,41 @@ AppScanner::AppScanner(Hosts hosts, SettingsStore &settings, Clock &clock, const
       _settings(settings),
       _clock(clock),
       _ownFolder(QFileInfo(journalFile).absolutePath()),
-      _journal(std::make_unique<UninstallJournal>(journalFile)),
-      _sequence(new UninstallSequence(hosts.catalog, hosts.trash, *_journal, clock, this))
+      _openReview({hosts.catalog, hosts.usage, hosts.programs}, clock),
+      _journal(journalFile),
+      _uninstallSequence(hosts.catalog, hosts.trash, _journal, clock),
+      _putBackSequence(hosts.trash, _journal)
 {
     const QString mode = settings.string(udModeKey).value_or(QString());
     _uninstallMode = uninstallModeFromRawValue(mode).value_or(UninstallMode::full);
     const QJsonObject options = settings.json(udOptionsKey).value_or(QJsonValue()).toObject();
     _cleanupOptions = cleanupOptionsFromJson(options).value_or(CleanupOptions());
-    _records = _journal->records();
-    observeSequence();
+    _records = _journal.records();
+    observeSequences();
 }
 
 AppScanner::~AppScanner()
 {
     _scanning.cancel();
-    _reviewing.cancel();
     _uninstalling.cancel();
-    delete _sequence; // before the journal it writes to
 }
 
-void AppScanner::observeSequence()
+void AppScanner::observeSequences()
 {
-    connect(_sequence, &UninstallSequence::begun, this, [this] { _isUninstalling = true; });
-    connect(_sequence, &UninstallSequence::stageReached, this, [this](const UninstallStage &stage) {
+    const auto fail = [this](const FailedItem &item) { _failures = failures() << item; };
+    const auto record = [this] { _records = _journal.records(); };
+    connect(&_putBackSequence, &PutBackSequence::failed, this, fail);
+    connect(&_putBackSequence, &PutBackSequence::recorded, this, record);
+    const UninstallSequence *const uninstalling = &_uninstallSequence;
+    connect(uninstalling, &UninstallSequence::failed, this, fail);
+    connect(uninstalling, &UninstallSequence::recorded, this, record);
+    connect(uninstalling, &UninstallSequence::begun, this, [this] { _isUninstalling = true; });
+    connect(uninstalling, &UninstallSequence::progressed, this,
+            [this](double value) { _progressValue = value; });
+    connect(uninstalling, &UninstallSequence::stageReached, this, [this](const UninstallStage &stage) {
         _progressStage = stage;
         _progressValue = stage.progress();
     });
-    connect(_sequence, &UninstallSequence::progressed, this,
-            [this](double value) { _progressValue = value; });
-    connect(_sequence, &UninstallSequence::failed, this,
-            [this](const FailedItem &item) { _failures = failures() << item; });
-    connect(_sequence, &UninstallSequence::recorded, this, [this] { _records = _journal->records(); });
 }
 
 void AppScanner::scanOnce()
@@ -175,42 +163,8 @@ UninstallPlan AppScanner::planFor(const AppInfo &app, UninstallMode mode) const
 
 void AppScanner::prepareReview(const AppInfo &app)
 {
-    if (_isBusy)
-        return;
-    cancelReview();
-    _isReviewing = true;
-    runReview(app, _reviewing);
-}
-
-QCoro::Task<> AppScanner::runReview(AppInfo app, Cancellation reviewing)
-{
-    const UninstallPlan plan = planFor(app, uninstallMode());
-    const UninstallReview review = co_await listedReview(plan, _hosts.catalog, _hosts.programs);
-    if (reviewing.isCancelled())
-        co_return;
-    _review = review;
-    _isReviewing = false;
-    const auto measured = [this](qsizetype item, qint64 bytes) {
-        _sizes.insert(item, bytes);
-        if (!_sizesDue)
-            _sizesDue = _clock.after(sizesShownEvery, [this] { showSizes(); });
-    };
-    co_await measureReview(review, _hosts.usage, measured, reviewing);
-    if (!reviewing.isCancelled())
-        showSizes();
-}
-
-// Together: a publication for each of thousands would stand still.
-void AppScanner::showSizes()
-{
-    _sizesDue.reset();
-    std::optional<UninstallReview> now = review();
-    if (!now)
-        return;
-    for (const auto &[item, bytes] : std::as_const(_sizes).asKeyValueRange())
-        now->items[item].bytes = bytes;
-    _sizes.clear();
-    _review = now;
+    if (!_isBusy)
+        _openReview.prepare(planFor(app, uninstallMode()));
 }
 
 QCoro::Task<UninstallReview> AppScanner::reviewOf(AppInfo app, UninstallMode mode)
@@ -220,35 +174,10 @@ QCoro::Task<UninstallReview> AppScanner::reviewOf(AppInfo app, UninstallMode mod
     UninstallReview review = co_await listedReview(plan, _hosts.catalog, _hosts.programs);
     if (!self)
         co_return review;
-    const auto sizes = std::make_shared<QHash<qsizetype, qint64>>();
-    const auto measured = [sizes](qsizetype item, qint64 bytes) { sizes->insert(item, bytes); };
+    const auto measured = [&review](qsizetype item, qint64 bytes) { review.items[item].bytes = bytes; };
     const Cancellation never;
     co_await measureReview(review, _hosts.usage, measured, never);
-    for (const auto &[item, bytes] : std::as_const(*sizes).asKeyValueRange())
-        review.items[item].bytes = bytes;
     co_return review;
-}
-
-void AppScanner::setTicked(const QString &path, bool isTicked)
-{
-    std::optional<UninstallReview> now = review();
-    if (!now)
-        return;
-    for (ReviewItem &item : now->items) {
-        if (item.path == path && !item.isFixed)
-            item.isTicked = isTicked;
-    }
-    _review = now;
-}
-
-void AppScanner::cancelReview()
-{
-    _reviewing.cancel();
-    _reviewing = Cancellation();
-    _sizesDue.reset();
-    _sizes.clear();
-    _isReviewing = false;
-    _review = std::nullopt;
 }
 
 void AppScanner::uninstall(const UninstallReview &review)
@@ -256,7 +185,7 @@ void AppScanner::uninstall(const UninstallReview &review)
     if (_isBusy || isPuttingBack())
         return;
     const UninstallReview chosen = review; // it may be the one that closes here
-    cancelReview();
+    _openReview.close();
     _isBusy = true;
     _uninstalling = Cancellation();
     _failures = QList<FailedItem>();
@@ -269,7 +198,7 @@ QCoro::Task<> AppScanner::runUninstall(UninstallReview review)
     const QPointer self(this);
     UninstallPlan plan = planFor(review.app, review.mode);
     plan.review = review;
-    const UninstallSequence::Outcome outcome = co_await _sequence->run(plan, _uninstalling);
+    const UninstallSequence::Outcome outcome = co_await _uninstallSequence.run(plan, _uninstalling);
     if (!self)
         co_return;
     const bool isDone = outcome.stage.kind == UninstallStage::Kind::done;
@@ -278,8 +207,10 @@ QCoro::Task<> AppScanner::runUninstall(UninstallReview review)
     if (!self)
         co_return;
     const QString message = isDone ? doneMessage(review.app.name, failures().size()) : outcome.stage.label();
-    if (isDone)
-        closeOverlay();
+    if (isDone) {
+        _progressStage = UninstallStage();
+        _progressValue = 0;
+    }
     _isUninstalling = false;
     _uninstallingName = QString();
     _isBusy = false;
@@ -289,12 +220,6 @@ QCoro::Task<> AppScanner::runUninstall(UninstallReview review)
     Q_EMIT finished(message);
 }
 
-void AppScanner::closeOverlay()
-{
-    _progressStage = UninstallStage();
-    _progressValue = 0;
-}
-
 void AppScanner::cancelUninstall()
 {
     _uninstalling.cancel();
@@ -302,8 +227,8 @@ void AppScanner::cancelUninstall()
 
 void AppScanner::putBack(const QString &recordId)
 {
-    const auto record = std::ranges::find(_journal->records(), recordId, &UninstallRecord::id);
-    if (_isBusy || isPuttingBack() || record == _journal->records().end())
+    const auto record = std::ranges::find(_journal.records(), recordId, &UninstallRecord::id);
+    if (_isBusy || isPuttingBack() || record == _journal.records().end())
         return;
     _isPuttingBack = true;
     _failures = QList<FailedItem>();
@@ -314,37 +239,17 @@ void AppScanner::forget(const QString &recordId)
 {
     if (_isBusy || isPuttingBack())
         return;
-    _journal->remove(recordId);
-    _records = _journal->records();
+    _journal.remove(recordId);
+    _records = _journal.records();
 }
 
 QCoro::Task<> AppScanner::runPutBack(UninstallRecord record)
 {
     const QPointer self(this);
-    UninstallRecord rest = record;
-    for (const MovedItem &item : record.moved | std::views::reverse) {
-        Result<void> restored = failure(u"不知道它在废纸篓中的位置"_s);
-        if (!item.trashed.isEmpty())
-            restored = co_await _hosts.trash.putBack(item.trashed, item.original);
-        if (!self)
-            co_return;
-        if (!restored) {
-            _failures = failures() << FailedItem{item.original, restored.error().message};
-            continue;
-        }
-        rest.moved.removeOne(item);
-        (void)co_await _journal->put(rest);
-        if (!self)
-            co_return;
-        _records = _journal->records();
-    }
-    if (rest.moved.isEmpty() && !record.moved.isEmpty())
-        (void)co_await _journal->remove(record.id);
+    const QString message = co_await _putBackSequence.run(record);
     if (!self)
         co_return;
-    _records = _journal->records();
     _isPuttingBack = false;
-    const QString message = putBackMessage(record, failures().size());
     scan();
     Q_EMIT finished(message);
 }

@@ -3,13 +3,14 @@
 #include "foundation/Clock.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
+#include "maintenance/uninstall/OpenReview.h"
+#include "maintenance/uninstall/PutBackSequence.h"
+#include "maintenance/uninstall/UninstallJournal.h"
+#include "maintenance/uninstall/UninstallSequence.h"
 #include "maintenance/uninstall/UninstallTypes.h"
 
 #include <QCoroTask>
-#include <QHash>
 #include <QObject>
-
-#include <memory>
 
 namespace velbrix {
 
@@ -17,9 +18,6 @@ class DiskUsage;
 class RunningPrograms;
 class SettingsStore;
 class TrashCan;
-class UninstallJournal;
-class UninstallSequence;
-struct UninstallPlan;
 
 // Installed applications, and taking one of them away with the data that
 // belongs to it. What goes is settled in a review first; everything goes to
@@ -33,13 +31,11 @@ class AppScanner final : public QObject {
     VELB_PUBLISHED(AppScanner, UninstallMode, uninstallMode, UninstallMode::full)
     VELB_PUBLISHED(AppScanner, CleanupOptions, cleanupOptions)
     VELB_PUBLISHED(AppScanner, UninstallStage, progressStage)
-    VELB_PUBLISHED(AppScanner, double, progressValue, 0)  // 0…1
-    VELB_PUBLISHED(AppScanner, QString, scanProblem)      // why there is no list
-    VELB_PUBLISHED(AppScanner, QString, uninstallingName) // of the application under way, else empty
-    VELB_PUBLISHED(AppScanner, bool, isReviewing, false)  // a review is being prepared
-    VELB_PUBLISHED(AppScanner, std::optional<UninstallReview>, review) // open for the user's ticks
-    VELB_PUBLISHED(AppScanner, QList<UninstallRecord>, records)        // the last uninstalls, newest first
-    VELB_PUBLISHED(AppScanner, QList<FailedItem>, failures) // of the last uninstall or putting back
+    VELB_PUBLISHED(AppScanner, double, progressValue, 0)        // 0…1
+    VELB_PUBLISHED(AppScanner, QString, scanProblem)            // why there is no list
+    VELB_PUBLISHED(AppScanner, QString, uninstallingName)       // of the application under way, else empty
+    VELB_PUBLISHED(AppScanner, QList<UninstallRecord>, records) // the last uninstalls, newest first
+    VELB_PUBLISHED(AppScanner, QList<FailedItem>, failures)     // of the last uninstall or putting back
     VELB_PUBLISHED(AppScanner, bool, isPuttingBack, false)
 
 public:
@@ -67,17 +63,16 @@ public:
     // The kinds of data this host has folders for, in order.
     QList<LibraryKind> libraryKinds() const;
 
-    // Looks for what belongs to the application and publishes it as the review,
-    // with the mode that is set; sizes follow as they are known. Takes the
-    // place of an earlier review.
+    // Opens the review of the application in the mode that is set. Does nothing
+    // while something is uninstalled.
     void prepareReview(const AppInfo &app);
-    // The same with all sizes and without opening it, for the command line.
+    // Closed by the next uninstall.
+    OpenReview &openReview() { return _openReview; }
+    const OpenReview &openReview() const { return _openReview; }
+    // A review with all sizes that is not opened, for the command line.
     QCoro::Task<UninstallReview> reviewOf(AppInfo app, UninstallMode mode);
-    // The application itself cannot be unticked.
-    void setTicked(const QString &path, bool isTicked);
-    void cancelReview();
 
-    // Takes away what is ticked and closes the review. Asks nothing: consent
+    // Takes away what is ticked, and closes the open review. Asks nothing: consent
     // and confirmation come before. Does nothing while another uninstall runs
     // or something is put back.
     void uninstall(const UninstallReview &review);
@@ -99,26 +94,22 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> runScan(Cancellation scan);
-    QCoro::Task<> runReview(AppInfo app, Cancellation reviewing);
     QCoro::Task<> runUninstall(UninstallReview review);
     QCoro::Task<> runPutBack(UninstallRecord record);
 
     UninstallPlan planFor(const AppInfo &app, UninstallMode mode) const;
-    void showSizes();
-    void observeSequence();
-    void closeOverlay();
+    void observeSequences();
 
     Hosts _hosts;
     SettingsStore &_settings;
     Clock &_clock;
     const QString _ownFolder;
-    std::unique_ptr<UninstallJournal> _journal;
-    UninstallSequence *_sequence;
+    OpenReview _openReview;
+    UninstallJournal _journal;
+    UninstallSequence _uninstallSequence;
+    PutBackSequence _putBackSequence;
     Cancellation _scanning;
-    Cancellation _reviewing;
     Cancellation _uninstalling;
-    QHash<qsizetype, qint64> _sizes; // of the review's items, not yet shown
-    std::unique_ptr<Alarm> _sizesDue;
     quint64 _nextId = 1;
     bool _hasScanned = false;
     bool _isBusy = false;

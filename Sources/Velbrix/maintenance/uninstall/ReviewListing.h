@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/ProcessRunner.h"
-#include "maintenance/uninstall/UninstallSequence.h"
+#include "maintenance/uninstall/UninstallPlan.h"
 
 #include <QCoroTask>
 

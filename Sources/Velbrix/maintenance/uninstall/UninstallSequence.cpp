@@ -2,12 +2,9 @@
 
 #include "foundation/Log.h"
 #include "maintenance/uninstall/SelfTest.h"
-#include "maintenance/uninstall/UninstallJournal.h"
-#include "platform/TrashCan.h"
 
 #include <QCoroFuture>
 #include <QPointer>
-#include <QUuid>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -19,12 +16,6 @@ namespace velbrix {
 namespace {
 
 using Kind = UninstallStage::Kind;
-
-const QString &cancelled()
-{
-    static const QString text = u"已取消"_s;
-    return text;
-}
 
 struct Standing {
     bool isSelf = false;
@@ -65,19 +56,19 @@ QStringList stillThere(const QSet<QString> &paths)
 } // namespace
 
 UninstallSequence::UninstallSequence(ApplicationCatalog &catalog, TrashCan &trash, UninstallJournal &journal,
-                                     Clock &clock, QObject *parent)
-    : QObject(parent), _catalog(catalog), _trash(trash), _journal(journal), _clock(clock)
+                                     Clock &clock)
+    : _catalog(catalog), _clock(clock), _trash(trash, journal, clock)
 {
+    connect(&_trash, &RecordedTrash::failed, this, &UninstallSequence::failed);
+    connect(&_trash, &RecordedTrash::recorded, this, &UninstallSequence::recorded);
 }
 
 void UninstallSequence::prepare(UninstallPlan plan, Cancellation cancellation)
 {
     _plan = std::move(plan);
     _cancellation = std::move(cancellation);
-    _record = {
-        QUuid::createUuid().toString(QUuid::WithoutBraces), _plan.review.app.name, _clock.now(), {}, {}, {}};
+    _trash.begin(_plan.review.app);
     _hasRemoved = false;
-    _isUnrecorded = false;
     _open.clear();
     for (const ReviewItem &item : std::as_const(_plan.review.items)) {
         if (item.isTicked && item.reason != MatchReason::application)
@@ -104,7 +95,7 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
     if (!self)
         co_return Outcome{};
     if (_cancellation.isCancelled())
-        co_return ended(Kind::failed, cancelled());
+        co_return ended(Kind::failed, u"已取消"_s);
     const Result<void> taken = co_await takeApplication();
     if (!self)
         co_return Outcome{};
@@ -168,11 +159,10 @@ QCoro::Task<Result<void>> UninstallSequence::takeApplication()
         const Result<void> removed = co_await _catalog.removeManaged(source, _cancellation);
         if (!self || !removed)
             co_return removed;
-        _record.removedPackage = source.package.isEmpty() ? source.name : source.package;
-        co_await remember();
+        co_await _trash.removed(source.package.isEmpty() ? source.name : source.package);
         co_return Result<void>();
     }
-    const Result<void> moved = co_await move(path);
+    const Result<void> moved = co_await _trash.move(path);
     if (!self || !moved)
         co_return moved;
     // Whoever was asked to move it may have failed without a word.
@@ -199,7 +189,7 @@ QCoro::Task<> UninstallSequence::takeCompanions()
         if (_cancellation.isCancelled())
             co_return;
         _open.remove(path);
-        (void)co_await move(path);
+        (void)co_await _trash.move(path);
         if (!self)
             co_return;
     }
@@ -250,7 +240,7 @@ QCoro::Task<> UninstallSequence::takeEntries(QStringList paths)
             co_return;
         const QString path = paths.at(handled);
         _open.remove(path);
-        (void)co_await move(path);
+        (void)co_await _trash.move(path);
         if (!self)
             co_return;
         ++handled;
@@ -266,60 +256,7 @@ QCoro::Task<> UninstallSequence::refuseTheRest()
     const QStringList refused = co_await asked;
     if (!self)
         co_return;
-    for (const QString &path : refused)
-        fail(path, u"不属于此应用的数据，已拒绝移动"_s);
-    if (!refused.isEmpty())
-        co_await remember();
-}
-
-QCoro::Task<Result<void>> UninstallSequence::move(QString path)
-{
-    const QPointer self(this);
-    // Known on disk before it goes: a kill in between must not lose it.
-    _record.moved.append({path, {}});
-    co_await remember();
-    if (!self)
-        co_return failure(cancelled());
-    const Result<QString> trashed = co_await _trash.moveToTrash(path);
-    if (!self)
-        co_return failure(cancelled());
-    bool isStillThere = false;
-    if (!trashed || trashed->isEmpty()) {
-        const QFuture<bool> asked = QtConcurrent::run(&uninstallWorkers(), isThere, path);
-        isStillThere = co_await asked;
-        if (!self)
-            co_return failure(cancelled());
-    }
-    Result<void> result;
-    if (trashed && !isStillThere)
-        _record.moved.last().trashed = *trashed;
-    else
-        _record.moved.removeLast();
-    if (isStillThere) {
-        result = failure(trashed ? u"无法移入废纸篓"_s : trashed.error().message);
-        fail(path, result.error().message);
-    }
-    co_await remember();
-    co_return result;
-}
-
-QCoro::Task<> UninstallSequence::remember()
-{
-    const QPointer self(this);
-    const Result<void> written = co_await _journal.put(_record);
-    if (!self)
-        co_return;
-    if (!written && !_isUnrecorded) {
-        _isUnrecorded = true;
-        fail(_plan.review.app.path, u"卸载记录未能保存，退出后无法放回原处："_s + written.error().message);
-    }
-    Q_EMIT recorded();
-}
-
-void UninstallSequence::fail(const QString &path, const QString &reason)
-{
-    _record.failed.append({path, reason});
-    Q_EMIT failed({path, reason});
+    co_await _trash.refuse(refused, u"不属于此应用的数据，已拒绝移动"_s);
 }
 
 } // namespace velbrix

@@ -2,23 +2,14 @@
 
 #include "foundation/Clock.h"
 #include "foundation/ProcessRunner.h"
-#include "maintenance/uninstall/DataSearch.h"
-#include "maintenance/uninstall/UninstallTypes.h"
+#include "maintenance/uninstall/RecordedTrash.h"
+#include "maintenance/uninstall/UninstallPlan.h"
 
 #include <QCoroTask>
 #include <QObject>
 #include <QSet>
 
 namespace velbrix {
-
-class TrashCan;
-class UninstallJournal;
-
-// What is to go, and within what bounds.
-struct UninstallPlan {
-    UninstallReview review;
-    DataSearch search; // its folders are those from which data may go
-};
 
 // Takes one application away, step by step. Moves nothing but the application
 // itself, companions that the host named, and entries that the search finds
@@ -33,8 +24,7 @@ public:
     };
 
     // All must outlive the sequence.
-    UninstallSequence(ApplicationCatalog &catalog, TrashCan &trash, UninstallJournal &journal, Clock &clock,
-                      QObject *parent = nullptr);
+    UninstallSequence(ApplicationCatalog &catalog, TrashCan &trash, UninstallJournal &journal, Clock &clock);
 
     QCoro::Task<Outcome> run(UninstallPlan plan, Cancellation cancellation);
 
@@ -55,21 +45,15 @@ private:
     QCoro::Task<> takeEntries(QStringList paths);
     QStringList ticked(const QList<ReviewItem> &found) const;
     QCoro::Task<> refuseTheRest();
-    QCoro::Task<Result<void>> move(QString path);
-    QCoro::Task<> remember();
-    void fail(const QString &path, const QString &reason);
     Outcome ended(UninstallStage::Kind kind, const QString &text = {});
 
     ApplicationCatalog &_catalog;
-    TrashCan &_trash;
-    UninstallJournal &_journal;
     Clock &_clock;
+    RecordedTrash _trash;
     UninstallPlan _plan;
     Cancellation _cancellation;
-    UninstallRecord _record;
     QSet<QString> _open; // ticked and not yet dealt with
     bool _hasRemoved = false;
-    bool _isUnrecorded = false;
 };
 
 } // namespace velbrix

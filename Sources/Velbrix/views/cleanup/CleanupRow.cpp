@@ -39,7 +39,7 @@ CleanupRow::CleanupRow(const ViewContext &context, const CleanupItem &item, QWid
     rows->addWidget(makeLine(item));
 
     follow(_cleaner, &SystemCleaner::itemsChanged, this, [this] { showItem(); });
-    follow(_cleaner, &SystemCleaner::contentsChanged, this, [this] { showContents(); });
+    follow(_cleaner.opened(), &OpenedItems::contentsChanged, this, [this] { showContents(); });
     const auto busy = [this] { showBusy(); };
     connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, busy);
     connect(&_cleaner, &SystemCleaner::busyItemsChanged, this, busy);
@@ -52,7 +52,7 @@ CleanupRow::CleanupRow(const ViewContext &context, const CleanupItem &item, QWid
             _remove->setEnabled(isFree);
         if (_entries)
             _entries->setEnabled(isFree);
-        _open->setVisible(_cleaner.hasContents(_id)); // folders come and go
+        _open->setVisible(_cleaner.opened().canOpen(_id)); // folders come and go
     });
     showBusy();
 }
@@ -139,10 +139,10 @@ void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
     _open->setSizePolicy(policy);
     places->addWidget(_open);
     connect(_open, &QPushButton::clicked, this, [this] {
-        if (_cleaner.contents().contains(_id))
-            _cleaner.close(_id);
+        if (_cleaner.opened().contents().contains(_id))
+            _cleaner.opened().close(_id);
         else
-            _cleaner.open(_id);
+            _cleaner.opened().open(_id);
     });
 }
 
@@ -160,7 +160,7 @@ QWidget *CleanupRow::makeContents(const CleanupItem &item)
     _entries->setAccessibleName(u"%1的内容"_s.arg(oneLine(item.name)));
     rows->addWidget(_entries);
     connect(_entries, &CleanupEntryList::wanted, this,
-            [this](const QByteArray &path, bool on) { _cleaner.setIncluded(_id, path, on); });
+            [this](const QByteArray &path, bool on) { _cleaner.opened().setIncluded(_id, path, on); });
     return contents;
 }
 
@@ -185,7 +185,7 @@ void CleanupRow::showBusy()
 
 void CleanupRow::showContents()
 {
-    const CleanupContentsById all = _cleaner.contents();
+    const CleanupContentsById all = _cleaner.opened().contents();
     const auto found = all.constFind(_id);
     const bool isOpened = found != all.cend();
     showOpened(isOpened);

@@ -22,7 +22,7 @@ QString itemLine(const SystemCleaner &cleaner, const CleanupItem &item)
         marks.append(u"需要管理员权限"_s);
     if (cleaner.forcedItems().contains(item.id) && cleaner.busyItems().contains(item.id))
         marks.append(u"正在运行，仍要清理"_s);
-    if (const auto count = cleaner.leftOutCount(item.id); count > 0)
+    if (const auto count = cleaner.opened().leftOutCount(item.id); count > 0)
         marks.append(u"排除 %1 个条目"_s.arg(count));
     return marks.isEmpty() ? line : line + u"（%1）"_s.arg(marks.join(u"，"_s));
 }

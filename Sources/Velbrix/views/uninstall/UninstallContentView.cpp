@@ -36,8 +36,9 @@ UninstallContentView::UninstallContentView(const ViewContext &context, QWidget *
     connect(_apps, &AppListCard::uninstallWanted, this, [this](const AppInfo &app) { ask(app); });
     connect(_apps, &AppListCard::settingsWanted, this, [this] { openSettings(); });
     const AppScanner &scanner = context.services.uninstaller;
-    connect(&scanner, &AppScanner::reviewChanged, this, [this] { showReview(); });
-    connect(&scanner, &AppScanner::isReviewingChanged, this, [this] { showReview(); });
+    const OpenReview &open = scanner.openReview();
+    connect(&open, &OpenReview::reviewChanged, this, [this] { showReview(); });
+    connect(&open, &OpenReview::isPreparingChanged, this, [this] { showReview(); });
     connect(&scanner, &AppScanner::isUninstallingChanged, this, [this] { showProgress(); });
     // The result stands at the top.
     connect(&scanner, &AppScanner::finished, this, [this] { verticalScrollBar()->setValue(0); });
@@ -78,12 +79,12 @@ void UninstallContentView::openSettings()
 
 void UninstallContentView::showReview()
 {
-    const AppScanner &scanner = _context.services.uninstaller;
-    const bool isWanted = scanner.isReviewing() || scanner.review();
+    const OpenReview &open = _context.services.uninstaller.openReview();
+    const bool isWanted = open.isPreparing() || open.review();
     if (isWanted == !_review.isNull())
         return;
     if (isWanted) {
-        const auto review = scanner.review();
+        const auto review = open.review();
         _review = new UninstallReviewSheet(_context, review ? review->app.name : _asked, this);
         _review->open();
     } else {

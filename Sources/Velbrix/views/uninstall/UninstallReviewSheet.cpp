@@ -49,11 +49,11 @@ UninstallReviewSheet::UninstallReviewSheet(const ViewContext &context, const QSt
     _cancel = addButton({u"reviewCancel"_s, u"取消"_s, {}, {}});
     _confirm = addButton({u"reviewConfirm"_s, u"卸载"_s, {}, u"destructive"_s});
     AppScanner &scanner = context.services.uninstaller;
-    connect(this, &Sheet::cancelled, this, [&scanner] { scanner.cancelReview(); });
-    connect(_cancel, &QPushButton::clicked, this, [&scanner] { scanner.cancelReview(); });
+    connect(this, &Sheet::cancelled, this, [&scanner] { scanner.openReview().close(); });
+    connect(_cancel, &QPushButton::clicked, this, [&scanner] { scanner.openReview().close(); });
     connect(_confirm, &QPushButton::clicked, this, [this] { confirm(); });
     connect(_list, &RowList::spaced, this, [this](const QModelIndex &index) { toggle(index); });
-    follow(scanner, &AppScanner::reviewChanged, this, [this] { refresh(); });
+    follow(scanner.openReview(), &OpenReview::reviewChanged, this, [this] { refresh(); });
 }
 
 QWidget *UninstallReviewSheet::makeBody()
@@ -92,7 +92,7 @@ void UninstallReviewSheet::focusDefault()
 
 void UninstallReviewSheet::refresh()
 {
-    const auto review = _context.services.uninstaller.review();
+    const auto review = _context.services.uninstaller.openReview().review();
     _job->setVisible(!review);
     _list->setVisible(review.has_value());
     _confirm->setEnabled(review.has_value());
@@ -120,13 +120,13 @@ void UninstallReviewSheet::toggle(const QModelIndex &index)
 {
     const ReviewItem item = _rows->item(index);
     if (!item.isFixed)
-        _context.services.uninstaller.setTicked(item.path, !item.isTicked);
+        _context.services.uninstaller.openReview().setTicked(item.path, !item.isTicked);
 }
 
 void UninstallReviewSheet::confirm()
 {
     AppScanner &scanner = _context.services.uninstaller;
-    if (const auto review = scanner.review())
+    if (const auto review = scanner.openReview().review())
         scanner.uninstall(*review);
 }
 

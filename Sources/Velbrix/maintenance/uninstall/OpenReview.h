@@ -1,0 +1,56 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/ProcessRunner.h"
+#include "foundation/Published.h"
+#include "maintenance/uninstall/UninstallPlan.h"
+
+#include <QCoroTask>
+#include <QHash>
+#include <QObject>
+
+#include <memory>
+#include <optional>
+
+namespace velbrix {
+
+class DiskUsage;
+class RunningPrograms;
+
+// The review that lies open for the user's ticks, if there is one.
+class OpenReview final : public QObject {
+    Q_OBJECT
+    VELB_PUBLISHED(OpenReview, bool, isPreparing, false)
+    VELB_PUBLISHED(OpenReview, std::optional<UninstallReview>, review)
+
+public:
+    struct Hosts {
+        ApplicationCatalog &catalog;
+        DiskUsage &usage;
+        RunningPrograms &programs;
+    };
+
+    // All must outlive it.
+    OpenReview(Hosts hosts, Clock &clock) : _hosts(hosts), _clock(clock) {}
+    ~OpenReview() override { _wanted.cancel(); }
+
+    // Looks for what belongs to the plan's application and opens the review of
+    // it; sizes follow as they are known. Takes the place of an earlier one.
+    void prepare(const UninstallPlan &plan);
+    // The application itself cannot be unticked.
+    void setTicked(const QString &path, bool isTicked);
+    // Also one that is being prepared.
+    void close();
+
+private:
+    QCoro::Task<> run(UninstallPlan plan, Cancellation wanted);
+    void showSizes();
+
+    Hosts _hosts;
+    Clock &_clock;
+    Cancellation _wanted;
+    QHash<qsizetype, qint64> _sizes; // of the review's items, not yet shown
+    std::unique_ptr<Alarm> _sizesDue;
+};
+
+} // namespace velbrix

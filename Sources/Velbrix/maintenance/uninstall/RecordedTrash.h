@@ -1,0 +1,52 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/Result.h"
+#include "maintenance/uninstall/UninstallTypes.h"
+
+#include <QCoroTask>
+#include <QObject>
+
+namespace velbrix {
+
+class TrashCan;
+class UninstallJournal;
+
+// The trash of one uninstall: whatever goes is in the journal, on disk, before
+// it moves. All must outlive it.
+class RecordedTrash final : public QObject {
+    Q_OBJECT
+
+public:
+    RecordedTrash(TrashCan &trash, UninstallJournal &journal, Clock &clock)
+        : _trash(trash), _journal(journal), _clock(clock)
+    {
+    }
+
+    // A new record; the former one is complete.
+    void begin(const AppInfo &app);
+    // Done when it has gone, be it by itself; a failure is told and recorded
+    // as well.
+    QCoro::Task<Result<void>> move(QString path);
+    // Has gone through its manager.
+    QCoro::Task<> removed(QString package);
+    // Stays for this reason.
+    QCoro::Task<> refuse(QStringList paths, QString reason);
+
+Q_SIGNALS:
+    void failed(const velbrix::FailedItem &item);
+    void recorded(); // the journal has changed
+
+private:
+    QCoro::Task<> remember();
+    void fail(const QString &path, const QString &reason);
+
+    TrashCan &_trash;
+    UninstallJournal &_journal;
+    Clock &_clock;
+    QString _appPath;
+    UninstallRecord _record;
+    bool _isUnrecorded = false;
+};
+
+} // namespace velbrix
