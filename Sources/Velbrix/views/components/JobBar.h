@@ -2,12 +2,12 @@
 
 #include <QWidget>
 
-class QLabel;
 class QProgressBar;
 class QPushButton;
 
 namespace velbrix {
 
+class ElidedLabel;
 class Theme;
 
 // Work that is being done: what, how far, and a way to stop it.
@@ -25,7 +25,7 @@ Q_SIGNALS:
     void cancelled();
 
 private:
-    QLabel *_text;
+    ElidedLabel *_text;
     QProgressBar *_progress;
     QPushButton *_cancel;
 };
