@@ -1,7 +1,9 @@
 #include "support/FakeDesktopServices.h"
 #include "support/FakeSymbols.h"
 #include "support/VirtualClock.h"
+#include "views/FocusRings.h"
 #include "views/Theme.h"
+#include "views/components/JobBar.h"
 #include "views/components/PacedSlider.h"
 #include "views/components/PathField.h"
 #include "views/components/SegmentedChoice.h"
@@ -12,6 +14,7 @@
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -40,6 +43,8 @@ private Q_SLOTS:
     void segmentsByArrowKeys();
     void pathFieldTakesAFolderOnly();
     void tipsShowNamesAsTheyAre();
+    void jobBarFitsALongName();
+    void ringsAreForTheKeyboard();
     void sliderInItsOwnWords();
     void pacedSliderSparesTheSetting();
     void gridByKeyboard();
@@ -163,6 +168,40 @@ void ComponentsTest::tipsShowNamesAsTheyAre()
     QTextDocument document;
     document.setHtml(shown->toolTip());
     QCOMPARE(document.toPlainText(), field.path());
+}
+
+void ComponentsTest::jobBarFitsALongName()
+{
+    JobBar job(_theme, u"job"_s);
+    const int least = job.minimumSizeHint().width();
+    job.setJob(u"正在清理 %1…"_s.arg(QString(200, u'长')), 1, 2);
+    QVERIFY(job.minimumSizeHint().width() <= least + 60); // of which the bar and the button are most
+}
+
+void ComponentsTest::ringsAreForTheKeyboard()
+{
+    const FocusRings rings;
+    QWidget window;
+    auto *rows = new QVBoxLayout(&window);
+    auto *first = new QPushButton;
+    auto *second = new QPushButton;
+    rows->addWidget(first);
+    rows->addWidget(second);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const auto isRinged = [](const QPushButton *button) {
+        return button->hasFocus() && button->property("keyed").toBool();
+    };
+    first->setFocus();
+    QTest::keyClick(first, Qt::Key_Tab);
+    QVERIFY(isRinged(second));
+    QTest::mouseClick(first, Qt::LeftButton);
+    first->setEnabled(false);
+    QVERIFY(second->hasFocus() && !isRinged(second)); // it went on by itself
+    first->setEnabled(true);
+    QTest::keyClick(second, Qt::Key_Space);
+    first->setFocus(); // as a sheet does that was opened by a key
+    QVERIFY(isRinged(first));
 }
 
 void ComponentsTest::gridByKeyboard()
