@@ -43,6 +43,9 @@ UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget
     rows->addWidget(_bar);
     setBody(body);
     _stop = addButton({u"uninstallStop"_s, u"停止"_s, {}, {}});
+    QSizePolicy policy = _stop->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // the sheet keeps its height to the end
+    _stop->setSizePolicy(policy);
     AppScanner &scanner = context.services.uninstaller;
     connect(_stop, &QPushButton::clicked, this, [this, &scanner] {
         scanner.cancelUninstall();

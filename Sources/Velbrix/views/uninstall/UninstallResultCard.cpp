@@ -37,9 +37,9 @@ UninstallResultCard::UninstallResultCard(const ViewContext &context, QWidget *pa
     auto *line = new QHBoxLayout(top);
     line->setContentsMargins(0, 10, 0, 10);
     line->setSpacing(12);
-    line->addWidget(_symbol, 0, Qt::AlignTop);
+    line->addWidget(_symbol, 0, Qt::AlignVCenter);
     line->addWidget(_message, 1);
-    line->addWidget(seen, 0, Qt::AlignTop);
+    line->addWidget(seen, 0, Qt::AlignVCenter);
     addRow(top);
     _failures->setObjectName(u"uninstallFailures"_s);
     auto *rows = new QVBoxLayout(_failures);
