@@ -191,9 +191,11 @@ void BackupTaskCard::showRun()
 {
     const FileBackupController &backups = _context.services.fileBackup;
     const bool isMine = backups.isRunningBackup() && backups.currentRunningTaskID() == _task.id;
+    if (isMine)
+        _running->show();
+    _job->setRunning(isMine, {_run, _edit});
     _running->setVisible(isMine);
     _run->setEnabled(!backups.isRunningBackup());
-    _edit->setEnabled(!isMine);
     if (!isMine)
         return;
     const double share = backups.runningShare();

@@ -48,4 +48,23 @@ void JobBar::setCancellable(bool cancellable)
     _cancel->setVisible(cancellable);
 }
 
+void JobBar::setRunning(bool runs, const QList<QWidget *> &starters)
+{
+    if (runs)
+        show();
+    for (QWidget *starter : starters) {
+        if (runs && starter->hasFocus() && _cancel->isVisible()) {
+            _focusBefore = starter;
+            _cancel->setFocus();
+        }
+        starter->setEnabled(!runs);
+    }
+    if (runs)
+        return;
+    if (_focusBefore && _cancel->hasFocus())
+        _focusBefore->setFocus();
+    _focusBefore = nullptr;
+    hide();
+}
+
 } // namespace velbrix

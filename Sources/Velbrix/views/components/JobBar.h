@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 class QProgressBar;
@@ -21,6 +22,11 @@ public:
     void setJob(const QString &text, int done, int total);
     void setCancellable(bool cancellable);
 
+    // Shows that the job runs. A button that starts jobs is switched off as
+    // long as one runs; if the keyboard is at it, the focus waits at the cancel
+    // button meanwhile instead of getting lost.
+    void setRunning(bool runs, const QList<QWidget *> &starters);
+
 Q_SIGNALS:
     void cancelled();
 
@@ -28,6 +34,7 @@ private:
     ElidedLabel *_text;
     QProgressBar *_progress;
     QPushButton *_cancel;
+    QPointer<QWidget> _focusBefore;
 };
 
 } // namespace velbrix
