@@ -91,15 +91,22 @@ QWidget *CleanupOutcomeCard::makeProblems()
 void CleanupOutcomeCard::refresh()
 {
     const CleanupReport report = _cleaner.report();
-    const QString result = resultText(report.outcome);
+    const QString result = resultText(report);
     const bool hasFailed = report.outcome.kind == CleanupPhase::Kind::failed;
     // That there was nothing to do is told until there is something to do.
     const bool isOutdated = hasFailed && !_cleaner.itemsToClean().isEmpty();
     setVisible(!result.isEmpty() && !isOutdated && !_cleaner.isCleaning());
-    _mark->show(hasFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
-                hasFailed ? ThemeColor::bad : ThemeColor::good);
+    if (hasFailed)
+        _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
+    else if (report.wasCancelled)
+        _mark->show(u"info.circle"_s, ThemeColor::secondary);
+    else
+        _mark->show(u"checkmark.circle.fill"_s, ThemeColor::good);
     _result->setText(result);
-    setLook(_result, "role", hasFailed ? u"badHeading"_s : u"goodHeading"_s);
+    setLook(_result, "role",
+            hasFailed             ? u"badHeading"_s
+            : report.wasCancelled ? u"heading"_s
+                                  : u"goodHeading"_s);
     const QString details = reportText(report);
     _details->setText(details);
     _details->setVisible(!details.isEmpty());

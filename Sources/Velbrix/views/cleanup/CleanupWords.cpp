@@ -87,7 +87,7 @@ QString reportText(const CleanupReport &report)
             lines.append(u"没有需要删除的文件"_s);
     }
     if (report.wasCancelled)
-        lines.append(u"已取消，余下的没有清理"_s);
+        lines.append(u"余下的没有清理"_s);
     if (!report.skipped.isEmpty())
         lines.append(u"因正在运行而跳过：%1"_s.arg(report.skipped.join(u"、"_s)));
     return lines.join(u'\n');
