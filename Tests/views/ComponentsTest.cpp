@@ -4,6 +4,7 @@
 #include "views/FocusRings.h"
 #include "views/Theme.h"
 #include "views/components/JobBar.h"
+#include "views/components/NumberField.h"
 #include "views/components/PacedSlider.h"
 #include "views/components/PathField.h"
 #include "views/components/SegmentedChoice.h"
@@ -19,6 +20,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextDocument>
@@ -39,7 +41,7 @@ private Q_SLOTS:
     void switchOnlyAsks();
     void switchKnobTakesItsTime();
     void sliderByKeyAndDoubleClick();
-    void sliderLeavesTheWheelToThePage();
+    void theWheelIsLeftToThePage();
     void segmentsByArrowKeys();
     void pathFieldTakesAFolderOnly();
     void tipsShowNamesAsTheyAre();
@@ -111,13 +113,20 @@ void ComponentsTest::sliderByKeyAndDoubleClick()
     QCOMPARE(slider.value(), 30);
 }
 
-void ComponentsTest::sliderLeavesTheWheelToThePage()
+void ComponentsTest::theWheelIsLeftToThePage()
 {
     ValueSlider slider(u"minutes"_s, {1, 120, 30, u"分钟"_s});
+    QSpinBox number;
+    number.setValue(5);
+    makeNumberField(number, 72);
     QWheelEvent wheel(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
                       Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(slider.findChild<QSlider *>(), &wheel);
     QCOMPARE(slider.value(), 30);
+    QVERIFY(!wheel.isAccepted());
+    wheel.accept();
+    QCoreApplication::sendEvent(&number, &wheel);
+    QCOMPARE(number.value(), 5);
     QVERIFY(!wheel.isAccepted());
 }
 
