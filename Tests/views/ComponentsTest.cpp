@@ -2,6 +2,7 @@
 #include "support/FakeSymbols.h"
 #include "support/VirtualClock.h"
 #include "views/FocusRings.h"
+#include "views/ShownName.h"
 #include "views/Theme.h"
 #include "views/components/JobBar.h"
 #include "views/components/NumberField.h"
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void pathFieldTakesAFolderOnly();
     void tipsShowNamesAsTheyAre();
     void jobBarFitsALongName();
+    void longNamesLoseTheirMiddle();
     void ringsAreForTheKeyboard();
     void sliderInItsOwnWords();
     void pacedSliderSparesTheSetting();
@@ -185,6 +187,15 @@ void ComponentsTest::jobBarFitsALongName()
     const int least = job.minimumSizeHint().width();
     job.setJob(u"正在清理 %1…"_s.arg(QString(200, u'长')), 1, 2);
     QVERIFY(job.minimumSizeHint().width() <= least + 60); // of which the bar and the button are most
+}
+
+void ComponentsTest::longNamesLoseTheirMiddle()
+{
+    QCOMPARE(shownName(u"two\nlines"_s), u"two lines"_s);
+    const QString name(48, u'长');
+    QCOMPARE(shownName(name), name);
+    QCOMPARE(shownName(u'a' + name + u'z').size(), 48);
+    QVERIFY(shownName(u'a' + name + u'z').startsWith(u'a') && shownName(u'a' + name + u'z').endsWith(u'z'));
 }
 
 void ComponentsTest::ringsAreForTheKeyboard()

@@ -1,10 +1,10 @@
 #include "views/backup/BackupTaskCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "views/Follow.h"
 #include "views/Reveal.h"
+#include "views/ShownName.h"
 #include "views/ShownPath.h"
 #include "views/backup/BackupWords.h"
 #include "views/components/Confirmation.h"
@@ -210,7 +210,7 @@ void BackupTaskCard::askToRemove()
 {
     NoticeSheet::Words words;
     words.symbol = u"trash"_s;
-    words.title = u"删除任务「%1」？"_s.arg(oneLine(_task.name));
+    words.title = u"删除任务「%1」？"_s.arg(shownName(_task.name));
     words.message = u"只删除这个任务的设置，已经备份和同步的文件都会保留。"_s;
     words.confirm = u"删除任务"_s;
     words.isDestructive = true;

@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallProgressView.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownName.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>
@@ -23,7 +23,7 @@ constexpr int steps = 1000;
 UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget *page)
     : Sheet(context.theme,
             {u"uninstallProgress"_s,
-             u"正在卸载「%1」"_s.arg(oneLine(context.services.uninstaller.uninstallingName())),
+             u"正在卸载「%1」"_s.arg(shownName(context.services.uninstaller.uninstallingName())),
              {}},
             sheetWidth, page),
       _context(context),

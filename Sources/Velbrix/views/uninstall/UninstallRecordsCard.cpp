@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallRecordsCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownName.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
@@ -77,7 +77,7 @@ QWidget *UninstallRecordsCard::makeRow(const UninstallRecord &record)
     connect(back, &QPushButton::clicked, this,
             [this, id = record.id] { _context.services.uninstaller.putBack(id); });
     auto *row =
-        new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
+        new SettingRow(u"%1（%2）"_s.arg(shownName(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
                        recordText(record), back);
     row->setLeading(new SymbolLabel(_context.theme, u"trash"_s, 22, ThemeColor::secondary));
     return row;

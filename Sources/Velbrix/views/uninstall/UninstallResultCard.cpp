@@ -31,6 +31,7 @@ UninstallResultCard::UninstallResultCard(const ViewContext &context, QWidget *pa
 {
     setObjectName(u"uninstallResult"_s);
     _message->setObjectName(u"uninstallMessage"_s);
+    _message->setMinimumWidth(1); // a name without a blank would make the page as wide as it is
     QPushButton *const seen =
         makeButton(context.theme, {u"uninstallResultSeen"_s, u"知道了"_s, {}, u"plain"_s});
     auto *top = new QWidget;
