@@ -3,15 +3,16 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/backup/FileBackupController.h"
 #include "support/FakeArchiver.h"
+#include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
@@ -44,7 +45,7 @@ struct Rig {
         const ParsedCommand command{words, arguments, false, options};
         const auto wait = [&]() -> QCoro::Task<> { reply = co_await handler(command); };
         const QCoro::Task<> waiting = wait();
-        const bool isDone = QTest::qWaitFor([&] { return reply.has_value(); });
+        const bool isDone = waitFor([&] { return reply.has_value(); });
         return isDone ? *reply : CommandReply{-1, u"no reply"_s, {}};
     }
     CommandReply added(QMap<QString, QString> options)
@@ -57,8 +58,9 @@ struct Rig {
     SettingsStore settings{std::make_unique<MemorySettings>(), clock};
     FakeArchiver archiver{clock};
     FakeUserNotifications notifications;
+    FakeSystemSleep sleep;
     std::unique_ptr<FileBackupController> controller = std::make_unique<FileBackupController>(
-        FileBackupController::Hosts{archiver, notifications}, settings, clock);
+        FileBackupController::Hosts{archiver, notifications, sleep}, settings, clock);
 };
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "app/AppDelegate.h"
 
 #include "support/FakeShell.h"
+#include "support/PatientTest.h"
 #include "support/WallpaperRig.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <algorithm>
 
@@ -40,7 +40,7 @@ struct Rig : WallpaperRig {
     // The picture under the video is written in another thread.
     bool hasReplacedPicture()
     {
-        return QTest::qWaitFor([this] { return wallpaper().isSettled(); }) &&
+        return waitFor([this] { return wallpaper().isSettled(); }) &&
                services->settings.json(originalKey).has_value();
     }
     void choose(TrayItemId item)
@@ -87,7 +87,8 @@ private Q_SLOTS:
         QTest::addColumn<QJsonObject>("settings");
         QTest::addColumn<QString>("said");
         QTest::addColumn<bool>("plays");
-        QTest::newRow("last video") << QJsonObject() << u"auto wallpaper restore (launch) autoPlay=true"_s << true;
+        QTest::newRow("last video") << QJsonObject() << u"auto wallpaper restore (launch) autoPlay=true"_s
+                                    << true;
         QTest::newRow("switched off") << QJsonObject{{u"VelbClean_WallpaperAutoPlay"_s, false}}
                                       << u"auto wallpaper restore (launch) autoPlay=false"_s << false;
         QTest::newRow("statement open")
@@ -176,8 +177,7 @@ private Q_SLOTS:
         Rig rig;
         rig.launchAndRestore();
         rig.press(2);
-        QCOMPARE(rig.banners(),
-                 QStringList{u"桌面图标没有被盖住|请先在“动态壁纸”里打开“隐藏桌面文件”。"_s});
+        QCOMPARE(rig.banners(), QStringList{u"桌面图标没有被盖住|请先在“动态壁纸”里打开“隐藏桌面文件”。"_s});
         QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
         rig.wallpaper().preferences().setHideDesktopIconsEnabled(true);
         rig.press(2);

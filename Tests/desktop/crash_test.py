@@ -35,6 +35,17 @@ class Crash(DesktopTestCase):
         left, = self.movies.iterdir()
         return left, lasted
 
+    def told_about(self, left):
+        """The window of the next start, once it has told of what is left."""
+        program = self.start()
+        window = Window(program, program.wait_for_window())
+        program.do("show", "recorder")
+        window.wait_for(left.name)
+        # The banner about it has slid in and out again.
+        window.wait_for("发现未正常结束的录制")
+        window.wait_without("发现未正常结束的录制")
+        return program, window
+
     def test_repair(self):
         left, lasted = self.killed_recording()
         times = movie.picture_times(left)
@@ -42,13 +53,10 @@ class Crash(DesktopTestCase):
         before = movie.picture_sums(left)
         sound_before = movie.sound(left)
 
-        program = self.start()
-        window = Window(program, program.wait_for_window())
-        program.do("show", "recorder")
+        program, window = self.told_about(left)
         window.wait_for("录制没有正常结束，文件仍在。修复后即可播放。")
-        window.wait_for(left.name)
         window.click("修复")
-        window.wait_without("录制没有正常结束，文件仍在。修复后即可播放。", 20)
+        window.wait_without("录制没有正常结束，文件仍在。修复后即可播放。")
         self.assertNotIn("moof", boxes(left))
         self.assertIn("moov", boxes(left))
         self.assertEqual(movie.picture_sums(left), before)
@@ -62,13 +70,7 @@ class Crash(DesktopTestCase):
     def test_dismiss(self):
         left, _ = self.killed_recording()
         content = left.read_bytes()
-        program = self.start()
-        window = Window(program, program.wait_for_window())
-        program.do("show", "recorder")
-        window.wait_for(left.name)
-        # The banner about it has slid in and out again.
-        window.wait_for("发现未正常结束的录制")
-        window.wait_without("发现未正常结束的录制")
+        program, window = self.told_about(left)
         window.click("忽略")
         window.wait_without(left.name)
         wait_until(lambda: "Velbrix_ScreenRecord_unfinishedFiles" not in program.settings(), "it is forgotten")

@@ -2,6 +2,7 @@
 
 #include "foundation/RuntimeFolder.h"
 #include "foundation/SystemClock.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
@@ -9,7 +10,6 @@
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -114,7 +114,7 @@ private:
     {
         std::optional<Answer> answer;
         askLocalChannel(path, request).then([&](Answer got) { answer = std::move(got); });
-        if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+        if (!waitFor([&] { return answer.has_value(); }))
             return std::unexpected(ChannelFailure{false, u"no answer"_s});
         return *answer;
     }

@@ -1,13 +1,14 @@
 #include "maintenance/uninstall/UninstallJournal.h"
+#include "support/PatientTest.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTest>
 
 #include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 namespace {
 
@@ -28,7 +29,7 @@ struct Rig {
     {
         std::optional<Result<void>> answer;
         task.then([&answer](Result<void> now) { answer = std::move(now); });
-        return QTest::qWaitFor([&] { return answer.has_value(); }) ? *answer : failure(u"…"_s);
+        return waitFor([&] { return answer.has_value(); }) ? *answer : failure(u"…"_s);
     }
     void write(const QByteArray &content) const
     {

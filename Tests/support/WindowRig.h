@@ -2,15 +2,18 @@
 
 #include "app/AppDelegate.h"
 #include "support/FakePlatform.h"
+#include "support/PatientTest.h"
 #include "views/DesktopShell.h"
 #include "views/MainWindow.h"
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
-#include <QTest>
 #include <QWidget>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 
 namespace velbrix::test {
@@ -48,6 +51,12 @@ struct WindowRig : ServicesRig {
         return nullptr;
     }
     QPushButton *button(const QString &name) const { return find<QPushButton>(name); }
+    // Of the label of that object name; empty when it is absent or hidden.
+    QString text(const QString &name) const
+    {
+        const auto *label = find<QLabel>(name);
+        return label ? label->text() : QString();
+    }
     // Every text in sight inside the named widget.
     QStringList texts(const QString &name) const
     {
@@ -62,10 +71,22 @@ struct WindowRig : ServicesRig {
         }
         return found;
     }
+    void click(const QString &name) const { QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton); }
     void key(Qt::Key which, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
     {
         QWidget *const target = window()->focusWidget() ? window()->focusWidget() : window();
         QTest::keyClick(target, which, modifiers);
+    }
+
+    // Lets time pass until it is so.
+    bool until(const std::function<bool()> &isSo)
+    {
+        const auto isSoNow = [&] {
+            if (!isSo() && clock.pendingCount() > 0)
+                clock.advance(std::chrono::milliseconds(20));
+            return isSo();
+        };
+        return waitFor(isSoNow);
     }
 
     std::unique_ptr<DesktopShell> shell;

@@ -39,20 +39,6 @@ struct Rig : WindowRig {
         services->router.show(AppTab::fileBackup);
     }
     FileBackupController &backups() const { return services->fileBackup; }
-    bool until(const std::function<bool()> &isSo)
-    {
-        return QTest::qWaitFor([&] {
-            if (!isSo() && clock.pendingCount() > 0)
-                clock.advance(20ms);
-            return isSo();
-        });
-    }
-    void click(const QString &name) const { QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton); }
-    QString text(const QString &name) const
-    {
-        const auto *label = find<QLabel>(name);
-        return label ? label->text() : QString();
-    }
     void choose(const QString &field, const QString &folder) const
     {
         Q_EMIT find<PathField>(field)->wanted(folder);

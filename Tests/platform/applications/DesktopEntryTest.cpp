@@ -33,7 +33,7 @@ private Q_SLOTS:
         QTest::newRow("name of spaces") << head + "Type=Application\nName=\\s\\n\nExec=a\n";
         QTest::newRow("no program") << head + "Type=Application\nName=A\n";
         QTest::newRow("link") << head + "Type=Link\nName=A\nExec=a\n";
-        QTest::newRow("binary") << head + QByteArray("Type=Application\nName=A\0\nExec=a\n", 35);
+        QTest::newRow("binary") << head + QByteArray("Type=Application\nName=A\0\nExec=a\n", 32);
         QTest::newRow("values of another group") << head + "[Other]\nType=Application\nName=A\nExec=a\n";
     }
     void leavesOutWhatIsNoApplication()

@@ -5,6 +5,7 @@
 #include "foundation/SystemClock.h"
 #include "platform/linux/desktop/RootWindow.h"
 #include "support/FakeDesktopPicture.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
@@ -14,7 +15,6 @@
 #include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QUrl>
 
 #include <memory>
@@ -106,7 +106,7 @@ class DesktopPictureTest : public QObject {
         _desktop = std::make_unique<QProcess>();
         _desktop->setStandardErrorFile(QProcess::nullDevice());
         _desktop->start(program, arguments);
-        QVERIFY(QTest::qWaitFor([] {
+        QVERIFY(waitFor([] {
             return shell(u"for w in $(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*'); do "
                          "xprop -id $w _NET_WM_WINDOW_TYPE; done"_s)
                 .contains("TYPE_DESKTOP");

@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/UPowerSource.h"
 
 #include "support/FakePowerSource.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoreApplication>
@@ -11,7 +12,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace velbrix;
 using namespace velbrix::test;
@@ -55,7 +55,7 @@ public:
         _mock.start(u"/usr/bin/python3"_s,
                     {u"-m"_s, u"dbusmock"_s, u"--system"_s, u"--template"_s, u"upower"_s, u"-p"_s,
                      onBattery ? u"{\"OnBattery\": true}"_s : u"{\"OnBattery\": false}"_s});
-        QVERIFY(QTest::qWaitFor([] {
+        QVERIFY(waitFor([] {
             return QDBusConnection::systemBus().interface()->isServiceRegistered(u"org.freedesktop.UPower"_s);
         }));
     }

@@ -2,9 +2,9 @@
 #include "MediaTools.h"
 #include "platform/linux/movie/MonotonicTime.h"
 #include "support/MoviePictures.h"
+#include "support/PatientTest.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <atomic>
@@ -42,8 +42,7 @@ private:
     static void submit(MovieRecorder &recorder, const TestPicture &picture, PixelRect changed,
                        std::int64_t tick)
     {
-        QVERIFY(
-            QTest::qWaitFor([&] { return recorder.submit(picture.view(), std::span(&changed, 1), tick); }));
+        QVERIFY(waitFor([&] { return recorder.submit(picture.view(), std::span(&changed, 1), tick); }));
     }
 
     // The process id of a player.

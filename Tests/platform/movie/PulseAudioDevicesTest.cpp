@@ -1,9 +1,9 @@
 #include "platform/linux/movie/PulseAudioDevices.h"
 #include "MediaTools.h"
 #include "support/FakeAudioDevices.h"
+#include "support/PatientTest.h"
 
 #include <QCoroTask>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
@@ -82,7 +82,7 @@ private Q_SLOTS:
         int changes = 0;
         devices.observeChanges([&] { ++changes; });
         QStringList modules;
-        QVERIFY(QTest::qWaitFor([&] {
+        QVERIFY(waitFor([&] {
             if (changes == 0) // until the connection is up nothing is heard
                 modules.append(QString::fromLatin1(
                     pactl({u"load-module"_s, u"module-null-sink"_s, u"sink_name=third"_s})));

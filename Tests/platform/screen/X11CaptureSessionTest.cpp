@@ -1,13 +1,13 @@
 #include "platform/linux/screen/X11CaptureSession.h"
 
 #include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
 #include "support/RecordingRig.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QScreen>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
@@ -40,7 +40,7 @@ std::unique_ptr<PaintedWindow> shown(const QString &title, QRect geometry, QColo
     [[maybe_unused]] const bool isExposed = QTest::qWaitForWindowExposed(window.get());
     window->raise();
     // Painted and at its place, as the screen says.
-    [[maybe_unused]] const bool isPainted = QTest::qWaitFor([&] {
+    [[maybe_unused]] const bool isPainted = waitFor([&] {
         const QPoint middle = window->geometry().center();
         return isLike(onScreen(middle.x(), middle.y()), colour);
     });
@@ -51,8 +51,7 @@ bool xrandr(const QString &arguments)
 {
     QProcess process;
     process.start(u"xrandr"_s, arguments.split(u' '));
-    return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }) &&
-           process.exitCode() == 0;
+    return waitFor([&process] { return process.state() == QProcess::NotRunning; }) && process.exitCode() == 0;
 }
 
 CaptureFilter only(const PaintedWindow &window)

@@ -4,6 +4,7 @@
 #include "platform/linux/screen/ScreenContents.h"
 #include "platform/linux/surface/ScreenCover.h"
 #include "support/FakeDesktopVisibility.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDBusConnection>
@@ -132,7 +133,7 @@ private Q_SLOTS:
         // The login manager's bus is the test's own.
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
         qputenv("XDG_SESSION_ID", "1");
-        QTRY_VERIFY(isManaged());
+        QVERIFY(waitFor(isManaged));
     }
 
     void fakeKeepsTheContract()

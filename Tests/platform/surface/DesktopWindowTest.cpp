@@ -1,6 +1,7 @@
 #include "platform/linux/surface/DesktopWindow.h"
 
 #include "DesktopTools.h"
+#include "support/PatientTest.h"
 
 #include <QDir>
 #include <QFile>
@@ -99,11 +100,17 @@ Seen compare(const QImage &alone, const QImage &backdrop, const QImage &now)
 class WindowManager {
 public:
     explicit WindowManager(const QString &name)
-        : _program(name, name == u"openbox"_s ? QStringList{u"--replace"_s, u"--sm-disable"_s}
-                                              : QStringList{u"--replace"_s})
     {
+        // The one that is replaced may have the same name.
+        X11Connection &connection = _observer.connection();
+        xcb_delete_property(connection.xcb(), connection.root(), connection.atom("_NET_SUPPORTING_WM_CHECK"));
+        connection.sync();
+        QStringList arguments{u"--replace"_s};
+        if (name == u"openbox"_s)
+            arguments.append(u"--sm-disable"_s);
+        _program.emplace(name, arguments);
         QTRY_VERIFY(isNamed(name));
-        QTRY_VERIFY(isManaged());
+        QVERIFY(waitFor(isManaged));
     }
 
 private:
@@ -116,7 +123,7 @@ private:
     }
 
     Observer _observer;
-    DesktopProgram _program;
+    std::optional<DesktopProgram> _program;
 };
 
 // A window manager and an icon manager of one desktop environment.
@@ -136,7 +143,7 @@ struct Desktop {
                       isPcmanfm ? QStringList{u"--desktop"_s} : QStringList{});
         QTRY_VERIFY(!observer.iconWindows().isEmpty());
         // Icons appear one by one.
-        QTRY_VERIFY_WITH_TIMEOUT(areIconsAtRest(), 10000);
+        QTRY_VERIFY(areIconsAtRest());
     }
     bool areIconsAtRest()
     {

@@ -5,6 +5,7 @@
 #include "platform/linux/surface/Struts.h"
 #include "support/FakeDisplays.h"
 #include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
 
 #include <set>
 
@@ -46,7 +47,7 @@ class DisplaysTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QTRY_VERIFY(isManaged()); }
+    void initTestCase() { QVERIFY(waitFor(isManaged)); }
 
     void fakeKeepsTheContract()
     {

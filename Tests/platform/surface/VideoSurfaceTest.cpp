@@ -3,13 +3,13 @@
 #include "platform/surface/VideoClips.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
 #include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QTest>
 
 #include <unistd.h>
 
@@ -128,13 +128,13 @@ struct Shown : RealDesktop {
     {
         const int before = heard.firstFrames;
         surface->load(path);
-        return QTest::qWaitFor([&] { return heard.firstFrames > before; });
+        return waitFor([&] { return heard.firstFrames > before; });
     }
     bool moves() const
     {
         const qint64 before = surface->progress();
         const QImage picture = screen();
-        return QTest::qWaitFor([&] { return surface->progress() > before + 3 && screen() != picture; });
+        return waitFor([&] { return surface->progress() > before + 3 && screen() != picture; });
     }
 
     Heard heard;
@@ -154,7 +154,7 @@ private Q_SLOTS:
     {
         Shown shown;
         QVERIFY(shown.loads(shown.video()));
-        QVERIFY(QTest::qWaitFor([] { return colour(screen(), QPoint(200, 10)) != black; }));
+        QVERIFY(waitFor([] { return colour(screen(), QPoint(200, 10)) != black; }));
         const QImage first = screen();
         QTest::qWait(150);
         QCOMPARE(screen(), first);

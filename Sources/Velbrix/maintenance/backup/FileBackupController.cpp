@@ -5,6 +5,7 @@
 #include "maintenance/backup/BackupNotices.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/MirrorRun.h"
+#include "platform/SystemSleep.h"
 #include "platform/UserNotifications.h"
 
 #include <QCoroFuture>
@@ -24,12 +25,14 @@ namespace velbrix {
 namespace {
 
 constexpr auto catchUpDelay = 60s; // a start is busy enough
+constexpr auto wakeDelay = 10s;    // disks and the network come back
 
 struct Inspection {
     QString obstacle;
     QString sourceVolume = {};
     QString destVolume = {};
-    QString realDestination = {}; // without links
+    QString realSource = {}; // without links, as the next
+    QString realDestination = {};
 };
 
 Inspection inspect(const BackupTask &task)
@@ -38,6 +41,7 @@ Inspection inspect(const BackupTask &task)
     if (seen.obstacle.isEmpty()) {
         seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
         seen.destVolume = QStorageInfo(task.destPath).rootPath();
+        seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
         seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
     }
     return seen;
@@ -79,7 +83,8 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
     const QDateTime now = _clock.now();
     const auto isMissed = [&](const BackupTask &task) { return task.isEnabled && task.nextRunAt <= now; };
     if (std::ranges::any_of(_tasks.value(), isMissed))
-        _catchUp = _clock.after(catchUpDelay, [this] { poll(); });
+        pollAfter(catchUpDelay);
+    watchWaking();
 }
 
 FileBackupController::~FileBackupController()
@@ -98,9 +103,10 @@ QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
     if (!seen.obstacle.isEmpty())
         co_return failure(seen.obstacle);
     QList<BackupTask> tasks = _tasks;
-    for (const QString &destination : {task.destPath, seen.realDestination}) {
-        BackupTask there = task;
-        there.destPath = destination;
+    BackupTask real = task;
+    real.sourcePath = seen.realSource;
+    real.destPath = seen.realDestination;
+    for (const BackupTask &there : {task, real}) {
         if (const QString conflict = backupConflict(there, tasks); !conflict.isEmpty())
             co_return failure(conflict);
     }
@@ -192,6 +198,20 @@ void FileBackupController::correctTimes()
     }
     if (tasks != _tasks.value())
         store(tasks);
+}
+
+void FileBackupController::pollAfter(std::chrono::milliseconds delay)
+{
+    _catchUp = _clock.after(delay, [this] { poll(); });
+}
+
+// The poll timer does not count the time asleep.
+void FileBackupController::watchWaking()
+{
+    if (tasks().isEmpty())
+        _waking.reset();
+    else if (!_waking)
+        _waking = _hosts.sleep.watchWaking([this] { pollAfter(wakeDelay); });
 }
 
 void FileBackupController::poll()
@@ -327,6 +347,7 @@ void FileBackupController::store(const QList<BackupTask> &tasks)
     // Stored first: whoever hears of the change may ask the settings.
     _store.save(tasks);
     _tasks = tasks;
+    watchWaking();
 }
 
 } // namespace velbrix

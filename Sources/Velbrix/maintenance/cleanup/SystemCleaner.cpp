@@ -47,7 +47,8 @@ SystemCleaner::SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock 
       _clock(clock),
       _processes(clock),
       _catalog(std::move(catalog)),
-      _ownPlaces(std::move(ownPlaces))
+      _ownPlaces(std::move(ownPlaces)),
+      _leftOut(settings)
 {
     load();
 }
@@ -78,6 +79,10 @@ void SystemCleaner::load()
         for (CleanupItem &item : items)
             item.isSelected = selected.contains(item.id);
     }
+    QStringList ids;
+    for (const CleanupItem &item : std::as_const(items))
+        ids.append(item.id);
+    _leftOut.load(ids);
     _items = items;
 }
 

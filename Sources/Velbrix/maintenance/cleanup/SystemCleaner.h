@@ -7,6 +7,7 @@
 #include "foundation/Result.h"
 #include "maintenance/cleanup/CleanupCatalog.h"
 #include "maintenance/cleanup/CleanupTypes.h"
+#include "maintenance/cleanup/LeftOutEntries.h"
 
 #include <QCoroTask>
 #include <QHash>
@@ -81,10 +82,10 @@ public:
 
     void open(const QString &id);
     void close(const QString &id);
-    // Leaves one entry of an opened row out of the next clean, or takes it in again.
+    // Leaves one entry of an opened row out of every clean, or takes it in again.
     void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
-    // Entries left out of the next clean; those of a closed row, too.
-    qsizetype leftOutCount(const QString &id) const { return _leftOut.value(id).size(); }
+    // Entries left out; those of a closed row, too.
+    qsizetype leftOutCount(const QString &id) const { return _leftOut.count(id); }
 
     // Ends the measuring, or the cleaning after the entry it is at.
     void cancel();
@@ -137,7 +138,7 @@ private:
     QList<CleanupRule> _catalog;
     QList<QByteArray> _ownPlaces;
     QHash<QString, qint64> _bytes;
-    QHash<QString, QSet<QByteArray>> _leftOut; // by item
+    LeftOutEntries _leftOut;
     QHash<QString, Cancellation> _openings;
     Cancellation _work;
     std::shared_ptr<std::atomic_bool> _stopRemoval;

@@ -159,11 +159,8 @@ QCoro::Task<SystemCleaner::Act> SystemCleaner::emptyFolders(QString id, QSet<QSt
     const CleanupRule *known = rule(id);
     cleaning.withoutLinks = known && known->target.path && isPattern(*known->target.path);
     // Also those left out of other items: one may lie inside another.
-    QList<QByteArray> leftOut;
-    for (const QSet<QByteArray> &entries : std::as_const(_leftOut))
-        leftOut += entries.values();
-    auto emptying = QtConcurrent::run(&cleanupThreads(), run, cleaning, foldersOfOthers(id, cleaned), leftOut,
-                                      _stopRemoval);
+    auto emptying = QtConcurrent::run(&cleanupThreads(), run, cleaning, foldersOfOthers(id, cleaned),
+                                      _leftOut.all(), _stopRemoval);
     const FolderCleaned done = co_await emptying;
     const Act act{done.count, done.ownBytes, done.removal};
     co_return act;

@@ -164,10 +164,11 @@ QCoro::Task<> SystemCleaner::measureContents(QString id)
     const CleanableEntries found = co_await listing;
     if (!self || wanted.isCancelled())
         co_return;
+    _leftOut.dropMissing(id, found.paths);
     contents.problem = found.problem;
     for (const QByteArray &path : found.paths)
         contents.entries.append(
-            {path, shownName(path, folders.size() > 1), {}, !_leftOut.value(id).contains(path)});
+            {path, shownName(path, folders.size() > 1), {}, !_leftOut.contains(id, path)});
     publishContents(id, contents);
 
     // Answers come while the user closes rows and ticks entries.
@@ -206,10 +207,7 @@ void SystemCleaner::publishContents(const QString &id, const CleanupContents &co
 
 void SystemCleaner::setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded)
 {
-    if (isIncluded)
-        _leftOut[id].remove(entryPath);
-    else
-        _leftOut[id].insert(entryPath);
+    _leftOut.set(id, entryPath, !isIncluded);
     if (!_contents.value().contains(id))
         return;
     CleanupContents contents = _contents.value().value(id);
