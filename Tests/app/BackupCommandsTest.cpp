@@ -146,7 +146,7 @@ private Q_SLOTS:
         Rig rig;
         rig.added({{u"--name"_s, u"photos"_s}});
         rig.added({{u"--name"_s, u"photos"_s}, {u"--kind"_s, u"sync"_s}});
-        QVERIFY(rig.said(u"backup remove"_s, {u"photos"_s}).text.startsWith(u"有 2 个任务叫“photos”"_s));
+        QVERIFY(rig.said(u"backup remove"_s, {u"photos"_s}).text.startsWith(u"有 2 个任务叫「photos」"_s));
         const QString id = rig.controller->tasks().at(0).id;
         const CommandReply asked = rig.said(u"backup remove"_s, {id});
         QVERIFY(asked.isQuestion());

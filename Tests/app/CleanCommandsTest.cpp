@@ -73,6 +73,8 @@ private Q_SLOTS:
             const CommandReply reply = rig.ask(words, {u"npm"_s});
             QCOMPARE(reply.isQuestion(), words == u"clean run"_s);
             QVERIFY(reply.text.contains(u"零 KB  file"_s));
+            const QJsonValue entry = reply.data[u"items"_s][0][u"entries"_s][1];
+            QVERIFY(entry[u"path"_s].toString().endsWith(u"/file"_s) && entry[u"included"_s].toBool());
             QVERIFY(!rig.isEmpty());
         }
     }

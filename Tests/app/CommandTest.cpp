@@ -101,11 +101,40 @@ private Q_SLOTS:
 
     void theHelpNamesEveryVerb()
     {
-        QVERIFY(helpText().contains(u"velbrix wallpaper set <视频文件> [--display <编号>] "_s));
-        QVERIFY(helpText().contains(u"velbrix clean run [清理项 …] [--yes] "_s));
+        QVERIFY(helpText().contains(u"velbrix wallpaper set <视频文件> [--display <编号>]\n"_s));
+        QVERIFY(helpText().contains(u"velbrix clean run [清理项 …] [--yes]\n"_s));
+        QVERIFY(helpText().contains(u"velbrix backup add <源文件夹> <保存目录> [--kind <backup|sync>]"_s));
         QVERIFY(helpText().contains(u"（wallpaper、recorder、clean、"_s));
         for (const CommandForm &form : commandForms())
             QVERIFY2(helpText().contains(u"velbrix "_s + form.words), qPrintable(form.words));
+    }
+
+    void misuseIsAnsweredWithWhatFits_data()
+    {
+        QTest::addColumn<QString>("words");
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QStringList>("verbs");
+        QTest::newRow("too few words")
+            << u"backup add source"_s << u"参数不对。用法："_s << QStringList{u"backup add"_s};
+        QTest::newRow("tool alone") << u"apps"_s << u"还缺少要做什么。"_s
+                                    << QStringList{u"apps list"_s, u"apps uninstall"_s};
+        QTest::newRow("unknown verb")
+            << u"apps remove"_s << u"无法识别的命令。"_s << QStringList{u"apps list"_s, u"apps uninstall"_s};
+        QStringList all;
+        for (const CommandForm &form : commandForms())
+            all.append(form.words);
+        QTest::newRow("unknown tool") << u"bakup list"_s << u"无法识别的命令。"_s << all;
+    }
+
+    void misuseIsAnsweredWithWhatFits()
+    {
+        QFETCH(QString, words);
+        QFETCH(QString, first);
+        QFETCH(QStringList, verbs);
+        const QString text = misuseText(words.split(u' '));
+        QCOMPARE(text.section(u'\n', 0, 0), first);
+        for (const CommandForm &form : commandForms())
+            QCOMPARE(text.contains(u"velbrix "_s + form.words), verbs.contains(form.words));
     }
 
     void aReplyTravelsWhole()

@@ -1,7 +1,11 @@
 #include "support/FakeDesktopServices.h"
 #include "support/FakeSymbols.h"
 #include "support/VirtualClock.h"
+#include "views/FocusRings.h"
+#include "views/ShownName.h"
 #include "views/Theme.h"
+#include "views/components/JobBar.h"
+#include "views/components/NumberField.h"
 #include "views/components/PacedSlider.h"
 #include "views/components/PathField.h"
 #include "views/components/SegmentedChoice.h"
@@ -12,10 +16,12 @@
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextDocument>
@@ -36,10 +42,13 @@ private Q_SLOTS:
     void switchOnlyAsks();
     void switchKnobTakesItsTime();
     void sliderByKeyAndDoubleClick();
-    void sliderLeavesTheWheelToThePage();
+    void theWheelIsLeftToThePage();
     void segmentsByArrowKeys();
     void pathFieldTakesAFolderOnly();
     void tipsShowNamesAsTheyAre();
+    void jobBarFitsALongName();
+    void longNamesLoseTheirMiddle();
+    void ringsAreForTheKeyboard();
     void sliderInItsOwnWords();
     void pacedSliderSparesTheSetting();
     void gridByKeyboard();
@@ -106,13 +115,20 @@ void ComponentsTest::sliderByKeyAndDoubleClick()
     QCOMPARE(slider.value(), 30);
 }
 
-void ComponentsTest::sliderLeavesTheWheelToThePage()
+void ComponentsTest::theWheelIsLeftToThePage()
 {
     ValueSlider slider(u"minutes"_s, {1, 120, 30, u"分钟"_s});
+    QSpinBox number;
+    number.setValue(5);
+    makeNumberField(number, 72);
     QWheelEvent wheel(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
                       Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(slider.findChild<QSlider *>(), &wheel);
     QCOMPARE(slider.value(), 30);
+    QVERIFY(!wheel.isAccepted());
+    wheel.accept();
+    QCoreApplication::sendEvent(&number, &wheel);
+    QCOMPARE(number.value(), 5);
     QVERIFY(!wheel.isAccepted());
 }
 
@@ -163,6 +179,49 @@ void ComponentsTest::tipsShowNamesAsTheyAre()
     QTextDocument document;
     document.setHtml(shown->toolTip());
     QCOMPARE(document.toPlainText(), field.path());
+}
+
+void ComponentsTest::jobBarFitsALongName()
+{
+    JobBar job(_theme, u"job"_s);
+    const int least = job.minimumSizeHint().width();
+    job.setJob(u"正在清理 %1…"_s.arg(QString(200, u'长')), 1, 2);
+    QVERIFY(job.minimumSizeHint().width() <= least + 60); // of which the bar and the button are most
+}
+
+void ComponentsTest::longNamesLoseTheirMiddle()
+{
+    QCOMPARE(shownName(u"two\nlines"_s), u"two lines"_s);
+    const QString name(48, u'长');
+    QCOMPARE(shownName(name), name);
+    QCOMPARE(shownName(u'a' + name + u'z').size(), 48);
+    QVERIFY(shownName(u'a' + name + u'z').startsWith(u'a') && shownName(u'a' + name + u'z').endsWith(u'z'));
+}
+
+void ComponentsTest::ringsAreForTheKeyboard()
+{
+    const FocusRings rings;
+    QWidget window;
+    auto *rows = new QVBoxLayout(&window);
+    auto *first = new QPushButton;
+    auto *second = new QPushButton;
+    rows->addWidget(first);
+    rows->addWidget(second);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const auto isRinged = [](const QPushButton *button) {
+        return button->hasFocus() && button->property("keyed").toBool();
+    };
+    first->setFocus();
+    QTest::keyClick(first, Qt::Key_Tab);
+    QVERIFY(isRinged(second));
+    QTest::mouseClick(first, Qt::LeftButton);
+    first->setEnabled(false);
+    QVERIFY(second->hasFocus() && !isRinged(second)); // it went on by itself
+    first->setEnabled(true);
+    QTest::keyClick(second, Qt::Key_Space);
+    first->setFocus(); // as a sheet does that was opened by a key
+    QVERIFY(isRinged(first));
 }
 
 void ComponentsTest::gridByKeyboard()

@@ -225,7 +225,9 @@ void SystemCleanupViewTest::cleaningWithConsentAndQuestion()
     QVERIFY(!rig.isEnabled(u"cleanupClean"_s));
     QVERIFY(!rig.check(chrome)->isEnabled());
     QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在清理 Chrome 浏览器缓存…"_s));
+    QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupJobCancel"_s);
     rig.waitForEnd();
+    QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupClean"_s);
     QVERIFY(!QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
     QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/small"_s)));
     QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目（释放约 5 字节）"_s);
@@ -356,12 +358,18 @@ void SystemCleanupViewTest::customFolders()
     Rig rig;
     rig.put(u"build/object"_s, 1);
     rig.host.diskUsage.sizes[rig.native(u"build"_s)] = 4'000'000;
+    rig.consent();
     rig.start();
     QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"自定义路径（最多 10 个）"_s));
     QVERIFY(rig.cleaner().addCustomPath(rig.place(u"build"_s)));
     const QString id = rig.cleaner().items().last().id;
     QTRY_COMPARE(rig.size(id), u"4 MB"_s);
     QVERIFY(rig.check(id)->isChecked());
+    rig.cleaner().setAllSelected(false);
+    rig.cleaner().setSelected(id, true);
+    rig.click(u"cleanupClean"_s);
+    QVERIFY(rig.texts(u"noticeDetails"_s).contains(u"~/build — 4 MB"_s));
+    rig.click(u"noticeCancel"_s);
     rig.button(u"cleanupRemove."_s + id)->setFocus();
     rig.key(Qt::Key_Space);
     QVERIFY(!rig.find(u"cleanupRow."_s + id));

@@ -121,7 +121,7 @@ int main(int argc, char **argv)
 
     const auto end = words.indexOf(u"--"_s);
     if (words.first(end < 0 ? words.size() : end).contains(u"--help"_s))
-        return print(stdout, helpText(), exitcode::done);
+        return print(stdout, helpText(words.first()), exitcode::done);
     if (words == QStringList{u"--version"_s})
         return print(stdout, u"Velbrix " VELBRIX_VERSION "\n"_s, exitcode::done);
     if (words.isEmpty() || words == QStringList{u"--background"_s}) {
@@ -131,6 +131,6 @@ int main(int argc, char **argv)
     }
     const auto command = parseCommand(words);
     if (!command)
-        return print(stderr, u"无法识别的命令。\n"_s + helpText(), exitcode::usage);
+        return print(stderr, misuseText(words), exitcode::usage);
     return runAsClient(argc, argv, *command);
 }

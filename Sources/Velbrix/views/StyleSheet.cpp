@@ -11,7 +11,7 @@ namespace {
 
 // Colours stand as @name; a colour with an opacity in percent as @name/40.
 constexpr QStringView sheet = uR"(
-QWidget { color: @text; }
+QWidget { color: @text; outline: none; }
 QMainWindow, QDialog { background: @window; }
 QToolTip { background: @card; color: @text; border: 1px solid @hairline; padding: 4px 8px; }
 
@@ -43,7 +43,7 @@ QPushButton { background: @control; border: 1px solid @hairline; border-radius: 
 QPushButton:hover { background: @hairline; }
 QPushButton:pressed { background: @secondary/30; }
 QPushButton:disabled { color: @secondary/70; background: @control/60; }
-QPushButton[keyed="true"]:focus { border: 1px solid @accent; outline: none; }
+QPushButton[keyed="true"]:focus { border: 1px solid @accent; }
 QPushButton[role="primary"] { background: @accentFill; border: 1px solid @accentFill; color: white; }
 QPushButton[role="primary"]:hover { background: @accentFill/88; }
 QPushButton[role="primary"]:pressed { background: @accentFill/76; }
@@ -124,7 +124,7 @@ QSlider::handle:horizontal:focus { border: 2px solid @accent; width: 14px; heigh
 QProgressBar { background: @hairline; border: none; border-radius: 2px; min-height: 4px; max-height: 4px; }
 QProgressBar::chunk { background: @accent; border-radius: 2px; }
 
-QListView { background: transparent; border: none; outline: none; }
+QListView { background: transparent; border: none; }
 QListView[role="log"] { background: @control; border: 1px solid @hairline; border-radius: 8px;
                         padding: 6px 4px; font-size: 12px; }
 QListView[role="log"][keyed="true"]:focus { border-color: @accent; }

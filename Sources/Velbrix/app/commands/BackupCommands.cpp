@@ -41,6 +41,7 @@ QJsonObject described(const BackupTask &task)
             {u"lastResult"_s, task.lastResult ? QJsonValue(*task.lastResult) : QJsonValue()},
             {u"failed"_s, task.lastFailed},
             {u"keepLast"_s, task.keepLast},
+            {u"setsAside"_s, task.setsAside},
             {u"excludes"_s, QJsonArray::fromStringList(task.excludes)}};
 }
 
@@ -162,7 +163,7 @@ Result<BackupTask> found(const FileBackupController &backup, const QString &word
         return failure(u"没有这个备份任务：%1"_s.arg(word));
     if (named.size() > 1)
         return failure(
-            u"有 %1 个任务叫“%2”，请改用 backup list 里的编号"_s.arg(QString::number(named.size()), word));
+            u"有 %1 个任务叫「%2」，请改用 backup list 里的编号"_s.arg(QString::number(named.size()), word));
     return named.first();
 }
 
@@ -182,7 +183,7 @@ QCoro::Task<> nextTurn(FileBackupController &backup)
 CommandReply replyTo(const BackupQuestion &question)
 {
     return CommandReply::question(
-        u"“%1”会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。"_s.arg(
+        u"「%1」会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。"_s.arg(
             oneLine(question.name), QString::number(question.deletions), QString::number(question.existing)),
         {question.taskId},
         {{u"id"_s, question.taskId},
@@ -227,11 +228,11 @@ QCoro::Task<CommandReply> remove(FileBackupController &backup, ParsedCommand com
     if (!wanted)
         co_return CommandReply::refusal(wanted.error().message);
     if (!command.options.contains(confirmOption))
-        co_return CommandReply::question(u"要删除任务“%1”吗？文件都会保留。"_s.arg(oneLine(wanted->name)),
+        co_return CommandReply::question(u"要删除任务「%1」吗？文件都会保留。"_s.arg(oneLine(wanted->name)),
                                          {wanted->id}, {{u"id"_s, wanted->id}});
     backup.remove(wanted->id);
     co_return CommandReply{exitcode::done,
-                           u"已删除任务“%1”，文件都保留着"_s.arg(oneLine(wanted->name)),
+                           u"已删除任务「%1」，文件都保留着"_s.arg(oneLine(wanted->name)),
                            {{u"id"_s, wanted->id}}};
 }
 

@@ -82,12 +82,12 @@ QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
     return {};
 }
 
-// The contents of one item as they would go, the largest first.
-QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
+// What is in one item, the largest first.
+QCoro::Task<CleanupContents> contentsOf(SystemCleaner &cleaner, CleanupItem item)
 {
     OpenedItems &opened = cleaner.opened();
     if (!opened.canOpen(item.id))
-        co_return QString();
+        co_return CleanupContents();
     const bool wasOpen = opened.contents().contains(item.id);
     opened.open(item.id);
     while (opened.contents().value(item.id).isMeasuring)
@@ -95,6 +95,11 @@ QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
     const CleanupContents contents = opened.contents().value(item.id);
     if (!wasOpen)
         opened.close(item.id);
+    co_return contents;
+}
+
+QStringList linesOf(const CleanupContents &contents)
+{
     QStringList lines;
     if (!contents.problem.isEmpty())
         lines << u"    "_s + contents.problem;
@@ -104,7 +109,17 @@ QCoro::Task<QString> contentsOf(SystemCleaner &cleaner, CleanupItem item)
                                        entry.isIncluded ? QString() : u"  （保留）"_s);
     if (contents.entries.size() > entriesShown)
         lines << u"    …… 共 %1 项"_s.arg(contents.entries.size());
-    co_return lines.join(u'\n');
+    return lines;
+}
+
+QJsonArray toJson(const QList<CleanupEntry> &entries)
+{
+    QJsonArray all;
+    for (const CleanupEntry &entry : entries)
+        all.append(QJsonObject{{u"path"_s, QFile::decodeName(entry.path)},
+                               {u"bytes"_s, entry.bytes.value_or(0)},
+                               {u"included"_s, entry.isIncluded}});
+    return all;
 }
 
 QCoro::Task<CommandReply> preview(SystemCleaner &cleaner, QStringList ids)
@@ -117,11 +132,11 @@ QCoro::Task<CommandReply> preview(SystemCleaner &cleaner, QStringList ids)
     for (const CleanupItem &item : cleaner.items()) {
         if (ids.isEmpty() ? !item.isSelected : !ids.contains(item.id))
             continue;
-        lines << line(cleaner, item);
-        items.append(toJson(cleaner, item));
-        const QString contents = co_await contentsOf(cleaner, item);
-        if (!contents.isEmpty())
-            lines << contents;
+        const CleanupContents contents = co_await contentsOf(cleaner, item);
+        lines << line(cleaner, item) << linesOf(contents);
+        QJsonObject json = toJson(cleaner, item);
+        json[u"entries"_s] = toJson(contents.entries);
+        items.append(json);
     }
     const CommandReply reply{
         exitcode::done, lines.isEmpty() ? u"没有选择任何清理项"_s : lines.join(u'\n'), {{u"items"_s, items}}};
@@ -133,10 +148,13 @@ CommandReply outcome(const CleanupReport &report)
     if (report.outcome.kind == CleanupPhase::Kind::failed)
         return CommandReply::refusal(report.outcome.text);
     const CleanupPhase &done = report.outcome;
-    QStringList lines = {resultText(done)};
-    lines << u"实际释放 %1"_s.arg(formatByteCount(report.removal.freedBytes));
+    QStringList lines = {resultText(report)};
+    if (report.removal.freedBytes > 0 || done.cleanedCount > 0)
+        lines << u"实际释放 %1"_s.arg(formatByteCount(report.removal.freedBytes));
+    else
+        lines << u"没有需要删除的文件"_s;
     if (report.wasCancelled)
-        lines << u"已取消，余下的没有清理"_s;
+        lines << u"余下的没有清理"_s;
     if (!report.skipped.isEmpty())
         lines << u"正在运行，已跳过：%1"_s.arg(report.skipped.join(u"、"_s));
     QJsonArray problems;
@@ -147,7 +165,7 @@ CommandReply outcome(const CleanupReport &report)
     }
     if (report.removal.problemCount > problems.size())
         lines << u"…… 未能移除的共 %1 项"_s.arg(report.removal.problemCount);
-    return {exitcode::done,
+    return {report.wasCancelled ? exitcode::refused : exitcode::done,
             lines.join(u'\n'),
             {{u"count"_s, done.cleanedCount},
              {u"bytes"_s, done.totalBytes},

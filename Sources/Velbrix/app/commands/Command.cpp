@@ -65,6 +65,56 @@ bool takeOptions(const CommandForm &form, QStringList &words, QMap<QString, QStr
     return true;
 }
 
+// Columns of a terminal, in which a Chinese character takes two.
+qsizetype columns(const QString &text)
+{
+    constexpr char16_t firstWide = 0x1100;
+    return text.size() + std::ranges::count_if(text, [](QChar c) { return c.unicode() >= firstWide; });
+}
+
+QStringList usageParts(const CommandForm &form)
+{
+    QStringList parts = {u"velbrix "_s + form.words};
+    if (form.least > 0)
+        parts.append(u'<' + QString(form.arguments).replace(u" "_s, u"> <"_s) + u'>');
+    else if (!form.arguments.isEmpty())
+        parts.append(u"[%1 …]"_s.arg(form.arguments));
+    for (const CommandOption &option : form.options)
+        parts.append(option.value.isEmpty() ? u"[%1]"_s.arg(option.name)
+                                            : u"[%1 <%2>]"_s.arg(option.name, option.value));
+    return parts;
+}
+
+// How it is said, and beside or below that what it does.
+QString usageText(const CommandForm &form)
+{
+    constexpr int widest = 78;
+    constexpr int helpColumn = 30;
+    constexpr int indent = 6;
+    QString text;
+    QString line = u" "_s;
+    for (const QString &part : usageParts(form)) {
+        if (columns(line) + 1 + columns(part) > widest) {
+            text += line + u'\n';
+            line = QString(indent - 1, u' ');
+        }
+        line += u' ' + part;
+    }
+    if (text.isEmpty() && columns(line) < helpColumn)
+        return line + QString(helpColumn - columns(line), u' ') + form.help + u'\n';
+    return text + line + u'\n' + QString(indent, u' ') + form.help + u'\n';
+}
+
+QString formsText(const QString &tool)
+{
+    QString text;
+    for (const CommandForm &form : commandForms()) {
+        if (form.words == tool || form.words.startsWith(tool + u' '))
+            text += usageText(form);
+    }
+    return text;
+}
+
 } // namespace
 
 CommandReply CommandReply::question(const QString &text, const QStringList &agreed, QJsonObject data)
@@ -127,7 +177,7 @@ const QList<CommandForm> &commandForms()
          u"源文件夹 保存目录"_s,
          2,
          2,
-         u"添加备份任务；时间为 时:分、日@时:分、月-日@时:分"_s,
+         u"添加备份任务；时间为 时:分、日@时:分、月-日@时:分；几个模式用逗号隔开"_s,
          true,
          {{u"--kind"_s, u"backup|sync"_s},
           {u"--name"_s, u"名称"_s},
@@ -188,22 +238,27 @@ ParsedCommand withAbsolutePaths(ParsedCommand command, const QString &folder)
     return command;
 }
 
-QString helpText()
+QString helpText(const QString &tool)
 {
-    QString text = u"用法：\n"
-                   "  velbrix                     启动，或把已运行的窗口带到前面\n"
-                   "  velbrix --background        启动但不显示窗口\n"_s;
-    for (const CommandForm &form : commandForms()) {
-        QString usage = form.words;
-        if (!form.arguments.isEmpty())
-            usage += (form.least > 0 ? u" <%1>"_s : u" [%1 …]"_s).arg(form.arguments);
-        for (const CommandOption &option : form.options)
-            usage += option.value.isEmpty() ? u" [%1]"_s.arg(option.name)
-                                            : u" [%1 <%2>]"_s.arg(option.name, option.value);
-        text += u"  velbrix %1 %2\n"_s.arg(usage.leftJustified(19), form.help);
+    QString forms = tool.isEmpty() ? QString() : formsText(tool);
+    if (forms.isEmpty()) {
+        forms = u"  velbrix                     启动，或把已运行的窗口带到前面\n"
+                "  velbrix --background        启动但不显示窗口\n"_s;
+        for (const CommandForm &form : commandForms())
+            forms += usageText(form);
     }
-    return text + u"选项：--json 输出稳定的英文键；--help 显示本说明；--version 显示版本；-- 之后都是参数\n"
-                  "退出码：0 完成，1 被拒绝并说明原因，2 用法错误，3 程序未运行\n"_s;
+    return u"用法：\n"_s + forms +
+           u"选项：--json 输出稳定的英文键；--help 显示本说明；--version 显示版本；-- 之后都是参数\n"
+           "退出码：0 完成，1 被拒绝并说明原因，2 用法错误，3 程序未运行\n"_s;
+}
+
+QString misuseText(const QStringList &words)
+{
+    if (const CommandForm *form = formBegunBy(words))
+        return u"参数不对。用法：\n"_s + usageText(*form);
+    const QString tool = words.value(0);
+    const bool isTool = !formsText(tool).isEmpty();
+    return (isTool && words.size() == 1 ? u"还缺少要做什么。\n"_s : u"无法识别的命令。\n"_s) + helpText(tool);
 }
 
 } // namespace velbrix

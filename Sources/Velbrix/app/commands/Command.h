@@ -81,7 +81,10 @@ bool isValid(const ParsedCommand &command);
 // Relative paths are those of the folder in which the user types.
 ParsedCommand withAbsolutePaths(ParsedCommand command, const QString &folder);
 
-QString helpText();
+// Of one tool ("backup"), or of all when no tool is called that.
+QString helpText(const QString &tool = {});
+// What to say to words that mean nothing, with the help that fits them best.
+QString misuseText(const QStringList &words);
 
 // Handlers are called on the main thread of the running program.
 using CommandHandler = std::function<QCoro::Task<CommandReply>(ParsedCommand command)>;

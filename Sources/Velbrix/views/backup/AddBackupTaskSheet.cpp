@@ -4,6 +4,7 @@
 #include "views/Reveal.h"
 #include "views/backup/BackupScheduleField.h"
 #include "views/backup/BackupWords.h"
+#include "views/components/NumberField.h"
 #include "views/components/Parts.h"
 #include "views/components/PathField.h"
 #include "views/components/ScrollingBody.h"
@@ -134,10 +135,7 @@ void AddBackupTaskSheet::addRules(QVBoxLayout &rows)
     _keep->setRange(0, 999);
     _keep->setSpecialValueText(u"全部保留"_s);
     _keep->setSuffix(u" 份"_s);
-    _keep->setButtonSymbols(QAbstractSpinBox::NoButtons);
-    _keep->setAlignment(Qt::AlignCenter);
-    _keep->setToolTip(u"直接输入，或用 ↑ ↓ 键调整"_s);
-    _keep->setFixedWidth(96);
+    makeNumberField(*_keep, 96);
     _keep->setValue(_task.keepLast);
     rows.addSpacing(6);
     _keepRow = new SettingRow(u"保留最近的归档"_s, u"更早的归档在新归档完成后删除；0 表示全部保留"_s, _keep);

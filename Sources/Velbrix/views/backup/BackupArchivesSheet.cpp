@@ -5,6 +5,7 @@
 #include "foundation/OneLine.h"
 #include "views/Follow.h"
 #include "views/PlainTip.h"
+#include "views/ShownName.h"
 #include "views/Theme.h"
 #include "views/backup/BackupWords.h"
 #include "views/components/EmptyState.h"
@@ -113,7 +114,7 @@ private:
 
 BackupArchivesSheet::BackupArchivesSheet(const ViewContext &context, const BackupTask &task, QWidget *page)
     : Sheet(context.theme,
-            {u"backupArchivesSheet"_s, u"恢复「%1」"_s.arg(oneLine(task.name)),
+            {u"backupArchivesSheet"_s, u"恢复「%1」"_s.arg(shownName(task.name)),
              u"选一个归档，恢复到所选文件夹中的新文件夹里，不会覆盖已有文件。"_s},
             sheetWidth, page),
       _context(context),

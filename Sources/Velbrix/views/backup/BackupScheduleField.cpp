@@ -1,5 +1,6 @@
 #include "views/backup/BackupScheduleField.h"
 
+#include "views/components/NumberField.h"
 #include "views/components/Parts.h"
 #include "views/components/SegmentedChoice.h"
 
@@ -14,16 +15,8 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+constexpr int fieldWidth = 72;
 constexpr int lastDayOfEveryMonth = 28;
-
-// Typed, or changed by the arrow keys and the wheel.
-void plain(QAbstractSpinBox &field)
-{
-    field.setButtonSymbols(QAbstractSpinBox::NoButtons);
-    field.setAlignment(Qt::AlignCenter);
-    field.setToolTip(u"直接输入，或用 ↑ ↓ 键调整"_s);
-    field.setFixedWidth(72);
-}
 
 QSpinBox *makeNumber(const QString &name, const QString &title, int most, int value)
 {
@@ -33,7 +26,7 @@ QSpinBox *makeNumber(const QString &name, const QString &title, int most, int va
     field->setRange(1, most);
     field->setValue(value);
     field->setSuffix(u' ' + title);
-    plain(*field);
+    makeNumberField(*field, fieldWidth);
     return field;
 }
 
@@ -51,7 +44,7 @@ BackupScheduleField::BackupScheduleField(const BackupScheduleTime &schedule, QWi
     _time->setObjectName(u"scheduleTime"_s);
     _time->setAccessibleName(u"运行时间"_s);
     _time->setDisplayFormat(u"HH:mm"_s);
-    plain(*_time);
+    makeNumberField(*_time, fieldWidth);
     _hint->setObjectName(u"scheduleHint"_s);
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);

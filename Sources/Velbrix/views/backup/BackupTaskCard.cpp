@@ -1,10 +1,10 @@
 #include "views/backup/BackupTaskCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "views/Follow.h"
 #include "views/Reveal.h"
+#include "views/ShownName.h"
 #include "views/ShownPath.h"
 #include "views/backup/BackupWords.h"
 #include "views/components/Confirmation.h"
@@ -191,9 +191,11 @@ void BackupTaskCard::showRun()
 {
     const FileBackupController &backups = _context.services.fileBackup;
     const bool isMine = backups.isRunningBackup() && backups.currentRunningTaskID() == _task.id;
+    if (isMine)
+        _running->show();
+    _job->setRunning(isMine, {_run, _edit});
     _running->setVisible(isMine);
     _run->setEnabled(!backups.isRunningBackup());
-    _edit->setEnabled(!isMine);
     if (!isMine)
         return;
     const double share = backups.runningShare();
@@ -208,7 +210,7 @@ void BackupTaskCard::askToRemove()
 {
     NoticeSheet::Words words;
     words.symbol = u"trash"_s;
-    words.title = u"删除任务「%1」？"_s.arg(oneLine(_task.name));
+    words.title = u"删除任务「%1」？"_s.arg(shownName(_task.name));
     words.message = u"只删除这个任务的设置，已经备份和同步的文件都会保留。"_s;
     words.confirm = u"删除任务"_s;
     words.isDestructive = true;

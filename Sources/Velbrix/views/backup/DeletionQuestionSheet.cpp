@@ -1,7 +1,7 @@
 #include "views/backup/DeletionQuestionSheet.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
+#include "views/ShownName.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>
@@ -17,7 +17,7 @@ constexpr int sheetWidth = 480;
 QString message(const BackupQuestion &question)
 {
     return u"「%1」的源文件夹里少了许多文件。继续的话，同步文件夹现有的 %2 个文件中会有 %3 个被删除。"_s.arg(
-        oneLine(question.name), QString::number(question.existing), QString::number(question.deletions));
+        shownName(question.name), QString::number(question.existing), QString::number(question.deletions));
 }
 
 QString consequence(const std::optional<BackupTask> &task)

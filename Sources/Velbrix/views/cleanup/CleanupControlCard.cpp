@@ -111,7 +111,6 @@ void CleanupControlCard::showJob()
 {
     const CleanupPhase phase = _cleaner.phase();
     const bool isCleaning = _cleaner.isCleaning();
-    _job->setVisible(_cleaner.isWorking());
     if (isCleaning) {
         const int done = static_cast<int>(_cleaner.progress() * steps);
         // Of a single item nobody knows how far it is.
@@ -119,10 +118,15 @@ void CleanupControlCard::showJob()
     } else {
         _job->setJob(u"正在计算各目录大小…"_s, 0, 0);
     }
-    _clean->setEnabled(!isCleaning);
-    _all->setEnabled(!isCleaning);
-    _none->setEnabled(!isCleaning);
-    _recalculate->setEnabled(!_cleaner.isWorking());
+    // While sizes are measured, the items can be chosen and cleaned.
+    const QList<QWidget *> choosing = {_clean, _all, _none};
+    if (isCleaning) {
+        _job->setRunning(true, choosing + QList<QWidget *>{_recalculate});
+    } else {
+        for (QWidget *button : choosing)
+            button->setEnabled(true);
+        _job->setRunning(_cleaner.isWorking(), {_recalculate});
+    }
     showTotals();
 }
 

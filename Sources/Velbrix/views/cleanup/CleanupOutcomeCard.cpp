@@ -3,15 +3,18 @@
 #include "app/AppServices.h"
 #include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownPath.h"
 #include "views/cleanup/CleanupWords.h"
 #include "views/components/Parts.h"
 #include "views/components/SymbolLabel.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStringListModel>
 #include <QVBoxLayout>
 
@@ -23,6 +26,7 @@ namespace velbrix {
 namespace {
 
 constexpr int mostListHeight = 168;
+constexpr int padding = 16; // of the list
 
 } // namespace
 
@@ -83,6 +87,9 @@ QWidget *CleanupOutcomeCard::makeProblems()
     _list->setEditTriggers(QListView::NoEditTriggers);
     _list->setWordWrap(true);
     _list->setTextElideMode(Qt::ElideMiddle);
+    _list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    _list->setVerticalScrollMode(QListView::ScrollPerPixel);
+    _list->installEventFilter(this);
     rows->addWidget(_list);
     connect(_open, &QPushButton::clicked, this, [this] { showProblems(_list->isHidden()); });
     return _problems;
@@ -91,22 +98,29 @@ QWidget *CleanupOutcomeCard::makeProblems()
 void CleanupOutcomeCard::refresh()
 {
     const CleanupReport report = _cleaner.report();
-    const QString result = resultText(report.outcome);
+    const QString result = resultText(report);
     const bool hasFailed = report.outcome.kind == CleanupPhase::Kind::failed;
     // That there was nothing to do is told until there is something to do.
     const bool isOutdated = hasFailed && !_cleaner.itemsToClean().isEmpty();
     setVisible(!result.isEmpty() && !isOutdated && !_cleaner.isCleaning());
-    _mark->show(hasFailed ? u"xmark.circle.fill"_s : u"checkmark.circle.fill"_s,
-                hasFailed ? ThemeColor::bad : ThemeColor::good);
+    if (hasFailed)
+        _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
+    else if (report.wasCancelled)
+        _mark->show(u"info.circle"_s, ThemeColor::secondary);
+    else
+        _mark->show(u"checkmark.circle.fill"_s, ThemeColor::good);
     _result->setText(result);
-    setLook(_result, "role", hasFailed ? u"badHeading"_s : u"goodHeading"_s);
+    setLook(_result, "role",
+            hasFailed             ? u"badHeading"_s
+            : report.wasCancelled ? u"heading"_s
+                                  : u"goodHeading"_s);
     const QString details = reportText(report);
     _details->setText(details);
     _details->setVisible(!details.isEmpty());
 
     QStringList lines;
     for (const RemovalProblem &problem : report.removal.problems)
-        lines.append(oneLine(QFile::decodeName(problem.path)) + u" — "_s + problem.reason);
+        lines.append(oneLine(shownPath(QFile::decodeName(problem.path))) + u" — "_s + problem.reason);
     _problemCount->setText(problemText(report.removal));
     _problems->setVisible(!lines.isEmpty());
     if (lines == _lines->stringList())
@@ -118,9 +132,25 @@ void CleanupOutcomeCard::refresh()
 void CleanupOutcomeCard::showProblems(bool isOpened)
 {
     _list->setVisible(isOpened);
-    _list->setFixedHeight(std::min(mostListHeight, _list->sizeHintForRow(0) * _lines->rowCount() + 16));
+    fitProblems();
     _open->setText(isOpened ? u"收起"_s : u"查看原因"_s);
     _open->setAccessibleName(_open->text());
+}
+
+// Lines that break in this width may ask for another height.
+void CleanupOutcomeCard::fitProblems()
+{
+    _list->doItemsLayout();
+    const QRect last = _list->visualRect(_lines->index(_lines->rowCount() - 1));
+    const int wanted = last.bottom() + _list->verticalScrollBar()->value() + padding;
+    _list->setFixedHeight(std::min(mostListHeight, wanted));
+}
+
+bool CleanupOutcomeCard::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == _list && event->type() == QEvent::Resize)
+        fitProblems();
+    return Card::eventFilter(watched, event);
 }
 
 } // namespace velbrix

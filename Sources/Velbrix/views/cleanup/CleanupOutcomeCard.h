@@ -19,11 +19,15 @@ class CleanupOutcomeCard final : public Card {
 public:
     explicit CleanupOutcomeCard(const ViewContext &context, QWidget *parent = nullptr);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     QWidget *makeResult();
     QWidget *makeProblems();
     void refresh();
     void showProblems(bool isOpened);
+    void fitProblems();
 
     ViewContext _context;
     SystemCleaner &_cleaner;

@@ -12,6 +12,7 @@
 #include "views/components/SymbolLabel.h"
 #include "views/components/TabularLabel.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -26,6 +27,7 @@ namespace {
 
 constexpr int symbolSide = 22;
 constexpr int openerSide = 28;
+constexpr int sizeWidth = 64;
 
 } // namespace
 
@@ -131,7 +133,10 @@ void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
     }
     _size = new TabularLabel;
     _size->setObjectName(u"cleanupSize."_s + _id);
-    places->addWidget(_size);
+    auto *column = new QGridLayout;
+    column->setColumnMinimumWidth(0, sizeWidth); // what stands before the sizes is in one column, too
+    column->addWidget(_size, 0, 0, Qt::AlignRight | Qt::AlignVCenter);
+    places->addLayout(column);
     _open = makeButton(_context.theme, {u"cleanupOpen."_s + _id, {}, u"chevron.right"_s, u"icon"_s});
     _open->setFixedSize(openerSide, openerSide);
     QSizePolicy policy = _open->sizePolicy();

@@ -3,6 +3,7 @@
 #include "foundation/ByteCount.h"
 #include "foundation/OneLine.h"
 #include "maintenance/cleanup/SystemCleaner.h"
+#include "views/ShownPath.h"
 
 #include <algorithm>
 
@@ -11,10 +12,11 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-// "用户缓存 — 1.2 GB（需要管理员权限，排除 2 个条目）"
+// "用户缓存 — 1.2 GB（需要管理员权限，排除 2 个条目）". Folders of the user's
+// are told with their path: many are called "build".
 QString itemLine(const SystemCleaner &cleaner, const CleanupItem &item)
 {
-    QString line = oneLine(item.name);
+    QString line = oneLine(item.customPath ? shownPath(*item.customPath) : item.name);
     if (const auto bytes = cleaner.measuredBytes(item.id))
         line += u" — "_s + formatByteCount(*bytes);
     QStringList marks;
@@ -85,7 +87,7 @@ QString reportText(const CleanupReport &report)
             lines.append(u"没有需要删除的文件"_s);
     }
     if (report.wasCancelled)
-        lines.append(u"已取消，余下的没有清理"_s);
+        lines.append(u"余下的没有清理"_s);
     if (!report.skipped.isEmpty())
         lines.append(u"因正在运行而跳过：%1"_s.arg(report.skipped.join(u"、"_s)));
     return lines.join(u'\n');

@@ -1,13 +1,14 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
-class QLabel;
 class QProgressBar;
 class QPushButton;
 
 namespace velbrix {
 
+class ElidedLabel;
 class Theme;
 
 // Work that is being done: what, how far, and a way to stop it.
@@ -21,13 +22,19 @@ public:
     void setJob(const QString &text, int done, int total);
     void setCancellable(bool cancellable);
 
+    // Shows that the job runs. A button that starts jobs is switched off as
+    // long as one runs; if the keyboard is at it, the focus waits at the cancel
+    // button meanwhile instead of getting lost.
+    void setRunning(bool runs, const QList<QWidget *> &starters);
+
 Q_SIGNALS:
     void cancelled();
 
 private:
-    QLabel *_text;
+    ElidedLabel *_text;
     QProgressBar *_progress;
     QPushButton *_cancel;
+    QPointer<QWidget> _focusBefore;
 };
 
 } // namespace velbrix

@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallProgressView.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownName.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>
@@ -23,7 +23,7 @@ constexpr int steps = 1000;
 UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget *page)
     : Sheet(context.theme,
             {u"uninstallProgress"_s,
-             u"正在卸载「%1」"_s.arg(oneLine(context.services.uninstaller.uninstallingName())),
+             u"正在卸载「%1」"_s.arg(shownName(context.services.uninstaller.uninstallingName())),
              {}},
             sheetWidth, page),
       _context(context),
@@ -43,6 +43,9 @@ UninstallProgressView::UninstallProgressView(const ViewContext &context, QWidget
     rows->addWidget(_bar);
     setBody(body);
     _stop = addButton({u"uninstallStop"_s, u"停止"_s, {}, {}});
+    QSizePolicy policy = _stop->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // the sheet keeps its height to the end
+    _stop->setSizePolicy(policy);
     AppScanner &scanner = context.services.uninstaller;
     connect(_stop, &QPushButton::clicked, this, [this, &scanner] {
         scanner.cancelUninstall();

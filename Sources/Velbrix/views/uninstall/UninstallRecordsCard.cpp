@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallRecordsCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownName.h"
 #include "views/components/Confirmation.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
@@ -73,7 +73,7 @@ void UninstallRecordsCard::rebuild()
 QWidget *UninstallRecordsCard::makeRow(const UninstallRecord &record)
 {
     auto *row =
-        new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
+        new SettingRow(u"%1（%2）"_s.arg(shownName(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
                        recordText(record), makeButtons(record));
     row->setLeading(new SymbolLabel(_context.theme, u"trash"_s, 22, ThemeColor::secondary));
     return row;
@@ -110,7 +110,7 @@ void UninstallRecordsCard::askToForget(const UninstallRecord &record)
     }
     NoticeSheet::Words words;
     words.symbol = u"trash"_s;
-    words.title = u"移除「%1」的卸载记录？"_s.arg(oneLine(record.name));
+    words.title = u"移除「%1」的卸载记录？"_s.arg(shownName(record.name));
     words.message = u"移除后不能再从这里放回原处。废纸篓里的文件不受影响。"_s;
     words.confirm = u"移除记录"_s;
     words.isDestructive = true;

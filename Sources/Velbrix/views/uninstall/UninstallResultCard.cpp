@@ -31,15 +31,16 @@ UninstallResultCard::UninstallResultCard(const ViewContext &context, QWidget *pa
 {
     setObjectName(u"uninstallResult"_s);
     _message->setObjectName(u"uninstallMessage"_s);
+    _message->setMinimumWidth(1); // a name without a blank would make the page as wide as it is
     QPushButton *const seen =
         makeButton(context.theme, {u"uninstallResultSeen"_s, u"知道了"_s, {}, u"plain"_s});
     auto *top = new QWidget;
     auto *line = new QHBoxLayout(top);
     line->setContentsMargins(0, 10, 0, 10);
     line->setSpacing(12);
-    line->addWidget(_symbol, 0, Qt::AlignTop);
+    line->addWidget(_symbol, 0, Qt::AlignVCenter);
     line->addWidget(_message, 1);
-    line->addWidget(seen, 0, Qt::AlignTop);
+    line->addWidget(seen, 0, Qt::AlignVCenter);
     addRow(top);
     _failures->setObjectName(u"uninstallFailures"_s);
     auto *rows = new QVBoxLayout(_failures);

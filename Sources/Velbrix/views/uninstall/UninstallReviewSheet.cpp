@@ -1,8 +1,8 @@
 #include "views/uninstall/UninstallReviewSheet.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownName.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/RowList.h"
@@ -22,7 +22,7 @@ constexpr int sheetWidth = 680;
 
 QString question(const QString &name)
 {
-    return u"确定要卸载「%1」吗？此操作会将文件移到废纸篓。"_s.arg(oneLine(name));
+    return u"确定要卸载「%1」吗？此操作会将文件移到废纸篓。"_s.arg(shownName(name));
 }
 
 QString packagesText(const UninstallReview &review)
@@ -38,7 +38,7 @@ QString packagesText(const UninstallReview &review)
 } // namespace
 
 UninstallReviewSheet::UninstallReviewSheet(const ViewContext &context, const QString &appName, QWidget *page)
-    : Sheet(context.theme, {u"uninstallReview"_s, u"卸载「%1」"_s.arg(oneLine(appName)), question(appName)},
+    : Sheet(context.theme, {u"uninstallReview"_s, u"卸载「%1」"_s.arg(shownName(appName)), question(appName)},
             sheetWidth, page),
       _context(context)
 {
@@ -99,7 +99,7 @@ void UninstallReviewSheet::refresh()
     _mode->setVisible(review.has_value());
     _total->setText(review ? tickedText(review->items) : QString());
     if (review) {
-        setTitle(u"卸载「%1」"_s.arg(oneLine(review->app.name)));
+        setTitle(u"卸载「%1」"_s.arg(shownName(review->app.name)));
         setMessage(question(review->app.name));
         _rows->replace(review->items);
     }
