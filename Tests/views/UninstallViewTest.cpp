@@ -141,9 +141,11 @@ void UninstallViewTest::listLooks_data()
     QTest::addColumn<QString>("search");
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QString>("text");
-    QTest::newRow("none") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s;
-    QTest::newRow("no match") << false << u"xyz"_s << u"appsNoMatch"_s << u"没有匹配的应用"_s;
-    QTest::newRow("failed") << true << QString() << u"appList"_s << u"无法读取应用列表"_s;
+    QTest::addColumn<bool>("isScannedBefore");
+    QTest::newRow("none") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << false;
+    QTest::newRow("none, known before") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << true;
+    QTest::newRow("no match") << false << u"xyz"_s << u"appsNoMatch"_s << u"没有匹配的应用"_s << false;
+    QTest::newRow("failed") << true << QString() << u"appList"_s << u"无法读取应用列表"_s << false;
 }
 
 void UninstallViewTest::listLooks()
@@ -152,12 +154,20 @@ void UninstallViewTest::listLooks()
     QFETCH(QString, search);
     QFETCH(QString, shown);
     QFETCH(QString, text);
+    QFETCH(bool, isScannedBefore);
     Rig rig;
     if (fails)
         rig.host.applications.installed = failure(u"无法读取应用列表"_s);
     else if (!search.isEmpty())
         rig.install(u"Gimp"_s);
-    rig.open();
+    rig.start();
+    const auto hasScanned = [&] { return !rig.scanner().isScanning(); };
+    if (isScannedBefore) {
+        rig.scanner().scan();
+        QVERIFY(rig.until(hasScanned));
+    }
+    rig.services->router.show(AppTab::uninstaller);
+    QVERIFY(rig.until(hasScanned));
     if (!search.isEmpty())
         QTest::keyClicks(rig.find<QLineEdit>(u"appSearch"_s), search);
     QVERIFY(rig.texts(shown).contains(text));

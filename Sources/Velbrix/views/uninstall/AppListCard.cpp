@@ -197,6 +197,7 @@ void AppListCard::look()
     _hasLooked = true;
     _context.services.uninstaller.scanOnce();
     showRunning();
+    showState(); // somebody may have looked before, from the command line
 }
 
 void AppListCard::showApps()
