@@ -19,8 +19,8 @@ struct BackupInspection {
 // Blocking; for backupWorkers().
 BackupInspection inspectPlaces(const BackupTask &task);
 
-// Why the inspected task cannot be beside the others, by whichever name of its
-// places; else empty.
+// Why the inspected task cannot be beside the others, by whichever names of its
+// folders; else empty.
 QString backupConflict(const BackupTask &task, const BackupInspection &seen, const QList<BackupTask> &others);
 
 } // namespace velbrix

@@ -39,6 +39,15 @@ void sortBySize(CleanupContents &contents)
 
 } // namespace
 
+OpenedItems::OpenedItems(const CleanupTable &table, DiskUsage &usage, SettingsStore &settings, Clock &clock)
+    : _table(table), _usage(usage), _clock(clock), _leftOut(settings)
+{
+    QStringList ids;
+    for (const CleanupRule &rule : table.rules())
+        ids.append(rule.item.id);
+    _leftOut.load(ids);
+}
+
 OpenedItems::~OpenedItems()
 {
     for (Cancellation &opening : _openings)

@@ -14,7 +14,6 @@ namespace velbrix {
 class CleanupTable;
 class Clock;
 class DiskUsage;
-class SettingsStore;
 
 using CleanupContentsById = QHash<QString, CleanupContents>;
 
@@ -25,10 +24,7 @@ class OpenedItems final : public QObject {
     VELB_PUBLISHED(OpenedItems, CleanupContentsById, contents) // of the opened ones
 
 public:
-    OpenedItems(const CleanupTable &table, DiskUsage &usage, SettingsStore &settings, Clock &clock)
-        : _table(table), _usage(usage), _clock(clock), _leftOut(settings)
-    {
-    }
+    OpenedItems(const CleanupTable &table, DiskUsage &usage, SettingsStore &settings, Clock &clock);
     ~OpenedItems() override;
 
     // Whether cleaning the item takes entries that can be listed.
@@ -38,8 +34,6 @@ public:
     void close(const QString &id);
     // Lists and measures all opened ones anew.
     void lookAgain();
-    // Takes up what was left out of these items before.
-    void loadLeftOut(const QStringList &ids) { _leftOut.load(ids); }
     // Leaves one entry out of every clean, or takes it in again; the item
     // need not be open.
     void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
