@@ -3,6 +3,7 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/backup/FileBackupController.h"
 #include "support/FakeArchiver.h"
+#include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/PatientTest.h"
@@ -57,8 +58,9 @@ struct Rig {
     SettingsStore settings{std::make_unique<MemorySettings>(), clock};
     FakeArchiver archiver{clock};
     FakeUserNotifications notifications;
+    FakeSystemSleep sleep;
     std::unique_ptr<FileBackupController> controller = std::make_unique<FileBackupController>(
-        FileBackupController::Hosts{archiver, notifications}, settings, clock);
+        FileBackupController::Hosts{archiver, notifications, sleep}, settings, clock);
 };
 
 } // namespace

@@ -324,6 +324,42 @@ private Q_SLOTS:
         other.destPath = u"/d/A_同步_旧文件/20260301_090000"_s;
         QVERIFY(!backupConflict(other, {one}).isEmpty());
     }
+
+    void tasksMustNotCopyEachOthersCopies_data()
+    {
+        QTest::addColumn<QString>("ways"); // source>destination, and what is left out
+        QTest::addColumn<bool>("isRefused");
+        QTest::newRow("one way") << u"/a>/b /b>/c"_s << false;
+        QTest::newRow("both to one place") << u"/a>/c /b>/c"_s << false;
+        QTest::newRow("a mirror's mirror") << u"/a>/b /b/0_同步>/c"_s << false;
+        QTest::newRow("there and back") << u"/a>/b /b>/a"_s << true;
+        QTest::newRow("deep in the source") << u"/a>/b/c /b>/a/d"_s << true;
+        QTest::newRow("a part of it comes back") << u"/a>/b /b/0_同步/x>/a/x"_s << true;
+        QTest::newRow("another part comes back") << u"/a>/b /b/0_同步/x>/a/y"_s << false;
+        QTest::newRow("beside it") << u"/a>/b /b/other>/a"_s << false;
+        QTest::newRow("left out") << u"/a>/b /b>/a>0_*"_s << false;
+        QTest::newRow("over a third") << u"/a>/b /b>/c /c>/a"_s << true;
+        QTest::newRow("a loop of others") << u"/a>/b /b>/a /d>/a"_s << false;
+    }
+
+    void tasksMustNotCopyEachOthersCopies()
+    {
+        QFETCH(QString, ways);
+        QFETCH(bool, isRefused);
+        for (const auto kind : {BackupTaskKind::sync, BackupTaskKind::backup}) {
+            QList<BackupTask> tasks;
+            for (const QString &way : ways.split(u' ')) {
+                BackupTask task;
+                task.id = task.name = QString::number(tasks.size());
+                task.kind = tasks.isEmpty() ? BackupTaskKind::sync : kind;
+                task.sourcePath = way.section(u'>', 0, 0);
+                task.destPath = way.section(u'>', 1, 1);
+                task.excludes = {way.section(u'>', 2)};
+                tasks.append(task);
+            }
+            QCOMPARE(!backupConflict(tasks.last(), tasks).isEmpty(), isRefused);
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(BackupTypesTest)

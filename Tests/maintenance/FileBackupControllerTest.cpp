@@ -2,6 +2,7 @@
 
 #include "foundation/SettingsStore.h"
 #include "support/FakeArchiver.h"
+#include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
 #include "support/PatientTest.h"
@@ -75,7 +76,7 @@ struct Rig {
     {
         if (!controller)
             controller = std::make_unique<FileBackupController>(
-                FileBackupController::Hosts{archiver, notifications}, settings, clock);
+                FileBackupController::Hosts{archiver, notifications, sleep}, settings, clock);
         return *controller;
     }
     // A day's tasks in the settings, without the checks of save().
@@ -102,6 +103,7 @@ struct Rig {
     SettingsStore settings{std::unique_ptr<SettingsBackend>(backend), clock};
     FakeArchiver archiver{clock};
     FakeUserNotifications notifications;
+    FakeSystemSleep sleep;
     std::unique_ptr<FileBackupController> controller;
 };
 
@@ -134,6 +136,20 @@ private Q_SLOTS:
         QCOMPARE(rig.settings.json(key)->toArray().at(0)[u"isEnabled"_s], QJsonValue(false));
         rig.controller->remove(saved->id);
         QCOMPARE(rig.settings.json(key)->toArray(), QJsonArray());
+    }
+
+    void refusesATaskThatFeedsAnotherOne()
+    {
+        Rig rig;
+        BackupTask there = rig.described(u"there"_s);
+        there.kind = BackupTaskKind::sync;
+        QVERIFY(rig.save(there));
+        QFile::link(rig.path(u"dst"_s), rig.path(u"link"_s));
+        BackupTask back = rig.described(u"back"_s);
+        back.sourcePath = rig.path(u"link"_s);
+        back.destPath = rig.path(u"src"_s);
+        const auto saved = rig.save(back);
+        QVERIFY(!saved && saved.error().message.startsWith(u"与任务“there”互相备份"_s));
     }
 
     void runsWhatIsDueAtThePoll()
@@ -189,6 +205,26 @@ private Q_SLOTS:
         rig.controller->runNow(u"disabled"_s);
         QVERIFY(rig.ends());
         QVERIFY(rig.result(u"disabled"_s).startsWith(u"✓"_s));
+    }
+
+    void catchesUpSoonAfterTheMachineWakes()
+    {
+        Rig rig;
+        rig.make();
+        QVERIFY(!rig.sleep.isWatched());
+        BackupTask task = rig.described(u"t"_s);
+        task.schedule.minute = 1;
+        const QString id = rig.save(task)->id;
+        rig.clock.advance(61min); // long before the next poll
+        rig.sleep.wake();
+        rig.clock.advance(9s);
+        QVERIFY(!rig.controller->isRunningBackup());
+        rig.clock.advance(1s);
+        QVERIFY(rig.controller->isRunningBackup());
+        QVERIFY(rig.ends());
+        QVERIFY(rig.result(id).startsWith(u"✓"_s));
+        rig.controller->remove(id);
+        QVERIFY(!rig.sleep.isWatched());
     }
 
     void aClockThatWasWrongDoesNotStopATask()

@@ -13,6 +13,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cstdio>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace velbrix;
@@ -103,6 +106,8 @@ private Q_SLOTS:
     void nothingSelected();
     void cleansInOrder();
     void keepsWhatIsHiddenOrLeftOut();
+    void whatIsLeftOutStaysSoAfterARestart();
+    void leftOutEntriesEditedByHand();
     void whatIsLeftOutOfOneItemStaysInAnother();
     void whatIsNotCleanedStaysInsideAnotherItem();
     void aLinkIntoAnotherItemDoesNotHideWhatStays();
@@ -313,6 +318,55 @@ void SystemCleanerTest::keepsWhatIsHiddenOrLeftOut()
     QCOMPARE(cleaner.report().outcome.cleanedCount, 1);
     QVERIFY(rig.has(u"cache/.git/config"_s) && rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
     QTRY_VERIFY(!cleaner.opened().contents().value(u"caches"_s).isMeasuring);
+}
+
+void SystemCleanerTest::whatIsLeftOutStaysSoAfterARestart()
+{
+    Rig rig;
+    const QByteArray folder = QFile::encodeName(QFileInfo(rig.home.path()).canonicalFilePath()) + "/cache/";
+    const QByteArray odd = folder + "caf\xe9 %41\n"; // not UTF-8
+    rig.put(u"cache/dear/file"_s);
+    rig.put(u"cache/cheap"_s);
+    FILE *const file = std::fopen(odd.constData(), "w");
+    QVERIFY(file);
+    std::fclose(file);
+    rig.make();
+    for (const QByteArray &path : {folder + "dear", odd, folder + "gone"})
+        rig.cleaner->opened().setIncluded(u"caches"_s, path, false);
+    rig.make(); // another day
+    QCOMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 3);
+    rig.cleaner->clean({u"caches"_s});
+    rig.finish();
+    QVERIFY(rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
+    QCOMPARE(::access(odd.constData(), F_OK), 0);
+    // Seen to be missing, it is forgotten; an empty folder may be a disk's that is not there.
+    rig.cleaner->opened().open(u"caches"_s);
+    QTRY_COMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 2);
+    QCOMPARE(::unlink(odd.constData()), 0);
+    QVERIFY(QDir(rig.path(u"cache"_s)).removeRecursively() && QDir().mkpath(rig.path(u"cache"_s)));
+    rig.make().opened().open(u"caches"_s);
+    QTRY_VERIFY((rig.clock.advance(50ms), !rig.cleaner->opened().contents().value(u"caches"_s).isMeasuring));
+    QCOMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 2);
+    for (const QByteArray &path : {folder + "dear", odd})
+        rig.cleaner->opened().setIncluded(u"caches"_s, path, true);
+    QVERIFY(!rig.settings.contains(LeftOutEntries::defaultsKey));
+}
+
+void SystemCleanerTest::leftOutEntriesEditedByHand()
+{
+    Rig rig;
+    const auto countOf = [&](const QJsonValue &stored) {
+        rig.settings.set(LeftOutEntries::defaultsKey, stored);
+        return rig.make().opened().leftOutCount(u"caches"_s);
+    };
+    QCOMPARE(countOf(u"caches"_s), 0);
+    QCOMPARE(countOf(QJsonArray{u"/a"_s}), 0);
+    QCOMPARE(countOf(QJsonObject{{u"caches"_s, u"/a"_s}, {u"nobody"_s, QJsonArray{u"/a"_s}}}), 0);
+    QCOMPARE(countOf(QJsonObject{{u"caches"_s, QJsonArray{u"/a"_s, 7, u"relative"_s, QJsonArray(), u""_s}}}),
+             1);
+    for (int n = 0; n < LeftOutEntries::mostKept + 10; ++n)
+        rig.cleaner->opened().setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
+    QCOMPARE(rig.make().opened().leftOutCount(u"caches"_s), LeftOutEntries::mostKept);
 }
 
 void SystemCleanerTest::whatIsLeftOutOfOneItemStaysInAnother()

@@ -24,6 +24,7 @@
 #include "support/FakeScreenCapture.h"
 #include "support/FakeSingleInstance.h"
 #include "support/FakeSymbols.h"
+#include "support/FakeSystemSleep.h"
 #include "support/FakeTrashCan.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
@@ -55,6 +56,7 @@ public:
           desktopPicture(make<FakeDesktopPicture>(platform.desktopPicture, clock)),
           mediaProbe(make<FakeMediaProbe>(platform.mediaProbe, clock)),
           power(make<FakePowerSource>(platform.power)),
+          sleep(make<FakeSystemSleep>(platform.sleep)),
           dock(make<FakeDockPreference>(platform.dock, clock)),
           diskUsage(make<FakeDiskUsage>(platform.diskUsage, clock)),
           displays(make<FakeDisplays>(platform.displays)),
@@ -84,6 +86,7 @@ public:
     FakeDesktopPicture &desktopPicture;
     FakeMediaProbe &mediaProbe;
     FakePowerSource &power;
+    FakeSystemSleep &sleep;
     FakeDockPreference &dock;
     FakeDiskUsage &diskUsage;
     FakeDisplays &displays;

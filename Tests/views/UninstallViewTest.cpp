@@ -1,3 +1,4 @@
+#include "maintenance/uninstall/UninstallJournal.h"
 #include "support/WindowRig.h"
 #include "views/components/RowList.h"
 #include "views/components/Switch.h"
@@ -8,6 +9,8 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QRadioButton>
+
+#include <ranges>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -44,6 +47,19 @@ struct Rig : WindowRig {
         application.size = 2'000'000;
         host.applications.installed->append(application);
         return host.applications.installed->last();
+    }
+
+    // What past uninstalls have left, the newest first.
+    QList<UninstallRecord> recorded() const
+    {
+        return UninstallJournal(files.filePath(u"data/Velbrix/uninstalls.json"_s)).records();
+    }
+    void record(const QList<UninstallRecord> &records) const
+    {
+        UninstallJournal journal(files.filePath(u"data/Velbrix/uninstalls.json"_s));
+        for (const UninstallRecord &each : records | std::views::reverse)
+            journal.put(each);
+        QVERIFY(waitFor([&] { return recorded() == records; }));
     }
 
     // On the page, with its list.
@@ -98,6 +114,7 @@ private Q_SLOTS:
     void progressCoversAndStops();
     void failuresAreListed();
     void recordsGoBack();
+    void recordsCanBeRemoved();
     void modeAndOptions();
     void aSheetGoesWithItsPage();
     void everyControlHasAName();
@@ -301,12 +318,33 @@ void UninstallViewTest::recordsGoBack()
     QVERIFY(rig.finish());
     QVERIFY(!QFile::exists(path));
     const QString id = rig.scanner().records().constFirst().id;
-    QTRY_VERIFY(rig.texts(u"uninstallRecords"_s).contains(u"1 项在废纸篓"_s));
+    QTRY_VERIFY(rig.texts(u"uninstallRecords"_s).contains(u"1 项已移到废纸篓"_s));
     rig.click(u"putBack."_s + id);
     QVERIFY(rig.finish());
     QVERIFY(QFile::exists(path));
     QCOMPARE(rig.text(u"uninstallMessage"_s), u"已将「Gimp」的 1 项放回原处"_s);
     QVERIFY(!rig.find(u"putBack."_s + id));
+}
+
+void UninstallViewTest::recordsCanBeRemoved()
+{
+    Rig rig;
+    const UninstallRecord moved = {u"1"_s, u"Gimp"_s, rig.clock.now(), {{u"/gone/gimp"_s, u"/trash/gimp"_s}},
+                                   {},     {}};
+    const UninstallRecord package = {u"2"_s, u"Vlc"_s, rig.clock.now(), {}, {}, u"vlc"_s};
+    rig.record({moved, package});
+    rig.open();
+    rig.click(u"forget.2"_s); // nothing could go back anyway
+    QCOMPARE(rig.scanner().records(), QList{moved});
+    QTRY_VERIFY(rig.find(u"forget.1"_s));
+    rig.click(u"forget.1"_s);
+    rig.click(u"noticeCancel"_s);
+    QCOMPARE(rig.scanner().records(), QList{moved});
+    rig.click(u"forget.1"_s);
+    rig.click(u"noticeConfirm"_s);
+    QVERIFY(rig.scanner().records().isEmpty());
+    QVERIFY(!rig.find(u"forget.1"_s));
+    QVERIFY(waitFor([&] { return rig.recorded().isEmpty(); }));
 }
 
 void UninstallViewTest::modeAndOptions()

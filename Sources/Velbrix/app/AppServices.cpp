@@ -62,7 +62,7 @@ AppServices::AppServices(Platform &host, Clock &time)
       hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }}, settings, notifications, time),
       cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
               cleanupCatalog(host.family), ownPlaces()),
-      fileBackup({*host.archiver, *host.notifications}, settings, time),
+      fileBackup({*host.archiver, *host.notifications, *host.sleep}, settings, time),
       uninstaller({*host.applications, *host.diskUsage, *host.trash, *host.programs}, settings, time,
                   dataFolder() + u"/uninstalls.json"_s)
 {

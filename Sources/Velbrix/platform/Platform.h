@@ -25,6 +25,7 @@
 #include "platform/ScreenCapture.h"
 #include "platform/SingleInstance.h"
 #include "platform/Symbols.h"
+#include "platform/SystemSleep.h"
 #include "platform/TrashCan.h"
 #include "platform/UserNotifications.h"
 
@@ -55,6 +56,7 @@ struct Platform {
     std::unique_ptr<DesktopVisibility> visibility;
     std::unique_ptr<MediaProbe> mediaProbe;
     std::unique_ptr<PowerSource> power;
+    std::unique_ptr<SystemSleep> sleep;
     std::unique_ptr<DockPreference> dock;
     std::unique_ptr<DiskUsage> diskUsage;
     std::unique_ptr<TrashCan> trash;

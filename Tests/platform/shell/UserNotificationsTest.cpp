@@ -70,7 +70,9 @@ class NotificationService final : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
 public:
     QMap<uint, QString> shown; // title and body
+    QStringList capabilities{u"body"_s, u"body-markup"_s};
 public Q_SLOTS:
+    QStringList GetCapabilities() const { return capabilities; }
     uint Notify(const QString &, uint replaced, const QString &, const QString &title, const QString &body,
                 const QStringList &, const QVariantMap &, int)
     {
@@ -151,6 +153,9 @@ private Q_SLOTS:
                  (QStringList{u"备份完成|"_s,
                               u"<b>x</b>|&lt;img src=&quot;/etc/passwd&quot;/&gt;&amp;amp; ok"_s}));
         QCOMPARE(fake.posted, (QList<UserNotice>{first, hostile, newer}));
+        service.capabilities = {u"body"_s}; // shows it as it is
+        QVERIFY(post(_notifications, hostile));
+        QCOMPARE(service.shown.last(), u"<b>x</b>|<img src=\"/etc/passwd\"/>&amp; ok"_s);
         QDBusConnection::disconnectFromBus(u"desktop"_s);
     }
 

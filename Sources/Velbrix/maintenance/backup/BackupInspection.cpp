@@ -11,6 +11,7 @@ BackupInspection inspectPlaces(const BackupTask &task)
     if (seen.obstacle.isEmpty()) {
         seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
         seen.destVolume = QStorageInfo(task.destPath).rootPath();
+        seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
         seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
     }
     return seen;
@@ -18,10 +19,11 @@ BackupInspection inspectPlaces(const BackupTask &task)
 
 QString backupConflict(const BackupTask &task, const BackupInspection &seen, const QList<BackupTask> &others)
 {
-    BackupTask there = task;
-    there.destPath = seen.realDestination;
+    BackupTask real = task;
+    real.sourcePath = seen.realSource;
+    real.destPath = seen.realDestination;
     const QString asWritten = backupConflict(task, others);
-    return asWritten.isEmpty() ? backupConflict(there, others) : asWritten;
+    return asWritten.isEmpty() ? backupConflict(real, others) : asWritten;
 }
 
 } // namespace velbrix

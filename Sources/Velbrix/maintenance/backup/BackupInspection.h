@@ -12,14 +12,15 @@ struct BackupInspection {
     QString obstacle; // why it cannot be saved, for the user; the rest is empty then
     QString sourceVolume = {};
     QString destVolume = {};
-    QString realDestination = {}; // without links
+    QString realSource = {}; // without links, as the next
+    QString realDestination = {};
 };
 
 // Blocking; for backupWorkers().
 BackupInspection inspectPlaces(const BackupTask &task);
 
-// Why the inspected task cannot be beside the others, by whichever name of its
-// destination; else empty.
+// Why the inspected task cannot be beside the others, by whichever names of its
+// folders; else empty.
 QString backupConflict(const BackupTask &task, const BackupInspection &seen, const QList<BackupTask> &others);
 
 } // namespace velbrix

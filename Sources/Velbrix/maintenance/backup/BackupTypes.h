@@ -69,8 +69,9 @@ bool isTooFarAhead(const BackupScheduleTime &schedule, const QDateTime &nextRunA
 // Why the task cannot be saved, in words for the user; else empty. Source and
 // destination are looked at on the disk: call it off the main thread.
 QString backupObstacle(const BackupTask &task);
-// Why it cannot be beside the others: they would write over each other. Looks
-// at the paths only; the task itself may be among the others.
+// Why it cannot be beside the others: they would write over each other, or copy
+// each other's copies without end. Looks at the paths only; the task itself may
+// be among the others.
 QString backupConflict(const BackupTask &task, const QList<BackupTask> &others);
 
 // "每天 09:00", "每月 28 日 09:00", "每年 3 月 1 日 09:00".

@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -60,6 +62,64 @@ bool takesAway(const BackupTask &task, const QString &folder)
            (isWithin(folder, mirrorFolder(task)) || isWithin(folder, setAsideFolder(task)));
 }
 
+// A folder, or an archive by what its name looks like.
+QString product(const BackupTask &task)
+{
+    static const QDateTime any(QDate(2026, 1, 1), QTime(0, 0));
+    return task.kind == BackupTaskKind::sync ? mirrorFolder(task)
+                                             : QDir::cleanPath(task.destPath + u'/' + archiveName(task, any));
+}
+
+// Where the task's copy of the path lies; nothing when it does not copy it.
+std::optional<QString> copyOf(const QString &path, const BackupTask &task)
+{
+    const QString source = QDir::cleanPath(task.sourcePath);
+    if (!isWithin(path, source))
+        return std::nullopt;
+    QString below = path.sliced(source.size());
+    if (below.startsWith(u'/'))
+        below.remove(0, 1);
+    if (!below.isEmpty() && ExcludeRules(task.excludes).leavesOutWithin(below.toUtf8()))
+        return std::nullopt;
+    return QDir::cleanPath(task.kind == BackupTaskKind::sync ? product(task) + u'/' + below : product(task));
+}
+
+// The tasks over which what one has written gets back into its own source;
+// empty when it does not.
+QList<BackupTask> wayBack(const QString &path, const BackupTask &first, QList<BackupTask> &unseen)
+{
+    if (copyOf(path, first))
+        return {first};
+    for (qsizetype i = 0; i < unseen.size();) {
+        const auto copy = copyOf(path, unseen.at(i));
+        if (!copy) {
+            ++i;
+            continue;
+        }
+        const BackupTask next = unseen.takeAt(i);
+        if (const QList<BackupTask> way = wayBack(*copy, first, unseen); !way.isEmpty())
+            return way + QList{next};
+        i = 0; // others are gone, too
+    }
+    return {};
+}
+
+// One of the others with which the task would copy copies without end.
+std::optional<BackupTask> partnerInLoop(const BackupTask &task, const QList<BackupTask> &others)
+{
+    const QList<BackupTask> all = QList{task} + others;
+    const auto isTask = [&](const BackupTask &each) { return each.id == task.id; };
+    for (const BackupTask &first : all) {
+        QList<BackupTask> unseen = all;
+        unseen.removeOne(first);
+        const QList<BackupTask> way = wayBack(product(first), first, unseen);
+        const auto partner = std::ranges::find_if_not(way, isTask);
+        if (std::ranges::any_of(way, isTask) && partner != way.end())
+            return *partner;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 QString backupObstacle(const BackupTask &task)
@@ -90,6 +150,11 @@ QString backupConflict(const BackupTask &task, const QList<BackupTask> &others)
             return u"任务“%1”保存在这个同步文件夹里面，会被同步删除；请换一个名称或保存目录"_s.arg(
                 other.name);
     }
+    QList<BackupTask> rest = others;
+    rest.removeIf([&](const BackupTask &other) { return other.id == task.id; });
+    if (const auto partner = partnerInLoop(task, rest))
+        return u"与任务“%1”互相备份：每次运行都会把对方的副本再复制一遍，越来越大；请换一个保存目录，或将副本加入排除项"_s
+            .arg(partner->name);
     return {};
 }
 

@@ -6,6 +6,7 @@
 #include "maintenance/backup/BackupNotices.h"
 #include "maintenance/backup/BackupTaskChanges.h"
 #include "maintenance/backup/MirrorRun.h"
+#include "platform/SystemSleep.h"
 #include "platform/UserNotifications.h"
 
 #include <QCoroFuture>
@@ -22,6 +23,7 @@ namespace velbrix {
 namespace {
 
 constexpr auto catchUpDelay = 60s; // a start is busy enough
+constexpr auto wakeDelay = 10s;    // disks and the network come back
 
 QCoro::Task<bool> nobodyAgrees()
 {
@@ -44,7 +46,8 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
     correctTimes();
     _pollTimer = _clock.every(checkInterval, [this] { poll(); });
     if (!dueTasks(_tasks, _clock.now()).isEmpty())
-        _catchUp = _clock.after(catchUpDelay, [this] { poll(); });
+        pollAfter(catchUpDelay);
+    watchWaking();
 }
 
 FileBackupController::~FileBackupController()
@@ -133,6 +136,20 @@ void FileBackupController::correctTimes()
     correctNextRuns(tasks, _clock.now());
     if (tasks != _tasks.value())
         store(tasks);
+}
+
+void FileBackupController::pollAfter(std::chrono::milliseconds delay)
+{
+    _catchUp = _clock.after(delay, [this] { poll(); });
+}
+
+// The poll timer does not count the time asleep.
+void FileBackupController::watchWaking()
+{
+    if (tasks().isEmpty())
+        _waking.reset();
+    else if (!_waking)
+        _waking = _hosts.sleep.watchWaking([this] { pollAfter(wakeDelay); });
 }
 
 void FileBackupController::poll()
@@ -259,6 +276,7 @@ void FileBackupController::store(const QList<BackupTask> &tasks)
     // Stored first: whoever hears of the change may ask the settings.
     _store.save(tasks);
     _tasks = tasks;
+    watchWaking();
 }
 
 } // namespace velbrix

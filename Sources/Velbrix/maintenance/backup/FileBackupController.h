@@ -23,7 +23,9 @@
 namespace velbrix {
 
 class Archiver;
+class Observation;
 class SettingsStore;
+class SystemSleep;
 class UserNotifications;
 struct UserNotice;
 
@@ -54,6 +56,7 @@ public:
     struct Hosts {
         Archiver &archiver;
         UserNotifications &notifications;
+        SystemSleep &sleep;
     };
 
     FileBackupController(Hosts hosts, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
@@ -90,6 +93,8 @@ private:
 
     void correctTimes();
     void poll();
+    void pollAfter(std::chrono::milliseconds delay);
+    void watchWaking();
     QCoro::Task<> runDue();
     QCoro::Task<> run(BackupTask task, Occasion occasion);
     void finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion);
@@ -106,6 +111,7 @@ private:
     BackupTaskStore _store;
     std::unique_ptr<Alarm> _pollTimer;
     std::unique_ptr<Alarm> _catchUp;
+    std::unique_ptr<Observation> _waking; // while there are tasks
     bool _isPolling = false;
     Cancellation _runCancellation;
     AwaitedAnswer _answer;

@@ -39,6 +39,15 @@ void sortBySize(CleanupContents &contents)
 
 } // namespace
 
+OpenedItems::OpenedItems(const CleanupTable &table, DiskUsage &usage, SettingsStore &settings, Clock &clock)
+    : _table(table), _usage(usage), _clock(clock), _leftOut(settings)
+{
+    QStringList ids;
+    for (const CleanupRule &rule : table.rules())
+        ids.append(rule.item.id);
+    _leftOut.load(ids);
+}
+
 OpenedItems::~OpenedItems()
 {
     for (Cancellation &opening : _openings)
@@ -88,10 +97,11 @@ QCoro::Task<> OpenedItems::measure(QString id)
     const CleanableEntries found = co_await listing;
     if (!self || wanted.isCancelled())
         co_return;
+    _leftOut.dropMissing(id, found.paths);
     contents.problem = found.problem;
     for (const QByteArray &path : found.paths)
         contents.entries.append(
-            {path, shownName(path, folders.size() > 1), {}, !_leftOut.value(id).contains(path)});
+            {path, shownName(path, folders.size() > 1), {}, !_leftOut.contains(id, path)});
     publish(id, contents);
 
     // Answers come while the user closes items and ticks entries.
@@ -130,10 +140,7 @@ void OpenedItems::publish(const QString &id, const CleanupContents &contents)
 
 void OpenedItems::setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded)
 {
-    if (isIncluded)
-        _leftOut[id].remove(entryPath);
-    else
-        _leftOut[id].insert(entryPath);
+    _leftOut.set(id, entryPath, !isIncluded);
     if (!_contents.value().contains(id))
         return;
     CleanupContents contents = _contents.value().value(id);
@@ -142,14 +149,6 @@ void OpenedItems::setIncluded(const QString &id, const QByteArray &entryPath, bo
         return;
     entry->isIncluded = isIncluded;
     publish(id, contents);
-}
-
-QList<QByteArray> OpenedItems::leftOut() const
-{
-    QList<QByteArray> all;
-    for (const QSet<QByteArray> &entries : _leftOut)
-        all += entries.values();
-    return all;
 }
 
 void OpenedItems::forget(const QString &id)

@@ -3,11 +3,11 @@
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "maintenance/cleanup/CleanupTypes.h"
+#include "maintenance/cleanup/LeftOutEntries.h"
 
 #include <QCoroTask>
 #include <QHash>
 #include <QObject>
-#include <QSet>
 
 namespace velbrix {
 
@@ -18,16 +18,13 @@ class DiskUsage;
 using CleanupContentsById = QHash<QString, CleanupContents>;
 
 // What is in the items the user has opened, and which entries of an item are
-// left out of the next clean. Everything it is given must outlive it.
+// left out of every clean. Everything it is given must outlive it.
 class OpenedItems final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(OpenedItems, CleanupContentsById, contents) // of the opened ones
 
 public:
-    OpenedItems(const CleanupTable &table, DiskUsage &usage, Clock &clock)
-        : _table(table), _usage(usage), _clock(clock)
-    {
-    }
+    OpenedItems(const CleanupTable &table, DiskUsage &usage, SettingsStore &settings, Clock &clock);
     ~OpenedItems() override;
 
     // Whether cleaning the item takes entries that can be listed.
@@ -37,12 +34,12 @@ public:
     void close(const QString &id);
     // Lists and measures all opened ones anew.
     void lookAgain();
-    // Leaves one entry out of the next clean, or takes it in again; the item
+    // Leaves one entry out of every clean, or takes it in again; the item
     // need not be open.
     void setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded);
-    qsizetype leftOutCount(const QString &id) const { return _leftOut.value(id).size(); }
+    qsizetype leftOutCount(const QString &id) const { return _leftOut.count(id); }
     // Of all items.
-    QList<QByteArray> leftOut() const;
+    QList<QByteArray> leftOut() const { return _leftOut.all(); }
     // Closes it and takes everything in again.
     void forget(const QString &id);
 
@@ -53,7 +50,7 @@ private:
     const CleanupTable &_table;
     DiskUsage &_usage;
     Clock &_clock;
-    QHash<QString, QSet<QByteArray>> _leftOut; // by item
+    LeftOutEntries _leftOut;
     QHash<QString, Cancellation> _openings;
 };
 

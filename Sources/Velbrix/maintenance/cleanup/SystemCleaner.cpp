@@ -20,6 +20,13 @@ const QString unknownYet = u"计算中…"_s;
 const QString notMeasured = u"待计算"_s;
 const QString nothingToShow = u"无数据"_s;
 
+QList<CleanupRule> withFolders(QList<CleanupRule> catalog, const QStringList &customPaths)
+{
+    for (const QString &path : customPaths)
+        catalog.append(customRule(path));
+    return catalog;
+}
+
 bool isWanted(const CleanupItem &item, const QStringList &ids)
 {
     return ids.isEmpty() ? item.isSelected : ids.contains(item.id);
@@ -40,13 +47,12 @@ SystemCleaner::SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock 
     : QObject(parent),
       _clock(clock),
       _choices(settings),
-      _table(std::move(catalog), {hosts.trash, hosts.programs}, clock, std::move(ownPlaces)),
+      _table(withFolders(std::move(catalog), _choices.customPaths()), {hosts.trash, hosts.programs}, clock,
+             std::move(ownPlaces)),
       _sizes(_table, hosts.usage),
-      _opened(_table, hosts.usage, clock),
+      _opened(_table, hosts.usage, settings, clock),
       _itemCleaner(_table, {hosts.trash, hosts.admin}, clock)
 {
-    for (const QString &path : _choices.customPaths())
-        _table.add(customRule(path));
     QList<CleanupItem> items;
     for (const CleanupRule &rule : _table.rules())
         items.append(rule.item);

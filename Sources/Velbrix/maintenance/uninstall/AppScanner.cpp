@@ -235,6 +235,14 @@ void AppScanner::putBack(const QString &recordId)
     runPutBack(*record);
 }
 
+void AppScanner::forget(const QString &recordId)
+{
+    if (_isBusy || isPuttingBack())
+        return;
+    _journal.remove(recordId);
+    _records = _journal.records();
+}
+
 QCoro::Task<> AppScanner::runPutBack(UninstallRecord record)
 {
     const QPointer self(this);

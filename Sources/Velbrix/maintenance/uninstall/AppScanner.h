@@ -84,6 +84,9 @@ public:
     // Back to where it was, the last one first; what cannot go back stays in
     // the record and is told in `failures`. Packages never can.
     void putBack(const QString &recordId);
+    // Drops the record; the trash stays as it is. Does nothing while another
+    // uninstall runs or something is put back.
+    void forget(const QString &recordId);
 
 Q_SIGNALS:
     // An uninstall or a putting back has ended; `message` is for the user.

@@ -7,6 +7,7 @@
 #include "platform/linux/archive/ZipArchiver.h"
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 #include "platform/linux/desktop/LinuxDockPreference.h"
+#include "platform/linux/desktop/LogindSleep.h"
 #include "platform/linux/desktop/UPowerSource.h"
 #include "platform/linux/files/FreedesktopTrash.h"
 #include "platform/linux/files/TreeDiskUsage.h"
@@ -90,6 +91,7 @@ Platform makePlatform(Clock &clock)
     platform.dock = std::make_unique<LinuxDockPreference>(clock, data + u"/former-panels.json"_s);
     platform.diskUsage = std::make_unique<TreeDiskUsage>();
     platform.power = std::make_unique<UPowerSource>(clock);
+    platform.sleep = std::make_unique<LogindSleep>();
     platform.displays = std::make_unique<X11Displays>();
     platform.surfaces = std::make_unique<X11DesktopSurfaces>(clock);
     platform.visibility = std::make_unique<X11DesktopVisibility>(clock);

@@ -17,6 +17,7 @@
 #include "platform/macos/MacPermissions.h"
 #include "platform/macos/MacRunningPrograms.h"
 #include "platform/macos/MacSingleInstance.h"
+#include "platform/macos/MacSystemSleep.h"
 #include "platform/macos/MacTrashCan.h"
 #include "platform/macos/MacUserNotifications.h"
 #include "platform/macos/NSEventKeyMonitor.h"
@@ -54,6 +55,7 @@ Platform makePlatform(Clock &clock)
     platform.visibility = std::make_unique<MacDesktopVisibility>(clock);
     platform.mediaProbe = std::make_unique<AVMediaProbe>();
     platform.power = std::make_unique<IOPSPowerSource>();
+    platform.sleep = std::make_unique<MacSystemSleep>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);
     platform.applications = std::make_unique<MacApplicationCatalog>();
     platform.archiver = std::make_unique<DittoArchiver>(clock);

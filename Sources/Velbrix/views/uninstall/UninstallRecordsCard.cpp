@@ -3,11 +3,13 @@
 #include "app/AppServices.h"
 #include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/components/Confirmation.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
 #include "views/components/SymbolLabel.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -20,7 +22,7 @@ QString recordText(const UninstallRecord &record)
 {
     QStringList parts;
     if (!record.moved.isEmpty())
-        parts.append(u"%1 项在废纸篓"_s.arg(record.moved.size()));
+        parts.append(u"%1 项已移到废纸篓"_s.arg(record.moved.size()));
     if (!record.failed.isEmpty())
         parts.append(u"%1 项没有移动"_s.arg(record.failed.size()));
     if (!record.removedPackage.isEmpty())
@@ -70,17 +72,49 @@ void UninstallRecordsCard::rebuild()
 
 QWidget *UninstallRecordsCard::makeRow(const UninstallRecord &record)
 {
+    auto *row =
+        new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
+                       recordText(record), makeButtons(record));
+    row->setLeading(new SymbolLabel(_context.theme, u"trash"_s, 22, ThemeColor::secondary));
+    return row;
+}
+
+QWidget *UninstallRecordsCard::makeButtons(const UninstallRecord &record)
+{
+    auto *buttons = new QWidget;
+    auto *line = new QHBoxLayout(buttons);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(4);
     QPushButton *const back = makeButton(
         _context.theme, {u"putBack.%1"_s.arg(record.id), u"放回原处"_s, u"arrow.uturn.backward"_s, {}});
     back->setAccessibleName(u"放回原处：%1"_s.arg(record.name));
     back->setEnabled(!record.moved.isEmpty());
     connect(back, &QPushButton::clicked, this,
             [this, id = record.id] { _context.services.uninstaller.putBack(id); });
-    auto *row =
-        new SettingRow(u"%1（%2）"_s.arg(oneLine(record.name), record.at.toString(u"M 月 d 日 HH:mm"_s)),
-                       recordText(record), back);
-    row->setLeading(new SymbolLabel(_context.theme, u"trash"_s, 22, ThemeColor::secondary));
-    return row;
+    QPushButton *const forget =
+        makeButton(_context.theme, {u"forget.%1"_s.arg(record.id), u"移除记录"_s, {}, u"plain"_s});
+    forget->setAccessibleName(u"移除记录：%1"_s.arg(record.name));
+    connect(forget, &QPushButton::clicked, this, [this, record] { askToForget(record); });
+    line->addWidget(forget);
+    line->addWidget(back);
+    return buttons;
+}
+
+// Asks only when something may be lost by it.
+void UninstallRecordsCard::askToForget(const UninstallRecord &record)
+{
+    AppScanner &scanner = _context.services.uninstaller;
+    if (record.moved.isEmpty()) {
+        scanner.forget(record.id);
+        return;
+    }
+    NoticeSheet::Words words;
+    words.symbol = u"trash"_s;
+    words.title = u"移除「%1」的卸载记录？"_s.arg(oneLine(record.name));
+    words.message = u"移除后不能再从这里放回原处。废纸篓里的文件不受影响。"_s;
+    words.confirm = u"移除记录"_s;
+    words.isDestructive = true;
+    Confirmation::ask(_context.theme, this, words, [&scanner, id = record.id] { scanner.forget(id); });
 }
 
 void UninstallRecordsCard::showBusy()

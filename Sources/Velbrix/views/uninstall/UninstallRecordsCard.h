@@ -16,6 +16,8 @@ public:
 private:
     void rebuild();
     QWidget *makeRow(const UninstallRecord &record);
+    QWidget *makeButtons(const UninstallRecord &record);
+    void askToForget(const UninstallRecord &record);
     void showBusy();
 
     ViewContext _context;
@@ -24,7 +26,7 @@ private:
     JobBar *_job;
 };
 
-// "已移到废纸篓 3 项 · 1 项没有移动 · firefox 由软件包管理器移除".
+// "3 项已移到废纸篓 · 1 项没有移动 · firefox 由软件包管理器移除".
 QString recordText(const UninstallRecord &record);
 
 } // namespace velbrix

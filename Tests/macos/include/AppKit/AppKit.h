@@ -147,6 +147,7 @@ extern "C" {
 extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageScalingKey;
 extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageAllowClippingKey;
 extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageFillColorKey;
+extern NSNotificationName NSWorkspaceDidWakeNotification;
 extern NSNotificationName NSWorkspaceScreensDidSleepNotification;
 extern NSNotificationName NSWorkspaceScreensDidWakeNotification;
 extern NSNotificationName NSWorkspaceSessionDidBecomeActiveNotification;

@@ -18,6 +18,13 @@ QDBusPendingReply<QStringList> askBus(const QDBusConnection &bus, const QString 
                                                         u"org.freedesktop.DBus"_s, method));
 }
 
+QDBusMessage callOf(const QString &method)
+{
+    return QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s,
+                                          u"/org/freedesktop/Notifications"_s,
+                                          u"org.freedesktop.Notifications"_s, method);
+}
+
 QCoro::Task<Result<bool>> isServiceThere()
 {
     const auto bus = sessionBus();
@@ -61,13 +68,15 @@ QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotice notice
     const auto bus = sessionBus();
     if (!bus)
         co_return failure(u"没有会话总线，无法显示系统通知"_s);
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s,
-                                       u"org.freedesktop.Notifications"_s, u"Notify"_s);
+    // Every time: another service may have taken the place of the last one.
+    QDBusPendingReply<QStringList> capabilities = bus->asyncCall(callOf(u"GetCapabilities"_s));
+    co_await capabilities;
+    const bool takesMarkup = capabilities.isError() || capabilities.value().contains(u"body-markup"_s);
+    QDBusMessage call = callOf(u"Notify"_s);
     constexpr int serversChoice = -1;
-    // The body is markup to many services.
     call << u"Velbrix"_s << _shown.value(notice.identifier) << u"velbrix"_s << notice.title
-         << notice.body.toHtmlEscaped() << QStringList() << QVariantMap() << serversChoice;
+         << (takesMarkup ? notice.body.toHtmlEscaped() : notice.body) << QStringList() << QVariantMap()
+         << serversChoice;
     QDBusPendingReply<uint> shown = bus->asyncCall(call);
     co_await shown;
     if (shown.isError())
