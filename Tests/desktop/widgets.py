@@ -79,9 +79,12 @@ class Window:
 
     def find(self, name, role=None, prefix=False):
         for widget in self.widgets():
-            told = widget.name
-            if (told == name or prefix and told.startswith(name)) and role in (None, widget.role):
-                return widget
+            try:
+                told = widget.name
+                if (told == name or prefix and told.startswith(name)) and role in (None, widget.role):
+                    return widget
+            except dbus.DBusException:
+                continue
         return None
 
     def wait_for(self, name, role=None, seconds=20, prefix=False):

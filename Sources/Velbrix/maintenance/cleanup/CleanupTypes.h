@@ -40,9 +40,6 @@ struct CleanupPhase {
     bool operator==(const CleanupPhase &) const = default;
 };
 
-// The line that says how a clean ended; empty for other phases.
-QString resultText(const CleanupPhase &phase);
-
 // What cleaning an item does: it empties the folder, or runs the command.
 struct CleanupTarget {
     QString id;
@@ -83,5 +80,8 @@ struct CleanupReport {
 
     bool operator==(const CleanupReport &) const = default;
 };
+
+// The line that says how the clean ended; empty when there was none.
+QString resultText(const CleanupReport &report);
 
 } // namespace velbrix
