@@ -24,13 +24,15 @@ class CommandLine(DesktopTestCase):
         for word in ("velbrix record start", "--json", "--background", "退出码"):
             self.assertIn(word, helped.stdout)
         self.assertRegex(run("--version").stdout, r"^Velbrix \d+\.\d+\.\d+\n$")
-        for words in (["dance"], ["record"], ["record", "dance"], ["show"], ["show", "recorder", "settings"],
-                      ["status", "--loud"], ["--background", "status"], ["wallpaper"], ["wallpaper", "set"],
-                      ["wallpaper", "set", "--display", "1"], ["wallpaper", "play", "--display", "1"]):
-            wrong = run(*words)
-            self.assertEqual(wrong.returncode, USAGE, words)
-            self.assertIn("无法识别的命令", wrong.stderr)
-            self.assertEqual(wrong.stdout, "")
+        for reason, lines in {"无法识别的命令": ("dance", "record dance", "--background status"),
+                              "还缺少要做什么": ("record", "wallpaper"),
+                              "参数不对": ("show", "show recorder settings", "status --loud", "wallpaper set",
+                                       "wallpaper set --display 1", "wallpaper play --display 1")}.items():
+            for line in lines:
+                wrong = run(*line.split())
+                self.assertEqual((wrong.returncode, wrong.stdout), (USAGE, ""), line)
+                self.assertTrue(wrong.stderr.startswith(reason), line)
+                self.assertIn("用法：", wrong.stderr)
         for words in (["status"], ["quit"], ["record", "start"]):
             absent = run(*words)
             self.assertEqual((absent.returncode, absent.stderr), (NOT_RUNNING, "Velbrix 没有在运行\n"))
