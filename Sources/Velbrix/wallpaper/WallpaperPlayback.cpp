@@ -196,11 +196,15 @@ void WallpaperPlayback::resumeWallpaper()
         return;
     }
     _isPaused = false;
-    hardResume();
+    hardResume(u"resumeWallpaper"_s);
 }
 
-void WallpaperPlayback::hardResume()
+void WallpaperPlayback::hardResume(const QString &reason)
 {
+    if (_power.blocks()) {
+        say(u"hardResume blocked: on battery (%1)"_s.arg(reason));
+        return;
+    }
     if (_hasEnded)
         return;
     _notice = QString();
@@ -208,7 +212,7 @@ void WallpaperPlayback::hardResume()
         _surfaces.setPaused(false);
         _surfaces.bringMainToFront();
         _surfaces.applyWindowLayering();
-        say(u"hardResume ok (resumeWallpaper) rate="_s + decimal(clampedSpeed(_preferences.speed())));
+        say(u"hardResume ok (%1) rate=%2"_s.arg(reason, decimal(clampedSpeed(_preferences.speed()))));
         _state = restingState();
         _still.refreshStaticDesktop(u"hardResume"_s);
         return;

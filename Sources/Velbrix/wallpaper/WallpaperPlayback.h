@@ -66,7 +66,7 @@ public:
 
 private:
     QCoro::Task<bool> applyVideo(QString path);
-    void hardResume();
+    void hardResume(const QString &reason);
     void show(const QString &path);
     void refuse(const QString &message);
     WallpaperState restingState() const;
