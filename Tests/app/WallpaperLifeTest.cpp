@@ -113,6 +113,18 @@ private Q_SLOTS:
         QTEST(rig.wallpaper().isShowing(), "plays");
     }
 
+    void whatTheUserHasStoppedDoesNotComeBack()
+    {
+        Rig rig;
+        rig.launch();
+        rig.delegate->wallpaper().playVideo(rig.path);
+        QTRY_VERIFY(rig.wallpaper().isShowing());
+        rig.delegate->wallpaper().stop();
+        rig.clock.advance(2s);
+        QVERIFY(waitFor([&] { return rig.wallpaper().isSettled(); }));
+        QVERIFY(!rig.wallpaper().isShowing() && !rig.wallpaper().isApplying());
+    }
+
     void onlyTheFirstCopyPutsBackWhatACrashLeft()
     {
         const QJsonObject own{{u"path"_s, u"/own/picture.png"_s}};

@@ -198,6 +198,7 @@ void AppDelegate::followState()
 {
     connect(&_recording, &RecordingActions::statementNeeded, this, &AppDelegate::showWindow);
     connect(&_wallpaper, &WallpaperActions::statementNeeded, this, &AppDelegate::showWindow);
+    connect(&_wallpaper, &WallpaperActions::stopped, this, [this] { _wallpaperLaunch.cancel(); });
     connect(&_quit, &QuitSequence::finished, this, &AppDelegate::finishQuit);
     _banners.follow();
     _services.platform.desktop->observeUnhide([self = QPointer(this)] {

@@ -72,6 +72,7 @@ void WallpaperActions::pause()
 void WallpaperActions::stop()
 {
     _wallpaper.stopWallpaper();
+    Q_EMIT stopped();
 }
 
 QCoro::Task<WallpaperActions::Outcome>

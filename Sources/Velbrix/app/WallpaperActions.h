@@ -44,6 +44,8 @@ public:
 Q_SIGNALS:
     // The user wants a wallpaper and has not accepted the statement yet.
     void statementNeeded();
+    // The user wants no wallpaper now.
+    void stopped();
 
 private:
     QCoro::Task<Outcome> guarded(std::function<QCoro::Task<Outcome>()> act);
