@@ -114,6 +114,12 @@ private Q_SLOTS:
                  exitcode::usage);
     }
 
+    void aMirrorKeepsNoArchives()
+    {
+        Rig rig;
+        QCOMPARE(rig.added({{u"--kind"_s, u"sync"_s}, {u"--keep"_s, u"5"_s}}).exitCode, exitcode::usage);
+    }
+
     void runsAndSaysTheResult()
     {
         Rig rig;

@@ -136,6 +136,8 @@ Result<BackupTask> taskFrom(const ParsedCommand &command)
         task.keepLast = command.options.value(u"--keep"_s).toInt(&isNumber);
         if (!isNumber || task.keepLast < 0)
             return failure(u"--keep 是要保留的归档数，0 表示全部"_s);
+        if (task.kind == BackupTaskKind::sync)
+            return failure(u"--keep 只用于压缩备份；同步没有归档"_s);
     }
     task.excludes = command.options.value(u"--exclude"_s).split(u',', Qt::SkipEmptyParts);
     return task;
