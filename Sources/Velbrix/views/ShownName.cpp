@@ -15,7 +15,11 @@ QString shownName(const QString &name)
     const QString line = oneLine(name);
     if (line.size() <= most)
         return line;
-    return line.first(most - lastPart - 1) + u'…' + line.last(lastPart);
+    // A character beyond the first plane is two of the string's, which belong together.
+    const qsizetype front = most - lastPart - 1;
+    const qsizetype back = line.size() - lastPart;
+    return line.first(line.at(front).isLowSurrogate() ? front - 1 : front) + u'…' +
+           line.sliced(line.at(back).isLowSurrogate() ? back + 1 : back);
 }
 
 } // namespace velbrix
