@@ -126,7 +126,9 @@ void SystemCleanerTest::sizesAppearAsTheyAreKnown()
     Rig rig;
     SystemCleaner &cleaner = rig.make();
     rig.put(u"cache/a"_s);
-    rig.usage.sizes = {{QFile::encodeName(rig.path(u"cache"_s)), 2'500'000}};
+    QVERIFY(QDir().mkpath(rig.path(u"trash"_s)));
+    rig.usage.sizes = {{QFile::encodeName(rig.path(u"cache"_s)), 2'500'000},
+                       {QFile::encodeName(rig.path(u"trash"_s)), 4096}}; // an empty folder's own block
     rig.usage.delay = 1s;
     QCOMPARE(rig.usage.calls.size(), 0);
     cleaner.calculateOnce();
@@ -136,6 +138,7 @@ void SystemCleanerTest::sizesAppearAsTheyAreKnown()
     QCOMPARE(rig.sizeOf(u"caches"_s), u"2.5 MB"_s);
     QCOMPARE(rig.sizeOf(u"browser"_s), u"计算中…"_s);
     QCOMPARE(rig.sizeOf(u"dns"_s), u"无数据"_s);
+    QCOMPARE(rig.sizeOf(u"trash"_s), u"无数据"_s);
     rig.clock.advance(1s);
     QCOMPARE(rig.sizeOf(u"browser"_s), u"无数据"_s);
     rig.finish();

@@ -2,7 +2,6 @@
 
 #include "foundation/Removal.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -106,12 +105,6 @@ Result<void> makeFolder(const QString &path, mode_t mode)
     if (error == EEXIST && there.isDir() && !there.isSymLink())
         return {};
     return failure(systemReason(error));
-}
-
-bool isEmptyFolder(const QString &path)
-{
-    return QFileInfo(path).isDir() &&
-           QDir(path).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
 }
 
 } // namespace velbrix

@@ -28,7 +28,5 @@ Result<void> publishFile(const QString &from, const QString &to);
 // It may be there already, but not as a link. The folder around it is not made:
 // without it a disk is not mounted.
 Result<void> makeFolder(const QString &path, mode_t mode = 0777);
-// Whether it is a folder with nothing in it.
-bool isEmptyFolder(const QString &path);
 
 } // namespace velbrix

@@ -1,5 +1,6 @@
 #include "maintenance/cleanup/CleanupSizes.h"
 
+#include "foundation/EmptyFolder.h"
 #include "maintenance/cleanup/CleanupTable.h"
 #include "platform/DiskUsage.h"
 
@@ -14,15 +15,21 @@
 namespace velbrix {
 namespace {
 
+struct Place {
+    QByteArray path;
+    bool isEmpty = false;
+};
+
 // A folder that is a link is the folder it leads to, as for the cleaning.
-QList<QByteArray> canonicalPaths(const QStringList &folders)
+QList<Place> placesOf(const QStringList &folders)
 {
-    QList<QByteArray> paths;
+    QList<Place> places;
     for (const QString &folder : folders) {
         const QString canonical = QFileInfo(folder).canonicalFilePath();
-        paths.append(QFile::encodeName(canonical.isEmpty() ? folder : canonical));
+        places.append(
+            {QFile::encodeName(canonical.isEmpty() ? folder : canonical), isEmptyFolder(canonical)});
     }
-    return paths;
+    return places;
 }
 
 bool lieInside(const QStringList &folders, const QStringList &others)
@@ -49,17 +56,28 @@ QCoro::Task<> CleanupSizes::measure(QStringList ids, Cancellation work)
         owners += QStringList(own.size(), id);
         missing[id] = own.size();
     }
-    auto resolving = QtConcurrent::run(&cleanupThreads(), canonicalPaths, folders);
-    const QList<QByteArray> paths = co_await resolving;
+    auto resolving = QtConcurrent::run(&cleanupThreads(), placesOf, folders);
+    const QList<Place> places = co_await resolving;
     if (!self)
         co_return;
     QHash<QString, qint64> sums;
-    const DiskUsage::Measured told = [&](qsizetype index, qint64 bytes) {
-        const QString &id = owners[index];
+    const auto add = [&](const QString &id, qint64 bytes) {
         sums[id] += bytes;
         if (self && --missing[id] == 0)
             set(id, sums[id]);
     };
+    QList<QByteArray> paths;
+    QStringList ownersOfPaths;
+    for (qsizetype i = 0; i < places.size(); ++i) {
+        // The blocks of the folder itself stay, however often it is cleaned.
+        if (places[i].isEmpty) {
+            add(owners[i], 0);
+            continue;
+        }
+        paths.append(places[i].path);
+        ownersOfPaths.append(owners[i]);
+    }
+    const DiskUsage::Measured told = [&](qsizetype index, qint64 bytes) { add(ownersOfPaths[index], bytes); };
     co_await _usage.measure(paths, told, work);
 }
 
