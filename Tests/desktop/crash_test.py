@@ -23,7 +23,7 @@ def boxes(path):
 class Crash(DesktopTestCase):
     def killed_recording(self):
         steps = [word for step in range(900) for word in ("mousemove", str(200 + step), "400", "sleep", "0.02")]
-        self.spawn("xdotool", *steps)
+        hand = self.spawn("xdotool", *steps)
         tone = movie.write_tone(self.home / "tone.wav", 440, 20)
         self.spawn("paplay", "--device=speaker", tone)
         program = self.start_hidden(recordSystemAudio=True)
@@ -32,6 +32,7 @@ class Crash(DesktopTestCase):
         program.wait_for_recording(4)
         lasted = time.monotonic() - began
         program.kill()
+        hand.terminate()  # clicks come from elsewhere
         left, = self.movies.iterdir()
         return left, lasted
 
