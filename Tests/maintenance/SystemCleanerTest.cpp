@@ -203,7 +203,7 @@ void SystemCleanerTest::customFolders()
     QFETCH(QString, path);
     QFETCH(QString, failure);
     Rig rig;
-    QVERIFY(QDir().mkpath(rig.path(u"mine"_s)));
+    rig.put(u"mine/file"_s);
     rig.put(u"file"_s);
     rig.usage.delay = 1s;
     SystemCleaner &cleaner = rig.make();
