@@ -448,6 +448,11 @@ private Q_SLOTS:
         QCOMPARE(rig.scanner->failures().size(), 1);
         QVERIFY(rig.scanner->failures().first().reason.startsWith(u"卸载记录未能保存"_s));
         QCOMPARE(rig.trashed().size(), 4);
+        rig.message.clear();
+        rig.scanner->forget(rig.scanner->records().first().id);
+        QVERIFY(rig.until([&] { return !rig.message.isEmpty(); }));
+        QCOMPARE(rig.message, u"卸载记录未能移除，下次启动时还会出现"_s);
+        QCOMPARE(rig.scanner->failures().first().path, u"Note"_s);
     }
 
     void endsInTheMiddle()

@@ -239,7 +239,16 @@ void AppScanner::forget(const QString &recordId)
 {
     if (_isBusy || isPuttingBack())
         return;
-    _journal.remove(recordId);
+    const auto record = std::ranges::find(_journal.records(), recordId, &UninstallRecord::id);
+    if (record == _journal.records().end())
+        return;
+    _journal.remove(recordId).then([self = QPointer(this), name = record->name](const Result<void> &removed) {
+        // What has begun meanwhile writes all records, and tells when it cannot.
+        if (removed || !self || self->_isBusy || self->isPuttingBack())
+            return;
+        self->_failures = QList<FailedItem>{{name, removed.error().message}};
+        Q_EMIT self->finished(u"卸载记录未能移除，下次启动时还会出现"_s);
+    });
     _records = _journal.records();
 }
 
