@@ -85,7 +85,8 @@ public:
     // the record and is told in `failures`. Packages never can.
     void putBack(const QString &recordId);
     // Drops the record; the trash stays as it is. Does nothing while another
-    // uninstall runs or something is put back.
+    // uninstall runs or something is put back. A record that stays on the disk
+    // is told in `failures` and by finished().
     void forget(const QString &recordId);
 
 Q_SIGNALS:

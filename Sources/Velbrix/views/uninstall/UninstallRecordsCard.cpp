@@ -34,7 +34,7 @@ UninstallRecordsCard::UninstallRecordsCard(const ViewContext &context, QWidget *
     : Card(parent), _context(context), _none(nullptr), _list(new QWidget), _job(nullptr)
 {
     setObjectName(u"uninstallRecords"_s);
-    auto *none = makeText(u"还没有卸载过应用。卸载后可以在这里放回原处。"_s, u"note"_s);
+    auto *none = makeText(u"没有卸载记录。卸载后可以在这里放回原处。"_s, u"note"_s);
     none->setContentsMargins(0, 12, 0, 12);
     _none = none;
     addRow(none);
