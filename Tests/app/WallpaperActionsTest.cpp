@@ -64,7 +64,8 @@ private Q_SLOTS:
     void theFirstVideoAsksAndThenPlays()
     {
         Rig rig(true, false);
-        QCOMPARE(rig.answer(rig.actions.playVideo(rig.a)), u"!需要先在 Velbrix 窗口中确认：视频壁纸隐私确认"_s);
+        QCOMPARE(rig.answer(rig.actions.playVideo(rig.a)),
+                 u"!需要先在 Velbrix 窗口中确认：视频壁纸隐私确认"_s);
         QVERIFY(rig.host.mediaProbe.calls.isEmpty());
         rig.services->privacy.confirmPendingNotice();
         QCOMPARE(rig.surface()->path, rig.a);

@@ -61,7 +61,8 @@ private Q_SLOTS:
     {
         Rig rig;
         QCOMPARE(rig.text(u"wallpaper set"_s, {rig.a}), u"0 正在播放："_s + rig.a);
-        QCOMPARE(rig.reply->data, (QJsonObject{{u"file"_s, rig.a}, {u"playing"_s, true}, {u"notice"_s, u""_s}}));
+        QCOMPARE(rig.reply->data,
+                 (QJsonObject{{u"file"_s, rig.a}, {u"playing"_s, true}, {u"notice"_s, u""_s}}));
         QCOMPARE(rig.text(u"wallpaper set"_s, {rig.b}, u"2"_s), u"0 正在播放：副屏："_s + rig.b);
         QCOMPARE(rig.surface(0)->path, rig.a);
         QCOMPARE(rig.surface(1)->path, rig.b);
@@ -69,7 +70,8 @@ private Q_SLOTS:
         QCOMPARE(rig.surface(0)->path, rig.b);
         rig.host.power.set(true);
         QCOMPARE(rig.text(u"wallpaper set"_s, {rig.a}),
-                 u"0 已选择："_s + rig.a + u"\n还没有播放：当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s);
+                 u"0 已选择："_s + rig.a +
+                     u"\n还没有播放：当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s);
         QCOMPARE(rig.reply->data.value(u"playing"_s), false);
     }
 
@@ -115,7 +117,8 @@ private Q_SLOTS:
     {
         Rig rig;
         QCOMPARE(rig.ask(u"wallpaper status"_s).text,
-                 u"动态壁纸：未播放\n视频：未选择\n内容：视频壁纸\n供电：电源\n桌面图标：未盖住\nDock：未隐藏\n显示器：\n"
+                 u"动态壁纸：未播放\n视频：未选择\n内容：视频壁纸\n供电：电源\n桌面图标：未盖住\nDock：未隐藏"
+                 u"\n显示器：\n"
                  "  1  内建显示器（主）  未播放  未选择视频\n  2  副屏  未播放  跟随主显示器"_s);
         QCOMPARE(rig.reply->data.value(u"file"_s), QJsonValue());
         rig.ask(u"wallpaper set"_s, {rig.b}, u"2"_s);
@@ -125,21 +128,21 @@ private Q_SLOTS:
         rig.wallpaper().toggleHideDesktopIcons();
         rig.wallpaper().toggleDockAutoHide();
         QCOMPARE(rig.ask(u"wallpaper status"_s).text,
-                 u"动态壁纸：已暂停\n视频：%1\n内容：视频壁纸\n供电：电源\n桌面图标：已盖住\nDock：已隐藏\n显示器：\n"
+                 u"动态壁纸：已暂停\n视频：%"
+                 u"1\n内容：视频壁纸\n供电：电源\n桌面图标：已盖住\nDock：已隐藏\n显示器：\n"
                  "  1  内建显示器（主）  已暂停  %1\n  2  副屏  已暂停  %2"_s.arg(rig.a, rig.b));
-        const QJsonArray displays = {
-            QJsonObject{{u"number"_s, 1},
-                        {u"id"_s, 1},
-                        {u"name"_s, u"内建显示器"_s},
-                        {u"main"_s, true},
-                        {u"file"_s, rig.a},
-                        {u"playing"_s, true}},
-            QJsonObject{{u"number"_s, 2},
-                        {u"id"_s, 2},
-                        {u"name"_s, u"副屏"_s},
-                        {u"main"_s, false},
-                        {u"file"_s, rig.b},
-                        {u"playing"_s, true}}};
+        const QJsonArray displays = {QJsonObject{{u"number"_s, 1},
+                                                 {u"id"_s, 1},
+                                                 {u"name"_s, u"内建显示器"_s},
+                                                 {u"main"_s, true},
+                                                 {u"file"_s, rig.a},
+                                                 {u"playing"_s, true}},
+                                     QJsonObject{{u"number"_s, 2},
+                                                 {u"id"_s, 2},
+                                                 {u"name"_s, u"副屏"_s},
+                                                 {u"main"_s, false},
+                                                 {u"file"_s, rig.b},
+                                                 {u"playing"_s, true}}};
         QCOMPARE(rig.reply->data, (QJsonObject{{u"state"_s, u"playing"_s},
                                                {u"paused"_s, true},
                                                {u"file"_s, rig.a},

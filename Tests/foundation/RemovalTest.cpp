@@ -101,7 +101,7 @@ void setAge(const QByteArray &path, qint64 modified)
 
 qint64 changed(const QByteArray &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     ::lstat(path.constData(), &facts);
     return facts.st_ctime;
 }
@@ -157,10 +157,7 @@ private:
             return path == folder || path.startsWith(folder + '/');
         });
     }
-    int below(int end)
-    {
-        return std::uniform_int_distribution(0, end - 1)(_random);
-    }
+    int below(int end) { return std::uniform_int_distribution(0, end - 1)(_random); }
     QByteArray name()
     {
         static const QList<QByteArray> odd{"n\nl", "\xff\xc3(",    " ",  "-rf", "*",

@@ -1,4 +1,4 @@
-#include "platform/macos/BatteryRule.h"
+#include "platform/macos/system/BatteryRule.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/BundleFolders.h"
+#include "platform/macos/applications/BundleFolders.h"
 
 #include <QDir>
 #include <QFile>

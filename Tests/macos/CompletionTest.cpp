@@ -1,4 +1,4 @@
-#include "platform/macos/Completion.h"
+#include "platform/macos/system/Completion.h"
 
 #include <QCoroTask>
 #include <QTest>

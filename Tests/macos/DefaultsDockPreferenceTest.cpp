@@ -1,4 +1,4 @@
-#include "platform/macos/DefaultsDockPreference.h"
+#include "platform/macos/desktop/DefaultsDockPreference.h"
 
 #include "foundation/SystemClock.h"
 #include "support/CapturedLog.h"

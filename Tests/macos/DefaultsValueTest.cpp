@@ -1,4 +1,4 @@
-#include "platform/macos/DefaultsValue.h"
+#include "platform/macos/desktop/DefaultsValue.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

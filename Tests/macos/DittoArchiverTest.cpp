@@ -1,7 +1,7 @@
-#include "platform/macos/DittoArchiver.h"
+#include "platform/macos/files/DittoArchiver.h"
 
 #include "foundation/SystemClock.h"
-#include "platform/macos/ZipExcludes.h"
+#include "platform/macos/files/ZipExcludes.h"
 
 #include <QCoroTask>
 #include <QDir>

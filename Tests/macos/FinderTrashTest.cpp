@@ -1,4 +1,4 @@
-#include "platform/macos/FinderTrash.h"
+#include "platform/macos/files/FinderTrash.h"
 
 #include "foundation/SystemClock.h"
 

@@ -1,6 +1,6 @@
-#include "platform/macos/KeyModifiers.h"
+#include "platform/macos/input/KeyModifiers.h"
 
-#include "platform/macos/FourCharCode.h"
+#include "platform/macos/media/FourCharCode.h"
 
 #include <QTest>
 

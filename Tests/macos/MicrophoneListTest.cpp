@@ -1,4 +1,4 @@
-#include "platform/macos/MicrophoneList.h"
+#include "platform/macos/media/MicrophoneList.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/PlaybackPace.h"
+#include "platform/macos/surface/PlaybackPace.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/PrivacyPanes.h"
+#include "platform/macos/system/PrivacyPanes.h"
 
 #include <QSet>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "platform/macos/RepairFile.h"
+#include "platform/macos/media/RepairFile.h"
 
 #include <QDir>
 #include <QFile>

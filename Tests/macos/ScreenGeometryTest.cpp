@@ -1,4 +1,4 @@
-#include "platform/macos/ScreenGeometry.h"
+#include "platform/macos/capture/ScreenGeometry.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/ScreenPictures.h"
+#include "platform/macos/desktop/ScreenPictures.h"
 
 #include <QJsonDocument>
 #include <QTest>

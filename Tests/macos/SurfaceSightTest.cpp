@@ -1,4 +1,4 @@
-#include "platform/macos/SurfaceSight.h"
+#include "platform/macos/desktop/SurfaceSight.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/SystemNames.h"
+#include "platform/macos/system/SystemNames.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/VideoGeometry.h"
+#include "platform/macos/media/VideoGeometry.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "platform/macos/WindowOrder.h"
+#include "platform/macos/capture/WindowOrder.h"
 
 #include <QTest>
 

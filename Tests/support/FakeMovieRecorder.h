@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/movie/MovieRecorder.h"
+#include "platform/linux/media/recording/MovieRecorder.h"
 
 #include <QColor>
 #include <QList>

@@ -2,9 +2,9 @@
 
 #include "app/AppServices.h"
 #include "platform/Platform.h"
+#include "support/FakeAdminShell.h"
 #include "support/FakeApplicationCatalog.h"
 #include "support/FakeArchiver.h"
-#include "support/FakeAdminShell.h"
 #include "support/FakeAudioDevices.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/FakeDesktopServices.h"

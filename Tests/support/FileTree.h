@@ -42,7 +42,7 @@ inline void link(const QByteArray &target, const QByteArray &path)
 
 inline bool exists(const QByteArray &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     return ::lstat(path.constData(), &facts) == 0;
 }
 
@@ -65,7 +65,7 @@ inline QMap<QByteArray, QByteArray> snapshot(const QByteArray &folder)
     QMap<QByteArray, QByteArray> found;
     for (const auto &entry : std::filesystem::recursive_directory_iterator(native(folder))) {
         const std::string &path = entry.path().native();
-        struct stat facts {};
+        struct stat facts{};
         ::lstat(path.c_str(), &facts);
         std::ostringstream text;
         text << facts.st_ino << ' ' << facts.st_mode << ' ' << facts.st_uid << ' ' << facts.st_mtime << ' ';

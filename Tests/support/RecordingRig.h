@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/screen/X11ScreenCapture.h"
+#include "platform/linux/x11/capture/X11ScreenCapture.h"
 #include "support/FakeMovieRecorder.h"
 
 #include <QCoroTask>

@@ -75,8 +75,7 @@ void WallpaperActions::stop()
     Q_EMIT stopped();
 }
 
-QCoro::Task<WallpaperActions::Outcome>
-WallpaperActions::guarded(std::function<QCoro::Task<Outcome>()> act)
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(std::function<QCoro::Task<Outcome>()> act)
 {
     if (!_privacy.hasAcceptedFirstLaunchNotice()) {
         Q_EMIT statementNeeded();

@@ -37,9 +37,8 @@ void WallpaperLaunch::restoreWallpaper(const QString &reason)
         return;
     }
     WallpaperController &wallpaper = _services.wallpaper;
-    log::line(
-        u"Velbrix"_s,
-        u"auto wallpaper restore (%1) autoPlay=%2"_s.arg(reason, log::text(wallpaper.preferences().autoPlay())));
+    log::line(u"Velbrix"_s, u"auto wallpaper restore (%1) autoPlay=%2"_s.arg(
+                                reason, log::text(wallpaper.preferences().autoPlay())));
     wallpaper.autoRestoreOnLaunch();
     _restored();
 }

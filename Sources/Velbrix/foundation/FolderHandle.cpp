@@ -67,7 +67,7 @@ FolderHandle FolderHandle::folder(const QByteArray &name) const
 
 std::optional<struct stat> FolderHandle::facts(const QByteArray &name) const
 {
-    struct stat facts {};
+    struct stat facts{};
     if (::fstatat(_descriptor, name.constData(), &facts, AT_SYMLINK_NOFOLLOW) != 0)
         return std::nullopt;
     return facts;
@@ -75,7 +75,7 @@ std::optional<struct stat> FolderHandle::facts(const QByteArray &name) const
 
 std::optional<struct stat> FolderHandle::ownFacts() const
 {
-    struct stat facts {};
+    struct stat facts{};
     if (::fstat(_descriptor, &facts) != 0)
         return std::nullopt;
     return facts;

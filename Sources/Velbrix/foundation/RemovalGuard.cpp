@@ -22,7 +22,7 @@ QList<QByteArray> systemFolders()
 
 std::optional<FileIdentity> identity(const QByteArray &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     if (path.isEmpty() || ::stat(path.constData(), &facts) != 0)
         return std::nullopt;
     return FileIdentity::of(facts);

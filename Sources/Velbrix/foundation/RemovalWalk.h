@@ -29,7 +29,7 @@ private:
     // A folder between the root and where the walk is.
     struct Level {
         QByteArray name;
-        struct stat facts {};
+        struct stat facts{};
         QList<QByteArray> pending; // taken from the end
         FolderHandle handle;       // closed while the walk is far below
         bool keepsSomething = false;

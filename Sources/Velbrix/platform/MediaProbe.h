@@ -11,8 +11,8 @@
 namespace velbrix {
 
 struct VideoFacts {
-    bool hasVideo = false;     // a track of pictures; the rest is zero without it
-    QSize size;                // as shown, pixels
+    bool hasVideo = false; // a track of pictures; the rest is zero without it
+    QSize size;            // as shown, pixels
     double framesPerSecond = 0;
     double duration = 0; // seconds
 

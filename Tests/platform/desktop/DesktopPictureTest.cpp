@@ -3,7 +3,7 @@
 #include "../movie/MediaTools.h"
 #include "../surface/DesktopTools.h"
 #include "foundation/SystemClock.h"
-#include "platform/linux/desktop/RootWindow.h"
+#include "platform/linux/x11/RootWindow.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"

@@ -1,7 +1,7 @@
 #include "platform/linux/files/TreeDiskUsage.h"
 
 #include "foundation/SystemClock.h"
-#include "platform/macos/DuDiskUsage.h"
+#include "platform/macos/files/DuDiskUsage.h"
 #include "support/FakeDiskUsage.h"
 #include "support/FileTree.h"
 #include "support/VirtualClock.h"
@@ -227,8 +227,7 @@ private Q_SLOTS:
         QObject context;
         auto usage = std::make_unique<TreeDiskUsage>();
         int told = 0;
-        QCoro::Task<> task = usage->measure(
-            {"/usr"}, [&](qsizetype, qint64) { ++told; }, Cancellation());
+        QCoro::Task<> task = usage->measure({"/usr"}, [&](qsizetype, qint64) { ++told; }, Cancellation());
         usage.reset();
         QCoro::waitFor(std::move(task));
         QCOMPARE(told, 0);

@@ -24,7 +24,7 @@ namespace {
 
 bool isThere(const QString &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
 }
 

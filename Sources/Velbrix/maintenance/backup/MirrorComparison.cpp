@@ -67,7 +67,7 @@ private:
             return {found.d_type == DT_DIR   ? Kind::folder
                     : found.d_type == DT_REG ? Kind::file
                                              : Kind::other};
-        struct stat facts {};
+        struct stat facts{};
         if (::fstatat(folder, found.d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
             return {};
         if (S_ISDIR(facts.st_mode))

@@ -140,8 +140,10 @@ void WallpaperFolderCard::followFolder()
 
     const auto chosen = [this] { showChosen(); };
     connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, chosen);
-    connect(&wallpaper.displays(), &ConnectedDisplays::multiDisplayTargetIDChanged, this, [this] { showTargets(); });
-    follow(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, [this] { showTargets(); });
+    connect(&wallpaper.displays(), &ConnectedDisplays::multiDisplayTargetIDChanged, this,
+            [this] { showTargets(); });
+    follow(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this,
+           [this] { showTargets(); });
 }
 
 void WallpaperFolderCard::showFolder()
@@ -198,8 +200,8 @@ void WallpaperFolderCard::showTargets()
         _targetLine->addWidget(_target);
     }
     _target->disconnect(this);
-    _target->setCurrent(
-        static_cast<int>(std::max<qsizetype>(targets.indexOf(wallpaper.displays().multiDisplayTargetID()), 0)));
+    _target->setCurrent(static_cast<int>(
+        std::max<qsizetype>(targets.indexOf(wallpaper.displays().multiDisplayTargetID()), 0)));
     connect(_target, &SegmentedChoice::wanted, this,
             [&wallpaper, targets](int index) { wallpaper.displays().setMultiDisplayTarget(targets[index]); });
     _targetRow->setVisible(targets.size() > 1);

@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/LinuxDockPreference.h"
 
-#include "platform/linux/desktop/BusCall.h"
+#include "platform/linux/dbus/BusCall.h"
 #include "platform/linux/desktop/GnomeDock.h"
 #include "platform/linux/desktop/PlasmaPanels.h"
 #include "platform/linux/desktop/RunningDesktop.h"

@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/PcmanfmPicture.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/screen/X11Connection.h"
+#include "platform/linux/x11/X11Connection.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/RootPicture.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/desktop/RootWindow.h"
+#include "platform/linux/x11/RootWindow.h"
 
 #include <QColor>
 #include <QCoroFuture>

@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/RunningDesktop.h"
 
-#include "platform/linux/screen/X11Connection.h"
+#include "platform/linux/x11/X11Connection.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/Xfconf.h"
 
-#include "platform/linux/desktop/BusCall.h"
+#include "platform/linux/dbus/BusCall.h"
 
 using namespace Qt::StringLiterals;
 

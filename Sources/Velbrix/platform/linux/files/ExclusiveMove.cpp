@@ -16,7 +16,7 @@ namespace {
 // first can only be made where nothing is.
 int moveByReserving(const QByteArray &from, const QByteArray &to)
 {
-    struct stat facts {};
+    struct stat facts{};
     if (::lstat(from.constData(), &facts) != 0)
         return errno;
     if (S_ISDIR(facts.st_mode)) {
@@ -41,7 +41,7 @@ int moveExclusively(const QByteArray &from, const QByteArray &to)
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
         return 0;
     const int error = errno;
-    struct stat facts {};
+    struct stat facts{};
     // EINVAL also says that a folder cannot be moved into itself.
     const bool intoItself = to.startsWith(from + '/');
     if ((error != EINVAL && error != ENOSYS) || intoItself)
@@ -53,7 +53,7 @@ int moveExclusively(const QByteArray &from, const QByteArray &to)
 
 std::optional<Volume> volumeOf(const QByteArray &path)
 {
-    struct statx facts {};
+    struct statx facts{};
     if (::statx(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_MNT_ID,
                 &facts) != 0)
         return std::nullopt;

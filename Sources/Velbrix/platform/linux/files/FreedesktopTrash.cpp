@@ -21,7 +21,7 @@ using Cancelled = std::shared_ptr<std::atomic_bool>;
 
 bool isThere(const QByteArray &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     return ::lstat(path.constData(), &facts) == 0;
 }
 
@@ -140,7 +140,7 @@ void emptyFolder(const QByteArray &trash, const RemovalRules &rules, const Cance
 bool isSafe(const TrashFolder &trash, const QByteArray &path)
 {
     // The home trash may be a link; on a volume nobody else may have laid one.
-    struct stat facts {};
+    struct stat facts{};
     return !path.isEmpty() && ::stat(path.constData(), &facts) == 0 && facts.st_uid == ::getuid() &&
            (trash.top.isEmpty() || TrashPlaces::around(path + "/files").has_value());
 }

@@ -40,7 +40,7 @@ QByteArray unescaped(const QByteArray &text)
 
 bool isOwnFolder(const QByteArray &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     return ::lstat(path.constData(), &facts) == 0 && S_ISDIR(facts.st_mode) && facts.st_uid == ::getuid();
 }
 
@@ -48,7 +48,7 @@ bool isOwnFolder(const QByteArray &path)
 // take away another's.
 bool isSharedTrash(const QByteArray &path)
 {
-    struct stat facts {};
+    struct stat facts{};
     return ::lstat(path.constData(), &facts) == 0 && S_ISDIR(facts.st_mode) && (facts.st_mode & S_ISVTX);
 }
 

@@ -45,8 +45,7 @@ private:
     {
         const std::scoped_lock guard(_lock);
         if (_waiting.isEmpty())
-            QMetaObject::invokeMethod(
-                &_context, [this] { tell(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(&_context, [this] { tell(); }, Qt::QueuedConnection);
         _waiting.append({index, bytes});
     }
 

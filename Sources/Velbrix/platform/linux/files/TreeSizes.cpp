@@ -161,7 +161,7 @@ void TreeSizes::share(std::vector<Folder> &own)
 
 void TreeSizes::measure(const Folder &folder, Listing &listing, std::vector<Folder> &found)
 {
-    struct statx entry {};
+    struct statx entry{};
     qint64 blocks = 0;
     if (folder.isRoot) {
         if (!facts(AT_FDCWD, folder.path.constData(), entry))

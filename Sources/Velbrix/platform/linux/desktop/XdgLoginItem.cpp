@@ -1,0 +1,95 @@
+#include "platform/linux/desktop/XdgLoginItem.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QSaveFile>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+// One argument of an Exec line: quoted for its command line, then escaped as a
+// string of the file, which is read the other way round.
+QString execArgument(const QString &argument)
+{
+    QString quoted;
+    for (const QChar character : argument) {
+        if (u"\"`$\\"_s.contains(character))
+            quoted += u'\\';
+        quoted += character;
+        if (character == u'%')
+            quoted += u'%';
+    }
+    return u'"' + quoted.replace(u'\\', u"\\\\"_s) + u'"';
+}
+
+QHash<QString, QString> readEntry(const QString &path)
+{
+    QFile file(path);
+    QHash<QString, QString> entry;
+    if (!file.open(QIODevice::ReadOnly))
+        return entry;
+    bool isMainGroup = false;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    for (const QString &raw : lines) {
+        const QString line = raw.trimmed();
+        if (line.startsWith(u'['))
+            isMainGroup = line == u"[Desktop Entry]"_s;
+        else if (isMainGroup && !line.startsWith(u'#') && line.contains(u'='))
+            entry.insert(line.section(u'=', 0, 0).trimmed(), line.section(u'=', 1).trimmed());
+    }
+    return entry;
+}
+
+QString entryText(const QString &program)
+{
+    return u"[Desktop Entry]\n"
+           "Type=Application\n"
+           "Name=Velbrix\n"
+           "Comment=桌面工具箱\n"
+           "Icon=velbrix\n"
+           "Exec=%1 --background\n"
+           "Terminal=false\n"
+           "StartupNotify=false\n"_s.arg(execArgument(program));
+}
+
+} // namespace
+
+XdgLoginItem::XdgLoginItem(QString file, QString program)
+    : _file(std::move(file)), _program(std::move(program))
+{
+}
+
+bool XdgLoginItem::isEnabled() const
+{
+    const QHash<QString, QString> entry = readEntry(_file);
+    return entry.contains(u"Exec"_s) && entry.value(u"Hidden"_s) != u"true"_s &&
+           entry.value(u"X-GNOME-Autostart-enabled"_s) != u"false"_s;
+}
+
+Result<void> XdgLoginItem::setEnabled(bool enabled)
+{
+    if (!enabled) {
+        QFile file(_file);
+        if (file.exists() && !file.remove())
+            return failure(u"无法删除 "_s + _file + u"："_s + file.errorString());
+        return {};
+    }
+    const QString folder = QFileInfo(_file).absolutePath();
+    if (!QDir().mkpath(folder))
+        return failure(u"无法创建文件夹 "_s + folder);
+    QSaveFile file(_file);
+    if (!file.open(QIODevice::WriteOnly))
+        return failure(u"无法写入 "_s + _file + u"："_s + file.errorString());
+    file.write(entryText(_program).toUtf8());
+    if (!file.commit())
+        return failure(u"无法写入 "_s + _file + u"："_s + file.errorString());
+    return {};
+}
+
+} // namespace velbrix

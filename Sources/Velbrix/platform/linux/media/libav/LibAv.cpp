@@ -1,0 +1,69 @@
+#include "platform/linux/media/libav/LibAv.h"
+
+#include "platform/linux/media/libav/LibraryFunction.h"
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+#define VELB_AV_RESOLVE(name) isComplete = resolve(library, #name, functions.name) && isComplete;
+
+bool loadCodec(AvCodec &functions)
+{
+    QLibrary library(u"avcodec"_s, LIBAVCODEC_VERSION_MAJOR);
+    bool isComplete = library.load();
+    VELB_AV_CODEC(VELB_AV_RESOLVE)
+    return isComplete;
+}
+
+bool loadUtil(AvCodec &functions)
+{
+    QLibrary library(u"avutil"_s, LIBAVUTIL_VERSION_MAJOR);
+    bool isComplete = library.load();
+    VELB_AV_UTIL(VELB_AV_RESOLVE)
+    return isComplete;
+}
+
+bool loadFormat(AvFormat &functions)
+{
+    QLibrary library(u"avformat"_s, LIBAVFORMAT_VERSION_MAJOR);
+    bool isComplete = library.load();
+    VELB_AV_FORMAT(VELB_AV_RESOLVE)
+    return isComplete;
+}
+
+bool loadScale(AvScale &functions)
+{
+    QLibrary library(u"swscale"_s, LIBSWSCALE_VERSION_MAJOR);
+    bool isComplete = library.load();
+    VELB_AV_SCALE(VELB_AV_RESOLVE)
+    return isComplete;
+}
+
+#undef VELB_AV_RESOLVE
+
+} // namespace
+
+const AvCodec *avCodec()
+{
+    static AvCodec functions;
+    static const bool isLoaded = loadCodec(functions) && loadUtil(functions);
+    return isLoaded ? &functions : nullptr;
+}
+
+const AvFormat *avFormat()
+{
+    static AvFormat functions;
+    static const bool isLoaded = loadFormat(functions);
+    return isLoaded ? &functions : nullptr;
+}
+
+const AvScale *avScale()
+{
+    static AvScale functions;
+    static const bool isLoaded = loadScale(functions);
+    return isLoaded ? &functions : nullptr;
+}
+
+} // namespace velbrix

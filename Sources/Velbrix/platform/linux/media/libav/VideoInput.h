@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/MediaProbe.h"
+#include "platform/linux/media/libav/LibAvHandles.h"
+
+#include <QTransform>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+namespace velbrix {
+
+// When to give up a look into a file: on demand, or when it takes too long.
+class WorkLimit {
+public:
+    using Flag = std::shared_ptr<std::atomic<bool>>;
+
+    WorkLimit(Flag ended, Flag cancelled);
+    bool isReached() const;
+    Failure reason() const;
+
+private:
+    Flag _ended; // nobody asks any more
+    Flag _cancelled;
+    std::int64_t _deadline;
+};
+
+// A video file under examination. One thread; the limit must outlive it.
+class VideoInput {
+public:
+    // Reads what the file says of itself. Only local files of the kinds that
+    // hold a film or sound are opened, whatever their names say.
+    static Result<VideoInput> open(const QString &path, const WorkLimit &limit);
+
+    Result<VideoFacts> facts() const;
+    AVFormatContext &format() const { return *_format; }
+    // The track of pictures; a cover is none. Null without one.
+    AVStream *stream() const { return _stream; }
+    // From a decoded picture to the size and orientation in which it is shown.
+    QSize shownSize(QSize decoded, AVRational pixelShape) const;
+    QTransform orientation() const;
+
+private:
+    VideoInput(AvInput format, AVStream *stream) : _format(std::move(format)), _stream(stream) {}
+
+    AvInput _format;
+    AVStream *_stream;
+};
+
+// Beyond this a picture is not decoded, and no memory is asked for it.
+inline constexpr std::int64_t mostPixels = 8192LL * 8192;
+
+} // namespace velbrix

@@ -1,0 +1,86 @@
+#include "platform/linux/media/mpv/MpvOptions.h"
+
+#include "platform/linux/media/mpv/MpvNode.h"
+
+#include <array>
+
+namespace velbrix {
+
+namespace {
+
+struct Option {
+    const char *name;
+    const char *value;
+};
+
+constexpr std::array<Option, 41> options{{
+    // Nothing of the user's or the system's own player.
+    {"config", "no"},
+    {"load-scripts", "no"},
+    {"ytdl", "no"},
+    {"osc", "no"},
+    {"osd-level", "0"},
+    {"terminal", "no"},
+    {"input-default-bindings", "no"},
+    {"input-vo-keyboard", "no"},
+    {"input-media-keys", "no"},
+    {"resume-playback", "no"},
+    {"save-position-on-quit", "no"},
+    {"stop-screensaver", "no"},
+    // One file and nothing that it names or that lies beside it.
+    {"demuxer", "lavf"},
+    {"access-references", "no"},
+    {"autoload-files", "no"},
+    {"sub-auto", "no"},
+    {"audio-file-auto", "no"},
+    {"cover-art-auto", "no"},
+    {"audio-display", "no"},
+    {"sid", "no"},
+    {"aid", "no"},
+    {"vo", "libmpv"},
+    {"ao", "pulse,null"},
+    {"audio-client-name", "Velbrix"},
+    {"audio-fallback-to-null", "yes"},
+    {"hwdec", "no"},
+    {"idle", "yes"},
+    {"pause", "yes"},
+    {"loop-file", "inf"},
+    {"keepaspect", "no"},
+    // Eight seconds ahead, whatever the bit rate.
+    {"cache", "no"},
+    {"demuxer-thread", "yes"},
+    {"demuxer-readahead-secs", "8"},
+    {"demuxer-max-bytes", "32MiB"},
+    {"demuxer-max-back-bytes", "0"},
+    {"demuxer-donate-buffer", "no"},
+    // Measured the cheapest that look right, see MpvPlayer::setScaling().
+    {"zimg-scaler", "bilinear"},
+    {"zimg-scaler-chroma", "bilinear"},
+    {"zimg-threads", "1"},
+    {"sws-scaler", "fast-bilinear"},
+    {"sws-fast", "yes"},
+}};
+
+// Containers of single files. Others name further files or addresses.
+constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpeg,ogg";
+
+} // namespace
+
+bool setMpvOptions(const LibMpv &mpv, mpv_handle *handle)
+{
+    // An option that a newer version has dropped is no reason to show nothing;
+    // one that keeps files apart from the rest of the world is.
+    for (const Option &option : options)
+        mpv.mpv_set_option_string(handle, option.name, option.value);
+    std::array<char *, 2> keys{const_cast<char *>("format_whitelist"),
+                               const_cast<char *>("protocol_whitelist")};
+    std::array<mpv_node, 2> values{textNode(containers), textNode("file")};
+    mpv_node_list list{2, values.data(), keys.data()};
+    mpv_node map{};
+    map.format = MPV_FORMAT_NODE_MAP;
+    map.u.list = &list;
+    return mpv.mpv_set_option(handle, "demuxer-lavf-o", MPV_FORMAT_NODE, &map) >= 0 &&
+           mpv.mpv_set_option_string(handle, "demuxer", "lavf") >= 0;
+}
+
+} // namespace velbrix

@@ -1,0 +1,37 @@
+#include "platform/linux/media/mpv/PaintedPlayer.h"
+
+#include <utility>
+
+namespace velbrix {
+
+Result<std::unique_ptr<PaintedPlayer>> PaintedPlayer::create(std::shared_ptr<RetiredThreads> retired,
+                                                             std::unique_ptr<PictureSink> sink, Events events,
+                                                             VideoRenderer::FirstPicture firstPicture)
+{
+    std::unique_ptr<PaintedPlayer> painted(new PaintedPlayer(std::move(retired)));
+    auto player =
+        MpvPlayer::create({.starting = [self = painted.get()](int load) { self->_renderer->begin(load); },
+                           .formatChanged = std::move(events.formatChanged),
+                           .failed = std::move(events.failed)});
+    if (!player)
+        return std::unexpected(player.error());
+    auto renderer = VideoRenderer::create((*player)->library(), (*player)->handle(), std::move(sink),
+                                          std::move(firstPicture));
+    if (!renderer) {
+        (*player)->library().mpv_terminate_destroy((*player)->release());
+        return std::unexpected(renderer.error());
+    }
+    painted->_player = std::move(*player);
+    painted->_renderer = std::move(*renderer);
+    return painted;
+}
+
+PaintedPlayer::~PaintedPlayer()
+{
+    if (!_renderer)
+        return;
+    _player->release();
+    VideoRenderer::retire(std::move(_renderer), *_retired);
+}
+
+} // namespace velbrix

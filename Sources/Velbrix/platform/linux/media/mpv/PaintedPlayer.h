@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/linux/media/mpv/MpvPlayer.h"
+#include "platform/linux/media/mpv/VideoRenderer.h"
+
+namespace velbrix {
+
+// A player and what paints its pictures, which begin and end together. Main
+// thread.
+class PaintedPlayer {
+public:
+    // Those of MpvPlayer, under the same terms.
+    struct Events {
+        std::function<void(const PictureFormat &)> formatChanged;
+        std::function<void(Failure)> failed;
+    };
+
+    static Result<std::unique_ptr<PaintedPlayer>> create(std::shared_ptr<RetiredThreads> retired,
+                                                         std::unique_ptr<PictureSink> sink, Events events,
+                                                         VideoRenderer::FirstPicture firstPicture);
+    // Waits for no thread.
+    ~PaintedPlayer();
+    PaintedPlayer(const PaintedPlayer &) = delete;
+    PaintedPlayer &operator=(const PaintedPlayer &) = delete;
+
+    MpvPlayer &player() const { return *_player; }
+    VideoRenderer &renderer() const { return *_renderer; }
+
+private:
+    explicit PaintedPlayer(std::shared_ptr<RetiredThreads> retired) : _retired(std::move(retired)) {}
+
+    const std::shared_ptr<RetiredThreads> _retired;
+    std::unique_ptr<MpvPlayer> _player;
+    std::unique_ptr<VideoRenderer> _renderer;
+};
+
+} // namespace velbrix

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/linux/media/recording/MovieRecorder.h"
+#include "platform/linux/media/recording/PicturePlanes.h"
+#include "platform/linux/media/recording/PixelRects.h"
+#include "platform/linux/x11/capture/GrabBuffer.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace velbrix {
+
+// The picture of a movie: of one size for good, into which pictures of any
+// size are fitted on black.
+class FrameCanvas {
+public:
+    // Pixels, even.
+    FrameCanvas(int width, int height);
+
+    // Redraws what these parts of the picture show; returns the parts of the
+    // canvas that may look different. After another size of the picture
+    // everything must be drawn, whatever the parts are.
+    std::vector<PixelRect> draw(const BitmapView &picture, std::span<const PixelRect> parts);
+    // As it is until the next drawing.
+    PictureView view() const { return view(nullptr); }
+    // As it is now: the owner keeps it while the canvas goes on elsewhere.
+    PictureView share();
+    int width() const { return _width; }
+    int height() const { return _height; }
+
+private:
+    PictureView view(std::shared_ptr<const void> owner) const;
+    void unshare(bool keepsPicture);
+    void clear();
+    void convert(const BitmapView &picture, const PixelRect &part);
+    void scale(const BitmapView &picture, const PixelRect &part);
+    void toPlanes(const std::uint8_t *pixels, int stride, const PixelRect &target);
+
+    int _width;
+    int _height;
+    Placement _placement;
+    PicturePlanesPool _pool;
+    std::shared_ptr<PicturePlanes> _planes;
+    bool _isShared = false;
+    std::vector<std::uint8_t> _scaled;
+};
+
+} // namespace velbrix

@@ -1,0 +1,100 @@
+#include "platform/linux/media/sound/PulseWatch.h"
+
+#include "platform/linux/media/sound/PulseContext.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include <pulse/pulseaudio.h>
+
+namespace velbrix {
+
+struct PulseWatchCallbacks {
+    static void context(pa_context *, void *data) { static_cast<PulseWatch *>(data)->contextChanged(); }
+    static void event(pa_context *, pa_subscription_event_type_t event, std::uint32_t, void *data)
+    {
+        // Devices also "change" with every turn of a volume knob.
+        const auto facility = event & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
+        const auto kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
+        if (facility == PA_SUBSCRIPTION_EVENT_SERVER || kind != PA_SUBSCRIPTION_EVENT_CHANGE)
+            static_cast<PulseWatch *>(data)->_changed();
+    }
+    static void retry(pa_mainloop_api *, pa_time_event *, const timeval *, void *data)
+    {
+        static_cast<PulseWatch *>(data)->connect();
+    }
+};
+
+namespace {
+
+constexpr pa_usec_t firstRetry = 2 * PA_USEC_PER_SEC;
+constexpr pa_usec_t slowestRetry = 60 * PA_USEC_PER_SEC;
+
+} // namespace
+
+PulseWatch::PulseWatch(std::function<void()> changed)
+    : _changed(std::move(changed)), _loop(pa_threaded_mainloop_new()), _retryDelay(firstRetry)
+{
+    pa_threaded_mainloop_start(_loop);
+}
+
+PulseWatch::~PulseWatch()
+{
+    pa_threaded_mainloop_lock(_loop);
+    disconnect();
+    pa_threaded_mainloop_unlock(_loop);
+    pa_threaded_mainloop_stop(_loop);
+    pa_threaded_mainloop_free(_loop);
+}
+
+void PulseWatch::start()
+{
+    pa_threaded_mainloop_lock(_loop);
+    connect();
+    pa_threaded_mainloop_unlock(_loop);
+}
+
+void PulseWatch::connect()
+{
+    disconnect();
+    _context = pulse::makeContext(_loop, PulseWatchCallbacks::context, PulseWatchCallbacks::event, this);
+    pulse::connectContext(_context);
+}
+
+void PulseWatch::disconnect()
+{
+    stopRetrying();
+    pulse::closeContext(_context);
+}
+
+void PulseWatch::contextChanged()
+{
+    const pa_context_state_t state = pa_context_get_state(_context);
+    if (state == PA_CONTEXT_READY) {
+        _retryDelay = firstRetry;
+        pulse::subscribeToDevices(_context);
+        if (!std::exchange(_hasServer, true))
+            _changed(); // the devices came back with the server
+    } else if (state == PA_CONTEXT_FAILED) {
+        retryLater();
+        if (std::exchange(_hasServer, false))
+            _changed(); // all devices went with the server
+    }
+}
+
+void PulseWatch::retryLater()
+{
+    stopRetrying();
+    _retry =
+        pa_context_rttime_new(_context, pa_rtclock_now() + _retryDelay, PulseWatchCallbacks::retry, this);
+    _retryDelay = std::min(_retryDelay * 2, slowestRetry);
+}
+
+void PulseWatch::stopRetrying()
+{
+    if (_retry)
+        pa_threaded_mainloop_get_api(_loop)->time_free(std::exchange(_retry, nullptr));
+}
+
+} // namespace velbrix

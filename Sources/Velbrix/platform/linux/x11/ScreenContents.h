@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/ScreenCapture.h"
+#include "platform/linux/media/recording/PixelRects.h"
+#include "platform/linux/x11/X11Connection.h"
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace velbrix {
+
+struct Monitor {
+    quint32 id = 0; // the same for the same connector in every session
+    PixelRect rect; // inside the root
+    bool isPrimary = false;
+    QByteArray connector;    // the server's name for it, like "HDMI-1"
+    quint32 firstOutput = 0; // of RandR; 0 where there is none
+
+    bool operator==(const Monitor &) const = default;
+};
+
+// Never empty where the server has a screen: without an extension for it the
+// root counts as one monitor. At most one is primary.
+std::vector<Monitor> monitors(X11Connection &connection);
+// The primary one, else the one in the root's corner, else the first; null
+// when there are none.
+const Monitor *mainMonitor(const std::vector<Monitor> &all);
+
+// The windows that the window manager keeps, bottom to top; without one every
+// window that it could keep.
+std::vector<xcb_window_t> clientWindows(X11Connection &connection);
+// Whether a window is minimised or on another workspace. Some window managers
+// keep such windows mapped.
+bool isPutAway(X11Connection &connection, xcb_window_t window);
+
+// The windows of applications that are on screen now, front to back. A window
+// that vanishes meanwhile is left out.
+QList<CapturableWindow> windowsOnScreen(X11Connection &connection);
+
+} // namespace velbrix

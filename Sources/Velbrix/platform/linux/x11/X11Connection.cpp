@@ -1,0 +1,187 @@
+#include "platform/linux/x11/X11Connection.h"
+
+#include <xcb/composite.h>
+#include <xcb/damage.h>
+#include <xcb/randr.h>
+#include <xcb/render.h>
+#include <xcb/shape.h>
+#include <xcb/shm.h>
+#include <xcb/xfixes.h>
+
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+std::uint32_t XProperty::value(int index) const
+{
+    std::uint32_t number = 0;
+    if (index < count())
+        std::memcpy(&number, bytes.constData() + index * 4, 4);
+    return number;
+}
+
+bool XProperty::holds(std::uint32_t wanted) const
+{
+    for (int i = 0; i < count(); ++i) {
+        if (value(i) == wanted)
+            return true;
+    }
+    return false;
+}
+
+Result<std::unique_ptr<X11Connection>> X11Connection::open(const X11Abilities &allowed)
+{
+    int screenNumber = 0;
+    xcb_connection_t *connection = xcb_connect(nullptr, &screenNumber);
+    if (xcb_connection_has_error(connection) != 0) {
+        xcb_disconnect(connection);
+        return failure(u"无法连接 X 服务器"_s);
+    }
+    std::unique_ptr<X11Connection> opened(new X11Connection(connection, screenNumber, allowed));
+    if (!opened->_screen)
+        return failure(u"X 服务器没有屏幕"_s);
+    opened->negotiate();
+    return opened;
+}
+
+X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber, const X11Abilities &allowed)
+    : _connection(connection), _screenNumber(screenNumber), _has(allowed)
+{
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (int i = 0; i < screenNumber && screens.rem > 1; ++i)
+        xcb_screen_next(&screens);
+    if (screens.rem > 0)
+        _screen = screens.data;
+}
+
+X11Connection::~X11Connection()
+{
+    xcb_disconnect(_connection);
+}
+
+bool X11Connection::isPresent(xcb_extension_t &extension) const
+{
+    const auto *data = xcb_get_extension_data(_connection, &extension);
+    return data && data->present;
+}
+
+// Some extensions refuse to work before the client has said which version it
+// speaks.
+void X11Connection::negotiate()
+{
+    for (auto *extension : {&xcb_shm_id, &xcb_composite_id, &xcb_damage_id, &xcb_xfixes_id, &xcb_randr_id,
+                            &xcb_render_id, &xcb_shape_id})
+        xcb_prefetch_extension_data(_connection, extension);
+
+    if ((_has.sharedMemory = _has.sharedMemory && isPresent(xcb_shm_id))) {
+        const XReply<xcb_shm_query_version_reply_t> version(
+            xcb_shm_query_version_reply(_connection, xcb_shm_query_version(_connection), nullptr));
+        const bool takesDescriptors =
+            version &&
+            (version->major_version > 1 || (version->major_version == 1 && version->minor_version >= 2));
+        _has.sharedDescriptors = _has.sharedDescriptors && takesDescriptors;
+    }
+    if ((_has.fixes = _has.fixes && isPresent(xcb_xfixes_id))) {
+        const XReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
+            _connection, xcb_xfixes_query_version(_connection, 5, 0), nullptr));
+        _has.fixes = version && version->major_version >= 2;
+        _fixesEvent = xcb_get_extension_data(_connection, &xcb_xfixes_id)->first_event;
+    }
+    if ((_has.composite = _has.composite && isPresent(xcb_composite_id))) {
+        const XReply<xcb_composite_query_version_reply_t> version(xcb_composite_query_version_reply(
+            _connection, xcb_composite_query_version(_connection, 0, 4), nullptr));
+        _has.composite = version && (version->major_version > 0 || version->minor_version >= 2);
+    }
+    // What was damaged is read as a region, which belongs to the fixes.
+    if ((_has.damage = _has.damage && _has.fixes && isPresent(xcb_damage_id))) {
+        const XReply<xcb_damage_query_version_reply_t> version(xcb_damage_query_version_reply(
+            _connection, xcb_damage_query_version(_connection, 1, 1), nullptr));
+        _has.damage = version != nullptr;
+        _damageEvent = xcb_get_extension_data(_connection, &xcb_damage_id)->first_event;
+    }
+    if ((_has.randr = _has.randr && isPresent(xcb_randr_id))) {
+        const XReply<xcb_randr_query_version_reply_t> version(
+            xcb_randr_query_version_reply(_connection, xcb_randr_query_version(_connection, 1, 5), nullptr));
+        _has.randr = version && (version->major_version > 1 || version->minor_version >= 5);
+        _randrEvent = xcb_get_extension_data(_connection, &xcb_randr_id)->first_event;
+    }
+    if ((_has.render = _has.render && isPresent(xcb_render_id))) {
+        const XReply<xcb_render_query_version_reply_t> version(xcb_render_query_version_reply(
+            _connection, xcb_render_query_version(_connection, 0, 11), nullptr));
+        _has.render = version != nullptr;
+    }
+    _has.shape = _has.shape && isPresent(xcb_shape_id);
+}
+
+bool X11Connection::hasTrueColor() const
+{
+    const xcb_setup_t *setup = xcb_get_setup(_connection);
+    if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
+        return false;
+    bool fourBytes = false;
+    for (auto format = xcb_setup_pixmap_formats_iterator(setup); format.rem; xcb_format_next(&format))
+        fourBytes =
+            fourBytes || (format.data->depth == _screen->root_depth && format.data->bits_per_pixel == 32);
+    for (auto depth = xcb_screen_allowed_depths_iterator(_screen); depth.rem; xcb_depth_next(&depth)) {
+        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem; xcb_visualtype_next(&visual)) {
+            if (visual.data->visual_id == _screen->root_visual)
+                return fourBytes && visual.data->red_mask == 0xff0000 && visual.data->green_mask == 0xff00 &&
+                       visual.data->blue_mask == 0xff;
+        }
+    }
+    return false;
+}
+
+xcb_atom_t X11Connection::atom(const char *name)
+{
+    if (const auto known = _atoms.find(name); known != _atoms.end())
+        return known->second;
+    const auto length = static_cast<std::uint16_t>(std::strlen(name));
+    const XReply<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(_connection, xcb_intern_atom(_connection, 0, length, name), nullptr));
+    const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    _atoms.emplace(name, atom);
+    return atom;
+}
+
+QByteArray X11Connection::atomName(xcb_atom_t atom) const
+{
+    const XReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(_connection, xcb_get_atom_name(_connection, atom), nullptr));
+    return reply ? QByteArray(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()))
+                 : QByteArray();
+}
+
+XProperty X11Connection::property(xcb_window_t window, const char *name, std::uint32_t maximumBytes)
+{
+    const auto cookie = xcb_get_property(_connection, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0,
+                                         (maximumBytes + 3) / 4);
+    const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(_connection, cookie, nullptr));
+    if (!reply)
+        return {};
+    return {reply->type, QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
+                                    xcb_get_property_value_length(reply.get()))};
+}
+
+bool X11Connection::hasCompositingManager()
+{
+    const std::string name = "_NET_WM_CM_S" + std::to_string(_screenNumber);
+    const XReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        _connection, xcb_get_selection_owner(_connection, atom(name.c_str())), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+XReply<xcb_generic_event_t> X11Connection::nextEvent()
+{
+    return XReply<xcb_generic_event_t>(xcb_poll_for_event(_connection));
+}
+
+void X11Connection::sync()
+{
+    const XReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(_connection, xcb_get_input_focus(_connection), nullptr));
+}
+
+} // namespace velbrix

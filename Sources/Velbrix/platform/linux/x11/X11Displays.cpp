@@ -1,0 +1,212 @@
+#include "platform/linux/x11/X11Displays.h"
+
+#include "platform/linux/x11/MonitorNames.h"
+#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Struts.h"
+#include "platform/linux/x11/X11EventSource.h"
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+namespace {
+
+constexpr std::uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+constexpr std::uint16_t randrEvents = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
+                                      XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
+
+} // namespace
+
+// One look at the server and all that follow. Without a server there are no
+// displays.
+class X11Displays::Monitors {
+public:
+    explicit Monitors(std::function<void()> changed);
+
+    const QList<Display> &displays() const { return _displays; }
+
+private:
+    struct Client {
+        bool isPanel = false;
+        std::optional<Strut> strut;
+    };
+
+    void handleEvent(const xcb_generic_event_t &event);
+    void update();
+    void readClients();
+    Client readClient(xcb_window_t window) const;
+    QList<Display> readDisplays() const;
+    QString nameOf(quint32 output, const QByteArray &connector) const;
+
+    const std::function<void()> _changed;
+    std::unique_ptr<X11EventSource> _events;
+    std::map<xcb_window_t, Client> _clients;
+    QList<Display> _displays;
+    bool _areClientsStale = true;
+    bool _isStale = false;
+};
+
+X11Displays::X11Displays() = default;
+X11Displays::~X11Displays() = default;
+
+X11Displays::Monitors &X11Displays::monitors() const
+{
+    if (!_monitors)
+        _monitors = std::make_unique<Monitors>([this] { tellObservers(); });
+    return *_monitors;
+}
+
+QList<Display> X11Displays::displays() const
+{
+    return monitors().displays();
+}
+
+void X11Displays::observe(std::function<void()> changed)
+{
+    _observers.push_back(std::move(changed));
+    // Not during the program's start.
+    QMetaObject::invokeMethod(&_context, [this] { monitors(); }, Qt::QueuedConnection);
+}
+
+void X11Displays::tellObservers() const
+{
+    const auto observers = _observers;
+    for (const auto &observer : observers)
+        observer();
+}
+
+X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::move(changed))
+{
+    auto events = X11EventSource::open([this](const xcb_generic_event_t &event) { handleEvent(event); },
+                                       [this] { update(); });
+    if (!events)
+        return;
+    _events = std::move(*events);
+    X11Connection &connection = _events->connection();
+    xcb_change_window_attributes(connection.xcb(), connection.root(), XCB_CW_EVENT_MASK, &rootEvents);
+    if (connection.has().randr)
+        xcb_randr_select_input(connection.xcb(), connection.root(), randrEvents);
+    readClients();
+    _displays = readDisplays();
+}
+
+void X11Displays::Monitors::handleEvent(const xcb_generic_event_t &event)
+{
+    X11Connection &connection = _events->connection();
+    const int type = event.response_type & 0x7f;
+    if (type == XCB_CONFIGURE_NOTIFY)
+        _isStale = true;
+    if (connection.has().randr && (type == connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                   type == connection.randrEvent() + XCB_RANDR_NOTIFY))
+        _isStale = true;
+    if (type != XCB_PROPERTY_NOTIFY)
+        return;
+    const auto &notify = reinterpret_cast<const xcb_property_notify_event_t &>(event);
+    const auto is = [&](const char *name) { return notify.atom == connection.atom(name); };
+    if (notify.window == connection.root()) {
+        // Whoever sets the work area has seen a new strut of any window.
+        if (is("_NET_WORKAREA"))
+            _clients.clear();
+        _areClientsStale = _areClientsStale || is("_NET_CLIENT_LIST") || is("_NET_WORKAREA");
+    } else if (is("_NET_WM_STRUT_PARTIAL") || is("_NET_WM_STRUT")) {
+        _clients.erase(notify.window);
+        _areClientsStale = true;
+    }
+}
+
+void X11Displays::Monitors::update()
+{
+    if (!_isStale && !_areClientsStale)
+        return;
+    _isStale = false;
+    if (_areClientsStale)
+        readClients();
+    QList<Display> now = readDisplays();
+    if (now == _displays)
+        return;
+    _displays = std::move(now);
+    _changed();
+}
+
+void X11Displays::Monitors::readClients()
+{
+    _areClientsStale = false;
+    X11Connection &connection = _events->connection();
+    const XProperty list = connection.property(connection.root(), "_NET_CLIENT_LIST", 65536);
+    std::set<xcb_window_t> listed;
+    for (int i = 0; i < list.count(); ++i)
+        listed.insert(list.value(i));
+    std::erase_if(_clients, [&listed](const auto &client) { return !listed.contains(client.first); });
+    for (const xcb_window_t window : listed) {
+        if (!_clients.contains(window))
+            _clients.emplace(window, readClient(window));
+    }
+}
+
+X11Displays::Monitors::Client X11Displays::Monitors::readClient(xcb_window_t window) const
+{
+    X11Connection &connection = _events->connection();
+    // Only panels are worth being woken for; before the reading, so that no
+    // change falls between.
+    const XProperty type = connection.property(window, "_NET_WM_WINDOW_TYPE");
+    const bool isPanel = type.value(0) == connection.atom("_NET_WM_WINDOW_TYPE_DOCK");
+    if (isPanel) {
+        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_change_window_attributes(connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
+    }
+    return {isPanel, readStrut(connection, window)};
+}
+
+QList<Display> X11Displays::Monitors::readDisplays() const
+{
+    X11Connection &connection = _events->connection();
+    const std::vector<Monitor> all = velbrix::monitors(connection);
+    const Monitor *const main = mainMonitor(all);
+    const XReply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
+        connection.xcb(), xcb_get_geometry(connection.xcb(), connection.root()), nullptr));
+    const QSize rootSize = root ? QSize(root->width, root->height) : QSize();
+    std::vector<Strut> struts;
+    for (const auto &[window, client] : _clients) {
+        if (client.strut)
+            struts.push_back(*client.strut);
+    }
+    QList<Display> found;
+    for (const Monitor &monitor : all) {
+        const QRect frame(monitor.rect.x, monitor.rect.y, monitor.rect.width, monitor.rect.height);
+        const Display display{.id = monitor.id,
+                              .name = nameOf(monitor.firstOutput, monitor.connector),
+                              .isMain = &monitor == main,
+                              .frame = frame,
+                              .visibleFrame = visibleFrame(frame, rootSize, struts)};
+        found.insert(display.isMain ? 0 : found.size(), display);
+    }
+    return found;
+}
+
+QString X11Displays::Monitors::nameOf(quint32 output, const QByteArray &connector) const
+{
+    X11Connection &connection = _events->connection();
+    const QString socket = QString::fromUtf8(connector);
+    if (output == 0)
+        return socket;
+    constexpr std::uint32_t words = 64;
+    const XReply<xcb_randr_get_output_property_reply_t> edid(xcb_randr_get_output_property_reply(
+        connection.xcb(),
+        xcb_randr_get_output_property(connection.xcb(), output, connection.atom("EDID"),
+                                      XCB_GET_PROPERTY_TYPE_ANY, 0, words, 0, 0),
+        nullptr));
+    if (!edid)
+        return socket;
+    const QString name =
+        edidName(QByteArray(reinterpret_cast<const char *>(xcb_randr_get_output_property_data(edid.get())),
+                            xcb_randr_get_output_property_data_length(edid.get())));
+    return name.isEmpty() ? socket : u"%1（%2）"_s.arg(name, socket);
+}
+
+} // namespace velbrix

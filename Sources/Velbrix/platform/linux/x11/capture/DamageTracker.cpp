@@ -1,0 +1,55 @@
+#include "platform/linux/x11/capture/DamageTracker.h"
+
+namespace velbrix {
+
+namespace {
+
+constexpr int manyRects = 32;
+
+PixelRect toRect(const xcb_rectangle_t &rect)
+{
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+
+} // namespace
+
+DamageTracker::DamageTracker(X11Connection &connection, xcb_drawable_t drawable)
+    : _connection(connection),
+      _damage(xcb_generate_id(connection.xcb())),
+      _region(xcb_generate_id(connection.xcb()))
+{
+    xcb_damage_create(_connection.xcb(), _damage, drawable, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+    xcb_xfixes_create_region(_connection.xcb(), _region, 0, nullptr);
+    // A new damage of a window begins with the whole window.
+    xcb_damage_subtract(_connection.xcb(), _damage, XCB_NONE, XCB_NONE);
+}
+
+DamageTracker::~DamageTracker()
+{
+    xcb_damage_destroy(_connection.xcb(), _damage);
+    xcb_xfixes_destroy_region(_connection.xcb(), _region);
+}
+
+void DamageTracker::request()
+{
+    xcb_damage_subtract(_connection.xcb(), _damage, XCB_NONE, _region);
+    _asked = xcb_xfixes_fetch_region(_connection.xcb(), _region);
+}
+
+std::vector<PixelRect> DamageTracker::collect()
+{
+    const XReply<xcb_xfixes_fetch_region_reply_t> reply(
+        xcb_xfixes_fetch_region_reply(_connection.xcb(), _asked, nullptr));
+    if (!reply)
+        return {};
+    const int count = xcb_xfixes_fetch_region_rectangles_length(reply.get());
+    if (count > manyRects)
+        return {toRect(reply->extents)};
+    const xcb_rectangle_t *rects = xcb_xfixes_fetch_region_rectangles(reply.get());
+    std::vector<PixelRect> damaged;
+    for (int i = 0; i < count; ++i)
+        damaged.push_back(toRect(rects[i]));
+    return damaged;
+}
+
+} // namespace velbrix

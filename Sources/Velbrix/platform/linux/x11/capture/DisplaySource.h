@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/capture/FrameSource.h"
+#include "platform/linux/x11/capture/ScreenLayers.h"
+
+#include <QList>
+
+#include <memory>
+#include <optional>
+
+namespace velbrix {
+
+// One monitor, possibly without some windows. It follows the monitor through
+// changes of its mode and ends when the monitor stays away.
+class DisplaySource final : public FrameSource {
+public:
+    // The connection must outlive the source.
+    DisplaySource(X11Connection &connection, quint32 displayId, const QList<quint32> &excludedWindows);
+
+    Result<void> start(const StopSignal &stop) override;
+    void handleEvent(const xcb_generic_event_t &event) override;
+    SourceUpdate update() override;
+    BitmapView picture() const override { return _buffer.view(); }
+    std::optional<PicturePoint> locate(const PointerState &pointer) const override;
+
+private:
+    bool findMonitor();
+    std::vector<PixelRect> collectDamage();
+    void queue(const PixelRect &part);
+
+    X11Connection &_connection;
+    const quint32 _displayId;
+    std::unique_ptr<ScreenLayers> _layers;
+    std::unique_ptr<DamageTracker> _damage;
+    PixelRect _area; // in the root
+    GrabBuffer _buffer;
+    bool _isStale = true;      // monitors may have changed
+    bool _isIncomplete = true; // the picture is to be fetched as a whole
+    std::optional<std::int64_t> _missingSince;
+};
+
+} // namespace velbrix

@@ -1,0 +1,236 @@
+#include "platform/linux/x11/input/X11KeyMonitor.h"
+
+#include "foundation/HotkeyChord.h"
+#include "platform/linux/x11/input/WatchList.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
+#include <QKeyEvent>
+
+#include <bitset>
+
+#include <xcb/xinput.h>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+class X11KeyMonitor::LocalKeys final : public QObject {
+public:
+    explicit LocalKeys(std::shared_ptr<X11Keyboard> keyboard) : _keyboard(std::move(keyboard)) {}
+
+    std::unique_ptr<KeyWatch> watch(std::function<bool(const KeyPress &)> pressed,
+                                    const std::weak_ptr<LocalKeys> &self)
+    {
+        if (_watches.isEmpty())
+            QCoreApplication::instance()->installEventFilter(this);
+        return _watches.add(std::move(pressed), [self] {
+            const auto keys = self.lock();
+            if (keys && keys->_watches.isEmpty() && QCoreApplication::instance())
+                QCoreApplication::instance()->removeEventFilter(keys.get());
+        });
+    }
+
+private:
+    // What Qt delivers of one press, to the window, its focus widget and that
+    // one's parents: the same moment and key each time.
+    struct Delivery {
+        quint64 timestamp = 0;
+        quint32 scanCode = 0;
+        int key = 0;
+        bool operator==(const Delivery &) const = default;
+    };
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        const bool isOverride = event->type() == QEvent::ShortcutOverride;
+        if (event->type() == QEvent::KeyRelease && event->spontaneous())
+            _asked.reset();
+        if (!event->spontaneous() || (!isOverride && event->type() != QEvent::KeyPress))
+            return false;
+        const auto *key = static_cast<const QKeyEvent *>(event);
+        const Delivery delivery{key->timestamp(), key->nativeScanCode(), key->key()};
+        if (_asked != delivery) {
+            _asked = delivery;
+            _isSwallowed = ask(*key);
+        }
+        // An accepted override keeps shortcuts from having the key; the press
+        // that follows ends here.
+        if (_isSwallowed)
+            event->accept();
+        return _isSwallowed;
+    }
+
+    bool ask(const QKeyEvent &event)
+    {
+        const auto press = translated(event);
+        if (!press)
+            return false;
+        bool isTaken = false;
+        _watches.forEachUntil([&](const auto &pressed) { return isTaken = pressed(*press); });
+        return isTaken;
+    }
+
+    std::optional<KeyPress> translated(const QKeyEvent &event) const
+    {
+        std::optional<quint32> keyCode;
+        if (_keyboard && event.nativeScanCode() < 256)
+            keyCode = _keyboard->codes().fromX(static_cast<quint8>(event.nativeScanCode()));
+        if (!keyCode)
+            keyCode = KeyCodes::fromKeysym(event.nativeVirtualKey());
+        if (!keyCode)
+            return std::nullopt;
+        quint32 modifiers = 0;
+        if (event.modifiers() & Qt::ShiftModifier)
+            modifiers |= HotkeyChord::shiftKey;
+        if (event.modifiers() & Qt::ControlModifier)
+            modifiers |= HotkeyChord::controlKey;
+        if (event.modifiers() & Qt::AltModifier)
+            modifiers |= HotkeyChord::optionKey;
+        if (event.modifiers() & Qt::MetaModifier)
+            modifiers |= HotkeyChord::cmdKey;
+        return KeyPress{*keyCode, modifiers, event.isAutoRepeat()};
+    }
+
+    std::shared_ptr<X11Keyboard> _keyboard;
+    WatchList<bool> _watches;
+    std::optional<Delivery> _asked;
+    bool _isSwallowed = false;
+};
+
+class X11KeyMonitor::RawKeys final : private QAbstractNativeEventFilter {
+public:
+    explicit RawKeys(std::shared_ptr<X11Keyboard> keyboard) : _keyboard(std::move(keyboard)) {}
+    ~RawKeys() override { stop(); }
+
+    Result<std::unique_ptr<KeyWatch>> watch(std::function<void(const KeyPress &)> pressed,
+                                            const std::weak_ptr<RawKeys> &self)
+    {
+        if (!_isListening && !start())
+            return failure(u"X 服务器不提供全局按键事件"_s);
+        return _watches.add(std::move(pressed), [self] {
+            const auto keys = self.lock();
+            if (keys && keys->_watches.isEmpty())
+                keys->stop();
+        });
+    }
+
+private:
+    bool start()
+    {
+        xcb_connection_t *connection = _keyboard->x11().connection;
+        const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_input_id);
+        if (!extension || !extension->present)
+            return false;
+        _opcode = extension->major_opcode;
+        // The server wants the version before anything else; Qt may have asked already.
+        const XcbReply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+            connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
+        if (!select(XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE))
+            return false;
+        readHeldKeys();
+        QCoreApplication::instance()->installNativeEventFilter(this);
+        _isListening = true;
+        return true;
+    }
+
+    void stop()
+    {
+        if (!_isListening || !QCoreApplication::instance())
+            return;
+        _isListening = false;
+        QCoreApplication::instance()->removeNativeEventFilter(this);
+        select(0);
+    }
+
+    bool select(quint32 events) const
+    {
+        const struct {
+            xcb_input_event_mask_t head;
+            quint32 mask;
+        } request{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
+        const auto cookie = xcb_input_xi_select_events_checked(_keyboard->x11().connection,
+                                                               _keyboard->x11().root, 1, &request.head);
+        const XcbReply<xcb_generic_error_t> error(xcb_request_check(_keyboard->x11().connection, cookie));
+        return !error;
+    }
+
+    void readHeldKeys()
+    {
+        _held.reset();
+        xcb_connection_t *connection = _keyboard->x11().connection;
+        const XcbReply<xcb_query_keymap_reply_t> reply(
+            xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
+        for (size_t keycode = 0; reply && keycode < _held.size(); ++keycode)
+            _held[keycode] = (reply->keys[keycode / 8] >> (keycode % 8)) & 1;
+    }
+
+    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *) override
+    {
+        if (type != "xcb_generic_event_t")
+            return false;
+        const auto *event = static_cast<const xcb_ge_generic_event_t *>(message);
+        if (event->response_type != XCB_GE_GENERIC || event->extension != _opcode)
+            return false;
+        const bool isPress = event->event_type == XCB_INPUT_RAW_KEY_PRESS;
+        if (!isPress && event->event_type != XCB_INPUT_RAW_KEY_RELEASE)
+            return false;
+        const auto *raw = static_cast<const xcb_input_raw_key_press_event_t *>(message);
+        if (raw->detail < _held.size()) {
+            const bool wasHeld = _held[raw->detail];
+            _held[raw->detail] = isPress;
+            if (isPress)
+                report(static_cast<quint8>(raw->detail),
+                       wasHeld || (raw->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0);
+        }
+        return false;
+    }
+
+    void report(quint8 keycode, bool isRepeat)
+    {
+        const KeyCodes &codes = _keyboard->codes();
+        const auto keyCode = codes.fromX(keycode);
+        if (!keyCode)
+            return;
+        // Raw events carry no modifiers, and by now the user may have let them
+        // go: what is held follows from the events themselves.
+        quint16 state = 0;
+        for (size_t held = 0; held < _held.size(); ++held) {
+            if (_held[held])
+                state |= codes.stateOfKey(static_cast<quint8>(held));
+        }
+        const KeyPress press{*keyCode, codes.modifiersFromX(state), isRepeat};
+        _watches.forEachUntil([&](const auto &pressed) {
+            pressed(press);
+            return false;
+        });
+    }
+
+    std::shared_ptr<X11Keyboard> _keyboard;
+    WatchList<void> _watches;
+    std::bitset<256> _held;
+    quint8 _opcode = 0;
+    bool _isListening = false;
+};
+
+X11KeyMonitor::X11KeyMonitor(std::shared_ptr<X11Keyboard> keyboard)
+    : _local(std::make_shared<LocalKeys>(keyboard)),
+      _raw(keyboard ? std::make_shared<RawKeys>(keyboard) : nullptr)
+{
+}
+
+X11KeyMonitor::~X11KeyMonitor() = default;
+
+std::unique_ptr<KeyWatch> X11KeyMonitor::watchLocal(std::function<bool(const KeyPress &)> pressed)
+{
+    return _local->watch(std::move(pressed), _local);
+}
+
+Result<std::unique_ptr<KeyWatch>> X11KeyMonitor::watchGlobal(std::function<void(const KeyPress &)> pressed)
+{
+    if (!_raw)
+        return failure(u"当前会话不是 X11，无法监听其他程序的按键"_s);
+    return _raw->watch(std::move(pressed), _raw);
+}
+
+} // namespace velbrix

@@ -1,0 +1,90 @@
+#include "platform/linux/x11/surface/EnlargedPicture.h"
+
+#include <algorithm>
+
+namespace velbrix {
+
+namespace {
+
+xcb_render_pictformat_t format(const xcb_render_query_pict_formats_reply_t &formats, xcb_visualid_t visual)
+{
+    auto screens = xcb_render_query_pict_formats_screens_iterator(&formats);
+    for (; screens.rem; xcb_render_pictscreen_next(&screens)) {
+        auto depths = xcb_render_pictscreen_depths_iterator(screens.data);
+        for (; depths.rem; xcb_render_pictdepth_next(&depths)) {
+            const xcb_render_pictvisual_t *const first = xcb_render_pictdepth_visuals(depths.data);
+            const xcb_render_pictvisual_t *const last =
+                first + xcb_render_pictdepth_visuals_length(depths.data);
+            const auto *const found = std::find_if(
+                first, last, [visual](const xcb_render_pictvisual_t &each) { return each.visual == visual; });
+            if (found != last)
+                return found->format;
+        }
+    }
+    return XCB_NONE;
+}
+
+// The part of a source pixel that lies under one pixel of the target.
+xcb_render_fixed_t step(int from, int to)
+{
+    return static_cast<xcb_render_fixed_t>((std::int64_t{from} << 16) / std::max(to, 1));
+}
+
+std::uint16_t length(int pixels)
+{
+    return static_cast<std::uint16_t>(pixels);
+}
+
+} // namespace
+
+std::unique_ptr<EnlargedPicture> EnlargedPicture::create(X11Connection &connection, xcb_window_t window,
+                                                         QSize from, QSize to)
+{
+    if (!connection.has().render)
+        return nullptr;
+    xcb_connection_t *const xcb = connection.xcb();
+    const XReply<xcb_render_query_pict_formats_reply_t> formats(
+        xcb_render_query_pict_formats_reply(xcb, xcb_render_query_pict_formats(xcb), nullptr));
+    const xcb_render_pictformat_t shown =
+        formats ? format(*formats, connection.screen().root_visual) : xcb_render_pictformat_t{XCB_NONE};
+    if (shown == XCB_NONE)
+        return nullptr;
+    std::unique_ptr<EnlargedPicture> picture(new EnlargedPicture(connection, to));
+    xcb_create_pixmap(xcb, connection.screen().root_depth, picture->_pixmap, window, length(from.width()),
+                      length(from.height()));
+    // Beyond the edge the outermost pixels go on, so that no border shines in.
+    const std::uint32_t repeats = XCB_RENDER_REPEAT_PAD;
+    xcb_render_create_picture(xcb, picture->_source, picture->_pixmap, shown, XCB_RENDER_CP_REPEAT, &repeats);
+    xcb_render_create_picture(xcb, picture->_target, window, shown, 0, nullptr);
+    const xcb_render_transform_t enlarged{step(from.width(), to.width()),   0, 0, 0,
+                                          step(from.height(), to.height()), 0, 0, 0,
+                                          xcb_render_fixed_t{1} << 16};
+    xcb_render_set_picture_transform(xcb, picture->_source, enlarged);
+    constexpr std::string_view filter = "bilinear";
+    xcb_render_set_picture_filter(xcb, picture->_source, filter.size(), filter.data(), 0, nullptr);
+    return picture;
+}
+
+EnlargedPicture::EnlargedPicture(X11Connection &connection, QSize to)
+    : _connection(connection),
+      _size(to),
+      _pixmap(xcb_generate_id(connection.xcb())),
+      _source(xcb_generate_id(connection.xcb())),
+      _target(xcb_generate_id(connection.xcb()))
+{
+}
+
+EnlargedPicture::~EnlargedPicture()
+{
+    xcb_render_free_picture(_connection.xcb(), _source);
+    xcb_render_free_picture(_connection.xcb(), _target);
+    xcb_free_pixmap(_connection.xcb(), _pixmap);
+}
+
+void EnlargedPicture::show() const
+{
+    xcb_render_composite(_connection.xcb(), XCB_RENDER_PICT_OP_SRC, _source, XCB_NONE, _target, 0, 0, 0, 0, 0,
+                         0, length(_size.width()), length(_size.height()));
+}
+
+} // namespace velbrix

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "platform/DesktopSurfaces.h"
+#include "platform/linux/media/mpv/RetiredThreads.h"
+
+namespace velbrix {
+
+// Videos on the desktop of an X server, played by libmpv.
+class X11DesktopSurfaces final : public DesktopSurfaces {
+public:
+    // The clock must outlive the surfaces.
+    explicit X11DesktopSurfaces(Clock &clock);
+
+    void prepare() override;
+    Result<std::unique_ptr<VideoSurface>> makeVideoSurface(const QRect &frame, SurfaceEvents events) override;
+    Result<std::unique_ptr<VideoPreview>> makePreview(const QString &path, QSize bound,
+                                                      PreviewEvents events) override;
+
+private:
+    Clock &_clock;
+    const std::shared_ptr<RetiredThreads> _retired = std::make_shared<RetiredThreads>();
+};
+
+} // namespace velbrix

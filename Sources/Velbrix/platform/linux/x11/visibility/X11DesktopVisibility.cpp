@@ -1,0 +1,159 @@
+#include "platform/linux/x11/visibility/X11DesktopVisibility.h"
+
+#include "platform/linux/dbus/SessionLock.h"
+#include "platform/linux/x11/X11EventSource.h"
+#include "platform/linux/x11/visibility/ScreenCover.h"
+#include "platform/linux/x11/visibility/ScreenPower.h"
+
+#include <algorithm>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace velbrix {
+
+namespace {
+
+// A window that becomes full-screen does so in several steps.
+constexpr auto rest = 100ms;
+// Monitors are switched off and on without an event. Somebody waits for the
+// picture when they come back.
+constexpr auto askWhileOn = 5s;
+constexpr auto askWhileOff = 1s;
+
+} // namespace
+
+// Everything that runs while somebody watches.
+class X11DesktopVisibility::Watcher {
+public:
+    Watcher(Clock &clock, std::function<void()> changed) : _clock(clock), _changed(std::move(changed))
+    {
+        auto events = X11EventSource::open([this](const xcb_generic_event_t &event) { handleEvent(event); });
+        if (events) {
+            _events = std::move(*events);
+            _cover = std::make_unique<ScreenCover>(_events->connection());
+            _power = std::make_unique<ScreenPower>(_events->connection());
+            _sight.coveredDisplays = _cover->read();
+            _sight.isScreenOff = _power->isOff();
+            askPowerLater();
+        }
+        QObject::connect(&_lock, &SessionLock::changed, &_lock, [this] { update(); });
+    }
+
+    const DesktopSight &sight() const { return _sight; }
+
+private:
+    void handleEvent(const xcb_generic_event_t &event)
+    {
+        if (_power->handleEvent(event))
+            update();
+        else if (!_soon && _cover->handleEvent(event))
+            _soon = _clock.after(rest, [this] {
+                _soon.reset();
+                _isCoverStale = true;
+                update();
+            });
+    }
+
+    void askPowerLater()
+    {
+        if (!_power->mustBeAsked())
+            return;
+        _ask = _clock.after(_sight.isScreenOff ? askWhileOff : askWhileOn, [this] {
+            askPowerLater();
+            update();
+        });
+    }
+
+    void update()
+    {
+        DesktopSight now = _sight;
+        if (std::exchange(_isCoverStale, false))
+            now.coveredDisplays = _cover->read();
+        if (_power)
+            now.isScreenOff = _power->isOff();
+        now.isSessionLocked = _lock.isLocked();
+        if (now == _sight)
+            return;
+        const bool hasPowerChanged = now.isScreenOff != _sight.isScreenOff;
+        _sight = std::move(now);
+        if (hasPowerChanged)
+            askPowerLater();
+        const auto changed = _changed;
+        changed();
+    }
+
+    Clock &_clock;
+    const std::function<void()> _changed;
+    std::unique_ptr<X11EventSource> _events;
+    std::unique_ptr<ScreenCover> _cover;
+    std::unique_ptr<ScreenPower> _power;
+    SessionLock _lock;
+    DesktopSight _sight;
+    bool _isCoverStale = false;
+    std::unique_ptr<Alarm> _soon;
+    std::unique_ptr<Alarm> _ask;
+};
+
+struct X11DesktopVisibility::Watchers {
+    std::vector<Entry *> entries;
+    std::unique_ptr<Watcher> watcher; // while there are entries
+};
+
+class X11DesktopVisibility::Entry final : public Observation {
+public:
+    Entry(std::shared_ptr<Watchers> watchers, std::function<void()> changed)
+        : _watchers(std::move(watchers)), _changed(std::move(changed))
+    {
+        _watchers->entries.push_back(this);
+    }
+    ~Entry() override
+    {
+        std::erase(_watchers->entries, this);
+        if (_watchers->entries.empty())
+            _watchers->watcher.reset();
+    }
+
+    static void callAll(const std::weak_ptr<Watchers> &watchers)
+    {
+        const auto living = watchers.lock();
+        const auto entries = living ? living->entries : std::vector<Entry *>();
+        for (Entry *entry : entries) {
+            // An earlier call may have ended this observation.
+            if (std::ranges::find(living->entries, entry) == living->entries.end())
+                continue;
+            const auto changed = entry->_changed;
+            changed();
+        }
+    }
+
+private:
+    const std::shared_ptr<Watchers> _watchers;
+    const std::function<void()> _changed;
+};
+
+X11DesktopVisibility::X11DesktopVisibility(Clock &clock)
+    : _clock(clock), _watchers(std::make_shared<Watchers>())
+{
+}
+
+X11DesktopVisibility::~X11DesktopVisibility()
+{
+    _watchers->watcher.reset();
+}
+
+DesktopSight X11DesktopVisibility::sight() const
+{
+    return _watchers->watcher ? _watchers->watcher->sight() : Watcher(_clock, [] {}).sight();
+}
+
+std::unique_ptr<Observation> X11DesktopVisibility::watch(std::function<void()> changed)
+{
+    auto entry = std::make_unique<Entry>(_watchers, std::move(changed));
+    if (!_watchers->watcher)
+        _watchers->watcher = std::make_unique<Watcher>(
+            _clock, [watchers = std::weak_ptr(_watchers)] { Entry::callAll(watchers); });
+    return entry;
+}
+
+} // namespace velbrix

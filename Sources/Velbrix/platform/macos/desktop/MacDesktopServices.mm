@@ -1,0 +1,98 @@
+#include "platform/macos/desktop/MacDesktopServices.h"
+
+#include "platform/macos/system/FoundationBridge.h"
+#include "platform/macos/system/SystemWatch.h"
+
+#import <AppKit/AppKit.h>
+
+#include <QFileInfo>
+
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+
+struct MacDesktopServices::Private {
+    VBKeyValueWatch *appearance = nil;
+    std::vector<VBNotificationWatch *> unhides;
+};
+
+MacDesktopServices::MacDesktopServices() : _d(std::make_unique<Private>()) {}
+
+MacDesktopServices::~MacDesktopServices() = default;
+
+void MacDesktopServices::setAccessoryPresence()
+{
+    [NSApplication.sharedApplication setActivationPolicy:NSApplicationActivationPolicyAccessory];
+}
+
+void MacDesktopServices::resetPresence()
+{
+    [NSApplication.sharedApplication setActivationPolicy:NSApplicationActivationPolicyRegular];
+}
+
+void MacDesktopServices::activate()
+{
+    [NSApplication.sharedApplication activate];
+}
+
+void MacDesktopServices::beep()
+{
+    NSBeep();
+}
+
+Result<void> MacDesktopServices::revealInFolder(const QString &path)
+{
+    const QFileInfo file(path);
+    if (file.exists()) {
+        [NSWorkspace.sharedWorkspace
+            activateFileViewerSelectingURLs:@[ [NSURL fileURLWithPath:toNSString(file.absoluteFilePath())] ]];
+        return {};
+    }
+    NSURL *folder = [NSURL fileURLWithPath:toNSString(file.absolutePath()) isDirectory:YES];
+    if (!QFileInfo(file.absolutePath()).isDir() || ![NSWorkspace.sharedWorkspace openURL:folder])
+        return failure(u"文件和它所在的文件夹都不存在"_s);
+    return {};
+}
+
+bool MacDesktopServices::hasTrayHost() const
+{
+    return true;
+}
+
+void MacDesktopServices::observeTrayHost(std::function<void()>)
+{
+    // The menu bar neither comes nor goes.
+}
+
+bool MacDesktopServices::prefersReducedMotion() const
+{
+    return NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion;
+}
+
+bool MacDesktopServices::prefersDarkTheme() const
+{
+    NSAppearance *appearance = NSApplication.sharedApplication.effectiveAppearance;
+    NSAppearanceName closest =
+        [appearance bestMatchFromAppearancesWithNames:@[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ]];
+    return closest && toQString(closest) == toQString(NSAppearanceNameDarkAqua);
+}
+
+void MacDesktopServices::observeTheme(std::function<void()> changed)
+{
+    _d->appearance = [[VBKeyValueWatch alloc] initWithObject:NSApplication.sharedApplication
+                                                     keyPath:@"effectiveAppearance"
+                                                     changed:std::move(changed)];
+}
+
+void MacDesktopServices::observeUnhide(std::function<void()> unhidden)
+{
+    _d->unhides.push_back([[VBNotificationWatch alloc]
+        initWithCenter:NSNotificationCenter.defaultCenter
+                  name:NSApplicationDidUnhideNotification
+                posted:[unhidden = std::move(unhidden)](NSNotification *) { unhidden(); }]);
+}
+
+} // namespace velbrix

@@ -1,0 +1,152 @@
+#include "platform/macos/desktop/MacDesktopVisibility.h"
+
+#include "platform/macos/surface/DesktopLevelWindow.h"
+#include "platform/macos/system/SystemWatch.h"
+
+#import <AppKit/AppKit.h>
+
+#include <utility>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace velbrix {
+namespace {
+
+struct SessionState {
+    bool isLocked = false;
+    bool isSwitchedOut = false;
+    bool isScreenOff = false;
+};
+
+bool isSet(NSDictionary<NSString *, id> *session, NSString *key, bool otherwise)
+{
+    NSNumber *value = session[key];
+    return value ? value.boolValue != NO : otherwise;
+}
+
+// For a beginning in the middle of a locked session; the first key is absent
+// while the session is open.
+SessionState presentState()
+{
+    NSDictionary<NSString *, id> *session = CFBridgingRelease(CGSessionCopyCurrentDictionary());
+    SessionState state;
+    state.isLocked = isSet(session, @"CGSSessionScreenIsLocked", false);
+    state.isSwitchedOut = !isSet(session, (__bridge NSString *)kCGSessionOnConsoleKey, true);
+    state.isScreenOff = CGDisplayIsAsleep(CGMainDisplayID()) != 0;
+    return state;
+}
+
+DesktopSight sightOf(const QSet<quint32> &covered, const SessionState &session)
+{
+    return {covered, session.isLocked || session.isSwitchedOut, session.isScreenOff};
+}
+
+QSet<quint32> presentlyCovered()
+{
+    return coveredDisplays(DesktopLevelWindow::sights());
+}
+
+// Around one change the window server announces several, to and fro.
+constexpr auto settling = 500ms;
+
+} // namespace
+
+class MacDesktopVisibility::Announcements : public std::enable_shared_from_this<Announcements> {
+public:
+    explicit Announcements(Clock &clock) : _clock(clock)
+    {
+        follow(@"com.apple.screenIsLocked", &SessionState::isLocked, true);
+        follow(@"com.apple.screenIsUnlocked", &SessionState::isLocked, false);
+        NSNotificationCenter *workspace = NSWorkspace.sharedWorkspace.notificationCenter;
+        follow(workspace, NSWorkspaceSessionDidResignActiveNotification, &SessionState::isSwitchedOut, true);
+        follow(workspace, NSWorkspaceSessionDidBecomeActiveNotification, &SessionState::isSwitchedOut, false);
+        follow(workspace, NSWorkspaceScreensDidSleepNotification, &SessionState::isScreenOff, true);
+        follow(workspace, NSWorkspaceScreensDidWakeNotification, &SessionState::isScreenOff, false);
+        _watches.push_back([[VBNotificationWatch alloc]
+            initWithCenter:NSNotificationCenter.defaultCenter
+                      name:NSWindowDidChangeOcclusionStateNotification
+                    posted:[this](NSNotification *) { settle(); }]);
+    }
+
+    DesktopSight sight() const { return sightOf(_covered, _session); }
+    void add(const std::shared_ptr<std::function<void()>> &changed) { _observers.push_back(changed); }
+
+private:
+    void follow(NSNotificationName name, bool SessionState::*fact, bool value)
+    {
+        _watches.push_back([[VBNotificationWatch alloc]
+            initWithDistributedName:name
+                             posted:[this, fact, value](NSNotification *) { take(fact, value); }]);
+    }
+    void follow(NSNotificationCenter *center, NSNotificationName name, bool SessionState::*fact, bool value)
+    {
+        _watches.push_back([[VBNotificationWatch alloc]
+            initWithCenter:center
+                      name:name
+                    posted:[this, fact, value](NSNotification *) { take(fact, value); }]);
+    }
+    void take(bool SessionState::*fact, bool value)
+    {
+        _session.*fact = value;
+        report();
+    }
+    void settle()
+    {
+        _settled = _clock.after(settling, [this] {
+            const QSet<quint32> before = std::exchange(_covered, presentlyCovered());
+            if (before != _covered)
+                report();
+        });
+    }
+    void report()
+    {
+        // A call may end any watch, the last one included.
+        const auto self = shared_from_this();
+        std::erase_if(_observers, [](const auto &observer) { return observer.expired(); });
+        const auto observers = _observers;
+        for (const auto &observer : observers) {
+            if (const auto alive = observer.lock())
+                (*alive)();
+        }
+    }
+
+    Clock &_clock;
+    std::unique_ptr<Alarm> _settled;
+    SessionState _session = presentState();
+    QSet<quint32> _covered = presentlyCovered();
+    std::vector<std::weak_ptr<std::function<void()>>> _observers;
+    std::vector<VBNotificationWatch *> _watches;
+};
+
+class MacDesktopVisibility::Watch final : public Observation {
+public:
+    Watch(std::shared_ptr<Announcements> announcements, std::function<void()> changed)
+        : _announcements(std::move(announcements)),
+          _changed(std::make_shared<std::function<void()>>(std::move(changed)))
+    {
+        _announcements->add(_changed);
+    }
+
+private:
+    std::shared_ptr<Announcements> _announcements;
+    std::shared_ptr<std::function<void()>> _changed;
+};
+
+DesktopSight MacDesktopVisibility::sight() const
+{
+    const auto announcements = _announcements.lock();
+    return announcements ? announcements->sight() : sightOf(presentlyCovered(), presentState());
+}
+
+std::unique_ptr<Observation> MacDesktopVisibility::watch(std::function<void()> changed)
+{
+    auto announcements = _announcements.lock();
+    if (!announcements) {
+        announcements = std::make_shared<Announcements>(_clock);
+        _announcements = announcements;
+    }
+    return std::make_unique<Watch>(std::move(announcements), std::move(changed));
+}
+
+} // namespace velbrix

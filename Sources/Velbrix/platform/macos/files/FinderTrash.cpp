@@ -1,0 +1,84 @@
+#include "platform/macos/files/FinderTrash.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+ProcessRequest request(const QString &osascript, const QString &script)
+{
+    ProcessRequest request;
+    request.program = osascript;
+    request.arguments = {u"-e"_s, script};
+    return request;
+}
+
+bool isThere(const QString &path)
+{
+    const QFileInfo item(path);
+    return item.exists() || item.isSymLink();
+}
+
+} // namespace
+
+FinderTrash::FinderTrash(Clock &clock, QString osascript) : _runner(clock), _osascript(std::move(osascript))
+{
+}
+
+QString FinderTrash::deleteScript(const QString &path)
+{
+    QString quoted = path;
+    quoted.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s);
+    return u"tell application \"Finder\" to delete POSIX file \""_s + quoted + u'"';
+}
+
+QString FinderTrash::emptyScript()
+{
+    return u"tell application \"Finder\" to empty trash"_s;
+}
+
+bool FinderTrash::isTrashed(const QString &path, const QString &home, uint user)
+{
+    if (QDir::cleanPath(path) != path)
+        return false;
+    const auto isIn = [&path](const QString &folder) {
+        return path.startsWith(folder + u'/') && path.size() > folder.size() + 1;
+    };
+    static const QRegularExpression volume(u"^/Volumes/[^/]+"_s);
+    const QString mounted = volume.match(path).captured();
+    const QString shared = u"/.Trashes/"_s + QString::number(user);
+    return isIn(home + u"/.Trash"_s) || (!mounted.isEmpty() && isIn(mounted + shared)) || isIn(shared);
+}
+
+QCoro::Task<Result<void>> FinderTrash::moveToTrash(const QString path) const
+{
+    ProcessRunner runner = _runner;
+    ProcessRequest deleting = request(_osascript, deleteScript(path));
+    const auto outcome = co_await runner.run(std::move(deleting));
+    if (!isThere(path))
+        co_return Result<void>();
+    if (!outcome)
+        co_return std::unexpected(outcome.error());
+    co_return failure(u"访达没有把它移到废纸篓"_s);
+}
+
+QCoro::Task<Result<void>> FinderTrash::empty() const
+{
+    ProcessRunner runner = _runner;
+    ProcessRequest emptying = request(_osascript, emptyScript());
+    const auto outcome = co_await runner.run(std::move(emptying));
+    if (!outcome)
+        co_return std::unexpected(outcome.error());
+    if (!outcome->succeeded())
+        co_return failure(
+            u"访达没有清空废纸篓：%1"_s.arg(QString::fromUtf8(outcome->errorOutput).trimmed().left(200)));
+    co_return Result<void>();
+}
+
+} // namespace velbrix

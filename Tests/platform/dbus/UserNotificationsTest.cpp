@@ -1,0 +1,189 @@
+#include "platform/linux/dbus/FreedesktopNotifications.h"
+
+#include "support/FakeUserNotifications.h"
+#include "support/PatientTest.h"
+
+#include <QCoreApplication>
+#include <QCoroTask>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+
+#include <optional>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString serviceName = u"org.freedesktop.Notifications"_s;
+
+// A bus that can start nothing, so that a service exists only when the test makes it.
+class BareBus {
+public:
+    bool start()
+    {
+        const QString configuration = _folder.path() + u"/bus.conf"_s;
+        QFile file(configuration);
+        if (!file.open(QIODevice::WriteOnly))
+            return false;
+        file.write("<busconfig><type>session</type><listen>unix:tmpdir=" + QFile::encodeName(_folder.path()) +
+                   "</listen><servicedir>" + QFile::encodeName(_folder.path()) +
+                   "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
+                   "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+        file.close();
+        _daemon.start(u"dbus-daemon"_s,
+                      {u"--nofork"_s, u"--print-address"_s, u"--config-file="_s + configuration});
+        if (!_daemon.waitForReadyRead(10000))
+            return false;
+        return qputenv("DBUS_SESSION_BUS_ADDRESS", _daemon.readLine().trimmed());
+    }
+    void allowStarting(const QString &name)
+    {
+        QFile file(_folder.path() + u'/' + name + u".service"_s);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[D-BUS Service]\nName=" + name.toUtf8() + "\nExec=/bin/false\n");
+        file.close();
+        QDBusConnection::sessionBus().call(
+            QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                           u"org.freedesktop.DBus"_s, u"ReloadConfig"_s));
+    }
+    ~BareBus()
+    {
+        _daemon.kill();
+        _daemon.waitForFinished();
+    }
+
+private:
+    QTemporaryDir _folder;
+    QProcess _daemon;
+};
+
+BareBus *bus = nullptr;
+
+// What a desktop shows: one notice per number, newest text.
+class NotificationService final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+public:
+    QMap<uint, QString> shown; // title and body
+    QStringList capabilities{u"body"_s, u"body-markup"_s};
+public Q_SLOTS:
+    QStringList GetCapabilities() const { return capabilities; }
+    uint Notify(const QString &, uint replaced, const QString &, const QString &title, const QString &body,
+                const QStringList &, const QVariantMap &, int)
+    {
+        const uint number = replaced ? replaced : ++_last;
+        shown.insert(number, title + u'|' + body);
+        return number;
+    }
+
+private:
+    uint _last = 0;
+};
+
+} // namespace
+
+class UserNotificationsTest : public QObject {
+    Q_OBJECT
+
+private:
+    FreedesktopNotifications _notifications;
+
+    std::optional<Result<bool>> ask()
+    {
+        std::optional<Result<bool>> answer;
+        _notifications.requestAuthorization().then([&](Result<bool> result) { answer = result; });
+        const bool isEarly = answer.has_value();
+        if (!isEarly && !waitFor([&] { return answer.has_value(); }))
+            return std::nullopt;
+        return answer;
+    }
+    std::optional<NotificationSettings> askSettings()
+    {
+        std::optional<NotificationSettings> answer;
+        _notifications.settings().then([&](NotificationSettings result) { answer = result; });
+        if (!waitFor([&] { return answer.has_value(); }))
+            return std::nullopt;
+        return answer;
+    }
+
+private Q_SLOTS:
+    void withoutAServiceTheReasonIsGiven()
+    {
+        const auto answer = ask();
+        QVERIFY(answer && !*answer);
+        QCOMPARE(answer->error().message, u"桌面没有通知服务（org.freedesktop.Notifications）"_s);
+        QVERIFY(!QCoro::waitFor(_notifications.post({u"x"_s, u"title"_s, u"body"_s})));
+        QCOMPARE(askSettings(), (NotificationSettings{u"denied"_s, u"notSupported"_s}));
+    }
+
+    void aRunningServiceGrants()
+    {
+        QVERIFY(QDBusConnection::sessionBus().registerService(serviceName));
+        const auto answer = ask();
+        QVERIFY(answer && *answer);
+        QVERIFY(answer->value());
+        QCOMPARE(askSettings(), (NotificationSettings{u"authorized"_s, u"enabled"_s}));
+        QVERIFY(QDBusConnection::sessionBus().unregisterService(serviceName));
+    }
+
+    void postsAndReplaces()
+    {
+        QDBusConnection desktop = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"desktop"_s);
+        NotificationService service;
+        QVERIFY(desktop.registerObject(u"/org/freedesktop/Notifications"_s, &service,
+                                       QDBusConnection::ExportAllSlots) &&
+                desktop.registerService(serviceName));
+        const auto post = [](UserNotifications &notifications, const UserNotice &notice) {
+            return QCoro::waitFor(notifications.post(notice));
+        };
+        const UserNotice first{u"backup.1"_s, u"备份失败"_s, u"磁盘已满"_s};
+        const UserNotice hostile{u"backup.2"_s, u"<b>x</b>"_s, u"<img src=\"/etc/passwd\"/>&amp; ok"_s};
+        const UserNotice newer{u"backup.1"_s, u"备份完成"_s, u""_s};
+        FakeUserNotifications fake;
+        for (const UserNotice &notice : {first, hostile, newer}) {
+            QVERIFY(post(_notifications, notice));
+            QVERIFY(post(fake, notice));
+        }
+        QCOMPARE(service.shown.values(),
+                 (QStringList{u"备份完成|"_s,
+                              u"<b>x</b>|&lt;img src=&quot;/etc/passwd&quot;/&gt;&amp;amp; ok"_s}));
+        QCOMPARE(fake.posted, (QList<UserNotice>{first, hostile, newer}));
+        service.capabilities = {u"body"_s}; // shows it as it is
+        QVERIFY(post(_notifications, hostile));
+        QCOMPARE(service.shown.last(), u"<b>x</b>|<img src=\"/etc/passwd\"/>&amp; ok"_s);
+        QDBusConnection::disconnectFromBus(u"desktop"_s);
+    }
+
+    void aServiceTheBusCanStartGrants()
+    {
+        bus->allowStarting(serviceName);
+        const auto answer = ask();
+        QVERIFY(answer && *answer);
+    }
+
+    void withoutABusTheReasonIsGiven()
+    {
+        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+        qunsetenv("XDG_RUNTIME_DIR");
+        const auto answer = ask();
+        QVERIFY(answer && !*answer);
+        QCOMPARE(answer->error().message, u"没有会话总线，无法显示系统通知"_s);
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    BareBus bareBus;
+    if (!bareBus.start())
+        return 1;
+    bus = &bareBus;
+    UserNotificationsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "UserNotificationsTest.moc"

@@ -1,0 +1,205 @@
+#include "platform/linux/desktop/LinuxDesktopServices.h"
+
+#include "support/FakeDesktopServices.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QFile>
+#include <QUrl>
+
+#include <xcb/xcb.h>
+
+using namespace velbrix;
+using namespace Qt::StringLiterals;
+
+using SettingGroups = QMap<QString, QVariantMap>;
+Q_DECLARE_METATYPE(SettingGroups)
+
+namespace {
+
+// Another program on the same bus.
+class Peer {
+public:
+    Peer() : _bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"peer"_s)) {}
+    ~Peer() { QDBusConnection::disconnectFromBus(u"peer"_s); }
+    Q_DISABLE_COPY_MOVE(Peer)
+
+    bool serve(const QString &name, const QString &path, QObject *object)
+    {
+        return _bus.registerObject(path, object,
+                                   QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties |
+                                       QDBusConnection::ExportAllSignals) &&
+               _bus.registerService(name);
+    }
+    void leave(const QString &name) { _bus.unregisterService(name); }
+    void emitSignal(const QString &path, const QString &interface, const QString &signal,
+                    const QVariantList &arguments = {})
+    {
+        QDBusMessage message = QDBusMessage::createSignal(path, interface, signal);
+        message.setArguments(arguments);
+        _bus.send(message);
+    }
+
+private:
+    QDBusConnection _bus;
+};
+
+class ItemWatcher final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
+public:
+    bool hasHost = true;
+};
+
+class SettingsPortal final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+public:
+    uint colorScheme = 0;
+    bool animations = true;
+public Q_SLOTS:
+    SettingGroups ReadAll(const QStringList &)
+    {
+        return {{u"org.freedesktop.appearance"_s, {{u"color-scheme"_s, colorScheme}}},
+                {u"org.gnome.desktop.interface"_s, {{u"enable-animations"_s, animations}}}};
+    }
+};
+
+class FileManager final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+public:
+    QStringList shown;
+public Q_SLOTS:
+    void ShowItems(const QStringList &items, const QString &) { shown += items; }
+};
+
+// A program that shows XEmbed tray icons, for as long as it runs.
+class XembedTray {
+public:
+    XembedTray() : _connection(xcb_connect(nullptr, nullptr))
+    {
+        const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(_connection)).data;
+        const xcb_window_t window = xcb_generate_id(_connection);
+        xcb_create_window(_connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, 0, nullptr);
+        xcb_set_selection_owner(_connection, window, internAtom(_connection, "_NET_SYSTEM_TRAY_S0"),
+                                XCB_CURRENT_TIME);
+        xcb_flush(_connection);
+    }
+    ~XembedTray() { xcb_disconnect(_connection); }
+    Q_DISABLE_COPY_MOVE(XembedTray)
+
+private:
+    xcb_connection_t *_connection;
+};
+
+const QString watcherName = u"org.kde.StatusNotifierWatcher"_s;
+const QString watcherPath = u"/StatusNotifierWatcher"_s;
+const QString portalName = u"org.freedesktop.portal.Desktop"_s;
+const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
+const QString managerName = u"org.freedesktop.FileManager1"_s;
+const QString managerPath = u"/org/freedesktop/FileManager1"_s;
+
+} // namespace
+
+class DesktopServicesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { qDBusRegisterMetaType<SettingGroups>(); }
+
+    void seesAnXembedTrayComeAndGo()
+    {
+        LinuxDesktopServices services;
+        QList<bool> seen;
+        services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        QVERIFY(!services.hasTrayHost());
+        auto tray = std::make_unique<XembedTray>();
+        QTRY_COMPARE(seen, QList<bool>{true});
+        LinuxDesktopServices later;
+        QVERIFY(later.hasTrayHost());
+        tray.reset();
+        QTRY_COMPARE(seen, (QList<bool>{true, false}));
+    }
+
+    void seesAnItemHostComeAndGo()
+    {
+        LinuxDesktopServices services;
+        QList<bool> seen;
+        services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        Peer peer;
+        ItemWatcher watcher;
+        watcher.hasHost = false;
+        QVERIFY(peer.serve(watcherName, watcherPath, &watcher));
+        watcher.hasHost = true;
+        peer.emitSignal(watcherPath, watcherName, u"StatusNotifierHostRegistered"_s);
+        QTRY_COMPARE(seen, QList<bool>{true});
+        peer.leave(watcherName);
+        QTRY_COMPARE(seen, (QList<bool>{true, false}));
+    }
+
+    void followsTheDesktopsSettings()
+    {
+        Peer peer;
+        SettingsPortal portal;
+        portal.colorScheme = 1;
+        QVERIFY(peer.serve(portalName, portalPath, &portal));
+        LinuxDesktopServices services;
+        int changes = 0;
+        services.observeTheme([&] { ++changes; });
+        QTRY_VERIFY(services.prefersDarkTheme());
+        QVERIFY(!services.prefersReducedMotion());
+        QCOMPARE(changes, 1);
+        portal.colorScheme = 2;
+        portal.animations = false;
+        peer.emitSignal(
+            portalPath, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s,
+            {u"org.freedesktop.appearance"_s, u"color-scheme"_s, QVariant::fromValue(QDBusVariant(2U))});
+        QTRY_VERIFY(!services.prefersDarkTheme());
+        QVERIFY(services.prefersReducedMotion());
+        QCOMPARE(changes, 2);
+    }
+
+    void asksTheFileManagerToSelectTheFile()
+    {
+        Peer peer;
+        FileManager manager;
+        QVERIFY(peer.serve(managerName, managerPath, &manager));
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"录制 1.mp4"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        LinuxDesktopServices services;
+        QVERIFY(services.revealInFolder(path));
+        QTRY_COMPARE(manager.shown, QStringList{QUrl::fromLocalFile(path).toString()});
+    }
+
+    void saysThatAFolderIsMissing()
+    {
+        LinuxDesktopServices services;
+        const auto done = services.revealInFolder(u"/nowhere/at/all.mp4"_s);
+        QVERIFY(!done);
+        QCOMPARE(done.error().message, u"文件夹不存在：/nowhere/at"_s);
+    }
+
+    void theFakeTellsItsObserversToo()
+    {
+        test::FakeDesktopServices services;
+        QList<bool> seen;
+        services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        services.setTrayHost(false);
+        services.setTrayHost(true);
+        QCOMPARE(seen, (QList<bool>{false, true}));
+        int unhides = 0;
+        services.observeUnhide([&] { ++unhides; });
+        services.unhide();
+        QCOMPARE(unhides, 1);
+    }
+};
+
+QTEST_MAIN(DesktopServicesTest)
+#include "DesktopServicesTest.moc"

@@ -1,0 +1,337 @@
+#include "MediaTools.h"
+#include "platform/linux/media/libav/LibAvMediaProbe.h"
+#include "support/FakeMediaProbe.h"
+#include "support/VirtualClock.h"
+
+#include <QColor>
+#include <QCoroTask>
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+bool isNear(QColor colour, QColor wanted)
+{
+    return std::abs(colour.red() - wanted.red()) < 24 && std::abs(colour.green() - wanted.green()) < 24 &&
+           std::abs(colour.blue() - wanted.blue()) < 24;
+}
+
+void make(const QString &path, const QStringList &input, const QStringList &coding)
+{
+    QByteArray errors;
+    output(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-y"_s} + input + coding + QStringList{path},
+           &errors);
+    if (!errors.isEmpty() || !QFile::exists(path))
+        qWarning("%s: %s", qUtf8Printable(path), errors.constData());
+}
+
+QStringList generated(const QString &source)
+{
+    return {u"-f"_s, u"lavfi"_s, u"-i"_s, source};
+}
+
+} // namespace
+
+class MediaProbeTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir _folder;
+    LibAvMediaProbe _probe;
+
+    QString path(const QString &name) const { return _folder.filePath(name); }
+    Result<VideoFacts> facts(const QString &name) { return QCoro::waitFor(_probe.facts(path(name))); }
+    Result<QImage> frame(const QString &name, double seconds, QSize bound = {4096, 4096})
+    {
+        return QCoro::waitFor(_probe.frame(path(name), seconds, bound, Cancellation()));
+    }
+    QString problem(const QString &name)
+    {
+        const auto answer = facts(name);
+        return answer ? QString() : answer.error().message;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        // Red for a second, green for a second, blue for a second; 25 pictures a second.
+        make(path(u"colours.mp4"_s),
+             generated(u"color=red:s=320x180:d=1[a];color=lime:s=320x180:d=1[b];color=blue:s=320x180:d=1[c];"
+                       "[a][b][c]concat=n=3"_s),
+             {u"-pix_fmt"_s, u"yuv420p"_s, u"-g"_s, u"100"_s, u"-bf"_s, u"2"_s});
+    }
+
+    void answersLikeItsFake_data()
+    {
+        QTest::addColumn<bool>("real");
+        QTest::newRow("fake") << false;
+        QTest::newRow("libav") << true;
+    }
+    void answersLikeItsFake()
+    {
+        QFETCH(bool, real);
+        VirtualClock clock;
+        FakeMediaProbe fake(clock);
+        const QString video = path(u"colours.mp4"_s);
+        fake.factsOf.insert(video, VideoFacts{true, {320, 180}, 25, 3});
+        fake.factsOf.insert(path(u"missing.mp4"_s), failure(u"文件不存在"_s));
+        fake.frameOf.insert(video, [] {
+            QImage red(320, 180, QImage::Format_RGB32);
+            red.fill(Qt::red);
+            return red;
+        }());
+        MediaProbe &probe = real ? static_cast<MediaProbe &>(_probe) : fake;
+
+        const auto known = QCoro::waitFor(probe.facts(video));
+        QVERIFY(known);
+        QCOMPARE(*known, (VideoFacts{true, {320, 180}, 25, 3}));
+        const auto missing = QCoro::waitFor(probe.facts(path(u"missing.mp4"_s)));
+        QVERIFY(!missing);
+        QCOMPARE(missing.error().message, u"文件不存在"_s);
+
+        const auto small = QCoro::waitFor(probe.frame(video, 0, {100, 100}, Cancellation()));
+        QVERIFY(small);
+        QCOMPARE(small->size(), QSize(100, 56));
+        QVERIFY(isNear(small->pixelColor(50, 28), Qt::red));
+        const auto whole = QCoro::waitFor(probe.frame(video, 0, {1000, 1000}, Cancellation()));
+        QVERIFY(whole);
+        QCOMPARE(whole->size(), QSize(320, 180));
+
+        Cancellation cancelled;
+        cancelled.cancel();
+        const auto late = QCoro::waitFor(probe.frame(video, 0, {100, 100}, cancelled));
+        QVERIFY(!late);
+        QCOMPARE(late.error().message, u"已取消"_s);
+    }
+
+    void findsThePictureAtATime_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QColor>("colour");
+        QTest::newRow("before the start") << -1.0 << QColor(Qt::red);
+        QTest::newRow("first") << 0.0 << QColor(Qt::red);
+        QTest::newRow("last red") << 0.96 << QColor(Qt::red);
+        QTest::newRow("between red and green") << 0.961 << QColor(Qt::green);
+        QTest::newRow("first green") << 1.0 << QColor(Qt::green);
+        QTest::newRow("blue") << 2.5 << QColor(Qt::blue);
+        QTest::newRow("after the end") << 1e9 << QColor(Qt::blue);
+    }
+    void findsThePictureAtATime()
+    {
+        QFETCH(double, seconds);
+        QFETCH(QColor, colour);
+        const auto picture = frame(u"colours.mp4"_s, seconds);
+        QVERIFY(picture);
+        QVERIFY2(isNear(picture->pixelColor(160, 90), colour),
+                 qPrintable(picture->pixelColor(160, 90).name()));
+    }
+
+    void readsEveryKind_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QStringList>("coding");
+        QTest::addColumn<QSize>("shown");
+        const QString plain = u"color=orange:s=160x90:r=25:d=1"_s;
+        const QSize size(160, 90);
+        QTest::newRow("webm") << u"a.webm"_s << plain << QStringList{u"-c:v"_s, u"libvpx-vp9"_s} << size;
+        QTest::newRow("mkv") << u"a.mkv"_s << plain << QStringList{u"-c:v"_s, u"libx264"_s} << size;
+        QTest::newRow("avi") << u"a.avi"_s << plain << QStringList{u"-c:v"_s, u"mpeg4"_s} << size;
+        QTest::newRow("wmv") << u"a.wmv"_s << plain << QStringList{u"-c:v"_s, u"wmv2"_s} << size;
+        QTest::newRow("flv") << u"a.flv"_s << plain << QStringList{u"-c:v"_s, u"flv1"_s} << size;
+        QTest::newRow("mov") << u"a.mov"_s << plain << QStringList{u"-c:v"_s, u"mjpeg"_s} << size;
+        QTest::newRow("ten bit") << u"ten.mp4"_s << plain
+                                 << QStringList{u"-c:v"_s, u"libx264"_s, u"-pix_fmt"_s, u"yuv420p10le"_s}
+                                 << size;
+        QTest::newRow("odd") << u"odd.mkv"_s << u"color=orange:s=161x91:r=25:d=1,format=yuv444p"_s
+                             << QStringList{u"-c:v"_s, u"ffv1"_s} << QSize(161, 91);
+        QTest::newRow("wide pixels") << u"sar.mp4"_s << plain + u",setsar=2"_s
+                                     << QStringList{u"-pix_fmt"_s, u"yuv420p"_s} << QSize(320, 90);
+        QTest::newRow("text's name") << u"film.txt"_s << plain << QStringList{u"-f"_s, u"matroska"_s} << size;
+    }
+    void readsEveryKind()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, source);
+        QFETCH(QStringList, coding);
+        QFETCH(QSize, shown);
+        make(path(name), generated(source), coding);
+        const auto known = facts(name);
+        QVERIFY2(known, qPrintable(known ? QString() : known.error().message));
+        QVERIFY(known->hasVideo);
+        QCOMPARE(known->size, shown);
+        QVERIFY(qAbs(known->framesPerSecond - 25) < 0.1);
+        QVERIFY(qAbs(known->duration - 1) < 0.1);
+        const auto picture = frame(name, 0.5);
+        QVERIFY(picture);
+        QCOMPARE(picture->size(), shown);
+        QVERIFY2(isNear(picture->pixelColor(20, 20), QColor(255, 165, 0)),
+                 qPrintable(picture->pixelColor(20, 20).name()));
+    }
+
+    void showsARotatedFilmUpright()
+    {
+        make(path(u"flat.mp4"_s),
+             generated(u"color=red:s=160x90:d=1,drawbox=x=0:y=0:w=80:h=90:c=blue:t=fill"_s),
+             {u"-pix_fmt"_s, u"yuv420p"_s});
+        make(path(u"turned.mp4"_s), {u"-i"_s, path(u"flat.mp4"_s)},
+             {u"-c"_s, u"copy"_s, u"-metadata:s:v:0"_s, u"rotate=90"_s});
+        const auto known = facts(u"turned.mp4"_s);
+        QVERIFY(known);
+        QCOMPARE(known->size, QSize(90, 160));
+        const auto picture = frame(u"turned.mp4"_s, 0, {45, 80});
+        QVERIFY(picture);
+        QCOMPARE(picture->size(), QSize(45, 80));
+        output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path(u"turned.mp4"_s), u"-frames:v"_s, u"1"_s,
+                             path(u"turned.png"_s)});
+        const QImage reference(path(u"turned.png"_s));
+        QCOMPARE(reference.size(), QSize(90, 160));
+        for (const int y : {10, 70})
+            QVERIFY(isNear(picture->pixelColor(20, y), reference.pixelColor(40, 2 * y)));
+    }
+
+    void soundAloneHasNoVideo()
+    {
+        make(path(u"sound.mp4"_s), generated(u"sine=d=1"_s), {});
+        make(path(u"cover.png"_s), generated(u"color=red:s=64x64"_s), {u"-frames:v"_s, u"1"_s});
+        make(path(u"covered.mp4"_s), {u"-i"_s, path(u"sound.mp4"_s), u"-i"_s, path(u"cover.png"_s)},
+             {u"-map"_s, u"0"_s, u"-map"_s, u"1"_s, u"-c"_s, u"copy"_s, u"-disposition:v:0"_s,
+              u"attached_pic"_s});
+        for (const QString &name : {u"sound.mp4"_s, u"covered.mp4"_s}) {
+            const auto known = facts(name);
+            QVERIFY(known);
+            QCOMPARE(*known, VideoFacts{});
+            const auto picture = frame(name, 0);
+            QVERIFY(!picture);
+            QCOMPARE(picture.error().message, u"视频中没有画面轨道"_s);
+        }
+    }
+
+    void saysWhatIsWrong_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("message");
+        writeFile(path(u"empty.mp4"_s), {});
+        writeFile(path(u"text.mp4"_s), QByteArray("Dear diary, nothing moves today.\n").repeated(500));
+        writeFile(path(u"list.mp4"_s), "#EXTM3U\n#EXT-X-TARGETDURATION:5\n#EXTINF:5,\n" +
+                                           path(u"colours.mp4"_s).toUtf8() + "\n#EXT-X-ENDLIST\n");
+        writeFile(path(u"concat.mp4"_s), "ffconcat version 1.0\nfile colours.mp4\n");
+        writeFile(path(u"cut.mp4"_s), contents(path(u"colours.mp4"_s)).first(600));
+        make(path(u"still.png"_s), generated(u"color=red:s=64x64"_s), {u"-frames:v"_s, u"1"_s});
+        writeFile(path(u"still.mp4"_s), contents(path(u"still.png"_s)));
+        QDir(_folder.path()).mkdir(u"folder.mp4"_s);
+        ::mkfifo(QFile::encodeName(path(u"pipe.mp4"_s)).constData(), 0600);
+        QFile::link(path(u"nowhere.mp4"_s), path(u"dangling.mp4"_s));
+        const QString unplayable = u"不是可播放的视频文件"_s;
+        QTest::newRow("missing") << u"missing.mp4"_s << u"文件不存在"_s;
+        QTest::newRow("dangling link") << u"dangling.mp4"_s << u"文件不存在"_s;
+        QTest::newRow("folder") << u"folder.mp4"_s << u"这是文件夹，不是视频文件"_s;
+        QTest::newRow("pipe") << u"pipe.mp4"_s << unplayable;
+        QTest::newRow("empty") << u"empty.mp4"_s << u"文件是空的"_s;
+        QTest::newRow("text") << u"text.mp4"_s << unplayable;
+        QTest::newRow("playlist") << u"list.mp4"_s << unplayable;
+        QTest::newRow("concat script") << u"concat.mp4"_s << unplayable;
+        QTest::newRow("cut off") << u"cut.mp4"_s << unplayable;
+        QTest::newRow("still picture") << u"still.mp4"_s << unplayable;
+    }
+    void saysWhatIsWrong()
+    {
+        QFETCH(QString, name);
+        QTEST(problem(name), "message");
+        const auto picture = frame(name, 0);
+        QVERIFY(!picture);
+        QTEST(picture.error().message, "message");
+    }
+
+    void saysThatItMayNotRead()
+    {
+        if (::geteuid() == 0)
+            QSKIP("root may read everything");
+        QFile::copy(path(u"colours.mp4"_s), path(u"secret.mp4"_s));
+        QFile::setPermissions(path(u"secret.mp4"_s), {});
+        QCOMPARE(problem(u"secret.mp4"_s), u"没有读取权限"_s);
+    }
+
+    void asksNoMemoryForAbsurdSizes()
+    {
+        make(path(u"square.mkv"_s), generated(u"color=red:s=300x300:d=1"_s), {u"-c:v"_s, u"ffv1"_s});
+        QByteArray bytes = contents(path(u"square.mkv"_s));
+        // Element, length and value of Matroska's width and height.
+        for (const char *element : {"\xB0\x82\x01\x2C", "\xBA\x82\x01\x2C"}) {
+            const qsizetype at = bytes.indexOf(QByteArray(element, 4));
+            QVERIFY(at > 0);
+            bytes.replace(at + 2, 2, "\xFF\xFF");
+        }
+        writeFile(path(u"absurd.mkv"_s), bytes);
+        QCOMPARE(problem(u"absurd.mkv"_s), u"不是可播放的视频文件"_s);
+        QVERIFY(!frame(u"absurd.mkv"_s, 0));
+    }
+
+    void aCancelledSearchEndsSoon()
+    {
+        make(path(u"long.mp4"_s), generated(u"testsrc2=s=1280x720:r=60:d=20"_s),
+             {u"-c:v"_s, u"libx264"_s, u"-preset"_s, u"ultrafast"_s, u"-g"_s, u"5000"_s, u"-pix_fmt"_s,
+              u"yuv420p"_s});
+        Cancellation cancellation;
+        std::optional<Result<QImage>> answer;
+        _probe.frame(path(u"long.mp4"_s), 19.9, {320, 180}, cancellation).then([&](Result<QImage> picture) {
+            answer = std::move(picture);
+        });
+        cancellation.cancel();
+        QVERIFY(QTest::qWaitFor([&] { return answer.has_value(); }, 1000));
+        QVERIFY(!*answer);
+        QCOMPARE(answer->error().message, u"已取消"_s);
+    }
+
+    void damagedFilesAreAtMostFailures()
+    {
+        QRandomGenerator random(20261121);
+        int answered = 0;
+        for (const QString &name : {u"colours.mp4"_s, u"a.webm"_s, u"a.avi"_s, u"a.wmv"_s, u"a.flv"_s}) {
+            const QByteArray sound = contents(path(name));
+            QVERIFY(sound.size() > 500);
+            for (int round = 0; round < 60; ++round) {
+                QByteArray damaged = sound;
+                const qsizetype reach =
+                    round % 2 ? std::min<qsizetype>(damaged.size(), 1500) : damaged.size();
+                for (int hits = 1 + round % 20; hits > 0; --hits)
+                    damaged[random.bounded(int(reach))] = char(random.bounded(256));
+                if (round % 5 == 0)
+                    damaged.truncate(random.bounded(int(damaged.size())) + 1);
+                writeFile(path(u"damaged.mp4"_s), damaged);
+                const auto known = facts(u"damaged.mp4"_s);
+                const auto picture = frame(u"damaged.mp4"_s, 0.4, {64, 64});
+                QVERIFY(known || !known.error().message.isEmpty());
+                QVERIFY(!picture || (!picture->isNull() && picture->width() <= 64));
+                answered += picture ? 1 : 0;
+            }
+        }
+        QVERIFY(answered > 50);
+    }
+
+    void whatIsStillAskedEndsWithTheProbe()
+    {
+        auto probe = std::make_unique<LibAvMediaProbe>();
+        int failures = 0;
+        for (int i = 0; i < 6; ++i) {
+            probe->frame(path(u"long.mp4"_s), 19.9, {320, 180}, Cancellation())
+                .then([&](Result<QImage> picture) { failures += picture ? 0 : 1; });
+        }
+        probe.reset();
+        QTRY_COMPARE(failures, 6);
+    }
+};
+
+QTEST_GUILESS_MAIN(MediaProbeTest)
+#include "MediaProbeTest.moc"

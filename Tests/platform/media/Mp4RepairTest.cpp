@@ -1,0 +1,160 @@
+#include "platform/linux/media/mp4/Mp4Repair.h"
+#include "LiveMovie.h"
+#include "MediaTools.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <random>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+class Mp4RepairTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir _folder;
+    QByteArray _live; // a recording that was killed
+    qsizetype _firstFragment = 0;
+    qsizetype _secondFragment = 0;
+
+    QString path(const QString &name) const { return _folder.filePath(name); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const QString file = path(u"live.mp4"_s);
+        LiveMovie movie(file);
+        movie.record(4);
+        _live = contents(file);
+        _firstFragment = _live.indexOf("moof") - 4;
+        _secondFragment = _live.indexOf("moof", _firstFragment + 8) - 4;
+        QVERIFY(_firstFragment > 0 && _secondFragment > _firstFragment);
+    }
+
+    void makesAnOrdinaryMovie()
+    {
+        const QString file = path(u"whole.mp4"_s);
+        writeFile(file, _live);
+        const QByteArray shown = pictures(file);
+        const QByteArray heard = sound(file);
+        const auto repaired = repairMovie(file);
+        QVERIFY2(repaired, repaired ? "" : qPrintable(repaired.error().message));
+        QByteArray errors;
+        QCOMPARE(pictures(file, &errors), shown);
+        QCOMPARE(errors, QByteArray());
+        QCOMPARE(sound(file), heard);
+        QVERIFY(!contents(file).contains("free"));
+
+        const QByteArray finished = contents(file);
+        QVERIFY(repairMovie(file));
+        QCOMPARE(contents(file), finished);
+    }
+
+    // Cut at every kind of place: what is complete plays, nothing else changes.
+    void dropsWhatIsTorn()
+    {
+        const QString file = path(u"torn.mp4"_s);
+        std::mt19937 random(7);
+        for (int i = 0; i < 60; ++i) {
+            const qsizetype moof =
+                _secondFragment + (i % 3 == 0 ? static_cast<qsizetype>(random() % 600) : 0);
+            const qsizetype anywhere =
+                _secondFragment + static_cast<qsizetype>(random() % size_t(_live.size() - _secondFragment));
+            const qsizetype cut = i % 3 == 0 ? moof : anywhere;
+            writeFile(file, _live.first(cut));
+            const auto repaired = repairMovie(file);
+            QVERIFY2(repaired,
+                     qPrintable(u"%1: %2"_s.arg(cut).arg(repaired ? QString() : repaired.error().message)));
+            QCOMPARE(contents(file).mid(_firstFragment, cut - _firstFragment),
+                     _live.mid(_firstFragment, cut - _firstFragment));
+            if (i % 6 != 0)
+                continue;
+            QByteArray errors;
+            QVERIFY(pictures(file, &errors).count('\n') > 25);
+            QCOMPARE(errors, QByteArray());
+        }
+    }
+
+    // Power cuts while repairing: with the header half written, and with the
+    // gap patched before the header reached the disk.
+    void repairsAgainAfterAHalfRepair()
+    {
+        const QString file = path(u"half.mp4"_s);
+        writeFile(file, _live);
+        const QByteArray shown = pictures(file);
+        QVERIFY(repairMovie(file));
+        const QByteArray finished = contents(file);
+        const qsizetype gap = finished.indexOf("mdat") - 4;
+
+        QByteArray unpatched = finished;
+        unpatched.replace(gap, 16, _live.mid(gap, 16));
+        const QByteArrayList states{unpatched, unpatched.chopped(100), finished.chopped(100),
+                                    finished.first(_live.size())};
+        for (const QByteArray &state : states) {
+            writeFile(file, state);
+            QVERIFY(repairMovie(file));
+            QCOMPARE(pictures(file), shown);
+        }
+    }
+
+    void refuses_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("empty") << QByteArray() << u"这不是录制的视频文件"_s;
+        QTest::newRow("text") << QByteArray("not a movie at all, but long enough for a box")
+                              << u"这不是录制的视频文件"_s;
+        QTest::newRow("cut in its start")
+            << _live.first(_firstFragment - 10) << u"录制文件的开头已损坏，无法修复"_s;
+        QTest::newRow("no fragment") << _live.first(_firstFragment) << u"录制文件里没有可恢复的画面"_s;
+        QTest::newRow("torn first fragment")
+            << _live.first(_secondFragment - 1) << u"录制文件里没有可恢复的画面"_s;
+    }
+    void refuses()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, reason);
+        const QString file = path(u"refused.mp4"_s);
+        writeFile(file, bytes);
+        const auto repaired = repairMovie(file);
+        QVERIFY(!repaired);
+        QCOMPARE(repaired.error().message, reason);
+        QCOMPARE(contents(file), bytes);
+    }
+
+    void refusesWhatIsNoFile()
+    {
+        QVERIFY(!repairMovie(path(u"missing.mp4"_s)));
+        QVERIFY(!repairMovie(_folder.path()));
+    }
+
+    // Whatever is in the file: an answer, and nothing of the media changes.
+    void survivesDamage()
+    {
+        const QString file = path(u"fuzzed.mp4"_s);
+        std::mt19937 random(42);
+        const auto headerEnd = static_cast<std::uint32_t>(_firstFragment + 1500);
+        int failures = 0;
+        for (int i = 0; i < 400; ++i) {
+            QByteArray bytes = _live;
+            for (int k = 0; k < 1 + i % 8; ++k) {
+                const auto range = i % 2 ? headerEnd : static_cast<std::uint32_t>(bytes.size());
+                bytes[random() % range] = i % 3 ? static_cast<char>(random()) : static_cast<char>(0xFF);
+            }
+            writeFile(file, bytes);
+            const bool isRepaired = repairMovie(file).has_value();
+            failures += isRepaired ? 0 : 1;
+            const QByteArray after = contents(file);
+            if (isRepaired)
+                QCOMPARE(after.mid(_firstFragment, bytes.size() - _firstFragment), bytes.mid(_firstFragment));
+            else
+                QCOMPARE(after, bytes);
+        }
+        QVERIFY(failures > 0 && failures < 400);
+    }
+};
+
+QTEST_GUILESS_MAIN(Mp4RepairTest)
+#include "Mp4RepairTest.moc"

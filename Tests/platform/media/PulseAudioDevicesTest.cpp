@@ -1,0 +1,144 @@
+#include "platform/linux/media/sound/PulseAudioDevices.h"
+#include "MediaTools.h"
+#include "support/FakeAudioDevices.h"
+#include "support/PatientTest.h"
+
+#include <QCoroTask>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+class PulseAudioDevicesTest : public QObject {
+    Q_OBJECT
+
+    static QByteArray pactl(const QStringList &arguments) { return output(u"pactl"_s, arguments).trimmed(); }
+    static QStringList described(const Result<QList<AudioDeviceItem>> &devices)
+    {
+        QStringList list;
+        if (!devices)
+            return {devices.error().message};
+        for (const AudioDeviceItem &device : *devices)
+            list.append(u"%1 %2%3"_s.arg(device.id, device.name, device.isDefault ? u" *"_s : u""_s));
+        list.sort();
+        return list;
+    }
+    static QStringList speakersOf(AudioDevices &devices)
+    {
+        return described(QCoro::waitFor(devices.speakers()));
+    }
+    static QStringList microphonesOf(AudioDevices &devices)
+    {
+        return described(QCoro::waitFor(devices.microphones()));
+    }
+
+private Q_SLOTS:
+    void listsDevices()
+    {
+        PulseAudioDevices devices;
+        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic"_s, u"speaker Speaker *"_s}));
+        QCOMPARE(microphonesOf(devices), QStringList{u"microphone Microphone *"_s}); // no monitors
+    }
+
+    // What the fake promises to others has to hold for the real one.
+    void theDefaultMarkMoves_data()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("real") << true;
+    }
+    void theDefaultMarkMoves()
+    {
+        QFETCH(bool, isReal);
+        PulseAudioDevices real;
+        FakeAudioDevices fake;
+        fake.speakersAnswer = QList<AudioDeviceItem>{{u"mic"_s, u"Mic"_s, std::nullopt, false},
+                                                     {u"speaker"_s, u"Speaker"_s, std::nullopt, true}};
+        AudioDevices &devices = isReal ? static_cast<AudioDevices &>(real) : fake;
+        const QStringList before = microphonesOf(devices);
+        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)));
+        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic *"_s, u"speaker Speaker"_s}));
+        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"speaker"_s)));
+        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic"_s, u"speaker Speaker *"_s}));
+        QCOMPARE(microphonesOf(devices), before);
+    }
+
+    void choosesTheSpeaker()
+    {
+        PulseAudioDevices devices;
+        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)));
+        QCOMPARE(pactl({u"get-default-sink"_s}), QByteArray("mic"));
+        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic *"_s, u"speaker Speaker"_s}));
+        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"speaker"_s)));
+        const auto unknown = QCoro::waitFor(devices.setDefaultSpeaker(u"nowhere"_s));
+        QVERIFY(!unknown);
+        QCOMPARE(unknown.error().message, u"声音服务器里没有这个扬声器"_s);
+        QCOMPARE(pactl({u"get-default-sink"_s}), QByteArray("speaker"));
+    }
+
+    void tellsAboutChanges()
+    {
+        PulseAudioDevices devices;
+        int changes = 0;
+        devices.observeChanges([&] { ++changes; });
+        QStringList modules;
+        QVERIFY(waitFor([&] {
+            if (changes == 0) // until the connection is up nothing is heard
+                modules.append(QString::fromLatin1(
+                    pactl({u"load-module"_s, u"module-null-sink"_s, u"sink_name=third"_s})));
+            return changes > 0;
+        }));
+        QVERIFY(speakersOf(devices).join(u' ').contains(u"third"_s));
+        changes = 0;
+        pactl({u"set-default-sink"_s, u"third"_s});
+        QTRY_VERIFY(changes > 0);
+        changes = 0;
+        for (const QString &module : std::as_const(modules))
+            pactl({u"unload-module"_s, module});
+        QTRY_VERIFY(changes > 0);
+        QTRY_VERIFY(!speakersOf(devices).join(u' ').contains(u"third"_s));
+    }
+
+    void aMissingServerIsToldOnce()
+    {
+        qputenv("PULSE_SERVER", "unix:/nonexistent/native");
+        PulseAudioDevices devices;
+        int changes = 0;
+        // As the recorder does: every change is looked at, every look may fail.
+        devices.observeChanges([&] {
+            ++changes;
+            devices.speakers();
+        });
+        devices.speakers();
+        QTest::qWait(700);
+        qunsetenv("PULSE_SERVER");
+        QCOMPARE(changes, 1);
+    }
+
+    void saysWhenThereIsNoServerAndFindsItAgain()
+    {
+        PulseAudioDevices devices;
+        qputenv("PULSE_SERVER", "unix:/nonexistent/native");
+        const QStringList none{u"无法连接声音服务器（PulseAudio）：Connection refused"_s};
+        QCOMPARE(speakersOf(devices), none);
+        QCOMPARE(microphonesOf(devices), none);
+        QCOMPARE(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)).error().message, none.first());
+        qunsetenv("PULSE_SERVER");
+        QVERIFY(!speakersOf(devices).contains(none.first()));
+    }
+
+    void mayDieAtAnyTime()
+    {
+        auto devices = std::make_unique<PulseAudioDevices>();
+        devices->observeChanges([] { QFAIL("called after its death"); });
+        pactl({u"set-default-sink"_s, u"mic"_s});
+        auto pending = devices->microphones();
+        devices.reset();
+        QCoreApplication::processEvents();
+        pactl({u"set-default-sink"_s, u"speaker"_s});
+        QVERIFY(QCoro::waitFor(pending));
+    }
+};
+
+QTEST_GUILESS_MAIN(PulseAudioDevicesTest)
+#include "PulseAudioDevicesTest.moc"

@@ -1,0 +1,190 @@
+#include "platform/linux/processes/ProcPrograms.h"
+
+#include "support/FakeRunningPrograms.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace velbrix;
+using namespace velbrix::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A program of the test's own that does nothing for long.
+class Sleeper {
+public:
+    explicit Sleeper(const QString &program, const QStringList &arguments = {u"600"_s},
+                     const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
+    {
+        _process.setProcessEnvironment(environment);
+        _process.start(program, arguments);
+        _process.waitForStarted();
+    }
+    ~Sleeper()
+    {
+        _process.kill();
+        _process.waitForFinished();
+    }
+
+private:
+    QProcess _process;
+};
+
+class Socket {
+public:
+    Socket(int type, const QByteArray &path, bool listens) : _descriptor(::socket(AF_UNIX, type, 0))
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        memcpy(address.sun_path, path.constData(), static_cast<size_t>(path.size()));
+        isBound = ::bind(_descriptor, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0 &&
+                  (!listens || ::listen(_descriptor, 1) == 0);
+    }
+    ~Socket() { ::close(_descriptor); }
+
+    bool isBound = false;
+
+private:
+    int _descriptor;
+};
+
+} // namespace
+
+class RunningProgramsTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir _temporary;
+    QString _folder;
+
+    QString program(const QString &name) const
+    {
+        QDir().mkpath(QFileInfo(_folder + u'/' + name).path());
+        const QString path = _folder + u'/' + name;
+        QFile::copy(QFileInfo(u"/bin/sleep"_s).canonicalFilePath(), path);
+        return path;
+    }
+    // The same for the fake and the real one, while "app/velb-sleeper" runs.
+    void knowsTheSleeper(const RunningPrograms &programs)
+    {
+        QCOMPARE(programs.running({u"velb-sleeper"_s, u"velb-nobody"_s, u""_s}),
+                 QSet<QString>{u"velb-sleeper"_s});
+        QVERIFY(programs.running({}).isEmpty());
+        QVERIFY(programs.runsFrom(_folder + u"/app/velb-sleeper"_s));
+        QVERIFY(programs.runsFrom(_folder + u"/app"_s));
+        QVERIFY(!programs.runsFrom(_folder + u"/ap"_s));
+        QVERIFY(!programs.runsFrom(_folder + u"/app/velb"_s));
+    }
+
+private Q_SLOTS:
+    void initTestCase() { _folder = QDir(_temporary.path()).canonicalPath(); }
+
+    void findsProgramsByNameAndPlace()
+    {
+        FakeRunningPrograms fake;
+        fake.names = {u"velb-sleeper"_s};
+        fake.executables = {_folder + u"/app/velb-sleeper"_s};
+        knowsTheSleeper(fake);
+        const ProcPrograms programs;
+        QVERIFY(!programs.runsFrom(_folder + u"/app"_s));
+        {
+            const Sleeper sleeper(program(u"app/velb-sleeper"_s));
+            QTRY_VERIFY(programs.runsFrom(_folder + u"/app"_s));
+            knowsTheSleeper(programs);
+            QVERIFY(QFile::link(_folder + u"/app"_s, _folder + u"/link"_s));
+            QVERIFY(programs.runsFrom(_folder + u"/link"_s));
+            // Replaced while it runs, as updates do.
+            QVERIFY(QFile::remove(_folder + u"/app/velb-sleeper"_s));
+            knowsTheSleeper(programs);
+        }
+        QVERIFY(programs.running({u"velb-sleeper"_s}).isEmpty());
+    }
+
+    void aScriptGoesByItsOwnName()
+    {
+        const QString script = _folder + u"/scripts/velb-script-of-a-long-name"_s;
+        QDir().mkpath(_folder + u"/scripts"_s);
+        QFile file(script);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\nread line\n");
+        file.close();
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const Sleeper running(script, {});
+        // Names it only, and does not run it.
+        const Sleeper other(program(u"velb-other"_s), {u"600"_s, u"velb-named"_s});
+        const ProcPrograms programs;
+        QTRY_COMPARE(programs.running({u"velb-script-of-a-long-name"_s, u"velb-named"_s}),
+                     QSet<QString>{u"velb-script-of-a-long-name"_s});
+        QVERIFY(programs.runsFrom(_folder + u"/scripts"_s));
+    }
+
+    void anAppImageRunsFromItsMount()
+    {
+        const QString image = _folder + u"/Velb.AppImage"_s;
+        QFile file(image);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"APPIMAGE"_s, image);
+        environment.insert(u"APPDIR"_s, _folder + u"/.mount_Velb"_s);
+        const ProcPrograms programs;
+        // What it starts is not the image.
+        const Sleeper child(program(u"velb-child"_s), {u"600"_s}, environment);
+        QTRY_VERIFY(programs.runsFrom(_folder + u"/velb-child"_s));
+        QVERIFY(!programs.runsFrom(image));
+        const Sleeper inside(program(u".mount_Velb/usr/bin/velb-inside"_s), {u"600"_s}, environment);
+        QTRY_VERIFY(programs.runsFrom(image));
+    }
+
+    void knowsTheSocketsInUse()
+    {
+        const QByteArray base = QFile::encodeName(_folder);
+        const Socket stream(SOCK_STREAM, base + "/stream", true);
+        const Socket datagram(SOCK_DGRAM, base + "/datagram", false);
+        const Socket odd(SOCK_STREAM, base + "/line\nbreak \xff", true);
+        const Socket abstract(SOCK_STREAM, QByteArray("\0velb-abstract", 14), true);
+        {
+            const Socket closed(SOCK_STREAM, base + "/closed", true);
+            QVERIFY(stream.isBound && datagram.isBound && odd.isBound && abstract.isBound && closed.isBound);
+        }
+        const auto sockets = ProcPrograms().boundSockets();
+        QVERIFY(sockets);
+        for (const char *name : {"/stream", "/datagram", "/line\nbreak \xff"})
+            QVERIFY2(sockets->contains(base + name), name);
+        QVERIFY(QFile::exists(_folder + u"/closed"_s) && !sockets->contains(base + "/closed"));
+        for (const QByteArray &path : *sockets)
+            QVERIFY2(!path.contains("velb-abstract"), path.constData());
+    }
+
+    void readsTheTableOfSockets()
+    {
+        QCOMPARE(
+            socketPaths("Num       RefCount Protocol Flags    Type St Inode Path\n"
+                        "0000000000000000: 00000002 00000000 00010000 0001 01    77 /run/a b\n"
+                        "ffff8881234abcd0: 00000003 00000000 00000000 0001 03 12345\n"
+                        "0000000000000000: 00000002 00000000 00010000 0001 01 12346 @/tmp/abstract\n"
+                        "0000000000000000: 00000002 00000000 00000000 0002 01 123467 relative\n"
+                        "0000000000000000: 00000002 00000000 00010000 0005 01 12348 /tmp/one\n\nthree: x\n"
+                        "0000000000000000: 00000002 00000000 00010000 0001 01 12349 /tmp/last\n"),
+            (QSet<QByteArray>{"/run/a b", "relative", "/tmp/one\n\nthree: x", "/tmp/last"}));
+        QVERIFY(socketPaths("").isEmpty());
+    }
+
+    void costsLittle()
+    {
+        const ProcPrograms programs;
+        QBENCHMARK
+        {
+            programs.running({u"velb-nobody"_s});
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(RunningProgramsTest)
+#include "RunningProgramsTest.moc"

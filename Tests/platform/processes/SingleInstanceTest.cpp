@@ -1,0 +1,157 @@
+#include "platform/linux/processes/FolderSingleInstance.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+
+#include <csignal>
+#include <cstdio>
+
+using namespace velbrix;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A copy of the program: says what it got and, as the holder, every wake-up.
+int runCopy(QCoreApplication &application, const QString &folder)
+{
+    FolderSingleInstance instance(folder);
+    const auto say = [](const char *word) {
+        std::puts(word);
+        std::fflush(stdout);
+    };
+    if (!instance.claim()) {
+        instance.wakeOther();
+        say("second");
+        return 0;
+    }
+    say("holder");
+    instance.observeWake([say] { say("woken"); });
+    return application.exec();
+}
+
+struct Copy {
+    explicit Copy(const QString &folder)
+    {
+        process.start(QCoreApplication::applicationFilePath(), {u"--copy"_s, folder});
+    }
+    ~Copy()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+    bool said(const QByteArray &word)
+    {
+        output += process.readAllStandardOutput();
+        return output.contains(word);
+    }
+    QProcess process;
+    QByteArray output;
+};
+
+} // namespace
+
+class SingleInstanceTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> _folder;
+
+private Q_SLOTS:
+    void init() { _folder = std::make_unique<QTemporaryDir>(); }
+
+    void theSecondCopyWakesTheFirst()
+    {
+        Copy first(_folder->path());
+        QTRY_VERIFY(first.said("holder"));
+        Copy second(_folder->path());
+        QTRY_VERIFY(second.said("second"));
+        QTRY_VERIFY(first.said("woken"));
+    }
+
+    void ofTwoAtOnceOneWinsAndIsWoken()
+    {
+        for (int round = 0; round < 15; ++round) {
+            Copy one(_folder->path());
+            Copy other(_folder->path());
+            QTRY_VERIFY((one.said("holder") && other.said("second")) ||
+                        (one.said("second") && other.said("holder")));
+            QTRY_VERIFY(one.said("woken") || other.said("woken"));
+        }
+    }
+
+    void aKilledHolderHoldsNothing()
+    {
+        Copy first(_folder->path());
+        QTRY_VERIFY(first.said("holder"));
+        ::kill(static_cast<pid_t>(first.process.processId()), SIGKILL);
+        QTRY_COMPARE(first.process.state(), QProcess::NotRunning);
+        Copy second(_folder->path());
+        QTRY_VERIFY(second.said("holder"));
+        Copy third(_folder->path());
+        QTRY_VERIFY(second.said("woken"));
+    }
+
+    void aWakeBeforeAnyoneObservesIsKept()
+    {
+        FolderSingleInstance holder(_folder->path());
+        QVERIFY(holder.claim());
+        QVERIFY(holder.claim());
+        FolderSingleInstance later(_folder->path());
+        QVERIFY(!later.claim());
+        later.wakeOther();
+        int woken = 0;
+        holder.observeWake([&] { ++woken; });
+        QTRY_COMPARE(woken, 1);
+        later.wakeOther();
+        QTRY_COMPARE(woken, 2);
+    }
+
+    void theFilesArePrivateAndThePlaceIsFreedAtTheEnd()
+    {
+        {
+            FolderSingleInstance holder(_folder->path());
+            QVERIFY(holder.claim());
+            const QFileInfoList files =
+                QDir(_folder->path()).entryInfoList(QDir::Files | QDir::System | QDir::Hidden);
+            QVERIFY(files.size() >= 2);
+            for (const QFileInfo &file : files)
+                QVERIFY(!(file.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther)));
+        }
+        FolderSingleInstance next(_folder->path());
+        QVERIFY(next.claim());
+    }
+
+    void aDeepFolderWorksToo()
+    {
+        const QString deep = _folder->path() + u"/"_s + QString(120, u'd');
+        QVERIFY(QDir().mkpath(deep));
+        FolderSingleInstance holder(deep);
+        QVERIFY(holder.claim());
+        int woken = 0;
+        holder.observeWake([&] { ++woken; });
+        FolderSingleInstance(deep).wakeOther();
+        QTRY_COMPARE(woken, 1);
+    }
+
+    void withoutAFolderEveryCopyIsTheOnlyOne()
+    {
+        FolderSingleInstance one{QString()};
+        FolderSingleInstance other{QString()};
+        QVERIFY(one.claim());
+        QVERIFY(other.claim());
+        other.wakeOther();
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == u"--copy"_s)
+        return runCopy(application, arguments.value(2));
+    SingleInstanceTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "SingleInstanceTest.moc"

@@ -1,0 +1,306 @@
+#include "platform/linux/x11/visibility/X11DesktopVisibility.h"
+
+#include "DesktopTools.h"
+#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/visibility/ScreenCover.h"
+#include "support/FakeDesktopVisibility.h"
+#include "support/PatientTest.h"
+#include "support/VirtualClock.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+const QString loginName = u"org.freedesktop.login1"_s;
+const QString sessionPath = u"/org/freedesktop/login1/session/_31"_s;
+const QString saverName = u"org.xfce.ScreenSaver"_s;
+
+// Another program on the bus.
+class Peer {
+public:
+    Peer() : _bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"peer"_s)) {}
+    ~Peer() { QDBusConnection::disconnectFromBus(u"peer"_s); }
+    Q_DISABLE_COPY_MOVE(Peer)
+
+    bool serve(const QString &path, QObject *object)
+    {
+        return _bus.registerObject(path, object,
+                                   QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties);
+    }
+    bool take(const QString &name) { return _bus.registerService(name); }
+    void leave(const QString &name) { _bus.unregisterService(name); }
+    void emitSignal(const QString &path, const QString &interface, const QString &signal,
+                    const QVariantList &arguments)
+    {
+        QDBusMessage message = QDBusMessage::createSignal(path, interface, signal);
+        message.setArguments(arguments);
+        _bus.send(message);
+    }
+
+private:
+    QDBusConnection _bus;
+};
+
+class LoginManager final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
+public Q_SLOTS:
+    QDBusObjectPath GetSession(const QString &id)
+    {
+        return QDBusObjectPath(id == u"1"_s ? sessionPath : u"/"_s);
+    }
+};
+
+class LoginSession final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Session")
+    Q_PROPERTY(bool LockedHint MEMBER isLocked)
+public:
+    bool isLocked = false;
+};
+
+class Saver final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.xfce.ScreenSaver")
+public:
+    bool isActive = false;
+public Q_SLOTS:
+    bool GetActive() { return isActive; }
+};
+
+quint32 monitorId()
+{
+    Observer observer;
+    return monitors(observer.connection()).front().id;
+}
+
+// The real adapter with the time that it waits for windows to come to rest.
+struct RealSight {
+    VirtualClock clock;
+    X11DesktopVisibility visibility{clock};
+    int calls = 0;
+    std::unique_ptr<Observation> watch = visibility.watch([this] { ++calls; });
+
+    DesktopSight now()
+    {
+        clock.advance(100ms);
+        return visibility.sight();
+    }
+    QSet<quint32> covered() { return now().coveredDisplays; }
+};
+
+// What every adapter promises; `cover` and `uncover` change what is seen.
+void keepsContract(DesktopVisibility &visibility, const std::function<void()> &settle,
+                   const std::function<void()> &cover, const std::function<void()> &uncover)
+{
+    int first = 0;
+    int second = 0;
+    std::unique_ptr<Observation> ending;
+    const auto watch = visibility.watch([&] {
+        ++first;
+        ending.reset();
+    });
+    ending = visibility.watch([&] { ++second; });
+    QCOMPARE(visibility.sight(), DesktopSight());
+    const auto hasCovered = [&] {
+        settle();
+        return visibility.sight().coveredDisplays.size() == 1;
+    };
+    cover();
+    QTRY_VERIFY(hasCovered());
+    QCOMPARE(first, 1);
+    QCOMPARE(second, 0);
+    uncover();
+    QTRY_VERIFY(!hasCovered());
+    QCOMPARE(first, 2);
+}
+
+} // namespace
+
+class DesktopVisibilityTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        // The login manager's bus is the test's own.
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
+        qputenv("XDG_SESSION_ID", "1");
+        QVERIFY(waitFor(isManaged));
+    }
+
+    void fakeKeepsTheContract()
+    {
+        FakeDesktopVisibility visibility;
+        keepsContract(
+            visibility, [] {}, [&] { visibility.set({.coveredDisplays = {1}}); },
+            [&] { visibility.set({}); });
+        QCOMPARE(visibility.watchers, 0);
+    }
+    void x11KeepsTheContract()
+    {
+        VirtualClock clock;
+        X11DesktopVisibility visibility(clock);
+        ForeignWindow window(QRect(0, 0, 400, 300));
+        window.set("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
+        keepsContract(
+            visibility, [&] { clock.advance(100ms); }, [&] { window.map(); }, [&] { window.unmap(); });
+        QCOMPARE(clock.pendingCount(), 0);
+    }
+
+    void knowsWhatCovers_data()
+    {
+        QTest::addColumn<QRect>("frame");
+        QTest::addColumn<bool>("isUnmanaged");
+        QTest::addColumn<bool>("isDecorated");
+        QTest::addColumn<QByteArray>("state");
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<quint32>("opacity");
+        QTest::addColumn<bool>("covers");
+        const QRect whole(0, 0, 1280, 800);
+        const QByteArray full("_NET_WM_STATE_FULLSCREEN");
+        const QByteArray normal("_NET_WM_WINDOW_TYPE_NORMAL");
+        constexpr quint32 opaque = 0xffffffff;
+        QTest::newRow("full-screen") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque
+                                     << true;
+        QTest::newRow("without decorations")
+            << whole << false << false << QByteArray() << normal << opaque << true;
+        QTest::newRow("lock") << whole << true << false << QByteArray() << normal << opaque << true;
+        QTest::newRow("too small") << QRect(0, 0, 1280, 700) << false << false << QByteArray() << normal
+                                   << opaque << false;
+        QTest::newRow("translucent") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque / 2
+                                     << false;
+        QTest::newRow("below all") << whole << false << false << QByteArray("_NET_WM_STATE_BELOW") << normal
+                                   << opaque << false;
+        QTest::newRow("desktop") << whole << false << false << QByteArray()
+                                 << QByteArray("_NET_WM_WINDOW_TYPE_DESKTOP") << opaque << false;
+        QTest::newRow("decorated") << whole << false << true << QByteArray() << normal << opaque << false;
+    }
+    void knowsWhatCovers()
+    {
+        QFETCH(QRect, frame);
+        QFETCH(bool, isUnmanaged);
+        QFETCH(bool, isDecorated);
+        QFETCH(QByteArray, state);
+        QFETCH(QByteArray, type);
+        QFETCH(quint32, opacity);
+        QFETCH(bool, covers);
+        RealSight real;
+        ForeignWindow window(frame, isUnmanaged);
+        window.set("_NET_WM_WINDOW_TYPE", type.constData());
+        window.setNumbers("_NET_WM_WINDOW_OPACITY", {opacity});
+        if (!state.isEmpty())
+            window.set("_NET_WM_STATE", state.constData());
+        if (!isDecorated)
+            window.undecorate();
+        window.map();
+        Observer observer;
+        if (!isUnmanaged)
+            QTRY_VERIFY(observer.clients().contains(window.id()));
+        if (covers) {
+            QTRY_COMPARE(real.covered(), QSet<quint32>{monitorId()});
+        } else {
+            // Ends the wait for what must not come.
+            ForeignWindow last(QRect(0, 0, 10, 10));
+            last.map();
+            QTRY_VERIFY(observer.clients().contains(last.id()));
+            QTest::qWait(50);
+            QVERIFY(real.covered().isEmpty());
+        }
+    }
+
+    void followsWorkspacesAndMinimising()
+    {
+        RealSight real;
+        ForeignWindow window(QRect(0, 0, 400, 300));
+        window.set("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
+        window.map();
+        const QSet<quint32> all{monitorId()};
+        QTRY_COMPARE(real.covered(), all);
+        QVERIFY(run(u"wmctrl"_s, {u"-s"_s, u"1"_s}));
+        QTRY_VERIFY(real.covered().isEmpty());
+        QVERIFY(run(u"wmctrl"_s, {u"-s"_s, u"0"_s}));
+        QTRY_COMPARE(real.covered(), all);
+        QVERIFY(run(u"xdotool"_s, {u"windowminimize"_s, QString::number(window.id())}));
+        QTRY_VERIFY(real.covered().isEmpty());
+    }
+
+    void coversOneOfTwoMonitors()
+    {
+        addTwoMonitors();
+        RealSight real;
+        Observer observer;
+        const auto all = monitors(observer.connection());
+        ForeignWindow window(QRect(640, 0, 640, 800), true);
+        window.map();
+        QTRY_COMPARE(real.covered(), QSet<quint32>{all.at(1).id});
+        removeTwoMonitors();
+        QTRY_VERIFY(real.covered().isEmpty());
+    }
+
+    void followsTheLoginSession()
+    {
+        Peer peer;
+        LoginManager manager;
+        LoginSession session;
+        session.isLocked = true;
+        QVERIFY(peer.serve(u"/org/freedesktop/login1"_s, &manager) && peer.serve(sessionPath, &session) &&
+                peer.take(loginName));
+        RealSight real;
+        QTRY_VERIFY(real.now().isSessionLocked);
+        session.isLocked = false;
+        peer.emitSignal(sessionPath, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s,
+                        {u"org.freedesktop.login1.Session"_s, QVariantMap(), QStringList{u"LockedHint"_s}});
+        QTRY_VERIFY(!real.now().isSessionLocked);
+        QCOMPARE(real.calls, 2);
+    }
+
+    void followsScreenSavers()
+    {
+        Peer peer;
+        Saver saver;
+        saver.isActive = true;
+        QVERIFY(peer.serve(u"/org/xfce/ScreenSaver"_s, &saver) && peer.take(saverName));
+        RealSight real;
+        QTRY_VERIFY(real.now().isSessionLocked);
+        peer.emitSignal(u"/anywhere"_s, saverName, u"ActiveChanged"_s, {false});
+        QTRY_VERIFY(!real.now().isSessionLocked);
+        peer.emitSignal(u"/anywhere"_s, saverName, u"ActiveChanged"_s, {true});
+        QTRY_VERIFY(real.now().isSessionLocked);
+        // One that ends unlocks nothing itself, but it can also lock no longer.
+        peer.leave(saverName);
+        QTRY_VERIFY(!real.now().isSessionLocked);
+    }
+
+    void followsTheServersSaver()
+    {
+        RealSight real;
+        QVERIFY(run(u"xset"_s, {u"s"_s, u"activate"_s}));
+        QTRY_VERIFY(real.now().isScreenOff);
+        QVERIFY(run(u"xset"_s, {u"s"_s, u"reset"_s}));
+        QTRY_VERIFY(!real.now().isScreenOff);
+        QCOMPARE(real.calls, 2);
+    }
+
+    void costsNothingUnwatched()
+    {
+        VirtualClock clock;
+        X11DesktopVisibility visibility(clock);
+        QCOMPARE(visibility.sight(), DesktopSight());
+        ForeignWindow window(QRect(0, 0, 1280, 800), true);
+        window.map();
+        QCOMPARE(visibility.sight().coveredDisplays.size(), 1);
+        QTest::qWait(20);
+        QCOMPARE(clock.pendingCount(), 0);
+    }
+};
+
+QTEST_MAIN(DesktopVisibilityTest)
+#include "DesktopVisibilityTest.moc"

@@ -1,0 +1,141 @@
+#include "platform/linux/x11/surface/IconMask.h"
+
+#include <QColor>
+#include <QImage>
+#include <QPainter>
+
+using namespace std::chrono_literals;
+using namespace velbrix;
+
+namespace {
+
+QImage picture(QColor colour, QSize size = QSize(100, 80))
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+QImage stripes()
+{
+    QImage image = picture(Qt::black);
+    QPainter painter(&image);
+    for (int x = 0; x < image.width(); x += 2)
+        painter.fillRect(x, 0, 1, image.height(), QColor(x, 200, 90));
+    return image;
+}
+
+void fill(QImage &image, const QRect &rect, QColor colour)
+{
+    QPainter(&image).fillRect(rect, colour);
+}
+
+BitmapView view(QImage &image)
+{
+    return {image.bits(), image.width(), image.height()};
+}
+
+// The parts as a picture: white where there is an icon.
+QImage drawn(const std::optional<std::vector<PixelRect>> &parts)
+{
+    QImage image = picture(Qt::black);
+    if (!parts)
+        return {};
+    for (const PixelRect &part : *parts)
+        fill(image, QRect(part.x, part.y, part.width, part.height), Qt::white);
+    return image;
+}
+
+QImage whiteAt(const QRect &rect)
+{
+    QImage image = picture(Qt::black);
+    fill(image, rect, Qt::white);
+    return image;
+}
+
+} // namespace
+
+class IconMaskTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsWhatDiffersFromThePicture()
+    {
+        QImage backdrop = stripes();
+        QImage shown = backdrop;
+        QVERIFY(iconParts(view(shown), view(backdrop))->empty());
+        fill(shown, QRect(10, 20, 30, 12), Qt::white);
+        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(10, 20, 30, 12)));
+        // The unused byte says nothing.
+        for (int x = 0; x < 100; ++x)
+            backdrop.bits()[x * 4 + 3] = 7;
+        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(10, 20, 30, 12)));
+    }
+    void findsWhatDiffersFromTheMainColour()
+    {
+        QImage shown = picture(QColor(40, 50, 60));
+        fill(shown, QRect(0, 0, 50, 30), Qt::white);
+        QCOMPARE(drawn(iconParts(view(shown))), whiteAt(QRect(0, 0, 50, 30)));
+    }
+
+    void leavesTheFringeOut()
+    {
+        QImage backdrop = picture(Qt::black);
+        QImage shown = backdrop;
+        fill(shown, QRect(19, 19, 22, 22), QColor(50, 50, 50)); // blurred edge
+        fill(shown, QRect(20, 20, 20, 20), Qt::white);
+        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(20, 20, 20, 20)));
+    }
+    void keepsFaintColoursInsideAnIcon()
+    {
+        QImage backdrop = picture(Qt::black);
+        QImage shown = backdrop;
+        fill(shown, QRect(20, 20, 20, 20), Qt::white);
+        fill(shown, QRect(26, 26, 8, 8), QColor(30, 30, 30));
+        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(20, 20, 20, 20)));
+    }
+    void keepsIconsAtTheEdgeOfTheScreen()
+    {
+        QImage backdrop = picture(Qt::black);
+        QImage shown = backdrop;
+        fill(shown, QRect(90, 0, 10, 10), QColor(40, 40, 40));
+        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(92, 0, 8, 8)));
+    }
+
+    void refusesAnotherPicture_data()
+    {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<bool>("isRefused");
+        QTest::newRow("many icons") << 30 << false;
+        QTest::newRow("another picture") << 60 << true;
+    }
+    void refusesAnotherPicture()
+    {
+        QFETCH(int, rows);
+        QImage backdrop = picture(Qt::black);
+        QImage shown = backdrop;
+        fill(shown, QRect(0, 0, 100, rows), Qt::white);
+        QTEST(!iconParts(view(shown), view(backdrop)), "isRefused");
+    }
+
+    void believesGrowthThatLasts()
+    {
+        IconPatience patience;
+        QVERIFY(patience.believes(10000, 1000, 1, 0ms));
+        QVERIFY(patience.believes(10000, 1900, 1, 10ms));
+        QVERIFY(!patience.believes(10000, 4000, 1, 20ms));
+        // Another picture: from the beginning.
+        QVERIFY(!patience.believes(10000, 4000, 2, 180ms));
+        QVERIFY(!patience.believes(10000, 4000, 2, 470ms));
+        QVERIFY(patience.believes(10000, 4000, 2, 480ms));
+        // Icons may always go.
+        QVERIFY(patience.believes(10000, 0, 2, 490ms));
+        // It passed by.
+        QVERIFY(!patience.believes(10000, 3000, 2, 500ms));
+        QVERIFY(patience.believes(10000, 90, 2, 510ms));
+        QVERIFY(!patience.believes(10000, 3000, 2, 900ms));
+    }
+};
+
+QTEST_GUILESS_MAIN(IconMaskTest)
+#include "IconMaskTest.moc"

@@ -1,0 +1,201 @@
+#include "platform/linux/x11/input/X11KeyMonitor.h"
+
+#include "foundation/HotkeyChord.h"
+#include "support/FakeKeyMonitor.h"
+#include "support/XTestKeyboard.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QShortcut>
+
+#include <xcb/xinput.h>
+
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+constexpr quint32 keyD = 2;
+constexpr quint32 f13 = 105;
+
+// What this program has selected of raw key events on the root.
+bool isListening()
+{
+    const auto x11 = qtX11Connection();
+    const XcbReply<xcb_input_xi_get_selected_events_reply_t> reply(xcb_input_xi_get_selected_events_reply(
+        x11->connection, xcb_input_xi_get_selected_events(x11->connection, x11->root), nullptr));
+    for (auto it = xcb_input_xi_get_selected_events_masks_iterator(reply.get()); it.rem > 0;
+         xcb_input_event_mask_next(&it)) {
+        for (int i = 0; i < it.data->mask_len; ++i) {
+            if (xcb_input_event_mask_mask(it.data)[i] & XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+class KeyMonitorTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<X11KeyMonitor> _monitor;
+    std::unique_ptr<XTestKeyboard> _user;
+    std::unique_ptr<QLineEdit> _field;
+
+    void focusField()
+    {
+        _field = std::make_unique<QLineEdit>();
+        _field->show();
+        _field->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(_field->windowHandle()));
+        QTRY_VERIFY(_field->hasFocus());
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        _monitor = std::make_unique<X11KeyMonitor>(std::make_shared<X11Keyboard>(*qtX11Connection()));
+        _user = std::make_unique<XTestKeyboard>();
+    }
+    void cleanup()
+    {
+        _field.reset();
+        _monitor.reset();
+    }
+
+    void seesKeysOfAnyProgram()
+    {
+        QList<KeyPress> keys;
+        const auto watch = _monitor->watchGlobal([&](const KeyPress &key) { keys.append(key); });
+        QVERIFY(watch);
+        _user->tap({XTestKeyboard::print});
+        // Let go long before the program looks.
+        _user->tap({XTestKeyboard::leftControl, XTestKeyboard::leftAlt, XTestKeyboard::leftShift,
+                    XTestKeyboard::leftSuper, XTestKeyboard::print});
+        QTRY_COMPARE(keys.size(), 6);
+        constexpr quint32 all =
+            HotkeyChord::controlKey | HotkeyChord::optionKey | HotkeyChord::shiftKey | HotkeyChord::cmdKey;
+        QCOMPARE(keys.first(), (KeyPress{f13, 0, false}));
+        QCOMPARE(keys.last(), (KeyPress{f13, all, false}));
+    }
+
+    void knowsModifiersHeldFromBefore()
+    {
+        _user->press(XTestKeyboard::leftControl);
+        _user->sync();
+        QList<KeyPress> keys;
+        const auto watch = _monitor->watchGlobal([&](const KeyPress &key) { keys.append(key); });
+        _user->tap({XTestKeyboard::print});
+        _user->release(XTestKeyboard::leftControl);
+        QTRY_VERIFY(!keys.isEmpty() && keys.last().keyCode == f13);
+        QCOMPARE(keys.last().modifiers, HotkeyChord::controlKey);
+    }
+
+    void listensOnlyWhileSomeoneWatches()
+    {
+        QVERIFY(!isListening());
+        auto first = _monitor->watchGlobal([](const KeyPress &) {});
+        auto second = _monitor->watchGlobal([](const KeyPress &) {});
+        QVERIFY(isListening());
+        first->reset();
+        QVERIFY(isListening());
+        second->reset();
+        QVERIFY(!isListening());
+    }
+
+    void aCallMayEndItsOwnWatch()
+    {
+        int calls = 0;
+        std::unique_ptr<KeyWatch> watch;
+        auto started = _monitor->watchGlobal([&](const KeyPress &) {
+            ++calls;
+            watch.reset();
+        });
+        watch = std::move(*started);
+        _user->tap({XTestKeyboard::print});
+        QTRY_COMPARE(calls, 1);
+        QVERIFY(!isListening());
+    }
+
+    void asksTheNewestLocalWatchFirstAndOnce()
+    {
+        focusField();
+        QStringList asked;
+        const auto older = _monitor->watchLocal([&](const KeyPress &key) {
+            asked.append(QStringLiteral("older %1 %2").arg(key.keyCode).arg(key.modifiers));
+            return false;
+        });
+        const auto newer = _monitor->watchLocal([&](const KeyPress &key) {
+            asked.append(QStringLiteral("newer %1 %2").arg(key.keyCode).arg(key.modifiers));
+            return false;
+        });
+        _user->tap({XTestKeyboard::keyD});
+        QTRY_COMPARE(_field->text(), QStringLiteral("d"));
+        QCOMPARE(asked, (QStringList{QStringLiteral("newer 2 0"), QStringLiteral("older 2 0")}));
+    }
+
+    void aSwallowedKeyReachesNeitherWidgetNorShortcut()
+    {
+        focusField();
+        int triggered = 0;
+        QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_D), _field.get());
+        connect(&shortcut, &QShortcut::activated, this, [&] { ++triggered; });
+        int swallowed = 0;
+        auto watch = _monitor->watchLocal([&](const KeyPress &key) {
+            if (key.keyCode != keyD)
+                return false;
+            ++swallowed;
+            return true;
+        });
+        _user->tap({XTestKeyboard::leftControl, XTestKeyboard::keyD});
+        _user->tap({XTestKeyboard::keyD});
+        _user->tap({XTestKeyboard::keyA});
+        QTRY_COMPARE(_field->text(), QStringLiteral("a"));
+        QCOMPARE(swallowed, 2);
+        QCOMPARE(triggered, 0);
+        watch.reset();
+        _user->tap({XTestKeyboard::leftControl, XTestKeyboard::keyD});
+        QTRY_COMPARE(triggered, 1);
+        QCOMPARE(swallowed, 2);
+    }
+
+    void theFakeKeepsTheSameOrder()
+    {
+        FakeKeyMonitor fake;
+        QStringList asked;
+        bool swallows = false;
+        const auto older = fake.watchLocal([&](const KeyPress &) {
+            asked.append(QStringLiteral("older"));
+            return false;
+        });
+        auto newer = fake.watchLocal([&](const KeyPress &) {
+            asked.append(QStringLiteral("newer"));
+            return swallows;
+        });
+        QVERIFY(!fake.pressLocal({keyD, 0, false}));
+        swallows = true;
+        QVERIFY(fake.pressLocal({keyD, 0, false}));
+        newer.reset();
+        QVERIFY(!fake.pressLocal({keyD, 0, false}));
+        QCOMPARE(asked.join(u' '), QStringLiteral("newer older newer older"));
+        QCOMPARE(fake.localCount(), 1);
+    }
+
+    void withoutX11GlobalKeysFailInWords()
+    {
+        X11KeyMonitor monitor(nullptr);
+        const auto watch = monitor.watchGlobal([](const KeyPress &) {});
+        QVERIFY(!watch);
+        QCOMPARE(watch.error().message, QStringLiteral("当前会话不是 X11，无法监听其他程序的按键"));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    KeyMonitorTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "KeyMonitorTest.moc"

@@ -1,0 +1,49 @@
+#include "platform/linux/x11/MonitorNames.h"
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+
+class MonitorNamesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void numbersConnectorsByTheirNames()
+    {
+        const auto ids = displayIds({"HDMI-1", "eDP-1"});
+        QVERIFY(ids.at(0) != ids.at(1));
+        QCOMPARE(displayIds({"eDP-1", "HDMI-1"}), (std::vector<quint32>{ids.at(1), ids.at(0)}));
+        QCOMPARE(displayIds({"eDP-1"}), std::vector<quint32>{ids.at(1)});
+    }
+    void neverGivesANumberTwice()
+    {
+        // The same hash.
+        const auto ids = displayIds({"costarring", "liquid"});
+        QCOMPARE(ids.at(1), ids.at(0) + 1);
+    }
+
+    void readsNames_data()
+    {
+        QTest::addColumn<QByteArray>("edid");
+        QTest::addColumn<QString>("name");
+        const QByteArray head(54, '\0');
+        const QByteArray timing(18, '\x01');
+        const auto named = [](const QByteArray &text) {
+            return QByteArray("\0\0\0\xfc\0", 5) + text.leftJustified(13, ' ');
+        };
+        QTest::newRow("none") << QByteArray() << QString();
+        QTest::newRow("no name") << head + timing.repeated(4) << QString();
+        QTest::newRow("third descriptor")
+            << head + timing + timing + named("DELL U2720\n") + timing << u"DELL U2720"_s;
+        QTest::newRow("full width") << head + named("LG ULTRAWIDE1") + timing.repeated(3)
+                                    << u"LG ULTRAWIDE1"_s;
+        QTest::newRow("cut off") << head + named("DELL\n").left(9) << QString();
+    }
+    void readsNames()
+    {
+        QFETCH(QByteArray, edid);
+        QTEST(edidName(edid), "name");
+    }
+};
+
+QTEST_GUILESS_MAIN(MonitorNamesTest)
+#include "MonitorNamesTest.moc"

@@ -1,0 +1,461 @@
+#include "platform/linux/x11/surface/X11DesktopSurfaces.h"
+
+#include "platform/x11/VideoClips.h"
+#include "support/FakeDesktopSurfaces.h"
+#include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
+#include "support/VirtualClock.h"
+
+#include <QCoroTask>
+#include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+constexpr QRect frame(40, 60, 400, 400);
+
+// What a surface said.
+struct Heard {
+    int firstFrames = 0;
+    int times = 0;
+    QStringList failures;
+
+    SurfaceEvents events()
+    {
+        return {.firstFrame = [this] { ++firstFrames; },
+                .failed = [this](const Failure &why) { failures << why.message; },
+                .time = [this] { ++times; }};
+    }
+};
+
+struct RealDesktop {
+    VideoClips clips;
+    VirtualClock clock;
+    X11DesktopSurfaces surfaces{clock};
+
+    QString video() { return clips.moving(); }
+    void showFirst() {}
+    void pass(std::chrono::milliseconds interval) { clock.advance(interval); }
+};
+
+struct FakeDesktop {
+    FakeDesktopSurfaces surfaces;
+
+    QString video() const { return u"/videos/moving.mp4"_s; }
+    void showFirst() const { surfaces.surfaces.first()->firstFrame(); }
+    void pass(std::chrono::milliseconds) const { surfaces.surfaces.first()->tick(); }
+};
+
+// What every host promises of a video on the desktop.
+template <typename Desktop> void videoSurfaceContract(Desktop &&desktop)
+{
+    Heard heard;
+    auto made = desktop.surfaces.makeVideoSurface(frame, heard.events());
+    QVERIFY(made);
+    const auto other = desktop.surfaces.makeVideoSurface(frame, {});
+    QVERIFY(other && (*other)->windowId() != (*made)->windowId());
+    VideoSurface &surface = **made;
+    const auto picture = [&surface] { return QCoro::waitFor(surface.currentFrame()); };
+    QCOMPARE(picture().error().message, u"没有正在显示的画面"_s);
+    QCOMPARE(surface.progress(), 0);
+
+    surface.load(desktop.video());
+    surface.orderFront();
+    surface.observeTime(12s);
+    QCOMPARE(heard.firstFrames, 0);
+    desktop.showFirst();
+    QTRY_COMPARE(heard.firstFrames, 1);
+    QVERIFY(surface.progress() > 0);
+    QVERIFY(picture() && !picture()->isNull());
+    desktop.pass(12s);
+    QCOMPARE(heard.times, 0);
+    surface.play(1);
+    desktop.pass(12s);
+    QCOMPARE(heard.times, 1);
+    surface.pause();
+    desktop.pass(12s);
+    QCOMPARE(heard.times, 1);
+
+    surface.unload();
+    QTRY_COMPARE(picture().error().message, u"没有正在显示的画面"_s);
+    surface.load(desktop.video());
+    made->reset();
+    QTest::qWait(100);
+    QCOMPARE(heard.firstFrames, 1);
+    QCOMPARE(heard.failures, QStringList());
+}
+
+QImage screen(const QRect &part = frame)
+{
+    return QGuiApplication::primaryScreen()
+        ->grabWindow(0, part.x(), part.y(), part.width(), part.height())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
+}
+
+// Nearest of the pure colours.
+QString colour(const QImage &image, QPoint point)
+{
+    const QColor seen = image.pixelColor(point);
+    const auto part = [](int value) { return value > 128 ? u"1"_s : u"0"_s; };
+    return part(seen.red()) + part(seen.green()) + part(seen.blue());
+}
+
+const QString red = u"100"_s;
+const QString greenColour = u"010"_s;
+const QString blue = u"001"_s;
+const QString black = u"000"_s;
+
+int entries(const QString &folder)
+{
+    return static_cast<int>(
+        QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
+}
+
+// A surface that is shown, with what it said.
+struct Shown : RealDesktop {
+    Shown() : surface(std::move(*surfaces.makeVideoSurface(frame, heard.events()))) { surface->orderFront(); }
+
+    bool loads(const QString &path)
+    {
+        const int before = heard.firstFrames;
+        surface->load(path);
+        return waitFor([&] { return heard.firstFrames > before; });
+    }
+    bool moves() const
+    {
+        const qint64 before = surface->progress();
+        const QImage picture = screen();
+        return waitFor([&] { return surface->progress() > before + 3 && screen() != picture; });
+    }
+
+    Heard heard;
+    std::unique_ptr<VideoSurface> surface;
+};
+
+} // namespace
+
+class VideoSurfaceTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFakeKeepsTheContract() { videoSurfaceContract(FakeDesktop()); }
+    void keepsTheContract() { videoSurfaceContract(RealDesktop()); }
+
+    void movesAndRests()
+    {
+        Shown shown;
+        QVERIFY(shown.loads(shown.video()));
+        QVERIFY(waitFor([] { return colour(screen(), QPoint(200, 10)) != black; }));
+        const QImage first = screen();
+        QTest::qWait(150);
+        QCOMPARE(screen(), first);
+        QCOMPARE(shown.surface->progress(), 1);
+
+        shown.surface->play(1);
+        QVERIFY(shown.moves());
+        shown.surface->pause();
+        QTest::qWait(100);
+        const QImage rest = screen();
+        const qint64 progress = shown.surface->progress();
+        QTest::qWait(200);
+        QCOMPARE(screen(), rest);
+        QCOMPARE(shown.surface->progress(), progress);
+        shown.surface->play(2);
+        QVERIFY(shown.moves());
+    }
+
+    void repeatsWithoutEnd()
+    {
+        Shown shown;
+        QVERIFY(shown.loads(shown.video()));
+        shown.surface->play(2);
+        QTest::qWait(1800);
+        QVERIFY(shown.surface->progress() > 60);
+        QVERIFY(shown.moves());
+        QCOMPARE(shown.heard.firstFrames, 1);
+    }
+
+    void gravity_data()
+    {
+        QTest::addColumn<VideoGravity>("gravity");
+        QTest::addColumn<QString>("left");
+        QTest::addColumn<QString>("top");
+        QTest::newRow("stretch") << VideoGravity::stretch << blue << red;
+        QTest::newRow("fit") << VideoGravity::fit << blue << black;
+        QTest::newRow("crop") << VideoGravity::crop << red << red;
+    }
+    void gravity()
+    {
+        QFETCH(VideoGravity, gravity);
+        QFETCH(QString, left);
+        QFETCH(QString, top);
+        Shown shown;
+        QVERIFY(shown.loads(shown.clips.striped()));
+        shown.surface->setGravity(gravity);
+        QTRY_COMPARE(colour(screen(), QPoint(10, 200)), left);
+        QTRY_COMPARE(colour(screen(), QPoint(200, 10)), top);
+        QCOMPARE(colour(screen(), QPoint(200, 200)), red);
+    }
+
+    void fillsItsNewFrame()
+    {
+        Shown shown;
+        QVERIFY(shown.loads(shown.clips.striped()));
+        constexpr QRect larger(600, 100, 640, 360);
+        shown.surface->setFrame(larger);
+        QTRY_COMPARE(colour(screen(larger), QPoint(636, 356)), blue);
+        QCOMPARE(colour(screen(larger), QPoint(320, 180)), red);
+        // Enlarged by the server; most of it lies beyond the screen.
+        constexpr QRect huge(0, 100, 2600, 300);
+        shown.surface->setFrame(huge);
+        QTRY_COMPARE(colour(screen(QRect(0, 100, 1280, 300)), QPoint(310, 298)), blue);
+        QCOMPARE(colour(screen(QRect(0, 100, 1280, 300)), QPoint(340, 298)), red);
+        // Without scaling.
+        shown.surface->setFrame(QRect(600, 100, 320, 180));
+        QTRY_COMPARE(colour(screen(QRect(600, 100, 320, 180)), QPoint(43, 2)), red);
+        QCOMPARE(colour(screen(QRect(600, 100, 320, 180)), QPoint(36, 178)), blue);
+    }
+
+    void paintsAgainWhatWasCoveredWhilePaused()
+    {
+        Shown shown;
+        QVERIFY(shown.loads(shown.clips.green()));
+        {
+            PaintedWindow cover(u"Cover"_s, frame, Qt::black, Qt::BypassWindowManagerHint);
+            cover.show();
+            QTRY_COMPARE(colour(screen(), QPoint(200, 200)), black);
+        }
+        QTRY_COMPARE(colour(screen(), QPoint(200, 200)), greenColour);
+    }
+
+    void showsTheFirstPictureOnlyOnceItCanBeSeen()
+    {
+        RealDesktop desktop;
+        Heard heard;
+        const auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
+        surface->play(1);
+        surface->load(desktop.video());
+        QTRY_COMPARE(surface->progress(), 1);
+        QTest::qWait(200);
+        QCOMPARE(heard.firstFrames, 0);
+        QCOMPARE(surface->progress(), 1);
+        surface->orderFront();
+        QTRY_COMPARE(heard.firstFrames, 1);
+        QTRY_VERIFY(surface->progress() > 5);
+        surface->orderOut();
+        QTest::qWait(100);
+        const qint64 hidden = surface->progress();
+        QTest::qWait(200);
+        QCOMPARE(surface->progress(), hidden);
+    }
+
+    void showsPausedWhatWasLoadedWhileHidden()
+    {
+        RealDesktop desktop;
+        Heard heard;
+        const auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
+        surface->load(desktop.clips.green());
+        QTRY_COMPARE(surface->progress(), 1);
+        surface->orderFront();
+        QTRY_COMPARE(heard.firstFrames, 1);
+        QTRY_COMPARE(colour(screen(), QPoint(200, 200)), greenColour);
+        QCOMPARE(surface->progress(), 1);
+    }
+
+    void handsOverThePictureOnShow_data()
+    {
+        QTest::addColumn<bool>("isLarge");
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("own size") << false << QSize(320, 180);
+        QTest::newRow("large") << true << QSize(2560, 1440);
+    }
+    void handsOverThePictureOnShow()
+    {
+        QFETCH(bool, isLarge);
+        QFETCH(QSize, size);
+        Shown shown;
+        shown.surface->setGravity(VideoGravity::crop);
+        QVERIFY(shown.loads(isLarge ? shown.clips.large() : shown.clips.striped()));
+        const auto picture = QCoro::waitFor(shown.surface->currentFrame());
+        QVERIFY(picture);
+        QCOMPARE(picture->size(), size);
+        if (!isLarge) {
+            QCOMPARE(colour(*picture, QPoint(4, 4)), blue);
+            QCOMPARE(colour(*picture, QPoint(160, 90)), red);
+        }
+        shown.surface->play(1);
+        QTRY_VERIFY(shown.surface->progress() > 3);
+        QVERIFY(QCoro::waitFor(shown.surface->currentFrame()));
+    }
+
+    void saysWhatIsWrongWithAFile_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes"); // null: no such file
+        QTest::addColumn<QString>("why");
+        const QString unknown = u"不是可以识别的视频文件"_s;
+        QTest::newRow("missing") << u"missing.mp4"_s << QByteArray() << u"文件不存在"_s;
+        QTest::newRow("address") << u"edl://green.mp4"_s << QByteArray() << u"文件不存在"_s;
+        QTest::newRow("empty") << u"empty.mp4"_s << QByteArray("") << u"文件是空的"_s;
+        QTest::newRow("text") << u"text.mp4"_s << QByteArray("Not a video.\n").repeated(200) << unknown;
+        QTest::newRow("folder") << u"."_s << QByteArray() << u"这是文件夹，不是视频文件"_s;
+        QTest::newRow("sound") << u"tone.m4a"_s << QByteArray() << u"视频中没有画面轨道"_s;
+        // Files that name other files.
+        QTest::newRow("playlist") << u"list.m3u"_s << QByteArray("#EXTM3U\ngreen.mp4\n") << unknown;
+        QTest::newRow("stream") << u"stream.mp4"_s
+                                << QByteArray("#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\ngreen.mp4\n")
+                                << unknown;
+        QTest::newRow("concatenation")
+            << u"concat.mp4"_s << QByteArray("ffconcat version 1.0\nfile green.mp4\n") << unknown;
+        QTest::newRow("edit list") << u"edit.mp4"_s << QByteArray("# mpv EDL v0\ngreen.mp4\n") << unknown;
+    }
+    void saysWhatIsWrongWithAFile()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, why);
+        Shown shown;
+        const QString good = shown.clips.green();
+        shown.clips.soundOnly();
+        if (!bytes.isNull())
+            shown.clips.file(name, bytes);
+        shown.surface->play(1);
+        shown.surface->setVolume(0.5);
+        shown.surface->load(shown.clips.path(name));
+        QCOMPARE(shown.heard.failures, QStringList());
+        QTRY_COMPARE(shown.heard.failures, QStringList{why});
+        QCOMPARE(shown.heard.firstFrames, 0);
+        // What failed leaves no trace on what is loaded next.
+        shown.surface->load(shown.clips.path(name));
+        QVERIFY(shown.loads(good));
+        QTRY_COMPARE(colour(screen(), QPoint(200, 200)), greenColour);
+        QCOMPARE(shown.heard.failures, QStringList{why});
+        QCOMPARE(shown.heard.firstFrames, 1);
+    }
+
+    void opensWhateverAFileIsCalled()
+    {
+        Shown shown;
+        const QString here = QDir::currentPath();
+        QVERIFY(QDir(shown.clips.path(u"."_s)).mkdir(u"http:"_s));
+        QVERIFY(QDir::setCurrent(shown.clips.path(u"."_s)));
+        for (const QString &name : {u"-pause.mp4"_s, u"http://a%20\u7eff,b.mp4"_s}) {
+            QVERIFY(QFile::copy(shown.clips.green(), shown.clips.path(name)));
+            QVERIFY(shown.loads(name));
+        }
+        QDir::setCurrent(here);
+        QCOMPARE(shown.heard.failures, QStringList());
+    }
+
+    void goesOnWhenTheFileIsDeleted()
+    {
+        Shown shown;
+        QVERIFY(shown.loads(shown.video()));
+        QVERIFY(QFile::remove(shown.video()));
+        shown.surface->play(2);
+        QTest::qWait(1200);
+        QVERIFY(shown.moves());
+        QCOMPARE(shown.heard.failures, QStringList());
+    }
+
+    void isHeardOnlyWithAVolume()
+    {
+        const auto streams = [] { return output(u"pactl"_s, {u"list"_s, u"sink-inputs"_s}); };
+        Shown shown;
+        QVERIFY(shown.loads(shown.clips.withSound()));
+        shown.surface->play(1);
+        QVERIFY(shown.moves());
+        QVERIFY(!streams().contains("Velbrix"));
+        shown.surface->setVolume(0.5);
+        QTRY_VERIFY(streams().contains("application.name = \"Velbrix\""));
+        QVERIFY(shown.moves());
+        shown.surface->setVolume(0);
+        QTRY_VERIFY(!streams().contains("Velbrix"));
+        QVERIFY(shown.moves());
+    }
+
+    void changesFilesWithoutGrowing()
+    {
+        Shown shown;
+        const QStringList files{shown.video(), shown.clips.striped(), shown.clips.withSound()};
+        shown.surface->play(1);
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(shown.loads(files.at(i % 3)));
+        const int threads = entries(u"/proc/self/task"_s);
+        const int descriptors = entries(u"/proc/self/fd"_s);
+        for (int i = 0; i < 30; ++i)
+            QVERIFY(shown.loads(files.at(i % 3)));
+        QTRY_VERIFY(entries(u"/proc/self/task"_s) <= threads + 1);
+        QTRY_VERIFY(entries(u"/proc/self/fd"_s) <= descriptors + 2);
+    }
+
+    void endsWithoutATrace()
+    {
+        RealDesktop desktop;
+        const QString video = desktop.video();
+        const auto once = [&] {
+            Heard heard;
+            auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
+            surface->orderFront();
+            surface->play(1);
+            surface->load(video);
+            QTest::qWait(60);
+        };
+        once();
+        QTRY_VERIFY(entries(u"/proc/self/task"_s) > 0);
+        QTest::qWait(300);
+        const int threads = entries(u"/proc/self/task"_s);
+        const int descriptors = entries(u"/proc/self/fd"_s);
+        for (int i = 0; i < 10; ++i)
+            once();
+        QTRY_VERIFY(entries(u"/proc/self/task"_s) <= threads);
+        QTRY_VERIFY(entries(u"/proc/self/fd"_s) <= descriptors);
+    }
+
+    void previewsInACorner()
+    {
+        RealDesktop desktop;
+        QList<QSize> sizes;
+        QStringList failures;
+        const PreviewEvents events{.frame = [&](const QImage &image) { sizes << image.size(); },
+                                   .failed = [&](const Failure &why) { failures << why.message; }};
+        auto preview = *desktop.surfaces.makePreview(desktop.video(), QSize(160, 160), events);
+        QTRY_COMPARE(sizes.value(0), QSize(160, 90));
+        QTest::qWait(150);
+        QVERIFY(sizes.size() <= 2); // the same picture may be painted twice
+        preview->play();
+        QTRY_VERIFY(sizes.size() > 40);
+        preview->pause();
+        QTest::qWait(100);
+        const auto count = sizes.size();
+        QTest::qWait(150);
+        QCOMPARE(sizes.size(), count);
+        preview->play();
+        preview.reset();
+        QTest::qWait(100);
+        QCOMPARE(sizes.size(), count);
+        QCOMPARE(failures, QStringList());
+
+        const auto broken = desktop.surfaces.makePreview(u"/missing.mp4"_s, QSize(160, 160), events);
+        QVERIFY(broken);
+        QTRY_COMPARE(failures, QStringList{u"文件不存在"_s});
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    VideoSurfaceTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "VideoSurfaceTest.moc"

@@ -1,0 +1,456 @@
+#include "platform/linux/x11/capture/X11CaptureSession.h"
+
+#include "support/PaintedWindow.h"
+#include "support/PatientTest.h"
+#include "support/RecordingRig.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QScreen>
+
+using namespace Qt::StringLiterals;
+using namespace velbrix;
+using namespace velbrix::test;
+
+namespace {
+
+constexpr QColor green(0, 160, 0);
+constexpr QColor red(200, 0, 0);
+constexpr QColor blue(0, 0, 200);
+constexpr QColor black(0, 0, 0);
+
+// As far as colours survive in a movie.
+bool isLike(QColor a, QColor b)
+{
+    return std::abs(a.red() - b.red()) <= 6 && std::abs(a.green() - b.green()) <= 6 &&
+           std::abs(a.blue() - b.blue()) <= 6;
+}
+
+QColor onScreen(int x, int y)
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0, x, y, 1, 1).toImage().pixelColor(0, 0);
+}
+
+std::unique_ptr<PaintedWindow> shown(const QString &title, QRect geometry, QColor colour,
+                                     Qt::WindowFlags flags = {})
+{
+    auto window = std::make_unique<PaintedWindow>(title, geometry, colour, flags);
+    window->show();
+    [[maybe_unused]] const bool isExposed = QTest::qWaitForWindowExposed(window.get());
+    window->raise();
+    // Painted and at its place, as the screen says.
+    [[maybe_unused]] const bool isPainted = waitFor([&] {
+        const QPoint middle = window->geometry().center();
+        return isLike(onScreen(middle.x(), middle.y()), colour);
+    });
+    return window;
+}
+
+bool xrandr(const QString &arguments)
+{
+    QProcess process;
+    process.start(u"xrandr"_s, arguments.split(u' '));
+    return waitFor([&process] { return process.state() == QProcess::NotRunning; }) && process.exitCode() == 0;
+}
+
+CaptureFilter only(const PaintedWindow &window)
+{
+    return {.windowId = window.id(), .displayId = 0, .excludedWindows = {}};
+}
+
+} // namespace
+
+class X11CaptureSessionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QCursor::setPos(1270, 790); }
+
+    void recordsTheDisplay_data()
+    {
+        QTest::addColumn<std::function<void(X11Abilities &)>>("forbid");
+        using Forbid = std::function<void(X11Abilities &)>;
+        QTest::newRow("everything allowed") << Forbid([](X11Abilities &) {});
+        QTest::newRow("no descriptors") << Forbid([](X11Abilities &a) { a.sharedDescriptors = false; });
+        QTest::newRow("no shared memory") << Forbid([](X11Abilities &a) { a.sharedMemory = false; });
+        QTest::newRow("no damage") << Forbid([](X11Abilities &a) { a.damage = false; });
+        QTest::newRow("no fixes") << Forbid([](X11Abilities &a) { a.fixes = false; });
+        QTest::newRow("no composite") << Forbid([](X11Abilities &a) { a.composite = false; });
+        QTest::newRow("no monitors") << Forbid([](X11Abilities &a) { a.randr = false; });
+        QTest::newRow("bare server") << Forbid(
+            [](X11Abilities &a) { a = {false, false, false, false, false, false, false, false}; });
+    }
+    void recordsTheDisplay()
+    {
+        QFETCH(std::function<void(X11Abilities &)>, forbid);
+        X11Abilities allowed;
+        forbid(allowed);
+        const auto window = shown(u"Editor"_s, QRect(101, 111, 301, 201), green);
+        RecordingRig rig(allowed);
+        QVERIFY(rig.start(rig.mainDisplay()));
+
+        const QImage screen = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+        QVERIFY(isLike(rig.movie->colorAt(250, 200), green));
+        int wrong = 0;
+        for (int y = 0; y < screen.height(); ++y) {
+            for (int x = 0; x < screen.width(); ++x) {
+                const QColor c = screen.pixelColor(x, y);
+                const double luma = 16 + 0.257 * c.red() + 0.504 * c.green() + 0.098 * c.blue();
+                wrong += std::abs(rig.movie->lumaAt(x, y) - luma) > 2 ? 1 : 0;
+            }
+        }
+        QCOMPARE(wrong, 0);
+
+        // What changes later arrives, named as changed.
+        window->repaint(blue);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(250, 200), blue));
+        QVERIFY(isLike(rig.movie->colorAt(50, 50), black));
+        QVERIFY(rig.movie->wereChangesNamed());
+        QVERIFY(rig.stop());
+    }
+
+    void stillScreensCostNothing()
+    {
+        RecordingRig rig;
+        QVERIFY(rig.start(rig.mainDisplay(), {}, true));
+        QTRY_VERIFY(rig.count(u"idle"_s) >= 10);
+        const CaptureCounters before = rig.session->ledger().counters();
+        const qsizetype pictures = rig.movie->ticks().size();
+        QTRY_VERIFY(rig.count(u"idle"_s) >= before.statusHistogram.value(u"idle"_s) + 20);
+        QCOMPARE(rig.movie->ticks().size(), pictures);
+        QVERIFY(rig.session->ledger().counters().callbackCount >= before.callbackCount + 20);
+        QVERIFY(rig.stop());
+        QCOMPARE(rig.count(u"stopped"_s), 1);
+        // The still end belongs to the movie.
+        const QString finish = rig.movie->calls().filter(u"finish"_s).value(0);
+        QVERIFY(finish.section(u' ', 1).toLongLong() >= 30);
+    }
+
+    void fitsAnotherSize()
+    {
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 400, 200), green, Qt::FramelessWindowHint);
+        RecordingRig rig;
+        QVERIFY(rig.start(only(*window), QSize(200, 200)));
+        QVERIFY(isLike(rig.movie->colorAt(100, 20), black));
+        QVERIFY(isLike(rig.movie->colorAt(100, 100), green));
+        QVERIFY(isLike(rig.movie->colorAt(4, 54), Qt::white));
+        window->repaint(red);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(100, 100), red));
+        QVERIFY(rig.movie->wereChangesNamed());
+    }
+
+    void drawsThePointer()
+    {
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 400, 300), green, Qt::FramelessWindowHint);
+        window->setCursor(Qt::CrossCursor);
+        QCursor::setPos(300, 250);
+        RecordingRig rig;
+        QVERIFY(rig.start(rig.mainDisplay(), {}, true));
+        const auto isDrawnAt = [&rig](int x, int y) {
+            for (int dy = -12; dy <= 12; ++dy) {
+                for (int dx = -12; dx <= 12; ++dx) {
+                    if (!isLike(rig.movie->colorAt(x + dx, y + dy), green))
+                        return true;
+                }
+            }
+            return false;
+        };
+        QTRY_VERIFY(isDrawnAt(300, 250));
+        QVERIFY(!isDrawnAt(400, 330));
+        QCursor::setPos(400, 330);
+        QTRY_VERIFY(isDrawnAt(400, 330));
+        QVERIFY(!isDrawnAt(300, 250));
+        QVERIFY(rig.movie->wereChangesNamed());
+    }
+
+    void missingPointersAreTold()
+    {
+        X11Abilities allowed;
+        allowed.fixes = false;
+        RecordingRig rig(allowed);
+        QVERIFY(rig.start(rig.mainDisplay(), {}, true));
+        QTRY_COMPARE(rig.warnings, QStringList{u"X 服务器没有 XFixes 扩展，录像中不会出现鼠标指针"_s});
+    }
+
+    // A window is recorded as it is, whatever the screen shows of it.
+    void recordsWindows_data()
+    {
+        QTest::addColumn<std::function<void(PaintedWindow &)>>("act");
+        QTest::addColumn<bool>("coveredBefore");
+        QTest::addColumn<bool>("withDamage");
+        using Act = std::function<void(PaintedWindow &)>;
+        QTest::newRow("in the open") << Act([](PaintedWindow &) {}) << false << true;
+        QTest::newRow("covered before") << Act([](PaintedWindow &) {}) << true << true;
+        QTest::newRow("covered before, no damage") << Act([](PaintedWindow &) {}) << true << false;
+        QTest::newRow("moved") << Act([](PaintedWindow &w) { w.setPosition(500, 420); }) << false << true;
+        QTest::newRow("partly off the screen")
+            << Act([](PaintedWindow &w) { w.setPosition(-150, -100); }) << false << true;
+    }
+    void recordsWindows()
+    {
+        QFETCH(std::function<void(PaintedWindow &)>, act);
+        QFETCH(bool, coveredBefore);
+        QFETCH(bool, withDamage);
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green, Qt::FramelessWindowHint);
+        std::unique_ptr<PaintedWindow> cover;
+        if (coveredBefore)
+            cover = shown(u"Cover"_s, QRect(80, 80, 500, 400), red, Qt::FramelessWindowHint);
+        X11Abilities allowed;
+        allowed.damage = withDamage;
+        RecordingRig rig(allowed);
+        QVERIFY(rig.start(only(*window)));
+        QVERIFY(isLike(rig.movie->colorAt(150, 100), green));
+        QVERIFY(isLike(rig.movie->colorAt(10, 10), Qt::white));
+        act(*window);
+        window->repaint(blue);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(150, 100), blue));
+        QVERIFY(isLike(rig.movie->colorAt(290, 190), blue));
+        QVERIFY(isLike(rig.movie->colorAt(10, 10), Qt::white));
+        QVERIFY(rig.movie->wereChangesNamed());
+        if (cover)
+            QVERIFY(isLike(onScreen(250, 200), red));
+        QVERIFY(rig.stop());
+    }
+
+    void recordsDecorations()
+    {
+        const auto window = shown(u"Editor"_s, QRect(200, 200, 300, 200), green);
+        RecordingRig rig;
+        const auto content = QCoro::waitFor(rig.capture.shareableContent());
+        QVERIFY(content);
+        QRect frame;
+        for (const CapturableWindow &each : content->windows) {
+            if (each.windowId == window->id())
+                frame = each.frame.toRect();
+        }
+        QVERIFY(frame.height() > 200);
+        QVERIFY(rig.start(only(*window)));
+        QCOMPARE(rig.capture.geometry(only(*window))->contentSize, QSizeF(frame.size()));
+        // Every pixel of the title bar is the screen's.
+        const QImage screen = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+        for (int x = 0; x < (frame.width() & ~1); ++x) {
+            const QColor c = screen.pixelColor(frame.x() + x, frame.y() + 8);
+            const double luma = 16 + 0.257 * c.red() + 0.504 * c.green() + 0.098 * c.blue();
+            QVERIFY2(std::abs(rig.movie->lumaAt(x, 8) - luma) <= 2, qPrintable(QString::number(x)));
+        }
+    }
+
+    void letterboxesResizedWindows()
+    {
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green, Qt::FramelessWindowHint);
+        RecordingRig rig;
+        QVERIFY(rig.start(only(*window)));
+        window->resize(300, 100);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(150, 20), black));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(150, 100), green));
+        QVERIFY(isLike(rig.movie->colorAt(150, 190), black));
+        window->resize(600, 400);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(150, 20), green));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(290, 190), green));
+        window->repaint(red);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(290, 190), red));
+        QVERIFY(rig.movie->wereChangesNamed());
+        QVERIFY(rig.stops.isEmpty());
+    }
+
+    void holdsMinimisedWindows()
+    {
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);
+        RecordingRig rig;
+        QVERIFY(rig.start(only(*window)));
+        window->showMinimized();
+        QTRY_VERIFY(rig.count(u"suspended"_s) >= 5);
+        QVERIFY(isLike(rig.movie->colorAt(150, 100), green));
+        window->showNormal();
+        QTRY_VERIFY(window->isExposed());
+        window->repaint(blue);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(150, 100), blue));
+        QVERIFY(rig.stops.isEmpty());
+        QVERIFY(rig.stop());
+    }
+
+    void endsWithTheWindow()
+    {
+        auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);
+        RecordingRig rig;
+        QVERIFY(rig.start(only(*window)));
+        window.reset();
+        QTRY_COMPARE(rig.stops, QStringList{u"窗口已关闭"_s});
+        QVERIFY(isLike(rig.movie->colorAt(150, 100), green));
+        QVERIFY(rig.stop());
+        QCOMPARE(rig.movie->calls().filter(u"finish"_s).size(), 1);
+        QCOMPARE(rig.stops.size(), 1);
+    }
+
+    void leavesOutOwnWindows_data()
+    {
+        QTest::addColumn<bool>("withDamage");
+        QTest::newRow("damage") << true;
+        QTest::newRow("no damage") << false;
+    }
+    void leavesOutOwnWindows()
+    {
+        QFETCH(bool, withDamage);
+        const auto beneath = shown(u"Beneath"_s, QRect(100, 100, 400, 300), green);
+        const auto own = shown(u"Own"_s, QRect(200, 200, 400, 300), red);
+        const auto above = shown(u"Above"_s, QRect(450, 350, 300, 200), blue);
+        X11Abilities allowed;
+        allowed.damage = withDamage;
+        RecordingRig rig(allowed);
+        QVERIFY(rig.start(rig.mainDisplay({own->id()})));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 300), green));
+        QVERIFY(isLike(rig.movie->colorAt(560, 300), black));
+        QVERIFY(isLike(rig.movie->colorAt(550, 450), blue));
+        QVERIFY(isLike(rig.movie->colorAt(120, 150), green));
+        QVERIFY(isLike(onScreen(300, 300), red));
+
+        // What changes beneath is seen, what the own window paints is not.
+        own->repaint(Qt::yellow);
+        beneath->repaint(Qt::magenta);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 300), Qt::magenta));
+        QTRY_VERIFY(isLike(onScreen(300, 300), Qt::yellow));
+        QVERIFY(isLike(rig.movie->colorAt(560, 300), black));
+
+        // A moved window leaves no trace, neither where it was nor where it is.
+        own->setPosition(250, 450);
+        QTRY_VERIFY(isLike(onScreen(300, 600), Qt::yellow));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 600), black));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(120, 150), Qt::magenta));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 300), Qt::magenta));
+
+        // A new window above is shown, and beneath when it is lowered.
+        const auto late = shown(u"Late"_s, QRect(260, 560, 100, 60), green, Qt::FramelessWindowHint);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 600), green));
+        late->lower();
+        QTRY_VERIFY(isLike(onScreen(300, 600), Qt::yellow));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 600), green));
+        QVERIFY(rig.movie->wereChangesNamed());
+        QVERIFY(rig.stop());
+        QVERIFY(isLike(onScreen(300, 600), Qt::yellow));
+    }
+
+    void carriesWhatAFullQueueRefused()
+    {
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);
+        RecordingRig rig;
+        QVERIFY(rig.start(rig.mainDisplay()));
+        rig.movie->refuse(5);
+        window->repaint(blue);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(200, 200), blue));
+        QCOMPARE(rig.movie->refusalsLeft(), 0);
+        QVERIFY(rig.movie->wereChangesNamed());
+        const QList<qint64> ticks = rig.movie->ticks();
+        QVERIFY(std::ranges::is_sorted(ticks, std::ranges::less_equal()));
+        QCOMPARE(ticks.first(), 0);
+    }
+
+    void followsTheDisplaysMode()
+    {
+        const auto window = shown(u"Editor"_s, QRect(0, 0, 400, 300), green, Qt::FramelessWindowHint);
+        RecordingRig rig;
+        QVERIFY(rig.start(rig.mainDisplay()));
+        QVERIFY(xrandr(u"--newmode small 25 800 808 816 824 600 601 602 603"_s));
+        QVERIFY(xrandr(u"--addmode screen small"_s));
+        QVERIFY(xrandr(u"--output screen --mode small"_s));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(20, 100), black));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 100), green));
+        window->repaint(blue);
+        QTRY_VERIFY(isLike(rig.movie->colorAt(300, 100), blue));
+        QVERIFY(xrandr(u"--output screen --mode 1280x800"_s));
+        QTRY_VERIFY(isLike(rig.movie->colorAt(20, 100), blue));
+        QVERIFY(rig.movie->wereChangesNamed());
+        QVERIFY(rig.stops.isEmpty());
+
+        // A monitor of another name takes the place of the recorded one.
+        QVERIFY(xrandr(u"--setmonitor left 640/170x400/106+0+0 screen"_s));
+        QTRY_VERIFY(rig.count(u"blank"_s) > 0);
+        QTRY_COMPARE(rig.stops, QStringList{u"正在录制的显示器已断开"_s});
+        QVERIFY(xrandr(u"--delmonitor left"_s));
+        QVERIFY(rig.stop());
+    }
+
+    void saysWhatIsMissing()
+    {
+        const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);
+        X11Abilities allowed;
+        allowed.composite = false;
+        RecordingRig plain(allowed);
+        QCOMPARE(plain.make(only(*window)).error().message,
+                 u"X 服务器没有 Composite 扩展，无法单独录制窗口"_s);
+        QVERIFY(plain.start(plain.mainDisplay({window->id()})));
+        QTRY_COMPARE(plain.warnings, QStringList{u"X 服务器没有 Composite 扩展，无法排除本应用窗口"_s});
+
+        RecordingRig rig;
+        QCOMPARE(rig.make({.windowId = 0x7fffff, .displayId = 0, .excludedWindows = {}}, QSize(10, 10))
+                     .error()
+                     .message,
+                 u"窗口已关闭"_s);
+        QCOMPARE(
+            rig.make({.windowId = std::nullopt, .displayId = 12345, .excludedWindows = {}}).error().message,
+            u"找不到要录制的显示器"_s);
+        QVERIFY(rig.make(rig.mainDisplay()));
+        QCOMPARE(rig.session->addRecordingOutput(u"a.mp4"_s).error().message,
+                 u"本机不支持系统直写，改由程序写入文件"_s);
+        QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"没有打开的影片文件"_s);
+        QCOMPARE(rig.session->addOutput(CaptureOutput::screen).error().message, u"没有打开的影片文件"_s);
+        rig.settings.microphone = true;
+        QVERIFY(rig.session->openWriter(rig.settings));
+        QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"没有要录制的画面"_s);
+        QCOMPARE(rig.session->addOutput(CaptureOutput::systemAudio).error().message, u"影片没有系统音频轨"_s);
+        QVERIFY(rig.session->addOutput(CaptureOutput::microphone));
+        QCOMPARE(rig.movie->calls(), QStringList{u"useMicrophone mic-1"_s});
+    }
+
+    // The window may go between the list and the start.
+    void refusesVanishedWindows()
+    {
+        auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);
+        RecordingRig rig;
+        QVERIFY(rig.make(only(*window)));
+        QVERIFY(rig.open());
+        window.reset();
+        QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"窗口已关闭"_s);
+        QVERIFY(QCoro::waitFor(rig.session->stopCapture()));
+        QCOMPARE(rig.movie->ticks().size(), 0);
+    }
+
+    void failedMoviesEndTheStream()
+    {
+        RecordingRig rig;
+        QVERIFY(rig.start(rig.mainDisplay()));
+        rig.events.failed(Failure{u"磁盘已满"_s});
+        rig.events.failed(Failure{u"又一次"_s});
+        rig.events.warning(u"声音中断"_s);
+        QVERIFY(rig.stops.isEmpty()); // never from inside the call
+        QTRY_COMPARE(rig.stops, QStringList{u"磁盘已满"_s});
+        QTRY_COMPARE(rig.warnings, QStringList{u"声音中断"_s});
+        QTRY_COMPARE(rig.count(u"stopped"_s), 1);
+    }
+
+    void diesAtAnyMoment()
+    {
+        RecordingRig rig;
+        QVERIFY(rig.make(rig.mainDisplay()));
+        QVERIFY(rig.open());
+        [[maybe_unused]] const auto starting = rig.session->startCapture();
+        rig.session.reset();
+        QVERIFY(rig.movie->calls().contains(u"destroyed"_s) || !starting.isReady());
+
+        QVERIFY(rig.start(rig.mainDisplay()));
+        rig.events.failed(Failure{u"磁盘已满"_s});
+        rig.session.reset();
+        QTest::qWait(20);
+        QVERIFY(rig.stops.isEmpty());
+
+        QVERIFY(rig.start(rig.mainDisplay()));
+        [[maybe_unused]] const auto stopping = rig.session->stopCapture();
+        [[maybe_unused]] const auto finishing = rig.session->finishWriting();
+        rig.session.reset();
+        QTRY_COMPARE(rig.movie->calls().filter(u"finish"_s).size(), 1);
+        QTRY_COMPARE(rig.movie->calls().last(), u"destroyed"_s);
+    }
+};
+
+QTEST_MAIN(X11CaptureSessionTest)
+#include "X11CaptureSessionTest.moc"
