@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../movie/MediaTools.h"
+#include "../media/MediaTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/archive/ZipArchiver.h"
 

@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 
-#include "../movie/MediaTools.h"
-#include "../surface/DesktopTools.h"
+#include "../media/MediaTools.h"
+#include "../x11/DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/RootWindow.h"
 #include "support/FakeDesktopPicture.h"

@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/LinuxDockPreference.h"
 
-#include "../movie/MediaTools.h"
+#include "../media/MediaTools.h"
 #include "foundation/SystemClock.h"
 #include "support/FakeDockPreference.h"
 #include "support/VirtualClock.h"
