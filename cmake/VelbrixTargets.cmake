@@ -3,9 +3,11 @@ option(VELBRIX_WERROR "Treat warnings as errors" ON)
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
-    # A precompiled header carries no time stamp, so that ccache can reuse what was built with it.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_CURRENT_LIST_DIR}/compile)
+    # A precompiled header carries no time stamp and is asked for without the path of its text, so that ccache can
+    # reuse what was built with it.
     add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+    set(CMAKE_CXX_COMPILE_OPTIONS_USE_PCH -Xclang -include-pch -Xclang <PCH_FILE>)
 endif()
 
 add_library(velbrix_warnings INTERFACE)
