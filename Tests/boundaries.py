@@ -13,6 +13,9 @@ RULES = [
     (r'.*', HOST, r'#include <(X11|xcb|AppKit|Carbon|libav\w+|mpv|pulse|QDBus)\b[^>]*>', 'host headers live under platform/<host>/'),
     (r'.*', r'views/|app/main|platform/', r'#include [<"](views/|QWidget|QDialog|QMessageBox|QApplication)[^>"]*[>"]', 'models publish; views show'),
     (r'platform/', r'views/', r'#include "views/', 'hosts know no views'),
+    (r'.*', HOST, r'\b(SOCK_(CLOEXEC|NONBLOCK)|MSG_NOSIGNAL|O_TMPFILE|accept4|pipe2|renameat2|statx|fallocate|copy_file_range|'
+     r'memfd_create|(event|timer|signal)fd|epoll_\w+|inotify_\w+|prctl|st_[acm]tim\b|fdatasync|secure_getenv)\b|#include <(linux|sys/(epoll|'
+     r'inotify|prctl|statfs|vfs|sendfile|random))[./]', 'a Mac has no such call'),
     (r'.*', r'foundation/SystemClock', r'\bQTimer\b|\bQElapsedTimer\b|\bcurrentDateTime|\bsteady_clock\b|\bsystem_clock\b', 'take the time from foundation/Clock.h'),
     (r'.*', r'foundation/ProcessRunner', r'\bQProcess\b(?!Environment)', 'run programs through foundation/ProcessRunner.h'),
     (r'.*', r'^$', r'\bQEventLoop\b|\.exec\(\)(?!;\s*// the program)|\bwaitFor(Started|Finished|ReadyRead|BytesWritten)\b', 'no nested event loops'),

@@ -15,6 +15,7 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -35,8 +36,11 @@ void forwardSignal(int)
 
 void installSignalHandlers(AppDelegate &delegate)
 {
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe.data()) != 0)
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe.data()) != 0)
         return;
+    // Only Linux can say so while it makes them; nothing has been started yet that could inherit them.
+    for (const int end : signalPipe)
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
     auto *notifier = new QSocketNotifier(signalPipe[1], QSocketNotifier::Read, &delegate);
     QObject::connect(notifier, &QSocketNotifier::activated, &delegate, [&delegate, notifier] {
         notifier->setEnabled(false);
