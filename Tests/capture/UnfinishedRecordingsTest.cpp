@@ -1,6 +1,6 @@
 #include "support/FakePlatform.h"
+#include "support/Files.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,20 +19,23 @@ class UnfinishedRecordingsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        movie = folder.filePath(u"录制.mp4"_s);
-        QFile file(movie);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    }
+    void init() { movie = writeFile(folder.filePath(u"录制.mp4"_s)); }
 
     void remembersOnDiskAtOnce()
     {
         ServicesRig rig;
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
-        unfinished.begin(movie);
-        QCOMPARE(rig.host.settings.stored.value(key).toArray(), QJsonArray{movie});
+        const QString other = writeFile(folder.filePath(u"other.mp4"_s));
+        for (const QString &path : {movie, other})
+            unfinished.begin(path);
+        QCOMPARE(rig.host.settings.stored.value(key).toArray(), (QJsonArray{movie, other}));
         QVERIFY(unfinished.leftovers().isEmpty());
+        unfinished.end(movie);
+        unfinished.findLeftovers();
+        QCOMPARE(unfinished.leftovers(), QStringList{other});
+        unfinished.begin(movie);
+        unfinished.dismiss(other);
+        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie})));
         unfinished.end(movie);
         QVERIFY(!rig.services->settings.contains(key));
     }

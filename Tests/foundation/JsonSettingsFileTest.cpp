@@ -1,8 +1,10 @@
 #include "foundation/JsonSettingsFile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
+#include "support/Files.h"
+#include "support/Fuzz.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -12,23 +14,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
-
-namespace {
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-QByteArray read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-} // namespace
+using namespace velbrix::test;
 
 class JsonSettingsFileTest : public QObject {
     Q_OBJECT
@@ -57,15 +43,35 @@ private Q_SLOTS:
     void setsAsideWhatItCannotRead()
     {
         QFETCH(QByteArray, bytes);
-        QDir().mkpath(QFileInfo(path).path());
         for (const QString &kept : {path + u".damaged"_s, path + u".damaged-2"_s}) {
-            write(path, bytes);
+            writeFile(path, bytes);
             JsonSettingsFile file(path);
             QCOMPARE(file.load(), QJsonObject());
             QCOMPARE(file.loadProblem(), u"设置文件已损坏，已恢复默认设置；原文件保留为 "_s + kept);
-            QCOMPARE(read(kept), bytes);
-            QVERIFY(!QFile::exists(path));
+            QVERIFY(QFile::exists(kept) && !QFile::exists(path));
+            QCOMPARE(readFile(kept), bytes);
         }
+    }
+
+    void anyBytesAreReadOrKept()
+    {
+        const QJsonObject all{{u"键"_s, QJsonArray{1, true, u"a\n\"b"_s, QJsonObject{{u"n"_s, 2.5e300}}}},
+                              {u"empty"_s, QJsonObject()}};
+        const QByteArray deep = QByteArray("[").repeated(5000);
+        const Fuzz fuzz{{QJsonDocument(all).toJson(), "{\"a\":" + deep + "}"},
+                        {"{", "}", "[", "]", "\"", ",", ":", "\\u", "\\ud800", "1e999", "null", deep}};
+        int good = 0;
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            writeFile(path, bytes);
+            JsonSettingsFile file(path);
+            const QJsonObject loaded = file.load();
+            good += file.loadProblem().isEmpty() ? 1 : 0;
+            const QString kept = path + u".damaged"_s;
+            const bool isKept = readFile(file.loadProblem().isEmpty() ? path : kept) == bytes;
+            QFile::remove(kept);
+            return isKept && (file.loadProblem().isEmpty() || loaded.isEmpty());
+        }));
+        QVERIFY(good > 20);
     }
 
     void whatIsOutOfReachIsNotReplaced()
@@ -83,9 +89,9 @@ private Q_SLOTS:
     {
         JsonSettingsFile file(path);
         QVERIFY(file.save({{u"a"_s, 1}}, {}));
-        write(path + u".AbCdEf"_s, "{");
-        write(path + u".backup"_s, "mine");
-        write(path + u".damaged"_s, "kept");
+        writeFile(path + u".AbCdEf"_s, "{");
+        writeFile(path + u".backup"_s, "mine");
+        writeFile(path + u".damaged"_s, "kept");
         file.tidy();
         QCOMPARE(QFileInfo(path).dir().entryList(QDir::Files | QDir::Hidden, QDir::Name),
                  (QStringList{u"settings.json"_s, u"settings.json.backup"_s, u"settings.json.damaged"_s}));

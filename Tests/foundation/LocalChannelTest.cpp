@@ -1,7 +1,7 @@
 #include "foundation/LocalChannel.h"
 
 #include "foundation/RuntimeFolder.h"
-#include "foundation/SystemClock.h"
+#include "support/Fuzz.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
@@ -59,13 +59,17 @@ private Q_SLOTS:
     void badClientsAreHungUpOn_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("no JSON") << "hello\n"_ba;
-        QTest::newRow("endless line") << QByteArray(200'000, 'x');
-        QTest::newRow("silence") << QByteArray();
+        QTest::addColumn<bool>("waits");
+        QTest::newRow("no JSON") << "hello\n"_ba << false;
+        QTest::newRow("endless line") << QByteArray(70'000, 'x') << false;
+        QTest::newRow("too long") << "{\"text\":\""_ba + QByteArray(70'000, 'x') + "\"}\n" << false;
+        QTest::newRow("silence") << QByteArray() << true;
+        QTest::newRow("half a line") << "{\"text\":"_ba << true;
     }
     void badClientsAreHungUpOn()
     {
         QFETCH(QByteArray, bytes);
+        QFETCH(bool, waits);
         VirtualClock clock;
         LocalChannelServer server(echo, clock);
         QVERIFY(server.listen(path));
@@ -73,10 +77,40 @@ private Q_SLOTS:
         socket.connectToServer(path);
         QTRY_COMPARE(socket.state(), QLocalSocket::ConnectedState);
         socket.write(bytes);
-        QTest::qWait(50);
-        clock.advance(6s);
+        if (waits) {
+            QTRY_COMPARE(clock.pendingCount(), 1);
+            clock.advance(4999ms);
+            QCOMPARE(socket.state(), QLocalSocket::ConnectedState);
+            clock.advance(1ms);
+        }
         QTRY_COMPARE(socket.state(), QLocalSocket::UnconnectedState);
         QCOMPARE(socket.readAll(), QByteArray());
+        QVERIFY(ask({}));
+    }
+
+    void anyBytesGetAnAnswerOrNone()
+    {
+        VirtualClock clock;
+        LocalChannelServer server(echo, clock);
+        QVERIFY(server.listen(path));
+        const Fuzz fuzz{{"{\"words\":\"record "
+                         "start\",\"arguments\":[\"a\",\"中\\n\"],\"options\":{\"--display\":\"1\"}}\n",
+                         "{\"text\":\"" + QByteArray(500, 'x') + "\"}\n"},
+                        {"\n", "{", "}", "\"", "\\u0000", "null", QByteArray(70'000, ' ')},
+                        300};
+        int answers = 0;
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            QLocalSocket socket;
+            socket.connectToServer(path);
+            socket.write(bytes);
+            if (!bytes.contains('\n'))
+                socket.disconnectFromServer();
+            while (socket.state() != QLocalSocket::UnconnectedState)
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            answers += socket.readAll().isEmpty() ? 0 : 1;
+            return true;
+        }));
+        QVERIFY2(answers > 20, qPrintable(QString::number(answers)));
         QVERIFY(ask({}));
     }
 

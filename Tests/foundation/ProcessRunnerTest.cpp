@@ -1,20 +1,19 @@
 #include "foundation/ProcessRunner.h"
 
-#include "foundation/SystemClock.h"
-
-#include <QTest>
+#include "support/PatientTest.h"
+#include "support/VirtualClock.h"
 
 #include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 namespace {
 
-// Real programs take real time, so the real clock runs here.
 struct Rig {
-    SystemClock clock;
+    VirtualClock clock;
     ProcessRunner runner{clock};
     std::optional<Result<ProcessOutcome>> answer;
 
@@ -26,7 +25,7 @@ struct Rig {
     }
     bool finished()
     {
-        return QTest::qWaitFor([this] { return answer.has_value(); }, 10000);
+        return waitFor([this] { return answer.has_value(); });
     }
 };
 
@@ -108,32 +107,43 @@ private Q_SLOTS:
 
     void endsTheWholeGroup_data()
     {
+        QTest::addColumn<QString>("before");
         QTest::addColumn<bool>("byTimeout");
-        QTest::newRow("time-out") << true;
-        QTest::newRow("cancel") << false;
+        QTest::newRow("time-out") << u""_s << true;
+        QTest::newRow("cancel") << u""_s << false;
+        QTest::newRow("deaf") << u"trap '' TERM; "_s << false;
     }
     void endsTheWholeGroup()
     {
+        QFETCH(QString, before);
         QFETCH(bool, byTimeout);
         Rig rig;
         // The grandchild holds the pipe: only its death ends the run.
-        ProcessRequest request = shell(u"sleep 100 & echo $!; wait"_s);
-        if (byTimeout)
-            request.timeout = 300ms;
+        ProcessRequest request = shell(before + u"sleep 100 & echo $!; wait"_s);
+        request.timeout = 5s;
         QByteArray child;
-        request.onOutput = [&](const QByteArray &piece) {
-            child += piece;
-            if (!byTimeout)
-                request.cancellation.cancel();
-        };
+        request.onOutput = [&](const QByteArray &piece) { child += piece; };
         rig.start(request);
+        QTRY_VERIFY(child.endsWith('\n'));
+        const pid_t pid = child.trimmed().toInt();
+        QVERIFY(pid > 0);
+        if (byTimeout)
+            rig.clock.advance(5s);
+        else
+            request.cancellation.cancel();
+        if (!before.isEmpty()) {
+            rig.clock.advance(1999ms);
+            QTest::qWait(50);
+            QVERIFY(!rig.answer && ::kill(pid, 0) == 0);
+            rig.clock.advance(1ms);
+        }
         QVERIFY(rig.finished());
         const ProcessOutcome outcome = rig.answer->value();
         QCOMPARE(outcome.timedOut, byTimeout);
         QCOMPARE(outcome.cancelled, !byTimeout);
-        const pid_t pid = child.trimmed().toInt();
-        QVERIFY(pid > 0);
+        QVERIFY(outcome.crashed);
         QTRY_VERIFY(::kill(pid, 0) != 0);
+        QCOMPARE(rig.clock.pendingCount(), 0);
     }
 };
 

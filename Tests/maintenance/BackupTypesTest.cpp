@@ -3,12 +3,14 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/BackupTaskStore.h"
+#include "support/Fuzz.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimeZone>
@@ -157,6 +159,26 @@ private Q_SLOTS:
         QCOMPARE(backend->stored.value(key + u"_unreadable"_s),
                  QJsonValue(QJsonArray{4, with(u"kind"_s, u"?"_s)}));
         QCOMPARE(backend->stored.value(key), QJsonValue(stored));
+    }
+
+    void anyJsonIsATaskOrNone()
+    {
+        const Fuzz fuzz{
+            {QJsonDocument(QJsonArray{storedTask()}).toJson(QJsonDocument::Compact)},
+            {"null", "-1", "1e308", "1e18", "99", "\"\"", "[]", "{}", "true", "\"2026-03-01T09:00:00Z\""}};
+        int tasks = 0;
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            const auto task = backupTaskFromJson(QJsonDocument::fromJson(bytes)[0].toObject());
+            if (!task)
+                return true;
+            ++tasks;
+            const BackupTask sound = normalised(*task);
+            const QDateTime now(QDate(2026, 3, 1), QTime(9, 0));
+            static_cast<void>(isTooFarAhead(sound.schedule, sound.nextRunAt, now));
+            return !sound.id.isEmpty() && sound.keepLast >= 0 && nextRun(sound.schedule, now) > now &&
+                   backupTaskFromJson(toJson(sound)) == sound;
+        }));
+        QVERIFY2(tasks > 100, qPrintable(QString::number(tasks)));
     }
 
     void whatIsNoListIsKeptAside()

@@ -4,6 +4,7 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
+#include "support/Files.h"
 #include "support/MemorySettings.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
@@ -43,10 +44,7 @@ struct Rig {
     QString path(const QString &below) const { return folder.filePath(below); }
     void write(const QString &below, const QByteArray &content = "x") const
     {
-        QDir().mkpath(QFileInfo(path(below)).path());
-        QFile file(path(below));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        writeFile(path(below), content);
     }
     void writeArchives(const QStringList &names) const
     {
@@ -92,10 +90,7 @@ struct Rig {
         return waitFor([this] { return !controller->isRunningBackup(); });
     }
     QString result(const QString &id) const { return controller->task(id)->lastResult.value_or(QString()); }
-    QStringList inDestination() const
-    {
-        return QDir(path(u"dst"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
+    QStringList inDestination() const { return entriesOf(path(u"dst"_s)); }
 
     QTemporaryDir folder;
     VirtualClock clock{start};
@@ -541,18 +536,13 @@ private Q_SLOTS:
     void restoresIntoANewFolder()
     {
         Rig rig;
-        rig.write(u"dst/t_20260301_090000.zip"_s);
+        rig.writeArchives({u"t_20260301_090000.zip"_s});
+        const QString archive = rig.path(u"dst/t_20260301_090000.zip"_s);
         rig.write(u"to/extracted"_s);
         rig.write(u"to/.velbrix-restore-0123456789abcdef0123456789abcdef/x"_s);
-        QFile whole(rig.path(u"dst/t_20260301_090000.zip"_s));
-        QVERIFY(whole.open(QIODevice::WriteOnly));
-        whole.write(FakeArchiver::content);
-        whole.close();
-        const auto inTarget = [&] {
-            return QDir(rig.path(u"to"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-        };
+        const auto inTarget = [&] { return entriesOf(rig.path(u"to"_s)); };
         const auto restored = [&] {
-            rig.make().restorer().restore(whole.fileName(), rig.path(u"to"_s));
+            rig.make().restorer().restore(archive, rig.path(u"to"_s));
             const bool isDone = waitFor([&] { return !rig.controller->restorer().isRestoring(); });
             return isDone ? rig.controller->restorer().result() : QString();
         };
@@ -561,13 +551,29 @@ private Q_SLOTS:
         rig.archiver.extractProblem = u"磁盘已满"_s;
         QCOMPARE(restored(), u"恢复失败：磁盘已满"_s);
         QCOMPARE(inTarget().size(), 2);
+        // Of a damaged one nothing is unpacked.
+        rig.write(u"dst/t_20260301_090000.zip"_s, FakeArchiver::content.chopped(1));
+        rig.archiver.extractProblem.reset();
+        rig.archiver.extracted.clear();
+        QCOMPARE(restored(), u"恢复失败：归档已损坏"_s);
+        QVERIFY(rig.archiver.extracted.isEmpty());
+        QCOMPARE(inTarget().size(), 2);
+        rig.writeArchives({u"t_20260301_090000.zip"_s});
         rig.archiver.holds = true;
-        rig.controller->restorer().restore(whole.fileName(), rig.path(u"to"_s));
+        rig.controller->restorer().restore(archive, rig.path(u"to"_s));
         QTRY_COMPARE(inTarget().size(), 3);
         rig.controller->restorer().cancel();
         QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->restorer().isRestoring()));
         QCOMPARE(rig.controller->restorer().result(), u"已取消"_s);
         QCOMPARE(inTarget().size(), 2);
+        // Several entries get a folder of the archive's name.
+        rig.archiver.holds = false;
+        rig.archiver.entries = {u"one"_s, u".two"_s};
+        for (const QString &made : {u"to/t_20260301_090000"_s, u"to/t_20260301_090000 2"_s}) {
+            QCOMPARE(restored(), u"✓ 已恢复到 "_s + rig.path(made));
+            QCOMPARE(entriesOf(rig.path(made)), (QStringList{u".two"_s, u"one"_s}));
+        }
+        QCOMPARE(inTarget().size(), 4);
     }
 
     void diesInTheMiddleOfARun()

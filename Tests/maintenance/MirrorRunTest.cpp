@@ -4,6 +4,9 @@
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/MirrorComparison.h"
 #include "maintenance/backup/RsyncOutput.h"
+#include "support/Files.h"
+#include "support/Fuzz.h"
+#include "support/PatientTest.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,6 +18,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 namespace {
 
@@ -22,8 +26,8 @@ namespace {
 struct Rig {
     Rig()
     {
-        QDir(folder.path()).mkpath(u"src"_s);
-        QDir(folder.path()).mkpath(u"dst"_s);
+        for (const QString &name : {u"src"_s, u"dst"_s})
+            QDir(folder.path()).mkpath(name);
         request.task.id = u"1"_s;
         request.task.name = u"t"_s;
         request.task.kind = BackupTaskKind::sync;
@@ -37,40 +41,32 @@ struct Rig {
 
     void write(const QString &below, const QByteArray &content = "x") const
     {
-        QDir().mkpath(QFileInfo(path(below)).path());
-        QFile file(path(below));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        writeFile(path(below), content);
     }
     void writeMany(const QString &below, int count) const
     {
         for (int n = 0; n < count; ++n)
             write(u"%1/%2"_s.arg(below).arg(n));
     }
-    QByteArray read(const QString &below) const
+    QByteArray read(const QString &below) const { return readFile(path(below)); }
+    // Runs in rsync's place, with its arguments.
+    void standIn(const QString &script)
     {
-        QFile file(path(below));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("-");
-    }
-    void start()
-    {
-        hasEnded = false;
-        drive();
+        rsync = writeFile(path(u"stand-in"_s), "#!/bin/sh\n" + script.toUtf8());
+        QFile::setPermissions(rsync, QFile::Permissions(0x7755));
     }
     QString run()
     {
-        start();
-        const bool isDone = QTest::qWaitFor([this] { return hasEnded; }, 20000);
-        return isDone ? outcome.message : u"still running"_s;
+        hasEnded = false;
+        drive();
+        return waitFor([this] { return hasEnded; }) ? outcome.message : u"still running"_s;
     }
-    QStringList inDestination() const
-    {
-        return QDir(path(u"dst"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
+    QStringList inDestination() const { return entriesOf(path(u"dst"_s)); }
 
     QTemporaryDir folder;
     SystemClock clock;
     BackupRunRequest request;
+    QString rsync = u"/usr/bin/rsync"_s;
     QStringList lines;
     BackupOutcome outcome;
     bool hasEnded = false;
@@ -78,7 +74,7 @@ struct Rig {
 private:
     QCoro::Task<> drive()
     {
-        outcome = co_await mirrorFolder(clock, request);
+        outcome = co_await mirrorFolder(clock, request, rsync);
         hasEnded = true;
     }
 };
@@ -326,14 +322,17 @@ private Q_SLOTS:
 
     void anUnreadableFolderLosesNothing()
     {
-        if (::geteuid() == 0)
-            QSKIP("root reads everything");
         Rig rig;
+        rig.request.task.setsAside = false;
         rig.write(u"src/a"_s);
         rig.write(u"src/closed/x"_s);
         rig.write(u"dst/t_同步/closed/x"_s, "kept");
         rig.write(u"dst/t_同步/gone"_s);
         ::chmod(QFile::encodeName(rig.path(u"src/closed"_s)).constData(), 0);
+        if (::geteuid() == 0) { // who reads everything
+            rig.standIn(u"chown -R 65534 '%1' && chmod 755 '%1' && exec setpriv --reuid=65534 --clear-groups "
+                        "/usr/bin/rsync \"$@\""_s.arg(rig.folder.path()));
+        }
         QCOMPARE(rig.run(), u"✓ 同步完成（部分错误，exit 23）"_s);
         for (const QString &closed : {rig.path(u"src/closed"_s), rig.mirror(u"closed"_s)})
             ::chmod(QFile::encodeName(closed).constData(), 0755);
@@ -400,14 +399,70 @@ private Q_SLOTS:
         const QByteArray output = "a\nsub/\nsub/b\ndeleting old\ncannot delete non-empty directory: x\n"
                                   "rsync: [sender] x failed\nIO error encountered -- skipping file deletion\n"
                                   "new\\#012line\nlast";
-        for (qsizetype size = 1; size < output.size(); ++size) {
-            RsyncOutput counted;
-            for (qsizetype start = 0; start < output.size(); start += size)
-                counted.feed(output.mid(start, size));
-            counted.finish();
-            QCOMPARE(counted.files(), 4);
-            QCOMPARE(counted.lastFile(), "last");
-        }
+        const auto counted = [](const QByteArray &bytes, qsizetype size) {
+            RsyncOutput made;
+            for (qsizetype start = 0; start < bytes.size(); start += size)
+                made.feed(bytes.mid(start, size));
+            made.finish();
+            return std::pair(made.files(), made.lastFile());
+        };
+        for (qsizetype size = 1; size < output.size(); ++size)
+            QCOMPARE(counted(output, size), std::pair(qint64(4), QByteArray("last")));
+        const Fuzz fuzz{{output}, {"\n", "/\n", "deleting ", "rsync: ", QByteArray(1 << 17, 'x')}, 500};
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            const auto whole = counted(bytes, bytes.size() + 1);
+            return whole.first <= bytes.count('\n') + 1 &&
+                   whole.first == counted(bytes, 1 + bytes.size() / 3).first;
+        }));
+    }
+
+    void saysHowRsyncEnded_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<bool>("isDone");
+        QTest::addColumn<QString>("words");
+        QTest::newRow("well") << u"echo a; echo b/"_s << true << u"✓ 同步完成 · 1 个文件"_s;
+        QTest::newRow("disk") << u"exit 11"_s << false
+                              << u"同步失败 (exit 11)（读写文件出错，磁盘可能已满）"_s;
+        QTest::newRow("partly") << u"exit 23"_s << true << u"✓ 同步完成（部分错误，exit 23）"_s;
+        QTest::newRow("vanished") << u"exit 24"_s << false << u"同步失败 (exit 24)（同步期间有源文件消失）"_s;
+        QTest::newRow("deletions") << u"exit 25"_s << false
+                                   << u"同步失败 (exit 25)（要删除的文件比预计的多，已停止删除）"_s;
+        QTest::newRow("others") << u"exit 12"_s << false << u"同步失败 (exit 12)"_s;
+        QTest::newRow("killed") << u"kill -9 $$"_s << false << u"同步失败 (exit 9)（rsync 意外终止）"_s;
+    }
+    void saysHowRsyncEnded()
+    {
+        QFETCH(QString, script);
+        Rig rig;
+        rig.write(u"src/a"_s);
+        rig.standIn(script);
+        QTEST(rig.run(), "words");
+        QTEST(rig.outcome.state == BackupOutcome::State::done, "isDone");
+        rig.rsync = rig.path(u"none"_s);
+        QVERIFY(rig.run().startsWith(u"同步失败：无法运行 "_s + rig.rsync));
+    }
+
+    void aSourceThatGoesOnTheWayTakesLittleWithIt()
+    {
+        Rig rig;
+        rig.request.task.setsAside = false;
+        rig.writeMany(u"src"_s, 200);
+        rig.writeMany(u"dst/t_同步"_s, 200);
+        rig.standIn(u"rm '%1'/1*; exec /usr/bin/rsync \"$@\""_s.arg(rig.path(u"src"_s)));
+        QCOMPARE(rig.run(), u"同步失败 (exit 25)（要删除的文件比预计的多，已停止删除）"_s);
+        QCOMPARE(entriesOf(rig.mirror(u""_s)).size(), 150);
+    }
+
+    void replacesWhatOnlyLooksTheSame()
+    {
+        Rig rig;
+        rig.write(u"src/a"_s, "new");
+        rig.write(u"dst/t_同步/a"_s, "old");
+        rig.standIn(u"touch -r '%1' '%2'; exec /usr/bin/rsync \"$@\""_s.arg(rig.path(u"src/a"_s),
+                                                                            rig.mirror(u"a"_s)));
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 1 个文件"_s);
+        QCOMPARE(rig.read(u"dst/t_同步/a"_s), "new");
     }
 };
 

@@ -1,8 +1,7 @@
 #include "maintenance/uninstall/UninstallJournal.h"
+#include "support/Files.h"
+#include "support/Fuzz.h"
 #include "support/PatientTest.h"
-
-#include <QDir>
-#include <QFile>
 
 #include <optional>
 
@@ -30,13 +29,6 @@ struct Rig {
         std::optional<Result<void>> answer;
         task.then([&answer](Result<void> now) { answer = std::move(now); });
         return waitFor([&] { return answer.has_value(); }) ? *answer : failure(u"…"_s);
-    }
-    void write(const QByteArray &content) const
-    {
-        QDir().mkpath(folder.filePath(u"own"_s));
-        QFile target(file);
-        QVERIFY(target.open(QIODevice::WriteOnly));
-        target.write(content);
     }
 };
 
@@ -106,12 +98,10 @@ private Q_SLOTS:
         QFETCH(QByteArray, content);
         Rig rig;
         for (const QString &aside : {u".damaged"_s, u".damaged-2"_s}) {
-            rig.write(content);
+            writeFile(rig.file, content);
             UninstallJournal journal(rig.file);
             QVERIFY(journal.records().isEmpty());
-            QFile kept(rig.file + aside);
-            QVERIFY(kept.open(QIODevice::ReadOnly));
-            QCOMPARE(kept.readAll(), content);
+            QCOMPARE(readFile(rig.file + aside), content);
             QVERIFY(Rig::wait(journal.put(rig.record(u"1"_s))));
         }
     }
@@ -119,11 +109,37 @@ private Q_SLOTS:
     void tellsWhenItCannotBeWritten()
     {
         Rig rig;
-        QFile blocking(rig.folder.filePath(u"own"_s));
-        QVERIFY(blocking.open(QIODevice::WriteOnly));
+        writeFile(rig.folder.filePath(u"own"_s));
         UninstallJournal journal(rig.file);
         QVERIFY(!Rig::wait(journal.put(rig.record(u"1"_s))));
         QCOMPARE(journal.records().size(), 1);
+    }
+
+    void anyFileIsReadOrKept()
+    {
+        Rig rig;
+        UninstallJournal before(rig.file);
+        QVERIFY(Rig::wait(before.put(rig.record(u"1"_s))) && Rig::wait(before.put(rig.record(u"2"_s))));
+        const Fuzz fuzz{{readFile(rig.file)},
+                        {"\"", "{", "}", "[", "]", "null", "-1", "/", "\"\"", "../", "\"id\": 3,"},
+                        1000};
+        int read = 0;
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            writeFile(rig.file, bytes);
+            const UninstallJournal journal(rig.file);
+            const bool isThere = QFile::exists(rig.file);
+            read += journal.records().isEmpty() ? 0 : 1;
+            const bool isKept = readFile(isThere ? rig.file : rig.file + u".damaged"_s) == bytes;
+            QFile::remove(rig.file + u".damaged"_s);
+            const auto isSound = [](const UninstallRecord &record) {
+                return !record.id.isEmpty() && std::ranges::all_of(record.moved, [](const MovedItem &item) {
+                    return item.original.startsWith(u'/') &&
+                           (item.trashed.isEmpty() || item.trashed.startsWith(u'/'));
+                });
+            };
+            return isKept && std::ranges::all_of(journal.records(), isSound);
+        }));
+        QVERIFY(read > 20);
     }
 };
 

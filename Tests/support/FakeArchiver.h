@@ -27,9 +27,10 @@ public:
     bool tears = false;                 // create says that all is well, with half an archive
     std::optional<QString> testProblem; // even of a whole archive
     std::optional<QString> extractProblem;
-    QList<ArchiveProgress> progress; // what create and extract report on the way
-    bool holds = false;              // every call waits while this is set, or until it is cancelled
-    QStringList calls;               // "create SOURCE", "test ARCHIVE", "extract ARCHIVE"
+    QStringList entries{QStringLiteral("extracted")}; // files that extract makes
+    QList<ArchiveProgress> progress;                  // what create and extract report on the way
+    bool holds = false; // every call waits while this is set, or until it is cancelled
+    QStringList calls;  // "create SOURCE", "test ARCHIVE", "extract ARCHIVE"
     QList<ArchiveRequest> created;
     QList<ExtractRequest> extracted;
 
@@ -68,7 +69,6 @@ public:
         co_return Result<void>();
     }
 
-    // Makes the file "extracted".
     QCoro::Task<Result<void>> extract(ExtractRequest request) override
     {
         calls.append(QStringLiteral("extract ") + request.archive);
@@ -80,10 +80,12 @@ public:
             co_return velbrix::failure(QStringLiteral("已取消"));
         if (extractProblem)
             co_return velbrix::failure(*extractProblem);
-        const QString made = QDir(request.folder).filePath(QStringLiteral("extracted"));
-        if (QFileInfo::exists(made))
-            co_return velbrix::failure(QStringLiteral("已经存在：") + made);
-        write(made, content);
+        for (const QString &entry : entries) {
+            const QString made = QDir(request.folder).filePath(entry);
+            if (QFileInfo::exists(made))
+                co_return velbrix::failure(QStringLiteral("已经存在：") + made);
+            write(made, content);
+        }
         co_return Result<void>();
     }
 

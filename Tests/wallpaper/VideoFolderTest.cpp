@@ -1,6 +1,8 @@
 #include "wallpaper/VideoFolder.h"
 
+#include "support/Files.h"
 #include "support/WallpaperRig.h"
+#include "wallpaper/ThumbnailCache.h"
 #include "wallpaper/VideoList.h"
 
 #include <QDir>
@@ -21,15 +23,7 @@ struct Rig : WallpaperRig {
     QString root = files.filePath(u"films"_s);
     VideoFolder &folder = wallpaper().folder();
 
-    QString make(const QString &name)
-    {
-        const QString path = root + u'/' + name;
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly))
-            file.write("x");
-        return path;
-    }
+    QString make(const QString &name) const { return writeFile(root + u'/' + name); }
     QStringList names()
     {
         QStringList all = folder.folderVideos();
@@ -117,15 +111,30 @@ private Q_SLOTS:
         rig.folder.wantThumbnails({a});
         QTRY_COMPARE(changed.size(), 2);
         QCOMPARE(rig.frames(), 1);
-        QVERIFY(QFile::remove(a));
-        rig.make(u"a.mp4"_s);
-        QFile again(a);
-        QVERIFY(again.open(QIODevice::Append) && again.write("more") == 4);
-        again.close();
+        writeFile(a, "longer");
         rig.folder.dropThumbnails();
         rig.folder.wantThumbnails({a});
         QTRY_COMPARE(changed.size(), 3);
         QCOMPARE(rig.frames(), 2);
+    }
+
+    void theOldestPicturesLeaveTheDisk()
+    {
+        Rig rig;
+        const QDir cache(rig.files.filePath(u"cache/velbrix/thumbnails"_s));
+        constexpr int surplus = 3;
+        for (int age = 0; age < ThumbnailCache::mostPictures + surplus; ++age) {
+            QFile picture(writeFile(cache.filePath(u"%1.jpg"_s.arg(age))));
+            QVERIFY(picture.open(QIODevice::Append) &&
+                    picture.setFileTime(QDateTime::fromSecsSinceEpoch(2'000'000'000 - age),
+                                        QFileDevice::FileModificationTime));
+        }
+        writeFile(cache.filePath(u"other"_s));
+        rig.folder.choose(rig.root);
+        QTRY_VERIFY(!rig.folder.isScanning());
+        QCOMPARE(entriesOf(cache.path()).size(), ThumbnailCache::mostPictures + 1);
+        for (int age = 0; age < surplus; ++age)
+            QVERIFY(!cache.exists(u"%1.jpg"_s.arg(ThumbnailCache::mostPictures + age)));
     }
 
     void whatLeftTheSightIsForgottenAndClosingCancels()

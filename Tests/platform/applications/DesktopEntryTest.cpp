@@ -1,9 +1,11 @@
 #include "platform/linux/applications/DesktopEntry.h"
 #include "platform/linux/applications/AppImages.h"
+#include "support/Fuzz.h"
 
 #include <QTest>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 class DesktopEntryTest : public QObject {
@@ -105,6 +107,28 @@ private Q_SLOTS:
         const AppImageName parts = appImageName(file);
         QTEST(parts.name, "name");
         QTEST(parts.version, "version");
+    }
+
+    void anyEntryGivesAnOrdinaryName()
+    {
+        const Fuzz fuzz{
+            {"[Desktop Entry]\nType=Application\nName=Paint\nName[zh_CN]=画图\\s板\n"
+             "Exec=\"/opt/My \\\"App\\\"/run\" --new %U %% 50%%\nIcon=paint\nTryExec=sh\n"
+             "OnlyShowIn=GNOME;XFCE;\nX-AppImage-Version=1.2\n[Desktop Action New]\nName=Other\n"},
+            {"\n", "\r\n", "\\n", "\\", "\"", "%", "=", "[", "]", ";", "Name=", "Exec="}};
+        int entries = 0;
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            const auto entry = parseDesktopEntry(bytes);
+            if (!entry)
+                return true;
+            ++entries;
+            static_cast<void>(entry->isShown({u"XFCE"_s}));
+            const auto isControl = [](QChar c) { return c < u' '; };
+            return !entry->name.trimmed().isEmpty() && entry->name.size() <= 200 &&
+                   std::ranges::none_of(entry->name, isControl) &&
+                   execArguments(entry->exec).size() <= entry->exec.size();
+        }));
+        QVERIFY(entries > 100);
     }
 };
 

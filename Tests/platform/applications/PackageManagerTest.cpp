@@ -1,10 +1,12 @@
 #include "platform/linux/applications/PackageManager.h"
 #include "platform/linux/applications/SizeText.h"
 #include "platform/linux/applications/StoreList.h"
+#include "support/Fuzz.h"
 
 #include <QTest>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -110,6 +112,36 @@ private Q_SLOTS:
         QVERIFY(isPackageName(u"libstdc++6:amd64"_s) && isPackageName(u"org.gimp.GIMP"_s));
         QVERIFY(!isPackageName(u"-y"_s) && !isPackageName(u""_s) && !isPackageName(u"a*"_s) &&
                 !isPackageName(u"a b"_s) && !isPackageName(u"a\n"_s));
+    }
+
+    void anyOutputIsRead()
+    {
+        const Fuzz fuzz{
+            {"gimp: /usr/share/applications/gimp.desktop\nwine:i386, wine:amd64: /usr/a: b.desktop\n",
+             "gimp\t2.10-1\t18000\tno\tno\toptional\ninit\t1\t2\tno\tyes\timportant\n",
+             "Reading package lists...\nRemv gimp [2.10-1] [plug:amd64 ]\nRemv plug [1]\n",
+             "=====\nRemoving:\n gimp     x86_64  2:2.10  @fedora  100 M\n\nTransaction Summary\n",
+             "The following 2 packages are going to be REMOVED:\n  gimp gimp-data\n\n2 packages\n",
+             "Name            : gimp\nVersion         : 2.10-1\nInstalled Size  : 1.50 MiB\n",
+             "/usr/share/gimp.desktop is owned by gimp 2.10-1\n",
+             "org.gimp.GIMP\tGIMP\t2.10\t123.4\xc2\xa0MB\tuser\norg.x.Y\t\t\t?\tsystem\n",
+             "Name    Version  Rev  Tracking  Publisher  Notes\nfirefox 128.0-1  1  latest  mozilla  -\n"},
+            {"\n", "\t", " ", ":", ": /", "Remv ", "9223372036854775807", "1e999", "-1", " GB"}};
+        const QList<PackageManager> managers{managerOf(u"dpkg-query"_s, u"apt-get"_s),
+                                             managerOf(u"rpm"_s, u"dnf"_s), managerOf(u"rpm"_s, u"zypper"_s),
+                                             managerOf(u""_s, u"pacman"_s)};
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            for (const PackageManager &manager : managers) {
+                static_cast<void>(manager.owners(bytes));
+                static_cast<void>(manager.facts(bytes));
+                static_cast<void>(manager.removed(bytes));
+            }
+            const auto isSound = [](const FlatpakApplication &each) {
+                return isPackageName(each.id) && !each.name.isEmpty() && each.size.value_or(0) >= 0;
+            };
+            return std::ranges::all_of(flatpakApplications(bytes), isSound) &&
+                   std::ranges::all_of(snapVersions(bytes).keys(), isPackageName);
+        }));
     }
 };
 

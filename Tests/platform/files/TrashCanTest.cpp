@@ -2,6 +2,8 @@
 
 #include "foundation/SystemClock.h"
 #include "support/FakeTrashCan.h"
+#include "support/Files.h"
+#include "support/Fuzz.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
@@ -26,18 +28,6 @@ bool isThere(const QString &path)
 {
     struct stat facts{};
     return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
-}
-
-QByteArray read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool write(const QString &path, const QByteArray &text = "x")
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) && file.write(text) >= 0;
 }
 
 bool link(const QString &target, const QString &path)
@@ -88,8 +78,8 @@ public:
         qputenv("XDG_DATA_HOME", QFile::encodeName(data));
         QDir().mkpath(volume);
         QString escaped = volume;
-        write(table, "40 27 8:1 / " + QFile::encodeName(escaped.replace(u' ', u"\\040"_s)) +
-                         " rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
+        writeFile(table, "40 27 8:1 / " + QFile::encodeName(escaped.replace(u' ', u"\\040"_s)) +
+                             " rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
         can = std::make_unique<FreedesktopTrash>(clock, TrashPlaces(QFile::encodeName(table)));
     }
     ~TrashRig()
@@ -126,13 +116,14 @@ class TrashCanTest : public QObject {
     {
         const QString kept = folder + u"/kept/inside"_s;
         const QString item = folder + u"/deep/"_s + name;
-        QVERIFY(write(kept) && QDir().mkpath(folder + u"/deep"_s));
+        writeFile(kept);
+        QVERIFY(QDir().mkpath(folder + u"/deep"_s));
         if (name == u"folder")
-            QVERIFY(write(item + u"/inside"_s));
+            writeFile(item + u"/inside"_s);
         else if (name.startsWith(u"link"))
             QVERIFY(link(name == u"link" ? folder + u"/kept"_s : u"/nowhere/at/all"_s, item));
         else
-            QVERIFY(write(item));
+            writeFile(item);
         const bool isLink = QFileInfo(item).isSymLink();
 
         const auto trashed = QCoro::waitFor(can.moveToTrash(item));
@@ -142,9 +133,9 @@ class TrashCanTest : public QObject {
         QCOMPARE(QFileInfo(*trashed).isSymLink(), isLink);
         QVERIFY(!QCoro::waitFor(can.moveToTrash(item)));
 
-        QVERIFY(write(item, "newer"));
+        writeFile(item, "newer");
         QVERIFY(!QCoro::waitFor(can.putBack(*trashed, item)));
-        QCOMPARE(read(item), "newer");
+        QCOMPARE(readFile(item), "newer");
         QVERIFY(isThere(*trashed));
 
         // Its folder is made anew.
@@ -189,9 +180,9 @@ private Q_SLOTS:
                  "[Trash Info]\nPath=/a%20b/%E4%B8%AD%25%0A%FF\nDeletionDate=2026-02-03T04:05:06\n");
         TrashRig rig;
         for (const QString &name : {u"item"_s, u"item.2"_s, u"item.3"_s}) {
-            QVERIFY(write(rig.path(u"item"_s)));
+            writeFile(rig.path(u"item"_s));
             QCOMPARE(rig.throwAway(rig.path(u"item"_s)), Result<QString>(rig.trash + u"/files/"_s + name));
-            QVERIFY(read(rig.trash + u"/info/"_s + name + u".trashinfo"_s)
+            QVERIFY(readFile(rig.trash + u"/info/"_s + name + u".trashinfo"_s)
                         .startsWith("[Trash Info]\nPath=" + QFile::encodeName(rig.path(u"item"_s)) + '\n'));
         }
         QCOMPARE(QFileInfo(rig.trash).permissions() & QFile::Permissions(0x0077), QFile::Permissions());
@@ -222,7 +213,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, item);
         TrashRig rig;
-        QVERIFY(write(rig.path(u"old"_s)) && write(rig.path(u"kept/file"_s)));
+        writeFile(rig.path(u"old"_s));
+        writeFile(rig.path(u"kept/file"_s));
         QVERIFY(rig.throwAway(rig.path(u"old"_s)));
         const auto moved = rig.throwAway(rig.path(item));
         QVERIFY(!moved);
@@ -235,7 +227,8 @@ private Q_SLOTS:
     void aLinkGoesEvenWhenNamedAsAFolder()
     {
         TrashRig rig;
-        QVERIFY(write(rig.path(u"kept/file"_s)) && link(rig.path(u"kept"_s), rig.path(u"link"_s)));
+        writeFile(rig.path(u"kept/file"_s));
+        QVERIFY(link(rig.path(u"kept"_s), rig.path(u"link"_s)));
         const auto trashed = rig.throwAway(rig.path(u"link/"_s));
         QVERIFY(trashed && QFileInfo(*trashed).isSymLink() && !isThere(rig.path(u"link"_s)));
         QVERIFY(isThere(rig.path(u"kept/file"_s)));
@@ -244,8 +237,8 @@ private Q_SLOTS:
     void onlyWhatIsTrashedIsPutBack()
     {
         TrashRig rig;
-        QVERIFY(write(rig.path(u"elsewhere/files/item"_s)));
-        QVERIFY(write(rig.path(u"elsewhere/.Trash-%1/files/item"_s.arg(::getuid()))));
+        writeFile(rig.path(u"elsewhere/files/item"_s));
+        writeFile(rig.path(u"elsewhere/.Trash-%1/files/item"_s.arg(::getuid())));
         const QString target = rig.path(u"made/target"_s);
         QCOMPARE(rig.putBack(rig.path(u"elsewhere/files/item"_s), target).error().message, u"不在废纸篓里"_s);
         QVERIFY(!rig.putBack(rig.path(u"elsewhere/.Trash-%1/files/item"_s.arg(::getuid())), target));
@@ -257,13 +250,13 @@ private Q_SLOTS:
     void emptyingLeavesNothingBehind()
     {
         TrashRig rig;
-        QVERIFY(write(rig.path(u"kept/inside"_s)));
-        QVERIFY(write(rig.trash + u"/files/folder/file"_s, QByteArray(100000, 'x')));
+        writeFile(rig.path(u"kept/inside"_s));
+        writeFile(rig.trash + u"/files/folder/file"_s, QByteArray(100000, 'x'));
         QVERIFY(link(rig.path(u"kept"_s), rig.trash + u"/files/link"_s));
         for (const char *name : {"info/folder.trashinfo", "info/orphan.trashinfo", "info/junk",
                                  "expunged/1/file", "directorysizes"})
-            QVERIFY(write(rig.trash + u'/' + QString::fromLatin1(name)));
-        QVERIFY(write(rig.volumeTrash + u"/files/other"_s));
+            writeFile(rig.trash + u'/' + QString::fromLatin1(name));
+        writeFile(rig.volumeTrash + u"/files/other"_s);
         rig.rules.boundSockets = QSet<QByteArray>();
         const RemovalReport report = rig.empty();
         QCOMPARE(report.problemCount, 0);
@@ -281,7 +274,8 @@ private Q_SLOTS:
     void emptyingCanBeCancelled()
     {
         TrashRig rig;
-        QVERIFY(write(rig.trash + u"/files/one"_s) && write(rig.trash + u"/info/one.trashinfo"_s));
+        writeFile(rig.trash + u"/files/one"_s);
+        writeFile(rig.trash + u"/info/one.trashinfo"_s);
         rig.stop.cancel();
         QCOMPARE(rig.empty().removedFiles, 0);
         QVERIFY(isThere(rig.trash + u"/files/one"_s) && isThere(rig.trash + u"/info/one.trashinfo"_s));
@@ -290,9 +284,10 @@ private Q_SLOTS:
     void whatStaysKeepsItsInfo()
     {
         TrashRig rig;
-        QVERIFY(write(rig.trash + u"/files/stays/file"_s) && write(rig.trash + u"/files/goes"_s));
-        QVERIFY(write(rig.trash + u"/info/stays.trashinfo"_s) &&
-                write(rig.trash + u"/info/goes.trashinfo"_s));
+        writeFile(rig.trash + u"/files/stays/file"_s);
+        writeFile(rig.trash + u"/files/goes"_s);
+        writeFile(rig.trash + u"/info/stays.trashinfo"_s);
+        writeFile(rig.trash + u"/info/goes.trashinfo"_s);
         rig.rules.protectedPlaces = {QFile::encodeName(rig.trash + u"/files/stays"_s)};
         const RemovalReport report = rig.empty();
         QCOMPARE(report.problemCount, 1);
@@ -303,12 +298,13 @@ private Q_SLOTS:
     void aLinkInsteadOfThePartIsNotFollowed()
     {
         TrashRig rig;
-        QVERIFY(write(rig.path(u"kept/inside"_s)) && QDir().mkpath(rig.trash));
+        writeFile(rig.path(u"kept/inside"_s));
+        QVERIFY(QDir().mkpath(rig.trash));
         QVERIFY(link(rig.path(u"kept"_s), rig.trash + u"/files"_s));
         QVERIFY(link(rig.path(u"kept"_s), rig.trash + u"/info"_s));
         QCOMPARE(rig.empty(), RemovalReport());
         QVERIFY(isThere(rig.path(u"kept/inside"_s)));
-        QVERIFY(write(rig.path(u"item"_s)));
+        writeFile(rig.path(u"item"_s));
         QVERIFY(!rig.throwAway(rig.path(u"item"_s)));
         QVERIFY(isThere(rig.path(u"item"_s)));
     }
@@ -319,10 +315,10 @@ private Q_SLOTS:
         if (!rig.mountVolume())
             QSKIP("nothing can be mounted here");
         const QString item = rig.volume + u"/deep/item"_s;
-        QVERIFY(write(item));
+        writeFile(item);
         const auto trashed = rig.throwAway(item);
         QCOMPARE(trashed, Result<QString>(rig.volumeTrash + u"/files/item"_s));
-        QVERIFY(read(rig.volumeTrash + u"/info/item.trashinfo"_s).contains("\nPath=deep/item\n"));
+        QVERIFY(readFile(rig.volumeTrash + u"/info/item.trashinfo"_s).contains("\nPath=deep/item\n"));
         QVERIFY(!isThere(rig.trash));
         QVERIFY(rig.can->folders().contains(rig.volumeTrash));
 
@@ -341,8 +337,9 @@ private Q_SLOTS:
         TrashRig rig;
         if (!rig.mountVolume())
             QSKIP("nothing can be mounted here");
-        QVERIFY(write(rig.path(u"kept/files/inside"_s)));
-        QVERIFY(link(rig.path(u"kept"_s), rig.volumeTrash) && write(rig.volume + u"/item"_s));
+        writeFile(rig.path(u"kept/files/inside"_s));
+        QVERIFY(link(rig.path(u"kept"_s), rig.volumeTrash));
+        writeFile(rig.volume + u"/item"_s);
         QCOMPARE(rig.throwAway(rig.volume + u"/item"_s).error().message, u"所在的磁盘没有可用的废纸篓"_s);
         QCOMPARE(rig.empty(), RemovalReport());
         QVERIFY(isThere(rig.path(u"kept/files/inside"_s)) && isThere(rig.volume + u"/item"_s));
@@ -355,6 +352,25 @@ private Q_SLOTS:
         QCOMPARE(rig.throwAway(rig.volume + u"/item"_s),
                  Result<QString>(u"%1/%2/files/item"_s.arg(shared).arg(::getuid())));
         QCOMPARE(rig.empty().removedFiles, 1);
+    }
+
+    void anyNameAndMountTableIsTaken()
+    {
+        const Fuzz names{{"a file.txt", "/a b/中%\n\xff", QString(85, u'长').toUtf8()},
+                         {"/", "%", "%2F", "\n", "\r"}};
+        QVERIFY(names.isSurvivedBy([](const QByteArray &bytes) {
+            const QByteArray info = trashInfo(bytes, QDateTime({2026, 2, 3}, {4, 5, 6}));
+            const QByteArray told = info.split('\n').value(1);
+            const QByteArray name = trashedName(bytes, 12);
+            return info.count('\n') == 3 && QByteArray::fromPercentEncoding(told.mid(5)) == bytes &&
+                   name.size() <= 245 && name.endsWith(".12") && bytes.startsWith(name.chopped(3));
+        }));
+        const Fuzz tables{
+            {"30 27 8:1 / /media/My\\040Disk\\134x rw,nosuid shared:4 master:2 - vfat /dev/a rw\n"
+             "33 27 0:41 /home /home rw - btrfs /dev/b rw\n"},
+            {" ", " - ", "\\", "\\777", "\\0", "\n", ","}};
+        QVERIFY(tables.isSurvivedBy(
+            [](const QByteArray &bytes) { return trashVolumes(bytes).size() <= bytes.count('\n') + 1; }));
     }
 
     void onlyDisksHaveATrash()

@@ -25,7 +25,7 @@ private Q_SLOTS:
     {
         LiveMovie movie(path(u"movie.mp4"_s));
         movie.record(3);
-        _live = contents(path(u"movie.mp4"_s));
+        _live = readFile(path(u"movie.mp4"_s));
         QVERIFY(movie.finish());
     }
 
@@ -53,7 +53,7 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("noise") << QByteArray(20000, 'x');
         QTest::newRow("start only") << _live.first(_live.indexOf("moof") - 4);
-        QByteArray garbled = contents(path(u"movie.mp4"_s));
+        QByteArray garbled = readFile(path(u"movie.mp4"_s));
         const qsizetype media = _live.indexOf("moof") - 4;
         const qsizetype header = garbled.lastIndexOf("moov") - 4;
         garbled.replace(media, header - media, QByteArray(header - media, '\xFF'));

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "support/Files.h"
+
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryFile>
@@ -71,19 +72,6 @@ inline QByteArray sound(const QString &path, const QString &stream = QStringLite
     const QByteArray all = output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path, u"-map"_s,
                                                 u"0:"_s + stream, u"-f"_s, u"f32le"_s, u"-"_s});
     return all.mid(start < 0 ? -start * 8 : 0);
-}
-
-inline QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        file.write(bytes);
 }
 
 } // namespace velbrix::test

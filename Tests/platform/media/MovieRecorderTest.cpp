@@ -128,14 +128,14 @@ private Q_SLOTS:
         submit(**recorder, picture, picture.all(), 0);
         const QString copy = _folder.filePath(u"killed.mp4"_s);
         const auto killedDuration = [&] {
-            writeFile(copy, contents(settings().path));
+            writeFile(copy, readFile(settings().path));
             return probed(copy, u"format=duration"_s, u"v"_s).toDouble();
         };
         QTRY_VERIFY(killedDuration() >= 17);
         QVERIFY((*recorder)->finish(25 * 30));
         QCOMPARE(ledger.counters().writtenFrameCount, 1);
         QCOMPARE(probed(settings().path, u"format=duration"_s, u"v"_s).toDouble(), 25.0);
-        QVERIFY(contents(settings().path).size() < 150'000);
+        QVERIFY(readFile(settings().path).size() < 150'000);
     }
 
     void aFullQueueTakesNothing()

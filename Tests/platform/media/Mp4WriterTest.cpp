@@ -46,14 +46,14 @@ private Q_SLOTS:
     {
         const QString file = path(u"movie.mp4"_s);
         LiveMovie movie(file);
-        QCOMPARE(boxNames(contents(file)), (QByteArrayList{"ftyp", "free", "moov"}));
+        QCOMPARE(boxNames(readFile(file)), (QByteArrayList{"ftyp", "free", "moov"}));
         movie.record(5);
-        const QByteArrayList live = boxNames(contents(file));
+        const QByteArrayList live = boxNames(readFile(file));
         QCOMPARE(live.mid(0, 3), (QByteArrayList{"ftyp", "free", "moov"}));
         QVERIFY(live.count("moof") >= 4);
         QCOMPARE(live.count("moof"), live.count("mdat"));
         QVERIFY(movie.finish());
-        QCOMPARE(boxNames(contents(file)), (QByteArrayList{"ftyp", "mdat", "moov"}));
+        QCOMPARE(boxNames(readFile(file)), (QByteArrayList{"ftyp", "mdat", "moov"}));
         QVERIFY(!movie.failure);
     }
 
@@ -64,8 +64,8 @@ private Q_SLOTS:
         LiveMovie movie(file);
         movie.recordStillSecond();
         QVERIFY(movie.finish());
-        QCOMPARE(boxNames(contents(file)), (QByteArrayList{"ftyp", "mdat", "moov", "free"}));
-        QVERIFY(contents(file).size() >= 10'001);
+        QCOMPARE(boxNames(readFile(file)), (QByteArrayList{"ftyp", "mdat", "moov", "free"}));
+        QVERIFY(readFile(file).size() >= 10'001);
         QByteArray errors;
         QVERIFY(!pictures(file, &errors).isEmpty());
         QCOMPARE(errors, QByteArray());
@@ -78,7 +78,7 @@ private Q_SLOTS:
         const QString reference = path(u"reference.mp4"_s);
         LiveMovie movie(file);
         movie.record(5);
-        const QByteArray killed = contents(file);
+        const QByteArray killed = readFile(file);
         QVERIFY(movie.finish());
         writeFile(live, killed);
         // The same packets through another muxer.

@@ -81,6 +81,30 @@ private Q_SLOTS:
         QCOMPARE(keys.last(), (KeyPress{f13, all, false}));
     }
 
+    // Not every host tells the repeats of other programs.
+    void aHeldKeyRepeats()
+    {
+        focusField();
+        QList<bool> local;
+        QList<bool> global;
+        const auto ours = _monitor->watchLocal([&](const KeyPress &key) {
+            local.append(key.isRepeat);
+            return false;
+        });
+        const auto all = _monitor->watchGlobal([&](const KeyPress &key) { global.append(key.isRepeat); });
+        for (int presses = 0; presses < 2; ++presses) {
+            local.clear();
+            global.clear();
+            _user->press(XTestKeyboard::keyD);
+            QTRY_VERIFY(local.size() >= 3);
+            _user->release(XTestKeyboard::keyD);
+            _user->sync();
+            QTest::qWait(20); // what was pressed before comes in
+            QCOMPARE(local, QList<bool>{false} + QList<bool>(local.size() - 1, true));
+            QCOMPARE(global, QList<bool>{false} + QList<bool>(global.size() - 1, true));
+        }
+    }
+
     void knowsModifiersHeldFromBefore()
     {
         _user->press(XTestKeyboard::leftControl);

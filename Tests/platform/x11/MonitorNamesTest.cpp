@@ -1,7 +1,10 @@
 #include "platform/linux/x11/MonitorNames.h"
 
+#include "support/Fuzz.h"
+
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 class MonitorNamesTest : public QObject {
     Q_OBJECT
@@ -42,6 +45,13 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, edid);
         QTEST(edidName(edid), "name");
+    }
+
+    void anyEdidHasAShortName()
+    {
+        const QByteArray name = QByteArray("\0\0\0\xfc\0", 5) + "DELL U2720\n  ";
+        const Fuzz fuzz{{QByteArray(54, '\0') + QByteArray(18, '\1') + name + name.repeated(2)}};
+        QVERIFY(fuzz.isSurvivedBy([](const QByteArray &bytes) { return edidName(bytes).size() <= 13; }));
     }
 };
 

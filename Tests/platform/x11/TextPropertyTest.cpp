@@ -1,9 +1,12 @@
 #include "platform/linux/x11/TextProperty.h"
 
+#include "support/Fuzz.h"
+
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 class TextPropertyTest : public QObject {
     Q_OBJECT
@@ -44,6 +47,19 @@ private Q_SLOTS:
         QFETCH(QByteArray, bytes);
         QFETCH(QString, text);
         QCOMPARE(decodeText(bytes, static_cast<TextEncoding>(encoding)), text);
+    }
+
+    void anyBytesBecomeAText()
+    {
+        const Fuzz fuzz{{"caf\xe9 \x1b%G\xe5\xbd\x95\x1b%@b\x1b$(A\x44\x5a\x1b(B x",
+                         "a\x1b$)A\xc4\xda\x1b-A\xe9\x1b$(B\x46\x7c\x1b(B",
+                         "a\x1b%/1\x80\x87"
+                         "big5\x02xxb"},
+                        {"\x1b$(A", "\x1b$)A", "\x1b%G", "\x1b%@", "\x1b%/1\x80\x87", "\x1b(B", "\x9b"}};
+        QVERIFY(fuzz.isSurvivedBy([](const QByteArray &bytes) {
+            return decodeText(bytes, TextEncoding::compound).size() <= bytes.size() &&
+                   decodeText(bytes, TextEncoding::utf8).size() <= bytes.size();
+        }));
     }
 };
 

@@ -121,8 +121,8 @@ QString reasonOf(int status)
 // One run; lives in the frame of the coroutine that drives it.
 class MirrorRun {
 public:
-    MirrorRun(Clock &clock, BackupRunRequest request)
-        : _clock(clock), _request(std::move(request)), _task(_request.task)
+    MirrorRun(Clock &clock, BackupRunRequest request, QString rsync)
+        : _clock(clock), _request(std::move(request)), _task(_request.task), _rsync(std::move(rsync))
     {
     }
 
@@ -188,7 +188,7 @@ private:
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
         ProcessRequest rsync;
-        rsync.program = u"/usr/bin/rsync"_s;
+        rsync.program = _rsync;
         rsync.arguments = rsyncArguments(_task, setAside, _facts);
         rsync.environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s); // else it escapes what is not ASCII
         rsync.onOutput = [this](const QByteArray &piece) { take(piece); };
@@ -200,7 +200,7 @@ private:
         _output.finish();
         if (!ended)
             co_return BackupOutcome::failed(
-                u"同步失败：无法运行 /usr/bin/rsync（%1）"_s.arg(ended.error().message));
+                u"同步失败：无法运行 %1（%2）"_s.arg(_rsync, ended.error().message));
         if (ended->cancelled)
             co_return BackupOutcome::cancelled();
         co_return outcomeOf(*ended);
@@ -242,6 +242,7 @@ private:
     Clock &_clock;
     BackupRunRequest _request;
     const BackupTask _task;
+    const QString _rsync;
     TreeFacts _facts;
     RsyncOutput _output;
     std::unique_ptr<Alarm> _update;
@@ -249,9 +250,9 @@ private:
 
 } // namespace
 
-QCoro::Task<BackupOutcome> mirrorFolder(Clock &clock, BackupRunRequest request)
+QCoro::Task<BackupOutcome> mirrorFolder(Clock &clock, BackupRunRequest request, QString rsync)
 {
-    MirrorRun run(clock, std::move(request));
+    MirrorRun run(clock, std::move(request), std::move(rsync));
     const BackupOutcome outcome = co_await run.run();
     co_return BackupOutcome(outcome);
 }

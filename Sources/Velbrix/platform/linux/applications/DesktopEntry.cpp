@@ -1,5 +1,7 @@
 #include "platform/linux/applications/DesktopEntry.h"
 
+#include "foundation/OneLine.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -83,7 +85,7 @@ QStringList listed(const QByteArray &value)
 QString nameOf(const Values &values)
 {
     for (const auto &key : {"Name[zh_CN]", "Name[zh]", "Name"}) {
-        const QString name = unescaped(values.value(key)).simplified();
+        const QString name = oneLine(unescaped(values.value(key))).simplified();
         if (!name.isEmpty())
             return name.left(nameLimit);
     }
@@ -121,7 +123,7 @@ std::optional<DesktopEntry> parseDesktopEntry(const QByteArray &text)
                         exec,
                         unescaped(values.value("TryExec")),
                         unescaped(values.value("Icon")),
-                        unescaped(values.value("X-AppImage-Version")).simplified().left(nameLimit),
+                        oneLine(unescaped(values.value("X-AppImage-Version"))).simplified().left(nameLimit),
                         unescaped(values.value("X-Flatpak")),
                         unescaped(values.value("X-SnapInstanceName")),
                         isHidden,

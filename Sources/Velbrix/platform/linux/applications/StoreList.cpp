@@ -1,5 +1,6 @@
 #include "platform/linux/applications/StoreList.h"
 
+#include "foundation/OneLine.h"
 #include "platform/linux/applications/PackageManager.h"
 #include "platform/linux/applications/SizeText.h"
 
@@ -16,8 +17,8 @@ QList<FlatpakApplication> flatpakApplications(const QByteArray &output)
         const bool isUsers = fields.value(4) == u"user"_s;
         if (fields.size() != 5 || !isPackageName(fields[0]) || (!isUsers && fields[4] != u"system"_s))
             continue;
-        const QString name = fields[1].simplified();
-        applications.append({fields[0], name.isEmpty() ? fields[0] : name, fields[2].simplified(),
+        const QString name = oneLine(fields[1]).simplified();
+        applications.append({fields[0], name.isEmpty() ? fields[0] : name, oneLine(fields[2]).simplified(),
                              bytesOf(fields[3]), isUsers});
     }
     return applications;
