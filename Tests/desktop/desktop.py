@@ -4,7 +4,9 @@ import functools
 import json
 import os
 import pathlib
+import pty
 import re
+import select
 import shutil
 import signal
 import subprocess
@@ -90,7 +92,7 @@ class Program:
     def __init__(self, home, *arguments, env=None):
         self.home = home
         self.log = home / "program.log"
-        self._environment = dict(
+        self.environment = dict(
             os.environ,
             HOME=str(home),
             XDG_CONFIG_HOME=str(home / ".config"),
@@ -100,12 +102,31 @@ class Program:
             **(env or {}),
         )
         with open(self.log, "ab") as log:
-            self.process = subprocess.Popen([PROGRAM, *arguments], env=self._environment, stdout=log, stderr=log)
+            self.process = subprocess.Popen([PROGRAM, *arguments], env=self.environment, stdout=log, stderr=log)
         self.pid = self.process.pid
 
     def run(self, *words, folder=None):
-        return subprocess.run([PROGRAM, *words], env=self._environment, capture_output=True, text=True, timeout=30,
+        return subprocess.run([PROGRAM, *words], env=self.environment, capture_output=True, text=True, timeout=30,
                               cwd=folder)
+
+    def run_on_terminal(self, typed, *words):
+        """With the user's answer to its first question; the exit code and all that was shown."""
+        terminal, other_end = pty.openpty()
+        process = subprocess.Popen([PROGRAM, *words], env=self.environment, stdin=other_end, stdout=other_end,
+                                   stderr=other_end, start_new_session=True)
+        os.close(other_end)
+        shown = b""
+        try:
+            while select.select([terminal], [], [], 30)[0]:
+                shown += os.read(terminal, 4096)
+                if typed and b"[y/N]" in shown:
+                    os.write(terminal, typed)
+                    typed = b""
+        except OSError:  # its end is closed
+            pass
+        finally:
+            os.close(terminal)
+        return process.wait(10), shown.decode()
 
     def ask(self, *words):
         """What the program answers in JSON; the exit code comes with it."""
