@@ -49,6 +49,7 @@ function(velbrix_test path)
     if(ARG_DESKTOP)
         # A private X server, session bus and sound server for each test.
         add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/Tests/support/private-desktop $<TARGET_FILE:${name}>)
+        set_tests_properties(${name} PROPERTIES LABELS desktop)
     else()
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")

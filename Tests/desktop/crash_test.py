@@ -42,8 +42,7 @@ class Crash(DesktopTestCase):
         window = Window(program, program.wait_for_window())
         program.do("show", "recorder")
         window.wait_for(left.name)
-        # The banner about it has slid in and out again.
-        window.wait_for("发现未正常结束的录制")
+        # The banner about it came with the window, and covers what is to be clicked.
         window.wait_without("发现未正常结束的录制")
         return program, window
 

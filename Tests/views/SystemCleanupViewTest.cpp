@@ -195,7 +195,7 @@ void SystemCleanupViewTest::hundredThousandEntries()
     list.showEntries(entries);
     std::ranges::reverse(entries);
     list.showEntries(entries);
-    QVERIFY2(watch.elapsed() < 3000, qPrintable(QString::number(watch.elapsed())));
+    QVERIFY2(watch.elapsed() < 10'000, qPrintable(QString::number(watch.elapsed())));
     // The line that was chosen is the same entry at its new place.
     QCOMPARE(list.currentIndex().data().toString(), u"500"_s);
     QCOMPARE(list.currentIndex().row(), 99'499);

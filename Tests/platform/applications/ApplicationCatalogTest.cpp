@@ -394,7 +394,7 @@ private Q_SLOTS:
         timer.start();
         QCOMPARE(rig.applications().size(), 300);
         qInfo("%lld ms", timer.elapsed());
-        QVERIFY(timer.elapsed() < 1000);
+        QVERIFY(timer.elapsed() < 5000);
     }
 
     void placesFollowTheEnvironment()
