@@ -58,10 +58,10 @@ RemovalRules rules(QList<QByteArray> places = {})
 
 RemovalReport empty(const RemovalRoot &root)
 {
-    const std::atomic_bool cancelled = false;
+    const Cancellation never;
     RemovalReport report;
     for (const QByteArray &entry : root.entries())
-        report.add(root.remove(entry, cancelled));
+        report.add(root.remove(entry, never));
     return report;
 }
 
@@ -327,8 +327,8 @@ private Q_SLOTS:
         Ground ground;
         tree::file(ground.root + "/a/b");
         const auto before = tree::snapshot(ground.base);
-        const std::atomic_bool cancelled = false;
-        const RemovalReport report = RemovalRoot(ground.root, rules()).remove(name, cancelled);
+        const Cancellation never;
+        const RemovalReport report = RemovalRoot(ground.root, rules()).remove(name, never);
         QCOMPARE(report.problems.value(0).reason, u"不在可以清理的文件夹里"_s);
         QCOMPARE(tree::snapshot(ground.base), before);
     }
@@ -438,7 +438,8 @@ private Q_SLOTS:
     {
         Ground ground;
         tree::file(ground.root + "/a/b");
-        const std::atomic_bool cancelled = true;
+        Cancellation cancelled;
+        cancelled.cancel();
         QCOMPARE(RemovalRoot(ground.root, rules()).remove("a", cancelled), RemovalReport());
         QVERIFY(tree::exists(ground.root + "/a/b"));
     }
@@ -570,7 +571,7 @@ private Q_SLOTS:
                 exchange(folder, parked, ground.outside + "/deep");
             }
         });
-        const std::atomic_bool cancelled = false;
+        const Cancellation never;
         const RemovalRoot root(ground.root, rules());
         QElapsedTimer time;
         qint64 removed = 0;
@@ -584,7 +585,7 @@ private Q_SLOTS:
                 if (file >= 0)
                     ::close(file);
             }
-            removed += root.remove("a", cancelled).removedFiles;
+            removed += root.remove("a", never).removedFiles;
         }
         ends = true;
         exchanger.join();

@@ -82,7 +82,8 @@ private Q_SLOTS:
         Rig rig;
         rig.backend->failsWith = u"disk full"_s;
         QStringList told;
-        rig.store->observeFailures([&](const Failure &reason) { told << reason.message; });
+        const Observation observation =
+            rig.store->observeFailures([&](const Failure &reason) { told << reason.message; });
         rig.store->set(u"a"_s, 1);
         rig.clock.advance(1s);
         QCOMPARE(told, QStringList{u"disk full"_s});

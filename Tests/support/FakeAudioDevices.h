@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace velbrix::test {
 
@@ -42,16 +41,15 @@ public:
         }
         co_return std::as_const(setDefaultAnswer);
     }
-    void observeChanges(std::function<void()> changed) override { _observers.push_back(std::move(changed)); }
-
-    void changed()
+    Observation observeChanges(std::function<void()> changed) override
     {
-        for (const auto &observer : _observers)
-            observer();
+        return _observers.add(std::move(changed));
     }
 
+    void changed() { _observers.notify(); }
+
 private:
-    std::vector<std::function<void()>> _observers;
+    ObserverList<void()> _observers;
 };
 
 } // namespace velbrix::test

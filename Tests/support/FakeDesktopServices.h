@@ -6,7 +6,6 @@
 
 #include <optional>
 #include <utility>
-#include <vector>
 
 namespace velbrix::test {
 
@@ -31,45 +30,39 @@ public:
     }
 
     bool hasTrayHost() const override { return trayHost; }
-    void observeTrayHost(std::function<void()> changed) override
+    Observation observeTrayHost(std::function<void()> changed) override
     {
-        _trayObservers.push_back(std::move(changed));
+        return _trayObservers.add(std::move(changed));
     }
 
     bool prefersReducedMotion() const override { return reducedMotion; }
     bool prefersDarkTheme() const override { return darkTheme; }
-    void observeTheme(std::function<void()> changed) override
+    Observation observeTheme(std::function<void()> changed) override
     {
-        _themeObservers.push_back(std::move(changed));
+        return _themeObservers.add(std::move(changed));
     }
 
-    void observeUnhide(std::function<void()> unhidden) override
+    Observation observeUnhide(std::function<void()> unhidden) override
     {
-        _unhideObservers.push_back(std::move(unhidden));
+        return _unhideObservers.add(std::move(unhidden));
     }
 
     void setTrayHost(bool present)
     {
         trayHost = present;
-        for (const auto &changed : _trayObservers)
-            changed();
+        _trayObservers.notify();
     }
     void setDarkTheme(bool dark)
     {
         darkTheme = dark;
-        for (const auto &changed : _themeObservers)
-            changed();
+        _themeObservers.notify();
     }
-    void unhide()
-    {
-        for (const auto &unhidden : _unhideObservers)
-            unhidden();
-    }
+    void unhide() { _unhideObservers.notify(); }
 
 private:
-    std::vector<std::function<void()>> _trayObservers;
-    std::vector<std::function<void()>> _themeObservers;
-    std::vector<std::function<void()>> _unhideObservers;
+    ObserverList<void()> _trayObservers;
+    ObserverList<void()> _themeObservers;
+    ObserverList<void()> _unhideObservers;
 };
 
 } // namespace velbrix::test

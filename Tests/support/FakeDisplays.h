@@ -3,7 +3,6 @@
 #include "platform/Displays.h"
 
 #include <utility>
-#include <vector>
 
 namespace velbrix::test {
 
@@ -14,17 +13,16 @@ public:
         {1, QStringLiteral("内建显示器"), true, QRect(0, 0, 1280, 800), QRect(0, 24, 1280, 776)}};
 
     QList<Display> displays() const override { return list; }
-    void observe(std::function<void()> changed) override { _observers.push_back(std::move(changed)); }
+    Observation observe(std::function<void()> changed) override { return _observers.add(std::move(changed)); }
 
     void set(QList<Display> now)
     {
         list = std::move(now);
-        for (const auto &observer : _observers)
-            observer();
+        _observers.notify();
     }
 
 private:
-    std::vector<std::function<void()>> _observers;
+    ObserverList<void()> _observers;
 };
 
 } // namespace velbrix::test

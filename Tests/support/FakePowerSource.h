@@ -18,21 +18,19 @@ public:
     void set(bool onBattery)
     {
         battery = onBattery;
-        if (_changed)
-            _changed();
+        _observers.notify();
     }
 
-    Result<void> startMonitor(std::function<void()> changed) override
+    Result<Observation> observe(std::function<void()> changed) override
     {
         if (monitorFailure)
             return failure(*monitorFailure);
-        _changed = std::move(changed);
-        return {};
+        return _observers.add(std::move(changed));
     }
     bool isOnBattery() const override { return battery; }
 
 private:
-    std::function<void()> _changed;
+    ObserverList<void()> _observers;
 };
 
 } // namespace velbrix::test

@@ -19,21 +19,17 @@ public:
         return !isTaken;
     }
     void wakeOther() override { calls.append(QStringLiteral("wakeOther")); }
-    void observeWake(std::function<void()> wake) override
+    Observation observeWake(std::function<void()> wake) override
     {
         calls.append(QStringLiteral("observeWake"));
-        _wake = std::move(wake);
+        return _observers.add(std::move(wake));
     }
 
     // A later copy asks this one to come forward.
-    void wake()
-    {
-        if (_wake)
-            _wake();
-    }
+    void wake() { _observers.notify(); }
 
 private:
-    std::function<void()> _wake;
+    ObserverList<void()> _observers;
 };
 
 } // namespace velbrix::test

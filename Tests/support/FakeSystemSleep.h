@@ -2,39 +2,20 @@
 
 #include "platform/SystemSleep.h"
 
-#include <functional>
 #include <utility>
 
 namespace velbrix::test {
 
-// A machine that the test wakes. One observer; must outlive its observation.
+// A machine that the test wakes.
 class FakeSystemSleep final : public SystemSleep {
 public:
-    bool isWatched() const { return _woke != nullptr; }
-    void wake() const
-    {
-        // A copy, since the call may end the watch.
-        if (const auto woke = _woke)
-            woke();
-    }
+    bool isWatched() const { return !_observers.isEmpty(); }
+    void wake() const { _observers.notify(); }
 
-    std::unique_ptr<Observation> watchWaking(std::function<void()> woke) override
-    {
-        _woke = std::move(woke);
-        return std::make_unique<Watch>(*this);
-    }
+    Observation observeWaking(std::function<void()> woke) override { return _observers.add(std::move(woke)); }
 
 private:
-    class Watch final : public Observation {
-    public:
-        explicit Watch(FakeSystemSleep &owner) : _owner(owner) {}
-        ~Watch() override { _owner._woke = nullptr; }
-
-    private:
-        FakeSystemSleep &_owner;
-    };
-
-    std::function<void()> _woke;
+    ObserverList<void()> _observers;
 };
 
 } // namespace velbrix::test

@@ -85,7 +85,8 @@ private Q_SLOTS:
         QTest::qWait(0);
         // It may have been quicker than the cancelling.
         QVERIFY(!rig.folder.folderVideos().isEmpty());
-        const std::atomic_bool cancelled{true};
+        Cancellation cancelled;
+        cancelled.cancel();
         QVERIFY(videosBelow(rig.root, cancelled).isEmpty());
     }
 

@@ -135,7 +135,7 @@ private Q_SLOTS:
         WallpaperRig rig;
         rig.plugSecond();
         rig.play(rig.video(u"a.mp4"_s));
-        QCOMPARE(rig.host.visibility.watchers, 1);
+        QVERIFY(rig.host.visibility.isWatched());
         rig.host.visibility.set(sight);
         rig.wallpaper().preferences().setPauseWhenCovered(minds);
         QTEST(rig.surface(0)->isPlaying, "firstPlays");
@@ -196,7 +196,7 @@ private Q_SLOTS:
         rig.clock.advance(10s);
         QCOMPARE(loads(), 4);
         rig.wallpaper().pauseWallpaper();
-        QCOMPARE(rig.host.visibility.watchers, 0);
+        QVERIFY(!rig.host.visibility.isWatched());
         const int fired = rig.clock.firedCount();
         rig.clock.advance(FileBackupController::checkInterval - 1s);
         QVERIFY(rig.clock.firedCount() <= fired + standingAlarms);

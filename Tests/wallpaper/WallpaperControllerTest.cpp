@@ -190,7 +190,7 @@ private Q_SLOTS:
         QVERIFY(rig.wallpaper().isShowing());
         rig.wallpaper().clearDisplayVideo(2);
         QCOMPARE(rig.wallpaper().state().kind, Kind::idle);
-        QCOMPARE(rig.host.visibility.watchers, 0);
+        QVERIFY(!rig.host.visibility.isWatched());
     }
 
     void aTargetThatWasUnpluggedIsNone()
@@ -270,7 +270,7 @@ private Q_SLOTS:
         rig.wallpaper().stopWallpaper();
         QCOMPARE(rig.logged(), QStringList{u"stopWallpaper"_s});
         QVERIFY(rig.host.surfaces.surfaces.isEmpty());
-        QCOMPARE(rig.host.visibility.watchers, 0);
+        QVERIFY(!rig.host.visibility.isWatched());
         QVERIFY(!rig.wallpaper().canStop());
         QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::ready, file, {}}));
         QCOMPARE(rig.wallpaper().trayTitle(), u"播放壁纸"_s);

@@ -44,12 +44,12 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
             host.singleInstance->wakeOther();
         return Launch::otherCopyRuns;
     }
-    host.singleInstance->observeWake([this] { showWindow(); });
+    _observers.push_back(host.singleInstance->observeWake([this] { showWindow(); }));
     _services.settings.tidy();
     _wallpaperLaunch.recoverAfterCrash();
     host.desktop->setAccessoryPresence();
     _tray.createStatusItem();
-    _localKeyMonitor = host.keys->watchLocal(
+    _localKeyMonitor = host.keys->observeLocal(
         [this](const KeyPress &press) { return _services.hotkeys.handleCapturedKey(press); });
     observeNotifications();
     _services.hotkeys.install();
@@ -201,10 +201,7 @@ void AppDelegate::followState()
     connect(&_wallpaper, &WallpaperActions::stopped, this, [this] { _wallpaperLaunch.cancel(); });
     connect(&_quit, &QuitSequence::finished, this, &AppDelegate::finishQuit);
     _banners.follow();
-    _services.platform.desktop->observeUnhide([self = QPointer(this)] {
-        if (self)
-            self->applicationDidUnhide();
-    });
+    _observers.push_back(_services.platform.desktop->observeUnhide([this] { applicationDidUnhide(); }));
     // A notice that waits behind a hidden window would never be answered.
     connect(&_services.privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this] {
         if (_services.privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())

@@ -81,8 +81,8 @@ private:
 
     bool _isQuitting = false;
     bool _terminated = false;
-    std::unique_ptr<KeyWatch> _localKeyMonitor;
-    std::vector<std::unique_ptr<Observation>> _observers;
+    Observation _localKeyMonitor;
+    std::vector<Observation> _observers;
     bool _isAppActive = false;
 };
 

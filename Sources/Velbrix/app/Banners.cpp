@@ -37,13 +37,13 @@ void Banners::follow()
 {
     followRecorder();
     followWallpaper();
-    _services.settings.observeFailures(
+    _settingsFailures = _services.settings.observeFailures(
         [this](const Failure &reason) { show(u"设置没有存盘，稍后会再试"_s, reason.message, warning); });
 }
 
 void Banners::unfollow()
 {
-    _services.settings.observeFailures({});
+    _settingsFailures.reset();
     _services.toasts.clear();
 }
 

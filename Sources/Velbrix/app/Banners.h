@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Observation.h"
+
 #include <QObject>
 #include <QString>
 
@@ -32,6 +34,7 @@ private:
 
     AppServices &_services;
     Shell &_shell;
+    Observation _settingsFailures;
 };
 
 } // namespace velbrix

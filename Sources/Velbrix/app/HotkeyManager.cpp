@@ -165,8 +165,8 @@ void HotkeyManager::installScreenshotMonitors()
     if (_screenshotHotkey.value().isEmpty() || !isAvailable(HotkeyAction::screenshot))
         return;
     _screenshotLocalMonitor =
-        _hosts.keys.watchLocal([this](const KeyPress &press) { return screenshotKeyPressed(press); });
-    auto global = _hosts.keys.watchGlobal([this](const KeyPress &press) { screenshotKeyPressed(press); });
+        _hosts.keys.observeLocal([this](const KeyPress &press) { return screenshotKeyPressed(press); });
+    auto global = _hosts.keys.observeGlobal([this](const KeyPress &press) { screenshotKeyPressed(press); });
     setProblem(HotkeyAction::screenshot, global ? QString() : global.error().message);
     if (global)
         _screenshotGlobalMonitor = std::move(*global);

@@ -86,8 +86,8 @@ private:
 
     bool _handlerInstalled = false;
     std::map<HotkeyAction, std::unique_ptr<HotkeyRegistration>> _registrations;
-    std::unique_ptr<KeyWatch> _screenshotLocalMonitor;
-    std::unique_ptr<KeyWatch> _screenshotGlobalMonitor;
+    Observation _screenshotLocalMonitor;
+    Observation _screenshotGlobalMonitor;
     std::optional<std::chrono::milliseconds> _lastScreenshotTriggerAt;
 };
 

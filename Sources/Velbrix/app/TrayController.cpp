@@ -4,8 +4,6 @@
 #include "app/Shell.h"
 #include "platform/Platform.h"
 
-#include <QPointer>
-
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -25,10 +23,7 @@ TrayController::TrayController(AppServices &services, Shell &shell, std::functio
     connect(&_services.recorder.session(), &RecordingSession::isRecordingChanged, this,
             [this] { refresh(false); });
     followWallpaper();
-    _services.platform.desktop->observeTrayHost([self = QPointer(this)] {
-        if (self)
-            self->trayHostChanged();
-    });
+    _trayHostChanges = _services.platform.desktop->observeTrayHost([this] { trayHostChanged(); });
 }
 
 TrayController::~TrayController() = default;

@@ -2,6 +2,7 @@
 
 #include "app/TrayMenu.h"
 #include "foundation/Clock.h"
+#include "foundation/Observation.h"
 
 #include <QObject>
 #include <QString>
@@ -45,6 +46,7 @@ private:
     bool _hasStatusItem = false;
     QString _lastTraySignature;
     std::unique_ptr<Alarm> _menuRefreshTimer;
+    Observation _trayHostChanges;
 };
 
 } // namespace velbrix

@@ -30,13 +30,8 @@ RecorderDevices::RecorderDevices(AudioDevices &devices, RecorderPreferences &pre
 QCoro::Task<> RecorderDevices::refreshAudioDevices()
 {
     const QPointer self(this);
-    if (!_observing) {
-        _observing = true;
-        _devices.observeChanges([self] {
-            if (self)
-                self->refreshAudioDevices();
-        });
-    }
+    if (!_deviceChanges)
+        _deviceChanges = _devices.observeChanges([this] { refreshAudioDevices(); });
     // An answer that a later question has overtaken is old news.
     const int generation = ++_generation;
     const auto speakers = co_await _devices.speakers();

@@ -49,7 +49,7 @@ private:
     AudioDevices &_devices;
     RecorderPreferences &_preferences;
     RecorderLog &_log;
-    bool _observing = false;
+    Observation _deviceChanges; // from the first refresh on
     int _generation = 0;
     int _takenGeneration = 0;
 };

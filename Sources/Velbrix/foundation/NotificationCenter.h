@@ -1,38 +1,27 @@
 #pragma once
 
+#include "foundation/Observation.h"
+
 #include <QString>
 #include <QVariantMap>
 
-#include <functional>
-#include <list>
-#include <memory>
+#include <map>
 
 namespace velbrix {
 
-// Keeps one observer registered; destroying it ends the observation.
-class Observation {
-public:
-    virtual ~Observation() = default;
-};
-
 // Named posts inside the program, for those who must not know each other.
-// Main thread only. The centre must outlive its observations.
+// Main thread only.
 class NotificationCenter {
 public:
     using Observer = std::function<void(const QVariantMap &userInfo)>;
 
-    NotificationCenter();
-    ~NotificationCenter();
-
-    // Calls every observer of the name before it returns, oldest first. An
-    // observer may end any observation, its own included, while it is called.
+    // Calls every observer of the name before it returns, oldest first.
     void post(const QString &name, const QVariantMap &userInfo = {});
-    [[nodiscard]] std::unique_ptr<Observation> observe(const QString &name, Observer observer);
+    Observation observe(const QString &name, Observer observer);
     bool hasObserver(const QString &name) const;
 
 private:
-    class Entry;
-    std::list<Entry *> _entries;
+    std::map<QString, ObserverList<void(const QVariantMap &)>> _observers; // by name
 };
 
 } // namespace velbrix

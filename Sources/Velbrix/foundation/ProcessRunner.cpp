@@ -49,7 +49,6 @@ public:
     }
     ~Run()
     {
-        _request.cancellation.onCancel({});
         QObject::disconnect(&_process, nullptr, nullptr, nullptr);
         if (_process.state() != QProcess::NotRunning)
             signalGroup(SIGKILL);
@@ -60,7 +59,7 @@ public:
         _process.start();
         if (_request.timeout.count() > 0)
             _timeout = _clock.after(_request.timeout, [this] { end(_outcome.timedOut); });
-        _request.cancellation.onCancel([this] { end(_outcome.cancelled); });
+        _cancelling = _request.cancellation.onCancel([this] { end(_outcome.cancelled); });
     }
 
     // Resumes whoever waits once the program has ended or could not start.
@@ -126,24 +125,10 @@ private:
     std::unique_ptr<Alarm> _kill;
     std::coroutine_handle<> _waiter;
     bool _hasEnded = false;
+    Observation _cancelling;
 };
 
 } // namespace
-
-void Cancellation::cancel()
-{
-    if (std::exchange(_state->cancelled, true))
-        return;
-    if (_state->listener)
-        _state->listener();
-}
-
-void Cancellation::onCancel(std::function<void()> listener)
-{
-    _state->listener = std::move(listener);
-    if (_state->cancelled && _state->listener)
-        _state->listener();
-}
 
 QCoro::Task<Result<ProcessOutcome>> ProcessRunner::run(ProcessRequest request)
 {

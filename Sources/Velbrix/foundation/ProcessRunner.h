@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/Clock.h"
 #include "foundation/Result.h"
 
@@ -11,25 +12,8 @@
 
 #include <chrono>
 #include <functional>
-#include <memory>
 
 namespace velbrix {
-
-// Lets somebody end a run early. Copies share one state.
-class Cancellation {
-public:
-    void cancel();
-    bool isCancelled() const { return _state->cancelled; }
-    // At most one listener; called at once when it is too late already.
-    void onCancel(std::function<void()> listener);
-
-private:
-    struct State {
-        bool cancelled = false;
-        std::function<void()> listener;
-    };
-    std::shared_ptr<State> _state = std::make_shared<State>();
-};
 
 struct ProcessRequest {
     QString program; // absolute path; never a shell line

@@ -101,7 +101,7 @@ qint64 RemovalRoot::ownSize(const QByteArray &entry) const
     return facts ? facts->st_size : 0;
 }
 
-RemovalReport RemovalRoot::remove(const QByteArray &entry, const std::atomic_bool &cancelled) const
+RemovalReport RemovalRoot::remove(const QByteArray &entry, const Cancellation &cancellation) const
 {
     if (!isOpen() || !isEntryName(entry)) {
         RemovalReport refused;
@@ -109,7 +109,7 @@ RemovalReport RemovalRoot::remove(const QByteArray &entry, const std::atomic_boo
         refused.problemCount = 1;
         return refused;
     }
-    RemovalWalk walk(_state->handle, _state->path, _state->guard, cancelled);
+    RemovalWalk walk(_state->handle, _state->path, _state->guard, cancellation);
     if (!_state->guard.hasMinimumAge() || walk.mayGo(entry))
         walk.remove(entry);
     return walk.report();

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QSet>
 #include <QString>
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -74,7 +75,7 @@ public:
     // folder's alone); 0 when unknown.
     qint64 ownSize(const QByteArray &entry) const;
     // The direct entry and everything in it. Stops soon after the cancelling.
-    RemovalReport remove(const QByteArray &entry, const std::atomic_bool &cancelled) const;
+    RemovalReport remove(const QByteArray &entry, const Cancellation &cancellation) const;
 
 private:
     struct State;

@@ -15,10 +15,10 @@ constexpr qint64 blockSize = 512;
 } // namespace
 
 RemovalWalk::RemovalWalk(const FolderHandle &root, const QByteArray &rootPath, const RemovalGuard &guard,
-                         const std::atomic_bool &cancelled)
+                         const Cancellation &cancellation)
     : _root(root),
       _guard(guard),
-      _cancelled(cancelled),
+      _cancellation(cancellation),
       _rootFacts(root.ownFacts()),
       _mount(root.mount()),
       _path(rootPath)
@@ -46,7 +46,7 @@ void RemovalWalk::run(const QByteArray &entry, Purpose purpose)
     _purpose = purpose;
     _levels.clear();
     _levels.push_back({.name = {}, .facts = *_rootFacts, .pending = {entry}, .handle = {}});
-    while (!_cancelled && !(_mustStay && purpose == Purpose::rehearse)) {
+    while (!_cancellation.isCancelled() && !(_mustStay && purpose == Purpose::rehearse)) {
         if (!_levels.back().pending.isEmpty())
             visit(_levels.back().pending.takeLast());
         else if (_levels.size() > 1)

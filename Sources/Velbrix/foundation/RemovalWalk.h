@@ -1,10 +1,10 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/FolderHandle.h"
 #include "foundation/Removal.h"
 #include "foundation/RemovalGuard.h"
 
-#include <atomic>
 #include <set>
 #include <vector>
 
@@ -15,7 +15,7 @@ namespace velbrix {
 class RemovalWalk {
 public:
     RemovalWalk(const FolderHandle &root, const QByteArray &rootPath, const RemovalGuard &guard,
-                const std::atomic_bool &cancelled);
+                const Cancellation &cancellation);
 
     // A rehearsal ends with the first thing that must stay, and tells whether
     // there was none; without a minimum age nothing needs one.
@@ -55,7 +55,7 @@ private:
 
     const FolderHandle &_root;
     const RemovalGuard &_guard;
-    const std::atomic_bool &_cancelled;
+    const Cancellation &_cancellation;
     std::optional<struct stat> _rootFacts;
     std::optional<qint64> _mount;
     Purpose _purpose = Purpose::remove;

@@ -24,7 +24,6 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsBackend> backend, Clock &cl
 
 SettingsStore::~SettingsStore()
 {
-    _failed = nullptr;
     (void)flush();
 }
 
@@ -88,8 +87,7 @@ Result<void> SettingsStore::flush()
     }
     log::line(u"Velbrix"_s, u"settings not saved: "_s + saved.error().message);
     _write = _clock.after(retryDelay, [this] { (void)flush(); });
-    if (_failed)
-        _failed(saved.error());
+    _failures.notify(saved.error());
     return saved;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Observation.h"
 #include "foundation/SettingsBackend.h"
 
 #include <QByteArray>
@@ -39,7 +40,10 @@ public:
     Result<void> flush();
 
     // Called after a write that failed; it is tried again by itself.
-    void observeFailures(std::function<void(const Failure &)> failed) { _failed = std::move(failed); }
+    Observation observeFailures(std::function<void(const Failure &)> failed)
+    {
+        return _failures.add(std::move(failed));
+    }
 
     QString loadProblem() const { return _backend->loadProblem(); }
     // See SettingsBackend::tidy().
@@ -53,7 +57,7 @@ private:
     QJsonObject _values;
     QSet<QString> _pending;
     std::unique_ptr<Alarm> _write;
-    std::function<void(const Failure &)> _failed;
+    ObserverList<void(const Failure &)> _failures;
 };
 
 } // namespace velbrix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Observation.h"
 #include "foundation/Result.h"
 
 #include <QCoroTask>
@@ -30,7 +31,7 @@ public:
     // What the user hears from now on.
     virtual QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) = 0;
     // Called after devices came, went or changed places; costs nothing until then.
-    virtual void observeChanges(std::function<void()> changed) = 0;
+    virtual Observation observeChanges(std::function<void()> changed) = 0;
 };
 
 } // namespace velbrix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Observation.h"
 #include "foundation/Result.h"
 
 #include <QString>
@@ -28,15 +29,15 @@ public:
     // Whether something shows tray icons at this moment, and a call whenever
     // that changes.
     virtual bool hasTrayHost() const = 0;
-    virtual void observeTrayHost(std::function<void()> changed) = 0;
+    virtual Observation observeTrayHost(std::function<void()> changed) = 0;
 
     virtual bool prefersReducedMotion() const = 0;
     virtual bool prefersDarkTheme() const = 0;
-    virtual void observeTheme(std::function<void()> changed) = 0;
+    virtual Observation observeTheme(std::function<void()> changed) = 0;
 
     // Called after the whole program was hidden and is shown again; a host
     // without such hiding never calls.
-    virtual void observeUnhide(std::function<void()> unhidden) = 0;
+    virtual Observation observeUnhide(std::function<void()> unhidden) = 0;
 };
 
 } // namespace velbrix

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "foundation/NotificationCenter.h"
+#include "foundation/Observation.h"
 
 #include <QSet>
 
 #include <functional>
-#include <memory>
 
 namespace velbrix {
 
@@ -24,8 +23,8 @@ public:
     virtual ~DesktopVisibility() = default;
 
     virtual DesktopSight sight() const = 0;
-    // Watches as long as the observation lives, and costs nothing else.
-    [[nodiscard]] virtual std::unique_ptr<Observation> watch(std::function<void()> changed) = 0;
+    // Calls after each change as long as the observation lives, and costs nothing else.
+    virtual Observation observe(std::function<void()> changed) = 0;
 };
 
 } // namespace velbrix

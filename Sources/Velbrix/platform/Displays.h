@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Observation.h"
+
 #include <QList>
 #include <QRect>
 #include <QString>
@@ -27,7 +29,7 @@ public:
     // The main one first; empty where none is connected.
     virtual QList<Display> displays() const = 0;
     // Called after a display came, went, moved or changed its visible frame.
-    virtual void observe(std::function<void()> changed) = 0;
+    virtual Observation observe(std::function<void()> changed) = 0;
 };
 
 } // namespace velbrix

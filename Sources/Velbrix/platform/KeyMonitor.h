@@ -1,11 +1,11 @@
 #pragma once
 
+#include "foundation/Observation.h"
 #include "foundation/Result.h"
 
 #include <QtGlobal>
 
 #include <functional>
-#include <memory>
 
 namespace velbrix {
 
@@ -18,22 +18,16 @@ struct KeyPress {
     bool operator==(const KeyPress &) const = default;
 };
 
-// Destroying it ends the watching.
-class KeyWatch {
-public:
-    virtual ~KeyWatch() = default;
-};
-
 // Key presses as they happen, without taking them from anyone. Main thread.
 class KeyMonitor {
 public:
     virtual ~KeyMonitor() = default;
 
     // Keys for this program's own windows. The answer true swallows the press.
-    // The watch that was added last is asked first.
-    virtual std::unique_ptr<KeyWatch> watchLocal(std::function<bool(const KeyPress &)> pressed) = 0;
+    // The observer that was added last is asked first.
+    virtual Observation observeLocal(std::function<bool(const KeyPress &)> pressed) = 0;
     // Keys for any program, this one included where the host cannot tell.
-    virtual Result<std::unique_ptr<KeyWatch>> watchGlobal(std::function<void(const KeyPress &)> pressed) = 0;
+    virtual Result<Observation> observeGlobal(std::function<void(const KeyPress &)> pressed) = 0;
 };
 
 } // namespace velbrix

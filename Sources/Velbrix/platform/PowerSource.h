@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Observation.h"
 #include "foundation/Result.h"
 
 #include <functional>
@@ -11,10 +12,9 @@ class PowerSource {
 public:
     virtual ~PowerSource() = default;
 
-    // Calls whenever the answer of isOnBattery() may have changed. At most
-    // one observer.
-    virtual Result<void> startMonitor(std::function<void()> changed) = 0;
-    // A machine without a battery runs on mains.
+    // Calls whenever the answer of isOnBattery() may have changed.
+    virtual Result<Observation> observe(std::function<void()> changed) = 0;
+    // Followed while somebody observes. A machine without a battery runs on mains.
     virtual bool isOnBattery() const = 0;
 };
 

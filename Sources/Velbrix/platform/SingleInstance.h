@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Observation.h"
+
 #include <functional>
 
 namespace velbrix {
@@ -15,7 +17,7 @@ public:
     // Asks the copy that holds the place to come forward. Does not wait.
     virtual void wakeOther() = 0;
     // Called whenever a later copy asks this one to come forward.
-    virtual void observeWake(std::function<void()> wake) = 0;
+    virtual Observation observeWake(std::function<void()> wake) = 0;
 };
 
 } // namespace velbrix

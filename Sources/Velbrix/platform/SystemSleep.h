@@ -1,9 +1,8 @@
 #pragma once
 
-#include "foundation/NotificationCenter.h"
+#include "foundation/Observation.h"
 
 #include <functional>
-#include <memory>
 
 namespace velbrix {
 
@@ -14,7 +13,7 @@ public:
 
     // Calls after each waking as long as the observation lives. A host that
     // cannot tell never calls.
-    [[nodiscard]] virtual std::unique_ptr<Observation> watchWaking(std::function<void()> woke) = 0;
+    virtual Observation observeWaking(std::function<void()> woke) = 0;
 };
 
 } // namespace velbrix

@@ -119,12 +119,11 @@ Theme::Theme(DesktopServices &desktop, const Symbols &symbols, QObject *parent)
     type.setPixelSize(bodyPixels);
     QApplication::setFont(type);
     dress();
-    const QPointer self(this);
-    desktop.observeTheme([self] {
-        if (self && self->wantsDark() != self->isDark()) {
-            self->_tokens = ThemeTokens(self->wantsDark(), self->_systemAccent);
-            self->dress();
-            Q_EMIT self->changed();
+    _themeChanges = desktop.observeTheme([this] {
+        if (wantsDark() != isDark()) {
+            _tokens = ThemeTokens(wantsDark(), _systemAccent);
+            dress();
+            Q_EMIT changed();
         }
     });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Observation.h"
 #include "views/ThemeTokens.h"
 
 #include <QFont>
@@ -46,6 +47,7 @@ private:
     const Symbols &_symbols;
     std::optional<QColor> _systemAccent;
     ThemeTokens _tokens;
+    Observation _themeChanges;
 };
 
 } // namespace velbrix

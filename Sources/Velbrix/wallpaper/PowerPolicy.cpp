@@ -21,8 +21,10 @@ PowerPolicy::PowerPolicy(PowerSource &source, WallpaperPreferences &preferences,
 
 void PowerPolicy::startPowerSourceMonitor()
 {
-    const auto started = _source.startMonitor([this] { handlePowerSourceChange(true); });
-    say(started ? u"power source monitor started"_s : u"power source monitor unavailable"_s);
+    auto changes = _source.observe([this] { handlePowerSourceChange(true); });
+    if (changes)
+        _sourceChanges = std::move(*changes);
+    say(changes ? u"power source monitor started"_s : u"power source monitor unavailable"_s);
     handlePowerSourceChange(false);
 }
 

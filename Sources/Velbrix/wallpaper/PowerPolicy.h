@@ -43,6 +43,7 @@ private:
     WallpaperPreferences &_preferences;
     Acts _acts;
     bool _wasPlayingBeforeBattery = false;
+    Observation _sourceChanges;
 };
 
 } // namespace velbrix

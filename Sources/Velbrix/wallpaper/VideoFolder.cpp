@@ -73,9 +73,7 @@ void VideoFolder::rescan()
 
 void VideoFolder::cancelScan()
 {
-    if (_scanCancelled)
-        _scanCancelled->store(true);
-    _scanCancelled.reset();
+    _scanning.cancel();
     _isScanning = false;
 }
 
@@ -87,20 +85,19 @@ QCoro::Task<> VideoFolder::scan(QString folder)
         co_return;
     }
     const QPointer self(this);
-    const auto cancelled = std::make_shared<std::atomic_bool>(false);
-    _scanCancelled = cancelled;
+    const Cancellation scanning;
+    _scanning = scanning;
     _isScanning = true;
     const ThumbnailCache cache = _cache;
-    auto walk = QtConcurrent::run(&workers(), [folder, cancelled, cache] {
-        QStringList found = videosBelow(folder, *cancelled);
+    auto walk = QtConcurrent::run(&workers(), [folder, scanning, cache] {
+        QStringList found = videosBelow(folder, scanning);
         cache.prune();
         return found;
     });
     const QStringList videos = co_await walk;
-    if (!self || cancelled->load())
+    if (!self || scanning.isCancelled())
         co_return;
     _folderVideos = videos;
-    _scanCancelled.reset();
     _isScanning = false;
 }
 

@@ -11,9 +11,6 @@
 #include <QSet>
 #include <QStringList>
 
-#include <atomic>
-#include <memory>
-
 namespace velbrix {
 
 class WallpaperPreferences;
@@ -61,7 +58,7 @@ private:
     MediaProbe &_probe;
     WallpaperPreferences &_preferences;
     ThumbnailCache _cache;
-    std::shared_ptr<std::atomic_bool> _scanCancelled;
+    Cancellation _scanning;
     mutable QCache<QString, QImage> _thumbnails;
     QSet<QString> _unreadable;
     QStringList _wanted;

@@ -46,14 +46,14 @@ QStringList sorted(const QString &folder, const QStringList &paths)
 
 } // namespace
 
-QStringList videosBelow(const QString &folder, const std::atomic_bool &cancelled)
+QStringList videosBelow(const QString &folder, const Cancellation &cancellation)
 {
     QStringList found;
     QStringList folders = {folder};
     while (!folders.isEmpty()) {
         QDirIterator entries(folders.takeLast(), QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
         while (entries.hasNext()) {
-            if (cancelled.load())
+            if (cancellation.isCancelled())
                 return {};
             const QString path = entries.next();
             const QFileInfo info = entries.fileInfo();

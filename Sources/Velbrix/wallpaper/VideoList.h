@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QStringList>
+#include "foundation/Cancellation.h"
 
-#include <atomic>
+#include <QStringList>
 
 namespace velbrix {
 
@@ -10,6 +10,6 @@ namespace velbrix {
 // Hidden files, the insides of packages (a program, a photo library) and
 // linked folders are left out; folders that cannot be read are passed over.
 // Any thread; empty once cancelled.
-QStringList videosBelow(const QString &folder, const std::atomic_bool &cancelled);
+QStringList videosBelow(const QString &folder, const Cancellation &cancellation);
 
 } // namespace velbrix

@@ -278,7 +278,7 @@ void VideoSurfaces::followSight()
     if (!isShowing() || _isPaused)
         _sight.reset();
     else if (!_sight)
-        _sight = _hosts.visibility.watch([this] { applySight(); });
+        _sight = _hosts.visibility.observe([this] { applySight(); });
     applySight();
 }
 

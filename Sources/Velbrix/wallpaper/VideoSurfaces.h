@@ -77,7 +77,7 @@ private:
     Clock &_clock;
     Surface _main;
     std::map<quint32, Surface> _secondarySurfaces;
-    std::unique_ptr<Observation> _sight;
+    Observation _sight;
     bool _isPaused = false;
 };
 

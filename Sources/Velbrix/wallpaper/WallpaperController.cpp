@@ -48,10 +48,7 @@ WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, C
     _accessibilityTrusted = hosts.permissions.accessibilityTrusted();
     followParts();
     _power.startPowerSourceMonitor();
-    hosts.displays.observe([self = QPointer(this)] {
-        if (self)
-            self->_playback.displaysChanged();
-    });
+    _displayChanges = hosts.displays.observe([this] { _playback.displaysChanged(); });
     detectDisplays();
 }
 

@@ -143,6 +143,7 @@ private:
     WallpaperPlayback _playback;
     DockHiding _dock;
     std::function<bool()> _isInBackground;
+    Observation _displayChanges;
 };
 
 } // namespace velbrix

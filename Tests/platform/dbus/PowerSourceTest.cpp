@@ -96,13 +96,13 @@ private Q_SLOTS:
         if (upower)
             QSKIP("there is a bus");
         UPowerSource source(_clock, u"/nowhere"_s);
-        const auto started = source.startMonitor([] {});
+        const auto started = source.observe([] {});
         QVERIFY(!started);
         QCOMPARE(started.error().message, u"没有 UPower 服务，内核也没有电源信息"_s);
         QVERIFY(!source.isOnBattery());
         // The files alone suffice.
         UPowerSource files(_clock, _folder.path());
-        QVERIFY(files.startMonitor([] {}));
+        QVERIFY(files.observe([] {}));
     }
 
     void readsTheKernelsFiles_data()
@@ -134,7 +134,8 @@ private Q_SLOTS:
         QTemporaryDir folder;
         writeSupplies(folder.path(), supplies);
         UPowerSource source(_clock, folder.path());
-        QVERIFY(source.startMonitor([] {}));
+        const auto observing = source.observe([] {});
+        QVERIFY(observing);
         QTEST(source.isOnBattery(), "onBattery");
     }
 
@@ -143,7 +144,8 @@ private Q_SLOTS:
         writeSupplies(_folder.path(), laptop("1", "Charging"));
         UPowerSource source(_clock, _folder.path());
         int changes = 0;
-        QVERIFY(source.startMonitor([&] { ++changes; }));
+        const auto observing = source.observe([&] { ++changes; });
+        QVERIFY(observing);
         QTRY_COMPARE(_clock.pendingCount(), 1); // once UPower is known to be absent
         writeSupplies(_folder.path(), laptop("0", "Discharging"));
         _clock.advance(15s);
@@ -173,7 +175,8 @@ private Q_SLOTS:
         if (real)
             upower->start(true);
         QList<bool> seen;
-        QVERIFY(source.startMonitor([&] { seen.append(source.isOnBattery()); }));
+        const auto observing = source.observe([&] { seen.append(source.isOnBattery()); });
+        QVERIFY(observing);
         QTRY_VERIFY(source.isOnBattery());
         seen.clear(); // a late first answer is told like a change
         plug(false);

@@ -81,7 +81,7 @@ private Q_SLOTS:
             announce(false);
         };
         int wakings = 0;
-        std::unique_ptr<Observation> watch = sleep.watchWaking([&] { ++wakings; });
+        Observation watch = sleep.observeWaking([&] { ++wakings; });
         if (isReal && !QDBusConnection::systemBus().isConnected())
             QSKIP("there is no bus");
         oneNight();
@@ -91,7 +91,7 @@ private Q_SLOTS:
         watch.reset();
         oneNight();
         QCOMPARE(wakings, 2);
-        watch = sleep.watchWaking([&] { watch.reset(); });
+        watch = sleep.observeWaking([&] { watch.reset(); });
         oneNight();
         QVERIFY(!watch);
     }

@@ -116,7 +116,8 @@ private Q_SLOTS:
     {
         LinuxDesktopServices services;
         QList<bool> seen;
-        services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        const Observation observation =
+            services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
         QVERIFY(!services.hasTrayHost());
         auto tray = std::make_unique<XembedTray>();
         QTRY_COMPARE(seen, QList<bool>{true});
@@ -130,7 +131,8 @@ private Q_SLOTS:
     {
         LinuxDesktopServices services;
         QList<bool> seen;
-        services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        const Observation observation =
+            services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
         Peer peer;
         ItemWatcher watcher;
         watcher.hasHost = false;
@@ -150,7 +152,7 @@ private Q_SLOTS:
         QVERIFY(peer.serve(portalName, portalPath, &portal));
         LinuxDesktopServices services;
         int changes = 0;
-        services.observeTheme([&] { ++changes; });
+        const Observation observation = services.observeTheme([&] { ++changes; });
         QTRY_VERIFY(services.prefersDarkTheme());
         QVERIFY(!services.prefersReducedMotion());
         QCOMPARE(changes, 1);
@@ -190,12 +192,13 @@ private Q_SLOTS:
     {
         test::FakeDesktopServices services;
         QList<bool> seen;
-        services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        const Observation observation =
+            services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
         services.setTrayHost(false);
         services.setTrayHost(true);
         QCOMPARE(seen, (QList<bool>{false, true}));
         int unhides = 0;
-        services.observeUnhide([&] { ++unhides; });
+        const Observation unhiding = services.observeUnhide([&] { ++unhides; });
         services.unhide();
         QCOMPARE(unhides, 1);
     }

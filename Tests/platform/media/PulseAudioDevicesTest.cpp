@@ -80,7 +80,7 @@ private Q_SLOTS:
     {
         PulseAudioDevices devices;
         int changes = 0;
-        devices.observeChanges([&] { ++changes; });
+        const Observation observation = devices.observeChanges([&] { ++changes; });
         QStringList modules;
         QVERIFY(waitFor([&] {
             if (changes == 0) // until the connection is up nothing is heard
@@ -105,7 +105,7 @@ private Q_SLOTS:
         PulseAudioDevices devices;
         int changes = 0;
         // As the recorder does: every change is looked at, every look may fail.
-        devices.observeChanges([&] {
+        const Observation observation = devices.observeChanges([&] {
             ++changes;
             devices.speakers();
         });
@@ -130,7 +130,7 @@ private Q_SLOTS:
     void mayDieAtAnyTime()
     {
         auto devices = std::make_unique<PulseAudioDevices>();
-        devices->observeChanges([] { QFAIL("called after its death"); });
+        const Observation observation = devices->observeChanges([] { QFAIL("called after its death"); });
         pactl({u"set-default-sink"_s, u"mic"_s});
         auto pending = devices->microphones();
         devices.reset();

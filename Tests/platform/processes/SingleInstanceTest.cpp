@@ -27,7 +27,7 @@ int runCopy(QCoreApplication &application, const QString &folder)
         return 0;
     }
     say("holder");
-    instance.observeWake([say] { say("woken"); });
+    const Observation observation = instance.observeWake([say] { say("woken"); });
     return application.exec();
 }
 
@@ -102,7 +102,7 @@ private Q_SLOTS:
         QVERIFY(!later.claim());
         later.wakeOther();
         int woken = 0;
-        holder.observeWake([&] { ++woken; });
+        const Observation observation = holder.observeWake([&] { ++woken; });
         QTRY_COMPARE(woken, 1);
         later.wakeOther();
         QTRY_COMPARE(woken, 2);
@@ -130,7 +130,7 @@ private Q_SLOTS:
         FolderSingleInstance holder(deep);
         QVERIFY(holder.claim());
         int woken = 0;
-        holder.observeWake([&] { ++woken; });
+        const Observation observation = holder.observeWake([&] { ++woken; });
         FolderSingleInstance(deep).wakeOther();
         QTRY_COMPARE(woken, 1);
     }

@@ -22,7 +22,7 @@ void keepsContract(Displays &displays, const std::function<void()> &plug, const 
     QVERIFY(!before.isEmpty());
     int changes = 0;
     qsizetype seen = 0;
-    displays.observe([&] {
+    const Observation observation = displays.observe([&] {
         ++changes;
         seen = displays.displays().size();
     });
@@ -93,7 +93,7 @@ private Q_SLOTS:
         Observer observer;
         X11Displays displays;
         QList<QRect> visible;
-        displays.observe([&] {
+        const Observation observation = displays.observe([&] {
             visible.clear();
             for (const velbrix::Display &display : displays.displays())
                 visible.append(display.visibleFrame);

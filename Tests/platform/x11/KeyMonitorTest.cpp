@@ -1,7 +1,6 @@
 #include "platform/linux/x11/input/X11KeyMonitor.h"
 
 #include "foundation/HotkeyChord.h"
-#include "support/FakeKeyMonitor.h"
 #include "support/XTestKeyboard.h"
 
 #include <QApplication>
@@ -68,7 +67,7 @@ private Q_SLOTS:
     void seesKeysOfAnyProgram()
     {
         QList<KeyPress> keys;
-        const auto watch = _monitor->watchGlobal([&](const KeyPress &key) { keys.append(key); });
+        const auto watch = _monitor->observeGlobal([&](const KeyPress &key) { keys.append(key); });
         QVERIFY(watch);
         _user->tap({XTestKeyboard::print});
         // Let go long before the program looks.
@@ -87,11 +86,11 @@ private Q_SLOTS:
         focusField();
         QList<bool> local;
         QList<bool> global;
-        const auto ours = _monitor->watchLocal([&](const KeyPress &key) {
+        const auto ours = _monitor->observeLocal([&](const KeyPress &key) {
             local.append(key.isRepeat);
             return false;
         });
-        const auto all = _monitor->watchGlobal([&](const KeyPress &key) { global.append(key.isRepeat); });
+        const auto all = _monitor->observeGlobal([&](const KeyPress &key) { global.append(key.isRepeat); });
         for (int presses = 0; presses < 2; ++presses) {
             local.clear();
             global.clear();
@@ -110,7 +109,7 @@ private Q_SLOTS:
         _user->press(XTestKeyboard::leftControl);
         _user->sync();
         QList<KeyPress> keys;
-        const auto watch = _monitor->watchGlobal([&](const KeyPress &key) { keys.append(key); });
+        const auto watch = _monitor->observeGlobal([&](const KeyPress &key) { keys.append(key); });
         _user->tap({XTestKeyboard::print});
         _user->release(XTestKeyboard::leftControl);
         QTRY_VERIFY(!keys.isEmpty() && keys.last().keyCode == f13);
@@ -120,8 +119,8 @@ private Q_SLOTS:
     void listensOnlyWhileSomeoneWatches()
     {
         QVERIFY(!isListening());
-        auto first = _monitor->watchGlobal([](const KeyPress &) {});
-        auto second = _monitor->watchGlobal([](const KeyPress &) {});
+        auto first = _monitor->observeGlobal([](const KeyPress &) {});
+        auto second = _monitor->observeGlobal([](const KeyPress &) {});
         QVERIFY(isListening());
         first->reset();
         QVERIFY(isListening());
@@ -132,8 +131,8 @@ private Q_SLOTS:
     void aCallMayEndItsOwnWatch()
     {
         int calls = 0;
-        std::unique_ptr<KeyWatch> watch;
-        auto started = _monitor->watchGlobal([&](const KeyPress &) {
+        Observation watch;
+        auto started = _monitor->observeGlobal([&](const KeyPress &) {
             ++calls;
             watch.reset();
         });
@@ -147,11 +146,11 @@ private Q_SLOTS:
     {
         focusField();
         QStringList asked;
-        const auto older = _monitor->watchLocal([&](const KeyPress &key) {
+        const auto older = _monitor->observeLocal([&](const KeyPress &key) {
             asked.append(QStringLiteral("older %1 %2").arg(key.keyCode).arg(key.modifiers));
             return false;
         });
-        const auto newer = _monitor->watchLocal([&](const KeyPress &key) {
+        const auto newer = _monitor->observeLocal([&](const KeyPress &key) {
             asked.append(QStringLiteral("newer %1 %2").arg(key.keyCode).arg(key.modifiers));
             return false;
         });
@@ -167,7 +166,7 @@ private Q_SLOTS:
         QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_D), _field.get());
         connect(&shortcut, &QShortcut::activated, this, [&] { ++triggered; });
         int swallowed = 0;
-        auto watch = _monitor->watchLocal([&](const KeyPress &key) {
+        auto watch = _monitor->observeLocal([&](const KeyPress &key) {
             if (key.keyCode != keyD)
                 return false;
             ++swallowed;
@@ -185,32 +184,10 @@ private Q_SLOTS:
         QCOMPARE(swallowed, 2);
     }
 
-    void theFakeKeepsTheSameOrder()
-    {
-        FakeKeyMonitor fake;
-        QStringList asked;
-        bool swallows = false;
-        const auto older = fake.watchLocal([&](const KeyPress &) {
-            asked.append(QStringLiteral("older"));
-            return false;
-        });
-        auto newer = fake.watchLocal([&](const KeyPress &) {
-            asked.append(QStringLiteral("newer"));
-            return swallows;
-        });
-        QVERIFY(!fake.pressLocal({keyD, 0, false}));
-        swallows = true;
-        QVERIFY(fake.pressLocal({keyD, 0, false}));
-        newer.reset();
-        QVERIFY(!fake.pressLocal({keyD, 0, false}));
-        QCOMPARE(asked.join(u' '), QStringLiteral("newer older newer older"));
-        QCOMPARE(fake.localCount(), 1);
-    }
-
     void withoutX11GlobalKeysFailInWords()
     {
         X11KeyMonitor monitor(nullptr);
-        const auto watch = monitor.watchGlobal([](const KeyPress &) {});
+        const auto watch = monitor.observeGlobal([](const KeyPress &) {});
         QVERIFY(!watch);
         QCOMPARE(watch.error().message, QStringLiteral("当前会话不是 X11，无法监听其他程序的按键"));
     }

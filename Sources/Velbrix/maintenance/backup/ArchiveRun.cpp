@@ -70,14 +70,14 @@ void removeGrowing(const BackupTask &task)
     removeOwn(task, task.destPath, [&](const QString &name) { return isGrowing(task, name); });
 }
 
-Plan plan(const BackupTask &task, const QDateTime &at, const std::shared_ptr<std::atomic_bool> &cancelled)
+Plan plan(const BackupTask &task, const QDateTime &at, const Cancellation &cancellation)
 {
     Plan made;
     made.obstacle = placesObstacle(task);
     if (!made.obstacle.isEmpty())
         return made;
     removeGrowing(task);
-    made.facts = measureTree(QFile::encodeName(task.sourcePath), ExcludeRules(task.excludes), *cancelled);
+    made.facts = measureTree(QFile::encodeName(task.sourcePath), ExcludeRules(task.excludes), cancellation);
     if (!made.facts.isReadable)
         made.obstacle = u"没有权限读取源文件夹：%1"_s.arg(task.sourcePath);
     else
@@ -121,10 +121,8 @@ public:
     QCoro::Task<BackupOutcome> run()
     {
         _request.progress(u"正在扫描目录…"_s, -1);
-        const auto cancelled = std::make_shared<std::atomic_bool>(false);
-        _request.cancellation.onCancel([cancelled] { *cancelled = true; });
         const QFuture<Plan> planning =
-            QtConcurrent::run(&backupWorkers(), plan, _task, _request.at, cancelled);
+            QtConcurrent::run(&backupWorkers(), plan, _task, _request.at, _request.cancellation);
         _plan = co_await planning;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();

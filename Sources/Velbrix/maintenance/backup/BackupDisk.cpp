@@ -74,11 +74,10 @@ void removeOwn(const BackupTask &task, const QString &folder,
     const RemovalRoot root(canonical, rules);
     if (!root.isOpen())
         return;
-    const std::atomic_bool isCancelled = false;
     for (const QByteArray &entry : root.entries()) {
         const QString name = QFile::decodeName(entry);
         if (QFile::encodeName(name) == entry && isOurs(name))
-            root.remove(entry, isCancelled);
+            root.remove(entry, Cancellation());
     }
 }
 

@@ -47,7 +47,7 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
     _pollTimer = _clock.every(checkInterval, [this] { poll(); });
     if (!dueTasks(_tasks, _clock.now()).isEmpty())
         pollAfter(catchUpDelay);
-    watchWaking();
+    observeWaking();
 }
 
 FileBackupController::~FileBackupController()
@@ -144,12 +144,12 @@ void FileBackupController::pollAfter(std::chrono::milliseconds delay)
 }
 
 // The poll timer does not count the time asleep.
-void FileBackupController::watchWaking()
+void FileBackupController::observeWaking()
 {
     if (tasks().isEmpty())
         _waking.reset();
     else if (!_waking)
-        _waking = _hosts.sleep.watchWaking([this] { pollAfter(wakeDelay); });
+        _waking = _hosts.sleep.observeWaking([this] { pollAfter(wakeDelay); });
 }
 
 void FileBackupController::poll()
@@ -276,7 +276,7 @@ void FileBackupController::store(const QList<BackupTask> &tasks)
     // Stored first: whoever hears of the change may ask the settings.
     _store.save(tasks);
     _tasks = tasks;
-    watchWaking();
+    observeWaking();
 }
 
 } // namespace velbrix

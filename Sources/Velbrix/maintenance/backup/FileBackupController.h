@@ -23,7 +23,6 @@
 namespace velbrix {
 
 class Archiver;
-class Observation;
 class SettingsStore;
 class SystemSleep;
 class UserNotifications;
@@ -94,7 +93,7 @@ private:
     void correctTimes();
     void poll();
     void pollAfter(std::chrono::milliseconds delay);
-    void watchWaking();
+    void observeWaking();
     QCoro::Task<> runDue();
     QCoro::Task<> run(BackupTask task, Occasion occasion);
     void finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion);
@@ -111,7 +110,7 @@ private:
     BackupTaskStore _store;
     std::unique_ptr<Alarm> _pollTimer;
     std::unique_ptr<Alarm> _catchUp;
-    std::unique_ptr<Observation> _waking; // while there are tasks
+    Observation _waking; // while there are tasks
     bool _isPolling = false;
     Cancellation _runCancellation;
     AwaitedAnswer _answer;

@@ -85,15 +85,15 @@ public:
     {
     }
 
-    TreeFacts run(const std::atomic_bool &cancelled)
+    TreeFacts run(const Cancellation &cancellation)
     {
         _waiting.push_back({{}, true, true, false});
-        while (!_waiting.empty() && !cancelled) {
+        while (!_waiting.empty() && !cancellation.isCancelled()) {
             const Folder folder = std::move(_waiting.back());
             _waiting.pop_back();
             visit(folder);
         }
-        _facts.isCancelled = cancelled;
+        _facts.isCancelled = cancellation.isCancelled();
         return _facts;
     }
 
@@ -185,14 +185,14 @@ private:
 } // namespace
 
 TreeFacts compareTrees(const QByteArray &source, const QByteArray &mirror, const ExcludeRules &rules,
-                       const std::atomic_bool &cancelled)
+                       const Cancellation &cancellation)
 {
-    return Comparison(source, mirror, rules, false).run(cancelled);
+    return Comparison(source, mirror, rules, false).run(cancellation);
 }
 
-TreeFacts measureTree(const QByteArray &source, const ExcludeRules &rules, const std::atomic_bool &cancelled)
+TreeFacts measureTree(const QByteArray &source, const ExcludeRules &rules, const Cancellation &cancellation)
 {
-    return Comparison(source, {}, rules, true).run(cancelled);
+    return Comparison(source, {}, rules, true).run(cancellation);
 }
 
 } // namespace velbrix

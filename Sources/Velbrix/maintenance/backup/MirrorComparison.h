@@ -1,10 +1,9 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/ExcludeRules.h"
 
 #include <QByteArray>
-
-#include <atomic>
 
 namespace velbrix {
 
@@ -26,8 +25,8 @@ struct TreeFacts {
 
 // Native paths; no link is followed below them. Blocking.
 TreeFacts compareTrees(const QByteArray &source, const QByteArray &mirror, const ExcludeRules &rules,
-                       const std::atomic_bool &cancelled);
+                       const Cancellation &cancellation);
 // The source alone, with its bytes.
-TreeFacts measureTree(const QByteArray &source, const ExcludeRules &rules, const std::atomic_bool &cancelled);
+TreeFacts measureTree(const QByteArray &source, const ExcludeRules &rules, const Cancellation &cancellation);
 
 } // namespace velbrix

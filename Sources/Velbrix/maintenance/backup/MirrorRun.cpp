@@ -34,8 +34,7 @@ struct Survey {
 };
 
 // Takes away what has been set aside for long enough and looks at both sides.
-Survey survey(const BackupTask &task, const QDateTime &now,
-              const std::shared_ptr<std::atomic_bool> &cancelled)
+Survey survey(const BackupTask &task, const QDateTime &now, const Cancellation &cancellation)
 {
     if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
         return {obstacle, {}};
@@ -46,7 +45,7 @@ Survey survey(const BackupTask &task, const QDateTime &now,
         });
     return {{},
             compareTrees(QFile::encodeName(task.sourcePath), QFile::encodeName(mirrorFolder(task)),
-                         ExcludeRules(task.excludes), *cancelled)};
+                         ExcludeRules(task.excludes), cancellation)};
 }
 
 QString emptyObstacle(qint64 mirrorFiles)
@@ -129,10 +128,8 @@ public:
     QCoro::Task<BackupOutcome> run()
     {
         _request.progress(u"正在扫描目录…"_s, -1);
-        const auto cancelled = std::make_shared<std::atomic_bool>(false);
-        _request.cancellation.onCancel([cancelled] { *cancelled = true; });
         const QFuture<Survey> surveyed =
-            QtConcurrent::run(&backupWorkers(), survey, _task, _request.at, cancelled);
+            QtConcurrent::run(&backupWorkers(), survey, _task, _request.at, _request.cancellation);
         const Survey seen = co_await surveyed;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();

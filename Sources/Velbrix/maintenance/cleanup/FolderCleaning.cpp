@@ -45,7 +45,7 @@ bool isCleanable(const QByteArray &name)
     return !name.startsWith('.') || name == ".DS_Store";
 }
 
-Cleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled)
+Cleaned clean(const FolderCleaning &cleaning, const Cancellation &cancellation)
 {
     Cleaned cleaned;
     for (const QString &folder : cleaning.folders) {
@@ -59,10 +59,10 @@ Cleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled)
             const QByteArray path = root.canonicalPath() + '/' + name;
             if (!isCleanable(name) || cleaning.kept.contains(path))
                 continue;
-            if (cancelled)
+            if (cancellation.isCancelled())
                 return cleaned;
             cleaned.ownBytes += root.ownSize(name);
-            RemovalReport removal = root.remove(name, cancelled);
+            RemovalReport removal = root.remove(name, cancellation);
             dropExpected(removal, cleaning.kept);
             cleaned.removal.add(removal);
             ++cleaned.count;

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/Removal.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QStringList>
 #include <QThreadPool>
-
-#include <atomic>
 
 namespace velbrix {
 
@@ -35,7 +34,7 @@ struct Cleaned {
     void add(const Cleaned &other);
 };
 
-Cleaned clean(const FolderCleaning &cleaning, const std::atomic_bool &cancelled);
+Cleaned clean(const FolderCleaning &cleaning, const Cancellation &cancellation);
 
 // The entries that cleaning would take, by their path. A folder that cannot be
 // listed has none and is named in the problem.

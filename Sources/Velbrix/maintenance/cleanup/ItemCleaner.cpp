@@ -30,7 +30,7 @@ QList<QByteArray> canonical(const QStringList &folders)
 // What stays is told to the gate by its real name, for a link may lead into
 // what is emptied. What is emptied itself cannot be kept.
 Cleaned run(FolderCleaning cleaning, const QStringList &foldersOfOthers, const QList<QByteArray> &leftOut,
-            const std::shared_ptr<std::atomic_bool> &cancelled)
+            const Cancellation &work)
 {
     const QList<QByteArray> emptied = canonical(cleaning.folders);
     for (const QByteArray &place : canonical(foldersOfOthers) + leftOut) {
@@ -39,7 +39,7 @@ Cleaned run(FolderCleaning cleaning, const QStringList &foldersOfOthers, const Q
             cleaning.kept.append(place);
     }
     cleaning.rules.protectedPlaces += cleaning.kept;
-    return clean(cleaning, *cancelled);
+    return clean(cleaning, work);
 }
 
 } // namespace
@@ -78,13 +78,9 @@ QCoro::Task<Cleaned> ItemCleaner::emptyTrash(QString name, Cancellation work)
 
 QCoro::Task<Cleaned> ItemCleaner::emptyFolders(QString id, Bounds bounds, Cancellation work)
 {
-    const auto cancelled = std::make_shared<std::atomic_bool>(false);
-    work.onCancel([cancelled] { *cancelled = true; });
     auto emptying = QtConcurrent::run(&cleanupThreads(), run, _table.cleaning(id),
-                                      _table.foldersOutside(bounds.items), bounds.leftOut, cancelled);
-    const Cleaned cleaned = co_await emptying;
-    work.onCancel({});
-    co_return cleaned;
+                                      _table.foldersOutside(bounds.items), bounds.leftOut, work);
+    co_return co_await emptying;
 }
 
 } // namespace velbrix

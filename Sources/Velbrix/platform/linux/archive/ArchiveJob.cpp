@@ -66,7 +66,7 @@ ArchiveOutcome ArchiveJob::run()
     if (!_output.create(_archivePath))
         return ended(createStatus, u"无法创建归档：%1"_s.arg(qt_error_string(errno)));
 
-    _items = scanFolder(_source.number(), _excludes, _output.identity(), _work.cancelled, _skipped);
+    _items = scanFolder(_source.number(), _excludes, _output.identity(), _work.cancellation, _skipped);
     _work.totalFiles = static_cast<qint64>(_items.size());
     _entries.resize(_items.size());
     onTwoThreads([this](std::size_t thread) { addItems(_workers[thread]); });
@@ -79,7 +79,7 @@ ArchiveOutcome ArchiveJob::run()
         ++_work.files;
     }
     const bool isWhole = !hasEnded() && writeDirectory() && _output.sync();
-    if (_work.cancelled)
+    if (_work.cancellation.isCancelled())
         return ended(cancelledStatus, u"已取消"_s);
     if (!isWhole)
         return writeProblem();

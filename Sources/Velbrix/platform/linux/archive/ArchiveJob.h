@@ -38,7 +38,7 @@ private:
     ArchiveOutcome ended(int exitStatus, const QString &problem) const;
     ArchiveOutcome writeProblem() const;
     qint64 filesInIt() const;
-    bool hasEnded() const { return _work.cancelled || _output.error() != 0; }
+    bool hasEnded() const { return _work.cancellation.isCancelled() || _output.error() != 0; }
     ZipEntry entryOf(const FolderItem &item) const;
     void addItems(Worker &worker);
     void addItem(std::size_t index, Worker &worker);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "platform/Archiver.h"
 
 #include <atomic>
@@ -8,7 +9,7 @@ namespace velbrix {
 
 // What work off the main thread shares with the main thread.
 struct ArchiveWork {
-    std::atomic<bool> cancelled = false;
+    Cancellation cancellation;
     std::atomic<qint64> files = 0;
     std::atomic<qint64> totalFiles = 0;
     std::atomic<qint64> bytes = 0;

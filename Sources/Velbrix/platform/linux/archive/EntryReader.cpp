@@ -63,8 +63,8 @@ void EntryReader::Free::operator()(libdeflate_decompressor *decompressor) const
     ::libdeflate_free_decompressor(decompressor);
 }
 
-EntryReader::EntryReader(const ZipFile &archive, const std::atomic<bool> &cancelled)
-    : _archive(archive), _cancelled(cancelled), _whole(::libdeflate_alloc_decompressor())
+EntryReader::EntryReader(const ZipFile &archive, const Cancellation &cancellation)
+    : _archive(archive), _cancellation(cancellation), _whole(::libdeflate_alloc_decompressor())
 {
 }
 
@@ -112,7 +112,7 @@ Result<void> EntryReader::readStored(std::uint64_t offset, Content &content)
 {
     std::uint64_t left = content.entry.packedSize;
     while (left > 0) {
-        if (_cancelled)
+        if (_cancellation.isCancelled())
             return failure(u"已取消"_s);
         const auto bytes = _packed.sized(std::min(left, partSize));
         if (!_archive.read(offset, bytes))
@@ -133,7 +133,7 @@ Result<void> EntryReader::readParts(std::uint64_t offset, Content &content)
     const auto into = _unpacked.sized(partSize);
     int answer = Z_OK;
     while (answer != Z_STREAM_END) {
-        if (_cancelled)
+        if (_cancellation.isCancelled())
             return failure(u"已取消"_s);
         if (stream.avail_in == 0 && left > 0) {
             const auto packed = _packed.sized(std::min(left, partSize));

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/Result.h"
 #include "platform/linux/archive/Packer.h"
 #include "platform/linux/archive/ZipFile.h"
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -18,7 +18,7 @@ class EntryReader {
 public:
     using Sink = std::function<Result<void>(std::span<const std::uint8_t>)>;
 
-    EntryReader(const ZipFile &archive, const std::atomic<bool> &cancelled);
+    EntryReader(const ZipFile &archive, const Cancellation &cancellation);
     ~EntryReader();
     EntryReader(const EntryReader &) = delete;
     EntryReader &operator=(const EntryReader &) = delete;
@@ -37,7 +37,7 @@ private:
     Result<void> readParts(std::uint64_t offset, Content &content);
 
     const ZipFile &_archive;
-    const std::atomic<bool> &_cancelled;
+    const Cancellation &_cancellation;
     std::unique_ptr<libdeflate_decompressor, Free> _whole;
     RawBytes _packed;
     RawBytes _unpacked;

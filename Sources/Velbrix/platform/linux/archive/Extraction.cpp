@@ -44,7 +44,7 @@ void setTimes(int file, const ZipEntry &entry)
 } // namespace
 
 Extraction::Extraction(const QString &archive, const QString &folder, ArchiveWork &work)
-    : _archivePath(archive), _folderPath(folder), _work(work), _reader(_archive, work.cancelled)
+    : _archivePath(archive), _folderPath(folder), _work(work), _reader(_archive, work.cancellation)
 {
 }
 
@@ -71,7 +71,7 @@ Result<void> Extraction::run()
                    [](const PlannedItem &item) { return item.kind != PlannedItem::Kind::link; });
     _work.totalFiles = static_cast<qint64>(_plan.size());
     for (const PlannedItem &item : _plan) {
-        if (_work.cancelled)
+        if (_work.cancellation.isCancelled())
             return failure(u"已取消"_s);
         if (const auto isUnpacked = unpack(item); !isUnpacked)
             return isUnpacked;

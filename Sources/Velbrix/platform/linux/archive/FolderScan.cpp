@@ -30,9 +30,13 @@ bool isKept(mode_t mode)
 
 class Scan {
 public:
-    Scan(int source, const ExcludeRules &excludes, FileIdentity except, const std::atomic<bool> &cancelled,
+    Scan(int source, const ExcludeRules &excludes, FileIdentity except, const Cancellation &cancellation,
          SkippedFiles &skipped)
-        : _source(source), _excludes(excludes), _except(except), _cancelled(cancelled), _skipped(skipped)
+        : _source(source),
+          _excludes(excludes),
+          _except(except),
+          _cancellation(cancellation),
+          _skipped(skipped)
     {
     }
 
@@ -41,7 +45,7 @@ public:
         struct stat facts = {};
         if (::fstat(_source, &facts) == 0)
             _pending.push_back(itemOf({}, facts));
-        while (!_pending.empty() && !_cancelled) {
+        while (!_pending.empty() && !_cancellation.isCancelled()) {
             _found.push_back(std::move(_pending.back()));
             _pending.pop_back();
             if (S_ISDIR(_found.back().mode))
@@ -72,7 +76,7 @@ private:
     const dirent *nextEntry(DIR *folder, const QByteArray &path)
     {
         errno = 0;
-        const dirent *entry = _cancelled ? nullptr : ::readdir(folder);
+        const dirent *entry = _cancellation.isCancelled() ? nullptr : ::readdir(folder);
         if (!entry && errno != 0)
             _skipped.add(path);
         return entry;
@@ -98,7 +102,7 @@ private:
     int _source;
     const ExcludeRules &_excludes;
     FileIdentity _except;
-    const std::atomic<bool> &_cancelled;
+    const Cancellation &_cancellation;
     SkippedFiles &_skipped;
     std::vector<FolderItem> _found;
     std::vector<FolderItem> _pending; // the next one last
@@ -107,9 +111,9 @@ private:
 } // namespace
 
 std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
-                                   const std::atomic<bool> &cancelled, SkippedFiles &skipped)
+                                   const Cancellation &cancellation, SkippedFiles &skipped)
 {
-    return Scan(source, excludes, except, cancelled, skipped).run();
+    return Scan(source, excludes, except, cancellation, skipped).run();
 }
 
 } // namespace velbrix

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/ExcludeRules.h"
 #include "platform/linux/archive/SkippedFiles.h"
 
 #include <QByteArray>
 
-#include <atomic>
 #include <cstdint>
 #include <sys/types.h>
 #include <vector>
@@ -31,6 +31,6 @@ struct FileIdentity {
 // before what is in it, by name. What is neither file, folder nor link is left
 // out, and so is the file `except`. Folders that cannot be read count as skipped.
 std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
-                                   const std::atomic<bool> &cancelled, SkippedFiles &skipped);
+                                   const Cancellation &cancellation, SkippedFiles &skipped);
 
 } // namespace velbrix

@@ -41,7 +41,7 @@ bool LargeFile::packPart(std::uint64_t start, Packer &packer, RawBytes &buffer)
     _turnChanged.wait(lock, [&] { return _turn == start || _stopped; });
     if (_stopped)
         return false;
-    _failed = got < 0 || _work.cancelled || (fresh > 0 && !_output.append(packed));
+    _failed = got < 0 || _work.cancellation.isCancelled() || (fresh > 0 && !_output.append(packed));
     if (!_failed) {
         _crc = static_cast<std::uint32_t>(::crc32_combine(_crc, crc, static_cast<z_off_t>(fresh)));
         _readSize += fresh;

@@ -47,7 +47,7 @@ private:
     void tell()
     {
         const ArchiveProgress progress = _work->progress();
-        if (_listener && !_work->cancelled && progress != std::exchange(_told, progress))
+        if (_listener && !_work->cancellation.isCancelled() && progress != std::exchange(_told, progress))
             _listener(progress);
     }
 
@@ -61,55 +61,46 @@ private:
 
 ZipArchiver::~ZipArchiver()
 {
-    for (const auto &running : _running) {
-        if (const auto work = running.lock())
-            work->cancelled = true;
-    }
-}
-
-std::shared_ptr<ArchiveWork> ZipArchiver::begin(Cancellation &cancellation)
-{
-    std::erase_if(_running, [](const auto &running) { return running.expired(); });
-    const auto work = std::make_shared<ArchiveWork>();
-    _running.push_back(work);
-    cancellation.onCancel([work] { work->cancelled = true; });
-    return work;
+    _ended.cancel();
 }
 
 QCoro::Task<Result<ArchiveOutcome>> ZipArchiver::create(ArchiveRequest request)
 {
-    const auto work = begin(request.cancellation);
+    const auto work = std::make_shared<ArchiveWork>();
+    const Observation atEnd = _ended.passTo(work->cancellation);
+    const Observation onCancel = request.cancellation.passTo(work->cancellation);
     ProgressReport report(_clock, work, request.progress);
     const auto run = [work, source = request.source, archive = request.archive, excludes = request.excludes] {
         return ArchiveJob(source, archive, excludes, *work).run();
     };
     const QFuture<ArchiveOutcome> future = QtConcurrent::run(&workers(), run);
     const ArchiveOutcome outcome = co_await future;
-    request.cancellation.onCancel({});
     report.finish();
     co_return outcome;
 }
 
 QCoro::Task<Result<void>> ZipArchiver::test(const QString archive, Cancellation cancellation)
 {
-    const auto work = begin(cancellation);
+    const auto work = std::make_shared<ArchiveWork>();
+    const Observation atEnd = _ended.passTo(work->cancellation);
+    const Observation onCancel = cancellation.passTo(work->cancellation);
     const auto run = [work, archive] { return checkArchive(archive, *work); };
     const QFuture<Result<void>> future = QtConcurrent::run(&workers(), run);
     const Result<void> answer = co_await future;
-    cancellation.onCancel({});
     co_return answer;
 }
 
 QCoro::Task<Result<void>> ZipArchiver::extract(ExtractRequest request)
 {
-    const auto work = begin(request.cancellation);
+    const auto work = std::make_shared<ArchiveWork>();
+    const Observation atEnd = _ended.passTo(work->cancellation);
+    const Observation onCancel = request.cancellation.passTo(work->cancellation);
     ProgressReport report(_clock, work, request.progress);
     const auto run = [work, archive = request.archive, folder = request.folder] {
         return Extraction(archive, folder, *work).run();
     };
     const QFuture<Result<void>> future = QtConcurrent::run(&workers(), run);
     const Result<void> answer = co_await future;
-    request.cancellation.onCancel({});
     report.finish();
     co_return answer;
 }

@@ -3,12 +3,7 @@
 #include "foundation/Clock.h"
 #include "platform/Archiver.h"
 
-#include <memory>
-#include <vector>
-
 namespace velbrix {
-
-struct ArchiveWork;
 
 // Zip archives packed and tested on two threads. When it is destroyed, what it
 // is doing ends soon, but it does not wait for that. The clock must outlive
@@ -23,10 +18,8 @@ public:
     QCoro::Task<Result<void>> extract(ExtractRequest request) override;
 
 private:
-    std::shared_ptr<ArchiveWork> begin(Cancellation &cancellation);
-
     Clock &_clock;
-    std::vector<std::weak_ptr<ArchiveWork>> _running;
+    Cancellation _ended;
 };
 
 } // namespace velbrix

@@ -22,19 +22,20 @@ Result<void> checkArchive(const QString &path, ArchiveWork &work)
     std::atomic<bool> ended = false;
     std::array<Result<void>, 2> answers;
     onTwoThreads([&](std::size_t thread) {
-        EntryReader reader(archive, work.cancelled);
+        EntryReader reader(archive, work.cancellation);
         const EntryReader::Sink count = [&](std::span<const std::uint8_t> bytes) -> Result<void> {
             work.bytes += static_cast<qint64>(bytes.size());
             return {};
         };
-        for (std::size_t i = next++; i < entries.size() && !ended && !work.cancelled; i = next++) {
+        for (std::size_t i = next++; i < entries.size() && !ended && !work.cancellation.isCancelled();
+             i = next++) {
             answers[thread] = reader.read(entries[i], count);
             if (!answers[thread])
                 ended = true;
             ++work.files;
         }
     });
-    if (work.cancelled)
+    if (work.cancellation.isCancelled())
         return failure(u"已取消"_s);
     return answers[0] ? answers[1] : answers[0];
 }

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-class WakingWatch final : public QObject, public Observation {
+class WakingWatch final : public QObject {
     Q_OBJECT
 
 public:
@@ -38,9 +38,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<Observation> LogindSleep::watchWaking(std::function<void()> woke)
+Observation LogindSleep::observeWaking(std::function<void()> woke)
 {
-    return std::make_unique<WakingWatch>(std::move(woke));
+    return Observation([watch = std::make_shared<WakingWatch>(std::move(woke))]() mutable { watch.reset(); });
 }
 
 } // namespace velbrix

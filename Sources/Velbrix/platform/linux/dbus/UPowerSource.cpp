@@ -8,6 +8,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QFileInfo>
+#include <QPointer>
 
 #include <optional>
 #include <utility>
@@ -34,21 +35,32 @@ std::optional<QDBusConnection> systemBus()
 
 UPowerSource::UPowerSource(Clock &clock, QString supplies) : _clock(clock), _supplies(std::move(supplies)) {}
 
-Result<void> UPowerSource::startMonitor(std::function<void()> changed)
+Result<Observation> UPowerSource::observe(std::function<void()> changed)
 {
     auto bus = systemBus();
     if (!bus && !QFileInfo(_supplies).isDir())
         return failure(u"没有 UPower 服务，内核也没有电源信息"_s);
-    _isOnBattery = PowerSupplies::read(_supplies).isOnBattery;
-    _changed = std::move(changed);
+    if (_observers.isEmpty())
+        _isOnBattery = PowerSupplies::read(_supplies).isOnBattery;
+    Observation observation = _observers.add(std::move(changed), [self = QPointer(this)] {
+        if (self && self->_observers.isEmpty())
+            self->stop();
+    });
     if (!bus) {
         watchFiles();
-        return {};
+        return observation;
     }
     // No service name here: Qt would wait for the bus to name its owner.
     bus->connect({}, servicePath, propertiesInterface, u"PropertiesChanged"_s, this, SLOT(ask()));
     ask();
-    return {};
+    return observation;
+}
+
+void UPowerSource::stop()
+{
+    _poll.reset();
+    if (auto bus = systemBus())
+        bus->disconnect({}, servicePath, propertiesInterface, u"PropertiesChanged"_s, this, SLOT(ask()));
 }
 
 void UPowerSource::ask()
@@ -76,15 +88,15 @@ void UPowerSource::ask()
 void UPowerSource::watchFiles()
 {
     // A machine without a battery has nothing to look for.
-    if (_poll || !PowerSupplies::read(_supplies).hasBattery)
+    if (_poll || _observers.isEmpty() || !PowerSupplies::read(_supplies).hasBattery)
         return;
     _poll = _clock.every(pollInterval, [this] { take(PowerSupplies::read(_supplies).isOnBattery); });
 }
 
 void UPowerSource::take(bool isOnBattery)
 {
-    if (std::exchange(_isOnBattery, isOnBattery) != isOnBattery && _changed)
-        _changed();
+    if (std::exchange(_isOnBattery, isOnBattery) != isOnBattery)
+        _observers.notify();
 }
 
 } // namespace velbrix

@@ -19,17 +19,18 @@ public:
     // The clock must outlive it.
     explicit UPowerSource(Clock &clock, QString supplies = QStringLiteral("/sys/class/power_supply"));
 
-    Result<void> startMonitor(std::function<void()> changed) override;
+    Result<Observation> observe(std::function<void()> changed) override;
     bool isOnBattery() const override { return _isOnBattery; }
 
 private:
     Q_SLOT void ask();
+    void stop();
     void watchFiles();
     void take(bool isOnBattery);
 
     Clock &_clock;
     QString _supplies;
-    std::function<void()> _changed;
+    ObserverList<void()> _observers;
     std::unique_ptr<Alarm> _poll;
     bool _isOnBattery = false;
 };

@@ -26,6 +26,11 @@ Result<void> openFolder(const QString &folder)
     return {};
 }
 
+Observation whileConnected(const QMetaObject::Connection &connection)
+{
+    return Observation([connection] { QObject::disconnect(connection); });
+}
+
 } // namespace
 
 void LinuxDesktopServices::setAccessoryPresence()
@@ -90,9 +95,10 @@ bool LinuxDesktopServices::hasTrayHost() const
     return _trayHost.isPresent();
 }
 
-void LinuxDesktopServices::observeTrayHost(std::function<void()> changed)
+Observation LinuxDesktopServices::observeTrayHost(std::function<void()> changed)
 {
-    QObject::connect(&_trayHost, &TrayHost::presenceChanged, &_trayHost, std::move(changed));
+    return whileConnected(
+        QObject::connect(&_trayHost, &TrayHost::presenceChanged, &_trayHost, std::move(changed)));
 }
 
 bool LinuxDesktopServices::prefersReducedMotion() const
@@ -105,14 +111,15 @@ bool LinuxDesktopServices::prefersDarkTheme() const
     return _appearance.prefersDark();
 }
 
-void LinuxDesktopServices::observeTheme(std::function<void()> changed)
+Observation LinuxDesktopServices::observeTheme(std::function<void()> changed)
 {
-    QObject::connect(&_appearance, &DesktopAppearance::preferencesChanged, &_appearance, std::move(changed));
+    return whileConnected(QObject::connect(&_appearance, &DesktopAppearance::preferencesChanged, &_appearance,
+                                           std::move(changed)));
 }
 
-void LinuxDesktopServices::observeUnhide(std::function<void()>)
+Observation LinuxDesktopServices::observeUnhide(std::function<void()>)
 {
-    // Nothing of the kind happens here.
+    return Observation(); // nothing of the kind happens here
 }
 
 } // namespace velbrix

@@ -21,14 +21,14 @@ public:
 
     // False until the session bus has answered, unless there is an XEmbed tray.
     bool hasTrayHost() const override;
-    void observeTrayHost(std::function<void()> changed) override;
+    Observation observeTrayHost(std::function<void()> changed) override;
 
     bool prefersReducedMotion() const override;
     bool prefersDarkTheme() const override;
-    void observeTheme(std::function<void()> changed) override;
+    Observation observeTheme(std::function<void()> changed) override;
 
     // X11 hides windows one by one, never a whole program.
-    void observeUnhide(std::function<void()> unhidden) override;
+    Observation observeUnhide(std::function<void()> unhidden) override;
 
 private:
     TrayHost _trayHost;

@@ -17,8 +17,6 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-using Cancelled = std::shared_ptr<std::atomic_bool>;
-
 bool isThere(const QByteArray &path)
 {
     struct stat facts{};
@@ -104,9 +102,9 @@ public:
     {
     }
     QList<QByteArray> entries() const { return _isOwn ? _root.entries() : QList<QByteArray>(); }
-    RemovalReport remove(const QByteArray &entry, const Cancelled &cancelled) const
+    RemovalReport remove(const QByteArray &entry, const Cancellation &cancellation) const
     {
-        return _isOwn ? _root.remove(entry, *cancelled) : RemovalReport();
+        return _isOwn ? _root.remove(entry, cancellation) : RemovalReport();
     }
 
 private:
@@ -114,7 +112,7 @@ private:
     bool _isOwn;
 };
 
-void emptyFolder(const QByteArray &trash, const RemovalRules &rules, const Cancelled &cancelled,
+void emptyFolder(const QByteArray &trash, const RemovalRules &rules, const Cancellation &cancellation,
                  RemovalReport &report)
 {
     const TrashPart files(trash, "/files", rules);
@@ -123,18 +121,18 @@ void emptyFolder(const QByteArray &trash, const RemovalRules &rules, const Cance
     // Listed before the files: an item on its way into the trash has its info first.
     const QList<QByteArray> known = info.entries();
     for (const QByteArray &entry : files.entries())
-        report.add(files.remove(entry, cancelled));
+        report.add(files.remove(entry, cancellation));
     for (const QByteArray &entry : expunged.entries())
-        report.add(expunged.remove(entry, cancelled));
+        report.add(expunged.remove(entry, cancellation));
     for (const QByteArray &entry : known) {
         const bool isNeeded = entry.endsWith(".trashinfo") &&
                               isThere(trash + "/files/" + entry.chopped(qsizetype(sizeof(".trashinfo")) - 1));
         if (!isNeeded)
-            report.add(withoutCount(info.remove(entry, cancelled)));
+            report.add(withoutCount(info.remove(entry, cancellation)));
     }
     const TrashPart whole(trash, {}, rules);
     if (whole.entries().contains("directorysizes"))
-        report.add(withoutCount(whole.remove("directorysizes", cancelled)));
+        report.add(withoutCount(whole.remove("directorysizes", cancellation)));
 }
 
 bool isSafe(const TrashFolder &trash, const QByteArray &path)
@@ -146,16 +144,16 @@ bool isSafe(const TrashFolder &trash, const QByteArray &path)
 }
 
 Result<RemovalReport> emptyAll(const QList<TrashFolder> &folders, const RemovalRules &rules,
-                               const Cancelled &cancelled)
+                               const Cancellation &cancellation)
 {
     RemovalReport report;
     QList<QByteArray> seen;
     for (const TrashFolder &trash : folders) {
         const QByteArray path = canonicalPath(trash.path);
-        if (*cancelled || seen.contains(path) || !isSafe(trash, path))
+        if (cancellation.isCancelled() || seen.contains(path) || !isSafe(trash, path))
             continue;
         seen.append(path);
-        emptyFolder(path, rules, cancelled, report);
+        emptyFolder(path, rules, cancellation, report);
     }
     return report;
 }
@@ -170,10 +168,7 @@ FreedesktopTrash::FreedesktopTrash(Clock &clock, TrashPlaces places)
 
 FreedesktopTrash::~FreedesktopTrash()
 {
-    for (const auto &emptying : _emptyings) {
-        if (const auto cancelled = emptying.lock())
-            *cancelled = true;
-    }
+    _ended.cancel();
 }
 
 QCoro::Task<Result<QString>> FreedesktopTrash::moveToTrash(const QString path)
@@ -190,15 +185,12 @@ QCoro::Task<Result<void>> FreedesktopTrash::putBack(const QString trashed, const
 
 QCoro::Task<Result<RemovalReport>> FreedesktopTrash::empty(RemovalRules rules, Cancellation cancellation)
 {
-    const auto cancelled = std::make_shared<std::atomic_bool>(false);
-    std::erase_if(_emptyings, [](const auto &emptying) { return emptying.expired(); });
-    _emptyings.push_back(cancelled);
-    cancellation.onCancel([cancelled] { *cancelled = true; });
+    const Cancellation emptying;
+    const Observation atEnd = _ended.passTo(emptying);
+    const Observation onCancel = cancellation.passTo(emptying);
     const QFuture<Result<RemovalReport>> emptied =
-        QtConcurrent::run(&_worker, emptyAll, _places.all(), rules, cancelled);
-    const Result<RemovalReport> report = co_await emptied;
-    cancellation.onCancel({});
-    co_return report;
+        QtConcurrent::run(&_worker, emptyAll, _places.all(), rules, emptying);
+    co_return co_await emptied;
 }
 
 QStringList FreedesktopTrash::folders() const

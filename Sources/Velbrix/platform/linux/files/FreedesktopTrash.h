@@ -6,10 +6,6 @@
 
 #include <QThreadPool>
 
-#include <atomic>
-#include <memory>
-#include <vector>
-
 namespace velbrix {
 
 // The trash that all desktops share: one in the user's data folder, and one on
@@ -29,7 +25,7 @@ public:
 private:
     Clock &_clock;
     TrashPlaces _places;
-    std::vector<std::weak_ptr<std::atomic_bool>> _emptyings; // what stops each
+    Cancellation _ended;
     QThreadPool _worker;
 };
 

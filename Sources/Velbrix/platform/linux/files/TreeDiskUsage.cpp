@@ -63,19 +63,16 @@ TreeDiskUsage::TreeDiskUsage(int threads) : _threads(threads)
 
 TreeDiskUsage::~TreeDiskUsage()
 {
-    for (const auto &running : _running) {
-        if (const auto measuring = running.lock())
-            measuring->sizes().cancel();
-    }
+    _ended.cancel();
 }
 
 QCoro::Task<> TreeDiskUsage::measure(const QList<QByteArray> paths, Measured measured,
                                      Cancellation cancellation)
 {
     const auto measuring = std::make_shared<Measuring>(paths, std::move(measured));
-    std::erase_if(_running, [](const auto &running) { return running.expired(); });
-    _running.push_back(measuring);
-    cancellation.onCancel([&measuring] { measuring->sizes().cancel(); });
+    const auto cancel = [&measuring] { measuring->sizes().cancel(); };
+    const Observation atEnd = _ended.onCancel(cancel);
+    const Observation onCancel = cancellation.onCancel(cancel);
     QList<QFuture<void>> workers;
     for (int i = 0; i < _threads; ++i)
         workers.append(QtConcurrent::run(&_pool, [&measuring] { measuring->sizes().work(); }));
@@ -83,7 +80,6 @@ QCoro::Task<> TreeDiskUsage::measure(const QList<QByteArray> paths, Measured mea
     for (const QFuture<void> &worker : std::as_const(workers))
         co_await worker;
     measuring->tell();
-    cancellation.onCancel({});
 }
 
 } // namespace velbrix

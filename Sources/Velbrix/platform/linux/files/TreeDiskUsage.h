@@ -4,9 +4,6 @@
 
 #include <QThreadPool>
 
-#include <memory>
-#include <vector>
-
 namespace velbrix {
 
 // Walks the trees itself, all at once on several threads.
@@ -26,7 +23,7 @@ private:
 
     const int _threads;
     QThreadPool _pool;
-    std::vector<std::weak_ptr<Measuring>> _running;
+    Cancellation _ended;
 };
 
 } // namespace velbrix

@@ -138,13 +138,14 @@ void FolderSingleInstance::wakeOther()
     closeFile(sender);
 }
 
-void FolderSingleInstance::observeWake(std::function<void()> wake)
+Observation FolderSingleInstance::observeWake(std::function<void()> wake)
 {
-    _wake = std::move(wake);
-    if (_socket < 0 || _notifier)
-        return;
-    _notifier = std::make_unique<QSocketNotifier>(_socket, QSocketNotifier::Read);
-    QObject::connect(_notifier.get(), &QSocketNotifier::activated, _notifier.get(), [this] { readWakes(); });
+    if (_socket >= 0 && !_notifier) {
+        _notifier = std::make_unique<QSocketNotifier>(_socket, QSocketNotifier::Read);
+        QObject::connect(_notifier.get(), &QSocketNotifier::activated, _notifier.get(),
+                         [this] { readWakes(); });
+    }
+    return _observers.add(std::move(wake));
 }
 
 void FolderSingleInstance::readWakes()
@@ -152,9 +153,7 @@ void FolderSingleInstance::readWakes()
     char wake[16];
     while (unlessInterrupted([&] { return ::recv(_socket, wake, sizeof wake, 0); }) >= 0) {
     }
-    const auto call = _wake;
-    if (call)
-        call();
+    _observers.notify();
 }
 
 } // namespace velbrix

@@ -23,7 +23,7 @@ public:
     // May wait for the few system calls of a copy that claims at this moment.
     bool claim() override;
     void wakeOther() override;
-    void observeWake(std::function<void()> wake) override;
+    Observation observeWake(std::function<void()> wake) override;
 
 private:
     bool openSocket();
@@ -32,7 +32,7 @@ private:
     int _folder = -1;
     int _lock = -1;
     int _socket = -1;
-    std::function<void()> _wake;
+    ObserverList<void()> _observers;
     std::unique_ptr<QSocketNotifier> _notifier;
 };
 

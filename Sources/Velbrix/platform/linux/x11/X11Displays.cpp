@@ -58,7 +58,7 @@ X11Displays::~X11Displays() = default;
 X11Displays::Monitors &X11Displays::monitors() const
 {
     if (!_monitors)
-        _monitors = std::make_unique<Monitors>([this] { tellObservers(); });
+        _monitors = std::make_unique<Monitors>([this] { _observers.notify(); });
     return *_monitors;
 }
 
@@ -67,18 +67,11 @@ QList<Display> X11Displays::displays() const
     return monitors().displays();
 }
 
-void X11Displays::observe(std::function<void()> changed)
+Observation X11Displays::observe(std::function<void()> changed)
 {
-    _observers.push_back(std::move(changed));
     // Not during the program's start.
     QMetaObject::invokeMethod(&_context, [this] { monitors(); }, Qt::QueuedConnection);
-}
-
-void X11Displays::tellObservers() const
-{
-    const auto observers = _observers;
-    for (const auto &observer : observers)
-        observer();
+    return _observers.add(std::move(changed));
 }
 
 X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::move(changed))

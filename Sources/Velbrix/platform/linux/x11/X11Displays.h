@@ -5,7 +5,6 @@
 #include <QObject>
 
 #include <memory>
-#include <vector>
 
 namespace velbrix {
 
@@ -17,15 +16,14 @@ public:
     ~X11Displays() override;
 
     QList<Display> displays() const override;
-    void observe(std::function<void()> changed) override;
+    Observation observe(std::function<void()> changed) override;
 
 private:
     class Monitors;
     Monitors &monitors() const;
-    void tellObservers() const;
 
     QObject _context;
-    std::vector<std::function<void()>> _observers;
+    ObserverList<void()> _observers;
     mutable std::unique_ptr<Monitors> _monitors;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "foundation/MainThread.h"
 #include "platform/CaptureSession.h"
-#include "platform/macos/system/MainThread.h"
 
 #include <functional>
 #include <memory>

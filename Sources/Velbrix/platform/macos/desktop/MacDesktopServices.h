@@ -2,17 +2,12 @@
 
 #include "platform/DesktopServices.h"
 
-#include <memory>
-
 namespace velbrix {
 
 // NSApplication and NSWorkspace. The menu bar is always there, so a tray host
 // is too.
 class MacDesktopServices final : public DesktopServices {
 public:
-    MacDesktopServices();
-    ~MacDesktopServices() override;
-
     void setAccessoryPresence() override;
     void resetPresence() override;
     void activate() override;
@@ -21,17 +16,13 @@ public:
     Result<void> revealInFolder(const QString &path) override;
 
     bool hasTrayHost() const override;
-    void observeTrayHost(std::function<void()> changed) override;
+    Observation observeTrayHost(std::function<void()> changed) override;
 
     bool prefersReducedMotion() const override;
     bool prefersDarkTheme() const override;
-    void observeTheme(std::function<void()> changed) override;
+    Observation observeTheme(std::function<void()> changed) override;
 
-    void observeUnhide(std::function<void()> unhidden) override;
-
-private:
-    struct Private;
-    std::unique_ptr<Private> _d;
+    Observation observeUnhide(std::function<void()> unhidden) override;
 };
 
 } // namespace velbrix

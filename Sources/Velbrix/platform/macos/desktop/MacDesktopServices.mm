@@ -8,20 +8,10 @@
 #include <QFileInfo>
 
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-
-struct MacDesktopServices::Private {
-    VBKeyValueWatch *appearance = nil;
-    std::vector<VBNotificationWatch *> unhides;
-};
-
-MacDesktopServices::MacDesktopServices() : _d(std::make_unique<Private>()) {}
-
-MacDesktopServices::~MacDesktopServices() = default;
 
 void MacDesktopServices::setAccessoryPresence()
 {
@@ -62,9 +52,9 @@ bool MacDesktopServices::hasTrayHost() const
     return true;
 }
 
-void MacDesktopServices::observeTrayHost(std::function<void()>)
+Observation MacDesktopServices::observeTrayHost(std::function<void()>)
 {
-    // The menu bar neither comes nor goes.
+    return Observation(); // the menu bar neither comes nor goes
 }
 
 bool MacDesktopServices::prefersReducedMotion() const
@@ -80,16 +70,16 @@ bool MacDesktopServices::prefersDarkTheme() const
     return closest && toQString(closest) == toQString(NSAppearanceNameDarkAqua);
 }
 
-void MacDesktopServices::observeTheme(std::function<void()> changed)
+Observation MacDesktopServices::observeTheme(std::function<void()> changed)
 {
-    _d->appearance = [[VBKeyValueWatch alloc] initWithObject:NSApplication.sharedApplication
-                                                     keyPath:@"effectiveAppearance"
-                                                     changed:std::move(changed)];
+    return observationOf([[VBKeyValueWatch alloc] initWithObject:NSApplication.sharedApplication
+                                                         keyPath:@"effectiveAppearance"
+                                                         changed:std::move(changed)]);
 }
 
-void MacDesktopServices::observeUnhide(std::function<void()> unhidden)
+Observation MacDesktopServices::observeUnhide(std::function<void()> unhidden)
 {
-    _d->unhides.push_back([[VBNotificationWatch alloc]
+    return observationOf([[VBNotificationWatch alloc]
         initWithCenter:NSNotificationCenter.defaultCenter
                   name:NSApplicationDidUnhideNotification
                 posted:[unhidden = std::move(unhidden)](NSNotification *) { unhidden(); }]);

@@ -16,11 +16,10 @@ public:
     explicit MacDesktopVisibility(Clock &clock) : _clock(clock) {}
 
     DesktopSight sight() const override;
-    std::unique_ptr<Observation> watch(std::function<void()> changed) override;
+    Observation observe(std::function<void()> changed) override;
 
 private:
     class Announcements;
-    class Watch;
 
     Clock &_clock;
     std::weak_ptr<Announcements> _announcements; // of the watches there are

@@ -70,7 +70,10 @@ public:
     }
 
     DesktopSight sight() const { return sightOf(_covered, _session); }
-    void add(const std::shared_ptr<std::function<void()>> &changed) { _observers.push_back(changed); }
+    Observation add(std::function<void()> changed)
+    {
+        return _observers.add(std::move(changed), [self = shared_from_this()]() mutable { self.reset(); });
+    }
 
 private:
     void follow(NSNotificationName name, bool SessionState::*fact, bool value)
@@ -101,36 +104,16 @@ private:
     }
     void report()
     {
-        // A call may end any watch, the last one included.
-        const auto self = shared_from_this();
-        std::erase_if(_observers, [](const auto &observer) { return observer.expired(); });
-        const auto observers = _observers;
-        for (const auto &observer : observers) {
-            if (const auto alive = observer.lock())
-                (*alive)();
-        }
+        const auto self = shared_from_this(); // a call may end the last observation
+        _observers.notify();
     }
 
     Clock &_clock;
     std::unique_ptr<Alarm> _settled;
     SessionState _session = presentState();
     QSet<quint32> _covered = presentlyCovered();
-    std::vector<std::weak_ptr<std::function<void()>>> _observers;
+    ObserverList<void()> _observers; // each keeps this alive
     std::vector<VBNotificationWatch *> _watches;
-};
-
-class MacDesktopVisibility::Watch final : public Observation {
-public:
-    Watch(std::shared_ptr<Announcements> announcements, std::function<void()> changed)
-        : _announcements(std::move(announcements)),
-          _changed(std::make_shared<std::function<void()>>(std::move(changed)))
-    {
-        _announcements->add(_changed);
-    }
-
-private:
-    std::shared_ptr<Announcements> _announcements;
-    std::shared_ptr<std::function<void()>> _changed;
 };
 
 DesktopSight MacDesktopVisibility::sight() const
@@ -139,14 +122,14 @@ DesktopSight MacDesktopVisibility::sight() const
     return announcements ? announcements->sight() : sightOf(presentlyCovered(), presentState());
 }
 
-std::unique_ptr<Observation> MacDesktopVisibility::watch(std::function<void()> changed)
+Observation MacDesktopVisibility::observe(std::function<void()> changed)
 {
     auto announcements = _announcements.lock();
     if (!announcements) {
         announcements = std::make_shared<Announcements>(_clock);
         _announcements = announcements;
     }
-    return std::make_unique<Watch>(std::move(announcements), std::move(changed));
+    return announcements->add(std::move(changed));
 }
 
 } // namespace velbrix

@@ -2,22 +2,13 @@
 
 #include "platform/Displays.h"
 
-#include <memory>
-
 namespace velbrix {
 
 // The screens of AppKit; the main one is that with the menu bar.
 class MacDisplays final : public Displays {
 public:
-    MacDisplays();
-    ~MacDisplays() override;
-
     QList<Display> displays() const override;
-    void observe(std::function<void()> changed) override;
-
-private:
-    struct Private;
-    std::unique_ptr<Private> _d;
+    Observation observe(std::function<void()> changed) override;
 };
 
 } // namespace velbrix

@@ -4,29 +4,23 @@
 #include "platform/macos/system/SystemWatch.h"
 
 #include <utility>
-#include <vector>
 
 namespace velbrix {
-
-struct MacDisplays::Private {
-    std::vector<VBNotificationWatch *> watches;
-};
-
-MacDisplays::MacDisplays() : _d(std::make_unique<Private>()) {}
-
-MacDisplays::~MacDisplays() = default;
 
 QList<Display> MacDisplays::displays() const
 {
     return displayList(screenFacts());
 }
 
-void MacDisplays::observe(std::function<void()> changed)
+Observation MacDisplays::observe(std::function<void()> changed)
 {
-    _d->watches.push_back([[VBNotificationWatch alloc]
+    return observationOf([[VBNotificationWatch alloc]
         initWithCenter:NSNotificationCenter.defaultCenter
                   name:NSApplicationDidChangeScreenParametersNotification
-                posted:[changed = std::move(changed)](NSNotification *) { changed(); }]);
+                posted:[changed = std::move(changed)](NSNotification *) {
+                    const auto call = changed; // it may end the observation
+                    call();
+                }]);
 }
 
 } // namespace velbrix

@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include <array>
 #include <memory>
 #include <utility>
 
@@ -20,17 +19,15 @@ struct Measuring {
     qsizetype next = 0;
 };
 
-// Takes one path after another. The cancellation is this run's own, because
-// each has room for one listener.
-QCoro::Task<> measureNext(ProcessRunner runner, QString program, std::shared_ptr<Measuring> measuring,
-                          Cancellation running)
+// Takes one path after another.
+QCoro::Task<> measureNext(ProcessRunner runner, QString program, std::shared_ptr<Measuring> measuring)
 {
     while (measuring->next < measuring->paths.size() && !measuring->cancellation.isCancelled()) {
         const qsizetype index = measuring->next++;
         ProcessRequest request;
         request.program = program;
         request.arguments = {u"-sk"_s, QFile::decodeName(measuring->paths[index])};
-        request.cancellation = running;
+        request.cancellation = measuring->cancellation;
         const auto outcome = co_await runner.run(std::move(request));
         // It fails on what it cannot read and tells the rest.
         if (!measuring->cancellation.isCancelled())
@@ -52,17 +49,11 @@ QCoro::Task<> DuDiskUsage::measure(const QList<QByteArray> paths, Measured measu
                                    Cancellation cancellation)
 {
     const auto measuring = std::make_shared<Measuring>(paths, std::move(measured), cancellation);
-    std::array<Cancellation, programsAtOnce> running;
-    cancellation.onCancel([running]() mutable {
-        for (Cancellation &each : running)
-            each.cancel();
-    });
     std::vector<QCoro::Task<>> tasks;
-    for (const Cancellation &each : running)
-        tasks.push_back(measureNext(_runner, _program, measuring, each));
+    for (int i = 0; i < programsAtOnce; ++i)
+        tasks.push_back(measureNext(_runner, _program, measuring));
     for (QCoro::Task<> &task : tasks)
         co_await task;
-    cancellation.onCancel({});
 }
 
 } // namespace velbrix

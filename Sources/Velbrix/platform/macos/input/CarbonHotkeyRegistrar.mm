@@ -1,7 +1,7 @@
 #include "platform/macos/input/CarbonHotkeyRegistrar.h"
 
+#include "foundation/MainThread.h"
 #include "platform/macos/media/FourCharCode.h"
-#include "platform/macos/system/MainThread.h"
 
 #import <Carbon/Carbon.h>
 

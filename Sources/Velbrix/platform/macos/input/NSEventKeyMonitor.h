@@ -13,12 +13,12 @@ public:
     NSEventKeyMonitor();
     ~NSEventKeyMonitor() override;
 
-    std::unique_ptr<KeyWatch> watchLocal(std::function<bool(const KeyPress &)> pressed) override;
-    Result<std::unique_ptr<KeyWatch>> watchGlobal(std::function<void(const KeyPress &)> pressed) override;
+    Observation observeLocal(std::function<bool(const KeyPress &)> pressed) override;
+    Result<Observation> observeGlobal(std::function<void(const KeyPress &)> pressed) override;
 
 private:
-    class LocalWatches;
-    std::shared_ptr<LocalWatches> _locals;
+    class LocalKeys;
+    std::shared_ptr<LocalKeys> _local;
 };
 
 } // namespace velbrix

@@ -5,16 +5,12 @@
 #import <AppKit/AppKit.h>
 #import <ApplicationServices/ApplicationServices.h>
 
-#include <algorithm>
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-using LocalHandler = std::function<bool(const KeyPress &)>;
 
 static_assert(NSEventModifierFlagShift == eventShiftFlag);
 static_assert(NSEventModifierFlagControl == eventControlFlag);
@@ -42,38 +38,18 @@ private:
     id _token;
 };
 
-class GlobalWatch final : public KeyWatch {
-public:
-    explicit GlobalWatch(id token) : _token(token) {}
-
-private:
-    MonitorToken _token;
-};
-
-class LocalWatch final : public KeyWatch {
-public:
-    explicit LocalWatch(std::shared_ptr<void> entry) : _entry(std::move(entry)) {}
-
-private:
-    std::shared_ptr<void> _entry;
-};
-
 } // namespace
 
 // AppKit promises no order among its monitors, so one monitor serves them all.
-class NSEventKeyMonitor::LocalWatches : public std::enable_shared_from_this<LocalWatches> {
+class NSEventKeyMonitor::LocalKeys : public std::enable_shared_from_this<LocalKeys> {
 public:
-    std::shared_ptr<void> add(LocalHandler pressed)
+    Observation observe(std::function<bool(const KeyPress &)> pressed)
     {
         install();
-        auto handler = std::make_shared<LocalHandler>(std::move(pressed));
-        _handlers.push_back(handler);
-        const std::weak_ptr<LocalWatches> hub = weak_from_this();
-        return {handler.get(), [hub, handler](void *) mutable {
-                    handler.reset();
-                    if (const auto alive = hub.lock())
-                        alive->sweep();
-                }};
+        return _observers.add(std::move(pressed), [self = weak_from_this()] {
+            if (const auto alive = self.lock(); alive && alive->_observers.isEmpty())
+                alive->_monitor.reset();
+        });
     }
 
 private:
@@ -81,46 +57,30 @@ private:
     {
         if (_monitor)
             return;
-        const std::weak_ptr<LocalWatches> hub = weak_from_this();
+        const std::weak_ptr<LocalKeys> self = weak_from_this();
         _monitor = std::make_unique<MonitorToken>([NSEvent
             addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
                                          handler:^NSEvent *(NSEvent *event) {
-                                             const auto alive = hub.lock();
-                                             return alive && alive->swallows(keyPress(event)) ? nil : event;
+                                             const auto alive = self.lock();
+                                             return alive && alive->_observers.ask(keyPress(event)) ? nil
+                                                                                                    : event;
                                          }]);
     }
-    bool swallows(const KeyPress &press) const
-    {
-        // A handler may end any watch, so each is asked only while it lives.
-        const auto handlers = _handlers;
-        return std::any_of(handlers.rbegin(), handlers.rend(),
-                           [&](const std::weak_ptr<LocalHandler> &handler) {
-                               const auto alive = handler.lock();
-                               return alive && (*alive)(press);
-                           });
-    }
-    void sweep()
-    {
-        std::erase_if(_handlers, [](const auto &handler) { return handler.expired(); });
-        if (_handlers.empty())
-            _monitor.reset();
-    }
 
-    std::vector<std::weak_ptr<LocalHandler>> _handlers; // oldest first
+    ObserverList<bool(const KeyPress &)> _observers;
     std::unique_ptr<MonitorToken> _monitor;
 };
 
-NSEventKeyMonitor::NSEventKeyMonitor() : _locals(std::make_shared<LocalWatches>()) {}
+NSEventKeyMonitor::NSEventKeyMonitor() : _local(std::make_shared<LocalKeys>()) {}
 
 NSEventKeyMonitor::~NSEventKeyMonitor() = default;
 
-std::unique_ptr<KeyWatch> NSEventKeyMonitor::watchLocal(std::function<bool(const KeyPress &)> pressed)
+Observation NSEventKeyMonitor::observeLocal(std::function<bool(const KeyPress &)> pressed)
 {
-    return std::make_unique<LocalWatch>(_locals->add(std::move(pressed)));
+    return _local->observe(std::move(pressed));
 }
 
-Result<std::unique_ptr<KeyWatch>>
-NSEventKeyMonitor::watchGlobal(std::function<void(const KeyPress &)> pressed)
+Result<Observation> NSEventKeyMonitor::observeGlobal(std::function<void(const KeyPress &)> pressed)
 {
     if (!AXIsProcessTrusted())
         return failure(u"在其他应用中使用此快捷键需要辅助功能权限"_s);
@@ -130,7 +90,7 @@ NSEventKeyMonitor::watchGlobal(std::function<void(const KeyPress &)> pressed)
                                                             }];
     if (!token)
         return failure(u"系统无法监听其他应用中的按键"_s);
-    return std::make_unique<GlobalWatch>(token);
+    return Observation([monitor = std::make_shared<MonitorToken>(token)]() mutable { monitor.reset(); });
 }
 
 } // namespace velbrix

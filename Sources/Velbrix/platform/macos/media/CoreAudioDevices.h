@@ -2,8 +2,6 @@
 
 #include "platform/AudioDevices.h"
 
-#include <memory>
-
 namespace velbrix {
 
 // Speakers from CoreAudio, known by their device UIDs; microphones from the
@@ -11,17 +9,10 @@ namespace velbrix {
 // off the main thread, because the sound server may take its time.
 class CoreAudioDevices final : public AudioDevices {
 public:
-    CoreAudioDevices();
-    ~CoreAudioDevices() override;
-
     QCoro::Task<Result<QList<AudioDeviceItem>>> speakers() override;
     QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override;
     QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) override;
-    void observeChanges(std::function<void()> changed) override;
-
-private:
-    class ChangeListener;
-    std::unique_ptr<ChangeListener> _listener;
+    Observation observeChanges(std::function<void()> changed) override;
 };
 
 } // namespace velbrix

@@ -77,9 +77,7 @@ void inBackground(dispatch_block_t work)
     dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), work);
 }
 
-} // namespace
-
-class CoreAudioDevices::ChangeListener {
+class ChangeListener {
 public:
     explicit ChangeListener(std::function<void()> changed)
         : _changed(std::make_shared<std::function<void()>>(std::move(changed)))
@@ -113,9 +111,7 @@ private:
     AudioObjectPropertyListenerBlock _block;
 };
 
-CoreAudioDevices::CoreAudioDevices() = default;
-
-CoreAudioDevices::~CoreAudioDevices() = default;
+} // namespace
 
 QCoro::Task<Result<QList<AudioDeviceItem>>> CoreAudioDevices::speakers()
 {
@@ -146,9 +142,10 @@ QCoro::Task<Result<void>> CoreAudioDevices::setDefaultSpeaker(const QString id)
     return answerOf(switched);
 }
 
-void CoreAudioDevices::observeChanges(std::function<void()> changed)
+Observation CoreAudioDevices::observeChanges(std::function<void()> changed)
 {
-    _listener = std::make_unique<ChangeListener>(std::move(changed));
+    return Observation(
+        [listener = std::make_shared<ChangeListener>(std::move(changed))]() mutable { listener.reset(); });
 }
 
 } // namespace velbrix

@@ -16,12 +16,11 @@ CMTime oneSecond()
     return CMTimeMake(1, 1);
 }
 
-// Ends the cancellation's hold on the search.
-QCoro::Task<Result<QImage>> answerOrCancelled(Completion<Result<QImage>> found, Cancellation cancellation)
+// The search can be cancelled until it is answered.
+QCoro::Task<Result<QImage>> answerOrCancelled(Completion<Result<QImage>> found,
+                                              [[maybe_unused]] Observation cancelling)
 {
-    Result<QImage> picture = co_await answerOf(found);
-    cancellation.onCancel({});
-    co_return picture;
+    co_return co_await answerOf(found);
 }
 
 } // namespace
@@ -56,11 +55,10 @@ QCoro::Task<Result<QImage>> searchFrame(AVAsset *asset, FrameSpan span, QSize bo
                                       else
                                           found.answer(picture);
                                   }];
-    cancellation.onCancel([generator, found] {
+    return answerOrCancelled(found, cancellation.onCancel([generator, found] {
         [generator cancelAllCGImageGeneration];
         found.answer(failure(u"已取消"_s));
-    });
-    return answerOrCancelled(found, std::move(cancellation));
+    }));
 }
 
 } // namespace velbrix

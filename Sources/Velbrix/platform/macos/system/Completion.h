@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/macos/system/MainThread.h"
+#include "foundation/MainThread.h"
 
 #include <QCoroTask>
 

@@ -1,8 +1,8 @@
 #include "platform/macos/system/IOPSPowerSource.h"
 
+#include "foundation/MainThread.h"
 #include "platform/macos/system/BatteryRule.h"
 #include "platform/macos/system/FoundationBridge.h"
-#include "platform/macos/system/MainThread.h"
 
 #import <IOKit/ps/IOPSKeys.h>
 #import <IOKit/ps/IOPowerSources.h>
@@ -31,9 +31,7 @@ QList<PowerSourceFacts> powerSources()
     return facts;
 }
 
-} // namespace
-
-class IOPSPowerSource::Monitor {
+class Monitor {
 public:
     explicit Monitor(std::function<void()> changed)
         : _changed(std::make_shared<std::function<void()>>(std::move(changed))),
@@ -68,17 +66,14 @@ private:
     CFRunLoopSourceRef _source;
 };
 
-IOPSPowerSource::IOPSPowerSource() = default;
+} // namespace
 
-IOPSPowerSource::~IOPSPowerSource() = default;
-
-Result<void> IOPSPowerSource::startMonitor(std::function<void()> changed)
+Result<Observation> IOPSPowerSource::observe(std::function<void()> changed)
 {
-    auto monitor = std::make_unique<Monitor>(std::move(changed));
+    auto monitor = std::make_shared<Monitor>(std::move(changed));
     if (!monitor->isRunning())
         return failure(u"系统无法报告电源的变化"_s);
-    _monitor = std::move(monitor);
-    return {};
+    return Observation([monitor = std::move(monitor)]() mutable { monitor.reset(); });
 }
 
 bool IOPSPowerSource::isOnBattery() const

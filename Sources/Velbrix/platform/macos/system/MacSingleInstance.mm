@@ -25,14 +25,6 @@ NSRunningApplication *otherCopy()
 
 } // namespace
 
-struct MacSingleInstance::Private {
-    VBNotificationWatch *observer = nil;
-};
-
-MacSingleInstance::MacSingleInstance() : _d(std::make_unique<Private>()) {}
-
-MacSingleInstance::~MacSingleInstance() = default;
-
 bool MacSingleInstance::claim()
 {
     return !otherCopy();
@@ -52,11 +44,14 @@ void MacSingleInstance::wakeOther()
     [other activateWithOptions:NSApplicationActivateAllWindows];
 }
 
-void MacSingleInstance::observeWake(std::function<void()> wake)
+Observation MacSingleInstance::observeWake(std::function<void()> wake)
 {
-    _d->observer = [[VBNotificationWatch alloc]
+    return observationOf([[VBNotificationWatch alloc]
         initWithDistributedName:wakeNotification
-                         posted:[wake = std::move(wake)](NSNotification *) { wake(); }];
+                         posted:[wake = std::move(wake)](NSNotification *) {
+                             const auto call = wake; // it may end the observation
+                             call();
+                         }]);
 }
 
 } // namespace velbrix

@@ -7,29 +7,15 @@
 #include <utility>
 
 namespace velbrix {
-namespace {
-
-class WakingWatch final : public Observation {
-public:
-    explicit WakingWatch(std::function<void()> woke)
-        : _watch([[VBNotificationWatch alloc] initWithCenter:NSWorkspace.sharedWorkspace.notificationCenter
-                                                        name:NSWorkspaceDidWakeNotification
-                                                      posted:[woke = std::move(woke)](NSNotification *) {
-                                                          const auto call = woke; // it may end the watch
-                                                          call();
-                                                      }])
-    {
-    }
-
-private:
-    VBNotificationWatch *_watch;
-};
-
-} // namespace
-
-std::unique_ptr<Observation> MacSystemSleep::watchWaking(std::function<void()> woke)
+Observation MacSystemSleep::observeWaking(std::function<void()> woke)
 {
-    return std::make_unique<WakingWatch>(std::move(woke));
+    return observationOf([[VBNotificationWatch alloc]
+        initWithCenter:NSWorkspace.sharedWorkspace.notificationCenter
+                  name:NSWorkspaceDidWakeNotification
+                posted:[woke = std::move(woke)](NSNotification *) {
+                    const auto call = woke; // it may end the watch
+                    call();
+                }]);
 }
 
 } // namespace velbrix

@@ -2,6 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
+#include "foundation/Observation.h"
+
 #include <functional>
 
 // What the system announces, on the main thread at its next turn, whatever the
@@ -24,3 +26,13 @@
 // Calls as for a change, for a value that may be reached already.
 - (void)check;
 @end
+
+namespace velbrix {
+
+// Keeps the watch.
+inline Observation observationOf(id watch)
+{
+    return Observation([watch]() mutable { watch = nil; });
+}
+
+} // namespace velbrix

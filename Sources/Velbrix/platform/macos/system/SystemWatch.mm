@@ -1,6 +1,6 @@
 #include "platform/macos/system/SystemWatch.h"
 
-#include "platform/macos/system/MainThread.h"
+#include "foundation/MainThread.h"
 
 #include <memory>
 #include <utility>

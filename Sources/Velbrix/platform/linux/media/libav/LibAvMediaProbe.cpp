@@ -9,19 +9,17 @@
 namespace velbrix {
 namespace {
 
-using Flag = WorkLimit::Flag;
-
-Result<VideoFacts> findFacts(const QString &path, const Flag &ended)
+Result<VideoFacts> findFacts(const QString &path, const Cancellation &ended)
 {
-    const WorkLimit limit(ended, std::make_shared<std::atomic<bool>>(false));
+    const WorkLimit limit(ended, Cancellation());
     const auto input = VideoInput::open(path, limit);
     if (!input)
         return std::unexpected(input.error());
     return input->facts();
 }
 
-Result<QImage> findPicture(const QString &path, double seconds, QSize bound, const Flag &ended,
-                           const Flag &cancelled)
+Result<QImage> findPicture(const QString &path, double seconds, QSize bound, const Cancellation &ended,
+                           const Cancellation &cancelled)
 {
     const WorkLimit limit(ended, cancelled);
     auto input = VideoInput::open(path, limit);
@@ -40,7 +38,7 @@ LibAvMediaProbe::LibAvMediaProbe()
 
 LibAvMediaProbe::~LibAvMediaProbe()
 {
-    *_ended = true;
+    _ended.cancel();
 }
 
 QCoro::Task<Result<VideoFacts>> LibAvMediaProbe::facts(const QString path)
@@ -52,13 +50,9 @@ QCoro::Task<Result<VideoFacts>> LibAvMediaProbe::facts(const QString path)
 QCoro::Task<Result<QImage>> LibAvMediaProbe::frame(const QString path, double seconds, QSize bound,
                                                    Cancellation cancellation)
 {
-    const auto cancelled = std::make_shared<std::atomic<bool>>(false);
-    cancellation.onCancel([cancelled] { *cancelled = true; });
     const QFuture<Result<QImage>> found =
-        QtConcurrent::run(&_pictureThreads, findPicture, path, seconds, bound, _ended, cancelled);
-    const Result<QImage> picture = co_await found;
-    cancellation.onCancel({});
-    co_return picture;
+        QtConcurrent::run(&_pictureThreads, findPicture, path, seconds, bound, _ended, cancellation);
+    co_return co_await found;
 }
 
 } // namespace velbrix

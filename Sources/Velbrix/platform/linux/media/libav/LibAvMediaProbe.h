@@ -4,9 +4,6 @@
 
 #include <QThreadPool>
 
-#include <atomic>
-#include <memory>
-
 namespace velbrix {
 
 // Videos by FFmpeg's libraries. Pictures are taken two at a time and never
@@ -21,7 +18,7 @@ public:
                                       Cancellation cancellation) override;
 
 private:
-    std::shared_ptr<std::atomic<bool>> _ended = std::make_shared<std::atomic<bool>>(false);
+    Cancellation _ended;
     QThreadPool _factThreads;
     QThreadPool _pictureThreads;
 };

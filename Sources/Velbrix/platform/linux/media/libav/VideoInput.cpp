@@ -122,21 +122,19 @@ const std::int32_t *displayMatrix(const AVStream &stream)
 
 } // namespace
 
-WorkLimit::WorkLimit(Flag ended, Flag cancelled)
-    : _ended(std::move(ended)),
-      _cancelled(std::move(cancelled)),
-      _deadline(monotonicNanoseconds() + longestWork)
+WorkLimit::WorkLimit(const Cancellation &ended, const Cancellation &cancelled)
+    : _ended(ended), _cancelled(cancelled), _deadline(monotonicNanoseconds() + longestWork)
 {
 }
 
 bool WorkLimit::isReached() const
 {
-    return *_ended || *_cancelled || monotonicNanoseconds() > _deadline;
+    return _ended.isCancelled() || _cancelled.isCancelled() || monotonicNanoseconds() > _deadline;
 }
 
 Failure WorkLimit::reason() const
 {
-    return {*_ended || *_cancelled ? u"已取消"_s : u"读取时间过长"_s};
+    return {_ended.isCancelled() || _cancelled.isCancelled() ? u"已取消"_s : u"读取时间过长"_s};
 }
 
 Result<VideoInput> VideoInput::open(const QString &path, const WorkLimit &limit)

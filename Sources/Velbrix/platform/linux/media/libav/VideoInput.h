@@ -5,24 +5,20 @@
 
 #include <QTransform>
 
-#include <atomic>
 #include <cstdint>
-#include <memory>
 
 namespace velbrix {
 
 // When to give up a look into a file: on demand, or when it takes too long.
 class WorkLimit {
 public:
-    using Flag = std::shared_ptr<std::atomic<bool>>;
-
-    WorkLimit(Flag ended, Flag cancelled);
+    WorkLimit(const Cancellation &ended, const Cancellation &cancelled);
     bool isReached() const;
     Failure reason() const;
 
 private:
-    Flag _ended; // nobody asks any more
-    Flag _cancelled;
+    Cancellation _ended; // nobody asks any more
+    Cancellation _cancelled;
     std::int64_t _deadline;
 };
 

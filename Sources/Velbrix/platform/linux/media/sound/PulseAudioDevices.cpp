@@ -46,13 +46,13 @@ QCoro::Task<Result<void>> PulseAudioDevices::setDefaultSpeaker(const QString id)
     co_return co_await done;
 }
 
-void PulseAudioDevices::observeChanges(std::function<void()> changed)
+Observation PulseAudioDevices::observeChanges(std::function<void()> changed)
 {
-    _observers.push_back(std::move(changed));
-    if (_watch)
-        return;
-    _watch = std::make_unique<PulseWatch>([this] { announce(); });
-    _watch->start();
+    if (!_watch) {
+        _watch = std::make_unique<PulseWatch>([this] { announce(); });
+        _watch->start();
+    }
+    return _observers.add(std::move(changed));
 }
 
 // On the watch's thread. A burst of events is one change.
@@ -64,9 +64,7 @@ void PulseAudioDevices::announce()
         this,
         [this] {
             _isAnnounced = false;
-            const std::vector<std::function<void()>> observers = _observers;
-            for (const auto &observer : observers)
-                observer();
+            _observers.notify();
         },
         Qt::QueuedConnection);
 }

@@ -5,9 +5,7 @@
 #include <QObject>
 
 #include <atomic>
-#include <functional>
 #include <memory>
-#include <vector>
 
 namespace velbrix {
 
@@ -25,13 +23,13 @@ public:
     QCoro::Task<Result<QList<AudioDeviceItem>>> speakers() override;
     QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override;
     QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) override;
-    void observeChanges(std::function<void()> changed) override;
+    Observation observeChanges(std::function<void()> changed) override;
 
 private:
     void announce();
 
     std::unique_ptr<PulseWatch> _watch;
-    std::vector<std::function<void()>> _observers;
+    ObserverList<void()> _observers;
     std::atomic<bool> _isAnnounced = false; // a change is on its way to the main thread
 };
 

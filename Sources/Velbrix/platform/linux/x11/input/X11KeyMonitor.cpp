@@ -1,7 +1,6 @@
 #include "platform/linux/x11/input/X11KeyMonitor.h"
 
 #include "foundation/HotkeyChord.h"
-#include "platform/linux/x11/input/WatchList.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
@@ -19,14 +18,13 @@ class X11KeyMonitor::LocalKeys final : public QObject {
 public:
     explicit LocalKeys(std::shared_ptr<X11Keyboard> keyboard) : _keyboard(std::move(keyboard)) {}
 
-    std::unique_ptr<KeyWatch> watch(std::function<bool(const KeyPress &)> pressed,
-                                    const std::weak_ptr<LocalKeys> &self)
+    Observation observe(std::function<bool(const KeyPress &)> pressed, const std::weak_ptr<LocalKeys> &self)
     {
-        if (_watches.isEmpty())
+        if (_observers.isEmpty())
             QCoreApplication::instance()->installEventFilter(this);
-        return _watches.add(std::move(pressed), [self] {
+        return _observers.add(std::move(pressed), [self] {
             const auto keys = self.lock();
-            if (keys && keys->_watches.isEmpty() && QCoreApplication::instance())
+            if (keys && keys->_observers.isEmpty() && QCoreApplication::instance())
                 QCoreApplication::instance()->removeEventFilter(keys.get());
         });
     }
@@ -64,11 +62,7 @@ private:
     bool ask(const QKeyEvent &event)
     {
         const auto press = translated(event);
-        if (!press)
-            return false;
-        bool isTaken = false;
-        _watches.forEachUntil([&](const auto &pressed) { return isTaken = pressed(*press); });
-        return isTaken;
+        return press && _observers.ask(*press);
     }
 
     std::optional<KeyPress> translated(const QKeyEvent &event) const
@@ -93,7 +87,7 @@ private:
     }
 
     std::shared_ptr<X11Keyboard> _keyboard;
-    WatchList<bool> _watches;
+    ObserverList<bool(const KeyPress &)> _observers;
     std::optional<Delivery> _asked;
     bool _isSwallowed = false;
 };
@@ -103,14 +97,14 @@ public:
     explicit RawKeys(std::shared_ptr<X11Keyboard> keyboard) : _keyboard(std::move(keyboard)) {}
     ~RawKeys() override { stop(); }
 
-    Result<std::unique_ptr<KeyWatch>> watch(std::function<void(const KeyPress &)> pressed,
-                                            const std::weak_ptr<RawKeys> &self)
+    Result<Observation> observe(std::function<void(const KeyPress &)> pressed,
+                                const std::weak_ptr<RawKeys> &self)
     {
         if (!_isListening && !start())
             return failure(u"X 服务器不提供全局按键事件"_s);
-        return _watches.add(std::move(pressed), [self] {
+        return _observers.add(std::move(pressed), [self] {
             const auto keys = self.lock();
-            if (keys && keys->_watches.isEmpty())
+            if (keys && keys->_observers.isEmpty())
                 keys->stop();
         });
     }
@@ -199,15 +193,11 @@ private:
             if (_held[held])
                 state |= codes.stateOfKey(static_cast<quint8>(held));
         }
-        const KeyPress press{*keyCode, codes.modifiersFromX(state), isRepeat};
-        _watches.forEachUntil([&](const auto &pressed) {
-            pressed(press);
-            return false;
-        });
+        _observers.notify({*keyCode, codes.modifiersFromX(state), isRepeat});
     }
 
     std::shared_ptr<X11Keyboard> _keyboard;
-    WatchList<void> _watches;
+    ObserverList<void(const KeyPress &)> _observers;
     std::bitset<256> _held;
     quint8 _opcode = 0;
     bool _isListening = false;
@@ -221,16 +211,16 @@ X11KeyMonitor::X11KeyMonitor(std::shared_ptr<X11Keyboard> keyboard)
 
 X11KeyMonitor::~X11KeyMonitor() = default;
 
-std::unique_ptr<KeyWatch> X11KeyMonitor::watchLocal(std::function<bool(const KeyPress &)> pressed)
+Observation X11KeyMonitor::observeLocal(std::function<bool(const KeyPress &)> pressed)
 {
-    return _local->watch(std::move(pressed), _local);
+    return _local->observe(std::move(pressed), _local);
 }
 
-Result<std::unique_ptr<KeyWatch>> X11KeyMonitor::watchGlobal(std::function<void(const KeyPress &)> pressed)
+Result<Observation> X11KeyMonitor::observeGlobal(std::function<void(const KeyPress &)> pressed)
 {
     if (!_raw)
         return failure(u"当前会话不是 X11，无法监听其他程序的按键"_s);
-    return _raw->watch(std::move(pressed), _raw);
+    return _raw->observe(std::move(pressed), _raw);
 }
 
 } // namespace velbrix

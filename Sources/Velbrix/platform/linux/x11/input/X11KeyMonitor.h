@@ -15,8 +15,8 @@ public:
     explicit X11KeyMonitor(std::shared_ptr<X11Keyboard> keyboard);
     ~X11KeyMonitor() override;
 
-    std::unique_ptr<KeyWatch> watchLocal(std::function<bool(const KeyPress &)> pressed) override;
-    Result<std::unique_ptr<KeyWatch>> watchGlobal(std::function<void(const KeyPress &)> pressed) override;
+    Observation observeLocal(std::function<bool(const KeyPress &)> pressed) override;
+    Result<Observation> observeGlobal(std::function<void(const KeyPress &)> pressed) override;
 
 private:
     class LocalKeys;

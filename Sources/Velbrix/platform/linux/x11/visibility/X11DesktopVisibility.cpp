@@ -5,8 +5,7 @@
 #include "platform/linux/x11/visibility/ScreenCover.h"
 #include "platform/linux/x11/visibility/ScreenPower.h"
 
-#include <algorithm>
-#include <vector>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -95,65 +94,38 @@ private:
     std::unique_ptr<Alarm> _ask;
 };
 
-struct X11DesktopVisibility::Watchers {
-    std::vector<Entry *> entries;
-    std::unique_ptr<Watcher> watcher; // while there are entries
-};
-
-class X11DesktopVisibility::Entry final : public Observation {
-public:
-    Entry(std::shared_ptr<Watchers> watchers, std::function<void()> changed)
-        : _watchers(std::move(watchers)), _changed(std::move(changed))
-    {
-        _watchers->entries.push_back(this);
-    }
-    ~Entry() override
-    {
-        std::erase(_watchers->entries, this);
-        if (_watchers->entries.empty())
-            _watchers->watcher.reset();
-    }
-
-    static void callAll(const std::weak_ptr<Watchers> &watchers)
-    {
-        const auto living = watchers.lock();
-        const auto entries = living ? living->entries : std::vector<Entry *>();
-        for (Entry *entry : entries) {
-            // An earlier call may have ended this observation.
-            if (std::ranges::find(living->entries, entry) == living->entries.end())
-                continue;
-            const auto changed = entry->_changed;
-            changed();
-        }
-    }
-
-private:
-    const std::shared_ptr<Watchers> _watchers;
-    const std::function<void()> _changed;
+struct X11DesktopVisibility::Watching {
+    ObserverList<void()> observers;
+    std::unique_ptr<Watcher> watcher; // while there are observers
 };
 
 X11DesktopVisibility::X11DesktopVisibility(Clock &clock)
-    : _clock(clock), _watchers(std::make_shared<Watchers>())
+    : _clock(clock), _watching(std::make_shared<Watching>())
 {
 }
 
 X11DesktopVisibility::~X11DesktopVisibility()
 {
-    _watchers->watcher.reset();
+    _watching->watcher.reset();
 }
 
 DesktopSight X11DesktopVisibility::sight() const
 {
-    return _watchers->watcher ? _watchers->watcher->sight() : Watcher(_clock, [] {}).sight();
+    return _watching->watcher ? _watching->watcher->sight() : Watcher(_clock, [] {}).sight();
 }
 
-std::unique_ptr<Observation> X11DesktopVisibility::watch(std::function<void()> changed)
+Observation X11DesktopVisibility::observe(std::function<void()> changed)
 {
-    auto entry = std::make_unique<Entry>(_watchers, std::move(changed));
-    if (!_watchers->watcher)
-        _watchers->watcher = std::make_unique<Watcher>(
-            _clock, [watchers = std::weak_ptr(_watchers)] { Entry::callAll(watchers); });
-    return entry;
+    Observation observation = _watching->observers.add(std::move(changed), [watching = _watching] {
+        if (watching->observers.isEmpty())
+            watching->watcher.reset();
+    });
+    if (!_watching->watcher)
+        _watching->watcher = std::make_unique<Watcher>(_clock, [watching = std::weak_ptr(_watching)] {
+            if (const auto alive = watching.lock())
+                alive->observers.notify();
+        });
+    return observation;
 }
 
 } // namespace velbrix

@@ -15,15 +15,14 @@ public:
     ~X11DesktopVisibility() override;
 
     DesktopSight sight() const override;
-    std::unique_ptr<Observation> watch(std::function<void()> changed) override;
+    Observation observe(std::function<void()> changed) override;
 
 private:
     class Watcher;
-    class Entry;
-    struct Watchers;
+    struct Watching;
 
     Clock &_clock;
-    std::shared_ptr<Watchers> _watchers;
+    std::shared_ptr<Watching> _watching;
 };
 
 } // namespace velbrix
