@@ -16,7 +16,7 @@ RULES = [
     (r'.*', HOST, r'\b(SOCK_(CLOEXEC|NONBLOCK)|MSG_NOSIGNAL|O_TMPFILE|accept4|pipe2|renameat2|statx|fallocate|copy_file_range|'
      r'memfd_create|(event|timer|signal)fd|epoll_\w+|inotify_\w+|prctl|st_[acm]tim\b|fdatasync|secure_getenv)\b|#include <(linux|sys/(epoll|'
      r'inotify|prctl|statfs|vfs|sendfile|random))[./]', 'a Mac has no such call'),
-    (r'.*', r'foundation/SystemClock', r'\bQTimer\b|\bQElapsedTimer\b|\bcurrentDateTime|\bsteady_clock\b|\bsystem_clock\b', 'take the time from foundation/Clock.h'),
+    (r'.*', r'foundation/SystemClock|linux/media/recording/MonotonicTime', r'\bQTimer\b|\bQ(Elapsed|Deadline)Timer\b|\bQ(Date|Time|DateTime)::current|\b(steady|system|high_resolution)_clock\b|\b(clock_gettime|gettimeofday)\b|\btime\((nullptr|NULL|0)\)|\bNSDate\b|\bCACurrentMediaTime\b', 'take the time from foundation/Clock.h'),
     (r'.*', r'foundation/ProcessRunner', r'\bQProcess\b(?!Environment)', 'run programs through foundation/ProcessRunner.h'),
     (r'.*', r'^$', r'\bQEventLoop\b|\.exec\(\)(?!;\s*// the program)|\bwaitFor(Started|Finished|ReadyRead|BytesWritten)\b', 'no nested event loops'),
     (r'foundation/', r'^$', r'#include "(platform|app|views|%s)/' % '|'.join(FEATURES), 'foundation knows no feature and no host'),

@@ -1,10 +1,10 @@
 #include "app/AppServices.h"
 
+#include "foundation/Paths.h"
 #include "foundation/RuntimeFolder.h"
 #include "platform/Platform.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <utility>
@@ -35,10 +35,8 @@ QList<QByteArray> ownPlaces()
     if (const auto runtime = runtimeFolder())
         places.append(*runtime);
     QList<QByteArray> canonical;
-    for (const QString &place : places) {
-        const QString real = QFileInfo(place).canonicalFilePath();
-        canonical.append(QFile::encodeName(real.isEmpty() ? place : real));
-    }
+    for (const QString &place : places)
+        canonical.append(QFile::encodeName(resolvedPath(place)));
     return canonical;
 }
 

@@ -1,11 +1,11 @@
 #include "foundation/Removal.h"
 
 #include "foundation/FolderHandle.h"
+#include "foundation/Paths.h"
 #include "foundation/RemovalGuard.h"
 #include "foundation/RemovalWalk.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -14,13 +14,6 @@ namespace velbrix {
 namespace {
 
 constexpr qsizetype keptProblems = 100;
-
-QByteArray canonical(const QByteArray &path)
-{
-    const std::unique_ptr<char, decltype(&std::free)> found(::realpath(path.constData(), nullptr),
-                                                            &std::free);
-    return QByteArray(found.get());
-}
 
 // With the obstacle, if any.
 std::pair<FolderHandle, QString> openRoot(const QByteArray &folder, const QByteArray &canonicalPath,
@@ -57,7 +50,9 @@ void RemovalReport::add(const RemovalReport &other)
 
 struct RemovalRoot::State {
     State(const QByteArray &folder, RemovalRules rules)
-        : guard(std::move(rules)), path(canonical(folder)), handle(openRoot(folder, path, guard).first)
+        : guard(std::move(rules)),
+          path(velbrix::canonicalPath(folder)),
+          handle(openRoot(folder, path, guard).first)
     {
     }
 
@@ -69,7 +64,7 @@ struct RemovalRoot::State {
 QString RemovalRoot::obstacle(const QByteArray &folder, const RemovalRules &rules)
 {
     const RemovalGuard guard(rules);
-    const QByteArray path = canonical(folder);
+    const QByteArray path = velbrix::canonicalPath(folder);
     return openRoot(folder, path, guard).second;
 }
 

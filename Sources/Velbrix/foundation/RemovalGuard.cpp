@@ -1,5 +1,7 @@
 #include "foundation/RemovalGuard.h"
 
+#include "foundation/Paths.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <utility>
@@ -28,18 +30,6 @@ std::optional<FileIdentity> identity(const QByteArray &path)
     return FileIdentity::of(facts);
 }
 
-bool isInside(const QByteArray &path, const QByteArray &folder)
-{
-    return folder == "/" ? path != "/"
-                         : path.startsWith(folder) && path.sliced(folder.size()).startsWith('/');
-}
-
-QByteArray parent(const QByteArray &path)
-{
-    const qsizetype slash = path.lastIndexOf('/');
-    return slash <= 0 ? QByteArray("/") : path.first(slash);
-}
-
 } // namespace
 
 RemovalGuard::RemovalGuard(RemovalRules rules) : _rules(std::move(rules))
@@ -50,7 +40,7 @@ RemovalGuard::RemovalGuard(RemovalRules rules) : _rules(std::move(rules))
         if (const auto found = identity(place))
             _placeIdentities.insert(*found);
         for (QByteArray above = place; above != "/";) {
-            above = parent(above);
+            above = splitPath(above).first;
             if (const auto found = identity(above))
                 _containing.insert(*found);
         }
@@ -73,7 +63,7 @@ QString RemovalGuard::rootObstacle(const QByteArray &canonicalPath, const struct
     if (canonicalPath == "/" || _places.contains(canonicalPath) ||
         _placeIdentities.contains(FileIdentity::of(facts)))
         return refusal;
-    for (QByteArray above = parent(canonicalPath);; above = parent(above)) {
+    for (QByteArray above = splitPath(canonicalPath).first;; above = splitPath(above).first) {
         const auto found = identity(above);
         if (_sealed.contains(above) || (found && _sealedIdentities.contains(*found)))
             return refusal;

@@ -1,5 +1,7 @@
 #include "views/ShownPath.h"
 
+#include "foundation/Paths.h"
+
 #include <QDir>
 
 namespace velbrix {
@@ -7,7 +9,7 @@ namespace velbrix {
 QString shownPath(const QString &path)
 {
     const QString home = QDir::homePath();
-    const bool isInHome = path == home || path.startsWith(home + u'/');
+    const bool isInHome = home.size() > 1 && isWithin(path, home);
     return QDir::toNativeSeparators(isInHome ? u'~' + path.sliced(home.size()) : path);
 }
 

@@ -76,7 +76,7 @@ private Q_SLOTS:
         CaptureLedger ledger;
         auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
         QVERIFY2(recorder, recorder ? "" : qPrintable(recorder.error().message));
-        (*recorder)->begin(monotonicNanoseconds());
+        (*recorder)->begin(monotonicNow());
         TestPicture picture(width, height);
         submit(**recorder, picture, picture.all(), 2);
         for (int tick = 3; tick < 90; tick += tick == 40 ? 20 : 1) {
@@ -123,7 +123,7 @@ private Q_SLOTS:
         CaptureLedger ledger;
         auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
         QVERIFY(recorder);
-        (*recorder)->begin(monotonicNanoseconds() - 20 * second);
+        (*recorder)->begin(monotonicNow() - 20 * second);
         TestPicture picture(width, height);
         submit(**recorder, picture, picture.all(), 0);
         const QString copy = _folder.filePath(u"killed.mp4"_s);
@@ -147,7 +147,7 @@ private Q_SLOTS:
         const PixelRect all = picture.all();
         for (int tick = 0; tick < 4; ++tick) // nobody encodes yet
             QCOMPARE((*recorder)->submit(picture.view(), std::span(&all, 1), tick), tick < 2);
-        (*recorder)->begin(monotonicNanoseconds());
+        (*recorder)->begin(monotonicNow());
         submit(**recorder, picture, all, 5);
         QVERIFY((*recorder)->finish(6));
         QCOMPARE(ledger.counters().writtenFrameCount, 3);
@@ -158,7 +158,7 @@ private Q_SLOTS:
         CaptureLedger ledger;
         auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
         QVERIFY(recorder);
-        (*recorder)->begin(monotonicNanoseconds());
+        (*recorder)->begin(monotonicNow());
         const auto finished = (*recorder)->finish(30);
         QVERIFY(!finished);
         QCOMPARE(finished.error().message, u"没有写入任何画面"_s);
@@ -170,7 +170,7 @@ private Q_SLOTS:
         {
             auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
             QVERIFY(recorder);
-            (*recorder)->begin(monotonicNanoseconds());
+            (*recorder)->begin(monotonicNow());
             TestPicture picture(width, height);
             for (int tick = 0; tick < 40; ++tick)
                 submit(**recorder, picture, picture.all(), tick);
@@ -191,7 +191,7 @@ private Q_SLOTS:
         rlimit tight = before;
         tight.rlim_cur = 1'500'000;
         ::setrlimit(RLIMIT_FSIZE, &tight);
-        (*recorder)->begin(monotonicNanoseconds());
+        (*recorder)->begin(monotonicNow());
         TestPicture picture(width, height);
         for (int tick = 0; tick < 300; ++tick) {
             picture.scroll(tick * 97); // too far for the encoder to follow
@@ -211,7 +211,7 @@ private Q_SLOTS:
     void recordsSoundFromTheDefaultSpeaker()
     {
         CaptureLedger ledger;
-        const std::int64_t zero = monotonicNanoseconds();
+        const std::int64_t zero = monotonicNow();
         QStringList warnings;
         std::mutex lock;
         auto recorder =
@@ -234,18 +234,18 @@ private Q_SLOTS:
         output(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=other"_s});
         output(u"pactl"_s, {u"set-default-sink"_s, u"other"_s});
         ::kill(tone, SIGTERM);
-        const std::int64_t switched = monotonicNanoseconds();
+        const std::int64_t switched = monotonicNow();
         tone = startTone(u"other"_s);
         QVERIFY(tone > 0);
         const int before = systemCount();
         QTRY_VERIFY_WITH_TIMEOUT(systemCount() > before + 150, 10000);
         // The speaker goes away: silence, and on with the next default one.
-        const std::int64_t lost = monotonicNanoseconds();
+        const std::int64_t lost = monotonicNow();
         output(u"pactl"_s, {u"unload-module"_s, u"module-null-sink"_s});
         QTRY_VERIFY_WITH_TIMEOUT(locked(lock, warnings).contains(u"系统声音暂时无法录制，将以静音代替"_s),
                                  5000);
         ::kill(tone, SIGTERM);
-        const std::int64_t end = monotonicNanoseconds();
+        const std::int64_t end = monotonicNow();
         const std::int64_t lastTick = (end - zero) * 30 / second;
         QVERIFY((*recorder)->finish(lastTick));
 

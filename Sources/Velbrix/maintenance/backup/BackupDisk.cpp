@@ -1,5 +1,6 @@
 #include "maintenance/backup/BackupDisk.h"
 
+#include "foundation/Paths.h"
 #include "foundation/Removal.h"
 
 #include <QFile>
@@ -60,7 +61,7 @@ QString placesObstacle(const BackupTask &task)
 void removeOwn(const BackupTask &task, const QString &folder,
                const std::function<bool(const QString &)> &isOurs)
 {
-    const QByteArray canonical = QFile::encodeName(QFileInfo(folder).canonicalFilePath());
+    const QByteArray canonical = canonicalPath(QFile::encodeName(folder));
     if (canonical.isEmpty())
         return;
     RemovalRules rules;

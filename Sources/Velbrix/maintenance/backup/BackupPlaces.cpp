@@ -89,9 +89,4 @@ std::optional<QDateTime> setAsideTime(const QString &folderName)
     return timeIn(folderName);
 }
 
-bool isWithin(const QString &path, const QString &folder)
-{
-    return path == folder || folder == u"/"_s || path.startsWith(folder + u'/');
-}
-
 } // namespace velbrix

@@ -29,7 +29,4 @@ QString setAsideFolder(const BackupTask &task);
 QString setAsideName(const QDateTime &at);
 std::optional<QDateTime> setAsideTime(const QString &folderName);
 
-// Whether the path is the folder or in it; both are clean.
-bool isWithin(const QString &path, const QString &folder);
-
 } // namespace velbrix

@@ -1,4 +1,5 @@
 #include "foundation/ExcludeRules.h"
+#include "foundation/Paths.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/BackupTypes.h"
 
@@ -11,13 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-// As the disk knows it; the path itself when it is not there.
-QString canonical(const QString &path)
-{
-    const QString found = QFileInfo(path).canonicalFilePath();
-    return found.isEmpty() ? QDir::cleanPath(path) : found;
-}
 
 bool isFolder(const QString &path)
 {
@@ -41,7 +35,7 @@ QString mirrorObstacle(const BackupTask &task, const QString &source, const QStr
     real.destPath = destination;
     if (isWithin(destination, source))
         return u"保存目录在源文件夹里面，同步会把文件夹复制进它自己；请换一个保存目录"_s;
-    for (const QString &written : {canonical(mirrorFolder(real)), canonical(setAsideFolder(real))}) {
+    for (const QString &written : {resolvedPath(mirrorFolder(real)), resolvedPath(setAsideFolder(real))}) {
         if (isWithin(source, written) || isWithin(written, source))
             return u"源文件夹与同步文件夹“%1”重叠，同步会删除源文件；请换一个保存目录或名称"_s.arg(written);
     }
@@ -130,8 +124,8 @@ QString backupObstacle(const BackupTask &task)
         return u"源文件夹不存在或不是目录"_s;
     if (!isFolder(task.destPath))
         return u"保存目录不存在或不是目录"_s;
-    const QString source = canonical(task.sourcePath);
-    const QString destination = canonical(task.destPath);
+    const QString source = resolvedPath(task.sourcePath);
+    const QString destination = resolvedPath(task.destPath);
     return task.kind == BackupTaskKind::sync ? mirrorObstacle(task, source, destination)
                                              : archiveObstacle(task, source, destination);
 }

@@ -1,6 +1,6 @@
 #include "maintenance/backup/MirrorRun.h"
 
-#include "foundation/EmptyFolder.h"
+#include "foundation/Paths.h"
 #include "maintenance/backup/BackupDisk.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/MirrorComparison.h"

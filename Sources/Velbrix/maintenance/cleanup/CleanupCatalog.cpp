@@ -1,5 +1,7 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
 
+#include "foundation/Paths.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -15,11 +17,8 @@ constexpr auto everyFolder = "/*"_L1;
 // it: home's own folders are no caches.
 QString baseFolder(QStandardPaths::StandardLocation kind, const QString &standard)
 {
-    const QString home = QFileInfo(QDir::homePath()).canonicalFilePath();
     const QString path = QStandardPaths::writableLocation(kind);
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    const bool holdsHome =
-        !canonical.isEmpty() && (home + u'/').startsWith(canonical == u'/' ? canonical : canonical + u'/');
+    const bool holdsHome = isWithin(canonicalPath(QDir::homePath()), canonicalPath(path));
     return holdsHome ? QDir::homePath() + standard : path;
 }
 
@@ -74,7 +73,7 @@ QStringList matchingFolders(const QString &pattern)
     if (!isPattern(pattern))
         return {pattern};
     const auto star = pattern.indexOf(everyFolder);
-    const QString parent = QFileInfo(pattern.first(star)).canonicalFilePath();
+    const QString parent = canonicalPath(pattern.first(star));
     const QString rest = pattern.mid(star + everyFolder.size());
     QStringList folders;
     if (parent.isEmpty())

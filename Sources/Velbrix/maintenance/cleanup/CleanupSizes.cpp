@@ -1,12 +1,11 @@
 #include "maintenance/cleanup/CleanupSizes.h"
 
-#include "foundation/EmptyFolder.h"
+#include "foundation/Paths.h"
 #include "maintenance/cleanup/CleanupTable.h"
 #include "platform/DiskUsage.h"
 
 #include <QCoroFuture>
 #include <QFile>
-#include <QFileInfo>
 #include <QPointer>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -25,7 +24,7 @@ QList<Place> placesOf(const QStringList &folders)
 {
     QList<Place> places;
     for (const QString &folder : folders) {
-        const QString canonical = QFileInfo(folder).canonicalFilePath();
+        const QString canonical = canonicalPath(folder);
         places.append(
             {QFile::encodeName(canonical.isEmpty() ? folder : canonical), isEmptyFolder(canonical)});
     }
@@ -35,8 +34,7 @@ QList<Place> placesOf(const QStringList &folders)
 bool lieInside(const QStringList &folders, const QStringList &others)
 {
     return std::ranges::any_of(folders, [&](const QString &folder) {
-        return std::ranges::any_of(others,
-                                   [&](const QString &other) { return folder.startsWith(other + u'/'); });
+        return std::ranges::any_of(others, [&](const QString &other) { return isInside(folder, other); });
     });
 }
 

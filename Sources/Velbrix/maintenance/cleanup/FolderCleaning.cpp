@@ -1,5 +1,7 @@
 #include "maintenance/cleanup/FolderCleaning.h"
 
+#include "foundation/Paths.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -10,18 +12,13 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-bool contains(const QByteArray &folder, const QByteArray &path)
-{
-    return path == folder || path.startsWith(folder + '/');
-}
-
 // What keeps a place the user wants kept is no news, nor that the folders
 // around it are still there.
 void dropExpected(RemovalReport &report, const QList<QByteArray> &kept)
 {
     report.problemCount -= report.problems.removeIf([&](const RemovalProblem &problem) {
         return std::ranges::any_of(kept,
-                                   [&](const QByteArray &place) { return contains(problem.path, place); });
+                                   [&](const QByteArray &place) { return isWithin(place, problem.path); });
     });
 }
 

@@ -1,5 +1,7 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
 
+#include "foundation/Paths.h"
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -19,7 +21,7 @@ struct Place {
 // As people write it.
 QString shown(const QString &path, const QString &home)
 {
-    return path.startsWith(home + u'/') ? u'~' + path.mid(home.size()) : path;
+    return isInside(path, home) ? u'~' + path.mid(home.size()) : path;
 }
 
 CleanupRule ruleOf(const QString &home, const Place &place)

@@ -1,12 +1,12 @@
 #include "maintenance/cleanup/ItemCleaner.h"
 
+#include "foundation/Paths.h"
 #include "maintenance/cleanup/CleanupTable.h"
 #include "platform/AdminShell.h"
 #include "platform/TrashCan.h"
 
 #include <QCoroFuture>
 #include <QFile>
-#include <QFileInfo>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -20,7 +20,7 @@ QList<QByteArray> canonical(const QStringList &folders)
 {
     QList<QByteArray> paths;
     for (const QString &folder : folders) {
-        const QString path = QFileInfo(folder).canonicalFilePath();
+        const QString path = canonicalPath(folder);
         if (!path.isEmpty())
             paths.append(QFile::encodeName(path));
     }
@@ -34,8 +34,7 @@ Cleaned run(FolderCleaning cleaning, const QStringList &foldersOfOthers, const Q
 {
     const QList<QByteArray> emptied = canonical(cleaning.folders);
     for (const QByteArray &place : canonical(foldersOfOthers) + leftOut) {
-        if (std::ranges::any_of(emptied,
-                                [&](const QByteArray &folder) { return place.startsWith(folder + '/'); }))
+        if (std::ranges::any_of(emptied, [&](const QByteArray &folder) { return isInside(place, folder); }))
             cleaning.kept.append(place);
     }
     cleaning.rules.protectedPlaces += cleaning.kept;

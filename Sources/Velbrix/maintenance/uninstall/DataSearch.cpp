@@ -1,5 +1,6 @@
 #include "maintenance/uninstall/DataSearch.h"
 
+#include "foundation/Paths.h"
 #include "foundation/Removal.h"
 
 #include <QDir>
@@ -41,16 +42,11 @@ QList<Entry> entriesOf(const QString &folder)
     return entries;
 }
 
-bool isAtOrBelow(const QString &path, const QString &folder)
-{
-    return path == folder || path.startsWith(folder.endsWith(u'/') ? folder : folder + u'/');
-}
-
 // With the links of the folders above resolved, but not the last name.
 QString placeOf(const QString &path)
 {
     const QFileInfo info(QDir::cleanPath(path));
-    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    const QString folder = canonicalPath(info.path());
     if (info.fileName().isEmpty() || folder.isEmpty())
         return info.filePath();
     return (folder == u'/' ? QString() : folder) + u'/' + info.fileName();
@@ -62,8 +58,7 @@ bool leadsOutOf(const QString &folder, const QString &link)
     const fs::path target = fs::weakly_canonical(QFile::encodeName(link).toStdString(), problem);
     if (problem)
         return true;
-    const QString inside = QFileInfo(folder).canonicalFilePath();
-    return !isAtOrBelow(QFile::decodeName(QByteArray::fromStdString(target.native())), inside);
+    return !isWithin(QFile::decodeName(QByteArray::fromStdString(target.native())), canonicalPath(folder));
 }
 
 } // namespace
@@ -87,7 +82,7 @@ ProtectedPlaces::ProtectedPlaces(const QStringList &places)
     for (const QByteArray &place : protectedHostPlaces())
         all.append(QFile::decodeName(place));
     for (const QString &place : std::as_const(all)) {
-        for (QString path : {QDir::cleanPath(place), placeOf(place), QFileInfo(place).canonicalFilePath()}) {
+        for (QString path : {QDir::cleanPath(place), placeOf(place), canonicalPath(place)}) {
             for (; path.startsWith(u'/') && !_places.contains(path); path = QFileInfo(path).path())
                 _places.insert(path);
         }
@@ -107,7 +102,7 @@ QList<ReviewItem> findData(const DataSearch &search)
     QSet<QString> seen;
     for (const LibraryFolder &folder : search.folders) {
         const QString parent = QDir::cleanPath(folder.path);
-        const QString canonicalParent = QFileInfo(parent).canonicalFilePath();
+        const QString canonicalParent = canonicalPath(parent);
         for (const Entry &entry : entriesOf(parent)) {
             const QString path = parent + u'/' + entry.name;
             auto match = matcher.match(entry.name, false);

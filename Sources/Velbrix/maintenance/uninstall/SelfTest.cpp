@@ -1,7 +1,6 @@
 #include "maintenance/uninstall/SelfTest.h"
 
-#include <QDir>
-#include <QFileInfo>
+#include "foundation/Paths.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,12 +10,6 @@ namespace {
 bool areSame(const QString &one, const QString &other)
 {
     return !one.isEmpty() && one.toLower() == other.toLower();
-}
-
-QString resolved(const QString &path)
-{
-    const QString canonical = path.isEmpty() ? QString() : QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
 }
 
 } // namespace
@@ -30,12 +23,12 @@ bool isSelf(const SelfTraits &application, const SelfTraits &own)
 
 SelfTraits selfTraits(const InstalledApplication &application)
 {
-    return {resolved(application.path), application.name, application.identifier};
+    return {resolvedPath(application.path), application.name, application.identifier};
 }
 
 SelfTraits selfTraits(const OwnIdentity &own)
 {
-    return {resolved(own.path), own.name, own.identifier};
+    return {resolvedPath(own.path), own.name, own.identifier};
 }
 
 } // namespace velbrix

@@ -1,5 +1,7 @@
 #include "platform/linux/applications/AppImages.h"
 
+#include "foundation/Paths.h"
+
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -28,11 +30,10 @@ AppImage describe(const QString &path, const ApplicationPlaces &places, QList<La
 {
     const auto [name, version] = appImageName(path.section(u'/', -1));
     AppImage image{path, name, version, {}, {}, {}, {}};
-    const QString file = QFileInfo(path).canonicalFilePath();
+    const QString file = canonicalPath(path);
     QList<ApplicationCompanion> icons;
     launchers.removeIf([&](const Launcher &launcher) {
-        if (!launcher.isOwn || launcher.program.isEmpty() ||
-            QFileInfo(launcher.program).canonicalFilePath() != file)
+        if (!launcher.isOwn || launcher.program.isEmpty() || canonicalPath(launcher.program) != file)
             return false;
         if (image.companions.isEmpty()) {
             image.name = launcher.entry.name;

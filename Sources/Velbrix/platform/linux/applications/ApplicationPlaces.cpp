@@ -1,5 +1,7 @@
 #include "platform/linux/applications/ApplicationPlaces.h"
 
+#include "foundation/Paths.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -9,18 +11,12 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-// One that is home, or around it, would make data of everything in home.
-bool holds(const QString &folder, const QString &home)
-{
-    const QString above = QFileInfo(folder).canonicalFilePath();
-    const QString below = QFileInfo(home).canonicalFilePath();
-    return above == u"/" || (!above.isEmpty() && (below + u'/').startsWith(above + u'/'));
-}
-
 QString folderFrom(const char *variable, const QString &home, const QString &standard)
 {
     const QString path = qEnvironmentVariable(variable);
-    return QDir::cleanPath(path.startsWith(u'/') && !holds(path, home) ? path : home + standard);
+    // One that is home, or around it, would make data of everything in home.
+    const bool holdsHome = isWithin(canonicalPath(home), canonicalPath(path));
+    return QDir::cleanPath(path.startsWith(u'/') && !holdsHome ? path : home + standard);
 }
 
 QStringList systemDataFolders()
@@ -45,9 +41,8 @@ QString ownExecutable()
 {
     const QString program = QCoreApplication::applicationFilePath();
     const QString image = qEnvironmentVariable("APPIMAGE");
-    const QString mounted = QFileInfo(qEnvironmentVariable("APPDIR")).canonicalFilePath();
-    const bool isInside = !mounted.isEmpty() && program.startsWith(mounted + u'/');
-    return isInside && QFileInfo(image).isFile() ? QDir::cleanPath(image) : program;
+    const bool isMounted = isInside(program, canonicalPath(qEnvironmentVariable("APPDIR")));
+    return isMounted && QFileInfo(image).isFile() ? QDir::cleanPath(image) : program;
 }
 
 } // namespace
@@ -79,9 +74,7 @@ QList<LibraryFolder> ApplicationPlaces::libraryFolders() const
 
 bool ApplicationPlaces::isBelowHome(const QString &path) const
 {
-    const QString root = QFileInfo(home).canonicalFilePath();
-    const QString folder = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
-    return !root.isEmpty() && (folder == root || folder.startsWith(root + u'/'));
+    return isWithin(canonicalPath(QFileInfo(path).absolutePath()), canonicalPath(home));
 }
 
 } // namespace velbrix

@@ -1,5 +1,6 @@
 #include "platform/linux/applications/PackageRemoval.h"
 
+#include "foundation/Paths.h"
 #include "platform/linux/applications/HostCommand.h"
 #include "platform/linux/applications/SystemPackages.h"
 
@@ -28,7 +29,7 @@ Result<QStringList> removalCommand(const ApplicationPlaces &places, const Packag
     if (manager == u"Flatpak"_s) {
         if (programs.flatpak.isEmpty())
             return missing;
-        const bool isUsers = application.path.startsWith(places.userFlatpakFolder() + u'/');
+        const bool isUsers = isInside(application.path, places.userFlatpakFolder());
         return QStringList{programs.flatpak, u"uninstall"_s, u"-y"_s, isUsers ? u"--user"_s : u"--system"_s,
                            package};
     }

@@ -1,5 +1,7 @@
 #include "platform/linux/files/ExclusiveMove.h"
 
+#include "foundation/Paths.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -43,7 +45,7 @@ int moveExclusively(const QByteArray &from, const QByteArray &to)
     const int error = errno;
     struct stat facts{};
     // EINVAL also says that a folder cannot be moved into itself.
-    const bool intoItself = to.startsWith(from + '/');
+    const bool intoItself = isInside(to, from);
     if ((error != EINVAL && error != ENOSYS) || intoItself)
         return error;
     if (::lstat(to.constData(), &facts) == 0)
@@ -69,19 +71,6 @@ std::optional<Volume> volumeAt(QByteArray path)
         if (path == "/" || path.isEmpty())
             return std::nullopt;
     }
-}
-
-QByteArray canonicalPath(const QByteArray &path)
-{
-    const std::unique_ptr<char, decltype(&std::free)> found(::realpath(path.constData(), nullptr),
-                                                            &std::free);
-    return QByteArray(found.get());
-}
-
-std::pair<QByteArray, QByteArray> splitPath(const QByteArray &path)
-{
-    const qsizetype slash = path.lastIndexOf('/');
-    return {slash <= 0 ? QByteArray("/") : path.first(slash), path.mid(slash + 1)};
 }
 
 } // namespace velbrix

@@ -3,7 +3,6 @@
 #include <QByteArray>
 
 #include <optional>
-#include <utility>
 
 namespace velbrix {
 
@@ -23,10 +22,5 @@ struct Volume {
 std::optional<Volume> volumeOf(const QByteArray &path);
 // Of the path or else of the nearest folder above it that is there.
 std::optional<Volume> volumeAt(QByteArray path);
-
-// The canonical path of an absolute path; empty with errno.
-QByteArray canonicalPath(const QByteArray &path);
-// "/a/b" → "/a" and "b".
-std::pair<QByteArray, QByteArray> splitPath(const QByteArray &path);
 
 } // namespace velbrix

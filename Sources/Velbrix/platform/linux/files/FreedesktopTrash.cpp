@@ -1,5 +1,6 @@
 #include "platform/linux/files/FreedesktopTrash.h"
 
+#include "foundation/Paths.h"
 #include "platform/linux/files/ExclusiveMove.h"
 
 #include <QCoroFuture>
@@ -21,11 +22,6 @@ bool isThere(const QByteArray &path)
 {
     struct stat facts{};
     return ::lstat(path.constData(), &facts) == 0;
-}
-
-bool isAtOrBelow(const QByteArray &path, const QByteArray &folder)
-{
-    return path == folder || path.startsWith(folder + '/');
 }
 
 // With its folder's links resolved and its own kept; empty when there is no such item.
@@ -50,7 +46,7 @@ Result<QString> throwAway(const QString &path, const QDateTime &when)
     const auto trash = TrashPlaces::serving(splitPath(item).first);
     if (!trash)
         return std::unexpected(trash.error());
-    if (isAtOrBelow(item, trash->path))
+    if (isWithin(item, trash->path))
         return failure(u"已经在废纸篓里"_s);
     const auto taken = trash->take(item, when);
     if (!taken)

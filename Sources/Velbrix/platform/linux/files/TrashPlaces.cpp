@@ -1,3 +1,4 @@
+#include "foundation/Paths.h"
 #include "platform/linux/files/ExclusiveMove.h"
 #include "platform/linux/files/TrashFolder.h"
 

@@ -1,8 +1,8 @@
 #include "platform/linux/processes/ProcPrograms.h"
 
-#include <QDir>
+#include "foundation/Paths.h"
+
 #include <QFile>
-#include <QFileInfo>
 
 #include <array>
 #include <functional>
@@ -45,11 +45,6 @@ QByteArray contents(const QByteArray &path, qsizetype limit)
 QByteArray baseName(const QByteArray &path)
 {
     return path.mid(path.lastIndexOf('/') + 1);
-}
-
-bool isAtOrBelow(const QByteArray &path, const QByteArray &folder)
-{
-    return path == folder || path.startsWith(folder == "/" ? folder : folder + '/');
 }
 
 class Process {
@@ -146,20 +141,17 @@ QSet<QString> ProcPrograms::running(const QStringList &names) const
 
 bool ProcPrograms::runsFrom(const QString &path) const
 {
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    const QByteArray place = QFile::encodeName(canonical.isEmpty() ? QDir::cleanPath(path) : canonical);
+    const QByteArray place = QFile::encodeName(resolvedPath(path));
     if (!place.startsWith('/'))
         return false;
     const auto isThere = [&place](const QByteArray &file) {
         if (!file.startsWith('/'))
             return false;
-        return isAtOrBelow(file, place) ||
-               isAtOrBelow(QFile::encodeName(QFileInfo(QFile::decodeName(file)).canonicalFilePath()), place);
+        return isWithin(file, place) || isWithin(canonicalPath(file), place);
     };
     return anyProcess([&](const Process &process) {
         const QByteArray executable = process.executable();
-        return isAtOrBelow(executable, place) || isThere(process.script()) ||
-               isThere(process.image(executable));
+        return isWithin(executable, place) || isThere(process.script()) || isThere(process.image(executable));
     });
 }
 

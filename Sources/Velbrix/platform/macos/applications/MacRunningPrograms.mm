@@ -1,25 +1,16 @@
 #include "platform/macos/applications/MacRunningPrograms.h"
 
+#include "foundation/Paths.h"
 #include "platform/macos/system/FoundationBridge.h"
 
 #import <AppKit/AppKit.h>
 
-#include <QDir>
-#include <QFileInfo>
-
 namespace velbrix {
 namespace {
 
-QString canonical(const QString &path)
-{
-    const QString found = QFileInfo(path).canonicalFilePath();
-    return found.isEmpty() ? QDir::cleanPath(path) : found;
-}
-
 bool liesAt(NSURL *url, const QString &place)
 {
-    const QString path = url ? canonical(toQString(url.path)) : QString();
-    return path == place || path.startsWith(place + u'/');
+    return url && isWithin(resolvedPath(toQString(url.path)), place);
 }
 
 } // namespace
@@ -37,7 +28,7 @@ QSet<QString> MacRunningPrograms::running(const QStringList &names) const
 
 bool MacRunningPrograms::runsFrom(const QString &path) const
 {
-    const QString place = canonical(path);
+    const QString place = resolvedPath(path);
     if (!place.startsWith(u'/'))
         return false;
     for (NSRunningApplication *application in NSWorkspace.sharedWorkspace.runningApplications) {

@@ -1,5 +1,7 @@
 #include "platform/macos/files/FinderTrash.h"
 
+#include "foundation/Paths.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -47,13 +49,11 @@ bool FinderTrash::isTrashed(const QString &path, const QString &home, uint user)
 {
     if (QDir::cleanPath(path) != path)
         return false;
-    const auto isIn = [&path](const QString &folder) {
-        return path.startsWith(folder + u'/') && path.size() > folder.size() + 1;
-    };
     static const QRegularExpression volume(u"^/Volumes/[^/]+"_s);
     const QString mounted = volume.match(path).captured();
     const QString shared = u"/.Trashes/"_s + QString::number(user);
-    return isIn(home + u"/.Trash"_s) || (!mounted.isEmpty() && isIn(mounted + shared)) || isIn(shared);
+    return isInside(path, home + u"/.Trash"_s) || (!mounted.isEmpty() && isInside(path, mounted + shared)) ||
+           isInside(path, shared);
 }
 
 QCoro::Task<Result<void>> FinderTrash::moveToTrash(const QString path) const

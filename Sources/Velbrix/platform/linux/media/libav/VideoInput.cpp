@@ -123,13 +123,13 @@ const std::int32_t *displayMatrix(const AVStream &stream)
 } // namespace
 
 WorkLimit::WorkLimit(const Cancellation &ended, const Cancellation &cancelled)
-    : _ended(ended), _cancelled(cancelled), _deadline(monotonicNanoseconds() + longestWork)
+    : _ended(ended), _cancelled(cancelled), _deadline(monotonicNow() + longestWork)
 {
 }
 
 bool WorkLimit::isReached() const
 {
-    return _ended.isCancelled() || _cancelled.isCancelled() || monotonicNanoseconds() > _deadline;
+    return _ended.isCancelled() || _cancelled.isCancelled() || monotonicNow() > _deadline;
 }
 
 Failure WorkLimit::reason() const

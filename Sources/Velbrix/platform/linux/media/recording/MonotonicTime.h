@@ -5,8 +5,9 @@
 
 namespace velbrix {
 
-// CLOCK_MONOTONIC in nanoseconds, for the threads that stamp pictures and sound.
-inline std::int64_t monotonicNanoseconds()
+// CLOCK_MONOTONIC in nanoseconds, for threads that stamp pictures and sound or
+// limit their own work. Everything on the main thread asks the Clock.
+inline std::int64_t monotonicNow()
 {
     timespec time = {};
     ::clock_gettime(CLOCK_MONOTONIC, &time);

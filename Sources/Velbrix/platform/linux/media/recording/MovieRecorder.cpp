@@ -185,7 +185,7 @@ void ThreadedMovieRecorder::upkeep()
         if (_ledger.counters().sessionStarted)
             for (Sound *sound : {&_system, &_microphone})
                 if (sound->track)
-                    sound->track->fillUntil(monotonicNanoseconds() - soundGrace);
+                    sound->track->fillUntil(monotonicNow() - soundGrace);
         if (round % upkeepsPerSync == 0)
             _writer->sync();
         lock.lock();

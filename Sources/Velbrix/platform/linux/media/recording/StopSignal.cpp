@@ -21,13 +21,6 @@ private:
 
 } // namespace
 
-std::int64_t monotonicNow()
-{
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return time.tv_sec * second + time.tv_nsec;
-}
-
 // std::condition_variable is bound to a clock of its own choice; this one
 // waits for absolute times of the clock that the pictures are stamped with.
 StopSignal::StopSignal()

@@ -6,9 +6,6 @@
 
 namespace velbrix {
 
-// Nanoseconds of CLOCK_MONOTONIC, the time of the capture threads.
-std::int64_t monotonicNow();
-
 // Lets one thread sleep and others wake it for good. Any thread.
 class StopSignal {
 public:
@@ -19,7 +16,8 @@ public:
 
     void request();
     bool isRequested() const;
-    // False as soon as a stop is requested, else true at that time.
+    // False as soon as a stop is requested, else true at that time of
+    // monotonicNow().
     bool sleepUntil(std::int64_t time) const;
 
 private:

@@ -128,7 +128,7 @@ std::unique_ptr<VideoTrack::Picture> VideoTrack::nextPicture(bool &isRepeat)
 std::chrono::nanoseconds VideoTrack::untilRepeat() const
 {
     const double due = (static_cast<double>(_lastTick) / _framesPerSecond + 1.25) * 1e9;
-    return std::chrono::nanoseconds(_tickZero + static_cast<std::int64_t>(due) - monotonicNanoseconds());
+    return std::chrono::nanoseconds(_tickZero + static_cast<std::int64_t>(due) - monotonicNow());
 }
 
 void VideoTrack::encode(const Picture &picture, std::int64_t tick, bool isRepeat)

@@ -289,7 +289,7 @@ void PulseCapture::timeKnown()
     const pa_timing_info *const info = _stream ? pa_stream_get_timing_info(_stream) : nullptr;
     if (!info || !info->playing || info->write_index < 0)
         return;
-    const std::int64_t now = monotonicNanoseconds();
+    const std::int64_t now = monotonicNow();
     const auto microseconds = [](pa_usec_t time) { return static_cast<std::int64_t>(time); };
     const std::int64_t recorded = microseconds(
         pa_bytes_to_usec(static_cast<std::uint64_t>(info->write_index), pa_stream_get_sample_spec(_stream)));

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/capture/CaptureLoop.h"
 
+#include "platform/linux/media/recording/MonotonicTime.h"
 #include "platform/linux/x11/capture/DisplaySource.h"
 #include "platform/linux/x11/capture/WindowSource.h"
 

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/capture/DisplaySource.h"
 
+#include "platform/linux/media/recording/MonotonicTime.h"
+
 #include <xcb/randr.h>
 
 #include <algorithm>

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/capture/RepaintWait.h"
 
+#include "platform/linux/media/recording/MonotonicTime.h"
+
 #include <algorithm>
 #include <vector>
 

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/capture/ScreenLayers.h"
 
+#include "platform/linux/media/recording/MonotonicTime.h"
 #include "platform/linux/media/recording/PixelRects.h"
 #include "platform/linux/x11/capture/RepaintWait.h"
 
