@@ -315,7 +315,7 @@ private Q_SLOTS:
         const QDir dir(folder.path());
         for (const char *made : {"src/in", "dst", "t_同步/in"})
             dir.mkpath(QString::fromUtf8(made));
-        QFile(dir.filePath(u"file"_s)).open(QIODevice::WriteOnly);
+        QVERIFY(QFile(dir.filePath(u"file"_s)).open(QIODevice::WriteOnly));
         QFile::link(dir.filePath(u"src"_s), dir.filePath(u"link"_s));
         BackupTask task;
         task.name = u"t"_s;

@@ -14,7 +14,8 @@ class CapturedLog {
 public:
     CapturedLog()
     {
-        _file.open();
+        if (!_file.open())
+            qFatal("no temporary file");
         std::fflush(stdout);
         _stdout = ::dup(STDOUT_FILENO);
         ::dup2(_file.handle(), STDOUT_FILENO);

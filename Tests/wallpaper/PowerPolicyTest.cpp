@@ -79,7 +79,7 @@ private Q_SLOTS:
         QVERIFY(rig.wallpaper().isShowing() && rig.wallpaper().power().isOnBatteryPower());
         rig.wallpaper().setPauseOnBattery(true);
         QVERIFY(!rig.wallpaper().isShowing());
-        // Whoever switches it off again takes the matter into his own hands.
+        // Whoever switches it off again takes the matter into their own hands.
         rig.wallpaper().setPauseOnBattery(false);
         rig.host.power.set(false);
         QVERIFY(!rig.wallpaper().isShowing());

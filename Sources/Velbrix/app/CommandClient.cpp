@@ -1,7 +1,7 @@
 #include "app/CommandClient.h"
 
 #include "app/CommandServer.h"
-#include "foundation/Deadline.h"
+#include "foundation/Awaitables.h"
 #include "foundation/LocalChannel.h"
 
 #include <QDir>

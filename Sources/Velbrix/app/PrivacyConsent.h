@@ -30,7 +30,7 @@ inline constexpr std::array allPrivacyConsentKinds = {
 QString rawValue(PrivacyConsentKind kind);
 
 // What a feature tells the user before it does for the first time what needs
-// his consent. Two notices are equal when their ids are.
+// their consent. Two notices are equal when their ids are.
 struct FeaturePrivacyNotice {
     QString id;
     PrivacyConsentKind kind = PrivacyConsentKind::firstLaunch;

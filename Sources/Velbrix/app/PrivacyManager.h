@@ -17,7 +17,7 @@ class SettingsStore;
 class UserNotifications;
 
 // Remembers what the user has agreed to, and asks before a feature does for
-// the first time what needs his consent.
+// the first time what needs their consent.
 class PrivacyManager final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(PrivacyManager, bool, hasAcceptedFirstLaunchNotice, false)

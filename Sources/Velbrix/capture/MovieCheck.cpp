@@ -1,6 +1,6 @@
 #include "capture/MovieCheck.h"
 
-#include "foundation/Deadline.h"
+#include "foundation/Awaitables.h"
 
 #include <QFileInfo>
 

@@ -2,7 +2,7 @@
 
 #include "capture/RecorderLog.h"
 #include "capture/RecorderPreferences.h"
-#include "foundation/NextSignal.h"
+#include "foundation/Awaitables.h"
 
 #include <QPointer>
 

@@ -3,37 +3,13 @@
 namespace velbrix::deployment {
 namespace {
 
-// A distributor fills these in.
-constexpr const char *defaultServer = "";
-constexpr const char *defaultSecret = "";
-constexpr const char *defaultPins = "";
-constexpr const char *defaultMail = "";
-
-QString value(const char *variable, const char *fallback)
-{
-    return qEnvironmentVariable(variable, QString::fromUtf8(fallback));
-}
+constexpr const char *defaultServer = ""; // a distributor fills it in
 
 } // namespace
 
 QString productServer()
 {
-    return value("VELBRIX_SERVER_URL", defaultServer);
-}
-
-QString sharedSecret()
-{
-    return value("VELBRIX_SERVER_SECRET", defaultSecret);
-}
-
-QString certificatePins()
-{
-    return value("VELBRIX_SERVER_PINS", defaultPins);
-}
-
-QString mailService()
-{
-    return value("VELBRIX_MAIL_URL", defaultMail);
+    return qEnvironmentVariable("VELBRIX_SERVER_URL", QString::fromUtf8(defaultServer));
 }
 
 } // namespace velbrix::deployment

@@ -8,11 +8,5 @@ namespace velbrix::deployment {
 
 // Base URL of the product server; VELBRIX_SERVER_URL. Empty: none.
 QString productServer();
-// Secret shared with the product server; VELBRIX_SERVER_SECRET.
-QString sharedSecret();
-// SHA-256 pins of the server's key, base64, separated by commas; VELBRIX_SERVER_PINS.
-QString certificatePins();
-// Base URL of the temporary-mail service; VELBRIX_MAIL_URL.
-QString mailService();
 
 } // namespace velbrix::deployment

@@ -1,6 +1,6 @@
 #include "foundation/LocalChannel.h"
 
-#include "foundation/NextSignal.h"
+#include "foundation/Awaitables.h"
 #include "foundation/RuntimeFolder.h"
 
 #include <QJsonDocument>

@@ -9,11 +9,11 @@
 namespace velbrix {
 namespace {
 
-template <typename Text> bool lies(const Text &path, const Text &folder, bool orIsIt)
+template <typename Text, typename Character>
+bool lies(const Text &path, const Text &folder, Character slash, bool orIsIt)
 {
-    const auto slash = typename Text::value_type('/');
     const qsizetype end = folder.endsWith(slash) ? folder.size() - 1 : folder.size();
-    if (folder.isEmpty() || !path.startsWith(folder.first(end)))
+    if (path.isEmpty() || folder.isEmpty() || !path.startsWith(folder.first(end)))
         return false;
     const bool isIt = path.size() == end || (path.size() == end + 1 && path.endsWith(slash));
     return isIt ? orIsIt : path.at(end) == slash;
@@ -23,22 +23,22 @@ template <typename Text> bool lies(const Text &path, const Text &folder, bool or
 
 bool isWithin(const QString &path, const QString &folder)
 {
-    return lies(path, folder, true);
+    return lies(path, folder, u'/', true);
 }
 
 bool isWithin(const QByteArray &path, const QByteArray &folder)
 {
-    return lies(path, folder, true);
+    return lies(path, folder, '/', true);
 }
 
 bool isInside(const QString &path, const QString &folder)
 {
-    return lies(path, folder, false);
+    return lies(path, folder, u'/', false);
 }
 
 bool isInside(const QByteArray &path, const QByteArray &folder)
 {
-    return lies(path, folder, false);
+    return lies(path, folder, '/', false);
 }
 
 QString canonicalPath(const QString &path)

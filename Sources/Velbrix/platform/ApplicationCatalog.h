@@ -14,7 +14,7 @@
 namespace velbrix {
 
 // A file of the user's that belongs to an application without being in it: the
-// launcher of an AppImage, the program that a launcher of his own starts.
+// launcher of an AppImage, the program that a launcher of their own starts.
 struct ApplicationCompanion {
     QString path;
     bool isCertain = false; // of no use without the application

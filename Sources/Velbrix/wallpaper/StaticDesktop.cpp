@@ -100,7 +100,7 @@ QCoro::Task<> StaticDesktop::restoreOriginal()
     const auto now = co_await _picture.current();
     if (!self)
         co_return;
-    // What the user has chosen since is his, and stays.
+    // What the user has chosen since is theirs, and stays.
     for (const QString &place : picture.keys()) {
         if (now && now->contains(place) && !isOurs(now->value(place)))
             picture.remove(place);

@@ -1,6 +1,6 @@
 #include "wallpaper/VideoStill.h"
 
-#include "foundation/Deadline.h"
+#include "foundation/Awaitables.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/VideoSurfaces.h"
 #include "wallpaper/WallpaperLog.h"

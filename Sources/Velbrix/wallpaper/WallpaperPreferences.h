@@ -73,7 +73,7 @@ public:
     // The user's own auto-hide of the Dock, as long as this program has
     // changed it; nothing when it is not known.
     std::optional<bool> originalSystemDockAutohideState() const;
-    // On disk when it returns: a crash must not cost the user his value.
+    // On disk when it returns: a crash must not cost the user their value.
     void setDockState(bool isHidden, std::optional<bool> original);
 
 private:

@@ -1,6 +1,6 @@
 #include "wallpaper/WallpaperVideo.h"
 
-#include "foundation/Deadline.h"
+#include "foundation/Awaitables.h"
 #include "foundation/Log.h"
 
 #include <QPointer>

@@ -1,8 +1,8 @@
 #include "app/commands/AppsCommands.h"
 
 #include "app/PrivacyManager.h"
+#include "foundation/Awaitables.h"
 #include "foundation/ByteCount.h"
-#include "foundation/NextSignal.h"
 #include "foundation/OneLine.h"
 #include "maintenance/uninstall/AppScanner.h"
 

@@ -27,7 +27,7 @@ struct CommandReply {
     QJsonObject data;
 
     static CommandReply refusal(const QString &reason) { return {exitcode::refused, reason, {}}; }
-    // Nothing was done: this is what would be. The client asks the user in his
+    // Nothing was done: this is what would be. The client asks the user in their
     // terminal and says the command again with --yes and these arguments ("arguments"
     // in the data), so that what was shown is what is done, whatever has been
     // chosen meanwhile.

@@ -2,7 +2,7 @@
 
 #include "app/AppServices.h"
 #include "app/RecordingActions.h"
-#include "foundation/NextSignal.h"
+#include "foundation/Awaitables.h"
 #include "platform/Platform.h"
 
 #include <QCoreApplication>

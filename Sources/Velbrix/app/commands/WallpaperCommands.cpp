@@ -2,7 +2,7 @@
 
 #include "app/AppServices.h"
 #include "app/WallpaperActions.h"
-#include "foundation/NextSignal.h"
+#include "foundation/Awaitables.h"
 
 #include <QJsonArray>
 

@@ -20,8 +20,6 @@ public:
     // The role is the style sheet's: "note", "warning", "bad", "good".
     void setNote(const QString &text, const QString &role);
 
-    QLabel *noteLabel() const { return _note; }
-
 private:
     QHBoxLayout *_line;
     QLabel *_description;

@@ -83,7 +83,7 @@ public:
                 mount = entry.sliced(7);
         }
         // Whatever an AppImage starts inherits both.
-        return !mount.isEmpty() && isAtOrBelow(executablePath, mount) ? image : QByteArray();
+        return !mount.isEmpty() && isWithin(executablePath, mount) ? image : QByteArray();
     }
 
 private:

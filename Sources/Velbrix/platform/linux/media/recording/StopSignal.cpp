@@ -45,12 +45,6 @@ void StopSignal::request()
     pthread_cond_broadcast(&_changed);
 }
 
-bool StopSignal::isRequested() const
-{
-    const Locked locked(_lock);
-    return _requested;
-}
-
 bool StopSignal::sleepUntil(std::int64_t time) const
 {
     const timespec until{.tv_sec = time / second, .tv_nsec = time % second};

@@ -15,7 +15,6 @@ public:
     StopSignal &operator=(const StopSignal &) = delete;
 
     void request();
-    bool isRequested() const;
     // False as soon as a stop is requested, else true at that time of
     // monotonicNow().
     bool sleepUntil(std::int64_t time) const;

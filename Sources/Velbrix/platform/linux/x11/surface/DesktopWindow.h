@@ -14,7 +14,7 @@ namespace velbrix {
 
 // An empty window at the bottom of the desktop, on every workspace, without
 // focus or an entry in any list. Main thread; whoever paints into it may do so
-// from any thread, over a connection of his own.
+// from any thread, over a connection of their own.
 class DesktopWindow {
 public:
     // Hidden and below the icons; the frame in pixels of the root. `exposed`
