@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
-constexpr qint64 longestRequest = 64 * 1024;
+constexpr qint64 longestRequest = 64 * 1024; // bytes; room for many long paths
 // A client that says nothing must not hold a connection for ever.
 constexpr auto requestLimit = 5s;
 

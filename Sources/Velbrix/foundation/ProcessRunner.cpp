@@ -15,6 +15,7 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
+// From the request to end to the kill: enough to remove what is half written.
 constexpr auto grace = 2s;
 
 void keep(QByteArray &kept, const QByteArray &piece, qsizetype limit)

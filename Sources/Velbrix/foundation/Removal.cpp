@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+// More than anyone reads; a broken disk would name every file.
 constexpr qsizetype keptProblems = 100;
 
 // With the obstacle, if any.

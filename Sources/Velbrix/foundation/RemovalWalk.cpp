@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr size_t openLevels = 64;
-constexpr qint64 blockSize = 512;
+constexpr size_t openLevels = 64; // a Mac grants a program 256 open files
+constexpr qint64 blockSize = 512; // the unit of st_blocks, whatever the disk's own
 
 } // namespace
 

@@ -12,8 +12,8 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
-constexpr auto writeDelay = 200ms;
-constexpr auto retryDelay = 30s;
+constexpr auto writeDelay = 200ms; // a slider that is dragged writes a few times, not at every step
+constexpr auto retryDelay = 30s;   // a full disk is not mended sooner
 
 } // namespace
 
