@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/MainThread.h"
+#include "foundation/MainThreadRelay.h"
 #include "platform/CaptureSession.h"
 
 #include <functional>

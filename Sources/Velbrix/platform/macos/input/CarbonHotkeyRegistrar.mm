@@ -1,6 +1,6 @@
 #include "platform/macos/input/CarbonHotkeyRegistrar.h"
 
-#include "foundation/MainThread.h"
+#include "foundation/MainThreadRelay.h"
 #include "platform/macos/media/FourCharCode.h"
 
 #import <Carbon/Carbon.h>

@@ -1,6 +1,6 @@
 #include "platform/macos/system/IOPSPowerSource.h"
 
-#include "foundation/MainThread.h"
+#include "foundation/MainThreadRelay.h"
 #include "platform/macos/system/BatteryRule.h"
 #include "platform/macos/system/FoundationBridge.h"
 

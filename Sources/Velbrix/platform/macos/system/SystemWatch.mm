@@ -1,6 +1,6 @@
 #include "platform/macos/system/SystemWatch.h"
 
-#include "foundation/MainThread.h"
+#include "foundation/MainThreadRelay.h"
 
 #include <memory>
 #include <utility>

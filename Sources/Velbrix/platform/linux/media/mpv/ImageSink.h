@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/media/mpv/MainThreadRelay.h"
+#include "foundation/MainThreadRelay.h"
 #include "platform/linux/media/mpv/PictureSink.h"
 
 #include <QImage>

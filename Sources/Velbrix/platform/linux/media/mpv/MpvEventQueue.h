@@ -1,7 +1,7 @@
 #pragma once
 
+#include "foundation/MainThreadRelay.h"
 #include "platform/linux/media/mpv/LibMpv.h"
-#include "platform/linux/media/mpv/MainThreadRelay.h"
 
 #include <atomic>
 #include <functional>

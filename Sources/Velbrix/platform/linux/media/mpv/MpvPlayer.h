@@ -1,8 +1,8 @@
 #pragma once
 
+#include "foundation/MainThreadRelay.h"
 #include "platform/DesktopSurfaces.h"
 #include "platform/linux/media/mpv/LibMpv.h"
-#include "platform/linux/media/mpv/MainThreadRelay.h"
 #include "platform/linux/media/mpv/MpvEventQueue.h"
 
 #include <QSize>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/MainThreadRelay.h"
 #include "platform/DesktopSurfaces.h"
-#include "platform/linux/media/mpv/MainThreadRelay.h"
 #include "platform/linux/media/mpv/PaintedPlayer.h"
 #include "platform/linux/media/mpv/PlayingTime.h"
 #include "platform/linux/x11/surface/DesktopWindow.h"

@@ -1,4 +1,4 @@
-#include "foundation/MainThread.h"
+#include "foundation/MainThreadRelay.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -10,11 +11,16 @@ namespace velbrix {
 // thread. Dropped when the application object is gone.
 void onMainThread(std::function<void()> call);
 
-// The same for a receiver of the main thread that may go: nothing is delivered
-// after its relay was closed. Copies share one state and may be posted to on
-// any thread; closed on the main thread.
+// The same for a receiver that may go: nothing is delivered after its relay was
+// closed or destroyed. Closed on the main thread; whoever may outlive the
+// receiver shares it.
 class MainThreadRelay {
 public:
+    MainThreadRelay() = default;
+    ~MainThreadRelay() { close(); }
+    MainThreadRelay(const MainThreadRelay &) = delete;
+    MainThreadRelay &operator=(const MainThreadRelay &) = delete;
+
     void post(std::function<void()> call) const
     {
         onMainThread([isOpen = _isOpen, call = std::move(call)] {
@@ -25,7 +31,7 @@ public:
     void close() { *_isOpen = false; }
 
 private:
-    const std::shared_ptr<bool> _isOpen = std::make_shared<bool>(true); // main thread only
+    const std::shared_ptr<std::atomic<bool>> _isOpen = std::make_shared<std::atomic<bool>>(true);
 };
 
 } // namespace velbrix
