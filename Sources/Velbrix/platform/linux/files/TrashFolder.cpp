@@ -1,5 +1,6 @@
 #include "platform/linux/files/TrashFolder.h"
 
+#include "foundation/Paths.h"
 #include "foundation/RemovalGuard.h"
 #include "platform/linux/files/ExclusiveMove.h"
 
