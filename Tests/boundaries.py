@@ -19,6 +19,8 @@ RULES = [
     (r'.*', r'foundation/SystemClock|linux/media/recording/MonotonicTime', r'\bQTimer\b|\bQ(Elapsed|Deadline)Timer\b|\bQ(Date|Time|DateTime)::current|\b(steady|system|high_resolution)_clock\b|\b(clock_gettime|gettimeofday)\b|\btime\((nullptr|NULL|0)\)|\bNSDate\b|\bCACurrentMediaTime\b', 'take the time from foundation/Clock.h'),
     (r'.*', r'foundation/ProcessRunner', r'\bQProcess\b(?!Environment)', 'run programs through foundation/ProcessRunner.h'),
     (r'.*', r'^$', r'\bQEventLoop\b|\.exec\(\)(?!;\s*// the program)|\bwaitFor(Started|Finished|ReadyRead|BytesWritten)\b', 'no nested event loops'),
+    (r'.*', r'^$', r'(?s)QCoro::Task<[^;{}()]*>\s+[\w:]+\([^;{}]*\bconst [\w:<>, ]+ &[^;{}]*\)[^;{}]*\{(?:(?!\n\}).)*?\bco_(await|return)\b',
+     'a coroutine may go on when values it was given by reference are gone'),
     (r'foundation/', r'^$', r'#include "(platform|app|views|%s)/' % '|'.join(FEATURES), 'foundation knows no feature and no host'),
     (r'platform/[^/]+$', r'^$', r'#include "(app|views|platform/(linux|macos)|%s)/' % '|'.join(FEATURES), 'a port knows only foundation'),
     (r'platform/(linux|macos)/', r'^$', r'#include "(app|views|%s)/' % '|'.join(FEATURES), 'a host knows only ports and foundation'),
