@@ -144,7 +144,7 @@ private Q_SLOTS:
         writeSupplies(_folder.path(), laptop("1", "Charging"));
         UPowerSource source(_clock, _folder.path());
         int changes = 0;
-        const auto observing = source.observe([&] { ++changes; });
+        auto observing = source.observe([&] { ++changes; });
         QVERIFY(observing);
         QTRY_COMPARE(_clock.pendingCount(), 1); // once UPower is known to be absent
         writeSupplies(_folder.path(), laptop("0", "Discharging"));
@@ -154,6 +154,8 @@ private Q_SLOTS:
         _clock.advance(60s);
         QVERIFY(!source.isOnBattery());
         QCOMPARE(changes, 2);
+        observing->reset();
+        QCOMPARE(_clock.pendingCount(), 0);
     }
 
     void tellsOfThePlug_data()
