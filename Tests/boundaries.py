@@ -23,6 +23,7 @@ RULES = [
      'a coroutine may go on when values it was given by reference are gone'),
     (r'foundation/', r'^$', r'#include "(platform|app|views|%s)/' % '|'.join(FEATURES), 'foundation knows no feature and no host'),
     (r'platform/[^/]+$', r'^$', r'#include "(app|views|platform/(linux|macos)|%s)/' % '|'.join(FEATURES), 'a port knows only foundation'),
+    (r'platform/linux/', r'platform/linux/(x11/|MakePlatform)', r'#include ("platform/linux/x11/|<xcb/)', 'only x11/ knows X11'),
     (r'platform/(linux|macos)/', r'^$', r'#include "(app|views|%s)/' % '|'.join(FEATURES), 'a host knows only ports and foundation'),
     (r'(%s)/' % '|'.join(FEATURES), r'^$', r'#include "(app|views|platform/(linux|macos))/', 'features know ports, not the application above them'),
     (r'app/', r'app/main', r'#include "(views|platform/(linux|macos))/', 'the application knows features and ports'),

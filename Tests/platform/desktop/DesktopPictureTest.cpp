@@ -4,6 +4,7 @@
 #include "../x11/DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/RootWindow.h"
+#include "platform/linux/x11/X11DesktopSession.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
@@ -80,6 +81,7 @@ class DesktopPictureTest : public QObject {
     Q_OBJECT
 
     SystemClock _clock;
+    const std::shared_ptr<DesktopSession> _session = std::make_shared<X11DesktopSession>();
     QTemporaryDir _folder;
     std::unique_ptr<QProcess> _desktop;
     std::unique_ptr<LinuxDesktopPicture> _picture;
@@ -98,7 +100,7 @@ class DesktopPictureTest : public QObject {
     // As after a crash: by an object that knows nothing.
     Result<void> restore(const QJsonObject &former)
     {
-        _picture = std::make_unique<LinuxDesktopPicture>(_clock, path(u"kept"_s));
+        _picture = std::make_unique<LinuxDesktopPicture>(_clock, _session, path(u"kept"_s));
         return QCoro::waitFor(_picture->restore(former));
     }
     void startDesktop(const QString &program, const QStringList &arguments)
@@ -136,7 +138,7 @@ private Q_SLOTS:
         makePicture(ours(), magenta, cyan);
         makePicture(path(u"user.png"_s), Qt::yellow, Qt::green);
     }
-    void init() { _picture = std::make_unique<LinuxDesktopPicture>(_clock, path(u"kept"_s)); }
+    void init() { _picture = std::make_unique<LinuxDesktopPicture>(_clock, _session, path(u"kept"_s)); }
     void cleanup()
     {
         if (_desktop) {
@@ -157,6 +159,32 @@ private Q_SLOTS:
         QVERIFY(*QCoro::waitFor(fake.current()) != *former);
         QVERIFY(QCoro::waitFor(fake.restore(*former)));
         QCOMPARE(*QCoro::waitFor(fake.current()), *former);
+    }
+
+    void aDesktopIsRecognisedByWhatItShows_data()
+    {
+        QTest::addColumn<DesktopSigns>("signs");
+        QTest::addColumn<QString>("key");
+        const auto row = [](const char *name, const DesktopSigns &signs, const QString &key) {
+            QTest::newRow(name) << signs << key;
+        };
+        row("nothing", {}, {});
+        row("Openbox alone", {{}, u"Openbox"_s, {}, 0}, {});
+        row("Xfce", {u"XFCE"_s, u"Xfwm4"_s, u"xfdesktop\0Xfdesktop"_s, 1}, u"xfce"_s);
+        row("LXDE", {u"LXDE"_s, u"Openbox"_s, u"pcmanfm"_s, 1}, u"pcmanfm"_s);
+        row("LXQt", {u"LXQt"_s, u"Openbox"_s, u"pcmanfm-qt"_s, 1}, u"lxqt"_s);
+        row("MATE under Compiz", {u"MATE"_s, u"Compiz"_s, {}, 0}, u"mate"_s);
+        row("Unity", {u"Unity:Unity7:ubuntu"_s, u"Compiz"_s, {}, 0}, u"gnome"_s);
+        row("Cinnamon", {u"X-Cinnamon"_s, u"Mutter (Muffin)"_s, {}, 0}, u"cinnamon"_s);
+        row("Budgie", {u"Budgie:GNOME"_s, u"Budgie"_s, {}, 0}, u"gnome"_s);
+        row("an unknown backdrop", {u"KDE"_s, u"KWin"_s, u"conky"_s, 1}, u"plasma"_s);
+        row("a session that another manager serves", {u"GNOME"_s, u"i3"_s, {}, 0}, {});
+    }
+    void aDesktopIsRecognisedByWhatItShows()
+    {
+        QFETCH(DesktopSigns, signs);
+        const Desktop *const found = recognisedDesktop(signs);
+        QTEST(found ? found->key : QString(), "key");
     }
 
     void theRootWindowComesBack_data()

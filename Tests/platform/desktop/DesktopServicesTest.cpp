@@ -1,4 +1,4 @@
-#include "platform/linux/desktop/LinuxDesktopServices.h"
+#include "platform/linux/x11/X11DesktopServices.h"
 
 #include "support/FakeDesktopServices.h"
 
@@ -8,8 +8,6 @@
 #include <QDBusMetaType>
 #include <QFile>
 #include <QUrl>
-
-#include <xcb/xcb.h>
 
 using namespace velbrix;
 using namespace Qt::StringLiterals;
@@ -80,21 +78,17 @@ public Q_SLOTS:
 // A program that shows XEmbed tray icons, for as long as it runs.
 class XembedTray {
 public:
-    XembedTray() : _connection(xcb_connect(nullptr, nullptr))
+    XembedTray() : _x11(*X11Connection::open())
     {
-        const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(_connection)).data;
-        const xcb_window_t window = xcb_generate_id(_connection);
-        xcb_create_window(_connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, 0, nullptr);
-        xcb_set_selection_owner(_connection, window, internAtom(_connection, "_NET_SYSTEM_TRAY_S0"),
-                                XCB_CURRENT_TIME);
-        xcb_flush(_connection);
+        const xcb_window_t window = xcb_generate_id(_x11->xcb());
+        xcb_create_window(_x11->xcb(), XCB_COPY_FROM_PARENT, window, _x11->root(), 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, _x11->screen().root_visual, 0, nullptr);
+        xcb_set_selection_owner(_x11->xcb(), window, _x11->atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
+        _x11->flush();
     }
-    ~XembedTray() { xcb_disconnect(_connection); }
-    Q_DISABLE_COPY_MOVE(XembedTray)
 
 private:
-    xcb_connection_t *_connection;
+    std::unique_ptr<X11Connection> _x11;
 };
 
 const QString watcherName = u"org.kde.StatusNotifierWatcher"_s;
@@ -114,14 +108,14 @@ private Q_SLOTS:
 
     void seesAnXembedTrayComeAndGo()
     {
-        LinuxDesktopServices services;
+        X11DesktopServices services;
         QList<bool> seen;
         const Observation observation =
             services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
         QVERIFY(!services.hasTrayHost());
         auto tray = std::make_unique<XembedTray>();
         QTRY_COMPARE(seen, QList<bool>{true});
-        LinuxDesktopServices later;
+        X11DesktopServices later;
         QVERIFY(later.hasTrayHost());
         tray.reset();
         QTRY_COMPARE(seen, (QList<bool>{true, false}));
@@ -129,7 +123,7 @@ private Q_SLOTS:
 
     void seesAnItemHostComeAndGo()
     {
-        LinuxDesktopServices services;
+        X11DesktopServices services;
         QList<bool> seen;
         const Observation observation =
             services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
@@ -150,7 +144,7 @@ private Q_SLOTS:
         SettingsPortal portal;
         portal.colorScheme = 1;
         QVERIFY(peer.serve(portalName, portalPath, &portal));
-        LinuxDesktopServices services;
+        X11DesktopServices services;
         int changes = 0;
         const Observation observation = services.observeTheme([&] { ++changes; });
         QTRY_VERIFY(services.prefersDarkTheme());
@@ -175,14 +169,14 @@ private Q_SLOTS:
         const QString path = folder.filePath(u"录制 1.mp4"_s);
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        LinuxDesktopServices services;
+        X11DesktopServices services;
         QVERIFY(services.revealInFolder(path));
         QTRY_COMPARE(manager.shown, QStringList{QUrl::fromLocalFile(path).toString()});
     }
 
     void saysThatAFolderIsMissing()
     {
-        LinuxDesktopServices services;
+        X11DesktopServices services;
         const auto done = services.revealInFolder(u"/nowhere/at/all.mp4"_s);
         QVERIFY(!done);
         QCOMPARE(done.error().message, u"文件夹不存在：/nowhere/at"_s);

@@ -2,6 +2,7 @@
 
 #include "../media/MediaTools.h"
 #include "foundation/SystemClock.h"
+#include "platform/linux/x11/X11DesktopSession.h"
 #include "support/FakeDockPreference.h"
 #include "support/VirtualClock.h"
 
@@ -51,18 +52,19 @@ class DockPreferenceTest : public QObject {
     Q_OBJECT
 
     SystemClock _clock;
+    const std::shared_ptr<DesktopSession> _session = std::make_shared<X11DesktopSession>();
     QTemporaryDir _folder;
 
     QString formerFile() const { return _folder.filePath(u"kept/former.json"_s); }
     // Each call is made by an object that knows nothing of the one before.
     Result<bool> autoHide()
     {
-        LinuxDockPreference dock(_clock, formerFile());
+        LinuxDockPreference dock(_clock, _session, formerFile());
         return QCoro::waitFor(dock.autoHide());
     }
     Result<void> set(bool hides)
     {
-        LinuxDockPreference dock(_clock, formerFile());
+        LinuxDockPreference dock(_clock, _session, formerFile());
         return QCoro::waitFor(dock.setAutoHide(hides));
     }
     // The same for the fake and every desktop whose bars do not all hide.
@@ -103,7 +105,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(workArea(), "27", 10000);
         const QString get = u"xfconf-query -c xfce4-panel -p /panels/panel-%1/autohide-behavior"_s;
         QTRY_COMPARE(shell(get.arg(2)), "1"); // below: hides when a window needs the room
-        LinuxDockPreference dock(_clock, formerFile());
+        LinuxDockPreference dock(_clock, _session, formerFile());
         hideAndShow(dock);
         QCOMPARE(shell(get.arg(1)), "0");
         QCOMPARE(shell(get.arg(2)), "1");
@@ -133,7 +135,7 @@ private Q_SLOTS:
         QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
                 bus.registerService(u"org.kde.plasmashell"_s));
         const QJsonObject before = plasma.panels;
-        LinuxDockPreference dock(_clock, formerFile());
+        LinuxDockPreference dock(_clock, _session, formerFile());
         hideAndShow(dock);
         QCOMPARE(plasma.panels, before);
         QVERIFY(set(true));
@@ -167,7 +169,7 @@ private Q_SLOTS:
             return shell(u"for k in dock-fixed autohide intellihide; do gsettings --schemadir "_s + schemas +
                          u" get org.gnome.shell.extensions.dash-to-dock $k; done"_s);
         };
-        LinuxDockPreference dock(_clock, formerFile());
+        LinuxDockPreference dock(_clock, _session, formerFile());
         hideAndShow(dock);
         QCOMPARE(values(), "true\nfalse\ntrue");
         QVERIFY(set(true));

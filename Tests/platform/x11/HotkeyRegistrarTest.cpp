@@ -40,7 +40,7 @@ struct Host {
     explicit Host(bool isReal)
     {
         if (isReal)
-            real = std::make_unique<X11HotkeyRegistrar>(std::make_shared<X11Keyboard>(*qtX11Connection()));
+            real = std::make_unique<X11HotkeyRegistrar>(X11Keyboard::ofQt());
     }
     HotkeyRegistrar &registrar() { return real ? static_cast<HotkeyRegistrar &>(*real) : fake; }
     void press()

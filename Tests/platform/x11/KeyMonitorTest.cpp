@@ -21,8 +21,8 @@ constexpr quint32 f13 = 105;
 bool isListening()
 {
     const auto x11 = qtX11Connection();
-    const XcbReply<xcb_input_xi_get_selected_events_reply_t> reply(xcb_input_xi_get_selected_events_reply(
-        x11->connection, xcb_input_xi_get_selected_events(x11->connection, x11->root), nullptr));
+    const XReply<xcb_input_xi_get_selected_events_reply_t> reply(xcb_input_xi_get_selected_events_reply(
+        x11->xcb(), xcb_input_xi_get_selected_events(x11->xcb(), x11->root()), nullptr));
     for (auto it = xcb_input_xi_get_selected_events_masks_iterator(reply.get()); it.rem > 0;
          xcb_input_event_mask_next(&it)) {
         for (int i = 0; i < it.data->mask_len; ++i) {
@@ -55,7 +55,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        _monitor = std::make_unique<X11KeyMonitor>(std::make_shared<X11Keyboard>(*qtX11Connection()));
+        _monitor = std::make_unique<X11KeyMonitor>(X11Keyboard::ofQt());
         _user = std::make_unique<XTestKeyboard>();
     }
     void cleanup()

@@ -62,6 +62,21 @@ private Q_SLOTS:
         QCOMPARE(*geometry, (CaptureGeometry{QSizeF(1280, 800), 1.0, QSize(1280, 800)}));
     }
 
+    // Inside a Wayland session the server lists displays and windows as well.
+    void anObstacleIsTheAnswerToEverything()
+    {
+        const PaintedWindow window(u"Black"_s, QRect(100, 120, 400, 300), green);
+        X11ScreenCapture capture(MovieRecorder::create, {}, u"看不到屏幕"_s);
+        const auto content = QCoro::waitFor(capture.shareableContent());
+        QVERIFY(!content);
+        QCOMPARE(content.error().message, u"看不到屏幕"_s);
+        QVERIFY(!QCoro::waitFor(capture.windowImage(window.id(), {100, 100})));
+        StreamConfiguration configuration;
+        configuration.width = 1280;
+        configuration.height = 800;
+        QVERIFY(!capture.makeSession(RecordingRig().mainDisplay(), configuration, {}));
+    }
+
     void listsWindowsFrontToBack()
     {
         Desktop desktop;

@@ -1,43 +1,36 @@
 #include "platform/linux/dbus/FreedesktopNotifications.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/dbus/SessionBus.h"
-
-#include <QCoroDBusPendingReply>
-#include <QDBusMessage>
-#include <QDBusPendingReply>
+#include "platform/linux/dbus/Bus.h"
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
 
-QDBusPendingReply<QStringList> askBus(const QDBusConnection &bus, const QString &method)
-{
-    return bus.asyncCall(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                                        u"org.freedesktop.DBus"_s, method));
-}
+const QString notifications = u"org.freedesktop.Notifications"_s;
+const QString category = u"Notify"_s;
 
-QDBusMessage callOf(const QString &method)
-{
-    return QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s,
-                                          u"/org/freedesktop/Notifications"_s,
-                                          u"org.freedesktop.Notifications"_s, method);
-}
+const BusObject service{.service = notifications,
+                        .path = u"/org/freedesktop/Notifications"_s,
+                        .interface = notifications,
+                        .category = category,
+                        .deadline = startDeadline};
+const BusObject daemon{.service = u"org.freedesktop.DBus"_s,
+                       .path = u"/org/freedesktop/DBus"_s,
+                       .interface = u"org.freedesktop.DBus"_s,
+                       .category = category};
 
 QCoro::Task<Result<bool>> isServiceThere()
 {
-    const auto bus = sessionBus();
-    if (!bus)
+    if (!busConnection(Bus::session))
         co_return failure(u"没有会话总线，无法显示系统通知"_s);
-    // Both questions travel together.
-    const auto running = askBus(*bus, u"ListNames"_s);
-    const auto startable = askBus(*bus, u"ListActivatableNames"_s);
-    for (QDBusPendingReply<QStringList> names : {running, startable}) {
-        co_await names;
-        if (names.isError())
-            co_return failure(names.error().message());
-        if (names.value().contains(u"org.freedesktop.Notifications"_s))
+    const QVariantList none;
+    for (const QString &question : {u"ListNames"_s, u"ListActivatableNames"_s}) {
+        const auto names = co_await callBus(daemon, question, none);
+        if (!names)
+            co_return std::unexpected(names.error());
+        if (names->value(0).toStringList().contains(notifications))
             co_return true;
     }
     co_return failure(u"桌面没有通知服务（org.freedesktop.Notifications）"_s);
@@ -47,7 +40,7 @@ QCoro::Task<Result<bool>> isServiceThere()
 
 void FreedesktopNotifications::registerCategory(QString identifier)
 {
-    log::line(u"Notify"_s, u"category "_s + identifier);
+    log::line(category, u"category "_s + identifier);
 }
 
 QCoro::Task<Result<bool>> FreedesktopNotifications::requestAuthorization()
@@ -65,23 +58,26 @@ QCoro::Task<NotificationSettings> FreedesktopNotifications::settings()
 
 QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotice notice)
 {
-    const auto bus = sessionBus();
-    if (!bus)
+    if (!busConnection(Bus::session))
         co_return failure(u"没有会话总线，无法显示系统通知"_s);
     // Every time: another service may have taken the place of the last one.
-    QDBusPendingReply<QStringList> capabilities = bus->asyncCall(callOf(u"GetCapabilities"_s));
-    co_await capabilities;
-    const bool takesMarkup = capabilities.isError() || capabilities.value().contains(u"body-markup"_s);
-    QDBusMessage call = callOf(u"Notify"_s);
+    const QVariantList none;
+    const auto capabilities = co_await callBus(service, u"GetCapabilities"_s, none);
+    const bool takesMarkup =
+        !capabilities || capabilities->value(0).toStringList().contains(u"body-markup"_s);
     constexpr int serversChoice = -1;
-    call << u"Velbrix"_s << _shown.value(notice.identifier) << u"velbrix"_s << notice.title
-         << (takesMarkup ? notice.body.toHtmlEscaped() : notice.body) << QStringList() << QVariantMap()
-         << serversChoice;
-    QDBusPendingReply<uint> shown = bus->asyncCall(call);
-    co_await shown;
-    if (shown.isError())
-        co_return failure(shown.error().message());
-    _shown[notice.identifier] = shown.value();
+    const QVariantList arguments{u"Velbrix"_s,
+                                 _shown.value(notice.identifier),
+                                 u"velbrix"_s,
+                                 notice.title,
+                                 takesMarkup ? notice.body.toHtmlEscaped() : notice.body,
+                                 QStringList(),
+                                 QVariantMap(),
+                                 serversChoice};
+    const auto shown = co_await callBus(service, u"Notify"_s, arguments);
+    if (!shown)
+        co_return std::unexpected(shown.error());
+    _shown[notice.identifier] = shown->value(0).toUInt();
     co_return Result<void>();
 }
 

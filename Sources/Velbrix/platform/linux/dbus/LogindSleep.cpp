@@ -1,7 +1,6 @@
 #include "platform/linux/dbus/LogindSleep.h"
 
-#include <QDBusConnection>
-#include <QObject>
+#include "platform/linux/dbus/Bus.h"
 
 #include <utility>
 
@@ -10,39 +9,20 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-class WakingWatch final : public QObject {
-    Q_OBJECT
-
-public:
-    explicit WakingWatch(std::function<void()> woke) : _woke(std::move(woke))
-    {
-        QDBusConnection bus = QDBusConnection::systemBus();
-        if (!bus.isConnected())
-            return;
-        // No service name here: Qt would wait for the bus to name its owner.
-        bus.connect({}, u"/org/freedesktop/login1"_s, u"org.freedesktop.login1.Manager"_s,
-                    u"PrepareForSleep"_s, this, SLOT(prepareForSleep(bool)));
-    }
-
-private:
-    Q_SLOT void prepareForSleep(bool begins)
-    {
-        if (begins)
-            return;
-        const auto woke = _woke; // the call may end the watch
-        woke();
-    }
-
-    const std::function<void()> _woke;
-};
+const BusObject manager{.bus = Bus::system,
+                        .service = u"org.freedesktop.login1"_s,
+                        .path = u"/org/freedesktop/login1"_s,
+                        .interface = u"org.freedesktop.login1.Manager"_s};
 
 } // namespace
 
 Observation LogindSleep::observeWaking(std::function<void()> woke)
 {
-    return Observation([watch = std::make_shared<WakingWatch>(std::move(woke))]() mutable { watch.reset(); });
+    return observeBus(manager, u"PrepareForSleep"_s, [woke = std::move(woke)](const QDBusMessage &message) {
+        const bool begins = message.arguments().value(0).toBool();
+        if (!begins)
+            woke();
+    });
 }
 
 } // namespace velbrix
-
-#include "LogindSleep.moc"

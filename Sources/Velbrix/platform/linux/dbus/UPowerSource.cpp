@@ -1,16 +1,12 @@
 #include "platform/linux/dbus/UPowerSource.h"
 
-#include "platform/linux/dbus/PowerSupplies.h"
+#include "platform/linux/dbus/Bus.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QPointer>
 
-#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -19,16 +15,49 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
-const QString serviceName = u"org.freedesktop.UPower"_s;
-const QString servicePath = u"/org/freedesktop/UPower"_s;
-const QString propertiesInterface = u"org.freedesktop.DBus.Properties"_s;
+const BusObject upower{.bus = Bus::system,
+                       .service = u"org.freedesktop.UPower"_s,
+                       .path = u"/org/freedesktop/UPower"_s,
+                       .interface = u"org.freedesktop.UPower"_s,
+                       .deadline = startDeadline};
 
 constexpr auto pollInterval = 15s;
 
-std::optional<QDBusConnection> systemBus()
+// What the kernel knows about the machine's power.
+struct PowerSupplies {
+    bool hasBattery = false;
+    bool isOnBattery = false;
+};
+
+QByteArray entry(const QString &path)
 {
-    QDBusConnection bus = QDBusConnection::systemBus();
-    return bus.isConnected() ? std::optional(bus) : std::nullopt;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.read(64).trimmed() : QByteArray();
+}
+
+// As the kernel's power_supply class lays it out under /sys.
+PowerSupplies readSupplies(const QString &folder)
+{
+    PowerSupplies found;
+    bool isFed = false;
+    QStringList batteries;
+    const QStringList names = QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &name : names) {
+        const QString supply = folder + u'/' + name;
+        const QByteArray type = entry(supply + u"/type"_s);
+        if (type == "Battery") {
+            // Mice and keyboards have batteries too.
+            if (entry(supply + u"/scope"_s) != "Device")
+                batteries.append(supply);
+        } else if (type == "Mains" || type.startsWith("USB") || type == "Wireless") {
+            isFed = isFed || entry(supply + u"/online"_s).toInt() > 0;
+        }
+    }
+    found.hasBattery = !batteries.isEmpty();
+    // Asked last: some machines take long to say how their battery is.
+    for (const QString &battery : std::as_const(batteries))
+        found.isOnBattery = found.isOnBattery || (!isFed && entry(battery + u"/status"_s) == "Discharging");
+    return found;
 }
 
 } // namespace
@@ -37,21 +66,23 @@ UPowerSource::UPowerSource(Clock &clock, QString supplies) : _clock(clock), _sup
 
 Result<Observation> UPowerSource::observe(std::function<void()> changed)
 {
-    auto bus = systemBus();
-    if (!bus && !QFileInfo(_supplies).isDir())
+    const bool hasBus = busConnection(Bus::system).has_value();
+    if (!hasBus && !QFileInfo(_supplies).isDir())
         return failure(u"没有 UPower 服务，内核也没有电源信息"_s);
     if (_observers.isEmpty())
-        _isOnBattery = PowerSupplies::read(_supplies).isOnBattery;
+        _isOnBattery = readSupplies(_supplies).isOnBattery;
     Observation observation = _observers.add(std::move(changed), [self = QPointer(this)] {
         if (self && self->_observers.isEmpty())
             self->stop();
     });
-    if (!bus) {
+    if (!hasBus) {
         watchFiles();
         return observation;
     }
-    // No service name here: Qt would wait for the bus to name its owner.
-    bus->connect({}, servicePath, propertiesInterface, u"PropertiesChanged"_s, this, SLOT(ask()));
+    BusObject properties = upower;
+    properties.interface = u"org.freedesktop.DBus.Properties"_s;
+    _propertiesChanged =
+        observeBus(properties, u"PropertiesChanged"_s, [this](const QDBusMessage &) { ask(); });
     ask();
     return observation;
 }
@@ -59,38 +90,29 @@ Result<Observation> UPowerSource::observe(std::function<void()> changed)
 void UPowerSource::stop()
 {
     _poll.reset();
-    if (auto bus = systemBus())
-        bus->disconnect({}, servicePath, propertiesInterface, u"PropertiesChanged"_s, this, SLOT(ask()));
+    _propertiesChanged.reset();
 }
 
-void UPowerSource::ask()
+QCoro::Task<> UPowerSource::ask()
 {
-    const auto bus = systemBus();
-    if (!bus)
-        return;
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(serviceName, servicePath, propertiesInterface, u"Get"_s);
-    call.setArguments({serviceName, u"OnBattery"_s});
-    auto *pending = new QDBusPendingCallWatcher(bus->asyncCall(call), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
-        pending->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *pending;
-        const QVariant answer = reply.isValid() ? reply.value().variant() : QVariant();
-        if (answer.typeId() != QMetaType::Bool) {
-            watchFiles();
-            return;
-        }
-        _poll.reset();
-        take(answer.toBool());
-    });
+    const QPointer self(this);
+    const auto answer = co_await busProperty(upower, u"OnBattery"_s);
+    if (!self)
+        co_return;
+    if (!answer || answer->typeId() != QMetaType::Bool) {
+        watchFiles();
+        co_return;
+    }
+    _poll.reset();
+    take(answer->toBool());
 }
 
 void UPowerSource::watchFiles()
 {
     // A machine without a battery has nothing to look for.
-    if (_poll || _observers.isEmpty() || !PowerSupplies::read(_supplies).hasBattery)
+    if (_poll || _observers.isEmpty() || !readSupplies(_supplies).hasBattery)
         return;
-    _poll = _clock.every(pollInterval, [this] { take(PowerSupplies::read(_supplies).isOnBattery); });
+    _poll = _clock.every(pollInterval, [this] { take(readSupplies(_supplies).isOnBattery); });
 }
 
 void UPowerSource::take(bool isOnBattery)

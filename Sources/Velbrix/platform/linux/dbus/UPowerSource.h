@@ -3,6 +3,7 @@
 #include "foundation/Clock.h"
 #include "platform/PowerSource.h"
 
+#include <QCoroTask>
 #include <QObject>
 #include <QString>
 
@@ -13,8 +14,6 @@ namespace velbrix {
 // The UPower service of the system bus. Until it answers, and where there is
 // none, the kernel's own files count, looked at every now and then.
 class UPowerSource final : public QObject, public PowerSource {
-    Q_OBJECT
-
 public:
     // The clock must outlive it.
     explicit UPowerSource(Clock &clock, QString supplies = QStringLiteral("/sys/class/power_supply"));
@@ -23,7 +22,7 @@ public:
     bool isOnBattery() const override { return _isOnBattery; }
 
 private:
-    Q_SLOT void ask();
+    QCoro::Task<> ask();
     void stop();
     void watchFiles();
     void take(bool isOnBattery);
@@ -31,6 +30,7 @@ private:
     Clock &_clock;
     QString _supplies;
     ObserverList<void()> _observers;
+    Observation _propertiesChanged;
     std::unique_ptr<Alarm> _poll;
     bool _isOnBattery = false;
 };

@@ -1,12 +1,10 @@
 #include "platform/linux/desktop/DesktopAppearance.h"
 
-#include "platform/linux/dbus/SessionBus.h"
+#include "platform/linux/dbus/Bus.h"
 
-#include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QPointer>
 #include <QVariantMap>
 
 using namespace Qt::StringLiterals;
@@ -14,9 +12,10 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-const QString portalName = u"org.freedesktop.portal.Desktop"_s;
-const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-const QString settingsInterface = u"org.freedesktop.portal.Settings"_s;
+const BusObject portal{.service = u"org.freedesktop.portal.Desktop"_s,
+                       .path = u"/org/freedesktop/portal/desktop"_s,
+                       .interface = u"org.freedesktop.portal.Settings"_s,
+                       .deadline = startDeadline};
 const QString appearanceGroup = u"org.freedesktop.appearance"_s;
 const QString interfaceGroup = u"org.gnome.desktop.interface"_s;
 
@@ -29,36 +28,29 @@ bool isDark(const QPalette &palette)
 
 DesktopAppearance::DesktopAppearance() : _isPaletteDark(isDark(QGuiApplication::palette()))
 {
-    auto bus = sessionBus();
-    if (!bus)
+    if (!busConnection(Bus::session))
         return;
-    // No service name here: Qt would wait for the bus to name its owner.
-    bus->connect({}, portalPath, settingsInterface, u"SettingChanged"_s, this, SLOT(ask()));
+    _settingChanged = observeBus(portal, u"SettingChanged"_s, [this](const QDBusMessage &) { ask(); });
     ask();
 }
 
-void DesktopAppearance::ask()
+QCoro::Task<> DesktopAppearance::ask()
 {
-    const auto bus = sessionBus();
-    if (!bus)
-        return;
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(portalName, portalPath, settingsInterface, u"ReadAll"_s);
-    call.setArguments({QStringList{appearanceGroup, interfaceGroup}});
-    auto *pending = new QDBusPendingCallWatcher(bus->asyncCall(call), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
-        pending->deleteLater();
-        const QDBusMessage reply = pending->reply();
-        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != u"a{sa{sv}}"_s)
-            return;
-        QMap<QString, QVariantMap> groups;
-        reply.arguments().constFirst().value<QDBusArgument>() >> groups;
-        const QVariantMap appearance = groups.value(appearanceGroup);
-        const QVariant animations = groups.value(interfaceGroup).value(u"enable-animations"_s);
-        const bool isStill = animations.isValid() && !animations.toBool();
-        take(appearance.value(u"color-scheme"_s).toUInt(),
-             appearance.value(u"reduced-motion"_s).toUInt() == 1 || isStill);
-    });
+    const QPointer self(this);
+    const QVariantList arguments{QStringList{appearanceGroup, interfaceGroup}};
+    const auto answer = co_await callBus(portal, u"ReadAll"_s, arguments);
+    if (!self || !answer)
+        co_return;
+    const auto settings = answer->value(0).value<QDBusArgument>();
+    if (settings.currentSignature() != u"a{sa{sv}}"_s)
+        co_return;
+    QMap<QString, QVariantMap> groups;
+    settings >> groups;
+    const QVariantMap appearance = groups.value(appearanceGroup);
+    const QVariant animations = groups.value(interfaceGroup).value(u"enable-animations"_s);
+    const bool isStill = animations.isValid() && !animations.toBool();
+    take(appearance.value(u"color-scheme"_s).toUInt(),
+         appearance.value(u"reduced-motion"_s).toUInt() == 1 || isStill);
 }
 
 void DesktopAppearance::take(uint colorScheme, bool reducesMotion)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "foundation/Observation.h"
+
+#include <QCoroTask>
 #include <QObject>
 
 namespace velbrix {
@@ -18,9 +21,10 @@ public:
     Q_SIGNAL void preferencesChanged();
 
 private:
-    Q_SLOT void ask();
+    QCoro::Task<> ask();
     void take(uint colorScheme, bool reducesMotion);
 
+    Observation _settingChanged;
     bool _isPaletteDark = false;
     uint _colorScheme = 0; // 0 no preference, 1 dark, 2 light
     bool _reducesMotion = false;

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "platform/linux/desktop/DockSettings.h"
 #include "platform/linux/desktop/Gsettings.h"
+#include "platform/linux/desktop/PanelSettings.h"
 
 namespace velbrix {
 
 // The extension Dash to Dock, which Ubuntu's dock is too. GNOME itself has no
 // bar that could hide.
-class GnomeDock final : public DockSettings {
+class GnomeDock final : public PanelSettings {
 public:
     explicit GnomeDock(Clock &clock) : _clock(clock) {}
 

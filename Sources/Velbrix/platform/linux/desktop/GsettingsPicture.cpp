@@ -10,19 +10,6 @@ namespace {
 const QString fileKey = u"picture-filename"_s; // MATE's; the others want an address
 const QString optionsKey = u"picture-options"_s;
 
-QString schema(GsettingsPicture::Family family)
-{
-    switch (family) {
-    case GsettingsPicture::Family::Cinnamon:
-        return u"org.cinnamon.desktop.background"_s;
-    case GsettingsPicture::Family::Mate:
-        return u"org.mate.background"_s;
-    case GsettingsPicture::Family::Gnome:
-        break;
-    }
-    return u"org.gnome.desktop.background"_s;
-}
-
 QString wanted(const QString &key, const QString &path)
 {
     if (key == optionsKey)
@@ -34,7 +21,7 @@ QString wanted(const QString &key, const QString &path)
 
 } // namespace
 
-GsettingsPicture::GsettingsPicture(Clock &clock, Family family) : _settings(clock, schema(family)) {}
+GsettingsPicture::GsettingsPicture(Clock &clock, QString schema) : _settings(clock, std::move(schema)) {}
 
 QCoro::Task<Result<QStringList>> GsettingsPicture::pictureKeys()
 {

@@ -8,9 +8,7 @@ namespace velbrix {
 // The picture of GNOME, Cinnamon or MATE, which all show it by themselves.
 class GsettingsPicture final : public DesktopPicture {
 public:
-    enum class Family { Gnome, Cinnamon, Mate };
-
-    GsettingsPicture(Clock &clock, Family family);
+    GsettingsPicture(Clock &clock, QString schema);
 
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;

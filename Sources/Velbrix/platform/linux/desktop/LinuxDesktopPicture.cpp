@@ -1,16 +1,9 @@
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 
-#include "platform/linux/desktop/GsettingsPicture.h"
-#include "platform/linux/desktop/PcmanfmPicture.h"
-#include "platform/linux/desktop/PlasmaPicture.h"
-#include "platform/linux/desktop/RootPicture.h"
-#include "platform/linux/desktop/RunningDesktop.h"
-#include "platform/linux/desktop/XfcePicture.h"
-
 #include <QCoroFuture>
 #include <QtConcurrent/QtConcurrentRun>
 
-#include <memory>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -18,99 +11,74 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-using Program = RunningDesktop::Program;
-
-const QString rootName = u"root"_s;
-const QString pcmanfmName = u"pcmanfm"_s;
+const QString rootKey = u"root"_s;
 
 // One place that keeps a picture, under its name in what is remembered.
 struct Keeper {
-    QString name;
+    QString key;
     std::unique_ptr<DesktopPicture> picture;
 };
 using Keepers = std::vector<Keeper>;
 
-QString name(Program program)
+// What every task needs, even after the object that began it has gone.
+struct Surroundings {
+    Clock &clock;
+    std::shared_ptr<const DesktopSession> session;
+    QString folder;
+};
+
+QFuture<DesktopSigns> readSigns(const Surroundings &here)
 {
-    switch (program) {
-    case Program::Xfce:
-        return u"xfce"_s;
-    case Program::Pcmanfm:
-        return pcmanfmName;
-    case Program::Gnome:
-        return u"gnome"_s;
-    case Program::Cinnamon:
-        return u"cinnamon"_s;
-    case Program::Mate:
-        return u"mate"_s;
-    case Program::Plasma:
-        return u"plasma"_s;
-    case Program::RootWindow:
-        break;
-    }
-    return rootName;
+    return QtConcurrent::run([session = here.session] { return session->signs(); });
 }
 
-// These publish what they show on the root window as well.
-bool keepsRootPicture(Program program)
+QString profileOf(const Desktop &desktop, const DesktopSigns &signs)
 {
-    return program == Program::Xfce || program == Program::Pcmanfm || program == Program::Mate;
+    return desktop.readProfile ? desktop.readProfile(signs.backdropProcess) : QString();
 }
 
-std::unique_ptr<DesktopPicture> makeKeeper(Program program, Clock &clock, const QString &folder,
-                                           const QString &profile, bool isRunning)
+Keeper rootKeeper(const Surroundings &here)
 {
-    using Family = GsettingsPicture::Family;
-    switch (program) {
-    case Program::Xfce:
-        return std::make_unique<XfcePicture>(clock);
-    case Program::Pcmanfm:
-        return std::make_unique<PcmanfmPicture>(clock, profile, isRunning);
-    case Program::Gnome:
-        return std::make_unique<GsettingsPicture>(clock, Family::Gnome);
-    case Program::Cinnamon:
-        return std::make_unique<GsettingsPicture>(clock, Family::Cinnamon);
-    case Program::Mate:
-        return std::make_unique<GsettingsPicture>(clock, Family::Mate);
-    case Program::Plasma:
-        return std::make_unique<PlasmaPicture>();
-    case Program::RootWindow:
-        break;
-    }
-    return std::make_unique<RootPicture>(folder);
+    return {rootKey, here.session->rootPicture(here.folder)};
 }
 
-Keepers keepersOf(const RunningDesktop &desktop, Clock &clock, const QString &folder)
+Keepers keepersNow(const DesktopSigns &signs, const Surroundings &here)
 {
     Keepers keepers;
-    keepers.push_back(
-        {name(desktop.program), makeKeeper(desktop.program, clock, folder, desktop.profile, true)});
-    if (desktop.program != Program::RootWindow && !keepsRootPicture(desktop.program))
-        keepers.push_back({rootName, std::make_unique<RootPicture>(folder)});
+    const Desktop *const desktop = recognisedDesktop(signs);
+    const bool hasOwn = desktop && desktop->makePicture;
+    if (hasOwn) {
+        const PictureRequest request{here.clock, here.session, profileOf(*desktop, signs), true};
+        keepers.push_back({desktop->key, desktop->makePicture(request)});
+    }
+    if (!hasOwn || !desktop->publishesPicture)
+        keepers.push_back(rootKeeper(here));
     return keepers;
 }
 
 // Whoever kept the former picture gets it back, even if another desktop runs now.
-Keepers keepersIn(const QJsonObject &picture, const RunningDesktop &desktop, Clock &clock,
-                  const QString &folder)
+Keepers keepersThen(const QJsonObject &picture, const DesktopSigns &signs, const Surroundings &here)
 {
     Keepers keepers;
-    for (const Program program : {Program::Xfce, Program::Pcmanfm, Program::Gnome, Program::Cinnamon,
-                                  Program::Mate, Program::Plasma, Program::RootWindow}) {
-        const QJsonValue former = picture.value(name(program));
-        if (!former.isObject())
+    const Desktop *const running = recognisedDesktop(signs);
+    for (const Desktop &desktop : desktops()) {
+        const QJsonValue former = picture.value(desktop.key);
+        if (!desktop.makePicture || !former.isObject())
             continue;
         const QString profile = former.toObject().value(u"profile"_s).toString();
-        const bool isRunning = desktop.program == program && desktop.profile == profile;
-        keepers.push_back({name(program), makeKeeper(program, clock, folder, profile, isRunning)});
+        const bool isRunning = running == &desktop && profileOf(desktop, signs) == profile;
+        keepers.push_back({desktop.key, desktop.makePicture({here.clock, here.session, profile, isRunning})});
     }
+    if (picture.value(rootKey).isObject())
+        keepers.push_back(rootKeeper(here));
     return keepers;
 }
 
 } // namespace
 
-LinuxDesktopPicture::LinuxDesktopPicture(Clock &clock, QString folder)
-    : _clock(clock), _folder(std::move(folder))
+LinuxDesktopPicture::LinuxDesktopPicture(Clock &clock, std::shared_ptr<const DesktopSession> session,
+                                         QString folder)
+    : _clock(clock), _session(std::move(session)), _folder(std::move(folder))
 {
 }
 
@@ -118,28 +86,26 @@ LinuxDesktopPicture::LinuxDesktopPicture(Clock &clock, QString folder)
 
 QCoro::Task<Result<QJsonObject>> LinuxDesktopPicture::current()
 {
-    Clock &clock = _clock;
-    const QString folder = _folder;
-    const QFuture<RunningDesktop> search = QtConcurrent::run(RunningDesktop::find);
-    const RunningDesktop desktop = co_await search;
-    const Keepers keepers = keepersOf(desktop, clock, folder);
+    const Surroundings here{_clock, _session, _folder};
+    const QFuture<DesktopSigns> search = readSigns(here);
+    const DesktopSigns signs = co_await search;
+    const Keepers keepers = keepersNow(signs, here);
     QJsonObject picture;
     for (const Keeper &keeper : keepers) {
         const auto part = co_await keeper.picture->current();
         if (!part)
             co_return std::unexpected(part.error());
-        picture.insert(keeper.name, *part);
+        picture.insert(keeper.key, *part);
     }
     co_return picture;
 }
 
 QCoro::Task<Result<void>> LinuxDesktopPicture::set(const QString path)
 {
-    Clock &clock = _clock;
-    const QString folder = _folder;
-    const QFuture<RunningDesktop> search = QtConcurrent::run(RunningDesktop::find);
-    const RunningDesktop desktop = co_await search;
-    const Keepers keepers = keepersOf(desktop, clock, folder);
+    const Surroundings here{_clock, _session, _folder};
+    const QFuture<DesktopSigns> search = readSigns(here);
+    const DesktopSigns signs = co_await search;
+    const Keepers keepers = keepersNow(signs, here);
     for (const Keeper &keeper : keepers) {
         if (const auto done = co_await keeper.picture->set(path); !done)
             co_return std::unexpected(done.error());
@@ -149,14 +115,13 @@ QCoro::Task<Result<void>> LinuxDesktopPicture::set(const QString path)
 
 QCoro::Task<Result<void>> LinuxDesktopPicture::restore(const QJsonObject picture)
 {
-    Clock &clock = _clock;
-    const QString folder = _folder;
-    const QFuture<RunningDesktop> search = QtConcurrent::run(RunningDesktop::find);
-    const RunningDesktop desktop = co_await search;
-    const Keepers keepers = keepersIn(picture, desktop, clock, folder);
+    const Surroundings here{_clock, _session, _folder};
+    const QFuture<DesktopSigns> search = readSigns(here);
+    const DesktopSigns signs = co_await search;
+    const Keepers keepers = keepersThen(picture, signs, here);
     Result<void> outcome;
     for (const Keeper &keeper : keepers) {
-        const QJsonObject former = picture.value(keeper.name).toObject();
+        const QJsonObject former = picture.value(keeper.key).toObject();
         if (const auto done = co_await keeper.picture->restore(former); !done)
             outcome = std::unexpected(done.error());
     }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "foundation/Clock.h"
-#include "platform/DesktopPicture.h"
+#include "platform/linux/desktop/DesktopSession.h"
 
 namespace velbrix {
 
@@ -11,7 +10,7 @@ class LinuxDesktopPicture final : public DesktopPicture {
 public:
     // What must be kept of a former picture goes into the folder. The clock
     // must outlive every task.
-    LinuxDesktopPicture(Clock &clock, QString folder);
+    LinuxDesktopPicture(Clock &clock, std::shared_ptr<const DesktopSession> session, QString folder);
 
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
@@ -19,6 +18,7 @@ public:
 
 private:
     Clock &_clock;
+    std::shared_ptr<const DesktopSession> _session;
     QString _folder;
 };
 

@@ -1,11 +1,8 @@
 #include "platform/linux/desktop/LinuxDesktopServices.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/dbus/SessionBus.h"
-#include "platform/linux/x11/QtX11.h"
+#include "platform/linux/dbus/Bus.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -19,11 +16,26 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+const BusObject fileManager{.service = u"org.freedesktop.FileManager1"_s,
+                            .path = u"/org/freedesktop/FileManager1"_s,
+                            .interface = u"org.freedesktop.FileManager1"_s,
+                            .deadline = startDeadline};
+
 Result<void> openFolder(const QString &folder)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
         return failure(u"没有可用的文件管理器，文件位于 "_s + folder);
     return {};
+}
+
+// When no file manager can select the file, its folder is opened.
+QCoro::Task<> showItem(const QString path)
+{
+    const QVariantList arguments{QStringList{QUrl::fromLocalFile(path).toString()}, QString()};
+    if (co_await callBus(fileManager, u"ShowItems"_s, arguments))
+        co_return;
+    if (const auto opened = openFolder(QFileInfo(path).absolutePath()); !opened)
+        log::line(u"Velbrix"_s, opened.error().message);
 }
 
 Observation whileConnected(const QMetaObject::Connection &connection)
@@ -32,6 +44,15 @@ Observation whileConnected(const QMetaObject::Connection &connection)
 }
 
 } // namespace
+
+LinuxDesktopServices::LinuxDesktopServices()
+    : _itemHost([this] {
+          const bool before = hasTrayHost();
+          _hasItemHost = _itemHost.isPresent();
+          tellObservers(before);
+      })
+{
+}
 
 void LinuxDesktopServices::setAccessoryPresence()
 {
@@ -56,49 +77,39 @@ void LinuxDesktopServices::activate()
     }
 }
 
-void LinuxDesktopServices::beep()
-{
-    const auto x11 = qtX11Connection();
-    if (!x11)
-        return;
-    xcb_bell(x11->connection, 0);
-    xcb_flush(x11->connection);
-}
-
 Result<void> LinuxDesktopServices::revealInFolder(const QString &path)
 {
     const QFileInfo file(path);
     const QString folder = file.absolutePath();
     if (!QFileInfo(folder).isDir())
         return failure(u"文件夹不存在："_s + folder);
-    const auto bus = sessionBus();
-    if (!bus || !file.exists())
+    if (!busConnection(Bus::session) || !file.exists())
         return openFolder(folder);
-
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
-                                       u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
-    call.setArguments({QStringList{QUrl::fromLocalFile(file.absoluteFilePath()).toString()}, QString()});
-    auto *pending = new QDBusPendingCallWatcher(bus->asyncCall(call), &_trayHost);
-    QObject::connect(pending, &QDBusPendingCallWatcher::finished, pending, [pending, folder] {
-        pending->deleteLater();
-        if (!pending->isError())
-            return;
-        if (const auto opened = openFolder(folder); !opened)
-            log::line(u"Velbrix"_s, opened.error().message);
-    });
+    showItem(file.absoluteFilePath());
     return {};
 }
 
 bool LinuxDesktopServices::hasTrayHost() const
 {
-    return _trayHost.isPresent();
+    return _hasOtherTray || _hasItemHost;
 }
 
 Observation LinuxDesktopServices::observeTrayHost(std::function<void()> changed)
 {
-    return whileConnected(
-        QObject::connect(&_trayHost, &TrayHost::presenceChanged, &_trayHost, std::move(changed)));
+    return _trayObservers.add(std::move(changed));
+}
+
+void LinuxDesktopServices::setOtherTray(bool isPresent)
+{
+    const bool before = hasTrayHost();
+    _hasOtherTray = isPresent;
+    tellObservers(before);
+}
+
+void LinuxDesktopServices::tellObservers(bool hadTrayHost) const
+{
+    if (hasTrayHost() != hadTrayHost)
+        _trayObservers.notify();
 }
 
 bool LinuxDesktopServices::prefersReducedMotion() const

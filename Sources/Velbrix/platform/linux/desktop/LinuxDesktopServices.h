@@ -1,25 +1,28 @@
 #pragma once
 
 #include "platform/DesktopServices.h"
-#include "platform/linux/dbus/TrayHost.h"
+#include "platform/linux/dbus/StatusNotifierHost.h"
 #include "platform/linux/desktop/DesktopAppearance.h"
 
 namespace velbrix {
 
-class LinuxDesktopServices final : public DesktopServices {
+// What the desktops of freedesktop.org have in common; the window system adds
+// the rest.
+class LinuxDesktopServices : public DesktopServices {
 public:
-    // An X11 task bar lists a program's visible windows and nothing else, so
-    // hiding them is all there is to being a program of the tray.
+    LinuxDesktopServices();
+
+    // A task bar lists a program's visible windows and nothing else, so hiding
+    // them is all there is to being a program of the tray.
     void setAccessoryPresence() override;
     void resetPresence() override;
     void activate() override;
 
-    void beep() override;
     // The file manager is asked without waiting for it; when it cannot select
     // the file, its folder is opened.
     Result<void> revealInFolder(const QString &path) override;
 
-    // False until the session bus has answered, unless there is an XEmbed tray.
+    // False until the session bus has answered, unless there is another tray.
     bool hasTrayHost() const override;
     Observation observeTrayHost(std::function<void()> changed) override;
 
@@ -27,11 +30,20 @@ public:
     bool prefersDarkTheme() const override;
     Observation observeTheme(std::function<void()> changed) override;
 
-    // X11 hides windows one by one, never a whole program.
+    // Windows are hidden one by one, never a whole program.
     Observation observeUnhide(std::function<void()> unhidden) override;
 
+protected:
+    // Whether there is a tray that is not reached over the session bus.
+    void setOtherTray(bool isPresent);
+
 private:
-    TrayHost _trayHost;
+    void tellObservers(bool hadTrayHost) const;
+
+    ObserverList<void()> _trayObservers;
+    bool _hasOtherTray = false;
+    bool _hasItemHost = false; // as last told
+    StatusNotifierHost _itemHost;
     DesktopAppearance _appearance;
 };
 

@@ -1,10 +1,7 @@
 #include "platform/linux/desktop/LinuxDockPreference.h"
 
-#include "platform/linux/dbus/BusCall.h"
-#include "platform/linux/desktop/GnomeDock.h"
-#include "platform/linux/desktop/PlasmaPanels.h"
-#include "platform/linux/desktop/RunningDesktop.h"
-#include "platform/linux/desktop/XfcePanels.h"
+#include "platform/linux/dbus/Bus.h"
+#include "platform/linux/desktop/PanelSettings.h"
 
 #include <QCoroFuture>
 #include <QDir>
@@ -22,25 +19,20 @@ namespace velbrix {
 namespace {
 
 struct Dock {
-    QString name;
-    std::shared_ptr<DockSettings> settings;
+    QString name; // the desktop's key
+    std::shared_ptr<PanelSettings> settings;
 };
 
-QCoro::Task<Result<Dock>> findDock(Clock &clock)
+QCoro::Task<Result<Dock>> findDock(Clock &clock, const std::shared_ptr<const DesktopSession> session)
 {
     const QStringList services = co_await runningServices();
-    Dock dock;
-    if (services.contains(u"org.xfce.Panel"_s))
-        dock = {u"xfce"_s, std::make_shared<XfcePanels>()};
-    else if (services.contains(u"org.kde.plasmashell"_s))
-        dock = {u"plasma"_s, std::make_shared<PlasmaPanels>()};
-    else if (services.contains(u"org.gnome.Shell"_s))
-        dock = {u"gnome"_s, std::make_shared<GnomeDock>(clock)};
-    if (dock.settings)
-        co_return std::as_const(dock);
-    const QFuture<RunningDesktop> search = QtConcurrent::run(RunningDesktop::find);
-    const RunningDesktop desktop = co_await search;
-    co_return failure(u"当前桌面（%1）没有可以自动隐藏的 Dock 或面板"_s.arg(desktop.name));
+    for (const Desktop &desktop : desktops()) {
+        if (desktop.makePanels && services.contains(desktop.panelService))
+            co_return Dock{desktop.key, desktop.makePanels(clock)};
+    }
+    const QFuture<DesktopSigns> search = QtConcurrent::run([session] { return session->signs(); });
+    const DesktopSigns signs = co_await search;
+    co_return failure(u"当前桌面（%1）没有可以自动隐藏的 Dock 或面板"_s.arg(signs.name()));
 }
 
 // What the bars of each desktop were set to before they were made to hide.
@@ -122,14 +114,15 @@ QCoro::Task<Result<void>> show(const Dock dock, FormerValues former)
 
 } // namespace
 
-LinuxDockPreference::LinuxDockPreference(Clock &clock, QString formerFile)
-    : _clock(clock), _formerFile(std::move(formerFile))
+LinuxDockPreference::LinuxDockPreference(Clock &clock, std::shared_ptr<const DesktopSession> session,
+                                         QString formerFile)
+    : _clock(clock), _session(std::move(session)), _formerFile(std::move(formerFile))
 {
 }
 
 QCoro::Task<Result<bool>> LinuxDockPreference::autoHide()
 {
-    const auto dock = co_await findDock(_clock);
+    const auto dock = co_await findDock(_clock, _session);
     if (!dock)
         co_return std::unexpected(dock.error());
     const auto values = co_await dock->settings->read();
@@ -141,7 +134,7 @@ QCoro::Task<Result<bool>> LinuxDockPreference::autoHide()
 QCoro::Task<Result<void>> LinuxDockPreference::setAutoHide(bool hides)
 {
     const QString file = _formerFile;
-    const auto dock = co_await findDock(_clock);
+    const auto dock = co_await findDock(_clock, _session);
     if (!dock)
         co_return std::unexpected(dock.error());
     const FormerValues former(file);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/DockPreference.h"
+#include "platform/linux/desktop/DesktopSession.h"
 
 #include <QString>
 
@@ -14,13 +14,14 @@ namespace velbrix {
 class LinuxDockPreference final : public DockPreference {
 public:
     // The clock must outlive every task.
-    LinuxDockPreference(Clock &clock, QString formerFile);
+    LinuxDockPreference(Clock &clock, std::shared_ptr<const DesktopSession> session, QString formerFile);
 
     QCoro::Task<Result<bool>> autoHide() override;
     QCoro::Task<Result<void>> setAutoHide(bool hides) override;
 
 private:
     Clock &_clock;
+    std::shared_ptr<const DesktopSession> _session;
     QString _formerFile;
 };
 

@@ -4,11 +4,12 @@
 
 namespace velbrix {
 
-// X11 guards nothing of this, so the answers are "yes"; in a session of another
-// kind the screen cannot be seen at all.
+// Nothing of this is guarded, so the answers are "yes", except where the screen
+// cannot be seen at all.
 class LinuxPermissions final : public Permissions {
 public:
-    LinuxPermissions();
+    // Why the screen cannot be captured, in words; empty when it can.
+    explicit LinuxPermissions(QString screenObstacle);
 
     bool preflightScreenCapture() override;
     bool requestScreenCapture() override;
@@ -22,8 +23,7 @@ public:
     bool openSettings(PrivacyPane pane) override;
 
 private:
-    enum class Session { x11, xwayland, other };
-    Session _session = Session::other;
+    const QString _screenObstacle;
 };
 
 } // namespace velbrix

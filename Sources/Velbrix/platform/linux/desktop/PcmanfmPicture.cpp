@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/PcmanfmPicture.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/x11/X11Connection.h"
+#include "platform/linux/desktop/DesktopSession.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -52,21 +52,27 @@ Result<void> write(const QString &profile, const QString &path, const QString &m
     return {};
 }
 
-// In plain colour pcmanfm leaves its last picture behind for those who look at
-// the root window's.
-void forgetRootPicture()
-{
-    const auto x11 = X11Connection::open();
-    if (!x11)
-        return;
-    xcb_delete_property((*x11)->xcb(), (*x11)->root(), (*x11)->atom("_XROOTPMAP_ID"));
-    (*x11)->sync();
-}
-
 } // namespace
 
-PcmanfmPicture::PcmanfmPicture(Clock &clock, QString profile, bool isRunning)
-    : _programs(clock), _profile(std::move(profile)), _isRunning(isRunning)
+QString pcmanfmProfile(quint32 process)
+{
+    QFile file(u"/proc/%1/cmdline"_s.arg(process));
+    const QByteArray line = file.open(QIODevice::ReadOnly) ? file.read(65536) : QByteArray();
+    const QList<QByteArray> words = line.split('\0');
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        if (words[i].startsWith("--profile="))
+            return QFile::decodeName(words[i].mid(10));
+        if ((words[i] == "--profile" || words[i] == "-p") && i + 1 < words.size())
+            return QFile::decodeName(words[i + 1]);
+    }
+    return u"default"_s;
+}
+
+PcmanfmPicture::PcmanfmPicture(const PictureRequest &request)
+    : _programs(request.clock),
+      _session(request.session),
+      _profile(request.profile),
+      _isRunning(request.isRunning)
 {
 }
 
@@ -100,8 +106,10 @@ QCoro::Task<Result<void>> PcmanfmPicture::restore(const QJsonObject picture)
         mode = colourMode;
     }
     const auto done = co_await order(path, mode);
+    // In plain colour pcmanfm leaves its last picture behind for those who look
+    // at the root window's.
     if (done && _isRunning && mode == colourMode)
-        forgetRootPicture();
+        _session->forgetRootPicture();
     co_return done;
 }
 

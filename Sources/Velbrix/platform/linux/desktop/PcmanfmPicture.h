@@ -2,6 +2,7 @@
 
 #include "foundation/ProcessRunner.h"
 #include "platform/DesktopPicture.h"
+#include "platform/linux/desktop/Desktop.h"
 
 namespace velbrix {
 
@@ -11,7 +12,7 @@ class PcmanfmPicture final : public DesktopPicture {
 public:
     // Without a running desktop the order goes into its configuration, for the
     // next time: pcmanfm would otherwise start and stay.
-    PcmanfmPicture(Clock &clock, QString profile, bool isRunning);
+    explicit PcmanfmPicture(const PictureRequest &request);
 
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
@@ -21,8 +22,12 @@ private:
     QCoro::Task<Result<void>> order(const QString path, const QString mode);
 
     ProcessRunner _programs;
+    std::shared_ptr<const DesktopSession> _session;
     QString _profile;
     bool _isRunning;
 };
+
+// Under which the pcmanfm of that process keeps its settings.
+QString pcmanfmProfile(quint32 process);
 
 } // namespace velbrix

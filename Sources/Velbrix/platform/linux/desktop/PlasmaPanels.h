@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/linux/desktop/DockSettings.h"
+#include "platform/linux/desktop/PanelSettings.h"
 
 namespace velbrix {
 
 // Every panel of Plasma, by the scripts of its shell.
-class PlasmaPanels final : public DockSettings {
+class PlasmaPanels final : public PanelSettings {
 public:
     QCoro::Task<Result<QJsonObject>> read() override;
     QCoro::Task<Result<void>> write(const QJsonObject values) override;

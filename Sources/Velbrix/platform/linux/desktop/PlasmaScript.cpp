@@ -1,10 +1,18 @@
 #include "platform/linux/desktop/PlasmaScript.h"
 
-#include "platform/linux/dbus/BusCall.h"
+#include "platform/linux/dbus/Bus.h"
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
+
+const BusObject shell{.service = u"org.kde.plasmashell"_s,
+                      .path = u"/PlasmaShell"_s,
+                      .interface = u"org.kde.PlasmaShell"_s,
+                      .category = u"Wallpaper"_s};
+
+} // namespace
 
 QCoro::Task<Result<QJsonDocument>> runPlasmaScript(const QString script, const QJsonDocument input)
 {
@@ -12,8 +20,7 @@ QCoro::Task<Result<QJsonDocument>> runPlasmaScript(const QString script, const Q
     const QString literal =
         input.isNull() ? u"null"_s : QString::fromUtf8(input.toJson(QJsonDocument::Compact));
     const QVariantList arguments{u"var input = %1;\n"_s.arg(literal) + script};
-    const auto printed = co_await callSessionBus(u"org.kde.plasmashell"_s, u"/PlasmaShell"_s,
-                                                 u"org.kde.PlasmaShell"_s, u"evaluateScript"_s, arguments);
+    const auto printed = co_await callBus(shell, u"evaluateScript"_s, arguments);
     if (!printed)
         co_return std::unexpected(printed.error());
     const QByteArray text =

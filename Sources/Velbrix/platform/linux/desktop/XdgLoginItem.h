@@ -6,7 +6,8 @@
 
 namespace velbrix {
 
-// A desktop entry in the user's autostart folder.
+// A desktop entry in the user's autostart folder, by freedesktop.org's Desktop
+// Application Autostart Specification.
 class XdgLoginItem final : public LoginItem {
 public:
     // The entry's file, and the program it starts as an absolute path.

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/linux/desktop/DockSettings.h"
+#include "platform/linux/desktop/PanelSettings.h"
 #include "platform/linux/desktop/Xfconf.h"
 
 namespace velbrix {
 
 // Every panel of xfce4-panel, which follows its settings at once.
-class XfcePanels final : public DockSettings {
+class XfcePanels final : public PanelSettings {
 public:
     QCoro::Task<Result<QJsonObject>> read() override;
     QCoro::Task<Result<void>> write(const QJsonObject values) override;

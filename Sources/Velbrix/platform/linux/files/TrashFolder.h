@@ -10,8 +10,8 @@
 
 namespace velbrix {
 
-// One trash folder of the freedesktop.org kind: what was thrown away in
-// files/, where each came from in info/. Paths are native bytes, absolute.
+// One trash folder of the freedesktop.org Trash specification: what was thrown
+// away in files/, where each came from in info/. Paths are native bytes, absolute.
 // Everything here blocks.
 struct TrashFolder {
     QByteArray path;

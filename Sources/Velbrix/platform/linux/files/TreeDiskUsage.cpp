@@ -1,9 +1,9 @@
 #include "platform/linux/files/TreeDiskUsage.h"
 
+#include "foundation/MainThreadRelay.h"
 #include "platform/linux/files/TreeSizes.h"
 
 #include <QCoroFuture>
-#include <QObject>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <mutex>
@@ -45,11 +45,11 @@ private:
     {
         const std::scoped_lock guard(_lock);
         if (_waiting.isEmpty())
-            QMetaObject::invokeMethod(&_context, [this] { tell(); }, Qt::QueuedConnection);
+            _relay.post([this] { tell(); });
         _waiting.append({index, bytes});
     }
 
-    QObject _context;
+    MainThreadRelay _relay;
     Measured _measured;
     std::mutex _lock;
     QList<std::pair<qsizetype, qint64>> _waiting;

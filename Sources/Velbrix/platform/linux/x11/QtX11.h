@@ -1,35 +1,35 @@
 #pragma once
 
-#include "platform/linux/x11/input/KeyCodes.h"
+#include "platform/linux/x11/X11Connection.h"
 
-#include <cstdlib>
+#include <QAbstractNativeEventFilter>
+
+#include <functional>
 #include <memory>
-#include <optional>
-
-#include <xcb/xcb.h>
 
 namespace velbrix {
 
-// Replies and errors of xcb, which are malloc'ed.
-struct XcbFree {
-    void operator()(void *reply) const { std::free(reply); }
+// Qt's own connection to the X server: keys are grabbed and watched on it, as
+// Qt has settled with the server how it tells of them. Null when the program
+// does not run on X11. Not to be used beyond the QGuiApplication.
+std::unique_ptr<X11Connection> qtX11Connection();
+
+// The events of that connection, before Qt sees them, for as long as this
+// lives. Main thread.
+class QtX11Events final : private QAbstractNativeEventFilter {
+public:
+    // An event that the handler answers with true does not come to Qt.
+    using Handler = std::function<bool(const xcb_generic_event_t &)>;
+
+    explicit QtX11Events(Handler handle);
+    ~QtX11Events() override;
+    QtX11Events(const QtX11Events &) = delete;
+    QtX11Events &operator=(const QtX11Events &) = delete;
+
+private:
+    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
+
+    const Handler _handle;
 };
-template <typename T> using XcbReply = std::unique_ptr<T, XcbFree>;
-
-// Qt's own connection to the X server and its first screen. It lives as long
-// as the QGuiApplication.
-struct QtX11Connection {
-    xcb_connection_t *connection = nullptr;
-    xcb_window_t root = XCB_NONE;
-    int screen = 0;
-};
-
-// Nothing when the program does not run on X11.
-std::optional<QtX11Connection> qtX11Connection();
-
-// The keyboard as the server describes it now; empty when it does not answer.
-X11KeyMap readKeyMap(xcb_connection_t *connection);
-
-xcb_atom_t internAtom(xcb_connection_t *connection, const QByteArray &name);
 
 } // namespace velbrix

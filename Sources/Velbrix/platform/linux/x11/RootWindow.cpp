@@ -1,6 +1,7 @@
 #include "platform/linux/x11/RootWindow.h"
 
 #include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/XGeometry.h"
 
 #include <xcb/composite.h>
 
@@ -44,8 +45,7 @@ QList<QRect> RootWindow::monitors()
 QImage RootWindow::pixels(xcb_drawable_t drawable, QSize size)
 {
     const auto cookie = xcb_get_image(_x11->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, 0, 0,
-                                      static_cast<std::uint16_t>(size.width()),
-                                      static_cast<std::uint16_t>(size.height()), ~0U);
+                                      toXLength(size.width()), toXLength(size.height()), ~0U);
     const XReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(_x11->xcb(), cookie, nullptr));
     if (!reply || xcb_get_image_data_length(reply.get()) < size.width() * size.height() * 4)
         return {};
@@ -62,8 +62,7 @@ QImage RootWindow::published()
     const xcb_pixmap_t pixmap = _x11->property(_x11->root(), publishedName).value(0);
     if (pixmap == XCB_NONE)
         return {};
-    const XReply<xcb_get_geometry_reply_t> geometry(
-        xcb_get_geometry_reply(_x11->xcb(), xcb_get_geometry(_x11->xcb(), pixmap), nullptr));
+    const auto geometry = _x11->geometry(pixmap);
     if (!geometry || geometry->depth != _x11->screen().root_depth)
         return {};
     return pixels(pixmap, {geometry->width, geometry->height});
@@ -98,11 +97,9 @@ xcb_pixmap_t RootWindow::upload(const QImage &picture)
     xcb_connection_t *const xcb = _x11->xcb();
     const QImage image = picture.convertToFormat(QImage::Format_RGB32);
     const xcb_pixmap_t pixmap = xcb_generate_id(xcb);
-    const XReply<xcb_generic_error_t> refused(
-        xcb_request_check(xcb, xcb_create_pixmap_checked(xcb, _x11->screen().root_depth, pixmap, _x11->root(),
-                                                         static_cast<std::uint16_t>(image.width()),
-                                                         static_cast<std::uint16_t>(image.height()))));
-    if (refused)
+    const auto request = xcb_create_pixmap_checked(xcb, _x11->screen().root_depth, pixmap, _x11->root(),
+                                                   toXLength(image.width()), toXLength(image.height()));
+    if (!_x11->isAccepted(request))
         return XCB_NONE;
     const xcb_gcontext_t context = xcb_generate_id(xcb);
     xcb_create_gc(xcb, context, pixmap, 0, nullptr);
@@ -110,9 +107,8 @@ xcb_pixmap_t RootWindow::upload(const QImage &picture)
     const int mostRows = static_cast<int>(std::max<qsizetype>(1, mostBytes / image.bytesPerLine()));
     for (int row = 0; row < image.height(); row += mostRows) {
         const int rows = std::min(mostRows, image.height() - row);
-        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, context,
-                      static_cast<std::uint16_t>(image.width()), static_cast<std::uint16_t>(rows), 0,
-                      static_cast<std::int16_t>(row), 0, _x11->screen().root_depth,
+        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, context, toXLength(image.width()),
+                      toXLength(rows), 0, toXPlace(row), 0, _x11->screen().root_depth,
                       static_cast<std::uint32_t>(rows * image.bytesPerLine()), image.constScanLine(row));
     }
     xcb_free_gc(xcb, context);
@@ -160,8 +156,7 @@ Result<void> RootWindow::publish(const QImage &picture, std::initializer_list<co
         return failure(u"X 服务器没有足够的内存"_s);
     release();
     for (const char *name : names)
-        xcb_change_property(_x11->xcb(), XCB_PROP_MODE_REPLACE, _x11->root(), _x11->atom(name),
-                            XCB_ATOM_PIXMAP, 32, 1, &pixmap);
+        _x11->setProperty(_x11->root(), name, XCB_ATOM_PIXMAP, std::span(&pixmap, 1));
     xcb_set_close_down_mode(_x11->xcb(), XCB_CLOSE_DOWN_RETAIN_PERMANENT);
     show(XCB_CW_BACK_PIXMAP, pixmap);
     return {};

@@ -11,7 +11,8 @@
 namespace velbrix {
 
 // What the X server's root window shows, and what it says it shows: other
-// programs read the published picture. Short-lived, one thread.
+// programs read the picture that is published by the convention of the
+// properties _XROOTPMAP_ID and ESETROOT_PMAP_ID. Short-lived, one thread.
 class RootWindow {
 public:
     static Result<RootWindow> open();

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/ScreenContents.h"
 
+#include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/MonitorNames.h"
 #include "platform/linux/x11/TextProperty.h"
 #include "platform/linux/x11/TopLevel.h"
@@ -71,8 +72,7 @@ std::vector<Monitor> monitors(X11Connection &connection)
 {
     std::vector<Monitor> found;
     xcb_connection_t *const xcb = connection.xcb();
-    const XReply<xcb_get_geometry_reply_t> root(
-        xcb_get_geometry_reply(xcb, xcb_get_geometry(xcb, connection.root()), nullptr));
+    const auto root = connection.geometry(connection.root());
     const PixelRect whole{0, 0, root ? root->width : connection.screen().width_in_pixels,
                           root ? root->height : connection.screen().height_in_pixels};
     if (connection.has().randr) {
@@ -108,38 +108,6 @@ const Monitor *mainMonitor(const std::vector<Monitor> &all)
     if (main == all.end())
         main = all.begin();
     return main == all.end() ? nullptr : &*main;
-}
-
-bool isPutAway(X11Connection &connection, xcb_window_t window)
-{
-    constexpr std::uint32_t allWorkspaces = 0xffffffff;
-    if (connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_HIDDEN")))
-        return true;
-    const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
-    const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
-    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
-           workspace.value(0) != current.value(0);
-}
-
-std::vector<xcb_window_t> clientWindows(X11Connection &connection)
-{
-    for (const char *list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"}) {
-        const XProperty property = connection.property(connection.root(), list, 65536);
-        if (property.type != XCB_ATOM_WINDOW)
-            continue;
-        std::vector<xcb_window_t> windows;
-        for (int i = 0; i < property.count(); ++i)
-            windows.push_back(property.value(i));
-        return windows;
-    }
-    std::vector<xcb_window_t> windows = stackedWindows(connection);
-    std::erase_if(windows, [&connection](xcb_window_t window) {
-        const XReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-            connection.xcb(), xcb_get_window_attributes(connection.xcb(), window), nullptr));
-        return !attributes || attributes->override_redirect ||
-               attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT;
-    });
-    return windows;
 }
 
 QList<CapturableWindow> windowsOnScreen(X11Connection &connection)

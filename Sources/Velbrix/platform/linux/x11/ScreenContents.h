@@ -27,13 +27,6 @@ std::vector<Monitor> monitors(X11Connection &connection);
 // when there are none.
 const Monitor *mainMonitor(const std::vector<Monitor> &all);
 
-// The windows that the window manager keeps, bottom to top; without one every
-// window that it could keep.
-std::vector<xcb_window_t> clientWindows(X11Connection &connection);
-// Whether a window is minimised or on another workspace. Some window managers
-// keep such windows mapped.
-bool isPutAway(X11Connection &connection, xcb_window_t window);
-
 // The windows of applications that are on screen now, front to back. A window
 // that vanishes meanwhile is left out.
 QList<CapturableWindow> windowsOnScreen(X11Connection &connection);

@@ -11,7 +11,7 @@
 
 namespace velbrix {
 
-// What a panel reserves at an edge of the root, from begin to end (inclusive)
+// What a panel reserves at an edge of the root (_NET_WM_STRUT_PARTIAL of EWMH), from begin to end (inclusive)
 // along that edge.
 struct EdgeStrut {
     int width = 0;

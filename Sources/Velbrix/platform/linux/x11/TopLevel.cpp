@@ -1,6 +1,6 @@
 #include "platform/linux/x11/TopLevel.h"
 
-#include "platform/linux/media/recording/PixelRects.h"
+#include "platform/linux/x11/XGeometry.h"
 
 #include <algorithm>
 
@@ -23,12 +23,6 @@ Edges edges(X11Connection &connection, xcb_window_t window, const char *property
         return {};
     const auto at = [&value](int index) { return static_cast<int>(std::min(value.value(index), 10000U)); };
     return {at(0), at(1), at(2), at(3), true};
-}
-
-PixelRect outerRect(const xcb_get_geometry_reply_t &geometry)
-{
-    const int borders = 2 * geometry.border_width;
-    return {geometry.x, geometry.y, geometry.width + borders, geometry.height + borders};
 }
 
 // Decorations as the window manager states them. A frame that says nothing is

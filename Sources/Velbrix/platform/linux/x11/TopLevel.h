@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/media/recording/MovieRecorder.h"
+#include "platform/linux/media/recording/PixelRects.h"
 #include "platform/linux/x11/X11Connection.h"
 
 #include <optional>

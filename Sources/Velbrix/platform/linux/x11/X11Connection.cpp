@@ -8,6 +8,7 @@
 #include <xcb/shm.h>
 #include <xcb/xfixes.h>
 
+#include <algorithm>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -22,13 +23,17 @@ std::uint32_t XProperty::value(int index) const
     return number;
 }
 
+std::vector<std::uint32_t> XProperty::values() const
+{
+    std::vector<std::uint32_t> all(static_cast<std::size_t>(count()));
+    std::memcpy(all.data(), bytes.constData(), all.size() * 4);
+    return all;
+}
+
 bool XProperty::holds(std::uint32_t wanted) const
 {
-    for (int i = 0; i < count(); ++i) {
-        if (value(i) == wanted)
-            return true;
-    }
-    return false;
+    const std::vector<std::uint32_t> all = values();
+    return std::ranges::find(all, wanted) != all.end();
 }
 
 Result<std::unique_ptr<X11Connection>> X11Connection::open(const X11Abilities &allowed)
@@ -39,15 +44,29 @@ Result<std::unique_ptr<X11Connection>> X11Connection::open(const X11Abilities &a
         xcb_disconnect(connection);
         return failure(u"无法连接 X 服务器"_s);
     }
-    std::unique_ptr<X11Connection> opened(new X11Connection(connection, screenNumber, allowed));
+    std::unique_ptr<X11Connection> opened(new X11Connection(connection, screenNumber, allowed, true));
     if (!opened->_screen)
         return failure(u"X 服务器没有屏幕"_s);
     opened->negotiate();
     return opened;
 }
 
-X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber, const X11Abilities &allowed)
-    : _connection(connection), _screenNumber(screenNumber), _has(allowed)
+std::unique_ptr<X11Connection> X11Connection::borrow(xcb_connection_t *connection)
+{
+    const X11Abilities none{.sharedMemory = false,
+                            .sharedDescriptors = false,
+                            .composite = false,
+                            .damage = false,
+                            .fixes = false,
+                            .randr = false,
+                            .render = false,
+                            .shape = false};
+    return std::unique_ptr<X11Connection>(new X11Connection(connection, 0, none, false));
+}
+
+X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber, const X11Abilities &allowed,
+                             bool isOwn)
+    : _connection(connection), _screenNumber(screenNumber), _isOwn(isOwn), _has(allowed)
 {
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
     for (int i = 0; i < screenNumber && screens.rem > 1; ++i)
@@ -58,7 +77,8 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber, con
 
 X11Connection::~X11Connection()
 {
-    xcb_disconnect(_connection);
+    if (_isOwn)
+        xcb_disconnect(_connection);
 }
 
 bool X11Connection::isPresent(xcb_extension_t &extension) const
@@ -134,6 +154,16 @@ bool X11Connection::hasTrueColor() const
     return false;
 }
 
+std::optional<X11Extension> X11Connection::extension(const char *name) const
+{
+    const auto length = static_cast<std::uint16_t>(std::strlen(name));
+    const XReply<xcb_query_extension_reply_t> reply(
+        xcb_query_extension_reply(_connection, xcb_query_extension(_connection, length, name), nullptr));
+    if (!reply || !reply->present)
+        return std::nullopt;
+    return X11Extension{reply->major_opcode, reply->first_event};
+}
+
 xcb_atom_t X11Connection::atom(const char *name)
 {
     if (const auto known = _atoms.find(name); known != _atoms.end())
@@ -163,6 +193,50 @@ XProperty X11Connection::property(xcb_window_t window, const char *name, std::ui
         return {};
     return {reply->type, QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
                                     xcb_get_property_value_length(reply.get()))};
+}
+
+void X11Connection::setProperty(xcb_window_t window, const char *name, xcb_atom_t type,
+                                std::span<const std::uint32_t> values)
+{
+    xcb_change_property(_connection, XCB_PROP_MODE_REPLACE, window, atom(name), type, 32,
+                        static_cast<std::uint32_t>(values.size()), values.data());
+}
+
+XReply<xcb_get_geometry_reply_t> X11Connection::geometry(xcb_drawable_t drawable) const
+{
+    return XReply<xcb_get_geometry_reply_t>(
+        xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, drawable), nullptr));
+}
+
+void X11Connection::selectEvents(xcb_window_t window, std::uint32_t mask) const
+{
+    xcb_change_window_attributes(_connection, window, XCB_CW_EVENT_MASK, &mask);
+}
+
+std::uint32_t X11Connection::pictureFormat(xcb_visualid_t visual)
+{
+    if (_pictureFormats.empty() && _has.render) {
+        const XReply<xcb_render_query_pict_formats_reply_t> formats(xcb_render_query_pict_formats_reply(
+            _connection, xcb_render_query_pict_formats(_connection), nullptr));
+        auto screens = formats ? xcb_render_query_pict_formats_screens_iterator(formats.get())
+                               : xcb_render_pictscreen_iterator_t{};
+        for (; screens.rem; xcb_render_pictscreen_next(&screens)) {
+            auto depths = xcb_render_pictscreen_depths_iterator(screens.data);
+            for (; depths.rem; xcb_render_pictdepth_next(&depths)) {
+                auto visuals = xcb_render_pictdepth_visuals_iterator(depths.data);
+                for (; visuals.rem; xcb_render_pictvisual_next(&visuals))
+                    _pictureFormats.emplace(visuals.data->visual, visuals.data->format);
+            }
+        }
+    }
+    const auto known = _pictureFormats.find(visual);
+    return known == _pictureFormats.end() ? 0 : known->second;
+}
+
+int X11Connection::error(xcb_void_cookie_t request) const
+{
+    const XReply<xcb_generic_error_t> error(xcb_request_check(_connection, request));
+    return error ? error->error_code : 0;
 }
 
 bool X11Connection::hasCompositingManager()

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/X11Displays.h"
 
+#include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/MonitorNames.h"
 #include "platform/linux/x11/ScreenContents.h"
 #include "platform/linux/x11/Struts.h"
@@ -17,7 +18,6 @@ namespace velbrix {
 
 namespace {
 
-constexpr std::uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
 constexpr std::uint16_t randrEvents = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
                                       XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
 
@@ -82,7 +82,8 @@ X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::m
         return;
     _events = std::move(*events);
     X11Connection &connection = _events->connection();
-    xcb_change_window_attributes(connection.xcb(), connection.root(), XCB_CW_EVENT_MASK, &rootEvents);
+    connection.selectEvents(connection.root(),
+                            XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     if (connection.has().randr)
         xcb_randr_select_input(connection.xcb(), connection.root(), randrEvents);
     readClients();
@@ -92,7 +93,7 @@ X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::m
 void X11Displays::Monitors::handleEvent(const xcb_generic_event_t &event)
 {
     X11Connection &connection = _events->connection();
-    const int type = event.response_type & 0x7f;
+    const int type = eventType(event);
     if (type == XCB_CONFIGURE_NOTIFY)
         _isStale = true;
     if (connection.has().randr && (type == connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
@@ -131,10 +132,8 @@ void X11Displays::Monitors::readClients()
 {
     _areClientsStale = false;
     X11Connection &connection = _events->connection();
-    const XProperty list = connection.property(connection.root(), "_NET_CLIENT_LIST", 65536);
-    std::set<xcb_window_t> listed;
-    for (int i = 0; i < list.count(); ++i)
-        listed.insert(list.value(i));
+    const std::vector<xcb_window_t> windows = managedWindows(connection);
+    const std::set<xcb_window_t> listed(windows.begin(), windows.end());
     std::erase_if(_clients, [&listed](const auto &client) { return !listed.contains(client.first); });
     for (const xcb_window_t window : listed) {
         if (!_clients.contains(window))
@@ -147,12 +146,9 @@ X11Displays::Monitors::Client X11Displays::Monitors::readClient(xcb_window_t win
     X11Connection &connection = _events->connection();
     // Only panels are worth being woken for; before the reading, so that no
     // change falls between.
-    const XProperty type = connection.property(window, "_NET_WM_WINDOW_TYPE");
-    const bool isPanel = type.value(0) == connection.atom("_NET_WM_WINDOW_TYPE_DOCK");
-    if (isPanel) {
-        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_change_window_attributes(connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
-    }
+    const bool isPanel = isOfType(connection, window, "_NET_WM_WINDOW_TYPE_DOCK");
+    if (isPanel)
+        connection.selectEvents(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
     return {isPanel, readStrut(connection, window)};
 }
 
@@ -161,8 +157,7 @@ QList<Display> X11Displays::Monitors::readDisplays() const
     X11Connection &connection = _events->connection();
     const std::vector<Monitor> all = velbrix::monitors(connection);
     const Monitor *const main = mainMonitor(all);
-    const XReply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
-        connection.xcb(), xcb_get_geometry(connection.xcb(), connection.root()), nullptr));
+    const auto root = connection.geometry(connection.root());
     const QSize rootSize = root ? QSize(root->width, root->height) : QSize();
     std::vector<Strut> struts;
     for (const auto &[window, client] : _clients) {

@@ -1,4 +1,4 @@
-#include "platform/linux/media/libav/LibAv.h"
+#include "platform/linux/media/libav/LibAvHandles.h"
 
 #include "platform/linux/media/libav/LibraryFunction.h"
 
@@ -64,6 +64,20 @@ const AvScale *avScale()
     static AvScale functions;
     static const bool isLoaded = loadScale(functions);
     return isLoaded ? &functions : nullptr;
+}
+
+AvDecoder openAvDecoder(const AVStream &stream, int threads, std::int64_t mostPixels)
+{
+    const AVCodec *codec = avCodec()->avcodec_find_decoder(stream.codecpar->codec_id);
+    AvDecoder decoder(codec ? avCodec()->avcodec_alloc_context3(codec) : nullptr);
+    if (!decoder || avCodec()->avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
+        return {};
+    decoder->thread_count = threads;
+    decoder->max_pixels = mostPixels;
+    decoder->pkt_timebase = stream.time_base;
+    if (avCodec()->avcodec_open2(decoder.get(), codec, nullptr) < 0)
+        return {};
+    return decoder;
 }
 
 } // namespace velbrix

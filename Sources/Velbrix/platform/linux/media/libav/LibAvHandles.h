@@ -2,6 +2,7 @@
 
 #include "platform/linux/media/libav/LibAv.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace velbrix {
@@ -20,5 +21,8 @@ using AvDecoder = std::unique_ptr<AVCodecContext, AvRelease>;
 using AvPacket = std::unique_ptr<AVPacket, AvRelease>;
 using AvPicture = std::unique_ptr<AVFrame, AvRelease>;
 using AvScaler = std::unique_ptr<SwsContext, AvRelease>;
+
+// Ready for the packets of the stream; null where no decoder takes them.
+AvDecoder openAvDecoder(const AVStream &stream, int threads, std::int64_t mostPixels);
 
 } // namespace velbrix

@@ -8,7 +8,8 @@
 
 namespace velbrix {
 
-// Reads the boxes of an MPEG-4 file out of memory. Reading past the end yields
+// Reads the boxes of the ISO base media file format (ISO/IEC 14496-12), of which
+// an MP4 file consists, out of memory. Reading past the end yields
 // zeros and is remembered.
 class BoxReader {
 public:

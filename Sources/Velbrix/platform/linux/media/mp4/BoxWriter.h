@@ -10,7 +10,8 @@ namespace velbrix {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Writes the nested boxes of an MPEG-4 file, big endian.
+// Writes nested boxes of the ISO base media file format (ISO/IEC 14496-12), of
+// which an MP4 file consists; big endian.
 class BoxWriter {
 public:
     void u8(unsigned value) { _bytes.push_back(static_cast<std::uint8_t>(value)); }

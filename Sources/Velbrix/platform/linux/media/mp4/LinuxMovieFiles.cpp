@@ -14,22 +14,11 @@ namespace velbrix {
 namespace {
 
 constexpr int packetsToTry = 500;
-
-AvDecoder openDecoder(const AVStream &stream)
-{
-    const AVCodec *decoder = avCodec()->avcodec_find_decoder(stream.codecpar->codec_id);
-    AvDecoder codec(decoder ? avCodec()->avcodec_alloc_context3(decoder) : nullptr);
-    if (!codec || avCodec()->avcodec_parameters_to_context(codec.get(), stream.codecpar) < 0)
-        return {};
-    codec->thread_count = 1;
-    if (avCodec()->avcodec_open2(codec.get(), decoder, nullptr) < 0)
-        return {};
-    return codec;
-}
+constexpr std::int64_t mostPixels = 16384LL * 16384; // no desktop is larger
 
 bool decodes(AVFormatContext *input, int streamIndex)
 {
-    const auto codec = openDecoder(*input->streams[streamIndex]);
+    const auto codec = openAvDecoder(*input->streams[streamIndex], 1, mostPixels);
     const AvPacket packet(avCodec()->av_packet_alloc());
     const AvPicture frame(avCodec()->av_frame_alloc());
     if (!codec || !packet || !frame)

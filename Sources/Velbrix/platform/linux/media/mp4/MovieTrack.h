@@ -85,7 +85,8 @@ private:
     std::uint64_t _end = 0;
 };
 
-// Codec configuration records, from what the encoders say about themselves.
+// Sample descriptions from what the encoders say about themselves: avc1 with its
+// avcC (ISO/IEC 14496-15), mp4a with its esds (ISO/IEC 14496-14).
 Bytes h264SampleEntry(int width, int height, std::span<const std::uint8_t> sps,
                       std::span<const std::uint8_t> pps);
 Bytes aacSampleEntry(int sampleRate, int channels, int bitRate, std::span<const std::uint8_t> audioConfig);

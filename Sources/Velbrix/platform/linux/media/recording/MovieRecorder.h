@@ -3,6 +3,7 @@
 #include "foundation/Result.h"
 #include "platform/CaptureLedger.h"
 #include "platform/CaptureSession.h"
+#include "platform/linux/media/recording/PixelRects.h"
 
 #include <QString>
 
@@ -13,15 +14,6 @@
 #include <span>
 
 namespace velbrix {
-
-struct PixelRect {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-
-    bool operator==(const PixelRect &) const = default;
-};
 
 // A picture of the movie's size in I420, BT.601 limited range.
 struct PictureView {

@@ -1,11 +1,34 @@
 #pragma once
 
-#include "platform/linux/media/recording/MovieRecorder.h"
-
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
 namespace velbrix {
+
+// A part of a picture or of the screen, in pixels.
+struct PixelRect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    bool operator==(const PixelRect &) const = default;
+};
+
+// Pixels of four bytes: blue, green, red, unused. Rows lie one after another.
+struct BitmapView {
+    std::uint8_t *pixels = nullptr;
+    int width = 0;
+    int height = 0;
+
+    int stride() const { return width * 4; }
+    std::uint8_t *at(int x, int y) const
+    {
+        return pixels + static_cast<std::ptrdiff_t>(y) * stride() + static_cast<std::ptrdiff_t>(x) * 4;
+    }
+};
 
 inline bool isEmpty(const PixelRect &rect)
 {

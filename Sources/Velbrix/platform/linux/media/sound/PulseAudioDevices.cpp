@@ -1,6 +1,5 @@
 #include "platform/linux/media/sound/PulseAudioDevices.h"
 
-#include "platform/linux/media/sound/PulseRequest.h"
 #include "platform/linux/media/sound/PulseWatch.h"
 
 #include <QCoroFuture>
@@ -8,19 +7,165 @@
 
 #include <utility>
 
+#include <pulse/pulseaudio.h>
+
+using namespace Qt::StringLiterals;
+
 namespace velbrix {
 namespace {
 
-Result<QList<AudioDeviceItem>> items(const Result<QList<PulseDevice>> &devices)
+constexpr pa_usec_t patience = 5 * PA_USEC_PER_SEC;
+
+// One connection for each question, so that a server that went and came back
+// makes no difference; driven by the thread that asks.
+class Connection {
+public:
+    Connection() : _loop(pa_mainloop_new())
+    {
+        _context = pa_context_new(pa_mainloop_get_api(_loop), "Velbrix");
+        pa_context_connect(_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+        _deadline = pa_context_rttime_new(
+            _context, pa_rtclock_now() + patience,
+            [](pa_mainloop_api *, pa_time_event *, const timeval *, void *expired) {
+                *static_cast<bool *>(expired) = true;
+            },
+            &_isExpired);
+    }
+    ~Connection()
+    {
+        pa_mainloop_get_api(_loop)->time_free(_deadline);
+        pa_context_disconnect(_context);
+        pa_context_unref(_context);
+        pa_mainloop_free(_loop);
+    }
+    Connection(const Connection &) = delete;
+    Connection &operator=(const Connection &) = delete;
+
+    pa_context *context() const { return _context; }
+
+    Result<void> open()
+    {
+        while (pa_context_get_state(_context) != PA_CONTEXT_READY)
+            if (!step())
+                return failure(u"无法连接声音服务器（PulseAudio）：%1"_s.arg(reason()));
+        return {};
+    }
+    Result<void> finish(pa_operation *operation)
+    {
+        bool isAlive = operation != nullptr;
+        while (isAlive && pa_operation_get_state(operation) == PA_OPERATION_RUNNING)
+            isAlive = step();
+        const bool isDone = isAlive && pa_operation_get_state(operation) == PA_OPERATION_DONE;
+        if (operation)
+            pa_operation_unref(operation);
+        return isDone ? Result<void>() : failure(u"声音服务器没有应答：%1"_s.arg(reason()));
+    }
+
+private:
+    bool step()
+    {
+        return !_isExpired && PA_CONTEXT_IS_GOOD(pa_context_get_state(_context)) &&
+               pa_mainloop_iterate(_loop, 1, nullptr) >= 0;
+    }
+    QString reason() const
+    {
+        return _isExpired ? u"等待超时"_s : QString::fromUtf8(pa_strerror(pa_context_errno(_context)));
+    }
+
+    pa_mainloop *const _loop;
+    pa_context *_context = nullptr;
+    pa_time_event *_deadline = nullptr;
+    bool _isExpired = false;
+};
+
+struct Answer {
+    QList<AudioDeviceItem> devices;
+    QString defaultSink;
+    QString defaultSource;
+    bool wasAccepted = false;
+};
+
+Answer &answer(void *data)
 {
-    if (!devices)
-        return std::unexpected(devices.error());
-    QList<AudioDeviceItem> list;
-    for (const PulseDevice &device : *devices)
-        if (!device.isMonitor)
-            list.append({device.name, device.description.isEmpty() ? device.name : device.description,
-                         std::nullopt, device.isDefault});
-    return list;
+    return *static_cast<Answer *>(data);
+}
+
+AudioDeviceItem device(const char *name, const char *description, const QString &defaultName)
+{
+    const QString id = QString::fromUtf8(name); // the server's own, stable
+    const QString title = QString::fromUtf8(description);
+    return {id, title.isEmpty() ? id : title, std::nullopt, id == defaultName};
+}
+
+void takeServer(pa_context *, const pa_server_info *info, void *data)
+{
+    if (!info)
+        return;
+    answer(data).defaultSink = QString::fromUtf8(info->default_sink_name);
+    answer(data).defaultSource = QString::fromUtf8(info->default_source_name);
+}
+
+void takeSink(pa_context *, const pa_sink_info *info, int end, void *data)
+{
+    if (end != 0 || !info)
+        return;
+    answer(data).devices.append(device(info->name, info->description, answer(data).defaultSink));
+}
+
+void takeSource(pa_context *, const pa_source_info *info, int end, void *data)
+{
+    // A monitor only repeats what a speaker plays.
+    if (end != 0 || !info || info->monitor_of_sink != PA_INVALID_INDEX)
+        return;
+    answer(data).devices.append(device(info->name, info->description, answer(data).defaultSource));
+}
+
+void takeSuccess(pa_context *, int success, void *data)
+{
+    answer(data).wasAccepted = success != 0;
+}
+
+template <typename Ask> Result<QList<AudioDeviceItem>> list(Ask ask)
+{
+    Answer answered;
+    Connection connection;
+    if (auto opened = connection.open(); !opened)
+        return std::unexpected(opened.error());
+    pa_context *context = connection.context();
+    if (auto done = connection.finish(pa_context_get_server_info(context, takeServer, &answered)); !done)
+        return std::unexpected(done.error());
+    if (auto done = connection.finish(ask(context, &answered)); !done)
+        return std::unexpected(done.error());
+    return answered.devices;
+}
+
+Result<QList<AudioDeviceItem>> listSinks()
+{
+    return list([](pa_context *context, Answer *answered) {
+        return pa_context_get_sink_info_list(context, takeSink, answered);
+    });
+}
+
+Result<QList<AudioDeviceItem>> listSources()
+{
+    return list([](pa_context *context, Answer *answered) {
+        return pa_context_get_source_info_list(context, takeSource, answered);
+    });
+}
+
+Result<void> setDefaultSink(const QByteArray &name)
+{
+    Answer answered;
+    Connection connection;
+    if (auto opened = connection.open(); !opened)
+        return opened;
+    if (auto done = connection.finish(
+            pa_context_set_default_sink(connection.context(), name.constData(), takeSuccess, &answered));
+        !done)
+        return done;
+    if (!answered.wasAccepted)
+        return failure(u"声音服务器里没有这个扬声器"_s);
+    return {};
 }
 
 } // namespace
@@ -30,19 +175,19 @@ PulseAudioDevices::~PulseAudioDevices() = default;
 
 QCoro::Task<Result<QList<AudioDeviceItem>>> PulseAudioDevices::speakers()
 {
-    const QFuture<Result<QList<PulseDevice>>> sinks = QtConcurrent::run(pulse::listSinks);
-    co_return items(co_await sinks);
+    const QFuture<Result<QList<AudioDeviceItem>>> sinks = QtConcurrent::run(listSinks);
+    co_return co_await sinks;
 }
 
 QCoro::Task<Result<QList<AudioDeviceItem>>> PulseAudioDevices::microphones()
 {
-    const QFuture<Result<QList<PulseDevice>>> sources = QtConcurrent::run(pulse::listSources);
-    co_return items(co_await sources);
+    const QFuture<Result<QList<AudioDeviceItem>>> sources = QtConcurrent::run(listSources);
+    co_return co_await sources;
 }
 
 QCoro::Task<Result<void>> PulseAudioDevices::setDefaultSpeaker(const QString id)
 {
-    const QFuture<Result<void>> done = QtConcurrent::run(pulse::setDefaultSink, id.toUtf8());
+    const QFuture<Result<void>> done = QtConcurrent::run(setDefaultSink, id.toUtf8());
     co_return co_await done;
 }
 
@@ -60,13 +205,10 @@ void PulseAudioDevices::announce()
 {
     if (_isAnnounced.exchange(true))
         return;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            _isAnnounced = false;
-            _observers.notify();
-        },
-        Qt::QueuedConnection);
+    _relay.post([this] {
+        _isAnnounced = false;
+        _observers.notify();
+    });
 }
 
 } // namespace velbrix

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "foundation/MainThreadRelay.h"
 #include "platform/AudioDevices.h"
-
-#include <QObject>
 
 #include <atomic>
 #include <memory>
@@ -13,9 +12,7 @@ class PulseWatch;
 
 // The devices of the PulseAudio server. Nothing is connected before the first
 // question; a server that comes back is found with the next one.
-class PulseAudioDevices final : public QObject, public AudioDevices {
-    Q_OBJECT
-
+class PulseAudioDevices final : public AudioDevices {
 public:
     PulseAudioDevices();
     ~PulseAudioDevices() override;
@@ -28,9 +25,10 @@ public:
 private:
     void announce();
 
-    std::unique_ptr<PulseWatch> _watch;
     ObserverList<void()> _observers;
     std::atomic<bool> _isAnnounced = false; // a change is on its way to the main thread
+    MainThreadRelay _relay;
+    std::unique_ptr<PulseWatch> _watch; // ends first: it posts
 };
 
 } // namespace velbrix

@@ -12,6 +12,27 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
+namespace {
+
+QString statusName(FrameStatus status)
+{
+    switch (status) {
+    case FrameStatus::complete:
+        return u"complete"_s;
+    case FrameStatus::idle:
+        return u"idle"_s;
+    case FrameStatus::blank:
+        return u"blank"_s;
+    case FrameStatus::suspended:
+        return u"suspended"_s;
+    case FrameStatus::stopped:
+        return u"stopped"_s;
+    }
+    return {};
+}
+
+} // namespace
+
 CaptureLoop::CaptureLoop(Plan plan, MovieRecorder &recorder, CaptureLedger &ledger,
                          std::shared_ptr<StopSignal> stop, Events events)
     : _plan(std::move(plan)),

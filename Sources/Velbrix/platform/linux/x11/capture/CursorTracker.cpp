@@ -14,7 +14,7 @@ CursorTracker::CursorTracker(X11Connection &connection) : _connection(connection
 
 void CursorTracker::handleEvent(const xcb_generic_event_t &event)
 {
-    if ((event.response_type & 0x7f) == _connection.fixesEvent() + XCB_XFIXES_CURSOR_NOTIFY)
+    if (eventType(event) == _connection.fixesEvent() + XCB_XFIXES_CURSOR_NOTIFY)
         _isImageStale = true;
 }
 

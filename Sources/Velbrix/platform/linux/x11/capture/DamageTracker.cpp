@@ -1,15 +1,15 @@
 #include "platform/linux/x11/capture/DamageTracker.h"
 
+#include "platform/linux/media/recording/MonotonicTime.h"
+#include "platform/linux/x11/XGeometry.h"
+
+#include <algorithm>
+
 namespace velbrix {
 
 namespace {
 
 constexpr int manyRects = 32;
-
-PixelRect toRect(const xcb_rectangle_t &rect)
-{
-    return {rect.x, rect.y, rect.width, rect.height};
-}
 
 } // namespace
 
@@ -44,12 +44,38 @@ std::vector<PixelRect> DamageTracker::collect()
         return {};
     const int count = xcb_xfixes_fetch_region_rectangles_length(reply.get());
     if (count > manyRects)
-        return {toRect(reply->extents)};
+        return {fromXRectangle(reply->extents)};
     const xcb_rectangle_t *rects = xcb_xfixes_fetch_region_rectangles(reply.get());
     std::vector<PixelRect> damaged;
     for (int i = 0; i < count; ++i)
-        damaged.push_back(toRect(rects[i]));
+        damaged.push_back(fromXRectangle(rects[i]));
     return damaged;
+}
+
+void waitForRepaint(std::span<DamageTracker *const> windows, const StopSignal &stop)
+{
+    constexpr std::int64_t millisecond = 1'000'000;
+    constexpr std::int64_t step = 4 * millisecond;
+    constexpr std::int64_t quiet = 12 * millisecond;
+
+    const std::int64_t deadline = monotonicNow() + longestRepaint;
+    std::vector<bool> painted(windows.size(), false);
+    std::int64_t lastPaint = 0;
+    while (stop.sleepUntil(monotonicNow() + step)) {
+        const std::int64_t now = monotonicNow();
+        for (DamageTracker *window : windows)
+            window->request();
+        for (std::size_t i = 0; i < windows.size(); ++i) {
+            if (windows[i]->collect().empty())
+                continue;
+            painted[i] = true;
+            lastPaint = now;
+        }
+        const bool isSettled =
+            std::ranges::all_of(painted, [](bool each) { return each; }) && now - lastPaint >= quiet;
+        if (isSettled || now >= deadline)
+            return;
+    }
 }
 
 } // namespace velbrix

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "platform/linux/media/recording/PixelRects.h"
+#include "platform/linux/media/recording/StopSignal.h"
 #include "platform/linux/x11/X11Connection.h"
 
 #include <xcb/damage.h>
 #include <xcb/xfixes.h>
 
+#include <span>
 #include <vector>
 
 namespace velbrix {
@@ -33,5 +35,14 @@ private:
     xcb_xfixes_region_t _region;
     xcb_xfixes_fetch_region_cookie_t _asked{};
 };
+
+// Programs that have not painted what was covered by then are not waited for.
+// Nanoseconds.
+constexpr std::int64_t longestRepaint = 100'000'000;
+
+// A window that was covered has only its background in its new pixmap until
+// its program has painted it. Waits until each window was painted and all are
+// quiet for a moment.
+void waitForRepaint(std::span<DamageTracker *const> windows, const StopSignal &stop);
 
 } // namespace velbrix

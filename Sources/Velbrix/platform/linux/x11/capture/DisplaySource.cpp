@@ -14,8 +14,7 @@ DisplaySource::DisplaySource(X11Connection &connection, quint32 displayId,
                              const QList<quint32> &excludedWindows)
     : _connection(connection), _displayId(displayId), _buffer(connection)
 {
-    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(connection.xcb(), connection.root(), XCB_CW_EVENT_MASK, &events);
+    connection.selectEvents(connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     if (connection.has().randr)
         xcb_randr_select_input(connection.xcb(), connection.root(),
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
@@ -40,7 +39,7 @@ Result<void> DisplaySource::start(const StopSignal &stop)
 
 void DisplaySource::handleEvent(const xcb_generic_event_t &event)
 {
-    const int type = event.response_type & 0x7f;
+    const int type = eventType(event);
     if (_connection.has().randr && (type == _connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                                     type == _connection.randrEvent() + XCB_RANDR_NOTIFY))
         _isStale = true;

@@ -5,17 +5,12 @@
 #include "platform/linux/x11/capture/CursorTracker.h"
 #include "platform/linux/x11/capture/GrabBuffer.h"
 
-#include <QString>
-
 #include <optional>
 #include <vector>
 
 namespace velbrix {
 
 enum class FrameStatus { complete, idle, blank, suspended, stopped };
-
-// "complete", "idle", "blank", "suspended", "stopped".
-QString statusName(FrameStatus status);
 
 struct SourceUpdate {
     FrameStatus status = FrameStatus::idle;

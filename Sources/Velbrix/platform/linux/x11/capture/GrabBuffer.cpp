@@ -1,5 +1,7 @@
 #include "platform/linux/x11/capture/GrabBuffer.h"
 
+#include "platform/linux/x11/XGeometry.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -7,17 +9,8 @@ namespace velbrix {
 
 namespace {
 
+// That picture filters may read below the end without harm.
 constexpr int spareRows = 4;
-
-std::int16_t coordinate(int value)
-{
-    return static_cast<std::int16_t>(value);
-}
-
-std::uint16_t length(int value)
-{
-    return static_cast<std::uint16_t>(value);
-}
 
 } // namespace
 
@@ -46,9 +39,8 @@ void GrabBuffer::queue(xcb_drawable_t drawable, int x, int y, const PixelRect &t
     xcb_connection_t *const xcb = _connection.xcb();
     constexpr std::uint32_t allPlanes = ~0U;
     if (!_memory->isShared()) {
-        const auto cookie =
-            xcb_get_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, coordinate(x), coordinate(y),
-                          length(target.width), length(target.height), allPlanes);
+        const auto cookie = xcb_get_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, toXPlace(x), toXPlace(y),
+                                          toXLength(target.width), toXLength(target.height), allPlanes);
         _requests.push_back({target, 0, true, cookie.sequence});
         return;
     }
@@ -69,8 +61,8 @@ void GrabBuffer::queue(xcb_drawable_t drawable, int x, int y, const PixelRect &t
         request.offset = _pictureSize + _staged;
         _staged += size;
     }
-    request.sequence = xcb_shm_get_image(xcb, drawable, coordinate(x), coordinate(y), length(width),
-                                         length(target.height), allPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP,
+    request.sequence = xcb_shm_get_image(xcb, drawable, toXPlace(x), toXPlace(y), toXLength(width),
+                                         toXLength(target.height), allPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP,
                                          _memory->id(), static_cast<std::uint32_t>(request.offset))
                            .sequence;
     _requests.push_back(request);

@@ -8,19 +8,6 @@
 
 namespace velbrix {
 
-// Pixels of four bytes: blue, green, red, unused. Rows lie one after another.
-struct BitmapView {
-    std::uint8_t *pixels = nullptr;
-    int width = 0;
-    int height = 0;
-
-    int stride() const { return width * 4; }
-    std::uint8_t *at(int x, int y) const
-    {
-        return pixels + static_cast<std::ptrdiff_t>(y) * stride() + static_cast<std::ptrdiff_t>(x) * 4;
-    }
-};
-
 // A picture that is kept up to date with rectangles from the server. Rows
 // below its end may be read (not written), as picture filters do.
 class GrabBuffer {

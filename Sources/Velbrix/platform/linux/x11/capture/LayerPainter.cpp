@@ -1,20 +1,13 @@
 #include "platform/linux/x11/capture/LayerPainter.h"
 
+#include "platform/linux/x11/XGeometry.h"
+
+#include <xcb/render.h>
 #include <xcb/shape.h>
 
 #include <array>
 
 namespace velbrix {
-
-namespace {
-
-xcb_rectangle_t toServer(const PixelRect &rect)
-{
-    return {static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
-            static_cast<std::uint16_t>(rect.width), static_cast<std::uint16_t>(rect.height)};
-}
-
-} // namespace
 
 LayerPainter::~LayerPainter()
 {
@@ -38,7 +31,7 @@ void LayerPainter::setArea(const PixelRect &area)
     _pixmap = xcb_generate_id(xcb);
     _context = xcb_generate_id(xcb);
     xcb_create_pixmap(xcb, _connection.screen().root_depth, _pixmap, _connection.root(),
-                      static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height));
+                      toXLength(area.width), toXLength(area.height));
     const std::uint32_t noEvents = 0;
     xcb_create_gc(xcb, _context, _pixmap, XCB_GC_GRAPHICS_EXPOSURES, &noEvents);
 }
@@ -46,7 +39,7 @@ void LayerPainter::setArea(const PixelRect &area)
 void LayerPainter::paintBackground(const PixelRect &part)
 {
     xcb_connection_t *const xcb = _connection.xcb();
-    const xcb_rectangle_t target = toServer(translated(part, -_area.x, -_area.y));
+    const xcb_rectangle_t target = toXRectangle(translated(part, -_area.x, -_area.y));
     const std::array<std::uint32_t, 2> solid{_connection.screen().black_pixel, XCB_FILL_STYLE_SOLID};
     xcb_change_gc(xcb, _context, XCB_GC_FOREGROUND | XCB_GC_FILL_STYLE, solid.data());
     xcb_poly_fill_rectangle(xcb, _pixmap, _context, 1, &target);
@@ -57,12 +50,9 @@ void LayerPainter::paintBackground(const PixelRect &part)
                                              static_cast<std::uint32_t>(-_area.x),
                                              static_cast<std::uint32_t>(-_area.y)};
     // Refused as a whole when that program has ended and its pixmap with it.
-    const XReply<xcb_generic_error_t> error(xcb_request_check(
-        xcb, xcb_change_gc_checked(xcb, _context,
-                                   XCB_GC_FILL_STYLE | XCB_GC_TILE | XCB_GC_TILE_STIPPLE_ORIGIN_X |
-                                       XCB_GC_TILE_STIPPLE_ORIGIN_Y,
-                                   tiled.data())));
-    if (!error)
+    const std::uint32_t mask =
+        XCB_GC_FILL_STYLE | XCB_GC_TILE | XCB_GC_TILE_STIPPLE_ORIGIN_X | XCB_GC_TILE_STIPPLE_ORIGIN_Y;
+    if (_connection.isAccepted(xcb_change_gc_checked(xcb, _context, mask, tiled.data())))
         xcb_poly_fill_rectangle(xcb, _pixmap, _context, 1, &target);
 }
 
@@ -90,10 +80,10 @@ xcb_xfixes_region_t LayerPainter::shapeOf(const WindowContent &content)
 void LayerPainter::copy(const WindowContent &content, const PixelRect &shown)
 {
     xcb_connection_t *const xcb = _connection.xcb();
-    const xcb_rectangle_t from = toServer(translated(shown, -content.outer.x, -content.outer.y));
-    const xcb_rectangle_t to = toServer(translated(shown, -_area.x, -_area.y));
+    const xcb_rectangle_t from = toXRectangle(translated(shown, -content.outer.x, -content.outer.y));
+    const xcb_rectangle_t to = toXRectangle(translated(shown, -_area.x, -_area.y));
     const xcb_rectangle_t inside =
-        toServer(translated(content.outer, content.border - _area.x, content.border - _area.y));
+        toXRectangle(translated(content.outer, content.border - _area.x, content.border - _area.y));
     const xcb_xfixes_region_t shape = shapeOf(content);
     if (shape != XCB_NONE)
         xcb_xfixes_set_gc_clip_region(xcb, _context, shape, inside.x, inside.y);
@@ -108,14 +98,16 @@ void LayerPainter::copy(const WindowContent &content, const PixelRect &shown)
 void LayerPainter::blend(const WindowContent &content, const PixelRect &shown)
 {
     xcb_connection_t *const xcb = _connection.xcb();
-    const xcb_rectangle_t from = toServer(translated(shown, -content.outer.x, -content.outer.y));
-    const xcb_rectangle_t to = toServer(translated(shown, -_area.x, -_area.y));
+    const xcb_rectangle_t from = toXRectangle(translated(shown, -content.outer.x, -content.outer.y));
+    const xcb_rectangle_t to = toXRectangle(translated(shown, -_area.x, -_area.y));
     const xcb_rectangle_t inside =
-        toServer(translated(content.outer, content.border - _area.x, content.border - _area.y));
+        toXRectangle(translated(content.outer, content.border - _area.x, content.border - _area.y));
     const xcb_render_picture_t source = xcb_generate_id(xcb);
     const xcb_render_picture_t target = xcb_generate_id(xcb);
-    xcb_render_create_picture(xcb, source, content.pixmap, format(content.visual), 0, nullptr);
-    xcb_render_create_picture(xcb, target, _pixmap, format(_connection.screen().root_visual), 0, nullptr);
+    xcb_render_create_picture(xcb, source, content.pixmap, _connection.pictureFormat(content.visual), 0,
+                              nullptr);
+    xcb_render_create_picture(xcb, target, _pixmap,
+                              _connection.pictureFormat(_connection.screen().root_visual), 0, nullptr);
     if (const xcb_xfixes_region_t shape = shapeOf(content); shape != XCB_NONE) {
         xcb_xfixes_set_picture_clip_region(xcb, target, shape, inside.x, inside.y);
         xcb_xfixes_destroy_region(xcb, shape);
@@ -124,27 +116,6 @@ void LayerPainter::blend(const WindowContent &content, const PixelRect &shown)
                          to.y, from.width, from.height);
     xcb_render_free_picture(xcb, source);
     xcb_render_free_picture(xcb, target);
-}
-
-xcb_render_pictformat_t LayerPainter::format(xcb_visualid_t visual)
-{
-    if (!_formats)
-        _formats.reset(xcb_render_query_pict_formats_reply(
-            _connection.xcb(), xcb_render_query_pict_formats(_connection.xcb()), nullptr));
-    if (!_formats)
-        return XCB_NONE;
-    auto screens = xcb_render_query_pict_formats_screens_iterator(_formats.get());
-    for (; screens.rem; xcb_render_pictscreen_next(&screens)) {
-        auto depths = xcb_render_pictscreen_depths_iterator(screens.data);
-        for (; depths.rem; xcb_render_pictdepth_next(&depths)) {
-            auto visuals = xcb_render_pictdepth_visuals_iterator(depths.data);
-            for (; visuals.rem; xcb_render_pictvisual_next(&visuals)) {
-                if (visuals.data->visual == visual)
-                    return visuals.data->format;
-            }
-        }
-    }
-    return XCB_NONE;
 }
 
 } // namespace velbrix

@@ -3,7 +3,6 @@
 #include "platform/linux/media/recording/PixelRects.h"
 #include "platform/linux/x11/X11Connection.h"
 
-#include <xcb/render.h>
 #include <xcb/xfixes.h>
 
 namespace velbrix {
@@ -42,13 +41,11 @@ private:
     void blend(const WindowContent &content, const PixelRect &shown);
     xcb_xfixes_region_t shapeOf(const WindowContent &content);
     void letGo();
-    xcb_render_pictformat_t format(xcb_visualid_t visual);
 
     X11Connection &_connection;
     PixelRect _area;
     xcb_pixmap_t _pixmap = XCB_NONE;
     xcb_gcontext_t _context = XCB_NONE;
-    XReply<xcb_render_query_pict_formats_reply_t> _formats;
 };
 
 } // namespace velbrix

@@ -1,8 +1,7 @@
 #include "platform/linux/x11/capture/ScreenLayers.h"
 
 #include "platform/linux/media/recording/MonotonicTime.h"
-#include "platform/linux/media/recording/PixelRects.h"
-#include "platform/linux/x11/capture/RepaintWait.h"
+#include "platform/linux/x11/XGeometry.h"
 
 #include <xcb/composite.h>
 #include <xcb/shape.h>
@@ -14,8 +13,8 @@ namespace velbrix {
 ScreenLayers::ScreenLayers(X11Connection &connection, const QList<quint32> &excludedClients)
     : _connection(connection), _excludedClients(excludedClients), _painter(connection)
 {
-    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(_connection.xcb(), _connection.root(), XCB_CW_EVENT_MASK, &events);
+    _connection.selectEvents(_connection.root(),
+                             XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
 }
 
 ScreenLayers::~ScreenLayers()
@@ -37,14 +36,14 @@ void ScreenLayers::start(const PixelRect &area, const StopSignal &stop)
     }
     _connection.flush();
     if (!_connection.has().damage)
-        stop.sleepUntil(monotonicNow() + 100'000'000);
+        stop.sleepUntil(monotonicNow() + longestRepaint);
     else if (!waiting.empty())
         waitForRepaint(waiting, stop);
 }
 
 void ScreenLayers::handleEvent(const xcb_generic_event_t &event)
 {
-    switch (event.response_type & 0x7f) {
+    switch (eventType(event)) {
     case XCB_CONFIGURE_NOTIFY:
         _altered.insert(reinterpret_cast<const xcb_configure_notify_event_t &>(event).window);
         break;
@@ -162,15 +161,13 @@ std::optional<ScreenLayers::Layer> ScreenLayers::inspect(xcb_window_t window) co
     if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
         attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT)
         return std::nullopt;
-    const int borders = 2 * geometry->border_width;
-    const WindowContent content{
-        .window = window,
-        .outer = {geometry->x, geometry->y, geometry->width + borders, geometry->height + borders},
-        .border = geometry->border_width,
-        .depth = geometry->depth,
-        .visual = attributes->visual,
-        .isShaped = shape && shape->bounding_shaped,
-        .pixmap = XCB_NONE};
+    const WindowContent content{.window = window,
+                                .outer = outerRect(*geometry),
+                                .border = geometry->border_width,
+                                .depth = geometry->depth,
+                                .visual = attributes->visual,
+                                .isShaped = shape && shape->bounding_shaped,
+                                .pixmap = XCB_NONE};
     return Layer{.content = content, .damage = nullptr, .isBeneath = false};
 }
 
@@ -194,9 +191,8 @@ void ScreenLayers::adopt(Layer &layer, std::vector<Layer> &former)
     if (layer.content.pixmap != XCB_NONE)
         xcb_free_pixmap(xcb, layer.content.pixmap);
     layer.content.pixmap = xcb_generate_id(xcb);
-    const XReply<xcb_generic_error_t> error(xcb_request_check(
-        xcb, xcb_composite_name_window_pixmap_checked(xcb, layer.content.window, layer.content.pixmap)));
-    if (error)
+    if (!_connection.isAccepted(
+            xcb_composite_name_window_pixmap_checked(xcb, layer.content.window, layer.content.pixmap)))
         layer.content.pixmap = XCB_NONE;
 }
 

@@ -1,7 +1,6 @@
 #include "platform/linux/x11/capture/WindowSource.h"
 
 #include "platform/linux/media/recording/MonotonicTime.h"
-#include "platform/linux/x11/capture/RepaintWait.h"
 
 #include <xcb/composite.h>
 
@@ -11,15 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-namespace {
-
-void select(X11Connection &connection, xcb_window_t window, std::uint32_t events)
-{
-    xcb_change_window_attributes(connection.xcb(), window, XCB_CW_EVENT_MASK, &events);
-}
-
-} // namespace
-
 WindowSource::WindowSource(X11Connection &connection, xcb_window_t client)
     : _connection(connection), _client(client), _buffer(connection)
 {
@@ -28,7 +18,7 @@ WindowSource::WindowSource(X11Connection &connection, xcb_window_t client)
 WindowSource::~WindowSource()
 {
     letGo();
-    select(_connection, _client, XCB_EVENT_MASK_NO_EVENT);
+    _connection.selectEvents(_client, XCB_EVENT_MASK_NO_EVENT);
     _connection.flush();
 }
 
@@ -36,7 +26,7 @@ Result<void> WindowSource::start(const StopSignal &stop)
 {
     if (!_connection.has().composite)
         return failure(u"X 服务器没有 Composite 扩展，无法单独录制窗口"_s);
-    select(_connection, _client, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    _connection.selectEvents(_client, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     const auto found = topLevelOf(_connection, _client);
     if (!found)
         return failure(u"窗口已关闭"_s);
@@ -52,7 +42,7 @@ Result<void> WindowSource::start(const StopSignal &stop)
         DamageTracker *const damage = _damage.get();
         waitForRepaint(std::array{damage}, stop);
     } else if (mustPaint) {
-        stop.sleepUntil(monotonicNow() + 100'000'000);
+        stop.sleepUntil(monotonicNow() + longestRepaint);
     }
     return {};
 }
@@ -62,7 +52,7 @@ void WindowSource::follow(const TopLevel &found)
     if (found.id != _topLevel.id) {
         letGo();
         if (found.id != _client)
-            select(_connection, found.id, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+            _connection.selectEvents(found.id, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
         xcb_composite_redirect_window(_connection.xcb(), found.id, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
         if (_connection.has().damage)
             _damage = std::make_unique<DamageTracker>(_connection, found.id);
@@ -80,7 +70,7 @@ void WindowSource::letGo()
         return;
     xcb_composite_unredirect_window(_connection.xcb(), _topLevel.id, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     if (_topLevel.id != _client)
-        select(_connection, _topLevel.id, XCB_EVENT_MASK_NO_EVENT);
+        _connection.selectEvents(_topLevel.id, XCB_EVENT_MASK_NO_EVENT);
     _topLevel = {};
 }
 
@@ -192,9 +182,7 @@ bool WindowSource::namePixmap()
 {
     xcb_connection_t *const xcb = _connection.xcb();
     const xcb_pixmap_t pixmap = xcb_generate_id(xcb);
-    const XReply<xcb_generic_error_t> error(
-        xcb_request_check(xcb, xcb_composite_name_window_pixmap_checked(xcb, _topLevel.id, pixmap)));
-    if (error)
+    if (!_connection.isAccepted(xcb_composite_name_window_pixmap_checked(xcb, _topLevel.id, pixmap)))
         return false;
     if (_pixmap != XCB_NONE)
         xcb_free_pixmap(xcb, _pixmap);
@@ -214,6 +202,26 @@ std::optional<PicturePoint> WindowSource::locate(const PointerState &pointer) co
     if (pointer.over != _topLevel.id)
         return std::nullopt;
     return PicturePoint{pointer.x - _topLevel.visible.x, pointer.y - _topLevel.visible.y};
+}
+
+Result<QImage> takeWindowPicture(const X11Abilities &allowed, quint32 windowId, QSize size)
+{
+    const auto connection = X11Connection::open(allowed);
+    if (!connection)
+        return std::unexpected(connection.error());
+    WindowSource source(**connection, windowId);
+    const StopSignal never;
+    if (const Result<void> started = source.start(never); !started)
+        return std::unexpected(started.error());
+    const SourceUpdate update = source.update();
+    if (update.ended)
+        return std::unexpected(*update.ended);
+    if (update.status != FrameStatus::complete)
+        return failure(u"无法取得窗口画面"_s);
+    const BitmapView picture = source.picture();
+    const QImage whole(picture.pixels, picture.width, picture.height, picture.stride(), QImage::Format_RGB32);
+    // A scaled picture is a copy, one of the same size is not.
+    return whole.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation).copy();
 }
 
 } // namespace velbrix

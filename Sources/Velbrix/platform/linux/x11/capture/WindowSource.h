@@ -4,6 +4,9 @@
 #include "platform/linux/x11/capture/DamageTracker.h"
 #include "platform/linux/x11/capture/FrameSource.h"
 
+#include <QImage>
+#include <QSize>
+
 #include <memory>
 
 namespace velbrix {
@@ -44,5 +47,9 @@ private:
     bool _isIncomplete = true; // the picture is to be fetched as a whole
     bool _isDestroyed = false;
 };
+
+// One picture of the window alone, fitted into the size with its aspect kept.
+// Blocks, up to 100 ms for a window that is covered.
+Result<QImage> takeWindowPicture(const X11Abilities &allowed, quint32 windowId, QSize size);
 
 } // namespace velbrix

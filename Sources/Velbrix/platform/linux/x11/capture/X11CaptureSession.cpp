@@ -11,9 +11,7 @@ namespace velbrix {
 
 X11CaptureSession::X11CaptureSession(CaptureLoop::Plan plan, MovieRecorderFactory makeRecorder,
                                      CaptureObserver observer)
-    : _plan(std::move(plan)),
-      _makeRecorder(std::move(makeRecorder)),
-      _relay(std::make_shared<ObserverRelay>(std::move(observer)))
+    : _plan(std::move(plan)), _makeRecorder(std::move(makeRecorder)), _observer(std::move(observer))
 {
 }
 
@@ -24,6 +22,21 @@ X11CaptureSession::~X11CaptureSession()
         _loop->requestStop();
         _loop->join();
     }
+}
+
+// Loop and recorder may both find an end; only the first counts.
+void X11CaptureSession::streamStopped(const Failure &why)
+{
+    if (std::exchange(_hasStreamStopped, true))
+        return;
+    if (const auto call = _observer.streamStopped)
+        call(why);
+}
+
+void X11CaptureSession::warn(const QString &text)
+{
+    if (const auto call = _observer.warning)
+        call(text);
 }
 
 Result<void> X11CaptureSession::addRecordingOutput(const QString &)
@@ -42,11 +55,11 @@ Result<MovieTracks> X11CaptureSession::openWriter(const MovieSettings &settings)
         return failure(u"影片文件已经打开"_s);
     const MovieRecorder::Events events{
         .failed =
-            [relay = _relay, stop = _stop](Failure why) {
+            [this, relay = _relay, stop = _stop](const Failure &why) {
                 stop->request();
-                relay->streamStopped(std::move(why));
+                relay->post([this, why] { streamStopped(why); });
             },
-        .warning = [relay = _relay](QString text) { relay->warn(std::move(text)); }};
+        .warning = [this, relay = _relay](const QString &text) { relay->post([this, text] { warn(text); }); }};
     auto recorder = _makeRecorder(settings, _plan.configuration.queueDepth, *_ledger, events);
     if (!recorder)
         return std::unexpected(recorder.error());
@@ -112,8 +125,9 @@ QCoro::Task<Result<void>> X11CaptureSession::startCapture()
                 promise->addResult(std::move(result));
                 promise->finish();
             },
-        .ended = [relay = _relay](Failure why) { relay->streamStopped(std::move(why)); },
-        .warning = [relay = _relay](QString text) { relay->warn(std::move(text)); }};
+        .ended = [this,
+                  relay = _relay](const Failure &why) { relay->post([this, why] { streamStopped(why); }); },
+        .warning = [this, relay = _relay](const QString &text) { relay->post([this, text] { warn(text); }); }};
     // The loop's share of the writer goes with the loop.
     const std::shared_ptr<Writer> writer = _writer;
     _loop = std::shared_ptr<CaptureLoop>(new CaptureLoop(_plan, *writer->recorder, *_ledger, _stop, events),

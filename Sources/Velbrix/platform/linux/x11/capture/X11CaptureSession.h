@@ -1,9 +1,9 @@
 #pragma once
 
+#include "foundation/MainThreadRelay.h"
 #include "platform/CaptureSession.h"
 #include "platform/linux/media/recording/MovieRecorder.h"
 #include "platform/linux/x11/capture/CaptureLoop.h"
-#include "platform/linux/x11/capture/ObserverRelay.h"
 
 #include <functional>
 #include <memory>
@@ -36,14 +36,19 @@ private:
         std::unique_ptr<MovieRecorder> recorder;
     };
 
+    void streamStopped(const Failure &why);
+    void warn(const QString &text);
+
     const CaptureLoop::Plan _plan;
     const MovieRecorderFactory _makeRecorder;
     const std::shared_ptr<CaptureLedger> _ledger = std::make_shared<CaptureLedger>();
-    const std::shared_ptr<ObserverRelay> _relay;
+    const CaptureObserver _observer;
+    const std::shared_ptr<MainThreadRelay> _relay = std::make_shared<MainThreadRelay>();
     const std::shared_ptr<StopSignal> _stop = std::make_shared<StopSignal>();
     std::shared_ptr<Writer> _writer;
     std::shared_ptr<CaptureLoop> _loop; // uses the writer
     bool _hasScreenOutput = false;
+    bool _hasStreamStopped = false;
 };
 
 } // namespace velbrix

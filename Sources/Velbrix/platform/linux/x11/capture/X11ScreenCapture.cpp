@@ -2,7 +2,7 @@
 
 #include "platform/linux/x11/ScreenContents.h"
 #include "platform/linux/x11/TopLevel.h"
-#include "platform/linux/x11/capture/WindowPicture.h"
+#include "platform/linux/x11/capture/WindowSource.h"
 
 #include <QCoroFuture>
 #include <QFuture>
@@ -46,8 +46,9 @@ QSize displaySize(const std::vector<Monitor> &all, const PixelRect &shown)
 
 } // namespace
 
-X11ScreenCapture::X11ScreenCapture(MovieRecorderFactory makeRecorder, const X11Abilities &allowed)
-    : _makeRecorder(std::move(makeRecorder)), _allowed(allowed)
+X11ScreenCapture::X11ScreenCapture(MovieRecorderFactory makeRecorder, const X11Abilities &allowed,
+                                   QString obstacle)
+    : _makeRecorder(std::move(makeRecorder)), _allowed(allowed), _obstacle(std::move(obstacle))
 {
 }
 
@@ -58,6 +59,8 @@ CaptureFeatures X11ScreenCapture::features() const
 
 QCoro::Task<Result<ShareableContent>> X11ScreenCapture::shareableContent()
 {
+    if (!_obstacle.isEmpty())
+        co_return failure(_obstacle);
     const auto read = [allowed = _allowed] { return readContent(allowed); };
     const QFuture<Result<ShareableContent>> content = QtConcurrent::run(read);
     co_return co_await content;
@@ -65,6 +68,8 @@ QCoro::Task<Result<ShareableContent>> X11ScreenCapture::shareableContent()
 
 QCoro::Task<Result<QImage>> X11ScreenCapture::windowImage(quint32 windowId, QSize size)
 {
+    if (!_obstacle.isEmpty())
+        co_return failure(_obstacle);
     const auto take = [allowed = _allowed, windowId, size] {
         return takeWindowPicture(allowed, windowId, size);
     };
@@ -99,6 +104,8 @@ Result<std::unique_ptr<CaptureSession>>
 X11ScreenCapture::makeSession(const CaptureFilter &filter, const StreamConfiguration &configuration,
                               CaptureObserver observer)
 {
+    if (!_obstacle.isEmpty())
+        return failure(_obstacle);
     const bool isEven = configuration.width % 2 == 0 && configuration.height % 2 == 0;
     if (configuration.width < 2 || configuration.height < 2 || !isEven || configuration.framesPerSecond < 1)
         return failure(u"捕获尺寸或帧率无效"_s);

@@ -11,8 +11,10 @@ namespace velbrix {
 class X11ScreenCapture final : public ScreenCapture {
 public:
     // Recordings are written with recorders of the factory's making. Abilities
-    // of the server that are not allowed count as absent.
-    explicit X11ScreenCapture(MovieRecorderFactory makeRecorder, const X11Abilities &allowed = {});
+    // of the server that are not allowed count as absent. An obstacle is what
+    // every look at the screen fails with, since the server would show black.
+    explicit X11ScreenCapture(MovieRecorderFactory makeRecorder, const X11Abilities &allowed = {},
+                              QString obstacle = {});
 
     CaptureFeatures features() const override;
     QCoro::Task<Result<ShareableContent>> shareableContent() override;
@@ -25,6 +27,7 @@ public:
 private:
     MovieRecorderFactory _makeRecorder;
     X11Abilities _allowed;
+    const QString _obstacle;
 };
 
 } // namespace velbrix

@@ -1,8 +1,6 @@
 #include "platform/linux/x11/input/X11HotkeyRegistrar.h"
 
-#include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
-#include <QPointer>
 
 #include <algorithm>
 #include <utility>
@@ -21,21 +19,23 @@ struct Grab {
 
 } // namespace
 
-class X11HotkeyRegistrar::Grabs final : private QAbstractNativeEventFilter {
+class X11HotkeyRegistrar::Grabs final {
 public:
-    explicit Grabs(std::shared_ptr<X11Keyboard> keyboard) : _keyboard(std::move(keyboard))
+    explicit Grabs(std::shared_ptr<X11Keyboard> keyboard)
+        : _keyboard(std::move(keyboard)),
+          _events([this](const xcb_generic_event_t &event) { return handleEvent(event); })
     {
-        QCoreApplication::instance()->installNativeEventFilter(this);
     }
-    ~Grabs() override
+    ~Grabs()
     {
         // The connection and its grabs end with the application.
         if (!QCoreApplication::instance())
             return;
         for (const Grab &grab : _grabs)
             ungrab(grab);
-        QCoreApplication::instance()->removeNativeEventFilter(this);
     }
+    Grabs(const Grabs &) = delete;
+    Grabs &operator=(const Grabs &) = delete;
 
     std::function<void(quint32 id)> pressed;
 
@@ -52,17 +52,16 @@ public:
     // nothing of it remains.
     int add(const Grab &grab)
     {
-        xcb_connection_t *connection = _keyboard->x11().connection;
+        const X11Connection &x11 = _keyboard->x11();
         QList<xcb_void_cookie_t> cookies;
         forEachVariant(grab, [&](quint8 keycode, quint16 state) {
-            cookies.append(xcb_grab_key_checked(connection, 0, _keyboard->x11().root, state, keycode,
-                                                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+            cookies.append(xcb_grab_key_checked(x11.xcb(), 0, x11.root(), state, keycode, XCB_GRAB_MODE_ASYNC,
+                                                XCB_GRAB_MODE_ASYNC));
         });
         int status = 0;
         for (const xcb_void_cookie_t cookie : std::as_const(cookies)) {
-            const XcbReply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
-            if (error && status == 0)
-                status = error->error_code;
+            const int error = x11.error(cookie);
+            status = status == 0 ? error : status;
         }
         if (status != 0)
             ungrab(grab);
@@ -91,28 +90,26 @@ private:
 
     void ungrab(const Grab &grab) const
     {
-        xcb_connection_t *connection = _keyboard->x11().connection;
+        X11Connection &x11 = _keyboard->x11();
         forEachVariant(grab, [&](quint8 keycode, quint16 state) {
-            xcb_ungrab_key(connection, keycode, _keyboard->x11().root, state);
+            xcb_ungrab_key(x11.xcb(), keycode, x11.root(), state);
         });
-        xcb_flush(connection);
+        x11.flush();
     }
 
-    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *) override
+    bool handleEvent(const xcb_generic_event_t &event)
     {
-        if (type != "xcb_generic_event_t")
-            return false;
         // The top bit marks events that another program has made up; none matches here.
-        const auto kind = static_cast<const xcb_generic_event_t *>(message)->response_type;
+        const auto kind = event.response_type;
         if (kind != XCB_KEY_PRESS && kind != XCB_KEY_RELEASE)
             return false;
-        const auto *key = static_cast<const xcb_key_press_event_t *>(message);
-        if (key->event != _keyboard->x11().root)
+        const auto &key = reinterpret_cast<const xcb_key_press_event_t &>(event);
+        if (key.event != _keyboard->x11().root())
             return false;
         if (kind == XCB_KEY_RELEASE)
-            _lastRelease = {key->detail, key->time};
-        else if (!isRepeat(*key))
-            press(key->detail, key->state);
+            _lastRelease = {key.detail, key.time};
+        else if (!isRepeat(key))
+            press(key.detail, key.state);
         return true;
     }
 
@@ -142,6 +139,7 @@ private:
     QList<Grab> _grabs;
     std::pair<xcb_keycode_t, xcb_timestamp_t> _lastRelease{0, 0};
     xcb_timestamp_t _lastPress = 0;
+    const QtX11Events _events;
 };
 
 class X11HotkeyRegistrar::Registration final : public HotkeyRegistration {

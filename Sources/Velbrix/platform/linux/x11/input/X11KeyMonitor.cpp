@@ -2,11 +2,11 @@
 
 #include "foundation/HotkeyChord.h"
 
-#include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
 #include <QKeyEvent>
 
 #include <bitset>
+#include <optional>
 
 #include <xcb/xinput.h>
 
@@ -92,15 +92,17 @@ private:
     bool _isSwallowed = false;
 };
 
-class X11KeyMonitor::RawKeys final : private QAbstractNativeEventFilter {
+class X11KeyMonitor::RawKeys final {
 public:
     explicit RawKeys(std::shared_ptr<X11Keyboard> keyboard) : _keyboard(std::move(keyboard)) {}
-    ~RawKeys() override { stop(); }
+    ~RawKeys() { stop(); }
+    RawKeys(const RawKeys &) = delete;
+    RawKeys &operator=(const RawKeys &) = delete;
 
     Result<Observation> observe(std::function<void(const KeyPress &)> pressed,
                                 const std::weak_ptr<RawKeys> &self)
     {
-        if (!_isListening && !start())
+        if (!_events && !start())
             return failure(u"X 服务器不提供全局按键事件"_s);
         return _observers.add(std::move(pressed), [self] {
             const auto keys = self.lock();
@@ -112,28 +114,26 @@ public:
 private:
     bool start()
     {
-        xcb_connection_t *connection = _keyboard->x11().connection;
-        const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_input_id);
-        if (!extension || !extension->present)
+        xcb_connection_t *const xcb = _keyboard->x11().xcb();
+        const auto extension = _keyboard->x11().extension("XInputExtension");
+        if (!extension)
             return false;
-        _opcode = extension->major_opcode;
+        _opcode = extension->opcode;
         // The server wants the version before anything else; Qt may have asked already.
-        const XcbReply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-            connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
+        const XReply<xcb_input_xi_query_version_reply_t> version(
+            xcb_input_xi_query_version_reply(xcb, xcb_input_xi_query_version(xcb, 2, 2), nullptr));
         if (!select(XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE))
             return false;
         readHeldKeys();
-        QCoreApplication::instance()->installNativeEventFilter(this);
-        _isListening = true;
+        _events.emplace([this](const xcb_generic_event_t &event) { return handleEvent(event); });
         return true;
     }
 
     void stop()
     {
-        if (!_isListening || !QCoreApplication::instance())
+        if (!_events || !QCoreApplication::instance())
             return;
-        _isListening = false;
-        QCoreApplication::instance()->removeNativeEventFilter(this);
+        _events.reset();
         select(0);
     }
 
@@ -143,39 +143,36 @@ private:
             xcb_input_event_mask_t head;
             quint32 mask;
         } request{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
-        const auto cookie = xcb_input_xi_select_events_checked(_keyboard->x11().connection,
-                                                               _keyboard->x11().root, 1, &request.head);
-        const XcbReply<xcb_generic_error_t> error(xcb_request_check(_keyboard->x11().connection, cookie));
-        return !error;
+        const X11Connection &x11 = _keyboard->x11();
+        return x11.isAccepted(xcb_input_xi_select_events_checked(x11.xcb(), x11.root(), 1, &request.head));
     }
 
     void readHeldKeys()
     {
         _held.reset();
-        xcb_connection_t *connection = _keyboard->x11().connection;
-        const XcbReply<xcb_query_keymap_reply_t> reply(
-            xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
+        xcb_connection_t *const xcb = _keyboard->x11().xcb();
+        const XReply<xcb_query_keymap_reply_t> reply(
+            xcb_query_keymap_reply(xcb, xcb_query_keymap(xcb), nullptr));
         for (size_t keycode = 0; reply && keycode < _held.size(); ++keycode)
             _held[keycode] = (reply->keys[keycode / 8] >> (keycode % 8)) & 1;
     }
 
-    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *) override
+    // Never keeps an event from Qt.
+    bool handleEvent(const xcb_generic_event_t &any)
     {
-        if (type != "xcb_generic_event_t")
+        const auto &event = reinterpret_cast<const xcb_ge_generic_event_t &>(any);
+        if (event.response_type != XCB_GE_GENERIC || event.extension != _opcode)
             return false;
-        const auto *event = static_cast<const xcb_ge_generic_event_t *>(message);
-        if (event->response_type != XCB_GE_GENERIC || event->extension != _opcode)
+        const bool isPress = event.event_type == XCB_INPUT_RAW_KEY_PRESS;
+        if (!isPress && event.event_type != XCB_INPUT_RAW_KEY_RELEASE)
             return false;
-        const bool isPress = event->event_type == XCB_INPUT_RAW_KEY_PRESS;
-        if (!isPress && event->event_type != XCB_INPUT_RAW_KEY_RELEASE)
-            return false;
-        const auto *raw = static_cast<const xcb_input_raw_key_press_event_t *>(message);
-        if (raw->detail < _held.size()) {
-            const bool wasHeld = _held[raw->detail];
-            _held[raw->detail] = isPress;
+        const auto &raw = reinterpret_cast<const xcb_input_raw_key_press_event_t &>(any);
+        if (raw.detail < _held.size()) {
+            const bool wasHeld = _held[raw.detail];
+            _held[raw.detail] = isPress;
             if (isPress)
-                report(static_cast<quint8>(raw->detail),
-                       wasHeld || (raw->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0);
+                report(static_cast<quint8>(raw.detail),
+                       wasHeld || (raw.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0);
         }
         return false;
     }
@@ -200,7 +197,7 @@ private:
     ObserverList<void(const KeyPress &)> _observers;
     std::bitset<256> _held;
     quint8 _opcode = 0;
-    bool _isListening = false;
+    std::optional<QtX11Events> _events; // while it listens
 };
 
 X11KeyMonitor::X11KeyMonitor(std::shared_ptr<X11Keyboard> keyboard)

@@ -1,33 +1,53 @@
 #include "platform/linux/x11/input/X11Keyboard.h"
 
-#include <QCoreApplication>
-
-#include <cstring>
 #include <utility>
 
 namespace velbrix {
 namespace {
 
-quint8 firstXkbEvent(xcb_connection_t *connection)
+// As the server describes it now; empty when it does not answer.
+X11KeyMap readKeyMap(xcb_connection_t *connection)
 {
-    constexpr char name[] = "XKEYBOARD";
-    const auto cookie = xcb_query_extension(connection, static_cast<quint16>(std::strlen(name)), name);
-    const XcbReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
-    return reply && reply->present ? reply->first_event : 0;
+    const xcb_setup_t *setup = xcb_get_setup(connection);
+    const auto count = static_cast<quint8>(setup->max_keycode - setup->min_keycode + 1);
+    const auto keysymsCookie = xcb_get_keyboard_mapping(connection, setup->min_keycode, count);
+    const auto modifiersCookie = xcb_get_modifier_mapping(connection);
+    const XReply<xcb_get_keyboard_mapping_reply_t> keysyms(
+        xcb_get_keyboard_mapping_reply(connection, keysymsCookie, nullptr));
+    const XReply<xcb_get_modifier_mapping_reply_t> modifiers(
+        xcb_get_modifier_mapping_reply(connection, modifiersCookie, nullptr));
+    if (!keysyms || !modifiers)
+        return {};
+
+    X11KeyMap map;
+    map.firstKeycode = setup->min_keycode;
+    map.keysymsPerKeycode = keysyms->keysyms_per_keycode;
+    const xcb_keysym_t *symbols = xcb_get_keyboard_mapping_keysyms(keysyms.get());
+    map.keysyms.assign(symbols, symbols + xcb_get_keyboard_mapping_keysyms_length(keysyms.get()));
+    const xcb_keycode_t *keycodes = xcb_get_modifier_mapping_keycodes(modifiers.get());
+    for (size_t row = 0; row < map.modifierKeycodes.size(); ++row) {
+        const xcb_keycode_t *first = keycodes + row * modifiers->keycodes_per_modifier;
+        map.modifierKeycodes[row].assign(first, first + modifiers->keycodes_per_modifier);
+    }
+    return map;
 }
 
 } // namespace
 
-X11Keyboard::X11Keyboard(const QtX11Connection &x11)
-    : _x11(x11), _map(readKeyMap(x11.connection)), _codes(_map), _xkbEvent(firstXkbEvent(x11.connection))
+std::shared_ptr<X11Keyboard> X11Keyboard::ofQt()
 {
-    QCoreApplication::instance()->installNativeEventFilter(this);
+    auto x11 = qtX11Connection();
+    return x11 ? std::make_shared<X11Keyboard>(std::move(x11)) : nullptr;
 }
 
-X11Keyboard::~X11Keyboard()
+X11Keyboard::X11Keyboard(std::unique_ptr<X11Connection> x11)
+    : _x11(std::move(x11)),
+      _map(readKeyMap(_x11->xcb())),
+      _codes(_map),
+      _events([this](const xcb_generic_event_t &event) { return handleEvent(event); })
 {
-    if (QCoreApplication::instance())
-        QCoreApplication::instance()->removeNativeEventFilter(this);
+    if (const auto xkb = _x11->extension("XKEYBOARD"))
+        _xkbEvent = xkb->firstEvent;
 }
 
 const KeyCodes &X11Keyboard::codes()
@@ -37,18 +57,15 @@ const KeyCodes &X11Keyboard::codes()
     return _codes;
 }
 
-bool X11Keyboard::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
+bool X11Keyboard::handleEvent(const xcb_generic_event_t &event)
 {
-    if (type != "xcb_generic_event_t")
-        return false;
-    const auto *event = static_cast<const xcb_generic_event_t *>(message);
-    const int kind = event->response_type & 0x7f;
+    const int kind = eventType(event);
     // Which of the two kinds a client gets depends on what Qt has asked for.
     constexpr quint8 newKeyboard = 0;
     constexpr quint8 mapChanged = 1;
     if (kind == XCB_MAPPING_NOTIFY)
         scheduleRefresh();
-    else if (_xkbEvent != 0 && kind == _xkbEvent && (event->pad0 == newKeyboard || event->pad0 == mapChanged))
+    else if (_xkbEvent != 0 && kind == _xkbEvent && (event.pad0 == newKeyboard || event.pad0 == mapChanged))
         scheduleRefresh();
     return false;
 }
@@ -69,7 +86,7 @@ void X11Keyboard::scheduleRefresh()
 void X11Keyboard::refresh()
 {
     _isStale = false;
-    X11KeyMap map = readKeyMap(_x11.connection);
+    X11KeyMap map = readKeyMap(_x11->xcb());
     if (map == _map)
         return;
     _map = std::move(map);

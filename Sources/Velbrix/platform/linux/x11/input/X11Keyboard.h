@@ -3,7 +3,6 @@
 #include "platform/linux/x11/QtX11.h"
 #include "platform/linux/x11/input/KeyCodes.h"
 
-#include <QAbstractNativeEventFilter>
 #include <QObject>
 
 #include <functional>
@@ -11,28 +10,30 @@
 namespace velbrix {
 
 // The keyboard of the X server Qt is connected to. Main thread.
-class X11Keyboard final : public QObject, private QAbstractNativeEventFilter {
+class X11Keyboard final : public QObject {
 public:
-    explicit X11Keyboard(const QtX11Connection &x11);
-    ~X11Keyboard() override;
+    // Null when the program does not run on X11.
+    static std::shared_ptr<X11Keyboard> ofQt();
+    explicit X11Keyboard(std::unique_ptr<X11Connection> x11);
 
-    const QtX11Connection &x11() const { return _x11; }
+    X11Connection &x11() const { return *_x11; }
     const KeyCodes &codes();
     // Called when keys or modifiers mean something else than before, once for
     // a burst of changes.
     void setChangeHandler(std::function<void()> changed) { _changed = std::move(changed); }
 
 private:
-    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
+    bool handleEvent(const xcb_generic_event_t &event);
     void scheduleRefresh();
     void refresh();
 
-    const QtX11Connection _x11;
+    const std::unique_ptr<X11Connection> _x11;
     X11KeyMap _map;
     KeyCodes _codes;
-    quint8 _xkbEvent = 0;
+    int _xkbEvent = 0;
     bool _isStale = false;
     std::function<void()> _changed;
+    const QtX11Events _events;
 };
 
 } // namespace velbrix

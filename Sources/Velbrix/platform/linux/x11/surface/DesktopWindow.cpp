@@ -1,5 +1,6 @@
 #include "platform/linux/x11/surface/DesktopWindow.h"
 
+#include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/surface/DesktopLayer.h"
 #include "platform/linux/x11/surface/WindowHints.h"
 

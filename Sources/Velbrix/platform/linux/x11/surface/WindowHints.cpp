@@ -1,5 +1,7 @@
 #include "platform/linux/x11/surface/WindowHints.h"
 
+#include "platform/linux/x11/Ewmh.h"
+
 #include <QByteArray>
 #include <QSysInfo>
 
@@ -45,8 +47,8 @@ private:
 // go by the missing entry in the task list, and give a splash screen the focus.
 const char *windowType(X11Connection &connection)
 {
-    const QByteArray name = connection.property(windowManager(connection), "_NET_WM_NAME").bytes;
-    return name == "Openbox" ? "_NET_WM_WINDOW_TYPE_SPLASH" : "_NET_WM_WINDOW_TYPE_NORMAL";
+    return windowManagerName(connection) == "Openbox" ? "_NET_WM_WINDOW_TYPE_SPLASH"
+                                                      : "_NET_WM_WINDOW_TYPE_NORMAL";
 }
 
 void sendToRoot(X11Connection &connection, const void *event)
@@ -57,16 +59,6 @@ void sendToRoot(X11Connection &connection, const void *event)
 }
 
 } // namespace
-
-xcb_window_t windowManager(X11Connection &connection)
-{
-    // One that was killed leaves its name on the root, and no window.
-    const auto named = [&connection](xcb_window_t window) {
-        return connection.property(window, "_NET_SUPPORTING_WM_CHECK").value(0);
-    };
-    const xcb_window_t manager = named(connection.root());
-    return manager != XCB_NONE && named(manager) == manager ? manager : XCB_NONE;
-}
 
 void setDesktopHints(X11Connection &connection, xcb_window_t window, const QRect &frame)
 {

@@ -6,9 +6,6 @@
 
 namespace velbrix {
 
-// The window by which a window manager shows that it runs; none without one.
-xcb_window_t windowManager(X11Connection &connection);
-
 // Asks the window manager for a place at the bottom of the desktop: on every
 // workspace, without decorations, focus or entries in lists, exactly there.
 // Before each time the window is mapped, since a manager forgets.

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/visibility/ScreenCover.h"
 
+#include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/TopLevel.h"
 
 #include <xcb/randr.h>

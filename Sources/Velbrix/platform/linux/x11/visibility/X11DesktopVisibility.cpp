@@ -1,6 +1,6 @@
 #include "platform/linux/x11/visibility/X11DesktopVisibility.h"
 
-#include "platform/linux/dbus/SessionLock.h"
+#include "platform/linux/desktop/SessionLock.h"
 #include "platform/linux/x11/X11EventSource.h"
 #include "platform/linux/x11/visibility/ScreenCover.h"
 #include "platform/linux/x11/visibility/ScreenPower.h"

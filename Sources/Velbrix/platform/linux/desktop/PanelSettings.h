@@ -7,10 +7,10 @@
 
 namespace velbrix {
 
-// How one desktop keeps whether its bars hide: a value for each of them.
-class DockSettings {
+// How one desktop keeps whether its panels hide: a value for each of them.
+class PanelSettings {
 public:
-    virtual ~DockSettings() = default;
+    virtual ~PanelSettings() = default;
 
     virtual QCoro::Task<Result<QJsonObject>> read() = 0;
     // Only what differs need be given.

@@ -1,4 +1,4 @@
-#include "platform/linux/desktop/RootPicture.h"
+#include "platform/linux/x11/RootPicture.h"
 
 #include "foundation/Log.h"
 #include "platform/linux/x11/RootWindow.h"

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "foundation/Observation.h"
+
+#include <QCoroTask>
+#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QSet>
 #include <QString>
 
-class QDBusMessage;
+#include <vector>
 
 namespace velbrix {
 
@@ -21,17 +25,15 @@ public:
     Q_SIGNAL void changed();
 
 private:
-    void watchLoginSession();
-    void followLoginSession(const QString &path);
-    void askLoginSession();
-    void watchSavers();
-    void askSaver(const QString &name, const QString &path);
+    QCoro::Task<> followLoginSession();
+    QCoro::Task<> askLoginSession(const QString path);
+    void followSavers();
+    QCoro::Task<> askSaver(const QString service, const QString path);
     void setLocked(bool locked);
-    void setSaver(const QString &name, bool active);
-    Q_SLOT void sessionChanged(const QDBusMessage &message);
-    Q_SLOT void saverChanged(const QDBusMessage &message);
+    void setSaver(const QString &service, bool active);
 
-    QString _sessionPath;
+    std::vector<Observation> _signals;
+    QDBusServiceWatcher _saverEnds;
     bool _isLocked = false;
     QSet<QString> _activeSavers;
 };

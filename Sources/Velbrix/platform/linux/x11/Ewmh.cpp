@@ -1,0 +1,76 @@
+#include "platform/linux/x11/Ewmh.h"
+
+#include "platform/linux/x11/TopLevel.h"
+
+#include <unistd.h>
+
+namespace velbrix {
+
+namespace {
+
+// Room for the windows of the busiest desktop.
+constexpr std::uint32_t longestList = 65536;
+
+} // namespace
+
+xcb_window_t windowManager(X11Connection &connection)
+{
+    // One that was killed leaves its name on the root, and no window.
+    const auto named = [&connection](xcb_window_t window) {
+        return connection.property(window, "_NET_SUPPORTING_WM_CHECK").value(0);
+    };
+    const xcb_window_t manager = named(connection.root());
+    return manager != XCB_NONE && named(manager) == manager ? manager : XCB_NONE;
+}
+
+QByteArray windowManagerName(X11Connection &connection)
+{
+    const xcb_window_t manager = windowManager(connection);
+    return manager != XCB_NONE ? connection.property(manager, "_NET_WM_NAME").bytes : QByteArray();
+}
+
+std::vector<xcb_window_t> managedWindows(X11Connection &connection)
+{
+    return connection.property(connection.root(), "_NET_CLIENT_LIST", longestList).values();
+}
+
+std::vector<xcb_window_t> clientWindows(X11Connection &connection)
+{
+    for (const char *list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"}) {
+        const XProperty property = connection.property(connection.root(), list, longestList);
+        if (property.type == XCB_ATOM_WINDOW)
+            return property.values();
+    }
+    std::vector<xcb_window_t> windows = stackedWindows(connection);
+    std::erase_if(windows, [&connection](xcb_window_t window) {
+        const XReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+            connection.xcb(), xcb_get_window_attributes(connection.xcb(), window), nullptr));
+        return !attributes || attributes->override_redirect ||
+               attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT;
+    });
+    return windows;
+}
+
+bool isOfType(X11Connection &connection, xcb_window_t window, const char *type)
+{
+    const XProperty types = connection.property(window, "_NET_WM_WINDOW_TYPE");
+    return types.type == XCB_ATOM_ATOM && types.value(0) == connection.atom(type);
+}
+
+bool isOwn(X11Connection &connection, xcb_window_t window)
+{
+    return connection.property(window, "_NET_WM_PID").value(0) == static_cast<std::uint32_t>(::getpid());
+}
+
+bool isPutAway(X11Connection &connection, xcb_window_t window)
+{
+    constexpr std::uint32_t allWorkspaces = 0xffffffff;
+    if (connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_HIDDEN")))
+        return true;
+    const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
+    const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
+    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
+           workspace.value(0) != current.value(0);
+}
+
+} // namespace velbrix

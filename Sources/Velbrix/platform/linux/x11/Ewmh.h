@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/linux/x11/X11Connection.h"
+
+#include <vector>
+
+namespace velbrix {
+
+// What window managers and programs tell each other by properties: the Extended
+// Window Manager Hints of freedesktop.org.
+
+// The window by which a running window manager shows itself; none without one.
+xcb_window_t windowManager(X11Connection &connection);
+// As it calls itself; empty where it does not, or where none runs.
+QByteArray windowManagerName(X11Connection &connection);
+
+// The windows that the window manager keeps, in the order in which they came.
+std::vector<xcb_window_t> managedWindows(X11Connection &connection);
+// The same bottom to top; without a window manager every window that one could
+// keep.
+std::vector<xcb_window_t> clientWindows(X11Connection &connection);
+
+// Whether that is the first of the types that a window says it has.
+bool isOfType(X11Connection &connection, xcb_window_t window, const char *type);
+// Whether the window is this program's; only what says whose it is can be.
+bool isOwn(X11Connection &connection, xcb_window_t window);
+// Whether a window is minimised or on another workspace. Some window managers
+// keep such windows mapped.
+bool isPutAway(X11Connection &connection, xcb_window_t window);
+
+} // namespace velbrix

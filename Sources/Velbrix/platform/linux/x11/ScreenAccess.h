@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+namespace velbrix {
+
+// By what it can be told whether the X server shows this program the screen.
+struct ScreenFacts {
+    bool isOnX11 = false;           // the program's own windows are there
+    bool announcesXwayland = false; // the server names itself Xwayland
+    QString sessionType;            // XDG_SESSION_TYPE
+    QString waylandDisplay;         // WAYLAND_DISPLAY
+
+    static ScreenFacts ofThisSession();
+};
+
+// Why the screen cannot be captured, in words for the user; empty when it can.
+// A server inside a Wayland session shows its programs black where the others
+// are, and answers every question about the screen all the same.
+QString screenObstacle(const ScreenFacts &facts);
+
+} // namespace velbrix
