@@ -59,7 +59,8 @@ Result<MovieTracks> X11CaptureSession::openWriter(const MovieSettings &settings)
                 stop->request();
                 relay->post([this, why] { streamStopped(why); });
             },
-        .warning = [this, relay = _relay](const QString &text) { relay->post([this, text] { warn(text); }); }};
+        .warning = [this,
+                    relay = _relay](const QString &text) { relay->post([this, text] { warn(text); }); }};
     auto recorder = _makeRecorder(settings, _plan.configuration.queueDepth, *_ledger, events);
     if (!recorder)
         return std::unexpected(recorder.error());
@@ -127,7 +128,8 @@ QCoro::Task<Result<void>> X11CaptureSession::startCapture()
             },
         .ended = [this,
                   relay = _relay](const Failure &why) { relay->post([this, why] { streamStopped(why); }); },
-        .warning = [this, relay = _relay](const QString &text) { relay->post([this, text] { warn(text); }); }};
+        .warning = [this,
+                    relay = _relay](const QString &text) { relay->post([this, text] { warn(text); }); }};
     // The loop's share of the writer goes with the loop.
     const std::shared_ptr<Writer> writer = _writer;
     _loop = std::shared_ptr<CaptureLoop>(new CaptureLoop(_plan, *writer->recorder, *_ledger, _stop, events),
