@@ -26,8 +26,7 @@ Result<std::shared_ptr<DesktopLayer>> DesktopLayer::shared()
     layer->_events = std::move(*events);
     X11Connection &connection = layer->connection();
     layer->_watch = std::make_unique<IconWatch>(connection, layer->_clock, [self] { self->updateIcons(); });
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(connection.xcb(), connection.root(), XCB_CW_EVENT_MASK, &mask);
+    connection.selectEvents(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
     living = layer;
     return layer;
 }
@@ -53,7 +52,7 @@ void DesktopLayer::handleEvent(const xcb_generic_event_t &event)
     _watch->handleEvent(event);
     for (DesktopLayerMember *member : _members)
         member->handleEvent(event);
-    if ((event.response_type & 0x7f) == XCB_PROPERTY_NOTIFY &&
+    if (eventType(event) == XCB_PROPERTY_NOTIFY &&
         reinterpret_cast<const xcb_property_notify_event_t &>(event).atom ==
             connection().atom("_NET_SUPPORTING_WM_CHECK"))
         _managerSettles = _clock.after(managerStart, [this] {

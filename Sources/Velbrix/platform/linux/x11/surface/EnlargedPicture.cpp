@@ -1,38 +1,17 @@
 #include "platform/linux/x11/surface/EnlargedPicture.h"
 
+#include "platform/linux/x11/XGeometry.h"
+
 #include <algorithm>
 
 namespace velbrix {
 
 namespace {
 
-xcb_render_pictformat_t format(const xcb_render_query_pict_formats_reply_t &formats, xcb_visualid_t visual)
-{
-    auto screens = xcb_render_query_pict_formats_screens_iterator(&formats);
-    for (; screens.rem; xcb_render_pictscreen_next(&screens)) {
-        auto depths = xcb_render_pictscreen_depths_iterator(screens.data);
-        for (; depths.rem; xcb_render_pictdepth_next(&depths)) {
-            const xcb_render_pictvisual_t *const first = xcb_render_pictdepth_visuals(depths.data);
-            const xcb_render_pictvisual_t *const last =
-                first + xcb_render_pictdepth_visuals_length(depths.data);
-            const auto *const found = std::find_if(
-                first, last, [visual](const xcb_render_pictvisual_t &each) { return each.visual == visual; });
-            if (found != last)
-                return found->format;
-        }
-    }
-    return XCB_NONE;
-}
-
 // The part of a source pixel that lies under one pixel of the target.
 xcb_render_fixed_t step(int from, int to)
 {
     return static_cast<xcb_render_fixed_t>((std::int64_t{from} << 16) / std::max(to, 1));
-}
-
-std::uint16_t length(int pixels)
-{
-    return static_cast<std::uint16_t>(pixels);
 }
 
 } // namespace
@@ -43,15 +22,12 @@ std::unique_ptr<EnlargedPicture> EnlargedPicture::create(X11Connection &connecti
     if (!connection.has().render)
         return nullptr;
     xcb_connection_t *const xcb = connection.xcb();
-    const XReply<xcb_render_query_pict_formats_reply_t> formats(
-        xcb_render_query_pict_formats_reply(xcb, xcb_render_query_pict_formats(xcb), nullptr));
-    const xcb_render_pictformat_t shown =
-        formats ? format(*formats, connection.screen().root_visual) : xcb_render_pictformat_t{XCB_NONE};
+    const xcb_render_pictformat_t shown = connection.pictureFormat(connection.screen().root_visual);
     if (shown == XCB_NONE)
         return nullptr;
     std::unique_ptr<EnlargedPicture> picture(new EnlargedPicture(connection, to));
-    xcb_create_pixmap(xcb, connection.screen().root_depth, picture->_pixmap, window, length(from.width()),
-                      length(from.height()));
+    xcb_create_pixmap(xcb, connection.screen().root_depth, picture->_pixmap, window, toXLength(from.width()),
+                      toXLength(from.height()));
     // Beyond the edge the outermost pixels go on, so that no border shines in.
     const std::uint32_t repeats = XCB_RENDER_REPEAT_PAD;
     xcb_render_create_picture(xcb, picture->_source, picture->_pixmap, shown, XCB_RENDER_CP_REPEAT, &repeats);
@@ -84,7 +60,7 @@ EnlargedPicture::~EnlargedPicture()
 void EnlargedPicture::show() const
 {
     xcb_render_composite(_connection.xcb(), XCB_RENDER_PICT_OP_SRC, _source, XCB_NONE, _target, 0, 0, 0, 0, 0,
-                         0, length(_size.width()), length(_size.height()));
+                         0, toXLength(_size.width()), toXLength(_size.height()));
 }
 
 } // namespace velbrix

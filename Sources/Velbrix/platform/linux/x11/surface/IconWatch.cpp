@@ -1,5 +1,7 @@
 #include "platform/linux/x11/surface/IconWatch.h"
 
+#include "platform/linux/x11/Ewmh.h"
+
 #include <xcb/damage.h>
 
 #include <algorithm>
@@ -53,7 +55,7 @@ void IconWatch::handleEvent(const xcb_generic_event_t &event)
 {
     if (!_isActive)
         return;
-    const int type = event.response_type & 0x7f;
+    const int type = eventType(event);
     if (type == _connection.damageEvent() + XCB_DAMAGE_NOTIFY) {
         lookSoon(rest);
     } else if (type == XCB_PROPERTY_NOTIFY) {
@@ -88,10 +90,8 @@ void IconWatch::lookSoon(std::chrono::milliseconds delay)
 
 void IconWatch::findWindows()
 {
-    const XProperty list = _connection.property(_connection.root(), "_NET_CLIENT_LIST", 65536);
-    std::set<xcb_window_t> clients;
-    for (int i = 0; i < list.count(); ++i)
-        clients.insert(list.value(i));
+    const std::vector<xcb_window_t> managed = managedWindows(_connection);
+    const std::set<xcb_window_t> clients(managed.begin(), managed.end());
     const auto isGone = [&clients](const auto &window) { return !clients.contains(window->id()); };
     const bool hasLost = std::erase_if(_windows, isGone) > 0;
     std::erase_if(_others, [&clients](xcb_window_t window) { return !clients.contains(window); });
@@ -99,20 +99,13 @@ void IconWatch::findWindows()
         const auto isClient = [client](const auto &window) { return window->id() == client; };
         if (_others.contains(client) || std::ranges::any_of(_windows, isClient))
             continue;
-        if (isIconWindow(client))
+        if (isOfType(_connection, client, "_NET_WM_WINDOW_TYPE_DESKTOP"))
             _windows.push_back(std::make_unique<IconWindow>(_connection, client));
         else
             _others.insert(client);
     }
     if (hasLost)
         _changed();
-}
-
-bool IconWatch::isIconWindow(xcb_window_t client) const
-{
-    const XProperty types = _connection.property(client, "_NET_WM_WINDOW_TYPE");
-    const xcb_atom_t desktop = _connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP");
-    return types.type == XCB_ATOM_ATOM && types.value(0) == desktop;
 }
 
 void IconWatch::look()

@@ -29,7 +29,6 @@ public:
 
 private:
     void findWindows();
-    bool isIconWindow(xcb_window_t client) const;
     void lookSoon(std::chrono::milliseconds delay);
     void look();
 

@@ -9,8 +9,7 @@ IconWindow::IconWindow(X11Connection &connection, xcb_window_t window)
     : _connection(connection), _window(window), _damage(xcb_generate_id(connection.xcb()))
 {
     xcb_connection_t *const xcb = _connection.xcb();
-    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(xcb, _window, XCB_CW_EVENT_MASK, &events);
+    _connection.selectEvents(_window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     xcb_composite_redirect_window(xcb, _window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     xcb_damage_create(xcb, _damage, _window, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
 }
@@ -18,10 +17,9 @@ IconWindow::IconWindow(X11Connection &connection, xcb_window_t window)
 IconWindow::~IconWindow()
 {
     xcb_connection_t *const xcb = _connection.xcb();
-    const std::uint32_t none = 0;
     xcb_damage_destroy(xcb, _damage);
     xcb_composite_unredirect_window(xcb, _window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-    xcb_change_window_attributes(xcb, _window, XCB_CW_EVENT_MASK, &none);
+    _connection.selectEvents(_window, XCB_EVENT_MASK_NO_EVENT);
 }
 
 IconWindow::Look IconWindow::look(xcb_pixmap_t rootPicture, std::chrono::milliseconds now)

@@ -22,8 +22,7 @@ public:
 
     void numbers(const char *name, xcb_atom_t type, std::span<const std::uint32_t> values)
     {
-        xcb_change_property(_connection.xcb(), XCB_PROP_MODE_REPLACE, _window, _connection.atom(name), type,
-                            32, static_cast<std::uint32_t>(values.size()), values.data());
+        _connection.setProperty(_window, name, type, values);
     }
     void atoms(const char *name, std::span<const char *const> values)
     {

@@ -6,8 +6,6 @@
 #include <xcb/randr.h>
 #include <xcb/shape.h>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 
@@ -49,9 +47,9 @@ QSet<quint32> coveredMonitors(const std::vector<Monitor> &monitors,
 
 ScreenCover::ScreenCover(X11Connection &connection) : _connection(connection)
 {
-    const std::uint32_t mask =
-        XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(_connection.xcb(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
+    _connection.selectEvents(_connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE |
+                                                     XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                                                     XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     if (_connection.has().randr)
         xcb_randr_select_input(_connection.xcb(), _connection.root(),
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
@@ -60,7 +58,7 @@ ScreenCover::ScreenCover(X11Connection &connection) : _connection(connection)
 
 bool ScreenCover::handleEvent(const xcb_generic_event_t &event)
 {
-    const int type = event.response_type & 0x7f;
+    const int type = eventType(event);
     if (_connection.has().randr && (type == _connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                                     type == _connection.randrEvent() + XCB_RANDR_NOTIFY))
         return true;
@@ -126,29 +124,26 @@ QSet<quint32> ScreenCover::read()
 
 void ScreenCover::follow(const std::vector<xcb_window_t> &clients)
 {
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     for (const xcb_window_t window : clients) {
         if (std::ranges::find(_clients, window) == _clients.end())
-            xcb_change_window_attributes(_connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
+            _connection.selectEvents(window,
+                                     XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     }
     _clients = clients;
 }
 
 std::optional<CoveringWindow> ScreenCover::readClient(xcb_window_t window)
 {
-    const XReply<xcb_get_geometry_reply_t> size(
-        xcb_get_geometry_reply(_connection.xcb(), xcb_get_geometry(_connection.xcb(), window), nullptr));
+    const auto size = _connection.geometry(window);
     if (!size || !canCover(size->width, size->height))
         return std::nullopt;
     const auto topLevel = topLevelOf(_connection, window);
     if (!topLevel || !topLevel->isViewable || isPutAway(_connection, window))
         return std::nullopt;
-    const XProperty type = _connection.property(window, "_NET_WM_WINDOW_TYPE");
     const XProperty state = _connection.property(window, "_NET_WM_STATE");
-    if (type.value(0) == _connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP") ||
-        type.value(0) == _connection.atom("_NET_WM_WINDOW_TYPE_DOCK") ||
-        state.holds(_connection.atom("_NET_WM_STATE_BELOW")) ||
-        _connection.property(window, "_NET_WM_PID").value(0) == static_cast<std::uint32_t>(getpid()))
+    if (isOfType(_connection, window, "_NET_WM_WINDOW_TYPE_DESKTOP") ||
+        isOfType(_connection, window, "_NET_WM_WINDOW_TYPE_DOCK") ||
+        state.holds(_connection.atom("_NET_WM_STATE_BELOW")) || isOwn(_connection, window))
         return std::nullopt;
     constexpr std::uint32_t opaque = 0xffffffff;
     const XProperty opacity = _connection.property(window, "_NET_WM_WINDOW_OPACITY");

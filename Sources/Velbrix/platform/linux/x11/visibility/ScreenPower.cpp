@@ -23,7 +23,7 @@ ScreenPower::ScreenPower(X11Connection &connection) : _connection(connection)
 
 bool ScreenPower::handleEvent(const xcb_generic_event_t &event)
 {
-    return _hasSaver && (event.response_type & 0x7f) == _saverEvent + XCB_SCREENSAVER_NOTIFY;
+    return _hasSaver && eventType(event) == _saverEvent + XCB_SCREENSAVER_NOTIFY;
 }
 
 bool ScreenPower::isOff()
