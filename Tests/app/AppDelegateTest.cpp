@@ -3,9 +3,9 @@
 #include "foundation/LocalChannel.h"
 #include "support/FakePlatform.h"
 #include "support/FakeShell.h"
+#include "support/Files.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -293,9 +293,7 @@ private Q_SLOTS:
         QCOMPARE(news().body, u"输出目录不存在，请重新选择：/nonexistent"_s);
         rig.services->toasts.clear();
         rig.host.screenCapture.nextSession->onOpen = [](const QString &path) {
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(QByteArray(20'000, 'x'));
+            writeFile(path, QByteArray(20'000, 'x'));
         };
         rig.services->recorder.preferences().setOutputDir(rig.folder.path());
         rig.delegate->recording().toggleQuickly();
@@ -312,9 +310,7 @@ private Q_SLOTS:
     void aLeftoverIsToldAtTheStart()
     {
         Rig rig;
-        const QString movie = rig.folder.filePath(u"录制.mp4"_s);
-        QFile file(movie);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QString movie = writeFile(rig.folder.filePath(u"录制.mp4"_s));
         rig.services->settings.set(u"Velbrix_ScreenRecord_unfinishedFiles"_s, QJsonArray{movie});
         rig.services->recorder.unfinished().findLeftovers();
         rig.launch();
@@ -402,8 +398,7 @@ private Q_SLOTS:
         rig.launch();
         UninstallReview review;
         review.app.name = u"Gimp"_s;
-        review.app.path = rig.files.filePath(u"gimp.desktop"_s);
-        QVERIFY(QFile(review.app.path).open(QIODevice::WriteOnly));
+        review.app.path = writeFile(rig.files.filePath(u"gimp.desktop"_s));
         review.app.source.kind = InstalledApplication::Kind::managed;
         review.app.source.package = u"gimp"_s;
         rig.services->uninstaller.uninstall(review);

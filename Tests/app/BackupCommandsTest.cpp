@@ -5,11 +5,11 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
+#include "support/Files.h"
 #include "support/MemorySettings.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
@@ -32,12 +32,7 @@ struct Rig {
         controller.reset();
         QTest::qWait(20);
     }
-    void write(const QString &below) const
-    {
-        const QString path = folder.filePath(below);
-        QDir().mkpath(QFileInfo(path).path());
-        QVERIFY(QFile(path).open(QIODevice::WriteOnly));
-    }
+    void write(const QString &below) const { writeFile(folder.filePath(below)); }
     CommandReply said(const QString &words, QStringList arguments = {}, QMap<QString, QString> options = {})
     {
         std::optional<CommandReply> reply;

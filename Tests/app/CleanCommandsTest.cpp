@@ -1,6 +1,7 @@
 #include "app/commands/CleanCommands.h"
 
 #include "support/FakePlatform.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -22,9 +23,7 @@ struct Rig : ServicesRig {
         make();
         handlers = cleanCommands(services->cleaner, services->privacy);
         QDir().mkpath(folder + u"/a/b"_s);
-        QFile file(folder + u"/file"_s);
-        if (file.open(QIODevice::WriteOnly))
-            file.write("1234");
+        writeFile(folder + u"/file"_s, "1234");
         host.diskUsage.sizes = {{QFile::encodeName(QDir(folder).canonicalPath()), 5000}};
     }
 
@@ -100,8 +99,7 @@ private Q_SLOTS:
         const CommandReply reply = rig.ask(u"clean run"_s);
         QVERIFY(reply.isQuestion());
         QCOMPARE(reply.data[u"arguments"_s].toArray(), QJsonArray{u"npm"_s});
-        QFile file(rig.folder + u"/two\nlines\x1b[2J"_s);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(rig.folder + u"/two\nlines\x1b[2J"_s);
         QVERIFY(rig.ask(u"clean run"_s).text.contains(u"  two lines [2J"_s));
     }
 

@@ -1,7 +1,8 @@
 #include "capture/RecordingFile.h"
 
+#include "support/Files.h"
+
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -10,6 +11,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+using namespace velbrix::test;
 
 Q_DECLARE_METATYPE(velbrix::MovieFacts)
 
@@ -63,10 +65,8 @@ private Q_SLOTS:
         QCOMPARE(checkOutputFolder(missing).error().message, u"输出目录不存在，请重新选择："_s + missing);
         QVERIFY(!QDir(missing).exists());
 
-        QFile file(home.filePath(u"file"_s));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(checkOutputFolder(file.fileName()).error().message,
-                 u"输出目录不是文件夹，请重新选择："_s + file.fileName());
+        const QString file = writeFile(home.filePath(u"file"_s));
+        QCOMPARE(checkOutputFolder(file).error().message, u"输出目录不是文件夹，请重新选择："_s + file);
     }
 
     void refusesAReadOnlyFolder()

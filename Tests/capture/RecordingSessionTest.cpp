@@ -1,4 +1,5 @@
 #include "support/FakePlatform.h"
+#include "support/Files.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -25,9 +26,7 @@ CapturableWindow window(quint32 id, const QString &title, qint64 pid = 1)
 
 void fill(const QString &path, qsizetype bytes)
 {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(bytes, 'x'));
+    writeFile(path, QByteArray(bytes, 'x'));
 }
 
 // A recorder whose host writes 20,000 bytes for each movie.

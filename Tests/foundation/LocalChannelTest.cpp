@@ -1,13 +1,13 @@
 #include "foundation/LocalChannel.h"
 
 #include "foundation/RuntimeFolder.h"
+#include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 
@@ -48,9 +48,7 @@ private Q_SLOTS:
     void aDeadProgramsSocketIsReplaced()
     {
         VirtualClock clock;
-        QFile stale(path);
-        QVERIFY(stale.open(QIODevice::WriteOnly));
-        stale.close();
+        writeFile(path);
         LocalChannelServer server(echo, clock);
         QVERIFY(server.listen(path));
         QVERIFY(ask({}));

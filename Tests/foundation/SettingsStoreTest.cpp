@@ -1,7 +1,6 @@
 #include "foundation/SettingsStore.h"
 
-#include "support/MemorySettings.h"
-#include "support/VirtualClock.h"
+#include "support/SettingsRig.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -11,32 +10,15 @@ using namespace std::chrono_literals;
 using namespace velbrix;
 using namespace velbrix::test;
 
-namespace {
-
-struct Rig {
-    explicit Rig(const QJsonObject &stored = {})
-    {
-        auto owned = std::make_unique<MemorySettings>();
-        owned->stored = stored;
-        backend = owned.get();
-        store = std::make_unique<SettingsStore>(std::move(owned), clock);
-    }
-    VirtualClock clock;
-    MemorySettings *backend = nullptr;
-    std::unique_ptr<SettingsStore> store;
-};
-
-} // namespace
-
 class SettingsStoreTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void anotherTypeCountsAsAbsent()
     {
-        const Rig rig(
+        const SettingsRig rig(
             {{u"b"_s, true}, {u"n"_s, 2.5}, {u"s"_s, u"x"_s}, {u"o"_s, QJsonObject{}}, {u"null"_s, {}}});
-        const SettingsStore &store = *rig.store;
+        const SettingsStore &store = rig.store;
         QCOMPARE(store.boolean(u"b"_s), std::optional(true));
         QCOMPARE(store.boolean(u"n"_s), std::nullopt);
         QCOMPARE(store.real(u"n"_s), std::optional(2.5));
@@ -51,46 +33,46 @@ private Q_SLOTS:
 
     void aBurstIsWrittenOnceAndSoon()
     {
-        Rig rig;
+        SettingsRig rig;
         for (int i = 0; i < 20; ++i) {
-            rig.store->set(u"k"_s, i);
+            rig.store.set(u"k"_s, i);
             rig.clock.advance(10ms);
         }
         rig.clock.advance(50ms);
-        QCOMPARE(rig.backend->saves, 1);
-        QCOMPARE(rig.backend->stored.value(u"k"_s).toInt(), 19);
-        QCOMPARE(rig.backend->lastChanged, QStringList{u"k"_s});
+        QCOMPARE(rig.disk.saves, 1);
+        QCOMPARE(rig.disk.stored.value(u"k"_s).toInt(), 19);
+        QCOMPARE(rig.disk.lastChanged, QStringList{u"k"_s});
         rig.clock.advance(1h);
-        QCOMPARE(rig.backend->saves, 1);
+        QCOMPARE(rig.disk.saves, 1);
         QCOMPARE(rig.clock.pendingCount(), 0);
     }
 
     void whatDidNotChangeIsNotWritten()
     {
-        Rig rig({{u"k"_s, 1}});
-        rig.store->set(u"k"_s, 1);
-        rig.store->remove(u"missing"_s);
+        SettingsRig rig({{u"k"_s, 1}});
+        rig.store.set(u"k"_s, 1);
+        rig.store.remove(u"missing"_s);
         rig.clock.advance(1s);
-        QCOMPARE(rig.backend->saves, 0);
-        rig.store->remove(u"k"_s);
+        QCOMPARE(rig.disk.saves, 0);
+        rig.store.remove(u"k"_s);
         rig.clock.advance(1s);
-        QCOMPARE(rig.backend->stored, QJsonObject());
+        QCOMPARE(rig.disk.stored, QJsonObject());
     }
 
     void aFailedWriteStaysPending()
     {
-        Rig rig;
-        rig.backend->failsWith = u"disk full"_s;
+        SettingsRig rig;
+        rig.disk.failsWith = u"disk full"_s;
         QStringList told;
         const Observation observation =
-            rig.store->observeFailures([&](const Failure &reason) { told << reason.message; });
-        rig.store->set(u"a"_s, 1);
+            rig.store.observeFailures([&](const Failure &reason) { told << reason.message; });
+        rig.store.set(u"a"_s, 1);
         rig.clock.advance(1s);
         QCOMPARE(told, QStringList{u"disk full"_s});
-        QCOMPARE(rig.store->integer(u"a"_s), std::optional(1));
-        rig.backend->failsWith.reset();
+        QCOMPARE(rig.store.integer(u"a"_s), std::optional(1));
+        rig.disk.failsWith.reset();
         rig.clock.advance(30s);
-        QCOMPARE(rig.backend->stored.value(u"a"_s).toInt(), 1);
+        QCOMPARE(rig.disk.stored.value(u"a"_s).toInt(), 1);
     }
 
     void theEndWritesWhatIsPending()

@@ -3,6 +3,7 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/backup/BackupPlaces.h"
 #include "maintenance/backup/BackupTaskStore.h"
+#include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
@@ -315,7 +316,7 @@ private Q_SLOTS:
         const QDir dir(folder.path());
         for (const char *made : {"src/in", "dst", "t_同步/in"})
             dir.mkpath(QString::fromUtf8(made));
-        QVERIFY(QFile(dir.filePath(u"file"_s)).open(QIODevice::WriteOnly));
+        writeFile(dir.filePath(u"file"_s));
         QFile::link(dir.filePath(u"src"_s), dir.filePath(u"link"_s));
         BackupTask task;
         task.name = u"t"_s;

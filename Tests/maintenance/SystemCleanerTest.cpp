@@ -5,6 +5,7 @@
 #include "support/FakeDiskUsage.h"
 #include "support/FakeRunningPrograms.h"
 #include "support/FakeTrashCan.h"
+#include "support/Files.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
 
@@ -64,13 +65,7 @@ struct Rig {
         return *cleaner;
     }
 
-    void put(const QString &below, qsizetype bytes = 1)
-    {
-        QVERIFY(QDir().mkpath(QFileInfo(path(below)).path()));
-        QFile file(path(below));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(bytes, 'x'));
-    }
+    void put(const QString &below, qsizetype bytes = 1) { writeFile(path(below), QByteArray(bytes, 'x')); }
     bool has(const QString &below) const { return QFileInfo::exists(path(below)); }
 
     QString sizeOf(const QString &id) const

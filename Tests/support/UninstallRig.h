@@ -4,10 +4,10 @@
 #include "maintenance/uninstall/AppScanner.h"
 #include "maintenance/uninstall/UninstallSequence.h"
 #include "support/FakePlatform.h"
+#include "support/Files.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QTest>
 
 #include <functional>
@@ -44,15 +44,10 @@ struct UninstallRig {
     // A file, or a folder when the name ends in a stroke; its path.
     QString plant(const QString &path) const
     {
-        const QString whole = home(path);
-        QDir().mkpath(path.endsWith(u'/') ? whole : QFileInfo(whole).path());
-        if (!path.endsWith(u'/')) {
-            QFile file(whole);
-            if (!file.open(QIODevice::WriteOnly))
-                qFatal("cannot plant");
-            file.write("x");
-        }
-        return QDir::cleanPath(whole);
+        if (!path.endsWith(u'/'))
+            return writeFile(home(path));
+        QDir().mkpath(home(path));
+        return QDir::cleanPath(home(path));
     }
     InstalledApplication install(const QString &name, const QString &identifier = {})
     {

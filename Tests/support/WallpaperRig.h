@@ -2,8 +2,8 @@
 
 #include "support/CapturedLog.h"
 #include "support/FakePlatform.h"
+#include "support/Files.h"
 
-#include <QFile>
 #include <QThreadPool>
 
 namespace velbrix::test {
@@ -24,13 +24,7 @@ struct WallpaperRig : ServicesRig {
     }
 
     // A file that exists; what is in it is up to the fake probe.
-    QString video(const QString &name)
-    {
-        QFile file(files.filePath(name));
-        if (file.open(QIODevice::WriteOnly))
-            file.write("video");
-        return file.fileName();
-    }
+    QString video(const QString &name) const { return writeFile(files.filePath(name), "video"); }
 
     void plugSecond()
     {

@@ -7,6 +7,8 @@
 #include "views/MainWindow.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
+#include <QDebug>
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
@@ -68,6 +70,25 @@ struct WindowRig : ServicesRig {
         for (const QLabel *label : labels) {
             if (label->isVisibleTo(widget) && !label->text().isEmpty())
                 found.append(label->text());
+        }
+        return found;
+    }
+    // How many controls the tabulator reaches inside it; -1 when one of them has
+    // no name for those who do not see it.
+    static int namedControls(const QWidget *inside)
+    {
+        int found = 0;
+        const auto all = inside->findChildren<QWidget *>();
+        for (QWidget *widget : all) {
+            if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
+                continue;
+            QAccessibleInterface *const face = QAccessible::queryAccessibleInterface(widget);
+            const QString name = face ? face->text(QAccessible::Name) : QString();
+            if (name.isEmpty() || widget->objectName().isEmpty()) {
+                qWarning() << "without a name:" << widget << name;
+                return -1;
+            }
+            ++found;
         }
         return found;
     }

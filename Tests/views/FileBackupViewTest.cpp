@@ -1,9 +1,9 @@
+#include "support/Files.h"
 #include "support/WindowRig.h"
 #include "views/components/PathField.h"
 #include "views/components/RowList.h"
 #include "views/components/Switch.h"
 
-#include <QAccessible>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -23,11 +23,8 @@ namespace {
 struct Rig : WindowRig {
     Rig()
     {
-        QDir().mkpath(source());
         QDir().mkpath(target());
-        QFile file(source() + u"/信.txt"_s);
-        if (file.open(QIODevice::WriteOnly))
-            file.write("x");
+        writeFile(source() + u"/信.txt"_s);
     }
 
     QString source() const { return places.filePath(u"文稿"_s); }
@@ -293,17 +290,7 @@ void FileBackupViewTest::everyControlHasAName()
     QVERIFY(!rig.add().isEmpty());
     rig.click(u"backupAdd"_s);
     rig.click(u"scheduleKind.2"_s);
-    int found = 0;
-    const auto all = rig.window()->findChildren<QWidget *>();
-    for (QWidget *widget : all) {
-        if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
-            continue;
-        ++found;
-        QAccessibleInterface *const face = QAccessible::queryAccessibleInterface(widget);
-        QVERIFY2(face && !face->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
-        QVERIFY2(!widget->objectName().isEmpty(), qPrintable(face->text(QAccessible::Name)));
-    }
-    QVERIFY(found > 20);
+    QVERIFY(rig.namedControls(rig.window()) > 20);
 }
 
 QTEST_MAIN(FileBackupViewTest)

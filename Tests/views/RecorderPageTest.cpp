@@ -1,3 +1,4 @@
+#include "support/Files.h"
 #include "support/WindowRig.h"
 #include "views/components/SegmentedChoice.h"
 #include "views/components/Switch.h"
@@ -232,11 +233,8 @@ void RecorderPageTest::leftovers()
 {
     Rig rig;
     QStringList paths;
-    for (const QString &name : {u"一.mp4"_s, u"二.mp4"_s}) {
-        QFile file(rig.folder.filePath(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        paths.append(file.fileName());
-    }
+    for (const QString &name : {u"一.mp4"_s, u"二.mp4"_s})
+        paths.append(writeFile(rig.folder.filePath(name)));
     rig.host.settings.stored.insert(u"Velbrix_ScreenRecord_unfinishedFiles"_s,
                                     QJsonArray::fromStringList(paths));
     rig.host.movieFiles.delay = 3s;

@@ -1,9 +1,9 @@
+#include "support/Files.h"
 #include "support/WindowRig.h"
 #include "views/cleanup/CleanupEntryList.h"
 #include "views/components/CheckBox.h"
 #include "views/components/TabularLabel.h"
 
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QFile>
@@ -43,11 +43,7 @@ struct Rig : WindowRig {
     // A file that is told to be so large.
     void put(const QString &below, qint64 bytes)
     {
-        const QFileInfo file(place(below));
-        QVERIFY(QDir().mkpath(file.path()));
-        QFile made(file.filePath());
-        QVERIFY(made.open(QIODevice::WriteOnly) && made.write("12345") == 5);
-        made.close();
+        writeFile(place(below), "12345");
         host.diskUsage.sizes[native(below)] = bytes;
     }
     // The browser's cache: two entries.

@@ -3,6 +3,7 @@
 #include "foundation/SettingsStore.h"
 #include "support/CapturedLog.h"
 #include "support/FakeDesktopPicture.h"
+#include "support/Files.h"
 #include "support/MemorySettings.h"
 #include "support/VirtualClock.h"
 #include "wallpaper/PictureFiles.h"
@@ -41,12 +42,6 @@ struct Rig {
     QStringList files() { return QDir(folder).entryList(QDir::Files, QDir::Name); }
 };
 
-void touch(const QString &path)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-}
-
 } // namespace
 
 class StaticDesktopTest : public QObject {
@@ -61,8 +56,8 @@ private Q_SLOTS:
             QCOMPARE(writePicture(filled(Qt::red), folder, stamp),
                      Result<QString>(folder + u"/static_%1.jpg"_s.arg(stamp)));
         QCOMPARE(QDir(folder).entryList({u"*.jpg"_s}, QDir::Files, QDir::Name).first(), u"static_2.jpg"_s);
-        touch(folder + u"/own.png"_s);
-        touch(folder + u"/STATIC_1.JPG"_s); // its age is that of the file: the newest
+        writeFile(folder + u"/own.png"_s);
+        writeFile(folder + u"/STATIC_1.JPG"_s); // its age is that of the file: the newest
         // The clock went back: what was just written stays all the same.
         const auto early = writePicture(filled(Qt::red), folder, 0);
         QVERIFY(QFile::exists(early.value()) && QFile::remove(early.value()));
@@ -80,7 +75,7 @@ private Q_SLOTS:
     void aFolderThatCannotBeMadeIsAFailure()
     {
         QTemporaryDir home;
-        touch(home.filePath(u"file"_s));
+        writeFile(home.filePath(u"file"_s));
         const QString folder = home.filePath(u"file/inside"_s);
         QCOMPARE(writePicture(filled(Qt::red), folder, 1),
                  Result<QString>(failure(u"无法建立文件夹 "_s + folder)));

@@ -1,8 +1,6 @@
 #include "wallpaper/WallpaperPreferences.h"
 
-#include "foundation/SettingsStore.h"
-#include "support/MemorySettings.h"
-#include "support/VirtualClock.h"
+#include "support/SettingsRig.h"
 
 #include <QTest>
 
@@ -12,30 +10,10 @@ using namespace velbrix::test;
 
 namespace {
 
-struct Rig {
-    explicit Rig(const QJsonObject &stored = {})
-        : memory(new MemorySettings), settings(fill(memory, stored), clock)
-    {
-        preferences.loadSettings();
-    }
+struct Rig : SettingsRig {
+    explicit Rig(const QJsonObject &stored = {}) : SettingsRig(stored) { preferences.loadSettings(); }
 
-    QJsonObject saved()
-    {
-        (void)settings.flush();
-        return memory->stored;
-    }
-
-    VirtualClock clock;
-    MemorySettings *memory; // the store's
-    SettingsStore settings;
-    WallpaperPreferences preferences{settings};
-
-private:
-    static std::unique_ptr<SettingsBackend> fill(MemorySettings *memory, const QJsonObject &stored)
-    {
-        memory->stored = stored;
-        return std::unique_ptr<SettingsBackend>(memory);
-    }
+    WallpaperPreferences preferences{store};
 };
 
 } // namespace
@@ -44,24 +22,6 @@ class WallpaperPreferencesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void absentValuesKeepTheirDefaults()
-    {
-        Rig rig;
-        const WallpaperPreferences &all = rig.preferences;
-        QCOMPARE(all.volume(), 0.3);
-        QCOMPARE(all.speed(), 1.0);
-        QCOMPARE(all.gravity(), WallpaperGravity::aspectFill);
-        QCOMPARE(all.contentMode(), WallpaperContentMode::video);
-        QCOMPARE(all.htmlDesktopSnapshotInterval(), 20.0);
-        QVERIFY(all.autoPlay() && all.pauseOnBattery() && all.pauseWhenCovered());
-        QVERIFY(all.htmlInteractive() && all.musicShieldMisTouch() && all.autoMoveToAppDir());
-        QVERIFY(!all.hideDesktopIconsEnabled() && !all.isHidingDesktopIcons() && !all.isDockAutoHidden());
-        QVERIFY(!all.screenshotIgnoreMainWindows());
-        QCOMPARE(all.originalSystemDockAutohideState(), std::optional<bool>());
-        QVERIFY(!all.wallpaperFolder() && !all.lastVideoPath() && !all.htmlURL());
-        QCOMPARE(rig.saved(), QJsonObject());
-    }
-
     void everySettingIsReadAndWritten()
     {
         const QJsonObject stored = {

@@ -33,7 +33,7 @@ QHash<QString, PackageFacts> dpkgFacts(const QByteArray &output)
     for (const QString &line : lines(output)) {
         const QStringList fields = line.split(u'\t');
         bool isNumber = false;
-        const qint64 kibibytes = fields.value(2).toLongLong(&isNumber);
+        const qint64 kibibytes = fields.value(2).toInt(&isNumber);
         const bool isEssential =
             fields.value(3) == u"yes"_s || fields.value(4) == u"yes"_s || fields.value(5) == u"required"_s;
         facts.insert(fields[0], {fields.value(1), isNumber ? std::optional(kibibytes * 1024) : std::nullopt,
