@@ -99,6 +99,21 @@ std::vector<Monitor> monitors(X11Connection &connection)
     return found;
 }
 
+void followMonitors(X11Connection &connection)
+{
+    if (connection.has().randr)
+        xcb_randr_select_input(connection.xcb(), connection.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
+}
+
+bool concernsMonitors(const X11Connection &connection, const xcb_generic_event_t &event)
+{
+    const int type = eventType(event) - connection.randrEvent();
+    return connection.has().randr && (type == XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == XCB_RANDR_NOTIFY);
+}
+
 const Monitor *mainMonitor(const std::vector<Monitor> &all)
 {
     const auto isAtCorner = [](const Monitor &monitor) { return monitor.rect.x == 0 && monitor.rect.y == 0; };

@@ -23,6 +23,10 @@ struct Monitor {
 // Never empty where the server has a screen: without an extension for it the
 // root counts as one monitor. At most one is primary.
 std::vector<Monitor> monitors(X11Connection &connection);
+// Has the server tell when they change, and which of the connection's events
+// tell that. The root's own size comes with its structure events.
+void followMonitors(X11Connection &connection);
+bool concernsMonitors(const X11Connection &connection, const xcb_generic_event_t &event);
 // The primary one, else the one in the root's corner, else the first; null
 // when there are none.
 const Monitor *mainMonitor(const std::vector<Monitor> &all);

@@ -11,11 +11,10 @@ namespace velbrix {
 
 namespace {
 
-// Whether the server did it.
-bool succeeded(xcb_connection_t *connection, xcb_void_cookie_t cookie)
+// Whether the server did it, and not merely went away without a complaint.
+bool succeeded(const X11Connection &connection, xcb_void_cookie_t cookie)
 {
-    const XReply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
-    return !error && xcb_connection_has_error(connection) == 0;
+    return connection.isAccepted(cookie) && connection.isAlive();
 }
 
 } // namespace
@@ -55,7 +54,7 @@ bool ShmSegment::shareDescriptor()
     }
     const xcb_shm_seg_t id = xcb_generate_id(_connection.xcb());
     // The connection closes the descriptor when it is sent.
-    if (!succeeded(_connection.xcb(), xcb_shm_attach_fd_checked(_connection.xcb(), id, file, 0))) {
+    if (!succeeded(_connection, xcb_shm_attach_fd_checked(_connection.xcb(), id, file, 0))) {
         munmap(memory, _size);
         return false;
     }
@@ -75,7 +74,7 @@ bool ShmSegment::shareSystemV()
     const xcb_shm_seg_t id = xcb_generate_id(_connection.xcb());
     const bool isAttached =
         memory != none &&
-        succeeded(_connection.xcb(),
+        succeeded(_connection,
                   xcb_shm_attach_checked(_connection.xcb(), id, static_cast<std::uint32_t>(handle), 0));
     // Goes with the last user, however that one ends.
     shmctl(handle, IPC_RMID, nullptr);

@@ -16,13 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-namespace {
-
-constexpr std::uint16_t randrEvents = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
-                                      XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
-
-} // namespace
-
 // One look at the server and all that follow. Without a server there are no
 // displays.
 class X11Displays::Monitors {
@@ -84,8 +77,7 @@ X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::m
     X11Connection &connection = _events->connection();
     connection.selectEvents(connection.root(),
                             XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
-    if (connection.has().randr)
-        xcb_randr_select_input(connection.xcb(), connection.root(), randrEvents);
+    followMonitors(connection);
     readClients();
     _displays = readDisplays();
 }
@@ -94,10 +86,7 @@ void X11Displays::Monitors::handleEvent(const xcb_generic_event_t &event)
 {
     X11Connection &connection = _events->connection();
     const int type = eventType(event);
-    if (type == XCB_CONFIGURE_NOTIFY)
-        _isStale = true;
-    if (connection.has().randr && (type == connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                                   type == connection.randrEvent() + XCB_RANDR_NOTIFY))
+    if (type == XCB_CONFIGURE_NOTIFY || concernsMonitors(connection, event))
         _isStale = true;
     if (type != XCB_PROPERTY_NOTIFY)
         return;

@@ -2,8 +2,6 @@
 
 #include "platform/linux/media/recording/MonotonicTime.h"
 
-#include <xcb/randr.h>
-
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -15,11 +13,7 @@ DisplaySource::DisplaySource(X11Connection &connection, quint32 displayId,
     : _connection(connection), _displayId(displayId), _buffer(connection)
 {
     connection.selectEvents(connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    if (connection.has().randr)
-        xcb_randr_select_input(connection.xcb(), connection.root(),
-                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
-                                   XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
+    followMonitors(connection);
     if (!excludedWindows.isEmpty() && connection.has().composite)
         _layers = std::make_unique<ScreenLayers>(connection, excludedWindows);
 }
@@ -39,11 +33,9 @@ Result<void> DisplaySource::start(const StopSignal &stop)
 
 void DisplaySource::handleEvent(const xcb_generic_event_t &event)
 {
-    const int type = eventType(event);
-    if (_connection.has().randr && (type == _connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                                    type == _connection.randrEvent() + XCB_RANDR_NOTIFY))
+    if (concernsMonitors(_connection, event))
         _isStale = true;
-    if (type == XCB_CONFIGURE_NOTIFY &&
+    if (eventType(event) == XCB_CONFIGURE_NOTIFY &&
         reinterpret_cast<const xcb_configure_notify_event_t &>(event).window == _connection.root())
         _isStale = true;
     if (_layers)

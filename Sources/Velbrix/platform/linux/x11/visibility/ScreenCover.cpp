@@ -3,7 +3,6 @@
 #include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/TopLevel.h"
 
-#include <xcb/randr.h>
 #include <xcb/shape.h>
 
 #include <algorithm>
@@ -50,19 +49,14 @@ ScreenCover::ScreenCover(X11Connection &connection) : _connection(connection)
     _connection.selectEvents(_connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE |
                                                      XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                                                      XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-    if (_connection.has().randr)
-        xcb_randr_select_input(_connection.xcb(), _connection.root(),
-                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    followMonitors(_connection);
 }
 
 bool ScreenCover::handleEvent(const xcb_generic_event_t &event)
 {
-    const int type = eventType(event);
-    if (_connection.has().randr && (type == _connection.randrEvent() + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                                    type == _connection.randrEvent() + XCB_RANDR_NOTIFY))
+    if (concernsMonitors(_connection, event))
         return true;
-    switch (type) {
+    switch (eventType(event)) {
     case XCB_PROPERTY_NOTIFY:
         return concernsProperty(reinterpret_cast<const xcb_property_notify_event_t &>(event));
     case XCB_MAP_NOTIFY:
