@@ -30,11 +30,8 @@ struct Rig : ServicesRig {
         make();
         delegate = std::make_unique<AppDelegate>(*services, shell);
     }
-    AppDelegate::Launch launch(bool background = true)
-    {
-        return delegate->applicationDidFinishLaunching(background);
-    }
-    void choose(TrayItemId item)
+    void launch(bool background = true) { delegate->applicationDidFinishLaunching(background); }
+    void choose(const QString &item)
     {
         shell.chosen(item);
         QCoreApplication::processEvents();
@@ -52,20 +49,39 @@ class AppDelegateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aSecondCopyOnlyWakesTheFirst()
+    void oneCopyHasThePlace_data()
     {
-        Rig rig;
-        rig.host.singleInstance.isTaken = true;
-        QCOMPARE(rig.launch(false), AppDelegate::Launch::otherCopyRuns);
-        QCOMPARE(rig.host.singleInstance.calls, (QStringList{u"claim"_s, u"wakeOther"_s}));
-        QVERIFY(rig.shell.calls.isEmpty());
-        QVERIFY(rig.host.hotkeys.registered.isEmpty());
+        QTest::addColumn<bool>("isTaken");
+        QTest::addColumn<bool>("isLeaving");
+        QTest::addColumn<bool>("inBackground");
+        QTest::addColumn<bool>("starts");
+        QTest::addColumn<QStringList>("calls");
+        const QString claim = u"claim"_s;
+        const QString wake = u"wakeOther"_s;
+        QTest::newRow("the first") << false << false << false << true << QStringList{claim};
+        QTest::newRow("a second wakes the first")
+            << true << false << false << false << QStringList{claim, wake};
+        QTest::newRow("a hidden second wakes nobody") << true << false << true << false << QStringList{claim};
+        QTest::newRow("the first goes just now")
+            << true << true << false << true << QStringList{claim, wake, claim};
+    }
+    void oneCopyHasThePlace()
+    {
+        QFETCH(bool, inBackground);
+        QFETCH(QStringList, calls);
+        FakeSingleInstance place;
+        QFETCH(bool, isTaken);
+        QFETCH(bool, isLeaving);
+        place.isTaken = isTaken;
+        place.isLeaving = isLeaving;
+        QTEST(AppDelegate::claimPlace(place, inBackground), "starts");
+        QCOMPARE(place.calls, calls);
     }
 
     void startsInItsOrder()
     {
         Rig rig;
-        QCOMPARE(rig.launch(), AppDelegate::Launch::running);
+        rig.launch();
         QCOMPARE(rig.host.desktop.calls, QStringList{u"accessory"_s});
         QCOMPARE(rig.shell.calls, (QStringList{u"createTray"_s, u"updateTray"_s}));
         QCOMPARE(rig.host.notifications.calls,
@@ -108,14 +124,12 @@ private Q_SLOTS:
         rig.launch();
         QStringList lines;
         for (const TrayMenuItem &item : rig.shell.menu)
-            lines << u"%1|%2|%3%4"_s.arg(item.title, item.keyEquivalent)
-                         .arg(item.isHeader ? u"header "_s : QString())
-                         .arg(item.isEnabled ? u"on"_s : u"off"_s);
+            lines << u"%1|%2|%3"_s.arg(item.title, item.keyEquivalent, item.isEnabled ? u"on"_s : u"off"_s);
         QCOMPARE(lines,
-                 (QStringList{u"打开 Velbrix|⌘O|on"_s, u"||on"_s, u"视频壁纸||header off"_s,
-                              u"播放壁纸|⌘⇧P|off"_s, u"停止壁纸||off"_s, u"||on"_s, u"屏幕录制||header off"_s,
-                              u"开始录制（全屏）|⌘⇧R|on"_s, u"打开录制面板||on"_s, u"||on"_s,
-                              u"隐私与声明…||on"_s, u"检查更新与公告…||on"_s, u"||on"_s, u"退出|⌘Q|on"_s}));
+                 (QStringList{u"打开 Velbrix|⌘O|on"_s, u"||on"_s, u"视频壁纸||off"_s, u"播放壁纸|⌘⇧P|off"_s,
+                              u"停止壁纸||off"_s, u"||on"_s, u"屏幕录制||off"_s, u"开始录制（全屏）|⌘⇧R|on"_s,
+                              u"打开录制面板||on"_s, u"||on"_s, u"隐私与声明…||on"_s,
+                              u"检查更新与公告…||on"_s, u"||on"_s, u"退出|⌘Q|on"_s}));
     }
 
     void anUnchangedMenuIsNotWrittenAgain()
@@ -128,7 +142,7 @@ private Q_SLOTS:
         QCOMPARE(rig.menuWrites(), 2); // after the wallpaper's restore
         rig.shell.clicked();
         QCOMPARE(rig.menuWrites(), 3);
-        rig.choose(TrayItemId::recordToggle);
+        rig.choose(u"recordToggle"_s);
         QCOMPARE(rig.menuWrites(), 4);
         QVERIFY(rig.shell.trayShowsRecording);
         QCOMPARE(rig.shell.menu[7].title, u"停止当前录制"_s);
@@ -165,23 +179,21 @@ private Q_SLOTS:
         QCOMPARE(rig.shell.calls.last(), u"hide"_s);
         QVERIFY(rig.services->isInBackground());
         rig.shell.frame.reset();
-        rig.choose(TrayItemId::open);
+        rig.choose(u"open"_s);
         QCOMPARE(rig.shell.frame, std::optional(QRect(50, 60, 1200, 800)));
         QVERIFY(rig.services->settings.flush());
         QCOMPARE(rig.host.settings.stored.value(u"Velbrix_MainWindow_Frame"_s).toArray(),
                  (QJsonArray{50, 60, 1200, 800}));
     }
 
-    void openingItAgainShowsTheWindow()
+    void onlyOpeningItAgainShowsTheWindow()
     {
         Rig rig;
         rig.launch(false);
         rig.delegate->windowShouldClose();
+        rig.delegate->applicationDidBecomeActive(); // a panel of its own has the focus
         QVERIFY(!rig.shell.visible);
-        rig.delegate->applicationDidBecomeActive();
-        QVERIFY(rig.shell.visible);
-        rig.delegate->windowShouldClose();
-        rig.delegate->applicationDidBecomeActive(); // told each time, active or not
+        rig.host.desktop.reopen();
         QVERIFY(rig.shell.visible);
     }
 
@@ -218,14 +230,6 @@ private Q_SLOTS:
         QVERIFY(!late.shell.calls.contains(u"minimize"_s));
     }
 
-    void aSecondHiddenStartWakesNobody()
-    {
-        Rig rig;
-        rig.host.singleInstance.isTaken = true;
-        QCOMPARE(rig.launch(true), AppDelegate::Launch::otherCopyRuns);
-        QVERIFY(!rig.host.singleInstance.calls.contains(u"wakeOther"_s));
-    }
-
     void theHotKeyRecordsAndAStatementComesFirst()
     {
         Rig rig;
@@ -243,7 +247,7 @@ private Q_SLOTS:
         fresh.host.hotkeys.press({29, 0x1800});
         QCoreApplication::processEvents();
         QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
-        fresh.choose(TrayItemId::recordToggle);
+        fresh.choose(u"recordToggle"_s);
         QCOMPARE(fresh.shell.calls, (QStringList{u"show"_s, u"show"_s}));
         QVERIFY(!fresh.services->recorder.isRecording());
         QVERIFY(!fresh.services->privacy.pendingFeatureNotice());
@@ -278,7 +282,7 @@ private Q_SLOTS:
         rig.launch();
         rig.services->notifications.post(u"velBrixShowBannerToast"_s, {{u"body"_s, u"你好"_s}});
         QCOMPARE(rig.services->toasts.visible().first().body, u"你好"_s);
-        rig.choose(TrayItemId::remoteCheck);
+        rig.choose(u"remoteCheck"_s);
         QCOMPARE(rig.services->toasts.visible().last().body,
                  u"此安装没有配置产品服务器，无法检查更新与公告。"_s);
     }
@@ -289,17 +293,17 @@ private Q_SLOTS:
         rig.launch();
         const auto news = [&] { return rig.services->toasts.visible().last(); };
         rig.services->recorder.preferences().setOutputDir(u"/nonexistent"_s);
-        rig.delegate->recording().toggleQuickly();
+        rig.services->recordingActions.toggleQuickly();
         QCOMPARE(news().body, u"输出目录不存在，请重新选择：/nonexistent"_s);
         rig.services->toasts.clear();
         rig.host.screenCapture.nextSession->onOpen = [](const QString &path) {
             writeFile(path, QByteArray(20'000, 'x'));
         };
         rig.services->recorder.preferences().setOutputDir(rig.folder.path());
-        rig.delegate->recording().toggleQuickly();
+        rig.services->recordingActions.toggleQuickly();
         QVERIFY(rig.services->toasts.visible().isEmpty()); // it would be in the picture
         rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
-        rig.delegate->recording().toggleQuickly();
+        rig.services->recordingActions.toggleQuickly();
         QCOMPARE(news().title, u"录制已保存"_s);
         rig.host.settings.failsWith = u"磁盘已满"_s;
         rig.services->settings.set(u"x"_s, 1);
@@ -321,9 +325,9 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.launch();
-        rig.choose(TrayItemId::recordPanel);
-        QCOMPARE(rig.services->router.activeTab(), std::optional(AppTab::recorder));
-        rig.choose(TrayItemId::privacy);
+        rig.choose(u"recordPanel"_s);
+        QCOMPARE(rig.services->router.activeTab(), u"recorder"_s);
+        rig.choose(u"privacy"_s);
         QCOMPARE(rig.shell.calls.last(), u"statement"_s);
     }
 
@@ -332,9 +336,10 @@ private Q_SLOTS:
         Rig rig;
         rig.launch(false);
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
-        rig.choose(TrayItemId::quit);
+        rig.choose(u"quit"_s);
         rig.delegate->quitApp();
         QCOMPARE(terminated.count(), 1);
+        QCOMPARE(rig.host.singleInstance.calls.last(), u"leave"_s);
         QVERIFY(rig.delegate->windowShouldClose());
         QCOMPARE(rig.host.desktop.calls.last(), u"presence"_s);
         QCOMPARE(rig.shell.calls.last(), u"removeTray"_s);
@@ -352,7 +357,7 @@ private Q_SLOTS:
         rig.launch();
         rig.host.screenCapture.contentDelay = 100ms;
         rig.host.screenCapture.contentAnswer = failure(u"拒绝"_s);
-        rig.delegate->recording().toggleQuickly();
+        rig.services->recordingActions.toggleQuickly();
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.delegate->quitApp();
         rig.clock.advance(100ms);
@@ -365,7 +370,7 @@ private Q_SLOTS:
         Rig rig;
         rig.host.screenCapture.nextSession->stopDelay = 1h;
         rig.launch();
-        rig.delegate->recording().toggleQuickly();
+        rig.services->recordingActions.toggleQuickly();
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.delegate->quitApp();
         rig.clock.advance(10s);
@@ -379,7 +384,7 @@ private Q_SLOTS:
         Rig rig;
         rig.host.screenCapture.nextSession->stopDelay = 100ms;
         rig.launch();
-        rig.delegate->recording().toggleQuickly();
+        rig.services->recordingActions.toggleQuickly();
         QVERIFY(rig.services->recorder.isRecording());
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.delegate->quitApp();

@@ -1,6 +1,4 @@
-#include "app/commands/AppsCommands.h"
-
-#include "app/PrivacyManager.h"
+#include "app/Tools.h"
 #include "support/UninstallRig.h"
 
 #include <QJsonArray>
@@ -14,18 +12,24 @@ namespace {
 struct Rig : UninstallRig {
     explicit Rig(bool agreed = true)
     {
-        settings.set(u"Velbrix_Privacy_firstLaunchAccepted"_s, true);
-        settings.set(u"Velbrix_Privacy_consent_uninstall"_s, agreed);
+        qputenv("XDG_DATA_HOME", home(u"own"_s).toUtf8());
+        auto stored = std::make_unique<MemorySettings>();
+        stored->stored = {{u"Velbrix_Privacy_firstLaunchAccepted"_s, true},
+                          {u"Velbrix_Privacy_consent_uninstall"_s, agreed}};
+        host.platform.settings = std::move(stored);
         install(u"Note"_s, u"org.acme.note"_s);
         lastInstalled().size = 2'000'000;
         install(u"Zed"_s, u"org.zed"_s);
         lastInstalled().version = u"1.2"_s;
         plant(u"Preferences/org.acme.note.plist"_s);
         plant(u"Caches/Evernote"_s);
-        make();
-        privacy = std::make_unique<PrivacyManager>(host.permissions, host.notifications, settings, clock);
+        services = std::make_unique<AppServices>(host.platform, clock);
+        scanner = std::shared_ptr<AppScanner>(std::shared_ptr<void>(), &services->uninstaller);
+        keepMessages();
+        idleAlarms = standingAlarms;
     }
 
+    std::unique_ptr<AppServices> services;
     std::optional<CommandReply> reply;
     CommandReply ask(const QString &words, const QString &name = {},
                      const QMap<QString, QString> &options = {})
@@ -33,7 +37,7 @@ struct Rig : UninstallRig {
         reply.reset();
         const ParsedCommand command = {words, name.isEmpty() ? QStringList() : QStringList{name}, false,
                                        options};
-        handlers().value(words)(command).then([this](CommandReply now) { reply = std::move(now); });
+        commandOf(words)->run(*services, command).then([this](CommandReply now) { reply = std::move(now); });
         until([this] { return reply.has_value(); });
         return reply.value_or(CommandReply{-1, u"…"_s, {}});
     }
@@ -42,9 +46,6 @@ struct Rig : UninstallRig {
         const CommandReply answer = ask(u"apps uninstall"_s, name, options);
         return u"%1 %2"_s.arg(QString::number(answer.exitCode), answer.text);
     }
-    QHash<QString, CommandHandler> handlers() { return appsCommands(*scanner, *privacy); }
-
-    std::unique_ptr<PrivacyManager> privacy;
 };
 
 const QMap<QString, QString> yes = {{u"--yes"_s, {}}};
@@ -131,7 +132,7 @@ private Q_SLOTS:
     {
         Rig rig(false);
         QCOMPARE(rig.text(u"Note"_s, yes), u"1 需要先在 Velbrix 窗口中确认：应用卸载隐私确认"_s);
-        rig.privacy->confirmPendingNotice();
+        rig.services->privacy.confirmPendingNotice();
         QVERIFY(!rig.scanner->isBusy());
         QCOMPARE(rig.text(u"Note"_s, yes), u"0 已卸载「Note」"_s);
     }

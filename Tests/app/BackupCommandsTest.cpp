@@ -1,14 +1,7 @@
-#include "app/commands/BackupCommands.h"
-
-#include "foundation/SettingsStore.h"
-#include "maintenance/backup/FileBackupController.h"
-#include "support/FakeArchiver.h"
-#include "support/FakeSystemSleep.h"
-#include "support/FakeUserNotifications.h"
+#include "app/Tools.h"
+#include "support/FakePlatform.h"
 #include "support/Files.h"
-#include "support/MemorySettings.h"
 #include "support/PatientTest.h"
-#include "support/VirtualClock.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -20,7 +13,7 @@ using namespace velbrix::test;
 
 namespace {
 
-struct Rig {
+struct Rig : ServicesRig {
     Rig()
     {
         for (int n = 0; n < 60; ++n)
@@ -29,17 +22,15 @@ struct Rig {
     }
     ~Rig()
     {
-        controller.reset();
+        services.reset();
         QTest::qWait(20);
     }
     void write(const QString &below) const { writeFile(folder.filePath(below)); }
     CommandReply said(const QString &words, QStringList arguments = {}, QMap<QString, QString> options = {})
     {
         std::optional<CommandReply> reply;
-        const CommandHandler handler = backupCommands(*controller).value(words);
         const ParsedCommand command{words, arguments, false, options};
-        const auto wait = [&]() -> QCoro::Task<> { reply = co_await handler(command); };
-        const QCoro::Task<> waiting = wait();
+        commandOf(words)->run(*services, command).then([&](CommandReply now) { reply = std::move(now); });
         const bool isDone = waitFor([&] { return reply.has_value(); });
         return isDone ? *reply : CommandReply{-1, u"no reply"_s, {}};
     }
@@ -49,13 +40,7 @@ struct Rig {
     }
 
     QTemporaryDir folder;
-    VirtualClock clock;
-    SettingsStore settings{std::make_unique<MemorySettings>(), clock};
-    FakeArchiver archiver{clock};
-    FakeUserNotifications notifications;
-    FakeSystemSleep sleep;
-    std::unique_ptr<FileBackupController> controller = std::make_unique<FileBackupController>(
-        FileBackupController::Hosts{archiver, notifications, sleep}, settings, clock);
+    FileBackupController *const controller = &make().fileBackup;
 };
 
 } // namespace
@@ -122,7 +107,7 @@ private Q_SLOTS:
         const CommandReply reply = rig.said(u"backup run"_s, {u"photos"_s});
         QCOMPARE(reply.exitCode, exitcode::done);
         QCOMPARE(reply.text, u"✓ 压缩完成 · 22 字节"_s);
-        rig.archiver.outcome.exitStatus = 2;
+        rig.host.archiver.outcome.exitStatus = 2;
         const CommandReply failed = rig.said(u"backup run"_s, {rig.controller->tasks().at(0).id});
         QCOMPARE(failed.exitCode, exitcode::refused);
         QCOMPARE(failed.text, u"压缩失败 (exit 2)"_s);

@@ -1,5 +1,4 @@
-#include "app/commands/CleanCommands.h"
-
+#include "app/Tools.h"
 #include "support/FakePlatform.h"
 #include "support/Files.h"
 
@@ -21,7 +20,6 @@ struct Rig : ServicesRig {
         host.settings.stored = {{u"Velbrix_Privacy_firstLaunchAccepted"_s, true},
                                 {u"Velbrix_Privacy_consent_systemCleanup"_s, agreed}};
         make();
-        handlers = cleanCommands(services->cleaner, services->privacy);
         QDir().mkpath(folder + u"/a/b"_s);
         writeFile(folder + u"/file"_s, "1234");
         host.diskUsage.sizes = {{QFile::encodeName(QDir(folder).canonicalPath()), 5000}};
@@ -33,7 +31,7 @@ struct Rig : ServicesRig {
         if (yes)
             command.options.insert(u"--yes"_s, QString());
         std::optional<CommandReply> reply;
-        handlers.value(words)(command).then([&](CommandReply now) { reply = std::move(now); });
+        commandOf(words)->run(*services, command).then([&](CommandReply now) { reply = std::move(now); });
         for (int turn = 0; turn < 5000 && !reply; ++turn) {
             clock.advance(50ms);
             QTest::qWait(1);
@@ -42,7 +40,6 @@ struct Rig : ServicesRig {
     }
     bool isEmpty() const { return QDir(folder).isEmpty(); }
 
-    QHash<QString, CommandHandler> handlers;
     const QString folder = files.filePath(u".npm/_cacache"_s);
 };
 

@@ -1,5 +1,5 @@
-#include "app/commands/Command.h"
 #include "app/CommandServer.h"
+#include "app/Tools.h"
 
 #include <QTest>
 
@@ -105,8 +105,8 @@ private Q_SLOTS:
         QVERIFY(helpText().contains(u"velbrix clean run [清理项 …] [--yes]\n"_s));
         QVERIFY(helpText().contains(u"velbrix backup add <源文件夹> <保存目录> [--kind <backup|sync>]"_s));
         QVERIFY(helpText().contains(u"（wallpaper、recorder、clean、"_s));
-        for (const CommandForm &form : commandForms())
-            QVERIFY2(helpText().contains(u"velbrix "_s + form.words), qPrintable(form.words));
+        for (const Command &command : commands())
+            QVERIFY2(helpText().contains(u"velbrix "_s + command.form.words), qPrintable(command.form.words));
     }
 
     void misuseIsAnsweredWithWhatFits_data()
@@ -121,8 +121,8 @@ private Q_SLOTS:
         QTest::newRow("unknown verb")
             << u"apps remove"_s << u"无法识别的命令。"_s << QStringList{u"apps list"_s, u"apps uninstall"_s};
         QStringList all;
-        for (const CommandForm &form : commandForms())
-            all.append(form.words);
+        for (const Command &command : commands())
+            all.append(command.form.words);
         QTest::newRow("unknown tool") << u"bakup list"_s << u"无法识别的命令。"_s << all;
     }
 
@@ -133,8 +133,8 @@ private Q_SLOTS:
         QFETCH(QStringList, verbs);
         const QString text = misuseText(words.split(u' '));
         QCOMPARE(text.section(u'\n', 0, 0), first);
-        for (const CommandForm &form : commandForms())
-            QCOMPARE(text.contains(u"velbrix "_s + form.words), verbs.contains(form.words));
+        for (const Command &command : commands())
+            QCOMPARE(text.contains(u"velbrix "_s + command.form.words), verbs.contains(command.form.words));
     }
 
     void aReplyTravelsWhole()

@@ -1,3 +1,4 @@
+#include "app/RecordingActions.h"
 #include "support/FakePlatform.h"
 
 #include <QSignalSpy>
@@ -86,12 +87,17 @@ private Q_SLOTS:
     {
         Rig rig;
         QStringList ran;
-        QSignalSpy shown(&rig.privacy(), &PrivacyManager::pendingFeatureNoticeChanged);
-        rig.privacy().guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [&] { ran << u"old"_s; });
-        rig.privacy().guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [&] { ran << u"new"_s; });
+        const auto ask = [&](PrivacyConsentKind kind, const QString &name) {
+            FeaturePrivacyNotice notice = featurePrivacyNotice(kind);
+            notice.onCancel = [&ran, name] { ran << u"no "_s + name; };
+            rig.privacy().guard(notice, [&ran, name] { ran << name; });
+        };
+        ask(PrivacyConsentKind::microphone, u"old"_s);
+        ask(PrivacyConsentKind::microphone, u"same"_s);
+        ask(PrivacyConsentKind::systemAudio, u"new"_s);
         rig.privacy().confirmPendingNotice();
         rig.privacy().confirmPendingNotice();
-        QCOMPARE(ran, QStringList{u"new"_s});
+        QCOMPARE(ran, (QStringList{u"no old"_s, u"no same"_s, u"new"_s}));
     }
 
     void theStatementWaitsForItsCountdown()

@@ -1,5 +1,3 @@
-#include "app/RecordingActions.h"
-
 #include "support/FakePlatform.h"
 
 #include <QTemporaryDir>
@@ -19,7 +17,7 @@ struct Rig : ServicesRig {
     }
     QTemporaryDir folder;
     ScreenRecorderController &recorder = make().recorder;
-    RecordingActions actions{recorder, services->privacy};
+    RecordingActions &actions = services->recordingActions;
 };
 
 } // namespace

@@ -1,5 +1,3 @@
-#include "app/WallpaperActions.h"
-
 #include "support/WallpaperRig.h"
 
 #include <QSignalSpy>
@@ -24,6 +22,11 @@ struct Consents : WallpaperRig {
 struct Rig : Consents {
     explicit Rig(bool accepted = true, bool agreed = true) : Consents(accepted, agreed) {}
 
+    AppServices &made()
+    {
+        wallpaper();
+        return *services;
+    }
     // "" for done, the reason otherwise; a refusal begins with "!".
     QString answer(QCoro::Task<WallpaperActions::Outcome> task)
     {
@@ -34,7 +37,7 @@ struct Rig : Consents {
         return *outcome ? **outcome : u"!"_s + outcome->error().message;
     }
 
-    WallpaperActions actions{wallpaper(), services->privacy};
+    WallpaperActions &actions = made().wallpaperActions;
     const QString a = video(u"a.mp4"_s);
     const QString b = video(u"b.mp4"_s);
 };
@@ -50,7 +53,7 @@ private Q_SLOTS:
     void theStatementComesFirst()
     {
         Rig rig(false);
-        QSignalSpy needed(&rig.actions, &WallpaperActions::statementNeeded);
+        QSignalSpy needed(&rig.services->privacy, &PrivacyManager::statementNeeded);
         const QString open = u"!尚未完成首启声明确认。请先在 Velbrix 窗口中确认。"_s;
         QCOMPARE(rig.answer(rig.actions.playVideo(rig.a)), open);
         QCOMPARE(rig.answer(rig.actions.play()), open);

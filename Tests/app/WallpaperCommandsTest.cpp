@@ -1,6 +1,4 @@
-#include "app/commands/WallpaperCommands.h"
-
-#include "app/WallpaperActions.h"
+#include "app/Tools.h"
 #include "support/WallpaperRig.h"
 
 #include <QJsonArray>
@@ -36,7 +34,7 @@ struct Rig : TwoDisplays {
         if (!display.isEmpty())
             command.options.insert(u"--display"_s, display);
         reply.reset();
-        handlers.value(words)(command).then([this](CommandReply now) { reply = std::move(now); });
+        commandOf(words)->run(*services, command).then([this](CommandReply now) { reply = std::move(now); });
         return reply.value_or(CommandReply{-1, u"…"_s, {}});
     }
     QString text(const QString &words, const QStringList &arguments = {}, const QString &display = {})
@@ -45,8 +43,6 @@ struct Rig : TwoDisplays {
         return u"%1 %2"_s.arg(QString::number(answer.exitCode), answer.text);
     }
 
-    WallpaperActions actions{wallpaper(), services->privacy};
-    const QHash<QString, CommandHandler> handlers = wallpaperCommands(*services, actions);
     const QString a = video(u"a.mp4"_s);
     const QString b = video(u"b.mp4"_s);
 };

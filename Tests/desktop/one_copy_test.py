@@ -1,7 +1,10 @@
 """One copy of the program at a time, whatever became of the one before."""
 
+import signal
+import time
 import unittest
 
+import movie
 from desktop import DONE, NOT_RUNNING, RUNTIME, DesktopTestCase, active_window_pid, output_of, wait_until, windows_of
 
 
@@ -35,6 +38,25 @@ class OneCopy(DesktopTestCase):
         self.assertEqual(killed.run("status").returncode, NOT_RUNNING)
         program = self.start("--background")
         self.assertEqual(program.status()["pid"], program.pid)
+
+    def test_a_start_during_the_end_comes_after_it(self):
+        ending = self.start_hidden()
+        made = ending.do("record", "start")["file"]
+        ending.wait_for_recording(1)
+        ending.do("quit")
+        sign = RUNTIME / "velbrix/instance.leaving"
+        wait_until(lambda: sign.exists() or ending.process.poll() is not None, "the first copy ends")
+        ending.process.send_signal(signal.SIGSTOP)
+        program = self.launch()
+        time.sleep(0.5)
+        self.assertIsNone(program.process.poll())
+        self.assertEqual(windows_of(program.pid), [])
+        ending.process.send_signal(signal.SIGCONT)
+        self.assertEqual(ending.process.wait(10), DONE)
+        self.assertGreaterEqual(movie.probe(made)[1], 1)
+        program.wait_for_window()
+        self.assertEqual(program.wait_until_ready().status()["pid"], program.pid)
+        self.assertNotIn("Velbrix_ScreenRecord_unfinishedFiles", program.settings())
 
     def test_many_starts_at_once(self):
         self.prepare()

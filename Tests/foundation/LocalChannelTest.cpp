@@ -1,6 +1,7 @@
 #include "foundation/LocalChannel.h"
 
 #include "foundation/RuntimeFolder.h"
+#include "foundation/SystemClock.h"
 #include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/PatientTest.h"
@@ -18,7 +19,7 @@ using namespace velbrix::test;
 
 namespace {
 
-QCoro::Task<QJsonObject> echo(QJsonObject request)
+QCoro::Task<QJsonObject> echo(QJsonObject request, LocalChannelServer::Progress)
 {
     request[u"echo"_s] = true;
     co_return request;
@@ -52,6 +53,66 @@ private Q_SLOTS:
         LocalChannelServer server(echo, clock);
         QVERIFY(server.listen(path));
         QVERIFY(ask({}));
+    }
+
+    void progressComesBeforeTheAnswer()
+    {
+        VirtualClock clock;
+        const auto inSteps = [&clock](QJsonObject,
+                                      LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
+            progress({{u"share"_s, 0.5}});
+            co_await Pause(clock, 1min);
+            co_return QJsonObject{{u"done"_s, true}};
+        };
+        LocalChannelServer server(inSteps, clock);
+        QVERIFY(server.listen(path));
+        QList<QJsonObject> told;
+        std::optional<ChannelAnswer> answer;
+        askLocalChannel(path, {}, clock, [&](const QJsonObject &now) {
+            told.append(now);
+        }).then([&](ChannelAnswer got) { answer = std::move(got); });
+        const QJsonObject half = {{u"share"_s, 0.5}};
+        QTRY_COMPARE(told, QList<QJsonObject>{half});
+        // A server that works on it is not taken for one that has gone.
+        QVERIFY(waitFor([&] { return clock.advance(1s), answer.has_value(); }));
+        QCOMPARE(answer->value(), (QJsonObject{{u"done"_s, true}}));
+    }
+
+    void aSilentServerIsGivenUp()
+    {
+        VirtualClock clock;
+        QLocalServer mute;
+        QVERIFY(mute.listen(path));
+        std::optional<ChannelAnswer> answer;
+        askLocalChannel(path, {}, clock).then([&](ChannelAnswer got) { answer = std::move(got); });
+        QTRY_VERIFY(mute.hasPendingConnections());
+        clock.advance(19s);
+        QCoreApplication::processEvents();
+        QVERIFY(!answer);
+        clock.advance(1s);
+        QTRY_VERIFY(answer);
+        QCOMPARE(answer->error().message, u"Velbrix 没有答复"_s);
+    }
+
+    void theWorkGoesOnWithoutTheClient()
+    {
+        VirtualClock clock;
+        bool isDone = false;
+        const auto work = [&](QJsonObject,
+                              LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
+            co_await Pause(clock, 10s);
+            progress({{u"share"_s, 1}});
+            isDone = true;
+            co_return QJsonObject();
+        };
+        LocalChannelServer server(work, clock);
+        QVERIFY(server.listen(path));
+        auto socket = std::make_unique<QLocalSocket>();
+        socket->connectToServer(path);
+        socket->write("{}\n");
+        QTRY_VERIFY(clock.pendingCount() > 1); // it has begun
+        socket.reset();
+        QVERIFY(waitFor([&] { return clock.advance(1s), isDone; }));
     }
 
     void badClientsAreHungUpOn_data()
@@ -140,12 +201,11 @@ private Q_SLOTS:
     }
 
 private:
-    using Answer = std::expected<QJsonObject, ChannelFailure>;
-
-    Answer ask(const QJsonObject &request)
+    ChannelAnswer ask(const QJsonObject &request)
     {
-        std::optional<Answer> answer;
-        askLocalChannel(path, request).then([&](Answer got) { answer = std::move(got); });
+        SystemClock clock;
+        std::optional<ChannelAnswer> answer;
+        askLocalChannel(path, request, clock).then([&](ChannelAnswer got) { answer = std::move(got); });
         if (!waitFor([&] { return answer.has_value(); }))
             return std::unexpected(ChannelFailure{false, u"no answer"_s});
         return *answer;

@@ -47,6 +47,11 @@ public:
         return _unhideObservers.add(std::move(unhidden));
     }
 
+    Observation observeReopen(std::function<void()> reopened) override
+    {
+        return _reopenObservers.add(std::move(reopened));
+    }
+
     void setTrayHost(bool present)
     {
         trayHost = present;
@@ -58,11 +63,14 @@ public:
         _themeObservers.notify();
     }
     void unhide() { _unhideObservers.notify(); }
+    // The user opens the running program again.
+    void reopen() { _reopenObservers.notify(); }
 
 private:
     ObserverList<void()> _trayObservers;
     ObserverList<void()> _themeObservers;
     ObserverList<void()> _unhideObservers;
+    ObserverList<void()> _reopenObservers;
 };
 
 } // namespace velbrix::test

@@ -15,7 +15,7 @@ public:
     QList<TrayMenuItem> menu;
     bool trayShowsRecording = false;
     std::function<void()> clicked;
-    std::function<void(TrayItemId)> chosen;
+    std::function<void(const QString &id)> chosen;
 
     void showMainWindow(const std::optional<QRect> &wanted) override
     {
@@ -32,7 +32,7 @@ public:
     bool isMainWindowVisible() const override { return visible; }
     std::optional<QRect> mainWindowFrame() const override { return frame; }
     void createTray(const QList<TrayMenuItem> &items, std::function<void()> onClick,
-                    std::function<void(TrayItemId)> onChoice) override
+                    std::function<void(const QString &id)> onChoice) override
     {
         calls << QStringLiteral("createTray");
         menu = items;

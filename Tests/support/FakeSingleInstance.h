@@ -10,20 +10,28 @@ namespace velbrix::test {
 
 class FakeSingleInstance final : public SingleInstance {
 public:
-    bool isTaken = false; // another copy holds the place
-    QStringList calls;    // "claim", "wakeOther", "observeWake"
+    bool isTaken = false;   // another copy holds the place
+    bool isLeaving = false; // and goes before it can be woken
+    QStringList calls;      // "claim", "wakeOther", "observeWake", "leave"
 
     bool claim() override
     {
         calls.append(QStringLiteral("claim"));
         return !isTaken;
     }
-    void wakeOther() override { calls.append(QStringLiteral("wakeOther")); }
+    bool wakeOther() override
+    {
+        calls.append(QStringLiteral("wakeOther"));
+        if (isLeaving)
+            isTaken = false;
+        return !isLeaving;
+    }
     Observation observeWake(std::function<void()> wake) override
     {
         calls.append(QStringLiteral("observeWake"));
         return _observers.add(std::move(wake));
     }
+    void leave() override { calls.append(QStringLiteral("leave")); }
 
     // A later copy asks this one to come forward.
     void wake() { _observers.notify(); }

@@ -32,8 +32,9 @@ struct UninstallRig {
     VirtualClock clock;
     FakePlatform host{clock};
     SettingsStore settings{std::move(host.platform.settings), clock};
-    std::unique_ptr<AppScanner> scanner;
-    QString message; // of the last ending
+    std::shared_ptr<AppScanner> scanner;
+    QString message;    // of the last ending
+    int idleAlarms = 0; // that wait whatever happens
 
     QString home(const QString &path = {}) const
     {
@@ -63,10 +64,14 @@ struct UninstallRig {
     AppScanner &make()
     {
         const AppScanner::Hosts hosts = {host.applications, host.diskUsage, host.trash, host.programs};
-        scanner = std::make_unique<AppScanner>(hosts, settings, clock, journal());
+        scanner = std::make_shared<AppScanner>(hosts, settings, clock, journal());
+        keepMessages();
+        return *scanner;
+    }
+    void keepMessages()
+    {
         QObject::connect(scanner.get(), &AppScanner::finished, scanner.get(),
                          [this](const QString &text) { message = text; });
-        return *scanner;
     }
     AppScanner &scanned()
     {
@@ -120,7 +125,7 @@ struct UninstallRig {
             QCoreApplication::processEvents();
             if (isSo())
                 break;
-            if (clock.pendingCount() > 0)
+            if (clock.pendingCount() > idleAlarms)
                 clock.advance(std::chrono::milliseconds(10));
             else
                 QTest::qWait(1);

@@ -1,4 +1,6 @@
+#include "app/Tools.h"
 #include "support/WindowRig.h"
+#include "views/Page.h"
 #include "views/StatusItem.h"
 
 #include <QAction>
@@ -7,6 +9,7 @@
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace velbrix;
 using namespace velbrix::test;
 
@@ -35,6 +38,7 @@ private Q_SLOTS:
     void tabsByKeyboard();
     void trayMenu();
     void recordingShowsInTray();
+    void nothingIsBegunWhileTheProgramEnds();
 };
 
 void DesktopShellTest::closingHidesAndShowingRestores()
@@ -90,16 +94,17 @@ void DesktopShellTest::tabsByKeyboard()
     rig.start();
     QVERIFY(rig.find(u"wallpaperPage"_s));
     QVERIFY(!rig.window()->findChild<QWidget *>(u"settingsPage"_s)); // made when first shown
-    for (const AppTabInfo &tab : appTabs()) {
-        rig.key(static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(tab.tab)), Qt::ControlModifier);
-        QVERIFY(rig.button(u"tab."_s + tab.identifier)->isChecked());
+    for (qsizetype i = 0; i < tools().size(); ++i) {
+        rig.key(static_cast<Qt::Key>(Qt::Key_1 + i), Qt::ControlModifier);
+        QVERIFY(rig.button(u"tab."_s + tools()[i].identifier)->isChecked());
+        QCOMPARE(rig.window()->findChildren<Page *>().size(), i + 1); // each tool has its own
     }
     QVERIFY(rig.find(u"settingsPage"_s));
     rig.button(u"tab.settings"_s)->setFocus();
     rig.key(Qt::Key_Up);
-    QVERIFY(rig.services->router.activeTab() == appTabs()[appTabs().size() - 2].tab);
+    QCOMPARE(rig.services->router.activeTab(), tools()[tools().size() - 2].identifier);
     rig.key(Qt::Key_Down);
-    QVERIFY(rig.services->router.activeTab() == AppTab::settings);
+    QCOMPARE(rig.services->router.activeTab(), u"settings"_s);
 }
 
 void DesktopShellTest::trayMenu()
@@ -131,11 +136,26 @@ void DesktopShellTest::recordingShowsInTray()
     QVERIFY(!item.picture().isMask()); // a template would lose the red
     QVERIFY(picture().pixelColor(26, 26).red() > 200 && picture().pixelColor(26, 26).green() < 100);
     QVERIFY(action(item, u"停止当前录制"_s));
-    QVERIFY(rig.find(u"recordingRing"_s));
+    QVERIFY(rig.find(u"ring.recorder"_s));
     rig.services->recorder.stop();
     QTRY_VERIFY(!rig.services->recorder.isRecording());
     QCOMPARE(picture(), resting);
-    QVERIFY(!rig.find(u"recordingRing"_s));
+    QVERIFY(!rig.find(u"ring.recorder"_s));
+}
+
+void DesktopShellTest::nothingIsBegunWhileTheProgramEnds()
+{
+    WindowRig rig;
+    rig.host.screenCapture.nextSession->stopDelay = 1s;
+    rig.start();
+    rig.services->router.show(u"recorder"_s);
+    rig.services->recorder.startFullScreen();
+    QTRY_VERIFY(rig.services->recorder.isRecording());
+    QVERIFY(rig.find(u"recorderPage"_s)->isEnabled());
+    rig.delegate->quitApp();
+    QVERIFY(!rig.find(u"recorderPage"_s)->isEnabled());
+    QVERIFY(!rig.button(u"tab.settings"_s)->isEnabled());
+    QVERIFY(rig.until([&] { return !rig.services->recorder.isProcessing(); }));
 }
 
 QTEST_MAIN(DesktopShellTest)

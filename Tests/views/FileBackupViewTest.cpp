@@ -33,7 +33,7 @@ struct Rig : WindowRig {
     void open()
     {
         start();
-        services->router.show(AppTab::fileBackup);
+        services->router.show(u"backup"_s);
     }
     FileBackupController &backups() const { return services->fileBackup; }
     void choose(const QString &field, const QString &folder) const

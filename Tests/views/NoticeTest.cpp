@@ -41,7 +41,7 @@ void NoticeTest::firstLaunchCountsDownBeforeItMayBeConfirmed()
     rig.key(Qt::Key_Escape);
     rig.key(Qt::Key_2, Qt::ControlModifier);
     QVERIFY(rig.button(u"noticeConfirm"_s));
-    QVERIFY(rig.services->router.activeTab() == AppTab::wallpaper);
+    QCOMPARE(rig.services->router.activeTab(), u"wallpaper"_s);
 
     rig.clock.advance(7s);
     QCOMPARE(confirm->text(), u"我已阅读并同意"_s);

@@ -34,7 +34,7 @@ struct Rig : WindowRig {
     void start()
     {
         WindowRig::start();
-        services->router.show(AppTab::recorder);
+        services->router.show(u"recorder"_s);
     }
     void consentTo(PrivacyConsentKind kind)
     {
@@ -173,7 +173,7 @@ void RecorderPageTest::leavingStopsThumbnails()
     rig.host.screenCapture.imageDelay = 1s;
     rig.start();
     QVERIFY(rig.recorder().windows().isLoadingWindowThumbs());
-    rig.services->router.show(AppTab::settings);
+    rig.services->router.show(u"settings"_s);
     QVERIFY(!rig.recorder().windows().isLoadingWindowThumbs());
     rig.clock.advance(5s);
     QCOMPARE(rig.host.screenCapture.calls.filter(u"windowImage"_s).size(), 1);

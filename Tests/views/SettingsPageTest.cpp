@@ -13,7 +13,7 @@ struct Rig : WindowRig {
     void open()
     {
         start();
-        services->router.show(AppTab::settings);
+        services->router.show(u"settings"_s);
     }
     void press(quint32 keyCode, quint32 modifiers)
     {
@@ -101,7 +101,7 @@ void SettingsPageTest::leavingCancelsTheCapture()
     QTest::mouseClick(rig.button(u"shortcut.recordToggle.chord"_s), Qt::LeftButton);
     QVERIFY(rig.services->hotkeys.captureTarget() == HotkeyAction::recordToggle);
     if (byTab)
-        rig.services->router.show(AppTab::recorder);
+        rig.services->router.show(u"recorder"_s);
     else
         rig.find(u"loginItem"_s)->setFocus();
     QVERIFY(rig.services->hotkeys.captureTarget() == HotkeyAction::none);
@@ -169,8 +169,8 @@ void SettingsPageTest::notificationsAreAskedAtTheSystem()
     rig.open();
     QTRY_VERIFY(rig.texts(u"permission.2"_s).contains(u"未授予"_s));
     rig.host.notifications.current.authorization = u"authorized"_s;
-    rig.services->router.show(AppTab::recorder);
-    rig.services->router.show(AppTab::settings);
+    rig.services->router.show(u"recorder"_s);
+    rig.services->router.show(u"settings"_s);
     QTRY_VERIFY(rig.texts(u"permission.2"_s).contains(u"✓ 已授予"_s));
 }
 

@@ -28,7 +28,7 @@ struct Rig : WindowRig {
     void start()
     {
         WindowRig::start();
-        services->router.show(AppTab::systemClean);
+        services->router.show(u"clean"_s);
     }
     void consent() { host.settings.stored.insert(u"Velbrix_Privacy_consent_systemCleanup"_s, true); }
     SystemCleaner &cleaner() { return services->cleaner; }
@@ -101,8 +101,8 @@ void SystemCleanupViewTest::sizesAppear()
     QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"包管理器缓存"_s));
     QCOMPARE(rig.host.diskUsage.calls.size(), 1);
     // Shown again it does not begin anew; the button does.
-    rig.services->router.show(AppTab::settings);
-    rig.services->router.show(AppTab::systemClean);
+    rig.services->router.show(u"settings"_s);
+    rig.services->router.show(u"clean"_s);
     QCOMPARE(rig.host.diskUsage.calls.size(), 1);
     rig.host.diskUsage.sizes[rig.native(u"cache/google-chrome"_s)] = 9'000'000;
     QTRY_VERIFY(rig.isEnabled(u"cleanupRecalculate"_s));
@@ -250,7 +250,7 @@ void SystemCleanupViewTest::questionIsCalledOff()
     rig.key(Qt::Key_Space);
     QVERIFY(rig.find(u"confirmation"_s));
     rig.key(Qt::Key_1, Qt::ControlModifier); // nothing behind it can be reached
-    QVERIFY(rig.services->router.activeTab() == AppTab::systemClean);
+    QCOMPARE(rig.services->router.activeTab(), u"clean"_s);
     if (byKey)
         rig.key(Qt::Key_Escape);
     else

@@ -66,7 +66,7 @@ struct Rig : WindowRig {
     void open()
     {
         start();
-        services->router.show(AppTab::uninstaller);
+        services->router.show(u"apps"_s);
         QVERIFY(until([this] { return !scanner().isScanning(); }));
     }
     AppScanner &scanner() const { return services->uninstaller; }
@@ -166,7 +166,7 @@ void UninstallViewTest::listLooks()
         rig.scanner().scan();
         QVERIFY(rig.until(hasScanned));
     }
-    rig.services->router.show(AppTab::uninstaller);
+    rig.services->router.show(u"apps"_s);
     QVERIFY(rig.until(hasScanned));
     if (!search.isEmpty())
         QTest::keyClicks(rig.find<QLineEdit>(u"appSearch"_s), search);
@@ -391,10 +391,10 @@ void UninstallViewTest::aSheetGoesWithItsPage()
         QVERIFY(rig.find(u"uninstallReview"_s)->isAncestorOf(rig.window()->focusWidget()));
     }
     rig.key(Qt::Key_1, Qt::ControlModifier);
-    QVERIFY(rig.services->router.activeTab() == AppTab::uninstaller);
-    rig.services->router.show(AppTab::settings);
+    QCOMPARE(rig.services->router.activeTab(), u"apps"_s);
+    rig.services->router.show(u"settings"_s);
     QVERIFY(!rig.find(u"uninstallReview"_s));
-    rig.services->router.show(AppTab::uninstaller);
+    rig.services->router.show(u"apps"_s);
     QVERIFY(rig.find(u"uninstallReview"_s));
 }
 

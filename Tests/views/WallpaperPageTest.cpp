@@ -262,7 +262,7 @@ void WallpaperPageTest::previewRestsOutOfSight()
 
     switch (way) {
     case 0:
-        rig.services->router.show(AppTab::settings);
+        rig.services->router.show(u"settings"_s);
         break;
     case 1:
         rig.window()->hide();
@@ -276,7 +276,7 @@ void WallpaperPageTest::previewRestsOutOfSight()
     }
     QTRY_VERIFY(rig.host.surfaces.previews.isEmpty());
     rig.window()->showNormal();
-    rig.services->router.show(AppTab::wallpaper);
+    rig.services->router.show(u"wallpaper"_s);
     QCOMPARE(corner(), QColor(Qt::blue));
 }
 
@@ -414,11 +414,11 @@ void WallpaperPageTest::leavingLetsGoOfThePictures()
     rig.clock.advance(100ms);
     const VideoFolder &folder = rig.wallpaper().folder();
     QTRY_VERIFY(!folder.thumbnail(path).isNull());
-    rig.services->router.show(AppTab::settings);
+    rig.services->router.show(u"settings"_s);
     QVERIFY(folder.thumbnail(path).isNull());
     rig.clock.advance(1s);
     QVERIFY(folder.thumbnail(path).isNull());
-    rig.services->router.show(AppTab::wallpaper);
+    rig.services->router.show(u"wallpaper"_s);
     rig.grid();
     rig.clock.advance(100ms);
     QTRY_VERIFY(!folder.thumbnail(path).isNull());

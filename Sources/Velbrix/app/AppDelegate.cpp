@@ -2,7 +2,8 @@
 
 #include "app/AppServices.h"
 #include "app/CommandServer.h"
-#include "foundation/Deployment.h"
+#include "app/Shell.h"
+#include "app/Tools.h"
 #include "foundation/Log.h"
 #include "platform/Platform.h"
 
@@ -24,29 +25,35 @@ AppDelegate::AppDelegate(AppServices &services, Shell &shell, QObject *parent)
     : QObject(parent),
       _services(services),
       _shell(shell),
-      _recording(services.recorder, services.privacy),
-      _wallpaper(services.wallpaper, services.privacy),
       _banners(services, shell),
       _window(services, shell),
-      _tray(services, shell, [this](TrayItemId item) { chosenFromTray(item); }),
-      _wallpaperLaunch(services, [this] { _tray.refresh(true); }),
-      _quit(services)
+      _tray(services, shell)
 {
 }
 
 AppDelegate::~AppDelegate() = default;
 
-AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground)
+bool AppDelegate::claimPlace(SingleInstance &place, bool inBackground)
+{
+    // A copy that cannot be woken has begun to end after the first claim.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (place.claim())
+            return true;
+        if (inBackground || place.wakeOther())
+            return false;
+    }
+    return false;
+}
+
+void AppDelegate::applicationDidFinishLaunching(bool inBackground)
 {
     Platform &host = _services.platform;
-    if (!host.singleInstance->claim()) {
-        if (!inBackground)
-            host.singleInstance->wakeOther();
-        return Launch::otherCopyRuns;
-    }
     _observers.push_back(host.singleInstance->observeWake([this] { showWindow(); }));
     _services.settings.tidy();
-    _wallpaperLaunch.recoverAfterCrash();
+    for (const Tool &tool : tools()) {
+        if (tool.launch)
+            tool.launch(_services);
+    }
     host.desktop->setAccessoryPresence();
     _tray.createStatusItem();
     _localKeyMonitor = host.keys->observeLocal(
@@ -56,32 +63,31 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching(bool inBackground
     setUpUserNotifications();
     _tray.refresh(true);
     _tray.scheduleMenuRefresh(_isAppActive);
-    followState();
-    _wallpaperLaunch.scheduleRestore();
+    observeHost();
+    followServices();
+    _banners.follow();
 
-    _commands = std::make_unique<CommandServer>(_services, *this);
+    _commands = std::make_unique<CommandServer>(_services);
     if (const auto listening = _commands->listen(); !listening)
         log::line(u"Velbrix"_s, u"command line unavailable: "_s + listening.error().message);
 
     const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
     _services.settings.remove(showWindowKey);
-    _banners.tellOfStart();
     if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
         showWindow();
     else
         _window.startHidden();
-    return Launch::running;
 }
 
 void AppDelegate::showWindow()
 {
-    if (!_isQuitting)
+    if (!_services.quit.isEnding())
         _window.show();
 }
 
 bool AppDelegate::windowShouldClose()
 {
-    if (_isQuitting)
+    if (_services.quit.isEnding())
         return true;
     // No key works while one is being captured.
     _services.hotkeys.cancelCapture();
@@ -91,10 +97,6 @@ bool AppDelegate::windowShouldClose()
 
 void AppDelegate::applicationDidBecomeActive()
 {
-    // Opened again from the Dock or the file manager: nothing else activates a
-    // program whose window is hidden.
-    if (_services.isInBackground() && !_shell.isMainWindowVisible())
-        applicationShouldHandleReopen();
     if (std::exchange(_isAppActive, true))
         return;
     _tray.scheduleMenuRefresh(_isAppActive);
@@ -119,27 +121,16 @@ void AppDelegate::showPrivacyStatement()
     _shell.showPrivacyStatement();
 }
 
-void AppDelegate::openRecordPanel()
-{
-    _services.router.show(AppTab::recorder);
-    showWindow();
-}
-
 void AppDelegate::quitApp()
 {
-    if (std::exchange(_isQuitting, true))
-        return;
-    _wallpaperLaunch.cancel();
-    _quit.begin();
+    _services.quit.begin();
 }
 
 void AppDelegate::applicationWillTerminate()
 {
     if (std::exchange(_terminated, true))
         return;
-    _isQuitting = true;
-    _wallpaperLaunch.cancel();
-    _quit.stopWallpaper();
+    _services.quit.endAtOnce();
     _localKeyMonitor.reset();
     _observers.clear();
     _commands.reset();
@@ -155,25 +146,38 @@ void AppDelegate::observeNotifications()
     const auto observe = [this](const QString &name, NotificationCenter::Observer observer) {
         _observers.push_back(_services.notifications.observe(name, std::move(observer)));
     };
-    const auto observeHotkey = [&](HotkeyAction action, std::function<void()> act) {
-        observe(hotkeyActionInfo(action).notification, [this, act = std::move(act)](const QVariantMap &) {
-            if (!_isQuitting)
-                act();
-        });
-    };
-    observeHotkey(HotkeyAction::recordToggle, [this] { _recording.toggleQuickly(); });
-    observeHotkey(HotkeyAction::hideDesktopIcons, [this] { toggleHideDesktopIcons(); });
-    observeHotkey(HotkeyAction::hideDock, [this] { _services.wallpaper.toggleDockAutoHide(); });
+    for (const Tool &tool : tools()) {
+        for (const ToolHotkey &hotkey : tool.hotkeys)
+            observe(hotkeyActionInfo(hotkey.action).notification, [this, &hotkey](const QVariantMap &) {
+                if (!_services.quit.isEnding())
+                    hotkey.act(_services);
+            });
+    }
     observe(bannerToastNotification,
             [this](const QVariantMap &userInfo) { _services.toasts.show(toastFromUserInfo(userInfo)); });
 }
 
-void AppDelegate::toggleHideDesktopIcons()
+void AppDelegate::observeHost()
 {
-    if (_services.wallpaper.preferences().hideDesktopIconsEnabled())
-        _services.wallpaper.toggleHideDesktopIcons();
-    else
-        _banners.tellIconsStay();
+    DesktopServices &desktop = *_services.platform.desktop;
+    _observers.push_back(desktop.observeUnhide([this] { applicationDidUnhide(); }));
+    _observers.push_back(desktop.observeReopen([this] { applicationShouldHandleReopen(); }));
+}
+
+void AppDelegate::followServices()
+{
+    connect(&_services.router, &AppRouter::windowWanted, this, &AppDelegate::showWindow);
+    connect(&_services.router, &AppRouter::statementWanted, this, &AppDelegate::showPrivacyStatement);
+    connect(&_services.quit, &QuitSequence::isEndingChanged, this,
+            [this] { _services.platform.singleInstance->leave(); });
+    connect(&_services.quit, &QuitSequence::finished, this, &AppDelegate::finishQuit);
+    const PrivacyManager &privacy = _services.privacy;
+    connect(&privacy, &PrivacyManager::statementNeeded, this, &AppDelegate::showWindow);
+    // A notice that waits behind a hidden window would never be answered.
+    connect(&privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this, &privacy] {
+        if (privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())
+            showWindow();
+    });
 }
 
 QCoro::Task<> AppDelegate::setUpUserNotifications()
@@ -192,65 +196,6 @@ QCoro::Task<> AppDelegate::setUpUserNotifications()
     if (!self)
         co_return;
     log::line(u"Notify"_s, u"status=%1 alert=%2"_s.arg(settings.authorization, settings.alert));
-}
-
-void AppDelegate::followState()
-{
-    connect(&_recording, &RecordingActions::statementNeeded, this, &AppDelegate::showWindow);
-    connect(&_wallpaper, &WallpaperActions::statementNeeded, this, &AppDelegate::showWindow);
-    connect(&_wallpaper, &WallpaperActions::stopped, this, [this] { _wallpaperLaunch.cancel(); });
-    connect(&_quit, &QuitSequence::finished, this, &AppDelegate::finishQuit);
-    _banners.follow();
-    _observers.push_back(_services.platform.desktop->observeUnhide([this] { applicationDidUnhide(); }));
-    // A notice that waits behind a hidden window would never be answered.
-    connect(&_services.privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this] {
-        if (_services.privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())
-            showWindow();
-    });
-}
-
-void AppDelegate::chosenFromTray(TrayItemId item)
-{
-    if (_isQuitting)
-        return;
-    switch (item) {
-    case TrayItemId::open:
-        showWindow();
-        break;
-    case TrayItemId::wallpaperPlay:
-        _wallpaper.togglePlayPause();
-        break;
-    case TrayItemId::wallpaperStop:
-        _wallpaper.stop();
-        break;
-    case TrayItemId::recordToggle:
-        _recording.toggleQuickly();
-        break;
-    case TrayItemId::recordPanel:
-        openRecordPanel();
-        break;
-    case TrayItemId::privacy:
-        showPrivacyStatement();
-        break;
-    case TrayItemId::remoteCheck:
-        checkRemoteConfig();
-        break;
-    case TrayItemId::quit:
-        quitApp();
-        break;
-    case TrayItemId::separator:
-    case TrayItemId::wallpaperHeader:
-    case TrayItemId::recordHeader:
-        break;
-    }
-}
-
-void AppDelegate::checkRemoteConfig()
-{
-    const QString reason = deployment::productServer().isEmpty()
-                               ? u"此安装没有配置产品服务器，无法检查更新与公告。"_s
-                               : u"此版本还不能读取更新与公告，请到产品网站查看。"_s;
-    _banners.show(u"检查更新与公告"_s, reason, u"info.circle"_s);
 }
 
 void AppDelegate::finishQuit()

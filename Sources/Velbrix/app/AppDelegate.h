@@ -1,12 +1,7 @@
 #pragma once
 
 #include "app/Banners.h"
-#include "app/QuitSequence.h"
-#include "app/RecordingActions.h"
-#include "app/Shell.h"
 #include "app/TrayController.h"
-#include "app/WallpaperActions.h"
-#include "app/WallpaperLaunch.h"
 #include "app/WindowPresence.h"
 #include "foundation/NotificationCenter.h"
 #include "platform/KeyMonitor.h"
@@ -21,6 +16,8 @@ namespace velbrix {
 
 class AppServices;
 class CommandServer;
+class Shell;
+class SingleInstance;
 
 // The program's life: one copy only, tray icon and menu, the main window
 // shown and hidden, hot keys routed, banners, a clean end.
@@ -31,10 +28,13 @@ public:
     AppDelegate(AppServices &services, Shell &shell, QObject *parent = nullptr);
     ~AppDelegate() override;
 
-    enum class Launch { running, otherCopyRuns };
-    // The whole start-up in its order. With another copy running nothing was
-    // set up: that copy has been woken and this program should end.
-    Launch applicationDidFinishLaunching(bool inBackground);
+    // Whether this copy may start; else the one that runs has been woken, unless
+    // this one was to stay in the background. To be asked before the services
+    // are made: a copy that is about to end still writes what they read.
+    static bool claimPlace(SingleInstance &place, bool inBackground);
+
+    // The whole start-up in its order.
+    void applicationDidFinishLaunching(bool inBackground);
 
     void showWindow();
     // The window's close button: true when the window may really close.
@@ -45,14 +45,11 @@ public:
     void applicationDidUnhide();
 
     void showPrivacyStatement();
-    void openRecordPanel();
-    // Stops the wallpaper, completes a running recording, then ends the program.
+    // Ends what runs, then the program.
     void quitApp();
     // The last clean-up, also when the system ends the program. Safe twice.
     void applicationWillTerminate();
 
-    RecordingActions &recording() { return _recording; }
-    WallpaperActions &wallpaper() { return _wallpaper; }
     const QString &lastTraySignature() const { return _tray.lastTraySignature(); }
 
 Q_SIGNALS:
@@ -61,25 +58,18 @@ Q_SIGNALS:
 
 private:
     void observeNotifications();
-    void toggleHideDesktopIcons();
+    void observeHost();
+    void followServices();
     QCoro::Task<> setUpUserNotifications();
-    void followState();
-    void chosenFromTray(TrayItemId item);
-    void checkRemoteConfig();
     void finishQuit();
 
     AppServices &_services;
     Shell &_shell;
-    RecordingActions _recording;
-    WallpaperActions _wallpaper;
     Banners _banners;
     WindowPresence _window;
     TrayController _tray;
-    WallpaperLaunch _wallpaperLaunch;
-    QuitSequence _quit;
     std::unique_ptr<CommandServer> _commands;
 
-    bool _isQuitting = false;
     bool _terminated = false;
     Observation _localKeyMonitor;
     std::vector<Observation> _observers;

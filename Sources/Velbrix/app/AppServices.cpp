@@ -1,5 +1,6 @@
 #include "app/AppServices.h"
 
+#include "app/Tools.h"
 #include "foundation/Paths.h"
 #include "foundation/RuntimeFolder.h"
 #include "platform/Platform.h"
@@ -40,6 +41,14 @@ QList<QByteArray> ownPlaces()
     return canonical;
 }
 
+void shutDownTools(AppServices &services)
+{
+    for (const Tool &tool : tools()) {
+        if (tool.shutDown)
+            tool.shutDown(services);
+    }
+}
+
 } // namespace
 
 AppServices::AppServices(Platform &host, Clock &time)
@@ -62,7 +71,10 @@ AppServices::AppServices(Platform &host, Clock &time)
               cleanupCatalog(host.family), ownPlaces()),
       fileBackup({*host.archiver, *host.notifications, *host.sleep}, settings, time),
       uninstaller({*host.applications, *host.diskUsage, *host.trash, *host.programs}, settings, time,
-                  dataFolder() + u"/uninstalls.json"_s)
+                  dataFolder() + u"/uninstalls.json"_s),
+      recordingActions(recorder, privacy),
+      wallpaperActions(wallpaper, privacy, time),
+      quit(time, allJobs(*this), [this] { shutDownTools(*this); })
 {
     recorder.setUp();
 }

@@ -3,7 +3,10 @@
 #include "app/AppRouter.h"
 #include "app/HotkeyManager.h"
 #include "app/PrivacyManager.h"
+#include "app/QuitSequence.h"
+#include "app/RecordingActions.h"
 #include "app/Toast.h"
+#include "app/WallpaperActions.h"
 #include "capture/ScreenRecorderController.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/Published.h"
@@ -32,7 +35,8 @@ public:
     ~AppServices() override;
 
     // The one instance of the running program, made on first access and never
-    // destroyed. Tests make their own instead.
+    // destroyed; main.cpp has it, as it takes a host to link. Tests make their
+    // own instead.
     static AppServices &shared();
 
     Clock &clock;
@@ -50,6 +54,12 @@ public:
     FileBackupController fileBackup;
     AppScanner uninstaller;
     std::mutex powerLock; // guards the background flag
+
+    // What the user can do, for page, tray, hot key and command line alike.
+    RecordingActions recordingActions;
+    WallpaperActions wallpaperActions;
+    // The end of the program. Nothing new is begun while quit.isEnding().
+    QuitSequence quit;
 
     void setInBackground(bool inBackground);
 

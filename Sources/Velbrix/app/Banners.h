@@ -10,28 +10,24 @@ namespace velbrix {
 class AppServices;
 class Shell;
 
-// The news of the program's parts that become banners.
+// The tools' news, and the program's own, as banners.
 class Banners final : public QObject {
     Q_OBJECT
 
 public:
     Banners(AppServices &services, Shell &shell, QObject *parent = nullptr);
 
-    void show(const QString &title, const QString &body, const QString &icon);
-    // What the user should know when the program has started.
-    void tellOfStart();
-    // From now on.
+    // From now on, beginning with what the user should know of the start.
     void follow();
     void unfollow();
-    // The hot key's answer while the feature is off.
-    void tellIconsStay();
+
+    // The icon is an SF Symbol.
+    void show(const QString &title, const QString &body, const QString &icon);
+    void warn(const QString &title, const QString &body);
+    // What the main window tells itself while it is in sight. Nothing without a body.
+    void warnBehindWindow(const QString &title, const QString &body);
 
 private:
-    void followRecorder();
-    void followWallpaper();
-    // What the main window tells itself while it is in sight.
-    void showBehindWindow(const QString &title, const QString &body);
-
     AppServices &_services;
     Shell &_shell;
     Observation _settingsFailures;

@@ -1,7 +1,6 @@
 #include "app/CommandClient.h"
 
 #include "app/CommandServer.h"
-#include "foundation/Awaitables.h"
 #include "foundation/LocalChannel.h"
 
 #include <QDir>
@@ -12,7 +11,6 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
@@ -23,18 +21,33 @@ void print(std::FILE *stream, const QByteArray &bytes)
     std::fputc('\n', stream);
 }
 
-std::chrono::milliseconds longestAnswer(const QString &words)
-{
-    // As long as there is anything to copy or to remove.
-    static const QStringList unhurried = {u"clean run"_s, u"apps uninstall"_s, u"backup run"_s};
-    if (unhurried.contains(words))
-        return 24h;
-    // A recording may take its time to start or end, and a video or a folder
-    // to be read.
-    if (words.startsWith(u"record "_s) || words.startsWith(u"clean "_s) || words.startsWith(u"apps "_s))
-        return 10min;
-    return words.startsWith(u"wallpaper "_s) ? 1min : 10s;
-}
+// One line of a terminal that is written again and again, and is gone at the end.
+class ProgressLine {
+public:
+    explicit ProgressLine(bool isShown) : _isShown(isShown && ::isatty(STDERR_FILENO)) {}
+    ~ProgressLine() { write({}); }
+
+    void show(const QJsonObject &progress)
+    {
+        QString text = progress.value(u"what"_s).toString();
+        if (const QJsonValue share = progress.value(u"share"_s); share.isDouble())
+            text += u" %1%"_s.arg(qRound(share.toDouble() * 100));
+        write(text);
+    }
+
+private:
+    void write(const QString &text)
+    {
+        if (!_isShown || (text.isEmpty() && !_isWritten))
+            return;
+        _isWritten = !text.isEmpty();
+        constexpr char clearLine[] = "\r\x1b[K";
+        std::fputs((clearLine + text.toUtf8()).constData(), stderr);
+    }
+
+    const bool _isShown;
+    bool _isWritten = false;
+};
 
 int present(const CommandReply &reply, bool json)
 {
@@ -58,14 +71,12 @@ QCoro::Task<CommandReply> ask(ParsedCommand command, Clock &clock)
     if (!endpoint)
         co_return notRunning;
     const QJsonObject request = toJson(withAbsolutePaths(command, QDir::currentPath()));
-    const auto answer =
-        co_await withDeadline(clock, longestAnswer(command.words), askLocalChannel(*endpoint, request));
-    if (!answer)
-        co_return CommandReply::refusal(u"Velbrix 没有答复"_s);
-    if (*answer)
-        co_return commandReplyFromJson(**answer);
-    const ChannelFailure failed = answer->error();
-    co_return failed.nobodyListens ? notRunning : CommandReply::refusal(failed.message);
+    ProgressLine line(!command.json);
+    const auto answer = co_await askLocalChannel(
+        *endpoint, request, clock, [&line](const QJsonObject &progress) { line.show(progress); });
+    if (answer)
+        co_return commandReplyFromJson(*answer);
+    co_return answer.error().nobodyListens ? notRunning : CommandReply::refusal(answer.error().message);
 }
 
 bool hasTerminal()

@@ -1,30 +1,54 @@
 #include "app/CommandServer.h"
 
-#include "app/AppDelegate.h"
 #include "app/AppServices.h"
-#include "app/commands/AppsCommands.h"
-#include "app/commands/BackupCommands.h"
-#include "app/commands/CleanCommands.h"
-#include "app/commands/RecordCommands.h"
-#include "app/commands/ShellCommands.h"
-#include "app/commands/WallpaperCommands.h"
+#include "app/Tools.h"
+#include "foundation/Job.h"
 
 #include <QJsonArray>
+
+#include <cmath>
+#include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
 
-CommandServer::CommandServer(AppServices &services, AppDelegate &delegate, QObject *parent)
-    : QObject(parent),
-      _handlers(shellCommands(services, delegate)),
-      _channel([this](const QJsonObject &request) { return answer(request); }, services.clock)
+QJsonObject progressOf(const Job &job)
 {
-    _handlers.insert(recordCommands(services, delegate.recording()));
-    _handlers.insert(wallpaperCommands(services, delegate.wallpaper()));
-    _handlers.insert(cleanCommands(services.cleaner, services.privacy));
-    _handlers.insert(appsCommands(services.uninstaller, services.privacy));
-    _handlers.insert(backupCommands(services.fileBackup));
+    const Job::State state = job.state();
+    if (state.what.isEmpty())
+        return {};
+    QJsonObject progress = {{u"what"_s, state.what}};
+    if (state.progress >= 0) // in steps that can be seen
+        progress[u"share"_s] = std::floor(state.progress * 100) / 100;
+    return progress;
+}
+
+// Says how the jobs get on, until the listener goes.
+void follow(const QList<Job *> &jobs, QObject *listener, const LocalChannelServer::Progress &progress)
+{
+    const auto said = std::make_shared<QJsonObject>();
+    for (const Job *job : jobs)
+        QObject::connect(job, &Job::changed, listener, [job, said, progress] {
+            const QJsonObject now = progressOf(*job);
+            if (now.isEmpty() || now == *said)
+                return;
+            *said = now;
+            progress(now);
+        });
+}
+
+} // namespace
+
+CommandServer::CommandServer(AppServices &services, QObject *parent)
+    : QObject(parent),
+      _services(services),
+      _channel([this](const QJsonObject &request,
+                      LocalChannelServer::Progress progress) { return answer(request, std::move(progress)); },
+               services.clock)
+{
 }
 
 Result<void> CommandServer::listen()
@@ -35,16 +59,19 @@ Result<void> CommandServer::listen()
     return _channel.listen(*endpoint);
 }
 
-QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request)
+QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request, LocalChannelServer::Progress progress)
 {
     const ParsedCommand command = parsedCommandFromJson(request);
     // Not only our own client can write to the endpoint.
-    if (!isValid(command)) {
-        const CommandReply refused{exitcode::usage, u"无法识别的命令"_s, {}};
-        co_return toJson(refused);
-    }
-    const CommandHandler handler = _handlers.value(command.words);
-    const CommandReply reply = co_await handler(command);
+    if (!isValid(command))
+        co_return toJson(CommandReply{exitcode::usage, u"无法识别的命令"_s, {}});
+    // To quit once more does no harm.
+    if (_services.quit.isEnding() && command.words != u"quit")
+        co_return toJson(CommandReply::refusal(u"Velbrix 正在退出，没有执行"_s));
+    const Command *const verb = commandOf(command.words);
+    QObject listener;
+    follow(jobsBehind(*verb, _services), &listener, progress);
+    const CommandReply reply = co_await verb->run(_services, command);
     co_return toJson(reply);
 }
 

@@ -1,15 +1,13 @@
 #pragma once
 
-#include "app/commands/Command.h"
+#include "app/Command.h"
 #include "foundation/LocalChannel.h"
 #include "foundation/Result.h"
 
-#include <QHash>
 #include <QObject>
 
 namespace velbrix {
 
-class AppDelegate;
 class AppServices;
 
 // The running program's end of the command line.
@@ -17,14 +15,15 @@ class CommandServer final : public QObject {
     Q_OBJECT
 
 public:
-    CommandServer(AppServices &services, AppDelegate &delegate, QObject *parent = nullptr);
+    explicit CommandServer(AppServices &services, QObject *parent = nullptr);
 
     Result<void> listen();
+    // Of a request that may come from anybody. The progress is that of the
+    // tool's jobs: "what" and, where it is known, "share" (0…1).
+    QCoro::Task<QJsonObject> answer(QJsonObject request, LocalChannelServer::Progress progress);
 
 private:
-    QCoro::Task<QJsonObject> answer(QJsonObject request);
-
-    QHash<QString, CommandHandler> _handlers;
+    AppServices &_services;
     LocalChannelServer _channel;
 };
 

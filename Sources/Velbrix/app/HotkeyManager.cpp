@@ -72,6 +72,7 @@ HotkeyChord HotkeyManager::chord(HotkeyAction action) const
 
 void HotkeyManager::beginCapture(HotkeyAction action)
 {
+    _isCaptureRefused = false;
     _captureHint = action == HotkeyAction::screenshot ? u"请按下截图键（可单键，如 PrtSc；Esc 取消）"_s
                                                       : u"请按下：至少一个修饰键 + 主键（Esc 取消）"_s;
     _captureTarget = action;
@@ -97,9 +98,8 @@ bool HotkeyManager::handleCapturedKey(const KeyPress &press)
     if (!valid || chord.isEmpty()) {
         if (isModifierKeyCode(press.keyCode))
             return true; // the chord is still being built
-        _captureHint = action == HotkeyAction::screenshot ? u"无效按键，请重试（Esc 取消）"_s
-                                                          : u"无效：必须带 ⌃ / ⌥ / ⇧ / ⌘ 至少一个修饰键"_s;
-        _hosts.beep();
+        refuse(action == HotkeyAction::screenshot ? u"无效按键，请重试（Esc 取消）"_s
+                                                  : u"无效：必须带 ⌃ / ⌥ / ⇧ / ⌘ 至少一个修饰键"_s);
         return true;
     }
     take(action, chord);
@@ -216,8 +216,7 @@ std::optional<QString> HotkeyManager::conflict(HotkeyAction action, const Hotkey
 void HotkeyManager::take(HotkeyAction action, const HotkeyChord &chord)
 {
     if (const auto label = conflict(action, chord)) {
-        _captureHint = u"与"_s + *label + u"冲突，请换一组"_s;
-        _hosts.beep();
+        refuse(u"与"_s + *label + u"冲突，请换一组"_s);
         return;
     }
     setChord(action, chord);
@@ -261,9 +260,17 @@ void HotkeyManager::setProblem(HotkeyAction action, const QString &reason)
     _problems = all;
 }
 
+void HotkeyManager::refuse(const QString &hint)
+{
+    _isCaptureRefused = true;
+    _captureHint = hint;
+    _hosts.beep();
+}
+
 void HotkeyManager::endCapture()
 {
     _captureTarget = HotkeyAction::none;
+    _isCaptureRefused = false;
     _captureHint = QString();
     registerAll();
     installScreenshotMonitors();

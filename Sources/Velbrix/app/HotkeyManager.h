@@ -34,6 +34,7 @@ class HotkeyManager final : public QObject {
     VELB_PUBLISHED(HotkeyManager, HotkeyChord, clipboardHistoryHotkey)
     VELB_PUBLISHED(HotkeyManager, HotkeyAction, captureTarget, HotkeyAction::none)
     VELB_PUBLISHED(HotkeyManager, QString, captureHint)
+    VELB_PUBLISHED(HotkeyManager, bool, isCaptureRefused, false) // the hint says why; set before it
     VELB_PUBLISHED(HotkeyManager, HotkeyProblems, problems)
 
 public:
@@ -77,6 +78,7 @@ private:
     void take(HotkeyAction action, const HotkeyChord &chord);
     void setChord(HotkeyAction action, const HotkeyChord &chord);
     void setProblem(HotkeyAction action, const QString &reason);
+    void refuse(const QString &hint);
     void endCapture();
 
     Hosts _hosts;

@@ -45,7 +45,14 @@ struct FeaturePrivacyNotice {
     bool operator==(const FeaturePrivacyNotice &other) const { return id == other.id; }
 };
 
-// The notice of a feature, without its actions.
+enum class NoticeTint { red, orange, blue, violet };
+
+// Of that kind, without its actions: what a tool says of itself.
+FeaturePrivacyNotice privacyNotice(PrivacyConsentKind kind, const QString &icon, NoticeTint tint,
+                                   const QString &title, const QString &message,
+                                   const QStringList &details = {});
+
+// The notice that the tool with the feature has of it.
 FeaturePrivacyNotice featurePrivacyNotice(PrivacyConsentKind kind);
 // For a recording that starts from the hot key, where no panel is in sight.
 FeaturePrivacyNotice quickRecordingNotice();

@@ -57,6 +57,13 @@ void PrivacyManager::acceptFirstLaunch()
     _hasAcceptedFirstLaunchNotice = true;
 }
 
+bool PrivacyManager::requireStatement()
+{
+    if (!_hasAcceptedFirstLaunchNotice)
+        Q_EMIT statementNeeded();
+    return _hasAcceptedFirstLaunchNotice;
+}
+
 void PrivacyManager::guard(FeaturePrivacyNotice notice, std::function<void()> action)
 {
     if (hasConsent(notice.kind)) {
@@ -68,8 +75,8 @@ void PrivacyManager::guard(FeaturePrivacyNotice notice, std::function<void()> ac
         grant(kind);
         action();
     };
-    // Published afresh even when the same notice was waiting: its action is new.
-    _pendingFeatureNotice = std::optional<FeaturePrivacyNotice>();
+    // Also one of the same kind: its action is another.
+    cancelPendingNotice();
     _pendingFeatureNotice = std::optional(std::move(notice));
 }
 

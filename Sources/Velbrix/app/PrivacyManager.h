@@ -35,8 +35,11 @@ public:
     void grant(PrivacyConsentKind kind);
     void acceptFirstLaunch();
 
+    // Whether the statement is accepted; asks for it when it is not. For what
+    // must not even be asked for before.
+    bool requireStatement();
     // Runs the action, after the notice has been confirmed if that is needed.
-    // A newer notice takes the place of one still waiting.
+    // A newer notice takes the place of one still waiting, which is cancelled.
     void guard(FeaturePrivacyNotice notice, std::function<void()> action);
     void confirmPendingNotice();
     void cancelPendingNotice();
@@ -54,6 +57,8 @@ public:
 
 Q_SIGNALS:
     void consentChanged();
+    // The user wants what needs the statement, and has not accepted it yet.
+    void statementNeeded();
 
 private:
     void set(const QString &name, const QJsonValue &value);

@@ -1,7 +1,9 @@
 #include "app/QuitSequence.h"
 
-#include "app/AppServices.h"
+#include <QCoreApplication>
+#include <QEvent>
 
+#include <algorithm>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -13,80 +15,70 @@ constexpr auto quitLimit = 10s;
 
 } // namespace
 
-QuitSequence::QuitSequence(AppServices &services, QObject *parent) : QObject(parent), _services(services) {}
+QuitSequence::QuitSequence(Clock &clock, QList<Job *> jobs, std::function<void()> shutDown, QObject *parent)
+    : QObject(parent), _clock(clock), _jobs(std::move(jobs)), _shutDown(std::move(shutDown))
+{
+}
 
 QuitSequence::~QuitSequence() = default;
 
-void QuitSequence::observe()
-{
-    // Queued: whoever ends is still inside its own change of state.
-    const auto finishAfter = [this](const auto &sender, auto signal) {
-        connect(&sender, signal, this, &QuitSequence::finishWhenDone, Qt::QueuedConnection);
-    };
-    finishAfter(_services.wallpaper, &WallpaperController::isSettledChanged);
-    finishAfter(_services.recorder, &ScreenRecorderController::isStartingChanged);
-    finishAfter(_services.recorder.session(), &RecordingSession::isProcessingChanged);
-    finishAfter(_services.cleaner, &SystemCleaner::phaseChanged);
-    finishAfter(_services.fileBackup, &FileBackupController::isRunningBackupChanged);
-    finishAfter(_services.fileBackup.restorer(), &ArchiveRestorer::isRestoringChanged);
-    finishAfter(_services.uninstaller, &AppScanner::isUninstallingChanged);
-    finishAfter(_services.uninstaller, &AppScanner::isPuttingBackChanged);
-    finishAfter(_services.uninstaller, &AppScanner::finished);
-}
-
 void QuitSequence::begin()
 {
-    observe();
-    _limit = _services.clock.after(quitLimit, [this] { finishAtLimit(); });
-    stopWallpaper();
-    stopMaintenance();
-    ScreenRecorderController &recorder = _services.recorder;
-    if (recorder.isRecording() || recorder.isProcessing())
-        recorder.stop();
+    if (_isEnding)
+        return;
+    _isEnding = true;
+    for (Job *job : _jobs) {
+        // Queued: whoever ends or begins is still inside its own change of state.
+        connect(job, &Job::finished, this, &QuitSequence::finishWhenDone, Qt::QueuedConnection);
+        // On a schedule, or after a question that was open before the end.
+        connect(job, &Job::started, this, [job] { job->cancel(); }, Qt::QueuedConnection);
+    }
+    _limit = _clock.after(quitLimit, [this] { finishAtLimit(); });
+    shutDownTools();
+    for (Job *job : _jobs)
+        job->cancel();
     finishWhenDone();
 }
 
-void QuitSequence::stopMaintenance()
+void QuitSequence::endAtOnce()
 {
-    _services.cleaner.cancel();
-    _services.uninstaller.cancelUninstall();
-    _services.fileBackup.cancelRun();
-    _services.fileBackup.restorer().cancel();
+    _isEnding = true;
+    shutDownTools();
 }
 
-void QuitSequence::stopWallpaper()
+void QuitSequence::takeOverSystemRequests()
 {
-    if (!std::exchange(_hasStoppedWallpaper, true))
-        _services.wallpaper.shutDown();
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
-bool QuitSequence::isDone() const
+bool QuitSequence::eventFilter(QObject *watched, QEvent *event)
 {
-    const ScreenRecorderController &recorder = _services.recorder;
-    return _services.wallpaper.isSettled() && !recorder.isRecording() && !recorder.isProcessing() &&
-           isMaintenanceDone();
+    if (watched != QCoreApplication::instance() || event->type() != QEvent::Quit)
+        return QObject::eventFilter(watched, event);
+    event->ignore();
+    begin();
+    return true;
 }
 
-bool QuitSequence::isMaintenanceDone() const
+void QuitSequence::shutDownTools()
 {
-    return !_services.cleaner.isCleaning() && !_services.uninstaller.isBusy() &&
-           !_services.uninstaller.isPuttingBack() && !_services.fileBackup.isRunningBackup() &&
-           !_services.fileBackup.restorer().isRestoring();
+    if (const auto shutDown = std::exchange(_shutDown, nullptr))
+        shutDown();
 }
 
 // A movie can be repaired and the desktop put back at the next start; a program
 // that does not end cannot be helped.
 void QuitSequence::finishAtLimit()
 {
-    if (_services.uninstaller.isBusy())
-        _limit = _services.clock.after(quitLimit, [this] { finishAtLimit(); });
+    if (std::ranges::any_of(_jobs, [](const Job *job) { return job->state().mustFinish; }))
+        _limit = _clock.after(quitLimit, [this] { finishAtLimit(); });
     else
         finish();
 }
 
 void QuitSequence::finishWhenDone()
 {
-    if (isDone())
+    if (std::ranges::none_of(_jobs, &Job::isBusy))
         finish();
 }
 

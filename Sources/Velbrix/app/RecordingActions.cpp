@@ -58,10 +58,8 @@ void RecordingActions::setMicrophone(bool on)
 
 void RecordingActions::guarded(const FeaturePrivacyNotice &notice, std::function<void()> start)
 {
-    if (_privacy.hasAcceptedFirstLaunchNotice())
+    if (_privacy.requireStatement())
         _privacy.guard(notice, std::move(start));
-    else
-        Q_EMIT statementNeeded();
 }
 
 bool RecordingActions::stopIfRunning()

@@ -29,10 +29,6 @@ public:
     void setSystemAudio(bool on);
     void setMicrophone(bool on);
 
-Q_SIGNALS:
-    // The user wants to record and has not accepted the statement yet.
-    void statementNeeded();
-
 private:
     bool stopIfRunning();
     void guarded(const FeaturePrivacyNotice &notice, std::function<void()> start);

@@ -27,7 +27,7 @@ public:
     // The icon appears with its menu; `clicked` is called before the menu
     // opens, `chosen` with the entry that the user picked.
     virtual void createTray(const QList<TrayMenuItem> &menu, std::function<void()> clicked,
-                            std::function<void(TrayItemId)> chosen) = 0;
+                            std::function<void(const QString &id)> chosen) = 0;
     virtual void updateTray(const QList<TrayMenuItem> &menu, bool isRecording) = 0;
     virtual void removeTray() = 0;
 

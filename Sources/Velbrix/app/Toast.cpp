@@ -1,5 +1,7 @@
 #include "app/Toast.h"
 
+#include "foundation/NotificationCenter.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -20,6 +22,11 @@ Toast toastFromUserInfo(const QVariantMap &userInfo)
     if (std::isfinite(seconds) && seconds > 0)
         toast.duration = std::chrono::milliseconds(std::lround(std::clamp(seconds, 1.0, 60.0) * 1000));
     return toast;
+}
+
+void postBanner(NotificationCenter &center, const QString &title, const QString &body, const QString &icon)
+{
+    center.post(bannerToastNotification, {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}});
 }
 
 ToastQueue::ToastQueue(Clock &clock, QObject *parent) : QObject(parent), _clock(clock) {}

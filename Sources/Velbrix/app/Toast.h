@@ -13,6 +13,8 @@
 
 namespace velbrix {
 
+class NotificationCenter;
+
 // A short banner over everything.
 struct Toast {
     int id = 0;
@@ -30,6 +32,8 @@ inline const QString bannerToastNotification = QStringLiteral("velBrixShowBanner
 // The user info of that notification: "title", "body", "icon", "style" and
 // "duration" in seconds, each of them optional.
 Toast toastFromUserInfo(const QVariantMap &userInfo);
+// The icon is an SF Symbol.
+void postBanner(NotificationCenter &center, const QString &title, const QString &body, const QString &icon);
 
 // The banners in sight. At most three at a time; the others wait their turn.
 // One that says the same as a banner in sight only keeps that one longer.

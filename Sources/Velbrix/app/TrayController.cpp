@@ -2,10 +2,15 @@
 
 #include "app/AppServices.h"
 #include "app/Shell.h"
+#include "app/Tools.h"
+#include "foundation/Deployment.h"
 #include "platform/Platform.h"
 
-#include <utility>
+#include <QStringList>
 
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace velbrix {
@@ -16,28 +21,21 @@ constexpr auto idleRefreshInterval = 20s;
 
 } // namespace
 
-TrayController::TrayController(AppServices &services, Shell &shell, std::function<void(TrayItemId)> chosen,
-                               QObject *parent)
-    : QObject(parent), _services(services), _shell(shell), _chosen(std::move(chosen))
+TrayController::TrayController(AppServices &services, Shell &shell, QObject *parent)
+    : QObject(parent), _services(services), _shell(shell)
 {
-    connect(&_services.recorder.session(), &RecordingSession::isRecordingChanged, this,
-            [this] { refresh(false); });
-    followWallpaper();
+    followTools();
     _trayHostChanges = _services.platform.desktop->observeTrayHost([this] { trayHostChanged(); });
 }
 
 TrayController::~TrayController() = default;
 
-void TrayController::followWallpaper()
+void TrayController::followTools()
 {
-    const auto refreshNow = [this] { refresh(false); };
-    WallpaperController &wallpaper = _services.wallpaper;
-    connect(&wallpaper, &WallpaperController::stateChanged, this, refreshNow);
-    connect(&wallpaper, &WallpaperController::isPausedChanged, this, refreshNow);
-    connect(&wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, refreshNow);
-    connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, refreshNow);
-    connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, this, refreshNow);
-    connect(&wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this, refreshNow);
+    for (const Tool &tool : tools()) {
+        if (tool.followTray)
+            tool.followTray(_services, *this);
+    }
 }
 
 void TrayController::createStatusItem()
@@ -46,21 +44,75 @@ void TrayController::createStatusItem()
         return;
     _hasStatusItem = true;
     _shell.createTray(
-        trayMenu(state()), [this] { refresh(true); },
-        [this](TrayItemId item) {
-            QMetaObject::invokeMethod(this, [this, item] { _chosen(item); }, Qt::QueuedConnection);
+        menu(), [this] { refresh(true); },
+        // Queued: the menu has closed then.
+        [this](const QString &id) {
+            QMetaObject::invokeMethod(this, [this, id] { choose(id); }, Qt::QueuedConnection);
         });
 }
 
 void TrayController::refresh(bool forced)
 {
-    const TrayState now = state();
-    const QString signature = now.signature();
-    if (!forced && signature == _lastTraySignature)
+    const QString now = signature();
+    if (!forced && now == _lastTraySignature)
         return;
-    _lastTraySignature = signature;
+    _lastTraySignature = now;
     if (_hasStatusItem)
-        _shell.updateTray(trayMenu(now), now.isRecording);
+        _shell.updateTray(menu(), isRecording());
+}
+
+QList<TrayMenuItem> TrayController::menu()
+{
+    const TrayMenuItem separator{{}, {}};
+    AppRouter &router = _services.router;
+    QList<TrayMenuItem> items = {
+        {u"open"_s, u"打开 Velbrix"_s, u"⌘O"_s, true, [&router] { router.openWindow(); }}, separator};
+    for (const Tool &tool : tools()) {
+        if (!tool.tray)
+            continue;
+        const TraySection section = tool.tray(_services);
+        items << TrayMenuItem{tool.identifier, section.title, {}, false} << section.items << separator;
+    }
+    items << TrayMenuItem{u"privacy"_s, u"隐私与声明…"_s, {}, true, [&router] { router.openStatement(); }}
+          << TrayMenuItem{u"remoteCheck"_s, u"检查更新与公告…"_s, {}, true, [this] { checkRemoteConfig(); }}
+          << separator
+          << TrayMenuItem{u"quit"_s, u"退出"_s, u"⌘Q"_s, true, [this] { _services.quit.begin(); }};
+    return items;
+}
+
+QString TrayController::signature()
+{
+    QStringList state;
+    for (const Tool &tool : tools()) {
+        if (tool.tray)
+            state += tool.tray(_services).state;
+    }
+    return state.join(u'|');
+}
+
+bool TrayController::isRecording() const
+{
+    return std::ranges::any_of(allJobs(_services), [](const Job *job) {
+        return job->kind() == Job::Kind::recording && !job->state().what.isEmpty();
+    });
+}
+
+void TrayController::choose(const QString &id)
+{
+    if (_services.quit.isEnding())
+        return;
+    const QList<TrayMenuItem> items = menu();
+    const auto chosen = std::ranges::find(items, id, &TrayMenuItem::id);
+    if (chosen != items.end() && chosen->act)
+        chosen->act();
+}
+
+void TrayController::checkRemoteConfig()
+{
+    const QString reason = deployment::productServer().isEmpty()
+                               ? u"此安装没有配置产品服务器，无法检查更新与公告。"_s
+                               : u"此版本还不能读取更新与公告，请到产品网站查看。"_s;
+    postBanner(_services.notifications, u"检查更新与公告"_s, reason, u"info.circle"_s);
 }
 
 void TrayController::scheduleMenuRefresh(bool isAppActive)
@@ -90,18 +142,6 @@ void TrayController::trayHostChanged()
     // The way back to a hidden window has gone with the tray.
     if (!_shell.isMainWindowVisible())
         _shell.minimizeMainWindow();
-}
-
-TrayState TrayController::state() const
-{
-    const WallpaperController &wallpaper = _services.wallpaper;
-    TrayState state;
-    state.wallpaperTitle = wallpaper.trayTitle();
-    state.canToggleWallpaper = wallpaper.canToggle();
-    state.isWallpaperShowing = wallpaper.isShowing();
-    state.isRecording = _services.recorder.isRecording();
-    state.recordTitle = _services.recorder.trayTitle();
-    return state;
 }
 
 } // namespace velbrix

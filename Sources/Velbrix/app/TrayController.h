@@ -7,7 +7,6 @@
 #include <QObject>
 #include <QString>
 
-#include <functional>
 #include <memory>
 
 namespace velbrix {
@@ -21,9 +20,7 @@ class TrayController final : public QObject {
     Q_OBJECT
 
 public:
-    // `chosen` gets the entries that the user picks, after the menu has closed.
-    TrayController(AppServices &services, Shell &shell, std::function<void(TrayItemId)> chosen,
-                   QObject *parent = nullptr);
+    TrayController(AppServices &services, Shell &shell, QObject *parent = nullptr);
     ~TrayController() override;
 
     void createStatusItem();
@@ -36,13 +33,16 @@ public:
     const QString &lastTraySignature() const { return _lastTraySignature; }
 
 private:
-    void followWallpaper();
+    void followTools();
     void trayHostChanged();
-    TrayState state() const;
+    QList<TrayMenuItem> menu();
+    QString signature();
+    bool isRecording() const;
+    void choose(const QString &id);
+    void checkRemoteConfig();
 
     AppServices &_services;
     Shell &_shell;
-    const std::function<void(TrayItemId)> _chosen;
     bool _hasStatusItem = false;
     QString _lastTraySignature;
     std::unique_ptr<Alarm> _menuRefreshTimer;

@@ -2,51 +2,26 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
 namespace velbrix {
 
-enum class TrayItemId {
-    open,
-    separator,
-    wallpaperHeader,
-    wallpaperPlay,
-    wallpaperStop,
-    recordHeader,
-    recordToggle,
-    recordPanel,
-    privacy,
-    remoteCheck,
-    quit
-};
-
-// One entry of the tray's menu. An entry without a key has an empty one;
-// a header is an entry that is never enabled.
+// One entry of the tray's menu. A header is never enabled.
 struct TrayMenuItem {
-    TrayItemId id = TrayItemId::separator;
+    QString id; // the same for as long as the program runs; empty for a separator
     QString title;
-    QString keyEquivalent; // "⌘⇧P"
-    bool isHeader = false;
+    QString keyEquivalent = {}; // "⌘⇧P"
     bool isEnabled = true;
-
-    bool operator==(const TrayMenuItem &) const = default;
+    std::function<void()> act = {};
 };
 
-// What the menu and the status image depend on.
-struct TrayState {
-    QString wallpaperTitle = QStringLiteral("播放壁纸");
-    bool canToggleWallpaper = false;
-    bool isWallpaperShowing = false;
-    bool isRecording = false;
-    QString recordTitle;
-
-    bool operator==(const TrayState &) const = default;
-
-    // The wallpaper's title, each Boolean and the recorder's title, by "|".
-    QString signature() const;
+// A tool's part of the menu, below its title.
+struct TraySection {
+    QString title;
+    QList<TrayMenuItem> items;
+    QStringList state; // what the items depend on; the menu is rewritten when it differs
 };
-
-QList<TrayMenuItem> trayMenu(const TrayState &state);
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #include "app/WallpaperActions.h"
 
 #include "app/PrivacyManager.h"
+#include "foundation/Log.h"
 #include "wallpaper/WallpaperController.h"
 
 #include <QFileInfo>
@@ -12,16 +13,19 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
+constexpr auto restoreDelay = 1500ms;
 constexpr auto consent = PrivacyConsentKind::videoWallpaper;
 
 } // namespace
 
-WallpaperActions::WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, QObject *parent)
-    : QObject(parent), _wallpaper(wallpaper), _privacy(privacy)
+WallpaperActions::WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, Clock &clock,
+                                   QObject *parent)
+    : QObject(parent), _wallpaper(wallpaper), _privacy(privacy), _clock(clock)
 {
 }
 
@@ -71,16 +75,37 @@ void WallpaperActions::pause()
 
 void WallpaperActions::stop()
 {
+    _restore.reset();
     _wallpaper.stopWallpaper();
-    Q_EMIT stopped();
+}
+
+void WallpaperActions::scheduleRestore()
+{
+    _restore = _clock.after(restoreDelay, [this] { restoreWallpaper(u"launch"_s); });
+}
+
+void WallpaperActions::restoreWallpaper(const QString &reason)
+{
+    if (!_privacy.hasAcceptedFirstLaunchNotice()) {
+        log::line(u"Velbrix"_s, u"skip auto wallpaper (%1): first-launch not accepted"_s.arg(reason));
+        return;
+    }
+    log::line(u"Velbrix"_s, u"auto wallpaper restore (%1) autoPlay=%2"_s.arg(
+                                reason, log::text(_wallpaper.preferences().autoPlay())));
+    _wallpaper.autoRestoreOnLaunch();
+    Q_EMIT restored();
+}
+
+void WallpaperActions::shutDown()
+{
+    _restore.reset();
+    _wallpaper.shutDown();
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(std::function<QCoro::Task<Outcome>()> act)
 {
-    if (!_privacy.hasAcceptedFirstLaunchNotice()) {
-        Q_EMIT statementNeeded();
+    if (!_privacy.requireStatement())
         co_return failure(_privacy.missingConsent(consent));
-    }
     const auto begun = std::make_shared<std::optional<QCoro::Task<Outcome>>>();
     std::function<void()> begin = [begun, act = std::move(act)] { begun->emplace(act()); };
     _privacy.guard(featurePrivacyNotice(consent), std::move(begin));

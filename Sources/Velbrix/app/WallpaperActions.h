@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Clock.h"
 #include "foundation/Result.h"
 
 #include <QCoroTask>
@@ -7,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 namespace velbrix {
 
@@ -23,7 +25,8 @@ public:
     // show, on battery for one: then the value says why; else it is empty.
     using Outcome = Result<QString>;
 
-    WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, QObject *parent = nullptr);
+    WallpaperActions(WallpaperController &wallpaper, PrivacyManager &privacy, Clock &clock,
+                     QObject *parent = nullptr);
 
     // Nothing is played before the first launch's statement is accepted: then
     // these only ask for the statement. Without consent they answer at once
@@ -41,11 +44,14 @@ public:
     void pause();
     void stop();
 
+    // The last wallpaper returns 1.5 s from now, unless the user stops it before.
+    void scheduleRestore();
+    // At the end of the program.
+    void shutDown();
+
 Q_SIGNALS:
-    // The user wants a wallpaper and has not accepted the statement yet.
-    void statementNeeded();
-    // The user wants no wallpaper now.
-    void stopped();
+    // The start's restore has been asked for.
+    void restored();
 
 private:
     QCoro::Task<Outcome> guarded(std::function<QCoro::Task<Outcome>()> act);
@@ -53,9 +59,12 @@ private:
     QCoro::Task<Outcome> showVideoOn(quint32 displayID, QString path);
     QCoro::Task<Outcome> start();
     QString reason() const;
+    void restoreWallpaper(const QString &reason);
 
     WallpaperController &_wallpaper;
     PrivacyManager &_privacy;
+    Clock &_clock;
+    std::unique_ptr<Alarm> _restore;
 };
 
 } // namespace velbrix

@@ -1,7 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
 #include "app/CommandClient.h"
-#include "app/QuitRequests.h"
 #include "foundation/SystemClock.h"
 #include "platform/Platform.h"
 #include "views/DesktopShell.h"
@@ -21,6 +20,29 @@
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
+
+namespace {
+
+// Neither is destroyed: nothing may be torn down while something still runs.
+Clock &systemClock()
+{
+    static Clock &clock = *new SystemClock;
+    return clock;
+}
+
+Platform &host()
+{
+    static Platform &platform = *new Platform(makePlatform(systemClock()));
+    return platform;
+}
+
+} // namespace
+
+AppServices &AppServices::shared()
+{
+    static AppServices &services = *new AppServices(host(), systemClock());
+    return services;
+}
 
 namespace {
 
@@ -89,12 +111,13 @@ int runAsApplication(int argc, char **argv, bool inBackground)
     QGuiApplication::setWindowIcon(QIcon(u":/velbrix.svg"_s));
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
+    if (!AppDelegate::claimPlace(*host().singleInstance, inBackground))
+        return exitcode::done;
     AppServices &services = AppServices::shared();
     DesktopShell shell(services);
     AppDelegate delegate(services, shell);
     shell.setDelegate(delegate);
-    if (delegate.applicationDidFinishLaunching(inBackground) == AppDelegate::Launch::otherCopyRuns)
-        return exitcode::done;
+    delegate.applicationDidFinishLaunching(inBackground);
 
     QObject::connect(&application, &QGuiApplication::applicationStateChanged, &delegate,
                      [&delegate](Qt::ApplicationState state) {
@@ -103,7 +126,7 @@ int runAsApplication(int argc, char **argv, bool inBackground)
                          else
                              delegate.applicationDidResignActive();
                      });
-    const QuitRequests quitRequests([&delegate] { delegate.quitApp(); });
+    services.quit.takeOverSystemRequests();
     QObject::connect(
         &delegate, &AppDelegate::terminate, &application, [] { QCoreApplication::exit(exitcode::done); },
         Qt::QueuedConnection);

@@ -22,6 +22,19 @@ ScreenRecorderController::ScreenRecorderController(Hosts hosts, SettingsStore &s
         if (!_session.isProcessing())
             _isStarting = false;
     });
+    _job.follow(*this, &ScreenRecorderController::isStartingChanged);
+    _job.follow(_session, &RecordingSession::isRecordingChanged, &RecordingSession::isProcessingChanged);
+}
+
+Job::State ScreenRecorderController::jobState() const
+{
+    return {.what = isRecording() ? u"录制中"_s : QString(), .isBusy = isRecording() || isProcessing()};
+}
+
+void ScreenRecorderController::stopIfRunning()
+{
+    if (isRecording() || isProcessing())
+        stop();
 }
 
 void ScreenRecorderController::stop()

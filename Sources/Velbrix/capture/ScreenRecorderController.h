@@ -7,6 +7,7 @@
 #include "capture/RecordingSession.h"
 #include "capture/UnfinishedRecordings.h"
 #include "capture/WindowCatalog.h"
+#include "foundation/Job.h"
 
 #include <QObject>
 
@@ -52,8 +53,12 @@ public:
     RecordingSession &session() { return _session; }
     UnfinishedRecordings &unfinished() { return _unfinished; }
     RecorderLog &log() { return _log; }
+    // A recording, from its start to the finished file.
+    Job &job() { return _job; }
 
 private:
+    Job::State jobState() const;
+    void stopIfRunning();
     QCoro::Task<> startIn(RecordMode mode);
     // The reason that nothing may be recorded now; empty when all is well.
     QString refusal(RecordMode mode) const;
@@ -67,6 +72,7 @@ private:
     UnfinishedRecordings _unfinished;
     RecordingSession _session;
     bool _stopWanted = false; // asked for before the session began
+    Job _job{[this] { return jobState(); }, [this] { stopIfRunning(); }, Job::Kind::recording};
 };
 
 } // namespace velbrix

@@ -1,12 +1,15 @@
 #include "foundation/LocalChannel.h"
 
-#include "foundation/Awaitables.h"
 #include "foundation/RuntimeFolder.h"
 
+#include <QCoroFuture>
 #include <QJsonDocument>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QPointer>
+#include <QPromise>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -17,11 +20,88 @@ namespace {
 constexpr qint64 longestRequest = 64 * 1024; // bytes; room for many long paths
 // A client that says nothing must not hold a connection for ever.
 constexpr auto requestLimit = 5s;
+// While a request is worked on the client hears something this often, and
+// takes a longer silence for the end of it. A busy main thread may be late.
+constexpr auto progressInterval = 3s;
+constexpr auto longestSilence = 20s;
+// A client that does not read what it is told is told no more.
+constexpr qint64 mostUnread = 64 * 1024;
+
+const QString progressKey = u"progress"_s; // the only key of a line that is not the answer
 
 QByteArray line(const QJsonObject &object)
 {
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
+
+void tell(QLocalSocket *client, const QJsonObject &progress)
+{
+    if (client && client->bytesToWrite() < mostUnread)
+        client->write(line({{progressKey, progress}}));
+}
+
+// One request on its way, and what comes back.
+class Inquiry final : public QObject {
+public:
+    Inquiry(Clock &clock, LocalChannelServer::Progress progress)
+        : _clock(clock), _progress(std::move(progress))
+    {
+        _answer.start();
+        connect(&_socket, &QLocalSocket::readyRead, this, [this] { read(); });
+        connect(&_socket, &QLocalSocket::disconnected, this, [this] { end(noAnswer()); });
+        connect(&_socket, &QLocalSocket::errorOccurred, this, [this] {
+            if (!_isConnected)
+                end(std::unexpected(ChannelFailure{true, _socket.errorString()}));
+        });
+    }
+
+    QFuture<ChannelAnswer> ask(const QString &path, const QJsonObject &request)
+    {
+        connect(&_socket, &QLocalSocket::connected, this, [this, request] {
+            _isConnected = true;
+            _socket.write(line(request));
+        });
+        wait();
+        _socket.connectToServer(path);
+        return _answer.future();
+    }
+
+private:
+    static ChannelAnswer noAnswer() { return std::unexpected(ChannelFailure{false, u"Velbrix 没有答复"_s}); }
+
+    void wait()
+    {
+        _silence = _clock.after(longestSilence, [this] { end(noAnswer()); });
+    }
+    void read()
+    {
+        wait();
+        while (_socket.canReadLine()) {
+            const QJsonDocument said = QJsonDocument::fromJson(_socket.readLine());
+            if (said.object().keys() != QStringList{progressKey})
+                return end(said.isObject() ? ChannelAnswer(said.object()) : noAnswer());
+            const QJsonObject progress = said.object().value(progressKey).toObject();
+            if (_progress && !progress.isEmpty())
+                _progress(progress);
+        }
+    }
+    void end(ChannelAnswer answer)
+    {
+        _silence.reset();
+        if (std::exchange(_isEnded, true))
+            return;
+        _answer.addResult(std::move(answer));
+        _answer.finish();
+    }
+
+    Clock &_clock;
+    const LocalChannelServer::Progress _progress;
+    QLocalSocket _socket;
+    QPromise<ChannelAnswer> _answer;
+    std::unique_ptr<Alarm> _silence;
+    bool _isConnected = false;
+    bool _isEnded = false;
+};
 
 } // namespace
 
@@ -72,7 +152,9 @@ void LocalChannelServer::accept(QLocalSocket *socket)
 QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject request)
 {
     const QPointer client(socket);
-    const QJsonObject reply = co_await _handler(request);
+    const auto beat = _clock.every(progressInterval, [client] { tell(client, {}); });
+    const QJsonObject reply =
+        co_await _handler(request, [client](const QJsonObject &progress) { tell(client, progress); });
     if (!client)
         co_return;
     client->write(line(reply));
@@ -80,22 +162,13 @@ QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject reque
     client->disconnectFromServer();
 }
 
-QCoro::Task<std::expected<QJsonObject, ChannelFailure>> askLocalChannel(QString path, QJsonObject request)
+QCoro::Task<ChannelAnswer> askLocalChannel(QString path, QJsonObject request, Clock &clock,
+                                           LocalChannelServer::Progress progress)
 {
-    QLocalSocket socket;
-    socket.connectToServer(path);
-    if (socket.state() == QLocalSocket::ConnectingState)
-        co_await nextSignal(socket, &QLocalSocket::stateChanged);
-    if (socket.state() != QLocalSocket::ConnectedState)
-        co_return std::unexpected(ChannelFailure{true, socket.errorString()});
-    socket.write(line(request));
-    // The answer is complete when the other side hangs up.
-    co_await nextSignal(socket, &QLocalSocket::disconnected);
-    const QByteArray answer = socket.readAll();
-    const QJsonDocument document = QJsonDocument::fromJson(answer);
-    if (!document.isObject())
-        co_return std::unexpected(ChannelFailure{false, u"Velbrix 没有答复"_s});
-    co_return document.object();
+    Inquiry inquiry(clock, std::move(progress));
+    const QFuture<ChannelAnswer> future = inquiry.ask(path, request);
+    ChannelAnswer answer = co_await future;
+    co_return answer;
 }
 
 Result<QString> controlEndpoint()

@@ -17,13 +17,18 @@ class QLocalSocket;
 
 namespace velbrix {
 
-// Requests between two programs of one user: one JSON object asks, one
-// answers, both as a line of text. Main thread.
+// Requests between two programs of one user: one JSON object asks and one
+// answers, each as a line of text. Until the answer is there lines of progress
+// come, and show the client that somebody still works on it. Main thread.
 class LocalChannelServer final : public QObject {
     Q_OBJECT
 
 public:
-    using Handler = std::function<QCoro::Task<QJsonObject>(QJsonObject request)>;
+    // Tells the client how far its request has come; nothing happens when the
+    // client has gone.
+    using Progress = std::function<void(const QJsonObject &progress)>;
+    // Goes on although the client goes away.
+    using Handler = std::function<QCoro::Task<QJsonObject>(QJsonObject request, Progress progress)>;
 
     LocalChannelServer(Handler handler, Clock &clock, QObject *parent = nullptr);
     ~LocalChannelServer() override;
@@ -46,9 +51,11 @@ struct ChannelFailure {
     QString message;
 };
 
-// Asks whoever listens at the endpoint, and waits for the answer as long as
-// that takes.
-QCoro::Task<std::expected<QJsonObject, ChannelFailure>> askLocalChannel(QString path, QJsonObject request);
+// Asks whoever listens at the endpoint. Waits for the answer as long as that
+// takes, but not for one who says nothing any more.
+using ChannelAnswer = std::expected<QJsonObject, ChannelFailure>;
+QCoro::Task<ChannelAnswer> askLocalChannel(QString path, QJsonObject request, Clock &clock,
+                                           LocalChannelServer::Progress progress = {});
 
 // Where this user's running program listens.
 Result<QString> controlEndpoint();

@@ -38,6 +38,11 @@ public:
     // Called after the whole program was hidden and is shown again; a host
     // without such hiding never calls.
     virtual Observation observeUnhide(std::function<void()> unhidden) = 0;
+
+    // Called when the user opens the program again although it runs: from its
+    // tile in the Dock, from the file manager. A host on which that starts a
+    // second copy never calls.
+    virtual Observation observeReopen(std::function<void()> reopened) = 0;
 };
 
 } // namespace velbrix

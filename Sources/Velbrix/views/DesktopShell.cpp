@@ -91,7 +91,7 @@ std::optional<QRect> DesktopShell::mainWindowFrame() const
 }
 
 void DesktopShell::createTray(const QList<TrayMenuItem> &menu, std::function<void()> clicked,
-                              std::function<void(TrayItemId)> chosen)
+                              std::function<void(const QString &id)> chosen)
 {
     // A new one each time: the toolkit chooses the kind of tray at its birth.
     _statusItem = std::make_unique<StatusItem>(_theme, std::move(clicked), std::move(chosen));

@@ -34,7 +34,7 @@ public:
     std::optional<QRect> mainWindowFrame() const override;
 
     void createTray(const QList<TrayMenuItem> &menu, std::function<void()> clicked,
-                    std::function<void(TrayItemId)> chosen) override;
+                    std::function<void(const QString &id)> chosen) override;
     void updateTray(const QList<TrayMenuItem> &menu, bool isRecording) override;
     void removeTray() override;
 

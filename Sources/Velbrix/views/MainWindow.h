@@ -1,12 +1,8 @@
 #pragma once
 
-#include "app/AppTab.h"
-#include "app/RecordingActions.h"
-#include "app/WallpaperActions.h"
-#include "views/TabActivity.h"
-
 #include <QHash>
 #include <QMainWindow>
+#include <QString>
 
 #include <functional>
 
@@ -18,7 +14,8 @@ class AppServices;
 class NoticeDesk;
 class Theme;
 
-// The one window: sidebar, the chosen page, and the notices over both.
+// The one window: sidebar, the chosen page, and the notices over both. Nothing
+// in it can be used while the program ends.
 class MainWindow final : public QMainWindow {
 public:
     // `shouldClose` answers whether the window may really close.
@@ -32,18 +29,14 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    void showPage(AppTab tab);
-    QWidget *makePage(AppTab tab);
+    void showPage(const QString &tool);
     void addShortcuts();
 
     AppServices &_services;
     Theme &_theme;
-    RecordingActions _recording;
-    WallpaperActions _wallpaper;
-    TabActivity _activity;
     std::function<bool()> _shouldClose;
     QStackedWidget *_pages;
-    QHash<AppTab, QWidget *> _made;
+    QHash<QString, QWidget *> _made; // by tool
     NoticeDesk *_notices;
 };
 

@@ -6,6 +6,8 @@
 
 #include <QApplication>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -21,7 +23,20 @@ QList<QColor> statementColors()
 } // namespace
 
 NoticeDesk::NoticeDesk(PrivacyManager &privacy, const Theme &theme, QWidget *surface)
-    : QObject(surface), _privacy(privacy), _theme(theme), _surface(surface)
+    : QObject(surface),
+      _privacy(privacy),
+      _theme(theme),
+      _surface(surface),
+      _ranks{
+          {[this] { return _privacy.hasAcceptedFirstLaunchNotice() ? QString() : u"first"_s; },
+           [this] { openFirstLaunch(); }},
+          {[this] {
+               const auto notice = _privacy.pendingFeatureNotice();
+               return notice ? u"feature "_s + notice->id : QString();
+           },
+           [this] { openFeatureNotice(); }},
+          {[this] { return _isReviewing ? u"review"_s : QString(); }, [this] { openReview(); }},
+      }
 {
     const auto again = [this] { refresh(); };
     connect(&privacy, &PrivacyManager::hasAcceptedFirstLaunchNoticeChanged, this, again);
@@ -37,24 +52,15 @@ void NoticeDesk::reviewStatement()
 
 void NoticeDesk::refresh()
 {
-    const auto notice = _privacy.pendingFeatureNotice();
-    QString wanted;
-    if (!_privacy.hasAcceptedFirstLaunchNotice())
-        wanted = u"first"_s;
-    else if (notice)
-        wanted = u"feature "_s + notice->id;
-    else if (_isReviewing)
-        wanted = u"review"_s;
+    const auto first =
+        std::ranges::find_if(_ranks, [](const Rank &rank) { return !rank.wanted().isEmpty(); });
+    const QString wanted = first == _ranks.end() ? QString() : first->wanted();
     if (wanted == _shown)
         return;
     close();
     _shown = wanted;
-    if (wanted == u"first"_s)
-        openFirstLaunch();
-    else if (wanted == u"review"_s)
-        openReview();
-    else if (!wanted.isEmpty())
-        openFeatureNotice();
+    if (first != _ranks.end())
+        first->open();
 }
 
 void NoticeDesk::openFirstLaunch()

@@ -2,17 +2,20 @@
 
 #include "views/components/NoticeSheet.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+
+#include <functional>
 
 namespace velbrix {
 
 class PrivacyManager;
 class Theme;
 
-// Decides which notice lies over the window: first the statement of the first
-// launch, then what a feature asks, then the statement opened for review.
+// Decides which notice lies over the window: the first of those that are
+// wanted, in the order of their ranks.
 class NoticeDesk final : public QObject {
 public:
     NoticeDesk(PrivacyManager &privacy, const Theme &theme, QWidget *surface);
@@ -20,6 +23,12 @@ public:
     void reviewStatement();
 
 private:
+    // One kind of notice.
+    struct Rank {
+        std::function<QString()> wanted; // which one of the kind; empty: none
+        std::function<void()> open;
+    };
+
     void refresh();
     void openFirstLaunch();
     void openFeatureNotice();
@@ -31,7 +40,8 @@ private:
     const Theme &_theme;
     QWidget *_surface;
     QPointer<NoticeSheet> _sheet;
-    QString _shown; // which notice the sheet is
+    const QList<Rank> _ranks; // what comes first covers the others
+    QString _shown;           // which notice the sheet is
     bool _isReviewing = false;
     QPointer<QWidget> _focusBefore;
 };

@@ -1,8 +1,9 @@
 #include "views/Sidebar.h"
 
-#include "app/AppRouter.h"
+#include "app/AppServices.h"
+#include "app/Tools.h"
+#include "foundation/Job.h"
 #include "views/Follow.h"
-#include "views/TabActivity.h"
 #include "views/Theme.h"
 #include "views/components/JobRing.h"
 #include "views/components/Parts.h"
@@ -13,19 +14,22 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
 
 constexpr int sidebarWidth = 208;
+constexpr char toolProperty[] = "tool"; // the button's tool
 
 } // namespace
 
-Sidebar::Sidebar(const Theme &theme, AppRouter &router, const TabActivity &activity, QWidget *parent)
+Sidebar::Sidebar(const Theme &theme, AppServices &services, QWidget *parent)
     : QWidget(parent),
       _theme(theme),
-      _activity(activity),
+      _services(services),
       _tabs(new QButtonGroup(this)),
       _list(new QVBoxLayout(this))
 {
@@ -37,75 +41,79 @@ Sidebar::Sidebar(const Theme &theme, AppRouter &router, const TabActivity &activ
     _list->setSpacing(2);
 
     QString group;
-    for (const AppTabInfo &tab : appTabs()) {
-        if (tab.group.isEmpty())
+    for (const Tool &tool : tools()) {
+        if (tool.group.isEmpty())
             continue;
-        if (tab.group != group) {
+        if (tool.group != group) {
             if (!group.isEmpty())
                 _list->addSpacing(12);
-            _list->addWidget(makeText(tab.group, u"group"_s));
+            _list->addWidget(makeText(tool.group, u"group"_s));
             _list->addSpacing(2);
-            group = tab.group;
+            group = tool.group;
         }
-        add(tab);
+        add(tool);
     }
     _list->addStretch(1);
-    for (const AppTabInfo &tab : appTabs()) {
-        if (tab.group.isEmpty())
-            add(tab);
+    for (const Tool &tool : tools()) {
+        if (tool.group.isEmpty())
+            add(tool);
     }
 
-    connect(_tabs, &QButtonGroup::idToggled, this, [&router](int id, bool on) {
+    AppRouter &router = services.router;
+    connect(_tabs, &QButtonGroup::buttonToggled, this, [&router](const QAbstractButton *button, bool on) {
         if (on)
-            router.show(static_cast<AppTab>(id));
+            router.show(button->property(toolProperty).toString());
     });
     follow(router, &AppRouter::activeTabChanged, this, [this, &router] {
-        const auto tab = router.activeTab();
-        if (!tab)
+        const auto all = _tabs->buttons();
+        const auto chosen = std::ranges::find_if(all, [&](const QAbstractButton *button) {
+            return button->property(toolProperty).toString() == router.activeTab();
+        });
+        if (chosen == all.end())
             return;
-        QAbstractButton *const button = _tabs->button(static_cast<int>(*tab));
-        button->setChecked(true);
+        (*chosen)->setChecked(true);
         // A focus in the list goes along, or two tabs would look chosen.
         if (isAncestorOf(QApplication::focusWidget()))
-            button->setFocus();
+            (*chosen)->setFocus();
     });
 }
 
-void Sidebar::add(const AppTabInfo &tab)
+void Sidebar::add(const Tool &tool)
 {
-    auto *button = new QPushButton(u"  "_s + tab.title);
-    button->setObjectName(u"tab."_s + tab.identifier);
-    button->setAccessibleName(tab.title);
+    auto *button = new QPushButton(u"  "_s + tool.title);
+    button->setObjectName(u"tab."_s + tool.identifier);
+    button->setProperty(toolProperty, tool.identifier);
+    button->setAccessibleName(tool.title);
     button->setProperty("role", u"tab"_s);
     button->setCheckable(true);
-    button->setIcon(_theme.icon(tab.symbol, ThemeColor::accentText));
+    button->setIcon(_theme.icon(tool.symbol, ThemeColor::accentText));
     button->setIconSize(QSize(18, 18));
-    _tabs->addButton(button, static_cast<int>(tab.tab));
+    _tabs->addButton(button);
     _list->addWidget(button);
-    if (!_activity.isWatched(tab.tab))
+    const QList<Job *> jobs = jobsOf(tool, _services);
+    if (jobs.isEmpty())
         return;
     auto *line = new QHBoxLayout(button);
     line->setContentsMargins(0, 0, 12, 0);
     line->addStretch(1);
-    line->addWidget(ring(tab));
+    line->addWidget(ring(tool, jobs));
 }
 
-QWidget *Sidebar::ring(const AppTabInfo &tab)
+QWidget *Sidebar::ring(const Tool &tool, const QList<Job *> &jobs)
 {
-    const bool records = tab.tab == AppTab::recorder;
-    auto *ring = new JobRing(_theme, {}, records ? JobRing::Look::recording : JobRing::Look::progress);
-    ring->setObjectName(records ? u"recordingRing"_s : u"ring."_s + tab.identifier);
-    const auto refresh = [this, ring, which = tab.tab] {
-        const auto job = _activity.job(which);
-        ring->setVisible(job.has_value());
-        if (job)
-            ring->setJob(job->what, job->progress);
+    const bool isRecording = jobs.first()->kind() == Job::Kind::recording;
+    auto *ring = new JobRing(_theme, {}, isRecording ? JobRing::Look::recording : JobRing::Look::progress);
+    ring->setObjectName(u"ring."_s + tool.identifier);
+    const auto refresh = [ring, jobs] {
+        const auto shown =
+            std::ranges::find_if(jobs, [](const Job *job) { return !job->state().what.isEmpty(); });
+        ring->setVisible(shown != jobs.end());
+        if (shown != jobs.end())
+            ring->setJob((*shown)->state().what, (*shown)->state().progress);
     };
     refresh();
-    connect(&_activity, &TabActivity::changed, ring, [refresh, which = tab.tab](AppTab changed) {
-        if (changed == which)
-            refresh();
-    });
+    for (const Job *job : jobs)
+        connect(job, &Job::changed, ring, refresh);
     return ring;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "app/AppTab.h"
-
 #include <QWidget>
 
 class QAbstractButton;
@@ -10,21 +8,23 @@ class QVBoxLayout;
 
 namespace velbrix {
 
-class AppRouter;
-class TabActivity;
+class AppServices;
+class Job;
 class Theme;
+struct Tool;
 
-// The list of tabs by group, with the settings at the foot. ↑↓ move in it.
+// The list of tools by group, with those of no group at the foot; a ring shows
+// what a tool does in the background. ↑↓ move in it.
 class Sidebar final : public QWidget {
 public:
-    Sidebar(const Theme &theme, AppRouter &router, const TabActivity &activity, QWidget *parent = nullptr);
+    Sidebar(const Theme &theme, AppServices &services, QWidget *parent = nullptr);
 
 private:
-    void add(const AppTabInfo &tab);
-    QWidget *ring(const AppTabInfo &tab);
+    void add(const Tool &tool);
+    QWidget *ring(const Tool &tool, const QList<Job *> &jobs);
 
     const Theme &_theme;
-    const TabActivity &_activity;
+    AppServices &_services;
     QButtonGroup *_tabs;
     QVBoxLayout *_list;
 };

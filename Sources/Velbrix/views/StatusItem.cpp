@@ -39,9 +39,9 @@ QKeySequence keySequence(const QString &equivalent)
     return QKeySequence::fromString(keys, QKeySequence::PortableText);
 }
 
-QList<TrayItemId> orderOf(const QList<TrayMenuItem> &items)
+QStringList orderOf(const QList<TrayMenuItem> &items)
 {
-    QList<TrayItemId> order;
+    QStringList order;
     for (const TrayMenuItem &item : items)
         order.append(item.id);
     return order;
@@ -50,7 +50,7 @@ QList<TrayItemId> orderOf(const QList<TrayMenuItem> &items)
 } // namespace
 
 StatusItem::StatusItem(const Theme &theme, std::function<void()> clicked,
-                       std::function<void(TrayItemId)> chosen)
+                       std::function<void(const QString &id)> chosen)
     : _theme(theme), _chosen(std::move(chosen))
 {
     _menu.setObjectName(u"trayMenu"_s);
@@ -79,10 +79,10 @@ void StatusItem::setMenu(const QList<TrayMenuItem> &items)
         rebuild(items);
     const QList<QAction *> actions = _menu.actions();
     for (qsizetype index = 0; index < items.size(); ++index) {
-        if (items[index].id == TrayItemId::separator)
+        if (items[index].id.isEmpty())
             continue;
         actions[index]->setText(items[index].title);
-        actions[index]->setEnabled(items[index].isEnabled && !items[index].isHeader);
+        actions[index]->setEnabled(items[index].isEnabled);
     }
 }
 
@@ -97,7 +97,7 @@ void StatusItem::rebuild(const QList<TrayMenuItem> &items)
     _order = orderOf(items);
     _menu.clear();
     for (const TrayMenuItem &item : items) {
-        if (item.id == TrayItemId::separator) {
+        if (item.id.isEmpty()) {
             _menu.addSeparator();
             continue;
         }

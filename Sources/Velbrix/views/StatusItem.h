@@ -14,7 +14,8 @@ class Theme;
 // The icon in the tray and its menu.
 class StatusItem final : public QObject {
 public:
-    StatusItem(const Theme &theme, std::function<void()> clicked, std::function<void(TrayItemId)> chosen);
+    StatusItem(const Theme &theme, std::function<void()> clicked,
+               std::function<void(const QString &id)> chosen);
 
     void setMenu(const QList<TrayMenuItem> &items);
     void setRecording(bool isRecording);
@@ -29,8 +30,8 @@ private:
     void rebuild(const QList<TrayMenuItem> &items);
 
     const Theme &_theme;
-    std::function<void(TrayItemId)> _chosen;
-    QList<TrayItemId> _order;
+    std::function<void(const QString &id)> _chosen;
+    QStringList _order;
     QMenu _menu;
     QSystemTrayIcon _icon; // goes before its menu
     bool _isMenuOpen = false;

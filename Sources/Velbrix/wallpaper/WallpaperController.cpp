@@ -71,6 +71,7 @@ void WallpaperController::followParts()
     connect(&_dock, &DockHiding::toggled, this, [this] { _surfaces.applyWindowLayering(); });
     connect(&_staticDesktop, &StaticDesktop::isWorkingChanged, this, &WallpaperController::isSettledChanged);
     connect(&_dock, &DockHiding::isWorkingChanged, this, &WallpaperController::isSettledChanged);
+    _job.follow(*this, &WallpaperController::isSettledChanged);
 }
 
 bool WallpaperController::canToggle() const

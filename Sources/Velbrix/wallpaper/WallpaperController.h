@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Job.h"
 #include "foundation/Published.h"
 #include "wallpaper/ConnectedDisplays.h"
 #include "wallpaper/DockHiding.h"
@@ -88,6 +89,8 @@ public:
     // At the end of the program: stops, puts everything back and starts nothing
     // any more. The end may come when isSettled().
     void shutDown();
+    // The putting back of what is the user's own. It has nothing to show.
+    Job &job() { return _job; }
     bool isSettled() const { return !_staticDesktop.isWorking() && !_dock.isWorking(); }
 
     void detectDisplays() { _displays.detectDisplays(); }
@@ -144,6 +147,7 @@ private:
     DockHiding _dock;
     std::function<bool()> _isInBackground;
     Observation _displayChanges;
+    Job _job{[this] { return Job::State{.isBusy = !isSettled()}; }};
 };
 
 } // namespace velbrix

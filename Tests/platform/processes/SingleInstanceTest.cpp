@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // A copy of the program: says what it got and, as the holder, every wake-up.
-int runCopy(QCoreApplication &application, const QString &folder)
+int runCopy(QCoreApplication &application, const QString &folder, bool leaves)
 {
     FolderSingleInstance instance(folder);
     const auto say = [](const char *word) {
@@ -28,13 +28,20 @@ int runCopy(QCoreApplication &application, const QString &folder)
     }
     say("holder");
     const Observation observation = instance.observeWake([say] { say("woken"); });
+    if (leaves) {
+        instance.leave();
+        say("leaving");
+    }
     return application.exec();
 }
 
 struct Copy {
-    explicit Copy(const QString &folder)
+    explicit Copy(const QString &folder, bool leaves = false)
     {
-        process.start(QCoreApplication::applicationFilePath(), {u"--copy"_s, folder});
+        QStringList arguments = {u"--copy"_s, folder};
+        if (leaves)
+            arguments << u"--leaves"_s;
+        process.start(QCoreApplication::applicationFilePath(), arguments);
     }
     ~Copy()
     {
@@ -91,6 +98,25 @@ private Q_SLOTS:
         QTRY_VERIFY(second.said("holder"));
         Copy third(_folder->path());
         QTRY_VERIFY(second.said("woken"));
+    }
+
+    // However the first one ends.
+    void whoComesWhileTheFirstLeavesGetsThePlaceAfterIt()
+    {
+        Copy first(_folder->path(), true);
+        QTRY_VERIFY(first.said("leaving"));
+        FolderSingleInstance early(_folder->path());
+        QVERIFY(!early.wakeOther());
+        Copy second(_folder->path());
+        Copy third(_folder->path());
+        QTest::qWait(200);
+        QVERIFY(!second.said("holder") && !third.said("holder") && !second.said("second"));
+        ::kill(static_cast<pid_t>(first.process.processId()), SIGKILL);
+        QTRY_VERIFY(second.said("holder") || third.said("holder"));
+        Copy &holder = second.said("holder") ? second : third;
+        Copy &other = second.said("holder") ? third : second;
+        QTRY_VERIFY(other.said("second"));
+        QTRY_VERIFY(holder.said("woken"));
     }
 
     void aWakeBeforeAnyoneObservesIsKept()
@@ -150,7 +176,7 @@ int main(int argc, char **argv)
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == u"--copy"_s)
-        return runCopy(application, arguments.value(2));
+        return runCopy(application, arguments.value(2), arguments.contains(u"--leaves"_s));
     SingleInstanceTest test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -34,6 +34,7 @@ QCoro::Task<> ArchiveRestorer::run(QString archive, QString folder)
     if (!self)
         co_return;
     _progress = QString();
+    _hasSucceeded = outcome.state == BackupOutcome::State::done;
     _result = outcome.message;
     _isRestoring = false;
 }

@@ -16,7 +16,8 @@ class ArchiveRestorer final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(ArchiveRestorer, bool, isRestoring, false)
     VELB_PUBLISHED(ArchiveRestorer, QString, progress)
-    VELB_PUBLISHED(ArchiveRestorer, QString, result) // of the last one
+    VELB_PUBLISHED(ArchiveRestorer, QString, result)           // of the last one
+    VELB_PUBLISHED(ArchiveRestorer, bool, hasSucceeded, false) // the last one
 
 public:
     explicit ArchiveRestorer(Archiver &archiver) : _archiver(archiver) {}

@@ -14,6 +14,7 @@ void takeResults(BackupTask &task, const BackupTask &from)
     task.lastRunAt = from.lastRunAt;
     task.lastResult = from.lastResult;
     task.lastFailed = from.lastFailed;
+    task.lastCancelled = from.lastCancelled;
 }
 
 } // namespace
@@ -66,6 +67,7 @@ void enterOutcome(const BackupOutcome &outcome, BackupTask &task, const QDateTim
     task.lastRunAt = now;
     task.lastResult = outcome.message;
     task.lastFailed = outcome.state == BackupOutcome::State::failed;
+    task.lastCancelled = outcome.state == BackupOutcome::State::cancelled;
     task.nextRunAt = nextRun(task.schedule, now);
     if (outcome.state == BackupOutcome::State::done)
         forgetFailures(task);

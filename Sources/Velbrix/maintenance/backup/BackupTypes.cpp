@@ -182,6 +182,7 @@ QJsonObject toJson(const BackupTask &task)
                      {u"destVolume"_s, task.destVolume},
                      {u"sourceVolume"_s, task.sourceVolume},
                      {u"lastFailed"_s, task.lastFailed},
+                     {u"lastCancelled"_s, task.lastCancelled},
                      {u"toldFailure"_s, task.toldFailure},
                      {u"toldOverdue"_s, task.toldOverdue}};
     if (task.lastRunAt)
@@ -216,6 +217,7 @@ std::optional<BackupTask> backupTaskFromJson(const QJsonObject &json)
     reader.read("destVolume"_L1, task.destVolume);
     reader.read("sourceVolume"_L1, task.sourceVolume);
     reader.read("lastFailed"_L1, task.lastFailed);
+    reader.read("lastCancelled"_L1, task.lastCancelled);
     reader.read("failingSince"_L1, task.failingSince);
     reader.read("toldFailure"_L1, task.toldFailure);
     reader.read("toldOverdue"_L1, task.toldOverdue);

@@ -42,9 +42,13 @@ struct BackupTask {
     QString destVolume;    // where the destination's disk was mounted when the task was saved
     QString sourceVolume;  // and the source's
     bool lastFailed = false;
+    bool lastCancelled = false;
     std::optional<QDateTime> failingSince; // no run has succeeded since
     QString toldFailure;                   // what the user was notified of since then
     bool toldOverdue = false;
+
+    // The last run has done what it should; false also when there was none.
+    bool hasSucceeded() const { return lastResult && !lastFailed && !lastCancelled; }
 
     bool operator==(const BackupTask &) const = default;
 };

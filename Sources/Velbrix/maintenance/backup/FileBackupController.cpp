@@ -48,11 +48,29 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
     if (!dueTasks(_tasks, _clock.now()).isEmpty())
         pollAfter(catchUpDelay);
     observeWaking();
+    _job.follow(*this, &FileBackupController::isRunningBackupChanged,
+                &FileBackupController::runningShareChanged);
+    _job.follow(_restorer, &ArchiveRestorer::isRestoringChanged);
 }
 
 FileBackupController::~FileBackupController()
 {
     _runCancellation.cancel();
+}
+
+Job::State FileBackupController::jobState() const
+{
+    if (_isRunningBackup)
+        return {.what = u"正在备份"_s, .progress = _runningShare, .isBusy = true};
+    if (_restorer.isRestoring())
+        return {.what = u"正在恢复"_s, .isBusy = true};
+    return {};
+}
+
+void FileBackupController::cancelAll()
+{
+    cancelRun();
+    _restorer.cancel();
 }
 
 QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)

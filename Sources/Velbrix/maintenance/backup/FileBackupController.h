@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Job.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "foundation/Result.h"
@@ -82,12 +83,17 @@ public:
     QCoro::Task<QList<BackupArchiveInfo>> archives(QString id) const;
     ArchiveRestorer &restorer() { return _restorer; }
     const ArchiveRestorer &restorer() const { return _restorer; }
+    // A run or a restore.
+    Job &job() { return _job; }
 
 Q_SIGNALS:
     // The task has its result.
     void runFinished(const QString &taskId);
 
 private:
+    Job::State jobState() const;
+    void cancelAll();
+
     enum class Occasion { onRequest, onSchedule };
 
     void correctTimes();
@@ -115,6 +121,7 @@ private:
     Cancellation _runCancellation;
     AwaitedAnswer _answer;
     ArchiveRestorer _restorer;
+    Job _job{[this] { return jobState(); }, [this] { cancelAll(); }};
 };
 
 } // namespace velbrix

@@ -16,8 +16,6 @@ namespace {
 
 constexpr auto afterEachItem = 100ms;
 
-const QString unknownYet = u"计算中…"_s;
-const QString notMeasured = u"待计算"_s;
 const QString nothingToShow = u"无数据"_s;
 
 QList<CleanupRule> withFolders(QList<CleanupRule> catalog, const QStringList &customPaths)
@@ -62,11 +60,19 @@ SystemCleaner::SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock 
     }
     _items = items;
     connect(&_sizes, &CleanupSizes::measured, this, &SystemCleaner::showSize);
+    _job.follow(*this, &SystemCleaner::phaseChanged, &SystemCleaner::progressChanged);
 }
 
 SystemCleaner::~SystemCleaner()
 {
     cancel();
+}
+
+Job::State SystemCleaner::jobState() const
+{
+    if (_isCleaning)
+        return {.what = u"正在清理"_s, .progress = _progress, .isBusy = true};
+    return {.what = isWorking() ? u"正在计算大小"_s : QString()};
 }
 
 CleanupGroup SystemCleaner::group(const QString &id) const
@@ -187,14 +193,13 @@ QCoro::Task<> SystemCleaner::measure(QStringList ids, Cancellation work)
         co_return;
     // Left over by a cancelling.
     for (const QString &id : ids)
-        change(id, [](CleanupItem &item) {
-            if (item.estimatedSize == unknownYet)
-                item.estimatedSize = notMeasured;
-        });
+        if (!_sized.contains(id))
+            change(id, [](CleanupItem &item) { item.estimatedSize = u"待计算"_s; });
 }
 
 void SystemCleaner::showSize(const QString &id, qint64 bytes)
 {
+    _sized.insert(id);
     change(id, [&](CleanupItem &item) {
         item.estimatedSize = bytes > 0 ? formatByteCount(bytes) : nothingToShow;
     });

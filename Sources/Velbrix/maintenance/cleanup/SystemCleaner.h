@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Job.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "foundation/Result.h"
@@ -91,8 +92,10 @@ public:
     bool isCleaning() const { return _isCleaning; }
     // Cleaning or measuring.
     bool isWorking() const;
+    Job &job() { return _job; }
 
 private:
+    Job::State jobState() const;
     bool isSkipped(const CleanupItem &item) const;
     void change(const QString &id, const std::function<void(CleanupItem &)> &edit);
     void showSize(const QString &id, qint64 bytes);
@@ -108,7 +111,9 @@ private:
     OpenedItems _opened;
     ItemCleaner _itemCleaner;
     Cancellation _work;
+    Job _job{[this] { return jobState(); }, [this] { cancel(); }};
     quint64 _measurings = 0; // of all items, so far
+    QSet<QString> _sized;    // ids of the items whose size is shown
     bool _isCleaning = false;
     bool _hasCalculated = false;
 };

@@ -46,6 +46,8 @@ AppScanner::AppScanner(Hosts hosts, SettingsStore &settings, Clock &clock, const
     _cleanupOptions = cleanupOptionsFromJson(options).value_or(CleanupOptions());
     _records = _journal.records();
     observeSequences();
+    _job.follow(*this, &AppScanner::uninstallingNameChanged, &AppScanner::isUninstallingChanged,
+                &AppScanner::progressValueChanged, &AppScanner::isPuttingBackChanged, &AppScanner::finished);
 }
 
 AppScanner::~AppScanner()
@@ -70,6 +72,20 @@ void AppScanner::observeSequences()
         _progressStage = stage;
         _progressValue = stage.progress();
     });
+}
+
+Job::State AppScanner::jobState() const
+{
+    Job::State state{.isBusy = _isBusy || isPuttingBack()};
+    // A package manager is never left alone in mid-work.
+    state.mustFinish = _isBusy;
+    if (isUninstalling()) {
+        state.what = u"正在卸载"_s;
+        state.progress = progressValue();
+    } else if (isPuttingBack()) {
+        state.what = u"正在放回原处"_s;
+    }
+    return state;
 }
 
 void AppScanner::scanOnce()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Job.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "maintenance/uninstall/OpenReview.h"
@@ -80,6 +81,8 @@ public:
     void cancelUninstall();
     // From the call of uninstall() to its finished().
     bool isBusy() const { return _isBusy; }
+    // Uninstalling or putting back.
+    Job &job() { return _job; }
 
     // Back to where it was, the last one first; what cannot go back stays in
     // the record and is told in `failures`. Packages never can.
@@ -94,6 +97,7 @@ Q_SIGNALS:
     void finished(const QString &message);
 
 private:
+    Job::State jobState() const;
     QCoro::Task<> runScan(Cancellation scan);
     QCoro::Task<> runUninstall(UninstallReview review);
     QCoro::Task<> runPutBack(UninstallRecord record);
@@ -114,6 +118,7 @@ private:
     quint64 _nextId = 1;
     bool _hasScanned = false;
     bool _isBusy = false;
+    Job _job{[this] { return jobState(); }, [this] { cancelUninstall(); }};
 };
 
 } // namespace velbrix

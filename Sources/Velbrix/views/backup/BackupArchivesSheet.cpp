@@ -201,7 +201,7 @@ void BackupArchivesSheet::refresh()
     _job->setJob(restorer.progress().isEmpty() ? u"正在恢复…"_s : restorer.progress(), 0, 0);
     _result->setText(restorer.result());
     _result->setVisible(_hasRestored && !isRestoring && !restorer.result().isEmpty());
-    setLook(_result, "role", restorer.result().startsWith(u'✓') ? u"good"_s : u"bad"_s);
+    setLook(_result, "role", restorer.hasSucceeded() ? u"good"_s : u"bad"_s);
     _restore->setEnabled(!isRestoring && _list->currentIndex().isValid());
 }
 

@@ -174,9 +174,9 @@ void BackupTaskCard::showResult()
         return;
     }
     QString result = *_task.lastResult;
-    const bool isDone = result.startsWith(u"✓ ");
+    const bool isDone = _task.hasSucceeded();
     if (isDone)
-        result.remove(0, 2); // the picture says it
+        result.remove(u"✓ "_s); // the picture says it
     if (_task.lastFailed)
         _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
     else if (isDone)

@@ -99,9 +99,8 @@ void ShortcutField::refresh()
 
     const QString problem = _hotkeys.problem(_action);
     if (capturing || _resetRefused) {
-        const bool isPrompt = _hotkeys.captureHint().startsWith(u"请按下");
         _hint->setText(_hotkeys.captureHint());
-        setLook(_hint, "role", isPrompt ? u"note"_s : u"warning"_s);
+        setLook(_hint, "role", _hotkeys.isCaptureRefused() ? u"warning"_s : u"note"_s);
     } else {
         _hint->setText(problem.isEmpty() ? QString() : u"未生效："_s + problem);
         setLook(_hint, "role", u"warning"_s);

@@ -41,7 +41,8 @@ void RecordAudioCard::addSystemAudio()
     _systemRow = new SettingRow(u"系统音频"_s, u"捕获当前系统混音；点选扬声器会切换系统默认输出"_s, sound);
     addRow(_systemRow);
     addDetail(_speakers);
-    connect(sound, &Switch::wanted, this, [this](bool on) { _context.recording.setSystemAudio(on); });
+    connect(sound, &Switch::wanted, this,
+            [this](bool on) { _context.services.recordingActions.setSystemAudio(on); });
     follow(preferences, &RecorderPreferences::recordSystemAudioChanged, this,
            [sound, &preferences] { sound->setOn(preferences.recordSystemAudio()); });
     connect(_speakers, &DeviceList::wanted, this,
@@ -55,7 +56,8 @@ void RecordAudioCard::addMicrophone()
     _microphoneRow = new SettingRow(u"麦克风"_s, u"把麦克风的声音录成单独的音轨"_s, voice);
     addRow(_microphoneRow);
     addDetail(_microphones);
-    connect(voice, &Switch::wanted, this, [this](bool on) { _context.recording.setMicrophone(on); });
+    connect(voice, &Switch::wanted, this,
+            [this](bool on) { _context.services.recordingActions.setMicrophone(on); });
     follow(preferences, &RecorderPreferences::recordMicrophoneChanged, this,
            [voice, &preferences] { voice->setOn(preferences.recordMicrophone()); });
     connect(_microphones, &DeviceList::wanted, this,

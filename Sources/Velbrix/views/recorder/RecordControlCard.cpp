@@ -50,7 +50,8 @@ RecordControlCard::RecordControlCard(const ViewContext &context, QWidget *parent
     line->addLayout(words, 1);
     addRow(row);
 
-    connect(_button, &QPushButton::clicked, this, [this] { _context.recording.toggleFromPanel(); });
+    connect(_button, &QPushButton::clicked, this,
+            [this] { _context.services.recordingActions.toggleFromPanel(); });
     ScreenRecorderController &recorder = context.services.recorder;
     const auto again = [this] { refresh(); };
     connect(&recorder, &ScreenRecorderController::isStartingChanged, this, again);

@@ -11,14 +11,13 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-PrivacySection::PrivacySection(const ViewContext &context, std::function<void()> review, QWidget *parent)
-    : Card(parent)
+PrivacySection::PrivacySection(const ViewContext &context, QWidget *parent) : Card(parent)
 {
     QPushButton *const show = makeButton(context.theme, {u"reviewStatement"_s, u"查看声明"_s, {}, {}});
     auto *row = new SettingRow(u"隐私与使用声明"_s, {}, show);
     row->setObjectName(u"privacyRow"_s);
     addRow(row);
-    connect(show, &QPushButton::clicked, this, std::move(review));
+    connect(show, &QPushButton::clicked, &context.services.router, &AppRouter::openStatement);
     const PrivacyManager &privacy = context.services.privacy;
     follow(privacy, &PrivacyManager::hasAcceptedFirstLaunchNoticeChanged, this, [row, &privacy] {
         row->setDescription(privacy.hasAcceptedFirstLaunchNotice()

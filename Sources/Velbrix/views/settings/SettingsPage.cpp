@@ -10,13 +10,13 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-SettingsPage::SettingsPage(const ViewContext &context, std::function<void()> review, QWidget *parent)
+SettingsPage::SettingsPage(const ViewContext &context, QWidget *parent)
     : Page(u"settingsPage"_s, u"设置"_s, u"快捷键、权限、启动与隐私。"_s, parent)
 {
     add(u"快捷键"_s, new HotkeySection(context));
     add(u"系统权限"_s, new PermissionSection(context));
     add(u"启动"_s, new LoginSection(context));
-    add(u"隐私"_s, new PrivacySection(context, std::move(review)));
+    add(u"隐私"_s, new PrivacySection(context));
     add(u"关于"_s, new AboutSection(context));
 }
 

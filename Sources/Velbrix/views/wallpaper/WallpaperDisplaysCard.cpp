@@ -136,11 +136,11 @@ void WallpaperDisplaysCard::chooseFor(const WallpaperDisplayInfo &display)
     WallpaperController &wallpaper = _context.services.wallpaper;
     if (display.isMain) {
         openVideoPanel(this, wallpaper, u"选择主显示器视频壁纸"_s,
-                       [this](const QString &path) { _context.wallpaper.playVideo(path); });
+                       [this](const QString &path) { _context.services.wallpaperActions.playVideo(path); });
         return;
     }
     openVideoPanel(this, wallpaper, u"选择副显示器视频壁纸"_s, [this, id = display.id](const QString &path) {
-        _context.wallpaper.playVideoOn(id, path);
+        _context.services.wallpaperActions.playVideoOn(id, path);
     });
 }
 

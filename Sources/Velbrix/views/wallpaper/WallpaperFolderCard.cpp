@@ -119,7 +119,7 @@ void WallpaperFolderCard::addVideos()
     addRow(_empty);
     connect(_empty, &EmptyState::acted, _field, &PathField::choose);
     connect(_grid, &ThumbnailGrid::wanted, this,
-            [this](const QString &path) { _context.wallpaper.playChosenVideo(path); });
+            [this](const QString &path) { _context.services.wallpaperActions.playChosenVideo(path); });
     connect(_grid, &ThumbnailGrid::inSightChanged, this, [this] { lookSoon(); });
 }
 

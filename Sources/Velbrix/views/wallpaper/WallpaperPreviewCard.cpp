@@ -99,7 +99,7 @@ QWidget *WallpaperPreviewCard::makeButtons()
     line->addStretch(1);
     line->addWidget(video);
     connect(_toggle, &QPushButton::clicked, this, &WallpaperPreviewCard::press);
-    connect(_stop, &QPushButton::clicked, this, [this] { _context.wallpaper.stop(); });
+    connect(_stop, &QPushButton::clicked, this, [this] { _context.services.wallpaperActions.stop(); });
     connect(video, &QPushButton::clicked, this, &WallpaperPreviewCard::choose);
     return _buttons;
 }
@@ -153,16 +153,16 @@ void WallpaperPreviewCard::followPreview()
 void WallpaperPreviewCard::choose()
 {
     openVideoPanel(this, _context.services.wallpaper, u"选择一个视频作为 macOS 动态壁纸"_s,
-                   [this](const QString &path) { _context.wallpaper.playVideo(path); });
+                   [this](const QString &path) { _context.services.wallpaperActions.playVideo(path); });
 }
 
 void WallpaperPreviewCard::press()
 {
     const WallpaperController &wallpaper = _context.services.wallpaper;
     if (wallpaper.isShowing() && !wallpaper.isPaused())
-        _context.wallpaper.pause();
+        _context.services.wallpaperActions.pause();
     else
-        _context.wallpaper.play();
+        _context.services.wallpaperActions.play();
 }
 
 void WallpaperPreviewCard::togglePreview()
@@ -256,7 +256,7 @@ void WallpaperPreviewCard::dropEvent(QDropEvent *event)
     setLook(this, "dropping", false);
     if (const QString path = draggedVideo(event->mimeData()); !path.isEmpty()) {
         event->acceptProposedAction();
-        _context.wallpaper.playVideo(path);
+        _context.services.wallpaperActions.playVideo(path);
     }
 }
 

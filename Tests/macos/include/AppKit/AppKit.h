@@ -48,6 +48,7 @@ typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
 
 extern "C" {
 extern NSNotificationName NSApplicationDidChangeScreenParametersNotification;
+extern NSNotificationName NSApplicationDidFinishLaunchingNotification;
 extern NSNotificationName NSApplicationDidUnhideNotification;
 }
 

@@ -2,6 +2,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
+#include <CoreServices/CoreServices.h>
 #include <dispatch/dispatch.h>
 
 #pragma clang assume_nonnull begin
@@ -215,6 +216,24 @@ typedef NS_ENUM(NSUInteger, NSNotificationSuspensionBehavior) {
                       object:(nullable NSString *)object
                     userInfo:(nullable NSDictionary *)userInfo
           deliverImmediately:(BOOL)deliverImmediately;
+@end
+
+@interface NSAppleEventDescriptor : NSObject
+@end
+
+@interface NSAppleEventManager : NSObject
++ (NSAppleEventManager *)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)handleEventSelector
+          forEventClass:(AEEventClass)eventClass
+             andEventID:(AEEventID)eventID;
+- (void)removeEventHandlerForEventClass:(AEEventClass)eventClass andEventID:(AEEventID)eventID;
+@end
+
+@interface NSTask : NSObject
+@property(nullable, copy) NSURL *executableURL API_AVAILABLE(macos(10.13));
+@property(nullable, copy) NSArray<NSString *> *arguments;
+- (BOOL)launchAndReturnError:(NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.13));
 @end
 
 extern "C" id _Nullable CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) _Nullable object);

@@ -133,4 +133,9 @@ Observation LinuxDesktopServices::observeUnhide(std::function<void()>)
     return Observation(); // nothing of the kind happens here
 }
 
+Observation LinuxDesktopServices::observeReopen(std::function<void()>)
+{
+    return Observation(); // nor this
+}
+
 } // namespace velbrix

@@ -32,6 +32,8 @@ public:
 
     // Windows are hidden one by one, never a whole program.
     Observation observeUnhide(std::function<void()> unhidden) override;
+    // A second start is another process here.
+    Observation observeReopen(std::function<void()> reopened) override;
 
 protected:
     // Whether there is a tray that is not reached over the session bus.

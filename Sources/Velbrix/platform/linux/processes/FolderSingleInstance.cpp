@@ -25,6 +25,9 @@ namespace {
 constexpr char lockName[] = "instance.lock";
 constexpr char gateName[] = "instance.gate";
 constexpr char socketName[] = "instance.wake";
+constexpr char leavingName[] = "instance.leaving";
+
+constexpr int fileFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
 
 void closeFile(int &descriptor)
 {
@@ -51,6 +54,15 @@ template <typename Call> int unlessInterrupted(Call call)
     return result;
 }
 
+// Until the descriptor is closed. Less than 0 when there is no gate.
+int enterGate(int folder)
+{
+    const int gate = ::openat(folder, gateName, fileFlags, 0600);
+    if (gate >= 0)
+        unlessInterrupted([gate] { return ::flock(gate, LOCK_EX); });
+    return gate;
+}
+
 void logFailure(const char *what)
 {
     log::line(u"Velbrix"_s, u"single instance: %1: %2"_s.arg(QString::fromLatin1(what),
@@ -70,10 +82,8 @@ FolderSingleInstance::FolderSingleInstance(const QString &folder)
 
 FolderSingleInstance::~FolderSingleInstance()
 {
-    _notifier.reset();
-    if (_socket >= 0)
-        ::unlinkat(_folder, socketName, 0);
-    closeFile(_socket);
+    closeSocket();
+    closeFile(_sign);
     closeFile(_lock);
     closeFile(_folder);
 }
@@ -82,27 +92,62 @@ bool FolderSingleInstance::claim()
 {
     if (_lock >= 0 || _folder < 0)
         return true;
-    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
-    // Whoever finds the place taken must also find the holder's socket open,
-    // or its wake-up would be lost: claims go through the gate one by one.
-    int gate = ::openat(_folder, gateName, flags, 0600);
-    if (gate >= 0)
-        unlessInterrupted([gate] { return ::flock(gate, LOCK_EX); });
-    int lock = ::openat(_folder, lockName, flags, 0600);
-    const bool isTaken = lock >= 0 &&
-                         unlessInterrupted([lock] { return ::flock(lock, LOCK_EX | LOCK_NB); }) < 0 &&
-                         errno == EWOULDBLOCK;
-    if (isTaken) {
+    for (;;) {
+        int sign = -1;
+        const Claim claim = tryToClaim(sign);
+        if (claim != Claim::leaving)
+            return claim == Claim::taken;
+        // Shared, so that all who wait go on together and claim one by one. The
+        // place's own lock may have its next holder already.
+        unlessInterrupted([sign] { return ::flock(sign, LOCK_SH); });
+        closeFile(sign);
+    }
+}
+
+FolderSingleInstance::Claim FolderSingleInstance::tryToClaim(int &sign)
+{
+    // Whoever finds the place held must also find the holder's socket open, or
+    // its wake-up would be lost: claims go through the gate one by one.
+    int gate = enterGate(_folder);
+    int lock = ::openat(_folder, lockName, fileFlags, 0600);
+    const bool isHeld = lock >= 0 &&
+                        unlessInterrupted([lock] { return ::flock(lock, LOCK_EX | LOCK_NB); }) < 0 &&
+                        errno == EWOULDBLOCK;
+    Claim claim = Claim::taken;
+    if (isHeld) {
         closeFile(lock);
+        sign = ::openat(_folder, leavingName, O_RDWR | O_CLOEXEC | O_NOFOLLOW);
+        claim = sign >= 0 ? Claim::leaving : Claim::held;
     } else {
         if (lock < 0)
             logFailure("open lock");
         _lock = lock;
+        ::unlinkat(_folder, leavingName, 0);
         if (!openSocket())
             logFailure("open socket");
     }
     closeFile(gate);
-    return !isTaken;
+    return claim;
+}
+
+void FolderSingleInstance::leave()
+{
+    if (_lock < 0 || _sign >= 0)
+        return;
+    int gate = enterGate(_folder);
+    _sign = ::openat(_folder, leavingName, fileFlags, 0600);
+    if (_sign < 0 || ::flock(_sign, LOCK_EX) < 0)
+        logFailure("leave");
+    closeSocket();
+    closeFile(gate);
+}
+
+void FolderSingleInstance::closeSocket()
+{
+    _notifier.reset();
+    if (_socket >= 0)
+        ::unlinkat(_folder, socketName, 0);
+    closeFile(_socket);
 }
 
 bool FolderSingleInstance::openSocket()
@@ -121,10 +166,10 @@ bool FolderSingleInstance::openSocket()
     return true;
 }
 
-void FolderSingleInstance::wakeOther()
+bool FolderSingleInstance::wakeOther()
 {
     if (_folder < 0)
-        return;
+        return false;
     int sender = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     const sockaddr_un address = socketAddress(_folder);
     constexpr char wake = 'w';
@@ -133,9 +178,11 @@ void FolderSingleInstance::wakeOther()
                         sizeof address);
     });
     // A full queue holds wake-ups already.
-    if (sent < 0 && errno != EAGAIN)
+    const bool isWoken = sent >= 0 || errno == EAGAIN;
+    if (!isWoken)
         logFailure("wake");
     closeFile(sender);
+    return isWoken;
 }
 
 Observation FolderSingleInstance::observeWake(std::function<void()> wake)

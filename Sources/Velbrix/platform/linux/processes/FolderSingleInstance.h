@@ -12,7 +12,8 @@ namespace velbrix {
 
 // The place is a file lock in a folder of this user, which the kernel frees
 // with the process; wake-ups are datagrams to a socket beside it, which keeps
-// those that come before anyone observes them.
+// those that come before anyone observes them. A holder that leaves has a second
+// lock, on a sign that the next holder takes away.
 class FolderSingleInstance final : public SingleInstance {
 public:
     // The folder must exist and be closed to other users. Without one (empty)
@@ -20,17 +21,24 @@ public:
     explicit FolderSingleInstance(const QString &folder);
     ~FolderSingleInstance() override;
 
-    // May wait for the few system calls of a copy that claims at this moment.
+    // May wait for the few system calls of a copy that claims at this moment, and
+    // waits for the end of one that leaves.
     bool claim() override;
-    void wakeOther() override;
+    bool wakeOther() override;
     Observation observeWake(std::function<void()> wake) override;
+    void leave() override;
 
 private:
+    enum class Claim { taken, held, leaving };
+    // With a leaving holder's sign, opened.
+    Claim tryToClaim(int &sign);
+    void closeSocket();
     bool openSocket();
     void readWakes();
 
     int _folder = -1;
     int _lock = -1;
+    int _sign = -1;
     int _socket = -1;
     ObserverList<void()> _observers;
     std::unique_ptr<QSocketNotifier> _notifier;

@@ -23,6 +23,7 @@ public:
     Observation observeTheme(std::function<void()> changed) override;
 
     Observation observeUnhide(std::function<void()> unhidden) override;
+    Observation observeReopen(std::function<void()> reopened) override;
 };
 
 } // namespace velbrix

@@ -85,4 +85,9 @@ Observation MacDesktopServices::observeUnhide(std::function<void()> unhidden)
                 posted:[unhidden = std::move(unhidden)](NSNotification *) { unhidden(); }]);
 }
 
+Observation MacDesktopServices::observeReopen(std::function<void()> reopened)
+{
+    return observationOf([[VBReopenWatch alloc] initWithReopened:std::move(reopened)]);
+}
+
 } // namespace velbrix

@@ -5,12 +5,20 @@
 namespace velbrix {
 
 // Other copies are found among the running applications by the bundle
-// identifier, and woken by a distributed notification.
+// identifier, and woken by a distributed notification. The system makes no
+// second copy when the user opens the program again, so one that leaves has it
+// opened after itself.
 class MacSingleInstance final : public SingleInstance {
 public:
     bool claim() override;
-    void wakeOther() override;
+    bool wakeOther() override;
     Observation observeWake(std::function<void()> wake) override;
+    void leave() override;
+
+private:
+    bool _opensAgain = false;
+    Observation _wakes; // while it leaves, as the next
+    Observation _reopens;
 };
 
 } // namespace velbrix

@@ -1,6 +1,8 @@
 #include "platform/macos/system/MacSingleInstance.h"
 
+#include "foundation/Log.h"
 #include "platform/macos/applications/BundleIdentity.h"
+#include "platform/macos/system/FoundationBridge.h"
 #include "platform/macos/system/SystemWatch.h"
 
 #import <AppKit/AppKit.h>
@@ -9,6 +11,8 @@
 #include <utility>
 
 static NSNotificationName const wakeNotification = @"com.tamsel.Velbrix.single-instance";
+
+using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
@@ -23,6 +27,18 @@ NSRunningApplication *otherCopy()
     return nil;
 }
 
+// Waits in a process of its own, so that it comes to pass however this one ends.
+void openAfterThis()
+{
+    NSString *const script = @"while /bin/kill -0 $0 2>/dev/null; do /bin/sleep 0.1; done; exec /usr/bin/open \"$1\"";
+    NSTask *const task = [[NSTask alloc] init];
+    task.executableURL = [NSURL fileURLWithPath:@"/bin/sh"];
+    task.arguments = @[ @"-c", script, toNSString(QString::number(getpid())), NSBundle.mainBundle.bundlePath ];
+    NSError *error = nil;
+    if (![task launchAndReturnError:&error])
+        log::line(u"Velbrix"_s, u"open again: "_s + toQString(error.localizedDescription));
+}
+
 } // namespace
 
 bool MacSingleInstance::claim()
@@ -30,18 +46,20 @@ bool MacSingleInstance::claim()
     return !otherCopy();
 }
 
-void MacSingleInstance::wakeOther()
+bool MacSingleInstance::wakeOther()
 {
     NSRunningApplication *other = otherCopy();
+    if (!other)
+        return false;
     // Without this the system keeps the other copy's windows behind the ones
     // that the user has in front now.
-    if (other)
-        [NSApplication.sharedApplication yieldActivationToApplication:other];
+    [NSApplication.sharedApplication yieldActivationToApplication:other];
     [[NSDistributedNotificationCenter defaultCenter] postNotificationName:wakeNotification
                                                                    object:nil
                                                                  userInfo:nil
                                                        deliverImmediately:YES];
     [other activateWithOptions:NSApplicationActivateAllWindows];
+    return true;
 }
 
 Observation MacSingleInstance::observeWake(std::function<void()> wake)
@@ -52,6 +70,16 @@ Observation MacSingleInstance::observeWake(std::function<void()> wake)
                              const auto call = wake; // it may end the observation
                              call();
                          }]);
+}
+
+void MacSingleInstance::leave()
+{
+    const auto openAgain = [this] {
+        if (!std::exchange(_opensAgain, true))
+            openAfterThis();
+    };
+    _wakes = observeWake(openAgain);
+    _reopens = observationOf([[VBReopenWatch alloc] initWithReopened:openAgain]);
 }
 
 } // namespace velbrix

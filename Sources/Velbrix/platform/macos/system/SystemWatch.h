@@ -18,6 +18,12 @@
                                  posted:(std::function<void(NSNotification *)>)posted;
 @end
 
+// The user opens this running program again, from the Dock or the Finder. Of
+// several watches the newest is told alone, in place of AppKit.
+@interface VBReopenWatch : NSObject
+- (instancetype)initWithReopened:(std::function<void()>)reopened;
+@end
+
 // Keeps the object alive.
 @interface VBKeyValueWatch : NSObject
 - (instancetype)initWithObject:(NSObject *)object

@@ -2,6 +2,9 @@
 
 #include "foundation/MainThreadRelay.h"
 
+#import <AppKit/AppKit.h>
+#import <CoreServices/CoreServices.h>
+
 #include <memory>
 #include <utility>
 
@@ -51,6 +54,60 @@ static char keyValueContext;
 - (void)dealloc
 {
     [_center removeObserver:self];
+}
+
+@end
+
+static __weak VBReopenWatch *newestReopenWatch;
+
+@implementation VBReopenWatch {
+    std::shared_ptr<std::function<void()>> _reopened;
+    VBNotificationWatch *_launch;
+}
+
+- (instancetype)initWithReopened:(std::function<void()>)reopened
+{
+    if ((self = [super init])) {
+        _reopened = std::make_shared<std::function<void()>>(std::move(reopened));
+        newestReopenWatch = self;
+        [self install];
+        // AppKit puts its own handler in this place while it launches.
+        __weak VBReopenWatch *weakSelf = self;
+        _launch = [[VBNotificationWatch alloc] initWithCenter:NSNotificationCenter.defaultCenter
+                                                         name:NSApplicationDidFinishLaunchingNotification
+                                                       posted:[weakSelf](NSNotification *) {
+                                                           VBReopenWatch *watch = weakSelf;
+                                                           if (watch && watch == newestReopenWatch)
+                                                               [watch install];
+                                                       }];
+    }
+    return self;
+}
+
+- (void)dealloc
+{
+    // Still that of a newer watch otherwise.
+    if (!newestReopenWatch)
+        [[NSAppleEventManager sharedAppleEventManager] removeEventHandlerForEventClass:kCoreEventClass
+                                                                            andEventID:kAEReopenApplication];
+}
+
+- (void)install
+{
+    [[NSAppleEventManager sharedAppleEventManager] setEventHandler:self
+                                                       andSelector:@selector(handleReopen:withReplyEvent:)
+                                                     forEventClass:kCoreEventClass
+                                                        andEventID:kAEReopenApplication];
+}
+
+- (void)handleReopen:(NSAppleEventDescriptor *)event withReplyEvent:(NSAppleEventDescriptor *)reply
+{
+    (void)event;
+    (void)reply;
+    velbrix::onMainThread([target = std::weak_ptr(_reopened)] {
+        if (const auto alive = target.lock())
+            (*alive)();
+    });
 }
 
 @end

@@ -1,10 +1,8 @@
-#include "app/commands/CleanCommands.h"
-
-#include "app/PrivacyManager.h"
+#include "app/AppServices.h"
+#include "app/Tool.h"
 #include "foundation/Awaitables.h"
 #include "foundation/ByteCount.h"
 #include "foundation/OneLine.h"
-#include "maintenance/cleanup/SystemCleaner.h"
 
 #include <QCoroTask>
 #include <QFile>
@@ -18,6 +16,7 @@ namespace velbrix {
 namespace {
 
 constexpr int entriesShown = 20; // of one item in a preview
+constexpr int anyNumber = 1000;  // of items
 
 QCoro::Task<> idle(SystemCleaner &cleaner)
 {
@@ -203,15 +202,50 @@ QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, P
     co_return outcome(cleaner.report());
 }
 
-} // namespace
-
-QHash<QString, CommandHandler> cleanCommands(SystemCleaner &cleaner, PrivacyManager &privacy)
+QList<Command> commands()
 {
     return {
-        {u"clean list"_s, [&cleaner](const ParsedCommand &) { return list(cleaner); }},
-        {u"clean preview"_s,
-         [&cleaner](const ParsedCommand &command) { return preview(cleaner, command.arguments); }},
-        {u"clean run"_s, [&](const ParsedCommand &command) { return run(cleaner, privacy, command); }},
+        {{.words = u"clean list"_s, .help = u"列出清理项及其大小"_s},
+         [](AppServices &services, const ParsedCommand &) { return list(services.cleaner); }},
+        {{.words = u"clean preview"_s,
+          .arguments = u"清理项"_s,
+          .most = anyNumber,
+          .help = u"显示将被清理的内容，不做任何改动"_s},
+         [](AppServices &services, const ParsedCommand &command) {
+             return preview(services.cleaner, command.arguments);
+         }},
+        {{.words = u"clean run"_s,
+          .arguments = u"清理项"_s,
+          .most = anyNumber,
+          .help = u"清理列出的清理项；没有列出时清理已勾选的"_s,
+          .options = {{u"--yes"_s, {}}}},
+         [](AppServices &services, ParsedCommand command) {
+             return run(services.cleaner, services.privacy, std::move(command));
+         }},
+    };
+}
+
+FeaturePrivacyNotice consent()
+{
+    return privacyNotice(PrivacyConsentKind::systemCleanup, u"trash"_s, NoticeTint::orange,
+                         u"系统清理隐私确认"_s,
+                         u"清理会扫描并删除你勾选的缓存/临时文件路径，操作不可撤销。"_s,
+                         {u"仅处理你勾选的本地路径"_s, u"不会上传文件内容"_s,
+                          u"删除后通常不可恢复（废纸篓策略取决于系统）"_s});
+}
+
+} // namespace
+
+Tool cleanTool()
+{
+    return {
+        .identifier = u"clean"_s,
+        .title = u"系统清理"_s,
+        .symbol = u"sparkles"_s,
+        .group = u"维护"_s,
+        .commands = commands(),
+        .notices = {consent()},
+        .jobs = [](AppServices &services) { return QList<Job *>{&services.cleaner.job()}; },
     };
 }
 

@@ -1,10 +1,8 @@
-#include "app/commands/AppsCommands.h"
-
-#include "app/PrivacyManager.h"
+#include "app/AppServices.h"
+#include "app/Tool.h"
 #include "foundation/Awaitables.h"
 #include "foundation/ByteCount.h"
 #include "foundation/OneLine.h"
-#include "maintenance/uninstall/AppScanner.h"
 
 #include <QJsonArray>
 
@@ -237,14 +235,43 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
     co_return reply;
 }
 
-} // namespace
-
-QHash<QString, CommandHandler> appsCommands(AppScanner &scanner, PrivacyManager &privacy)
+QList<Command> commands()
 {
     return {
-        {u"apps list"_s, [&scanner](const ParsedCommand &) { return list(scanner); }},
-        {u"apps uninstall"_s,
-         [&scanner, &privacy](const ParsedCommand &command) { return uninstall(scanner, privacy, command); }},
+        {{.words = u"apps list"_s, .help = u"列出已安装的应用"_s},
+         [](AppServices &services, const ParsedCommand &) { return list(services.uninstaller); }},
+        {{.words = u"apps uninstall"_s,
+          .arguments = u"应用"_s,
+          .least = 1,
+          .most = 1,
+          .help = u"卸载应用；--dry-run 只显示将被移走的内容"_s,
+          .options = {{u"--mode"_s, u"full|app|custom"_s}, {u"--dry-run"_s, {}}, {u"--yes"_s, {}}}},
+         [](AppServices &services, ParsedCommand command) {
+             return uninstall(services.uninstaller, services.privacy, std::move(command));
+         }},
+    };
+}
+
+FeaturePrivacyNotice consent()
+{
+    return privacyNotice(
+        PrivacyConsentKind::uninstall, u"xmark.circle.fill"_s, NoticeTint::red, u"应用卸载隐私确认"_s,
+        u"卸载会访问应用安装路径及你选择的关联数据位置，并将文件移入废纸篓。"_s,
+        {u"仅处理你确认卸载的应用及其关联数据"_s, u"不会上传应用数据"_s, u"可在废纸篓中找回（在清空前）"_s});
+}
+
+} // namespace
+
+Tool appsTool()
+{
+    return {
+        .identifier = u"apps"_s,
+        .title = u"应用卸载"_s,
+        .symbol = u"xmark.bin"_s,
+        .group = u"维护"_s,
+        .commands = commands(),
+        .notices = {consent()},
+        .jobs = [](AppServices &services) { return QList<Job *>{&services.uninstaller.job()}; },
     };
 }
 

@@ -12,6 +12,8 @@
 
 namespace velbrix {
 
+class AppServices;
+
 namespace exitcode {
 inline constexpr int done = 0;
 inline constexpr int refused = 1;
@@ -48,19 +50,15 @@ struct CommandOption {
 // ("record start"); `arguments` describes what may follow, for the help.
 struct CommandForm {
     QString words;
-    QString arguments;
+    QString arguments = {};
     int least = 0; // number of arguments
     int most = 0;
-    QString help;
+    QString help = {};
     bool takesPath = false; // each argument is the path of a file
     QList<CommandOption> options = {};
 
     bool operator==(const CommandForm &) const = default;
 };
-
-// Every verb there is, in the order of the help text. A tool that comes later
-// adds its verbs here and their handlers in a file of its own beside this one.
-const QList<CommandForm> &commandForms();
 
 struct ParsedCommand {
     QString words;
@@ -72,6 +70,20 @@ struct ParsedCommand {
 
     bool operator==(const ParsedCommand &) const = default;
 };
+
+// Called on the main thread of the running program. Whoever asks sees the
+// progress of the tool's jobs until the answer is there, and may go away
+// before.
+using CommandHandler = std::function<QCoro::Task<CommandReply>(AppServices &services, ParsedCommand command)>;
+
+// A verb together with what it does.
+struct Command {
+    CommandForm form;
+    CommandHandler run;
+};
+
+// For a verb that answers at once.
+CommandHandler immediate(std::function<CommandReply(AppServices &, const ParsedCommand &)> act);
 
 // What the words on the command line mean; nothing when they mean nothing.
 // After "--" every word is an argument.
@@ -85,8 +97,5 @@ ParsedCommand withAbsolutePaths(ParsedCommand command, const QString &folder);
 QString helpText(const QString &tool = {});
 // What to say to words that mean nothing, with the help that fits them best.
 QString misuseText(const QStringList &words);
-
-// Handlers are called on the main thread of the running program.
-using CommandHandler = std::function<QCoro::Task<CommandReply>(ParsedCommand command)>;
 
 } // namespace velbrix

@@ -1,7 +1,6 @@
-#include "app/commands/BackupCommands.h"
-
+#include "app/AppServices.h"
+#include "app/Tool.h"
 #include "foundation/OneLine.h"
-#include "maintenance/backup/FileBackupController.h"
 
 #include <QCoroFuture>
 #include <QJsonArray>
@@ -219,9 +218,8 @@ QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand comman
     const auto ended = backup.task(id);
     if (!ended)
         co_return CommandReply::refusal(u"任务已被删除"_s);
-    const QString result = ended->lastResult.value_or(QString());
-    const bool isDone = result.startsWith(u"✓"_s);
-    co_return CommandReply{isDone ? exitcode::done : exitcode::refused, result, described(*ended)};
+    co_return CommandReply{ended->hasSucceeded() ? exitcode::done : exitcode::refused,
+                           ended->lastResult.value_or(QString()), described(*ended)};
 }
 
 QCoro::Task<CommandReply> remove(FileBackupController &backup, ParsedCommand command)
@@ -238,15 +236,60 @@ QCoro::Task<CommandReply> remove(FileBackupController &backup, ParsedCommand com
                            {{u"id"_s, wanted->id}}};
 }
 
-} // namespace
+CommandHandler of(QCoro::Task<CommandReply> (*act)(FileBackupController &, ParsedCommand))
+{
+    return [act](AppServices &services, ParsedCommand command) {
+        return act(services.fileBackup, std::move(command));
+    };
+}
 
-QHash<QString, CommandHandler> backupCommands(FileBackupController &backup)
+QList<Command> commands()
 {
     return {
-        {u"backup list"_s, [&backup](const ParsedCommand &) { return list(backup); }},
-        {u"backup add"_s, [&backup](ParsedCommand command) { return add(backup, std::move(command)); }},
-        {u"backup run"_s, [&backup](ParsedCommand command) { return run(backup, std::move(command)); }},
-        {u"backup remove"_s, [&backup](ParsedCommand command) { return remove(backup, std::move(command)); }},
+        {{.words = u"backup list"_s, .help = u"列出备份任务"_s},
+         [](AppServices &services, const ParsedCommand &) { return list(services.fileBackup); }},
+        {{.words = u"backup add"_s,
+          .arguments = u"源文件夹 保存目录"_s,
+          .least = 2,
+          .most = 2,
+          .help = u"添加备份任务；时间为 时:分、日@时:分、月-日@时:分；几个模式用逗号隔开"_s,
+          .takesPath = true,
+          .options = {{u"--kind"_s, u"backup|sync"_s},
+                      {u"--name"_s, u"名称"_s},
+                      {u"--daily"_s, u"时间"_s},
+                      {u"--monthly"_s, u"时间"_s},
+                      {u"--yearly"_s, u"时间"_s},
+                      {u"--keep"_s, u"份数"_s},
+                      {u"--exclude"_s, u"模式"_s}}},
+         of(add)},
+        {{.words = u"backup run"_s,
+          .arguments = u"任务"_s,
+          .least = 1,
+          .most = 1,
+          .help = u"立即运行任务并等待结果"_s,
+          .options = {{confirmOption, {}}}},
+         of(run)},
+        {{.words = u"backup remove"_s,
+          .arguments = u"任务"_s,
+          .least = 1,
+          .most = 1,
+          .help = u"删除任务；已备份的文件保留"_s,
+          .options = {{confirmOption, {}}}},
+         of(remove)},
+    };
+}
+
+} // namespace
+
+Tool backupTool()
+{
+    return {
+        .identifier = u"backup"_s,
+        .title = u"文件备份"_s,
+        .symbol = u"externaldrive.badge.timemachine"_s,
+        .group = u"维护"_s,
+        .commands = commands(),
+        .jobs = [](AppServices &services) { return QList<Job *>{&services.fileBackup.job()}; },
     };
 }
 

@@ -1,0 +1,313 @@
+#include "app/AppServices.h"
+#include "app/Banners.h"
+#include "app/Tool.h"
+#include "app/TrayController.h"
+#include "foundation/Awaitables.h"
+#include "foundation/Log.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+const QString displayOption = u"--display"_s;
+
+QString name(WallpaperState::Kind kind)
+{
+    switch (kind) {
+    case WallpaperState::Kind::idle:
+        return u"idle"_s;
+    case WallpaperState::Kind::selecting:
+        return u"selecting"_s;
+    case WallpaperState::Kind::ready:
+        return u"ready"_s;
+    case WallpaperState::Kind::playing:
+        return u"playing"_s;
+    case WallpaperState::Kind::failed:
+        return u"failed"_s;
+    }
+    return {};
+}
+
+QString name(WallpaperContentMode mode)
+{
+    switch (mode) {
+    case WallpaperContentMode::video:
+        return u"video"_s;
+    case WallpaperContentMode::html:
+        return u"html"_s;
+    case WallpaperContentMode::music:
+        return u"music"_s;
+    }
+    return {};
+}
+
+QString chosenFile(WallpaperController &wallpaper)
+{
+    const auto chosen = wallpaper.video().videoURL();
+    return (chosen ? chosen : wallpaper.preferences().lastVideoPath()).value_or(QString());
+}
+
+QJsonObject toJson(const WallpaperDisplayInfo &display, int number)
+{
+    return {{u"number"_s, number},
+            {u"id"_s, static_cast<qint64>(display.id)},
+            {u"name"_s, display.name},
+            {u"main"_s, display.isMain},
+            {u"file"_s, display.videoPath ? QJsonValue(*display.videoPath) : QJsonValue()},
+            {u"playing"_s, display.isPlaying}};
+}
+
+QString line(const WallpaperDisplayInfo &display, int number, bool isPaused)
+{
+    const QString shown = isPaused ? u"已暂停"_s : u"播放中"_s;
+    const QString otherwise = display.isMain ? u"未选择视频"_s : u"跟随主显示器"_s;
+    return u"  %1  %2%3  %4  %5"_s.arg(
+        QString::number(number), display.name, display.isMain ? u"（主）"_s : QString(),
+        display.isPlaying ? shown : u"未播放"_s, display.videoPath.value_or(otherwise));
+}
+
+QString summary(const WallpaperController &wallpaper)
+{
+    if (wallpaper.isShowing())
+        return wallpaper.isPaused() ? u"动态壁纸：已暂停"_s : u"动态壁纸：播放中"_s;
+    if (wallpaper.state().kind == WallpaperState::Kind::failed)
+        return u"动态壁纸：失败，"_s + wallpaper.state().message;
+    return u"动态壁纸：未播放"_s;
+}
+
+QJsonObject dataOf(WallpaperController &wallpaper)
+{
+    const WallpaperPreferences &preferences = wallpaper.preferences();
+    QJsonArray displays;
+    for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
+        displays.append(toJson(display, static_cast<int>(displays.size()) + 1));
+    const QString file = chosenFile(wallpaper);
+    return {{u"state"_s, name(wallpaper.state().kind)},
+            {u"paused"_s, wallpaper.isPaused()},
+            {u"file"_s, file.isEmpty() ? QJsonValue() : QJsonValue(file)},
+            {u"failure"_s, wallpaper.state().message},
+            {u"notice"_s, wallpaper.notice()},
+            {u"onBattery"_s, wallpaper.power().isOnBatteryPower()},
+            {u"displays"_s, displays},
+            {u"iconsCovered"_s, preferences.coversDesktopIcons()},
+            {u"dockHidden"_s, preferences.isDockAutoHidden()},
+            {u"contentMode"_s, name(preferences.contentMode())}};
+}
+
+CommandReply status(WallpaperController &wallpaper)
+{
+    const QString file = chosenFile(wallpaper);
+    const WallpaperPreferences &preferences = wallpaper.preferences();
+    QStringList lines = {summary(wallpaper)};
+    if (!wallpaper.notice().isEmpty())
+        lines << u"提示："_s + wallpaper.notice();
+    lines << u"视频："_s + (file.isEmpty() ? u"未选择"_s : file)
+          << u"内容："_s + rawValue(preferences.contentMode())
+          << u"供电："_s + (wallpaper.power().isOnBatteryPower() ? u"电池"_s : u"电源"_s)
+          << u"桌面图标："_s + (preferences.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
+          << u"Dock："_s + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s) << u"显示器："_s;
+    int number = 0;
+    for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
+        lines << line(display, ++number, wallpaper.isPaused());
+    if (number == 0)
+        lines << u"  没有检测到显示器"_s;
+    return {exitcode::done, lines.join(u'\n'), dataOf(wallpaper)};
+}
+
+// Without the option the main display.
+Result<std::optional<WallpaperDisplayInfo>> wantedDisplay(const ParsedCommand &command,
+                                                          const QList<WallpaperDisplayInfo> &displays)
+{
+    if (!command.options.contains(displayOption))
+        return std::nullopt;
+    const QString text = command.options.value(displayOption);
+    bool isNumber = false;
+    const qsizetype number = text.toInt(&isNumber);
+    if (!isNumber || number < 1 || number > displays.size())
+        return failure(u"没有编号为 %1 的显示器（共 %2 块）"_s.arg(text, QString::number(displays.size())));
+    return displays[number - 1];
+}
+
+QCoro::Task<CommandReply> set(WallpaperController &wallpaper, WallpaperActions &actions,
+                              ParsedCommand command)
+{
+    const QString path = command.arguments.first();
+    const auto display = wantedDisplay(command, wallpaper.displays().connectedDisplays());
+    if (!display)
+        co_return CommandReply::refusal(display.error().message);
+    auto playing = *display ? actions.playVideoOn((*display)->id, path) : actions.playVideo(path);
+    const auto outcome = co_await playing;
+    if (!outcome)
+        co_return CommandReply::refusal(outcome.error().message);
+    const QString what = *display ? u"%1：%2"_s.arg((*display)->name, path) : path;
+    CommandReply reply;
+    reply.text =
+        outcome->isEmpty() ? u"正在播放："_s + what : u"已选择：%1\n还没有播放：%2"_s.arg(what, *outcome);
+    reply.data = {{u"file"_s, path}, {u"playing"_s, outcome->isEmpty()}, {u"notice"_s, *outcome}};
+    co_return reply;
+}
+
+QCoro::Task<CommandReply> play(WallpaperController &wallpaper, WallpaperActions &actions)
+{
+    if (wallpaper.isShowing() && !wallpaper.isPaused())
+        co_return CommandReply::refusal(u"动态壁纸已在播放"_s);
+    const auto outcome = co_await actions.play();
+    if (!outcome)
+        co_return CommandReply::refusal(outcome.error().message);
+    const CommandReply reply{exitcode::done, summary(wallpaper), dataOf(wallpaper)};
+    co_return reply;
+}
+
+CommandReply pause(WallpaperController &wallpaper, WallpaperActions &actions)
+{
+    if (!wallpaper.isShowing())
+        return CommandReply::refusal(u"动态壁纸没有在播放"_s);
+    if (wallpaper.isPaused())
+        return CommandReply::refusal(u"动态壁纸已经暂停"_s);
+    actions.pause();
+    return {exitcode::done, summary(wallpaper), dataOf(wallpaper)};
+}
+
+QCoro::Task<CommandReply> stop(WallpaperController &wallpaper, WallpaperActions &actions)
+{
+    if (!wallpaper.canStop())
+        co_return CommandReply::refusal(u"动态壁纸没有在播放"_s);
+    actions.stop();
+    // Done when the user's own picture is back.
+    while (!wallpaper.isSettled())
+        co_await nextSignal(wallpaper, &WallpaperController::isSettledChanged);
+    const CommandReply reply{exitcode::done, u"动态壁纸已停止"_s, dataOf(wallpaper)};
+    co_return reply;
+}
+
+QList<Command> commands()
+{
+    return {
+        {{.words = u"wallpaper set"_s,
+          .arguments = u"视频文件"_s,
+          .least = 1,
+          .most = 1,
+          .help = u"选择并播放视频；编号见 wallpaper status，1 是主显示器"_s,
+          .takesPath = true,
+          .options = {{displayOption, u"编号"_s}}},
+         [](AppServices &services, ParsedCommand command) {
+             return set(services.wallpaper, services.wallpaperActions, std::move(command));
+         }},
+        {{.words = u"wallpaper play"_s, .help = u"播放或继续播放动态壁纸"_s},
+         [](AppServices &services, const ParsedCommand &) {
+             return play(services.wallpaper, services.wallpaperActions);
+         }},
+        {{.words = u"wallpaper pause"_s, .help = u"暂停动态壁纸"_s},
+         immediate([](AppServices &services, const ParsedCommand &) {
+             return pause(services.wallpaper, services.wallpaperActions);
+         })},
+        {{.words = u"wallpaper stop"_s, .help = u"停止动态壁纸并恢复原来的桌面图片"_s},
+         [](AppServices &services, const ParsedCommand &) {
+             return stop(services.wallpaper, services.wallpaperActions);
+         }},
+        {{.words = u"wallpaper status"_s, .help = u"动态壁纸与各显示器的当前状态"_s},
+         immediate([](AppServices &services, const ParsedCommand &) { return status(services.wallpaper); })},
+    };
+}
+
+FeaturePrivacyNotice consent()
+{
+    return privacyNotice(PrivacyConsentKind::videoWallpaper, u"video.badge.waveform.fill"_s,
+                         NoticeTint::violet, u"视频壁纸隐私确认"_s,
+                         u"播放动态壁纸会读取你选择的本地视频，并在桌面层持续渲染。"_s,
+                         {u"仅使用你选择的本地视频文件"_s, u"不会上传视频内容"_s, u"可随时暂停或停止"_s});
+}
+
+// While nothing covers the icons and nothing may, the key says why.
+void toggleHideDesktopIcons(AppServices &services)
+{
+    if (services.wallpaper.preferences().hideDesktopIconsEnabled())
+        services.wallpaper.toggleHideDesktopIcons();
+    else
+        postBanner(services.notifications, u"桌面图标没有被盖住"_s,
+                   u"请先在“动态壁纸”里打开“隐藏桌面文件”。"_s, u"info.circle"_s);
+}
+
+TraySection traySection(AppServices &services)
+{
+    const WallpaperController &wallpaper = services.wallpaper;
+    return {u"视频壁纸"_s,
+            {{.id = u"wallpaperPlay"_s,
+              .title = wallpaper.trayTitle(),
+              .keyEquivalent = u"⌘⇧P"_s,
+              .isEnabled = wallpaper.canToggle(),
+              .act = [&services] { services.wallpaperActions.togglePlayPause(); }},
+             {.id = u"wallpaperStop"_s,
+              .title = u"停止壁纸"_s,
+              .isEnabled = wallpaper.isShowing(),
+              .act = [&services] { services.wallpaperActions.stop(); }}},
+            {wallpaper.trayTitle(), log::text(wallpaper.canToggle()), log::text(wallpaper.isShowing())}};
+}
+
+void followTray(AppServices &services, TrayController &tray)
+{
+    const auto refreshAfter = [&tray](const auto &sender, auto signal) {
+        QObject::connect(&sender, signal, &tray, [&tray] { tray.refresh(false); });
+    };
+    WallpaperController &wallpaper = services.wallpaper;
+    refreshAfter(wallpaper, &WallpaperController::stateChanged);
+    refreshAfter(wallpaper, &WallpaperController::isPausedChanged);
+    refreshAfter(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged);
+    refreshAfter(wallpaper.video(), &WallpaperVideo::videoURLChanged);
+    refreshAfter(wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged);
+    refreshAfter(wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged);
+    QObject::connect(&services.wallpaperActions, &WallpaperActions::restored, &tray,
+                     [&tray] { tray.refresh(true); });
+}
+
+void tellNews(AppServices &services, Banners &banners)
+{
+    WallpaperController &wallpaper = services.wallpaper;
+    QObject::connect(&wallpaper, &WallpaperController::stateChanged, &banners, [&banners, &wallpaper] {
+        const WallpaperState state = wallpaper.state();
+        if (state.kind == WallpaperState::Kind::failed)
+            banners.warnBehindWindow(u"动态壁纸"_s, state.message);
+    });
+    QObject::connect(&wallpaper, &WallpaperController::noticeChanged, &banners,
+                     [&banners, &wallpaper] { banners.warnBehindWindow(u"动态壁纸"_s, wallpaper.notice()); });
+    DockHiding &dock = wallpaper.dock();
+    QObject::connect(&dock, &DockHiding::problemChanged, &banners,
+                     [&banners, &dock] { banners.warnBehindWindow(u"隐藏 Dock"_s, dock.problem()); });
+}
+
+} // namespace
+
+Tool wallpaperTool()
+{
+    return {
+        .identifier = u"wallpaper"_s,
+        .title = u"动态壁纸"_s,
+        .symbol = u"photo.on.rectangle"_s,
+        .group = u"桌面"_s,
+        .commands = commands(),
+        .notices = {consent()},
+        .hotkeys = {{HotkeyAction::hideDesktopIcons, toggleHideDesktopIcons},
+                    {HotkeyAction::hideDock,
+                     [](AppServices &services) { services.wallpaper.toggleDockAutoHide(); }}},
+        .jobs = [](AppServices &services) { return QList<Job *>{&services.wallpaper.job()}; },
+        .tray = traySection,
+        .followTray = followTray,
+        .status =
+            [](AppServices &services) {
+                return ToolStatus{summary(services.wallpaper),
+                                  {{u"wallpaper"_s, dataOf(services.wallpaper)}}};
+            },
+        .news = tellNews,
+        .launch =
+            [](AppServices &services) {
+                services.wallpaper.recoverAfterCrash();
+                services.wallpaperActions.scheduleRestore();
+            },
+        .shutDown = [](AppServices &services) { services.wallpaperActions.shutDown(); },
+    };
+}
+
+} // namespace velbrix
