@@ -4,5 +4,5 @@
 
 typedef FourCharCode AEEventClass;
 typedef FourCharCode AEEventID;
-enum : AEEventClass { kCoreEventClass = 0x61657674 };     // 'aevt'
-enum : AEEventID { kAEReopenApplication = 0x72617070 };   // 'rapp'
+enum : AEEventClass { kCoreEventClass = 0x61657674 };   // 'aevt'
+enum : AEEventID { kAEReopenApplication = 0x72617070 }; // 'rapp'

@@ -30,10 +30,12 @@ NSRunningApplication *otherCopy()
 // Waits in a process of its own, so that it comes to pass however this one ends.
 void openAfterThis()
 {
-    NSString *const script = @"while /bin/kill -0 $0 2>/dev/null; do /bin/sleep 0.1; done; exec /usr/bin/open \"$1\"";
+    NSString *const script =
+        @"while /bin/kill -0 $0 2>/dev/null; do /bin/sleep 0.1; done; exec /usr/bin/open \"$1\"";
     NSTask *const task = [[NSTask alloc] init];
     task.executableURL = [NSURL fileURLWithPath:@"/bin/sh"];
-    task.arguments = @[ @"-c", script, toNSString(QString::number(getpid())), NSBundle.mainBundle.bundlePath ];
+    task.arguments =
+        @[ @"-c", script, toNSString(QString::number(getpid())), NSBundle.mainBundle.bundlePath ];
     NSError *error = nil;
     if (![task launchAndReturnError:&error])
         log::line(u"Velbrix"_s, u"open again: "_s + toQString(error.localizedDescription));
