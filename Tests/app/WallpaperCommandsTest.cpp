@@ -122,7 +122,7 @@ private Q_SLOTS:
         rig.ask(u"wallpaper pause"_s);
         rig.wallpaper().preferences().setHideDesktopIconsEnabled(true);
         rig.wallpaper().toggleHideDesktopIcons();
-        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
         QCOMPARE(rig.ask(u"wallpaper status"_s).text,
                  u"动态壁纸：已暂停\n视频：%"
                  u"1\n内容：视频壁纸\n供电：电源\n桌面图标：已盖住\nDock：已隐藏\n显示器：\n"

@@ -185,12 +185,12 @@ private Q_SLOTS:
         rig.launchAndRestore();
         rig.press(2);
         QCOMPARE(rig.banners(), QStringList{u"桌面图标没有被盖住|请先在“动态壁纸”里打开“隐藏桌面文件”。"_s});
-        QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
+        QCOMPARE(rig.surface()->window.layer, SurfaceLayer::belowIcons);
         rig.wallpaper().preferences().setHideDesktopIconsEnabled(true);
         rig.press(2);
-        QCOMPARE(rig.surface()->layer, SurfaceLayer::aboveIcons);
+        QCOMPARE(rig.surface()->window.layer, SurfaceLayer::aboveIcons);
         rig.press(2);
-        QCOMPARE(rig.surface()->layer, SurfaceLayer::belowIcons);
+        QCOMPARE(rig.surface()->window.layer, SurfaceLayer::belowIcons);
         rig.press(4);
         QCOMPARE(rig.host.dock.calls, (QStringList{u"autoHide"_s, u"set true"_s}));
         QCOMPARE(rig.banners().size(), 1);
@@ -219,9 +219,9 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.launchAndRestore();
-        rig.surface()->calls.clear();
+        rig.surface()->window.calls.clear();
         rig.host.desktop.unhide();
-        QCOMPARE(rig.surface()->calls, QStringList{u"setLayer belowIcons"_s});
+        QCOMPARE(rig.surface()->window.calls, QStringList{u"setLayer belowIcons"_s});
     }
 
     void quittingGivesTheDesktopBackFirst()

@@ -9,13 +9,13 @@ namespace velbrix::test {
 // A desktop that the test covers and uncovers.
 class FakeDesktopVisibility final : public DesktopVisibility {
 public:
-    DesktopSight now;
+    VisibilityState now;
 
     bool isWatched() const { return !_observers.isEmpty(); }
-    DesktopSight sight() const override { return now; }
+    VisibilityState state() const override { return now; }
     Observation observe(std::function<void()> changed) override { return _observers.add(std::move(changed)); }
 
-    void set(DesktopSight next)
+    void set(VisibilityState next)
     {
         now = std::move(next);
         _observers.notify();

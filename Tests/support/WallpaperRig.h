@@ -36,8 +36,8 @@ struct WallpaperRig : ServicesRig {
 
     void play(const QString &path)
     {
-        wallpaper().loadVideo(path);
-        wallpaper().applyWallpaper();
+        wallpaper().setVideo(path);
+        wallpaper().apply();
     }
 
     FakeVideoSurface *surface(int index = 0) { return host.surfaces.surfaces.value(index); }

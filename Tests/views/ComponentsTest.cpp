@@ -52,7 +52,7 @@ private Q_SLOTS:
     void sliderInItsOwnWords();
     void pacedSliderSparesTheSetting();
     void gridByKeyboard();
-    void gridKnowsWhatIsInSight();
+    void gridKnowsWhatIsVisible();
     void gridKeepsItsPlace();
 
 private:
@@ -267,7 +267,7 @@ void ComponentsTest::pacedSliderSparesTheSetting()
     QCOMPARE(heard, (QList<int>{40, 50}));
 }
 
-void ComponentsTest::gridKnowsWhatIsInSight()
+void ComponentsTest::gridKnowsWhatIsVisible()
 {
     constexpr int count = 20'000;
     QList<ThumbnailItem> items;
@@ -286,13 +286,13 @@ void ComponentsTest::gridKnowsWhatIsInSight()
     page.resize(760, 560);
     page.show();
     QVERIFY(QTest::qWaitForWindowExposed(&page));
-    QSignalSpy sight(grid, &ThumbnailGrid::inSightChanged);
+    QSignalSpy visible(grid, &ThumbnailGrid::visibleIdsChanged);
     grid->setItems(items);
     QCoreApplication::processEvents();
-    QCOMPARE(grid->idsInSight(), QStringList()); // the page hides it
+    QCOMPARE(grid->visibleIds(), QStringList()); // the page hides it
     page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum());
-    QTRY_COMPARE(sight.size(), 1);
-    const QStringList top = sight.last().first().toStringList();
+    QTRY_COMPARE(visible.size(), 1);
+    const QStringList top = visible.last().first().toStringList();
     QCOMPARE(top.first(), u"0"_s);
     QVERIFY(top.size() < 24);
     for (const QString &id : top) // what is named is what is there
@@ -300,7 +300,7 @@ void ComponentsTest::gridKnowsWhatIsInSight()
     QVERIFY(!grid->viewport()->rect().intersects(
         grid->visualRect(grid->model()->index(static_cast<int>(top.size()), 0))));
     grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum());
-    QCOMPARE(sight.last().first().toStringList().last(), QString::number(count - 1));
+    QCOMPARE(visible.last().first().toStringList().last(), QString::number(count - 1));
 }
 
 void ComponentsTest::gridKeepsItsPlace()

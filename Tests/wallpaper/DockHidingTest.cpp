@@ -24,12 +24,12 @@ private Q_SLOTS:
         WallpaperRig rig;
         rig.host.dock.hides = had;
         const WallpaperPreferences &preferences = rig.wallpaper().preferences();
-        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
         QVERIFY(preferences.isDockAutoHidden());
         QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(had));
         QCOMPARE(rig.host.settings.stored.value(u"Velbrix_WallpaperDockAutoHideOriginal"_s).toBool(!had),
                  had);
-        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
         QCOMPARE(rig.host.dock.calls,
                  (QStringList{u"autoHide"_s, u"set true"_s, had ? u"set true"_s : u"set false"_s}));
         QVERIFY(!preferences.isDockAutoHidden());
@@ -52,13 +52,13 @@ private Q_SLOTS:
             rig.host.dock.hides = failure(words);
         else
             rig.host.dock.failure = words;
-        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
         QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
         QVERIFY(!rig.wallpaper().preferences().originalSystemDockAutohideState());
         QCOMPARE(rig.wallpaper().dock().problem(), words);
         rig.host.dock.hides = false;
         rig.host.dock.failure.reset();
-        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
         QVERIFY(rig.wallpaper().dock().problem().isEmpty());
     }
 
@@ -66,8 +66,8 @@ private Q_SLOTS:
     {
         WallpaperRig rig;
         rig.host.dock.delay = 1s;
-        rig.wallpaper().toggleDockAutoHide();
-        rig.wallpaper().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
+        rig.wallpaper().dock().toggleDockAutoHide();
         QVERIFY(rig.wallpaper().dock().isWorking());
         // Known on disk before anything changes.
         rig.clock.advance(1s);

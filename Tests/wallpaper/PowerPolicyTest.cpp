@@ -57,7 +57,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, autoPlay);
         WallpaperRig rig;
-        rig.wallpaper().loadVideo(rig.video(u"a.mp4"_s));
+        rig.wallpaper().setVideo(rig.video(u"a.mp4"_s));
         rig.wallpaper().preferences().setAutoPlay(autoPlay);
         rig.logged();
         rig.host.power.set(true);
@@ -73,14 +73,14 @@ private Q_SLOTS:
     void withoutTheSwitchNothingStopsOrStarts()
     {
         WallpaperRig rig;
-        rig.wallpaper().setPauseOnBattery(false);
+        rig.wallpaper().preferences().setPauseOnBattery(false);
         rig.play(rig.video(u"a.mp4"_s));
         rig.host.power.set(true);
         QVERIFY(rig.wallpaper().isShowing() && rig.wallpaper().power().isOnBatteryPower());
-        rig.wallpaper().setPauseOnBattery(true);
+        rig.wallpaper().preferences().setPauseOnBattery(true);
         QVERIFY(!rig.wallpaper().isShowing());
         // Whoever switches it off again takes the matter into their own hands.
-        rig.wallpaper().setPauseOnBattery(false);
+        rig.wallpaper().preferences().setPauseOnBattery(false);
         rig.host.power.set(false);
         QVERIFY(!rig.wallpaper().isShowing());
     }

@@ -4,7 +4,6 @@
 #include "foundation/Log.h"
 #include "wallpaper/WallpaperController.h"
 
-#include <QFileInfo>
 #include <QPointer>
 
 #include <algorithm>
@@ -120,13 +119,12 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
     const QPointer self(this);
     // The same failure twice is news twice.
     _wallpaper.dismissFailure();
-    const bool isChosen = co_await _wallpaper.setVideo(path);
-    if (!self)
+    const auto played = co_await _wallpaper.playVideo(path);
+    if (!self || played == WallpaperController::Played::shown)
         co_return QString();
-    if (!isChosen)
+    if (played == WallpaperController::Played::refused)
         co_return failure(reason());
-    const bool isShown = co_await _wallpaper.apply();
-    co_return self && !isShown ? reason() : QString();
+    co_return reason();
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 displayID, QString path)
@@ -146,19 +144,13 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 dis
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::start()
 {
-    const auto last = _wallpaper.preferences().lastVideoPath();
-    if (!_wallpaper.isShowing() && last && QFileInfo(*last).isFile()) {
-        const Outcome outcome = co_await showVideo(*last);
-        co_return outcome && !outcome->isEmpty() ? Outcome(failure(*outcome)) : outcome;
-    }
-    if (!_wallpaper.isShowing() || _wallpaper.isPaused()) {
-        _wallpaper.resumeWallpaper();
-        const bool isPlaying = _wallpaper.isShowing() && !_wallpaper.isPaused();
-        co_return isPlaying ? Outcome(QString()) : Outcome(failure(reason()));
-    }
     const QPointer self(this);
-    const bool isShown = co_await _wallpaper.apply();
-    co_return self && !isShown ? Outcome(failure(reason())) : Outcome(QString());
+    if (!_wallpaper.isShowing())
+        _wallpaper.dismissFailure();
+    const bool isPlaying = _wallpaper.isShowing() && !_wallpaper.isPaused();
+    auto playing = isPlaying ? _wallpaper.apply() : _wallpaper.resumeWallpaper();
+    const bool plays = co_await playing;
+    co_return self && !plays ? Outcome(failure(reason())) : Outcome(QString());
 }
 
 QString WallpaperActions::reason() const

@@ -9,12 +9,12 @@
 namespace velbrix {
 
 // What keeps the user from seeing the desktop.
-struct DesktopSight {
+struct VisibilityState {
     QSet<quint32> coveredDisplays; // wholly behind a full-screen window; ids as in Display
     bool isSessionLocked = false;
     bool isScreenOff = false;
 
-    bool operator==(const DesktopSight &) const = default;
+    bool operator==(const VisibilityState &) const = default;
 };
 
 // Main thread.
@@ -22,7 +22,7 @@ class DesktopVisibility {
 public:
     virtual ~DesktopVisibility() = default;
 
-    virtual DesktopSight sight() const = 0;
+    virtual VisibilityState state() const = 0;
     // Calls after each change as long as the observation lives, and costs nothing else.
     virtual Observation observe(std::function<void()> changed) = 0;
 };

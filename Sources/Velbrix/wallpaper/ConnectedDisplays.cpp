@@ -1,15 +1,15 @@
 #include "wallpaper/ConnectedDisplays.h"
 
 #include "wallpaper/WallpaperPreferences.h"
+#include "wallpaper/WallpaperStage.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace velbrix {
 
 ConnectedDisplays::ConnectedDisplays(Displays &displays, const WallpaperPreferences &preferences,
-                                     std::function<bool(quint32)> isShowing, QObject *parent)
-    : QObject(parent), _displays(displays), _preferences(preferences), _isShowing(std::move(isShowing))
+                                     const WallpaperStage &stage, QObject *parent)
+    : QObject(parent), _displays(displays), _preferences(preferences), _stage(stage)
 {
 }
 
@@ -28,7 +28,7 @@ void ConnectedDisplays::detectDisplays()
             info.videoPath = _preferences.lastVideoPath();
         else if (const auto own = paths.constFind(display.id); own != paths.constEnd())
             info.videoPath = *own;
-        info.isPlaying = _isShowing(display.id);
+        info.isPlaying = _stage.isShowing(display.id);
         found.append(info);
     }
     _connectedDisplays = found;

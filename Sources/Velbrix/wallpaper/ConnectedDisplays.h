@@ -7,12 +7,12 @@
 #include <QList>
 #include <QObject>
 
-#include <functional>
 #include <optional>
 
 namespace velbrix {
 
 class WallpaperPreferences;
+class WallpaperStage;
 
 // The displays as the user sees them: which there are, and what each shows.
 class ConnectedDisplays final : public QObject {
@@ -23,9 +23,8 @@ class ConnectedDisplays final : public QObject {
     VELB_PUBLISHED(ConnectedDisplays, std::optional<quint32>, multiDisplayTargetID)
 
 public:
-    // `isShowing` tells whether a wallpaper's window is on the display.
     ConnectedDisplays(Displays &displays, const WallpaperPreferences &preferences,
-                      std::function<bool(quint32)> isShowing, QObject *parent = nullptr);
+                      const WallpaperStage &stage, QObject *parent = nullptr);
 
     void detectDisplays();
     // A display that is not there, or the main one, counts as nothing.
@@ -35,7 +34,7 @@ public:
 private:
     Displays &_displays;
     const WallpaperPreferences &_preferences;
-    std::function<bool(quint32)> _isShowing;
+    const WallpaperStage &_stage;
 };
 
 } // namespace velbrix

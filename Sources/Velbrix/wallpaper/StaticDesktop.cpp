@@ -1,8 +1,8 @@
 #include "wallpaper/StaticDesktop.h"
 
-#include "foundation/Log.h"
 #include "foundation/SettingsStore.h"
 #include "wallpaper/PictureFiles.h"
+#include "wallpaper/WallpaperLog.h"
 
 #include <QCoroFuture>
 #include <QJsonArray>
@@ -22,7 +22,7 @@ const QString originalKey = u"Velbrix_WallpaperOriginalDesktopPicture"_s;
 
 void logFailure(const QString &reason)
 {
-    log::line(u"Wallpaper"_s, u"设置桌面失败:"_s + reason);
+    wallpaperlog::say(u"设置桌面失败:"_s + reason);
 }
 
 } // namespace

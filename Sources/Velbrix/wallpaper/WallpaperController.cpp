@@ -2,9 +2,9 @@
 
 #include "platform/LoginItem.h"
 #include "platform/Permissions.h"
-#include "wallpaper/LaunchRestore.h"
 #include "wallpaper/WallpaperLog.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QPointer>
 
@@ -18,66 +18,92 @@ using wallpaperlog::say;
 
 namespace {
 
-bool isFile(const std::optional<QString> &path)
+QString absolute(const QString &path)
 {
-    return path && QFileInfo(*path).isFile();
+    return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
 }
 
 } // namespace
 
-WallpaperController::WallpaperController(Hosts hosts, SettingsStore &settings, Clock &clock, Folders folders,
+WallpaperController::WallpaperController(Ports ports, SettingsStore &settings, Clock &clock, Folders folders,
                                          std::function<bool()> isInBackground, QObject *parent)
     : QObject(parent),
       _preferences(settings),
-      _video(hosts.probe, clock),
-      _folder(hosts.probe, _preferences, folders.thumbnails),
-      _preview(hosts.surfaces),
-      _surfaces({hosts.surfaces, hosts.displays, hosts.visibility}, _preferences, clock),
-      _displays(hosts.displays, _preferences, [this](quint32 id) { return _surfaces.isShowing(id); }),
-      _staticDesktop(hosts.picture, settings, clock, folders.staticDesktop),
-      _still(_video, _surfaces, _staticDesktop, clock),
-      _power(hosts.power, _preferences,
+      _video(ports.probe, clock),
+      _folder(ports.probe, _preferences, folders.thumbnails),
+      _preview(ports.surfaces),
+      _stage({ports.surfaces, ports.displays, ports.visibility}, _preferences),
+      _displays(ports.displays, _preferences, _stage),
+      _staticDesktop(ports.picture, settings, clock, folders.staticDesktop),
+      _power(ports.power, _preferences,
              {[this] { return isShowing() || isApplying(); }, [this] { stopWallpaper(); },
               [this] { resumeAfterBattery(); }}),
-      _playback({_preferences, _video, _surfaces, _displays, _staticDesktop, _still, _power}),
-      _dock(hosts.dock, _preferences),
-      _isInBackground(std::move(isInBackground))
+      _videos({ports.surfaces, _stage, _video, _staticDesktop, _preferences, clock},
+              std::move(isInBackground)),
+      _contents({{WallpaperContentMode::video, &_videos}}),
+      _dock(ports.dock, _preferences)
 {
     _preferences.loadSettings();
-    _launchAtLogin = hosts.loginItem.isEnabled();
-    _accessibilityTrusted = hosts.permissions.accessibilityTrusted();
+    _launchAtLogin = ports.loginItem.isEnabled();
+    _accessibilityTrusted = ports.permissions.accessibilityTrusted();
     followParts();
     _power.startPowerSourceMonitor();
-    _displayChanges = hosts.displays.observe([this] { _playback.displaysChanged(); });
-    detectDisplays();
+    _displayChanges = ports.displays.observe([this] { displaysChanged(); });
+    _displays.detectDisplays();
 }
 
 WallpaperController::~WallpaperController() = default;
 
 void WallpaperController::followParts()
 {
-    connect(&_preferences, &WallpaperPreferences::hideDesktopIconsEnabledChanged, this,
-            [this] { _surfaces.applyWindowLayering(); });
-    connect(&_preferences, &WallpaperPreferences::isHidingDesktopIconsChanged, this,
-            [this] { _surfaces.applyWindowLayering(); });
-    connect(&_surfaces, &VideoSurfaces::timeReached, this, [this] {
-        if (isShowing() && !isPaused() && !_isInBackground())
-            _still.refreshStaticDesktop(u"time"_s);
-    });
-    connect(&_playback, &WallpaperPlayback::stateChanged, this, &WallpaperController::stateChanged);
-    connect(&_playback, &WallpaperPlayback::isPausedChanged, this, &WallpaperController::isPausedChanged);
-    connect(&_playback, &WallpaperPlayback::isApplyingChanged, this, &WallpaperController::isApplyingChanged);
-    connect(&_playback, &WallpaperPlayback::noticeChanged, this, &WallpaperController::noticeChanged);
-    connect(&_dock, &DockHiding::toggled, this, [this] { _surfaces.applyWindowLayering(); });
+    connect(&_preferences, &WallpaperPreferences::perDisplayVideoPathsChanged, this,
+            &WallpaperController::displaysChanged);
+    connect(&_preferences, &WallpaperPreferences::contentModeChanged, this,
+            &WallpaperController::contentChanged);
+    for (const auto &[mode, content] : _contents)
+        follow(*content);
+    connect(&_dock, &DockHiding::toggled, this, [this] { _stage.applyWindowLayering(); });
     connect(&_staticDesktop, &StaticDesktop::isWorkingChanged, this, &WallpaperController::isSettledChanged);
     connect(&_dock, &DockHiding::isWorkingChanged, this, &WallpaperController::isSettledChanged);
     _job.follow(*this, &WallpaperController::isSettledChanged);
 }
 
+void WallpaperController::follow(WallpaperContent &content)
+{
+    connect(&content, &WallpaperContent::chosenChanged, this, &WallpaperController::contentChanged);
+    connect(&content, &WallpaperContent::isLoadingChanged, this, &WallpaperController::contentChanged);
+    connect(&content, &WallpaperContent::failed, this, [this](const QString &message) {
+        stopWallpaper();
+        refuse(message);
+    });
+    connect(&content, &WallpaperContent::partFailed, this, [this](const QString &message) {
+        _notice = message;
+        if (!isShowing())
+            stopWallpaper();
+        _displays.detectDisplays();
+    });
+}
+
+WallpaperContent &WallpaperController::content() const
+{
+    const auto found = _contents.find(_preferences.contentMode());
+    // What can be chosen while the mode cannot be shown is a video.
+    return found == _contents.end() ? *_contents.at(WallpaperContentMode::video) : *found->second;
+}
+
+bool WallpaperController::isShowing() const
+{
+    return _stage.isShowing();
+}
+
 bool WallpaperController::canToggle() const
 {
-    return !_power.blocks() && (isShowing() || _video.videoURL() || _preferences.lastVideoPath() ||
-                                !_preferences.perDisplayVideoPaths().isEmpty());
+    return !_power.blocks() && (isShowing() || content().canShow());
+}
+
+bool WallpaperController::canStop() const
+{
+    return isShowing() || isApplying() || content().isLoading();
 }
 
 QString WallpaperController::trayTitle() const
@@ -85,6 +111,176 @@ QString WallpaperController::trayTitle() const
     if (!isShowing())
         return u"播放壁纸"_s;
     return isPaused() ? u"继续播放壁纸"_s : u"暂停壁纸"_s;
+}
+
+QCoro::Task<bool> WallpaperController::apply()
+{
+    const QPointer self(this);
+    if (_hasEnded)
+        co_return false;
+    _notice = QString();
+    if (_power.blocks()) {
+        say(u"blocked: on battery (pauseOnBattery)"_s);
+        _notice = stoppedOnBattery;
+        co_return false;
+    }
+    const WallpaperContentMode mode = _preferences.contentMode();
+    if (!_contents.contains(mode)) {
+        _notice = u"此版本还不能显示%1，请选择一个视频。"_s.arg(rawValue(mode));
+        co_return false;
+    }
+    WallpaperContent &content = this->content();
+    const int generation = ++_applyGeneration;
+    _isApplying = true;
+    auto shown = co_await content.prepareToShow();
+    // A stop meanwhile, or the plug was pulled.
+    if (!self || generation != _applyGeneration)
+        co_return false;
+    if (shown) {
+        setPaused(false);
+        shown = content.show();
+    }
+    if (shown) {
+        updateState();
+    } else if (content.chosen().isEmpty()) {
+        updateState();
+        _notice = shown.error().message;
+    } else {
+        refuse(shown.error().message);
+    }
+    _isApplying = false;
+    co_return shown.has_value();
+}
+
+QCoro::Task<bool> WallpaperController::setVideo(const QString path)
+{
+    const QPointer self(this);
+    if (_hasEnded)
+        co_return false;
+    const auto chosen = co_await _videos.choose(absolute(path));
+    if (!self || !chosen)
+        co_return false;
+    if (!*chosen) {
+        refuse(chosen->error().message);
+        co_return false;
+    }
+    _notice = QString();
+    updateState();
+    co_return true;
+}
+
+QCoro::Task<WallpaperController::Played> WallpaperController::playVideo(const QString path)
+{
+    const QPointer self(this);
+    const bool isChosen = co_await setVideo(path);
+    if (!self || !isChosen)
+        co_return Played::refused;
+    const bool isShown = co_await apply();
+    co_return isShown ? Played::shown : Played::chosen;
+}
+
+QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const QString path)
+{
+    if (_displays.isMain(displayID)) {
+        const bool isSet = co_await setVideo(path);
+        co_return isSet;
+    }
+    const QPointer self(this);
+    const QString file = absolute(path);
+    const auto problem = co_await _video.problem(file);
+    if (!self)
+        co_return false;
+    _notice = problem ? problem->message : QString();
+    if (!problem)
+        _preferences.setDisplayVideoPath(displayID, file);
+    co_return !problem;
+}
+
+void WallpaperController::clearDisplayVideo(quint32 displayID)
+{
+    _preferences.setDisplayVideoPath(displayID, std::nullopt);
+    if (state().isPlaying() && !isShowing())
+        stopWallpaper();
+}
+
+void WallpaperController::stopWallpaper()
+{
+    say(u"stopWallpaper"_s);
+    ++_applyGeneration;
+    _isApplying = false;
+    content().stop();
+    setPaused(false);
+    _staticDesktop.putBack();
+    updateState();
+}
+
+void WallpaperController::pauseWallpaper()
+{
+    if (!isShowing() || isPaused())
+        return;
+    say(u"pause"_s);
+    setPaused(true);
+}
+
+void WallpaperController::setPaused(bool paused)
+{
+    _stage.setPaused(paused);
+    _isPaused = paused;
+}
+
+QCoro::Task<bool> WallpaperController::resumeWallpaper()
+{
+    if (_power.blocks()) {
+        say(u"resume blocked: on battery"_s);
+        _notice = stoppedOnBattery;
+        co_return false;
+    }
+    setPaused(false);
+    const bool isPlaying = co_await hardResume(u"resumeWallpaper"_s);
+    co_return isPlaying;
+}
+
+QCoro::Task<bool> WallpaperController::hardResume(QString reason)
+{
+    if (_power.blocks()) {
+        say(u"hardResume blocked: on battery (%1)"_s.arg(reason));
+        co_return false;
+    }
+    if (_hasEnded)
+        co_return false;
+    _notice = QString();
+    if (isShowing()) {
+        content().hardResume(reason);
+        updateState();
+        co_return true;
+    }
+    const bool isShown = co_await comeBack(content().returnAtResume());
+    co_return isShown;
+}
+
+QCoro::Task<bool> WallpaperController::comeBack(WallpaperReturn back)
+{
+    for (const QString &line : std::as_const(back.log))
+        say(line);
+    if (!back.notice.isEmpty())
+        _notice = back.notice;
+    switch (back.step) {
+    case WallpaperReturn::Step::nothing:
+        break;
+    case WallpaperReturn::Step::show: {
+        const bool isShown = co_await apply();
+        co_return isShown;
+    }
+    case WallpaperReturn::Step::load: {
+        const Played played = co_await playVideo(back.what);
+        co_return played == Played::shown;
+    }
+    case WallpaperReturn::Step::othersOnly:
+        content().displaysChanged();
+        updateState();
+        co_return isShowing();
+    }
+    co_return false;
 }
 
 void WallpaperController::recoverAfterCrash()
@@ -95,43 +291,42 @@ void WallpaperController::recoverAfterCrash()
 
 void WallpaperController::autoRestoreOnLaunch()
 {
-    LaunchFacts facts;
-    facts.autoPlay = _preferences.autoPlay();
-    facts.isOnBattery = _power.blocks();
-    facts.isPlaying = state().isPlaying();
-    facts.contentMode = _preferences.contentMode();
-    facts.hasVideo = _video.videoURL().has_value();
-    facts.lastVideoPath = _preferences.lastVideoPath();
-    facts.displayPaths = _preferences.perDisplayVideoPaths().size();
-    const LaunchPlan plan = launchPlan(facts);
-    for (const QString &line : plan.log)
-        say(line);
-    // A file that has gone is passed over.
-    if (plan.step == LaunchPlan::Step::applyCurrent && isFile(_video.videoURL()))
-        applyWallpaper();
-    else if (plan.step == LaunchPlan::Step::loadLast && isFile(facts.lastVideoPath))
-        _playback.loadAndApply(*facts.lastVideoPath);
-    else if (plan.step == LaunchPlan::Step::secondaryOnly)
-        _playback.showSecondaryOnly();
+    if (!_preferences.autoPlay())
+        say(u"autoRestore skipped: autoPlay=false"_s);
+    else if (_power.blocks())
+        say(u"autoRestore skipped: on battery"_s);
+    else if (state().isPlaying())
+        say(u"autoRestore skipped: already playing"_s);
+    else if (_contents.contains(_preferences.contentMode()))
+        comeBack(content().returnAtLaunch());
 }
 
 void WallpaperController::resumeAfterBattery()
 {
-    if (!_video.videoURL())
+    if (content().chosen().isEmpty())
         autoRestoreOnLaunch();
-    else if (isFile(_video.videoURL()))
-        applyWallpaper();
+    else if (content().returnAtLaunch().step == WallpaperReturn::Step::show)
+        apply();
+}
+
+void WallpaperController::displaysChanged()
+{
+    // A wallpaper of other displays alone goes and comes back with them.
+    if (isShowing() || state().isPlaying())
+        content().displaysChanged();
+    _displays.detectDisplays();
 }
 
 void WallpaperController::handleUnhide()
 {
     if (isShowing())
-        _surfaces.applyWindowLayering();
+        _stage.applyWindowLayering();
 }
 
 void WallpaperController::shutDown()
 {
-    _playback.end();
+    _hasEnded = true;
+    stopWallpaper();
     _preview.stop();
     _folder.cancelScan();
     _dock.putBack();
@@ -150,6 +345,42 @@ void WallpaperController::setContentMode(WallpaperContentMode mode)
     if (isShowing())
         stopWallpaper();
     _preferences.setContentMode(mode);
+}
+
+void WallpaperController::beginSelecting()
+{
+    _state = WallpaperState{WallpaperState::Kind::selecting, {}, {}};
+}
+
+void WallpaperController::endSelecting()
+{
+    if (state().kind == WallpaperState::Kind::selecting)
+        updateState();
+}
+
+void WallpaperController::dismissFailure()
+{
+    _notice = QString();
+    if (state().kind == WallpaperState::Kind::failed)
+        updateState();
+}
+
+void WallpaperController::refuse(const QString &message)
+{
+    _state = WallpaperState{WallpaperState::Kind::failed, {}, message};
+    _displays.detectDisplays();
+}
+
+void WallpaperController::updateState()
+{
+    const QString chosen = content().chosen();
+    if (isShowing())
+        _state = WallpaperState{WallpaperState::Kind::playing, chosen, {}};
+    else if (!chosen.isEmpty())
+        _state = WallpaperState{WallpaperState::Kind::ready, chosen, {}};
+    else
+        _state = WallpaperState{};
+    _displays.detectDisplays();
 }
 
 } // namespace velbrix

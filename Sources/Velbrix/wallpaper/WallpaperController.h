@@ -7,31 +7,39 @@
 #include "wallpaper/PowerPolicy.h"
 #include "wallpaper/PreviewPlayer.h"
 #include "wallpaper/StaticDesktop.h"
+#include "wallpaper/VideoContent.h"
 #include "wallpaper/VideoFolder.h"
-#include "wallpaper/VideoStill.h"
-#include "wallpaper/VideoSurfaces.h"
-#include "wallpaper/WallpaperPlayback.h"
 #include "wallpaper/WallpaperPreferences.h"
+#include "wallpaper/WallpaperStage.h"
 #include "wallpaper/WallpaperVideo.h"
 
 #include <QCoroTask>
 #include <QObject>
+
+#include <map>
 
 namespace velbrix {
 
 class LoginItem;
 class Permissions;
 
-// The live wallpaper: one facade over the parts that each own a group of its
+// The live wallpaper: starts, pauses, resumes and stops the content of the
+// chosen mode on the stage, and holds the parts that each own a group of the
 // published state. It does not ask for consent; whoever lets the user start a
 // wallpaper does that first. Main thread.
 class WallpaperController final : public QObject {
     Q_OBJECT
+    VELB_PUBLISHED(WallpaperController, WallpaperState, state)
+    VELB_PUBLISHED(WallpaperController, bool, isPaused, false)
+    // A wallpaper is about to show.
+    VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
+    // What the user should know about the last act; empty when all is well.
+    VELB_PUBLISHED(WallpaperController, QString, notice)
     VELB_PUBLISHED(WallpaperController, bool, launchAtLogin, false)
     VELB_PUBLISHED(WallpaperController, bool, accessibilityTrusted, false)
 
 public:
-    struct Hosts {
+    struct Ports {
         DesktopSurfaces &surfaces;
         Displays &displays;
         DesktopVisibility &visibility;
@@ -48,37 +56,37 @@ public:
     };
 
     // `isInBackground` may be asked at any time after the construction.
-    WallpaperController(Hosts hosts, SettingsStore &settings, Clock &clock, Folders folders,
+    WallpaperController(Ports ports, SettingsStore &settings, Clock &clock, Folders folders,
                         std::function<bool()> isInBackground, QObject *parent = nullptr);
     ~WallpaperController() override;
 
-    // Starts showing the chosen content, or shows it anew.
-    void applyWallpaper() { apply(); }
-    // The same; answers whether it is on the desktop then.
-    QCoro::Task<bool> apply() { return _playback.apply(); }
+    // Starts showing the chosen content, or shows it anew; answers whether it
+    // is on the desktop then.
+    QCoro::Task<bool> apply();
     // Chooses the main display's video and stores it once it is known to be
     // one. A showing wallpaper changes over to it. Answers when that is done.
-    QCoro::Task<bool> setVideo(const QString &path) { return _playback.setVideo(path); }
-    void loadVideo(const QString &atPath) { setVideo(atPath); }
-    void stopWallpaper() { _playback.stopWallpaper(); }
-    void pauseWallpaper() { _playback.pauseWallpaper(); }
-    void resumeWallpaper() { _playback.resumeWallpaper(); }
-    // Tray and keyboard: pauses what plays, starts or resumes what does not.
-    void togglePlayPause() { _playback.togglePlayPause(); }
-    WallpaperState state() const { return _playback.state(); }
-    bool isPaused() const { return _playback.isPaused(); }
-    // A wallpaper is about to show.
-    bool isApplying() const { return _playback.isApplying(); }
-    // What the user should know about the last act; empty when all is well.
-    QString notice() const { return _playback.notice(); }
+    QCoro::Task<bool> setVideo(const QString path);
+    enum class Played { refused, chosen, shown };
+    // The same, and then shows it.
+    QCoro::Task<Played> playVideo(const QString path);
+    // The same for any display, without starting anything.
+    QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString path);
+    void clearDisplayVideo(quint32 displayID);
+
+    void stopWallpaper();
+    void pauseWallpaper();
+    // Goes on, or begins with what was shown last; answers whether it moves
+    // then.
+    QCoro::Task<bool> resumeWallpaper();
+
+    // Windows are on the desktop, moving or not.
+    bool isShowing() const;
     // Something can be started, paused or resumed.
     bool canToggle() const;
+    // Something shows or is about to.
+    bool canStop() const;
     // "播放壁纸", "暂停壁纸" or "继续播放壁纸".
     QString trayTitle() const;
-    // Windows are on the desktop, moving or not.
-    bool isShowing() const { return _surfaces.isShowing(); }
-    // Something shows or is about to.
-    bool canStop() const { return isShowing() || isApplying() || _video.isLoading(); }
 
     // Once at the start of the program: what an earlier run could not put
     // back is put back.
@@ -93,26 +101,20 @@ public:
     Job &job() { return _job; }
     bool isSettled() const { return !_staticDesktop.isWorking() && !_dock.isWorking(); }
 
-    void detectDisplays() { _displays.detectDisplays(); }
-    QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString &path)
-    {
-        return _playback.setDisplayVideo(displayID, path);
-    }
-    void clearDisplayVideo(quint32 displayID) { _playback.clearDisplayVideo(displayID); }
-
     void toggleHideDesktopIcons();
-    void toggleDockAutoHide() { _dock.toggleDockAutoHide(); }
     void setContentMode(WallpaperContentMode mode);
-    void setPauseOnBattery(bool on) { _preferences.setPauseOnBattery(on); }
 
     // While the user looks for a file in the system's panel.
-    void beginSelecting() { _playback.beginSelecting(); }
-    void endSelecting() { _playback.endSelecting(); }
+    void beginSelecting();
+    void endSelecting();
     // The failure was seen: back to what is playing, or can be.
-    void dismissFailure() { _playback.dismissFailure(); }
+    void dismissFailure();
 
     WallpaperPreferences &preferences() { return _preferences; }
     const WallpaperPreferences &preferences() const { return _preferences; }
+    // What the current mode shows.
+    WallpaperContent &content() const;
+    WallpaperStage &stage() { return _stage; }
     ConnectedDisplays &displays() { return _displays; }
     WallpaperVideo &video() { return _video; }
     VideoFolder &folder() { return _folder; }
@@ -120,34 +122,40 @@ public:
     StaticDesktop &staticDesktop() { return _staticDesktop; }
     PowerPolicy &power() { return _power; }
     DockHiding &dock() { return _dock; }
-    // For pictures of the screen that keep the wallpaper.
-    QList<quint32> windowIds() const { return _surfaces.windowIds(); }
 
 Q_SIGNALS:
-    void stateChanged();
-    void isPausedChanged();
-    void isApplyingChanged();
-    void noticeChanged();
+    // Of whatever mode.
+    void contentChanged();
     void isSettledChanged();
 
 private:
     void followParts();
+    void follow(WallpaperContent &content);
+    QCoro::Task<bool> comeBack(WallpaperReturn back);
+    QCoro::Task<bool> hardResume(QString reason);
     void resumeAfterBattery();
+    void displaysChanged();
+    void setPaused(bool paused);
+    void refuse(const QString &message);
+    // From what is chosen and on the desktop.
+    void updateState();
 
     WallpaperPreferences _preferences;
     WallpaperVideo _video;
     VideoFolder _folder;
     PreviewPlayer _preview;
-    VideoSurfaces _surfaces;
+    WallpaperStage _stage;
     ConnectedDisplays _displays;
     StaticDesktop _staticDesktop;
-    VideoStill _still;
     PowerPolicy _power;
-    WallpaperPlayback _playback;
+    VideoContent _videos;
+    // Modes that this version cannot show are missing.
+    const std::map<WallpaperContentMode, WallpaperContent *> _contents;
     DockHiding _dock;
-    std::function<bool()> _isInBackground;
     Observation _displayChanges;
     Job _job{[this] { return Job::State{.isBusy = !isSettled()}; }};
+    int _applyGeneration = 0;
+    bool _hasEnded = false;
 };
 
 } // namespace velbrix

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DesktopSurfaces.h"
+#include "platform/VideoSurface.h"
 
 #include <QRect>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "wallpaper/WallpaperVideo.h"
 
 #include "foundation/Awaitables.h"
-#include "foundation/Log.h"
+#include "wallpaper/WallpaperLog.h"
 
 #include <QPointer>
 
@@ -51,17 +51,17 @@ QCoro::Task<std::optional<Failure>> WallpaperVideo::problem(const QString path)
     co_return problemOf(found);
 }
 
-QCoro::Task<WallpaperVideo::Outcome> WallpaperVideo::load(const QString path)
+QCoro::Task<std::optional<Result<void>>> WallpaperVideo::load(const QString path)
 {
     const QPointer self(this);
     const int generation = ++_generation;
     _isLoading = true;
     const auto found = co_await facts(path);
     if (!self || generation != _generation)
-        co_return Outcome{};
+        co_return std::nullopt;
     _isLoading = false;
     if (const auto problem = problemOf(found))
-        co_return Outcome{Loaded::refused, problem->message};
+        co_return std::unexpected(*problem);
     const bool isNew = videoURL() != path;
     _videoURL = path;
     _videoSize = QSizeF(found->size);
@@ -70,14 +70,14 @@ QCoro::Task<WallpaperVideo::Outcome> WallpaperVideo::load(const QString path)
     if (isNew)
         _currentFrame = std::nullopt;
     showFirstFrame(path, generation);
-    co_return Outcome{Loaded::done, {}};
+    co_return Result<void>();
 }
 
 QCoro::Task<Result<QImage>> WallpaperVideo::frameAt(const QString path, double seconds)
 {
     const auto frame = co_await _probe.frame(path, seconds, desktopBound, {});
     if (!frame)
-        log::line(u"Wallpaper"_s, u"提取帧失败:"_s + frame.error().message);
+        wallpaperlog::say(u"提取帧失败:"_s + frame.error().message);
     co_return frame;
 }
 
@@ -90,7 +90,7 @@ QCoro::Task<> WallpaperVideo::showFirstFrame(QString path, int generation)
     if (frame)
         _currentFrame = *frame;
     else
-        log::line(u"Wallpaper"_s, u"提取帧失败:"_s + frame.error().message);
+        wallpaperlog::say(u"提取帧失败:"_s + frame.error().message);
 }
 
 } // namespace velbrix

@@ -30,14 +30,9 @@ public:
     // The words for a file that cannot be a wallpaper; nothing when it can.
     QCoro::Task<std::optional<Failure>> problem(const QString path);
 
-    enum class Loaded { done, refused, outdated };
-    struct Outcome {
-        Loaded loaded = Loaded::outdated;
-        QString message; // why it was refused
-    };
     // Takes the video once it is known to be one; a refused file changes
-    // nothing. A newer call makes this one outdated.
-    QCoro::Task<Outcome> load(const QString path);
+    // nothing. Nothing when a newer load or cancelLoad() has overtaken this one.
+    QCoro::Task<std::optional<Result<void>>> load(const QString path);
     // The load under way is outdated.
     void cancelLoad();
 

@@ -82,16 +82,16 @@ quint32 monitorId()
 }
 
 // The real adapter with the time that it waits for windows to come to rest.
-struct RealSight {
+struct RealVisibility {
     VirtualClock clock;
     X11DesktopVisibility visibility{clock};
     int calls = 0;
     Observation watch = visibility.observe([this] { ++calls; });
 
-    DesktopSight now()
+    VisibilityState now()
     {
         clock.advance(100ms);
-        return visibility.sight();
+        return visibility.state();
     }
     QSet<quint32> covered() { return now().coveredDisplays; }
 };
@@ -108,10 +108,10 @@ void keepsContract(DesktopVisibility &visibility, const std::function<void()> &s
         ending.reset();
     });
     ending = visibility.observe([&] { ++second; });
-    QCOMPARE(visibility.sight(), DesktopSight());
+    QCOMPARE(visibility.state(), VisibilityState());
     const auto hasCovered = [&] {
         settle();
-        return visibility.sight().coveredDisplays.size() == 1;
+        return visibility.state().coveredDisplays.size() == 1;
     };
     cover();
     QTRY_VERIFY(hasCovered());
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, type);
         QFETCH(quint32, opacity);
         QFETCH(bool, covers);
-        RealSight real;
+        RealVisibility real;
         ForeignWindow window(frame, isUnmanaged);
         window.set("_NET_WM_WINDOW_TYPE", type.constData());
         window.setNumbers("_NET_WM_WINDOW_OPACITY", {opacity});
@@ -218,7 +218,7 @@ private Q_SLOTS:
 
     void followsWorkspacesAndMinimising()
     {
-        RealSight real;
+        RealVisibility real;
         ForeignWindow window(QRect(0, 0, 400, 300));
         window.set("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
         window.map();
@@ -235,7 +235,7 @@ private Q_SLOTS:
     void coversOneOfTwoMonitors()
     {
         addTwoMonitors();
-        RealSight real;
+        RealVisibility real;
         Observer observer;
         const auto all = monitors(observer.connection());
         ForeignWindow window(QRect(640, 0, 640, 800), true);
@@ -253,7 +253,7 @@ private Q_SLOTS:
         session.isLocked = true;
         QVERIFY(peer.serve(u"/org/freedesktop/login1"_s, &manager) && peer.serve(sessionPath, &session) &&
                 peer.take(loginName));
-        RealSight real;
+        RealVisibility real;
         QTRY_VERIFY(real.now().isSessionLocked);
         session.isLocked = false;
         peer.emitSignal(sessionPath, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s,
@@ -268,7 +268,7 @@ private Q_SLOTS:
         Saver saver;
         saver.isActive = true;
         QVERIFY(peer.serve(u"/org/xfce/ScreenSaver"_s, &saver) && peer.take(saverName));
-        RealSight real;
+        RealVisibility real;
         QTRY_VERIFY(real.now().isSessionLocked);
         peer.emitSignal(u"/anywhere"_s, saverName, u"ActiveChanged"_s, {false});
         QTRY_VERIFY(!real.now().isSessionLocked);
@@ -281,7 +281,7 @@ private Q_SLOTS:
 
     void followsTheServersSaver()
     {
-        RealSight real;
+        RealVisibility real;
         QVERIFY(run(u"xset"_s, {u"s"_s, u"activate"_s}));
         QTRY_VERIFY(real.now().isScreenOff);
         QVERIFY(run(u"xset"_s, {u"s"_s, u"reset"_s}));
@@ -293,10 +293,10 @@ private Q_SLOTS:
     {
         VirtualClock clock;
         X11DesktopVisibility visibility(clock);
-        QCOMPARE(visibility.sight(), DesktopSight());
+        QCOMPARE(visibility.state(), VisibilityState());
         ForeignWindow window(QRect(0, 0, 1280, 800), true);
         window.map();
-        QCOMPARE(visibility.sight().coveredDisplays.size(), 1);
+        QCOMPARE(visibility.state().coveredDisplays.size(), 1);
         QTest::qWait(20);
         QCOMPARE(clock.pendingCount(), 0);
     }

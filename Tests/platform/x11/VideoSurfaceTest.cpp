@@ -21,6 +21,7 @@ using namespace velbrix::test;
 namespace {
 
 constexpr QRect frame(40, 60, 400, 400);
+constexpr QRect elsewhere(40, 500, 160, 90);
 
 // What a surface said.
 struct Heard {
@@ -28,12 +29,25 @@ struct Heard {
     int times = 0;
     QStringList failures;
 
-    SurfaceEvents events()
+    VideoEvents events()
     {
         return {.firstFrame = [this] { ++firstFrames; },
                 .failed = [this](const Failure &why) { failures << why.message; },
                 .time = [this] { ++times; }};
     }
+};
+
+// A video in a window of its own.
+struct Staged {
+    Staged(DesktopSurfaces &surfaces, const QRect &where)
+        : window(std::move(*surfaces.makeWindow(where))),
+          surface(std::move(*surfaces.makeVideo(*window, heard.events())))
+    {
+    }
+
+    Heard heard;
+    std::unique_ptr<SurfaceWindow> window;
+    std::unique_ptr<VideoSurface> surface;
 };
 
 struct RealDesktop {
@@ -51,24 +65,25 @@ struct FakeDesktop {
 
     QString video() const { return u"/videos/moving.mp4"_s; }
     void showFirst() const { surfaces.surfaces.first()->firstFrame(); }
-    void pass(std::chrono::milliseconds) const { surfaces.surfaces.first()->tick(); }
+    void pass(std::chrono::milliseconds) const
+    {
+        surfaces.surfaces.first()->tick();
+        QCoreApplication::processEvents();
+    }
 };
 
 // What every host promises of a video on the desktop.
 template <typename Desktop> void videoSurfaceContract(Desktop &&desktop)
 {
-    Heard heard;
-    auto made = desktop.surfaces.makeVideoSurface(frame, heard.events());
-    QVERIFY(made);
-    const auto other = desktop.surfaces.makeVideoSurface(frame, {});
-    QVERIFY(other && (*other)->windowId() != (*made)->windowId());
-    VideoSurface &surface = **made;
+    Staged staged(desktop.surfaces, frame);
+    VideoSurface &surface = *staged.surface;
+    const Heard &heard = staged.heard;
     const auto picture = [&surface] { return QCoro::waitFor(surface.currentFrame()); };
     QCOMPARE(picture().error().message, u"没有正在显示的画面"_s);
     QCOMPARE(surface.progress(), 0);
 
     surface.load(desktop.video());
-    surface.orderFront();
+    staged.window->orderFront();
     surface.observeTime(12s);
     QCOMPARE(heard.firstFrames, 0);
     desktop.showFirst();
@@ -84,11 +99,15 @@ template <typename Desktop> void videoSurfaceContract(Desktop &&desktop)
     desktop.pass(12s);
     QCOMPARE(heard.times, 1);
 
-    surface.unload();
-    QTRY_COMPARE(picture().error().message, u"没有正在显示的画面"_s);
+    // Nothing is said after the end: by now another one has its first picture.
     surface.load(desktop.video());
-    made->reset();
-    QTest::qWait(100);
+    desktop.showFirst();
+    staged.surface.reset();
+    Staged other(desktop.surfaces, elsewhere);
+    other.surface->load(desktop.video());
+    other.window->orderFront();
+    desktop.showFirst();
+    QTRY_COMPARE(other.heard.firstFrames, 1);
     QCOMPARE(heard.firstFrames, 1);
     QCOMPARE(heard.failures, QStringList());
 }
@@ -120,9 +139,9 @@ int entries(const QString &folder)
         QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
 }
 
-// A surface that is shown, with what it said.
-struct Shown : RealDesktop {
-    Shown() : surface(std::move(*surfaces.makeVideoSurface(frame, heard.events()))) { surface->orderFront(); }
+// A surface that is shown.
+struct Shown : RealDesktop, Staged {
+    Shown() : Staged(surfaces, frame) { window->orderFront(); }
 
     bool loads(const QString &path)
     {
@@ -136,9 +155,23 @@ struct Shown : RealDesktop {
         const QImage picture = screen();
         return waitFor([&] { return surface->progress() > before + 3 && screen() != picture; });
     }
+};
 
-    Heard heard;
-    std::unique_ptr<VideoSurface> surface;
+// A video that plays beside the one that is tested. While it goes on by some
+// pictures, the other would have moved, too.
+struct Witness : Staged {
+    explicit Witness(RealDesktop &desktop) : Staged(desktop.surfaces, elsewhere)
+    {
+        window->orderFront();
+        surface->play(1);
+        surface->load(desktop.video());
+    }
+
+    bool goesOn() const
+    {
+        const qint64 before = surface->progress();
+        return waitFor([&] { return surface->progress() > before + 5; });
+    }
 };
 
 } // namespace
@@ -156,17 +189,18 @@ private Q_SLOTS:
         QVERIFY(shown.loads(shown.video()));
         QVERIFY(waitFor([] { return colour(screen(), QPoint(200, 10)) != black; }));
         const QImage first = screen();
-        QTest::qWait(150);
+        const Witness witness(shown);
+        QVERIFY(witness.goesOn());
         QCOMPARE(screen(), first);
         QCOMPARE(shown.surface->progress(), 1);
 
         shown.surface->play(1);
         QVERIFY(shown.moves());
         shown.surface->pause();
-        QTest::qWait(100);
+        QVERIFY(witness.goesOn());
         const QImage rest = screen();
         const qint64 progress = shown.surface->progress();
-        QTest::qWait(200);
+        QVERIFY(witness.goesOn());
         QCOMPARE(screen(), rest);
         QCOMPARE(shown.surface->progress(), progress);
         shown.surface->play(2);
@@ -178,8 +212,7 @@ private Q_SLOTS:
         Shown shown;
         QVERIFY(shown.loads(shown.video()));
         shown.surface->play(2);
-        QTest::qWait(1800);
-        QVERIFY(shown.surface->progress() > 60);
+        QTRY_VERIFY(shown.surface->progress() > 60);
         QVERIFY(shown.moves());
         QCOMPARE(shown.heard.firstFrames, 1);
     }
@@ -211,16 +244,16 @@ private Q_SLOTS:
         Shown shown;
         QVERIFY(shown.loads(shown.clips.striped()));
         constexpr QRect larger(600, 100, 640, 360);
-        shown.surface->setFrame(larger);
+        shown.window->setFrame(larger);
         QTRY_COMPARE(colour(screen(larger), QPoint(636, 356)), blue);
         QCOMPARE(colour(screen(larger), QPoint(320, 180)), red);
         // Enlarged by the server; most of it lies beyond the screen.
         constexpr QRect huge(0, 100, 2600, 300);
-        shown.surface->setFrame(huge);
+        shown.window->setFrame(huge);
         QTRY_COMPARE(colour(screen(QRect(0, 100, 1280, 300)), QPoint(310, 298)), blue);
         QCOMPARE(colour(screen(QRect(0, 100, 1280, 300)), QPoint(340, 298)), red);
         // Without scaling.
-        shown.surface->setFrame(QRect(600, 100, 320, 180));
+        shown.window->setFrame(QRect(600, 100, 320, 180));
         QTRY_COMPARE(colour(screen(QRect(600, 100, 320, 180)), QPoint(43, 2)), red);
         QCOMPARE(colour(screen(QRect(600, 100, 320, 180)), QPoint(36, 178)), blue);
     }
@@ -240,35 +273,34 @@ private Q_SLOTS:
     void showsTheFirstPictureOnlyOnceItCanBeSeen()
     {
         RealDesktop desktop;
-        Heard heard;
-        const auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
-        surface->play(1);
-        surface->load(desktop.video());
-        QTRY_COMPARE(surface->progress(), 1);
-        QTest::qWait(200);
-        QCOMPARE(heard.firstFrames, 0);
-        QCOMPARE(surface->progress(), 1);
-        surface->orderFront();
-        QTRY_COMPARE(heard.firstFrames, 1);
-        QTRY_VERIFY(surface->progress() > 5);
-        surface->orderOut();
-        QTest::qWait(100);
-        const qint64 hidden = surface->progress();
-        QTest::qWait(200);
-        QCOMPARE(surface->progress(), hidden);
+        const Witness witness(desktop);
+        const Staged hidden(desktop.surfaces, frame);
+        hidden.surface->play(1);
+        hidden.surface->load(desktop.video());
+        QTRY_COMPARE(hidden.surface->progress(), 1);
+        QVERIFY(witness.goesOn());
+        QCOMPARE(hidden.heard.firstFrames, 0);
+        QCOMPARE(hidden.surface->progress(), 1);
+        hidden.window->orderFront();
+        QTRY_COMPARE(hidden.heard.firstFrames, 1);
+        QTRY_VERIFY(hidden.surface->progress() > 5);
+        hidden.window->orderOut();
+        QVERIFY(witness.goesOn());
+        const qint64 progress = hidden.surface->progress();
+        QVERIFY(witness.goesOn());
+        QCOMPARE(hidden.surface->progress(), progress);
     }
 
     void showsPausedWhatWasLoadedWhileHidden()
     {
         RealDesktop desktop;
-        Heard heard;
-        const auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
-        surface->load(desktop.clips.green());
-        QTRY_COMPARE(surface->progress(), 1);
-        surface->orderFront();
-        QTRY_COMPARE(heard.firstFrames, 1);
+        const Staged staged(desktop.surfaces, frame);
+        staged.surface->load(desktop.clips.green());
+        QTRY_COMPARE(staged.surface->progress(), 1);
+        staged.window->orderFront();
+        QTRY_COMPARE(staged.heard.firstFrames, 1);
         QTRY_COMPARE(colour(screen(), QPoint(200, 200)), greenColour);
-        QCOMPARE(surface->progress(), 1);
+        QCOMPARE(staged.surface->progress(), 1);
     }
 
     void handsOverThePictureOnShow_data()
@@ -362,7 +394,8 @@ private Q_SLOTS:
         QVERIFY(shown.loads(shown.video()));
         QVERIFY(QFile::remove(shown.video()));
         shown.surface->play(2);
-        QTest::qWait(1200);
+        // It has begun anew more than once.
+        QTRY_VERIFY(shown.surface->progress() > 70);
         QVERIFY(shown.moves());
         QCOMPARE(shown.heard.failures, QStringList());
     }
@@ -402,21 +435,19 @@ private Q_SLOTS:
     {
         RealDesktop desktop;
         const QString video = desktop.video();
-        const auto once = [&] {
-            Heard heard;
-            auto surface = *desktop.surfaces.makeVideoSurface(frame, heard.events());
-            surface->orderFront();
-            surface->play(1);
-            surface->load(video);
-            QTest::qWait(60);
+        const auto once = [&](int pictures) {
+            const Staged staged(desktop.surfaces, frame);
+            staged.window->orderFront();
+            staged.surface->play(1);
+            staged.surface->load(video);
+            return waitFor([&] { return staged.surface->progress() >= pictures; });
         };
-        once();
-        QTRY_VERIFY(entries(u"/proc/self/task"_s) > 0);
-        QTest::qWait(300);
+        QVERIFY(once(1));
         const int threads = entries(u"/proc/self/task"_s);
         const int descriptors = entries(u"/proc/self/fd"_s);
-        for (int i = 0; i < 10; ++i)
-            once();
+        // At every point of its life.
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(once(i % 4));
         QTRY_VERIFY(entries(u"/proc/self/task"_s) <= threads);
         QTRY_VERIFY(entries(u"/proc/self/fd"_s) <= descriptors);
     }
@@ -429,19 +460,20 @@ private Q_SLOTS:
         const PreviewEvents events{.frame = [&](const QImage &image) { sizes << image.size(); },
                                    .failed = [&](const Failure &why) { failures << why.message; }};
         auto preview = *desktop.surfaces.makePreview(desktop.video(), QSize(160, 160), events);
+        const Witness witness(desktop);
         QTRY_COMPARE(sizes.value(0), QSize(160, 90));
-        QTest::qWait(150);
+        QVERIFY(witness.goesOn());
         QVERIFY(sizes.size() <= 2); // the same picture may be painted twice
         preview->play();
         QTRY_VERIFY(sizes.size() > 40);
         preview->pause();
-        QTest::qWait(100);
+        QVERIFY(witness.goesOn());
         const auto count = sizes.size();
-        QTest::qWait(150);
+        QVERIFY(witness.goesOn());
         QCOMPARE(sizes.size(), count);
         preview->play();
         preview.reset();
-        QTest::qWait(100);
+        QVERIFY(witness.goesOn());
         QCOMPARE(sizes.size(), count);
         QCOMPARE(failures, QStringList());
 

@@ -256,7 +256,7 @@ void followTray(AppServices &services, TrayController &tray)
     refreshAfter(wallpaper, &WallpaperController::stateChanged);
     refreshAfter(wallpaper, &WallpaperController::isPausedChanged);
     refreshAfter(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged);
-    refreshAfter(wallpaper.video(), &WallpaperVideo::videoURLChanged);
+    refreshAfter(wallpaper, &WallpaperController::contentChanged);
     refreshAfter(wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged);
     refreshAfter(wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged);
     QObject::connect(&services.wallpaperActions, &WallpaperActions::restored, &tray,
@@ -291,7 +291,7 @@ Tool wallpaperTool()
         .notices = {consent()},
         .hotkeys = {{HotkeyAction::hideDesktopIcons, toggleHideDesktopIcons},
                     {HotkeyAction::hideDock,
-                     [](AppServices &services) { services.wallpaper.toggleDockAutoHide(); }}},
+                     [](AppServices &services) { services.wallpaper.dock().toggleDockAutoHide(); }}},
         .jobs = [](AppServices &services) { return QList<Job *>{&services.wallpaper.job()}; },
         .tray = traySection,
         .followTray = followTray,

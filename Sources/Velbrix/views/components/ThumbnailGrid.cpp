@@ -93,7 +93,7 @@ void ThumbnailGrid::setChosen(const std::optional<QString> &id)
     }
 }
 
-QStringList ThumbnailGrid::idsInSight() const
+QStringList ThumbnailGrid::visibleIds() const
 {
     const QRect seen = viewport()->visibleRegion().boundingRect();
     if (seen.isEmpty())
@@ -128,22 +128,22 @@ void ThumbnailGrid::keyPressEvent(QKeyEvent *event)
 void ThumbnailGrid::paintEvent(QPaintEvent *event)
 {
     QListView::paintEvent(event);
-    noteSight(); // it may be a page around the grid that has scrolled
+    noteVisible(); // it may be a page around the grid that has scrolled
 }
 
 void ThumbnailGrid::scrollContentsBy(int dx, int dy)
 {
     QListView::scrollContentsBy(dx, dy);
-    noteSight();
+    noteVisible();
 }
 
-void ThumbnailGrid::noteSight()
+void ThumbnailGrid::noteVisible()
 {
-    const QStringList ids = idsInSight();
+    const QStringList ids = visibleIds();
     if (ids == _inSight)
         return;
     _inSight = ids;
-    Q_EMIT inSightChanged(ids);
+    Q_EMIT visibleIdsChanged(ids);
 }
 
 void ThumbnailGrid::resizeEvent(QResizeEvent *event)

@@ -33,14 +33,14 @@ public:
     void setChosen(const std::optional<QString> &id);
 
     // What the user can see of the grid now, from the top.
-    QStringList idsInSight() const;
+    QStringList visibleIds() const;
 
     QSize sizeHint() const override;
 
 Q_SIGNALS:
     void wanted(const QString &id);
     // May come while the grid is painted.
-    void inSightChanged(const QStringList &ids);
+    void visibleIdsChanged(const QStringList &ids);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -51,7 +51,7 @@ protected:
 private:
     int room() const;
     int columns() const;
-    void noteSight();
+    void noteVisible();
     void fit();
 
     ThumbnailItems *_items;

@@ -75,7 +75,8 @@ void DesktopTidyCard::addDock()
     _dock = new SettingRow(u"隐藏 Dock"_s, {}, _dockButton);
     _dock->setObjectName(u"dockRow"_s);
     addRow(_dock);
-    connect(_dockButton, &QPushButton::clicked, this, [&wallpaper] { wallpaper.toggleDockAutoHide(); });
+    connect(_dockButton, &QPushButton::clicked, this,
+            [&wallpaper] { wallpaper.dock().toggleDockAutoHide(); });
 }
 
 void DesktopTidyCard::showIcons()

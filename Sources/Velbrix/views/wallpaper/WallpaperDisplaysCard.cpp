@@ -109,7 +109,8 @@ QWidget *WallpaperDisplaysCard::makeTop()
     line->setContentsMargins(0, 8, 0, 8);
     line->addWidget(_count, 1);
     line->addWidget(detect);
-    connect(detect, &QPushButton::clicked, this, [this] { _context.services.wallpaper.detectDisplays(); });
+    connect(detect, &QPushButton::clicked, this,
+            [this] { _context.services.wallpaper.displays().detectDisplays(); });
     return top;
 }
 

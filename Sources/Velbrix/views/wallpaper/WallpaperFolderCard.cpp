@@ -120,7 +120,7 @@ void WallpaperFolderCard::addVideos()
     connect(_empty, &EmptyState::acted, _field, &PathField::choose);
     connect(_grid, &ThumbnailGrid::wanted, this,
             [this](const QString &path) { _context.services.wallpaperActions.playChosenVideo(path); });
-    connect(_grid, &ThumbnailGrid::inSightChanged, this, [this] { lookSoon(); });
+    connect(_grid, &ThumbnailGrid::visibleIdsChanged, this, [this] { lookSoon(); });
 }
 
 void WallpaperFolderCard::followFolder()
@@ -221,7 +221,7 @@ void WallpaperFolderCard::showChosen()
 
 void WallpaperFolderCard::lookSoon()
 {
-    fillFromMemory(_grid->idsInSight());
+    fillFromMemory(_grid->visibleIds());
     if (!_look)
         _look = _context.services.clock.after(60ms, [this] { look(); });
 }
@@ -237,7 +237,7 @@ void WallpaperFolderCard::look()
     _look.reset();
     if (!isVisible())
         return;
-    const QStringList ids = _grid->idsInSight();
+    const QStringList ids = _grid->visibleIds();
     _grid->keepPictures(ids);
     fillFromMemory(ids);
     _context.services.wallpaper.folder().wantThumbnails(ids);

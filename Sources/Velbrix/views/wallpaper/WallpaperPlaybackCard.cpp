@@ -91,7 +91,8 @@ void WallpaperPlaybackCard::addBattery()
     auto *row = new SettingRow(u"使用电池时停止播放"_s, u"拔掉电源就停止，接上电源后自动恢复"_s, battery);
     row->setObjectName(u"wallpaperBattery"_s);
     addRow(row);
-    connect(battery, &Switch::wanted, this, [&wallpaper](bool on) { wallpaper.setPauseOnBattery(on); });
+    connect(battery, &Switch::wanted, this,
+            [&wallpaper](bool on) { wallpaper.preferences().setPauseOnBattery(on); });
     const auto note = [row, &wallpaper] {
         row->setNote(wallpaper.power().blocks() ? stoppedOnBattery : QString(), u"warning"_s);
     };

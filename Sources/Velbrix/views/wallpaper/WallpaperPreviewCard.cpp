@@ -98,7 +98,8 @@ QWidget *WallpaperPreviewCard::makeButtons()
     line->addWidget(_stop);
     line->addStretch(1);
     line->addWidget(video);
-    connect(_toggle, &QPushButton::clicked, this, &WallpaperPreviewCard::press);
+    connect(_toggle, &QPushButton::clicked, this,
+            [this] { _context.services.wallpaperActions.togglePlayPause(); });
     connect(_stop, &QPushButton::clicked, this, [this] { _context.services.wallpaperActions.stop(); });
     connect(video, &QPushButton::clicked, this, &WallpaperPreviewCard::choose);
     return _buttons;
@@ -154,15 +155,6 @@ void WallpaperPreviewCard::choose()
 {
     openVideoPanel(this, _context.services.wallpaper, u"选择一个视频作为 macOS 动态壁纸"_s,
                    [this](const QString &path) { _context.services.wallpaperActions.playVideo(path); });
-}
-
-void WallpaperPreviewCard::press()
-{
-    const WallpaperController &wallpaper = _context.services.wallpaper;
-    if (wallpaper.isShowing() && !wallpaper.isPaused())
-        _context.services.wallpaperActions.pause();
-    else
-        _context.services.wallpaperActions.play();
 }
 
 void WallpaperPreviewCard::togglePreview()
@@ -273,7 +265,7 @@ void WallpaperPreviewCard::loadLastVideo()
     if (!last || !QFileInfo(*last).isFile() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
         return;
     _hasLoadedLast = true;
-    wallpaper.loadVideo(*last);
+    wallpaper.setVideo(*last);
 }
 
 void WallpaperPreviewCard::showEvent(QShowEvent *event)

@@ -33,7 +33,6 @@ private:
     void followWallpaper();
     void followPreview();
     void choose();
-    void press();
     void togglePreview();
     void showState();
     void showVideo();

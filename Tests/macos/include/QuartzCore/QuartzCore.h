@@ -14,6 +14,7 @@ typedef NS_OPTIONS(unsigned int, CAAutoresizingMask) {
 @property CAAutoresizingMask autoresizingMask;
 @property BOOL needsDisplayOnBoundsChange;
 - (void)addSublayer:(CALayer *)layer;
+- (void)removeFromSuperlayer;
 @end
 
 #pragma clang assume_nonnull end

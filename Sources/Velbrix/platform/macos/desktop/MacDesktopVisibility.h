@@ -15,7 +15,7 @@ public:
     // The clock must outlive every watch.
     explicit MacDesktopVisibility(Clock &clock) : _clock(clock) {}
 
-    DesktopSight sight() const override;
+    VisibilityState state() const override;
     Observation observe(std::function<void()> changed) override;
 
 private:

@@ -37,14 +37,14 @@ SessionState presentState()
     return state;
 }
 
-DesktopSight sightOf(const QSet<quint32> &covered, const SessionState &session)
+VisibilityState stateOf(const QSet<quint32> &covered, const SessionState &session)
 {
     return {covered, session.isLocked || session.isSwitchedOut, session.isScreenOff};
 }
 
 QSet<quint32> presentlyCovered()
 {
-    return coveredDisplays(DesktopLevelWindow::sights());
+    return coveredDisplays(DesktopLevelWindow::visibilities());
 }
 
 // Around one change the window server announces several, to and fro.
@@ -69,7 +69,7 @@ public:
                     posted:[this](NSNotification *) { settle(); }]);
     }
 
-    DesktopSight sight() const { return sightOf(_covered, _session); }
+    VisibilityState state() const { return stateOf(_covered, _session); }
     Observation add(std::function<void()> changed)
     {
         return _observers.add(std::move(changed), [self = shared_from_this()]() mutable { self.reset(); });
@@ -116,10 +116,10 @@ private:
     std::vector<VBNotificationWatch *> _watches;
 };
 
-DesktopSight MacDesktopVisibility::sight() const
+VisibilityState MacDesktopVisibility::state() const
 {
     const auto announcements = _announcements.lock();
-    return announcements ? announcements->sight() : sightOf(presentlyCovered(), presentState());
+    return announcements ? announcements->state() : stateOf(presentlyCovered(), presentState());
 }
 
 Observation MacDesktopVisibility::observe(std::function<void()> changed)

@@ -7,10 +7,15 @@
 
 namespace velbrix {
 
-Result<std::unique_ptr<VideoSurface>> AVDesktopSurfaces::makeVideoSurface(const QRect &frame,
-                                                                          SurfaceEvents events)
+Result<std::unique_ptr<SurfaceWindow>> AVDesktopSurfaces::makeWindow(const QRect &frame)
 {
-    return std::make_unique<AVVideoSurface>(frame, std::move(events), _clock);
+    return std::make_unique<DesktopLevelWindow>(frame);
+}
+
+Result<std::unique_ptr<VideoSurface>> AVDesktopSurfaces::makeVideo(SurfaceWindow &window, VideoEvents events)
+{
+    return std::make_unique<AVVideoSurface>(static_cast<DesktopLevelWindow &>(window), std::move(events),
+                                            _clock);
 }
 
 Result<std::unique_ptr<VideoPreview>> AVDesktopSurfaces::makePreview(const QString &path, QSize bound,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DesktopSurfaces.h"
+#include "platform/VideoSurface.h"
 #include "platform/macos/surface/LoopingPlayer.h"
 
 #include <QTransform>

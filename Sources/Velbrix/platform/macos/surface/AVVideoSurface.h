@@ -1,21 +1,22 @@
 #pragma once
 
-#include "platform/DesktopSurfaces.h"
+#include "foundation/Clock.h"
+#include "platform/VideoSurface.h"
 #include "platform/macos/surface/DesktopLevelWindow.h"
 #include "platform/macos/surface/LoopingPlayer.h"
 #include "platform/macos/surface/PlaybackPace.h"
 
 namespace velbrix {
 
-// Objective-C++ only. An AVPlayerLayer that fills a desktop-level window.
+// Objective-C++ only. An AVPlayerLayer that fills a desktop-level window, which
+// outlives it.
 class AVVideoSurface final : public VideoSurface {
 public:
     // The clock must outlive it.
-    AVVideoSurface(const QRect &frame, SurfaceEvents events, Clock &clock);
+    AVVideoSurface(DesktopLevelWindow &window, VideoEvents events, Clock &clock);
     ~AVVideoSurface() override;
 
     void load(const QString &path) override;
-    void unload() override;
 
     void play(double rate) override;
     void pause() override;
@@ -23,14 +24,8 @@ public:
     void setGravity(VideoGravity gravity) override;
     void observeTime(std::chrono::milliseconds interval) override;
 
-    void setFrame(const QRect &frame) override;
-    void setLayer(SurfaceLayer layer) override;
-    void orderFront() override;
-    void orderOut() override;
-
     QCoro::Task<Result<QImage>> currentFrame() override;
     qint64 progress() const override;
-    quint32 windowId() const override;
 
 private:
     struct Ticking;
@@ -40,11 +35,10 @@ private:
     void restartTicking();
     void stopTicking();
 
-    SurfaceEvents _events;
+    VideoEvents _events;
     Clock &_clock;
     LoopingPlayer _player;
     AVPlayerLayer *_layer;
-    DesktopLevelWindow _window;
     bool _awaitsFirstFrame = false;
     VBKeyValueWatch *_readiness = nil;
     double _rate = 1;

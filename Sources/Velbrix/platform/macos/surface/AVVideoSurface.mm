@@ -42,20 +42,20 @@ struct AVVideoSurface::Ticking {
     }
 };
 
-AVVideoSurface::AVVideoSurface(const QRect &frame, SurfaceEvents events, Clock &clock)
+AVVideoSurface::AVVideoSurface(DesktopLevelWindow &window, VideoEvents events, Clock &clock)
     : _events(std::move(events)),
       _clock(clock),
       _player(_events.failed ? _events.failed : [](const Failure &) {}),
-      _layer([AVPlayerLayer playerLayerWithPlayer:_player.player()]),
-      _window(frame)
+      _layer([AVPlayerLayer playerLayerWithPlayer:_player.player()])
 {
-    _window.show(_layer);
+    window.show(_layer);
 }
 
 AVVideoSurface::~AVVideoSurface()
 {
     // A player must not end before its observers.
     stopTicking();
+    [_layer removeFromSuperlayer];
 }
 
 void AVVideoSurface::load(const QString &path)
@@ -68,14 +68,6 @@ void AVVideoSurface::load(const QString &path)
                                                  keyPath:@"readyForDisplay"
                                                  changed:[this] { readinessChanged(); }];
     [_readiness check];
-}
-
-void AVVideoSurface::unload()
-{
-    _readiness = nil;
-    _awaitsFirstFrame = false;
-    _player.unload();
-    countPlaying();
 }
 
 void AVVideoSurface::readinessChanged()
@@ -155,26 +147,6 @@ void AVVideoSurface::stopTicking()
     _timeObserver = nil;
 }
 
-void AVVideoSurface::setFrame(const QRect &frame)
-{
-    _window.setFrame(frame);
-}
-
-void AVVideoSurface::setLayer(SurfaceLayer layer)
-{
-    _window.setLayer(layer);
-}
-
-void AVVideoSurface::orderFront()
-{
-    _window.orderFront();
-}
-
-void AVVideoSurface::orderOut()
-{
-    _window.orderOut();
-}
-
 QCoro::Task<Result<QImage>> AVVideoSurface::currentFrame()
 {
     AVAsset *asset = _player.asset();
@@ -188,11 +160,6 @@ QCoro::Task<Result<QImage>> AVVideoSurface::currentFrame()
 qint64 AVVideoSurface::progress() const
 {
     return _progress.at(_player.repetitions(), CMTimeGetSeconds(_player.player().currentTime));
-}
-
-quint32 AVVideoSurface::windowId() const
-{
-    return _window.number();
 }
 
 } // namespace velbrix

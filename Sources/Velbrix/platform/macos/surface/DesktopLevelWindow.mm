@@ -70,21 +70,22 @@ void DesktopLevelWindow::orderOut()
     [_window orderOut:nil];
 }
 
-quint32 DesktopLevelWindow::number() const
+std::optional<quint32> DesktopLevelWindow::windowId() const
 {
+    // Not positive before the window server knows the window.
     const NSInteger number = _window.windowNumber;
-    return number > 0 ? static_cast<quint32>(number) : 0;
+    return number > 0 ? std::optional(static_cast<quint32>(number)) : std::nullopt;
 }
 
-QList<SurfaceSight> DesktopLevelWindow::sights()
+QList<SurfaceVisibility> DesktopLevelWindow::visibilities()
 {
-    QList<SurfaceSight> sights;
+    QList<SurfaceVisibility> visibilities;
     for (NSWindow *window in NSApplication.sharedApplication.windows) {
         if ([window isKindOfClass:[VBDesktopWindow class]] && window.isVisible && window.screen)
-            sights.append(
+            visibilities.append(
                 {displayId(window.screen), (window.occlusionState & NSWindowOcclusionStateVisible) != 0});
     }
-    return sights;
+    return visibilities;
 }
 
 } // namespace velbrix

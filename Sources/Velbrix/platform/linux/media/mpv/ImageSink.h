@@ -46,7 +46,6 @@ public:
         });
     }
     void repaint() override {}
-    void clear() override { _image = {}; }
     int descriptor() const override { return -1; }
     void collect() override {}
 

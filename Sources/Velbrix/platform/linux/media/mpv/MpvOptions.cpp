@@ -2,6 +2,9 @@
 
 #include "platform/linux/media/mpv/MpvNode.h"
 
+#include <QThread>
+
+#include <algorithm>
 #include <array>
 
 namespace velbrix {
@@ -64,6 +67,10 @@ constexpr std::array<Option, 41> options{{
 // Containers of single files. Others name further files or addresses.
 constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpeg,ogg";
 
+constexpr qint64 largestPixels = qint64{2560} * 1440;
+// What one thread decodes with room to spare.
+constexpr qint64 pixelsPerSecond = qint64{1920} * 1088 * 31;
+
 } // namespace
 
 bool setMpvOptions(const LibMpv &mpv, mpv_handle *handle)
@@ -81,6 +88,20 @@ bool setMpvOptions(const LibMpv &mpv, mpv_handle *handle)
     map.u.list = &list;
     return mpv.mpv_set_option(handle, "demuxer-lavf-o", MPV_FORMAT_NODE, &map) >= 0 &&
            mpv.mpv_set_option_string(handle, "demuxer", "lavf") >= 0;
+}
+
+void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track)
+{
+    const qint64 pixels = nodeNumber(track, "demux-w") * nodeNumber(track, "demux-h");
+    const qint64 rate = std::max<qint64>(nodeNumber(track, "demux-fps"), 25);
+    int flag = pixels > largestPixels ? 1 : 0;
+    mpv.mpv_set_property(handle, "vd-lavc-fast", MPV_FORMAT_FLAG, &flag);
+    const char *skipped = pixels > largestPixels ? "nonref" : "default";
+    mpv.mpv_set_property(handle, "vd-lavc-skiploopfilter", MPV_FORMAT_STRING, &skipped);
+    // Each thread more holds pictures of its own.
+    const int most = std::min(QThread::idealThreadCount(), 4);
+    std::int64_t threads = pixels * rate <= pixelsPerSecond ? 1 : most;
+    mpv.mpv_set_property(handle, "vd-lavc-threads", MPV_FORMAT_INT64, &threads);
 }
 
 } // namespace velbrix

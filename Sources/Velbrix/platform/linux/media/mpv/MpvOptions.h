@@ -9,4 +9,8 @@ namespace velbrix {
 // False where that cannot be kept apart.
 bool setMpvOptions(const LibMpv &mpv, mpv_handle *handle);
 
+// How the track of the player's list, which is about to play, is decoded: the
+// larger its pictures, the more speed goes before looks.
+void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track);
+
 } // namespace velbrix

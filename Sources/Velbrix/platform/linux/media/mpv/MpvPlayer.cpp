@@ -1,7 +1,6 @@
 #include "platform/linux/media/mpv/MpvPlayer.h"
 
 #include "platform/linux/media/libav/VideoFile.h"
-#include "platform/linux/media/mpv/MpvDecoder.h"
 #include "platform/linux/media/mpv/MpvNode.h"
 #include "platform/linux/media/mpv/MpvOptions.h"
 
@@ -111,13 +110,6 @@ int MpvPlayer::load(const QString &path)
     command(_mpv, _handle, static_cast<std::uint64_t>(_load),
             std::array<const char *, 3>{"loadfile", name.constData(), "replace"});
     return _load;
-}
-
-void MpvPlayer::unload()
-{
-    ++_load;
-    _path.clear();
-    stop();
 }
 
 void MpvPlayer::stop()

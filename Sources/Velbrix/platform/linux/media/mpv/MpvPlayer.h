@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/MainThreadRelay.h"
-#include "platform/DesktopSurfaces.h"
+#include "platform/VideoSurface.h"
 #include "platform/linux/media/mpv/LibMpv.h"
 #include "platform/linux/media/mpv/MpvEventQueue.h"
 
@@ -49,7 +49,6 @@ public:
 
     // Loads are numbered from 1.
     int load(const QString &path);
-    void unload();
     bool isLoaded() const { return !_path.isEmpty(); }
 
     void setPaused(bool isPaused);

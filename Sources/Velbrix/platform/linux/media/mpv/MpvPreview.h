@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/MainThreadRelay.h"
-#include "platform/DesktopSurfaces.h"
+#include "platform/VideoSurface.h"
 #include "platform/linux/media/mpv/PaintedPlayer.h"
 
 namespace velbrix {

@@ -25,8 +25,6 @@ public:
     virtual void present() = 0;
     // Shows the last picture once more.
     virtual void repaint() = 0;
-    // Gives up the pictures and shows nothing.
-    virtual void clear() = 0;
 
     // Readable when there may be room again; -1 where there always is.
     virtual int descriptor() const = 0;

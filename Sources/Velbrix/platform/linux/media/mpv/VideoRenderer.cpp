@@ -76,11 +76,6 @@ public:
 private:
     void obey(const Orders &orders)
     {
-        if (orders.clears) {
-            _load.reset();
-            _hasPicture = false;
-            _sink->clear();
-        }
         if (orders.load) {
             _load = orders.load;
             _hasPicture = false;
@@ -251,14 +246,6 @@ void VideoRenderer::retire(std::unique_ptr<VideoRenderer> renderer, RetiredThrea
 void VideoRenderer::begin(int load)
 {
     _shared->order([load](Orders &orders) { orders.load = load; });
-}
-
-void VideoRenderer::clear()
-{
-    _shared->order([](Orders &orders) {
-        orders.clears = true;
-        orders.load.reset();
-    });
 }
 
 void VideoRenderer::resize(QSize size)

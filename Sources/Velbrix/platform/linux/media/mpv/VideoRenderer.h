@@ -37,8 +37,6 @@ public:
 
     // Pictures from now on belong to this load.
     void begin(int load);
-    // Forgets all pictures and takes none before the next begin().
-    void clear();
     void resize(QSize size);
     void repaint();
     // The picture on show, painted once more in this size.
@@ -52,7 +50,6 @@ private:
         bool stops = false;
         bool isUpdated = false;
         bool repaints = false;
-        bool clears = false;
         std::optional<int> load;
         std::optional<QSize> size;
         std::vector<std::pair<QSize, std::shared_ptr<QPromise<Result<QImage>>>>> copies;

@@ -91,16 +91,6 @@ void WindowSink::repaint()
         put(_buffers[_shown]);
 }
 
-void WindowSink::clear()
-{
-    // The server may still read; it keeps what it needs of the memory.
-    _buffers = {};
-    _hasPicture = false;
-    const xcb_rectangle_t whole{0, 0, length(_size.width()), length(_size.height())};
-    xcb_poly_fill_rectangle(_connection->xcb(), _window, _context, 1, &whole);
-    _connection->flush();
-}
-
 int WindowSink::descriptor() const
 {
     return xcb_get_file_descriptor(_connection->xcb());

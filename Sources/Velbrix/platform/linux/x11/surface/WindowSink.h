@@ -24,7 +24,6 @@ public:
     std::optional<Canvas> next() override;
     void present() override;
     void repaint() override;
-    void clear() override;
     int descriptor() const override;
     void collect() override;
 

@@ -2,7 +2,7 @@
 
 #include "platform/linux/media/mpv/LibMpv.h"
 #include "platform/linux/media/mpv/MpvPreview.h"
-#include "platform/linux/x11/surface/X11VideoSurface.h"
+#include "platform/linux/x11/surface/MpvVideoSurface.h"
 
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -15,10 +15,14 @@ void X11DesktopSurfaces::prepare()
     (void)QtConcurrent::run(preloadLibMpv);
 }
 
-Result<std::unique_ptr<VideoSurface>> X11DesktopSurfaces::makeVideoSurface(const QRect &frame,
-                                                                           SurfaceEvents events)
+Result<std::unique_ptr<SurfaceWindow>> X11DesktopSurfaces::makeWindow(const QRect &frame)
 {
-    return X11VideoSurface::create(_clock, _retired, frame, std::move(events));
+    return DesktopWindow::create(frame);
+}
+
+Result<std::unique_ptr<VideoSurface>> X11DesktopSurfaces::makeVideo(SurfaceWindow &window, VideoEvents events)
+{
+    return MpvVideoSurface::create(_clock, _retired, static_cast<DesktopWindow &>(window), std::move(events));
 }
 
 Result<std::unique_ptr<VideoPreview>> X11DesktopSurfaces::makePreview(const QString &path, QSize bound,

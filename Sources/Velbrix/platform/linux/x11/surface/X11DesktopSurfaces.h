@@ -6,14 +6,15 @@
 
 namespace velbrix {
 
-// Videos on the desktop of an X server, played by libmpv.
+// Windows on the desktop of an X server; libmpv plays the videos.
 class X11DesktopSurfaces final : public DesktopSurfaces {
 public:
     // The clock must outlive the surfaces.
     explicit X11DesktopSurfaces(Clock &clock);
 
     void prepare() override;
-    Result<std::unique_ptr<VideoSurface>> makeVideoSurface(const QRect &frame, SurfaceEvents events) override;
+    Result<std::unique_ptr<SurfaceWindow>> makeWindow(const QRect &frame) override;
+    Result<std::unique_ptr<VideoSurface>> makeVideo(SurfaceWindow &window, VideoEvents events) override;
     Result<std::unique_ptr<VideoPreview>> makePreview(const QString &path, QSize bound,
                                                       PreviewEvents events) override;
 

@@ -32,14 +32,14 @@ public:
             _events = std::move(*events);
             _cover = std::make_unique<ScreenCover>(_events->connection());
             _power = std::make_unique<ScreenPower>(_events->connection());
-            _sight.coveredDisplays = _cover->read();
-            _sight.isScreenOff = _power->isOff();
+            _state.coveredDisplays = _cover->read();
+            _state.isScreenOff = _power->isOff();
             askPowerLater();
         }
         QObject::connect(&_lock, &SessionLock::changed, &_lock, [this] { update(); });
     }
 
-    const DesktopSight &sight() const { return _sight; }
+    const VisibilityState &state() const { return _state; }
 
 private:
     void handleEvent(const xcb_generic_event_t &event)
@@ -58,7 +58,7 @@ private:
     {
         if (!_power->mustBeAsked())
             return;
-        _ask = _clock.after(_sight.isScreenOff ? askWhileOff : askWhileOn, [this] {
+        _ask = _clock.after(_state.isScreenOff ? askWhileOff : askWhileOn, [this] {
             askPowerLater();
             update();
         });
@@ -66,16 +66,16 @@ private:
 
     void update()
     {
-        DesktopSight now = _sight;
+        VisibilityState now = _state;
         if (std::exchange(_isCoverStale, false))
             now.coveredDisplays = _cover->read();
         if (_power)
             now.isScreenOff = _power->isOff();
         now.isSessionLocked = _lock.isLocked();
-        if (now == _sight)
+        if (now == _state)
             return;
-        const bool hasPowerChanged = now.isScreenOff != _sight.isScreenOff;
-        _sight = std::move(now);
+        const bool hasPowerChanged = now.isScreenOff != _state.isScreenOff;
+        _state = std::move(now);
         if (hasPowerChanged)
             askPowerLater();
         const auto changed = _changed;
@@ -88,7 +88,7 @@ private:
     std::unique_ptr<ScreenCover> _cover;
     std::unique_ptr<ScreenPower> _power;
     SessionLock _lock;
-    DesktopSight _sight;
+    VisibilityState _state;
     bool _isCoverStale = false;
     std::unique_ptr<Alarm> _soon;
     std::unique_ptr<Alarm> _ask;
@@ -109,9 +109,9 @@ X11DesktopVisibility::~X11DesktopVisibility()
     _watching->watcher.reset();
 }
 
-DesktopSight X11DesktopVisibility::sight() const
+VisibilityState X11DesktopVisibility::state() const
 {
-    return _watching->watcher ? _watching->watcher->sight() : Watcher(_clock, [] {}).sight();
+    return _watching->watcher ? _watching->watcher->state() : Watcher(_clock, [] {}).state();
 }
 
 Observation X11DesktopVisibility::observe(std::function<void()> changed)

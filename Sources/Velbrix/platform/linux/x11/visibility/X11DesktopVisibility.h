@@ -14,7 +14,7 @@ public:
     explicit X11DesktopVisibility(Clock &clock);
     ~X11DesktopVisibility() override;
 
-    DesktopSight sight() const override;
+    VisibilityState state() const override;
     Observation observe(std::function<void()> changed) override;
 
 private:

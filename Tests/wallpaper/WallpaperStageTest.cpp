@@ -7,7 +7,7 @@ using namespace std::chrono_literals;
 using namespace velbrix;
 using namespace velbrix::test;
 
-class VideoSurfacesTest : public QObject {
+class WallpaperStageTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -19,7 +19,7 @@ private Q_SLOTS:
         const QString own = rig.video(u"own.mp4"_s);
         rig.play(main);
         QCOMPARE(rig.surface(1)->path, main);
-        QCOMPARE(rig.surface(1)->frame, QRect(1280, 0, 1920, 1080));
+        QCOMPARE(rig.surface(1)->window.frame, QRect(1280, 0, 1920, 1080));
         QCOMPARE(rig.surface(1)->volume, 0.0);
         QVERIFY(rig.surface(1)->isPlaying);
 
@@ -71,7 +71,7 @@ private Q_SLOTS:
         auto moved = alone;
         moved.first().frame = moved.first().visibleFrame = QRect(0, 0, 800, 600);
         rig.host.displays.set(moved);
-        QCOMPARE(rig.surface()->frame, QRect(0, 0, 800, 600));
+        QCOMPARE(rig.surface()->window.frame, QRect(0, 0, 800, 600));
         // For a moment there is none at all.
         rig.host.displays.set({});
         rig.host.displays.set(alone);
@@ -86,9 +86,9 @@ private Q_SLOTS:
         auto list = rig.host.displays.list;
         std::swap(list[0].isMain, list[1].isMain);
         rig.host.displays.set(list);
-        QCOMPARE(rig.surface(0)->frame, QRect(1280, 0, 1920, 1080));
+        QCOMPARE(rig.surface(0)->window.frame, QRect(1280, 0, 1920, 1080));
         QCOMPARE(rig.host.surfaces.surfaces.size(), 2);
-        QCOMPARE(rig.surface(1)->frame, QRect(0, 24, 1280, 776));
+        QCOMPARE(rig.surface(1)->window.frame, QRect(0, 24, 1280, 776));
     }
 
     void aPanelHigherThanTheDisplayLeavesALine()
@@ -96,7 +96,7 @@ private Q_SLOTS:
         WallpaperRig rig;
         rig.host.displays.list.first().visibleFrame = QRect(0, 900, 1280, 10);
         rig.play(rig.video(u"a.mp4"_s));
-        QCOMPARE(rig.surface()->frame, QRect(0, 799, 1280, 1));
+        QCOMPARE(rig.surface()->window.frame, QRect(0, 799, 1280, 1));
     }
 
     void aDisplayThatCannotBeServedIsTold()
@@ -117,26 +117,26 @@ private Q_SLOTS:
 
     void whatNobodySeesRests_data()
     {
-        QTest::addColumn<DesktopSight>("sight");
+        QTest::addColumn<VisibilityState>("state");
         QTest::addColumn<bool>("minds");
         QTest::addColumn<bool>("firstPlays");
         QTest::addColumn<bool>("secondPlays");
-        QTest::newRow("covered") << DesktopSight{{2}, false, false} << true << true << false;
-        QTest::newRow("all covered") << DesktopSight{{1, 2}, false, false} << true << false << false;
-        QTest::newRow("covered, not minded") << DesktopSight{{2}, false, false} << false << true << true;
-        QTest::newRow("locked") << DesktopSight{{}, true, false} << false << false << false;
-        QTest::newRow("dark") << DesktopSight{{}, false, true} << true << false << false;
+        QTest::newRow("covered") << VisibilityState{{2}, false, false} << true << true << false;
+        QTest::newRow("all covered") << VisibilityState{{1, 2}, false, false} << true << false << false;
+        QTest::newRow("covered, not minded") << VisibilityState{{2}, false, false} << false << true << true;
+        QTest::newRow("locked") << VisibilityState{{}, true, false} << false << false << false;
+        QTest::newRow("dark") << VisibilityState{{}, false, true} << true << false << false;
     }
 
     void whatNobodySeesRests()
     {
-        QFETCH(DesktopSight, sight);
+        QFETCH(VisibilityState, state);
         QFETCH(bool, minds);
         WallpaperRig rig;
         rig.plugSecond();
         rig.play(rig.video(u"a.mp4"_s));
         QVERIFY(rig.host.visibility.isWatched());
-        rig.host.visibility.set(sight);
+        rig.host.visibility.set(state);
         rig.wallpaper().preferences().setPauseWhenCovered(minds);
         QTEST(rig.surface(0)->isPlaying, "firstPlays");
         QTEST(rig.surface(1)->isPlaying, "secondPlays");
@@ -144,7 +144,7 @@ private Q_SLOTS:
 
         rig.host.visibility.set({});
         QVERIFY(rig.surface(0)->isPlaying && rig.surface(1)->isPlaying);
-        rig.host.visibility.set(sight);
+        rig.host.visibility.set(state);
         rig.wallpaper().pauseWallpaper();
         rig.host.visibility.set({});
         QVERIFY(!rig.surface(0)->isPlaying && !rig.surface(1)->isPlaying);
@@ -204,5 +204,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(VideoSurfacesTest)
-#include "VideoSurfacesTest.moc"
+QTEST_GUILESS_MAIN(WallpaperStageTest)
+#include "WallpaperStageTest.moc"

@@ -1,10 +1,10 @@
-#include "platform/macos/desktop/SurfaceSight.h"
+#include "platform/macos/desktop/SurfaceVisibility.h"
 
 #include <QTest>
 
 using namespace velbrix;
 
-class SurfaceSightTest : public QObject {
+class SurfaceVisibilityTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -15,5 +15,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SurfaceSightTest)
-#include "SurfaceSightTest.moc"
+QTEST_GUILESS_MAIN(SurfaceVisibilityTest)
+#include "SurfaceVisibilityTest.moc"

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "wallpaper/StagedVideo.h"
+#include "wallpaper/WallpaperContent.h"
+
+#include <functional>
+#include <map>
+
+namespace velbrix {
+
+class StaticDesktop;
+class WallpaperPreferences;
+class WallpaperVideo;
+
+// Videos as the wallpaper: the chosen one on the main display, where it is
+// heard, and on each other display its own, or else the main one, silently.
+class VideoContent final : public WallpaperContent {
+    Q_OBJECT
+
+public:
+    struct Parts {
+        DesktopSurfaces &surfaces;
+        WallpaperStage &stage;
+        WallpaperVideo &video;
+        StaticDesktop &still;
+        WallpaperPreferences &preferences;
+        Clock &clock;
+    };
+
+    // In the background the still picture does not follow the video.
+    VideoContent(Parts parts, std::function<bool()> isInBackground, QObject *parent = nullptr);
+    ~VideoContent() override;
+
+    QString chosen() const override;
+    bool canShow() const override;
+    bool isLoading() const override;
+    QCoro::Task<std::optional<Result<void>>> choose(const QString path) override;
+    QCoro::Task<Result<void>> prepareToShow() override;
+    Result<void> show() override;
+    void hardResume(const QString &reason) override;
+    void displaysChanged() override;
+    void stop() override;
+    void refreshStill(const QString &reason) override;
+    WallpaperReturn returnAtLaunch() const override;
+    WallpaperReturn returnAtResume() const override;
+
+private:
+    using Video = std::unique_ptr<StagedVideo>;
+    Result<Video> make(const Display &display, VideoEvents events);
+    Result<void> setUpMain();
+    void showOthers();
+    void showOther(const Display &display, const QString &path);
+    void dropOther(quint32 displayID, const QString &reason);
+    void forEach(const std::function<void(StagedVideo &)> &call) const;
+    QCoro::Task<> setFirstFrame(QString reason);
+    QCoro::Task<bool> findFirstFrame(QString path);
+    QCoro::Task<> setShownFrame();
+
+    const Parts _parts;
+    const std::function<bool()> _isInBackground;
+    Video _main;
+    std::map<quint32, Video> _others;
+    int _stillGeneration = 0;
+};
+
+} // namespace velbrix
