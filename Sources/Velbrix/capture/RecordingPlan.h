@@ -3,13 +3,15 @@
 #include "capture/RecorderOptions.h"
 #include "platform/ScreenCapture.h"
 
+#include <QSize>
 #include <QString>
 
 #include <optional>
 
 namespace velbrix {
 
-// What one recording was asked for.
+// What one recording was asked for. All that follows from it and from what the
+// host tells is settled by the functions below, before anything is started.
 struct RecordingRequest {
     RecordMode mode = RecordMode::fullScreen;
     RecordFPS fps = RecordFPS::fps60;
@@ -26,6 +28,13 @@ struct RecordingRequest {
 // are to be ignored. `content` has at least one display.
 Result<CaptureFilter> recordingFilter(const RecordingRequest &request, const ShareableContent &content,
                                       qint64 ownProcessId);
+
+// The size in pixels, both sides even and at least 2, at which a filter of
+// this geometry is recorded.
+QSize captureSize(RecordMode mode, RecordQuality quality, const CaptureGeometry &geometry);
+
+// Average video bit rate in bits per second for a movie of this size.
+int videoBitRate(RecordQuality quality, QSize size);
 
 StreamConfiguration recordingStream(const RecordingRequest &request, QSize size,
                                     const CaptureFeatures &features);

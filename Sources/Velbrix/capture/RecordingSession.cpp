@@ -2,15 +2,17 @@
 
 #include "capture/RecorderLog.h"
 #include "capture/RecordingFile.h"
-#include "capture/StreamCreation.h"
-#include "capture/StreamPreparation.h"
 #include "capture/UnfinishedRecordings.h"
+#include "foundation/Awaitables.h"
 #include "foundation/Log.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -21,19 +23,36 @@ namespace {
 
 // The system's own writer is still flushing when the stream has stopped.
 constexpr auto removalPause = 200ms;
+// Twice for each second that the badge shows.
 constexpr auto progressInterval = 500ms;
+// A movie on a disk that does not answer must not hold the recorder up.
+constexpr auto inspectionLimit = 3000ms;
+
+QString filterText(const CaptureFilter &filter, const ShareableContent &content)
+{
+    if (!filter.windowId)
+        return u"全屏 displayID=%1 排除本应用窗口=%2"_s.arg(filter.displayId)
+            .arg(filter.excludedWindows.size());
+    const auto window = std::ranges::find(content.windows, *filter.windowId, &CapturableWindow::windowId);
+    return u"窗口 "_s + window->title;
+}
+
+QString streamText(const StreamConfiguration &stream, RecordQuality quality, const CaptureFeatures &features)
+{
+    const QString text = u"%1x%2 %3 %4fps 系统音频=%5"_s.arg(stream.width)
+                             .arg(stream.height)
+                             .arg(rawValue(quality))
+                             .arg(stream.framesPerSecond)
+                             .arg(log::text(stream.capturesAudio));
+    return features.microphone ? text + u" 麦克风="_s + log::text(stream.capturesMicrophone) : text;
+}
 
 } // namespace
 
 RecordingSession::RecordingSession(ScreenCapture &capture, MovieFiles &movies,
                                    UnfinishedRecordings &unfinished, Clock &clock, RecorderLog &log,
                                    QObject *parent)
-    : QObject(parent),
-      _capture(capture),
-      _unfinished(unfinished),
-      _clock(clock),
-      _log(log),
-      _check(movies, clock)
+    : QObject(parent), _capture(capture), _movies(movies), _unfinished(unfinished), _clock(clock), _log(log)
 {
 }
 
@@ -72,9 +91,8 @@ QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
     _finishedMovie = std::optional<QString>();
     _lastFailure = QString();
     _log.live().setProgress(0, 0);
-    _recordStartedAt = std::optional(_clock.now());
 
-    const auto begun = co_await begin(request);
+    const auto begun = co_await takeSixSteps(request);
     if (!self)
         co_return;
     _isProcessing = false;
@@ -91,49 +109,113 @@ QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
         stop();
 }
 
-QCoro::Task<Result<void>> RecordingSession::begin(RecordingRequest request)
+QCoro::Task<Result<void>> RecordingSession::takeSixSteps(RecordingRequest request)
 {
     const QPointer self(this);
-    const auto gone = [] { return failure(QString()); };
+    const QDateTime startedAt = _clock.now();
 
     _log.append(u"[1/6] 获取可共享内容…"_s);
     const auto content = co_await _capture.shareableContent();
     if (!self)
-        co_return gone();
+        co_return {};
     if (!content)
-        co_return failure(content.error().message);
+        co_return std::unexpected(content.error());
     _log.append(u"[1/6] ✅ 显示器:%1 窗口:%2"_s.arg(content->displays.size()).arg(content->windows.size()));
     if (content->displays.isEmpty())
         co_return failure(u"没有找到显示器"_s);
 
-    if (const auto made = makeStream(request, *content); !made)
-        co_return failure(made.error().message);
+    const auto filter = recordingFilter(request, *content, QCoreApplication::applicationPid());
+    if (!filter)
+        co_return std::unexpected(filter.error());
+    _log.append(u"[2/6] ✅ "_s + filterText(*filter, *content));
+
+    const auto geometry = _capture.geometry(*filter);
+    if (!geometry)
+        co_return std::unexpected(geometry.error());
+    const CaptureFeatures features = _capture.features();
+    const QSize size = captureSize(request.mode, request.quality, *geometry);
+    const StreamConfiguration configuration = recordingStream(request, size, features);
+    _log.append(u"[3/6] 捕获像素 "_s + streamText(configuration, request.quality, features));
+
+    auto stream = _capture.makeSession(*filter, configuration, observer());
+    if (!stream)
+        co_return std::unexpected(stream.error());
+    _stream = std::move(*stream);
+    _log.append(u"[4/6] ✅ 捕获流已创建 queueDepth=%1"_s.arg(configuration.queueDepth));
+
+    const QString path = QDir(request.outputDir).filePath(recordingFileName(startedAt));
+    openFile(path);
+    if (const auto chosen = chooseWriter(request, recordingMovie(request, size, features, path)); !chosen)
+        co_return chosen;
+
+    if (const auto added = addOutputs(request); !added)
+        co_return added;
     _log.append(u"[6/6] startCapture…"_s);
-    const auto started = co_await _stream->startCapture();
-    if (!self)
-        co_return gone();
-    co_return started;
+    co_return co_await _stream->startCapture();
 }
 
-Result<void> RecordingSession::makeStream(const RecordingRequest &request, const ShareableContent &content)
+void RecordingSession::openFile(const QString &path)
 {
-    auto created = StreamCreation(_capture, _log).create(request, content, observer());
-    if (!created)
-        return failure(created.error().message);
-    _stream = std::move(created->session);
-    _captureSize = created->size;
-
-    const QString path = QDir(request.outputDir).filePath(recordingFileName(*_recordStartedAt.value()));
     QFile::remove(path);
     _outputURL = std::optional(path);
     _unfinished.begin(path);
+}
 
-    StreamPreparation preparation(*_stream, _capture.features(), _log);
-    const auto chosen = preparation.chooseWriter(request, _captureSize, path);
-    if (!chosen)
-        return failure(chosen.error().message);
-    _usingSystemRecorder = *chosen == MovieWriter::system;
-    return preparation.addOutputs(request);
+// The system where it can; this program otherwise, and when the system fails.
+Result<void> RecordingSession::chooseWriter(const RecordingRequest &request, const MovieSettings &movie)
+{
+    if (!_capture.features().recordingOutput)
+        return openWriter(movie);
+    const bool withAudio = request.systemAudio || request.microphone;
+    const auto added = _stream->addRecordingOutput(movie.path);
+    if (!added) {
+        _log.append((withAudio ? u"[5/6] 带音频的系统直写失败，回退手动:"_s
+                               : u"[5/6] SCRecordingOutput 失败，回退手动:"_s) +
+                    added.error().message);
+        return openWriter(movie);
+    }
+    _usingSystemRecorder = true;
+    _log.append(withAudio ? u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s
+                          : u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s);
+    return {};
+}
+
+Result<void> RecordingSession::openWriter(const MovieSettings &movie)
+{
+    const auto tracks = _stream->openWriter(movie);
+    if (!tracks)
+        return std::unexpected(tracks.error());
+    if (movie.systemAudio && !tracks->systemAudio)
+        _log.append(u"无法添加系统音频轨"_s);
+    if (movie.microphone && !tracks->microphone)
+        _log.append(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s);
+    _log.append(u"写入器就绪 %1x%2 sysAudio=%3 mic=%4"_s.arg(movie.width)
+                    .arg(movie.height)
+                    .arg(log::text(tracks->systemAudio), log::text(tracks->microphone)));
+    _log.append(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s);
+    return {};
+}
+
+// Only the screen is indispensable: a recording without its sound is better
+// than none.
+Result<void> RecordingSession::addOutputs(const RecordingRequest &request)
+{
+    if (const auto added = _stream->addOutput(CaptureOutput::screen); !added)
+        return added;
+    if (request.systemAudio)
+        addSound(CaptureOutput::systemAudio, u"系统音频"_s);
+    if (request.microphone && _capture.features().microphone)
+        addSound(CaptureOutput::microphone, u"麦克风"_s);
+    else if (request.microphone)
+        _log.append(u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s);
+    return {};
+}
+
+void RecordingSession::addSound(CaptureOutput output, const QString &source)
+{
+    const auto added = _stream->addOutput(output);
+    _log.append(added ? u"已挂载%1 output"_s.arg(source)
+                      : u"⚠️ 无法挂载%1 output:%2"_s.arg(source, added.error().message));
 }
 
 CaptureObserver RecordingSession::observer()
@@ -222,8 +304,8 @@ QCoro::Task<> RecordingSession::finishManualFile()
     const QString reason = finished.error().message;
     fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
     // What plays in spite of the failure, or may play, is not ours to remove.
-    const std::optional<bool> plays = co_await _check.plays(path);
-    if (self && plays == false)
+    const auto facts = co_await inspect(path);
+    if (self && facts && !facts->isPlayable)
         QFile::remove(path);
 }
 
@@ -235,24 +317,37 @@ QCoro::Task<> RecordingSession::validate()
         fail(u"无输出路径"_s);
         co_return;
     }
-    const MovieReport report = co_await _check.inspect(*path, _usingSystemRecorder);
-    if (!self)
-        co_return;
-    if (!report.exists) {
+    if (!QFileInfo::exists(*path)) {
         _unfinished.end(*path);
         fail(u"输出文件不存在"_s);
         co_return;
     }
-    if (report.verdict.isGood)
-        _log.append(u"✅ "_s + report.verdict.text);
+    const auto facts = co_await inspect(*path);
+    if (!self)
+        co_return;
+    const QFileInfo file(*path);
+    const MovieVerdict verdict =
+        judgeMovie(facts.value_or(MovieFacts{}), file.fileName(), file.size(), _usingSystemRecorder);
+    if (verdict.isGood)
+        _log.append(u"✅ "_s + verdict.text);
     else
-        fail(report.verdict.text);
-    for (const QString &remark : report.remarks)
-        _log.append(remark);
-    if (report.isPlayable)
+        fail(verdict.text);
+    if (!facts)
+        _log.append(u"校验没有结果，文件保留：%1"_s.arg(facts.error().message));
+    else if (!facts->hasVideo)
+        _log.append(u"no video, audioTracks=%1"_s.arg(facts->audioTracks));
+    if (facts && facts->isPlayable)
         _unfinished.end(*path);
-    if (report.verdict.isGood)
+    if (verdict.isGood)
         _finishedMovie = path;
+}
+
+QCoro::Task<Result<MovieFacts>> RecordingSession::inspect(QString path)
+{
+    const auto inspected = co_await withDeadline(_clock, inspectionLimit, _movies.inspect(path));
+    if (!inspected)
+        co_return failure(u"三秒内没有完成校验"_s);
+    co_return *inspected;
 }
 
 void RecordingSession::fail(const QString &message)
@@ -279,7 +374,6 @@ void RecordingSession::clear()
     _stream.reset();
     _progress.reset();
     _outputURL = std::optional<QString>();
-    _recordStartedAt = std::optional<QDateTime>();
     _usingSystemRecorder = false;
 }
 

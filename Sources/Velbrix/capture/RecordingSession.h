@@ -1,14 +1,13 @@
 #pragma once
 
-#include "capture/MovieCheck.h"
 #include "capture/RecordingPlan.h"
 #include "foundation/Clock.h"
 #include "foundation/Published.h"
+#include "platform/MovieFiles.h"
 
 #include <QCoroTask>
 #include <QObject>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -29,8 +28,6 @@ class RecordingSession final : public QObject {
     VELB_PUBLISHED(RecordingSession, std::optional<QString>, finishedMovie)
     // What the last recording failed of first; empty when all went well.
     VELB_PUBLISHED(RecordingSession, QString, lastFailure)
-    VELB_PUBLISHED(RecordingSession, std::optional<QDateTime>, recordStartedAt)
-    VELB_PUBLISHED(RecordingSession, QSize, captureSize, 1920, 1080)
 
 public:
     RecordingSession(ScreenCapture &capture, MovieFiles &movies, UnfinishedRecordings &unfinished,
@@ -46,25 +43,32 @@ public:
 
 private:
     QCoro::Task<> runStart(RecordingRequest request);
-    QCoro::Task<Result<void>> begin(RecordingRequest request);
-    Result<void> makeStream(const RecordingRequest &request, const ShareableContent &content);
+    // The six steps, each a line in the log. After a failure something may be
+    // left to abandon.
+    QCoro::Task<Result<void>> takeSixSteps(RecordingRequest request);
+    void openFile(const QString &path);
+    Result<void> chooseWriter(const RecordingRequest &request, const MovieSettings &movie);
+    Result<void> openWriter(const MovieSettings &movie);
+    Result<void> addOutputs(const RecordingRequest &request);
+    void addSound(CaptureOutput output, const QString &source);
     CaptureObserver observer();
 
     QCoro::Task<> runStop();
     QCoro::Task<> finishSystemFile();
     QCoro::Task<> finishManualFile();
     QCoro::Task<> validate();
+    QCoro::Task<Result<MovieFacts>> inspect(QString path);
     void fail(const QString &message);
     void abandon();
     void clear();
     void showProgress();
 
     ScreenCapture &_capture;
+    MovieFiles &_movies;
     UnfinishedRecordings &_unfinished;
     Clock &_clock;
     RecorderLog &_log;
 
-    MovieCheck _check;
     std::unique_ptr<CaptureSession> _stream;
     std::unique_ptr<Alarm> _progress;
     std::chrono::milliseconds _startedAt{0};

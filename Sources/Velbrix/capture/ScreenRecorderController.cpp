@@ -8,15 +8,15 @@
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-ScreenRecorderController::ScreenRecorderController(Hosts hosts, SettingsStore &settings, Clock &clock,
+ScreenRecorderController::ScreenRecorderController(Ports ports, SettingsStore &settings, Clock &clock,
                                                    QObject *parent)
     : QObject(parent),
       _preferences(settings),
-      _access(hosts.permissions, hosts.capture, _log),
-      _devices(hosts.audio, _preferences, _log),
-      _windows(hosts.capture, _log),
-      _unfinished(settings, hosts.movies, _log),
-      _session(hosts.capture, hosts.movies, _unfinished, clock, _log)
+      _access(ports.permissions, ports.capture, _log),
+      _devices(ports.audio, _preferences, _log),
+      _windows(ports.capture, _log),
+      _unfinished(settings, ports.movies, _log),
+      _session(ports.capture, ports.movies, _unfinished, clock, _log)
 {
     connect(&_session, &RecordingSession::isProcessingChanged, this, [this] {
         if (!_session.isProcessing())

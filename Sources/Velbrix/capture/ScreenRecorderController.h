@@ -24,14 +24,14 @@ class ScreenRecorderController final : public QObject {
     VELB_PUBLISHED(ScreenRecorderController, bool, isStarting, false)
 
 public:
-    struct Hosts {
+    struct Ports {
         ScreenCapture &capture;
         AudioDevices &audio;
         MovieFiles &movies;
         Permissions &permissions;
     };
 
-    ScreenRecorderController(Hosts hosts, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
+    ScreenRecorderController(Ports ports, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
 
     // One-time set-up at the start of the program.
     void setUp();

@@ -1,15 +1,14 @@
 #include "views/recorder/RecorderPage.h"
 
 #include "app/AppServices.h"
+#include "views/components/Card.h"
 #include "views/recorder/LeftoversCard.h"
 #include "views/recorder/RecordAccessCard.h"
 #include "views/recorder/RecordAudioCard.h"
 #include "views/recorder/RecordControlCard.h"
 #include "views/recorder/RecordLogCard.h"
+#include "views/recorder/RecordOptionCards.h"
 #include "views/recorder/RecordOutcomeCard.h"
-#include "views/recorder/RecordOutputCard.h"
-#include "views/recorder/RecordPictureCard.h"
-#include "views/recorder/RecordReminderCard.h"
 #include "views/recorder/RecordTargetCard.h"
 
 using namespace Qt::StringLiterals;
@@ -25,10 +24,10 @@ RecorderPage::RecorderPage(const ViewContext &context, QWidget *parent)
     add(new RecordOutcomeCard(context, this));
     add(new LeftoversCard(context, this));
     add(u"画面"_s, new RecordTargetCard(context, this));
-    add(new RecordPictureCard(context, this));
+    add(makePictureCard(context));
     add(u"声音"_s, new RecordAudioCard(context, this));
-    add(u"保存与提醒"_s, new RecordOutputCard(context, this));
-    add(new RecordReminderCard(context, this));
+    add(u"保存与提醒"_s, makeOutputCard(context));
+    add(makeReminderCard(context));
     add(u"记录"_s, new RecordLogCard(context, this));
 
     ScreenRecorderController &recorder = context.services.recorder;

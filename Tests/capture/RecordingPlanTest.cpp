@@ -1,4 +1,4 @@
-#include "capture/CaptureSize.h"
+#include "capture/RecordingPlan.h"
 
 #include <QTest>
 
@@ -15,7 +15,7 @@ CaptureGeometry geometry(double width, double height, double scale, QSize displa
 
 } // namespace
 
-class CaptureSizeTest : public QObject {
+class RecordingPlanTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -96,5 +96,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(CaptureSizeTest)
-#include "CaptureSizeTest.moc"
+QTEST_GUILESS_MAIN(RecordingPlanTest)
+#include "RecordingPlanTest.moc"
