@@ -60,7 +60,7 @@ struct Rig {
 
     SystemCleaner &make(const QList<QByteArray> &own = {})
     {
-        cleaner = std::make_unique<SystemCleaner>(SystemCleaner::Hosts{usage, trash, admin, programs},
+        cleaner = std::make_unique<SystemCleaner>(SystemCleaner::Ports{usage, trash, admin, programs},
                                                   settings, clock, table(), own);
         return *cleaner;
     }
@@ -100,10 +100,10 @@ private Q_SLOTS:
     void customFoldersAreRemembered();
     void nothingSelected();
     void cleansInOrder();
-    void keepsWhatIsHiddenOrLeftOut();
-    void whatIsLeftOutStaysSoAfterARestart();
-    void leftOutEntriesEditedByHand();
-    void whatIsLeftOutOfOneItemStaysInAnother();
+    void keepsWhatIsHiddenOrExcluded();
+    void whatIsExcludedStaysSoAfterARestart();
+    void excludedEntriesEditedByHand();
+    void whatIsExcludedFromOneItemStaysInAnother();
     void whatIsNotCleanedStaysInsideAnotherItem();
     void aLinkIntoAnotherItemDoesNotHideWhatStays();
     void linksLaidByOthersAreNotFollowed();
@@ -112,7 +112,7 @@ private Q_SLOTS:
     void ownPlacesAndLinksSurvive();
     void removalsThatFailAreTold();
     void cancellingStopsBetweenItems();
-    void openedRow();
+    void details();
     void twoCleansAtOnce();
 };
 
@@ -301,24 +301,24 @@ void SystemCleanerTest::cleansInOrder()
     QCOMPARE(rig.admin.lines, QStringList{u"flush 2>/dev/null; true"_s});
 }
 
-void SystemCleanerTest::keepsWhatIsHiddenOrLeftOut()
+void SystemCleanerTest::keepsWhatIsHiddenOrExcluded()
 {
     Rig rig;
     rig.put(u"cache/.git/config"_s);
     rig.put(u"cache/dear/file"_s);
     rig.put(u"cache/cheap"_s);
     SystemCleaner &cleaner = rig.make();
-    cleaner.opened().open(u"caches"_s);
-    cleaner.opened().setIncluded(
+    cleaner.details().open(u"caches"_s);
+    cleaner.details().setIncluded(
         u"caches"_s, QFile::encodeName(QFileInfo(rig.path(u"cache/dear"_s)).canonicalFilePath()), false);
     cleaner.clean({u"caches"_s});
     rig.finish();
     QCOMPARE(cleaner.report().outcome.cleanedCount, 1);
     QVERIFY(rig.has(u"cache/.git/config"_s) && rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
-    QTRY_VERIFY(!cleaner.opened().contents().value(u"caches"_s).isMeasuring);
+    QTRY_VERIFY(!cleaner.details().contents().value(u"caches"_s).isMeasuring);
 }
 
-void SystemCleanerTest::whatIsLeftOutStaysSoAfterARestart()
+void SystemCleanerTest::whatIsExcludedStaysSoAfterARestart()
 {
     Rig rig;
     const QByteArray folder = QFile::encodeName(QFileInfo(rig.home.path()).canonicalFilePath()) + "/cache/";
@@ -330,44 +330,44 @@ void SystemCleanerTest::whatIsLeftOutStaysSoAfterARestart()
     std::fclose(file);
     rig.make();
     for (const QByteArray &path : {folder + "dear", odd, folder + "gone"})
-        rig.cleaner->opened().setIncluded(u"caches"_s, path, false);
+        rig.cleaner->details().setIncluded(u"caches"_s, path, false);
     rig.make(); // another day
-    QCOMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 3);
+    QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 3);
     rig.cleaner->clean({u"caches"_s});
     rig.finish();
     QVERIFY(rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
     QCOMPARE(::access(odd.constData(), F_OK), 0);
     // Seen to be missing, it is forgotten; an empty folder may be a disk's that is not there.
-    rig.cleaner->opened().open(u"caches"_s);
-    QTRY_COMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 2);
+    rig.cleaner->details().open(u"caches"_s);
+    QTRY_COMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
     QCOMPARE(::unlink(odd.constData()), 0);
     QVERIFY(QDir(rig.path(u"cache"_s)).removeRecursively() && QDir().mkpath(rig.path(u"cache"_s)));
-    rig.make().opened().open(u"caches"_s);
-    QTRY_VERIFY((rig.clock.advance(50ms), !rig.cleaner->opened().contents().value(u"caches"_s).isMeasuring));
-    QCOMPARE(rig.cleaner->opened().leftOutCount(u"caches"_s), 2);
+    rig.make().details().open(u"caches"_s);
+    QTRY_VERIFY((rig.clock.advance(50ms), !rig.cleaner->details().contents().value(u"caches"_s).isMeasuring));
+    QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
     for (const QByteArray &path : {folder + "dear", odd})
-        rig.cleaner->opened().setIncluded(u"caches"_s, path, true);
-    QVERIFY(!rig.settings.contains(LeftOutEntries::defaultsKey));
+        rig.cleaner->details().setIncluded(u"caches"_s, path, true);
+    QVERIFY(!rig.settings.contains(CleanupChoices::excludedKey));
 }
 
-void SystemCleanerTest::leftOutEntriesEditedByHand()
+void SystemCleanerTest::excludedEntriesEditedByHand()
 {
     Rig rig;
     const auto countOf = [&](const QJsonValue &stored) {
-        rig.settings.set(LeftOutEntries::defaultsKey, stored);
-        return rig.make().opened().leftOutCount(u"caches"_s);
+        rig.settings.set(CleanupChoices::excludedKey, stored);
+        return rig.make().excludedCount(u"caches"_s);
     };
     QCOMPARE(countOf(u"caches"_s), 0);
     QCOMPARE(countOf(QJsonArray{u"/a"_s}), 0);
     QCOMPARE(countOf(QJsonObject{{u"caches"_s, u"/a"_s}, {u"nobody"_s, QJsonArray{u"/a"_s}}}), 0);
     QCOMPARE(countOf(QJsonObject{{u"caches"_s, QJsonArray{u"/a"_s, 7, u"relative"_s, QJsonArray(), u""_s}}}),
              1);
-    for (int n = 0; n < LeftOutEntries::mostKept + 10; ++n)
-        rig.cleaner->opened().setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
-    QCOMPARE(rig.make().opened().leftOutCount(u"caches"_s), LeftOutEntries::mostKept);
+    for (int n = 0; n < CleanupChoices::mostKept + 10; ++n)
+        rig.cleaner->details().setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
+    QCOMPARE(rig.make().excludedCount(u"caches"_s), CleanupChoices::mostKept);
 }
 
-void SystemCleanerTest::whatIsLeftOutOfOneItemStaysInAnother()
+void SystemCleanerTest::whatIsExcludedFromOneItemStaysInAnother()
 {
     Rig rig;
     rig.put(u"cache/browser/dear/file"_s);
@@ -375,7 +375,7 @@ void SystemCleanerTest::whatIsLeftOutOfOneItemStaysInAnother()
     rig.put(u"cache/other"_s);
     SystemCleaner &cleaner = rig.make();
     const QString dear = QFileInfo(rig.path(u"cache/browser/dear"_s)).canonicalFilePath();
-    cleaner.opened().setIncluded(u"browser"_s, QFile::encodeName(dear), false);
+    cleaner.details().setIncluded(u"browser"_s, QFile::encodeName(dear), false);
     cleaner.clean({u"caches"_s, u"browser"_s});
     rig.finish();
     QVERIFY(rig.has(u"cache/browser/dear/file"_s));
@@ -509,7 +509,7 @@ void SystemCleanerTest::cancellingStopsBetweenItems()
     QCOMPARE(cleaner.report().outcome.cleanedCount, 2);
 }
 
-void SystemCleanerTest::openedRow()
+void SystemCleanerTest::details()
 {
     Rig rig;
     rig.put(u"cache/small"_s);
@@ -518,22 +518,22 @@ void SystemCleanerTest::openedRow()
     const QString folder = QFileInfo(rig.path(u"cache"_s)).canonicalFilePath();
     rig.usage.sizes = {{QFile::encodeName(folder + u"/large"_s), 900},
                        {QFile::encodeName(folder + u"/small"_s), 1}};
-    OpenedItems &opened = rig.make().opened();
-    QVERIFY(opened.canOpen(u"caches"_s) && !opened.canOpen(u"trash"_s) && !opened.canOpen(u"dns"_s));
+    CleanupDetails &details = rig.make().details();
+    QVERIFY(details.canOpen(u"caches"_s) && !details.canOpen(u"trash"_s) && !details.canOpen(u"dns"_s));
     rig.usage.delay = 1s;
-    opened.open(u"caches"_s);
-    QVERIFY(opened.contents().value(u"caches"_s).isMeasuring);
-    QTRY_VERIFY((rig.clock.advance(1s), !opened.contents().value(u"caches"_s).isMeasuring));
+    details.open(u"caches"_s);
+    QVERIFY(details.contents().value(u"caches"_s).isMeasuring);
+    QTRY_VERIFY((rig.clock.advance(1s), !details.contents().value(u"caches"_s).isMeasuring));
     rig.usage.delay = 0s;
-    const CleanupContents contents = opened.contents().value(u"caches"_s);
+    const CleanupContents contents = details.contents().value(u"caches"_s);
     QCOMPARE(contents.entries.size(), 2);
     QCOMPARE(contents.entries[0].name, u"large"_s);
     QCOMPARE(contents.entries[0].bytes, std::optional<qint64>(900));
-    opened.close(u"caches"_s);
-    QVERIFY(opened.contents().isEmpty());
-    opened.open(u"browser"_s); // missing is empty
-    QTRY_VERIFY(!opened.contents().value(u"browser"_s).isMeasuring);
-    QCOMPARE(opened.contents().value(u"browser"_s), CleanupContents());
+    details.close(u"caches"_s);
+    QVERIFY(details.contents().isEmpty());
+    details.open(u"browser"_s); // missing is empty
+    QTRY_VERIFY(!details.contents().value(u"browser"_s).isMeasuring);
+    QCOMPARE(details.contents().value(u"browser"_s), CleanupContents());
 }
 
 void SystemCleanerTest::twoCleansAtOnce()

@@ -204,9 +204,9 @@ void SystemCleanupViewTest::cleaningWithConsentAndQuestion()
     rig.fill();
     rig.start();
     QTRY_COMPARE(rig.total(), u"7 MB"_s);
-    rig.cleaner().opened().open(chrome);
-    QTRY_COMPARE(rig.cleaner().opened().contents()[chrome].entries.size(), 2);
-    rig.cleaner().opened().setIncluded(chrome, rig.native(u"cache/google-chrome/small"_s), false);
+    rig.cleaner().details().open(chrome);
+    QTRY_COMPARE(rig.cleaner().details().contents()[chrome].entries.size(), 2);
+    rig.cleaner().details().setIncluded(chrome, rig.native(u"cache/google-chrome/small"_s), false);
     rig.button(u"cleanupClean"_s)->setFocus();
     rig.click(u"cleanupClean"_s);
     QCOMPARE(rig.text(u"noticeTitle"_s), u"系统清理隐私确认"_s);

@@ -84,16 +84,16 @@ QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
 // What is in one item, the largest first.
 QCoro::Task<CleanupContents> contentsOf(SystemCleaner &cleaner, CleanupItem item)
 {
-    OpenedItems &opened = cleaner.opened();
-    if (!opened.canOpen(item.id))
+    CleanupDetails &details = cleaner.details();
+    if (!details.canOpen(item.id))
         co_return CleanupContents();
-    const bool wasOpen = opened.contents().contains(item.id);
-    opened.open(item.id);
-    while (opened.contents().value(item.id).isMeasuring)
-        co_await nextSignal(opened, &OpenedItems::contentsChanged);
-    const CleanupContents contents = opened.contents().value(item.id);
+    const bool wasOpen = details.contents().contains(item.id);
+    details.open(item.id);
+    while (details.contents().value(item.id).isMeasuring)
+        co_await nextSignal(details, &CleanupDetails::contentsChanged);
+    const CleanupContents contents = details.contents().value(item.id);
     if (!wasOpen)
-        opened.close(item.id);
+        details.close(item.id);
     co_return contents;
 }
 

@@ -22,6 +22,17 @@ QString baseFolder(QStandardPaths::StandardLocation kind, const QString &standar
     return holdsHome ? QDir::homePath() + standard : path;
 }
 
+bool isPattern(const QString &path)
+{
+    return path.contains(everyFolder);
+}
+
+// A folder of the user's is that folder, whatever characters it is called by.
+bool isCustom(const CleanupRule &rule)
+{
+    return rule.item.customPath.has_value();
+}
+
 } // namespace
 
 QString title(CleanupGroup group)
@@ -63,9 +74,49 @@ QList<CleanupRule> cleanupCatalog(HostFamily family)
     return rules;
 }
 
-bool isPattern(const QString &path)
+QString standardizedPath(const QString &path)
 {
-    return path.contains(everyFolder);
+    QString whole = path;
+    if (whole == u'~' || whole.startsWith(u"~/"))
+        whole = QDir::homePath() + whole.mid(1);
+    return QDir::cleanPath(QDir(whole).absolutePath());
+}
+
+CleanupRule customRule(const QString &path)
+{
+    const QString name = QFileInfo(path).fileName();
+    CleanupItem item;
+    item.id = u"custom-"_s + QString::fromLatin1(path.toUtf8().toBase64());
+    item.name = name.isEmpty() ? u"自定义路径"_s : name;
+    item.icon = u"folder.badge.plus"_s;
+    item.description = path;
+    item.isSelected = true;
+    item.estimatedSize = u"待计算"_s;
+    item.customPath = path;
+    return {item, CleanupGroup::custom, {item.id, item.name, path, {}, false}, {path}};
+}
+
+bool hasPattern(const CleanupRule &rule)
+{
+    return !isCustom(rule) && rule.target.path && isPattern(*rule.target.path);
+}
+
+QStringList emptiedFolders(const CleanupRule &rule)
+{
+    if (isCustom(rule))
+        return {*rule.item.customPath};
+    const QStringList folders = rule.target.path ? matchingFolders(*rule.target.path) : QStringList();
+    return folders + rule.furtherPaths;
+}
+
+QStringList measuredFolders(const CleanupRule &rule)
+{
+    if (isCustom(rule))
+        return emptiedFolders(rule);
+    QStringList folders;
+    for (const QString &pattern : rule.measured)
+        folders += matchingFolders(pattern);
+    return folders;
 }
 
 QStringList matchingFolders(const QString &pattern)

@@ -14,8 +14,8 @@ enum class CleanupGroup { system, development, packages, browsers, editors, adva
 
 QString title(CleanupGroup group);
 
-// What the built-in table says of one item. In folders a whole component may
-// be "*", for every folder there.
+// What one item means: a line of the host's table, or a folder of the user's.
+// In a table's folders a whole component may be "*", for every folder there.
 struct CleanupRule {
     CleanupItem item; // its initial state
     CleanupGroup group = CleanupGroup::system;
@@ -45,7 +45,17 @@ QList<CleanupRule> freedesktopCleanupCatalog(const UserFolders &folders);
 // The host's own, without what this machine has no program for.
 QList<CleanupRule> cleanupCatalog(HostFamily family);
 
-bool isPattern(const QString &path);
+// Absolute, without "~", "..", "." and doubled slashes.
+QString standardizedPath(const QString &path);
+// What cleaning a folder of the user's choice means; already selected.
+CleanupRule customRule(const QString &standardizedPath);
+
+// Whether the rule means every folder of a kind, whoever made it.
+bool hasPattern(const CleanupRule &rule);
+// What cleaning empties at this moment; nothing when it runs a command.
+QStringList emptiedFolders(const CleanupRule &rule);
+// What makes up the size at this moment.
+QStringList measuredFolders(const CleanupRule &rule);
 // The folders a pattern means at this moment, sorted. Real ones only: what lies
 // behind a link is not the pattern's. A path that is none means itself.
 QStringList matchingFolders(const QString &pattern);

@@ -1,9 +1,12 @@
 #include "maintenance/cleanup/CleanupChoices.h"
 
 #include "foundation/SettingsStore.h"
-#include "maintenance/cleanup/CustomFolder.h"
+#include "maintenance/cleanup/CleanupCatalog.h"
 
 #include <QJsonArray>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
@@ -24,11 +27,16 @@ bool namesOneFolder(const QString &path)
     return path.startsWith(u'/') || path == u"~" || path.startsWith(u"~/");
 }
 
+QByteArray folderOf(const QByteArray &path)
+{
+    return path.first(path.lastIndexOf('/'));
+}
+
 } // namespace
 
 std::optional<QStringList> CleanupChoices::selected() const
 {
-    const auto stored = _settings.json(defaultsKey);
+    const auto stored = _settings.json(selectionKey);
     return stored && stored->isArray() ? std::optional(strings(stored->toArray())) : std::nullopt;
 }
 
@@ -61,7 +69,79 @@ void CleanupChoices::saveSelection(const QList<CleanupItem> &items)
         if (item.isSelected)
             selected.append(item.id);
     }
-    _settings.set(defaultsKey, selected);
+    _settings.set(selectionKey, selected);
+}
+
+void CleanupChoices::loadExcluded(const QStringList &ids)
+{
+    const QJsonObject stored = _settings.json(excludedKey).value_or(QJsonValue()).toObject();
+    for (const QString &id : ids) {
+        const QJsonArray paths = stored.value(id).toArray();
+        for (const QJsonValue &value : paths) {
+            // No text could hold every name that a file may have.
+            const QByteArray path = QByteArray::fromPercentEncoding(value.toString().toUtf8());
+            if (path.startsWith('/'))
+                _excluded[id].insert(path);
+        }
+    }
+}
+
+QList<QByteArray> CleanupChoices::excluded() const
+{
+    QList<QByteArray> paths;
+    for (const QSet<QByteArray> &entries : _excluded)
+        paths += entries.values();
+    return paths;
+}
+
+void CleanupChoices::setExcluded(const QString &id, const QByteArray &path, bool isExcluded)
+{
+    if (isExcluded)
+        _excluded[id].insert(path);
+    else
+        _excluded[id].remove(path);
+    saveExcluded();
+}
+
+void CleanupChoices::includeAll(const QString &id)
+{
+    if (_excluded.remove(id))
+        saveExcluded();
+}
+
+void CleanupChoices::forgetMissing(const QString &id, const QList<QByteArray> &listed)
+{
+    const auto known = _excluded.find(id);
+    if (known == _excluded.end())
+        return;
+    QSet<QByteArray> folders;
+    for (const QByteArray &path : listed)
+        folders.insert(folderOf(path));
+    const QSet<QByteArray> there(listed.begin(), listed.end());
+    const auto isMissing = [&](const QByteArray &path) {
+        return folders.contains(folderOf(path)) && !there.contains(path);
+    };
+    if (known->removeIf(isMissing) > 0)
+        saveExcluded();
+}
+
+void CleanupChoices::saveExcluded()
+{
+    QJsonObject stored;
+    qsizetype kept = 0;
+    for (auto entries = _excluded.cbegin(); entries != _excluded.cend(); ++entries) {
+        QJsonArray paths;
+        for (const QByteArray &path : *entries) {
+            if (kept++ < mostKept)
+                paths.append(QString::fromLatin1(path.toPercentEncoding("/ ")));
+        }
+        if (!paths.isEmpty())
+            stored.insert(entries.key(), paths);
+    }
+    if (stored.isEmpty())
+        _settings.remove(excludedKey);
+    else
+        _settings.set(excludedKey, stored);
 }
 
 } // namespace velbrix

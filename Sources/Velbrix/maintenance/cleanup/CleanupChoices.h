@@ -2,7 +2,10 @@
 
 #include "maintenance/cleanup/CleanupTypes.h"
 
+#include <QByteArray>
+#include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -12,12 +15,18 @@ namespace velbrix {
 
 class SettingsStore;
 
-// What the user has chosen to clean, in the settings. They must outlive it.
+// What the user has chosen, kept in the settings: which items are cleaned,
+// folders of their own, and entries that are excluded from every clean.
 class CleanupChoices {
 public:
-    static inline const QString defaultsKey = QStringLiteral("VelbClean_CleanupSelection");
+    static inline const QString selectionKey = QStringLiteral("VelbClean_CleanupSelection");
     static inline const QString customPathsKey = QStringLiteral("VelbClean_CustomPaths");
+    static inline const QString excludedKey = QStringLiteral("VelbClean_LeftOutEntries");
+    // As many excluded entries are kept in the settings; the others hold until
+    // the program ends.
+    static constexpr qsizetype mostKept = 1000;
 
+    // The settings must outlive it.
     explicit CleanupChoices(SettingsStore &settings) : _settings(settings) {}
 
     // Ids of the selected items; nothing while none were ever stored.
@@ -28,8 +37,27 @@ public:
     void save(const QList<CleanupItem> &items);
     void saveSelection(const QList<CleanupItem> &items);
 
+    // Excluded entries by the item of whose folders they are; paths are native
+    // and absolute. Until they are loaded, none are.
+    void loadExcluded(const QStringList &ids);
+    bool isExcluded(const QString &id, const QByteArray &path) const
+    {
+        return _excluded.value(id).contains(path);
+    }
+    qsizetype excludedCount(const QString &id) const { return _excluded.value(id).size(); }
+    // Of all items.
+    QList<QByteArray> excluded() const;
+    void setExcluded(const QString &id, const QByteArray &path, bool isExcluded);
+    void includeAll(const QString &id);
+    // Forgets those that are missing among the entries listed of their folders.
+    // A folder without any entry may be that of a disk which is not there.
+    void forgetMissing(const QString &id, const QList<QByteArray> &listed);
+
 private:
+    void saveExcluded();
+
     SettingsStore &_settings;
+    QHash<QString, QSet<QByteArray>> _excluded;
 };
 
 } // namespace velbrix

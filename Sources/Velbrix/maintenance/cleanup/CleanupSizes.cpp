@@ -2,6 +2,7 @@
 
 #include "foundation/Paths.h"
 #include "maintenance/cleanup/CleanupTable.h"
+#include "maintenance/cleanup/ItemCleaner.h"
 #include "platform/DiskUsage.h"
 
 #include <QCoroFuture>
@@ -47,7 +48,8 @@ QCoro::Task<> CleanupSizes::measure(QStringList ids, Cancellation work)
     QStringList owners; // of each folder: the item
     QHash<QString, qsizetype> missing;
     for (const QString &id : ids) {
-        const QStringList own = _table.measuredFolders(id);
+        const CleanupRule *const rule = _table.rule(id);
+        const QStringList own = rule ? _table.measuredFolders(*rule) : QStringList();
         if (own.isEmpty())
             set(id, 0);
         folders += own;
@@ -101,7 +103,8 @@ qint64 CleanupSizes::total(const QStringList &ids) const
     QList<QStringList> foldersOfEach;
     QStringList all;
     for (const QString &id : ids) {
-        foldersOfEach.append(_table.measuredFolders(id));
+        const CleanupRule *const rule = _table.rule(id);
+        foldersOfEach.append(rule ? _table.measuredFolders(*rule) : QStringList());
         all += foldersOfEach.last();
     }
     qint64 total = 0;

@@ -10,26 +10,13 @@
 namespace velbrix {
 namespace {
 
+// What was touched since may still be open in a program.
 constexpr std::chrono::hours leastAge{24};
-
-// A folder of the user's is that folder, whatever characters it is called by.
-bool isCustom(const CleanupRule &rule)
-{
-    return rule.item.customPath.has_value();
-}
-
-QStringList emptied(const CleanupRule &rule)
-{
-    if (isCustom(rule))
-        return {*rule.item.customPath};
-    const QStringList folders = rule.target.path ? matchingFolders(*rule.target.path) : QStringList();
-    return folders + rule.furtherPaths;
-}
 
 } // namespace
 
-CleanupTable::CleanupTable(QList<CleanupRule> catalog, Hosts hosts, Clock &clock, QList<QByteArray> ownPlaces)
-    : _rules(std::move(catalog)), _hosts(hosts), _clock(clock), _ownPlaces(std::move(ownPlaces))
+CleanupTable::CleanupTable(QList<CleanupRule> catalog, Ports ports, Clock &clock, QList<QByteArray> ownPlaces)
+    : _rules(std::move(catalog)), _ports(ports), _clock(clock), _ownPlaces(std::move(ownPlaces))
 {
 }
 
@@ -44,59 +31,31 @@ void CleanupTable::remove(const QString &id)
     _rules.removeIf([&](const CleanupRule &rule) { return rule.item.id == id; });
 }
 
-QStringList CleanupTable::emptiedFolders(const QString &id) const
-{
-    const CleanupRule *known = rule(id);
-    return known ? emptied(*known) : QStringList();
-}
-
 QStringList CleanupTable::foldersOutside(const QSet<QString> &ids) const
 {
     QStringList folders;
     for (const CleanupRule &rule : _rules) {
         if (!ids.contains(rule.item.id))
-            folders += emptied(rule);
+            folders += emptiedFolders(rule);
     }
     return folders;
 }
 
-QStringList CleanupTable::measuredFolders(const QString &id) const
+QStringList CleanupTable::measuredFolders(const CleanupRule &rule) const
 {
-    if (id == trashItemId)
-        return _hosts.trash.folders();
-    const CleanupRule *known = rule(id);
-    if (!known)
-        return {};
-    if (isCustom(*known))
-        return emptied(*known);
-    QStringList folders;
-    for (const QString &pattern : known->measured)
-        folders += matchingFolders(pattern);
-    return folders;
+    return rule.item.id == trashItemId ? _ports.trash.folders() : velbrix::measuredFolders(rule);
 }
 
-RemovalRules CleanupTable::removalRules(const QString &id) const
+RemovalRules CleanupTable::removalRules(const CleanupRule &rule) const
 {
     RemovalRules rules;
     rules.protectedPlaces = protectedHostPlaces();
     rules.sealedPlaces = _ownPlaces;
-    rules.boundSockets = _hosts.programs.boundSockets();
+    rules.boundSockets = _ports.programs.boundSockets();
     rules.now = _clock.now().toSecsSinceEpoch();
-    const CleanupRule *known = rule(id);
-    if (known && known->onlyOldOwnFiles)
+    if (rule.onlyOldOwnFiles)
         rules.minimumAge = leastAge;
     return rules;
-}
-
-FolderCleaning CleanupTable::cleaning(const QString &id) const
-{
-    FolderCleaning cleaning;
-    cleaning.folders = emptiedFolders(id);
-    cleaning.rules = removalRules(id);
-    const CleanupRule *known = rule(id);
-    cleaning.withoutLinks =
-        known && !isCustom(*known) && known->target.path && isPattern(*known->target.path);
-    return cleaning;
 }
 
 QStringList CleanupTable::busyItems() const
@@ -104,7 +63,7 @@ QStringList CleanupTable::busyItems() const
     QStringList owners;
     for (const CleanupRule &rule : _rules)
         owners += rule.owners;
-    const QSet<QString> running = _hosts.programs.running(owners);
+    const QSet<QString> running = _ports.programs.running(owners);
     QStringList busy;
     for (const CleanupRule &rule : _rules) {
         if (std::ranges::any_of(rule.owners, [&](const QString &owner) { return running.contains(owner); }))

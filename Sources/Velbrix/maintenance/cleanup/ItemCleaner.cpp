@@ -1,12 +1,12 @@
 #include "maintenance/cleanup/ItemCleaner.h"
 
 #include "foundation/Paths.h"
-#include "maintenance/cleanup/CleanupTable.h"
 #include "platform/AdminShell.h"
 #include "platform/TrashCan.h"
 
 #include <QCoroFuture>
 #include <QFile>
+#include <QFileInfo>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -15,6 +15,11 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
+
+bool isCleanable(const QByteArray &name)
+{
+    return !name.startsWith('.') || name == ".DS_Store";
+}
 
 QList<QByteArray> canonical(const QStringList &folders)
 {
@@ -27,46 +32,109 @@ QList<QByteArray> canonical(const QStringList &folders)
     return paths;
 }
 
-// What stays is told to the gate by its real name, for a link may lead into
-// what is emptied. What is emptied itself cannot be kept.
-Cleaned run(FolderCleaning cleaning, const QStringList &foldersOfOthers, const QList<QByteArray> &leftOut,
-            const Cancellation &work)
+// What stays inside these folders, by its real name, for a link may lead into
+// them. What is emptied itself cannot be kept.
+QList<QByteArray> keptPlaces(const QStringList &folders, const CleanupBounds &bounds)
 {
-    const QList<QByteArray> emptied = canonical(cleaning.folders);
-    for (const QByteArray &place : canonical(foldersOfOthers) + leftOut) {
+    const QList<QByteArray> emptied = canonical(folders);
+    QList<QByteArray> kept;
+    for (const QByteArray &place : canonical(bounds.otherFolders) + bounds.excluded) {
         if (std::ranges::any_of(emptied, [&](const QByteArray &folder) { return isInside(place, folder); }))
-            cleaning.kept.append(place);
+            kept.append(place);
     }
-    cleaning.rules.protectedPlaces += cleaning.kept;
-    return clean(cleaning, work);
+    return kept;
+}
+
+// What keeps a place the user wants kept is no news, nor that the folders
+// around it are still there.
+void dropExpected(RemovalReport &report, const QList<QByteArray> &kept)
+{
+    report.problemCount -= report.problems.removeIf([&](const RemovalProblem &problem) {
+        return std::ranges::any_of(kept,
+                                   [&](const QByteArray &place) { return isWithin(place, problem.path); });
+    });
+}
+
+// Blocking; for a thread of its own. With a pattern, a folder that a link leads
+// to stays as it is: others may have laid it.
+Cleaned emptyFolders(const QStringList &folders, bool isPattern, CleanupBounds bounds,
+                     const Cancellation &work)
+{
+    const QList<QByteArray> kept = keptPlaces(folders, bounds);
+    bounds.rules.protectedPlaces += kept;
+    Cleaned cleaned;
+    for (const QString &folder : folders) {
+        const QByteArray native = QFile::encodeName(folder);
+        const RemovalRoot root(native, bounds.rules);
+        if (isPattern && root.canonicalPath() != native)
+            continue;
+        if (!root.isOpen() && QFileInfo::exists(folder))
+            cleaned.removal.add({0, 0, {{native, RemovalRoot::obstacle(native, bounds.rules)}}, 1});
+        for (const QByteArray &name : root.entries()) {
+            const QByteArray path = root.canonicalPath() + '/' + name;
+            if (!isCleanable(name) || kept.contains(path))
+                continue;
+            if (work.isCancelled())
+                return cleaned;
+            cleaned.ownBytes += root.ownSize(name);
+            RemovalReport removal = root.remove(name, work);
+            dropExpected(removal, kept);
+            cleaned.removal.add(removal);
+            ++cleaned.count;
+        }
+    }
+    return cleaned;
 }
 
 } // namespace
 
-QCoro::Task<Cleaned> ItemCleaner::clean(QString id, Bounds bounds, Cancellation work)
+QThreadPool &cleanupThreads()
 {
-    const CleanupRule *known = _table.rule(id);
-    const CleanupTarget target = known ? known->target : CleanupTarget();
-    Cleaned cleaned = {.count = 1};
-    if (id == trashItemId) {
-        cleaned = co_await emptyTrash(target.name, work);
-    } else if (!target.command) {
-        cleaned = co_await emptyFolders(id, bounds, work);
-    } else if (target.requiresAdmin) {
-        co_await _hosts.admin.run(*target.command, work);
-    } else {
-        ProcessRequest request;
-        request.program = u"/bin/bash"_s;
-        request.arguments = {u"-c"_s, *target.command};
-        request.cancellation = work;
-        co_await _processes.run(request);
-    }
-    co_return cleaned;
+    static auto *const pool = new QThreadPool;
+    return *pool;
 }
 
-QCoro::Task<Cleaned> ItemCleaner::emptyTrash(QString name, Cancellation work)
+CleanableEntries cleanableEntries(const QStringList &folders, const RemovalRules &rules)
 {
-    const auto emptied = co_await _hosts.trash.empty(_table.removalRules(trashItemId), work);
+    CleanableEntries found;
+    for (const QString &folder : folders) {
+        const QByteArray native = QFile::encodeName(folder);
+        // A missing folder is an empty one.
+        if (!QFileInfo::exists(folder))
+            continue;
+        found.problem = RemovalRoot::obstacle(native, rules);
+        const RemovalRoot root(native, rules);
+        for (const QByteArray &name : root.entries()) {
+            if (isCleanable(name))
+                found.paths.append(root.canonicalPath() + '/' + name);
+        }
+    }
+    return found;
+}
+
+void Cleaned::add(const Cleaned &other)
+{
+    count += other.count;
+    ownBytes += other.ownBytes;
+    removal.add(other.removal);
+}
+
+QCoro::Task<Cleaned> ItemCleaner::clean(CleanupRule rule, CleanupBounds bounds, Cancellation work)
+{
+    if (rule.item.id == trashItemId)
+        co_return co_await emptyTrash(rule.target.name, bounds.rules, work);
+    if (rule.target.command) {
+        co_await runCommand(rule.target, work);
+        co_return Cleaned{.count = 1};
+    }
+    auto emptying = QtConcurrent::run(&cleanupThreads(), emptyFolders, emptiedFolders(rule), hasPattern(rule),
+                                      bounds, work);
+    co_return co_await emptying;
+}
+
+QCoro::Task<Cleaned> ItemCleaner::emptyTrash(QString name, RemovalRules rules, Cancellation work)
+{
+    const auto emptied = co_await _ports.trash.empty(rules, work);
     Cleaned cleaned = {.count = 1};
     if (emptied)
         cleaned.removal = *emptied;
@@ -75,11 +143,17 @@ QCoro::Task<Cleaned> ItemCleaner::emptyTrash(QString name, Cancellation work)
     co_return cleaned;
 }
 
-QCoro::Task<Cleaned> ItemCleaner::emptyFolders(QString id, Bounds bounds, Cancellation work)
+QCoro::Task<> ItemCleaner::runCommand(CleanupTarget target, Cancellation work)
 {
-    auto emptying = QtConcurrent::run(&cleanupThreads(), run, _table.cleaning(id),
-                                      _table.foldersOutside(bounds.items), bounds.leftOut, work);
-    co_return co_await emptying;
+    if (target.requiresAdmin) {
+        co_await _ports.admin.run(*target.command, work);
+        co_return;
+    }
+    ProcessRequest request;
+    request.program = u"/bin/bash"_s;
+    request.arguments = {u"-c"_s, *target.command};
+    request.cancellation = work;
+    co_await _processes.run(request);
 }
 
 } // namespace velbrix

@@ -1,8 +1,9 @@
 #include "maintenance/cleanup/SystemCleaner.h"
 
 #include "foundation/ByteCount.h"
-#include "maintenance/cleanup/CustomFolder.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 
 #include <algorithm>
@@ -14,6 +15,7 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
+// Leaves each item's name on the page long enough to be seen.
 constexpr auto afterEachItem = 100ms;
 
 const QString nothingToShow = u"无数据"_s;
@@ -40,16 +42,16 @@ QStringList idsOf(const QList<CleanupItem> &items)
 
 } // namespace
 
-SystemCleaner::SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock &clock,
+SystemCleaner::SystemCleaner(const Ports &ports, SettingsStore &settings, Clock &clock,
                              QList<CleanupRule> catalog, QList<QByteArray> ownPlaces, QObject *parent)
     : QObject(parent),
       _clock(clock),
       _choices(settings),
-      _table(withFolders(std::move(catalog), _choices.customPaths()), {hosts.trash, hosts.programs}, clock,
+      _table(withFolders(std::move(catalog), _choices.customPaths()), {ports.trash, ports.programs}, clock,
              std::move(ownPlaces)),
-      _sizes(_table, hosts.usage),
-      _opened(_table, hosts.usage, settings, clock),
-      _itemCleaner(_table, {hosts.trash, hosts.admin}, clock)
+      _sizes(_table, ports.usage),
+      _details(_table, _choices, ports.usage, clock),
+      _itemCleaner({ports.trash, ports.admin}, clock)
 {
     QList<CleanupItem> items;
     for (const CleanupRule &rule : _table.rules())
@@ -59,6 +61,7 @@ SystemCleaner::SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock 
             item.isSelected = selected->contains(item.id);
     }
     _items = items;
+    _choices.loadExcluded(idsOf(items));
     connect(&_sizes, &CleanupSizes::measured, this, &SystemCleaner::showSize);
     _job.follow(*this, &SystemCleaner::phaseChanged, &SystemCleaner::progressChanged);
 }
@@ -132,7 +135,11 @@ Result<void> SystemCleaner::addCustomPath(const QString &path)
     const QString folder = standardizedPath(path);
     const CleanupRule custom = customRule(folder);
     const QString &id = custom.item.id;
-    if (const QString obstacle = customFolderObstacle(folder, _table.removalRules(id)); !obstacle.isEmpty())
+    if (!QFileInfo(folder).isDir())
+        return failure(u"请选择存在的文件夹"_s);
+    if (const QString obstacle =
+            RemovalRoot::obstacle(QFile::encodeName(folder), _table.removalRules(custom));
+        !obstacle.isEmpty())
         return failure(obstacle);
     if (_table.rule(id))
         return failure(u"该路径已添加"_s);
@@ -153,7 +160,8 @@ void SystemCleaner::removeCustomPath(const QString &id)
     QList<CleanupItem> items = _items;
     items.removeIf([&](const CleanupItem &item) { return item.id == id; });
     _table.remove(id);
-    _opened.forget(id);
+    _details.close(id);
+    _choices.includeAll(id);
     _sizes.forget(id);
     _items = items;
     _choices.save(items);
@@ -275,11 +283,16 @@ QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport re
     for (qsizetype i = 0; i < items.size() && !work.isCancelled(); ++i) {
         _phase = CleanupPhase::cleaning(items[i].name);
         _progress = static_cast<double>(i) / static_cast<double>(items.size());
-        const ItemCleaner::Bounds bounds = {{ids.begin(), ids.end()}, _opened.leftOut()};
-        const Cleaned cleaned = co_await _itemCleaner.clean(ids[i], bounds, work);
-        if (!self)
-            co_return;
-        total.add(cleaned);
+        // Taken away meanwhile, there is nothing to clean.
+        if (const CleanupRule *const rule = _table.rule(ids[i])) {
+            const CleanupBounds bounds = {_table.removalRules(*rule),
+                                          _table.foldersOutside({ids.begin(), ids.end()}),
+                                          _choices.excluded()};
+            const Cleaned cleaned = co_await _itemCleaner.clean(*rule, bounds, work);
+            if (!self)
+                co_return;
+            total.add(cleaned);
+        }
         co_await Pause(_clock, afterEachItem);
         if (!self)
             co_return;
@@ -292,7 +305,7 @@ QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport re
     _progress = 1.0;
     _phase = report.outcome;
     calculate();
-    _opened.lookAgain();
+    _details.lookAgain();
 }
 
 } // namespace velbrix

@@ -6,11 +6,11 @@
 #include "foundation/Published.h"
 #include "foundation/Result.h"
 #include "maintenance/cleanup/CleanupChoices.h"
+#include "maintenance/cleanup/CleanupDetails.h"
 #include "maintenance/cleanup/CleanupSizes.h"
 #include "maintenance/cleanup/CleanupTable.h"
 #include "maintenance/cleanup/CleanupTypes.h"
 #include "maintenance/cleanup/ItemCleaner.h"
-#include "maintenance/cleanup/OpenedItems.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -40,7 +40,7 @@ class SystemCleaner final : public QObject {
 public:
     static constexpr int maxCustomPathsAllowed = 10;
 
-    struct Hosts {
+    struct Ports {
         DiskUsage &usage;
         TrashCan &trash;
         AdminShell &admin;
@@ -49,7 +49,7 @@ public:
 
     // Everything must outlive the cleaner. `ownPlaces`: what of this program
     // must never be removed.
-    SystemCleaner(const Hosts &hosts, SettingsStore &settings, Clock &clock, QList<CleanupRule> catalog,
+    SystemCleaner(const Ports &ports, SettingsStore &settings, Clock &clock, QList<CleanupRule> catalog,
                   QList<QByteArray> ownPlaces, QObject *parent = nullptr);
     ~SystemCleaner() override;
 
@@ -74,8 +74,9 @@ public:
     // The first showing of the page; later ones do nothing.
     void calculateOnce();
 
-    OpenedItems &opened() { return _opened; }
-    const OpenedItems &opened() const { return _opened; }
+    CleanupDetails &details() { return _details; }
+    // Entries of the item that every clean excludes.
+    qsizetype excludedCount(const QString &id) const { return _choices.excludedCount(id); }
 
     // Ends the measuring, or the cleaning after the entry it is at.
     void cancel();
@@ -108,7 +109,7 @@ private:
     CleanupChoices _choices;
     CleanupTable _table;
     CleanupSizes _sizes;
-    OpenedItems _opened;
+    CleanupDetails _details;
     ItemCleaner _itemCleaner;
     Cancellation _work;
     Job _job{[this] { return jobState(); }, [this] { cancel(); }};

@@ -2,9 +2,10 @@
 
 #include "app/AppServices.h"
 #include "foundation/ByteCount.h"
+#include "foundation/OneLine.h"
 #include "views/Follow.h"
+#include "views/ShownPath.h"
 #include "views/Theme.h"
-#include "views/cleanup/CleanupWords.h"
 #include "views/components/Confirmation.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
@@ -14,6 +15,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +31,56 @@ QStringList idsToClean(const SystemCleaner &cleaner)
     for (const CleanupItem &item : cleaner.itemsToClean())
         ids.append(item.id);
     return ids;
+}
+
+// "已选 12 项，其中 1 项正在使用，将跳过"
+QString selectionText(const SystemCleaner &cleaner)
+{
+    const auto selected = std::ranges::count_if(cleaner.items(), &CleanupItem::isSelected);
+    if (selected == 0)
+        return u"没有选择任何清理项"_s;
+    const qsizetype skipped = cleaner.itemsToSkip().size();
+    const QString text = u"已选 %1 项"_s.arg(selected);
+    return skipped > 0 ? text + u"，其中 %1 项正在使用，将跳过"_s.arg(skipped) : text;
+}
+
+// "用户缓存 — 1.2 GB（需要管理员权限，排除 2 个条目）". Folders of the user's
+// are told with their path: many are called "build".
+QString itemLine(const SystemCleaner &cleaner, const CleanupItem &item)
+{
+    QString line = oneLine(item.customPath ? shownPath(*item.customPath) : item.name);
+    if (const auto bytes = cleaner.measuredBytes(item.id))
+        line += u" — "_s + formatByteCount(*bytes);
+    QStringList marks;
+    if (cleaner.isAdministrative(item.id))
+        marks.append(u"需要管理员权限"_s);
+    if (cleaner.forcedItems().contains(item.id) && cleaner.busyItems().contains(item.id))
+        marks.append(u"正在运行，仍要清理"_s);
+    if (const auto count = cleaner.excludedCount(item.id); count > 0)
+        marks.append(u"排除 %1 个条目"_s.arg(count));
+    return marks.isEmpty() ? line : line + u"（%1）"_s.arg(marks.join(u"，"_s));
+}
+
+// What is asked before the selected items are cleaned.
+NoticeSheet::Words cleanupQuestion(const SystemCleaner &cleaner)
+{
+    const QList<CleanupItem> items = cleaner.itemsToClean();
+    const qint64 bytes = cleaner.selectedBytes();
+    NoticeSheet::Words words;
+    words.symbol = u"trash"_s;
+    words.title = u"确认清理"_s;
+    words.message = u"将清理已选中的 %1 个项目%2，操作不可撤销。"_s.arg(items.size())
+                        .arg(bytes > 0 ? u"（约 %1）"_s.arg(formatByteCount(bytes)) : QString());
+    for (const CleanupItem &item : items)
+        words.details.append(itemLine(cleaner, item));
+    const QStringList skipped = cleaner.itemsToSkip();
+    if (!skipped.isEmpty())
+        words.message += u"另有 %1 个项目正在运行，将跳过。"_s.arg(skipped.size());
+    for (const QString &name : skipped)
+        words.details.append(u"跳过：%1（正在运行）"_s.arg(oneLine(name)));
+    words.confirm = u"清理"_s;
+    words.isDestructive = true;
+    return words;
 }
 
 } // namespace

@@ -1,9 +1,14 @@
 #include "views/cleanup/CleanupEntryList.h"
 
+#include "foundation/ByteCount.h"
+#include "foundation/OneLine.h"
+#include "views/PlainTip.h"
 #include "views/Theme.h"
-#include "views/cleanup/CleanupEntries.h"
 #include "views/components/CheckBox.h"
 
+#include <QAbstractListModel>
+#include <QFile>
+#include <QHash>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyledItemDelegate>
@@ -19,7 +24,107 @@ constexpr int lineHeight = 30;
 constexpr int mostLines = 8; // the rest scrolls
 constexpr int gap = 10;
 
+QString sizeText(const CleanupEntry &entry)
+{
+    return entry.bytes ? formatByteCount(*entry.bytes) : u"计算中…"_s;
+}
+
+bool areSamePaths(const QList<CleanupEntry> &one, const QList<CleanupEntry> &other)
+{
+    return std::ranges::equal(one, other, {}, &CleanupEntry::path, &CleanupEntry::path);
+}
+
 } // namespace
+
+class CleanupEntryList::Entries final : public QAbstractListModel {
+public:
+    enum Role { sizeRole = Qt::UserRole, pathRole };
+
+    using QAbstractListModel::QAbstractListModel;
+
+    void show(const QList<CleanupEntry> &entries);
+    const QList<CleanupEntry> &entries() const { return _entries; }
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+private:
+    void reorder(const QList<CleanupEntry> &entries);
+
+    QList<CleanupEntry> _entries;
+};
+
+void CleanupEntryList::Entries::show(const QList<CleanupEntry> &entries)
+{
+    if (entries.constData() == _entries.constData())
+        return;
+    if (entries.size() != _entries.size()) {
+        beginResetModel();
+        _entries = entries;
+        endResetModel();
+    } else if (areSamePaths(entries, _entries)) {
+        _entries = entries;
+        if (!entries.isEmpty())
+            Q_EMIT dataChanged(index(0), index(static_cast<int>(entries.size()) - 1));
+    } else {
+        reorder(entries);
+    }
+}
+
+void CleanupEntryList::Entries::reorder(const QList<CleanupEntry> &entries)
+{
+    Q_EMIT layoutAboutToBeChanged();
+    const QModelIndexList held = persistentIndexList();
+    QHash<QByteArray, int> places;
+    if (!held.isEmpty()) {
+        places.reserve(entries.size());
+        for (int row = 0; row < entries.size(); ++row)
+            places.insert(entries[row].path, row);
+    }
+    QModelIndexList moved;
+    for (const QModelIndex &old : held) {
+        const auto place = places.constFind(_entries[old.row()].path);
+        moved.append(place == places.cend() ? QModelIndex() : index(*place));
+    }
+    _entries = entries;
+    changePersistentIndexList(held, moved);
+    Q_EMIT layoutChanged();
+}
+
+int CleanupEntryList::Entries::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(_entries.size());
+}
+
+QVariant CleanupEntryList::Entries::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= _entries.size())
+        return {};
+    const CleanupEntry &entry = _entries[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+        return oneLine(entry.name);
+    case Qt::ToolTipRole:
+        return plainTip(oneLine(QFile::decodeName(entry.path)));
+    case Qt::CheckStateRole:
+        return entry.isIncluded ? Qt::Checked : Qt::Unchecked;
+    case Qt::AccessibleTextRole:
+        return u"%1，%2，%3"_s.arg(oneLine(entry.name), sizeText(entry),
+                                   entry.isIncluded ? u"将清理"_s : u"已排除"_s);
+    case sizeRole:
+        return sizeText(entry);
+    case pathRole:
+        return entry.path;
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags CleanupEntryList::Entries::flags(const QModelIndex &index) const
+{
+    return QAbstractListModel::flags(index) | Qt::ItemIsUserCheckable | Qt::ItemNeverHasChildren;
+}
 
 class CleanupEntryList::Line final : public QStyledItemDelegate {
 public:
@@ -43,7 +148,7 @@ public:
         const QRectF box(room.x(), room.y() + (lineHeight - CheckBox::side) / 2.0, CheckBox::side,
                          CheckBox::side);
         CheckBox::paint(*painter, _theme, box, isIncluded ? Qt::Checked : Qt::Unchecked, _list.isEnabled());
-        const QString size = index.data(CleanupEntries::sizeRole).toString();
+        const QString size = index.data(Entries::sizeRole).toString();
         const QFontMetrics metrics = option.fontMetrics;
         const int sizeWidth = metrics.horizontalAdvance(size);
         painter->setPen(_theme.color(ThemeColor::secondary));
@@ -74,7 +179,7 @@ private:
 };
 
 CleanupEntryList::CleanupEntryList(const Theme &theme, const QString &name, QWidget *parent)
-    : QListView(parent), _entries(new CleanupEntries(this))
+    : QListView(parent), _entries(new Entries(this))
 {
     setObjectName(name);
     setProperty("role", u"entries"_s);

@@ -6,11 +6,12 @@
 
 namespace velbrix {
 
-class CleanupEntries;
 class Theme;
 
-// The entries of an opened row, however many: only those in sight are drawn.
-// ↑↓ move, Space or a click leaves one out or takes it in again.
+// The entries of an opened row, however many: only the visible ones are drawn.
+// ↑↓ move, Space or a click excludes one or takes it in again. What stays keeps
+// its place: the current line, the selection and the scroll position survive
+// measuring and sorting.
 class CleanupEntryList final : public QListView {
     Q_OBJECT
 
@@ -27,10 +28,11 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
 
 private:
+    class Entries;
     class Line;
     void toggle(const QModelIndex &index);
 
-    CleanupEntries *_entries;
+    Entries *_entries;
 };
 
 } // namespace velbrix

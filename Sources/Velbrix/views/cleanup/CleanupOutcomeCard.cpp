@@ -1,10 +1,10 @@
 #include "views/cleanup/CleanupOutcomeCard.h"
 
 #include "app/AppServices.h"
+#include "foundation/ByteCount.h"
 #include "foundation/OneLine.h"
 #include "views/Follow.h"
 #include "views/ShownPath.h"
-#include "views/cleanup/CleanupWords.h"
 #include "views/components/Parts.h"
 #include "views/components/SymbolLabel.h"
 
@@ -27,6 +27,36 @@ namespace {
 
 constexpr int mostListHeight = 168;
 constexpr int padding = 16; // of the list
+
+// What was really freed, left alone and not begun. One statement a line.
+QString reportText(const CleanupReport &report)
+{
+    QStringList lines;
+    if (report.outcome.kind == CleanupPhase::Kind::done) {
+        const RemovalReport &removal = report.removal;
+        if (removal.removedFiles > 0 || removal.freedBytes > 0)
+            lines.append(u"实际释放 %1，共删除 %2 个文件"_s.arg(formatByteCount(removal.freedBytes))
+                             .arg(removal.removedFiles));
+        else if (report.outcome.cleanedCount == 0)
+            lines.append(u"没有需要删除的文件"_s);
+    }
+    if (report.wasCancelled)
+        lines.append(u"余下的没有清理"_s);
+    if (!report.skipped.isEmpty())
+        lines.append(u"因正在运行而跳过：%1"_s.arg(report.skipped.join(u"、"_s)));
+    return lines.join(u'\n');
+}
+
+// "有 3 个条目没有删除"; empty when all went.
+QString problemText(const RemovalReport &removal)
+{
+    if (removal.problemCount == 0)
+        return {};
+    const QString text = u"有 %1 个条目没有删除"_s.arg(removal.problemCount);
+    return removal.problemCount > removal.problems.size()
+               ? text + u"，列出前 %1 个"_s.arg(removal.problems.size())
+               : text;
+}
 
 } // namespace
 

@@ -5,7 +5,6 @@
 #include "views/Follow.h"
 #include "views/Theme.h"
 #include "views/cleanup/CleanupEntryList.h"
-#include "views/cleanup/CleanupWords.h"
 #include "views/components/CheckBox.h"
 #include "views/components/ElidedLabel.h"
 #include "views/components/Parts.h"
@@ -29,6 +28,20 @@ constexpr int symbolSide = 22;
 constexpr int openerSide = 28;
 constexpr int sizeWidth = 64;
 
+// Above the entries of an opened row.
+QString contentsText(const CleanupContents &contents)
+{
+    if (!contents.problem.isEmpty())
+        return contents.problem;
+    if (contents.entries.isEmpty())
+        return contents.isMeasuring ? u"正在读取…"_s : u"没有可清理的内容"_s;
+    const auto excluded = std::ranges::count(contents.entries, false, &CleanupEntry::isIncluded);
+    QString text = u"共 %1 个条目"_s.arg(contents.entries.size());
+    if (excluded > 0)
+        text += u"，已排除 %1 个"_s.arg(excluded);
+    return contents.isMeasuring ? text + u"，正在计算大小…"_s : text;
+}
+
 } // namespace
 
 CleanupRow::CleanupRow(const ViewContext &context, const CleanupItem &item, QWidget *parent)
@@ -41,7 +54,7 @@ CleanupRow::CleanupRow(const ViewContext &context, const CleanupItem &item, QWid
     rows->addWidget(makeLine(item));
 
     follow(_cleaner, &SystemCleaner::itemsChanged, this, [this] { showItem(); });
-    follow(_cleaner.opened(), &OpenedItems::contentsChanged, this, [this] { showContents(); });
+    follow(_cleaner.details(), &CleanupDetails::contentsChanged, this, [this] { showContents(); });
     const auto busy = [this] { showBusy(); };
     connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, busy);
     connect(&_cleaner, &SystemCleaner::busyItemsChanged, this, busy);
@@ -54,7 +67,7 @@ CleanupRow::CleanupRow(const ViewContext &context, const CleanupItem &item, QWid
             _remove->setEnabled(isFree);
         if (_entries)
             _entries->setEnabled(isFree);
-        _open->setVisible(_cleaner.opened().canOpen(_id)); // folders come and go
+        _open->setVisible(_cleaner.details().canOpen(_id)); // folders come and go
     });
     showBusy();
 }
@@ -144,10 +157,10 @@ void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
     _open->setSizePolicy(policy);
     places->addWidget(_open);
     connect(_open, &QPushButton::clicked, this, [this] {
-        if (_cleaner.opened().contents().contains(_id))
-            _cleaner.opened().close(_id);
+        if (_cleaner.details().contents().contains(_id))
+            _cleaner.details().close(_id);
         else
-            _cleaner.opened().open(_id);
+            _cleaner.details().open(_id);
     });
 }
 
@@ -165,7 +178,7 @@ QWidget *CleanupRow::makeContents(const CleanupItem &item)
     _entries->setAccessibleName(u"%1的内容"_s.arg(oneLine(item.name)));
     rows->addWidget(_entries);
     connect(_entries, &CleanupEntryList::wanted, this,
-            [this](const QByteArray &path, bool on) { _cleaner.opened().setIncluded(_id, path, on); });
+            [this](const QByteArray &path, bool on) { _cleaner.details().setIncluded(_id, path, on); });
     return contents;
 }
 
@@ -190,7 +203,7 @@ void CleanupRow::showBusy()
 
 void CleanupRow::showContents()
 {
-    const CleanupContentsById all = _cleaner.opened().contents();
+    const CleanupContentsById all = _cleaner.details().contents();
     const auto found = all.constFind(_id);
     const bool isOpened = found != all.cend();
     showOpened(isOpened);

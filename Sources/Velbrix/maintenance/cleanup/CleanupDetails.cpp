@@ -1,7 +1,9 @@
-#include "maintenance/cleanup/OpenedItems.h"
+#include "maintenance/cleanup/CleanupDetails.h"
 
 #include "foundation/Clock.h"
+#include "maintenance/cleanup/CleanupChoices.h"
 #include "maintenance/cleanup/CleanupTable.h"
+#include "maintenance/cleanup/ItemCleaner.h"
 #include "platform/DiskUsage.h"
 
 #include <QCoroFuture>
@@ -16,7 +18,8 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
-// Every update passes on the whole list, which can be very long.
+// Every update passes on the whole list, which can be very long: of a list that
+// is drawn at once no step is seen, a longer one must leave time to scroll.
 std::chrono::milliseconds betweenUpdates(qsizetype entries)
 {
     return entries < 2000 ? 150ms : 1000ms;
@@ -39,33 +42,31 @@ void sortBySize(CleanupContents &contents)
 
 } // namespace
 
-OpenedItems::OpenedItems(const CleanupTable &table, DiskUsage &usage, SettingsStore &settings, Clock &clock)
-    : _table(table), _usage(usage), _clock(clock), _leftOut(settings)
+CleanupDetails::CleanupDetails(const CleanupTable &table, CleanupChoices &choices, DiskUsage &usage,
+                               Clock &clock)
+    : _table(table), _choices(choices), _usage(usage), _clock(clock)
 {
-    QStringList ids;
-    for (const CleanupRule &rule : table.rules())
-        ids.append(rule.item.id);
-    _leftOut.load(ids);
 }
 
-OpenedItems::~OpenedItems()
+CleanupDetails::~CleanupDetails()
 {
     for (Cancellation &opening : _openings)
         opening.cancel();
 }
 
-bool OpenedItems::canOpen(const QString &id) const
+bool CleanupDetails::canOpen(const QString &id) const
 {
-    return id != trashItemId && !_table.emptiedFolders(id).isEmpty();
+    const CleanupRule *const rule = _table.rule(id);
+    return rule && id != trashItemId && !emptiedFolders(*rule).isEmpty();
 }
 
-void OpenedItems::open(const QString &id)
+void CleanupDetails::open(const QString &id)
 {
     if (canOpen(id) && !_openings.contains(id))
         measure(id);
 }
 
-void OpenedItems::close(const QString &id)
+void CleanupDetails::close(const QString &id)
 {
     if (!_openings.contains(id))
         return;
@@ -75,7 +76,7 @@ void OpenedItems::close(const QString &id)
     _contents = all;
 }
 
-void OpenedItems::lookAgain()
+void CleanupDetails::lookAgain()
 {
     for (const QString &id : _openings.keys()) {
         close(id);
@@ -83,7 +84,7 @@ void OpenedItems::lookAgain()
     }
 }
 
-QCoro::Task<> OpenedItems::measure(QString id)
+QCoro::Task<> CleanupDetails::measure(QString id)
 {
     const QPointer self(this);
     const Cancellation wanted;
@@ -92,16 +93,17 @@ QCoro::Task<> OpenedItems::measure(QString id)
     contents.isMeasuring = true;
     publish(id, contents);
 
-    const QStringList folders = _table.emptiedFolders(id);
-    auto listing = QtConcurrent::run(&cleanupThreads(), cleanableEntries, folders, _table.removalRules(id));
+    const CleanupRule &rule = *_table.rule(id); // it can be opened
+    const QStringList folders = emptiedFolders(rule);
+    auto listing = QtConcurrent::run(&cleanupThreads(), cleanableEntries, folders, _table.removalRules(rule));
     const CleanableEntries found = co_await listing;
     if (!self || wanted.isCancelled())
         co_return;
-    _leftOut.dropMissing(id, found.paths);
+    _choices.forgetMissing(id, found.paths);
     contents.problem = found.problem;
     for (const QByteArray &path : found.paths)
         contents.entries.append(
-            {path, shownName(path, folders.size() > 1), {}, !_leftOut.contains(id, path)});
+            {path, shownName(path, folders.size() > 1), {}, !_choices.isExcluded(id, path)});
     publish(id, contents);
 
     // Answers come while the user closes items and ticks entries.
@@ -131,16 +133,16 @@ QCoro::Task<> OpenedItems::measure(QString id)
     publish(id, complete);
 }
 
-void OpenedItems::publish(const QString &id, const CleanupContents &contents)
+void CleanupDetails::publish(const QString &id, const CleanupContents &contents)
 {
     CleanupContentsById all = _contents;
     all[id] = contents;
     _contents = all;
 }
 
-void OpenedItems::setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded)
+void CleanupDetails::setIncluded(const QString &id, const QByteArray &entryPath, bool isIncluded)
 {
-    _leftOut.set(id, entryPath, !isIncluded);
+    _choices.setExcluded(id, entryPath, !isIncluded);
     if (!_contents.value().contains(id))
         return;
     CleanupContents contents = _contents.value().value(id);
@@ -149,12 +151,6 @@ void OpenedItems::setIncluded(const QString &id, const QByteArray &entryPath, bo
         return;
     entry->isIncluded = isIncluded;
     publish(id, contents);
-}
-
-void OpenedItems::forget(const QString &id)
-{
-    close(id);
-    _leftOut.remove(id);
 }
 
 } // namespace velbrix
