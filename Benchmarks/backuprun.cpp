@@ -34,8 +34,8 @@ int main(int argc, char **argv)
     request.task.name = QFileInfo(words[2]).fileName();
     request.at = clock.now();
     const BackupOutcome outcome = request.task.kind == BackupTaskKind::sync
-                                      ? QCoro::waitFor(mirrorFolder(clock, request))
-                                      : QCoro::waitFor(archiveFolder(archiver, request));
+                                      ? QCoro::waitFor(runMirror(clock, request))
+                                      : QCoro::waitFor(runArchive(archiver, request));
     std::printf("%s\n", qPrintable(outcome.message));
     return outcome.state == BackupOutcome::State::done ? 0 : 1;
 }

@@ -74,7 +74,7 @@ struct Rig {
     {
         if (!controller)
             controller = std::make_unique<FileBackupController>(
-                FileBackupController::Hosts{archiver, notifications, sleep}, settings, clock);
+                FileBackupController::Ports{archiver, notifications, sleep}, settings, clock);
         return *controller;
     }
     // A day's tasks in the settings, without the checks of save().

@@ -1,9 +1,9 @@
 #include "maintenance/backup/MirrorRun.h"
 
 #include "foundation/SystemClock.h"
-#include "maintenance/backup/BackupPlaces.h"
-#include "maintenance/backup/MirrorComparison.h"
+#include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/RsyncOutput.h"
+#include "maintenance/backup/TreeComparison.h"
 #include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/PatientTest.h"
@@ -74,7 +74,7 @@ struct Rig {
 private:
     QCoro::Task<> drive()
     {
-        outcome = co_await mirrorFolder(clock, request, rsync);
+        outcome = co_await runMirror(clock, request, rsync);
         hasEnded = true;
     }
 };

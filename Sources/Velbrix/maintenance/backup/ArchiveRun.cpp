@@ -1,10 +1,9 @@
 #include "maintenance/backup/ArchiveRun.h"
 
 #include "foundation/ByteCount.h"
-#include "maintenance/backup/ArchiveList.h"
-#include "maintenance/backup/BackupDisk.h"
-#include "maintenance/backup/BackupPlaces.h"
-#include "maintenance/backup/MirrorComparison.h"
+#include "maintenance/backup/BackupChecks.h"
+#include "maintenance/backup/BackupNames.h"
+#include "maintenance/backup/TreeComparison.h"
 #include "platform/Archiver.h"
 
 #include <QCoroFuture>
@@ -13,15 +12,48 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 #include <QtConcurrent/QtConcurrentRun>
+#include <QtEndian>
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
+
+constexpr qint64 endSize = 22; // of the end of central directory record (APPNOTE 4.3.16), without its comment
+constexpr qint64 longestComment = 65535;
+
+// What was torn lacks its end.
+bool hasEnd(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() < endSize)
+        return false;
+    file.seek(std::max<qint64>(0, file.size() - endSize - longestComment));
+    const QByteArray tail = file.readAll();
+    for (auto end = tail.size() - endSize; end >= 0; --end) {
+        const auto *const record = tail.constData() + end;
+        if (std::memcmp(record, "PK\5\6", 4) == 0 &&
+            qFromLittleEndian<quint16>(record + 20) == tail.size() - end - endSize)
+            return true;
+    }
+    return false;
+}
+
+// Those that are not among the newest `keepLast`, of which the one that was
+// just made is the first whatever the clock says.
+QList<BackupArchiveInfo> archivesToPrune(const BackupTask &task, const QString &justMade)
+{
+    if (task.keepLast <= 0)
+        return {};
+    QList<BackupArchiveInfo> others = completeArchives(task);
+    others.removeIf([&](const BackupArchiveInfo &archive) { return archive.path == justMade; });
+    return others.mid(task.keepLast - 1);
+}
 
 struct Plan {
     QString obstacle;
@@ -73,7 +105,7 @@ void removeGrowing(const BackupTask &task)
 Plan plan(const BackupTask &task, const QDateTime &at, const Cancellation &cancellation)
 {
     Plan made;
-    made.obstacle = placesObstacle(task);
+    made.obstacle = runObstacle(task);
     if (!made.obstacle.isEmpty())
         return made;
     removeGrowing(task);
@@ -91,7 +123,7 @@ Plan plan(const BackupTask &task, const QDateTime &at, const Cancellation &cance
 Result<qint64> publish(const BackupTask &task, const Plan &made, qint64 filesInIt)
 {
     // What was there at the start may have gone on the way.
-    if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
+    if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
         return failure(obstacle);
     if (const auto published = publishFile(made.growing, made.archive); !published)
         return std::unexpected(published.error());
@@ -198,11 +230,24 @@ private:
 
 } // namespace
 
-QCoro::Task<BackupOutcome> archiveFolder(Archiver &archiver, BackupRunRequest request)
+QCoro::Task<BackupOutcome> runArchive(Archiver &archiver, BackupRunRequest request)
 {
     ArchiveRun run(archiver, std::move(request));
     const BackupOutcome outcome = co_await run.run();
     co_return BackupOutcome(outcome);
+}
+
+QList<BackupArchiveInfo> completeArchives(const BackupTask &task)
+{
+    QList<BackupArchiveInfo> found;
+    const QFileInfoList files =
+        QDir(task.destPath).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    for (const QFileInfo &file : files) {
+        if (const auto at = archiveTime(task, file.fileName()); at && hasEnd(file.filePath()))
+            found.append({file.filePath(), *at, file.size()});
+    }
+    std::ranges::sort(found, std::greater(), &BackupArchiveInfo::at);
+    return found;
 }
 
 } // namespace velbrix

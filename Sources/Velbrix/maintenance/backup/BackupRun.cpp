@@ -1,10 +1,47 @@
 #include "maintenance/backup/BackupRun.h"
 
+#include "foundation/Paths.h"
+#include "foundation/Removal.h"
+
+#include <QFile>
+#include <QFileInfo>
 #include <QThreadPool>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
+
+QString systemReason(int error)
+{
+    if (error == EACCES || error == EPERM)
+        return u"没有权限"_s;
+    if (error == EROFS)
+        return u"磁盘是只读的"_s;
+    if (error == ENOSPC || error == EDQUOT)
+        return u"磁盘已满"_s;
+    if (error == EEXIST || error == ENOTDIR)
+        return u"已有同名的文件"_s;
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+int synced(const QString &path, int flags)
+{
+    const int opened = ::open(QFile::encodeName(path).constData(), flags | O_RDONLY | O_CLOEXEC);
+    if (opened < 0)
+        return errno;
+    const int error = ::fsync(opened) == 0 ? 0 : errno;
+    ::close(opened);
+    return error;
+}
+
+} // namespace
 
 BackupOutcome BackupOutcome::cancelled()
 {
@@ -20,6 +57,55 @@ QThreadPool &backupWorkers()
         return made;
     }();
     return *pool;
+}
+
+void removeOwn(const BackupTask &task, const QString &folder,
+               const std::function<bool(const QString &)> &isOurs)
+{
+    const QByteArray canonical = canonicalPath(QFile::encodeName(folder));
+    if (canonical.isEmpty())
+        return;
+    RemovalRules rules;
+    rules.boundSockets = QSet<QByteArray>();
+    // Documents or a whole disk may be a destination; what is removed there has a name of ours.
+    rules.protectedPlaces = protectedHostPlaces();
+    rules.protectedPlaces.removeAll(canonical);
+    if (const QString source = QFileInfo(task.sourcePath).canonicalFilePath(); !source.isEmpty())
+        rules.protectedPlaces.append(QFile::encodeName(source));
+    rules.protectedPlaces.removeAll(canonical);
+    const RemovalRoot root(canonical, rules);
+    if (!root.isOpen())
+        return;
+    for (const QByteArray &entry : root.entries()) {
+        const QString name = QFile::decodeName(entry);
+        if (QFile::encodeName(name) == entry && isOurs(name))
+            root.remove(entry, Cancellation());
+    }
+}
+
+Result<void> publishFile(const QString &from, const QString &to)
+{
+    if (const int error = synced(from, 0); error != 0)
+        return failure(systemReason(error));
+    QFile file(from);
+    if (!file.rename(to))
+        return failure(file.errorString());
+    // The name survives a power cut only once its folder has reached the disk, too.
+    (void)synced(QFileInfo(to).absolutePath(), O_DIRECTORY);
+    return {};
+}
+
+Result<void> makeFolder(const QString &path, mode_t mode)
+{
+    if (QFileInfo(path).isSymLink())
+        return failure(u"“%1”是一个链接"_s.arg(path));
+    if (::mkdir(QFile::encodeName(path).constData(), mode) == 0)
+        return {};
+    const int error = errno;
+    const QFileInfo there(path);
+    if (error == EEXIST && there.isDir() && !there.isSymLink())
+        return {};
+    return failure(systemReason(error));
 }
 
 } // namespace velbrix

@@ -1,18 +1,21 @@
 #pragma once
 
 #include "foundation/ProcessRunner.h"
-#include "maintenance/backup/BackupTypes.h"
+#include "foundation/Result.h"
+#include "maintenance/backup/BackupTask.h"
 
 #include <QCoroTask>
 #include <QDateTime>
 #include <QString>
 
 #include <functional>
+#include <sys/types.h>
 
 class QThreadPool;
 
 namespace velbrix {
 
+// How a run has ended.
 struct BackupOutcome {
     enum class State { done, failed, cancelled };
 
@@ -38,5 +41,18 @@ struct BackupRunRequest {
 
 // For work on disks that may be slow or gone; never waited for.
 QThreadPool &backupWorkers();
+
+// What runs do on the disk. Blocking: for backupWorkers().
+
+// Removes the entries that `isOurs` knows from a folder that a task writes.
+// The source of the task is never touched.
+void removeOwn(const BackupTask &task, const QString &folder,
+               const std::function<bool(const QString &)> &isOurs);
+
+// Gives the file its name once it has reached the disk; nothing is replaced.
+Result<void> publishFile(const QString &from, const QString &to);
+// It may be there already, but not as a link. The folder around it is not made:
+// without it a disk is not mounted.
+Result<void> makeFolder(const QString &path, mode_t mode = 0777);
 
 } // namespace velbrix

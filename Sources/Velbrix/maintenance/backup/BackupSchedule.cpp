@@ -1,5 +1,6 @@
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupSchedule.h"
 
+#include <QTime>
 #include <QTimeZone>
 
 #include <algorithm>

@@ -1,16 +1,14 @@
 #include "maintenance/backup/FileBackupController.h"
 
-#include "maintenance/backup/ArchiveList.h"
-#include "maintenance/backup/ArchiveRun.h"
-#include "maintenance/backup/BackupInspection.h"
-#include "maintenance/backup/BackupNotices.h"
-#include "maintenance/backup/BackupTaskChanges.h"
+#include "maintenance/backup/BackupChecks.h"
+#include "maintenance/backup/BackupNotifications.h"
 #include "maintenance/backup/MirrorRun.h"
 #include "platform/SystemSleep.h"
 #include "platform/UserNotifications.h"
 
 #include <QCoroFuture>
 #include <QPointer>
+#include <QUuid>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -25,6 +23,75 @@ namespace {
 constexpr auto catchUpDelay = 60s; // a start is busy enough
 constexpr auto wakeDelay = 10s;    // disks and the network come back
 
+void takeResults(BackupTask &task, const BackupTask &from)
+{
+    task.lastRunAt = from.lastRunAt;
+    task.lastResult = from.lastResult;
+    task.lastFailed = from.lastFailed;
+    task.lastCancelled = from.lastCancelled;
+}
+
+// Replaces the task of the same id, or appends a new one when there is none,
+// and answers with it. Its next time is computed and its failures are
+// forgotten; what runs have written is not taken from the edited one.
+BackupTask enterTask(BackupTask edited, QList<BackupTask> &tasks, const QDateTime &now)
+{
+    edited.nextRunAt = nextRun(edited.schedule, now);
+    forgetFailures(edited);
+    const auto known = std::ranges::find(tasks, edited.id, &BackupTask::id);
+    if (known != tasks.end() && !edited.id.isEmpty()) {
+        takeResults(edited, *known);
+        *known = edited;
+    } else {
+        takeResults(edited, {});
+        edited.id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+        tasks.append(edited);
+    }
+    return edited;
+}
+
+// What came due while it was off was not missed.
+void setTaskEnabled(BackupTask &task, bool isEnabled, const QDateTime &now)
+{
+    if (isEnabled && !task.isEnabled && task.nextRunAt <= now)
+        task.nextRunAt = nextRun(task.schedule, now);
+    task.isEnabled = isEnabled;
+}
+
+// A next time that is missing, or that a wrong clock has computed, is made anew.
+void correctNextRuns(QList<BackupTask> &tasks, const QDateTime &now)
+{
+    for (BackupTask &task : tasks) {
+        if (!task.nextRunAt.isValid() || isTooFarAhead(task.schedule, task.nextRunAt, now))
+            task.nextRunAt = nextRun(task.schedule, now);
+    }
+}
+
+bool isDue(const BackupTask &task, const QDateTime &now)
+{
+    return task.isEnabled && task.nextRunAt <= now;
+}
+
+// The one that has waited longest first.
+QList<BackupTask> dueTasks(QList<BackupTask> tasks, const QDateTime &now)
+{
+    tasks.removeIf([&](const BackupTask &task) { return !isDue(task, now); });
+    std::ranges::sort(tasks, {}, &BackupTask::nextRunAt);
+    return tasks;
+}
+
+// What the task keeps of a run that has ended so.
+void enterOutcome(const BackupOutcome &outcome, BackupTask &task, const QDateTime &now)
+{
+    task.lastRunAt = now;
+    task.lastResult = outcome.message;
+    task.lastFailed = outcome.state == BackupOutcome::State::failed;
+    task.lastCancelled = outcome.state == BackupOutcome::State::cancelled;
+    task.nextRunAt = nextRun(task.schedule, now);
+    if (outcome.state == BackupOutcome::State::done)
+        forgetFailures(task);
+}
+
 QCoro::Task<bool> nobodyAgrees()
 {
     co_return false;
@@ -32,14 +99,9 @@ QCoro::Task<bool> nobodyAgrees()
 
 } // namespace
 
-FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings, Clock &clock,
+FileBackupController::FileBackupController(Ports ports, SettingsStore &settings, Clock &clock,
                                            QObject *parent)
-    : QObject(parent),
-      _hosts(hosts),
-      _clock(clock),
-      _store(settings),
-      _answer(clock),
-      _restorer(hosts.archiver)
+    : QObject(parent), _ports(ports), _clock(clock), _store(settings), _restorer(ports.archiver)
 {
     _tasks = _store.load();
     _storageProblem = _store.problem();
@@ -56,6 +118,7 @@ FileBackupController::FileBackupController(Hosts hosts, SettingsStore &settings,
 FileBackupController::~FileBackupController()
 {
     _runCancellation.cancel();
+    stopWaiting(false);
 }
 
 Job::State FileBackupController::jobState() const
@@ -77,7 +140,7 @@ QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
 {
     task = normalised(std::move(task));
     const QPointer self(this);
-    const QFuture<BackupInspection> inspection = QtConcurrent::run(&backupWorkers(), inspectPlaces, task);
+    const QFuture<BackupInspection> inspection = QtConcurrent::run(&backupWorkers(), inspectBackup, task);
     const BackupInspection seen = co_await inspection;
     if (!self)
         co_return failure(u"程序正在退出"_s);
@@ -167,7 +230,7 @@ void FileBackupController::observeWaking()
     if (tasks().isEmpty())
         _waking.reset();
     else if (!_waking)
-        _waking = _hosts.sleep.observeWaking([this] { pollAfter(wakeDelay); });
+        _waking = _ports.sleep.observeWaking([this] { pollAfter(wakeDelay); });
 }
 
 void FileBackupController::poll()
@@ -176,7 +239,7 @@ void FileBackupController::poll()
     const QDateTime now = _clock.now();
     QList<BackupTask> tasks = _tasks;
     for (BackupTask &task : tasks)
-        notify(noticeOfDelay(task, now));
+        notify(delayNotification(task, now));
     if (tasks != _tasks.value())
         store(tasks);
     if (_isRunningBackup)
@@ -192,7 +255,8 @@ void FileBackupController::abandonQuestion()
     const auto waits = [&](const BackupTask &task) {
         return isDue(task, now) && task.id != _currentRunningTaskID.value();
     };
-    if (_answer.isWaitedForSince(checkInterval) && std::ranges::any_of(_tasks.value(), waits))
+    const bool hasWaitedLong = _answer && _clock.uptime() - _askedAt >= checkInterval;
+    if (hasWaitedLong && std::ranges::any_of(_tasks.value(), waits))
         answer(false);
 }
 
@@ -234,9 +298,9 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
         };
     BackupOutcome outcome;
     if (task.kind == BackupTaskKind::sync)
-        outcome = co_await mirrorFolder(_clock, std::move(request));
+        outcome = co_await runMirror(_clock, std::move(request));
     else
-        outcome = co_await archiveFolder(_hosts.archiver, std::move(request));
+        outcome = co_await runArchive(_ports.archiver, std::move(request));
     if (self)
         finish(task, outcome, occasion);
 }
@@ -244,31 +308,35 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
 void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion)
 {
     const QDateTime now = _clock.now();
-    std::optional<UserNotice> notice;
+    std::optional<UserNotice> notification;
     change(asRun.id, [&](BackupTask &task) {
         enterOutcome(outcome, task, now);
         if (task.lastFailed && occasion == Occasion::onSchedule)
-            notice = noticeOfFailure(task, asRun.nextRunAt, now);
+            notification = failureNotification(task, asRun.nextRunAt, now);
     });
     _runningProgress = QString();
     _runningShare = -1;
     _currentRunningTaskID = std::nullopt;
     _isRunningBackup = false;
-    notify(notice);
+    notify(notification);
     Q_EMIT runFinished(asRun.id);
 }
 
-void FileBackupController::notify(const std::optional<UserNotice> &notice)
+void FileBackupController::notify(const std::optional<UserNotice> &notification)
 {
-    if (notice)
-        _hosts.notifications.post(*notice);
+    if (notification)
+        _ports.notifications.post(*notification);
 }
 
 QCoro::Task<bool> FileBackupController::ask(BackupQuestion question)
 {
-    auto answer = _answer.wait();
+    _answer = std::make_shared<QPromise<bool>>();
+    _answer->start();
+    _askedAt = _clock.uptime();
+    const QFuture<bool> answer = _answer->future();
     _question = question;
-    return answer;
+    const bool isYes = co_await answer;
+    co_return bool(isYes);
 }
 
 void FileBackupController::answer(bool isYes)
@@ -276,7 +344,15 @@ void FileBackupController::answer(bool isYes)
     if (!_question.value())
         return;
     _question = std::nullopt;
-    _answer.give(isYes);
+    stopWaiting(isYes);
+}
+
+void FileBackupController::stopWaiting(bool isYes)
+{
+    if (const auto waiting = std::exchange(_answer, nullptr)) {
+        waiting->addResult(isYes);
+        waiting->finish();
+    }
 }
 
 void FileBackupController::change(const QString &id, const std::function<void(BackupTask &)> &edit)

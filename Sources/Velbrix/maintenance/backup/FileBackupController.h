@@ -5,16 +5,15 @@
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "foundation/Result.h"
-#include "maintenance/backup/ArchiveList.h"
 #include "maintenance/backup/ArchiveRestorer.h"
-#include "maintenance/backup/AwaitedAnswer.h"
+#include "maintenance/backup/ArchiveRun.h"
 #include "maintenance/backup/BackupRun.h"
-#include "maintenance/backup/BackupTaskStore.h"
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupTask.h"
 
 #include <QCoroTask>
 #include <QList>
 #include <QObject>
+#include <QPromise>
 
 #include <chrono>
 #include <functional>
@@ -53,13 +52,13 @@ class FileBackupController final : public QObject {
 public:
     static constexpr std::chrono::seconds checkInterval{300};
 
-    struct Hosts {
+    struct Ports {
         Archiver &archiver;
         UserNotifications &notifications;
         SystemSleep &sleep;
     };
 
-    FileBackupController(Hosts hosts, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
+    FileBackupController(Ports ports, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
     ~FileBackupController() override;
 
     // The failure is for the user. A task without an id is new; an empty name
@@ -103,15 +102,16 @@ private:
     QCoro::Task<> runDue();
     QCoro::Task<> run(BackupTask task, Occasion occasion);
     void finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion);
-    void notify(const std::optional<UserNotice> &notice);
+    void notify(const std::optional<UserNotice> &notification);
     QCoro::Task<bool> ask(BackupQuestion question);
     void answer(bool isYes);
     void abandonQuestion();
+    void stopWaiting(bool isYes);
     // Stored at once. Does nothing when there is no such task.
     void change(const QString &id, const std::function<void(BackupTask &)> &edit);
     void store(const QList<BackupTask> &tasks);
 
-    Hosts _hosts;
+    Ports _ports;
     Clock &_clock;
     BackupTaskStore _store;
     std::unique_ptr<Alarm> _pollTimer;
@@ -119,7 +119,8 @@ private:
     Observation _waking; // while there are tasks
     bool _isPolling = false;
     Cancellation _runCancellation;
-    AwaitedAnswer _answer;
+    std::shared_ptr<QPromise<bool>> _answer; // while a run waits for one
+    std::chrono::milliseconds _askedAt{0};
     ArchiveRestorer _restorer;
     Job _job{[this] { return jobState(); }, [this] { cancelAll(); }};
 };

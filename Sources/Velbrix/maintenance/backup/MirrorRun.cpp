@@ -1,10 +1,10 @@
 #include "maintenance/backup/MirrorRun.h"
 
 #include "foundation/Paths.h"
-#include "maintenance/backup/BackupDisk.h"
-#include "maintenance/backup/BackupPlaces.h"
-#include "maintenance/backup/MirrorComparison.h"
+#include "maintenance/backup/BackupChecks.h"
+#include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/RsyncOutput.h"
+#include "maintenance/backup/TreeComparison.h"
 
 #include <QCoroFuture>
 #include <QDir>
@@ -24,9 +24,11 @@ namespace velbrix {
 namespace {
 
 constexpr auto progressInterval = 100ms;
+// Up to so many, or so large a part of the mirror, are a day's tidying; more
+// looks like a source that has lost its files.
 constexpr qint64 harmlessDeletions = 50;
 constexpr qint64 harmlessPercent = 20;
-constexpr int keptDays = 30;
+constexpr int keptDays = 30; // the page promises it
 
 struct Survey {
     QString obstacle;
@@ -36,7 +38,7 @@ struct Survey {
 // Takes away what has been set aside for long enough and looks at both sides.
 Survey survey(const BackupTask &task, const QDateTime &now, const Cancellation &cancellation)
 {
-    if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
+    if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
         return {obstacle, {}};
     if (!QFileInfo(setAsideFolder(task)).isSymLink())
         removeOwn(task, setAsideFolder(task), [&](const QString &name) {
@@ -67,7 +69,7 @@ QString freeSetAsideFolder(const BackupTask &task, QDateTime at)
 // was: a question may have been open, and a disk unmounted meanwhile.
 Result<QString> prepare(const BackupTask &task, const QDateTime &at, qint64 mirrorFiles)
 {
-    if (const QString obstacle = placesObstacle(task); !obstacle.isEmpty())
+    if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
         return failure(obstacle);
     if (mirrorFiles > 0 && isEmptyFolder(task.sourcePath))
         return failure(emptyObstacle(mirrorFiles));
@@ -103,6 +105,7 @@ QStringList rsyncArguments(const BackupTask &task, const QString &setAside, cons
     return arguments << withSlash(task.sourcePath) << withSlash(mirrorFolder(task));
 }
 
+// The exit values of rsync's manual page.
 QString reasonOf(int status)
 {
     switch (status) {
@@ -247,7 +250,7 @@ private:
 
 } // namespace
 
-QCoro::Task<BackupOutcome> mirrorFolder(Clock &clock, BackupRunRequest request, QString rsync)
+QCoro::Task<BackupOutcome> runMirror(Clock &clock, BackupRunRequest request, QString rsync)
 {
     MirrorRun run(clock, std::move(request), std::move(rsync));
     const BackupOutcome outcome = co_await run.run();

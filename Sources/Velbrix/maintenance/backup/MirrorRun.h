@@ -9,7 +9,7 @@ namespace velbrix {
 
 // Makes the task's mirror equal to its source, with the rsync at that path. Main
 // thread; the clock must outlive the run.
-QCoro::Task<BackupOutcome> mirrorFolder(Clock &clock, BackupRunRequest request,
-                                        QString rsync = QStringLiteral("/usr/bin/rsync"));
+QCoro::Task<BackupOutcome> runMirror(Clock &clock, BackupRunRequest request,
+                                     QString rsync = QStringLiteral("/usr/bin/rsync"));
 
 } // namespace velbrix

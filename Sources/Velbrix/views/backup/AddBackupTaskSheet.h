@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/Result.h"
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupTask.h"
 #include "views/ViewContext.h"
 #include "views/components/Sheet.h"
 

@@ -1,7 +1,7 @@
 #include "views/backup/BackupTaskCard.h"
 
 #include "app/AppServices.h"
-#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/BackupNames.h"
 #include "views/Follow.h"
 #include "views/Reveal.h"
 #include "views/ShownName.h"

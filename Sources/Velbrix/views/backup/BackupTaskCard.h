@@ -1,6 +1,6 @@
 #pragma once
 
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupTask.h"
 #include "views/ViewContext.h"
 #include "views/components/Card.h"
 

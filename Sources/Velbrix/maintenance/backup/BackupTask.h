@@ -1,5 +1,7 @@
 #pragma once
 
+#include "maintenance/backup/BackupSchedule.h"
+
 #include <QDateTime>
 #include <QJsonObject>
 #include <QList>
@@ -10,18 +12,9 @@
 
 namespace velbrix {
 
+class SettingsStore;
+
 enum class BackupTaskKind { backup, sync };
-enum class BackupScheduleKind { daily, monthly, yearly };
-
-struct BackupScheduleTime {
-    BackupScheduleKind kind = BackupScheduleKind::daily;
-    int hour = 9;       // 0…23
-    int minute = 0;     // 0…59
-    int dayOfMonth = 1; // 1…31 as entered; runs on the 28th at the latest
-    int month = 1;      // 1…12
-
-    bool operator==(const BackupScheduleTime &) const = default;
-};
 
 struct BackupTask {
     QString id;
@@ -62,23 +55,21 @@ QJsonObject toJson(const BackupTask &task);
 // seconds since 2001-01-01, or ISO 8601; one that is neither is invalid.
 std::optional<BackupTask> backupTaskFromJson(const QJsonObject &json);
 
-// The first time after the instant, in its time zone. A time that a change of
-// the clocks leaves out comes as soon as the clocks have passed it, one that
-// comes twice the first time.
-QDateTime nextRun(const BackupScheduleTime &schedule, const QDateTime &after);
+// The tasks in the settings, as one list.
+class BackupTaskStore {
+public:
+    explicit BackupTaskStore(SettingsStore &settings) : _settings(settings) {}
 
-// Later than any correct next time: the clock was wrong when it was computed.
-bool isTooFarAhead(const BackupScheduleTime &schedule, const QDateTime &nextRunAt, const QDateTime &now);
+    // What cannot be read is kept under another key and told of in problem().
+    QList<BackupTask> load();
+    void save(const QList<BackupTask> &tasks);
+    const QString &problem() const { return _problem; }
 
-// Why the task cannot be saved, in words for the user; else empty. Source and
-// destination are looked at on the disk: call it off the main thread.
-QString backupObstacle(const BackupTask &task);
-// Why it cannot be beside the others: they would write over each other, or copy
-// each other's copies without end. Looks at the paths only; the task itself may
-// be among the others.
-QString backupConflict(const BackupTask &task, const QList<BackupTask> &others);
+private:
+    void keepAside(const QJsonValue &unreadable);
 
-// "每天 09:00", "每月 28 日 09:00", "每年 3 月 1 日 09:00".
-QString scheduleText(const BackupScheduleTime &schedule);
+    SettingsStore &_settings;
+    QString _problem;
+};
 
 } // namespace velbrix

@@ -1,7 +1,11 @@
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupTask.h"
+
+#include "foundation/SettingsStore.h"
 
 #include <QDir>
 #include <QJsonArray>
+#include <QSet>
+#include <QUuid>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +16,9 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
+
+const QString defaultsKey = u"Velbrix_FileBackupTasks_v2"_s;
+const QString unreadableKey = defaultsKey + u"_unreadable"_s;
 
 constexpr qint64 referenceSecs = 978307200; // 2001-01-01 00:00 UTC since 1970
 constexpr double furthestSecs = 1e11;       // some three thousand years
@@ -144,6 +151,19 @@ std::optional<BackupScheduleTime> scheduleFrom(const QJsonObject &json)
     return reader.isSound() ? std::optional(schedule) : std::nullopt;
 }
 
+QJsonValue storedValue(const SettingsStore &settings)
+{
+    if (const auto value = settings.json(defaultsKey))
+        return *value;
+    if (const auto value = settings.string(defaultsKey))
+        return *value;
+    if (const auto value = settings.real(defaultsKey))
+        return *value;
+    if (const auto value = settings.boolean(defaultsKey))
+        return *value;
+    return {};
+}
+
 } // namespace
 
 BackupTask normalised(BackupTask task)
@@ -224,6 +244,54 @@ std::optional<BackupTask> backupTaskFromJson(const QJsonObject &json)
     if (!reader.isSound() || task.id.isEmpty() || task.sourcePath.isEmpty() || task.destPath.isEmpty())
         return std::nullopt;
     return task;
+}
+
+QList<BackupTask> BackupTaskStore::load()
+{
+    const QJsonValue stored = storedValue(_settings);
+    if (!stored.isArray()) {
+        if (!stored.isNull()) {
+            keepAside(stored);
+            _problem = u"备份任务无法读取，原内容已保留在设置项 "_s + unreadableKey;
+        }
+        return {};
+    }
+    QList<BackupTask> tasks;
+    QSet<QString> ids;
+    int unreadable = 0;
+    const QJsonArray list = stored.toArray();
+    for (const QJsonValue &entry : list) {
+        auto task = backupTaskFromJson(entry.toObject());
+        if (!task) {
+            keepAside(entry);
+            ++unreadable;
+            continue;
+        }
+        if (ids.contains(task->id))
+            task->id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+        ids.insert(task->id);
+        tasks.append(normalised(*task));
+    }
+    if (unreadable > 0)
+        _problem = u"%1 个备份任务无法读取，原内容已保留在设置项 %2"_s.arg(unreadable).arg(unreadableKey);
+    return tasks;
+}
+
+void BackupTaskStore::save(const QList<BackupTask> &tasks)
+{
+    QJsonArray list;
+    for (const BackupTask &task : tasks)
+        list.append(toJson(task));
+    _settings.set(defaultsKey, list);
+}
+
+void BackupTaskStore::keepAside(const QJsonValue &unreadable)
+{
+    QJsonArray kept = _settings.json(unreadableKey).value_or(QJsonArray()).toArray();
+    if (kept.contains(unreadable))
+        return;
+    kept.append(unreadable);
+    _settings.set(unreadableKey, kept);
 }
 
 } // namespace velbrix

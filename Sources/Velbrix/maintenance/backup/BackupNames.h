@@ -1,6 +1,6 @@
 #pragma once
 
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupTask.h"
 
 #include <QString>
 
@@ -8,7 +8,7 @@
 
 namespace velbrix {
 
-// What a task writes in its destination. Paths are absolute; nothing here
+// The names of what a task writes in its destination. Paths are absolute; nothing here
 // looks at the disk.
 
 // The task's name as part of a file's name.

@@ -1,4 +1,4 @@
-#include "maintenance/backup/BackupPlaces.h"
+#include "maintenance/backup/BackupNames.h"
 
 #include <QDir>
 

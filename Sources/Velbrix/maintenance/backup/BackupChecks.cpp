@@ -1,10 +1,12 @@
+#include "maintenance/backup/BackupChecks.h"
+
 #include "foundation/ExcludeRules.h"
 #include "foundation/Paths.h"
-#include "maintenance/backup/BackupPlaces.h"
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupNames.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStorageInfo>
 
 #include <algorithm>
 
@@ -114,9 +116,7 @@ std::optional<BackupTask> partnerInLoop(const BackupTask &task, const QList<Back
     return std::nullopt;
 }
 
-} // namespace
-
-QString backupObstacle(const BackupTask &task)
+QString savingObstacle(const BackupTask &task)
 {
     if (task.sourcePath.isEmpty() || task.destPath.isEmpty())
         return u"请选择源文件夹和保存目录"_s;
@@ -128,6 +128,25 @@ QString backupObstacle(const BackupTask &task)
     const QString destination = resolvedPath(task.destPath);
     return task.kind == BackupTaskKind::sync ? mirrorObstacle(task, source, destination)
                                              : archiveObstacle(task, source, destination);
+}
+
+bool isOnAnotherDisk(const QString &path, const QString &volume)
+{
+    return !volume.isEmpty() && QStorageInfo(path).rootPath() != volume;
+}
+
+} // namespace
+
+BackupInspection inspectBackup(const BackupTask &task)
+{
+    BackupInspection seen{.obstacle = savingObstacle(task)};
+    if (seen.obstacle.isEmpty()) {
+        seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
+        seen.destVolume = QStorageInfo(task.destPath).rootPath();
+        seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
+        seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
+    }
+    return seen;
 }
 
 QString backupConflict(const BackupTask &task, const QList<BackupTask> &others)
@@ -150,6 +169,25 @@ QString backupConflict(const BackupTask &task, const QList<BackupTask> &others)
         return u"与任务“%1”互相备份：每次运行都会把对方的副本再复制一遍，越来越大；请换一个保存目录，或将副本加入排除项"_s
             .arg(partner->name);
     return {};
+}
+
+QString backupConflict(const BackupTask &task, const BackupInspection &seen, const QList<BackupTask> &others)
+{
+    BackupTask real = task;
+    real.sourcePath = seen.realSource;
+    real.destPath = seen.realDestination;
+    const QString asWritten = backupConflict(task, others);
+    return asWritten.isEmpty() ? backupConflict(real, others) : asWritten;
+}
+
+QString runObstacle(const BackupTask &task)
+{
+    if (!QFileInfo(task.destPath).isDir() || isOnAnotherDisk(task.destPath, task.destVolume))
+        return u"保存目录所在的磁盘没有连接，或保存目录已被移走：%1"_s.arg(task.destPath);
+    if (!QFileInfo(task.sourcePath).isDir() || isOnAnotherDisk(task.sourcePath, task.sourceVolume))
+        return u"源文件夹不在了，或其所在的磁盘没有连接：%1"_s.arg(task.sourcePath);
+    // A link may lead elsewhere than when the task was saved.
+    return savingObstacle(task);
 }
 
 } // namespace velbrix

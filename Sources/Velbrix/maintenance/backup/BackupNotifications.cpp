@@ -1,4 +1,4 @@
-#include "maintenance/backup/BackupNotices.h"
+#include "maintenance/backup/BackupNotifications.h"
 
 #include <algorithm>
 
@@ -7,9 +7,9 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr qint64 patienceSecs = 3 * 24 * 3600;
+constexpr qint64 patienceSecs = 3 * 24 * 3600; // a disk may be away over a weekend
 
-UserNotice notice(const BackupTask &task, const QString &title, const QString &body)
+UserNotice notification(const BackupTask &task, const QString &title, const QString &body)
 {
     return {u"velbrix.backup."_s + task.id, title, body};
 }
@@ -23,28 +23,29 @@ QString withoutFigures(QString message)
 
 } // namespace
 
-std::optional<UserNotice> noticeOfFailure(BackupTask &task, const QDateTime &due, const QDateTime &now)
+std::optional<UserNotice> failureNotification(BackupTask &task, const QDateTime &due, const QDateTime &now)
 {
     if (!task.failingSince)
         task.failingSince = std::min(due, now);
     const QString message = task.lastResult.value_or(QString());
     const bool isTold = withoutFigures(message) == task.toldFailure;
     task.toldFailure = withoutFigures(message);
-    if (const auto delay = noticeOfDelay(task, now))
+    if (const auto delay = delayNotification(task, now))
         return delay;
     if (isTold)
         return std::nullopt;
-    return notice(task, u"“%1”没有完成"_s.arg(task.name), message);
+    return notification(task, u"“%1”没有完成"_s.arg(task.name), message);
 }
 
-std::optional<UserNotice> noticeOfDelay(BackupTask &task, const QDateTime &now)
+std::optional<UserNotice> delayNotification(BackupTask &task, const QDateTime &now)
 {
     if (!task.isEnabled || !task.failingSince || task.toldOverdue ||
         task.failingSince->secsTo(now) <= patienceSecs)
         return std::nullopt;
     task.toldOverdue = true;
-    return notice(task, u"“%1”已逾期 %2 天"_s.arg(task.name, QString::number(task.failingSince->daysTo(now))),
-                  task.lastResult.value_or(QString()));
+    return notification(task,
+                        u"“%1”已逾期 %2 天"_s.arg(task.name, QString::number(task.failingSince->daysTo(now))),
+                        task.lastResult.value_or(QString()));
 }
 
 void forgetFailures(BackupTask &task)

@@ -1,8 +1,8 @@
-#include "maintenance/backup/BackupTypes.h"
+#include "maintenance/backup/BackupTask.h"
 
 #include "foundation/SettingsStore.h"
-#include "maintenance/backup/BackupPlaces.h"
-#include "maintenance/backup/BackupTaskStore.h"
+#include "maintenance/backup/BackupChecks.h"
+#include "maintenance/backup/BackupNames.h"
 #include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/MemorySettings.h"
@@ -79,7 +79,7 @@ BackupScheduleTime yearly(int month, int day, int hour, int minute)
 
 } // namespace
 
-class BackupTypesTest : public QObject {
+class BackupTaskTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -324,7 +324,7 @@ private Q_SLOTS:
         task.sourcePath = source.isEmpty() ? source : dir.filePath(source);
         task.destPath = destination.isEmpty() ? destination : QDir::cleanPath(dir.filePath(destination));
         task.excludes = excludes;
-        const QString obstacle = backupObstacle(task);
+        const QString obstacle = inspectBackup(task).obstacle;
         QVERIFY2(obstacle.startsWith(begins) && obstacle.isEmpty() == begins.isEmpty(), qPrintable(obstacle));
     }
 
@@ -385,5 +385,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(BackupTypesTest)
-#include "BackupTypesTest.moc"
+QTEST_GUILESS_MAIN(BackupTaskTest)
+#include "BackupTaskTest.moc"

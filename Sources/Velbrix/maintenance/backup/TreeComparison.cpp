@@ -1,4 +1,4 @@
-#include "maintenance/backup/MirrorComparison.h"
+#include "maintenance/backup/TreeComparison.h"
 
 #include <QHash>
 
