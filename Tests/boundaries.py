@@ -6,6 +6,8 @@ import sys
 
 HOST = r'platform/(linux|macos)/'
 FEATURES = ('remote', 'wallpaper', 'capture', 'tools', 'maintenance', 'steam')
+# Rooms of one feature that stand beside each other: what they share lies in the folder around them.
+NEIGHBOURS = ('maintenance/cleanup', 'maintenance/uninstall', 'maintenance/backup')
 
 # (files it holds for, files excepted, forbidden text, what to do instead)
 RULES = [
@@ -31,6 +33,8 @@ RULES = [
 ]
 RULES += [(rf'{name}/', r'^$', r'#include "(%s)/' % '|'.join(f for f in FEATURES if f != name), 'features do not know each other')
           for name in FEATURES]
+RULES += [(rf'{name}/', r'^$', r'#include "(%s)/' % '|'.join(n for n in NEIGHBOURS if n != name), 'neighbouring rooms do not know each other')
+          for name in NEIGHBOURS]
 
 
 def violations(root):

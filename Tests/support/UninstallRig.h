@@ -2,7 +2,6 @@
 
 #include "foundation/SettingsStore.h"
 #include "maintenance/uninstall/AppScanner.h"
-#include "maintenance/uninstall/UninstallSequence.h"
 #include "support/FakePlatform.h"
 #include "support/Files.h"
 
@@ -63,8 +62,8 @@ struct UninstallRig {
 
     AppScanner &make()
     {
-        const AppScanner::Hosts hosts = {host.applications, host.diskUsage, host.trash, host.programs};
-        scanner = std::make_shared<AppScanner>(hosts, settings, clock, journal());
+        const AppScanner::Ports ports = {host.applications, host.diskUsage, host.trash, host.programs};
+        scanner = std::make_shared<AppScanner>(ports, settings, clock, journal());
         keepMessages();
         return *scanner;
     }

@@ -2,7 +2,7 @@
 #include "support/WindowRig.h"
 #include "views/components/RowList.h"
 #include "views/components/Switch.h"
-#include "views/uninstall/AppRow.h"
+#include "views/uninstall/AppRows.h"
 
 #include <QAccessible>
 #include <QDir>

@@ -15,7 +15,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <utility>
 

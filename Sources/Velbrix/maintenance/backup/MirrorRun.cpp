@@ -13,7 +13,6 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
-#include <atomic>
 #include <unistd.h>
 #include <utility>
 

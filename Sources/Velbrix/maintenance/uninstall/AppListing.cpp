@@ -1,7 +1,7 @@
 #include "maintenance/uninstall/AppListing.h"
 
+#include "foundation/Paths.h"
 #include "maintenance/uninstall/DataSearch.h"
-#include "maintenance/uninstall/SelfTest.h"
 #include "platform/DiskUsage.h"
 
 #include <QCoroFuture>
@@ -16,6 +16,11 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
+
+bool areSame(const QString &one, const QString &other)
+{
+    return !one.isEmpty() && one.toLower() == other.toLower();
+}
 
 QList<InstalledApplication> withoutSelf(QList<InstalledApplication> found, const OwnIdentity &own)
 {
@@ -50,6 +55,23 @@ QList<AppInfo> sortedByName(const QList<AppInfo> &apps)
 }
 
 } // namespace
+
+bool isSelf(const SelfTraits &application, const SelfTraits &own)
+{
+    return areSame(application.path, own.path) || application.path.toLower().endsWith("/velbrix.app"_L1) ||
+           areSame(application.name, own.name) || areSame(application.name, u"velbrix"_s) ||
+           areSame(application.identifier, own.identifier);
+}
+
+SelfTraits selfTraits(const InstalledApplication &application)
+{
+    return {resolvedPath(application.path), application.name, application.identifier};
+}
+
+SelfTraits selfTraits(const OwnIdentity &own)
+{
+    return {resolvedPath(own.path), own.name, own.identifier};
+}
 
 QCoro::Task<QList<AppInfo>> listedApps(QList<InstalledApplication> found, OwnIdentity own, DiskUsage &usage,
                                        Cancellation cancellation)

@@ -10,6 +10,23 @@ namespace velbrix {
 
 class DiskUsage;
 
+// What an application is known by. Paths with their links resolved.
+struct SelfTraits {
+    QString path;
+    QString name;
+    QString identifier; // empty when it has none or could not be read
+
+    bool operator==(const SelfTraits &) const = default;
+};
+
+// Whether the application is this very program, which is never listed and
+// never taken away. Any likeness will do.
+bool isSelf(const SelfTraits &application, const SelfTraits &own);
+
+// With the links resolved. Blocking: the disk is asked.
+SelfTraits selfTraits(const InstalledApplication &application);
+SelfTraits selfTraits(const OwnIdentity &own);
+
 // The rows of the uninstaller from what the host has found: this program
 // dropped, missing sizes measured, sorted by name. The ids are left to the
 // caller. Answers with nothing once cancelled.

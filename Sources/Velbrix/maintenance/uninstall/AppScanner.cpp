@@ -2,7 +2,6 @@
 
 #include "foundation/SettingsStore.h"
 #include "maintenance/uninstall/AppListing.h"
-#include "maintenance/uninstall/ReviewListing.h"
 #include "platform/TrashCan.h"
 
 #include <QFileInfo>
@@ -19,6 +18,7 @@ namespace {
 
 constexpr auto udModeKey = "Velbrix_UninstallMode"_L1;
 constexpr auto udOptionsKey = "Velbrix_CleanupOptions"_L1;
+constexpr auto endShown = 1500ms; // the last stage, before the page returns to the list
 
 QString doneMessage(const QString &name, qsizetype failures)
 {
@@ -28,24 +28,24 @@ QString doneMessage(const QString &name, qsizetype failures)
 
 } // namespace
 
-AppScanner::AppScanner(Hosts hosts, SettingsStore &settings, Clock &clock, const QString &journalFile,
+AppScanner::AppScanner(Ports ports, SettingsStore &settings, Clock &clock, const QString &journalFile,
                        QObject *parent)
     : QObject(parent),
-      _hosts(hosts),
+      _ports(ports),
       _settings(settings),
       _clock(clock),
       _ownFolder(QFileInfo(journalFile).absolutePath()),
-      _openReview({hosts.catalog, hosts.usage, hosts.programs}, clock),
+      _openReview({ports.catalog, ports.usage, ports.programs}, clock),
       _journal(journalFile),
-      _uninstallSequence(hosts.catalog, hosts.trash, _journal, clock),
-      _putBackSequence(hosts.trash, _journal)
+      _trash(ports.trash, _journal, clock),
+      _sequence(ports.catalog, _trash, clock)
 {
     const QString mode = settings.string(udModeKey).value_or(QString());
     _uninstallMode = uninstallModeFromRawValue(mode).value_or(UninstallMode::full);
     const QJsonObject options = settings.json(udOptionsKey).value_or(QJsonValue()).toObject();
     _cleanupOptions = cleanupOptionsFromJson(options).value_or(CleanupOptions());
     _records = _journal.records();
-    observeSequences();
+    observeSequence();
     _job.follow(*this, &AppScanner::uninstallingNameChanged, &AppScanner::isUninstallingChanged,
                 &AppScanner::progressValueChanged, &AppScanner::isPuttingBackChanged, &AppScanner::finished);
 }
@@ -56,19 +56,15 @@ AppScanner::~AppScanner()
     _uninstalling.cancel();
 }
 
-void AppScanner::observeSequences()
+void AppScanner::observeSequence()
 {
-    const auto fail = [this](const FailedItem &item) { _failures = failures() << item; };
-    const auto record = [this] { _records = _journal.records(); };
-    connect(&_putBackSequence, &PutBackSequence::failed, this, fail);
-    connect(&_putBackSequence, &PutBackSequence::recorded, this, record);
-    const UninstallSequence *const uninstalling = &_uninstallSequence;
-    connect(uninstalling, &UninstallSequence::failed, this, fail);
-    connect(uninstalling, &UninstallSequence::recorded, this, record);
-    connect(uninstalling, &UninstallSequence::begun, this, [this] { _isUninstalling = true; });
-    connect(uninstalling, &UninstallSequence::progressed, this,
+    connect(&_trash, &RecordedTrash::failed, this,
+            [this](const FailedItem &item) { _failures = failures() << item; });
+    connect(&_trash, &RecordedTrash::recorded, this, [this] { _records = _journal.records(); });
+    connect(&_sequence, &UninstallSequence::begun, this, [this] { _isUninstalling = true; });
+    connect(&_sequence, &UninstallSequence::progressed, this,
             [this](double value) { _progressValue = value; });
-    connect(uninstalling, &UninstallSequence::stageReached, this, [this](const UninstallStage &stage) {
+    connect(&_sequence, &UninstallSequence::stageReached, this, [this](const UninstallStage &stage) {
         _progressStage = stage;
         _progressValue = stage.progress();
     });
@@ -105,11 +101,11 @@ void AppScanner::scan()
 
 QCoro::Task<> AppScanner::runScan(Cancellation scan)
 {
-    const Result<QList<InstalledApplication>> found = co_await _hosts.catalog.applications();
+    const Result<QList<InstalledApplication>> found = co_await _ports.catalog.applications();
     if (scan.isCancelled())
         co_return;
     const QList<InstalledApplication> all = found.value_or(QList<InstalledApplication>());
-    QList<AppInfo> apps = co_await listedApps(all, _hosts.catalog.ownIdentity(), _hosts.usage, scan);
+    QList<AppInfo> apps = co_await listedApps(all, _ports.catalog.ownIdentity(), _ports.usage, scan);
     if (scan.isCancelled())
         co_return;
     for (AppInfo &app : apps)
@@ -150,7 +146,7 @@ void AppScanner::setCleanupOptions(const CleanupOptions &options)
 QList<LibraryKind> AppScanner::libraryKinds() const
 {
     QList<LibraryKind> kinds;
-    for (const LibraryFolder &folder : _hosts.catalog.libraryFolders()) {
+    for (const LibraryFolder &folder : _ports.catalog.libraryFolders()) {
         if (!kinds.contains(folder.kind))
             kinds.append(folder.kind);
     }
@@ -161,15 +157,15 @@ UninstallPlan AppScanner::planFor(const AppInfo &app, UninstallMode mode) const
 {
     UninstallPlan plan;
     plan.review = {app, mode, false, {}, {}};
-    plan.search.subject = {app.name, app.bundleID, {}, _hosts.catalog.ownIdentity()};
+    plan.search.subject = {app.name, app.bundleID, {}, _ports.catalog.ownIdentity()};
     for (const AppInfo &other : apps()) {
         if (other.path != app.path && !other.bundleID.isEmpty())
             plan.search.subject.others.append(other.bundleID);
     }
-    plan.search.protectedPlaces = {_ownFolder, _hosts.catalog.ownIdentity().path};
-    plan.search.protectedPlaces += _hosts.trash.folders();
+    plan.search.protectedPlaces = {_ownFolder, _ports.catalog.ownIdentity().path};
+    plan.search.protectedPlaces += _ports.trash.folders();
     const CleanupOptions options = cleanupOptions();
-    for (const LibraryFolder &folder : _hosts.catalog.libraryFolders()) {
+    for (const LibraryFolder &folder : _ports.catalog.libraryFolders()) {
         plan.search.protectedPlaces.append(folder.path);
         if (mode == UninstallMode::full || (mode == UninstallMode::custom && flag(options, folder.kind)))
             plan.search.folders.append(folder);
@@ -187,12 +183,12 @@ QCoro::Task<UninstallReview> AppScanner::reviewOf(AppInfo app, UninstallMode mod
 {
     const QPointer self(this);
     const UninstallPlan plan = planFor(app, mode);
-    UninstallReview review = co_await listedReview(plan, _hosts.catalog, _hosts.programs);
+    UninstallReview review = co_await listedReview(plan, _ports.catalog, _ports.programs);
     if (!self)
         co_return review;
     const auto measured = [&review](qsizetype item, qint64 bytes) { review.items[item].bytes = bytes; };
     const Cancellation never;
-    co_await measureReview(review, _hosts.usage, measured, never);
+    co_await measureReview(review, _ports.usage, measured, never);
     co_return review;
 }
 
@@ -214,12 +210,12 @@ QCoro::Task<> AppScanner::runUninstall(UninstallReview review)
     const QPointer self(this);
     UninstallPlan plan = planFor(review.app, review.mode);
     plan.review = review;
-    const UninstallSequence::Outcome outcome = co_await _uninstallSequence.run(plan, _uninstalling);
+    const UninstallSequence::Outcome outcome = co_await _sequence.run(plan, _uninstalling);
     if (!self)
         co_return;
     const bool isDone = outcome.stage.kind == UninstallStage::Kind::done;
     if (isDone)
-        co_await Pause(_clock, 1500ms);
+        co_await Pause(_clock, endShown);
     if (!self)
         co_return;
     const QString message = isDone ? doneMessage(review.app.name, failures().size()) : outcome.stage.label();
@@ -271,7 +267,7 @@ void AppScanner::forget(const QString &recordId)
 QCoro::Task<> AppScanner::runPutBack(UninstallRecord record)
 {
     const QPointer self(this);
-    const QString message = co_await _putBackSequence.run(record);
+    const QString message = co_await _trash.putBack(record);
     if (!self)
         co_return;
     _isPuttingBack = false;

@@ -5,7 +5,7 @@
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "maintenance/uninstall/OpenReview.h"
-#include "maintenance/uninstall/PutBackSequence.h"
+#include "maintenance/uninstall/RecordedTrash.h"
 #include "maintenance/uninstall/UninstallJournal.h"
 #include "maintenance/uninstall/UninstallSequence.h"
 #include "maintenance/uninstall/UninstallTypes.h"
@@ -40,7 +40,7 @@ class AppScanner final : public QObject {
     VELB_PUBLISHED(AppScanner, bool, isPuttingBack, false)
 
 public:
-    struct Hosts {
+    struct Ports {
         ApplicationCatalog &catalog;
         DiskUsage &usage;
         TrashCan &trash;
@@ -49,7 +49,7 @@ public:
 
     // All must outlive the scanner. The journal's file is made with the first
     // uninstall; what lies beside it is this program's own and never taken.
-    AppScanner(Hosts hosts, SettingsStore &settings, Clock &clock, const QString &journalFile,
+    AppScanner(Ports ports, SettingsStore &settings, Clock &clock, const QString &journalFile,
                QObject *parent = nullptr);
     ~AppScanner() override;
 
@@ -103,16 +103,16 @@ private:
     QCoro::Task<> runPutBack(UninstallRecord record);
 
     UninstallPlan planFor(const AppInfo &app, UninstallMode mode) const;
-    void observeSequences();
+    void observeSequence();
 
-    Hosts _hosts;
+    Ports _ports;
     SettingsStore &_settings;
     Clock &_clock;
     const QString _ownFolder;
     OpenReview _openReview;
     UninstallJournal _journal;
-    UninstallSequence _uninstallSequence;
-    PutBackSequence _putBackSequence;
+    RecordedTrash _trash;
+    UninstallSequence _sequence;
     Cancellation _scanning;
     Cancellation _uninstalling;
     quint64 _nextId = 1;

@@ -42,8 +42,8 @@ QList<Entry> entriesOf(const QString &folder)
     return entries;
 }
 
-// With the links of the folders above resolved, but not the last name.
-QString placeOf(const QString &path)
+// The links of the folders above are resolved, the last name is not.
+QString withoutLinksAbove(const QString &path)
 {
     const QFileInfo info(QDir::cleanPath(path));
     const QString folder = canonicalPath(info.path());
@@ -82,7 +82,7 @@ ProtectedPlaces::ProtectedPlaces(const QStringList &places)
     for (const QByteArray &place : protectedHostPlaces())
         all.append(QFile::decodeName(place));
     for (const QString &place : std::as_const(all)) {
-        for (QString path : {QDir::cleanPath(place), placeOf(place), canonicalPath(place)}) {
+        for (QString path : {QDir::cleanPath(place), withoutLinksAbove(place), canonicalPath(place)}) {
             for (; path.startsWith(u'/') && !_places.contains(path); path = QFileInfo(path).path())
                 _places.insert(path);
         }
@@ -91,7 +91,7 @@ ProtectedPlaces::ProtectedPlaces(const QStringList &places)
 
 bool ProtectedPlaces::hold(const QString &path) const
 {
-    return _places.contains(QDir::cleanPath(path)) || _places.contains(placeOf(path));
+    return _places.contains(QDir::cleanPath(path)) || _places.contains(withoutLinksAbove(path));
 }
 
 QList<ReviewItem> findData(const DataSearch &search)

@@ -35,6 +35,12 @@ struct DataSearch {
     QStringList protectedPlaces; // never found
 };
 
+// What is to go, and within what bounds.
+struct UninstallPlan {
+    UninstallReview review;
+    DataSearch search; // its folders are those from which data may go
+};
+
 // The direct entries of the folders that belong to the application, folder by
 // folder, sorted by name; ticked where nothing speaks against it. Folders that
 // cannot be read have none, and names that are not Unicode are passed over.

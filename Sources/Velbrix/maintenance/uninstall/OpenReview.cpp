@@ -1,15 +1,122 @@
 #include "maintenance/uninstall/OpenReview.h"
 
-#include "maintenance/uninstall/ReviewListing.h"
+#include "platform/DiskUsage.h"
+#include "platform/RunningPrograms.h"
 
+#include <QCoroFuture>
+#include <QFile>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
-constexpr auto sizesShownEvery = 100ms;
+constexpr auto sizesShownEvery = 100ms; // thousands come at once
+
+bool isManaged(const AppInfo &app)
+{
+    return app.source.kind == InstalledApplication::Kind::managed;
+}
+
+bool isRunning(const AppInfo &app, const RunningPrograms &programs)
+{
+    const auto runsFrom = [&](const ApplicationCompanion &companion) {
+        return programs.runsFrom(companion.path);
+    };
+    return (!app.bundleID.isEmpty() && !programs.running({app.bundleID}).isEmpty()) ||
+           programs.runsFrom(app.path) || std::ranges::any_of(app.source.companions, runsFrom);
+}
+
+ReviewItem applicationItem(const AppInfo &app)
+{
+    ReviewItem item;
+    item.path = app.path;
+    item.reason = MatchReason::application;
+    item.why = isManaged(app) ? u"应用本体，由 %1 移除（%2）"_s.arg(app.source.manager, app.source.package)
+                              : u"应用本体"_s;
+    item.isTicked = true;
+    item.isFixed = true;
+    if (isManaged(app) || app.size > 0)
+        item.bytes = app.size;
+    return item;
+}
+
+// In their own order, without those that are not there.
+QList<ReviewItem> companionItems(const QList<ApplicationCompanion> &companions, const QStringList &places)
+{
+    const ProtectedPlaces stay(places);
+    QList<ReviewItem> items;
+    for (const ApplicationCompanion &companion : companions) {
+        if (!companion.path.startsWith(u'/') || stay.hold(companion.path) || !isThere(companion.path))
+            continue;
+        ReviewItem item;
+        item.path = companion.path;
+        item.reason = MatchReason::companion;
+        item.why = u"随应用一起的文件"_s;
+        item.caution = companion.isCertain ? QString() : u"其他程序也可能用到它"_s;
+        item.isTicked = companion.isCertain;
+        items.append(item);
+    }
+    return items;
+}
+
+QList<ReviewItem> itemsOf(const UninstallPlan &plan)
+{
+    const AppInfo &app = plan.review.app;
+    QList<ReviewItem> items = companionItems(app.source.companions, plan.search.protectedPlaces);
+    QSet<QString> listed = {app.path};
+    for (const ApplicationCompanion &companion : app.source.companions)
+        listed.insert(companion.path);
+    for (const ReviewItem &item : findData(plan.search)) {
+        if (!listed.contains(item.path))
+            items.append(item);
+    }
+    items.prepend(applicationItem(app));
+    return items;
+}
 
 } // namespace
+
+QCoro::Task<UninstallReview> listedReview(UninstallPlan plan, ApplicationCatalog &catalog,
+                                          RunningPrograms &programs)
+{
+    UninstallReview review = plan.review;
+    review.isRunning = isRunning(review.app, programs);
+    review.packages.clear();
+    QString problem;
+    if (isManaged(review.app)) {
+        const Result<QStringList> packages = co_await catalog.packagesRemovedWith(review.app.source);
+        review.packages = packages.value_or(QStringList());
+        problem = packages ? QString() : packages.error().message;
+    }
+    const QFuture<QList<ReviewItem>> asked = QtConcurrent::run(&uninstallWorkers(), itemsOf, plan);
+    review.items = co_await asked;
+    if (!problem.isEmpty())
+        review.items.first().caution = u"无法得知会一并移除的软件包："_s + problem;
+    co_return review;
+}
+
+QCoro::Task<> measureReview(UninstallReview review, DiskUsage &usage,
+                            std::function<void(qsizetype item, qint64 bytes)> measured,
+                            Cancellation cancellation)
+{
+    QList<QByteArray> paths;
+    QList<qsizetype> items;
+    for (qsizetype index = 0; index < review.items.size(); ++index) {
+        if (review.items.at(index).bytes)
+            continue;
+        items.append(index);
+        paths.append(QFile::encodeName(review.items.at(index).path));
+    }
+    const DiskUsage::Measured tell = [items, measured](qsizetype index, qint64 bytes) {
+        measured(items.at(index), bytes);
+    };
+    co_await usage.measure(paths, tell, cancellation);
+}
 
 void OpenReview::prepare(const UninstallPlan &plan)
 {
@@ -20,7 +127,7 @@ void OpenReview::prepare(const UninstallPlan &plan)
 
 QCoro::Task<> OpenReview::run(UninstallPlan plan, Cancellation wanted)
 {
-    const UninstallReview review = co_await listedReview(plan, _hosts.catalog, _hosts.programs);
+    const UninstallReview review = co_await listedReview(plan, _ports.catalog, _ports.programs);
     if (wanted.isCancelled())
         co_return;
     _review = review;
@@ -30,7 +137,7 @@ QCoro::Task<> OpenReview::run(UninstallPlan plan, Cancellation wanted)
         if (!_sizesDue)
             _sizesDue = _clock.after(sizesShownEvery, [this] { showSizes(); });
     };
-    co_await measureReview(review, _hosts.usage, measured, wanted);
+    co_await measureReview(review, _ports.usage, measured, wanted);
     if (!wanted.isCancelled())
         showSizes();
 }

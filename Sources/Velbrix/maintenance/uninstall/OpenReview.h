@@ -3,12 +3,13 @@
 #include "foundation/Clock.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
-#include "maintenance/uninstall/UninstallPlan.h"
+#include "maintenance/uninstall/DataSearch.h"
 
 #include <QCoroTask>
 #include <QHash>
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -17,6 +18,16 @@ namespace velbrix {
 class DiskUsage;
 class RunningPrograms;
 
+// What would go with the plan's application, without sizes: the application,
+// its companions, its data. The plan's items are ignored.
+QCoro::Task<UninstallReview> listedReview(UninstallPlan plan, ApplicationCatalog &catalog,
+                                          RunningPrograms &programs);
+
+// Tells the bytes of the review's items by their index, as they are known.
+QCoro::Task<> measureReview(UninstallReview review, DiskUsage &usage,
+                            std::function<void(qsizetype item, qint64 bytes)> measured,
+                            Cancellation cancellation);
+
 // The review that lies open for the user's ticks, if there is one.
 class OpenReview final : public QObject {
     Q_OBJECT
@@ -24,14 +35,14 @@ class OpenReview final : public QObject {
     VELB_PUBLISHED(OpenReview, std::optional<UninstallReview>, review)
 
 public:
-    struct Hosts {
+    struct Ports {
         ApplicationCatalog &catalog;
         DiskUsage &usage;
         RunningPrograms &programs;
     };
 
     // All must outlive it.
-    OpenReview(Hosts hosts, Clock &clock) : _hosts(hosts), _clock(clock) {}
+    OpenReview(Ports ports, Clock &clock) : _ports(ports), _clock(clock) {}
     ~OpenReview() override { _wanted.cancel(); }
 
     // Looks for what belongs to the plan's application and opens the review of
@@ -46,7 +57,7 @@ private:
     QCoro::Task<> run(UninstallPlan plan, Cancellation wanted);
     void showSizes();
 
-    Hosts _hosts;
+    Ports _ports;
     Clock &_clock;
     Cancellation _wanted;
     QHash<qsizetype, qint64> _sizes; // of the review's items, not yet shown

@@ -12,8 +12,9 @@ namespace velbrix {
 class TrashCan;
 class UninstallJournal;
 
-// The trash of one uninstall: whatever goes is in the journal, on disk, before
-// it moves. All must outlive it.
+// The trash with a journal: whatever goes is in a record, on disk, before it
+// moves, and can be put back by it. One uninstall or putting back at a time.
+// All must outlive it.
 class RecordedTrash final : public QObject {
     Q_OBJECT
 
@@ -32,6 +33,11 @@ public:
     QCoro::Task<> removed(QString package);
     // Stays for this reason.
     QCoro::Task<> refuse(QStringList paths, QString reason);
+
+    // Moves back where it was what the record holds, the last one first. What has
+    // gone back leaves the record, which goes when nothing is left to move.
+    // Answers with how it went, for the user.
+    QCoro::Task<QString> putBack(UninstallRecord record);
 
 Q_SIGNALS:
     void failed(const velbrix::FailedItem &item);

@@ -1,7 +1,8 @@
 #include "maintenance/uninstall/UninstallSequence.h"
 
 #include "foundation/Log.h"
-#include "maintenance/uninstall/SelfTest.h"
+#include "maintenance/uninstall/AppListing.h"
+#include "maintenance/uninstall/RecordedTrash.h"
 
 #include <QCoroFuture>
 #include <QPointer>
@@ -16,6 +17,18 @@ namespace velbrix {
 namespace {
 
 using Kind = UninstallStage::Kind;
+
+// Every stage stays on the page long enough to be read, every entry long enough
+// to be seen going.
+constexpr auto preparingPause = 300ms;
+constexpr auto movingPause = 200ms;
+constexpr auto scanningPause = 150ms;
+constexpr auto betweenEntries = 50ms;
+constexpr auto finishingPause = 400ms;
+
+// Of the progress: what the data of a folder adds, and where finishing begins.
+constexpr double dataShare = 0.65;
+constexpr double mostBeforeFinishing = 0.9;
 
 struct Standing {
     bool isSelf = false;
@@ -55,14 +68,6 @@ QStringList stillThere(const QSet<QString> &paths)
 
 } // namespace
 
-UninstallSequence::UninstallSequence(ApplicationCatalog &catalog, TrashCan &trash, UninstallJournal &journal,
-                                     Clock &clock)
-    : _catalog(catalog), _clock(clock), _trash(trash, journal, clock)
-{
-    connect(&_trash, &RecordedTrash::failed, this, &UninstallSequence::failed);
-    connect(&_trash, &RecordedTrash::recorded, this, &UninstallSequence::recorded);
-}
-
 void UninstallSequence::prepare(UninstallPlan plan, Cancellation cancellation)
 {
     _plan = std::move(plan);
@@ -87,11 +92,11 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
         co_return ended(Kind::failed, hindrance);
     Q_EMIT begun();
     Q_EMIT stageReached({Kind::preparing, {}});
-    co_await Pause(_clock, 300ms);
+    co_await Pause(_clock, preparingPause);
     if (!self)
         co_return Outcome{};
     Q_EMIT stageReached({Kind::movingApp, {}});
-    co_await Pause(_clock, 200ms);
+    co_await Pause(_clock, movingPause);
     if (!self)
         co_return Outcome{};
     if (_cancellation.isCancelled())
@@ -121,7 +126,7 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::takeTheRest()
     if (!self)
         co_return Outcome{};
     Q_EMIT stageReached({Kind::finishing, {}});
-    co_await Pause(_clock, 400ms);
+    co_await Pause(_clock, finishingPause);
     if (!self)
         co_return Outcome{};
     co_return ended(Kind::done);
@@ -209,7 +214,7 @@ QCoro::Task<> UninstallSequence::takeData()
         const QList<ReviewItem> found = co_await asked;
         if (!self)
             co_return;
-        co_await Pause(_clock, 150ms);
+        co_await Pause(_clock, scanningPause);
         if (!self)
             co_return;
         Q_EMIT stageReached({Kind::cleaningLibrary, label(folder.kind)});
@@ -235,7 +240,7 @@ QCoro::Task<> UninstallSequence::takeEntries(QStringList paths)
     const double base = UninstallStage{Kind::cleaningLibrary, {}}.progress();
     for (qsizetype handled = 0; handled < paths.size();) {
         if (handled > 0)
-            co_await Pause(_clock, 50ms);
+            co_await Pause(_clock, betweenEntries);
         if (!self || _cancellation.isCancelled())
             co_return;
         const QString path = paths.at(handled);
@@ -245,7 +250,7 @@ QCoro::Task<> UninstallSequence::takeEntries(QStringList paths)
             co_return;
         ++handled;
         const double share = static_cast<double>(handled) / static_cast<double>(paths.size());
-        Q_EMIT progressed(std::min(base + 0.65 * share, 0.9));
+        Q_EMIT progressed(std::min(base + dataShare * share, mostBeforeFinishing));
     }
 }
 

@@ -2,14 +2,16 @@
 
 #include "foundation/Clock.h"
 #include "foundation/ProcessRunner.h"
-#include "maintenance/uninstall/RecordedTrash.h"
-#include "maintenance/uninstall/UninstallPlan.h"
+#include "foundation/Result.h"
+#include "maintenance/uninstall/DataSearch.h"
 
 #include <QCoroTask>
 #include <QObject>
 #include <QSet>
 
 namespace velbrix {
+
+class RecordedTrash;
 
 // Takes one application away, step by step. Moves nothing but the application
 // itself, companions that the host named, and entries that the search finds
@@ -24,7 +26,10 @@ public:
     };
 
     // All must outlive the sequence.
-    UninstallSequence(ApplicationCatalog &catalog, TrashCan &trash, UninstallJournal &journal, Clock &clock);
+    UninstallSequence(ApplicationCatalog &catalog, RecordedTrash &trash, Clock &clock)
+        : _catalog(catalog), _clock(clock), _trash(trash)
+    {
+    }
 
     QCoro::Task<Outcome> run(UninstallPlan plan, Cancellation cancellation);
 
@@ -32,8 +37,6 @@ Q_SIGNALS:
     void begun(); // nothing stands in the way
     void stageReached(const velbrix::UninstallStage &stage);
     void progressed(double value);
-    void failed(const velbrix::FailedItem &item);
-    void recorded(); // the journal has changed
 
 private:
     void prepare(UninstallPlan plan, Cancellation cancellation);
@@ -49,7 +52,7 @@ private:
 
     ApplicationCatalog &_catalog;
     Clock &_clock;
-    RecordedTrash _trash;
+    RecordedTrash &_trash;
     UninstallPlan _plan;
     Cancellation _cancellation;
     QSet<QString> _open; // ticked and not yet dealt with

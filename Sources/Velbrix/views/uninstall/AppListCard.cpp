@@ -9,7 +9,6 @@
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/RowList.h"
-#include "views/uninstall/AppRow.h"
 #include "views/uninstall/AppRows.h"
 
 #include <QFileInfo>

@@ -4,8 +4,12 @@
 
 #include <QAbstractListModel>
 #include <QSet>
+#include <QStyledItemDelegate>
 
 namespace velbrix {
+
+class RowList;
+class Theme;
 
 // The applications of the list.
 class AppRows final : public QAbstractListModel {
@@ -31,5 +35,39 @@ private:
 
 // "1.2 GB"; "—" while nobody knows.
 QString sizeText(const AppInfo &app);
+
+// Draws one application: icon, name and marks, version and place, size, and a
+// button that takes it away.
+class AppRow final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    static constexpr int height = 60;
+
+    AppRow(const Theme &theme, RowList &list, const AppRows &rows);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    // The button's place in the row.
+    static QRect buttonRect(const QRect &row);
+
+Q_SIGNALS:
+    void uninstallWanted(const QModelIndex &index);
+
+protected:
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
+
+private:
+    void drawIcon(QPainter &painter, const QRect &place, const QModelIndex &index) const;
+    void drawName(QPainter &painter, const QRect &place, const QModelIndex &index) const;
+    void drawMark(QPainter &painter, QRect &room, const QString &text, const QColor &color) const;
+    void drawButton(QPainter &painter, const QStyleOptionViewItem &option) const;
+
+    const Theme &_theme;
+    RowList &_list;
+    const AppRows &_rows;
+};
 
 } // namespace velbrix

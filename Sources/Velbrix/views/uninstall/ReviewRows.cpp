@@ -4,12 +4,23 @@
 #include "foundation/OneLine.h"
 #include "views/PlainTip.h"
 #include "views/ShownPath.h"
+#include "views/Theme.h"
+#include "views/components/CheckBox.h"
+#include "views/components/RowList.h"
+
+#include <QMouseEvent>
+#include <QPainter>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
+
+constexpr int sizeWidth = 96;
+
+} // namespace
 
 int ReviewRows::rowCount(const QModelIndex &parent) const
 {
@@ -86,6 +97,74 @@ QString tickedText(const QList<ReviewItem> &items)
     }
     const QString sum = isKnown ? formatByteCount(bytes) : formatByteCount(bytes) + u"，仍在计算…"_s;
     return u"已勾选 %1 项，共 %2"_s.arg(count).arg(sum);
+}
+
+ReviewRow::ReviewRow(const Theme &theme, RowList &list, const ReviewRows &rows)
+    : QStyledItemDelegate(&list), _theme(theme), _list(list), _rows(rows)
+{
+}
+
+QSize ReviewRow::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const
+{
+    return {300, height};
+}
+
+void ReviewRow::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    painter->save();
+    _list.drawBack(*painter, option);
+    painter->setRenderHint(QPainter::Antialiasing);
+    const ReviewItem &item = _rows.item(index);
+    const QRect row = option.rect;
+    CheckBox::paint(*painter, _theme, QRectF(row.x() + 11, row.y() + 11, CheckBox::side, CheckBox::side),
+                    item.isTicked ? Qt::Checked : Qt::Unchecked, !item.isFixed);
+
+    const int left = row.x() + 38;
+    const QRect size(row.right() - sizeWidth - 8, row.y() + 9, sizeWidth, 20);
+    const QRect path(left, row.y() + 9, size.left() - left - 12, 20);
+    painter->setFont(_theme.font(13));
+    painter->setPen(_theme.color(item.isTicked ? ThemeColor::text : ThemeColor::secondary));
+    painter->drawText(
+        path, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+        painter->fontMetrics().elidedText(oneLine(index.data().toString()), Qt::ElideMiddle, path.width()));
+    painter->setFont(_theme.font(12));
+    painter->setPen(_theme.color(ThemeColor::secondary));
+    painter->drawText(size, Qt::AlignRight | Qt::AlignVCenter, sizeText(item));
+    drawReasons(*painter, QRect(left, row.y() + 30, row.right() - left - 8, 18), item);
+    painter->restore();
+}
+
+void ReviewRow::drawReasons(QPainter &painter, const QRect &place, const ReviewItem &item) const
+{
+    painter.setFont(_theme.font(12));
+    const QString why = reasonText(item);
+    const int wide = painter.fontMetrics().horizontalAdvance(why);
+    const int room = item.caution.isEmpty() ? place.width() : place.width() * 3 / 5;
+    painter.setPen(_theme.color(ThemeColor::secondary));
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(why, Qt::ElideMiddle, room));
+    if (item.caution.isEmpty())
+        return;
+    constexpr int side = 14;
+    const QColor tint = _theme.color(ThemeColor::warning);
+    const int x = place.x() + std::min(wide, room) + 12;
+    painter.drawPixmap(
+        x, place.center().y() - side / 2 + 1,
+        _theme.symbol(u"exclamationmark.triangle.fill"_s, side, tint, painter.device()->devicePixelRatioF()));
+    const QRect rest(x + side + 4, place.y(), place.right() - x - side - 4, place.height());
+    painter.setPen(tint);
+    painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(item.caution, Qt::ElideRight, rest.width()));
+}
+
+bool ReviewRow::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &,
+                            const QModelIndex &index)
+{
+    if (event->type() != QEvent::MouseButtonRelease ||
+        static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+        return false;
+    Q_EMIT toggled(index);
+    return true;
 }
 
 } // namespace velbrix

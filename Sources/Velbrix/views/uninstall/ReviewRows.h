@@ -3,8 +3,12 @@
 #include "maintenance/uninstall/UninstallTypes.h"
 
 #include <QAbstractListModel>
+#include <QStyledItemDelegate>
 
 namespace velbrix {
+
+class RowList;
+class Theme;
 
 // What an uninstall has found, to be ticked.
 class ReviewRows final : public QAbstractListModel {
@@ -29,5 +33,34 @@ QString reasonText(const ReviewItem &item);
 QString sizeText(const ReviewItem &item);
 // "已勾选 3 项，共 1.2 MB".
 QString tickedText(const QList<ReviewItem> &items);
+
+// Draws one thing that an uninstall would take: its box, its path and size,
+// and under them why, and why not.
+class ReviewRow final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    static constexpr int height = 58;
+
+    ReviewRow(const Theme &theme, RowList &list, const ReviewRows &rows);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    void toggled(const QModelIndex &index);
+
+protected:
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
+
+private:
+    void drawReasons(QPainter &painter, const QRect &place, const ReviewItem &item) const;
+
+    const Theme &_theme;
+    RowList &_list;
+    const ReviewRows &_rows;
+};
 
 } // namespace velbrix

@@ -2,7 +2,7 @@
 
 #include "app/AppServices.h"
 #include "views/uninstall/AppListCard.h"
-#include "views/uninstall/AppRow.h"
+#include "views/uninstall/AppRows.h"
 #include "views/uninstall/UninstallProgressView.h"
 #include "views/uninstall/UninstallRecordsCard.h"
 #include "views/uninstall/UninstallResultCard.h"

@@ -6,7 +6,6 @@
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/RowList.h"
-#include "views/uninstall/ReviewRow.h"
 #include "views/uninstall/ReviewRows.h"
 
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "maintenance/uninstall/SelfTest.h"
+#include "maintenance/uninstall/AppListing.h"
 
 #include <QFile>
 #include <QTest>
@@ -6,7 +6,7 @@
 using namespace Qt::StringLiterals;
 using namespace velbrix;
 
-class SelfTestTest : public QObject {
+class AppListingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -59,5 +59,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SelfTestTest)
-#include "SelfTestTest.moc"
+QTEST_GUILESS_MAIN(AppListingTest)
+#include "AppListingTest.moc"
