@@ -8,7 +8,7 @@
 #include "views/Sidebar.h"
 #include "views/Theme.h"
 #include "views/ViewContext.h"
-#include "views/components/Veil.h"
+#include "views/components/Overlay.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -86,7 +86,7 @@ void MainWindow::addShortcuts()
         const auto key = static_cast<Qt::Key>(Qt::Key_1 + index);
         auto *shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), this);
         connect(shortcut, &QShortcut::activated, this, [this, tab = tools()[index].identifier] {
-            if (!Veil::covers(this))
+            if (!Overlay::covers(this))
                 _services.router.show(tab);
         });
     }

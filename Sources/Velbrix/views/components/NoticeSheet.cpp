@@ -22,7 +22,7 @@ constexpr int cardWidth = 480;
 } // namespace
 
 NoticeSheet::NoticeSheet(const Theme &theme, const Words &words, QWidget *parent)
-    : Veil(theme, cardWidth, parent),
+    : Overlay(theme, cardWidth, parent),
       _message(makeText(words.message, u"secondary"_s)),
       _isDestructive(words.isDestructive)
 {
@@ -126,7 +126,7 @@ void NoticeSheet::keyPressEvent(QKeyEvent *event)
     case Qt::Key_PageUp:
         return scroll(QScrollBar::SliderPageStepSub);
     default:
-        Veil::keyPressEvent(event);
+        Overlay::keyPressEvent(event);
     }
 }
 

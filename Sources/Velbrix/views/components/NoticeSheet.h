@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/components/Veil.h"
+#include "views/components/Overlay.h"
 
 #include <QColor>
 #include <QStringList>
@@ -13,7 +13,7 @@ namespace velbrix {
 
 // A question or statement inside the window, over everything else in it. Esc
 // cancels it; details that are too many scroll. Whoever opens it takes it away.
-class NoticeSheet final : public Veil {
+class NoticeSheet final : public Overlay {
     Q_OBJECT
 
 public:

@@ -27,7 +27,7 @@ QWidget *surfaceOf(const QWidget *page)
 } // namespace
 
 Sheet::Sheet(const Theme &theme, const Words &words, int width, QWidget *page)
-    : Veil(theme, width, surfaceOf(page)),
+    : Overlay(theme, width, surfaceOf(page)),
       _page(page),
       _title(makeText({}, u"sheetTitle"_s)),
       _message(makeText({}, u"secondary"_s)),
@@ -112,7 +112,7 @@ bool Sheet::eventFilter(QObject *watched, QEvent *event)
         else if (event->type() == QEvent::Hide)
             hide();
     }
-    return Veil::eventFilter(watched, event);
+    return Overlay::eventFilter(watched, event);
 }
 
 } // namespace velbrix

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/components/Veil.h"
+#include "views/components/Overlay.h"
 
 #include <QPointer>
 
@@ -15,7 +15,7 @@ struct ButtonLook;
 
 // A panel inside the window, with a title, a body and buttons under it. It
 // belongs to a page and is out of sight while the page is.
-class Sheet : public Veil {
+class Sheet : public Overlay {
     Q_OBJECT
 
 public:

@@ -9,13 +9,13 @@ namespace velbrix {
 
 class Theme;
 
-// A card over everything else in its parent, and a veil between them. Nothing
+// A card over everything else in its parent, and a shade between them. Nothing
 // behind it can be reached by mouse or keyboard. Whoever opens it takes it away.
-class Veil : public QWidget {
+class Overlay : public QWidget {
     Q_OBJECT
 
 public:
-    Veil(const Theme &theme, int cardWidth, QWidget *parent);
+    Overlay(const Theme &theme, int cardWidth, QWidget *parent);
 
     // Whether one lies over the window.
     static bool covers(const QWidget *window);

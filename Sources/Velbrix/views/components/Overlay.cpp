@@ -1,4 +1,4 @@
-#include "views/components/Veil.h"
+#include "views/components/Overlay.h"
 
 #include "views/Theme.h"
 
@@ -20,7 +20,7 @@ constexpr int rise = 12;
 
 } // namespace
 
-Veil::Veil(const Theme &theme, int cardWidth, QWidget *parent)
+Overlay::Overlay(const Theme &theme, int cardWidth, QWidget *parent)
     : QWidget(parent), _theme(theme), _cardWidth(cardWidth), _card(new QFrame(this))
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -36,13 +36,13 @@ Veil::Veil(const Theme &theme, int cardWidth, QWidget *parent)
     parent->installEventFilter(this);
 }
 
-bool Veil::covers(const QWidget *window)
+bool Overlay::covers(const QWidget *window)
 {
-    const auto all = window->findChildren<Veil *>();
-    return std::ranges::any_of(all, [](const Veil *veil) { return !veil->isHidden(); });
+    const auto all = window->findChildren<Overlay *>();
+    return std::ranges::any_of(all, [](const Overlay *overlay) { return !overlay->isHidden(); });
 }
 
-bool Veil::event(QEvent *event)
+bool Overlay::event(QEvent *event)
 {
     switch (event->type()) {
     case QEvent::MouseButtonPress:
@@ -55,7 +55,7 @@ bool Veil::event(QEvent *event)
     }
 }
 
-bool Veil::eventFilter(QObject *watched, QEvent *event)
+bool Overlay::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == parent() && event->type() == QEvent::Resize)
         setGeometry(parentWidget()->rect());
@@ -64,7 +64,7 @@ bool Veil::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
-QList<QWidget *> Veil::stops() const
+QList<QWidget *> Overlay::stops() const
 {
     QList<QWidget *> found;
     for (QWidget *next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
@@ -75,7 +75,7 @@ QList<QWidget *> Veil::stops() const
     return found;
 }
 
-bool Veil::focusNextPrevChild(bool next)
+bool Overlay::focusNextPrevChild(bool next)
 {
     const QList<QWidget *> all = stops();
     if (all.isEmpty()) {
@@ -89,7 +89,7 @@ bool Veil::focusNextPrevChild(bool next)
     return true;
 }
 
-void Veil::keyPressEvent(QKeyEvent *event)
+void Overlay::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape) {
         escape();
@@ -102,26 +102,26 @@ void Veil::keyPressEvent(QKeyEvent *event)
     event->accept(); // no key reaches what lies behind
 }
 
-double Veil::shown() const
+double Overlay::shown() const
 {
     return _arrival.state() == QAbstractAnimation::Running ? _arrival.currentValue().toDouble() : 1;
 }
 
-void Veil::paintEvent(QPaintEvent *)
+void Overlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    QColor veil = Qt::black;
-    veil.setAlphaF(static_cast<float>(shown() * (_theme.isDark() ? 0.5 : 0.32)));
-    painter.fillRect(rect(), veil);
+    QColor shade = Qt::black;
+    shade.setAlphaF(static_cast<float>(shown() * (_theme.isDark() ? 0.5 : 0.32)));
+    painter.fillRect(rect(), shade);
 }
 
-void Veil::resizeEvent(QResizeEvent *event)
+void Overlay::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     place();
 }
 
-void Veil::showEvent(QShowEvent *event)
+void Overlay::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     setGeometry(parentWidget()->rect());
@@ -134,7 +134,7 @@ void Veil::showEvent(QShowEvent *event)
     }
 }
 
-int Veil::cardHeight(int width) const
+int Overlay::cardHeight(int width) const
 {
     const int fitting = _card->heightForWidth(width);
     const int wanted = fitting > 0 ? fitting : _card->sizeHint().height();
@@ -142,7 +142,7 @@ int Veil::cardHeight(int width) const
     return std::max(std::min(wanted, height() - 2 * margin), _card->minimumSizeHint().height());
 }
 
-void Veil::place()
+void Overlay::place()
 {
     const int width = std::min(_cardWidth, this->width() - 2 * margin);
     const auto set = [&] {
