@@ -11,8 +11,6 @@ class CleanupCatalogTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void macTable_data();
-    void macTable();
     void macOrder();
     void bothTablesHoldTogether_data();
     void bothTablesHoldTogether();
@@ -29,59 +27,6 @@ const CleanupRule &ruleOf(const QList<CleanupRule> &rules, const QString &id)
 }
 
 } // namespace
-
-void CleanupCatalogTest::macTable_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("icon");
-    QTest::addColumn<QString>("description");
-    QTest::addColumn<QString>("target"); // folder or command
-    QTest::addColumn<bool>("admin");
-
-    const auto row = [](const char *id, const QString &name, const QString &icon, const QString &description,
-                        const QString &target, bool admin = false) {
-        QTest::newRow(id) << name << icon << description << target << admin;
-    };
-    row("user-caches", u"用户缓存"_s, u"archivebox"_s, u"~/Library/Caches — 应用缓存数据"_s,
-        u"/h/Library/Caches"_s);
-    row("system-caches", u"系统缓存"_s, u"gearshape.2"_s, u"/Library/Caches — 系统级缓存"_s,
-        u"/Library/Caches"_s);
-    row("trash", u"废纸篓"_s, u"trash"_s, u"~/.Trash — 清空废纸篓"_s, u"/h/.Trash"_s);
-    row("temp-files", u"临时文件"_s, u"folder.badge.gearshape"_s, u"/tmp、/var/tmp — 系统临时文件"_s,
-        u"rm -rf /tmp/* /var/tmp/* 2>/dev/null; true"_s);
-    row("xcode-devicesupport", u"Xcode DeviceSupport"_s, u"iphone.gen2"_s,
-        u"~/Library/Developer/Xcode/iOS DeviceSupport — 旧版系统调试符号"_s,
-        u"/h/Library/Developer/Xcode/iOS DeviceSupport"_s);
-    row("xcode-coreSimulator", u"Xcode 模拟器"_s, u"ipad.landscape"_s,
-        u"~/Library/Developer/CoreSimulator/Caches — 模拟器缓存"_s,
-        u"/h/Library/Developer/CoreSimulator/Caches"_s);
-    row("vscode-extcache", u"VS Code 扩展缓存"_s, u"puzzlepiece.extension"_s,
-        u"~/Library/Application Support/Code/CachedExtensionVSIXs — 已安装扩展原始包"_s,
-        u"/h/Library/Application Support/Code/CachedExtensionVSIXs"_s);
-    row("safari-webdata", u"Safari 网站数据"_s, u"doc.text.magnifyingglass"_s,
-        u"~/Library/Safari/LocalStorage + Databases — 站点本地存储"_s,
-        u"rm -rf \"/h/Library/Safari/LocalStorage\"/* \"/h/Library/Safari/Databases\"/* 2>/dev/null; true"_s);
-    row("dns-cache", u"DNS 缓存"_s, u"network"_s, u"刷新 DNS 缓存（需管理员权限）"_s,
-        u"dscacheutil -flushcache && killall -HUP mDNSResponder 2>/dev/null; true"_s, true);
-    row("memory-cache", u"内存缓存"_s, u"memorychip"_s, u"清理 inactive 内存（purge 命令，需管理员权限）"_s,
-        u"purge 2>/dev/null; true"_s, true);
-}
-
-void CleanupCatalogTest::macTable()
-{
-    const QList<CleanupRule> rules = macCleanupCatalog(u"/h"_s);
-    const CleanupRule &rule = ruleOf(rules, QString::fromLatin1(QTest::currentDataTag()));
-    QFETCH(QString, name);
-    QFETCH(bool, admin);
-    QCOMPARE(rule.item.name, name);
-    QCOMPARE(rule.target.name, name);
-    QTEST(rule.item.icon, "icon");
-    QTEST(rule.item.description, "description");
-    QTEST(rule.target.path.value_or(QString()) + rule.target.command.value_or(QString()), "target");
-    QCOMPARE(rule.target.requiresAdmin, admin);
-    QCOMPARE(rule.item.isSelected, !admin);
-    QCOMPARE(rule.item.estimatedSize, u"计算中…"_s);
-}
 
 void CleanupCatalogTest::macOrder()
 {
