@@ -24,7 +24,7 @@ const QString chrome = u"chrome-cache"_s;
 // Everything that is ever selected lies in the rig's own home.
 struct Rig : WindowRig {
     Rig() { select({chrome}); }
-    void select(const QJsonArray &ids) { host.settings.stored.insert(CleanupChoices::defaultsKey, ids); }
+    void select(const QJsonArray &ids) { host.settings.stored.insert(CleanupChoices::selectionKey, ids); }
     void start()
     {
         WindowRig::start();
@@ -126,7 +126,7 @@ void SystemCleanupViewTest::selectionIsCounted()
     QVERIFY(rig.check(u"jetbrains"_s)->isChecked());
     rig.click(u"cleanupNone"_s);
     QVERIFY(!rig.check(u"jetbrains"_s)->isChecked());
-    QCOMPARE(rig.services->settings.json(CleanupChoices::defaultsKey)->toArray(), QJsonArray());
+    QCOMPARE(rig.services->settings.json(CleanupChoices::selectionKey)->toArray(), QJsonArray());
 }
 
 void SystemCleanupViewTest::measuringIsCancelled()
