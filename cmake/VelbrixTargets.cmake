@@ -42,10 +42,7 @@ function(velbrix_test path)
     # One call of moc, which the test includes, in place of a second source and a search through all its headers.
     set_target_properties(${name} PROPERTIES AUTOMOC OFF)
     qt_generate_moc(${CMAKE_CURRENT_SOURCE_DIR}/${path}.cpp ${CMAKE_CURRENT_BINARY_DIR}/${name}.moc TARGET ${name})
-    # Tests of widgets see more of QtTest than the shared header holds.
-    if(NOT velbrix_views IN_LIST ARG_LIBS)
-        target_precompile_headers(${name} REUSE_FROM velbrix_test_headers)
-    endif()
+    target_precompile_headers(${name} REUSE_FROM ${VELBRIX_TEST_HEADERS})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 60)
     endif()

@@ -30,11 +30,15 @@ struct Rig : ServicesRig {
         make();
         delegate = std::make_unique<AppDelegate>(*services, shell);
     }
-    void launch(bool background = true) { delegate->applicationDidFinishLaunching(background); }
+    void launch(bool background = true)
+    {
+        delegate->applicationDidFinishLaunching(background);
+        settle();
+    }
     void choose(const QString &item)
     {
         shell.chosen(item);
-        QCoreApplication::processEvents();
+        settle();
     }
     qsizetype menuWrites() const { return shell.calls.count(u"updateTray"_s); }
 
@@ -89,6 +93,7 @@ private Q_SLOTS:
         QCOMPARE(rig.host.hotkeys.registered.keys(), (QList<quint32>{1, 2, 3}));
         QVERIFY(rig.services->isInBackground());
         rig.host.singleInstance.wake();
+        settle();
         QVERIFY(rig.shell.visible);
         QVERIFY(!rig.services->isInBackground());
         QCOMPARE(rig.host.desktop.calls.last(), u"activate"_s);
@@ -235,17 +240,17 @@ private Q_SLOTS:
         Rig rig;
         rig.launch();
         rig.host.hotkeys.press({29, 0x1800});
-        QCoreApplication::processEvents();
+        settle();
         QVERIFY(rig.services->recorder.isRecording());
         rig.host.hotkeys.press({29, 0x1800});
-        QCoreApplication::processEvents();
+        settle();
         QVERIFY(!rig.services->recorder.isRecording());
 
         Rig fresh(false);
         fresh.launch();
         fresh.shell.calls.clear();
         fresh.host.hotkeys.press({29, 0x1800});
-        QCoreApplication::processEvents();
+        settle();
         QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
         fresh.choose(u"recordToggle"_s);
         QCOMPARE(fresh.shell.calls, (QStringList{u"show"_s, u"show"_s}));
@@ -294,6 +299,7 @@ private Q_SLOTS:
         const auto news = [&] { return rig.services->toasts.visible().last(); };
         rig.services->recorder.preferences().setOutputDir(u"/nonexistent"_s);
         rig.services->recordingActions.toggleQuickly();
+        settle();
         QCOMPARE(news().body, u"输出目录不存在，请重新选择：/nonexistent"_s);
         rig.services->toasts.clear();
         rig.host.screenCapture.nextSession->onOpen = [](const QString &path) {
@@ -301,9 +307,11 @@ private Q_SLOTS:
         };
         rig.services->recorder.preferences().setOutputDir(rig.folder.path());
         rig.services->recordingActions.toggleQuickly();
+        settle();
         QVERIFY(rig.services->toasts.visible().isEmpty()); // it would be in the picture
         rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
         rig.services->recordingActions.toggleQuickly();
+        settle();
         QCOMPARE(news().title, u"录制已保存"_s);
         rig.host.settings.failsWith = u"磁盘已满"_s;
         rig.services->settings.set(u"x"_s, 1);
@@ -348,6 +356,7 @@ private Q_SLOTS:
         QCOMPARE(rig.clock.pendingCount(), standingAlarms);
         rig.shell.calls.clear();
         rig.host.singleInstance.wake();
+        settle();
         QVERIFY(rig.shell.calls.isEmpty());
     }
 
@@ -361,7 +370,7 @@ private Q_SLOTS:
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.delegate->quitApp();
         rig.clock.advance(100ms);
-        QCoreApplication::processEvents();
+        settle();
         QCOMPARE(terminated.count(), 1);
     }
 
@@ -371,6 +380,7 @@ private Q_SLOTS:
         rig.host.screenCapture.nextSession->stopDelay = 1h;
         rig.launch();
         rig.services->recordingActions.toggleQuickly();
+        settle();
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.delegate->quitApp();
         rig.clock.advance(10s);
@@ -385,13 +395,14 @@ private Q_SLOTS:
         rig.host.screenCapture.nextSession->stopDelay = 100ms;
         rig.launch();
         rig.services->recordingActions.toggleQuickly();
+        settle();
         QVERIFY(rig.services->recorder.isRecording());
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
         rig.delegate->quitApp();
-        QCoreApplication::processEvents();
+        settle();
         QCOMPARE(terminated.count(), 0);
         rig.clock.advance(100ms);
-        QCoreApplication::processEvents();
+        settle();
         QCOMPARE(terminated.count(), 1);
         QVERIFY(rig.host.screenCapture.nextSession->calls.contains(u"finishWriting"_s));
     }

@@ -33,10 +33,13 @@ private Q_SLOTS:
         QVERIFY(!rig.recorder.isRecording());
         QCOMPARE(rig.services->privacy.pendingFeatureNotice()->message, quickRecordingNotice().message);
         rig.services->privacy.confirmPendingNotice();
+        settle();
         QVERIFY(rig.recorder.isRecording());
         rig.actions.toggleFromPanel();
+        settle();
         QVERIFY(!rig.recorder.isRecording());
         rig.actions.toggleFromPanel();
+        settle();
         QVERIFY(rig.recorder.isRecording());
     }
 
@@ -67,6 +70,7 @@ private Q_SLOTS:
         rig.actions.setMicrophone(true);
         QVERIFY(rig.host.permissions.calls.isEmpty());
         rig.services->privacy.confirmPendingNotice();
+        settle();
         QCOMPARE(rig.recorder.preferences().recordMicrophone(), userAgrees);
         rig.actions.setMicrophone(false);
         QVERIFY(!rig.recorder.preferences().recordMicrophone());

@@ -32,6 +32,7 @@ struct Rig : Consents {
     {
         std::optional<WallpaperActions::Outcome> outcome;
         task.then([&](WallpaperActions::Outcome now) { outcome = std::move(now); });
+        settle();
         if (!outcome)
             return u"…"_s;
         return *outcome ? **outcome : u"!"_s + outcome->error().message;
@@ -155,8 +156,9 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.plugSecond();
-        rig.host.mediaProbe.factsOf[u"/bad.mp4"_s] = VideoFacts{};
-        QCOMPARE(rig.answer(rig.actions.playVideoOn(2, u"/bad.mp4"_s)), u"!视频中没有画面轨道"_s);
+        const QString bad = rig.video(u"bad.mp4"_s);
+        rig.host.mediaProbe.factsOf[bad] = VideoFacts{};
+        QCOMPARE(rig.answer(rig.actions.playVideoOn(2, bad)), u"!视频中没有画面轨道"_s);
         QCOMPARE(rig.answer(rig.actions.playVideoOn(2, rig.b)), QString());
         QCOMPARE(rig.surface(0)->path, rig.b);
         QCOMPARE(rig.answer(rig.actions.playVideoOn(1, rig.a)), QString());

@@ -33,8 +33,10 @@ struct Rig : TwoDisplays {
         ParsedCommand command{words, arguments, false, {}};
         if (!display.isEmpty())
             command.options.insert(u"--display"_s, display);
+        settle();
         reply.reset();
         commandOf(words)->run(*services, command).then([this](CommandReply now) { reply = std::move(now); });
+        settle();
         return reply.value_or(CommandReply{-1, u"…"_s, {}});
     }
     QString text(const QString &words, const QStringList &arguments = {}, const QString &display = {})

@@ -31,7 +31,11 @@ struct Rig : WallpaperRig {
         make();
         delegate = std::make_unique<AppDelegate>(*services, shell);
     }
-    void launch() { delegate->applicationDidFinishLaunching(true); }
+    void launch()
+    {
+        delegate->applicationDidFinishLaunching(true);
+        settle();
+    }
     void launchAndRestore()
     {
         launch();
@@ -46,12 +50,12 @@ struct Rig : WallpaperRig {
     void choose(const QString &item)
     {
         shell.chosen(item);
-        QCoreApplication::processEvents();
+        settle();
     }
     void press(quint32 keyCode)
     {
         host.hotkeys.press({keyCode, HotkeyChord::controlKey | HotkeyChord::optionKey});
-        QCoreApplication::processEvents();
+        settle();
     }
     // The wallpaper's two entries: "title on, title off".
     QString entries() const
@@ -65,6 +69,7 @@ struct Rig : WallpaperRig {
     }
     QStringList banners() const
     {
+        settle();
         QStringList found;
         for (const Toast &toast : services->toasts.visible())
             found << toast.title + u"|"_s + toast.body;
@@ -239,10 +244,10 @@ private Q_SLOTS:
         rig.press(4);
         QVERIFY(!rig.wallpaper().isShowing());
         rig.clock.advance(399ms);
-        QCoreApplication::processEvents();
+        settle();
         QCOMPARE(terminated.count(), 0);
         rig.clock.advance(1ms);
-        QCoreApplication::processEvents();
+        settle();
         QCOMPARE(terminated.count(), 1);
         QVERIFY(rig.host.desktopPicture.calls.last().startsWith(u"restore "));
         QCOMPARE(rig.host.dock.calls.last(), u"set false"_s);

@@ -32,10 +32,12 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.devices.refreshAudioDevices();
+        settle();
         QCOMPARE(rig.devices.speakerDevices().size(), 2);
         QCOMPARE(rig.lastLine(), u"扬声器 2 个 / 麦克风 1 个"_s);
         rig.host.audioDevices.microphonesAnswer = QList<AudioDeviceItem>{};
         rig.host.audioDevices.changed();
+        settle();
         QVERIFY(rig.devices.microphoneDevices().isEmpty());
         QCOMPARE(rig.lastLine(), u"扬声器 2 个 / 麦克风 0 个"_s);
     }
@@ -45,6 +47,7 @@ private Q_SLOTS:
         Rig rig;
         rig.host.audioDevices.speakersAnswer = failure(u"没有声音服务"_s);
         rig.devices.refreshAudioDevices();
+        settle();
         QCOMPARE(rig.devices.problem(), u"没有声音服务"_s);
     }
 
@@ -83,13 +86,16 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.devices.refreshAudioDevices();
+        settle();
         rig.devices.selectSpeaker(u"b"_s);
+        settle();
         QCOMPARE(rig.recorder.preferences().selectedSpeakerID(), u"b"_s);
         QVERIFY(rig.host.audioDevices.calls.contains(u"setDefaultSpeaker b"_s));
         QCOMPARE(rig.recorder.log().logLines().last(2),
                  (QStringList{u"已选择扬声器:名称 b"_s, u"✅ 已将系统默认输出切换为:名称 b"_s}));
         rig.host.audioDevices.setDefaultAnswer = failure(u"拒绝"_s);
         rig.devices.selectSpeaker(u"a"_s);
+        settle();
         QCOMPARE(rig.lastLine(), u"❌ 切换系统默认输出失败:拒绝"_s);
     }
 
@@ -106,6 +112,7 @@ private Q_SLOTS:
         QFETCH(QString, selected);
         Rig rig;
         rig.devices.refreshAudioDevices();
+        settle();
         rig.devices.selectMicrophone(selected);
         QTEST(rig.devices.microphoneForCapture().has_value(), "passed");
     }

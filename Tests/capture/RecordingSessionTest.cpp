@@ -39,6 +39,7 @@ struct Rig : ServicesRig {
         preferences.setOutputDir(folder.path());
         preferences.setRecordSystemAudio(false);
         recorder.access().checkPermission();
+        settle();
     }
 
     QStringList linesSince(const QString &marker)
@@ -52,6 +53,7 @@ struct Rig : ServicesRig {
     {
         state->calls.clear();
         recorder.start();
+        settle();
     }
     void writeFrames(int count)
     {
@@ -120,6 +122,7 @@ private Q_SLOTS:
         rig.preferences.setQualityOption(RecordQuality::half);
         rig.host.screenCapture.geometryAnswer = CaptureGeometry{{801, 601}, 1.0, {1920, 1080}};
         rig.recorder.windows().refreshWindows();
+        settle();
         rig.recorder.windows().select(u"7"_s);
         rig.start();
         QVERIFY(rig.recorder.isRecording());
@@ -142,6 +145,7 @@ private Q_SLOTS:
         QCOMPARE(live.frameCountUI(), 120);
         QCOMPARE(live.elapsedSeconds(), 2);
         rig.recorder.stop();
+        settle();
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
         QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
                  (QStringList{u"停止录制 mode=manual 视频帧=120 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
@@ -161,7 +165,9 @@ private Q_SLOTS:
         rig.start();
         rig.writeFrames(1);
         rig.recorder.stop();
+        settle();
         rig.recorder.stop();
+        settle();
         QVERIFY(rig.recorder.isRecording());
         rig.clock.advance(1s);
         QVERIFY(!rig.recorder.isRecording());
@@ -217,6 +223,7 @@ private Q_SLOTS:
         rig.host.screenCapture.session()->recordingStarted();
         rig.host.screenCapture.session()->recordingFailed(u"磁盘"_s);
         rig.recorder.stop();
+        settle();
         QVERIFY(!rig.state->calls.contains(u"removeRecordingOutput"_s));
         rig.clock.advance(200ms);
         QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
@@ -268,6 +275,7 @@ private Q_SLOTS:
         rig.host.screenCapture.makeSessionFailure.reset();
         rig.host.screenCapture.nextSession = std::make_shared<FakeCaptureState>();
         rig.recorder.start();
+        settle();
         QVERIFY(rig.recorder.isRecording());
         QCOMPARE(rig.session.lastFailure(), QString());
     }
@@ -308,6 +316,7 @@ private Q_SLOTS:
         rig.writeFrames(60);
         rig.host.screenCapture.session()->warn(u"麦克风已断开"_s);
         rig.host.screenCapture.session()->streamStopped(u"窗口已关闭"_s);
+        settle();
         QVERIFY(!rig.recorder.isRecording());
         QVERIFY(rig.recorder.log().logLines().contains(u"⚠️ 麦克风已断开"_s));
         QVERIFY(rig.recorder.log().logLines().contains(u"❌ 流异常停止:窗口已关闭"_s));
@@ -390,6 +399,7 @@ private Q_SLOTS:
         rig.start();
         arrange(rig);
         rig.recorder.stop();
+        settle();
         QVERIFY(!rig.recorder.isRecording());
         QCOMPARE(rig.recorder.log().logLines().last(lines.size()), lines);
         QCOMPARE(QFile::exists(rig.path), kept);
@@ -427,6 +437,7 @@ private Q_SLOTS:
         if (!plays)
             rig.host.movieFiles.facts = MovieFacts{};
         rig.recorder.stop();
+        settle();
         QCOMPARE(rig.services->settings.contains(key), !plays);
     }
 

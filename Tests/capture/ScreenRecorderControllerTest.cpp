@@ -29,6 +29,7 @@ private Q_SLOTS:
         rig.recorder.preferences().setQualityOption(RecordQuality::p1080);
         rig.recorder.preferences().setFpsOption(RecordFPS::fps30);
         rig.recorder.start();
+        settle();
         QCOMPARE(
             rig.recorder.log().logLines().mid(0, 4),
             (QStringList{u"已恢复上次录制配置"_s, u"====== 开始录制 ======"_s,
@@ -68,6 +69,7 @@ private Q_SLOTS:
         Rig rig;
         arrange(rig);
         rig.recorder.start();
+        settle();
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
         QCOMPARE(rig.recorder.log().logLines().last(), u"❌ "_s + reason);
         QCOMPARE(rig.recorder.session().lastFailure(), reason);
@@ -79,6 +81,7 @@ private Q_SLOTS:
         Rig rig;
         rig.recorder.preferences().setRecordMode(RecordMode::window);
         rig.recorder.startFullScreen();
+        settle();
         QVERIFY(rig.recorder.isRecording());
         QCOMPARE(rig.recorder.preferences().recordMode(), RecordMode::window);
         QVERIFY(!rig.host.screenCapture.nextSession->filter.windowId);
@@ -91,6 +94,7 @@ private Q_SLOTS:
             QList<AudioDeviceItem>{{u"a"_s, u"甲"_s, {}, true}, {u"b"_s, u"乙"_s, {}, false}};
         rig.recorder.preferences().setSelectedSpeakerID(u"b"_s);
         rig.recorder.start();
+        settle();
         QVERIFY(rig.host.audioDevices.calls.contains(u"setDefaultSpeaker b"_s));
         QVERIFY(rig.recorder.log().logLines().contains(u"系统音频目标扬声器:乙"_s));
     }
@@ -100,6 +104,7 @@ private Q_SLOTS:
         Rig rig;
         rig.recorder.preferences().setSelectedSpeakerID(u"gone"_s);
         rig.recorder.start();
+        settle();
         QVERIFY(rig.recorder.isRecording());
         QVERIFY(rig.recorder.log().logLines().contains(u"⚠️ 所选扬声器不在，使用系统默认输出"_s));
         QVERIFY(rig.host.audioDevices.calls.filter(u"setDefaultSpeaker"_s).isEmpty());
@@ -123,6 +128,7 @@ private Q_SLOTS:
         Rig rig;
         rig.host.screenCapture.contentDelay = 10ms;
         rig.recorder.start();
+        settle();
         rig.recorder.stop();
         rig.clock.advance(1s);
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
@@ -136,6 +142,7 @@ private Q_SLOTS:
         rig.host.screenCapture.contentAnswer = failure(u"拒绝"_s);
         rig.host.permissions.screenCaptureGranted = false;
         rig.recorder.access().requestPermission();
+        settle();
         QVERIFY(!rig.recorder.access().hasPermission());
         QVERIFY(rig.recorder.access().showPermissionDialog());
         QCOMPARE(rig.recorder.log().logLines().last(3),
@@ -168,6 +175,7 @@ private Q_SLOTS:
         rig.host.permissions.microphoneStatus = status;
         rig.host.permissions.grantsOnRequest = userAgrees;
         rig.recorder.access().requestMicPermission();
+        settle();
         QCOMPARE(rig.recorder.log().logLines().last(2), lines);
         const bool granted = lines.last().startsWith(u"✅"_s);
         QCOMPARE(rig.recorder.access().hasMicPermission(), granted);

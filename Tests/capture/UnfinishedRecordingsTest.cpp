@@ -67,6 +67,7 @@ private Q_SLOTS:
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
         unfinished.repair(folder.filePath(u"other.mp4"_s)); // nobody's leftover
         unfinished.repair(movie);
+        settle();
         QCOMPARE(rig.host.movieFiles.calls, QStringList{u"repair "_s + movie});
         QCOMPARE(unfinished.leftovers().isEmpty(), succeeds);
         QCOMPARE(rig.services->recorder.log().logLines().last(),

@@ -72,6 +72,7 @@ private Q_SLOTS:
         rig.capture.imageDelay = 10ms;
         rig.capture.imageAnswers.emplace(2, failure(u"gone"_s));
         rig.catalog.refreshWindows();
+        settle();
         QVERIFY(rig.catalog.isLoadingWindowThumbs());
         QCOMPARE(rig.capture.calls, (QStringList{u"shareableContent"_s, u"windowImage 1 266x200"_s}));
         rig.clock.advance(10ms);
@@ -88,6 +89,7 @@ private Q_SLOTS:
         rig.setWindows({window(1, u"A"_s), window(2, u"B"_s)});
         rig.capture.imageDelay = 10ms;
         rig.catalog.refreshWindows();
+        settle();
         rig.setWindows({window(9, u"Z"_s)});
         rig.catalog.refreshWindows();
         rig.clock.advance(1s);
@@ -102,6 +104,7 @@ private Q_SLOTS:
         rig.setWindows({window(1, u"A"_s), window(2, u"B"_s)});
         rig.capture.imageDelay = 10ms;
         rig.catalog.refreshWindows();
+        settle();
         rig.catalog.cancelThumbnails();
         rig.clock.advance(1s);
         QVERIFY(!rig.catalog.isLoadingWindowThumbs());
@@ -113,12 +116,15 @@ private Q_SLOTS:
         Rig rig;
         rig.setWindows({window(1, u"A"_s), window(2, u"B"_s)});
         rig.catalog.refreshWindows();
+        settle();
         rig.catalog.select(u"2"_s);
         rig.setWindows({window(2, u"B"_s)});
         rig.catalog.refreshWindows();
+        settle();
         QCOMPARE(rig.catalog.selectedWindowID(), std::optional(u"2"_s));
         rig.setWindows({window(1, u"A"_s)});
         rig.catalog.refreshWindows();
+        settle();
         QCOMPARE(rig.catalog.selectedWindowID(), std::nullopt);
     }
 
@@ -127,6 +133,7 @@ private Q_SLOTS:
         Rig rig;
         rig.capture.contentAnswer = failure(u"X 已断开"_s);
         rig.catalog.refreshWindows();
+        settle();
         QCOMPARE(rig.log.logLines(), QStringList{u"加载窗口失败:X 已断开"_s});
     }
 };

@@ -2,6 +2,7 @@
 
 #include "support/Files.h"
 #include "support/Fuzz.h"
+#include "support/MemorySettings.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -22,14 +23,27 @@ class JsonSettingsFileTest : public QObject {
 private Q_SLOTS:
     void init() { path = folder.filePath(u"%1/settings.json"_s.arg(++count)); }
 
-    void storesPrivately()
+    void storesWhatHasChanged_data()
     {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("file") << true;
+    }
+    void storesWhatHasChanged()
+    {
+        QFETCH(bool, isReal);
+        MemorySettings fake;
         JsonSettingsFile file(path);
-        QCOMPARE(file.load(), QJsonObject());
-        const QJsonObject all{{u"键"_s, u"值"_s}, {u"n"_s, 1}};
-        QVERIFY(file.save(all, {u"n"_s}));
-        QCOMPARE(JsonSettingsFile(path).load(), all);
-        QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
+        SettingsBackend &backend = isReal ? static_cast<SettingsBackend &>(file) : fake;
+        QCOMPARE(backend.load(), QJsonObject());
+        QCOMPARE(backend.loadProblem(), QString());
+        QVERIFY(backend.save({{u"键"_s, u"值"_s}, {u"n"_s, 1}}, {u"n"_s, u"键"_s}));
+        const QJsonObject all{{u"键"_s, u"值"_s}, {u"list"_s, QJsonArray{1.5, QJsonObject{{u"a"_s, true}}}}};
+        QVERIFY(backend.save(all, {u"list"_s, u"n"_s}));
+        backend.tidy();
+        QCOMPARE(backend.load(), all);
+        if (isReal)
+            QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
     }
 
     void setsAsideWhatItCannotRead_data()

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/AdminShell.h"
+#include "support/AnswerTime.h"
 
 #include <QStringList>
 
@@ -12,7 +12,7 @@ namespace velbrix::test {
 
 class FakeAdminShell final : public AdminShell {
 public:
-    explicit FakeAdminShell(Clock &clock) : _clock(clock) {}
+    explicit FakeAdminShell(Clock &clock) : _answer(clock) {}
 
     // What a line comes to; success without output unless the test says otherwise.
     std::function<Result<ProcessOutcome>(const QString &line)> answer = [](const QString &) {
@@ -24,8 +24,7 @@ public:
     QCoro::Task<Result<ProcessOutcome>> run(const QString line, Cancellation cancellation) override
     {
         lines.append(line);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         if (cancellation.isCancelled()) {
             ProcessOutcome outcome;
             outcome.cancelled = true;
@@ -35,7 +34,7 @@ public:
     }
 
 private:
-    Clock &_clock;
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/ApplicationCatalog.h"
+#include "support/AnswerTime.h"
 
 #include <optional>
 #include <utility>
@@ -12,7 +12,7 @@ namespace velbrix::test {
 // manager starts working when `delay` is over: until then it can be called off.
 class FakeApplicationCatalog final : public ApplicationCatalog {
 public:
-    explicit FakeApplicationCatalog(Clock &clock) : _clock(clock) {}
+    explicit FakeApplicationCatalog(Clock &clock) : _answer(clock) {}
 
     Result<QList<InstalledApplication>> installed = QList<InstalledApplication>();
     OwnIdentity own{QStringLiteral("/opt/Velbrix/velbrix"), QStringLiteral("Velbrix"),
@@ -26,8 +26,7 @@ public:
     QCoro::Task<Result<QList<InstalledApplication>>> applications() override
     {
         calls.append(QStringLiteral("applications"));
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         co_return std::as_const(installed);
     }
     OwnIdentity ownIdentity() const override { return own; }
@@ -36,8 +35,7 @@ public:
     QCoro::Task<Result<QStringList>> packagesRemovedWith(const InstalledApplication application) override
     {
         calls.append(QStringLiteral("packages ") + application.package);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         co_return removedWith ? std::as_const(*removedWith)
                               : Result<QStringList>(QStringList{application.package});
     }
@@ -45,21 +43,21 @@ public:
                                             Cancellation cancellation) override
     {
         calls.append(QStringLiteral("remove ") + application.package);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         if (cancellation.isCancelled())
             co_return velbrix::failure(QStringLiteral("已取消"));
         if (failure)
             co_return velbrix::failure(*failure);
-        if (installed)
-            installed->removeIf([&](const InstalledApplication &other) {
-                return other.manager == application.manager && other.package == application.package;
-            });
+        const auto isIt = [&](const InstalledApplication &other) {
+            return other.manager == application.manager && other.package == application.package;
+        };
+        if (application.package.isEmpty() || !installed || installed->removeIf(isIt) == 0)
+            co_return velbrix::failure(QStringLiteral("没有安装：") + application.name);
         co_return Result<void>();
     }
 
 private:
-    Clock &_clock;
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

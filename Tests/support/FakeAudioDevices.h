@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/AudioDevices.h"
+#include "support/AnswerTime.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,6 +24,7 @@ public:
     {
         calls.append(QStringLiteral("speakers"));
         const auto answer = speakersAnswer;
+        co_await _answer.after();
         if (wait)
             co_await wait();
         co_return answer;
@@ -30,12 +32,17 @@ public:
     QCoro::Task<Result<QList<AudioDeviceItem>>> microphones() override
     {
         calls.append(QStringLiteral("microphones"));
+        co_await _answer.after();
         co_return std::as_const(microphonesAnswer);
     }
     QCoro::Task<Result<void>> setDefaultSpeaker(const QString id) override
     {
         calls.append(QStringLiteral("setDefaultSpeaker ") + id);
-        if (setDefaultAnswer && speakersAnswer) {
+        co_await _answer.after();
+        const auto isIt = [&](const AudioDeviceItem &speaker) { return speaker.id == id; };
+        if (!speakersAnswer || std::ranges::none_of(*speakersAnswer, isIt))
+            co_return failure(QStringLiteral("声音服务器里没有这个扬声器"));
+        if (setDefaultAnswer) {
             for (AudioDeviceItem &speaker : *speakersAnswer)
                 speaker.isDefault = speaker.id == id;
         }
@@ -49,6 +56,7 @@ public:
     void changed() { _observers.notify(); }
 
 private:
+    AnswerTime _answer;
     ObserverList<void()> _observers;
 };
 

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/DesktopPicture.h"
+#include "support/AnswerTime.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QStringList>
 
@@ -13,7 +14,7 @@ namespace velbrix::test {
 // A desktop with one picture: what was set last, or what was restored.
 class FakeDesktopPicture final : public DesktopPicture {
 public:
-    explicit FakeDesktopPicture(Clock &clock) : _clock(clock) {}
+    explicit FakeDesktopPicture(Clock &clock) : _answer(clock) {}
 
     Result<QJsonObject> now = QJsonObject{{QStringLiteral("path"), QStringLiteral("/own/picture.png")}};
     Result<void> setAnswer;
@@ -25,15 +26,15 @@ public:
     QCoro::Task<Result<QJsonObject>> current() override
     {
         const Turn turn(*this, QStringLiteral("current"));
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         co_return std::as_const(now);
     }
     QCoro::Task<Result<void>> set(const QString path) override
     {
         const Turn turn(*this, QStringLiteral("set ") + path);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
+        if (!QFileInfo::exists(path))
+            co_return failure(QStringLiteral("无法读取图片：") + path);
         if (setAnswer && now)
             now = QJsonObject{{QStringLiteral("path"), path}};
         co_return std::as_const(setAnswer);
@@ -42,10 +43,9 @@ public:
     {
         const QByteArray json = QJsonDocument(picture).toJson(QJsonDocument::Compact);
         const Turn turn(*this, QStringLiteral("restore ") + QString::fromUtf8(json));
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
-        if (restoreAnswer && now)
-            now = picture;
+        co_await _answer.after(delay);
+        for (auto place = picture.begin(); restoreAnswer && now && place != picture.end(); ++place)
+            now->insert(place.key(), *place);
         co_return std::as_const(restoreAnswer);
     }
 
@@ -62,7 +62,7 @@ private:
         int &running;
     };
 
-    Clock &_clock;
+    AnswerTime _answer;
     int _running = 0;
 };
 

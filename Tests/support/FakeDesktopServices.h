@@ -2,6 +2,7 @@
 
 #include "platform/DesktopServices.h"
 
+#include <QFileInfo>
 #include <QStringList>
 
 #include <optional>
@@ -26,6 +27,9 @@ public:
         calls.append(QStringLiteral("reveal ") + path);
         if (revealFailure)
             return failure(*revealFailure);
+        const QString folder = QFileInfo(path).absolutePath();
+        if (!QFileInfo(folder).isDir())
+            return failure(QStringLiteral("文件夹不存在：") + folder);
         return {};
     }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/DiskUsage.h"
+#include "support/AnswerTime.h"
 
 #include <QHash>
 
@@ -10,7 +10,7 @@ namespace velbrix::test {
 // Files and folders as large as the test says, told in the order asked for.
 class FakeDiskUsage final : public DiskUsage {
 public:
-    explicit FakeDiskUsage(Clock &clock) : _clock(clock) {}
+    explicit FakeDiskUsage(Clock &clock) : _answer(clock) {}
 
     QHash<QByteArray, qint64> sizes;    // by path; 0 for the others
     std::chrono::milliseconds delay{0}; // before each answer
@@ -21,8 +21,7 @@ public:
     {
         calls.append(paths);
         for (qsizetype index = 0; index < paths.size(); ++index) {
-            if (delay.count() > 0)
-                co_await Pause(_clock, delay);
+            co_await _answer.after(delay);
             if (cancellation.isCancelled())
                 co_return;
             measured(index, sizes.value(paths[index]));
@@ -30,7 +29,7 @@ public:
     }
 
 private:
-    Clock &_clock;
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

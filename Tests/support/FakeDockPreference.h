@@ -1,7 +1,7 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/DockPreference.h"
+#include "support/AnswerTime.h"
 
 #include <QString>
 #include <QStringList>
@@ -13,7 +13,7 @@ namespace velbrix::test {
 
 class FakeDockPreference final : public DockPreference {
 public:
-    explicit FakeDockPreference(Clock &clock) : _clock(clock) {}
+    explicit FakeDockPreference(Clock &clock) : _answer(clock) {}
 
     Result<bool> hides = false;
     std::optional<QString> failure; // of setAutoHide
@@ -23,15 +23,13 @@ public:
     QCoro::Task<Result<bool>> autoHide() override
     {
         calls.append(QStringLiteral("autoHide"));
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         co_return std::as_const(hides);
     }
     QCoro::Task<Result<void>> setAutoHide(bool hidden) override
     {
         calls.append(hidden ? QStringLiteral("set true") : QStringLiteral("set false"));
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         if (failure)
             co_return velbrix::failure(*failure);
         if (hides)
@@ -40,7 +38,7 @@ public:
     }
 
 private:
-    Clock &_clock;
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/MediaProbe.h"
+#include "support/AnswerTime.h"
 
+#include <QFileInfo>
 #include <QHash>
 #include <QStringList>
 
@@ -11,10 +12,10 @@
 
 namespace velbrix::test {
 
-// Videos that are what the test says.
+// Videos that are what the test says, as long as the file is there.
 class FakeMediaProbe final : public MediaProbe {
 public:
-    explicit FakeMediaProbe(Clock &clock) : _clock(clock) { defaultFrame.fill(Qt::darkCyan); }
+    explicit FakeMediaProbe(Clock &clock) : _answer(clock) { defaultFrame.fill(Qt::darkCyan); }
 
     QHash<QString, Result<VideoFacts>> factsOf; // by path; the default for the others
     Result<VideoFacts> defaultFacts =
@@ -28,8 +29,9 @@ public:
     QCoro::Task<Result<VideoFacts>> facts(const QString path) override
     {
         calls.append(QStringLiteral("facts ") + path);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
+        if (!QFileInfo::exists(path))
+            co_return failure(QStringLiteral("文件不存在"));
         const Result<VideoFacts> answer = factsOf.value(path, defaultFacts);
         co_return answer;
     }
@@ -40,10 +42,11 @@ public:
                          .arg(path, QString::number(seconds))
                          .arg(bound.width())
                          .arg(bound.height()));
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
         if (cancellation.isCancelled())
             co_return failure(QStringLiteral("已取消"));
+        if (!QFileInfo::exists(path))
+            co_return failure(QStringLiteral("文件不存在"));
         if (frameAnswer)
             co_return std::as_const(*frameAnswer);
         const QImage picture = frameOf.value(path, defaultFrame);
@@ -52,7 +55,7 @@ public:
     }
 
 private:
-    Clock &_clock;
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

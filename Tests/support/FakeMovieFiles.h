@@ -1,17 +1,18 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/MovieFiles.h"
+#include "support/AnswerTime.h"
 #include <utility>
 
+#include <QFileInfo>
 #include <QStringList>
 
 namespace velbrix::test {
 
-// Movies that are what the test says.
+// Movies that are what the test says, as long as the file is there and has something in it.
 class FakeMovieFiles final : public MovieFiles {
 public:
-    explicit FakeMovieFiles(Clock &clock) : _clock(clock) {}
+    explicit FakeMovieFiles(Clock &clock) : _answer(clock) {}
 
     std::chrono::milliseconds delay{0};
     Result<MovieFacts> facts =
@@ -22,20 +23,24 @@ public:
     QCoro::Task<Result<MovieFacts>> inspect(const QString path) override
     {
         calls.append(QStringLiteral("inspect ") + path);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
+        if (!QFileInfo::exists(path))
+            co_return failure(QStringLiteral("文件不存在"));
+        if (QFileInfo(path).size() == 0)
+            co_return MovieFacts();
         co_return std::as_const(facts);
     }
     QCoro::Task<Result<void>> repair(const QString path) override
     {
         calls.append(QStringLiteral("repair ") + path);
-        if (delay.count() > 0)
-            co_await Pause(_clock, delay);
+        co_await _answer.after(delay);
+        if (!QFileInfo::exists(path))
+            co_return failure(QStringLiteral("文件不存在"));
         co_return std::as_const(repairAnswer);
     }
 
 private:
-    Clock &_clock;
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

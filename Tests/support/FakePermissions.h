@@ -1,13 +1,14 @@
 #pragma once
 
 #include "platform/Permissions.h"
+#include "support/AnswerTime.h"
 
 #include <QMap>
 #include <QStringList>
 
 namespace velbrix::test {
 
-// A system that answers at once, with what the test has set.
+// A system that answers what the test has set.
 class FakePermissions final : public Permissions {
 public:
     bool screenCaptureGranted = true;
@@ -31,12 +32,14 @@ public:
     QCoro::Task<bool> requestMicrophone() override
     {
         calls.append(QStringLiteral("requestMicrophone"));
+        co_await _answer.after();
         co_return answer(microphoneStatus);
     }
     AuthorizationStatus camera() const override { return cameraStatus; }
     QCoro::Task<bool> requestCamera() override
     {
         calls.append(QStringLiteral("requestCamera"));
+        co_await _answer.after();
         co_return answer(cameraStatus);
     }
 
@@ -58,6 +61,8 @@ private:
             status = grantsOnRequest ? AuthorizationStatus::authorized : AuthorizationStatus::denied;
         return status == AuthorizationStatus::authorized;
     }
+
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

@@ -1,8 +1,11 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "platform/ScreenCapture.h"
+#include "support/AnswerTime.h"
 
+#include <QFileInfo>
+
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <utility>
@@ -40,12 +43,13 @@ struct FakeCaptureState {
     QStringList calls; // "openWriter PATH", "addOutput screen", "startCapture", … in order
 };
 
-// A session without a screen. With no delay every answer is there at once and
-// the caller's sequence runs to its end without an event loop.
+// A session without a screen, which keeps to the order of the operations.
+// Answers come even when it is gone by then.
 class FakeCaptureSession final : public CaptureSession {
 public:
-    FakeCaptureSession(Clock &clock, std::shared_ptr<FakeCaptureState> state, CaptureObserver observer)
-        : _clock(clock), _state(std::move(state)), _observer(std::move(observer))
+    FakeCaptureSession(AnswerTime &answer, CaptureFeatures features, std::shared_ptr<FakeCaptureState> state,
+                       CaptureObserver observer)
+        : _answer(answer), _features(features), _state(std::move(state)), _observer(std::move(observer))
     {
         _state->alive = true;
     }
@@ -81,8 +85,13 @@ public:
     Result<void> addRecordingOutput(const QString &path) override
     {
         _state->calls << QStringLiteral("addRecordingOutput ") + path;
+        if (!_features.recordingOutput)
+            return failure(QStringLiteral("本机不支持系统直写"));
         if (!_state->addRecordingOutputAnswer)
             return _state->addRecordingOutputAnswer;
+        if (const auto folder = folderOf(path); !folder)
+            return folder;
+        _output = Output::system;
         _state->path = path;
         if (_state->onOpen)
             _state->onOpen(path);
@@ -92,6 +101,8 @@ public:
     Result<void> removeRecordingOutput() override
     {
         _state->calls << QStringLiteral("removeRecordingOutput");
+        if (std::exchange(_output, Output::none) != Output::system)
+            return failure(QStringLiteral("没有系统直写的输出"));
         if (_state->removeRecordingOutputAnswer && _state->onFinish)
             _state->onFinish(_state->path);
         return _state->removeRecordingOutputAnswer;
@@ -100,10 +111,16 @@ public:
     Result<MovieTracks> openWriter(const MovieSettings &settings) override
     {
         _state->calls << QStringLiteral("openWriter ") + settings.path;
+        if (_output == Output::writer)
+            return failure(QStringLiteral("影片文件已经打开"));
+        if (const auto folder = folderOf(settings.path); !folder)
+            return std::unexpected(folder.error());
         _state->movie = settings;
         const Result<MovieTracks> answer = _state->openWriterAnswer.value_or(
             MovieTracks{.systemAudio = settings.systemAudio, .microphone = settings.microphone});
         if (answer) {
+            _output = Output::writer;
+            _tracks = *answer;
             _state->path = settings.path;
             if (_state->onOpen)
                 _state->onOpen(settings.path);
@@ -115,8 +132,10 @@ public:
     {
         const auto state = _state;
         state->calls << QStringLiteral("finishWriting");
-        if (state->finishDelay.count() > 0)
-            co_await Pause(_clock, state->finishDelay);
+        const bool hasMovie = std::exchange(_output, Output::none) == Output::writer;
+        co_await _answer.after(state->finishDelay);
+        if (!hasMovie)
+            co_return failure(QStringLiteral("没有打开的影片文件"));
         if (state->finishWritingAnswer && state->onFinish)
             state->onFinish(state->path);
         co_return std::as_const(state->finishWritingAnswer);
@@ -126,16 +145,28 @@ public:
     {
         static constexpr const char *names[] = {"screen", "systemAudio", "microphone"};
         _state->calls << QStringLiteral("addOutput ") + QLatin1String(names[static_cast<int>(output)]);
+        if (_output == Output::none)
+            return failure(QStringLiteral("没有打开的影片文件"));
+        const bool isWritten = _output == Output::writer;
+        if (isWritten && ((output == CaptureOutput::systemAudio && !_tracks.systemAudio) ||
+                          (output == CaptureOutput::microphone && !_tracks.microphone)))
+            return failure(QStringLiteral("影片没有这条音轨"));
         const auto answer = _state->addOutputAnswers.find(output);
-        return answer == _state->addOutputAnswers.end() ? Result<void>{} : answer->second;
+        if (answer != _state->addOutputAnswers.end() && !answer->second)
+            return answer->second;
+        _hasScreen = _hasScreen || output == CaptureOutput::screen;
+        return {};
     }
 
     QCoro::Task<Result<void>> startCapture() override
     {
         const auto state = _state;
         state->calls << QStringLiteral("startCapture");
-        if (state->startDelay.count() > 0)
-            co_await Pause(_clock, state->startDelay);
+        const bool isReady = _output != Output::none && _hasScreen && !_hasStarted;
+        _hasStarted = _hasStarted || isReady;
+        co_await _answer.after(state->startDelay);
+        if (!isReady)
+            co_return failure(QStringLiteral("没有影片或画面，或者录制已经开始过"));
         co_return std::as_const(state->startCaptureAnswer);
     }
 
@@ -143,24 +174,41 @@ public:
     {
         const auto state = _state;
         state->calls << QStringLiteral("stopCapture");
-        if (state->stopDelay.count() > 0)
-            co_await Pause(_clock, state->stopDelay);
+        const bool hasStarted = _hasStarted;
+        co_await _answer.after(state->stopDelay);
+        if (!hasStarted)
+            co_return failure(QStringLiteral("录制没有开始"));
         co_return std::as_const(state->stopCaptureAnswer);
     }
 
     CaptureLedger &ledger() override { return _ledger; }
 
 private:
-    Clock &_clock;
+    enum class Output { none, system, writer };
+
+    static Result<void> folderOf(const QString &path)
+    {
+        if (!QFileInfo(QFileInfo(path).path()).isDir())
+            return failure(QStringLiteral("无法创建文件：") + path);
+        return {};
+    }
+
+    AnswerTime &_answer;
+    const CaptureFeatures _features;
     std::shared_ptr<FakeCaptureState> _state;
     CaptureObserver _observer;
     CaptureLedger _ledger;
+    Output _output = Output::none;
+    MovieTracks _tracks;
+    bool _hasScreen = false;
+    bool _hasStarted = false;
 };
 
-// A screen whose contents and answers the test sets.
+// A screen whose contents and answers the test sets. What is not among the
+// contents can neither be seen nor recorded.
 class FakeScreenCapture final : public ScreenCapture {
 public:
-    explicit FakeScreenCapture(Clock &clock) : _clock(clock) {}
+    explicit FakeScreenCapture(Clock &clock) : _answer(clock) {}
 
     CaptureFeatures featuresAnswer{.recordingOutput = false, .microphone = true};
     std::chrono::milliseconds contentDelay{0};
@@ -184,18 +232,18 @@ public:
     QCoro::Task<Result<ShareableContent>> shareableContent() override
     {
         calls << QStringLiteral("shareableContent");
-        if (contentDelay.count() > 0)
-            co_await Pause(_clock, contentDelay);
+        co_await _answer.after(contentDelay);
         co_return std::as_const(contentAnswer);
     }
 
     QCoro::Task<Result<QImage>> windowImage(quint32 windowId, QSize size) override
     {
         calls << QStringLiteral("windowImage %1 %2x%3").arg(windowId).arg(size.width()).arg(size.height());
-        if (imageDelay.count() > 0)
-            co_await Pause(_clock, imageDelay);
+        co_await _answer.after(imageDelay);
         if (const auto answer = imageAnswers.find(windowId); answer != imageAnswers.end())
             co_return std::as_const(answer->second);
+        if (const auto seen = visible({.windowId = windowId, .displayId = 0, .excludedWindows = {}}); !seen)
+            co_return std::unexpected(seen.error());
         QImage grey(size, QImage::Format_RGB32);
         grey.fill(Qt::gray);
         co_return grey;
@@ -205,7 +253,8 @@ public:
     {
         calls << QStringLiteral("geometry");
         nextSession->filter = filter;
-        return geometryAnswer;
+        const Result<void> seen = visible(filter);
+        return seen ? geometryAnswer : std::unexpected(seen.error());
     }
 
     Result<std::unique_ptr<CaptureSession>> makeSession(const CaptureFilter &filter,
@@ -217,13 +266,35 @@ public:
         nextSession->configuration = configuration;
         if (makeSessionFailure)
             return std::unexpected(*makeSessionFailure);
-        auto session = std::make_unique<FakeCaptureSession>(_clock, nextSession, std::move(observer));
+        const bool isEven = configuration.width % 2 == 0 && configuration.height % 2 == 0;
+        if (configuration.width < 2 || configuration.height < 2 || !isEven ||
+            configuration.framesPerSecond < 1)
+            return failure(QStringLiteral("捕获尺寸或帧率无效"));
+        if (const auto seen = visible(filter); !seen)
+            return std::unexpected(seen.error());
+        auto session =
+            std::make_unique<FakeCaptureSession>(_answer, featuresAnswer, nextSession, std::move(observer));
         _session = session.get();
         return session;
     }
 
 private:
-    Clock &_clock;
+    Result<void> visible(const CaptureFilter &filter) const
+    {
+        if (!contentAnswer)
+            return std::unexpected(contentAnswer.error());
+        const auto hasWindow = [&](const CapturableWindow &each) { return each.windowId == filter.windowId; };
+        const auto hasDisplay = [&](const CapturableDisplay &each) {
+            return each.displayId == filter.displayId;
+        };
+        if (filter.windowId && std::ranges::none_of(contentAnswer->windows, hasWindow))
+            return failure(QStringLiteral("窗口已关闭"));
+        if (!filter.windowId && std::ranges::none_of(contentAnswer->displays, hasDisplay))
+            return failure(QStringLiteral("找不到要录制的显示器"));
+        return {};
+    }
+
+    AnswerTime _answer;
     FakeCaptureSession *_session = nullptr;
 };
 

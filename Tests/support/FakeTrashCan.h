@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/TrashCan.h"
+#include "support/AnswerTime.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -26,35 +27,52 @@ public:
     QCoro::Task<Result<QString>> moveToTrash(const QString path) override
     {
         calls.append(QStringLiteral("trash ") + path);
+        co_await _answer.after();
         if (refused.contains(path))
             co_return failure(refused.value(path));
+        QString item = path;
+        while (item.endsWith(u'/'))
+            item.chop(1);
+        const QString name = item.section(u'/', -1);
+        if (!item.startsWith(u'/') || name == u"." || name == u".." || !isThere(item))
+            co_return failure(QStringLiteral("文件不存在"));
+        if (item == _folder.path() || isTrashed(item))
+            co_return failure(QStringLiteral("已经在废纸篓里"));
         const QString place = QStringLiteral("%1/%2").arg(_folder.path()).arg(++_count);
-        const QString trashed = place + u'/' + QFileInfo(path).fileName();
-        if (!QDir().mkpath(place) || !move(path, trashed))
-            co_return failure(QStringLiteral("cannot move"));
+        const QString trashed = place + u'/' + name;
+        if (!QDir().mkpath(place) || !move(item, trashed))
+            co_return failure(QStringLiteral("不能移到废纸篓"));
         co_return tellsWhere ? QString(trashed) : QString();
     }
     QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) override
     {
         calls.append(QStringLiteral("put back ") + original);
+        co_await _answer.after();
         if (refused.contains(trashed))
             co_return failure(refused.value(trashed));
-        const QFileInfo there(original);
-        const bool isFree = !there.exists() && !there.isSymLink();
-        if (!trashed.startsWith(_folder.path() + u'/') || !isFree || !QDir().mkpath(there.path()) ||
-            !move(trashed, original))
-            co_return failure(QStringLiteral("cannot put back"));
+        if (!isThere(trashed))
+            co_return failure(QStringLiteral("废纸篓里已经没有它了"));
+        if (!isTrashed(trashed))
+            co_return failure(QStringLiteral("不在废纸篓里"));
+        if (isThere(original))
+            co_return failure(QStringLiteral("原来的位置已经有同名的项目"));
+        if (!QDir().mkpath(QFileInfo(original).path()) || !move(trashed, original))
+            co_return failure(QStringLiteral("不能放回原处"));
         co_return Result<void>();
     }
-    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation) override
+    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) override
     {
         calls.append(QStringLiteral("empty"));
         emptyRules.append(rules);
+        co_await _answer.after();
         if (emptyFailure)
             co_return failure(*emptyFailure);
         RemovalReport report;
         const QDir folder(_folder.path());
-        for (const QString &place : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QStringList places = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        for (const QString &place : places) {
+            if (cancellation.isCancelled())
+                break;
             QDir(folder.filePath(place)).removeRecursively();
             ++report.removedFiles;
         }
@@ -63,11 +81,18 @@ public:
     QStringList folders() const override { return {_folder.path()}; }
 
 private:
+    bool isTrashed(const QString &path) const { return path.startsWith(_folder.path() + u'/'); }
+    static bool isThere(const QString &path)
+    {
+        const QFileInfo item(path);
+        return item.exists() || item.isSymLink();
+    }
     static bool move(const QString &from, const QString &to)
     {
         return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
     }
 
+    AnswerTime _answer;
     QTemporaryDir _folder;
     int _count = 0;
 };

@@ -1,18 +1,21 @@
 #pragma once
 
 #include "platform/UserNotifications.h"
-#include <utility>
+#include "support/AnswerTime.h"
 
 #include <QStringList>
 
+#include <utility>
+
 namespace velbrix::test {
 
+// Shows banners as long as the user has granted them.
 class FakeUserNotifications final : public UserNotifications {
 public:
     Result<bool> authorization = true; // what the request answers
     NotificationSettings current{QStringLiteral("authorized"), QStringLiteral("enabled")};
-    QStringList calls; // "register …", "requestAuthorization", "settings"
-    QList<UserNotice> posted;
+    QStringList calls;        // "register …", "requestAuthorization", "settings"
+    QList<UserNotice> posted; // in their order; refused ones are not among them
 
     void registerCategory(const QString identifier) override
     {
@@ -21,18 +24,28 @@ public:
     QCoro::Task<Result<bool>> requestAuthorization() override
     {
         calls.append(QStringLiteral("requestAuthorization"));
+        co_await _answer.after();
         co_return std::as_const(authorization);
     }
     QCoro::Task<NotificationSettings> settings() override
     {
         calls.append(QStringLiteral("settings"));
+        co_await _answer.after();
         co_return std::as_const(current);
     }
     QCoro::Task<Result<void>> post(const UserNotice notice) override
     {
+        co_await _answer.after();
+        if (!authorization)
+            co_return std::unexpected(authorization.error());
+        if (!*authorization || current.authorization == QStringLiteral("denied"))
+            co_return failure(QStringLiteral("系统没有允许通知"));
         posted.append(notice);
         co_return Result<void>();
     }
+
+private:
+    AnswerTime _answer;
 };
 
 } // namespace velbrix::test

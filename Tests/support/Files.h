@@ -25,6 +25,14 @@ inline QString writeFile(const QString &path, const QByteArray &bytes = "x")
     return path;
 }
 
+// A program that stands in for one of another system; its path.
+inline QString standIn(const QString &path, const QByteArray &script)
+{
+    writeFile(path, script);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return path;
+}
+
 // Names in a folder, hidden ones too.
 inline QStringList entriesOf(const QString &folder)
 {

@@ -122,6 +122,7 @@ struct UninstallRig {
     {
         for (int turn = 0; turn < 20000 && !isSo(); ++turn) {
             QCoreApplication::processEvents();
+            settle();
             if (isSo())
                 break;
             if (clock.pendingCount() > idleAlarms)

@@ -9,7 +9,8 @@
 namespace velbrix::test {
 
 // A wallpaper over fakes, with a main display 1 and a folder for made-up
-// videos; change the host or the settings, then call wallpaper().
+// videos; change the host or the settings, then call wallpaper(). What was
+// begun has gone on as far as it can without time when one looks at it here.
 struct WallpaperRig : ServicesRig {
     CapturedLog log;
 
@@ -20,6 +21,7 @@ struct WallpaperRig : ServicesRig {
     {
         if (!services)
             make();
+        settle();
         return services->wallpaper;
     }
 
@@ -38,10 +40,19 @@ struct WallpaperRig : ServicesRig {
     {
         wallpaper().setVideo(path);
         wallpaper().apply();
+        settle();
     }
 
-    FakeVideoSurface *surface(int index = 0) { return host.surfaces.surfaces.value(index); }
-    QStringList logged() { return log.take(QStringLiteral("Wallpaper")); }
+    FakeVideoSurface *surface(int index = 0)
+    {
+        settle();
+        return host.surfaces.surfaces.value(index);
+    }
+    QStringList logged()
+    {
+        settle();
+        return log.take(QStringLiteral("Wallpaper"));
+    }
 };
 
 } // namespace velbrix::test

@@ -45,6 +45,7 @@ struct WindowRig : ServicesRig {
     // The widget of that object name; null when it is absent or hidden.
     template <typename Widget = QWidget> Widget *find(const QString &name) const
     {
+        settle(); // shows what has come by then
         const auto all = window()->findChildren<Widget *>(name);
         for (Widget *widget : all) {
             if (widget->isVisibleTo(window()))
@@ -92,7 +93,11 @@ struct WindowRig : ServicesRig {
         }
         return found;
     }
-    void click(const QString &name) const { QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton); }
+    void click(const QString &name) const
+    {
+        QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton);
+        settle();
+    }
     void key(Qt::Key which, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
     {
         QWidget *const target = window()->focusWidget() ? window()->focusWidget() : window();

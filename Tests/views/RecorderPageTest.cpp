@@ -40,7 +40,11 @@ struct Rig : WindowRig {
     {
         host.settings.stored.insert(u"Velbrix_Privacy_consent_"_s + rawValue(kind), true);
     }
-    ScreenRecorderController &recorder() { return services->recorder; }
+    ScreenRecorderController &recorder()
+    {
+        settle();
+        return services->recorder;
+    }
     void click(const QString &name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
 
     QTemporaryDir folder;

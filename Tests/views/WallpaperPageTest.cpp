@@ -24,7 +24,11 @@ namespace {
 // A program with a folder for videos, which the fakes need not read.
 struct Rig : WindowRig {
     Rig() { host.settings.stored.insert(u"Velbrix_Privacy_consent_videoWallpaper"_s, true); }
-    WallpaperController &wallpaper() const { return services->wallpaper; }
+    WallpaperController &wallpaper() const
+    {
+        settle();
+        return services->wallpaper;
+    }
     void click(const QString &name) const { QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton); }
     QString text(const QString &name) const
     {

@@ -25,11 +25,13 @@ private Q_SLOTS:
         rig.host.dock.hides = had;
         const WallpaperPreferences &preferences = rig.wallpaper().preferences();
         rig.wallpaper().dock().toggleDockAutoHide();
+        settle();
         QVERIFY(preferences.isDockAutoHidden());
         QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(had));
         QCOMPARE(rig.host.settings.stored.value(u"Velbrix_WallpaperDockAutoHideOriginal"_s).toBool(!had),
                  had);
         rig.wallpaper().dock().toggleDockAutoHide();
+        settle();
         QCOMPARE(rig.host.dock.calls,
                  (QStringList{u"autoHide"_s, u"set true"_s, had ? u"set true"_s : u"set false"_s}));
         QVERIFY(!preferences.isDockAutoHidden());
@@ -83,9 +85,11 @@ private Q_SLOTS:
         WallpaperRig rig;
         rig.host.settings.stored.insert(u"Velbrix_WallpaperDockAutoHideOriginal"_s, false);
         rig.wallpaper().recoverAfterCrash();
+        settle();
         QCOMPARE(rig.host.dock.calls, QStringList{u"set false"_s});
         QVERIFY(!rig.wallpaper().preferences().originalSystemDockAutohideState());
         rig.wallpaper().recoverAfterCrash();
+        settle();
         QCOMPARE(rig.host.dock.calls.size(), 1);
     }
 };

@@ -226,6 +226,7 @@ private Q_SLOTS:
         WallpaperController &wallpaper = rig.wallpaper();
         if (what != u"none")
             wallpaper.setVideo(rig.video(u"a.mp4"_s));
+        settle();
         if (what == u"gone")
             QVERIFY(QFile::remove(rig.files.filePath(u"a.mp4"_s)));
         if (what == u"display")
@@ -237,6 +238,7 @@ private Q_SLOTS:
         if (what == u"battery")
             rig.host.power.set(true);
         wallpaper.apply();
+        settle();
         QVERIFY(!wallpaper.isShowing());
         // What the desktop showed before, it shows again.
         QTRY_VERIFY(wallpaper.isSettled());

@@ -2,11 +2,14 @@
 #include "foundation/ExcludeRules.h"
 #include "platform/linux/archive/ArchiveJob.h"
 #include "platform/linux/archive/LargeFile.h"
+#include "platform/macos/files/DittoArchiver.h"
 #include "support/FakeArchiver.h"
+#include "support/Files.h"
 #include "support/VirtualClock.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <fcntl.h>
@@ -19,60 +22,84 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
+// As far as an archiver asks it: "-c -k --keepParent FOLDER ARCHIVE" and "-x -k ARCHIVE FOLDER".
+constexpr char dittoStandIn[] = R"(#!/bin/sh
+if [ "$1" = -c ]; then
+    cd "$(dirname "$4")" && exec zip -r -y -q "$5" "./$(basename "$4")"
+fi
+exec unzip -q "$3" -d "$4"
+)";
 
 } // namespace
 
 class ArchiverTest : public QObject {
     Q_OBJECT
 
-    // The same for the fake and the real one.
-    void keepsItsPromises(ArchiveRig &rig, Archiver &archiver)
-    {
-        rig.in(u"mkdir s out; echo text > s/file; echo mine > taken; echo torn > torn"_s);
-        ArchiveRequest request;
-        request.source = rig.path(u"s"_s);
-        request.archive = rig.path(u"taken"_s);
-        QCOMPARE(QCoro::waitFor(archiver.create(request))->exitStatus, 15);
-        QCOMPARE(contentOf(request.archive), "mine\n");
-
-        request.archive = rig.path(u"a"_s);
-        QCOMPARE(QCoro::waitFor(archiver.create(request))->exitStatus, 0);
-        QVERIFY(QCoro::waitFor(archiver.test(request.archive, {})));
-        QVERIFY(!QCoro::waitFor(archiver.test(rig.path(u"torn"_s), {})));
-        QVERIFY(!QCoro::waitFor(archiver.test(rig.path(u"missing"_s), {})));
-
-        ExtractRequest extraction;
-        extraction.archive = request.archive;
-        extraction.folder = rig.path(u"out"_s);
-        QVERIFY(QCoro::waitFor(archiver.extract(extraction)));
-        const QByteArray unpacked = rig.tree(u"out"_s);
-        QVERIFY(!QCoro::waitFor(archiver.extract(extraction))); // nothing is replaced
-        QCOMPARE(rig.tree(u"out"_s), unpacked);
-
-        request.archive = rig.path(u"b"_s);
-        request.cancellation.cancel();
-        const auto cancelled = QCoro::waitFor(archiver.create(request));
-        QVERIFY(cancelled->cancelled);
-        QCOMPARE(cancelled->exitStatus, 9);
-    }
-
 private Q_SLOTS:
-    void theFakeKeepsItsPromises()
+    void keepsItsPromises_data()
     {
+        QTest::addColumn<QString>("host");
+        for (const char *host : {"fake", "zip", "ditto"})
+            QTest::newRow(host) << QString::fromLatin1(host);
+    }
+    void keepsItsPromises()
+    {
+        QFETCH(QString, host);
         ArchiveRig rig;
         VirtualClock clock;
         FakeArchiver fake(clock);
-        keepsItsPromises(rig, fake);
-    }
-    void theRealOneKeepsItsPromises()
-    {
-        ArchiveRig rig;
-        keepsItsPromises(rig, rig.archiver);
+        DittoArchiver ditto(rig.clock, {.ditto = standIn(rig.path(u"ditto"_s), dittoStandIn),
+                                        .zip = QStandardPaths::findExecutable(u"zip"_s),
+                                        .unzip = QStandardPaths::findExecutable(u"unzip"_s),
+                                        .zipinfo = QStandardPaths::findExecutable(u"zipinfo"_s)});
+        Archiver &archiver = host == u"fake"  ? static_cast<Archiver &>(fake)
+                             : host == u"zip" ? static_cast<Archiver &>(rig.archiver)
+                                              : ditto;
+        rig.in(u"mkdir s out; echo text > s/文件; chmod 755 s/文件; ln -s 文件 s/link; touch s/left.tmp; "
+               "touch -h -d '2001-02-03 04:05:06' s/* s; echo mine > taken; echo torn > torn"_s);
+        ArchiveRequest request;
+        request.source = rig.path(u"s"_s);
+        const auto create = [&](const QString &name) {
+            request.archive = rig.path(name);
+            return *QCoro::waitFor(archiver.create(request));
+        };
+        const auto test = [&](const QString &name) {
+            return QCoro::waitFor(archiver.test(rig.path(name), {})).has_value();
+        };
+        const auto extract = [&](const QString &name, const QString &folder) {
+            ExtractRequest extraction;
+            extraction.archive = rig.path(name);
+            extraction.folder = rig.path(folder);
+            return QCoro::waitFor(archiver.extract(extraction)).has_value();
+        };
+
+        QCOMPARE(create(u"taken"_s).exitStatus, 15);
+        QCOMPARE(readFile(rig.path(u"taken"_s)), "mine\n");
+        const ArchiveOutcome nowhere = create(u"nowhere/a"_s);
+        QVERIFY(nowhere.exitStatus != 0 && !nowhere.problem.isEmpty());
+        QCOMPARE(create(u"a"_s).exitStatus, 0);
+        QVERIFY(test(u"a"_s) && !test(u"torn"_s) && !test(u"missing"_s));
+
+        QVERIFY(!extract(u"torn"_s, u"out"_s) && !extract(u"missing"_s, u"out"_s));
+        QCOMPARE(rig.in(u"ls -A out"_s), "");
+        QVERIFY(!extract(u"a"_s, u"nowhere"_s));
+        QVERIFY(extract(u"a"_s, u"out"_s));
+        const QByteArray unpacked = rig.tree(u"out"_s);
+        if (host != u"fake")
+            QCOMPARE(rig.tree(u"out/s"_s), rig.tree(u"s"_s));
+        QVERIFY(!extract(u"a"_s, u"out"_s)); // nothing is replaced
+        QCOMPARE(rig.tree(u"out"_s), unpacked);
+
+        request.excludes = {u"*.tmp"_s};
+        QCOMPARE(create(u"b"_s).exitStatus, 0);
+        if (host != u"fake")
+            QCOMPARE(rig.in(u"zipinfo -1 b | sort"_s), "s/\ns/link\ns/文件");
+        request.source = rig.path(u"missing"_s);
+        QVERIFY(create(u"c"_s).exitStatus != 0);
+        request.cancellation.cancel();
+        const ArchiveOutcome cancelled = create(u"d"_s);
+        QVERIFY(cancelled.cancelled);
+        QCOMPARE(cancelled.exitStatus, 9);
     }
 
     void keepsATree()

@@ -150,15 +150,32 @@ private Q_SLOTS:
         renameWindowManager(u"Openbox"_s);
     }
 
-    void theFakeRemembersToo()
+    void whatWasThereComesBack_data()
     {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("root window") << true;
+    }
+    void whatWasThereComesBack()
+    {
+        QFETCH(bool, isReal);
         VirtualClock clock;
         FakeDesktopPicture fake(clock);
-        const auto former = QCoro::waitFor(fake.current());
-        QVERIFY(former && QCoro::waitFor(fake.set(ours())));
-        QVERIFY(*QCoro::waitFor(fake.current()) != *former);
-        QVERIFY(QCoro::waitFor(fake.restore(*former)));
-        QCOMPARE(*QCoro::waitFor(fake.current()), *former);
+        DesktopPicture &picture = isReal ? static_cast<DesktopPicture &>(*_picture) : fake;
+        const auto now = [&] { return *QCoro::waitFor(picture.current()); };
+        const QJsonObject former = now();
+        QCOMPARE(former.size(), 1);
+        QCOMPARE(QCoro::waitFor(picture.set(u"/nowhere.jpg"_s)).error().message,
+                 u"无法读取图片：/nowhere.jpg"_s);
+        QCOMPARE(now(), former);
+        QVERIFY(QCoro::waitFor(picture.set(ours())));
+        const QJsonObject set = now();
+        QCOMPARE(set.keys(), former.keys());
+        QVERIFY(set != former);
+        QVERIFY(QCoro::waitFor(picture.restore({}))); // a place without an entry stays
+        QCOMPARE(now(), set);
+        QVERIFY(QCoro::waitFor(picture.restore(former)));
+        QCOMPARE(now(), former);
     }
 
     void aDesktopIsRecognisedByWhatItShows_data()
@@ -379,14 +396,6 @@ private Q_SLOTS:
         QCOMPARE(plasma.inputs, (QStringList{u"var input = null;"_s, u"var input = [\"%1\"];"_s.arg(address),
                                              u"var input = %1;"_s.arg(QString::fromUtf8(plasma.desktops))}));
         QDBusConnection::disconnectFromBus(u"plasma"_s);
-    }
-
-    void aMissingPictureIsAFailure()
-    {
-        const auto done = QCoro::waitFor(_picture->set(u"/nowhere.jpg"_s));
-        QVERIFY(!done);
-        QCOMPARE(done.error().message, u"无法读取图片：/nowhere.jpg"_s);
-        QVERIFY(!hasPublishedPicture());
     }
 
     void outlivesItsOwner()

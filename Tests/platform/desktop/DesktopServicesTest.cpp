@@ -10,6 +10,7 @@
 #include <QUrl>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 using SettingGroups = QMap<QString, QVariantMap>;
@@ -103,22 +104,38 @@ const QString managerPath = u"/org/freedesktop/FileManager1"_s;
 class DesktopServicesTest : public QObject {
     Q_OBJECT
 
+    static void bothHosts()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("linux") << true;
+    }
+
 private Q_SLOTS:
     void initTestCase() { qDBusRegisterMetaType<SettingGroups>(); }
 
-    void seesAnXembedTrayComeAndGo()
+    void tellsEveryObserverOfTheTray_data() { bothHosts(); }
+    void tellsEveryObserverOfTheTray()
     {
-        X11DesktopServices services;
+        QFETCH(bool, isReal);
+        FakeDesktopServices fake;
+        fake.trayHost = false;
+        X11DesktopServices real;
+        DesktopServices &services = isReal ? static_cast<DesktopServices &>(real) : fake;
         QList<bool> seen;
+        int others = 0;
         const Observation observation =
             services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
+        const Observation other = services.observeTrayHost([&] { ++others; });
         QVERIFY(!services.hasTrayHost());
-        auto tray = std::make_unique<XembedTray>();
+        auto tray = isReal ? std::make_unique<XembedTray>() : nullptr;
+        fake.setTrayHost(true);
         QTRY_COMPARE(seen, QList<bool>{true});
-        X11DesktopServices later;
-        QVERIFY(later.hasTrayHost());
+        QVERIFY(!isReal || X11DesktopServices().hasTrayHost());
         tray.reset();
+        fake.setTrayHost(false);
         QTRY_COMPARE(seen, (QList<bool>{true, false}));
+        QCOMPARE(others, 2);
     }
 
     void seesAnItemHostComeAndGo()
@@ -174,27 +191,16 @@ private Q_SLOTS:
         QTRY_COMPARE(manager.shown, QStringList{QUrl::fromLocalFile(path).toString()});
     }
 
+    void saysThatAFolderIsMissing_data() { bothHosts(); }
     void saysThatAFolderIsMissing()
     {
-        X11DesktopServices services;
+        QFETCH(bool, isReal);
+        FakeDesktopServices fake;
+        X11DesktopServices real;
+        DesktopServices &services = isReal ? static_cast<DesktopServices &>(real) : fake;
         const auto done = services.revealInFolder(u"/nowhere/at/all.mp4"_s);
         QVERIFY(!done);
         QCOMPARE(done.error().message, u"文件夹不存在：/nowhere/at"_s);
-    }
-
-    void theFakeTellsItsObserversToo()
-    {
-        test::FakeDesktopServices services;
-        QList<bool> seen;
-        const Observation observation =
-            services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
-        services.setTrayHost(false);
-        services.setTrayHost(true);
-        QCOMPARE(seen, (QList<bool>{false, true}));
-        int unhides = 0;
-        const Observation unhiding = services.observeUnhide([&] { ++unhides; });
-        services.unhide();
-        QCOMPARE(unhides, 1);
     }
 };
 

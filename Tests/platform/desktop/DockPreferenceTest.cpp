@@ -3,7 +3,9 @@
 #include "../media/MediaTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/X11DesktopSession.h"
+#include "platform/macos/desktop/DefaultsDockPreference.h"
 #include "support/FakeDockPreference.h"
+#include "support/Files.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
@@ -67,8 +69,8 @@ class DockPreferenceTest : public QObject {
         LinuxDockPreference dock(_clock, _session, formerFile());
         return QCoro::waitFor(dock.setAutoHide(hides));
     }
-    // The same for the fake and every desktop whose bars do not all hide.
-    template <typename Dock> void hideAndShow(Dock &dock)
+    // The same for the fake, the Mac and every desktop whose bars do not all hide.
+    void hideAndShow(DockPreference &dock)
     {
         QCOMPARE(QCoro::waitFor(dock.autoHide()), Result<bool>(false));
         QVERIFY(QCoro::waitFor(dock.setAutoHide(true)));
@@ -84,7 +86,22 @@ private Q_SLOTS:
         VirtualClock clock;
         FakeDockPreference fake(clock);
         hideAndShow(fake);
-        QCOMPARE(fake.calls.size(), 6);
+    }
+
+    void theMacsDockHidesAndShows()
+    {
+        // One key in a file, which is not there until it is written.
+        const QString defaults = standIn(_folder.filePath(u"defaults"_s), R"(#!/bin/sh
+value="$(dirname "$0")/$2.$3"
+case "$1 $2 $3 $4" in
+"read com.apple.dock autohide ") cat "$value" ;;
+"write com.apple.dock autohide -bool") [ "$5" = true ] && echo 1 > "$value" || echo 0 > "$value" ;;
+*) exit 1 ;;
+esac
+)");
+        DefaultsDockPreference dock(_clock,
+                                    {defaults, standIn(_folder.filePath(u"killall"_s), "#!/bin/sh\n")});
+        hideAndShow(dock);
     }
 
     void saysWhatIsMissing()

@@ -1,24 +1,47 @@
 #include "platform/linux/desktop/LinuxPermissions.h"
 
 #include "platform/linux/x11/ScreenAccess.h"
+#include "support/FakePermissions.h"
 
+#include <QCoroTask>
 #include <QGuiApplication>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 class PermissionsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void anX11SessionGuardsNothing()
+    // A request answers what holds from then on, and a second one the same.
+    void requestsAnswerWhatHolds_data()
     {
-        LinuxPermissions permissions(screenObstacle(ScreenFacts::ofThisSession()));
-        QVERIFY(permissions.preflightScreenCapture());
-        QVERIFY(permissions.requestScreenCapture());
-        QCOMPARE(permissions.microphone(), AuthorizationStatus::authorized);
-        QCOMPARE(permissions.camera(), AuthorizationStatus::authorized);
-        QVERIFY(permissions.accessibilityTrusted());
+        QTest::addColumn<bool>("isReal");
+        QTest::addColumn<bool>("grants"); // what the user answers; X11 asks nobody
+        QTest::newRow("fake, granted") << false << true;
+        QTest::newRow("fake, denied") << false << false;
+        QTest::newRow("x11") << true << true;
+    }
+    void requestsAnswerWhatHolds()
+    {
+        QFETCH(bool, isReal);
+        QFETCH(bool, grants);
+        FakePermissions fake;
+        fake.screenCaptureGranted = false;
+        fake.microphoneStatus = fake.cameraStatus = AuthorizationStatus::notDetermined;
+        fake.grantsOnRequest = grants;
+        LinuxPermissions real(screenObstacle(ScreenFacts::ofThisSession()));
+        Permissions &permissions = isReal ? static_cast<Permissions &>(real) : fake;
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(permissions.requestScreenCapture(), grants);
+            QCOMPARE(permissions.preflightScreenCapture(), grants);
+            QCOMPARE(QCoro::waitFor(permissions.requestMicrophone()), grants);
+            QCOMPARE(permissions.microphone() == AuthorizationStatus::authorized, grants);
+            QCOMPARE(QCoro::waitFor(permissions.requestCamera()), grants);
+            QCOMPARE(permissions.camera() == AuthorizationStatus::authorized, grants);
+            fake.grantsOnRequest = false;
+        }
     }
 
     void theScreenOfAWaylandSessionCannotBeSeen_data()
@@ -52,15 +75,13 @@ private Q_SLOTS:
             QCOMPARE(permissions.explanation(PrivacyPane::screenCapture), obstacle);
     }
 
-    void everyPaneIsExplained()
+    void aPaneThatCannotBeOpenedIsExplained()
     {
         LinuxPermissions permissions({});
         for (const PrivacyPane pane :
              {PrivacyPane::screenCapture, PrivacyPane::microphone, PrivacyPane::camera,
-              PrivacyPane::accessibility, PrivacyPane::notifications}) {
-            QVERIFY(permissions.explanation(pane).contains(u"Linux"_s));
-            QVERIFY(!permissions.openSettings(pane));
-        }
+              PrivacyPane::accessibility, PrivacyPane::notifications})
+            QVERIFY(permissions.openSettings(pane) || !permissions.explanation(pane).isEmpty());
     }
 };
 

@@ -205,22 +205,6 @@ private Q_SLOTS:
             QCOMPARE(told[path], 2 * du(path));
     }
 
-    void theFakeHoldsItsAnswersBack()
-    {
-        FakeDiskUsage fake(_virtual);
-        fake.delay = 1s;
-        QList<qsizetype> told;
-        const QList<QByteArray> paths{"/a", "/b"};
-        const auto keep = [&](qsizetype index, qint64) { told.append(index); };
-        QCoro::Task<> task = fake.measure(paths, keep, Cancellation());
-        QCOMPARE(told, QList<qsizetype>());
-        _virtual.advance(1s);
-        QCOMPARE(told, QList<qsizetype>{0});
-        _virtual.advance(1s);
-        QCOMPARE(told, (QList<qsizetype>{0, 1}));
-        QCOMPARE(fake.calls, QList<QList<QByteArray>>{paths});
-    }
-
     // The program may end while folders are still walked through.
     void endsInTheMiddle()
     {

@@ -58,22 +58,12 @@ private Q_SLOTS:
         const QStringList before = microphonesOf(devices);
         QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)));
         QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic *"_s, u"speaker Speaker"_s}));
+        QVERIFY(!isReal || pactl({u"get-default-sink"_s}) == "mic");
         QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"speaker"_s)));
+        QCOMPARE(QCoro::waitFor(devices.setDefaultSpeaker(u"nowhere"_s)).error().message,
+                 u"声音服务器里没有这个扬声器"_s);
         QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic"_s, u"speaker Speaker *"_s}));
         QCOMPARE(microphonesOf(devices), before);
-    }
-
-    void choosesTheSpeaker()
-    {
-        PulseAudioDevices devices;
-        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)));
-        QCOMPARE(pactl({u"get-default-sink"_s}), QByteArray("mic"));
-        QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic *"_s, u"speaker Speaker"_s}));
-        QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"speaker"_s)));
-        const auto unknown = QCoro::waitFor(devices.setDefaultSpeaker(u"nowhere"_s));
-        QVERIFY(!unknown);
-        QCOMPARE(unknown.error().message, u"声音服务器里没有这个扬声器"_s);
-        QCOMPARE(pactl({u"get-default-sink"_s}), QByteArray("speaker"));
     }
 
     void tellsAboutChanges()

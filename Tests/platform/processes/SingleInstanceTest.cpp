@@ -1,5 +1,7 @@
 #include "platform/linux/processes/FolderSingleInstance.h"
 
+#include "support/FakeSingleInstance.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -9,6 +11,7 @@
 #include <cstdio>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -119,18 +122,29 @@ private Q_SLOTS:
         QTRY_VERIFY(holder.said("woken"));
     }
 
+    void aWakeBeforeAnyoneObservesIsKept_data()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("folder") << true;
+    }
     void aWakeBeforeAnyoneObservesIsKept()
     {
-        FolderSingleInstance holder(_folder->path());
+        QFETCH(bool, isReal);
+        FakeSingleInstance fake;
+        FolderSingleInstance real(_folder->path());
+        SingleInstance &holder = isReal ? static_cast<SingleInstance &>(real) : fake;
         QVERIFY(holder.claim());
         QVERIFY(holder.claim());
         FolderSingleInstance later(_folder->path());
-        QVERIFY(!later.claim());
-        later.wakeOther();
+        QCOMPARE(later.claim(), !isReal);
+        const auto wake = [&] { isReal ? later.wakeOther() : fake.wake(); };
+        wake();
         int woken = 0;
         const Observation observation = holder.observeWake([&] { ++woken; });
+        QCOMPARE(woken, 0); // never from inside the call
         QTRY_COMPARE(woken, 1);
-        later.wakeOther();
+        wake();
         QTRY_COMPARE(woken, 2);
     }
 

@@ -1,8 +1,10 @@
 #include "platform/linux/x11/capture/X11CaptureSession.h"
 
+#include "support/FakeScreenCapture.h"
 #include "support/PaintedWindow.h"
 #include "support/PatientTest.h"
 #include "support/RecordingRig.h"
+#include "support/VirtualClock.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -64,7 +66,63 @@ CaptureFilter only(const PaintedWindow &window)
 class X11CaptureSessionTest : public QObject {
     Q_OBJECT
 
+    QTemporaryDir folder;
+
 private Q_SLOTS:
+    void keepsTheOrderOfOperations_data()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("x11") << true;
+    }
+    void keepsTheOrderOfOperations()
+    {
+        QFETCH(bool, isReal);
+        VirtualClock clock;
+        FakeScreenCapture fake(clock);
+        RecordingRig rig;
+        ScreenCapture &capture = isReal ? static_cast<ScreenCapture &>(rig.capture) : fake;
+        const auto content = QCoro::waitFor(capture.shareableContent());
+        QVERIFY(content && content->displays.size() == 1 && content->displays.first().isMain);
+        const CaptureFilter display{.windowId = std::nullopt,
+                                    .displayId = content->displays.first().displayId,
+                                    .excludedWindows = {}};
+        const StreamConfiguration small{.width = 64, .height = 64, .microphoneDeviceId = u"mic-1"_s};
+
+        CaptureFilter absent = display;
+        absent.displayId = 12345;
+        QCOMPARE(capture.geometry(absent).error().message, u"找不到要录制的显示器"_s);
+        QCOMPARE(capture.makeSession(absent, small, {}).error().message, u"找不到要录制的显示器"_s);
+        absent.windowId = 0x7fffff;
+        QCOMPARE(capture.geometry(absent).error().message, u"窗口已关闭"_s);
+        QCOMPARE(capture.makeSession(absent, small, {}).error().message, u"窗口已关闭"_s);
+        QVERIFY(!QCoro::waitFor(capture.windowImage(*absent.windowId, QSize(10, 10))));
+        QVERIFY(!capture.makeSession(display, {.width = 63, .height = 64}, {}));
+        QVERIFY(capture.geometry(display));
+
+        auto session = *capture.makeSession(display, small, {});
+        const auto start = [&] { return QCoro::waitFor(session->startCapture()).has_value(); };
+        const auto stop = [&] { return QCoro::waitFor(session->stopCapture()).has_value(); };
+        const auto finish = [&] { return QCoro::waitFor(session->finishWriting()).has_value(); };
+        // Nothing goes without a movie, and no movie by a system that writes none.
+        const QString path = folder.filePath(u"a.mp4"_s);
+        QVERIFY(!capture.features().recordingOutput);
+        QVERIFY(!session->addRecordingOutput(path) && !session->removeRecordingOutput());
+        QVERIFY(!session->addOutput(CaptureOutput::screen) && !start() && !stop() && !finish());
+        const MovieSettings movie{.path = path, .width = 64, .height = 64, .microphone = true};
+        QCOMPARE(session->openWriter(movie), Result<MovieTracks>(MovieTracks{false, true}));
+        QVERIFY(!session->openWriter(movie));
+        QVERIFY(!start());                                        // without a picture
+        QVERIFY(!session->addOutput(CaptureOutput::systemAudio)); // has no track
+        QVERIFY(session->addOutput(CaptureOutput::microphone) && session->addOutput(CaptureOutput::screen));
+        QVERIFY(!isReal || rig.movie->calls().contains(u"useMicrophone mic-1"_s));
+        QVERIFY(start() && !start());
+        QVERIFY(stop() && finish() && !finish());
+        const auto stopping = session->stopCapture();
+        session.reset();
+        QVERIFY(waitFor([&] { return stopping.isReady(); }));
+    }
+
     void init() { QCursor::setPos(1270, 790); }
 
     void recordsTheDisplay_data()
@@ -380,26 +438,6 @@ private Q_SLOTS:
                  u"X 服务器没有 Composite 扩展，无法单独录制窗口"_s);
         QVERIFY(plain.start(plain.mainDisplay({window->id()})));
         QTRY_COMPARE(plain.warnings, QStringList{u"X 服务器没有 Composite 扩展，无法排除本应用窗口"_s});
-
-        RecordingRig rig;
-        QCOMPARE(rig.make({.windowId = 0x7fffff, .displayId = 0, .excludedWindows = {}}, QSize(10, 10))
-                     .error()
-                     .message,
-                 u"窗口已关闭"_s);
-        QCOMPARE(
-            rig.make({.windowId = std::nullopt, .displayId = 12345, .excludedWindows = {}}).error().message,
-            u"找不到要录制的显示器"_s);
-        QVERIFY(rig.make(rig.mainDisplay()));
-        QCOMPARE(rig.session->addRecordingOutput(u"a.mp4"_s).error().message,
-                 u"本机不支持系统直写，改由程序写入文件"_s);
-        QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"没有打开的影片文件"_s);
-        QCOMPARE(rig.session->addOutput(CaptureOutput::screen).error().message, u"没有打开的影片文件"_s);
-        rig.settings.microphone = true;
-        QVERIFY(rig.session->openWriter(rig.settings));
-        QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"没有要录制的画面"_s);
-        QCOMPARE(rig.session->addOutput(CaptureOutput::systemAudio).error().message, u"影片没有系统音频轨"_s);
-        QVERIFY(rig.session->addOutput(CaptureOutput::microphone));
-        QCOMPARE(rig.movie->calls(), QStringList{u"useMicrophone mic-1"_s});
     }
 
     // The window may go between the list and the start.

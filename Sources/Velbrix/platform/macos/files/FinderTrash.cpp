@@ -21,6 +21,13 @@ ProcessRequest request(const QString &osascript, const QString &script)
     return request;
 }
 
+QString deleteScript(const QString &path)
+{
+    QString quoted = path;
+    quoted.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s);
+    return u"tell application \"Finder\" to delete POSIX file \""_s + quoted + u'"';
+}
+
 bool isThere(const QString &path)
 {
     const QFileInfo item(path);
@@ -31,18 +38,6 @@ bool isThere(const QString &path)
 
 FinderTrash::FinderTrash(Clock &clock, QString osascript) : _runner(clock), _osascript(std::move(osascript))
 {
-}
-
-QString FinderTrash::deleteScript(const QString &path)
-{
-    QString quoted = path;
-    quoted.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s);
-    return u"tell application \"Finder\" to delete POSIX file \""_s + quoted + u'"';
-}
-
-QString FinderTrash::emptyScript()
-{
-    return u"tell application \"Finder\" to empty trash"_s;
 }
 
 bool FinderTrash::isTrashed(const QString &path, const QString &home, uint user)
@@ -58,6 +53,8 @@ bool FinderTrash::isTrashed(const QString &path, const QString &home, uint user)
 
 QCoro::Task<Result<void>> FinderTrash::moveToTrash(const QString path) const
 {
+    if (!isThere(path))
+        co_return failure(u"文件不存在"_s);
     ProcessRunner runner = _runner;
     ProcessRequest deleting = request(_osascript, deleteScript(path));
     const auto outcome = co_await runner.run(std::move(deleting));
@@ -71,7 +68,7 @@ QCoro::Task<Result<void>> FinderTrash::moveToTrash(const QString path) const
 QCoro::Task<Result<void>> FinderTrash::empty() const
 {
     ProcessRunner runner = _runner;
-    ProcessRequest emptying = request(_osascript, emptyScript());
+    ProcessRequest emptying = request(_osascript, u"tell application \"Finder\" to empty trash"_s);
     const auto outcome = co_await runner.run(std::move(emptying));
     if (!outcome)
         co_return std::unexpected(outcome.error());

@@ -19,8 +19,6 @@ public:
     QCoro::Task<Result<void>> moveToTrash(const QString path) const;
     QCoro::Task<Result<void>> empty() const;
 
-    static QString deleteScript(const QString &path);
-    static QString emptyScript();
     // In the user's trash at home or that of another volume.
     static bool isTrashed(const QString &path, const QString &home, uint user);
 
