@@ -5,6 +5,7 @@
 #include "support/Files.h"
 
 #include <QSignalSpy>
+#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

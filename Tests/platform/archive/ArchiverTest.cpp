@@ -23,12 +23,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // As far as an archiver asks it: "-c -k --keepParent FOLDER ARCHIVE" and "-x -k ARCHIVE FOLDER".
-constexpr char dittoStandIn[] = R"(#!/bin/sh
-if [ "$1" = -c ]; then
-    cd "$(dirname "$4")" && exec zip -r -y -q "$5" "./$(basename "$4")"
-fi
-exec unzip -q "$3" -d "$4"
-)";
+constexpr char dittoStandIn[] =
+    "#!/bin/sh\n"
+    "if [ \"$1\" = -c ]; then\n"
+    "    cd \"$(dirname \"$4\")\" && exec zip -r -y -q \"$5\" \"./$(basename \"$4\")\"\n"
+    "fi\n"
+    "exec unzip -q \"$3\" -d \"$4\"\n";
 
 } // namespace
 

@@ -107,17 +107,18 @@ private:
 };
 
 // The Finder's part of a Mac's trash can, with one folder for a trash.
-constexpr char finderStandIn[] = R"python(#!/usr/bin/env python3
-import os, re, shutil, sys
-trash = os.path.join(os.path.dirname(sys.argv[0]), "Trash")
-os.makedirs(trash, exist_ok=True)
-if sys.argv[2] == 'tell application "Finder" to empty trash':
-    shutil.rmtree(trash)
-else:
-    quoted = re.fullmatch(r'tell application "Finder" to delete POSIX file "((?:[^"\\]|\\.)*)"', sys.argv[2], re.S)
-    path = re.sub(r'\\(.)', r'\1', quoted[1])
-    os.rename(path, os.path.join(trash, os.path.basename(path)))
-)python";
+constexpr char finderStandIn[] =
+    "#!/usr/bin/env python3\n"
+    "import os, re, shutil, sys\n"
+    "trash = os.path.join(os.path.dirname(sys.argv[0]), 'Trash')\n"
+    "os.makedirs(trash, exist_ok=True)\n"
+    "delete = 'tell application \"Finder\" to delete POSIX file \"'\n"
+    "if sys.argv[2] == 'tell application \"Finder\" to empty trash':\n"
+    "    shutil.rmtree(trash)\n"
+    "else:\n"
+    "    assert sys.argv[2].startswith(delete) and sys.argv[2].endswith('\"')\n"
+    "    path = re.sub(r'\\\\(.)', r'\\1', sys.argv[2][len(delete):-1], flags=re.S)\n"
+    "    os.rename(path, os.path.join(trash, os.path.basename(path)))\n";
 
 class FinderCan final : public TrashCan {
 public:

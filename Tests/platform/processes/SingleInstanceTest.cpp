@@ -138,7 +138,12 @@ private Q_SLOTS:
         QVERIFY(holder.claim());
         FolderSingleInstance later(_folder->path());
         QCOMPARE(later.claim(), !isReal);
-        const auto wake = [&] { isReal ? later.wakeOther() : fake.wake(); };
+        const auto wake = [&] {
+            if (isReal)
+                later.wakeOther();
+            else
+                fake.wake();
+        };
         wake();
         int woken = 0;
         const Observation observation = holder.observeWake([&] { ++woken; });

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/input/X11KeyMonitor.h"
 
 #include "foundation/HotkeyChord.h"
+#include "support/FakeKeyMonitor.h"
 #include "support/XTestKeyboard.h"
 
 #include <QApplication>

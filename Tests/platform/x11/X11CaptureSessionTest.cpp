@@ -97,7 +97,9 @@ private Q_SLOTS:
         QCOMPARE(capture.geometry(absent).error().message, u"窗口已关闭"_s);
         QCOMPARE(capture.makeSession(absent, small, {}).error().message, u"窗口已关闭"_s);
         QVERIFY(!QCoro::waitFor(capture.windowImage(*absent.windowId, QSize(10, 10))));
-        QVERIFY(!capture.makeSession(display, {.width = 63, .height = 64}, {}));
+        StreamConfiguration odd = small;
+        odd.width = 63;
+        QVERIFY(!capture.makeSession(display, odd, {}));
         QVERIFY(capture.geometry(display));
 
         auto session = *capture.makeSession(display, small, {});
