@@ -369,6 +369,7 @@ private Q_SLOTS:
         const QString id = rig.save(rig.described(u"t"_s))->id;
         rig.controller->runNow(id);
         QTRY_COMPARE(rig.archiver.created.size(), 1);
+        settle(); // it has begun
         QDir(rig.path(u"src"_s)).removeRecursively();
         rig.archiver.holds = false;
         QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRunningBackup()));
@@ -489,7 +490,7 @@ private Q_SLOTS:
         rig.clock.advance(1h); // on schedule nobody is asked
         QVERIFY(rig.ends());
         QVERIFY(rig.result(id).contains(u"已暂停"_s));
-        QCOMPARE(rig.notifications.posted.size(), 1);
+        QTRY_COMPARE(rig.notifications.posted.size(), 1);
         rig.controller->runNow(id);
         QTRY_VERIFY(rig.controller->question());
         rig.controller->confirmDeletions();

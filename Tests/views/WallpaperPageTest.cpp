@@ -54,7 +54,11 @@ struct Rig : WindowRig {
         const auto *const panel = window()->findChild<QFileDialog *>(u"videoPanel"_s);
         return panel ? panel->windowTitle() : QString();
     }
-    FakeVideoSurface &surface(qsizetype index = 0) const { return *host.surfaces.surfaces.at(index); }
+    FakeVideoSurface &surface(qsizetype index = 0) const
+    {
+        settle();
+        return *host.surfaces.surfaces.at(index);
+    }
     // Far enough down the page to see the grid.
     ThumbnailGrid *grid() const
     {

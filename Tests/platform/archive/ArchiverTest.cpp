@@ -12,6 +12,8 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <utility>
+
 #include <fcntl.h>
 #include <sys/fsuid.h>
 #include <unistd.h>
@@ -85,7 +87,7 @@ private Q_SLOTS:
         QVERIFY(!extract(u"a"_s, u"nowhere"_s));
         QVERIFY(extract(u"a"_s, u"out"_s));
         const QByteArray unpacked = rig.tree(u"out"_s);
-        if (host != u"fake")
+        if (host == u"zip") // the fake packs nothing, and unzip gives links no time
             QCOMPARE(rig.tree(u"out/s"_s), rig.tree(u"s"_s));
         QVERIFY(!extract(u"a"_s, u"out"_s)); // nothing is replaced
         QCOMPARE(rig.tree(u"out"_s), unpacked);
@@ -94,8 +96,9 @@ private Q_SLOTS:
         QCOMPARE(create(u"b"_s).exitStatus, 0);
         if (host != u"fake")
             QCOMPARE(rig.in(u"zipinfo -1 b | sort"_s), "s/\ns/link\ns/文件");
-        request.source = rig.path(u"missing"_s);
+        const QString whole = std::exchange(request.source, rig.path(u"missing"_s));
         QVERIFY(create(u"c"_s).exitStatus != 0);
+        request.source = whole;
         request.cancellation.cancel();
         const ArchiveOutcome cancelled = create(u"d"_s);
         QVERIFY(cancelled.cancelled);
