@@ -2,6 +2,7 @@
 
 #include "foundation/SystemClock.h"
 #include "support/FakeApplicationCatalog.h"
+#include "support/Files.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
@@ -41,14 +42,7 @@ struct HostRig {
         programs.env = u"/usr/bin/env"_s;
     }
     QString at(const QString &path) const { return folder.filePath(path); }
-    QString write(const QString &path, const QByteArray &text) const
-    {
-        QDir().mkpath(QFileInfo(at(path)).absolutePath());
-        QFile file(at(path));
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-            qFatal("cannot write");
-        return at(path);
-    }
+    QString write(const QString &path, const QByteArray &text) const { return writeFile(at(path), text); }
     QString entry(const QString &path, const QByteArray &name, const QByteArray &more = "Exec=true") const
     {
         return write(path, "[Desktop Entry]\nType=Application\nName=" + name + '\n' + more + '\n');
@@ -79,10 +73,7 @@ struct HostRig {
     }
     QStringList calls() const
     {
-        QFile file(at(u"calls"_s));
-        return file.open(QIODevice::ReadOnly)
-                   ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
-                   : QStringList();
+        return QString::fromUtf8(readFile(at(u"calls"_s))).split(u'\n', Qt::SkipEmptyParts);
     }
     LinuxApplicationCatalog catalog() { return {clock, places, programs}; }
     QList<InstalledApplication> applications()
@@ -418,13 +409,12 @@ private Q_SLOTS:
         const QString program = QCoreApplication::applicationFilePath();
         QCOMPARE(catalog.ownIdentity(), (OwnIdentity{program, u"Velbrix"_s, u"velbrix"_s}));
 
-        QFile image(folder.filePath(u"Velbrix.AppImage"_s));
-        QVERIFY(image.open(QIODevice::WriteOnly));
-        qputenv("APPIMAGE", image.fileName().toUtf8());
+        const QString image = writeFile(folder.filePath(u"Velbrix.AppImage"_s));
+        qputenv("APPIMAGE", image.toUtf8());
         qputenv("APPDIR", "/somewhere/else");
         QCOMPARE(ApplicationPlaces::ofThisUser().executable, program);
         qputenv("APPDIR", QCoreApplication::applicationDirPath().toUtf8());
-        QCOMPARE(ApplicationPlaces::ofThisUser().executable, image.fileName());
+        QCOMPARE(ApplicationPlaces::ofThisUser().executable, image);
         // Else everything in home would be an application's data.
         qputenv("XDG_CACHE_HOME", QFile::encodeName(home));
         qputenv("XDG_DATA_HOME", "/");

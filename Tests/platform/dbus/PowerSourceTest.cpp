@@ -1,16 +1,13 @@
 #include "platform/linux/dbus/UPowerSource.h"
 
+#include "support/Bus.h"
 #include "support/FakePowerSource.h"
+#include "support/Files.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace velbrix;
@@ -26,13 +23,8 @@ using Supplies = QMap<QString, QMap<QString, QByteArray>>;
 void writeSupplies(const QString &folder, const Supplies &supplies)
 {
     for (auto supply = supplies.begin(); supply != supplies.end(); ++supply) {
-        const QString path = folder + u'/' + supply.key();
-        QDir().mkpath(path);
-        for (auto entry = supply->begin(); entry != supply->end(); ++entry) {
-            QFile file(path + u'/' + entry.key());
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(*entry + '\n');
-        }
+        for (auto entry = supply->begin(); entry != supply->end(); ++entry)
+            writeFile(folder + u'/' + supply.key() + u'/' + entry.key(), *entry + '\n');
     }
 }
 
@@ -45,11 +37,7 @@ Supplies laptop(const QByteArray &online, const QByteArray &status)
 // A system bus of our own, on which UPower is what dbusmock makes of it.
 class MockedUPower {
 public:
-    bool startBus()
-    {
-        _bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        return _bus.waitForReadyRead(10000) && qputenv("DBUS_SYSTEM_BUS_ADDRESS", _bus.readLine().trimmed());
-    }
+    bool startBus() { return _bus.start("DBUS_SYSTEM_BUS_ADDRESS"); }
     void start(bool onBattery)
     {
         _mock.start(u"/usr/bin/python3"_s,
@@ -69,14 +57,12 @@ public:
     }
     ~MockedUPower()
     {
-        for (QProcess *process : {&_mock, &_bus}) {
-            process->kill();
-            process->waitForFinished();
-        }
+        _mock.kill();
+        _mock.waitForFinished();
     }
 
 private:
-    QProcess _bus;
+    OwnBus _bus;
     QProcess _mock;
 };
 

@@ -1,36 +1,16 @@
 #include "platform/linux/dbus/LogindSleep.h"
 
+#include "support/Bus.h"
 #include "support/FakeSystemSleep.h"
 #include "support/PatientTest.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QProcess>
 
 using namespace velbrix;
 using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A system bus of our own, on which this test is the login manager.
-class OwnBus {
-public:
-    bool start()
-    {
-        _bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        return _bus.waitForReadyRead(10000) && qputenv("DBUS_SYSTEM_BUS_ADDRESS", _bus.readLine().trimmed());
-    }
-    ~OwnBus()
-    {
-        _bus.kill();
-        _bus.waitForFinished();
-    }
-
-private:
-    QProcess _bus;
-};
 
 // What was sent before the answer has arrived with it.
 void awaitAnswer(const QDBusConnection &bus)
@@ -100,8 +80,8 @@ private Q_SLOTS:
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
-    OwnBus bus;
-    if (qEnvironmentVariableIsEmpty("DBUS_SYSTEM_BUS_ADDRESS") && !bus.start())
+    OwnBus bus; // on which this test is the login manager
+    if (qEnvironmentVariableIsEmpty("DBUS_SYSTEM_BUS_ADDRESS") && !bus.start("DBUS_SYSTEM_BUS_ADDRESS"))
         return 1;
     SystemSleepTest test;
     return QTest::qExec(&test, argc, argv);

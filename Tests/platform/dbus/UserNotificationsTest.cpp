@@ -1,15 +1,14 @@
 #include "platform/linux/dbus/FreedesktopNotifications.h"
 
+#include "support/Bus.h"
 #include "support/FakeUserNotifications.h"
+#include "support/Files.h"
 #include "support/PatientTest.h"
 
 #include <QCoreApplication>
 #include <QCoroTask>
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QFile>
 #include <QMap>
-#include <QProcess>
 
 #include <optional>
 
@@ -26,40 +25,26 @@ class BareBus {
 public:
     bool start()
     {
-        const QString configuration = _folder.path() + u"/bus.conf"_s;
-        QFile file(configuration);
-        if (!file.open(QIODevice::WriteOnly))
-            return false;
-        file.write("<busconfig><type>session</type><listen>unix:tmpdir=" + QFile::encodeName(_folder.path()) +
-                   "</listen><servicedir>" + QFile::encodeName(_folder.path()) +
-                   "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
-                   "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
-        file.close();
-        _daemon.start(u"dbus-daemon"_s,
-                      {u"--nofork"_s, u"--print-address"_s, u"--config-file="_s + configuration});
-        if (!_daemon.waitForReadyRead(10000))
-            return false;
-        return qputenv("DBUS_SESSION_BUS_ADDRESS", _daemon.readLine().trimmed());
+        const QString configuration = writeFile(
+            _folder.path() + u"/bus.conf"_s,
+            "<busconfig><type>session</type><listen>unix:tmpdir=" + QFile::encodeName(_folder.path()) +
+                "</listen><servicedir>" + QFile::encodeName(_folder.path()) +
+                "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
+                "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+        return _bus.start("DBUS_SESSION_BUS_ADDRESS", u"--config-file="_s + configuration);
     }
     void allowStarting(const QString &name)
     {
-        QFile file(_folder.path() + u'/' + name + u".service"_s);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[D-BUS Service]\nName=" + name.toUtf8() + "\nExec=/bin/false\n");
-        file.close();
+        writeFile(_folder.path() + u'/' + name + u".service"_s,
+                  "[D-BUS Service]\nName=" + name.toUtf8() + "\nExec=/bin/false\n");
         QDBusConnection::sessionBus().call(
             QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
                                            u"org.freedesktop.DBus"_s, u"ReloadConfig"_s));
     }
-    ~BareBus()
-    {
-        _daemon.kill();
-        _daemon.waitForFinished();
-    }
 
 private:
     QTemporaryDir _folder;
-    QProcess _daemon;
+    OwnBus _bus;
 };
 
 BareBus *bus = nullptr;

@@ -5,12 +5,12 @@
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/RootWindow.h"
 #include "platform/linux/x11/X11DesktopSession.h"
+#include "support/Bus.h"
 #include "support/FakeDesktopPicture.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QDBusConnection>
 #include <QDir>
 #include <QGuiApplication>
 #include <QPainter>
@@ -384,9 +384,8 @@ private Q_SLOTS:
     {
         renameWindowManager(u"KWin"_s);
         PlasmaShell plasma;
-        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"plasma"_s);
-        QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
-                bus.registerService(u"org.kde.plasmashell"_s));
+        BusPeer peer;
+        QVERIFY(peer.serve(u"/PlasmaShell"_s, &plasma) && peer.take(u"org.kde.plasmashell"_s));
         const QJsonObject former = current();
         QCOMPARE(former.keys(), (QStringList{u"plasma"_s, u"root"_s}));
         QVERIFY(set());
@@ -395,7 +394,6 @@ private Q_SLOTS:
         const QString address = QString::fromLatin1(QUrl::fromLocalFile(ours()).toEncoded());
         QCOMPARE(plasma.inputs, (QStringList{u"var input = null;"_s, u"var input = [\"%1\"];"_s.arg(address),
                                              u"var input = %1;"_s.arg(QString::fromUtf8(plasma.desktops))}));
-        QDBusConnection::disconnectFromBus(u"plasma"_s);
     }
 
     void outlivesItsOwner()

@@ -1,12 +1,11 @@
 #include "platform/linux/x11/X11DesktopServices.h"
 
+#include "support/Bus.h"
 #include "support/FakeDesktopServices.h"
+#include "support/Files.h"
 
 #include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QFile>
 #include <QUrl>
 
 using namespace velbrix;
@@ -17,33 +16,6 @@ using SettingGroups = QMap<QString, QVariantMap>;
 Q_DECLARE_METATYPE(SettingGroups)
 
 namespace {
-
-// Another program on the same bus.
-class Peer {
-public:
-    Peer() : _bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"peer"_s)) {}
-    ~Peer() { QDBusConnection::disconnectFromBus(u"peer"_s); }
-    Q_DISABLE_COPY_MOVE(Peer)
-
-    bool serve(const QString &name, const QString &path, QObject *object)
-    {
-        return _bus.registerObject(path, object,
-                                   QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties |
-                                       QDBusConnection::ExportAllSignals) &&
-               _bus.registerService(name);
-    }
-    void leave(const QString &name) { _bus.unregisterService(name); }
-    void emitSignal(const QString &path, const QString &interface, const QString &signal,
-                    const QVariantList &arguments = {})
-    {
-        QDBusMessage message = QDBusMessage::createSignal(path, interface, signal);
-        message.setArguments(arguments);
-        _bus.send(message);
-    }
-
-private:
-    QDBusConnection _bus;
-};
 
 class ItemWatcher final : public QObject {
     Q_OBJECT
@@ -144,10 +116,10 @@ private Q_SLOTS:
         QList<bool> seen;
         const Observation observation =
             services.observeTrayHost([&] { seen.append(services.hasTrayHost()); });
-        Peer peer;
+        BusPeer peer;
         ItemWatcher watcher;
         watcher.hasHost = false;
-        QVERIFY(peer.serve(watcherName, watcherPath, &watcher));
+        QVERIFY(peer.serve(watcherPath, &watcher) && peer.take(watcherName));
         watcher.hasHost = true;
         peer.emitSignal(watcherPath, watcherName, u"StatusNotifierHostRegistered"_s);
         QTRY_COMPARE(seen, QList<bool>{true});
@@ -157,10 +129,10 @@ private Q_SLOTS:
 
     void followsTheDesktopsSettings()
     {
-        Peer peer;
+        BusPeer peer;
         SettingsPortal portal;
         portal.colorScheme = 1;
-        QVERIFY(peer.serve(portalName, portalPath, &portal));
+        QVERIFY(peer.serve(portalPath, &portal) && peer.take(portalName));
         X11DesktopServices services;
         int changes = 0;
         const Observation observation = services.observeTheme([&] { ++changes; });
@@ -179,13 +151,11 @@ private Q_SLOTS:
 
     void asksTheFileManagerToSelectTheFile()
     {
-        Peer peer;
+        BusPeer peer;
         FileManager manager;
-        QVERIFY(peer.serve(managerName, managerPath, &manager));
+        QVERIFY(peer.serve(managerPath, &manager) && peer.take(managerName));
         QTemporaryDir folder;
-        const QString path = folder.filePath(u"录制 1.mp4"_s);
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QString path = writeFile(folder.filePath(u"录制 1.mp4"_s));
         X11DesktopServices services;
         QVERIFY(services.revealInFolder(path));
         QTRY_COMPARE(manager.shown, QStringList{QUrl::fromLocalFile(path).toString()});

@@ -1,12 +1,13 @@
 #include "platform/linux/desktop/XdgLoginItem.h"
 
 #include "support/FakeLoginItem.h"
+#include "support/Files.h"
 
-#include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
 
 using namespace velbrix;
+using namespace velbrix::test;
 using namespace Qt::StringLiterals;
 
 class LoginItemTest : public QObject {
@@ -15,18 +16,6 @@ class LoginItemTest : public QObject {
 private:
     QTemporaryDir _folder;
     QString _file = _folder.path() + u"/autostart/velbrix.desktop"_s;
-
-    void write(const QByteArray &text)
-    {
-        QFile file(_file);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(text);
-    }
-    QByteArray read()
-    {
-        QFile file(_file);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
 
 private Q_SLOTS:
     void turnsOnAndOff_data()
@@ -38,7 +27,7 @@ private Q_SLOTS:
     void turnsOnAndOff()
     {
         QFETCH(bool, isReal);
-        test::FakeLoginItem fake;
+        FakeLoginItem fake;
         XdgLoginItem real(_file, u"/opt/velbrix"_s);
         LoginItem &item = isReal ? static_cast<LoginItem &>(real) : fake;
         QVERIFY(!item.isEnabled());
@@ -66,7 +55,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, exec);
         XdgLoginItem item(_file, program);
         QVERIFY(item.setEnabled(true));
-        QVERIFY2(read().contains('\n' + exec), read().constData());
+        QVERIFY2(readFile(_file).contains('\n' + exec), readFile(_file).constData());
         if (QStandardPaths::findExecutable(u"desktop-file-validate"_s).isEmpty())
             QSKIP("desktop-file-validate is not installed");
         QCOMPARE(QProcess::execute(u"desktop-file-validate"_s, {_file}), 0);
@@ -92,7 +81,7 @@ private Q_SLOTS:
         QFETCH(bool, enabled);
         XdgLoginItem item(_file, u"/opt/velbrix"_s);
         QVERIFY(item.setEnabled(true));
-        write(text);
+        writeFile(_file, text);
         QCOMPARE(item.isEnabled(), enabled);
         QVERIFY(item.setEnabled(true));
         QVERIFY(item.isEnabled());

@@ -3,6 +3,7 @@
 
 #include "foundation/SystemClock.h"
 #include "support/FakeAdminShell.h"
+#include "support/Files.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
@@ -24,11 +25,10 @@ class AdminShellTest : public QObject {
     QString standIn(const QString &ending) const
     {
         static int count = 0;
-        QFile file(_folder.filePath(u"asks%1"_s.arg(++count)));
-        if (file.open(QIODevice::WriteOnly))
-            file.write("#!/bin/sh\nprintf '<%s>' \"$@\"\n" + ending.toUtf8() + '\n');
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return file.fileName();
+        const QString path = writeFile(_folder.filePath(u"asks%1"_s.arg(++count)),
+                                       "#!/bin/sh\nprintf '<%s>' \"$@\"\n" + ending.toUtf8() + '\n');
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return path;
     }
     template <typename Shell> Result<ProcessOutcome> run(Shell &&shell, const QString &line)
     {

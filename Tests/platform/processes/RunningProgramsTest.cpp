@@ -1,6 +1,7 @@
 #include "platform/linux/processes/ProcPrograms.h"
 
 #include "support/FakeRunningPrograms.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -109,13 +110,9 @@ private Q_SLOTS:
 
     void aScriptGoesByItsOwnName()
     {
-        const QString script = _folder + u"/scripts/velb-script-of-a-long-name"_s;
-        QDir().mkpath(_folder + u"/scripts"_s);
-        QFile file(script);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\nread line\n");
-        file.close();
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString script =
+            writeFile(_folder + u"/scripts/velb-script-of-a-long-name"_s, "#!/bin/sh\nread line\n");
+        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         const Sleeper running(script, {});
         // Names it only, and does not run it.
         const Sleeper other(program(u"velb-other"_s), {u"600"_s, u"velb-named"_s});
@@ -127,9 +124,7 @@ private Q_SLOTS:
 
     void anAppImageRunsFromItsMount()
     {
-        const QString image = _folder + u"/Velb.AppImage"_s;
-        QFile file(image);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QString image = writeFile(_folder + u"/Velb.AppImage"_s);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"APPIMAGE"_s, image);
         environment.insert(u"APPDIR"_s, _folder + u"/.mount_Velb"_s);

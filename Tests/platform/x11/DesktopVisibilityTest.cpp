@@ -3,12 +3,11 @@
 #include "DesktopTools.h"
 #include "platform/linux/x11/ScreenContents.h"
 #include "platform/linux/x11/visibility/ScreenCover.h"
+#include "support/Bus.h"
 #include "support/FakeDesktopVisibility.h"
 #include "support/PatientTest.h"
 #include "support/VirtualClock.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusObjectPath>
 
 using namespace Qt::StringLiterals;
@@ -21,32 +20,6 @@ namespace {
 const QString loginName = u"org.freedesktop.login1"_s;
 const QString sessionPath = u"/org/freedesktop/login1/session/_31"_s;
 const QString saverName = u"org.xfce.ScreenSaver"_s;
-
-// Another program on the bus.
-class Peer {
-public:
-    Peer() : _bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"peer"_s)) {}
-    ~Peer() { QDBusConnection::disconnectFromBus(u"peer"_s); }
-    Q_DISABLE_COPY_MOVE(Peer)
-
-    bool serve(const QString &path, QObject *object)
-    {
-        return _bus.registerObject(path, object,
-                                   QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties);
-    }
-    bool take(const QString &name) { return _bus.registerService(name); }
-    void leave(const QString &name) { _bus.unregisterService(name); }
-    void emitSignal(const QString &path, const QString &interface, const QString &signal,
-                    const QVariantList &arguments)
-    {
-        QDBusMessage message = QDBusMessage::createSignal(path, interface, signal);
-        message.setArguments(arguments);
-        _bus.send(message);
-    }
-
-private:
-    QDBusConnection _bus;
-};
 
 class LoginManager final : public QObject {
     Q_OBJECT
@@ -247,7 +220,7 @@ private Q_SLOTS:
 
     void followsTheLoginSession()
     {
-        Peer peer;
+        BusPeer peer;
         LoginManager manager;
         LoginSession session;
         session.isLocked = true;
@@ -264,7 +237,7 @@ private Q_SLOTS:
 
     void followsScreenSavers()
     {
-        Peer peer;
+        BusPeer peer;
         Saver saver;
         saver.isActive = true;
         QVERIFY(peer.serve(u"/org/xfce/ScreenSaver"_s, &saver) && peer.take(saverName));
