@@ -11,7 +11,7 @@
 
 namespace velbrix {
 
-// Whether the desktop shows tray icons of the StatusNotifierItem specification:
+// Whether the desktop shows tray icons of the StatusNotifierItem protocol:
 // a watcher of items has a host. Known a moment after creation. Main thread.
 class StatusNotifierHost final : public QObject {
 public:

@@ -6,8 +6,8 @@
 
 namespace velbrix {
 
-// A desktop entry in the user's autostart folder, by freedesktop.org's Desktop
-// Application Autostart Specification.
+// A desktop entry in the user's autostart folder (freedesktop.org's Desktop
+// Application Autostart).
 class XdgLoginItem final : public LoginItem {
 public:
     // The entry's file, and the program it starts as an absolute path.

@@ -10,9 +10,9 @@
 
 namespace velbrix {
 
-// One trash folder of the freedesktop.org Trash specification: what was thrown
-// away in files/, where each came from in info/. Paths are native bytes, absolute.
-// Everything here blocks.
+// One trash folder (freedesktop.org Trash 1.0): what was thrown away in files/,
+// where each came from in info/. Paths are native bytes, absolute. Everything
+// here blocks.
 struct TrashFolder {
     QByteArray path;
     QByteArray top; // of the volume it serves; empty for the home trash
