@@ -1,6 +1,6 @@
 #include "ArchiveTools.h"
 #include "foundation/ExcludeRules.h"
-#include "platform/linux/archive/ArchiveJob.h"
+#include "platform/linux/archive/Archiving.h"
 #include "platform/linux/archive/LargeFile.h"
 #include "platform/macos/files/DittoArchiver.h"
 #include "support/FakeArchiver.h"
@@ -172,9 +172,9 @@ private Q_SLOTS:
         QVERIFY(output.create(rig.path(u"out"_s)));
         ArchiveWork work;
         LargeFile large(file.number(), 9 << 20, output, work);
-        Packer packer;
+        Deflater deflater;
         RawBytes buffer;
-        large.packParts(packer, buffer);
+        large.deflateParts(deflater, buffer);
         QVERIFY(large.finish());
         QCOMPARE(large.size(), 2500000U);
         QCOMPARE(output.size(), large.packedSize());
@@ -230,7 +230,7 @@ private Q_SLOTS:
         const bool isRoot = ::geteuid() == 0;
         if (isRoot)
             ::setfsuid(65534); // of this thread and those that it starts
-        const ArchiveOutcome outcome = ArchiveJob(rig.path(u"s"_s), rig.path(u"a.zip"_s), {}, work).run();
+        const ArchiveOutcome outcome = Archiving(rig.path(u"s"_s), rig.path(u"a.zip"_s), {}, work).run();
         if (isRoot)
             ::setfsuid(0);
         QCOMPARE(outcome.exitStatus, 0);

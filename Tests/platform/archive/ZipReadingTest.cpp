@@ -1,7 +1,5 @@
 #include "ArchiveTools.h"
 #include "platform/linux/archive/ZipFile.h"
-#include "platform/linux/archive/ZipRecordReading.h"
-#include "platform/linux/archive/ZipRecords.h"
 #include "support/Files.h"
 #include "support/Fuzz.h"
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "foundation/Cancellation.h"
 #include "foundation/Result.h"
-#include "platform/linux/archive/Packer.h"
+#include "platform/linux/archive/ArchiveWork.h"
 #include "platform/linux/archive/ZipFile.h"
 
 #include <functional>

@@ -1,7 +1,5 @@
 #include "platform/linux/archive/ExtractionPlan.h"
 
-#include "platform/linux/archive/ZipFile.h"
-
 #include <QSet>
 
 #include <optional>

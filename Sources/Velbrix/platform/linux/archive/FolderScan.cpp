@@ -93,7 +93,7 @@ private:
                 _skipped.add(path);
             return;
         }
-        if (!isKept(facts.st_mode) || FileIdentity{facts.st_dev, facts.st_ino} == _except ||
+        if (!isKept(facts.st_mode) || FileIdentity::of(facts) == _except ||
             _excludes.leavesOut(path, S_ISDIR(facts.st_mode)))
             return;
         _pending.push_back(itemOf(std::move(path), facts));

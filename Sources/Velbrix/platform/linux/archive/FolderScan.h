@@ -2,11 +2,13 @@
 
 #include "foundation/Cancellation.h"
 #include "foundation/ExcludeRules.h"
-#include "platform/linux/archive/SkippedFiles.h"
+#include "foundation/FolderHandle.h"
 
 #include <QByteArray>
+#include <QStringList>
 
 #include <cstdint>
+#include <mutex>
 #include <sys/types.h>
 #include <vector>
 
@@ -20,16 +22,29 @@ struct FolderItem {
     std::int64_t time = 0; // of the last change, seconds since 1970
 };
 
-struct FileIdentity {
-    dev_t device = 0;
-    ino_t number = 0;
+// What could not be read; any thread.
+class SkippedFiles {
+public:
+    void add(const QByteArray &path)
+    {
+        const std::lock_guard lock(_mutex);
+        if (++_count <= listed)
+            _first.append(QString::fromUtf8(path));
+    }
+    QStringList first() const { return _first; }
+    qint64 count() const { return _count; }
 
-    bool operator==(const FileIdentity &) const = default;
+private:
+    static constexpr qint64 listed = 100;
+
+    std::mutex _mutex;
+    QStringList _first;
+    qint64 _count = 0;
 };
 
 // Everything below an open folder, the folder itself first and each folder
-// before what is in it, by name. What is neither file, folder nor link is left
-// out, and so is the file `except`. Folders that cannot be read count as skipped.
+// before what is in it, by name, without what is neither file, folder nor link
+// and without the file `except`. Folders that cannot be read count as skipped.
 std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
                                    const Cancellation &cancellation, SkippedFiles &skipped);
 

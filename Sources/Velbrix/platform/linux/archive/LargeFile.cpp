@@ -17,24 +17,24 @@ LargeFile::LargeFile(int file, std::uint64_t size, ZipOutput &output, ArchiveWor
 {
 }
 
-void LargeFile::packParts(Packer &packer, RawBytes &buffer)
+void LargeFile::deflateParts(Deflater &deflater, RawBytes &buffer)
 {
     bool goesOn = true;
     while (goesOn) {
         const std::uint64_t start = _next.fetch_add(partSize);
-        goesOn = start < _size && packPart(start, packer, buffer);
+        goesOn = start < _size && deflatePart(start, deflater, buffer);
     }
 }
 
-bool LargeFile::packPart(std::uint64_t start, Packer &packer, RawBytes &buffer)
+bool LargeFile::deflatePart(std::uint64_t start, Deflater &deflater, RawBytes &buffer)
 {
-    const std::uint64_t known = std::min<std::uint64_t>(start, Packer::dictionarySize);
+    const std::uint64_t known = std::min<std::uint64_t>(start, Deflater::dictionarySize);
     const std::uint64_t wanted = known + std::min(partSize, _size - start);
     const std::span<std::uint8_t> bytes = buffer.sized(wanted);
     const std::int64_t got = readAt(_file, bytes, start - known);
     const std::uint64_t fresh =
         got > static_cast<std::int64_t>(known) ? static_cast<std::uint64_t>(got) - known : 0;
-    const auto packed = packer.packPart(bytes.first(known + fresh), known);
+    const auto packed = deflater.deflatePart(bytes.first(known + fresh), known);
     const std::uint32_t crc = ::libdeflate_crc32(0, bytes.data() + known, fresh);
 
     std::unique_lock lock(_mutex);
@@ -56,7 +56,7 @@ bool LargeFile::packPart(std::uint64_t start, Packer &packer, RawBytes &buffer)
 
 bool LargeFile::finish()
 {
-    const auto end = Packer::streamEnd();
+    const auto end = Deflater::streamEnd();
     if (_failed || !_output.append(end))
         return false;
     _packedSize += end.size();

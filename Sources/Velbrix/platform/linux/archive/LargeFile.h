@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/archive/ArchiveWork.h"
-#include "platform/linux/archive/Packer.h"
+#include "platform/linux/archive/Deflater.h"
 #include "platform/linux/archive/ZipOutput.h"
 
 #include <condition_variable>
@@ -17,9 +17,9 @@ class LargeFile {
 public:
     LargeFile(int file, std::uint64_t size, ZipOutput &output, ArchiveWork &work);
 
-    // Called by each thread with a packer and a buffer of its own; returns when
+    // Called by each thread with a deflater and a buffer of its own; returns when
     // there are no more parts for it.
-    void packParts(Packer &packer, RawBytes &buffer);
+    void deflateParts(Deflater &deflater, RawBytes &buffer);
     // After all have returned. False when the file could not be read to its end
     // or the archive not be written.
     bool finish();
@@ -29,7 +29,7 @@ public:
     std::uint32_t crc() const { return _crc; }
 
 private:
-    bool packPart(std::uint64_t start, Packer &packer, RawBytes &buffer);
+    bool deflatePart(std::uint64_t start, Deflater &deflater, RawBytes &buffer);
 
     const int _file;
     const std::uint64_t _size;

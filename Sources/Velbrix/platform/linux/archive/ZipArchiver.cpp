@@ -1,16 +1,17 @@
 #include "platform/linux/archive/ZipArchiver.h"
 
-#include "platform/linux/archive/ArchiveJob.h"
-#include "platform/linux/archive/ArchiveWork.h"
+#include "platform/linux/archive/Archiving.h"
+#include "platform/linux/archive/EntryReader.h"
 #include "platform/linux/archive/Extraction.h"
-#include "platform/linux/archive/ZipCheck.h"
 
 #include <QCoroFuture>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include <array>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace velbrix {
@@ -25,12 +26,12 @@ QThreadPool &workers()
     return *pool;
 }
 
+using Listener = std::function<void(const ArchiveProgress &)>;
+
 // Tells how far the work is, as long as it lives and once more at the end;
 // nothing when it was cancelled.
 class ProgressReport {
 public:
-    using Listener = std::function<void(const ArchiveProgress &)>;
-
     ProgressReport(Clock &clock, std::shared_ptr<ArchiveWork> work, Listener listener)
         : _work(std::move(work)), _listener(std::move(listener))
     {
@@ -57,6 +58,48 @@ private:
     std::unique_ptr<Alarm> _alarm;
 };
 
+// Acts on a thread of its own until it is done, cancelled or the archiver ends.
+template <typename Answer>
+QCoro::Task<Answer> offMainThread(Clock &clock, Cancellation ended, Cancellation cancellation,
+                                  Listener listener, std::function<Answer(ArchiveWork &)> act)
+{
+    const auto work = std::make_shared<ArchiveWork>();
+    const Observation atEnd = ended.passTo(work->cancellation);
+    const Observation onCancel = cancellation.passTo(work->cancellation);
+    ProgressReport report(clock, work, listener);
+    const QFuture<Answer> future = QtConcurrent::run(&workers(), [work, act] { return act(*work); });
+    const Answer answer = co_await future;
+    report.finish();
+    co_return answer;
+}
+
+// Reads all of it from the disk, on two threads.
+Result<void> checkArchive(const QString &path, ArchiveWork &work)
+{
+    ZipFile archive;
+    if (const auto isOpen = archive.open(path); !isOpen)
+        return isOpen;
+    archive.forgetCached();
+    const std::vector<ZipEntry> &entries = archive.entries();
+
+    std::atomic<std::size_t> next = 0;
+    std::atomic<bool> ended = false;
+    std::array<Result<void>, 2> answers;
+    onTwoThreads([&](std::size_t thread) {
+        EntryReader reader(archive, work.cancellation);
+        const EntryReader::Sink ignore = [](std::span<const std::uint8_t>) { return Result<void>(); };
+        for (std::size_t i = next++; i < entries.size() && !ended && !work.cancellation.isCancelled();
+             i = next++) {
+            answers[thread] = reader.read(entries[i], ignore);
+            if (!answers[thread])
+                ended = true;
+        }
+    });
+    if (work.cancellation.isCancelled())
+        return failure(u"已取消"_s);
+    return answers[0] ? answers[1] : answers[0];
+}
+
 } // namespace
 
 ZipArchiver::~ZipArchiver()
@@ -66,43 +109,25 @@ ZipArchiver::~ZipArchiver()
 
 QCoro::Task<Result<ArchiveOutcome>> ZipArchiver::create(ArchiveRequest request)
 {
-    const auto work = std::make_shared<ArchiveWork>();
-    const Observation atEnd = _ended.passTo(work->cancellation);
-    const Observation onCancel = request.cancellation.passTo(work->cancellation);
-    ProgressReport report(_clock, work, request.progress);
-    const auto run = [work, source = request.source, archive = request.archive, excludes = request.excludes] {
-        return ArchiveJob(source, archive, excludes, *work).run();
+    const auto act = [source = request.source, archive = request.archive,
+                      excludes = request.excludes](ArchiveWork &work) -> Result<ArchiveOutcome> {
+        return Archiving(source, archive, excludes, work).run();
     };
-    const QFuture<ArchiveOutcome> future = QtConcurrent::run(&workers(), run);
-    const ArchiveOutcome outcome = co_await future;
-    report.finish();
-    co_return outcome;
+    return offMainThread<Result<ArchiveOutcome>>(_clock, _ended, request.cancellation, request.progress, act);
 }
 
 QCoro::Task<Result<void>> ZipArchiver::test(const QString archive, Cancellation cancellation)
 {
-    const auto work = std::make_shared<ArchiveWork>();
-    const Observation atEnd = _ended.passTo(work->cancellation);
-    const Observation onCancel = cancellation.passTo(work->cancellation);
-    const auto run = [work, archive] { return checkArchive(archive, *work); };
-    const QFuture<Result<void>> future = QtConcurrent::run(&workers(), run);
-    const Result<void> answer = co_await future;
-    co_return answer;
+    const auto act = [archive](ArchiveWork &work) { return checkArchive(archive, work); };
+    return offMainThread<Result<void>>(_clock, _ended, cancellation, {}, act);
 }
 
 QCoro::Task<Result<void>> ZipArchiver::extract(ExtractRequest request)
 {
-    const auto work = std::make_shared<ArchiveWork>();
-    const Observation atEnd = _ended.passTo(work->cancellation);
-    const Observation onCancel = request.cancellation.passTo(work->cancellation);
-    ProgressReport report(_clock, work, request.progress);
-    const auto run = [work, archive = request.archive, folder = request.folder] {
-        return Extraction(archive, folder, *work).run();
+    const auto act = [archive = request.archive, folder = request.folder](ArchiveWork &work) {
+        return Extraction(archive, folder, work).run();
     };
-    const QFuture<Result<void>> future = QtConcurrent::run(&workers(), run);
-    const Result<void> answer = co_await future;
-    report.finish();
-    co_return answer;
+    return offMainThread<Result<void>>(_clock, _ended, request.cancellation, request.progress, act);
 }
 
 } // namespace velbrix

@@ -1,7 +1,5 @@
 #include "platform/linux/archive/ZipFile.h"
 
-#include "platform/linux/archive/ZipRecordReading.h"
-
 #include <QFile>
 
 #include <algorithm>
@@ -24,11 +22,6 @@ std::unexpected<Failure> damaged(const QString &what)
 }
 
 } // namespace
-
-QString shownName(const ZipEntry &entry)
-{
-    return QString::fromUtf8(entry.name);
-}
 
 Result<void> ZipFile::open(const QString &path)
 {

@@ -44,7 +44,4 @@ private:
     std::vector<ZipEntry> _entries;
 };
 
-// An entry's name for the user.
-QString shownName(const ZipEntry &entry);
-
 } // namespace velbrix

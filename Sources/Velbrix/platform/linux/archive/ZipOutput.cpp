@@ -35,7 +35,7 @@ FileIdentity ZipOutput::identity() const
 {
     struct stat facts = {};
     ::fstat(_file.number(), &facts);
-    return {facts.st_dev, facts.st_ino};
+    return FileIdentity::of(facts);
 }
 
 std::optional<std::uint64_t> ZipOutput::append(std::span<const std::uint8_t> first,

@@ -1,12 +1,17 @@
 #pragma once
 
+#include "platform/linux/archive/RecordReader.h"
+
 #include <QByteArray>
+#include <QString>
 
 #include <cstdint>
+#include <optional>
 
 namespace velbrix {
 
-// The numbers of the zip format, and its records as bytes.
+// The numbers of the zip format, and its records as bytes: the .ZIP File Format
+// Specification (APPNOTE.TXT).
 namespace zip {
 
 constexpr std::uint32_t localSignature = 0x04034b50;
@@ -48,6 +53,9 @@ struct ZipEntry {
     std::int64_t time = 0;    // of the last change, seconds since 1970
 };
 
+// Its name for the user.
+QString shownName(const ZipEntry &entry);
+
 // The flag that says which characters the name is made of.
 std::uint16_t nameFlags(const QByteArray &name);
 
@@ -57,5 +65,16 @@ QByteArray localHeader(const ZipEntry &entry, bool wide);
 QByteArray centralRecord(const ZipEntry &entry);
 // What follows the central records, which begin at `offset`.
 QByteArray endRecords(std::uint64_t count, std::uint64_t offset, std::uint64_t size);
+
+// The next record of a central directory; none when it is not one.
+std::optional<ZipEntry> readCentralRecord(RecordReader &reader);
+
+// What a local header says, and its length; none when it is not one. `offset`,
+// `mode` and `time` are not in it.
+struct LocalRecord {
+    ZipEntry entry;
+    std::size_t length = 0;
+};
+std::optional<LocalRecord> readLocalRecord(RecordReader &reader);
 
 } // namespace velbrix

@@ -1,4 +1,4 @@
-#include "platform/linux/archive/Packer.h"
+#include "platform/linux/archive/Deflater.h"
 
 #include <libdeflate.h>
 #include <zlib.h>
@@ -17,28 +17,18 @@ constexpr std::size_t storedHead = 5;
 
 } // namespace
 
-std::span<std::uint8_t> RawBytes::sized(std::size_t size)
-{
-    if (size > _capacity) {
-        _bytes.reset();
-        _bytes = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-        _capacity = size;
-    }
-    return {_bytes.get(), size};
-}
-
-void Packer::Whole::operator()(libdeflate_compressor *compressor) const
+void Deflater::Whole::operator()(libdeflate_compressor *compressor) const
 {
     ::libdeflate_free_compressor(compressor);
 }
 
-void Packer::Parts::operator()(z_stream_s *stream) const
+void Deflater::Parts::operator()(z_stream_s *stream) const
 {
     ::deflateEnd(stream);
     delete stream;
 }
 
-Packer::Packer()
+Deflater::Deflater()
     : _whole(::libdeflate_alloc_compressor(level)),
       _quick(::libdeflate_alloc_compressor(1)),
       _parts(new z_stream())
@@ -46,9 +36,9 @@ Packer::Packer()
     ::deflateInit2(_parts.get(), level, Z_DEFLATED, -MAX_WBITS, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
 }
 
-Packer::~Packer() = default;
+Deflater::~Deflater() = default;
 
-std::span<const std::uint8_t> Packer::pack(std::span<const std::uint8_t> bytes)
+std::span<const std::uint8_t> Deflater::deflate(std::span<const std::uint8_t> bytes)
 {
     if (bytes.empty() || looksPacked(bytes))
         return {};
@@ -59,7 +49,7 @@ std::span<const std::uint8_t> Packer::pack(std::span<const std::uint8_t> bytes)
     return into.first(size);
 }
 
-std::span<const std::uint8_t> Packer::packPart(std::span<const std::uint8_t> bytes, std::size_t known)
+std::span<const std::uint8_t> Deflater::deflatePart(std::span<const std::uint8_t> bytes, std::size_t known)
 {
     const std::span<const std::uint8_t> fresh = bytes.subspan(known);
     if (looksPacked(fresh))
@@ -79,14 +69,14 @@ std::span<const std::uint8_t> Packer::packPart(std::span<const std::uint8_t> byt
     return into.first(into.size() - _parts->avail_out);
 }
 
-std::span<const std::uint8_t> Packer::streamEnd()
+std::span<const std::uint8_t> Deflater::streamEnd()
 {
     static constexpr std::array<std::uint8_t, 2> emptyLastBlock{3, 0};
     return emptyLastBlock;
 }
 
 // Pictures, films and archives give nothing; samples tell without trying it all.
-bool Packer::looksPacked(std::span<const std::uint8_t> bytes)
+bool Deflater::looksPacked(std::span<const std::uint8_t> bytes)
 {
     if (bytes.size() < 4 * sampleSize)
         return false;
@@ -101,7 +91,7 @@ bool Packer::looksPacked(std::span<const std::uint8_t> bytes)
     return true;
 }
 
-std::span<const std::uint8_t> Packer::storePart(std::span<const std::uint8_t> bytes)
+std::span<const std::uint8_t> Deflater::storePart(std::span<const std::uint8_t> bytes)
 {
     const std::size_t blocks = (bytes.size() + storedBlock - 1) / storedBlock;
     const std::span<std::uint8_t> into = _packed.sized(bytes.size() + blocks * storedHead);

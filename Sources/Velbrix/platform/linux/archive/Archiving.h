@@ -2,9 +2,8 @@
 
 #include "foundation/ExcludeRules.h"
 #include "platform/linux/archive/ArchiveWork.h"
+#include "platform/linux/archive/Deflater.h"
 #include "platform/linux/archive/FolderScan.h"
-#include "platform/linux/archive/Packer.h"
-#include "platform/linux/archive/SkippedFiles.h"
 #include "platform/linux/archive/ZipOutput.h"
 #include "platform/linux/archive/ZipRecords.h"
 
@@ -16,14 +15,14 @@
 
 namespace velbrix {
 
-// Writes one archive. Files up to `wholeFile` are read and packed as a whole,
+// Writes one archive. Files up to `wholeFile` are read and deflated as a whole,
 // each by one of two threads; longer ones in parts by both. So it needs no more
 // than 40 MB, and some 300 bytes for each entry.
-class ArchiveJob {
+class Archiving {
 public:
     static constexpr std::uint64_t wholeFile = 8 << 20;
 
-    ArchiveJob(const QString &source, const QString &archive, const QStringList &excludes, ArchiveWork &work);
+    Archiving(const QString &source, const QString &archive, const QStringList &excludes, ArchiveWork &work);
 
     // Called once, off the main thread.
     ArchiveOutcome run();
@@ -31,7 +30,7 @@ public:
 private:
     // One of the threads, with what it needs.
     struct Worker {
-        Packer packer;
+        Deflater deflater;
         RawBytes buffer;
     };
 

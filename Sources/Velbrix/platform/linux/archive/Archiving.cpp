@@ -1,7 +1,6 @@
-#include "platform/linux/archive/ArchiveJob.h"
+#include "platform/linux/archive/Archiving.h"
 
 #include "platform/linux/archive/LargeFile.h"
-#include "platform/linux/archive/TwoThreads.h"
 
 #include <QDir>
 #include <QFile>
@@ -45,18 +44,18 @@ std::span<const std::uint8_t> bytesOf(const QByteArray &bytes)
 
 bool isLarge(const FolderItem &item)
 {
-    return S_ISREG(item.mode) && item.size > ArchiveJob::wholeFile;
+    return S_ISREG(item.mode) && item.size > Archiving::wholeFile;
 }
 
 } // namespace
 
-ArchiveJob::ArchiveJob(const QString &source, const QString &archive, const QStringList &excludes,
-                       ArchiveWork &work)
+Archiving::Archiving(const QString &source, const QString &archive, const QStringList &excludes,
+                     ArchiveWork &work)
     : _sourcePath(source), _archivePath(archive), _excludes(excludes), _work(work)
 {
 }
 
-ArchiveOutcome ArchiveJob::run()
+ArchiveOutcome Archiving::run()
 {
     _topName = topName(_sourcePath);
     _source = FileDescriptor(
@@ -88,18 +87,18 @@ ArchiveOutcome ArchiveJob::run()
     return outcome;
 }
 
-qint64 ArchiveJob::filesInIt() const
+qint64 Archiving::filesInIt() const
 {
     return std::ranges::count_if(
         _entries, [](const std::optional<ZipEntry> &entry) { return entry && !S_ISDIR(entry->mode); });
 }
 
-ArchiveOutcome ArchiveJob::ended(int exitStatus, const QString &problem) const
+ArchiveOutcome Archiving::ended(int exitStatus, const QString &problem) const
 {
     return {exitStatus, problem, _skipped.first(), _skipped.count(), exitStatus == cancelledStatus};
 }
 
-ArchiveOutcome ArchiveJob::writeProblem() const
+ArchiveOutcome Archiving::writeProblem() const
 {
     switch (_output.error()) {
     case ENOSPC:
@@ -112,7 +111,7 @@ ArchiveOutcome ArchiveJob::writeProblem() const
     }
 }
 
-ZipEntry ArchiveJob::entryOf(const FolderItem &item) const
+ZipEntry Archiving::entryOf(const FolderItem &item) const
 {
     ZipEntry entry;
     entry.name = item.path.isEmpty() ? _topName : _topName + '/' + item.path;
@@ -124,7 +123,7 @@ ZipEntry ArchiveJob::entryOf(const FolderItem &item) const
     return entry;
 }
 
-void ArchiveJob::addItems(Worker &worker)
+void Archiving::addItems(Worker &worker)
 {
     for (std::size_t i = _next++; i < _items.size() && !hasEnded(); i = _next++) {
         if (isLarge(_items[i]))
@@ -134,7 +133,7 @@ void ArchiveJob::addItems(Worker &worker)
     }
 }
 
-void ArchiveJob::addItem(std::size_t index, Worker &worker)
+void Archiving::addItem(std::size_t index, Worker &worker)
 {
     FolderItem &item = _items[index];
     ZipEntry entry = entryOf(item);
@@ -152,7 +151,7 @@ void ArchiveJob::addItem(std::size_t index, Worker &worker)
 }
 
 // It may have become another since it was found.
-FileDescriptor ArchiveJob::openFile(const FolderItem &item, ZipEntry &entry)
+FileDescriptor Archiving::openFile(const FolderItem &item, ZipEntry &entry)
 {
     FileDescriptor file = openBelow(_source.number(), item.path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     struct stat facts = {};
@@ -168,7 +167,7 @@ FileDescriptor ArchiveJob::openFile(const FolderItem &item, ZipEntry &entry)
     return file;
 }
 
-bool ArchiveJob::addFile(FolderItem &item, ZipEntry &entry, Worker &worker)
+bool Archiving::addFile(FolderItem &item, ZipEntry &entry, Worker &worker)
 {
     const FileDescriptor file = openFile(item, entry);
     if (!file)
@@ -185,7 +184,7 @@ bool ArchiveJob::addFile(FolderItem &item, ZipEntry &entry, Worker &worker)
     return addBytes(entry, bytes.first(static_cast<std::size_t>(got)), &worker);
 }
 
-bool ArchiveJob::addLink(const FolderItem &item, ZipEntry &entry)
+bool Archiving::addLink(const FolderItem &item, ZipEntry &entry)
 {
     const FileDescriptor link = openBelow(_source.number(), item.path, O_PATH | O_NOFOLLOW);
     QByteArray target(PATH_MAX, Qt::Uninitialized);
@@ -198,11 +197,11 @@ bool ArchiveJob::addLink(const FolderItem &item, ZipEntry &entry)
 }
 
 // Without a worker they are stored as they are.
-bool ArchiveJob::addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, Worker *worker)
+bool Archiving::addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, Worker *worker)
 {
     entry.size = bytes.size();
     entry.crc = ::libdeflate_crc32(0, bytes.data(), bytes.size());
-    const auto packed = worker ? worker->packer.pack(bytes) : std::span<const std::uint8_t>();
+    const auto packed = worker ? worker->deflater.deflate(bytes) : std::span<const std::uint8_t>();
     entry.method = packed.empty() ? zip::stored : zip::deflated;
     const auto data = packed.empty() ? bytes : packed;
     entry.packedSize = data.size();
@@ -212,7 +211,7 @@ bool ArchiveJob::addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, 
     return offset.has_value();
 }
 
-bool ArchiveJob::addLarge(const FolderItem &item, ZipEntry &entry)
+bool Archiving::addLarge(const FolderItem &item, ZipEntry &entry)
 {
     const FileDescriptor file = openFile(item, entry);
     if (!file)
@@ -225,7 +224,7 @@ bool ArchiveJob::addLarge(const FolderItem &item, ZipEntry &entry)
         return false;
     LargeFile large(file.number(), entry.size, _output, _work);
     onTwoThreads(
-        [&](std::size_t thread) { large.packParts(_workers[thread].packer, _workers[thread].buffer); });
+        [&](std::size_t thread) { large.deflateParts(_workers[thread].deflater, _workers[thread].buffer); });
     if (!large.finish()) {
         // Whatever is in the archive is only what can be read again.
         if (!hasEnded()) {
@@ -242,14 +241,14 @@ bool ArchiveJob::addLarge(const FolderItem &item, ZipEntry &entry)
 }
 
 // What has vanished meanwhile was not there to be read.
-bool ArchiveJob::skip(const FolderItem &item, int error)
+bool Archiving::skip(const FolderItem &item, int error)
 {
     if (error != ENOENT)
         _skipped.add(item.path);
     return false;
 }
 
-bool ArchiveJob::writeDirectory()
+bool Archiving::writeDirectory()
 {
     const std::uint64_t start = _output.size();
     std::uint64_t count = 0;
