@@ -1,6 +1,4 @@
 #include "platform/linux/applications/PackageManager.h"
-#include "platform/linux/applications/SizeText.h"
-#include "platform/linux/applications/StoreList.h"
 #include "support/Fuzz.h"
 
 #include <QTest>

@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -16,37 +15,6 @@ namespace {
 
 constexpr qint64 sizeLimit = 1 << 20;
 constexpr qsizetype nameLimit = 200;
-
-using Values = QHash<QByteArray, QByteArray>;
-
-// Of the first group that says what the entry is; a key that comes twice keeps
-// its first value.
-Values mainGroup(const QByteArray &text)
-{
-    Values values;
-    bool isMain = false;
-    qsizetype at = 0;
-    while (at < text.size()) {
-        qsizetype end = text.indexOf('\n', at);
-        if (end < 0)
-            end = text.size();
-        const QByteArrayView line = QByteArrayView(text).sliced(at, end - at).trimmed();
-        at = end + 1;
-        if (line.startsWith('[')) {
-            if (isMain)
-                break;
-            isMain = line == "[Desktop Entry]";
-            continue;
-        }
-        const qsizetype equals = line.indexOf('=');
-        if (!isMain || equals <= 0 || line.startsWith('#'))
-            continue;
-        const QByteArray key = line.first(equals).trimmed().toByteArray();
-        if (!values.contains(key))
-            values.insert(key, line.sliced(equals + 1).trimmed().toByteArray());
-    }
-    return values;
-}
 
 QString unescaped(const QByteArray &value)
 {
@@ -82,7 +50,7 @@ QStringList listed(const QByteArray &value)
     return QString::fromUtf8(value).split(u';', Qt::SkipEmptyParts);
 }
 
-QString nameOf(const Values &values)
+QString nameOf(const DesktopEntryKeys &values)
 {
     for (const auto &key : {"Name[zh_CN]", "Name[zh]", "Name"}) {
         const QString name = oneLine(unescaped(values.value(key))).simplified();
@@ -93,6 +61,33 @@ QString nameOf(const Values &values)
 }
 
 } // namespace
+
+DesktopEntryKeys desktopEntryKeys(const QByteArray &text)
+{
+    DesktopEntryKeys values;
+    bool isMain = false;
+    qsizetype at = 0;
+    while (at < text.size()) {
+        qsizetype end = text.indexOf('\n', at);
+        if (end < 0)
+            end = text.size();
+        const QByteArrayView line = QByteArrayView(text).sliced(at, end - at).trimmed();
+        at = end + 1;
+        if (line.startsWith('[')) {
+            if (isMain)
+                break;
+            isMain = line == "[Desktop Entry]";
+            continue;
+        }
+        const qsizetype equals = line.indexOf('=');
+        if (!isMain || equals <= 0 || line.startsWith('#'))
+            continue;
+        const QByteArray key = line.first(equals).trimmed().toByteArray();
+        if (!values.contains(key))
+            values.insert(key, line.sliced(equals + 1).trimmed().toByteArray());
+    }
+    return values;
+}
 
 bool DesktopEntry::isShown(const QStringList &desktops) const
 {
@@ -111,7 +106,7 @@ std::optional<DesktopEntry> parseDesktopEntry(const QByteArray &text)
 {
     if (text.contains('\0'))
         return std::nullopt;
-    const Values values = mainGroup(text);
+    const DesktopEntryKeys values = desktopEntryKeys(text);
     const QString name = nameOf(values);
     const QString exec = unescaped(values.value("Exec"));
     const bool starts = !exec.isEmpty() || values.value("DBusActivatable") == "true";

@@ -1,12 +1,18 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
 
 namespace velbrix {
+
+// The keys of an entry's main group (freedesktop.org's Desktop Entry) as they
+// stand there; a key that comes twice keeps its first value.
+using DesktopEntryKeys = QHash<QByteArray, QByteArray>;
+DesktopEntryKeys desktopEntryKeys(const QByteArray &text);
 
 // What a desktop entry says about an application. Texts are unescaped; names
 // are one line.

@@ -3,7 +3,6 @@
 #include "platform/linux/applications/AppImages.h"
 #include "platform/linux/applications/LauncherScan.h"
 #include "platform/linux/applications/PackageManager.h"
-#include "platform/linux/applications/StoreList.h"
 
 namespace velbrix {
 
@@ -19,8 +18,8 @@ struct HostFindings {
 };
 
 // An entry of the system that no package manager owns is listed only when the
-// user may delete its file; what can neither be removed through a manager nor
-// as a file is left out. On the main thread, for the icons.
+// user may delete its file; what can be removed neither through a manager nor as
+// a file is not. On the main thread, for the icons.
 QList<InstalledApplication> installedApplications(const ApplicationPlaces &places,
                                                   const HostFindings &findings);
 

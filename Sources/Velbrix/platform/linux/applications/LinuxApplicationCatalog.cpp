@@ -1,10 +1,9 @@
 #include "platform/linux/applications/LinuxApplicationCatalog.h"
 
 #include "foundation/Log.h"
-#include "platform/linux/applications/HostCommand.h"
 #include "platform/linux/applications/InstalledApplications.h"
+#include "platform/linux/applications/PackageQueries.h"
 #include "platform/linux/applications/PackageRemoval.h"
-#include "platform/linux/applications/SystemPackages.h"
 
 #include <QCoroFuture>
 #include <QtConcurrentRun>

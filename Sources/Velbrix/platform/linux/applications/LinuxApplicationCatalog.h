@@ -3,7 +3,7 @@
 #include "foundation/Clock.h"
 #include "platform/ApplicationCatalog.h"
 #include "platform/linux/applications/ApplicationPlaces.h"
-#include "platform/linux/applications/PackagePrograms.h"
+#include "platform/linux/applications/PackageManager.h"
 
 #include <QThreadPool>
 

@@ -1,8 +1,11 @@
 #include "platform/linux/applications/PackageManager.h"
 
-#include "platform/linux/applications/SizeText.h"
+#include "foundation/OneLine.h"
 
 #include <QRegularExpression>
+#include <QStandardPaths>
+
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -201,6 +204,16 @@ PackageManager pacman(const PackagePrograms &programs)
 
 } // namespace
 
+PackagePrograms PackagePrograms::ofThisHost()
+{
+    const auto found = [](const QString &name) {
+        return QStandardPaths::findExecutable(name, {u"/usr/bin"_s, u"/bin"_s});
+    };
+    return {found(u"dpkg-query"_s), found(u"apt-get"_s), found(u"rpm"_s),     found(u"dnf"_s),
+            found(u"zypper"_s),     found(u"pacman"_s),  found(u"flatpak"_s), found(u"snap"_s),
+            found(u"pkexec"_s),     found(u"env"_s)};
+}
+
 std::optional<PackageManager> systemPackageManager(const PackagePrograms &programs)
 {
     if (!programs.dpkgQuery.isEmpty() && !programs.aptGet.isEmpty())
@@ -219,6 +232,48 @@ bool isPackageName(const QString &name)
     static const QRegularExpression pattern(u"^[A-Za-z0-9_][A-Za-z0-9_.+:@~-]*$"_s,
                                             QRegularExpression::DontCaptureOption);
     return pattern.match(name).hasMatch() && !name.endsWith(u'\n');
+}
+
+std::optional<qint64> bytesOf(const QString &text)
+{
+    static const QHash<QString, double> units = {
+        {u"B"_s, 1},    {u"byte"_s, 1},  {u"bytes"_s, 1},     {u"kB"_s, 1e3},      {u"MB"_s, 1e6},
+        {u"GB"_s, 1e9}, {u"TB"_s, 1e12}, {u"KiB"_s, 1 << 10}, {u"MiB"_s, 1 << 20}, {u"GiB"_s, 1 << 30},
+    };
+    const QString plain = text.simplified();
+    bool isNumber = false;
+    const double number = plain.section(u' ', 0, 0).toDouble(&isNumber);
+    const double unit = units.value(plain.section(u' ', 1), 0);
+    // Also rules out "inf" and figures no disk can hold.
+    if (!isNumber || unit == 0 || !(number >= 0 && number * unit < 1e18))
+        return std::nullopt;
+    return std::llround(number * unit);
+}
+
+QList<FlatpakApplication> flatpakApplications(const QByteArray &output)
+{
+    QList<FlatpakApplication> applications;
+    for (const QString &line : lines(output)) {
+        const QStringList fields = line.split(u'\t');
+        const bool isUsers = fields.value(4) == u"user"_s;
+        if (fields.size() != 5 || !isPackageName(fields[0]) || (!isUsers && fields[4] != u"system"_s))
+            continue;
+        const QString name = oneLine(fields[1]).simplified();
+        applications.append({fields[0], name.isEmpty() ? fields[0] : name, oneLine(fields[2]).simplified(),
+                             bytesOf(fields[3]), isUsers});
+    }
+    return applications;
+}
+
+QHash<QString, QString> snapVersions(const QByteArray &output)
+{
+    QHash<QString, QString> versions;
+    for (const QString &line : lines(output).mid(1)) {
+        const QStringList fields = line.simplified().split(u' ');
+        if (fields.size() >= 2 && isPackageName(fields[0]))
+            versions.insert(fields[0], fields[1]);
+    }
+    return versions;
 }
 
 } // namespace velbrix

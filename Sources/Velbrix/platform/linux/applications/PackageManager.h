@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/linux/applications/PackagePrograms.h"
-
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -11,6 +9,24 @@
 #include <optional>
 
 namespace velbrix {
+
+// The programs that manage packages, and those through which they run. Absolute
+// paths; empty for what the host has not.
+struct PackagePrograms {
+    QString dpkgQuery;
+    QString aptGet;
+    QString rpm;
+    QString dnf;
+    QString zypper;
+    QString pacman;
+    QString flatpak;
+    QString snap;
+    QString pkexec;
+    QString env;
+
+    // In the system's own folders only: some of them run as root.
+    static PackagePrograms ofThisHost();
+};
 
 struct PackageFacts {
     QString version;
@@ -40,5 +56,26 @@ std::optional<PackageManager> systemPackageManager(const PackagePrograms &progra
 
 // Whether it can stand in a command line: no option, no pattern.
 bool isPackageName(const QString &name);
+
+// "12.3 MB", "4.5 GiB", "512 bytes" as package managers print them in English;
+// the space may be one that does not break.
+std::optional<qint64> bytesOf(const QString &text);
+
+struct FlatpakApplication {
+    QString id;
+    QString name;
+    QString version;
+    std::optional<qint64> size;
+    bool isUsers = false; // else of the whole system
+
+    bool operator==(const FlatpakApplication &) const = default;
+};
+
+// The lines of `flatpak list --app --columns=application,name,version,size,installation`,
+// without the extra installations of an administrator.
+QList<FlatpakApplication> flatpakApplications(const QByteArray &output);
+
+// Version by name, from `snap list`.
+QHash<QString, QString> snapVersions(const QByteArray &output);
 
 } // namespace velbrix

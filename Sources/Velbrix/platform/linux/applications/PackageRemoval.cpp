@@ -1,10 +1,15 @@
 #include "platform/linux/applications/PackageRemoval.h"
 
 #include "foundation/Paths.h"
-#include "platform/linux/applications/HostCommand.h"
-#include "platform/linux/applications/SystemPackages.h"
+#include "platform/linux/applications/PackageQueries.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
@@ -62,6 +67,77 @@ Result<void> judged(const ProcessOutcome &outcome, bool isThroughPkexec,
     if (isThroughPkexec && outcome.exitCode == notAuthorized)
         return failure(u"没有取得管理员权限，%1 未被移除：%2"_s.arg(application.package, lastLine(outcome)));
     return failure(u"%1 没有移除 %2：%3"_s.arg(application.manager, application.package, lastLine(outcome)));
+}
+
+// Without the machine a package is for.
+QString plainName(const QString &package)
+{
+    return package.section(u':', 0, 0);
+}
+
+// Without these there is no session to work in, or none to log in to.
+bool carriesTheDesktop(const QString &package)
+{
+    static const QSet<QString> core = {
+        u"cinnamon"_s,
+        u"dbus"_s,
+        u"dbus-broker"_s,
+        u"gdm"_s,
+        u"gdm3"_s,
+        u"gnome-session"_s,
+        u"gnome-shell"_s,
+        u"lightdm"_s,
+        u"lxqt-session"_s,
+        u"lxsession"_s,
+        u"mate-session-manager"_s,
+        u"pkexec"_s,
+        u"plasma-desktop"_s,
+        u"plasma-workspace"_s,
+        u"polkit"_s,
+        u"polkitd"_s,
+        u"sddm"_s,
+        u"systemd"_s,
+        u"xfce4-session"_s,
+        u"xorg-server"_s,
+        u"xorg-x11-server-Xorg"_s,
+        u"xserver-xorg-core"_s,
+    };
+    return core.contains(plainName(package));
+}
+
+// Fails when the manager refuses, or when the system or the owner of
+// `ownExecutable` would go too.
+QCoro::Task<Result<QStringList>> simulatedRemoval(Clock &clock, PackageManager manager, QString package,
+                                                  QString ownExecutable)
+{
+    ProcessRunner runner(clock);
+    ProcessRequest request = hostCommand(manager.simulation + QStringList{package});
+    request.timeout = 60s;
+    const auto outcome = co_await runner.run(request);
+    if (!outcome)
+        co_return std::unexpected(outcome.error());
+    const QStringList removed = manager.removed(outcome->output);
+    const auto isAsked = [&](const QString &name) { return plainName(name) == plainName(package); };
+    if (outcome->crashed || outcome->timedOut || !std::ranges::any_of(removed, isAsked))
+        co_return failure(u"%1 不能移除软件包 %2：%3"_s.arg(manager.name, package, lastLine(*outcome)));
+
+    const auto facts = co_await packageFacts(clock, manager, removed);
+    QStringList needed;
+    std::ranges::copy_if(removed, std::back_inserter(needed), carriesTheDesktop);
+    for (auto each = facts.begin(); each != facts.end(); ++each) {
+        if (each->isEssential && !needed.contains(each.key()))
+            needed.append(each.key());
+    }
+    needed.sort();
+    if (!needed.isEmpty())
+        co_return failure(u"不能移除 %1：系统或桌面离不开软件包 %2"_s.arg(package, needed.join(u"、"_s)));
+    const QStringList own{ownExecutable};
+    const auto owners = co_await packageOwners(clock, manager, own);
+    const QString ours = owners ? owners->value(ownExecutable) : QString();
+    if (!ours.isEmpty() &&
+        std::ranges::any_of(removed, [&](const QString &name) { return plainName(name) == plainName(ours); }))
+        co_return failure(u"不能移除 %1：Velbrix 自身会一起被移除"_s.arg(package));
+    co_return removed;
 }
 
 } // namespace

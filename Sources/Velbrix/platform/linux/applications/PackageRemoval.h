@@ -3,13 +3,14 @@
 #include "foundation/Clock.h"
 #include "platform/ApplicationCatalog.h"
 #include "platform/linux/applications/ApplicationPlaces.h"
-#include "platform/linux/applications/PackagePrograms.h"
+#include "platform/linux/applications/PackageManager.h"
 
 #include <QCoroTask>
 
 namespace velbrix {
 
-// Takes an application off the host through what manages it.
+// What would go with the application, itself included; nothing is changed. A
+// failure in words for the user when it must not go.
 QCoro::Task<Result<QStringList>> simulateRemoval(Clock &clock, ApplicationPlaces places,
                                                  PackagePrograms programs, InstalledApplication application);
 

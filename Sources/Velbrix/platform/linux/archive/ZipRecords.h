@@ -10,8 +10,7 @@
 
 namespace velbrix {
 
-// The numbers of the zip format, and its records as bytes: the .ZIP File Format
-// Specification (APPNOTE.TXT).
+// The numbers of the zip format (PKWARE's APPNOTE), and its records as bytes.
 namespace zip {
 
 constexpr std::uint32_t localSignature = 0x04034b50;

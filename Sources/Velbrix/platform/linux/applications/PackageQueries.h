@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
-#include "foundation/Result.h"
+#include "foundation/ProcessRunner.h"
 #include "platform/linux/applications/PackageManager.h"
 
 #include <QCoroTask>
@@ -9,6 +9,13 @@
 #include <QStringList>
 
 namespace velbrix {
+
+// A run of a program and its arguments whose answer is in English and keeps
+// every letter of names.
+ProcessRequest hostCommand(const QStringList &command);
+
+// What a program said last, for the user.
+QString lastLine(const ProcessOutcome &outcome);
 
 // What the host's package manager answers; nothing here changes a package. The
 // clock must outlive every task.
@@ -19,9 +26,5 @@ QCoro::Task<Result<QHash<QString, QString>>> packageOwners(Clock &clock, Package
 // Of those it knows.
 QCoro::Task<QHash<QString, PackageFacts>> packageFacts(Clock &clock, PackageManager manager,
                                                        QStringList packages);
-// What would go with the package, itself included. A failure in words when the
-// manager refuses, or when the system or the owner of `ownExecutable` would go.
-QCoro::Task<Result<QStringList>> simulatedRemoval(Clock &clock, PackageManager manager, QString package,
-                                                  QString ownExecutable);
 
 } // namespace velbrix

@@ -1,9 +1,10 @@
-#include "platform/linux/desktop/XdgLoginItem.h"
+#include "platform/linux/applications/XdgLoginItem.h"
+
+#include "platform/linux/applications/DesktopEntry.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QSaveFile>
 
 #include <utility>
@@ -28,24 +29,6 @@ QString execArgument(const QString &argument)
     return u'"' + quoted.replace(u'\\', u"\\\\"_s) + u'"';
 }
 
-QHash<QString, QString> readEntry(const QString &path)
-{
-    QFile file(path);
-    QHash<QString, QString> entry;
-    if (!file.open(QIODevice::ReadOnly))
-        return entry;
-    bool isMainGroup = false;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
-    for (const QString &raw : lines) {
-        const QString line = raw.trimmed();
-        if (line.startsWith(u'['))
-            isMainGroup = line == u"[Desktop Entry]"_s;
-        else if (isMainGroup && !line.startsWith(u'#') && line.contains(u'='))
-            entry.insert(line.section(u'=', 0, 0).trimmed(), line.section(u'=', 1).trimmed());
-    }
-    return entry;
-}
-
 QString entryText(const QString &program)
 {
     return u"[Desktop Entry]\n"
@@ -67,9 +50,12 @@ XdgLoginItem::XdgLoginItem(QString file, QString program)
 
 bool XdgLoginItem::isEnabled() const
 {
-    const QHash<QString, QString> entry = readEntry(_file);
-    return entry.contains(u"Exec"_s) && entry.value(u"Hidden"_s) != u"true"_s &&
-           entry.value(u"X-GNOME-Autostart-enabled"_s) != u"false"_s;
+    QFile file(_file);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const DesktopEntryKeys keys = desktopEntryKeys(file.readAll());
+    return keys.contains("Exec") && keys.value("Hidden") != "true" &&
+           keys.value("X-GNOME-Autostart-enabled") != "false";
 }
 
 Result<void> XdgLoginItem::setEnabled(bool enabled)

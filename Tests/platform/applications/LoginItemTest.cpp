@@ -1,4 +1,4 @@
-#include "platform/linux/desktop/XdgLoginItem.h"
+#include "platform/linux/applications/XdgLoginItem.h"
 
 #include "support/FakeLoginItem.h"
 #include "support/Files.h"
