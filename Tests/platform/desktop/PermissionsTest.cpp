@@ -31,7 +31,7 @@ private Q_SLOTS:
         fake.screenCaptureGranted = false;
         fake.microphoneStatus = fake.cameraStatus = AuthorizationStatus::notDetermined;
         fake.grantsOnRequest = grants;
-        LinuxPermissions real(screenObstacle(ScreenFacts::ofThisSession()));
+        LinuxPermissions real(screenObstacle(SessionFacts::ofThisSession()));
         Permissions &permissions = isReal ? static_cast<Permissions &>(real) : fake;
         for (int round = 0; round < 2; ++round) {
             QCOMPARE(permissions.requestScreenCapture(), grants);
@@ -46,11 +46,11 @@ private Q_SLOTS:
 
     void theScreenOfAWaylandSessionCannotBeSeen_data()
     {
-        QTest::addColumn<ScreenFacts>("facts");
+        QTest::addColumn<SessionFacts>("facts");
         QTest::addColumn<QString>("obstacle");
         const QString wayland = u"当前是 Wayland 会话，无法捕捉屏幕。请在登录界面改选 X11（Xorg）会话。"_s;
         const QString other = u"当前会话不是 X11，无法捕捉屏幕。请在 X11（Xorg）会话中运行。"_s;
-        const auto row = [](const char *name, const ScreenFacts &facts, const QString &obstacle) {
+        const auto row = [](const char *name, const SessionFacts &facts, const QString &obstacle) {
             QTest::newRow(name) << facts << obstacle;
         };
         row("X11", {true, false, u"x11"_s, {}}, {});
@@ -65,7 +65,7 @@ private Q_SLOTS:
     }
     void theScreenOfAWaylandSessionCannotBeSeen()
     {
-        QFETCH(ScreenFacts, facts);
+        QFETCH(SessionFacts, facts);
         const QString obstacle = screenObstacle(facts);
         QTEST(obstacle, "obstacle");
         LinuxPermissions permissions(obstacle);

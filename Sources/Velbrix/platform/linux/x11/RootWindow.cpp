@@ -103,14 +103,7 @@ xcb_pixmap_t RootWindow::upload(const QImage &picture)
         return XCB_NONE;
     const xcb_gcontext_t context = xcb_generate_id(xcb);
     xcb_create_gc(xcb, context, pixmap, 0, nullptr);
-    const qsizetype mostBytes = qsizetype{xcb_get_maximum_request_length(xcb)} * 4 - 64;
-    const int mostRows = static_cast<int>(std::max<qsizetype>(1, mostBytes / image.bytesPerLine()));
-    for (int row = 0; row < image.height(); row += mostRows) {
-        const int rows = std::min(mostRows, image.height() - row);
-        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, context, toXLength(image.width()),
-                      toXLength(rows), 0, toXPlace(row), 0, _x11->screen().root_depth,
-                      static_cast<std::uint32_t>(rows * image.bytesPerLine()), image.constScanLine(row));
-    }
+    _x11->putImage(pixmap, context, image.size(), image.constBits());
     xcb_free_gc(xcb, context);
     return pixmap;
 }

@@ -6,7 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-ScreenFacts ScreenFacts::ofThisSession()
+SessionFacts SessionFacts::ofThisSession()
 {
     const auto x11 = qtX11Connection();
     return {.isOnX11 = x11 != nullptr,
@@ -15,7 +15,7 @@ ScreenFacts ScreenFacts::ofThisSession()
             .waylandDisplay = qEnvironmentVariable("WAYLAND_DISPLAY")};
 }
 
-QString screenObstacle(const ScreenFacts &facts)
+QString screenObstacle(const SessionFacts &facts)
 {
     // Xwayland names itself since 23.1; before, only the session tells. One
     // that says it is of X11 may have a Wayland program running inside it.

@@ -11,8 +11,8 @@
 
 namespace velbrix {
 
-// What a panel reserves at an edge of the root (_NET_WM_STRUT_PARTIAL of EWMH), from begin to end (inclusive)
-// along that edge.
+// What a panel reserves at an edge of the root (_NET_WM_STRUT_PARTIAL of EWMH),
+// from begin to end (inclusive) along that edge.
 struct EdgeStrut {
     int width = 0;
     int begin = 0;

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/X11Connection.h"
 
+#include "platform/linux/x11/XGeometry.h"
+
 #include <xcb/composite.h>
 #include <xcb/damage.h>
 #include <xcb/randr.h>
@@ -206,6 +208,22 @@ XReply<xcb_get_geometry_reply_t> X11Connection::geometry(xcb_drawable_t drawable
 {
     return XReply<xcb_get_geometry_reply_t>(
         xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, drawable), nullptr));
+}
+
+void X11Connection::putImage(xcb_drawable_t target, xcb_gcontext_t context, QSize size,
+                             const std::uint8_t *pixels)
+{
+    constexpr std::size_t header = 64; // of a request, rounded up
+    const std::size_t row = static_cast<std::size_t>(size.width()) * 4;
+    const std::size_t room = std::size_t{xcb_get_maximum_request_length(_connection)} * 4 - header;
+    const int rows = std::max(1, static_cast<int>(room / row));
+    for (int y = 0; y < size.height(); y += rows) {
+        const int count = std::min(rows, size.height() - y);
+        xcb_put_image(_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, target, context, toXLength(size.width()),
+                      toXLength(count), 0, toXPlace(y), 0, _screen->root_depth,
+                      static_cast<std::uint32_t>(row * static_cast<std::size_t>(count)),
+                      pixels + row * static_cast<std::size_t>(y));
+    }
 }
 
 void X11Connection::selectEvents(xcb_window_t window, std::uint32_t mask) const

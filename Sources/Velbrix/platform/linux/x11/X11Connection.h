@@ -3,6 +3,7 @@
 #include "foundation/Result.h"
 
 #include <QByteArray>
+#include <QSize>
 
 #include <xcb/xcb.h>
 
@@ -98,6 +99,8 @@ public:
     void setProperty(xcb_window_t window, const char *name, xcb_atom_t type,
                      std::span<const std::uint32_t> values);
     XReply<xcb_get_geometry_reply_t> geometry(xcb_drawable_t drawable) const;
+    // Pixels of four bytes, row after row, in as many requests as that takes.
+    void putImage(xcb_drawable_t target, xcb_gcontext_t context, QSize size, const std::uint8_t *pixels);
     // Which events of the window come here; none of them before.
     void selectEvents(xcb_window_t window, std::uint32_t mask) const;
     // The format of the RENDER extension for pictures of that visual; 0 without one.

@@ -25,21 +25,16 @@ public:
     const QList<Display> &displays() const { return _displays; }
 
 private:
-    struct Client {
-        bool isPanel = false;
-        std::optional<Strut> strut;
-    };
-
     void handleEvent(const xcb_generic_event_t &event);
     void update();
     void readClients();
-    Client readClient(xcb_window_t window) const;
+    std::optional<Strut> readClient(xcb_window_t window) const;
     QList<Display> readDisplays() const;
     QString nameOf(quint32 output, const QByteArray &connector) const;
 
     const std::function<void()> _changed;
     std::unique_ptr<X11EventSource> _events;
-    std::map<xcb_window_t, Client> _clients;
+    std::map<xcb_window_t, std::optional<Strut>> _clients; // with what they reserve
     QList<Display> _displays;
     bool _areClientsStale = true;
     bool _isStale = false;
@@ -130,15 +125,14 @@ void X11Displays::Monitors::readClients()
     }
 }
 
-X11Displays::Monitors::Client X11Displays::Monitors::readClient(xcb_window_t window) const
+std::optional<Strut> X11Displays::Monitors::readClient(xcb_window_t window) const
 {
     X11Connection &connection = _events->connection();
     // Only panels are worth being woken for; before the reading, so that no
     // change falls between.
-    const bool isPanel = isOfType(connection, window, "_NET_WM_WINDOW_TYPE_DOCK");
-    if (isPanel)
+    if (isOfType(connection, window, "_NET_WM_WINDOW_TYPE_DOCK"))
         connection.selectEvents(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
-    return {isPanel, readStrut(connection, window)};
+    return readStrut(connection, window);
 }
 
 QList<Display> X11Displays::Monitors::readDisplays() const
@@ -149,9 +143,9 @@ QList<Display> X11Displays::Monitors::readDisplays() const
     const auto root = connection.geometry(connection.root());
     const QSize rootSize = root ? QSize(root->width, root->height) : QSize();
     std::vector<Strut> struts;
-    for (const auto &[window, client] : _clients) {
-        if (client.strut)
-            struts.push_back(*client.strut);
+    for (const auto &[window, strut] : _clients) {
+        if (strut)
+            struts.push_back(*strut);
     }
     QList<Display> found;
     for (const Monitor &monitor : all) {

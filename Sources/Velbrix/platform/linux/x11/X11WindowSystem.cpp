@@ -37,7 +37,7 @@ void provide(Platform &platform, Clock &clock, const QString &dataFolder)
 {
     const auto keyboard = X11Keyboard::ofQt();
     const auto session = std::make_shared<X11DesktopSession>();
-    const QString obstacle = screenObstacle(ScreenFacts::ofThisSession());
+    const QString obstacle = screenObstacle(SessionFacts::ofThisSession());
     platform.hotkeys = std::make_unique<X11HotkeyRegistrar>(keyboard);
     platform.keys = std::make_unique<X11KeyMonitor>(keyboard);
     platform.permissions = std::make_unique<LinuxPermissions>(obstacle);

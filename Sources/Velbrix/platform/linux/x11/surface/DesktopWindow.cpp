@@ -1,6 +1,7 @@
 #include "platform/linux/x11/surface/DesktopWindow.h"
 
 #include "platform/linux/x11/Ewmh.h"
+#include "platform/linux/x11/XGeometry.h"
 #include "platform/linux/x11/surface/WindowHints.h"
 
 #include <xcb/shape.h>
@@ -20,12 +21,6 @@ constexpr int hiddenRows = 1;
 // Clicks on it end here.
 constexpr std::uint32_t wantedEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                                        XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
-
-xcb_rectangle_t toXcb(int x, int y, int width, int height)
-{
-    return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
-            static_cast<std::uint16_t>(height)};
-}
 
 } // namespace
 
@@ -47,10 +42,9 @@ DesktopWindow::DesktopWindow(std::shared_ptr<DesktopLayer> layer, const QRect &f
     // and what is uncovered keeps the last one.
     const std::array<std::uint32_t, 3> values{XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, wantedEvents};
     const QRect rect = windowRect();
-    const xcb_rectangle_t place = toXcb(rect.x(), rect.y(), rect.width(), rect.height());
-    xcb_create_window(_connection.xcb(), XCB_COPY_FROM_PARENT, _id, _connection.root(), place.x, place.y,
-                      place.width, place.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                      _connection.screen().root_visual,
+    xcb_create_window(_connection.xcb(), XCB_COPY_FROM_PARENT, _id, _connection.root(), toXPlace(rect.x()),
+                      toXPlace(rect.y()), toXLength(rect.width()), toXLength(rect.height()), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, _connection.screen().root_visual,
                       XCB_CW_BACK_PIXMAP | XCB_CW_BIT_GRAVITY | XCB_CW_EVENT_MASK, values.data());
     _layer->add(*this);
     // The painter of another connection must find it.
@@ -128,9 +122,9 @@ QRect DesktopWindow::windowRect() const
     return _frame.adjusted(0, 0, 0, hiddenRows);
 }
 
-xcb_rectangle_t DesktopWindow::inside() const
+PixelRect DesktopWindow::inside() const
 {
-    return toXcb(0, 0, _frame.width(), _frame.height());
+    return {0, 0, _frame.width(), _frame.height()};
 }
 
 bool DesktopWindow::isManaged() const
@@ -157,7 +151,7 @@ void DesktopWindow::managerChanged()
 
 void DesktopWindow::handleEvent(const xcb_generic_event_t &event)
 {
-    const int type = event.response_type & 0x7f;
+    const int type = eventType(event);
     if (type == XCB_EXPOSE && reinterpret_cast<const xcb_expose_event_t &>(event).window == _id)
         _isExposed = true;
     // Some managers only pass the input shape on to their own frame when it
@@ -181,15 +175,14 @@ void DesktopWindow::applyBounds()
     std::vector<xcb_rectangle_t> holes;
     if (showsIcons()) {
         for (const PixelRect &icon : _layer->icons()) {
-            const PixelRect part = intersected(translated(icon, -_frame.x(), -_frame.y()),
-                                               {0, 0, _frame.width(), _frame.height()});
+            const PixelRect part = intersected(translated(icon, -_frame.x(), -_frame.y()), inside());
             if (!isEmpty(part))
-                holes.push_back(toXcb(part.x, part.y, part.width, part.height));
+                holes.push_back(toXRectangle(part));
         }
     }
     const xcb_xfixes_region_t region = xcb_generate_id(xcb);
     xcb_xfixes_create_region(xcb, region, static_cast<std::uint32_t>(holes.size()), holes.data());
-    xcb_xfixes_invert_region(xcb, region, inside(), region);
+    xcb_xfixes_invert_region(xcb, region, toXRectangle(inside()), region);
     xcb_xfixes_set_window_shape_region(xcb, _id, XCB_SHAPE_SK_BOUNDING, 0, 0, region);
     xcb_xfixes_destroy_region(xcb, region);
 }
@@ -198,7 +191,7 @@ void DesktopWindow::applyInput()
 {
     if (!_connection.has().shape)
         return;
-    const xcb_rectangle_t whole = inside();
+    const xcb_rectangle_t whole = toXRectangle(inside());
     const std::uint32_t count = _place == SurfaceLayer::belowIcons ? 0 : 1;
     xcb_shape_rectangles(_connection.xcb(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
                          _id, 0, 0, count, &whole);

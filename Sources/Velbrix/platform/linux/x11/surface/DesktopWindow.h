@@ -44,7 +44,7 @@ public:
 private:
     DesktopWindow(std::shared_ptr<DesktopLayer> layer, const QRect &frame);
     QRect windowRect() const;
-    xcb_rectangle_t inside() const;
+    PixelRect inside() const;
     bool isManaged() const;
     void map();
     void applyBounds();

@@ -1,6 +1,6 @@
 #include "platform/linux/x11/surface/WindowSink.h"
 
-#include <algorithm>
+#include "platform/linux/x11/XGeometry.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,11 +13,6 @@ constexpr QSize largestPicture(2560, 1440);
 std::size_t stride(QSize size)
 {
     return static_cast<std::size_t>(size.width()) * 4;
-}
-
-std::uint16_t length(int pixels)
-{
-    return static_cast<std::uint16_t>(pixels);
 }
 
 } // namespace
@@ -100,7 +95,7 @@ void WindowSink::collect()
 {
     const auto *const extension = xcb_get_extension_data(_connection->xcb(), &xcb_shm_id);
     while (const auto event = _connection->nextEvent()) {
-        if (!extension || (event->response_type & 0x7f) != extension->first_event + XCB_SHM_COMPLETION)
+        if (!extension || eventType(*event) != extension->first_event + XCB_SHM_COMPLETION)
             continue;
         const auto &completed = reinterpret_cast<const xcb_shm_completion_event_t &>(*event);
         for (Buffer &buffer : _buffers) {
@@ -114,11 +109,11 @@ void WindowSink::put(Buffer &buffer)
 {
     const xcb_drawable_t target = _enlarged ? _enlarged->pixmap() : _window;
     if (!buffer.memory->isShared()) {
-        putRows(buffer, target);
+        _connection->putImage(target, _context, buffer.size, buffer.memory->data());
     } else {
         ++buffer.reads;
-        const auto width = length(buffer.size.width());
-        const auto height = length(buffer.size.height());
+        const auto width = toXLength(buffer.size.width());
+        const auto height = toXLength(buffer.size.height());
         xcb_shm_put_image(_connection->xcb(), target, _context, width, height, 0, 0, width, height, 0, 0,
                           _connection->screen().root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 1, buffer.memory->id(),
                           0);
@@ -126,22 +121,6 @@ void WindowSink::put(Buffer &buffer)
     if (_enlarged)
         _enlarged->show();
     _connection->flush();
-}
-
-// As many rows at a time as a request can hold.
-void WindowSink::putRows(const Buffer &buffer, xcb_drawable_t target)
-{
-    xcb_connection_t *const xcb = _connection->xcb();
-    const std::size_t row = stride(buffer.size);
-    const std::size_t room = std::size_t{xcb_get_maximum_request_length(xcb)} * 4 - 64;
-    const int rows = std::max(1, static_cast<int>(room / row));
-    for (int y = 0; y < buffer.size.height(); y += rows) {
-        const int count = std::min(rows, buffer.size.height() - y);
-        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, target, _context, length(buffer.size.width()),
-                      length(count), 0, static_cast<std::int16_t>(y), 0, _connection->screen().root_depth,
-                      static_cast<std::uint32_t>(row * static_cast<std::size_t>(count)),
-                      buffer.memory->data() + row * static_cast<std::size_t>(y));
-    }
 }
 
 } // namespace velbrix

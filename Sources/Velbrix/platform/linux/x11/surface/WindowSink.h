@@ -36,7 +36,6 @@ private:
 
     WindowSink(std::unique_ptr<X11Connection> connection, xcb_window_t window);
     void put(Buffer &buffer);
-    void putRows(const Buffer &buffer, xcb_drawable_t target);
 
     const std::unique_ptr<X11Connection> _connection;
     const xcb_window_t _window;
