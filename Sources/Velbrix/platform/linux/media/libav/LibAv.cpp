@@ -1,69 +1,46 @@
-#include "platform/linux/media/libav/LibAvHandles.h"
+#include "platform/linux/media/libav/LibAv.h"
 
-#include "platform/linux/media/libav/LibraryFunction.h"
+#include "platform/linux/media/libav/LoadedLibrary.h"
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
 
-#define VELB_AV_RESOLVE(name) isComplete = resolve(library, #name, functions.name) && isComplete;
-
 bool loadCodec(AvCodec &functions)
 {
     QLibrary library(u"avcodec"_s, LIBAVCODEC_VERSION_MAJOR);
-    bool isComplete = library.load();
-    VELB_AV_CODEC(VELB_AV_RESOLVE)
-    return isComplete;
+    return library.load() VELB_AV_CODEC(VELB_RESOLVE);
 }
 
 bool loadUtil(AvCodec &functions)
 {
     QLibrary library(u"avutil"_s, LIBAVUTIL_VERSION_MAJOR);
-    bool isComplete = library.load();
-    VELB_AV_UTIL(VELB_AV_RESOLVE)
-    return isComplete;
+    return library.load() VELB_AV_UTIL(VELB_RESOLVE);
 }
-
-bool loadFormat(AvFormat &functions)
-{
-    QLibrary library(u"avformat"_s, LIBAVFORMAT_VERSION_MAJOR);
-    bool isComplete = library.load();
-    VELB_AV_FORMAT(VELB_AV_RESOLVE)
-    return isComplete;
-}
-
-bool loadScale(AvScale &functions)
-{
-    QLibrary library(u"swscale"_s, LIBSWSCALE_VERSION_MAJOR);
-    bool isComplete = library.load();
-    VELB_AV_SCALE(VELB_AV_RESOLVE)
-    return isComplete;
-}
-
-#undef VELB_AV_RESOLVE
 
 } // namespace
 
 const AvCodec *avCodec()
 {
-    static AvCodec functions;
-    static const bool isLoaded = loadCodec(functions) && loadUtil(functions);
-    return isLoaded ? &functions : nullptr;
+    return loadedOnce<AvCodec>(
+        [](AvCodec &functions) { return loadCodec(functions) && loadUtil(functions); });
 }
 
 const AvFormat *avFormat()
 {
-    static AvFormat functions;
-    static const bool isLoaded = loadFormat(functions);
-    return isLoaded ? &functions : nullptr;
+    return loadedOnce<AvFormat>([](AvFormat &functions) {
+        QLibrary library(u"avformat"_s, LIBAVFORMAT_VERSION_MAJOR);
+        return library.load() VELB_AV_FORMAT(VELB_RESOLVE);
+    });
 }
 
 const AvScale *avScale()
 {
-    static AvScale functions;
-    static const bool isLoaded = loadScale(functions);
-    return isLoaded ? &functions : nullptr;
+    return loadedOnce<AvScale>([](AvScale &functions) {
+        QLibrary library(u"swscale"_s, LIBSWSCALE_VERSION_MAJOR);
+        return library.load() VELB_AV_SCALE(VELB_RESOLVE);
+    });
 }
 
 AvDecoder openAvDecoder(const AVStream &stream, int threads, std::int64_t mostPixels)

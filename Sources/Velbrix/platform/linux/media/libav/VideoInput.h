@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/MediaProbe.h"
-#include "platform/linux/media/libav/LibAvHandles.h"
+#include "platform/linux/media/libav/LibAv.h"
 
 #include <QTransform>
 

@@ -1,6 +1,6 @@
 #include "platform/linux/media/mp4/LinuxMovieFiles.h"
 
-#include "platform/linux/media/libav/LibAvHandles.h"
+#include "platform/linux/media/libav/LibAv.h"
 #include "platform/linux/media/mp4/Mp4Repair.h"
 
 #include <QCoroFuture>

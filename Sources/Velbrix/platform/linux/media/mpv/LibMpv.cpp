@@ -1,7 +1,7 @@
 #include "platform/linux/media/mpv/LibMpv.h"
 
 #include "platform/linux/media/libav/LibAv.h"
-#include "platform/linux/media/libav/LibraryFunction.h"
+#include "platform/linux/media/libav/LoadedLibrary.h"
 
 #include <malloc.h>
 
@@ -26,18 +26,12 @@ bool load(LibMpv &functions)
 {
     returnLargeBlocks();
     QLibrary library(u"mpv"_s, MPV_CLIENT_API_VERSION >> 16);
-    bool isComplete = library.load();
-#define VELB_MPV_RESOLVE(name) isComplete = resolve(library, #name, functions.name) && isComplete;
-    VELB_MPV(VELB_MPV_RESOLVE)
-#undef VELB_MPV_RESOLVE
-    return isComplete;
+    return library.load() VELB_MPV(VELB_RESOLVE);
 }
 
 const LibMpv *loaded()
 {
-    static LibMpv functions;
-    static const bool isLoaded = load(functions);
-    return isLoaded ? &functions : nullptr;
+    return loadedOnce<LibMpv>(load);
 }
 
 } // namespace
