@@ -3,18 +3,9 @@
 #include "foundation/LocalChannel.h"
 #include "support/FakePlatform.h"
 #include "support/FakeShell.h"
-#include "support/Files.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

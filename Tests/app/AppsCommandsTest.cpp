@@ -3,10 +3,6 @@
 
 #include <QJsonArray>
 
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 struct Rig : UninstallRig {

@@ -1,15 +1,7 @@
 #include "app/Tools.h"
 #include "support/FakePlatform.h"
-#include "support/Files.h"
-#include "support/PatientTest.h"
 
-#include <QFile>
 #include <QJsonArray>
-#include <QTemporaryDir>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,15 +1,7 @@
 #include "app/Tools.h"
 #include "support/FakePlatform.h"
-#include "support/Files.h"
 
-#include <QDir>
 #include <QJsonArray>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,16 +1,9 @@
 #include "app/CommandServer.h"
 
 #include "support/FakePlatform.h"
-#include "support/PatientTest.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QJsonArray>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

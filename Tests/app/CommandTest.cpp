@@ -1,10 +1,6 @@
 #include "app/CommandServer.h"
 #include "app/Tools.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class CommandTest : public QObject {
     Q_OBJECT

@@ -2,12 +2,6 @@
 
 #include <QCoreApplication>
 #include <QJsonArray>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

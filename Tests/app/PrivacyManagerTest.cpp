@@ -1,14 +1,6 @@
 #include "app/RecordingActions.h"
 #include "support/FakePlatform.h"
 
-#include <QSignalSpy>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 const QString prefix = u"Velbrix_Privacy_"_s;

@@ -1,16 +1,10 @@
 #include "app/QuitSequence.h"
 
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoreApplication>
-#include <QSignalSpy>
-#include <QTest>
 #include <QTimer>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

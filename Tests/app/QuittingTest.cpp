@@ -2,15 +2,6 @@
 
 #include "support/FakePlatform.h"
 #include "support/FakeShell.h"
-#include "support/Files.h"
-
-#include <QSignalSpy>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class QuittingTest : public QObject {
     Q_OBJECT

@@ -1,12 +1,5 @@
 #include "support/FakePlatform.h"
 
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 struct Rig : ServicesRig {

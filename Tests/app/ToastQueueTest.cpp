@@ -1,13 +1,7 @@
 #include "app/Toast.h"
 
+#include "support/Test.h"
 #include "support/VirtualClock.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,13 +1,6 @@
 #include "support/WallpaperRig.h"
 
-#include <QSignalSpy>
-#include <QTest>
-
 #include <optional>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

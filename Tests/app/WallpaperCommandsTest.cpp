@@ -2,14 +2,8 @@
 #include "support/WallpaperRig.h"
 
 #include <QJsonArray>
-#include <QTest>
 
 #include <optional>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

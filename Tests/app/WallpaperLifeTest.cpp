@@ -1,18 +1,11 @@
 #include "app/AppDelegate.h"
 
 #include "support/FakeShell.h"
-#include "support/PatientTest.h"
 #include "support/WallpaperRig.h"
 
 #include <QCoreApplication>
-#include <QSignalSpy>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

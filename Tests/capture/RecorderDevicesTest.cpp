@@ -2,12 +2,6 @@
 
 #include "support/FakePlatform.h"
 
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 AudioDeviceItem device(const QString &id, bool isDefault = false)

@@ -1,13 +1,7 @@
 #include "capture/RecorderPreferences.h"
 
 #include "support/SettingsRig.h"
-
-#include <QDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
+#include "support/Test.h"
 
 namespace {
 

@@ -1,17 +1,8 @@
 #include "capture/RecordingFile.h"
-
-#include "support/Files.h"
-
-#include <QDir>
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/Test.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 Q_DECLARE_METATYPE(velbrix::MovieFacts)
 

@@ -1,8 +1,5 @@
 #include "capture/RecordingPlan.h"
-
-#include <QTest>
-
-using namespace velbrix;
+#include "support/Test.h"
 
 Q_DECLARE_METATYPE(velbrix::CaptureGeometry)
 

@@ -1,16 +1,7 @@
 #include "support/FakePlatform.h"
-#include "support/Files.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QJsonArray>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,13 +1,5 @@
 #include "support/FakePlatform.h"
 
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 struct Rig : ServicesRig {

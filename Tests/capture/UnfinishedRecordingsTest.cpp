@@ -1,13 +1,6 @@
 #include "support/FakePlatform.h"
-#include "support/Files.h"
 
 #include <QJsonArray>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -2,15 +2,10 @@
 
 #include "capture/RecorderLog.h"
 #include "support/FakeScreenCapture.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoreApplication>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,9 +1,5 @@
 #include "foundation/ByteCount.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class ByteCountTest : public QObject {
     Q_OBJECT

@@ -1,12 +1,9 @@
 #include "foundation/HotkeyChord.h"
+#include "support/Test.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
 
 class HotkeyChordTest : public QObject {
     Q_OBJECT

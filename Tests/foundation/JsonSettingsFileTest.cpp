@@ -1,21 +1,15 @@
 #include "foundation/JsonSettingsFile.h"
 
-#include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/MemorySettings.h"
+#include "support/Test.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class JsonSettingsFileTest : public QObject {
     Q_OBJECT

@@ -2,20 +2,12 @@
 
 #include "foundation/RuntimeFolder.h"
 #include "foundation/SystemClock.h"
-#include "support/Files.h"
 #include "support/Fuzz.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QDir>
-#include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,9 +1,5 @@
 #include "foundation/NotificationCenter.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class NotificationCenterTest : public QObject {
     Q_OBJECT

@@ -1,12 +1,9 @@
 #include "foundation/Cancellation.h"
+#include "support/Test.h"
 
 #include <QStringList>
-#include <QTest>
 
 #include <optional>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
 
 class ObservationTest : public QObject {
     Q_OBJECT

@@ -1,12 +1,5 @@
 #include "foundation/Paths.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class PathsTest : public QObject {
     Q_OBJECT

@@ -1,14 +1,9 @@
 #include "foundation/ProcessRunner.h"
 
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <csignal>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

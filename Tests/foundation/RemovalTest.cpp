@@ -1,12 +1,10 @@
 #include "foundation/Removal.h"
 
 #include "support/FileTree.h"
+#include "support/Test.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <atomic>
 #include <optional>
@@ -20,11 +18,6 @@
 #include <sched.h>
 #include <sys/mount.h>
 #endif
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,14 +1,9 @@
 #include "foundation/SettingsStore.h"
 
 #include "support/SettingsRig.h"
+#include "support/Test.h"
 
 #include <QJsonArray>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class SettingsStoreTest : public QObject {
     Q_OBJECT

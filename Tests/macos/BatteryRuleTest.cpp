@@ -1,9 +1,5 @@
 #include "platform/macos/system/BatteryRule.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class BatteryRuleTest : public QObject {
     Q_OBJECT

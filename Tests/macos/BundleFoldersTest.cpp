@@ -1,12 +1,5 @@
 #include "platform/macos/applications/BundleFolders.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class BundleFoldersTest : public QObject {
     Q_OBJECT

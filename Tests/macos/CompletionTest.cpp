@@ -1,12 +1,10 @@
 #include "platform/macos/system/Completion.h"
+#include "support/Test.h"
 
 #include <QCoroTask>
-#include <QTest>
 #include <QThread>
 
 #include <thread>
-
-using namespace velbrix;
 
 namespace {
 

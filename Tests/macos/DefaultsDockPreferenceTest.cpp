@@ -2,14 +2,7 @@
 
 #include "foundation/SystemClock.h"
 #include "support/CapturedLog.h"
-#include "support/Files.h"
-
-#include <QFile>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
+#include "support/Test.h"
 
 namespace {
 

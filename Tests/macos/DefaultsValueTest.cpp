@@ -1,11 +1,8 @@
 #include "platform/macos/desktop/DefaultsValue.h"
+#include "support/Test.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
 
 class DefaultsValueTest : public QObject {
     Q_OBJECT

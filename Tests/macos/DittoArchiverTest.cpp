@@ -2,18 +2,9 @@
 
 #include "foundation/SystemClock.h"
 #include "platform/macos/files/ZipExcludes.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 #include <QCoroTask>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

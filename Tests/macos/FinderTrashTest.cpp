@@ -1,16 +1,9 @@
 #include "platform/macos/files/FinderTrash.h"
 
 #include "foundation/SystemClock.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 #include <QCoroTask>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 class FinderTrashTest : public QObject {
     Q_OBJECT

@@ -1,10 +1,7 @@
 #include "platform/macos/input/KeyModifiers.h"
 
 #include "platform/macos/media/FourCharCode.h"
-
-#include <QTest>
-
-using namespace velbrix;
+#include "support/Test.h"
 
 static_assert(fourCharCode("VBHK") == 0x5642484B);
 

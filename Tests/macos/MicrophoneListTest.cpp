@@ -1,9 +1,5 @@
 #include "platform/macos/media/MicrophoneList.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class MicrophoneListTest : public QObject {
     Q_OBJECT

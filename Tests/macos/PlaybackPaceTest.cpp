@@ -1,9 +1,5 @@
 #include "platform/macos/surface/PlaybackPace.h"
-
-#include <QTest>
-
-using namespace std::chrono_literals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class PlaybackPaceTest : public QObject {
     Q_OBJECT

@@ -1,11 +1,8 @@
 #include "platform/macos/system/PrivacyPanes.h"
+#include "support/Test.h"
 
 #include <QSet>
-#include <QTest>
 #include <QUrl>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
 
 class PrivacyPanesTest : public QObject {
     Q_OBJECT

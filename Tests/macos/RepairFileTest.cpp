@@ -1,15 +1,7 @@
 #include "platform/macos/media/RepairFile.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/Test.h"
 
 #include <limits>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
 
 namespace {
 

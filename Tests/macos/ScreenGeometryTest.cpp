@@ -1,9 +1,5 @@
 #include "platform/macos/capture/ScreenGeometry.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class ScreenGeometryTest : public QObject {
     Q_OBJECT

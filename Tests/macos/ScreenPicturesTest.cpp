@@ -1,10 +1,7 @@
 #include "platform/macos/desktop/ScreenPictures.h"
+#include "support/Test.h"
 
 #include <QJsonDocument>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
 
 namespace {
 

@@ -1,8 +1,5 @@
 #include "platform/macos/desktop/SurfaceVisibility.h"
-
-#include <QTest>
-
-using namespace velbrix;
+#include "support/Test.h"
 
 class SurfaceVisibilityTest : public QObject {
     Q_OBJECT

@@ -1,9 +1,5 @@
 #include "platform/macos/system/SystemNames.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class SystemNamesTest : public QObject {
     Q_OBJECT

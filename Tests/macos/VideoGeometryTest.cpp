@@ -1,8 +1,5 @@
 #include "platform/macos/media/VideoGeometry.h"
-
-#include <QTest>
-
-using namespace velbrix;
+#include "support/Test.h"
 
 class VideoGeometryTest : public QObject {
     Q_OBJECT

@@ -1,8 +1,5 @@
 #include "platform/macos/capture/WindowOrder.h"
-
-#include <QTest>
-
-using namespace velbrix;
+#include "support/Test.h"
 
 class WindowOrderTest : public QObject {
     Q_OBJECT

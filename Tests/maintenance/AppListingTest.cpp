@@ -1,10 +1,5 @@
 #include "maintenance/uninstall/AppListing.h"
-
-#include <QFile>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 class AppListingTest : public QObject {
     Q_OBJECT

@@ -9,11 +9,6 @@
 #include <cstdio>
 #include <unistd.h>
 
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 // "Note" with certain data, doubtful data and traps around it.

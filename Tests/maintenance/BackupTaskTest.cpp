@@ -3,22 +3,14 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
-#include "support/Files.h"
 #include "support/Fuzz.h"
 #include "support/MemorySettings.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QTimeZone>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,23 +1,5 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
-
-#include <QDir>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-
-class CleanupCatalogTest final : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void macOrder();
-    void bothTablesHoldTogether_data();
-    void bothTablesHoldTogether();
-    void foldersFollowTheUser();
-    void homeIsNoCache();
-    void patterns();
-};
+#include "support/Test.h"
 
 namespace {
 
@@ -28,82 +10,86 @@ const CleanupRule &ruleOf(const QList<CleanupRule> &rules, const QString &id)
 
 } // namespace
 
-void CleanupCatalogTest::macOrder()
-{
-    QStringList ids;
-    for (const CleanupRule &rule : macCleanupCatalog(u"/h"_s))
-        ids.append(rule.item.id);
-    QCOMPARE(ids.join(u' '),
-             u"user-caches system-caches logs trash temp-files xcode-derived xcode-archives "
-             "xcode-devicesupport xcode-coreSimulator xcode-watchOS cocoapods swiftpm chrome-cache "
-             "vscode-cachedata vscode-extcache safari-caches safari-webdata dns-cache memory-cache"_s);
-}
+class CleanupCatalogTest final : public QObject {
+    Q_OBJECT
 
-void CleanupCatalogTest::bothTablesHoldTogether_data()
-{
-    QTest::addColumn<bool>("mac");
-    QTest::newRow("macOS") << true;
-    QTest::newRow("freedesktop") << false;
-}
+private Q_SLOTS:
+    void macOrder()
+    {
+        QStringList ids;
+        for (const CleanupRule &rule : macCleanupCatalog(u"/h"_s))
+            ids.append(rule.item.id);
+        QCOMPARE(ids.join(u' '),
+                 u"user-caches system-caches logs trash temp-files xcode-derived xcode-archives "
+                 "xcode-devicesupport xcode-coreSimulator xcode-watchOS cocoapods swiftpm chrome-cache "
+                 "vscode-cachedata vscode-extcache safari-caches safari-webdata dns-cache memory-cache"_s);
+    }
 
-void CleanupCatalogTest::bothTablesHoldTogether()
-{
-    QFETCH(bool, mac);
-    const auto rules = mac ? macCleanupCatalog(u"/h"_s)
-                           : freedesktopCleanupCatalog({u"/h"_s, u"/h/c"_s, u"/h/k"_s, u"/h/d"_s});
-    QSet<QString> ids;
-    for (const CleanupRule &rule : rules) {
-        QVERIFY2(!ids.contains(rule.item.id), qPrintable(rule.item.id));
-        ids.insert(rule.item.id);
-        QCOMPARE(rule.target.id, rule.item.id);
-        QVERIFY(rule.target.path.has_value() != rule.target.command.has_value());
-        QCOMPARE(rule.group == CleanupGroup::advanced, rule.target.requiresAdmin);
-        QCOMPARE(rule.item.isSelected, !rule.target.requiresAdmin);
-        if (rule.target.command) {
-            QVERIFY(rule.target.command->endsWith(u"2>/dev/null; true"));
-            QVERIFY(!rule.target.requiresAdmin || !rule.target.command->contains(u'"'));
+    void bothTablesHoldTogether_data()
+    {
+        QTest::addColumn<bool>("mac");
+        QTest::newRow("macOS") << true;
+        QTest::newRow("freedesktop") << false;
+    }
+    void bothTablesHoldTogether()
+    {
+        QFETCH(bool, mac);
+        const auto rules = mac ? macCleanupCatalog(u"/h"_s)
+                               : freedesktopCleanupCatalog({u"/h"_s, u"/h/c"_s, u"/h/k"_s, u"/h/d"_s});
+        QSet<QString> ids;
+        for (const CleanupRule &rule : rules) {
+            QVERIFY2(!ids.contains(rule.item.id), qPrintable(rule.item.id));
+            ids.insert(rule.item.id);
+            QCOMPARE(rule.target.id, rule.item.id);
+            QVERIFY(rule.target.path.has_value() != rule.target.command.has_value());
+            QCOMPARE(rule.group == CleanupGroup::advanced, rule.target.requiresAdmin);
+            QCOMPARE(rule.item.isSelected, !rule.target.requiresAdmin);
+            if (rule.target.command) {
+                QVERIFY(rule.target.command->endsWith(u"2>/dev/null; true"));
+                QVERIFY(!rule.target.requiresAdmin || !rule.target.command->contains(u'"'));
+            }
         }
     }
-}
 
-void CleanupCatalogTest::foldersFollowTheUser()
-{
-    const auto rules = freedesktopCleanupCatalog({u"/h"_s, u"/h/.config"_s, u"/h/.cache"_s, u"/data"_s});
-    const CleanupRule &code = ruleOf(rules, u"vscode-cachedata"_s);
-    QCOMPARE(*code.target.path, u"/h/.config/Code/CachedData"_s);
-    QCOMPARE(code.item.description, u"~/.config/Code/CachedData — VS Code 编辑器缓存"_s);
-    QCOMPARE(ruleOf(rules, u"logs"_s).item.description, u"/data/xorg — 图形会话的日志"_s);
-    const CleanupRule &temporary = ruleOf(rules, u"temp-files"_s);
-    QVERIFY(temporary.onlyOldOwnFiles);
-    QCOMPARE(temporary.measured, QStringList());
-}
+    void foldersFollowTheUser()
+    {
+        const auto rules = freedesktopCleanupCatalog({u"/h"_s, u"/h/.config"_s, u"/h/.cache"_s, u"/data"_s});
+        const CleanupRule &code = ruleOf(rules, u"vscode-cachedata"_s);
+        QCOMPARE(*code.target.path, u"/h/.config/Code/CachedData"_s);
+        QCOMPARE(code.item.description, u"~/.config/Code/CachedData — VS Code 编辑器缓存"_s);
+        QCOMPARE(ruleOf(rules, u"logs"_s).item.description, u"/data/xorg — 图形会话的日志"_s);
+        const CleanupRule &temporary = ruleOf(rules, u"temp-files"_s);
+        QVERIFY(temporary.onlyOldOwnFiles);
+        QCOMPARE(temporary.measured, QStringList());
+    }
 
-void CleanupCatalogTest::homeIsNoCache()
-{
-    const QTemporaryDir elsewhere;
-    qputenv("XDG_CACHE_HOME", QFile::encodeName(elsewhere.path()));
-    if (UserFolders::ofThisUser().cache != elsewhere.path())
-        QSKIP("folders do not follow the environment here");
-    qputenv("XDG_CACHE_HOME", QFile::encodeName(QDir::homePath() + u"/."_s));
-    qputenv("XDG_CONFIG_HOME", "/");
-    QCOMPARE(UserFolders::ofThisUser().cache, QDir::homePath() + u"/.cache"_s);
-    QCOMPARE(UserFolders::ofThisUser().config, QDir::homePath() + u"/.config"_s);
-    qunsetenv("XDG_CACHE_HOME");
-    qunsetenv("XDG_CONFIG_HOME");
-}
+    void homeIsNoCache()
+    {
+        const QTemporaryDir elsewhere;
+        qputenv("XDG_CACHE_HOME", QFile::encodeName(elsewhere.path()));
+        if (UserFolders::ofThisUser().cache != elsewhere.path())
+            QSKIP("folders do not follow the environment here");
+        qputenv("XDG_CACHE_HOME", QFile::encodeName(QDir::homePath() + u"/."_s));
+        qputenv("XDG_CONFIG_HOME", "/");
+        QCOMPARE(UserFolders::ofThisUser().cache, QDir::homePath() + u"/.cache"_s);
+        QCOMPARE(UserFolders::ofThisUser().config, QDir::homePath() + u"/.config"_s);
+        qunsetenv("XDG_CACHE_HOME");
+        qunsetenv("XDG_CONFIG_HOME");
+    }
 
-void CleanupCatalogTest::patterns()
-{
-    const QTemporaryDir home;
-    const QDir folder(home.path());
-    for (const char *path : {"app/b/cache", "app/a/cache", "app/none", "elsewhere/cache"})
-        QVERIFY(folder.mkpath(QString::fromLatin1(path)));
-    QVERIFY(QFile::link(folder.filePath(u"elsewhere"_s), folder.filePath(u"app/link"_s)));
-    QVERIFY(QFile::link(folder.filePath(u"elsewhere/cache"_s), folder.filePath(u"app/none/cache"_s)));
-    QCOMPARE(matchingFolders(folder.filePath(u"app/*/cache"_s)),
-             QStringList({folder.filePath(u"app/a/cache"_s), folder.filePath(u"app/b/cache"_s)}));
-    QCOMPARE(matchingFolders(u"/plain"_s), QStringList{u"/plain"_s});
-}
+    void patterns()
+    {
+        const QTemporaryDir home;
+        const QDir folder(home.path());
+        for (const char *path : {"app/b/cache", "app/a/cache", "app/none", "elsewhere/cache"})
+            QVERIFY(folder.mkpath(QString::fromLatin1(path)));
+        QVERIFY(QFile::link(folder.filePath(u"elsewhere"_s), folder.filePath(u"app/link"_s)));
+        QVERIFY(QFile::link(folder.filePath(u"elsewhere/cache"_s), folder.filePath(u"app/none/cache"_s)));
+        QCOMPARE(matchingFolders(folder.filePath(u"app/*/cache"_s)),
+                 QStringList({folder.filePath(u"app/a/cache"_s), folder.filePath(u"app/b/cache"_s)}));
+        QCOMPARE(matchingFolders(u"/plain"_s), QStringList{u"/plain"_s});
+    }
+};
 
 QTEST_GUILESS_MAIN(CleanupCatalogTest)
 #include "CleanupCatalogTest.moc"

@@ -1,9 +1,5 @@
 #include "maintenance/uninstall/DataMatch.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
+#include "support/Test.h"
 
 namespace {
 

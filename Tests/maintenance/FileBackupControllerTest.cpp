@@ -4,21 +4,11 @@
 #include "support/FakeArchiver.h"
 #include "support/FakeSystemSleep.h"
 #include "support/FakeUserNotifications.h"
-#include "support/Files.h"
 #include "support/MemorySettings.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -4,21 +4,11 @@
 #include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/RsyncOutput.h"
 #include "maintenance/backup/TreeComparison.h"
-#include "support/Files.h"
 #include "support/Fuzz.h"
-#include "support/PatientTest.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/Test.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -5,22 +5,14 @@
 #include "support/FakeDiskUsage.h"
 #include "support/FakeRunningPrograms.h"
 #include "support/FakeTrashCan.h"
-#include "support/Files.h"
 #include "support/MemorySettings.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QDir>
 #include <QJsonArray>
-#include <QSignalSpy>
-#include <QTest>
 
 #include <cstdio>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
@@ -92,462 +84,443 @@ class SystemCleanerTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void sizesAppearAsTheyAreKnown();
-    void measuringCanBeCancelled();
-    void selectionIsRemembered();
-    void customFolders_data();
-    void customFolders();
-    void customFoldersAreRemembered();
-    void nothingSelected();
-    void cleansInOrder();
-    void keepsWhatIsHiddenOrExcluded();
-    void whatIsExcludedStaysSoAfterARestart();
-    void excludedEntriesEditedByHand();
-    void whatIsExcludedFromOneItemStaysInAnother();
-    void whatIsNotCleanedStaysInsideAnotherItem();
-    void aLinkIntoAnotherItemDoesNotHideWhatStays();
-    void linksLaidByOthersAreNotFollowed();
-    void foldersThatMayNotBeEmptiedAreTold();
-    void aRunningOwnersItemIsSkipped();
-    void ownPlacesAndLinksSurvive();
-    void removalsThatFailAreTold();
-    void cancellingStopsBetweenItems();
-    void details();
-    void twoCleansAtOnce();
-};
-
-void SystemCleanerTest::sizesAppearAsTheyAreKnown()
-{
-    Rig rig;
-    SystemCleaner &cleaner = rig.make();
-    rig.put(u"cache/a"_s);
-    QVERIFY(QDir().mkpath(rig.path(u"trash"_s)));
-    rig.usage.sizes = {{QFile::encodeName(rig.path(u"cache"_s)), 2'500'000},
-                       {QFile::encodeName(rig.path(u"trash"_s)), 4096}}; // an empty folder's own block
-    rig.usage.delay = 1s;
-    QCOMPARE(rig.usage.calls.size(), 0);
-    cleaner.calculateOnce();
-    QCOMPARE(cleaner.phase(), CleanupPhase::calculating());
-    QTRY_COMPARE(rig.usage.calls.size(), 1);
-    rig.clock.advance(1s);
-    QCOMPARE(rig.sizeOf(u"caches"_s), u"2.5 MB"_s);
-    QCOMPARE(rig.sizeOf(u"browser"_s), u"计算中…"_s);
-    QCOMPARE(rig.sizeOf(u"dns"_s), u"无数据"_s);
-    QCOMPARE(rig.sizeOf(u"trash"_s), u"无数据"_s);
-    rig.clock.advance(1s);
-    QCOMPARE(rig.sizeOf(u"browser"_s), u"无数据"_s);
-    rig.finish();
-    QCOMPARE(cleaner.phase(), CleanupPhase());
-    QCOMPARE(cleaner.selectedBytes(), 2'500'000);
-    cleaner.calculateOnce();
-    QCOMPARE(cleaner.phase(), CleanupPhase());
-}
-
-void SystemCleanerTest::measuringCanBeCancelled()
-{
-    Rig rig;
-    SystemCleaner &cleaner = rig.make();
-    rig.usage.delay = 1s;
-    cleaner.recalculate();
-    QTRY_COMPARE(rig.usage.calls.size(), 1);
-    rig.clock.advance(1s);
-    cleaner.cancel();
-    rig.finish();
-    QCOMPARE(rig.sizeOf(u"caches"_s), u"无数据"_s);
-    QCOMPARE(rig.sizeOf(u"browser"_s), u"待计算"_s);
-    // Nothing later is held up by it.
-    QVERIFY(QDir().mkpath(rig.path(u"mine"_s)));
-    QVERIFY(cleaner.addCustomPath(rig.path(u"mine"_s)));
-    const QString custom = cleaner.items().last().id;
-    QTRY_COMPARE((rig.clock.advance(1s), rig.sizeOf(custom)), u"无数据"_s);
-}
-
-void SystemCleanerTest::selectionIsRemembered()
-{
-    Rig rig;
-    rig.make().setSelected(u"trash"_s, false);
-    QCOMPARE(*rig.settings.json(u"VelbClean_CleanupSelection"_s),
-             QJsonArray({u"caches"_s, u"browser"_s, u"mark"_s}));
-    const auto selected = [&] {
-        QStringList ids;
-        for (const CleanupItem &item : rig.make().itemsToClean())
-            ids.append(item.id);
-        return ids;
-    };
-    QCOMPARE(selected(), QStringList({u"caches"_s, u"browser"_s, u"mark"_s}));
-    rig.settings.set(u"VelbClean_CleanupSelection"_s, QJsonArray{u"dns"_s, 7, u"unheard-of"_s});
-    QCOMPARE(selected(), QStringList{u"dns"_s});
-    rig.settings.set(u"VelbClean_CleanupSelection"_s, QJsonArray());
-    QCOMPARE(selected(), QStringList());
-    rig.settings.set(u"VelbClean_CleanupSelection"_s, u"no list"_s);
-    QCOMPARE(selected(), QStringList({u"caches"_s, u"browser"_s, u"trash"_s, u"mark"_s}));
-}
-
-void SystemCleanerTest::customFolders_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("failure");
-    QTest::newRow("a folder") << u"mine"_s << QString();
-    QTest::newRow("written in another way") << u"mine/../mine//"_s << QString();
-    QTest::newRow("missing") << u"nowhere"_s << u"请选择存在的文件夹"_s;
-    QTest::newRow("a file") << u"file"_s << u"请选择存在的文件夹"_s;
-}
-
-void SystemCleanerTest::customFolders()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, failure);
-    Rig rig;
-    rig.put(u"mine/file"_s);
-    rig.put(u"file"_s);
-    rig.usage.delay = 1s;
-    SystemCleaner &cleaner = rig.make();
-    const auto added = cleaner.addCustomPath(rig.home.path() + u'/' + path);
-    QCOMPARE(added ? QString() : added.error().message, failure);
-    if (!added)
-        return;
-    const CleanupItem custom = cleaner.items().last();
-    const QString mine = rig.path(u"mine"_s);
-    QCOMPARE(custom.id, u"custom-"_s + QString::fromLatin1(mine.toUtf8().toBase64()));
-    QCOMPARE(custom.name, u"mine"_s);
-    QCOMPARE(custom.icon, u"folder.badge.plus"_s);
-    QCOMPARE(custom.description, mine);
-    QCOMPARE(custom.estimatedSize, u"待计算"_s);
-    QVERIFY(custom.isSelected);
-    QCOMPARE(cleaner.group(custom.id), CleanupGroup::custom);
-    QCOMPARE(cleaner.addCustomPath(mine).error().message, u"该路径已添加"_s);
-    QTRY_COMPARE((rig.clock.advance(1s), rig.sizeOf(custom.id)), u"无数据"_s);
-    // Places nobody wants emptied.
-    for (const QString &place : {u"/"_s, u"/usr"_s, QDir::homePath()})
-        QVERIFY(!cleaner.addCustomPath(place));
-}
-
-void SystemCleanerTest::customFoldersAreRemembered()
-{
-    Rig rig;
-    QStringList paths;
-    for (int i = 0; i <= SystemCleaner::maxCustomPathsAllowed; ++i) {
-        paths.append(rig.path(QString::number(i)));
-        QVERIFY(QDir().mkpath(paths.last()));
+    void sizesAppearAsTheyAreKnown()
+    {
+        Rig rig;
+        SystemCleaner &cleaner = rig.make();
+        rig.put(u"cache/a"_s);
+        QVERIFY(QDir().mkpath(rig.path(u"trash"_s)));
+        rig.usage.sizes = {{QFile::encodeName(rig.path(u"cache"_s)), 2'500'000},
+                           {QFile::encodeName(rig.path(u"trash"_s)), 4096}}; // an empty folder's own block
+        rig.usage.delay = 1s;
+        QCOMPARE(rig.usage.calls.size(), 0);
+        cleaner.calculateOnce();
+        QCOMPARE(cleaner.phase(), CleanupPhase::calculating());
+        QTRY_COMPARE(rig.usage.calls.size(), 1);
+        rig.clock.advance(1s);
+        QCOMPARE(rig.sizeOf(u"caches"_s), u"2.5 MB"_s);
+        QCOMPARE(rig.sizeOf(u"browser"_s), u"计算中…"_s);
+        QCOMPARE(rig.sizeOf(u"dns"_s), u"无数据"_s);
+        QCOMPARE(rig.sizeOf(u"trash"_s), u"无数据"_s);
+        rig.clock.advance(1s);
+        QCOMPARE(rig.sizeOf(u"browser"_s), u"无数据"_s);
+        rig.finish();
+        QCOMPARE(cleaner.phase(), CleanupPhase());
+        QCOMPARE(cleaner.selectedBytes(), 2'500'000);
+        cleaner.calculateOnce();
+        QCOMPARE(cleaner.phase(), CleanupPhase());
     }
-    SystemCleaner &cleaner = rig.make();
-    for (int i = 0; i < SystemCleaner::maxCustomPathsAllowed; ++i)
-        QVERIFY(cleaner.addCustomPath(paths[i]));
-    QCOMPARE(cleaner.addCustomPath(paths.last()).error().message, u"最多可添加 10 个自定义文件夹"_s);
-    cleaner.removeCustomPath(cleaner.items()[5].id);
-    QCOMPARE(rig.settings.json(u"VelbClean_CustomPaths"_s)->toArray().first().toString(), paths[1]);
-    rig.finish();
-    QTest::qWait(0);
-    // Written by hand: only what names a folder by itself counts.
-    QJsonArray stored = rig.settings.json(u"VelbClean_CustomPaths"_s)->toArray();
-    for (const QString &odd : {QString(), u"."_s, u"Documents"_s, u"~nobody"_s, paths[1] + u"/."_s})
-        stored.append(odd);
-    rig.settings.set(u"VelbClean_CustomPaths"_s, stored);
-    QCOMPARE(rig.make().items().size(), 5 + SystemCleaner::maxCustomPathsAllowed - 1);
-}
 
-void SystemCleanerTest::nothingSelected()
-{
-    Rig rig;
-    rig.put(u"cache/a"_s);
-    SystemCleaner &cleaner = rig.make();
-    cleaner.setAllSelected(false);
-    cleaner.clean();
-    QCOMPARE(cleaner.phase(), CleanupPhase::failed(u"没有选择任何清理项"_s));
-    QCOMPARE(resultText(cleaner.report()), u"没有选择任何清理项"_s);
-    QVERIFY(rig.has(u"cache/a"_s));
-}
+    void measuringCanBeCancelled()
+    {
+        Rig rig;
+        SystemCleaner &cleaner = rig.make();
+        rig.usage.delay = 1s;
+        cleaner.recalculate();
+        QTRY_COMPARE(rig.usage.calls.size(), 1);
+        rig.clock.advance(1s);
+        cleaner.cancel();
+        rig.finish();
+        QCOMPARE(rig.sizeOf(u"caches"_s), u"无数据"_s);
+        QCOMPARE(rig.sizeOf(u"browser"_s), u"待计算"_s);
+        // Nothing later is held up by it.
+        QVERIFY(QDir().mkpath(rig.path(u"mine"_s)));
+        QVERIFY(cleaner.addCustomPath(rig.path(u"mine"_s)));
+        const QString custom = cleaner.items().last().id;
+        QTRY_COMPARE((rig.clock.advance(1s), rig.sizeOf(custom)), u"无数据"_s);
+    }
 
-void SystemCleanerTest::cleansInOrder()
-{
-    Rig rig;
-    rig.put(u"cache/file"_s, 3000);
-    rig.put(u"cache/folder/deep/file"_s, 100'000);
-    rig.put(u"cache/.DS_Store"_s, 500);
-    QVERIFY(QDir().mkpath(rig.path(u"mine/sub"_s)));
-    SystemCleaner &cleaner = rig.make();
-    QVERIFY(cleaner.addCustomPath(rig.path(u"mine"_s)));
-    cleaner.setSelected(u"dns"_s, true);
-    rig.finish();
-    const qint64 folders =
-        QFileInfo(rig.path(u"cache/folder"_s)).size() + QFileInfo(rig.path(u"mine/sub"_s)).size();
+    void selectionIsRemembered()
+    {
+        Rig rig;
+        rig.make().setSelected(u"trash"_s, false);
+        QCOMPARE(*rig.settings.json(u"VelbClean_CleanupSelection"_s),
+                 QJsonArray({u"caches"_s, u"browser"_s, u"mark"_s}));
+        const auto selected = [&] {
+            QStringList ids;
+            for (const CleanupItem &item : rig.make().itemsToClean())
+                ids.append(item.id);
+            return ids;
+        };
+        QCOMPARE(selected(), QStringList({u"caches"_s, u"browser"_s, u"mark"_s}));
+        rig.settings.set(u"VelbClean_CleanupSelection"_s, QJsonArray{u"dns"_s, 7, u"unheard-of"_s});
+        QCOMPARE(selected(), QStringList{u"dns"_s});
+        rig.settings.set(u"VelbClean_CleanupSelection"_s, QJsonArray());
+        QCOMPARE(selected(), QStringList());
+        rig.settings.set(u"VelbClean_CleanupSelection"_s, u"no list"_s);
+        QCOMPARE(selected(), QStringList({u"caches"_s, u"browser"_s, u"trash"_s, u"mark"_s}));
+    }
 
-    QList<CleanupPhase> phases;
-    QList<double> progress;
-    connect(&cleaner, &SystemCleaner::phaseChanged, this, [&] { phases.append(cleaner.phase()); });
-    connect(&cleaner, &SystemCleaner::progressChanged, this, [&] { progress.append(cleaner.progress()); });
-    cleaner.clean();
-    rig.finish();
+    void customFolders_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("failure");
+        QTest::newRow("a folder") << u"mine"_s << QString();
+        QTest::newRow("written in another way") << u"mine/../mine//"_s << QString();
+        QTest::newRow("missing") << u"nowhere"_s << u"请选择存在的文件夹"_s;
+        QTest::newRow("a file") << u"file"_s << u"请选择存在的文件夹"_s;
+    }
+    void customFolders()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, failure);
+        Rig rig;
+        rig.put(u"mine/file"_s);
+        rig.put(u"file"_s);
+        rig.usage.delay = 1s;
+        SystemCleaner &cleaner = rig.make();
+        const auto added = cleaner.addCustomPath(rig.home.path() + u'/' + path);
+        QCOMPARE(added ? QString() : added.error().message, failure);
+        if (!added)
+            return;
+        const CleanupItem custom = cleaner.items().last();
+        const QString mine = rig.path(u"mine"_s);
+        QCOMPARE(custom.id, u"custom-"_s + QString::fromLatin1(mine.toUtf8().toBase64()));
+        QCOMPARE(custom.name, u"mine"_s);
+        QCOMPARE(custom.icon, u"folder.badge.plus"_s);
+        QCOMPARE(custom.description, mine);
+        QCOMPARE(custom.estimatedSize, u"待计算"_s);
+        QVERIFY(custom.isSelected);
+        QCOMPARE(cleaner.group(custom.id), CleanupGroup::custom);
+        QCOMPARE(cleaner.addCustomPath(mine).error().message, u"该路径已添加"_s);
+        QTRY_COMPARE((rig.clock.advance(1s), rig.sizeOf(custom.id)), u"无数据"_s);
+        // Places nobody wants emptied.
+        for (const QString &place : {u"/"_s, u"/usr"_s, QDir::homePath()})
+            QVERIFY(!cleaner.addCustomPath(place));
+    }
 
-    const CleanupPhase done = CleanupPhase::done(3 + 1 + 1 + 1 + 1, 3000 + 500 + folders);
-    const QList<CleanupPhase> expected = {CleanupPhase::cleaning(u"caches"_s),
-                                          CleanupPhase::cleaning(u"browser"_s),
-                                          CleanupPhase::cleaning(u"trash"_s),
-                                          CleanupPhase::cleaning(u"mark"_s),
-                                          CleanupPhase::cleaning(u"dns"_s),
-                                          CleanupPhase::cleaning(u"mine"_s),
-                                          done,
-                                          CleanupPhase::calculating(),
-                                          CleanupPhase()};
-    QCOMPARE(phases, expected);
-    QCOMPARE(progress, QList<double>({1.0 / 6, 2.0 / 6, 3.0 / 6, 4.0 / 6, 5.0 / 6, 1.0}));
-    QCOMPARE(cleaner.report().outcome, done);
-    QVERIFY(cleaner.report().removal.freedBytes >= 103'500);
-    QVERIFY(rig.has(u"cache"_s));
-    QVERIFY(!rig.has(u"cache/folder"_s));
-    QVERIFY(!rig.has(u"mine/sub"_s));
-    QVERIFY(rig.has(u"marked"_s));
-    QCOMPARE(rig.trash.calls, QStringList{u"empty"_s});
-    QCOMPARE(rig.admin.lines, QStringList{u"flush 2>/dev/null; true"_s});
-}
+    void customFoldersAreRemembered()
+    {
+        Rig rig;
+        QStringList paths;
+        for (int i = 0; i <= SystemCleaner::maxCustomPathsAllowed; ++i) {
+            paths.append(rig.path(QString::number(i)));
+            QVERIFY(QDir().mkpath(paths.last()));
+        }
+        SystemCleaner &cleaner = rig.make();
+        for (int i = 0; i < SystemCleaner::maxCustomPathsAllowed; ++i)
+            QVERIFY(cleaner.addCustomPath(paths[i]));
+        QCOMPARE(cleaner.addCustomPath(paths.last()).error().message, u"最多可添加 10 个自定义文件夹"_s);
+        cleaner.removeCustomPath(cleaner.items()[5].id);
+        QCOMPARE(rig.settings.json(u"VelbClean_CustomPaths"_s)->toArray().first().toString(), paths[1]);
+        rig.finish();
+        QTest::qWait(0);
+        // Written by hand: only what names a folder by itself counts.
+        QJsonArray stored = rig.settings.json(u"VelbClean_CustomPaths"_s)->toArray();
+        for (const QString &odd : {QString(), u"."_s, u"Documents"_s, u"~nobody"_s, paths[1] + u"/."_s})
+            stored.append(odd);
+        rig.settings.set(u"VelbClean_CustomPaths"_s, stored);
+        QCOMPARE(rig.make().items().size(), 5 + SystemCleaner::maxCustomPathsAllowed - 1);
+    }
 
-void SystemCleanerTest::keepsWhatIsHiddenOrExcluded()
-{
-    Rig rig;
-    rig.put(u"cache/.git/config"_s);
-    rig.put(u"cache/dear/file"_s);
-    rig.put(u"cache/cheap"_s);
-    SystemCleaner &cleaner = rig.make();
-    cleaner.details().open(u"caches"_s);
-    cleaner.details().setIncluded(
-        u"caches"_s, QFile::encodeName(QFileInfo(rig.path(u"cache/dear"_s)).canonicalFilePath()), false);
-    cleaner.clean({u"caches"_s});
-    rig.finish();
-    QCOMPARE(cleaner.report().outcome.cleanedCount, 1);
-    QVERIFY(rig.has(u"cache/.git/config"_s) && rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
-    QTRY_VERIFY(!cleaner.details().contents().value(u"caches"_s).isMeasuring);
-}
+    void nothingSelected()
+    {
+        Rig rig;
+        rig.put(u"cache/a"_s);
+        SystemCleaner &cleaner = rig.make();
+        cleaner.setAllSelected(false);
+        cleaner.clean();
+        QCOMPARE(cleaner.phase(), CleanupPhase::failed(u"没有选择任何清理项"_s));
+        QCOMPARE(resultText(cleaner.report()), u"没有选择任何清理项"_s);
+        QVERIFY(rig.has(u"cache/a"_s));
+    }
 
-void SystemCleanerTest::whatIsExcludedStaysSoAfterARestart()
-{
-    Rig rig;
-    const QByteArray folder = QFile::encodeName(QFileInfo(rig.home.path()).canonicalFilePath()) + "/cache/";
-    const QByteArray odd = folder + "caf\xe9 %41\n"; // not UTF-8
-    rig.put(u"cache/dear/file"_s);
-    rig.put(u"cache/cheap"_s);
-    FILE *const file = std::fopen(odd.constData(), "w");
-    QVERIFY(file);
-    std::fclose(file);
-    rig.make();
-    for (const QByteArray &path : {folder + "dear", odd, folder + "gone"})
-        rig.cleaner->details().setIncluded(u"caches"_s, path, false);
-    rig.make(); // another day
-    QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 3);
-    rig.cleaner->clean({u"caches"_s});
-    rig.finish();
-    QVERIFY(rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
-    QCOMPARE(::access(odd.constData(), F_OK), 0);
-    // Seen to be missing, it is forgotten; an empty folder may be a disk's that is not there.
-    rig.cleaner->details().open(u"caches"_s);
-    QTRY_COMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
-    QCOMPARE(::unlink(odd.constData()), 0);
-    QVERIFY(QDir(rig.path(u"cache"_s)).removeRecursively() && QDir().mkpath(rig.path(u"cache"_s)));
-    rig.make().details().open(u"caches"_s);
-    QTRY_VERIFY((rig.clock.advance(50ms), !rig.cleaner->details().contents().value(u"caches"_s).isMeasuring));
-    QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
-    for (const QByteArray &path : {folder + "dear", odd})
-        rig.cleaner->details().setIncluded(u"caches"_s, path, true);
-    QVERIFY(!rig.settings.contains(CleanupChoices::excludedKey));
-}
+    void cleansInOrder()
+    {
+        Rig rig;
+        rig.put(u"cache/file"_s, 3000);
+        rig.put(u"cache/folder/deep/file"_s, 100'000);
+        rig.put(u"cache/.DS_Store"_s, 500);
+        QVERIFY(QDir().mkpath(rig.path(u"mine/sub"_s)));
+        SystemCleaner &cleaner = rig.make();
+        QVERIFY(cleaner.addCustomPath(rig.path(u"mine"_s)));
+        cleaner.setSelected(u"dns"_s, true);
+        rig.finish();
+        const qint64 folders =
+            QFileInfo(rig.path(u"cache/folder"_s)).size() + QFileInfo(rig.path(u"mine/sub"_s)).size();
 
-void SystemCleanerTest::excludedEntriesEditedByHand()
-{
-    Rig rig;
-    const auto countOf = [&](const QJsonValue &stored) {
-        rig.settings.set(CleanupChoices::excludedKey, stored);
-        return rig.make().excludedCount(u"caches"_s);
-    };
-    QCOMPARE(countOf(u"caches"_s), 0);
-    QCOMPARE(countOf(QJsonArray{u"/a"_s}), 0);
-    QCOMPARE(countOf(QJsonObject{{u"caches"_s, u"/a"_s}, {u"nobody"_s, QJsonArray{u"/a"_s}}}), 0);
-    QCOMPARE(countOf(QJsonObject{{u"caches"_s, QJsonArray{u"/a"_s, 7, u"relative"_s, QJsonArray(), u""_s}}}),
-             1);
-    for (int n = 0; n < CleanupChoices::mostKept + 10; ++n)
-        rig.cleaner->details().setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
-    QCOMPARE(rig.make().excludedCount(u"caches"_s), CleanupChoices::mostKept);
-}
+        QList<CleanupPhase> phases;
+        QList<double> progress;
+        connect(&cleaner, &SystemCleaner::phaseChanged, this, [&] { phases.append(cleaner.phase()); });
+        connect(&cleaner, &SystemCleaner::progressChanged, this,
+                [&] { progress.append(cleaner.progress()); });
+        cleaner.clean();
+        rig.finish();
 
-void SystemCleanerTest::whatIsExcludedFromOneItemStaysInAnother()
-{
-    Rig rig;
-    rig.put(u"cache/browser/dear/file"_s);
-    rig.put(u"cache/browser/cheap"_s);
-    rig.put(u"cache/other"_s);
-    SystemCleaner &cleaner = rig.make();
-    const QString dear = QFileInfo(rig.path(u"cache/browser/dear"_s)).canonicalFilePath();
-    cleaner.details().setIncluded(u"browser"_s, QFile::encodeName(dear), false);
-    cleaner.clean({u"caches"_s, u"browser"_s});
-    rig.finish();
-    QVERIFY(rig.has(u"cache/browser/dear/file"_s));
-    QVERIFY(!rig.has(u"cache/browser/cheap"_s) && !rig.has(u"cache/other"_s));
-    QCOMPARE(cleaner.report().removal.problems, QList<RemovalProblem>());
-}
+        const CleanupPhase done = CleanupPhase::done(3 + 1 + 1 + 1 + 1, 3000 + 500 + folders);
+        const QList<CleanupPhase> expected = {CleanupPhase::cleaning(u"caches"_s),
+                                              CleanupPhase::cleaning(u"browser"_s),
+                                              CleanupPhase::cleaning(u"trash"_s),
+                                              CleanupPhase::cleaning(u"mark"_s),
+                                              CleanupPhase::cleaning(u"dns"_s),
+                                              CleanupPhase::cleaning(u"mine"_s),
+                                              done,
+                                              CleanupPhase::calculating(),
+                                              CleanupPhase()};
+        QCOMPARE(phases, expected);
+        QCOMPARE(progress, QList<double>({1.0 / 6, 2.0 / 6, 3.0 / 6, 4.0 / 6, 5.0 / 6, 1.0}));
+        QCOMPARE(cleaner.report().outcome, done);
+        QVERIFY(cleaner.report().removal.freedBytes >= 103'500);
+        QVERIFY(rig.has(u"cache"_s));
+        QVERIFY(!rig.has(u"cache/folder"_s));
+        QVERIFY(!rig.has(u"mine/sub"_s));
+        QVERIFY(rig.has(u"marked"_s));
+        QCOMPARE(rig.trash.calls, QStringList{u"empty"_s});
+        QCOMPARE(rig.admin.lines, QStringList{u"flush 2>/dev/null; true"_s});
+    }
 
-void SystemCleanerTest::aLinkIntoAnotherItemDoesNotHideWhatStays()
-{
-    Rig rig;
-    rig.put(u"real/mine/file"_s);
-    rig.put(u"real/other"_s);
-    QVERIFY(QFile::link(rig.path(u"real"_s), rig.path(u"cache"_s)));
-    SystemCleaner &cleaner = rig.make();
-    QVERIFY(cleaner.addCustomPath(rig.path(u"real/mine"_s)));
-    rig.finish();
-    cleaner.clean({u"caches"_s});
-    rig.finish();
-    QVERIFY(rig.has(u"real/mine/file"_s) && !rig.has(u"real/other"_s));
-}
+    void keepsWhatIsHiddenOrExcluded()
+    {
+        Rig rig;
+        rig.put(u"cache/.git/config"_s);
+        rig.put(u"cache/dear/file"_s);
+        rig.put(u"cache/cheap"_s);
+        SystemCleaner &cleaner = rig.make();
+        cleaner.details().open(u"caches"_s);
+        cleaner.details().setIncluded(
+            u"caches"_s, QFile::encodeName(QFileInfo(rig.path(u"cache/dear"_s)).canonicalFilePath()), false);
+        cleaner.clean({u"caches"_s});
+        rig.finish();
+        QCOMPARE(cleaner.report().outcome.cleanedCount, 1);
+        QVERIFY(rig.has(u"cache/.git/config"_s) && rig.has(u"cache/dear/file"_s) &&
+                !rig.has(u"cache/cheap"_s));
+        QTRY_VERIFY(!cleaner.details().contents().value(u"caches"_s).isMeasuring);
+    }
 
-void SystemCleanerTest::linksLaidByOthersAreNotFollowed()
-{
-    Rig rig;
-    rig.put(u"app/honest/cache/file"_s);
-    rig.put(u"documents/letter"_s);
-    rig.put(u"app/hostile/data"_s);
-    QVERIFY(QFile::link(rig.path(u"documents"_s), rig.path(u"app/hostile/cache"_s)));
-    CleanupRule apps;
-    apps.item = {u"apps"_s, u"apps"_s, u"trash"_s, {}, true, u"计算中…"_s, {}};
-    apps.target = {u"apps"_s, u"apps"_s, rig.path(u"app/*/cache"_s), {}, false};
-    SystemCleaner cleaner({rig.usage, rig.trash, rig.admin, rig.programs}, rig.settings, rig.clock, {apps},
-                          {});
-    cleaner.clean();
-    QTRY_VERIFY((rig.clock.advance(50ms), !cleaner.isWorking()));
-    QVERIFY(!rig.has(u"app/honest/cache/file"_s) && rig.has(u"documents/letter"_s));
-}
+    void whatIsExcludedStaysSoAfterARestart()
+    {
+        Rig rig;
+        const QByteArray folder =
+            QFile::encodeName(QFileInfo(rig.home.path()).canonicalFilePath()) + "/cache/";
+        const QByteArray odd = folder + "caf\xe9 %41\n"; // not UTF-8
+        rig.put(u"cache/dear/file"_s);
+        rig.put(u"cache/cheap"_s);
+        FILE *const file = std::fopen(odd.constData(), "w");
+        QVERIFY(file);
+        std::fclose(file);
+        rig.make();
+        for (const QByteArray &path : {folder + "dear", odd, folder + "gone"})
+            rig.cleaner->details().setIncluded(u"caches"_s, path, false);
+        rig.make(); // another day
+        QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 3);
+        rig.cleaner->clean({u"caches"_s});
+        rig.finish();
+        QVERIFY(rig.has(u"cache/dear/file"_s) && !rig.has(u"cache/cheap"_s));
+        QCOMPARE(::access(odd.constData(), F_OK), 0);
+        // Seen to be missing, it is forgotten; an empty folder may be a disk's that is not there.
+        rig.cleaner->details().open(u"caches"_s);
+        QTRY_COMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
+        QCOMPARE(::unlink(odd.constData()), 0);
+        QVERIFY(QDir(rig.path(u"cache"_s)).removeRecursively() && QDir().mkpath(rig.path(u"cache"_s)));
+        rig.make().details().open(u"caches"_s);
+        QTRY_VERIFY(
+            (rig.clock.advance(50ms), !rig.cleaner->details().contents().value(u"caches"_s).isMeasuring));
+        QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
+        for (const QByteArray &path : {folder + "dear", odd})
+            rig.cleaner->details().setIncluded(u"caches"_s, path, true);
+        QVERIFY(!rig.settings.contains(CleanupChoices::excludedKey));
+    }
 
-void SystemCleanerTest::foldersThatMayNotBeEmptiedAreTold()
-{
-    Rig rig;
-    rig.put(u"cache/file"_s);
-    const QByteArray folder = QFile::encodeName(QFileInfo(rig.path(u"cache"_s)).canonicalFilePath());
-    SystemCleaner &cleaner = rig.make({folder});
-    cleaner.clean({u"caches"_s, u"browser"_s});
-    rig.finish();
-    QVERIFY(rig.has(u"cache/file"_s));
-    QCOMPARE(cleaner.report().removal.problems,
-             (QList<RemovalProblem>{{QFile::encodeName(rig.path(u"cache"_s)), u"是受保护的位置"_s}}));
-}
+    void excludedEntriesEditedByHand()
+    {
+        Rig rig;
+        const auto countOf = [&](const QJsonValue &stored) {
+            rig.settings.set(CleanupChoices::excludedKey, stored);
+            return rig.make().excludedCount(u"caches"_s);
+        };
+        QCOMPARE(countOf(u"caches"_s), 0);
+        QCOMPARE(countOf(QJsonArray{u"/a"_s}), 0);
+        QCOMPARE(countOf(QJsonObject{{u"caches"_s, u"/a"_s}, {u"nobody"_s, QJsonArray{u"/a"_s}}}), 0);
+        QCOMPARE(
+            countOf(QJsonObject{{u"caches"_s, QJsonArray{u"/a"_s, 7, u"relative"_s, QJsonArray(), u""_s}}}),
+            1);
+        for (int n = 0; n < CleanupChoices::mostKept + 10; ++n)
+            rig.cleaner->details().setIncluded(u"caches"_s, "/b" + QByteArray::number(n), false);
+        QCOMPARE(rig.make().excludedCount(u"caches"_s), CleanupChoices::mostKept);
+    }
 
-void SystemCleanerTest::whatIsNotCleanedStaysInsideAnotherItem()
-{
-    Rig rig;
-    rig.put(u"cache/browser/page"_s);
-    rig.put(u"cache/other"_s);
-    SystemCleaner &cleaner = rig.make();
-    cleaner.setSelected(u"browser"_s, false);
-    cleaner.clean();
-    rig.finish();
-    QVERIFY(rig.has(u"cache/browser/page"_s) && !rig.has(u"cache/other"_s));
-    QCOMPARE(cleaner.report().removal.problems, QList<RemovalProblem>());
-    cleaner.setSelected(u"browser"_s, true);
-    cleaner.clean();
-    rig.finish();
-    QVERIFY(!rig.has(u"cache/browser"_s));
-}
+    void whatIsExcludedFromOneItemStaysInAnother()
+    {
+        Rig rig;
+        rig.put(u"cache/browser/dear/file"_s);
+        rig.put(u"cache/browser/cheap"_s);
+        rig.put(u"cache/other"_s);
+        SystemCleaner &cleaner = rig.make();
+        const QString dear = QFileInfo(rig.path(u"cache/browser/dear"_s)).canonicalFilePath();
+        cleaner.details().setIncluded(u"browser"_s, QFile::encodeName(dear), false);
+        cleaner.clean({u"caches"_s, u"browser"_s});
+        rig.finish();
+        QVERIFY(rig.has(u"cache/browser/dear/file"_s));
+        QVERIFY(!rig.has(u"cache/browser/cheap"_s) && !rig.has(u"cache/other"_s));
+        QCOMPARE(cleaner.report().removal.problems, QList<RemovalProblem>());
+    }
 
-void SystemCleanerTest::aRunningOwnersItemIsSkipped()
-{
-    Rig rig;
-    rig.put(u"cache/browser/page"_s);
-    rig.programs.names = {u"browser"_s};
-    SystemCleaner &cleaner = rig.make();
-    cleaner.clean({u"caches"_s, u"browser"_s});
-    rig.finish();
-    QVERIFY(rig.has(u"cache/browser/page"_s));
-    QCOMPARE(cleaner.busyItems(), QStringList{u"browser"_s});
-    QCOMPARE(cleaner.report().skipped, QStringList{u"browser"_s});
+    void whatIsNotCleanedStaysInsideAnotherItem()
+    {
+        Rig rig;
+        rig.put(u"cache/browser/page"_s);
+        rig.put(u"cache/other"_s);
+        SystemCleaner &cleaner = rig.make();
+        cleaner.setSelected(u"browser"_s, false);
+        cleaner.clean();
+        rig.finish();
+        QVERIFY(rig.has(u"cache/browser/page"_s) && !rig.has(u"cache/other"_s));
+        QCOMPARE(cleaner.report().removal.problems, QList<RemovalProblem>());
+        cleaner.setSelected(u"browser"_s, true);
+        cleaner.clean();
+        rig.finish();
+        QVERIFY(!rig.has(u"cache/browser"_s));
+    }
 
-    cleaner.clean({u"browser"_s});
-    QCOMPARE(cleaner.phase(), CleanupPhase::failed(u"所选项目的应用正在运行，没有清理"_s));
-    cleaner.setForced(u"browser"_s, true);
-    cleaner.clean({u"browser"_s});
-    rig.finish();
-    QVERIFY(!rig.has(u"cache/browser/page"_s));
-}
+    void aLinkIntoAnotherItemDoesNotHideWhatStays()
+    {
+        Rig rig;
+        rig.put(u"real/mine/file"_s);
+        rig.put(u"real/other"_s);
+        QVERIFY(QFile::link(rig.path(u"real"_s), rig.path(u"cache"_s)));
+        SystemCleaner &cleaner = rig.make();
+        QVERIFY(cleaner.addCustomPath(rig.path(u"real/mine"_s)));
+        rig.finish();
+        cleaner.clean({u"caches"_s});
+        rig.finish();
+        QVERIFY(rig.has(u"real/mine/file"_s) && !rig.has(u"real/other"_s));
+    }
 
-void SystemCleanerTest::ownPlacesAndLinksSurvive()
-{
-    Rig rig;
-    rig.put(u"cache/velbrix/endpoint"_s);
-    rig.put(u"elsewhere/dear"_s);
-    QVERIFY(QFile::link(rig.path(u"elsewhere"_s), rig.path(u"cache/link"_s)));
-    SystemCleaner &cleaner =
-        rig.make({QFile::encodeName(QFileInfo(rig.path(u"cache/velbrix"_s)).canonicalFilePath())});
-    cleaner.clean({u"caches"_s});
-    rig.finish();
-    QVERIFY(rig.has(u"cache/velbrix/endpoint"_s) && rig.has(u"elsewhere/dear"_s));
-    QVERIFY(!QFileInfo(rig.path(u"cache/link"_s)).isSymLink());
-    QCOMPARE(cleaner.report().removal.problemCount, 1);
-}
+    void linksLaidByOthersAreNotFollowed()
+    {
+        Rig rig;
+        rig.put(u"app/honest/cache/file"_s);
+        rig.put(u"documents/letter"_s);
+        rig.put(u"app/hostile/data"_s);
+        QVERIFY(QFile::link(rig.path(u"documents"_s), rig.path(u"app/hostile/cache"_s)));
+        CleanupRule apps;
+        apps.item = {u"apps"_s, u"apps"_s, u"trash"_s, {}, true, u"计算中…"_s, {}};
+        apps.target = {u"apps"_s, u"apps"_s, rig.path(u"app/*/cache"_s), {}, false};
+        SystemCleaner cleaner({rig.usage, rig.trash, rig.admin, rig.programs}, rig.settings, rig.clock,
+                              {apps}, {});
+        cleaner.clean();
+        QTRY_VERIFY((rig.clock.advance(50ms), !cleaner.isWorking()));
+        QVERIFY(!rig.has(u"app/honest/cache/file"_s) && rig.has(u"documents/letter"_s));
+    }
 
-void SystemCleanerTest::removalsThatFailAreTold()
-{
-    Rig rig;
-    rig.trash.emptyFailure = u"磁盘只读"_s;
-    SystemCleaner &cleaner = rig.make();
-    cleaner.clean({u"trash"_s});
-    rig.finish();
-    // Counted all the same, as every item is.
-    QCOMPARE(cleaner.report().outcome, CleanupPhase::done(1, 0));
-    QCOMPARE(cleaner.report().removal.problems.first().reason, u"磁盘只读"_s);
-    QCOMPARE(resultText(cleaner.report()), u"清理完成！处理了 1 个项目"_s);
-}
+    void foldersThatMayNotBeEmptiedAreTold()
+    {
+        Rig rig;
+        rig.put(u"cache/file"_s);
+        const QByteArray folder = QFile::encodeName(QFileInfo(rig.path(u"cache"_s)).canonicalFilePath());
+        SystemCleaner &cleaner = rig.make({folder});
+        cleaner.clean({u"caches"_s, u"browser"_s});
+        rig.finish();
+        QVERIFY(rig.has(u"cache/file"_s));
+        QCOMPARE(cleaner.report().removal.problems,
+                 (QList<RemovalProblem>{{QFile::encodeName(rig.path(u"cache"_s)), u"是受保护的位置"_s}}));
+    }
 
-void SystemCleanerTest::cancellingStopsBetweenItems()
-{
-    Rig rig;
-    rig.put(u"cache/a"_s);
-    SystemCleaner &cleaner = rig.make();
-    cleaner.setSelected(u"dns"_s, true);
-    rig.admin.delay = 10s;
-    cleaner.clean({u"dns"_s, u"caches"_s});
-    QTRY_VERIFY((rig.clock.advance(50ms), rig.admin.lines.size() == 1));
-    cleaner.cancel();
-    rig.clock.advance(10s);
-    rig.finish();
-    QVERIFY(cleaner.report().wasCancelled);
-    QVERIFY(resultText(cleaner.report()).startsWith(u"清理已取消，处理了 "_s));
-    QCOMPARE(cleaner.report().outcome.cleanedCount, 2);
-}
+    void aRunningOwnersItemIsSkipped()
+    {
+        Rig rig;
+        rig.put(u"cache/browser/page"_s);
+        rig.programs.names = {u"browser"_s};
+        SystemCleaner &cleaner = rig.make();
+        cleaner.clean({u"caches"_s, u"browser"_s});
+        rig.finish();
+        QVERIFY(rig.has(u"cache/browser/page"_s));
+        QCOMPARE(cleaner.busyItems(), QStringList{u"browser"_s});
+        QCOMPARE(cleaner.report().skipped, QStringList{u"browser"_s});
 
-void SystemCleanerTest::details()
-{
-    Rig rig;
-    rig.put(u"cache/small"_s);
-    rig.put(u"cache/large"_s);
-    rig.put(u"cache/.hidden"_s);
-    const QString folder = QFileInfo(rig.path(u"cache"_s)).canonicalFilePath();
-    rig.usage.sizes = {{QFile::encodeName(folder + u"/large"_s), 900},
-                       {QFile::encodeName(folder + u"/small"_s), 1}};
-    CleanupDetails &details = rig.make().details();
-    QVERIFY(details.canOpen(u"caches"_s) && !details.canOpen(u"trash"_s) && !details.canOpen(u"dns"_s));
-    rig.usage.delay = 1s;
-    details.open(u"caches"_s);
-    QVERIFY(details.contents().value(u"caches"_s).isMeasuring);
-    QTRY_VERIFY((rig.clock.advance(1s), !details.contents().value(u"caches"_s).isMeasuring));
-    rig.usage.delay = 0s;
-    const CleanupContents contents = details.contents().value(u"caches"_s);
-    QCOMPARE(contents.entries.size(), 2);
-    QCOMPARE(contents.entries[0].name, u"large"_s);
-    QCOMPARE(contents.entries[0].bytes, std::optional<qint64>(900));
-    details.close(u"caches"_s);
-    QVERIFY(details.contents().isEmpty());
-    details.open(u"browser"_s); // missing is empty
-    QTRY_VERIFY(!details.contents().value(u"browser"_s).isMeasuring);
-    QCOMPARE(details.contents().value(u"browser"_s), CleanupContents());
-}
+        cleaner.clean({u"browser"_s});
+        QCOMPARE(cleaner.phase(), CleanupPhase::failed(u"所选项目的应用正在运行，没有清理"_s));
+        cleaner.setForced(u"browser"_s, true);
+        cleaner.clean({u"browser"_s});
+        rig.finish();
+        QVERIFY(!rig.has(u"cache/browser/page"_s));
+    }
 
-void SystemCleanerTest::twoCleansAtOnce()
-{
-    Rig rig;
-    rig.put(u"cache/a"_s);
-    SystemCleaner &cleaner = rig.make();
-    cleaner.clean({u"caches"_s});
-    cleaner.clean({u"trash"_s});
-    cleaner.recalculate();
-    rig.finish();
-    QCOMPARE(rig.trash.calls, QStringList());
-    QVERIFY(!rig.has(u"cache/a"_s));
-}
+    void ownPlacesAndLinksSurvive()
+    {
+        Rig rig;
+        rig.put(u"cache/velbrix/endpoint"_s);
+        rig.put(u"elsewhere/dear"_s);
+        QVERIFY(QFile::link(rig.path(u"elsewhere"_s), rig.path(u"cache/link"_s)));
+        SystemCleaner &cleaner =
+            rig.make({QFile::encodeName(QFileInfo(rig.path(u"cache/velbrix"_s)).canonicalFilePath())});
+        cleaner.clean({u"caches"_s});
+        rig.finish();
+        QVERIFY(rig.has(u"cache/velbrix/endpoint"_s) && rig.has(u"elsewhere/dear"_s));
+        QVERIFY(!QFileInfo(rig.path(u"cache/link"_s)).isSymLink());
+        QCOMPARE(cleaner.report().removal.problemCount, 1);
+    }
+
+    void removalsThatFailAreTold()
+    {
+        Rig rig;
+        rig.trash.emptyFailure = u"磁盘只读"_s;
+        SystemCleaner &cleaner = rig.make();
+        cleaner.clean({u"trash"_s});
+        rig.finish();
+        // Counted all the same, as every item is.
+        QCOMPARE(cleaner.report().outcome, CleanupPhase::done(1, 0));
+        QCOMPARE(cleaner.report().removal.problems.first().reason, u"磁盘只读"_s);
+        QCOMPARE(resultText(cleaner.report()), u"清理完成！处理了 1 个项目"_s);
+    }
+
+    void cancellingStopsBetweenItems()
+    {
+        Rig rig;
+        rig.put(u"cache/a"_s);
+        SystemCleaner &cleaner = rig.make();
+        cleaner.setSelected(u"dns"_s, true);
+        rig.admin.delay = 10s;
+        cleaner.clean({u"dns"_s, u"caches"_s});
+        QTRY_VERIFY((rig.clock.advance(50ms), rig.admin.lines.size() == 1));
+        cleaner.cancel();
+        rig.clock.advance(10s);
+        rig.finish();
+        QVERIFY(cleaner.report().wasCancelled);
+        QVERIFY(resultText(cleaner.report()).startsWith(u"清理已取消，处理了 "_s));
+        QCOMPARE(cleaner.report().outcome.cleanedCount, 2);
+    }
+
+    void details()
+    {
+        Rig rig;
+        rig.put(u"cache/small"_s);
+        rig.put(u"cache/large"_s);
+        rig.put(u"cache/.hidden"_s);
+        const QString folder = QFileInfo(rig.path(u"cache"_s)).canonicalFilePath();
+        rig.usage.sizes = {{QFile::encodeName(folder + u"/large"_s), 900},
+                           {QFile::encodeName(folder + u"/small"_s), 1}};
+        CleanupDetails &details = rig.make().details();
+        QVERIFY(details.canOpen(u"caches"_s) && !details.canOpen(u"trash"_s) && !details.canOpen(u"dns"_s));
+        rig.usage.delay = 1s;
+        details.open(u"caches"_s);
+        QVERIFY(details.contents().value(u"caches"_s).isMeasuring);
+        QTRY_VERIFY((rig.clock.advance(1s), !details.contents().value(u"caches"_s).isMeasuring));
+        rig.usage.delay = 0s;
+        const CleanupContents contents = details.contents().value(u"caches"_s);
+        QCOMPARE(contents.entries.size(), 2);
+        QCOMPARE(contents.entries[0].name, u"large"_s);
+        QCOMPARE(contents.entries[0].bytes, std::optional<qint64>(900));
+        details.close(u"caches"_s);
+        QVERIFY(details.contents().isEmpty());
+        details.open(u"browser"_s); // missing is empty
+        QTRY_VERIFY(!details.contents().value(u"browser"_s).isMeasuring);
+        QCOMPARE(details.contents().value(u"browser"_s), CleanupContents());
+    }
+
+    void twoCleansAtOnce()
+    {
+        Rig rig;
+        rig.put(u"cache/a"_s);
+        SystemCleaner &cleaner = rig.make();
+        cleaner.clean({u"caches"_s});
+        cleaner.clean({u"trash"_s});
+        cleaner.recalculate();
+        rig.finish();
+        QCOMPARE(rig.trash.calls, QStringList());
+        QVERIFY(!rig.has(u"cache/a"_s));
+    }
+};
 
 QTEST_GUILESS_MAIN(SystemCleanerTest)
 #include "SystemCleanerTest.moc"

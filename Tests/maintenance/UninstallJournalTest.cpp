@@ -1,13 +1,8 @@
 #include "maintenance/uninstall/UninstallJournal.h"
-#include "support/Files.h"
 #include "support/Fuzz.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 
 #include <optional>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

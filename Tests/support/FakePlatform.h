@@ -28,7 +28,7 @@
 #include "support/FakeTrashCan.h"
 #include "support/FakeUserNotifications.h"
 #include "support/MemorySettings.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QTemporaryDir>
@@ -119,6 +119,12 @@ struct ServicesRig {
         qputenv("XDG_CACHE_HOME", files.filePath(QStringLiteral("cache")).toUtf8());
         qputenv("XDG_CONFIG_HOME", files.filePath(QStringLiteral("config")).toUtf8());
         qputenv("HOME", files.path().toUtf8());
+    }
+    // Answers on their way find that nobody waits for them any more.
+    ~ServicesRig()
+    {
+        services.reset();
+        settle();
     }
 
     QTemporaryDir files;

@@ -2,7 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "support/FakePlatform.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "views/DesktopShell.h"
 #include "views/MainWindow.h"
 

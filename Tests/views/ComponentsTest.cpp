@@ -1,5 +1,6 @@
 #include "support/FakeDesktopServices.h"
 #include "support/FakeSymbols.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 #include "views/FocusRings.h"
 #include "views/ShownName.h"
@@ -19,308 +20,284 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QTextDocument>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 class ComponentsTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void switchOnlyAsks_data();
-    void switchOnlyAsks();
-    void switchKnobTakesItsTime();
-    void sliderByKeyAndDoubleClick();
-    void theWheelIsLeftToThePage();
-    void segmentsByArrowKeys();
-    void pathFieldTakesAFolderOnly();
-    void tipsShowNamesAsTheyAre();
-    void jobBarFitsALongName();
-    void longNamesLoseTheirMiddle();
-    void ringsAreForTheKeyboard();
-    void sliderInItsOwnWords();
-    void pacedSliderSparesTheSetting();
-    void gridByKeyboard();
-    void gridKnowsWhatIsVisible();
-    void gridKeepsItsPlace();
+    void switchOnlyAsks_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::newRow("click") << 0;
+        QTest::newRow("space") << int(Qt::Key_Space);
+        QTest::newRow("return") << int(Qt::Key_Return);
+    }
+    void switchOnlyAsks()
+    {
+        QFETCH(int, key);
+        Switch control(_theme, u"switch"_s);
+        QSignalSpy wanted(&control, &Switch::wanted);
+        if (key == 0)
+            QTest::mouseClick(&control, Qt::LeftButton);
+        else
+            QTest::keyClick(&control, static_cast<Qt::Key>(key));
+        QCOMPARE(wanted, (QList<QVariantList>{{true}}));
+        QVERIFY(!control.isChecked());
+        control.setOn(true);
+        QVERIFY(control.isChecked());
+    }
+
+    void switchKnobTakesItsTime()
+    {
+        Switch control(_theme, u"switch"_s);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        const QImage off = control.grab().toImage();
+        _desktop.reducedMotion = true;
+        control.setOn(true);
+        const QImage on = control.grab().toImage();
+        QVERIFY(on != off); // there at once
+        _desktop.reducedMotion = false;
+        control.setOn(false);
+        QVERIFY(control.grab().toImage() != off); // on its way
+        QTRY_COMPARE(control.grab().toImage(), off);
+    }
+
+    void sliderByKeyAndDoubleClick()
+    {
+        ValueSlider slider(u"minutes"_s, {1, 120, 30, u"分钟"_s});
+        connect(&slider, &ValueSlider::wanted, &slider, &ValueSlider::setValue);
+        auto *const handle = slider.findChild<QSlider *>();
+        QTest::keyClick(handle, Qt::Key_Right);
+        QTest::keyClick(handle, Qt::Key_Right);
+        QTest::keyClick(handle, Qt::Key_Left);
+        QCOMPARE(slider.value(), 31);
+        QCOMPARE(handle->accessibleDescription(), u"31 分钟"_s);
+        slider.setValue(120);
+        QTest::mouseDClick(handle, Qt::LeftButton);
+        QCOMPARE(slider.value(), 30);
+    }
+
+    void theWheelIsLeftToThePage()
+    {
+        ValueSlider slider(u"minutes"_s, {1, 120, 30, u"分钟"_s});
+        QSpinBox number;
+        number.setValue(5);
+        makeNumberField(number, 72);
+        QWheelEvent wheel(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(slider.findChild<QSlider *>(), &wheel);
+        QCOMPARE(slider.value(), 30);
+        QVERIFY(!wheel.isAccepted());
+        wheel.accept();
+        QCoreApplication::sendEvent(&number, &wheel);
+        QCOMPARE(number.value(), 5);
+        QVERIFY(!wheel.isAccepted());
+    }
+
+    void segmentsByArrowKeys()
+    {
+        SegmentedChoice choice(u"choice"_s, {u"一"_s, u"二"_s, u"三"_s});
+        choice.setCurrent(0);
+        choice.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&choice));
+        QSignalSpy wanted(&choice, &SegmentedChoice::wanted);
+        choice.findChild<QWidget *>(u"choice.0"_s)->setFocus();
+        QTest::keyClick(choice.focusWidget(), Qt::Key_Right);
+        QTest::keyClick(choice.focusWidget(), Qt::Key_Right);
+        QCOMPARE(wanted, (QList<QVariantList>{{1}, {2}}));
+        QCOMPARE(choice.current(), 2);
+    }
+
+    void pathFieldTakesAFolderOnly()
+    {
+        QTemporaryDir folder;
+        PathField field(_theme, u"path"_s, u"选择输出目录"_s);
+        QSignalSpy wanted(&field, &PathField::wanted);
+        const auto drop = [&](const QList<QUrl> &urls) {
+            QMimeData data;
+            data.setUrls(urls);
+            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            enter.setAccepted(false);
+            QCoreApplication::sendEvent(&field, &enter);
+            if (!enter.isAccepted())
+                return false;
+            QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(&field, &event);
+            return true;
+        };
+        QVERIFY(!drop({QUrl(u"https://example.org/"_s)}));
+        QVERIFY(!drop({QUrl::fromLocalFile(folder.filePath(u"absent"_s))}));
+        QVERIFY(drop({QUrl::fromLocalFile(folder.path())}));
+        QCOMPARE(wanted, (QList<QVariantList>{{folder.path()}}));
+    }
+
+    void tipsShowNamesAsTheyAre()
+    {
+        PathField field(_theme, u"path"_s, u"选择输出目录"_s);
+        const auto *shown = field.findChild<QLabel *>();
+        field.setPath(u"/plain & simple"_s);
+        QCOMPARE(shown->toolTip(), u"/plain & simple"_s);
+        field.setPath(u"/a/<b>&amp;<img src=x>"_s);
+        QTextDocument document;
+        document.setHtml(shown->toolTip());
+        QCOMPARE(document.toPlainText(), field.path());
+    }
+
+    void jobBarFitsALongName()
+    {
+        JobBar job(_theme, u"job"_s);
+        const int least = job.minimumSizeHint().width();
+        job.setJob(u"正在清理 %1…"_s.arg(QString(200, u'长')), 1, 2);
+        QVERIFY(job.minimumSizeHint().width() <= least + 60); // of which the bar and the button are most
+    }
+
+    void longNamesLoseTheirMiddle()
+    {
+        QCOMPARE(shownName(u"two\nlines"_s), u"two lines"_s);
+        const QString name(48, u'长');
+        QCOMPARE(shownName(name), name);
+        QCOMPARE(shownName(u'a' + name + u'z').size(), 48);
+        QVERIFY(shownName(u'a' + name + u'z').startsWith(u'a') &&
+                shownName(u'a' + name + u'z').endsWith(u'z'));
+    }
+
+    void ringsAreForTheKeyboard()
+    {
+        const FocusRings rings;
+        QWidget window;
+        auto *rows = new QVBoxLayout(&window);
+        auto *first = new QPushButton;
+        auto *second = new QPushButton;
+        rows->addWidget(first);
+        rows->addWidget(second);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const auto isRinged = [](const QPushButton *button) {
+            return button->hasFocus() && button->property("keyed").toBool();
+        };
+        first->setFocus();
+        QTest::keyClick(first, Qt::Key_Tab);
+        QVERIFY(isRinged(second));
+        QTest::mouseClick(first, Qt::LeftButton);
+        first->setEnabled(false);
+        QVERIFY(second->hasFocus() && !isRinged(second)); // it went on by itself
+        first->setEnabled(true);
+        QTest::keyClick(second, Qt::Key_Space);
+        first->setFocus(); // as a sheet does that was opened by a key
+        QVERIFY(isRinged(first));
+    }
+
+    void sliderInItsOwnWords()
+    {
+        ValueSlider slider(u"speed"_s,
+                           {1, 8, 4, {}, [](int place) { return QString::number(place / 4.0) + u"×"_s; }});
+        slider.setValue(3);
+        QCOMPARE(slider.findChild<QLabel *>()->text(), u"0.75×"_s);
+        QCOMPARE(slider.findChild<QSlider *>()->accessibleDescription(), u"0.75×"_s);
+    }
+
+    void pacedSliderSparesTheSetting()
+    {
+        VirtualClock clock;
+        QList<int> heard;
+        ValueSlider slider(u"volume"_s, {0, 100, 30, u"%"_s});
+        auto *const pace = new PacedSlider(&slider, clock, [&](int value) { heard.append(value); });
+        const auto drag = [&](int value) { slider.findChild<QSlider *>()->setValue(value); };
+        for (const int value : {31, 35, 40})
+            drag(value);
+        pace->show(30); // the setting's own echo does not pull at the handle
+        QCOMPARE(slider.value(), 40);
+        QCOMPARE(heard, QList<int>());
+        clock.advance(100ms);
+        QCOMPARE(heard, QList<int>{40});
+        pace->show(40);
+        drag(50);
+        delete pace;
+        QCOMPARE(heard, (QList<int>{40, 50}));
+    }
+
+    void gridByKeyboard()
+    {
+        ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
+        grid.resize(600, 400);
+        grid.setItems({{u"7"_s, u"甲"_s, {}}, {u"8"_s, u"乙"_s, {}}, {u"9"_s, u"丙"_s, {}}});
+        grid.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        QSignalSpy wanted(&grid, &ThumbnailGrid::wanted);
+        grid.setCurrentIndex(grid.model()->index(0, 0));
+        QTest::keyClick(&grid, Qt::Key_Right);
+        QTest::keyClick(&grid, Qt::Key_Space);
+        QCOMPARE(wanted, (QList<QVariantList>{{u"8"_s}}));
+    }
+
+    void gridKnowsWhatIsVisible()
+    {
+        constexpr int count = 20'000;
+        QList<ThumbnailItem> items;
+        for (int i = 0; i < count; ++i)
+            items.append({QString::number(i), u"视频"_s, {}});
+        QScrollArea page;
+        page.setWidgetResizable(true);
+        auto *const body = new QWidget;
+        auto *const rows = new QVBoxLayout(body);
+        auto *const above = new QWidget;
+        above->setFixedHeight(1000);
+        auto *const grid = new ThumbnailGrid(_theme, u"grid"_s, u"film"_s);
+        rows->addWidget(above);
+        rows->addWidget(grid);
+        page.setWidget(body);
+        page.resize(760, 560);
+        page.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&page));
+        QSignalSpy visible(grid, &ThumbnailGrid::visibleIdsChanged);
+        grid->setItems(items);
+        QCoreApplication::processEvents();
+        QCOMPARE(grid->visibleIds(), QStringList()); // the page hides it
+        page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum());
+        QTRY_COMPARE(visible.size(), 1);
+        const QStringList top = visible.last().first().toStringList();
+        QCOMPARE(top.first(), u"0"_s);
+        QVERIFY(top.size() < 24);
+        for (const QString &id : top) // what is named is what is there
+            QVERIFY(
+                grid->viewport()->rect().intersects(grid->visualRect(grid->model()->index(id.toInt(), 0))));
+        QVERIFY(!grid->viewport()->rect().intersects(
+            grid->visualRect(grid->model()->index(static_cast<int>(top.size()), 0))));
+        grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum());
+        QCOMPARE(visible.last().first().toStringList().last(), QString::number(count - 1));
+    }
+
+    void gridKeepsItsPlace()
+    {
+        ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
+        grid.resize(600, 400);
+        QList<ThumbnailItem> items;
+        for (int i = 0; i < 300; ++i)
+            items.append({QString::number(i), u"视频"_s, {}});
+        grid.setItems(items);
+        grid.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        grid.setCurrentIndex(grid.model()->index(100, 0));
+        const int place = grid.verticalScrollBar()->value();
+        QVERIFY(place > 0);
+        items.append({u"new"_s, u"视频"_s, {}});
+        grid.setItems(items);
+        QCOMPARE(grid.currentIndex().row(), 100);
+        QCOMPARE(grid.verticalScrollBar()->value(), place);
+    }
 
 private:
     FakeDesktopServices _desktop;
     FakeSymbols _symbols;
     Theme _theme{_desktop, _symbols};
 };
-
-void ComponentsTest::switchOnlyAsks_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::newRow("click") << 0;
-    QTest::newRow("space") << int(Qt::Key_Space);
-    QTest::newRow("return") << int(Qt::Key_Return);
-}
-
-void ComponentsTest::switchOnlyAsks()
-{
-    QFETCH(int, key);
-    Switch control(_theme, u"switch"_s);
-    QSignalSpy wanted(&control, &Switch::wanted);
-    if (key == 0)
-        QTest::mouseClick(&control, Qt::LeftButton);
-    else
-        QTest::keyClick(&control, static_cast<Qt::Key>(key));
-    QCOMPARE(wanted, (QList<QVariantList>{{true}}));
-    QVERIFY(!control.isChecked());
-    control.setOn(true);
-    QVERIFY(control.isChecked());
-}
-
-void ComponentsTest::switchKnobTakesItsTime()
-{
-    Switch control(_theme, u"switch"_s);
-    control.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&control));
-    const QImage off = control.grab().toImage();
-    _desktop.reducedMotion = true;
-    control.setOn(true);
-    const QImage on = control.grab().toImage();
-    QVERIFY(on != off); // there at once
-    _desktop.reducedMotion = false;
-    control.setOn(false);
-    QVERIFY(control.grab().toImage() != off); // on its way
-    QTRY_COMPARE(control.grab().toImage(), off);
-}
-
-void ComponentsTest::sliderByKeyAndDoubleClick()
-{
-    ValueSlider slider(u"minutes"_s, {1, 120, 30, u"分钟"_s});
-    connect(&slider, &ValueSlider::wanted, &slider, &ValueSlider::setValue);
-    auto *const handle = slider.findChild<QSlider *>();
-    QTest::keyClick(handle, Qt::Key_Right);
-    QTest::keyClick(handle, Qt::Key_Right);
-    QTest::keyClick(handle, Qt::Key_Left);
-    QCOMPARE(slider.value(), 31);
-    QCOMPARE(handle->accessibleDescription(), u"31 分钟"_s);
-    slider.setValue(120);
-    QTest::mouseDClick(handle, Qt::LeftButton);
-    QCOMPARE(slider.value(), 30);
-}
-
-void ComponentsTest::theWheelIsLeftToThePage()
-{
-    ValueSlider slider(u"minutes"_s, {1, 120, 30, u"分钟"_s});
-    QSpinBox number;
-    number.setValue(5);
-    makeNumberField(number, 72);
-    QWheelEvent wheel(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(slider.findChild<QSlider *>(), &wheel);
-    QCOMPARE(slider.value(), 30);
-    QVERIFY(!wheel.isAccepted());
-    wheel.accept();
-    QCoreApplication::sendEvent(&number, &wheel);
-    QCOMPARE(number.value(), 5);
-    QVERIFY(!wheel.isAccepted());
-}
-
-void ComponentsTest::segmentsByArrowKeys()
-{
-    SegmentedChoice choice(u"choice"_s, {u"一"_s, u"二"_s, u"三"_s});
-    choice.setCurrent(0);
-    choice.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&choice));
-    QSignalSpy wanted(&choice, &SegmentedChoice::wanted);
-    choice.findChild<QWidget *>(u"choice.0"_s)->setFocus();
-    QTest::keyClick(choice.focusWidget(), Qt::Key_Right);
-    QTest::keyClick(choice.focusWidget(), Qt::Key_Right);
-    QCOMPARE(wanted, (QList<QVariantList>{{1}, {2}}));
-    QCOMPARE(choice.current(), 2);
-}
-
-void ComponentsTest::pathFieldTakesAFolderOnly()
-{
-    QTemporaryDir folder;
-    PathField field(_theme, u"path"_s, u"选择输出目录"_s);
-    QSignalSpy wanted(&field, &PathField::wanted);
-    const auto drop = [&](const QList<QUrl> &urls) {
-        QMimeData data;
-        data.setUrls(urls);
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        enter.setAccepted(false);
-        QCoreApplication::sendEvent(&field, &enter);
-        if (!enter.isAccepted())
-            return false;
-        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&field, &event);
-        return true;
-    };
-    QVERIFY(!drop({QUrl(u"https://example.org/"_s)}));
-    QVERIFY(!drop({QUrl::fromLocalFile(folder.filePath(u"absent"_s))}));
-    QVERIFY(drop({QUrl::fromLocalFile(folder.path())}));
-    QCOMPARE(wanted, (QList<QVariantList>{{folder.path()}}));
-}
-
-void ComponentsTest::tipsShowNamesAsTheyAre()
-{
-    PathField field(_theme, u"path"_s, u"选择输出目录"_s);
-    const auto *shown = field.findChild<QLabel *>();
-    field.setPath(u"/plain & simple"_s);
-    QCOMPARE(shown->toolTip(), u"/plain & simple"_s);
-    field.setPath(u"/a/<b>&amp;<img src=x>"_s);
-    QTextDocument document;
-    document.setHtml(shown->toolTip());
-    QCOMPARE(document.toPlainText(), field.path());
-}
-
-void ComponentsTest::jobBarFitsALongName()
-{
-    JobBar job(_theme, u"job"_s);
-    const int least = job.minimumSizeHint().width();
-    job.setJob(u"正在清理 %1…"_s.arg(QString(200, u'长')), 1, 2);
-    QVERIFY(job.minimumSizeHint().width() <= least + 60); // of which the bar and the button are most
-}
-
-void ComponentsTest::longNamesLoseTheirMiddle()
-{
-    QCOMPARE(shownName(u"two\nlines"_s), u"two lines"_s);
-    const QString name(48, u'长');
-    QCOMPARE(shownName(name), name);
-    QCOMPARE(shownName(u'a' + name + u'z').size(), 48);
-    QVERIFY(shownName(u'a' + name + u'z').startsWith(u'a') && shownName(u'a' + name + u'z').endsWith(u'z'));
-}
-
-void ComponentsTest::ringsAreForTheKeyboard()
-{
-    const FocusRings rings;
-    QWidget window;
-    auto *rows = new QVBoxLayout(&window);
-    auto *first = new QPushButton;
-    auto *second = new QPushButton;
-    rows->addWidget(first);
-    rows->addWidget(second);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
-    const auto isRinged = [](const QPushButton *button) {
-        return button->hasFocus() && button->property("keyed").toBool();
-    };
-    first->setFocus();
-    QTest::keyClick(first, Qt::Key_Tab);
-    QVERIFY(isRinged(second));
-    QTest::mouseClick(first, Qt::LeftButton);
-    first->setEnabled(false);
-    QVERIFY(second->hasFocus() && !isRinged(second)); // it went on by itself
-    first->setEnabled(true);
-    QTest::keyClick(second, Qt::Key_Space);
-    first->setFocus(); // as a sheet does that was opened by a key
-    QVERIFY(isRinged(first));
-}
-
-void ComponentsTest::gridByKeyboard()
-{
-    ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
-    grid.resize(600, 400);
-    grid.setItems({{u"7"_s, u"甲"_s, {}}, {u"8"_s, u"乙"_s, {}}, {u"9"_s, u"丙"_s, {}}});
-    grid.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&grid));
-    QSignalSpy wanted(&grid, &ThumbnailGrid::wanted);
-    grid.setCurrentIndex(grid.model()->index(0, 0));
-    QTest::keyClick(&grid, Qt::Key_Right);
-    QTest::keyClick(&grid, Qt::Key_Space);
-    QCOMPARE(wanted, (QList<QVariantList>{{u"8"_s}}));
-}
-
-void ComponentsTest::sliderInItsOwnWords()
-{
-    ValueSlider slider(u"speed"_s,
-                       {1, 8, 4, {}, [](int place) { return QString::number(place / 4.0) + u"×"_s; }});
-    slider.setValue(3);
-    QCOMPARE(slider.findChild<QLabel *>()->text(), u"0.75×"_s);
-    QCOMPARE(slider.findChild<QSlider *>()->accessibleDescription(), u"0.75×"_s);
-}
-
-void ComponentsTest::pacedSliderSparesTheSetting()
-{
-    VirtualClock clock;
-    QList<int> heard;
-    ValueSlider slider(u"volume"_s, {0, 100, 30, u"%"_s});
-    auto *const pace = new PacedSlider(&slider, clock, [&](int value) { heard.append(value); });
-    const auto drag = [&](int value) { slider.findChild<QSlider *>()->setValue(value); };
-    for (const int value : {31, 35, 40})
-        drag(value);
-    pace->show(30); // the setting's own echo does not pull at the handle
-    QCOMPARE(slider.value(), 40);
-    QCOMPARE(heard, QList<int>());
-    clock.advance(100ms);
-    QCOMPARE(heard, QList<int>{40});
-    pace->show(40);
-    drag(50);
-    delete pace;
-    QCOMPARE(heard, (QList<int>{40, 50}));
-}
-
-void ComponentsTest::gridKnowsWhatIsVisible()
-{
-    constexpr int count = 20'000;
-    QList<ThumbnailItem> items;
-    for (int i = 0; i < count; ++i)
-        items.append({QString::number(i), u"视频"_s, {}});
-    QScrollArea page;
-    page.setWidgetResizable(true);
-    auto *const body = new QWidget;
-    auto *const rows = new QVBoxLayout(body);
-    auto *const above = new QWidget;
-    above->setFixedHeight(1000);
-    auto *const grid = new ThumbnailGrid(_theme, u"grid"_s, u"film"_s);
-    rows->addWidget(above);
-    rows->addWidget(grid);
-    page.setWidget(body);
-    page.resize(760, 560);
-    page.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page));
-    QSignalSpy visible(grid, &ThumbnailGrid::visibleIdsChanged);
-    grid->setItems(items);
-    QCoreApplication::processEvents();
-    QCOMPARE(grid->visibleIds(), QStringList()); // the page hides it
-    page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum());
-    QTRY_COMPARE(visible.size(), 1);
-    const QStringList top = visible.last().first().toStringList();
-    QCOMPARE(top.first(), u"0"_s);
-    QVERIFY(top.size() < 24);
-    for (const QString &id : top) // what is named is what is there
-        QVERIFY(grid->viewport()->rect().intersects(grid->visualRect(grid->model()->index(id.toInt(), 0))));
-    QVERIFY(!grid->viewport()->rect().intersects(
-        grid->visualRect(grid->model()->index(static_cast<int>(top.size()), 0))));
-    grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum());
-    QCOMPARE(visible.last().first().toStringList().last(), QString::number(count - 1));
-}
-
-void ComponentsTest::gridKeepsItsPlace()
-{
-    ThumbnailGrid grid(_theme, u"grid"_s, u"film"_s);
-    grid.resize(600, 400);
-    QList<ThumbnailItem> items;
-    for (int i = 0; i < 300; ++i)
-        items.append({QString::number(i), u"视频"_s, {}});
-    grid.setItems(items);
-    grid.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&grid));
-    grid.setCurrentIndex(grid.model()->index(100, 0));
-    const int place = grid.verticalScrollBar()->value();
-    QVERIFY(place > 0);
-    items.append({u"new"_s, u"视频"_s, {}});
-    grid.setItems(items);
-    QCOMPARE(grid.currentIndex().row(), 100);
-    QCOMPARE(grid.verticalScrollBar()->value(), place);
-}
 
 QTEST_MAIN(ComponentsTest)
 #include "ComponentsTest.moc"

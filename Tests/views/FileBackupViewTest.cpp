@@ -1,21 +1,13 @@
-#include "support/Files.h"
 #include "support/WindowRig.h"
 #include "views/components/PathField.h"
 #include "views/components/RowList.h"
 #include "views/components/Switch.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSpinBox>
 #include <QTimeEdit>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
@@ -69,229 +61,218 @@ class FileBackupViewTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aTaskIsAdded();
-    void problemsStandWhereTheyBelong();
-    void scheduleIsEntered();
-    void aTaskIsEdited();
-    void aRunShowsItselfAndItsResult();
-    void aTaskIsSwitchedAndRemoved();
-    void anArchiveComesBack();
-    void manyDeletionsAreAsked_data();
-    void manyDeletionsAreAsked();
-    void unreadableTasksAreTold();
-    void everyControlHasAName();
+    void aTaskIsAdded()
+    {
+        Rig rig;
+        rig.open();
+        QVERIFY(rig.texts(u"backupEmpty"_s).contains(u"还没有备份任务"_s));
+        const QString id = rig.add();
+        QVERIFY(!id.isEmpty());
+        QVERIFY(!rig.find(u"backupEmpty"_s));
+        QCOMPARE(rig.text(u"backupCount"_s), u"共 1 个任务"_s);
+        const QStringList card = rig.card(id);
+        QVERIFY(card.contains(u"文稿"_s)); // the folder's name
+        QVERIFY(card.contains(u"定时压缩文件夹 · 自动归档到指定位置"_s));
+        QVERIFY(card.contains(u"每天 09:00 · 下次运行 明天 09:00"_s));
+        QVERIFY(card.contains(u"还没有运行过"_s));
+    }
+
+    void problemsStandWhereTheyBelong()
+    {
+        Rig rig;
+        rig.open();
+        rig.click(u"backupEmptyAction"_s);
+        rig.click(u"editorSave"_s);
+        QVERIFY(rig.until([&] { return rig.text(u"sourceProblem"_s) == u"请选择源文件夹和保存目录"_s; }));
+        rig.choose(u"editorSource"_s, rig.source());
+        QVERIFY(!rig.find(u"sourceProblem"_s));
+        rig.click(u"editorSave"_s);
+        QVERIFY(
+            rig.until([&] { return rig.text(u"destinationProblem"_s) == u"请选择源文件夹和保存目录"_s; }));
+        rig.choose(u"editorDestination"_s, rig.places.filePath(u"没有"_s));
+        rig.click(u"editorSave"_s);
+        QVERIFY(
+            rig.until([&] { return rig.text(u"destinationProblem"_s) == u"保存目录不存在或不是目录"_s; }));
+        rig.choose(u"editorSource"_s, rig.source() + u"/信.txt"_s);
+        rig.click(u"editorSave"_s);
+        QVERIFY(rig.until([&] { return rig.text(u"sourceProblem"_s) == u"源文件夹不存在或不是目录"_s; }));
+        QVERIFY(rig.backups().tasks().isEmpty());
+        rig.click(u"editorCancel"_s);
+        QVERIFY(!rig.find(u"backupEditor"_s));
+    }
+
+    void scheduleIsEntered()
+    {
+        Rig rig;
+        rig.open();
+        rig.click(u"backupEmptyAction"_s);
+        rig.choose(u"editorSource"_s, rig.source());
+        rig.choose(u"editorDestination"_s, rig.target());
+        QVERIFY(!rig.find(u"scheduleDay"_s));
+        rig.click(u"scheduleKind.2"_s);
+        rig.find<QSpinBox>(u"scheduleMonth"_s)->setValue(2);
+        QVERIFY(!rig.find(u"scheduleHint"_s));
+        rig.find<QSpinBox>(u"scheduleDay"_s)->setValue(30);
+        QVERIFY(rig.text(u"scheduleHint"_s).contains(u"28"_s));
+        rig.find<QTimeEdit>(u"scheduleTime"_s)->setTime(QTime(7, 5));
+        rig.find<QSpinBox>(u"editorKeep"_s)->setValue(3);
+        rig.find<QPlainTextEdit>(u"editorExcludes"_s)->setPlainText(u" *.tmp \n\nnode_modules\n"_s);
+        rig.find<QLineEdit>(u"editorName"_s)->setText(u" 论文 "_s);
+        rig.find(u"editorName"_s)->setFocus();
+        rig.key(Qt::Key_Return);
+        QVERIFY(rig.until([&] { return rig.backups().tasks().size() == 1; }));
+        const BackupTask task = rig.backups().tasks().constFirst();
+        QCOMPARE(task.schedule, (BackupScheduleTime{BackupScheduleKind::yearly, 7, 5, 30, 2}));
+        QCOMPARE(task.keepLast, 3);
+        QCOMPARE(task.excludes, (QStringList{u"*.tmp"_s, u"node_modules"_s}));
+        QCOMPARE(task.name, u"论文"_s);
+    }
+
+    void aTaskIsEdited()
+    {
+        Rig rig;
+        rig.open();
+        const QString id = rig.add(BackupTaskKind::sync);
+        rig.click(u"backupEdit."_s + id);
+        QVERIFY(rig.find<Switch>(u"editorSetsAside"_s)->isChecked());
+        QVERIFY(!rig.find(u"editorKeep"_s));
+        rig.click(u"editorSetsAside"_s);
+        rig.find<QLineEdit>(u"editorName"_s)->setText(u"镜像"_s);
+        rig.click(u"editorSave"_s);
+        QVERIFY(rig.until([&] { return rig.backups().tasks().constFirst().name == u"镜像"_s; }));
+        QCOMPARE(rig.backups().tasks().size(), 1);
+        QVERIFY(!rig.backups().tasks().constFirst().setsAside);
+        QVERIFY(rig.card(id).contains(u"到期创建同步文件夹 · 增量复制源文件结构"_s));
+    }
+
+    void aRunShowsItselfAndItsResult()
+    {
+        Rig rig;
+        rig.open();
+        const QString id = rig.add();
+        rig.host.archiver.holds = true;
+        rig.click(u"backupRun."_s + id);
+        QVERIFY(rig.until([&] { return !rig.host.archiver.created.isEmpty(); }));
+        QVERIFY(rig.find(u"backupJob"_s));
+        QVERIFY(rig.find(u"ring.backup"_s));
+        QVERIFY(!rig.button(u"backupRun."_s + id)->isEnabled());
+        QVERIFY(!rig.button(u"backupEdit."_s + id)->isEnabled());
+        rig.click(u"backupJobCancel"_s);
+        QVERIFY(rig.until([&] { return !rig.backups().isRunningBackup(); }));
+        QVERIFY(!rig.find(u"backupJob"_s));
+
+        rig.host.archiver.holds = false;
+        rig.host.archiver.failure = u"磁盘已满"_s;
+        QVERIFY(rig.run(id));
+        const auto looks = [&](const QString &role) {
+            QString result = *rig.backups().tasks().constFirst().lastResult;
+            result.remove(u"✓ "_s);
+            const auto labels = rig.find(u"backupTask."_s + id)->findChildren<QLabel *>();
+            return std::ranges::any_of(labels, [&](const QLabel *label) {
+                return label->property("role") == role && label->text() == u"今天 09:00 · "_s + result;
+            });
+        };
+        QVERIFY(rig.backups().tasks().constFirst().lastFailed);
+        QVERIFY(looks(u"bad"_s));
+        rig.host.archiver.failure = std::nullopt;
+        QVERIFY(rig.run(id));
+        QVERIFY(looks(u"good"_s));
+        rig.click(u"backupReveal."_s + id);
+        QVERIFY(rig.host.desktop.calls.contains(u"reveal "_s + rig.target()));
+    }
+
+    void aTaskIsSwitchedAndRemoved()
+    {
+        Rig rig;
+        rig.open();
+        const QString id = rig.add();
+        rig.click(u"backupEnabled."_s + id);
+        QVERIFY(!rig.backups().tasks().constFirst().isEnabled);
+        QVERIFY(rig.card(id).contains(u"每天 09:00 · 已停用，不会自动运行"_s));
+        rig.click(u"backupRemove."_s + id);
+        QVERIFY(rig.text(u"noticeMessage"_s).contains(u"都会保留"_s));
+        rig.click(u"noticeCancel"_s);
+        QCOMPARE(rig.backups().tasks().size(), 1);
+        rig.click(u"backupRemove."_s + id);
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(rig.backups().tasks().isEmpty());
+        QVERIFY(rig.find(u"backupEmpty"_s));
+    }
+
+    void anArchiveComesBack()
+    {
+        Rig rig;
+        rig.open();
+        const QString id = rig.add();
+        rig.click(u"backupArchives."_s + id);
+        QVERIFY(rig.until([&] { return rig.find(u"archivesEmpty"_s) != nullptr; }));
+        QVERIFY(!rig.button(u"archivesRestore"_s)->isEnabled());
+        rig.click(u"archivesClose"_s);
+        QVERIFY(rig.run(id));
+        rig.click(u"backupArchives."_s + id);
+        QVERIFY(rig.until([&] { return rig.find(u"archiveRows"_s) != nullptr; }));
+        rig.key(Qt::Key_Return);
+        auto *const panel = rig.window()->findChild<QFileDialog *>(u"restorePanel"_s);
+        QVERIFY(panel);
+        panel->selectFile(rig.places.path());
+        rig.host.archiver.holds = true;
+        QMetaObject::invokeMethod(panel, "accept");
+        QVERIFY(rig.until([&] { return rig.find(u"restoreJob"_s) != nullptr; }));
+        rig.host.archiver.holds = false;
+        QVERIFY(rig.until([&] { return !rig.backups().restorer().isRestoring(); }));
+        QVERIFY(rig.find(u"restoreResult"_s));
+        QCOMPARE(rig.text(u"restoreResult"_s), rig.backups().restorer().result());
+        QCOMPARE(rig.host.archiver.extracted.size(), 1);
+    }
+
+    void manyDeletionsAreAsked_data()
+    {
+        QTest::addColumn<bool>("confirmed");
+        QTest::newRow("confirmed") << true;
+        QTest::newRow("declined") << false;
+    }
+    void manyDeletionsAreAsked()
+    {
+        QFETCH(bool, confirmed);
+        Rig rig;
+        for (int number = 0; number < 80; ++number)
+            QVERIFY(QFile::copy(rig.source() + u"/信.txt"_s, rig.source() + u"/%1.txt"_s.arg(number)));
+        rig.open();
+        const QString id = rig.add(BackupTaskKind::sync);
+        QVERIFY(rig.run(id));
+        const QDir mirror(rig.target() + u"/文稿_同步"_s);
+        QCOMPARE(mirror.entryList(QDir::Files).size(), 81);
+        for (int number = 0; number < 70; ++number)
+            QVERIFY(QFile::remove(rig.source() + u"/%1.txt"_s.arg(number)));
+        rig.click(u"backupRun."_s + id);
+        QVERIFY(rig.until([&] { return rig.find(u"deletionQuestion"_s) != nullptr; }));
+        QVERIFY(rig.button(u"deletionDecline"_s)->hasFocus());
+        QCOMPARE(rig.button(u"deletionConfirm"_s)->text(), u"删除 70 个文件并同步"_s);
+        rig.click(confirmed ? u"deletionConfirm"_s : u"deletionDecline"_s);
+        QVERIFY(!rig.find(u"deletionQuestion"_s));
+        QVERIFY(rig.until([&] { return !rig.backups().isRunningBackup(); }));
+        QCOMPARE(mirror.entryList(QDir::Files).size(), confirmed ? 11 : 81);
+    }
+
+    void unreadableTasksAreTold()
+    {
+        Rig rig;
+        rig.host.settings.stored.insert(u"Velbrix_FileBackupTasks_v2"_s, u"{ broken"_s);
+        rig.open();
+        QVERIFY(!rig.backups().storageProblem().isEmpty());
+        QVERIFY(rig.texts(u"backupStorageProblem"_s).contains(rig.backups().storageProblem()));
+    }
+
+    void everyControlHasAName()
+    {
+        Rig rig;
+        rig.open();
+        QVERIFY(!rig.add().isEmpty());
+        rig.click(u"backupAdd"_s);
+        rig.click(u"scheduleKind.2"_s);
+        QVERIFY(rig.namedControls(rig.window()) > 20);
+    }
 };
-
-void FileBackupViewTest::aTaskIsAdded()
-{
-    Rig rig;
-    rig.open();
-    QVERIFY(rig.texts(u"backupEmpty"_s).contains(u"还没有备份任务"_s));
-    const QString id = rig.add();
-    QVERIFY(!id.isEmpty());
-    QVERIFY(!rig.find(u"backupEmpty"_s));
-    QCOMPARE(rig.text(u"backupCount"_s), u"共 1 个任务"_s);
-    const QStringList card = rig.card(id);
-    QVERIFY(card.contains(u"文稿"_s)); // the folder's name
-    QVERIFY(card.contains(u"定时压缩文件夹 · 自动归档到指定位置"_s));
-    QVERIFY(card.contains(u"每天 09:00 · 下次运行 明天 09:00"_s));
-    QVERIFY(card.contains(u"还没有运行过"_s));
-}
-
-void FileBackupViewTest::problemsStandWhereTheyBelong()
-{
-    Rig rig;
-    rig.open();
-    rig.click(u"backupEmptyAction"_s);
-    rig.click(u"editorSave"_s);
-    QVERIFY(rig.until([&] { return rig.text(u"sourceProblem"_s) == u"请选择源文件夹和保存目录"_s; }));
-    rig.choose(u"editorSource"_s, rig.source());
-    QVERIFY(!rig.find(u"sourceProblem"_s));
-    rig.click(u"editorSave"_s);
-    QVERIFY(rig.until([&] { return rig.text(u"destinationProblem"_s) == u"请选择源文件夹和保存目录"_s; }));
-    rig.choose(u"editorDestination"_s, rig.places.filePath(u"没有"_s));
-    rig.click(u"editorSave"_s);
-    QVERIFY(rig.until([&] { return rig.text(u"destinationProblem"_s) == u"保存目录不存在或不是目录"_s; }));
-    rig.choose(u"editorSource"_s, rig.source() + u"/信.txt"_s);
-    rig.click(u"editorSave"_s);
-    QVERIFY(rig.until([&] { return rig.text(u"sourceProblem"_s) == u"源文件夹不存在或不是目录"_s; }));
-    QVERIFY(rig.backups().tasks().isEmpty());
-    rig.click(u"editorCancel"_s);
-    QVERIFY(!rig.find(u"backupEditor"_s));
-}
-
-void FileBackupViewTest::scheduleIsEntered()
-{
-    Rig rig;
-    rig.open();
-    rig.click(u"backupEmptyAction"_s);
-    rig.choose(u"editorSource"_s, rig.source());
-    rig.choose(u"editorDestination"_s, rig.target());
-    QVERIFY(!rig.find(u"scheduleDay"_s));
-    rig.click(u"scheduleKind.2"_s);
-    rig.find<QSpinBox>(u"scheduleMonth"_s)->setValue(2);
-    QVERIFY(!rig.find(u"scheduleHint"_s));
-    rig.find<QSpinBox>(u"scheduleDay"_s)->setValue(30);
-    QVERIFY(rig.text(u"scheduleHint"_s).contains(u"28"_s));
-    rig.find<QTimeEdit>(u"scheduleTime"_s)->setTime(QTime(7, 5));
-    rig.find<QSpinBox>(u"editorKeep"_s)->setValue(3);
-    rig.find<QPlainTextEdit>(u"editorExcludes"_s)->setPlainText(u" *.tmp \n\nnode_modules\n"_s);
-    rig.find<QLineEdit>(u"editorName"_s)->setText(u" 论文 "_s);
-    rig.find(u"editorName"_s)->setFocus();
-    rig.key(Qt::Key_Return);
-    QVERIFY(rig.until([&] { return rig.backups().tasks().size() == 1; }));
-    const BackupTask task = rig.backups().tasks().constFirst();
-    QCOMPARE(task.schedule, (BackupScheduleTime{BackupScheduleKind::yearly, 7, 5, 30, 2}));
-    QCOMPARE(task.keepLast, 3);
-    QCOMPARE(task.excludes, (QStringList{u"*.tmp"_s, u"node_modules"_s}));
-    QCOMPARE(task.name, u"论文"_s);
-}
-
-void FileBackupViewTest::aTaskIsEdited()
-{
-    Rig rig;
-    rig.open();
-    const QString id = rig.add(BackupTaskKind::sync);
-    rig.click(u"backupEdit."_s + id);
-    QVERIFY(rig.find<Switch>(u"editorSetsAside"_s)->isChecked());
-    QVERIFY(!rig.find(u"editorKeep"_s));
-    rig.click(u"editorSetsAside"_s);
-    rig.find<QLineEdit>(u"editorName"_s)->setText(u"镜像"_s);
-    rig.click(u"editorSave"_s);
-    QVERIFY(rig.until([&] { return rig.backups().tasks().constFirst().name == u"镜像"_s; }));
-    QCOMPARE(rig.backups().tasks().size(), 1);
-    QVERIFY(!rig.backups().tasks().constFirst().setsAside);
-    QVERIFY(rig.card(id).contains(u"到期创建同步文件夹 · 增量复制源文件结构"_s));
-}
-
-void FileBackupViewTest::aRunShowsItselfAndItsResult()
-{
-    Rig rig;
-    rig.open();
-    const QString id = rig.add();
-    rig.host.archiver.holds = true;
-    rig.click(u"backupRun."_s + id);
-    QVERIFY(rig.until([&] { return !rig.host.archiver.created.isEmpty(); }));
-    QVERIFY(rig.find(u"backupJob"_s));
-    QVERIFY(rig.find(u"ring.backup"_s));
-    QVERIFY(!rig.button(u"backupRun."_s + id)->isEnabled());
-    QVERIFY(!rig.button(u"backupEdit."_s + id)->isEnabled());
-    rig.click(u"backupJobCancel"_s);
-    QVERIFY(rig.until([&] { return !rig.backups().isRunningBackup(); }));
-    QVERIFY(!rig.find(u"backupJob"_s));
-
-    rig.host.archiver.holds = false;
-    rig.host.archiver.failure = u"磁盘已满"_s;
-    QVERIFY(rig.run(id));
-    const auto looks = [&](const QString &role) {
-        QString result = *rig.backups().tasks().constFirst().lastResult;
-        result.remove(u"✓ "_s);
-        const auto labels = rig.find(u"backupTask."_s + id)->findChildren<QLabel *>();
-        return std::ranges::any_of(labels, [&](const QLabel *label) {
-            return label->property("role") == role && label->text() == u"今天 09:00 · "_s + result;
-        });
-    };
-    QVERIFY(rig.backups().tasks().constFirst().lastFailed);
-    QVERIFY(looks(u"bad"_s));
-    rig.host.archiver.failure = std::nullopt;
-    QVERIFY(rig.run(id));
-    QVERIFY(looks(u"good"_s));
-    rig.click(u"backupReveal."_s + id);
-    QVERIFY(rig.host.desktop.calls.contains(u"reveal "_s + rig.target()));
-}
-
-void FileBackupViewTest::aTaskIsSwitchedAndRemoved()
-{
-    Rig rig;
-    rig.open();
-    const QString id = rig.add();
-    rig.click(u"backupEnabled."_s + id);
-    QVERIFY(!rig.backups().tasks().constFirst().isEnabled);
-    QVERIFY(rig.card(id).contains(u"每天 09:00 · 已停用，不会自动运行"_s));
-    rig.click(u"backupRemove."_s + id);
-    QVERIFY(rig.text(u"noticeMessage"_s).contains(u"都会保留"_s));
-    rig.click(u"noticeCancel"_s);
-    QCOMPARE(rig.backups().tasks().size(), 1);
-    rig.click(u"backupRemove."_s + id);
-    rig.click(u"noticeConfirm"_s);
-    QVERIFY(rig.backups().tasks().isEmpty());
-    QVERIFY(rig.find(u"backupEmpty"_s));
-}
-
-void FileBackupViewTest::anArchiveComesBack()
-{
-    Rig rig;
-    rig.open();
-    const QString id = rig.add();
-    rig.click(u"backupArchives."_s + id);
-    QVERIFY(rig.until([&] { return rig.find(u"archivesEmpty"_s) != nullptr; }));
-    QVERIFY(!rig.button(u"archivesRestore"_s)->isEnabled());
-    rig.click(u"archivesClose"_s);
-    QVERIFY(rig.run(id));
-    rig.click(u"backupArchives."_s + id);
-    QVERIFY(rig.until([&] { return rig.find(u"archiveRows"_s) != nullptr; }));
-    rig.key(Qt::Key_Return);
-    auto *const panel = rig.window()->findChild<QFileDialog *>(u"restorePanel"_s);
-    QVERIFY(panel);
-    panel->selectFile(rig.places.path());
-    rig.host.archiver.holds = true;
-    QMetaObject::invokeMethod(panel, "accept");
-    QVERIFY(rig.until([&] { return rig.find(u"restoreJob"_s) != nullptr; }));
-    rig.host.archiver.holds = false;
-    QVERIFY(rig.until([&] { return !rig.backups().restorer().isRestoring(); }));
-    QVERIFY(rig.find(u"restoreResult"_s));
-    QCOMPARE(rig.text(u"restoreResult"_s), rig.backups().restorer().result());
-    QCOMPARE(rig.host.archiver.extracted.size(), 1);
-}
-
-void FileBackupViewTest::manyDeletionsAreAsked_data()
-{
-    QTest::addColumn<bool>("confirmed");
-    QTest::newRow("confirmed") << true;
-    QTest::newRow("declined") << false;
-}
-
-void FileBackupViewTest::manyDeletionsAreAsked()
-{
-    QFETCH(bool, confirmed);
-    Rig rig;
-    for (int number = 0; number < 80; ++number)
-        QVERIFY(QFile::copy(rig.source() + u"/信.txt"_s, rig.source() + u"/%1.txt"_s.arg(number)));
-    rig.open();
-    const QString id = rig.add(BackupTaskKind::sync);
-    QVERIFY(rig.run(id));
-    const QDir mirror(rig.target() + u"/文稿_同步"_s);
-    QCOMPARE(mirror.entryList(QDir::Files).size(), 81);
-    for (int number = 0; number < 70; ++number)
-        QVERIFY(QFile::remove(rig.source() + u"/%1.txt"_s.arg(number)));
-    rig.click(u"backupRun."_s + id);
-    QVERIFY(rig.until([&] { return rig.find(u"deletionQuestion"_s) != nullptr; }));
-    QVERIFY(rig.button(u"deletionDecline"_s)->hasFocus());
-    QCOMPARE(rig.button(u"deletionConfirm"_s)->text(), u"删除 70 个文件并同步"_s);
-    rig.click(confirmed ? u"deletionConfirm"_s : u"deletionDecline"_s);
-    QVERIFY(!rig.find(u"deletionQuestion"_s));
-    QVERIFY(rig.until([&] { return !rig.backups().isRunningBackup(); }));
-    QCOMPARE(mirror.entryList(QDir::Files).size(), confirmed ? 11 : 81);
-}
-
-void FileBackupViewTest::unreadableTasksAreTold()
-{
-    Rig rig;
-    rig.host.settings.stored.insert(u"Velbrix_FileBackupTasks_v2"_s, u"{ broken"_s);
-    rig.open();
-    QVERIFY(!rig.backups().storageProblem().isEmpty());
-    QVERIFY(rig.texts(u"backupStorageProblem"_s).contains(rig.backups().storageProblem()));
-}
-
-void FileBackupViewTest::everyControlHasAName()
-{
-    Rig rig;
-    rig.open();
-    QVERIFY(!rig.add().isEmpty());
-    rig.click(u"backupAdd"_s);
-    rig.click(u"scheduleKind.2"_s);
-    QVERIFY(rig.namedControls(rig.window()) > 20);
-}
 
 QTEST_MAIN(FileBackupViewTest)
 #include "FileBackupViewTest.moc"

@@ -1,4 +1,3 @@
-#include "support/Files.h"
 #include "support/WindowRig.h"
 #include "views/cleanup/CleanupEntryList.h"
 #include "views/components/CheckBox.h"
@@ -6,16 +5,9 @@
 
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QListView>
 #include <QMimeData>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
@@ -74,327 +66,310 @@ class SystemCleanupViewTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void sizesAppear();
-    void selectionIsCounted();
-    void measuringIsCancelled();
-    void entriesByKeyboard();
-    void hundredThousandEntries();
-    void cleaningWithConsentAndQuestion();
-    void questionIsCalledOff_data();
-    void questionIsCalledOff();
-    void otherSelectionIsAskedAnew();
-    void nothingSelected();
-    void busyItemIsSkipped();
-    void whatStaysIsExplained();
-    void administrativeRowsSaySo();
-    void customFolders();
-    void droppedFolder();
-};
-
-void SystemCleanupViewTest::sizesAppear()
-{
-    Rig rig;
-    rig.fill();
-    rig.start();
-    QTRY_COMPARE(rig.size(chrome), u"7 MB"_s);
-    QCOMPARE(rig.size(u"jetbrains"_s), u"无数据"_s);
-    QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"包管理器缓存"_s));
-    QCOMPARE(rig.host.diskUsage.calls.size(), 1);
-    // Shown again it does not begin anew; the button does.
-    rig.services->router.show(u"settings"_s);
-    rig.services->router.show(u"clean"_s);
-    QCOMPARE(rig.host.diskUsage.calls.size(), 1);
-    rig.host.diskUsage.sizes[rig.native(u"cache/google-chrome"_s)] = 9'000'000;
-    QTRY_VERIFY(rig.isEnabled(u"cleanupRecalculate"_s));
-    rig.click(u"cleanupRecalculate"_s);
-    QTRY_COMPARE(rig.size(chrome), u"9 MB"_s);
-}
-
-void SystemCleanupViewTest::selectionIsCounted()
-{
-    Rig rig;
-    rig.fill();
-    rig.start();
-    QTRY_COMPARE(rig.total(), u"7 MB"_s);
-    QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 1 项"_s);
-    rig.check(chrome)->setFocus();
-    rig.key(Qt::Key_Space);
-    QCOMPARE(rig.check(chrome)->state(), Qt::Unchecked);
-    QCOMPARE(rig.total(), u"零 KB"_s);
-    QCOMPARE(rig.text(u"cleanupSelection"_s), u"没有选择任何清理项"_s);
-    rig.click(u"cleanupAll"_s);
-    QVERIFY(rig.check(u"jetbrains"_s)->isChecked());
-    rig.click(u"cleanupNone"_s);
-    QVERIFY(!rig.check(u"jetbrains"_s)->isChecked());
-    QCOMPARE(rig.services->settings.json(CleanupChoices::selectionKey)->toArray(), QJsonArray());
-}
-
-void SystemCleanupViewTest::measuringIsCancelled()
-{
-    Rig rig;
-    rig.fill();
-    rig.host.diskUsage.delay = 1s;
-    rig.start();
-    QTRY_VERIFY(rig.find(u"cleanupJob"_s));
-    QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在计算各目录大小…"_s));
-    QVERIFY(rig.find(u"ring.clean"_s));
-    QVERIFY(!rig.isEnabled(u"cleanupRecalculate"_s));
-    rig.click(u"cleanupJobCancel"_s);
-    QTRY_VERIFY((rig.clock.advance(1s), !rig.find(u"cleanupJob"_s)));
-    QVERIFY(!rig.find(u"ring.clean"_s));
-    QVERIFY(rig.isEnabled(u"cleanupRecalculate"_s));
-}
-
-void SystemCleanupViewTest::entriesByKeyboard()
-{
-    Rig rig;
-    rig.fill();
-    rig.start();
-    rig.button(u"cleanupOpen."_s + chrome)->setFocus();
-    rig.key(Qt::Key_Space);
-    const auto list = [&] { return rig.find<CleanupEntryList>(u"cleanupEntries."_s + chrome); };
-    QTRY_VERIFY(list());
-    QTRY_COMPARE(lines(list()), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，将清理"_s}));
-    list()->setFocus(Qt::TabFocusReason);
-    rig.key(Qt::Key_Down);
-    rig.key(Qt::Key_Space);
-    QCOMPARE(lines(list()), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，已排除"_s}));
-    QCOMPARE(rig.text(u"cleanupContentsText."_s + chrome), u"共 2 个条目，已排除 1 个"_s);
-    const QRect first = list()->visualRect(list()->model()->index(0, 0));
-    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, first.center());
-    QVERIFY(lines(list()).first().endsWith(u"已排除"_s));
-    // Closed and opened again it is as it was.
-    rig.click(u"cleanupOpen."_s + chrome);
-    QVERIFY(!list());
-    rig.click(u"cleanupOpen."_s + chrome);
-    QTRY_VERIFY(list() && lines(list()).size() == 2);
-    QVERIFY(lines(list()).first().endsWith(u"已排除"_s));
-}
-
-void SystemCleanupViewTest::hundredThousandEntries()
-{
-    WindowRig rig;
-    rig.start();
-    const Theme theme(rig.host.desktop, rig.host.symbols);
-    CleanupEntryList list(theme, u"entries"_s);
-    QList<CleanupEntry> entries;
-    for (int i = 0; i < 100'000; ++i)
-        entries.append({QByteArray::number(i), QString::number(i), {}, true});
-    QElapsedTimer watch;
-    watch.start();
-    list.showEntries(entries);
-    list.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&list));
-    list.setCurrentIndex(list.model()->index(500, 0));
-    for (CleanupEntry &entry : entries)
-        entry.bytes = entry.name.toInt();
-    list.showEntries(entries);
-    std::ranges::reverse(entries);
-    list.showEntries(entries);
-    QVERIFY2(watch.elapsed() < 10'000, qPrintable(QString::number(watch.elapsed())));
-    // The line that was chosen is the same entry at its new place.
-    QCOMPARE(list.currentIndex().data().toString(), u"500"_s);
-    QCOMPARE(list.currentIndex().row(), 99'499);
-    QVERIFY(list.findChildren<QWidget *>().size() < 20);
-}
-
-void SystemCleanupViewTest::cleaningWithConsentAndQuestion()
-{
-    Rig rig;
-    rig.fill();
-    rig.start();
-    QTRY_COMPARE(rig.total(), u"7 MB"_s);
-    rig.cleaner().details().open(chrome);
-    QTRY_COMPARE(rig.cleaner().details().contents()[chrome].entries.size(), 2);
-    rig.cleaner().details().setIncluded(chrome, rig.native(u"cache/google-chrome/small"_s), false);
-    rig.button(u"cleanupClean"_s)->setFocus();
-    rig.click(u"cleanupClean"_s);
-    QCOMPARE(rig.text(u"noticeTitle"_s), u"系统清理隐私确认"_s);
-    QVERIFY(!rig.find(u"confirmation"_s));
-    rig.click(u"noticeConfirm"_s);
-    QVERIFY(rig.find(u"confirmation"_s));
-    QCOMPARE(rig.text(u"noticeMessage"_s), u"将清理已选中的 1 个项目（约 7 MB），操作不可撤销。"_s);
-    QVERIFY(rig.texts(u"noticeDetails"_s).contains(u"Chrome 浏览器缓存 — 7 MB（排除 1 个条目）"_s));
-    QCOMPARE(rig.window()->focusWidget()->objectName(), u"noticeCancel"_s); // never the destructive one
-    QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
-    rig.click(u"noticeConfirm"_s);
-    QVERIFY(!rig.isEnabled(u"cleanupClean"_s));
-    QVERIFY(!rig.check(chrome)->isEnabled());
-    QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在清理 Chrome 浏览器缓存…"_s));
-    QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupJobCancel"_s);
-    rig.waitForEnd();
-    QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupClean"_s);
-    QVERIFY(!QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
-    QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/small"_s)));
-    QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目（释放约 5 字节）"_s);
-    QVERIFY(rig.text(u"cleanupDetails"_s).startsWith(u"实际释放 "_s));
-    QVERIFY(rig.text(u"cleanupDetails"_s).endsWith(u"，共删除 1 个文件"_s));
-    QVERIFY(rig.isEnabled(u"cleanupClean"_s));
-}
-
-void SystemCleanupViewTest::questionIsCalledOff_data()
-{
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("escape") << true;
-    QTest::newRow("button") << false;
-}
-
-void SystemCleanupViewTest::questionIsCalledOff()
-{
-    QFETCH(bool, byKey);
-    Rig rig;
-    rig.consent();
-    rig.fill();
-    rig.start();
-    rig.button(u"cleanupClean"_s)->setFocus();
-    rig.key(Qt::Key_Space);
-    QVERIFY(rig.find(u"confirmation"_s));
-    rig.key(Qt::Key_1, Qt::ControlModifier); // nothing behind it can be reached
-    QCOMPARE(rig.services->router.activeTab(), u"clean"_s);
-    if (byKey)
-        rig.key(Qt::Key_Escape);
-    else
-        rig.click(u"noticeCancel"_s);
-    QVERIFY(!rig.find(u"confirmation"_s));
-    QVERIFY(!rig.cleaner().isCleaning());
-    QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
-    QCOMPARE(rig.window()->focusWidget(), rig.button(u"cleanupClean"_s));
-}
-
-void SystemCleanupViewTest::otherSelectionIsAskedAnew()
-{
-    Rig rig;
-    rig.consent();
-    rig.fill();
-    rig.put(u"cache/pip/wheel"_s, 1000);
-    rig.start();
-    rig.click(u"cleanupClean"_s);
-    rig.cleaner().setSelected(u"jetbrains"_s, true); // as the command line might
-    rig.click(u"noticeConfirm"_s);
-    QVERIFY(!rig.cleaner().isCleaning());
-    QVERIFY(rig.text(u"noticeMessage"_s).startsWith(u"将清理已选中的 2 个项目"_s));
-}
-
-void SystemCleanupViewTest::nothingSelected()
-{
-    Rig rig;
-    rig.select({});
-    rig.start();
-    rig.click(u"cleanupClean"_s);
-    QVERIFY(!rig.find(u"noticeSheet"_s) && !rig.find(u"confirmation"_s));
-    QCOMPARE(rig.text(u"cleanupResult"_s), u"没有选择任何清理项"_s);
-    rig.click(u"cleanupCheck."_s + chrome);
-    QVERIFY(!rig.find(u"cleanupOutcome"_s));
-}
-
-void SystemCleanupViewTest::busyItemIsSkipped()
-{
-    Rig rig;
-    rig.consent();
-    rig.fill();
-    rig.select({chrome, u"jetbrains"_s});
-    rig.host.programs.names = {u"chrome"_s};
-    rig.start();
-    QTRY_VERIFY(rig.find(u"cleanupBusy."_s + chrome));
-    QVERIFY(rig.texts(u"cleanupBusy."_s + chrome).contains(u"正在运行，将跳过"_s));
-    QVERIFY(!rig.find(u"cleanupBusy.jetbrains"_s));
-    QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 2 项，其中 1 项正在使用，将跳过"_s);
-    rig.click(u"cleanupClean"_s);
-    QVERIFY(rig.text(u"noticeMessage"_s).endsWith(u"另有 1 个项目正在运行，将跳过。"_s));
-    QCOMPARE(rig.texts(u"noticeDetails"_s).last(), u"跳过：Chrome 浏览器缓存（正在运行）"_s);
-    rig.key(Qt::Key_Escape);
-    rig.click(u"cleanupForce."_s + chrome);
-    QVERIFY(rig.texts(u"cleanupBusy."_s + chrome).contains(u"正在运行"_s));
-    QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 2 项"_s);
-}
-
-void SystemCleanupViewTest::whatStaysIsExplained()
-{
-    Rig rig;
-    rig.consent();
-    rig.select({u"trash"_s});
-    RemovalReport emptied;
-    emptied.freedBytes = 3'000'000;
-    emptied.removedFiles = 4;
-    emptied.problems = {{"/trash/two\nlines", u"没有权限"_s}};
-    emptied.problemCount = 120;
-    rig.host.trash.emptyReport = emptied;
-    rig.start();
-    rig.click(u"cleanupClean"_s);
-    rig.click(u"noticeConfirm"_s);
-    rig.waitForEnd();
-    QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目"_s);
-    QCOMPARE(rig.text(u"cleanupDetails"_s), u"实际释放 3 MB，共删除 4 个文件"_s);
-    QCOMPARE(rig.text(u"cleanupProblemCount"_s), u"有 120 个条目没有删除，列出前 1 个"_s);
-    QVERIFY(!rig.find(u"cleanupProblems"_s));
-    rig.click(u"cleanupProblemsOpen"_s);
-    const auto *list = rig.find<QListView>(u"cleanupProblems"_s);
-    QCOMPARE(list->model()->index(0, 0).data().toString(), u"/trash/two lines — 没有权限"_s);
-    // A host that tells nothing of what it emptied.
-    rig.host.trash.emptyReport = RemovalReport();
-    rig.click(u"cleanupClean"_s);
-    rig.click(u"noticeConfirm"_s);
-    rig.waitForEnd();
-    QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目"_s);
-    QVERIFY(!rig.find(u"cleanupDetails"_s));
-}
-
-void SystemCleanupViewTest::administrativeRowsSaySo()
-{
-    Rig rig;
-    rig.start();
-    for (const CleanupItem &item : rig.cleaner().items()) {
-        const bool isMarked = rig.texts(u"cleanupRow."_s + item.id).contains(u"需要管理员权限"_s);
-        QCOMPARE(isMarked, rig.cleaner().isAdministrative(item.id));
+    void sizesAppear()
+    {
+        Rig rig;
+        rig.fill();
+        rig.start();
+        QTRY_COMPARE(rig.size(chrome), u"7 MB"_s);
+        QCOMPARE(rig.size(u"jetbrains"_s), u"无数据"_s);
+        QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"包管理器缓存"_s));
+        QCOMPARE(rig.host.diskUsage.calls.size(), 1);
+        // Shown again it does not begin anew; the button does.
+        rig.services->router.show(u"settings"_s);
+        rig.services->router.show(u"clean"_s);
+        QCOMPARE(rig.host.diskUsage.calls.size(), 1);
+        rig.host.diskUsage.sizes[rig.native(u"cache/google-chrome"_s)] = 9'000'000;
+        QTRY_VERIFY(rig.isEnabled(u"cleanupRecalculate"_s));
+        rig.click(u"cleanupRecalculate"_s);
+        QTRY_COMPARE(rig.size(chrome), u"9 MB"_s);
     }
-}
 
-void SystemCleanupViewTest::customFolders()
-{
-    Rig rig;
-    rig.put(u"build/object"_s, 1);
-    rig.host.diskUsage.sizes[rig.native(u"build"_s)] = 4'000'000;
-    rig.consent();
-    rig.start();
-    QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"自定义路径（最多 10 个）"_s));
-    QVERIFY(rig.cleaner().addCustomPath(rig.place(u"build"_s)));
-    const QString id = rig.cleaner().items().last().id;
-    QTRY_COMPARE(rig.size(id), u"4 MB"_s);
-    QVERIFY(rig.check(id)->isChecked());
-    rig.cleaner().setAllSelected(false);
-    rig.cleaner().setSelected(id, true);
-    rig.click(u"cleanupClean"_s);
-    QVERIFY(rig.texts(u"noticeDetails"_s).contains(u"~/build — 4 MB"_s));
-    rig.click(u"noticeCancel"_s);
-    rig.button(u"cleanupRemove."_s + id)->setFocus();
-    rig.key(Qt::Key_Space);
-    QVERIFY(!rig.find(u"cleanupRow."_s + id));
-    QVERIFY(QFile::exists(rig.place(u"build/object"_s))); // only taken off the list
-}
+    void selectionIsCounted()
+    {
+        Rig rig;
+        rig.fill();
+        rig.start();
+        QTRY_COMPARE(rig.total(), u"7 MB"_s);
+        QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 1 项"_s);
+        rig.check(chrome)->setFocus();
+        rig.key(Qt::Key_Space);
+        QCOMPARE(rig.check(chrome)->state(), Qt::Unchecked);
+        QCOMPARE(rig.total(), u"零 KB"_s);
+        QCOMPARE(rig.text(u"cleanupSelection"_s), u"没有选择任何清理项"_s);
+        rig.click(u"cleanupAll"_s);
+        QVERIFY(rig.check(u"jetbrains"_s)->isChecked());
+        rig.click(u"cleanupNone"_s);
+        QVERIFY(!rig.check(u"jetbrains"_s)->isChecked());
+        QCOMPARE(rig.services->settings.json(CleanupChoices::selectionKey)->toArray(), QJsonArray());
+    }
 
-void SystemCleanupViewTest::droppedFolder()
-{
-    Rig rig;
-    rig.put(u"build/object"_s, 1);
-    rig.start();
-    QWidget *const card = rig.find(u"cleanupCustom"_s);
-    QMimeData data;
-    const auto drop = [&](const QString &path) {
-        data.setUrls({QUrl::fromLocalFile(path)});
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(card, &enter);
-        QDropEvent dropped(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        if (enter.isAccepted())
-            QApplication::sendEvent(card, &dropped);
-        return enter.isAccepted();
-    };
-    QVERIFY(!drop(rig.place(u"build/object"_s))); // a file
-    QVERIFY(drop(rig.place(u"build"_s)));
-    QVERIFY(rig.find(u"cleanupRow."_s + rig.cleaner().items().last().id));
-    QVERIFY(!rig.find(u"cleanupAddProblem"_s));
-    QVERIFY(drop(rig.place(u"build"_s)));
-    QCOMPARE(rig.texts(u"cleanupAddProblem"_s), (QStringList{u"添加失败"_s, u"build：该路径已添加"_s}));
-}
+    void measuringIsCancelled()
+    {
+        Rig rig;
+        rig.fill();
+        rig.host.diskUsage.delay = 1s;
+        rig.start();
+        QTRY_VERIFY(rig.find(u"cleanupJob"_s));
+        QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在计算各目录大小…"_s));
+        QVERIFY(rig.find(u"ring.clean"_s));
+        QVERIFY(!rig.isEnabled(u"cleanupRecalculate"_s));
+        rig.click(u"cleanupJobCancel"_s);
+        QTRY_VERIFY((rig.clock.advance(1s), !rig.find(u"cleanupJob"_s)));
+        QVERIFY(!rig.find(u"ring.clean"_s));
+        QVERIFY(rig.isEnabled(u"cleanupRecalculate"_s));
+    }
+
+    void entriesByKeyboard()
+    {
+        Rig rig;
+        rig.fill();
+        rig.start();
+        rig.button(u"cleanupOpen."_s + chrome)->setFocus();
+        rig.key(Qt::Key_Space);
+        const auto list = [&] { return rig.find<CleanupEntryList>(u"cleanupEntries."_s + chrome); };
+        QTRY_VERIFY(list());
+        QTRY_COMPARE(lines(list()), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，将清理"_s}));
+        list()->setFocus(Qt::TabFocusReason);
+        rig.key(Qt::Key_Down);
+        rig.key(Qt::Key_Space);
+        QCOMPARE(lines(list()), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，已排除"_s}));
+        QCOMPARE(rig.text(u"cleanupContentsText."_s + chrome), u"共 2 个条目，已排除 1 个"_s);
+        const QRect first = list()->visualRect(list()->model()->index(0, 0));
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, first.center());
+        QVERIFY(lines(list()).first().endsWith(u"已排除"_s));
+        // Closed and opened again it is as it was.
+        rig.click(u"cleanupOpen."_s + chrome);
+        QVERIFY(!list());
+        rig.click(u"cleanupOpen."_s + chrome);
+        QTRY_VERIFY(list() && lines(list()).size() == 2);
+        QVERIFY(lines(list()).first().endsWith(u"已排除"_s));
+    }
+
+    void hundredThousandEntries()
+    {
+        WindowRig rig;
+        rig.start();
+        const Theme theme(rig.host.desktop, rig.host.symbols);
+        CleanupEntryList list(theme, u"entries"_s);
+        QList<CleanupEntry> entries;
+        for (int i = 0; i < 100'000; ++i)
+            entries.append({QByteArray::number(i), QString::number(i), {}, true});
+        QElapsedTimer watch;
+        watch.start();
+        list.showEntries(entries);
+        list.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&list));
+        list.setCurrentIndex(list.model()->index(500, 0));
+        for (CleanupEntry &entry : entries)
+            entry.bytes = entry.name.toInt();
+        list.showEntries(entries);
+        std::ranges::reverse(entries);
+        list.showEntries(entries);
+        QVERIFY2(watch.elapsed() < 10'000, qPrintable(QString::number(watch.elapsed())));
+        // The line that was chosen is the same entry at its new place.
+        QCOMPARE(list.currentIndex().data().toString(), u"500"_s);
+        QCOMPARE(list.currentIndex().row(), 99'499);
+        QVERIFY(list.findChildren<QWidget *>().size() < 20);
+    }
+
+    void cleaningWithConsentAndQuestion()
+    {
+        Rig rig;
+        rig.fill();
+        rig.start();
+        QTRY_COMPARE(rig.total(), u"7 MB"_s);
+        rig.cleaner().details().open(chrome);
+        QTRY_COMPARE(rig.cleaner().details().contents()[chrome].entries.size(), 2);
+        rig.cleaner().details().setIncluded(chrome, rig.native(u"cache/google-chrome/small"_s), false);
+        rig.button(u"cleanupClean"_s)->setFocus();
+        rig.click(u"cleanupClean"_s);
+        QCOMPARE(rig.text(u"noticeTitle"_s), u"系统清理隐私确认"_s);
+        QVERIFY(!rig.find(u"confirmation"_s));
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(rig.find(u"confirmation"_s));
+        QCOMPARE(rig.text(u"noticeMessage"_s), u"将清理已选中的 1 个项目（约 7 MB），操作不可撤销。"_s);
+        QVERIFY(rig.texts(u"noticeDetails"_s).contains(u"Chrome 浏览器缓存 — 7 MB（排除 1 个条目）"_s));
+        QCOMPARE(rig.window()->focusWidget()->objectName(), u"noticeCancel"_s); // never the destructive one
+        QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(!rig.isEnabled(u"cleanupClean"_s));
+        QVERIFY(!rig.check(chrome)->isEnabled());
+        QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在清理 Chrome 浏览器缓存…"_s));
+        QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupJobCancel"_s);
+        rig.waitForEnd();
+        QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupClean"_s);
+        QVERIFY(!QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
+        QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/small"_s)));
+        QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目（释放约 5 字节）"_s);
+        QVERIFY(rig.text(u"cleanupDetails"_s).startsWith(u"实际释放 "_s));
+        QVERIFY(rig.text(u"cleanupDetails"_s).endsWith(u"，共删除 1 个文件"_s));
+        QVERIFY(rig.isEnabled(u"cleanupClean"_s));
+    }
+
+    void questionIsCalledOff_data()
+    {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("escape") << true;
+        QTest::newRow("button") << false;
+    }
+    void questionIsCalledOff()
+    {
+        QFETCH(bool, byKey);
+        Rig rig;
+        rig.consent();
+        rig.fill();
+        rig.start();
+        rig.button(u"cleanupClean"_s)->setFocus();
+        rig.key(Qt::Key_Space);
+        QVERIFY(rig.find(u"confirmation"_s));
+        rig.key(Qt::Key_1, Qt::ControlModifier); // nothing behind it can be reached
+        QCOMPARE(rig.services->router.activeTab(), u"clean"_s);
+        if (byKey)
+            rig.key(Qt::Key_Escape);
+        else
+            rig.click(u"noticeCancel"_s);
+        QVERIFY(!rig.find(u"confirmation"_s));
+        QVERIFY(!rig.cleaner().isCleaning());
+        QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
+        QCOMPARE(rig.window()->focusWidget(), rig.button(u"cleanupClean"_s));
+    }
+
+    void otherSelectionIsAskedAnew()
+    {
+        Rig rig;
+        rig.consent();
+        rig.fill();
+        rig.put(u"cache/pip/wheel"_s, 1000);
+        rig.start();
+        rig.click(u"cleanupClean"_s);
+        rig.cleaner().setSelected(u"jetbrains"_s, true); // as the command line might
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(!rig.cleaner().isCleaning());
+        QVERIFY(rig.text(u"noticeMessage"_s).startsWith(u"将清理已选中的 2 个项目"_s));
+    }
+
+    void nothingSelected()
+    {
+        Rig rig;
+        rig.select({});
+        rig.start();
+        rig.click(u"cleanupClean"_s);
+        QVERIFY(!rig.find(u"noticeSheet"_s) && !rig.find(u"confirmation"_s));
+        QCOMPARE(rig.text(u"cleanupResult"_s), u"没有选择任何清理项"_s);
+        rig.click(u"cleanupCheck."_s + chrome);
+        QVERIFY(!rig.find(u"cleanupOutcome"_s));
+    }
+
+    void busyItemIsSkipped()
+    {
+        Rig rig;
+        rig.consent();
+        rig.fill();
+        rig.select({chrome, u"jetbrains"_s});
+        rig.host.programs.names = {u"chrome"_s};
+        rig.start();
+        QTRY_VERIFY(rig.find(u"cleanupBusy."_s + chrome));
+        QVERIFY(rig.texts(u"cleanupBusy."_s + chrome).contains(u"正在运行，将跳过"_s));
+        QVERIFY(!rig.find(u"cleanupBusy.jetbrains"_s));
+        QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 2 项，其中 1 项正在使用，将跳过"_s);
+        rig.click(u"cleanupClean"_s);
+        QVERIFY(rig.text(u"noticeMessage"_s).endsWith(u"另有 1 个项目正在运行，将跳过。"_s));
+        QCOMPARE(rig.texts(u"noticeDetails"_s).last(), u"跳过：Chrome 浏览器缓存（正在运行）"_s);
+        rig.key(Qt::Key_Escape);
+        rig.click(u"cleanupForce."_s + chrome);
+        QVERIFY(rig.texts(u"cleanupBusy."_s + chrome).contains(u"正在运行"_s));
+        QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 2 项"_s);
+    }
+
+    void whatStaysIsExplained()
+    {
+        Rig rig;
+        rig.consent();
+        rig.select({u"trash"_s});
+        RemovalReport emptied;
+        emptied.freedBytes = 3'000'000;
+        emptied.removedFiles = 4;
+        emptied.problems = {{"/trash/two\nlines", u"没有权限"_s}};
+        emptied.problemCount = 120;
+        rig.host.trash.emptyReport = emptied;
+        rig.start();
+        rig.click(u"cleanupClean"_s);
+        rig.click(u"noticeConfirm"_s);
+        rig.waitForEnd();
+        QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目"_s);
+        QCOMPARE(rig.text(u"cleanupDetails"_s), u"实际释放 3 MB，共删除 4 个文件"_s);
+        QCOMPARE(rig.text(u"cleanupProblemCount"_s), u"有 120 个条目没有删除，列出前 1 个"_s);
+        QVERIFY(!rig.find(u"cleanupProblems"_s));
+        rig.click(u"cleanupProblemsOpen"_s);
+        const auto *list = rig.find<QListView>(u"cleanupProblems"_s);
+        QCOMPARE(list->model()->index(0, 0).data().toString(), u"/trash/two lines — 没有权限"_s);
+        // A host that tells nothing of what it emptied.
+        rig.host.trash.emptyReport = RemovalReport();
+        rig.click(u"cleanupClean"_s);
+        rig.click(u"noticeConfirm"_s);
+        rig.waitForEnd();
+        QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目"_s);
+        QVERIFY(!rig.find(u"cleanupDetails"_s));
+    }
+
+    void administrativeRowsSaySo()
+    {
+        Rig rig;
+        rig.start();
+        for (const CleanupItem &item : rig.cleaner().items()) {
+            const bool isMarked = rig.texts(u"cleanupRow."_s + item.id).contains(u"需要管理员权限"_s);
+            QCOMPARE(isMarked, rig.cleaner().isAdministrative(item.id));
+        }
+    }
+
+    void customFolders()
+    {
+        Rig rig;
+        rig.put(u"build/object"_s, 1);
+        rig.host.diskUsage.sizes[rig.native(u"build"_s)] = 4'000'000;
+        rig.consent();
+        rig.start();
+        QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"自定义路径（最多 10 个）"_s));
+        QVERIFY(rig.cleaner().addCustomPath(rig.place(u"build"_s)));
+        const QString id = rig.cleaner().items().last().id;
+        QTRY_COMPARE(rig.size(id), u"4 MB"_s);
+        QVERIFY(rig.check(id)->isChecked());
+        rig.cleaner().setAllSelected(false);
+        rig.cleaner().setSelected(id, true);
+        rig.click(u"cleanupClean"_s);
+        QVERIFY(rig.texts(u"noticeDetails"_s).contains(u"~/build — 4 MB"_s));
+        rig.click(u"noticeCancel"_s);
+        rig.button(u"cleanupRemove."_s + id)->setFocus();
+        rig.key(Qt::Key_Space);
+        QVERIFY(!rig.find(u"cleanupRow."_s + id));
+        QVERIFY(QFile::exists(rig.place(u"build/object"_s))); // only taken off the list
+    }
+
+    void droppedFolder()
+    {
+        Rig rig;
+        rig.put(u"build/object"_s, 1);
+        rig.start();
+        QWidget *const card = rig.find(u"cleanupCustom"_s);
+        QMimeData data;
+        const auto drop = [&](const QString &path) {
+            data.setUrls({QUrl::fromLocalFile(path)});
+            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(card, &enter);
+            QDropEvent dropped(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            if (enter.isAccepted())
+                QApplication::sendEvent(card, &dropped);
+            return enter.isAccepted();
+        };
+        QVERIFY(!drop(rig.place(u"build/object"_s))); // a file
+        QVERIFY(drop(rig.place(u"build"_s)));
+        QVERIFY(rig.find(u"cleanupRow."_s + rig.cleaner().items().last().id));
+        QVERIFY(!rig.find(u"cleanupAddProblem"_s));
+        QVERIFY(drop(rig.place(u"build"_s)));
+        QCOMPARE(rig.texts(u"cleanupAddProblem"_s), (QStringList{u"添加失败"_s, u"build：该路径已添加"_s}));
+    }
+};
 
 QTEST_MAIN(SystemCleanupViewTest)
 #include "SystemCleanupViewTest.moc"

@@ -1,17 +1,12 @@
 #include "views/ToastStack.h"
 #include "support/FakeDesktopServices.h"
 #include "support/FakeSymbols.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 #include "views/Theme.h"
 #include "views/components/ToastView.h"
 
 #include <QEnterEvent>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
@@ -46,55 +41,51 @@ class ToastStackTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void stacksAtTheTopRight();
-    void staysWhileHovered();
-    void clickDismissesAndReleases();
-};
-
-void ToastStackTest::stacksAtTheTopRight()
-{
-    Rig rig;
-    rig.show(u"一"_s);
-    rig.clock.advance(1s);
-    rig.show(u"二"_s);
-    const auto views = rig.stack.views();
-    QCOMPARE(views.size(), 2);
-    for (ToastView *view : views) {
-        QVERIFY(view->isVisible());
-        QCOMPARE(view->geometry().right(), screen.right() - 16);
-        QVERIFY(view->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    void stacksAtTheTopRight()
+    {
+        Rig rig;
+        rig.show(u"一"_s);
+        rig.clock.advance(1s);
+        rig.show(u"二"_s);
+        const auto views = rig.stack.views();
+        QCOMPARE(views.size(), 2);
+        for (ToastView *view : views) {
+            QVERIFY(view->isVisible());
+            QCOMPARE(view->geometry().right(), screen.right() - 16);
+            QVERIFY(view->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        }
+        QVERIFY(views[1]->y() > views[0]->geometry().bottom());
+        rig.clock.advance(2s);
+        QCOMPARE(rig.stack.views().size(), 1);
+        QCOMPARE(rig.stack.views().first()->y(), screen.top() + 16);
     }
-    QVERIFY(views[1]->y() > views[0]->geometry().bottom());
-    rig.clock.advance(2s);
-    QCOMPARE(rig.stack.views().size(), 1);
-    QCOMPARE(rig.stack.views().first()->y(), screen.top() + 16);
-}
 
-void ToastStackTest::staysWhileHovered()
-{
-    Rig rig;
-    rig.show(u"一"_s);
-    ToastView *const view = rig.stack.views().first();
-    enter(view);
-    rig.clock.advance(60s);
-    QCOMPARE(rig.toasts.visible().size(), 1);
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(view, &leave);
-    rig.clock.advance(2s);
-    QCOMPARE(rig.toasts.visible().size(), 0);
-}
+    void staysWhileHovered()
+    {
+        Rig rig;
+        rig.show(u"一"_s);
+        ToastView *const view = rig.stack.views().first();
+        enter(view);
+        rig.clock.advance(60s);
+        QCOMPARE(rig.toasts.visible().size(), 1);
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(view, &leave);
+        rig.clock.advance(2s);
+        QCOMPARE(rig.toasts.visible().size(), 0);
+    }
 
-void ToastStackTest::clickDismissesAndReleases()
-{
-    Rig rig;
-    rig.show(u"一"_s);
-    rig.show(u"二"_s);
-    enter(rig.stack.views().first());
-    QTest::mouseClick(rig.stack.views().first(), Qt::LeftButton);
-    QCOMPARE(rig.toasts.visible().size(), 1);
-    rig.clock.advance(10s); // the other is not held by a window that is gone
-    QCOMPARE(rig.toasts.visible().size(), 0);
-}
+    void clickDismissesAndReleases()
+    {
+        Rig rig;
+        rig.show(u"一"_s);
+        rig.show(u"二"_s);
+        enter(rig.stack.views().first());
+        QTest::mouseClick(rig.stack.views().first(), Qt::LeftButton);
+        QCOMPARE(rig.toasts.visible().size(), 1);
+        rig.clock.advance(10s); // the other is not held by a window that is gone
+        QCOMPARE(rig.toasts.visible().size(), 0);
+    }
+};
 
 QTEST_MAIN(ToastStackTest)
 #include "ToastStackTest.moc"

@@ -1,21 +1,13 @@
 #include "maintenance/uninstall/UninstallJournal.h"
-#include "support/Files.h"
 #include "support/WindowRig.h"
 #include "views/components/RowList.h"
 #include "views/components/Switch.h"
 #include "views/uninstall/AppRows.h"
 
-#include <QDir>
-#include <QFile>
 #include <QLineEdit>
 #include <QRadioButton>
 
 #include <ranges>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
@@ -98,309 +90,295 @@ class UninstallViewTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void applicationsAreListed();
-    void listLooks_data();
-    void listLooks();
-    void searchingByKeyboard();
-    void consentComesFirst();
-    void reviewIsTickedAndConfirmed();
-    void cancelledReviewMovesNothing();
-    void aPackageIsSaidToBeOne();
-    void progressCoversAndStops();
-    void failuresAreListed();
-    void recordsGoBack();
-    void recordsCanBeRemoved();
-    void modeAndOptions();
-    void aSheetGoesWithItsPage();
-    void everyControlHasAName();
-};
+    void applicationsAreListed()
+    {
+        Rig rig;
+        rig.install(u"zoom"_s, u"us.zoom"_s);
+        rig.install(u"Gimp"_s).manager = u"Flatpak"_s;
+        rig.host.programs.names = {u"us.zoom"_s};
+        rig.open();
+        QCOMPARE(rig.rows(u"appRows"_s), (QStringList{u"Gimp，版本 1.2，2 MB，由 Flatpak 管理"_s,
+                                                      u"zoom，版本 1.2，2 MB，正在运行"_s}));
+        QCOMPARE(rig.text(u"appCount"_s), u"共 2 个应用 · 4 MB"_s);
+        rig.install(u"Krita"_s);
+        rig.click(u"appsRescan"_s);
+        QVERIFY(rig.until([&] { return rig.rows(u"appRows"_s).size() == 3; }));
+    }
 
-void UninstallViewTest::applicationsAreListed()
-{
-    Rig rig;
-    rig.install(u"zoom"_s, u"us.zoom"_s);
-    rig.install(u"Gimp"_s).manager = u"Flatpak"_s;
-    rig.host.programs.names = {u"us.zoom"_s};
-    rig.open();
-    QCOMPARE(rig.rows(u"appRows"_s),
-             (QStringList{u"Gimp，版本 1.2，2 MB，由 Flatpak 管理"_s, u"zoom，版本 1.2，2 MB，正在运行"_s}));
-    QCOMPARE(rig.text(u"appCount"_s), u"共 2 个应用 · 4 MB"_s);
-    rig.install(u"Krita"_s);
-    rig.click(u"appsRescan"_s);
-    QVERIFY(rig.until([&] { return rig.rows(u"appRows"_s).size() == 3; }));
-}
-
-void UninstallViewTest::listLooks_data()
-{
-    QTest::addColumn<bool>("fails");
-    QTest::addColumn<QString>("search");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("isScannedBefore");
-    QTest::newRow("none") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << false;
-    QTest::newRow("none, known before") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << true;
-    QTest::newRow("no match") << false << u"xyz"_s << u"appsNoMatch"_s << u"没有匹配的应用"_s << false;
-    QTest::newRow("failed") << true << QString() << u"appList"_s << u"无法读取应用列表"_s << false;
-}
-
-void UninstallViewTest::listLooks()
-{
-    QFETCH(bool, fails);
-    QFETCH(QString, search);
-    QFETCH(QString, shown);
-    QFETCH(QString, text);
-    QFETCH(bool, isScannedBefore);
-    Rig rig;
-    if (fails)
-        rig.host.applications.installed = failure(u"无法读取应用列表"_s);
-    else if (!search.isEmpty())
-        rig.install(u"Gimp"_s);
-    rig.start();
-    const auto hasScanned = [&] { return !rig.scanner().isScanning(); };
-    if (isScannedBefore) {
-        rig.scanner().scan();
+    void listLooks_data()
+    {
+        QTest::addColumn<bool>("fails");
+        QTest::addColumn<QString>("search");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isScannedBefore");
+        QTest::newRow("none") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << false;
+        QTest::newRow("none, known before")
+            << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << true;
+        QTest::newRow("no match") << false << u"xyz"_s << u"appsNoMatch"_s << u"没有匹配的应用"_s << false;
+        QTest::newRow("failed") << true << QString() << u"appList"_s << u"无法读取应用列表"_s << false;
+    }
+    void listLooks()
+    {
+        QFETCH(bool, fails);
+        QFETCH(QString, search);
+        QFETCH(QString, shown);
+        QFETCH(QString, text);
+        QFETCH(bool, isScannedBefore);
+        Rig rig;
+        if (fails)
+            rig.host.applications.installed = failure(u"无法读取应用列表"_s);
+        else if (!search.isEmpty())
+            rig.install(u"Gimp"_s);
+        rig.start();
+        const auto hasScanned = [&] { return !rig.scanner().isScanning(); };
+        if (isScannedBefore) {
+            rig.scanner().scan();
+            QVERIFY(rig.until(hasScanned));
+        }
+        rig.services->router.show(u"apps"_s);
         QVERIFY(rig.until(hasScanned));
+        if (!search.isEmpty())
+            QTest::keyClicks(rig.find<QLineEdit>(u"appSearch"_s), search);
+        QVERIFY(rig.texts(shown).contains(text));
+        QVERIFY(!rig.find(u"appRows"_s));
+        if (search.isEmpty())
+            return;
+        rig.click(u"appsNoMatchAction"_s);
+        QVERIFY(rig.find(u"appRows"_s));
+        QVERIFY(rig.find<QLineEdit>(u"appSearch"_s)->text().isEmpty());
     }
-    rig.services->router.show(u"apps"_s);
-    QVERIFY(rig.until(hasScanned));
-    if (!search.isEmpty())
-        QTest::keyClicks(rig.find<QLineEdit>(u"appSearch"_s), search);
-    QVERIFY(rig.texts(shown).contains(text));
-    QVERIFY(!rig.find(u"appRows"_s));
-    if (search.isEmpty())
-        return;
-    rig.click(u"appsNoMatchAction"_s);
-    QVERIFY(rig.find(u"appRows"_s));
-    QVERIFY(rig.find<QLineEdit>(u"appSearch"_s)->text().isEmpty());
-}
 
-void UninstallViewTest::searchingByKeyboard()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s);
-    rig.install(u"Krita"_s);
-    rig.open();
-    rig.find(u"appRows"_s)->setFocus();
-    rig.key(Qt::Key_K);
-    QCOMPARE(rig.find<QLineEdit>(u"appSearch"_s)->text(), u"k"_s);
-    QCOMPARE(rig.text(u"appCount"_s), u"2 个应用中的 1 个 · 2 MB"_s);
-    rig.key(Qt::Key_Escape);
-    QCOMPARE(rig.rows(u"appRows"_s).size(), 2);
-    rig.key(Qt::Key_Down);
-    rig.key(Qt::Key_Down);
-    rig.key(Qt::Key_Return);
-    QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
-    QCOMPARE(rig.scanner().openReview().review()->app.name, u"Krita"_s);
-    rig.key(Qt::Key_Escape);
-    QVERIFY(!rig.scanner().openReview().review());
-    QVERIFY(rig.find(u"appRows"_s)->hasFocus());
-}
-
-void UninstallViewTest::consentComesFirst()
-{
-    Rig rig;
-    rig.host.settings.stored.remove(u"Velbrix_Privacy_consent_uninstall"_s);
-    rig.install(u"Gimp"_s);
-    rig.open();
-    rig.clickUninstall(0);
-    QCOMPARE(rig.text(u"noticeTitle"_s), u"应用卸载隐私确认"_s);
-    QVERIFY(!rig.scanner().openReview().isPreparing());
-    rig.click(u"noticeCancel"_s);
-    QVERIFY(!rig.find(u"uninstallReview"_s));
-    rig.clickUninstall(0);
-    rig.click(u"noticeConfirm"_s);
-    QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
-}
-
-void UninstallViewTest::reviewIsTickedAndConfirmed()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s, u"org.gimp"_s);
-    const QString own = rig.plant(u"Preferences/org.gimp.conf"_s);
-    const QString similar = rig.plant(u"Caches/gimpressive"_s);
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    QVERIFY(rig.texts(u"uninstallReview"_s).contains(u"确定要卸载「Gimp」吗？此操作会将文件移到废纸篓。"_s));
-    const QStringList found = rig.rows(u"reviewRows"_s);
-    QCOMPARE(found.size(), 3);
-    QVERIFY2(found[1].contains(u"org.gimp.conf，已勾选"_s), qPrintable(found[1]));
-    QVERIFY2(found[2].contains(u"gimpressive，未勾选"_s), qPrintable(found[2]));
-    QVERIFY(found[2].endsWith(rig.scanner().openReview().review()->items[2].caution));
-    QVERIFY(rig.text(u"reviewTotal"_s).startsWith(u"已勾选 2 项"_s));
-
-    // The destructive button is not where the keyboard begins.
-    QVERIFY(rig.button(u"reviewCancel"_s)->hasFocus());
-    auto *const list = rig.find<RowList>(u"reviewRows"_s);
-    list->setFocus();
-    list->setCurrentIndex(list->model()->index(0, 0));
-    rig.key(Qt::Key_Space);
-    QVERIFY(rig.scanner().openReview().review()->items[0].isTicked); // the application itself stays
-    list->setCurrentIndex(list->model()->index(1, 0));
-    rig.key(Qt::Key_Space);
-    QVERIFY(!rig.scanner().openReview().review()->items[1].isTicked);
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                      list->visualRect(list->model()->index(2, 0)).center());
-    QVERIFY(rig.scanner().openReview().review()->items[2].isTicked);
-    rig.click(u"reviewConfirm"_s);
-    QVERIFY(rig.finish());
-    QVERIFY(QFile::exists(own));
-    QVERIFY(!QFile::exists(similar));
-    QCOMPARE(rig.text(u"uninstallMessage"_s), u"已卸载「Gimp」"_s);
-}
-
-void UninstallViewTest::cancelledReviewMovesNothing()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s);
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    rig.click(u"reviewCancel"_s);
-    QVERIFY(!rig.find(u"uninstallReview"_s));
-    QVERIFY(!rig.scanner().openReview().review());
-    QVERIFY(rig.host.trash.calls.isEmpty());
-}
-
-void UninstallViewTest::aPackageIsSaidToBeOne()
-{
-    Rig rig;
-    InstalledApplication &gimp = rig.install(u"Gimp"_s);
-    gimp.kind = InstalledApplication::Kind::managed;
-    gimp.manager = u"APT"_s;
-    gimp.package = u"gimp"_s;
-    rig.host.applications.removedWith = QStringList{u"gimp"_s, u"gimp-data"_s};
-    rig.host.programs.executables = {gimp.path};
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    QCOMPARE(rig.text(u"reviewPackages"_s),
-             u"应用本体由 APT 移除（可能需要输入密码），不会进入废纸篓。一并移除的软件包：gimp、gimp-data"_s);
-    QVERIFY(rig.find(u"reviewRunning"_s));
-}
-
-void UninstallViewTest::progressCoversAndStops()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s, u"org.gimp"_s);
-    const QString data = rig.plant(u"Preferences/org.gimp.conf"_s);
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    rig.click(u"reviewConfirm"_s);
-    QVERIFY(rig.until([&] { return rig.text(u"uninstallStage"_s) == u"准备卸载…"_s; }));
-    QVERIFY(rig.texts(u"uninstallProgress"_s).contains(u"正在卸载「Gimp」"_s));
-    QVERIFY(rig.find(u"ring.apps"_s));
-    rig.key(Qt::Key_Escape);
-    QVERIFY(rig.find(u"uninstallProgress"_s));
-    rig.click(u"uninstallStop"_s);
-    QVERIFY(rig.finish());
-    QVERIFY(!rig.find(u"uninstallProgress"_s));
-    QVERIFY(QFile::exists(data));
-    QVERIFY(rig.text(u"uninstallMessage"_s).contains(u"已取消"_s));
-}
-
-void UninstallViewTest::failuresAreListed()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s, u"org.gimp"_s);
-    const QString data = rig.plant(u"Preferences/org.gimp.conf"_s);
-    rig.host.trash.refused.insert(data, u"磁盘只读"_s);
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    rig.click(u"reviewConfirm"_s);
-    QVERIFY(rig.finish());
-    QCOMPARE(rig.text(u"uninstallMessage"_s), u"已卸载「Gimp」，1 项未能移动"_s);
-    QTRY_COMPARE(rig.texts(u"uninstallFailures"_s).value(1), u"磁盘只读"_s);
-    QVERIFY(rig.texts(u"uninstallFailures"_s).first().endsWith(u"org.gimp.conf"_s));
-    rig.click(u"uninstallResultSeen"_s);
-    QVERIFY(!rig.find(u"uninstallResult"_s));
-}
-
-void UninstallViewTest::recordsGoBack()
-{
-    Rig rig;
-    const QString path = rig.install(u"Gimp"_s).path;
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    rig.click(u"reviewConfirm"_s);
-    QVERIFY(rig.finish());
-    QVERIFY(!QFile::exists(path));
-    const QString id = rig.scanner().records().constFirst().id;
-    QTRY_VERIFY(rig.texts(u"uninstallRecords"_s).contains(u"1 项已移到废纸篓"_s));
-    rig.click(u"putBack."_s + id);
-    QVERIFY(rig.finish());
-    QVERIFY(QFile::exists(path));
-    QCOMPARE(rig.text(u"uninstallMessage"_s), u"已将「Gimp」的 1 项放回原处"_s);
-    QVERIFY(!rig.find(u"putBack."_s + id));
-}
-
-void UninstallViewTest::recordsCanBeRemoved()
-{
-    Rig rig;
-    const UninstallRecord moved = {u"1"_s, u"Gimp"_s, rig.clock.now(), {{u"/gone/gimp"_s, u"/trash/gimp"_s}},
-                                   {},     {}};
-    const UninstallRecord package = {u"2"_s, u"Vlc"_s, rig.clock.now(), {}, {}, u"vlc"_s};
-    rig.record({moved, package});
-    rig.open();
-    rig.click(u"forget.2"_s); // nothing could go back anyway
-    QCOMPARE(rig.scanner().records(), QList{moved});
-    QTRY_VERIFY(rig.find(u"forget.1"_s));
-    rig.click(u"forget.1"_s);
-    rig.click(u"noticeCancel"_s);
-    QCOMPARE(rig.scanner().records(), QList{moved});
-    rig.click(u"forget.1"_s);
-    rig.click(u"noticeConfirm"_s);
-    QVERIFY(rig.scanner().records().isEmpty());
-    QVERIFY(!rig.find(u"forget.1"_s));
-    QVERIFY(waitFor([&] { return rig.recorded().isEmpty(); }));
-}
-
-void UninstallViewTest::modeAndOptions()
-{
-    Rig rig;
-    rig.open();
-    rig.click(u"uninstallSettings"_s);
-    QCOMPARE(rig.text(u"cleanupSummary"_s), u"将删除应用本体及所有关联的配置、缓存、日志等数据"_s);
-    QVERIFY(rig.find<QRadioButton>(u"uninstallMode.0"_s)->hasFocus());
-    QVERIFY(!rig.find(u"cleanupToggles"_s));
-    QTest::mouseClick(rig.find(u"uninstallMode.2"_s), Qt::LeftButton, {}, QPoint(8, 10));
-    QCOMPARE(rig.scanner().uninstallMode(), UninstallMode::custom);
-    // Only the kinds that this host has.
-    QCOMPARE(rig.texts(u"cleanupToggles"_s),
-             (QStringList{u"偏好设置 (Preferences)"_s, toggleTitle(LibraryKind::caches)}));
-    QCOMPARE(rig.text(u"cleanupSummary"_s), u"将移走应用本体，并清理：偏好设置、缓存"_s);
-    rig.click(u"cleanup.0"_s);
-    QVERIFY(!rig.scanner().cleanupOptions().preferences);
-    QVERIFY(!rig.find<Switch>(u"cleanup.0"_s)->isChecked());
-    QCOMPARE(rig.text(u"cleanupSummary"_s), u"将移走应用本体，并清理：缓存"_s);
-    rig.click(u"uninstallSettingsDone"_s);
-    QVERIFY(!rig.find(u"uninstallSettingsSheet"_s));
-}
-
-void UninstallViewTest::aSheetGoesWithItsPage()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s);
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    // Tab stays inside, and the window's shortcuts wait.
-    for (int press = 0; press < 8; ++press) {
-        rig.key(Qt::Key_Tab);
-        QVERIFY(rig.find(u"uninstallReview"_s)->isAncestorOf(rig.window()->focusWidget()));
+    void searchingByKeyboard()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s);
+        rig.install(u"Krita"_s);
+        rig.open();
+        rig.find(u"appRows"_s)->setFocus();
+        rig.key(Qt::Key_K);
+        QCOMPARE(rig.find<QLineEdit>(u"appSearch"_s)->text(), u"k"_s);
+        QCOMPARE(rig.text(u"appCount"_s), u"2 个应用中的 1 个 · 2 MB"_s);
+        rig.key(Qt::Key_Escape);
+        QCOMPARE(rig.rows(u"appRows"_s).size(), 2);
+        rig.key(Qt::Key_Down);
+        rig.key(Qt::Key_Down);
+        rig.key(Qt::Key_Return);
+        QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
+        QCOMPARE(rig.scanner().openReview().review()->app.name, u"Krita"_s);
+        rig.key(Qt::Key_Escape);
+        QVERIFY(!rig.scanner().openReview().review());
+        QVERIFY(rig.find(u"appRows"_s)->hasFocus());
     }
-    rig.key(Qt::Key_1, Qt::ControlModifier);
-    QCOMPARE(rig.services->router.activeTab(), u"apps"_s);
-    rig.services->router.show(u"settings"_s);
-    QVERIFY(!rig.find(u"uninstallReview"_s));
-    rig.services->router.show(u"apps"_s);
-    QVERIFY(rig.find(u"uninstallReview"_s));
-}
 
-void UninstallViewTest::everyControlHasAName()
-{
-    Rig rig;
-    rig.install(u"Gimp"_s);
-    rig.open();
-    QVERIFY(rig.openReview(0));
-    QVERIFY(rig.namedControls(rig.window()) >= 8);
-}
+    void consentComesFirst()
+    {
+        Rig rig;
+        rig.host.settings.stored.remove(u"Velbrix_Privacy_consent_uninstall"_s);
+        rig.install(u"Gimp"_s);
+        rig.open();
+        rig.clickUninstall(0);
+        QCOMPARE(rig.text(u"noticeTitle"_s), u"应用卸载隐私确认"_s);
+        QVERIFY(!rig.scanner().openReview().isPreparing());
+        rig.click(u"noticeCancel"_s);
+        QVERIFY(!rig.find(u"uninstallReview"_s));
+        rig.clickUninstall(0);
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
+    }
+
+    void reviewIsTickedAndConfirmed()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s, u"org.gimp"_s);
+        const QString own = rig.plant(u"Preferences/org.gimp.conf"_s);
+        const QString similar = rig.plant(u"Caches/gimpressive"_s);
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        QVERIFY(
+            rig.texts(u"uninstallReview"_s).contains(u"确定要卸载「Gimp」吗？此操作会将文件移到废纸篓。"_s));
+        const QStringList found = rig.rows(u"reviewRows"_s);
+        QCOMPARE(found.size(), 3);
+        QVERIFY2(found[1].contains(u"org.gimp.conf，已勾选"_s), qPrintable(found[1]));
+        QVERIFY2(found[2].contains(u"gimpressive，未勾选"_s), qPrintable(found[2]));
+        QVERIFY(found[2].endsWith(rig.scanner().openReview().review()->items[2].caution));
+        QVERIFY(rig.text(u"reviewTotal"_s).startsWith(u"已勾选 2 项"_s));
+
+        // The destructive button is not where the keyboard begins.
+        QVERIFY(rig.button(u"reviewCancel"_s)->hasFocus());
+        auto *const list = rig.find<RowList>(u"reviewRows"_s);
+        list->setFocus();
+        list->setCurrentIndex(list->model()->index(0, 0));
+        rig.key(Qt::Key_Space);
+        QVERIFY(rig.scanner().openReview().review()->items[0].isTicked); // the application itself stays
+        list->setCurrentIndex(list->model()->index(1, 0));
+        rig.key(Qt::Key_Space);
+        QVERIFY(!rig.scanner().openReview().review()->items[1].isTicked);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualRect(list->model()->index(2, 0)).center());
+        QVERIFY(rig.scanner().openReview().review()->items[2].isTicked);
+        rig.click(u"reviewConfirm"_s);
+        QVERIFY(rig.finish());
+        QVERIFY(QFile::exists(own));
+        QVERIFY(!QFile::exists(similar));
+        QCOMPARE(rig.text(u"uninstallMessage"_s), u"已卸载「Gimp」"_s);
+    }
+
+    void cancelledReviewMovesNothing()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s);
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        rig.click(u"reviewCancel"_s);
+        QVERIFY(!rig.find(u"uninstallReview"_s));
+        QVERIFY(!rig.scanner().openReview().review());
+        QVERIFY(rig.host.trash.calls.isEmpty());
+    }
+
+    void aPackageIsSaidToBeOne()
+    {
+        Rig rig;
+        InstalledApplication &gimp = rig.install(u"Gimp"_s);
+        gimp.kind = InstalledApplication::Kind::managed;
+        gimp.manager = u"APT"_s;
+        gimp.package = u"gimp"_s;
+        rig.host.applications.removedWith = QStringList{u"gimp"_s, u"gimp-data"_s};
+        rig.host.programs.executables = {gimp.path};
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        QCOMPARE(
+            rig.text(u"reviewPackages"_s),
+            u"应用本体由 APT 移除（可能需要输入密码），不会进入废纸篓。一并移除的软件包：gimp、gimp-data"_s);
+        QVERIFY(rig.find(u"reviewRunning"_s));
+    }
+
+    void progressCoversAndStops()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s, u"org.gimp"_s);
+        const QString data = rig.plant(u"Preferences/org.gimp.conf"_s);
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        rig.click(u"reviewConfirm"_s);
+        QVERIFY(rig.until([&] { return rig.text(u"uninstallStage"_s) == u"准备卸载…"_s; }));
+        QVERIFY(rig.texts(u"uninstallProgress"_s).contains(u"正在卸载「Gimp」"_s));
+        QVERIFY(rig.find(u"ring.apps"_s));
+        rig.key(Qt::Key_Escape);
+        QVERIFY(rig.find(u"uninstallProgress"_s));
+        rig.click(u"uninstallStop"_s);
+        QVERIFY(rig.finish());
+        QVERIFY(!rig.find(u"uninstallProgress"_s));
+        QVERIFY(QFile::exists(data));
+        QVERIFY(rig.text(u"uninstallMessage"_s).contains(u"已取消"_s));
+    }
+
+    void failuresAreListed()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s, u"org.gimp"_s);
+        const QString data = rig.plant(u"Preferences/org.gimp.conf"_s);
+        rig.host.trash.refused.insert(data, u"磁盘只读"_s);
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        rig.click(u"reviewConfirm"_s);
+        QVERIFY(rig.finish());
+        QCOMPARE(rig.text(u"uninstallMessage"_s), u"已卸载「Gimp」，1 项未能移动"_s);
+        QTRY_COMPARE(rig.texts(u"uninstallFailures"_s).value(1), u"磁盘只读"_s);
+        QVERIFY(rig.texts(u"uninstallFailures"_s).first().endsWith(u"org.gimp.conf"_s));
+        rig.click(u"uninstallResultSeen"_s);
+        QVERIFY(!rig.find(u"uninstallResult"_s));
+    }
+
+    void recordsGoBack()
+    {
+        Rig rig;
+        const QString path = rig.install(u"Gimp"_s).path;
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        rig.click(u"reviewConfirm"_s);
+        QVERIFY(rig.finish());
+        QVERIFY(!QFile::exists(path));
+        const QString id = rig.scanner().records().constFirst().id;
+        QTRY_VERIFY(rig.texts(u"uninstallRecords"_s).contains(u"1 项已移到废纸篓"_s));
+        rig.click(u"putBack."_s + id);
+        QVERIFY(rig.finish());
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(rig.text(u"uninstallMessage"_s), u"已将「Gimp」的 1 项放回原处"_s);
+        QVERIFY(!rig.find(u"putBack."_s + id));
+    }
+
+    void recordsCanBeRemoved()
+    {
+        Rig rig;
+        const UninstallRecord moved = {
+            u"1"_s, u"Gimp"_s, rig.clock.now(), {{u"/gone/gimp"_s, u"/trash/gimp"_s}}, {}, {}};
+        const UninstallRecord package = {u"2"_s, u"Vlc"_s, rig.clock.now(), {}, {}, u"vlc"_s};
+        rig.record({moved, package});
+        rig.open();
+        rig.click(u"forget.2"_s); // nothing could go back anyway
+        QCOMPARE(rig.scanner().records(), QList{moved});
+        QTRY_VERIFY(rig.find(u"forget.1"_s));
+        rig.click(u"forget.1"_s);
+        rig.click(u"noticeCancel"_s);
+        QCOMPARE(rig.scanner().records(), QList{moved});
+        rig.click(u"forget.1"_s);
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(rig.scanner().records().isEmpty());
+        QVERIFY(!rig.find(u"forget.1"_s));
+        QVERIFY(waitFor([&] { return rig.recorded().isEmpty(); }));
+    }
+
+    void modeAndOptions()
+    {
+        Rig rig;
+        rig.open();
+        rig.click(u"uninstallSettings"_s);
+        QCOMPARE(rig.text(u"cleanupSummary"_s), u"将删除应用本体及所有关联的配置、缓存、日志等数据"_s);
+        QVERIFY(rig.find<QRadioButton>(u"uninstallMode.0"_s)->hasFocus());
+        QVERIFY(!rig.find(u"cleanupToggles"_s));
+        QTest::mouseClick(rig.find(u"uninstallMode.2"_s), Qt::LeftButton, {}, QPoint(8, 10));
+        QCOMPARE(rig.scanner().uninstallMode(), UninstallMode::custom);
+        // Only the kinds that this host has.
+        QCOMPARE(rig.texts(u"cleanupToggles"_s),
+                 (QStringList{u"偏好设置 (Preferences)"_s, toggleTitle(LibraryKind::caches)}));
+        QCOMPARE(rig.text(u"cleanupSummary"_s), u"将移走应用本体，并清理：偏好设置、缓存"_s);
+        rig.click(u"cleanup.0"_s);
+        QVERIFY(!rig.scanner().cleanupOptions().preferences);
+        QVERIFY(!rig.find<Switch>(u"cleanup.0"_s)->isChecked());
+        QCOMPARE(rig.text(u"cleanupSummary"_s), u"将移走应用本体，并清理：缓存"_s);
+        rig.click(u"uninstallSettingsDone"_s);
+        QVERIFY(!rig.find(u"uninstallSettingsSheet"_s));
+    }
+
+    void aSheetGoesWithItsPage()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s);
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        // Tab stays inside, and the window's shortcuts wait.
+        for (int press = 0; press < 8; ++press) {
+            rig.key(Qt::Key_Tab);
+            QVERIFY(rig.find(u"uninstallReview"_s)->isAncestorOf(rig.window()->focusWidget()));
+        }
+        rig.key(Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(rig.services->router.activeTab(), u"apps"_s);
+        rig.services->router.show(u"settings"_s);
+        QVERIFY(!rig.find(u"uninstallReview"_s));
+        rig.services->router.show(u"apps"_s);
+        QVERIFY(rig.find(u"uninstallReview"_s));
+    }
+
+    void everyControlHasAName()
+    {
+        Rig rig;
+        rig.install(u"Gimp"_s);
+        rig.open();
+        QVERIFY(rig.openReview(0));
+        QVERIFY(rig.namedControls(rig.window()) >= 8);
+    }
+};
 
 QTEST_MAIN(UninstallViewTest)
 #include "UninstallViewTest.moc"

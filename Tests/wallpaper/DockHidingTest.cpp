@@ -1,12 +1,5 @@
 #include "support/WallpaperRig.h"
 
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 class DockHidingTest : public QObject {
     Q_OBJECT
 

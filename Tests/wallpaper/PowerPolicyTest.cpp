@@ -1,11 +1,5 @@
 #include "support/WallpaperRig.h"
 
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 namespace {
 
 const QString stopLine = u"AC unplugged → stop wallpaper (save battery)"_s;

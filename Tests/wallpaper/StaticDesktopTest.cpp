@@ -3,20 +3,12 @@
 #include "foundation/SettingsStore.h"
 #include "support/CapturedLog.h"
 #include "support/FakeDesktopPicture.h"
-#include "support/Files.h"
 #include "support/MemorySettings.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 #include "wallpaper/PictureFiles.h"
 
-#include <QDir>
 #include <QJsonArray>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

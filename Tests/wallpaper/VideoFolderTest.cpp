@@ -1,19 +1,8 @@
 #include "wallpaper/VideoFolder.h"
 
-#include "support/Files.h"
 #include "support/WallpaperRig.h"
 #include "wallpaper/ThumbnailCache.h"
 #include "wallpaper/VideoList.h"
-
-#include <QDir>
-#include <QFile>
-#include <QSignalSpy>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,13 +1,5 @@
 #include "support/WallpaperRig.h"
 
-#include <QDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
-
 using Kind = WallpaperState::Kind;
 
 class WallpaperControllerTest : public QObject {

@@ -1,12 +1,7 @@
 #include "wallpaper/WallpaperPreferences.h"
 
 #include "support/SettingsRig.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
+#include "support/Test.h"
 
 namespace {
 

@@ -2,21 +2,13 @@
 
 #include "foundation/SystemClock.h"
 #include "support/FakeApplicationCatalog.h"
-#include "support/Files.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <unistd.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,12 +1,7 @@
 #include "platform/linux/applications/DesktopEntry.h"
 #include "platform/linux/applications/AppImages.h"
 #include "support/Fuzz.h"
-
-#include <QTest>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
+#include "support/Test.h"
 
 class DesktopEntryTest : public QObject {
     Q_OBJECT

@@ -1,14 +1,10 @@
 #include "platform/linux/applications/XdgLoginItem.h"
 
 #include "support/FakeLoginItem.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 #include <QProcess>
 #include <QStandardPaths>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 class LoginItemTest : public QObject {
     Q_OBJECT

@@ -1,11 +1,6 @@
 #include "platform/linux/applications/PackageManager.h"
 #include "support/Fuzz.h"
-
-#include <QTest>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
+#include "support/Test.h"
 
 namespace {
 

@@ -4,23 +4,17 @@
 #include "platform/linux/archive/LargeFile.h"
 #include "platform/macos/files/DittoArchiver.h"
 #include "support/FakeArchiver.h"
-#include "support/Files.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QElapsedTimer>
-#include <QFileInfo>
 #include <QStandardPaths>
-#include <QTest>
 
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/fsuid.h>
 #include <unistd.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,18 +1,12 @@
 #include "ArchiveTools.h"
 #include "platform/linux/archive/ZipFile.h"
-#include "support/Files.h"
 #include "support/Fuzz.h"
+#include "support/Test.h"
 
-#include <QFileInfo>
 #include <QRegularExpression>
-#include <QTest>
 
 #include <libdeflate.h>
 #include <sys/stat.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -2,18 +2,11 @@
 
 #include "support/Bus.h"
 #include "support/FakePowerSource.h"
-#include "support/Files.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
-#include <QTemporaryDir>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 

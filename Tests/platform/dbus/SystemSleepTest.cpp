@@ -2,13 +2,9 @@
 
 #include "support/Bus.h"
 #include "support/FakeSystemSleep.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 
 #include <QCoreApplication>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -2,19 +2,13 @@
 
 #include "support/Bus.h"
 #include "support/FakeUserNotifications.h"
-#include "support/Files.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 
 #include <QCoreApplication>
 #include <QCoroTask>
-#include <QFile>
 #include <QMap>
 
 #include <optional>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -7,22 +7,16 @@
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "support/Bus.h"
 #include "support/FakeDesktopPicture.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QDir>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QUrl>
 
 #include <memory>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -2,15 +2,11 @@
 
 #include "support/Bus.h"
 #include "support/FakeDesktopServices.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QUrl>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 using SettingGroups = QMap<QString, QVariantMap>;
 Q_DECLARE_METATYPE(SettingGroups)

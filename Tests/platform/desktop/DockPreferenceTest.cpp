@@ -5,24 +5,16 @@
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "platform/macos/desktop/DefaultsDockPreference.h"
 #include "support/FakeDockPreference.h"
-#include "support/Files.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
 #include <QDBusConnection>
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <memory>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

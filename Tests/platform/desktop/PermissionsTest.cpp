@@ -2,13 +2,10 @@
 
 #include "platform/linux/x11/ScreenAccess.h"
 #include "support/FakePermissions.h"
+#include "support/Test.h"
 
 #include <QCoroTask>
 #include <QGuiApplication>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 class PermissionsTest : public QObject {
     Q_OBJECT

@@ -4,19 +4,13 @@
 #include "platform/macos/files/DuDiskUsage.h"
 #include "support/FakeDiskUsage.h"
 #include "support/FileTree.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <fcntl.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 

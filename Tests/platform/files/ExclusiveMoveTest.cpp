@@ -1,17 +1,12 @@
 #include "platform/linux/files/ExclusiveMove.h"
 
 #include "support/FileTree.h"
-
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/Test.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <utility>
-
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

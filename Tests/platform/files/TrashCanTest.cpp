@@ -3,24 +3,16 @@
 #include "foundation/SystemClock.h"
 #include "platform/macos/files/FinderTrash.h"
 #include "support/FakeTrashCan.h"
-#include "support/Files.h"
 #include "support/Fuzz.h"
+#include "support/Test.h"
 
 #include <QCoroTask>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

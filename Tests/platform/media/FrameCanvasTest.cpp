@@ -1,12 +1,10 @@
 #include "platform/linux/media/recording/FrameCanvas.h"
+#include "support/Test.h"
 
 #include <QRect>
 #include <QSet>
-#include <QTest>
 
 #include <cstring>
-
-using namespace velbrix;
 
 namespace {
 

@@ -1,11 +1,6 @@
 #include "platform/linux/media/recording/H264Encoder.h"
 #include "support/MoviePictures.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
+#include "support/Test.h"
 
 namespace {
 

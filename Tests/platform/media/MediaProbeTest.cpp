@@ -2,23 +2,16 @@
 #include "platform/linux/media/libav/LibAvMediaProbe.h"
 #include "support/FakeMediaProbe.h"
 #include "support/Fuzz.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QColor>
 #include <QCoroTask>
-#include <QDir>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace std::chrono_literals;
 
 namespace {
 

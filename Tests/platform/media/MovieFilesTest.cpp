@@ -2,15 +2,10 @@
 #include "MediaTools.h"
 #include "platform/linux/media/mp4/LinuxMovieFiles.h"
 #include "support/FakeMovieFiles.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class MovieFilesTest : public QObject {
     Q_OBJECT

@@ -2,9 +2,7 @@
 #include "MediaTools.h"
 #include "platform/linux/media/recording/MonotonicTime.h"
 #include "support/MoviePictures.h"
-#include "support/PatientTest.h"
-
-#include <QTemporaryDir>
+#include "support/Test.h"
 
 #include <algorithm>
 #include <atomic>
@@ -14,10 +12,6 @@
 #include <mutex>
 #include <sys/resource.h>
 #include <sys/types.h>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class MovieRecorderTest : public QObject {
     Q_OBJECT

@@ -2,15 +2,9 @@
 #include "LiveMovie.h"
 #include "MediaTools.h"
 #include "support/Fuzz.h"
-
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/Test.h"
 
 #include <random>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class Mp4RepairTest : public QObject {
     Q_OBJECT

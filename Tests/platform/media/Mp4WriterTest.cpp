@@ -1,15 +1,9 @@
 #include "LiveMovie.h"
 #include "MediaTools.h"
-
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/Test.h"
 
 #include <csignal>
 #include <sys/resource.h>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

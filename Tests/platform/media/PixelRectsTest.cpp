@@ -1,10 +1,7 @@
 #include "platform/linux/media/recording/PixelRects.h"
 
 #include "platform/linux/media/recording/TickClock.h"
-
-#include <QTest>
-
-using namespace velbrix;
+#include "support/Test.h"
 
 using Rects = std::vector<PixelRect>;
 

@@ -1,13 +1,9 @@
 #include "platform/linux/media/sound/PulseAudioDevices.h"
 #include "MediaTools.h"
 #include "support/FakeAudioDevices.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 
 #include <QCoroTask>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 class PulseAudioDevicesTest : public QObject {
     Q_OBJECT

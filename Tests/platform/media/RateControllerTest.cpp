@@ -1,10 +1,7 @@
 #include "platform/linux/media/recording/RateController.h"
-
-#include <QTest>
+#include "support/Test.h"
 
 #include <cmath>
-
-using namespace velbrix;
 
 // Pictures whose size halves with every 6 steps of the quantiser, as real ones do.
 class RateControllerTest : public QObject {

@@ -1,10 +1,7 @@
 #include "platform/linux/media/sound/SoundTimeline.h"
-
-#include <QTest>
+#include "support/Test.h"
 
 #include <algorithm>
-
-using namespace velbrix;
 
 // One channel at 1000 samples per second, fragments of 20 samples (20 ms):
 // a position is a millisecond.

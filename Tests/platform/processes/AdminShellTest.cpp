@@ -3,17 +3,10 @@
 
 #include "foundation/SystemClock.h"
 #include "support/FakeAdminShell.h"
-#include "support/Files.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 class AdminShellTest : public QObject {
     Q_OBJECT

@@ -1,21 +1,13 @@
 #include "platform/linux/processes/ProcPrograms.h"
 
 #include "support/FakeRunningPrograms.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
-#include <QDir>
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -5,15 +5,10 @@
 #include "platform/linux/x11/visibility/ScreenCover.h"
 #include "support/Bus.h"
 #include "support/FakeDesktopVisibility.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QDBusObjectPath>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

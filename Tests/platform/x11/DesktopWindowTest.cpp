@@ -4,10 +4,8 @@
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/surface/X11DesktopSurfaces.h"
 #include "support/FakeDesktopSurfaces.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 
-#include <QDir>
-#include <QFile>
 #include <QPainter>
 
 #include <xcb/composite.h>
@@ -15,10 +13,6 @@
 
 #include <algorithm>
 #include <optional>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

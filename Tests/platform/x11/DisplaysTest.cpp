@@ -5,13 +5,9 @@
 #include "platform/linux/x11/Struts.h"
 #include "support/FakeDisplays.h"
 #include "support/PaintedWindow.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 
 #include <set>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

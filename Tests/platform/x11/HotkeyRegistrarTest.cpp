@@ -1,13 +1,10 @@
 #include "platform/linux/x11/input/X11HotkeyRegistrar.h"
 
 #include "support/FakeHotkeyRegistrar.h"
+#include "support/Test.h"
 #include "support/XTestKeyboard.h"
 
 #include <QProcess>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

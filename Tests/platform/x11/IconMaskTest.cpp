@@ -120,20 +120,20 @@ private Q_SLOTS:
 
     void believesGrowthThatLasts()
     {
-        IconPatience patience;
-        QVERIFY(patience.believes(10000, 1000, 1, 0ms));
-        QVERIFY(patience.believes(10000, 1900, 1, 10ms));
-        QVERIFY(!patience.believes(10000, 4000, 1, 20ms));
+        IconPatience growth;
+        QVERIFY(growth.believes(10000, 1000, 1, 0ms));
+        QVERIFY(growth.believes(10000, 1900, 1, 10ms));
+        QVERIFY(!growth.believes(10000, 4000, 1, 20ms));
         // Another picture: from the beginning.
-        QVERIFY(!patience.believes(10000, 4000, 2, 180ms));
-        QVERIFY(!patience.believes(10000, 4000, 2, 470ms));
-        QVERIFY(patience.believes(10000, 4000, 2, 480ms));
+        QVERIFY(!growth.believes(10000, 4000, 2, 180ms));
+        QVERIFY(!growth.believes(10000, 4000, 2, 470ms));
+        QVERIFY(growth.believes(10000, 4000, 2, 480ms));
         // Icons may always go.
-        QVERIFY(patience.believes(10000, 0, 2, 490ms));
+        QVERIFY(growth.believes(10000, 0, 2, 490ms));
         // It passed by.
-        QVERIFY(!patience.believes(10000, 3000, 2, 500ms));
-        QVERIFY(patience.believes(10000, 90, 2, 510ms));
-        QVERIFY(!patience.believes(10000, 3000, 2, 900ms));
+        QVERIFY(!growth.believes(10000, 3000, 2, 500ms));
+        QVERIFY(growth.believes(10000, 90, 2, 510ms));
+        QVERIFY(!growth.believes(10000, 3000, 2, 900ms));
     }
 };
 

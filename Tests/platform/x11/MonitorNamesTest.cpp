@@ -1,10 +1,7 @@
 #include "platform/linux/x11/MonitorNames.h"
 
 #include "support/Fuzz.h"
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
+#include "support/Test.h"
 
 class MonitorNamesTest : public QObject {
     Q_OBJECT

@@ -2,16 +2,11 @@
 #include "platform/linux/x11/capture/X11ScreenCapture.h"
 
 #include "support/PaintedWindow.h"
+#include "support/Test.h"
 
 #include <QGuiApplication>
 #include <QProcess>
 #include <QScreen>
-#include <QTemporaryDir>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -1,12 +1,7 @@
 #include "platform/linux/x11/TextProperty.h"
 
 #include "support/Fuzz.h"
-
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
+#include "support/Test.h"
 
 class TextPropertyTest : public QObject {
     Q_OBJECT

@@ -3,20 +3,14 @@
 #include "platform/x11/VideoClips.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/PaintedWindow.h"
-#include "support/PatientTest.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
 
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

@@ -2,18 +2,14 @@
 
 #include "support/FakeScreenCapture.h"
 #include "support/PaintedWindow.h"
-#include "support/PatientTest.h"
 #include "support/RecordingRig.h"
+#include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QScreen>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 

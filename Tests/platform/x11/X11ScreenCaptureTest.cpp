@@ -2,13 +2,9 @@
 
 #include "support/PaintedWindow.h"
 #include "support/RecordingRig.h"
+#include "support/Test.h"
 
 #include <QCoreApplication>
-#include <QTest>
-
-using namespace Qt::StringLiterals;
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
