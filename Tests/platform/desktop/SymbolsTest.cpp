@@ -1,9 +1,8 @@
 #include "platform/linux/desktop/ThemeSymbols.h"
+#include "support/Test.h"
 
 #include <QImage>
 #include <QPixmap>
-
-using namespace velbrix;
 
 namespace {
 

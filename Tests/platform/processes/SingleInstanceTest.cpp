@@ -1,18 +1,13 @@
 #include "platform/linux/processes/FolderSingleInstance.h"
 
 #include "support/FakeSingleInstance.h"
+#include "support/Test.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QProcess>
 
 #include <csignal>
 #include <cstdio>
-
-using namespace velbrix;
-using namespace velbrix::test;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,11 +1,9 @@
 #include "platform/linux/x11/surface/IconMask.h"
+#include "support/Test.h"
 
 #include <QColor>
 #include <QImage>
 #include <QPainter>
-
-using namespace std::chrono_literals;
-using namespace velbrix;
 
 namespace {
 

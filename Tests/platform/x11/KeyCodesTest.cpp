@@ -1,12 +1,11 @@
 #include "platform/linux/x11/input/KeyCodes.h"
 
 #include "foundation/HotkeyChord.h"
+#include "support/Test.h"
 
 #include <X11/keysym.h>
 
 #include <QMap>
-
-using namespace velbrix;
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "foundation/HotkeyChord.h"
 #include "support/FakeKeyMonitor.h"
+#include "support/Test.h"
 #include "support/XTestKeyboard.h"
 
 #include <QApplication>
@@ -9,9 +10,6 @@
 #include <QShortcut>
 
 #include <xcb/xinput.h>
-
-using namespace velbrix;
-using namespace velbrix::test;
 
 namespace {
 
