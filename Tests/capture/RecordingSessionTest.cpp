@@ -46,6 +46,11 @@ struct Rig : ServicesRig {
         recorder.start();
         settle();
     }
+    void stop()
+    {
+        recorder.stop();
+        settle();
+    }
     void writeFrames(int count)
     {
         for (int i = 0; i < count; ++i)
@@ -135,8 +140,7 @@ private Q_SLOTS:
         RecordLiveUI &live = rig.recorder.log().live();
         QCOMPARE(live.frameCountUI(), 120);
         QCOMPARE(live.elapsedSeconds(), 2);
-        rig.recorder.stop();
-        settle();
+        rig.stop();
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
         QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
                  (QStringList{u"停止录制 mode=manual 视频帧=120 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
@@ -155,10 +159,8 @@ private Q_SLOTS:
         rig.state->stopDelay = 100ms;
         rig.start();
         rig.writeFrames(1);
-        rig.recorder.stop();
-        settle();
-        rig.recorder.stop();
-        settle();
+        rig.stop();
+        rig.stop();
         QVERIFY(rig.recorder.isRecording());
         rig.clock.advance(1s);
         QVERIFY(!rig.recorder.isRecording());
@@ -177,33 +179,27 @@ private Q_SLOTS:
         QVERIFY(!rig.recorder.isRecording());
     }
 
-    void theSystemWritesTheMovieWhereItCan_data()
-    {
-        QTest::addColumn<bool>("audio");
-        QTest::addColumn<bool>("falls");
-        QTest::addColumn<QString>("line");
-        QTest::newRow("silent") << false << false << u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s;
-        QTest::newRow("audio") << true << false << u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s;
-        QTest::newRow("silent, falls back")
-            << false << true << u"[5/6] SCRecordingOutput 失败，回退手动:不支持"_s;
-        QTest::newRow("audio, falls back")
-            << true << true << u"[5/6] 带音频的系统直写失败，回退手动:不支持"_s;
-    }
     void theSystemWritesTheMovieWhereItCan()
     {
-        QFETCH(bool, audio);
-        QFETCH(bool, falls);
-        QFETCH(QString, line);
-        Rig rig;
-        rig.host.screenCapture.featuresAnswer.recordingOutput = true;
-        rig.preferences.setRecordSystemAudio(audio);
-        if (falls)
-            rig.state->addRecordingOutputAnswer = failure(u"不支持"_s);
-        rig.start();
-        QVERIFY(rig.recorder.isRecording());
-        QVERIFY(rig.movieLines().contains(line));
-        QCOMPARE(rig.movieLines().contains(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s), falls);
-        QCOMPARE(rig.state->movie.has_value(), falls);
+        const struct {
+            bool hasSound, fallsBack;
+            QString line;
+        } rows[] = {{false, false, u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s},
+                    {true, false, u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s},
+                    {false, true, u"[5/6] SCRecordingOutput 失败，回退手动:不支持"_s},
+                    {true, true, u"[5/6] 带音频的系统直写失败，回退手动:不支持"_s}};
+        for (const auto &[hasSound, fallsBack, line] : rows) {
+            Rig rig;
+            rig.host.screenCapture.featuresAnswer.recordingOutput = true;
+            rig.preferences.setRecordSystemAudio(hasSound);
+            if (fallsBack)
+                rig.state->addRecordingOutputAnswer = failure(u"不支持"_s);
+            rig.start();
+            QVERIFY(rig.recorder.isRecording());
+            QVERIFY2(rig.movieLines().contains(line), qPrintable(line));
+            QCOMPARE(rig.movieLines().contains(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s), fallsBack);
+            QCOMPARE(rig.state->movie.has_value(), fallsBack);
+        }
     }
 
     void endsTheSystemsMovieAfterAPause()
@@ -213,8 +209,7 @@ private Q_SLOTS:
         rig.start();
         rig.host.screenCapture.session()->recordingStarted();
         rig.host.screenCapture.session()->recordingFailed(u"磁盘"_s);
-        rig.recorder.stop();
-        settle();
+        rig.stop();
         QVERIFY(!rig.state->calls.contains(u"removeRecordingOutput"_s));
         rig.clock.advance(200ms);
         QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
@@ -224,51 +219,37 @@ private Q_SLOTS:
                               u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s}));
     }
 
-    void failsToStart_data()
+    void anyStepMayFail()
     {
-        QTest::addColumn<std::function<void(Rig &)>>("arrange");
-        QTest::addColumn<QString>("lastLine");
-        const auto row = [](const char *name, std::function<void(Rig &)> arrange, const QString &line) {
-            QTest::newRow(name) << std::move(arrange) << line;
-        };
-        row(
-            "no display", [](Rig &r) { r.host.screenCapture.contentAnswer->displays.clear(); },
-            u"❌ 没有找到显示器"_s);
-        row(
-            "geometry", [](Rig &r) { r.host.screenCapture.geometryAnswer = failure(u"窗口消失"_s); },
-            u"❌ 窗口消失"_s);
-        row(
-            "stream", [](Rig &r) { r.host.screenCapture.makeSessionFailure = Failure{u"没有流"_s}; },
-            u"❌ 没有流"_s);
-        row(
-            "writer", [](Rig &r) { r.state->openWriterAnswer = failure(u"无法添加视频轨"_s); },
-            u"❌ 无法添加视频轨"_s);
-        row(
-            "output", [](Rig &r) { r.state->addOutputAnswers[CaptureOutput::screen] = failure(u"拒绝"_s); },
-            u"❌ 拒绝"_s);
-        row("start", [](Rig &r) { r.state->startCaptureAnswer = failure(u"启动失败"_s); }, u"❌ 启动失败"_s);
-    }
-    void failsToStart()
-    {
-        QFETCH(std::function<void(Rig &)>, arrange);
-        QFETCH(QString, lastLine);
-        Rig rig;
-        arrange(rig);
-        rig.start();
-        QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-        QCOMPARE(rig.recorder.log().logLines().last(), lastLine);
-        QVERIFY(!QFile::exists(rig.path));
-        QVERIFY(!rig.services->settings.contains(u"Velbrix_ScreenRecord_unfinishedFiles"_s));
+        using Arrange = void (*)(Rig &);
+        const Arrange steps[] = {
+            [](Rig &r) { r.host.screenCapture.contentAnswer->displays.clear(); },
+            [](Rig &r) { r.host.screenCapture.geometryAnswer = failure(u"没有找到显示器"_s); },
+            [](Rig &r) { r.host.screenCapture.makeSessionFailure = Failure{u"没有找到显示器"_s}; },
+            [](Rig &r) { r.state->openWriterAnswer = failure(u"没有找到显示器"_s); },
+            [](Rig &r) { r.state->addOutputAnswers[CaptureOutput::screen] = failure(u"没有找到显示器"_s); },
+            [](Rig &r) { r.state->startCaptureAnswer = failure(u"没有找到显示器"_s); }};
+        for (const Arrange fails : steps) {
+            Rig rig;
+            const auto content = rig.host.screenCapture.contentAnswer;
+            const auto geometry = rig.host.screenCapture.geometryAnswer;
+            fails(rig);
+            rig.start();
+            QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
+            QCOMPARE(rig.recorder.log().logLines().last(), u"❌ 没有找到显示器"_s);
+            QVERIFY(!QFile::exists(rig.path));
+            QVERIFY(!rig.services->settings.contains(u"Velbrix_ScreenRecord_unfinishedFiles"_s));
 
-        // The way is free for the next start.
-        rig.host.screenCapture.contentAnswer->displays = {{.displayId = 1, .frame = {}, .isMain = true}};
-        rig.host.screenCapture.geometryAnswer = CaptureGeometry{{640, 480}, 1.0, {640, 480}};
-        rig.host.screenCapture.makeSessionFailure.reset();
-        rig.host.screenCapture.nextSession = std::make_shared<FakeCaptureState>();
-        rig.recorder.start();
-        settle();
-        QVERIFY(rig.recorder.isRecording());
-        QCOMPARE(rig.session.lastFailure(), QString());
+            // The way is free for the next start.
+            rig.host.screenCapture.contentAnswer = content;
+            rig.host.screenCapture.geometryAnswer = geometry;
+            rig.host.screenCapture.makeSessionFailure.reset();
+            rig.host.screenCapture.nextSession = std::make_shared<FakeCaptureState>();
+            rig.recorder.start();
+            settle();
+            QVERIFY(rig.recorder.isRecording());
+            QCOMPARE(rig.session.lastFailure(), QString());
+        }
     }
 
     void tracksAndSystemsThatDoNotHear()
@@ -305,95 +286,55 @@ private Q_SLOTS:
         Rig rig;
         rig.start();
         rig.writeFrames(60);
+        rig.state->stopCaptureAnswer = failure(u"已断开"_s);
         rig.host.screenCapture.session()->warn(u"麦克风已断开"_s);
         rig.host.screenCapture.session()->streamStopped(u"窗口已关闭"_s);
         settle();
         QVERIFY(!rig.recorder.isRecording());
-        QVERIFY(rig.recorder.log().logLines().contains(u"⚠️ 麦克风已断开"_s));
-        QVERIFY(rig.recorder.log().logLines().contains(u"❌ 流异常停止:窗口已关闭"_s));
+        const QStringList lines = rig.linesSince(u"✅ startCapture 成功"_s);
+        QCOMPARE(lines.first(2), (QStringList{u"⚠️ 麦克风已断开"_s, u"❌ 流异常停止:窗口已关闭"_s}));
+        QVERIFY(lines.contains(u"stopCapture 警告:已断开"_s));
         QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
     }
 
-    void endings_data()
-    {
-        QTest::addColumn<std::function<void(Rig &)>>("arrange");
-        QTest::addColumn<QStringList>("lines"); // after the stop
-        QTest::addColumn<bool>("kept");
-        const QString notPlayable = u"❌ 不可播放 playable=false duration=0.000 size=20000 mode=manual"_s;
-        const auto row = [](const char *name, std::function<void(Rig &)> arrange, const QStringList &lines,
-                            bool kept) { QTest::newRow(name) << std::move(arrange) << lines << kept; };
-        row(
-            "writer fails and leaves rubbish",
-            [](Rig &r) {
-                r.writeFrames(3);
-                r.state->finishWritingAnswer = failure(QString());
-                r.host.movieFiles.facts = MovieFacts{};
-            },
-            {u"❌ finishWriting 失败:unknown"_s, u"❌ 输出文件不存在"_s}, false);
-        row(
-            "writer fails, but what is there plays",
-            [](Rig &r) {
-                r.writeFrames(3);
-                r.state->finishWritingAnswer = failure(u"磁盘已满"_s);
-            },
-            {u"❌ finishWriting 失败:磁盘已满"_s,
-             u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s},
-            true);
-        row(
-            "no frame", [](Rig &r) { r.host.movieFiles.facts = MovieFacts{}; },
-            {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, u"❌ 输出文件不存在"_s}, false);
-        row(
-            "sound only",
-            [](Rig &r) {
-                r.writeFrames(3);
-                r.host.movieFiles.facts = MovieFacts{true, 5, false, 2};
-            },
-            {u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s, u"no video, audioTracks=2"_s},
-            true);
-        row(
-            "unreadable",
-            [](Rig &r) {
-                r.writeFrames(3);
-                r.host.movieFiles.facts = failure(u"x"_s);
-            },
-            {notPlayable, u"校验没有结果，文件保留：x"_s}, true);
-        row(
-            "writer fails and nobody can tell",
-            [](Rig &r) {
-                r.writeFrames(3);
-                r.state->finishWritingAnswer = failure(u"磁盘已满"_s);
-                r.host.movieFiles.facts = failure(u"x"_s);
-            },
-            {u"❌ finishWriting 失败:磁盘已满"_s, notPlayable, u"校验没有结果，文件保留：x"_s}, true);
-        row(
-            "file gone",
-            [](Rig &r) {
-                r.writeFrames(3);
-                QFile::remove(r.path);
-            },
-            {u"❌ 输出文件不存在"_s}, false);
-        row(
-            "stop warning",
-            [](Rig &r) {
-                r.writeFrames(3);
-                r.state->stopCaptureAnswer = failure(u"已断开"_s);
-            },
-            {u"stopCapture 警告:已断开"_s, u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s},
-            true);
-    }
     void endings()
     {
-        QFETCH(std::function<void(Rig &)>, arrange);
-        QFETCH(QStringList, lines);
-        QFETCH(bool, kept);
+        const QString good = u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s;
+        const QString bad = u"❌ 不可播放 playable=false duration=0.000 size=20000 mode=manual"_s;
+        const QString gone = u"❌ 输出文件不存在"_s;
+        const QString unknown = u"校验没有结果，文件保留：x"_s;
+        const auto full = failure(u"磁盘已满"_s);
+        const auto noAnswer = failure(u"x"_s);
+        const MovieFacts plays{true, 5, true, 1};
+        const struct {
+            int frames;
+            Result<void> finish;
+            Result<MovieFacts> facts;
+            bool isKept;
+            QStringList lines; // the last ones
+        } rows[] = {{3, failure(QString()), MovieFacts{}, false, {u"❌ finishWriting 失败:unknown"_s, gone}},
+                    {3, full, plays, true, {u"❌ finishWriting 失败:磁盘已满"_s, good}},
+                    {0, {}, MovieFacts{}, false, {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, gone}},
+                    {3, {}, MovieFacts{true, 5, false, 2}, true, {good, u"no video, audioTracks=2"_s}},
+                    {3, {}, noAnswer, true, {bad, unknown}},
+                    {3, full, noAnswer, true, {u"❌ finishWriting 失败:磁盘已满"_s, bad, unknown}}};
+        for (const auto &[frames, finish, facts, isKept, lines] : rows) {
+            Rig rig;
+            rig.start();
+            rig.writeFrames(frames);
+            rig.state->finishWritingAnswer = finish;
+            rig.host.movieFiles.facts = facts;
+            rig.stop();
+            QVERIFY(!rig.recorder.isRecording());
+            QCOMPARE(rig.recorder.log().logLines().last(lines.size()), lines);
+            QCOMPARE(QFile::exists(rig.path), isKept);
+        }
         Rig rig;
         rig.start();
-        arrange(rig);
-        rig.recorder.stop();
-        settle();
-        QVERIFY(!rig.recorder.isRecording());
-        QCOMPARE(rig.recorder.log().logLines().last(lines.size()), lines);
-        QCOMPARE(QFile::exists(rig.path), kept);
+        rig.writeFrames(3);
+        QFile::remove(rig.path);
+        rig.stop();
+        QCOMPARE(rig.recorder.log().logLines().last(), gone);
     }
 
     void theValidationWaitsThreeSeconds()
@@ -411,25 +352,18 @@ private Q_SLOTS:
         rig.clock.advance(2h); // the late answer harms nobody
     }
 
-    void aMovieIsRemembered_data()
+    void aMovieIsRememberedUntilItIsGood()
     {
-        QTest::addColumn<bool>("plays");
-        QTest::newRow("until it is good") << true;
-        QTest::newRow("while it is not") << false;
-    }
-    void aMovieIsRemembered()
-    {
-        QFETCH(bool, plays);
         const QString key = u"Velbrix_ScreenRecord_unfinishedFiles"_s;
-        Rig rig;
-        rig.start();
-        QCOMPARE(rig.host.settings.stored.value(key).toArray(), QJsonArray{rig.path});
-        rig.writeFrames(3);
-        if (!plays)
-            rig.host.movieFiles.facts = MovieFacts{};
-        rig.recorder.stop();
-        settle();
-        QCOMPARE(rig.services->settings.contains(key), !plays);
+        for (const bool plays : {true, false}) {
+            Rig rig;
+            rig.start();
+            QCOMPARE(rig.host.settings.stored.value(key).toArray(), QJsonArray{rig.path});
+            rig.writeFrames(3);
+            rig.host.movieFiles.facts->isPlayable = plays;
+            rig.stop();
+            QCOMPARE(rig.services->settings.contains(key), !plays);
+        }
     }
 
     void survivesItsOwnDeathWhileStarting()

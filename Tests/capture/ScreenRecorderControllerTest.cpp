@@ -30,41 +30,29 @@ private Q_SLOTS:
         QVERIFY(rig.recorder.isRecording());
     }
 
-    void refuses_data()
+    void refusesUntilNothingIsAmiss()
     {
-        QTest::addColumn<std::function<void(Rig &)>>("arrange");
-        QTest::addColumn<QString>("reason");
-        const auto row = [](const char *name, std::function<void(Rig &)> arrange, const QString &reason) {
-            QTest::newRow(name) << std::move(arrange) << reason;
-        };
-        row(
-            "no permission", [](Rig &r) { r.host.screenCapture.contentAnswer = failure(u"denied"_s); },
-            u"没有屏幕录制权限"_s);
-        row(
-            "no window chosen", [](Rig &r) { r.recorder.preferences().setRecordMode(RecordMode::window); },
-            u"请先选择要录制的窗口"_s);
-        row(
-            "no microphone permission",
-            [](Rig &r) {
-                r.recorder.preferences().setRecordMicrophone(true);
-                r.host.permissions.microphoneStatus = AuthorizationStatus::denied;
-            },
-            u"需要麦克风权限才能录制麦克风"_s);
-        row(
-            "folder gone", [](Rig &r) { r.recorder.preferences().setOutputDir(u"/nonexistent/x"_s); },
-            u"输出目录不存在，请重新选择：/nonexistent/x"_s);
-    }
-    void refuses()
-    {
-        QFETCH(std::function<void(Rig &)>, arrange);
-        QFETCH(QString, reason);
         Rig rig;
-        arrange(rig);
-        rig.recorder.start();
-        settle();
+        RecorderPreferences &preferences = rig.recorder.preferences();
+        const auto refusal = [&] {
+            rig.recorder.start();
+            settle();
+            const QString reason = rig.recorder.session().lastFailure();
+            return rig.recorder.log().logLines().last() == u"❌ "_s + reason ? reason : QString();
+        };
+        preferences.setRecordMode(RecordMode::window);
+        preferences.setRecordMicrophone(true);
+        preferences.setOutputDir(u"/nonexistent/x"_s);
+        rig.host.permissions.microphoneStatus = AuthorizationStatus::denied;
+        const auto content = std::exchange(rig.host.screenCapture.contentAnswer, failure(u"denied"_s));
+        QCOMPARE(refusal(), u"没有屏幕录制权限"_s);
+        rig.host.screenCapture.contentAnswer = content;
+        QCOMPARE(refusal(), u"请先选择要录制的窗口"_s);
+        preferences.setRecordMode(RecordMode::fullScreen);
+        QCOMPARE(refusal(), u"需要麦克风权限才能录制麦克风"_s);
+        rig.host.permissions.microphoneStatus = AuthorizationStatus::authorized;
+        QCOMPARE(refusal(), u"输出目录不存在，请重新选择：/nonexistent/x"_s);
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-        QCOMPARE(rig.recorder.log().logLines().last(), u"❌ "_s + reason);
-        QCOMPARE(rig.recorder.session().lastFailure(), reason);
         QVERIFY(!rig.host.screenCapture.calls.contains(u"makeSession"_s));
     }
 
@@ -89,17 +77,14 @@ private Q_SLOTS:
         settle();
         QVERIFY(rig.host.audioDevices.calls.contains(u"setDefaultSpeaker b"_s));
         QVERIFY(rig.recorder.log().logLines().contains(u"系统音频目标扬声器:乙"_s));
-    }
 
-    void anAbsentSpeakerIsTold()
-    {
-        Rig rig;
-        rig.recorder.preferences().setSelectedSpeakerID(u"gone"_s);
-        rig.recorder.start();
+        Rig other;
+        other.recorder.preferences().setSelectedSpeakerID(u"gone"_s);
+        other.recorder.start();
         settle();
-        QVERIFY(rig.recorder.isRecording());
-        QVERIFY(rig.recorder.log().logLines().contains(u"⚠️ 所选扬声器不在，使用系统默认输出"_s));
-        QVERIFY(rig.host.audioDevices.calls.filter(u"setDefaultSpeaker"_s).isEmpty());
+        QVERIFY(other.recorder.isRecording());
+        QVERIFY(other.recorder.log().logLines().contains(u"⚠️ 所选扬声器不在，使用系统默认输出"_s));
+        QVERIFY(other.host.audioDevices.calls.filter(u"setDefaultSpeaker"_s).isEmpty());
     }
 
     void oneStartAtATime()
@@ -142,36 +127,28 @@ private Q_SLOTS:
                               u"❌ 仍无权限:拒绝"_s}));
     }
 
-    void microphonePermission_data()
-    {
-        QTest::addColumn<AuthorizationStatus>("status");
-        QTest::addColumn<bool>("userAgrees");
-        QTest::addColumn<QStringList>("lines");
-        const QString granted = u"✅ 麦克风权限已授予"_s;
-        const QString denied = u"❌ 麦克风权限被拒绝"_s;
-        QTest::newRow("granted before")
-            << AuthorizationStatus::authorized << false << QStringList{u"麦克风权限:authorized"_s, granted};
-        QTest::newRow("denied before")
-            << AuthorizationStatus::denied << true << QStringList{u"麦克风权限:denied"_s, denied};
-        QTest::newRow("asked, granted") << AuthorizationStatus::notDetermined << true
-                                        << QStringList{u"麦克风权限:notDetermined"_s, granted};
-        QTest::newRow("asked, denied") << AuthorizationStatus::notDetermined << false
-                                       << QStringList{u"麦克风权限:notDetermined"_s, denied};
-    }
     void microphonePermission()
     {
-        QFETCH(AuthorizationStatus, status);
-        QFETCH(bool, userAgrees);
-        QFETCH(QStringList, lines);
-        Rig rig;
-        rig.host.permissions.microphoneStatus = status;
-        rig.host.permissions.grantsOnRequest = userAgrees;
-        rig.recorder.access().requestMicPermission();
-        settle();
-        QCOMPARE(rig.recorder.log().logLines().last(2), lines);
-        const bool granted = lines.last().startsWith(u"✅"_s);
-        QCOMPARE(rig.recorder.access().hasMicPermission(), granted);
-        QCOMPARE(rig.host.permissions.calls.contains(u"openSettings 1"_s), !granted);
+        using enum AuthorizationStatus;
+        const struct {
+            AuthorizationStatus before;
+            bool userAgrees, isGranted;
+            QString line;
+        } rows[] = {{authorized, false, true, u"麦克风权限:authorized"_s},
+                    {denied, true, false, u"麦克风权限:denied"_s},
+                    {notDetermined, true, true, u"麦克风权限:notDetermined"_s},
+                    {notDetermined, false, false, u"麦克风权限:notDetermined"_s}};
+        for (const auto &[before, userAgrees, isGranted, line] : rows) {
+            Rig rig;
+            rig.host.permissions.microphoneStatus = before;
+            rig.host.permissions.grantsOnRequest = userAgrees;
+            rig.recorder.access().requestMicPermission();
+            settle();
+            const QString outcome = isGranted ? u"✅ 麦克风权限已授予"_s : u"❌ 麦克风权限被拒绝"_s;
+            QCOMPARE(rig.recorder.log().logLines().last(2), (QStringList{line, outcome}));
+            QCOMPARE(rig.recorder.access().hasMicPermission(), isGranted);
+            QCOMPARE(rig.host.permissions.calls.contains(u"openSettings 1"_s), !isGranted);
+        }
     }
 };
 

@@ -28,6 +28,7 @@ private Q_SLOTS:
         QCOMPARE(unfinished.leftovers(), QStringList{other});
         unfinished.begin(movie);
         unfinished.dismiss(other);
+        QVERIFY(unfinished.leftovers().isEmpty() && QFile::exists(other));
         QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie})));
         unfinished.end(movie);
         QVERIFY(!rig.services->settings.contains(key));
@@ -44,30 +45,24 @@ private Q_SLOTS:
         QCOMPARE(rig.services->recorder.log().logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
     }
 
-    void repairsOrForgets_data()
-    {
-        QTest::addColumn<bool>("succeeds");
-        QTest::newRow("repaired") << true;
-        QTest::newRow("not repairable") << false;
-    }
     void repairsOrForgets()
     {
-        QFETCH(bool, succeeds);
         ServicesRig rig;
         rig.host.settings.stored = {{key, QJsonArray{movie}}};
-        if (!succeeds)
-            rig.host.movieFiles.repairAnswer = failure(u"不是电影"_s);
+        rig.host.movieFiles.repairAnswer = failure(u"不是电影"_s);
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
+        const RecorderLog &log = rig.services->recorder.log();
         unfinished.repair(folder.filePath(u"other.mp4"_s)); // nobody's leftover
         unfinished.repair(movie);
         settle();
         QCOMPARE(rig.host.movieFiles.calls, QStringList{u"repair "_s + movie});
-        QCOMPARE(unfinished.leftovers().isEmpty(), succeeds);
-        QCOMPARE(rig.services->recorder.log().logLines().last(),
-                 succeeds ? u"✅ 已修复 录制.mp4"_s : u"❌ 修复失败，文件保持原样：录制.mp4 不是电影"_s);
-        unfinished.dismiss(movie);
+        QCOMPARE(unfinished.leftovers(), QStringList{movie});
+        QCOMPARE(log.logLines().last(), u"❌ 修复失败，文件保持原样：录制.mp4 不是电影"_s);
+        rig.host.movieFiles.repairAnswer = {};
+        unfinished.repair(movie);
+        settle();
         QVERIFY(unfinished.leftovers().isEmpty());
-        QVERIFY(QFile::exists(movie));
+        QCOMPARE(log.logLines().last(), u"✅ 已修复 录制.mp4"_s);
     }
 
 private:

@@ -17,41 +17,28 @@ class JsonSettingsFileTest : public QObject {
 private Q_SLOTS:
     void init() { path = folder.filePath(u"%1/settings.json"_s.arg(++count)); }
 
-    void storesWhatHasChanged_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("file") << true;
-    }
     void storesWhatHasChanged()
     {
-        QFETCH(bool, isReal);
         MemorySettings fake;
         JsonSettingsFile file(path);
-        SettingsBackend &backend = isReal ? static_cast<SettingsBackend &>(file) : fake;
-        QCOMPARE(backend.load(), QJsonObject());
-        QCOMPARE(backend.loadProblem(), QString());
-        QVERIFY(backend.save({{u"键"_s, u"值"_s}, {u"n"_s, 1}}, {u"n"_s, u"键"_s}));
-        const QJsonObject all{{u"键"_s, u"值"_s}, {u"list"_s, QJsonArray{1.5, QJsonObject{{u"a"_s, true}}}}};
-        QVERIFY(backend.save(all, {u"list"_s, u"n"_s}));
-        backend.tidy();
-        QCOMPARE(backend.load(), all);
-        if (isReal)
-            QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
+        for (SettingsBackend *backend : std::initializer_list<SettingsBackend *>{&fake, &file}) {
+            QCOMPARE(backend->load(), QJsonObject());
+            QCOMPARE(backend->loadProblem(), QString());
+            QVERIFY(backend->save({{u"键"_s, u"值"_s}, {u"n"_s, 1}}, {u"n"_s, u"键"_s}));
+            const QJsonObject all{{u"键"_s, u"值"_s},
+                                  {u"list"_s, QJsonArray{1.5, QJsonObject{{u"a"_s, true}}}}};
+            QVERIFY(backend->save(all, {u"list"_s, u"n"_s}));
+            backend->tidy();
+            QCOMPARE(backend->load(), all);
+        }
+        QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
     }
 
-    void setsAsideWhatItCannotRead_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("torn") << "{\"a\": 1, \"b\""_ba;
-        QTest::newRow("empty") << ""_ba;
-        QTest::newRow("a list") << "[1, 2]"_ba;
-        QTest::newRow("binary") << QByteArray(100, '\0');
-    }
     void setsAsideWhatItCannotRead()
     {
-        QFETCH(QByteArray, bytes);
-        for (const QString &kept : {path + u".damaged"_s, path + u".damaged-2"_s}) {
+        int earlier = 0;
+        for (const QByteArray &bytes : {"{\"a\": 1, \"b\""_ba, ""_ba, "[1, 2]"_ba, QByteArray(100, '\0')}) {
+            const QString kept = path + (++earlier == 1 ? u".damaged"_s : u".damaged-%1"_s.arg(earlier));
             writeFile(path, bytes);
             JsonSettingsFile file(path);
             QCOMPARE(file.load(), QJsonObject());

@@ -6,6 +6,7 @@
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
+#include <QCoroTask>
 #include <QLocalServer>
 #include <QLocalSocket>
 
@@ -17,66 +18,72 @@ QCoro::Task<QJsonObject> echo(QJsonObject request, LocalChannelServer::Progress)
     co_return request;
 }
 
+ChannelAnswer ask(const QString &path, const QJsonObject &request = {})
+{
+    SystemClock clock;
+    return QCoro::waitFor(askLocalChannel(path, request, clock));
+}
+
+// A server, where a dead program has left its socket.
+struct Rig {
+    explicit Rig(LocalChannelServer::Handler handler = echo) : server(std::move(handler), clock)
+    {
+        if (!server.listen(writeFile(path)))
+            qFatal("cannot listen");
+    }
+
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"s"_s);
+    VirtualClock clock;
+    LocalChannelServer server;
+};
+
 } // namespace
 
 class LocalChannelTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { path = folder.filePath(u"s%1"_s.arg(++count)); }
-
     void answersEachRequest()
     {
-        VirtualClock clock;
-        LocalChannelServer server(echo, clock);
-        QVERIFY(server.listen(path));
-        QVERIFY(!(QFile::permissions(path) & (QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup)));
-        for (const QString &text : {u"一"_s, QString(20000, u'x')}) {
-            QCOMPARE(ask({{u"text"_s, text}}).value(), (QJsonObject{{u"text"_s, text}, {u"echo"_s, true}}));
-        }
-    }
-
-    void nobodyListensIsAFailure() { QVERIFY(!ask({})); }
-
-    void aDeadProgramsSocketIsReplaced()
-    {
-        VirtualClock clock;
-        writeFile(path);
-        LocalChannelServer server(echo, clock);
-        QVERIFY(server.listen(path));
-        QVERIFY(ask({}));
+        const Rig rig;
+        QVERIFY(!(QFile::permissions(rig.path) & (QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup)));
+        for (const QString &text : {u"一"_s, QString(20000, u'x')})
+            QCOMPARE(ask(rig.path, {{u"text"_s, text}}).value(),
+                     (QJsonObject{{u"text"_s, text}, {u"echo"_s, true}}));
+        QVERIFY(ask(rig.folder.filePath(u"none"_s)).error().nobodyListens);
     }
 
     void progressComesBeforeTheAnswer()
     {
         VirtualClock clock;
-        const auto inSteps = [&clock](QJsonObject,
-                                      LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
+        Rig rig([&](QJsonObject, LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
             progress({{u"share"_s, 0.5}});
             co_await Pause(clock, 1min);
             co_return QJsonObject{{u"done"_s, true}};
-        };
-        LocalChannelServer server(inSteps, clock);
-        QVERIFY(server.listen(path));
+        });
         QList<QJsonObject> told;
         std::optional<ChannelAnswer> answer;
-        askLocalChannel(path, {}, clock, [&](const QJsonObject &now) {
+        askLocalChannel(rig.path, {}, clock, [&](const QJsonObject &now) {
             told.append(now);
         }).then([&](ChannelAnswer got) { answer = std::move(got); });
         const QJsonObject half = {{u"share"_s, 0.5}};
         QTRY_COMPARE(told, QList<QJsonObject>{half});
         // A server that works on it is not taken for one that has gone.
-        QVERIFY(waitFor([&] { return clock.advance(1s), answer.has_value(); }));
+        QVERIFY(waitFor([&] { return rig.clock.advance(1s), clock.advance(1s), answer.has_value(); }));
         QCOMPARE(answer->value(), (QJsonObject{{u"done"_s, true}}));
     }
 
     void aSilentServerIsGivenUp()
     {
+        const QTemporaryDir folder;
         VirtualClock clock;
         QLocalServer mute;
-        QVERIFY(mute.listen(path));
+        QVERIFY(mute.listen(folder.filePath(u"s"_s)));
         std::optional<ChannelAnswer> answer;
-        askLocalChannel(path, {}, clock).then([&](ChannelAnswer got) { answer = std::move(got); });
+        askLocalChannel(mute.fullServerName(), {}, clock).then([&](ChannelAnswer got) {
+            answer = std::move(got);
+        });
         QTRY_VERIFY(mute.hasPendingConnections());
         clock.advance(19s);
         QCoreApplication::processEvents();
@@ -90,19 +97,16 @@ private Q_SLOTS:
     {
         VirtualClock clock;
         bool isDone = false;
-        const auto work = [&](QJsonObject,
-                              LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
+        const Rig rig([&](QJsonObject, LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
             co_await Pause(clock, 10s);
             progress({{u"share"_s, 1}});
             isDone = true;
             co_return QJsonObject();
-        };
-        LocalChannelServer server(work, clock);
-        QVERIFY(server.listen(path));
+        });
         auto socket = std::make_unique<QLocalSocket>();
-        socket->connectToServer(path);
+        socket->connectToServer(rig.path);
         socket->write("{}\n");
-        QTRY_VERIFY(clock.pendingCount() > 1); // it has begun
+        QTRY_VERIFY(clock.pendingCount() > 0); // it has begun
         socket.reset();
         QVERIFY(waitFor([&] { return clock.advance(1s), isDone; }));
     }
@@ -121,29 +125,25 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, bytes);
         QFETCH(bool, waits);
-        VirtualClock clock;
-        LocalChannelServer server(echo, clock);
-        QVERIFY(server.listen(path));
+        Rig rig;
         QLocalSocket socket;
-        socket.connectToServer(path);
+        socket.connectToServer(rig.path);
         QTRY_COMPARE(socket.state(), QLocalSocket::ConnectedState);
         socket.write(bytes);
         if (waits) {
-            QTRY_COMPARE(clock.pendingCount(), 1);
-            clock.advance(4999ms);
+            QTRY_COMPARE(rig.clock.pendingCount(), 1);
+            rig.clock.advance(4999ms);
             QCOMPARE(socket.state(), QLocalSocket::ConnectedState);
-            clock.advance(1ms);
+            rig.clock.advance(1ms);
         }
         QTRY_COMPARE(socket.state(), QLocalSocket::UnconnectedState);
         QCOMPARE(socket.readAll(), QByteArray());
-        QVERIFY(ask({}));
+        QVERIFY(ask(rig.path));
     }
 
     void anyBytesGetAnAnswerOrNone()
     {
-        VirtualClock clock;
-        LocalChannelServer server(echo, clock);
-        QVERIFY(server.listen(path));
+        const Rig rig;
         const Fuzz fuzz{{"{\"words\":\"record "
                          "start\",\"arguments\":[\"a\",\"中\\n\"],\"options\":{\"--display\":\"1\"}}\n",
                          "{\"text\":\"" + QByteArray(500, 'x') + "\"}\n"},
@@ -152,7 +152,7 @@ private Q_SLOTS:
         int answers = 0;
         QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
             QLocalSocket socket;
-            socket.connectToServer(path);
+            socket.connectToServer(rig.path);
             socket.write(bytes);
             if (!bytes.contains('\n'))
                 socket.disconnectFromServer();
@@ -162,50 +162,29 @@ private Q_SLOTS:
             return true;
         }));
         QVERIFY2(answers > 20, qPrintable(QString::number(answers)));
-        QVERIFY(ask({}));
+        QVERIFY(ask(rig.path));
     }
 
-    void runtimeFolderIsPrivate_data()
-    {
-        QTest::addColumn<int>("mode"); // of the session's folder; 0: no such variable
-        QTest::addColumn<bool>("used");
-        QTest::newRow("private session folder") << 0x7700 << true;
-        QTest::newRow("shared session folder") << 0x7777 << false;
-        QTest::newRow("no session folder") << 0 << false;
-    }
     void runtimeFolderIsPrivate()
     {
-        QFETCH(int, mode);
-        QFETCH(bool, used);
-        const QString session = folder.filePath(u"session%1"_s.arg(mode));
-        QDir().mkpath(session);
-        QFile::setPermissions(session, QFile::Permissions(mode ? mode : 0x7700));
+        const QTemporaryDir folder;
         qputenv("XDG_CACHE_HOME", folder.filePath(u"cache"_s).toUtf8());
-        if (mode)
-            qputenv("XDG_RUNTIME_DIR", session.toUtf8());
-        else
+        // The session's own folder is used where nobody else can look into it.
+        for (const int mode : {0x7700, 0x7777, 0}) {
+            const QString session = folder.filePath(QString::number(mode));
             qunsetenv("XDG_RUNTIME_DIR");
-        const auto runtime = runtimeFolder();
-        QVERIFY(runtime);
-        QCOMPARE(runtime->startsWith(session), used);
-        QCOMPARE(QFile::permissions(*runtime) & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
-                 QFile::Permissions());
+            if (mode != 0) {
+                QDir().mkpath(session);
+                QFile::setPermissions(session, QFile::Permissions(mode));
+                qputenv("XDG_RUNTIME_DIR", session.toUtf8());
+            }
+            const auto runtime = runtimeFolder();
+            QVERIFY(runtime);
+            QCOMPARE(runtime->startsWith(session), mode == 0x7700);
+            QCOMPARE(QFile::permissions(*runtime) & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
+                     QFile::Permissions());
+        }
     }
-
-private:
-    ChannelAnswer ask(const QJsonObject &request)
-    {
-        SystemClock clock;
-        std::optional<ChannelAnswer> answer;
-        askLocalChannel(path, request, clock).then([&](ChannelAnswer got) { answer = std::move(got); });
-        if (!waitFor([&] { return answer.has_value(); }))
-            return std::unexpected(ChannelFailure{false, u"no answer"_s});
-        return *answer;
-    }
-
-    QTemporaryDir folder;
-    QString path;
-    int count = 0;
 };
 
 QTEST_GUILESS_MAIN(LocalChannelTest)

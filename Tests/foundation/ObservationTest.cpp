@@ -21,7 +21,6 @@ private Q_SLOTS:
             list.add(note(u"b"_s), [&] { seen << (list.isEmpty() ? u"last"_s : u"ended"_s); });
         list.notify(1);
         second.reset();
-        second.reset();
         list.notify(2);
         QCOMPARE(seen, (QStringList{u"a1"_s, u"b1"_s, u"ended"_s, u"a2"_s}));
     }

@@ -5,35 +5,26 @@ class PathsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void knowsWhatLiesInAFolder_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<bool>("within");
-        QTest::addColumn<bool>("inside");
-        QTest::newRow("below") << u"/a/b"_s << u"/a"_s << true << true;
-        QTest::newRow("far below") << u"/a/b/c"_s << u"/a"_s << true << true;
-        QTest::newRow("itself") << u"/a"_s << u"/a"_s << true << false;
-        QTest::newRow("itself, with a slash") << u"/a/"_s << u"/a"_s << true << false;
-        QTest::newRow("a longer name") << u"/ab"_s << u"/a"_s << false << false;
-        QTest::newRow("above") << u"/a"_s << u"/a/b"_s << false << false;
-        QTest::newRow("folder with a slash") << u"/a/b"_s << u"/a/"_s << true << true;
-        QTest::newRow("itself without the slash") << u"/a"_s << u"/a/"_s << true << false;
-        QTest::newRow("everything is in the root") << u"/a"_s << u"/"_s << true << true;
-        QTest::newRow("the root") << u"/"_s << u"/"_s << true << false;
-        QTest::newRow("relative") << u"a/b"_s << u"/"_s << false << false;
-        QTest::newRow("no path") << QString() << u"/"_s << false << false;
-        QTest::newRow("no folder") << u"/a"_s << QString() << false << false;
-        QTest::newRow("neither") << QString() << QString() << false << false;
-    }
     void knowsWhatLiesInAFolder()
     {
-        QFETCH(QString, path);
-        QFETCH(QString, folder);
-        QTEST(isWithin(path, folder), "within");
-        QTEST(isWithin(path.toUtf8(), folder.toUtf8()), "within");
-        QTEST(isInside(path, folder), "inside");
-        QTEST(isInside(path.toUtf8(), folder.toUtf8()), "inside");
+        enum Place { inside, itself, elsewhere };
+        const struct {
+            QString path, folder;
+            Place place;
+        } rows[] = {{u"/a/b"_s, u"/a"_s, inside},   {u"/a/b/c"_s, u"/a"_s, inside},
+                    {u"/a"_s, u"/a"_s, itself},     {u"/a/"_s, u"/a"_s, itself},
+                    {u"/ab"_s, u"/a"_s, elsewhere}, {u"/a"_s, u"/a/b"_s, elsewhere},
+                    {u"/a/b"_s, u"/a/"_s, inside},  {u"/a"_s, u"/a/"_s, itself},
+                    {u"/a"_s, u"/"_s, inside},      {u"/"_s, u"/"_s, itself},
+                    {u"a/b"_s, u"/"_s, elsewhere},  {{}, u"/"_s, elsewhere},
+                    {u"/a"_s, {}, elsewhere},       {{}, {}, elsewhere}};
+        for (const auto &[path, folder, place] : rows) {
+            const QByteArray which = (path + u" in "_s + folder).toUtf8();
+            QVERIFY2(isWithin(path, folder) == (place != elsewhere), which);
+            QVERIFY2(isInside(path, folder) == (place == inside), which);
+            QVERIFY2(isWithin(path.toUtf8(), folder.toUtf8()) == (place != elsewhere), which);
+            QVERIFY2(isInside(path.toUtf8(), folder.toUtf8()) == (place == inside), which);
+        }
     }
 
     void resolvesLinks()
@@ -53,20 +44,11 @@ private Q_SLOTS:
         QVERIFY(!isEmptyFolder(root) && !isEmptyFolder(root + u"/none"_s));
     }
 
-    void splits_data()
-    {
-        QTest::addColumn<QByteArray>("path");
-        QTest::addColumn<QByteArray>("folder");
-        QTest::addColumn<QByteArray>("name");
-        QTest::newRow("deep") << QByteArray("/a/b") << QByteArray("/a") << QByteArray("b");
-        QTest::newRow("below the root") << QByteArray("/a") << QByteArray("/") << QByteArray("a");
-        QTest::newRow("the root") << QByteArray("/") << QByteArray("/") << QByteArray();
-    }
     void splits()
     {
-        QFETCH(QByteArray, path);
-        QTEST(splitPath(path).first, "folder");
-        QTEST(splitPath(path).second, "name");
+        QCOMPARE(splitPath("/a/b"), std::pair("/a"_ba, "b"_ba));
+        QCOMPARE(splitPath("/a"), std::pair("/"_ba, "a"_ba));
+        QCOMPARE(splitPath("/"), std::pair("/"_ba, ""_ba));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "foundation/SettingsStore.h"
 
+#include "foundation/JsonSettingsFile.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 
@@ -71,25 +72,16 @@ private Q_SLOTS:
 
     void theEndWritesWhatIsPending()
     {
-        QJsonObject disk;
-        struct Disk final : SettingsBackend {
-            explicit Disk(QJsonObject &stored) : content(stored) {}
-            QJsonObject load() override { return content; }
-            Result<void> save(const QJsonObject &all, const QStringList &) override
-            {
-                content = all;
-                return {};
-            }
-            QJsonObject &content;
-        };
+        const QTemporaryDir folder;
+        JsonSettingsFile disk(folder.filePath(u"settings.json"_s));
         VirtualClock clock;
-        auto store = std::make_unique<SettingsStore>(std::make_unique<Disk>(disk), clock);
+        std::optional<SettingsStore> store(std::in_place, std::make_unique<JsonSettingsFile>(disk), clock);
         store->set(u"a"_s, 1);
         QVERIFY(store->flush());
         store->set(u"b"_s, 2);
-        QCOMPARE(disk, (QJsonObject{{u"a"_s, 1}}));
+        QCOMPARE(disk.load(), (QJsonObject{{u"a"_s, 1}}));
         store.reset();
-        QCOMPARE(disk, (QJsonObject{{u"a"_s, 1}, {u"b"_s, 2}}));
+        QCOMPARE(disk.load(), (QJsonObject{{u"a"_s, 1}, {u"b"_s, 2}}));
         QCOMPARE(clock.pendingCount(), 0);
     }
 };

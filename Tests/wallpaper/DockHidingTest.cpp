@@ -1,57 +1,50 @@
 #include "support/WallpaperRig.h"
 
+namespace {
+
+const QString originalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
+
+} // namespace
+
 class DockHidingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theUsersOwnValueIsHonoured_data()
-    {
-        QTest::addColumn<bool>("had");
-        QTest::newRow("in sight") << false;
-        QTest::newRow("hidden already") << true;
-    }
-
     void theUsersOwnValueIsHonoured()
     {
-        QFETCH(bool, had);
-        WallpaperRig rig;
-        rig.host.dock.hides = had;
-        const WallpaperPreferences &preferences = rig.wallpaper().preferences();
-        rig.wallpaper().dock().toggleDockAutoHide();
-        settle();
-        QVERIFY(preferences.isDockAutoHidden());
-        QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(had));
-        QCOMPARE(rig.host.settings.stored.value(u"Velbrix_WallpaperDockAutoHideOriginal"_s).toBool(!had),
-                 had);
-        rig.wallpaper().dock().toggleDockAutoHide();
-        settle();
-        QCOMPARE(rig.host.dock.calls,
-                 (QStringList{u"autoHide"_s, u"set true"_s, had ? u"set true"_s : u"set false"_s}));
-        QVERIFY(!preferences.isDockAutoHidden());
-        QVERIFY(!preferences.originalSystemDockAutohideState());
-    }
-
-    void aFailureChangesNothing_data()
-    {
-        QTest::addColumn<bool>("whileReading");
-        QTest::newRow("reading") << true;
-        QTest::newRow("writing") << false;
+        for (const bool had : {false, true}) {
+            WallpaperRig rig;
+            rig.host.dock.hides = had;
+            const WallpaperPreferences &preferences = rig.wallpaper().preferences();
+            rig.wallpaper().dock().toggleDockAutoHide();
+            settle();
+            QVERIFY(preferences.isDockAutoHidden());
+            QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(had));
+            QCOMPARE(rig.host.settings.stored.value(originalKey).toBool(!had), had);
+            rig.wallpaper().dock().toggleDockAutoHide();
+            settle();
+            QCOMPARE(rig.host.dock.calls,
+                     (QStringList{u"autoHide"_s, u"set true"_s, had ? u"set true"_s : u"set false"_s}));
+            QVERIFY(!preferences.isDockAutoHidden());
+            QVERIFY(!preferences.originalSystemDockAutohideState());
+        }
     }
 
     void aFailureChangesNothing()
     {
-        QFETCH(bool, whileReading);
         WallpaperRig rig;
         const QString words = u"无法更改程序坞的设置"_s;
-        if (whileReading)
-            rig.host.dock.hides = failure(words);
-        else
-            rig.host.dock.failure = words;
-        rig.wallpaper().dock().toggleDockAutoHide();
-        QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
-        QVERIFY(!rig.wallpaper().preferences().originalSystemDockAutohideState());
-        QCOMPARE(rig.wallpaper().dock().problem(), words);
+        const auto fails = [&] {
+            rig.wallpaper().dock().toggleDockAutoHide();
+            return rig.wallpaper().dock().problem() == words &&
+                   !rig.wallpaper().preferences().isDockAutoHidden() &&
+                   !rig.wallpaper().preferences().originalSystemDockAutohideState();
+        };
+        rig.host.dock.hides = failure(words);
+        QVERIFY(fails());
         rig.host.dock.hides = false;
+        rig.host.dock.failure = words;
+        QVERIFY(fails());
         rig.host.dock.failure.reset();
         rig.wallpaper().dock().toggleDockAutoHide();
         QVERIFY(rig.wallpaper().dock().problem().isEmpty());
@@ -66,7 +59,7 @@ private Q_SLOTS:
         QVERIFY(rig.wallpaper().dock().isWorking());
         // Known on disk before anything changes.
         rig.clock.advance(1s);
-        QVERIFY(rig.host.settings.stored.contains(u"Velbrix_WallpaperDockAutoHideOriginal"_s));
+        QVERIFY(rig.host.settings.stored.contains(originalKey));
         QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
         rig.clock.advance(1s);
         QCOMPARE(rig.host.dock.calls, (QStringList{u"autoHide"_s, u"set true"_s}));
@@ -76,7 +69,7 @@ private Q_SLOTS:
     void aCrashInBetweenIsMended()
     {
         WallpaperRig rig;
-        rig.host.settings.stored.insert(u"Velbrix_WallpaperDockAutoHideOriginal"_s, false);
+        rig.host.settings.stored.insert(originalKey, false);
         rig.wallpaper().recoverAfterCrash();
         settle();
         QCOMPARE(rig.host.dock.calls, QStringList{u"set false"_s});

@@ -40,28 +40,22 @@ private Q_SLOTS:
         QCOMPARE(rig.surface()->path, file);
     }
 
-    void anIdleWallpaperStartsOnMainsOnlyWhenItShould_data()
-    {
-        QTest::addColumn<bool>("autoPlay");
-        QTest::newRow("wanted") << true;
-        QTest::newRow("not wanted") << false;
-    }
-
     void anIdleWallpaperStartsOnMainsOnlyWhenItShould()
     {
-        QFETCH(bool, autoPlay);
         WallpaperRig rig;
         rig.wallpaper().setVideo(rig.video(u"a.mp4"_s));
-        rig.wallpaper().preferences().setAutoPlay(autoPlay);
-        rig.logged();
-        rig.host.power.set(true);
-        QCOMPARE(rig.logged(), QStringList{u"AC unplugged (wallpaper was idle)"_s});
-        rig.host.power.set(false);
-        QCOMPARE(rig.logged().first(), autoPlay ? resumeLine : u"AC restored (no auto resume)"_s);
-        QCOMPARE(rig.wallpaper().isShowing(), autoPlay);
-        rig.logged();
-        rig.host.power.set(false);
-        QVERIFY(rig.logged().isEmpty());
+        for (const bool autoPlay : {false, true}) {
+            rig.wallpaper().preferences().setAutoPlay(autoPlay);
+            rig.logged();
+            rig.host.power.set(true);
+            QCOMPARE(rig.logged(), QStringList{u"AC unplugged (wallpaper was idle)"_s});
+            rig.host.power.set(false);
+            QCOMPARE(rig.logged().first(), autoPlay ? resumeLine : u"AC restored (no auto resume)"_s);
+            QCOMPARE(rig.wallpaper().isShowing(), autoPlay);
+            rig.logged();
+            rig.host.power.set(false);
+            QVERIFY(rig.logged().isEmpty());
+        }
     }
 
     void withoutTheSwitchNothingStopsOrStarts()

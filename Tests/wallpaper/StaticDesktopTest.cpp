@@ -1,11 +1,9 @@
 #include "wallpaper/StaticDesktop.h"
 
-#include "foundation/SettingsStore.h"
 #include "support/CapturedLog.h"
 #include "support/FakeDesktopPicture.h"
-#include "support/MemorySettings.h"
+#include "support/SettingsRig.h"
 #include "support/Test.h"
-#include "support/VirtualClock.h"
 #include "wallpaper/PictureFiles.h"
 
 #include <QJsonArray>
@@ -21,17 +19,26 @@ QImage filled(QColor color)
     return image;
 }
 
-struct Rig {
+struct Rig : SettingsRig {
     QTemporaryDir home;
     QString folder = home.filePath(u"我的 数据/StaticDesktop"_s);
-    VirtualClock clock;
-    MemorySettings *memory = new MemorySettings;
-    SettingsStore settings{std::unique_ptr<SettingsBackend>(memory), clock};
     FakeDesktopPicture picture{clock};
-    StaticDesktop desktop{picture, settings, clock, folder};
+    StaticDesktop desktop{picture, store, clock, folder};
     CapturedLog log;
 
     QStringList files() { return QDir(folder).entryList(QDir::Files, QDir::Name); }
+    // Both return when it is done.
+    void set(QColor color)
+    {
+        clock.advance(1ms);
+        desktop.setStaticDesktop(filled(color));
+        QTRY_VERIFY(!desktop.isWorking());
+    }
+    void putBack()
+    {
+        desktop.putBack();
+        QTRY_VERIFY(!desktop.isWorking());
+    }
 };
 
 } // namespace
@@ -76,20 +83,15 @@ private Q_SLOTS:
     void theUsersPictureIsRememberedOnce()
     {
         Rig rig;
-        rig.desktop.setStaticDesktop(filled(Qt::red));
-        QTRY_VERIFY(!rig.desktop.isWorking());
-        rig.clock.advance(5ms);
-        rig.desktop.setStaticDesktop(filled(Qt::green));
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
+        rig.set(Qt::green);
         QCOMPARE(rig.files().size(), 2);
         QCOMPARE(rig.picture.calls.last(), u"set "_s + rig.folder + u'/' + rig.files().last());
         // On disk: a crash must find it.
-        QCOMPARE(rig.memory->stored.value(originalKey).toObject().value(u"path"_s).toString(),
-                 u"/own/picture.png"_s);
-        rig.desktop.putBack();
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        QCOMPARE(rig.disk.stored.value(originalKey)[u"path"_s].toString(), u"/own/picture.png"_s);
+        rig.putBack();
         QCOMPARE(rig.picture.calls.last(), u"restore {\"path\":\"/own/picture.png\"}"_s);
-        QVERIFY(!rig.settings.contains(originalKey));
+        QVERIFY(!rig.store.contains(originalKey));
         rig.desktop.putBack();
         QVERIFY(!rig.desktop.isWorking());
     }
@@ -116,8 +118,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.picture.now = failure(u"桌面没有回答"_s);
-        rig.desktop.setStaticDesktop(filled(Qt::red));
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
         QCOMPARE(rig.picture.calls, QStringList{u"current"_s});
         QCOMPARE(rig.log.take(u"Wallpaper"_s), QStringList{u"设置桌面失败:桌面没有回答"_s});
     }
@@ -125,81 +126,59 @@ private Q_SLOTS:
     void aPictureThatTheUserChoosesMeanwhileIsHis()
     {
         Rig rig;
-        const auto set = [&rig](QColor color) {
-            rig.clock.advance(1ms);
-            rig.desktop.setStaticDesktop(filled(color));
-        };
-        set(Qt::red);
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
         rig.picture.now = QJsonObject{{u"path"_s, u"/newer.png"_s}};
-        set(Qt::green);
-        QTRY_VERIFY(!rig.desktop.isWorking());
-        rig.desktop.putBack();
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::green);
+        rig.putBack();
         QCOMPARE(rig.picture.calls.last(), u"restore {\"path\":\"/newer.png\"}"_s);
 
-        set(Qt::red);
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
         rig.picture.now = QJsonObject{{u"path"_s, u"/newest.png"_s}};
-        rig.desktop.putBack();
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.putBack();
         QCOMPARE(rig.picture.calls.last(), u"current"_s);
-        QVERIFY(!rig.settings.contains(originalKey));
+        QVERIFY(!rig.store.contains(originalKey));
     }
 
     void aProgramThatTakesTheDesktopOverIsRememberedToo()
     {
         Rig rig;
-        rig.desktop.setStaticDesktop(filled(Qt::red));
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
         rig.picture.now->insert(u"manager"_s, u"/its.png"_s);
-        rig.desktop.setStaticDesktop(filled(Qt::green));
-        QTRY_VERIFY(!rig.desktop.isWorking());
-        QCOMPARE(rig.settings.json(originalKey)->toObject(),
+        rig.set(Qt::green);
+        QCOMPARE(rig.store.json(originalKey)->toObject(),
                  (QJsonObject{{u"path"_s, u"/own/picture.png"_s}, {u"manager"_s, u"/its.png"_s}}));
-    }
-
-    void ourOwnPictureIsNobodysOriginal_data()
-    {
-        QTest::addColumn<QJsonValue>("entry");
-        QTest::newRow("path") << QJsonValue(QJsonArray{u"FOLDER/static_1.jpg"_s});
-        QTest::newRow("address") << QJsonValue(u"file://ENCODED/static_1.jpg"_s);
-        QTest::newRow("marked") << QJsonValue(QJsonObject{{u"ours"_s, true}});
     }
 
     void ourOwnPictureIsNobodysOriginal()
     {
-        QFETCH(QJsonValue, entry);
         Rig rig;
-        QByteArray text = QJsonDocument(QJsonObject{{u"place"_s, entry}}).toJson();
-        text.replace("FOLDER", rig.folder.toUtf8())
-            .replace("ENCODED", QUrl::toPercentEncoding(rig.folder, "/"));
-        rig.picture.now = QJsonDocument::fromJson(text).object();
-        rig.desktop.setStaticDesktop(filled(Qt::red));
-        QTRY_VERIFY(!rig.desktop.isWorking());
-        QVERIFY(!rig.settings.contains(originalKey));
-        QCOMPARE(rig.picture.calls.size(), 2);
+        const QString encoded = QString::fromLatin1(QUrl::toPercentEncoding(rig.folder, "/"));
+        const std::initializer_list<QJsonValue> ours = {QJsonArray{rig.folder + u"/static_1.jpg"_s},
+                                                        u"file://"_s + encoded + u"/static_1.jpg"_s,
+                                                        QJsonObject{{u"ours"_s, true}}};
+        for (const QJsonValue &entry : ours) {
+            rig.picture.now = QJsonObject{{u"place"_s, entry}};
+            rig.picture.calls.clear();
+            rig.set(Qt::red);
+            QVERIFY(!rig.store.contains(originalKey));
+            QCOMPARE(rig.picture.calls.size(), 2);
+        }
     }
 
     void failuresAreLoggedAndTriedAgain()
     {
         Rig rig;
         rig.picture.setAnswer = failure(u"拒绝"_s);
-        rig.desktop.setStaticDesktop(filled(Qt::red));
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
         QCOMPARE(rig.log.take(u"Wallpaper"_s), QStringList{u"设置桌面失败:拒绝"_s});
         rig.picture.setAnswer = {};
-        rig.clock.advance(1ms);
-        rig.desktop.setStaticDesktop(filled(Qt::red));
-        QTRY_VERIFY(!rig.desktop.isWorking());
+        rig.set(Qt::red);
         rig.picture.restoreAnswer = failure(u"还是不行"_s);
-        rig.desktop.putBack();
-        QTRY_VERIFY(!rig.desktop.isWorking());
-        QVERIFY(rig.settings.contains(originalKey));
+        rig.putBack();
+        QVERIFY(rig.store.contains(originalKey));
         rig.picture.restoreAnswer = {};
-        rig.desktop.putBack();
-        QTRY_VERIFY(!rig.desktop.isWorking());
-        QVERIFY(!rig.settings.contains(originalKey));
+        rig.putBack();
+        QVERIFY(!rig.store.contains(originalKey));
     }
 };
 

@@ -67,13 +67,11 @@ private Q_SLOTS:
         rig.make(u"a.mp4"_s);
         rig.folder.choose(rig.root);
         QTRY_COMPARE(rig.folder.folderVideos().size(), 1);
-        rig.make(u"b.mp4"_s);
         rig.folder.rescan();
         rig.folder.cancelScan();
         QVERIFY(!rig.folder.isScanning());
         QTest::qWait(0);
-        // It may have been quicker than the cancelling.
-        QVERIFY(!rig.folder.folderVideos().isEmpty());
+        QCOMPARE(rig.folder.folderVideos().size(), 1);
         Cancellation cancelled;
         cancelled.cancel();
         QVERIFY(videosBelow(rig.root, cancelled).isEmpty());

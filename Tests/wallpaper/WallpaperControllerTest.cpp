@@ -22,31 +22,25 @@ private Q_SLOTS:
         QVERIFY(rig.host.desktopPicture.calls.isEmpty());
     }
 
-    void aFileThatIsNoVideoIsRefusedAndChangesNothing_data()
-    {
-        QTest::addColumn<Result<VideoFacts>>("facts");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("unreadable") << Result<VideoFacts>(failure(u"文件是空的"_s))
-                                    << u"无法读取视频：文件是空的"_s;
-        QTest::newRow("sound only") << Result<VideoFacts>(VideoFacts{}) << u"视频中没有画面轨道"_s;
-    }
-
     void aFileThatIsNoVideoIsRefusedAndChangesNothing()
     {
-        QFETCH(Result<VideoFacts>, facts);
-        QFETCH(QString, message);
         WallpaperRig rig;
         const QString good = rig.video(u"good.mp4"_s);
         const QString bad = rig.video(u"bad.mp4"_s);
-        rig.host.mediaProbe.factsOf.insert(bad, facts);
         rig.play(good);
-        rig.wallpaper().setVideo(bad);
-        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::failed, {}, message}));
-        QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(good));
-        QVERIFY(rig.surface()->isPlaying);
-        QCOMPARE(rig.surface()->path, good);
-        rig.wallpaper().dismissFailure();
-        QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, good, {}}));
+        const std::pair<Result<VideoFacts>, QString> rows[] = {
+            {failure(u"文件是空的"_s), u"无法读取视频：文件是空的"_s},
+            {VideoFacts{}, u"视频中没有画面轨道"_s}};
+        for (const auto &[facts, message] : rows) {
+            rig.host.mediaProbe.factsOf.insert(bad, facts);
+            rig.wallpaper().setVideo(bad);
+            QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::failed, {}, message}));
+            QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(good));
+            QVERIFY(rig.surface()->isPlaying);
+            QCOMPARE(rig.surface()->path, good);
+            rig.wallpaper().dismissFailure();
+            QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, good, {}}));
+        }
     }
 
     void theNewerOfTwoChoicesWins()
@@ -114,31 +108,22 @@ private Q_SLOTS:
         QVERIFY(rig.host.desktopPicture.calls.isEmpty());
     }
 
-    void stoppingOrEndingWhileItLoadsKeepsItOff_data()
-    {
-        QTest::addColumn<bool>("ends");
-        QTest::newRow("stop") << false;
-        QTest::newRow("end") << true;
-    }
-
     void stoppingOrEndingWhileItLoadsKeepsItOff()
     {
-        QFETCH(bool, ends);
-        WallpaperRig rig;
-        rig.host.settings.stored.insert(u"VelbClean_LastVideoPath"_s, rig.video(u"a.mp4"_s));
-        rig.host.mediaProbe.delay = 2s;
-        rig.wallpaper().resumeWallpaper();
-        QVERIFY(rig.wallpaper().canStop());
-        if (ends)
-            rig.wallpaper().shutDown();
-        else
-            rig.wallpaper().stopWallpaper();
-        QVERIFY(!rig.wallpaper().canStop());
-        rig.clock.advance(10s);
-        QVERIFY(!rig.wallpaper().isShowing() && rig.host.desktopPicture.calls.isEmpty());
-        rig.wallpaper().resumeWallpaper();
-        rig.clock.advance(10s);
-        QCOMPARE(rig.wallpaper().isShowing(), !ends);
+        for (const auto end : {&WallpaperController::stopWallpaper, &WallpaperController::shutDown}) {
+            WallpaperRig rig;
+            rig.host.settings.stored.insert(u"VelbClean_LastVideoPath"_s, rig.video(u"a.mp4"_s));
+            rig.host.mediaProbe.delay = 2s;
+            rig.wallpaper().resumeWallpaper();
+            QVERIFY(rig.wallpaper().canStop());
+            (rig.wallpaper().*end)();
+            QVERIFY(!rig.wallpaper().canStop());
+            rig.clock.advance(10s);
+            QVERIFY(!rig.wallpaper().isShowing() && rig.host.desktopPicture.calls.isEmpty());
+            rig.wallpaper().resumeWallpaper();
+            rig.clock.advance(10s);
+            QCOMPARE(rig.wallpaper().isShowing(), end == &WallpaperController::stopWallpaper);
+        }
     }
 
     void aPlugPulledWhileItStartsKeepsItOffUntilMains()
@@ -199,45 +184,37 @@ private Q_SLOTS:
         QVERIFY(!rig.wallpaper().displays().multiDisplayTargetID());
     }
 
-    void whatCannotBeShownIsTold_data()
-    {
-        QTest::addColumn<QString>("what");
-        QTest::addColumn<QString>("told");
-        QTest::newRow("no video") << u"none"_s << u"请先选择一个视频"_s;
-        QTest::newRow("no display") << u"display"_s << u"没有检测到显示器"_s;
-        QTest::newRow("no player") << u"player"_s << u"没有播放器"_s;
-        QTest::newRow("a page") << u"html"_s << u"此版本还不能显示HTML壁纸，请选择一个视频。"_s;
-        QTest::newRow("gone") << u"gone"_s << u"无法读取视频：文件不存在"_s;
-        QTest::newRow("battery") << u"battery"_s << u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s;
-    }
-
     void whatCannotBeShownIsTold()
     {
-        QFETCH(QString, what);
-        WallpaperRig rig;
-        WallpaperController &wallpaper = rig.wallpaper();
-        if (what != u"none")
+        using Obstacle = void (*)(WallpaperRig &);
+        const std::pair<Obstacle, QString> rows[] = {
+            {[](WallpaperRig &r) { r.host.displays.set({}); }, u"没有检测到显示器"_s},
+            {[](WallpaperRig &r) { r.host.surfaces.refusal = Failure{u"没有播放器"_s}; }, u"没有播放器"_s},
+            {[](WallpaperRig &r) { r.wallpaper().setContentMode(WallpaperContentMode::html); },
+             u"此版本还不能显示HTML壁纸，请选择一个视频。"_s},
+            {[](WallpaperRig &r) { QFile::remove(r.files.filePath(u"a.mp4"_s)); },
+             u"无法读取视频：文件不存在"_s},
+            {[](WallpaperRig &r) { r.host.power.set(true); },
+             u"当前正在使用电池：壁纸已停止，接上电源后可自动恢复"_s}};
+        for (const auto &[obstacle, told] : rows) {
+            WallpaperRig rig;
+            WallpaperController &wallpaper = rig.wallpaper();
+            wallpaper.apply();
+            QCOMPARE(wallpaper.notice(), u"请先选择一个视频"_s);
             wallpaper.setVideo(rig.video(u"a.mp4"_s));
-        settle();
-        if (what == u"gone")
-            QVERIFY(QFile::remove(rig.files.filePath(u"a.mp4"_s)));
-        if (what == u"display")
-            rig.host.displays.set({});
-        if (what == u"player")
-            rig.host.surfaces.refusal = Failure{u"没有播放器"_s};
-        if (what == u"html")
-            wallpaper.setContentMode(WallpaperContentMode::html);
-        if (what == u"battery")
-            rig.host.power.set(true);
-        wallpaper.apply();
-        settle();
-        QVERIFY(!wallpaper.isShowing());
-        // What the desktop showed before, it shows again.
-        QTRY_VERIFY(wallpaper.isSettled());
-        QCOMPARE(rig.host.desktopPicture.now->value(u"path"_s).toString(), u"/own/picture.png"_s);
-        QVERIFY(!rig.services->settings.contains(u"Velbrix_WallpaperOriginalDesktopPicture"_s));
-        QTEST(wallpaper.notice() + wallpaper.state().message, "told");
-        QCOMPARE(rig.logged().contains(u"blocked: on battery (pauseOnBattery)"_s), what == u"battery");
+            settle();
+            obstacle(rig);
+            wallpaper.apply();
+            settle();
+            QVERIFY(!wallpaper.isShowing());
+            // What the desktop showed before, it shows again.
+            QTRY_VERIFY(wallpaper.isSettled());
+            QCOMPARE(rig.host.desktopPicture.now->value(u"path"_s).toString(), u"/own/picture.png"_s);
+            QVERIFY(!rig.services->settings.contains(u"Velbrix_WallpaperOriginalDesktopPicture"_s));
+            QCOMPARE(wallpaper.notice() + wallpaper.state().message, told);
+            QCOMPARE(rig.logged().contains(u"blocked: on battery (pauseOnBattery)"_s),
+                     rig.host.power.battery);
+        }
     }
 
     void pauseKeepsTheWindowsAndResumePlaysThem()
@@ -293,65 +270,45 @@ private Q_SLOTS:
         QCOMPARE(rig.logged(), QStringList{u"resume blocked: on battery"_s});
     }
 
-    void launchRestores_data()
-    {
-        QTest::addColumn<QJsonObject>("stored");
-        QTest::addColumn<bool>("battery");
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<bool>("plays");
-        const QJsonObject last{{u"VelbClean_LastVideoPath"_s, u"FILE"_s}};
-        const auto with = [&](const QString &key, const QJsonValue &value) {
-            QJsonObject all = last;
-            all.insert(key, value);
-            return all;
-        };
-        QTest::newRow("last video") << last << false << QStringList{u"autoRestore load last path: FILE"_s}
-                                    << true;
-        QTest::newRow("gone") << QJsonObject{{u"VelbClean_LastVideoPath"_s, u"/none.mp4"_s}} << false
-                              << QStringList{u"autoRestore load last path: /none.mp4"_s} << false;
-        QTest::newRow("nothing yet") << QJsonObject{} << false
-                                     << QStringList{u"autoRestore: no last video path"_s} << false;
-        QTest::newRow("not wanted") << with(u"VelbClean_WallpaperAutoPlay"_s, false) << false
-                                    << QStringList{u"autoRestore skipped: autoPlay=false"_s} << false;
-        QTest::newRow("battery") << last << true << QStringList{u"autoRestore skipped: on battery"_s}
-                                 << false;
-        QTest::newRow("battery allowed") << with(u"Velbrix_WallpaperPauseOnBattery"_s, false) << true
-                                         << QStringList{u"autoRestore load last path: FILE"_s} << true;
-        QTest::newRow("secondary only")
-            << QJsonObject{{u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"2"_s, u"FILE"_s}}}} << false
-            << QStringList{u"autoRestore: no last video path"_s,
-                           u"autoRestore secondary-only paths count=1"_s}
-            << true;
-    }
-
     void launchRestores()
     {
-        QFETCH(QJsonObject, stored);
-        QFETCH(bool, battery);
-        QFETCH(QStringList, lines);
-        QFETCH(bool, plays);
-        WallpaperRig rig;
-        const QString file = rig.video(u"a.mp4"_s);
-        const QByteArray text = QJsonDocument(stored).toJson().replace("FILE", file.toUtf8());
-        rig.host.settings.stored = QJsonDocument::fromJson(text).object();
-        rig.host.power.battery = battery;
-        rig.plugSecond();
-        rig.wallpaper();
-        rig.logged();
-        rig.wallpaper().autoRestoreOnLaunch();
-        const QStringList logged = rig.logged();
-        QCOMPARE(logged.mid(0, lines.size()), lines.replaceInStrings(u"FILE"_s, file));
-        QCOMPARE(rig.wallpaper().isShowing(), plays);
-        QCOMPARE(rig.wallpaper().state().isPlaying(), plays);
-    }
-
-    void aRunningWallpaperIsNotRestoredTwice()
-    {
-        WallpaperRig rig;
-        rig.play(rig.video(u"a.mp4"_s));
-        rig.logged();
-        rig.wallpaper().autoRestoreOnLaunch();
-        QCOMPARE(rig.logged(), QStringList{u"autoRestore skipped: already playing"_s});
+        const QTemporaryDir folder;
+        const QString file = writeFile(folder.filePath(u"a.mp4"_s));
+        const QString last = u"VelbClean_LastVideoPath"_s;
+        const QString load = u"autoRestore load last path: "_s;
+        const QString nothing = u"autoRestore: no last video path"_s;
+        const struct {
+            QJsonObject stored;
+            bool onBattery, plays;
+            QStringList lines; // the first ones
+        } rows[] = {
+            {{{last, file}}, false, true, {load + file}},
+            {{{last, u"/none.mp4"_s}}, false, false, {load + u"/none.mp4"_s}},
+            {{}, false, false, {nothing}},
+            {{{last, file}, {u"VelbClean_WallpaperAutoPlay"_s, false}},
+             false,
+             false,
+             {u"autoRestore skipped: autoPlay=false"_s}},
+            {{{last, file}}, true, false, {u"autoRestore skipped: on battery"_s}},
+            {{{last, file}, {u"Velbrix_WallpaperPauseOnBattery"_s, false}}, true, true, {load + file}},
+            {{{u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"2"_s, file}}}},
+             false,
+             true,
+             {nothing, u"autoRestore secondary-only paths count=1"_s}}};
+        for (const auto &[stored, onBattery, plays, lines] : rows) {
+            WallpaperRig rig;
+            rig.host.settings.stored = stored;
+            rig.host.power.battery = onBattery;
+            rig.plugSecond();
+            rig.wallpaper();
+            rig.logged();
+            rig.wallpaper().autoRestoreOnLaunch();
+            QCOMPARE(rig.logged().first(lines.size()), lines);
+            QCOMPARE(rig.wallpaper().isShowing(), plays);
+            QCOMPARE(rig.wallpaper().state().isPlaying(), plays);
+            rig.wallpaper().autoRestoreOnLaunch();
+            QCOMPARE(rig.logged() == QStringList{u"autoRestore skipped: already playing"_s}, plays);
+        }
     }
 
     void aNewVideoReplacesTheShownOne()
@@ -428,45 +385,6 @@ private Q_SLOTS:
         rig.wallpaper().beginSelecting();
         rig.wallpaper().endSelecting();
         QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::playing, file, {}}));
-    }
-
-    void theEndPutsEverythingBack()
-    {
-        WallpaperRig rig;
-        rig.play(rig.video(u"a.mp4"_s));
-        rig.wallpaper().dock().toggleDockAutoHide();
-        QVERIFY(rig.wallpaper().preferences().isDockAutoHidden());
-        rig.host.dock.delay = 100ms;
-        rig.wallpaper().shutDown();
-        QVERIFY(!rig.wallpaper().isSettled());
-        rig.clock.advance(1s);
-        QTRY_VERIFY(rig.wallpaper().isSettled());
-        QCOMPARE(rig.host.dock.calls.last(), u"set false"_s);
-        QVERIFY(rig.host.desktopPicture.calls.last().startsWith(u"restore "_s));
-        QVERIFY(!rig.wallpaper().preferences().isDockAutoHidden());
-    }
-
-    void anEarlierRunsLeavingsArePutBack()
-    {
-        WallpaperRig rig;
-        rig.host.settings.stored = {
-            {u"Velbrix_WallpaperOriginalDesktopPicture"_s, QJsonObject{{u"path"_s, u"/mine.jpg"_s}}},
-            {u"Velbrix_WallpaperDockAutoHideActive"_s, true},
-            {u"Velbrix_WallpaperDockAutoHideOriginal"_s, true}};
-        const QString left = rig.files.filePath(u"data/Velbrix/StaticDesktop/static_1.jpg"_s);
-        rig.host.desktopPicture.now = QJsonObject{{u"path"_s, left}};
-        rig.wallpaper().recoverAfterCrash();
-        QTRY_VERIFY(rig.wallpaper().isSettled());
-        QCOMPARE(rig.host.desktopPicture.calls,
-                 (QStringList{u"current"_s, u"restore {\"path\":\"/mine.jpg\"}"_s}));
-        QCOMPARE(rig.host.dock.calls, QStringList{u"set true"_s});
-    }
-
-    void whatTheSystemSaysIsRead()
-    {
-        WallpaperRig rig;
-        QVERIFY(!rig.wallpaper().launchAtLogin());
-        QCOMPARE(rig.wallpaper().accessibilityTrusted(), rig.host.permissions.accessibilityTrusted());
     }
 };
 

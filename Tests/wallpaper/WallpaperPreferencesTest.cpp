@@ -67,44 +67,26 @@ private Q_SLOTS:
         QCOMPARE(written.saved(), stored);
     }
 
-    void badValuesAreMended_data()
-    {
-        QTest::addColumn<QJsonObject>("stored");
-        QTest::addColumn<double>("volume");
-        QTest::addColumn<double>("speed");
-        QTest::addColumn<double>("interval");
-        QTest::addColumn<QString>("gravity");
-        const auto row = [](const char *name, const QString &key, const QJsonValue &value) {
-            return &(QTest::newRow(name) << QJsonObject{{key, value}});
-        };
-        *row("loud", u"VelbClean_WallpaperVolume"_s, 7) << 1.0 << 1.0 << 20.0 << u"裁剪"_s;
-        *row("negative", u"VelbClean_WallpaperVolume"_s, -1) << 0.0 << 1.0 << 20.0 << u"裁剪"_s;
-        *row("volume is text", u"VelbClean_WallpaperVolume"_s, u"x"_s) << 0.3 << 1.0 << 20.0 << u"裁剪"_s;
-        *row("fast", u"VelbClean_WallpaperSpeed"_s, 3.0) << 0.3 << 2.0 << 20.0 << u"裁剪"_s;
-        *row("slow", u"VelbClean_WallpaperSpeed"_s, 0.1) << 0.3 << 0.25 << 20.0 << u"裁剪"_s;
-        *row("no interval", u"Velbrix_HTMLDesktopSnapshotInterval"_s, 0) << 0.3 << 1.0 << 1.0 << u"裁剪"_s;
-        *row("long", u"Velbrix_HTMLDesktopSnapshotInterval"_s, 60) << 0.3 << 1.0 << 20.0 << u"裁剪"_s;
-        *row("fraction", u"Velbrix_HTMLDesktopSnapshotInterval"_s, 4.6) << 0.3 << 1.0 << 5.0 << u"裁剪"_s;
-        *row("gravity", u"VelbClean_WallpaperGravity"_s, u"平铺"_s) << 0.3 << 1.0 << 20.0 << u"裁剪"_s;
-    }
-
     void badValuesAreMended()
     {
-        QFETCH(QJsonObject, stored);
-        Rig rig(stored);
-        QTEST(rig.preferences.volume(), "volume");
-        QTEST(rig.preferences.speed(), "speed");
-        QTEST(rig.preferences.htmlDesktopSnapshotInterval(), "interval");
-        QTEST(rawValue(rig.preferences.gravity()), "gravity");
-    }
-
-    void gravityIsDrawnAsTold()
-    {
-        QCOMPARE(layerGravity(WallpaperGravity::fill), VideoGravity::stretch);
-        QCOMPARE(layerGravity(WallpaperGravity::resize), VideoGravity::stretch);
-        QCOMPARE(layerGravity(WallpaperGravity::aspectFill), VideoGravity::crop);
-        QCOMPARE(layerGravity(WallpaperGravity::aspectFit), VideoGravity::fit);
-        QCOMPARE(layerGravity(WallpaperGravity::none), VideoGravity::fit);
+        const auto verify = [](const QString &key, const QJsonValue &stored, double volume, double speed,
+                               double interval) {
+            const Rig rig({{key, stored}});
+            QCOMPARE(rig.preferences.volume(), volume);
+            QCOMPARE(rig.preferences.speed(), speed);
+            QCOMPARE(rig.preferences.htmlDesktopSnapshotInterval(), interval);
+            QCOMPARE(rig.preferences.gravity(), WallpaperGravity::aspectFill);
+        };
+        const QString snapshot = u"Velbrix_HTMLDesktopSnapshotInterval"_s;
+        verify(u"VelbClean_WallpaperVolume"_s, 7, 1, 1, 20);
+        verify(u"VelbClean_WallpaperVolume"_s, -1, 0, 1, 20);
+        verify(u"VelbClean_WallpaperVolume"_s, u"x"_s, 0.3, 1, 20);
+        verify(u"VelbClean_WallpaperSpeed"_s, 3.0, 0.3, 2, 20);
+        verify(u"VelbClean_WallpaperSpeed"_s, 0.1, 0.3, 0.25, 20);
+        verify(snapshot, 0, 0.3, 1, 1);
+        verify(snapshot, 60, 0.3, 1, 20);
+        verify(snapshot, 4.6, 0.3, 1, 5);
+        verify(u"VelbClean_WallpaperGravity"_s, u"平铺"_s, 0.3, 1, 20);
     }
 
     void aPageIsWrittenBackNormalised()
