@@ -446,6 +446,7 @@ private Q_SLOTS:
         QVERIFY(rig.make(only(*window)));
         QVERIFY(rig.open());
         window.reset();
+        QGuiApplication::sync(); // else it is only hidden yet
         QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"窗口已关闭"_s);
         QVERIFY(QCoro::waitFor(rig.session->stopCapture()));
         QCOMPARE(rig.movie->ticks().size(), 0);
