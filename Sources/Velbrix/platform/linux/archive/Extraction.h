@@ -3,7 +3,7 @@
 #include "platform/linux/archive/ArchiveWork.h"
 #include "platform/linux/archive/EntryReader.h"
 #include "platform/linux/archive/ExtractionPlan.h"
-#include "platform/linux/archive/FileDescriptor.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <QSet>
 #include <QString>

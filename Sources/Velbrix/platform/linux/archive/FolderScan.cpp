@@ -1,6 +1,6 @@
 #include "platform/linux/archive/FolderScan.h"
 
-#include "platform/linux/archive/FileDescriptor.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "foundation/Result.h"
-#include "platform/linux/archive/FileDescriptor.h"
 #include "platform/linux/archive/ZipRecords.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/FolderHandle.h"
-#include "platform/linux/archive/FileDescriptor.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <QString>
 

@@ -3,6 +3,7 @@
 #include "foundation/Paths.h"
 #include "foundation/RemovalGuard.h"
 #include "platform/linux/files/ExclusiveMove.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <cerrno>
 
@@ -40,14 +41,15 @@ QString moveReason(int error)
 // 0 or the errno; EEXIST when the name is taken.
 int writeInfo(const QByteArray &path, const QByteArray &text)
 {
-    const int file = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (file < 0)
+    const FileDescriptor file(
+        ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file)
         return errno;
-    const bool isWritten = ::write(file, text.constData(), static_cast<size_t>(text.size())) == text.size();
-    const int error = isWritten ? 0 : (errno ? errno : ENOSPC);
-    ::close(file);
-    if (error != 0)
-        ::unlink(path.constData());
+    if (writeAll(file.number(),
+                 {reinterpret_cast<const std::uint8_t *>(text.constData()), size_t(text.size())}))
+        return 0;
+    const int error = errno;
+    ::unlink(path.constData());
     return error;
 }
 

@@ -76,7 +76,7 @@ QCoro::Task<> TreeDiskUsage::measure(const QList<QByteArray> paths, Measured mea
     QList<QFuture<void>> workers;
     for (int i = 0; i < _threads; ++i)
         workers.append(QtConcurrent::run(&_pool, [&measuring] { measuring->sizes().work(); }));
-    // What lies here outlives the workers.
+    // The workers use what belongs to this frame.
     for (const QFuture<void> &worker : std::as_const(workers))
         co_await worker;
     measuring->tell();

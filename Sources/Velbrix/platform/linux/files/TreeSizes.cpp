@@ -1,8 +1,8 @@
 #include "platform/linux/files/TreeSizes.h"
 
+#include "platform/linux/files/FileDescriptor.h"
+
 #include <algorithm>
-#include <cerrno>
-#include <climits>
 #include <cstring>
 #include <set>
 #include <utility>
@@ -10,36 +10,12 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace velbrix {
 namespace {
 
 constexpr qint64 blockSize = 512;
-constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-
-// In pieces when the kernel does not take so long a path at once.
-int openFolder(const QByteArray &path)
-{
-    if (path.size() < PATH_MAX)
-        return ::open(path.constData(), folderFlags);
-    int at = AT_FDCWD;
-    for (qsizetype start = 0; start < path.size();) {
-        qsizetype end = path.size();
-        if (end - start >= PATH_MAX)
-            end = path.lastIndexOf('/', start + PATH_MAX - 1);
-        const int next = ::openat(at, path.sliced(start, end - start).constData(), folderFlags);
-        const int error = errno;
-        if (at != AT_FDCWD)
-            ::close(at);
-        errno = error;
-        if (next < 0)
-            return -1;
-        at = next;
-        start = end + 1;
-    }
-    return at;
-}
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK;
 
 bool facts(int folder, const char *name, struct statx &facts)
 {
@@ -170,11 +146,11 @@ void TreeSizes::measure(const Folder &folder, Listing &listing, std::vector<Fold
         if (!isFolder(entry))
             return;
     }
-    const int descriptor = openFolder(folder.path);
-    if (descriptor < 0)
+    const FileDescriptor opened = openBelow(AT_FDCWD, folder.path, folderFlags);
+    if (!opened)
         return;
-    listing.read(descriptor, [&](const char *name) {
-        if (_isCancelled || !facts(descriptor, name, entry))
+    listing.read(opened.number(), [&](const char *name) {
+        if (_isCancelled || !facts(opened.number(), name, entry))
             return;
         if (isFolder(entry))
             found.push_back({.tree = folder.tree, .path = folder.path + '/' + name});
@@ -182,7 +158,6 @@ void TreeSizes::measure(const Folder &folder, Listing &listing, std::vector<Fold
             return;
         blocks += qint64(entry.stx_blocks);
     });
-    ::close(descriptor);
     folder.tree->blocks += blocks;
 }
 

@@ -29,12 +29,6 @@ constexpr char leavingName[] = "instance.leaving";
 
 constexpr int fileFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
 
-void closeFile(int &descriptor)
-{
-    if (descriptor >= 0)
-        ::close(std::exchange(descriptor, -1));
-}
-
 // Through the folder's descriptor, as a socket address has room for a short
 // path only.
 sockaddr_un socketAddress(int folder)
@@ -43,6 +37,11 @@ sockaddr_un socketAddress(int folder)
     address.sun_family = AF_UNIX;
     std::snprintf(address.sun_path, sizeof address.sun_path, "/proc/self/fd/%d/%s", folder, socketName);
     return address;
+}
+
+FileDescriptor makeSocket()
+{
+    return FileDescriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
 template <typename Call> int unlessInterrupted(Call call)
@@ -54,12 +53,12 @@ template <typename Call> int unlessInterrupted(Call call)
     return result;
 }
 
-// Until the descriptor is closed. Less than 0 when there is no gate.
-int enterGate(int folder)
+// Until the descriptor is closed; the gate stands open when it cannot be opened.
+FileDescriptor enterGate(int folder)
 {
-    const int gate = ::openat(folder, gateName, fileFlags, 0600);
-    if (gate >= 0)
-        unlessInterrupted([gate] { return ::flock(gate, LOCK_EX); });
+    FileDescriptor gate(::openat(folder, gateName, fileFlags, 0600));
+    if (gate)
+        unlessInterrupted([&gate] { return ::flock(gate.number(), LOCK_EX); });
     return gate;
 }
 
@@ -75,120 +74,109 @@ FolderSingleInstance::FolderSingleInstance(const QString &folder)
 {
     if (folder.isEmpty())
         return;
-    _folder = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (_folder < 0)
+    _folder =
+        FileDescriptor(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!_folder)
         logFailure("open folder");
 }
 
 FolderSingleInstance::~FolderSingleInstance()
 {
     closeSocket();
-    closeFile(_sign);
-    closeFile(_lock);
-    closeFile(_folder);
 }
 
 bool FolderSingleInstance::claim()
 {
-    if (_lock >= 0 || _folder < 0)
+    if (_lock || !_folder)
         return true;
     for (;;) {
-        int sign = -1;
+        FileDescriptor sign;
         const Claim claim = tryToClaim(sign);
         if (claim != Claim::leaving)
             return claim == Claim::taken;
         // Shared, so that all who wait go on together and claim one by one. The
         // place's own lock may have its next holder already.
-        unlessInterrupted([sign] { return ::flock(sign, LOCK_SH); });
-        closeFile(sign);
+        unlessInterrupted([&sign] { return ::flock(sign.number(), LOCK_SH); });
     }
 }
 
-FolderSingleInstance::Claim FolderSingleInstance::tryToClaim(int &sign)
+FolderSingleInstance::Claim FolderSingleInstance::tryToClaim(FileDescriptor &sign)
 {
     // Whoever finds the place held must also find the holder's socket open, or
     // its wake-up would be lost: claims go through the gate one by one.
-    int gate = enterGate(_folder);
-    int lock = ::openat(_folder, lockName, fileFlags, 0600);
-    const bool isHeld = lock >= 0 &&
-                        unlessInterrupted([lock] { return ::flock(lock, LOCK_EX | LOCK_NB); }) < 0 &&
-                        errno == EWOULDBLOCK;
-    Claim claim = Claim::taken;
+    const FileDescriptor gate = enterGate(_folder.number());
+    FileDescriptor lock(::openat(_folder.number(), lockName, fileFlags, 0600));
+    const bool isHeld =
+        lock && unlessInterrupted([&lock] { return ::flock(lock.number(), LOCK_EX | LOCK_NB); }) < 0 &&
+        errno == EWOULDBLOCK;
     if (isHeld) {
-        closeFile(lock);
-        sign = ::openat(_folder, leavingName, O_RDWR | O_CLOEXEC | O_NOFOLLOW);
-        claim = sign >= 0 ? Claim::leaving : Claim::held;
-    } else {
-        if (lock < 0)
-            logFailure("open lock");
-        _lock = lock;
-        ::unlinkat(_folder, leavingName, 0);
-        if (!openSocket())
-            logFailure("open socket");
+        sign = FileDescriptor(::openat(_folder.number(), leavingName, O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+        return sign ? Claim::leaving : Claim::held;
     }
-    closeFile(gate);
-    return claim;
+    if (!lock)
+        logFailure("open lock");
+    _lock = std::move(lock);
+    ::unlinkat(_folder.number(), leavingName, 0);
+    if (!openSocket())
+        logFailure("open socket");
+    return Claim::taken;
 }
 
 void FolderSingleInstance::leave()
 {
-    if (_lock < 0 || _sign >= 0)
+    if (!_lock || _sign)
         return;
-    int gate = enterGate(_folder);
-    _sign = ::openat(_folder, leavingName, fileFlags, 0600);
-    if (_sign < 0 || ::flock(_sign, LOCK_EX) < 0)
+    const FileDescriptor gate = enterGate(_folder.number());
+    _sign = FileDescriptor(::openat(_folder.number(), leavingName, fileFlags, 0600));
+    if (!_sign || ::flock(_sign.number(), LOCK_EX) < 0)
         logFailure("leave");
     closeSocket();
-    closeFile(gate);
 }
 
 void FolderSingleInstance::closeSocket()
 {
     _notifier.reset();
-    if (_socket >= 0)
-        ::unlinkat(_folder, socketName, 0);
-    closeFile(_socket);
+    if (_socket)
+        ::unlinkat(_folder.number(), socketName, 0);
+    _socket = FileDescriptor();
 }
 
 bool FolderSingleInstance::openSocket()
 {
     // Left behind by a copy that was killed: the lock says that nobody uses it.
-    ::unlinkat(_folder, socketName, 0);
-    _socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (_socket < 0)
+    ::unlinkat(_folder.number(), socketName, 0);
+    FileDescriptor socket = makeSocket();
+    const sockaddr_un address = socketAddress(_folder.number());
+    if (!socket ||
+        ::bind(socket.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address) < 0 ||
+        ::fchmodat(_folder.number(), socketName, 0600, 0) < 0)
         return false;
-    const sockaddr_un address = socketAddress(_folder);
-    if (::bind(_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) < 0 ||
-        ::fchmodat(_folder, socketName, 0600, 0) < 0) {
-        closeFile(_socket);
-        return false;
-    }
+    _socket = std::move(socket);
     return true;
 }
 
 bool FolderSingleInstance::wakeOther()
 {
-    if (_folder < 0)
+    if (!_folder)
         return false;
-    int sender = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    const sockaddr_un address = socketAddress(_folder);
+    const FileDescriptor sender = makeSocket();
+    const sockaddr_un address = socketAddress(_folder.number());
     constexpr char wake = 'w';
     const auto sent = unlessInterrupted([&] {
-        return ::sendto(sender, &wake, 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr *>(&address),
+        return ::sendto(sender.number(), &wake, 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr *>(&address),
                         sizeof address);
     });
     // A full queue holds wake-ups already.
     const bool isWoken = sent >= 0 || errno == EAGAIN;
     if (!isWoken)
         logFailure("wake");
-    closeFile(sender);
     return isWoken;
 }
 
 Observation FolderSingleInstance::observeWake(std::function<void()> wake)
 {
-    if (_socket >= 0 && !_notifier) {
-        _notifier = std::make_unique<QSocketNotifier>(_socket, QSocketNotifier::Read);
+    if (_socket && !_notifier) {
+        _notifier = std::make_unique<QSocketNotifier>(_socket.number(), QSocketNotifier::Read);
         QObject::connect(_notifier.get(), &QSocketNotifier::activated, _notifier.get(),
                          [this] { readWakes(); });
     }
@@ -198,7 +186,7 @@ Observation FolderSingleInstance::observeWake(std::function<void()> wake)
 void FolderSingleInstance::readWakes()
 {
     char wake[16];
-    while (unlessInterrupted([&] { return ::recv(_socket, wake, sizeof wake, 0); }) >= 0) {
+    while (unlessInterrupted([&] { return ::recv(_socket.number(), wake, sizeof wake, 0); }) >= 0) {
     }
     _observers.notify();
 }

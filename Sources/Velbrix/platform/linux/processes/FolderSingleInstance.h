@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/SingleInstance.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <QString>
 
@@ -31,15 +32,15 @@ public:
 private:
     enum class Claim { taken, held, leaving };
     // With a leaving holder's sign, opened.
-    Claim tryToClaim(int &sign);
+    Claim tryToClaim(FileDescriptor &sign);
     void closeSocket();
     bool openSocket();
     void readWakes();
 
-    int _folder = -1;
-    int _lock = -1;
-    int _sign = -1;
-    int _socket = -1;
+    FileDescriptor _folder;
+    FileDescriptor _lock;
+    FileDescriptor _sign;
+    FileDescriptor _socket;
     ObserverList<void()> _observers;
     std::unique_ptr<QSocketNotifier> _notifier;
 };

@@ -1,6 +1,7 @@
 #include "platform/linux/processes/ProcPrograms.h"
 
 #include "foundation/Paths.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <QFile>
 
@@ -27,18 +28,17 @@ QByteArray linkTarget(const QByteArray &path)
 // Plain system calls: hundreds of files are read at a time.
 QByteArray contents(const QByteArray &path, qsizetype limit)
 {
-    const int file = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
+    const FileDescriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC));
+    if (!file)
         return {};
     std::array<char, 16384> piece;
     QByteArray text;
     while (text.size() < limit) {
-        const ssize_t size = ::read(file, piece.data(), piece.size());
+        const ssize_t size = ::read(file.number(), piece.data(), piece.size());
         if (size <= 0)
             break;
         text.append(piece.data(), size);
     }
-    ::close(file);
     return text;
 }
 

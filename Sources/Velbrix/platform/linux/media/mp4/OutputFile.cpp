@@ -28,25 +28,20 @@ std::unexpected<Failure> writeFailure(int error)
 
 } // namespace
 
-OutputFile::~OutputFile()
-{
-    if (_descriptor >= 0)
-        ::close(_descriptor);
-}
-
 Result<void> OutputFile::create(const QString &path)
 {
-    _descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (_descriptor < 0)
+    _file = FileDescriptor(
+        ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    if (!_file)
         return failure(u"无法创建录制文件：%1"_s.arg(qt_error_string(errno)));
     return {};
 }
 
 Result<void> OutputFile::open(const QString &path)
 {
-    _descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC);
+    _file = FileDescriptor(::open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC));
     struct stat facts = {};
-    if (_descriptor < 0 || ::fstat(_descriptor, &facts) != 0)
+    if (!_file || ::fstat(_file.number(), &facts) != 0)
         return failure(u"无法打开录制文件：%1"_s.arg(qt_error_string(errno)));
     if (!S_ISREG(facts.st_mode))
         return failure(u"这不是一个普通文件"_s);
@@ -58,8 +53,8 @@ Result<void> OutputFile::append(std::span<iovec> pieces)
 {
     std::uint64_t end = _size;
     while (!pieces.empty()) {
-        const ssize_t written =
-            ::pwritev(_descriptor, pieces.data(), static_cast<int>(pieces.size()), static_cast<off_t>(end));
+        const ssize_t written = ::pwritev(_file.number(), pieces.data(), static_cast<int>(pieces.size()),
+                                          static_cast<off_t>(end));
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0 && pieces.front().iov_len > 0) {
@@ -90,7 +85,7 @@ Result<void> OutputFile::append(std::span<const std::uint8_t> bytes)
 
 Result<void> OutputFile::overwrite(std::uint64_t offset, std::span<const std::uint8_t> bytes)
 {
-    const ssize_t written = ::pwrite(_descriptor, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    const ssize_t written = ::pwrite(_file.number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
     if (written != static_cast<ssize_t>(bytes.size()))
         return writeFailure(written < 0 ? errno : ENOSPC);
     return {};
@@ -98,37 +93,28 @@ Result<void> OutputFile::overwrite(std::uint64_t offset, std::span<const std::ui
 
 Result<std::uint64_t> OutputFile::read(std::uint64_t offset, std::span<std::uint8_t> into) const
 {
-    std::uint64_t done = 0;
-    while (done < into.size()) {
-        const ssize_t got =
-            ::pread(_descriptor, into.data() + done, into.size() - done, static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return failure(u"读取录制文件失败：%1"_s.arg(qt_error_string(errno)));
-        if (got == 0)
-            break;
-        done += static_cast<std::uint64_t>(got);
-    }
-    return done;
+    const std::int64_t done = readAt(_file.number(), into, offset);
+    if (done < 0)
+        return failure(u"读取录制文件失败：%1"_s.arg(qt_error_string(errno)));
+    return static_cast<std::uint64_t>(done);
 }
 
 void OutputFile::truncate(std::uint64_t size)
 {
-    if (::ftruncate(_descriptor, static_cast<off_t>(size)) == 0)
+    if (::ftruncate(_file.number(), static_cast<off_t>(size)) == 0)
         _size = size;
 }
 
 Result<void> OutputFile::sync() const
 {
-    if (::fdatasync(_descriptor) != 0 && errno != EINVAL)
+    if (::fdatasync(_file.number()) != 0 && errno != EINVAL)
         return writeFailure(errno);
     return {};
 }
 
 void OutputFile::startWriting() const
 {
-    ::sync_file_range(_descriptor, 0, 0, SYNC_FILE_RANGE_WRITE);
+    ::sync_file_range(_file.number(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Result.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <QString>
 
@@ -14,11 +15,6 @@ namespace velbrix {
 // A file that only grows, by pieces that are there completely or not at all.
 class OutputFile {
 public:
-    OutputFile() = default;
-    ~OutputFile();
-    OutputFile(const OutputFile &) = delete;
-    OutputFile &operator=(const OutputFile &) = delete;
-
     // An existing file is replaced.
     Result<void> create(const QString &path);
     // For reading and writing at its end.
@@ -40,7 +36,7 @@ public:
     std::uint64_t size() const { return _size; }
 
 private:
-    int _descriptor = -1;
+    FileDescriptor _file;
     std::uint64_t _size = 0;
 };
 

@@ -3,7 +3,6 @@
 #include <malloc.h>
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <array>
 
@@ -164,7 +163,7 @@ private:
 
     void sleep() const
     {
-        std::array<pollfd, 2> sources{pollfd{_shared->wakeUp, POLLIN, 0},
+        std::array<pollfd, 2> sources{pollfd{_shared->wakeUp.number(), POLLIN, 0},
                                       pollfd{_isDue ? _sink->descriptor() : -1, POLLIN, 0}};
         poll(sources.data(), sources.size(), -1);
     }
@@ -191,24 +190,19 @@ private:
     bool _wasCopied = false;
 };
 
-VideoRenderer::Shared::~Shared()
-{
-    ::close(wakeUp);
-}
-
 template <typename Change> void VideoRenderer::Shared::order(Change change)
 {
     {
         const std::scoped_lock guard(lock);
         change(orders);
     }
-    eventfd_write(wakeUp, 1);
+    eventfd_write(wakeUp.number(), 1);
 }
 
 VideoRenderer::Orders VideoRenderer::Shared::take()
 {
     eventfd_t count = 0;
-    eventfd_read(wakeUp, &count);
+    eventfd_read(wakeUp.number(), &count);
     const std::scoped_lock guard(lock);
     return std::exchange(orders, {});
 }
@@ -217,10 +211,10 @@ Result<std::unique_ptr<VideoRenderer>> VideoRenderer::create(const LibMpv &mpv, 
                                                              std::unique_ptr<PictureSink> sink,
                                                              FirstPicture firstPicture)
 {
-    const int descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (descriptor < 0)
+    auto shared = std::make_shared<Shared>();
+    shared->wakeUp = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    if (!shared->wakeUp)
         return failure(u"系统资源不足，无法播放视频"_s);
-    auto shared = std::make_shared<Shared>(descriptor);
     auto loop = std::make_unique<Loop>(mpv, player, std::move(sink), std::move(firstPicture), shared);
     if (!loop->open())
         return failure(u"无法准备视频画面"_s);

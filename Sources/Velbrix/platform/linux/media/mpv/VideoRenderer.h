@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Result.h"
+#include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/media/mpv/LibMpv.h"
 #include "platform/linux/media/mpv/PictureSink.h"
 #include "platform/linux/media/mpv/RetiredThreads.h"
@@ -56,12 +57,10 @@ private:
     };
     // What the main thread and libmpv tell the renderer's thread.
     struct Shared {
-        explicit Shared(int descriptor) : wakeUp(descriptor) {}
-        ~Shared();
         template <typename Change> void order(Change change);
         Orders take();
 
-        const int wakeUp;
+        FileDescriptor wakeUp; // of an eventfd
         std::mutex lock;
         Orders orders;
         std::atomic<qint64> pictures = 0;

@@ -1,4 +1,4 @@
-#include "platform/linux/archive/FileDescriptor.h"
+#include "platform/linux/files/FileDescriptor.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -34,8 +34,8 @@ FileDescriptor openBelow(int folder, const QByteArray &path, int flags)
             return reached;
         start = slash + 1;
     }
-    const QByteArray rest = start == path.size() ? QByteArrayLiteral(".") : path.sliced(start);
-    return FileDescriptor(::openat(reached ? reached.number() : folder, rest.constData(), flags | O_CLOEXEC));
+    const char *const rest = start == path.size() ? "." : path.constData() + start;
+    return FileDescriptor(::openat(reached ? reached.number() : folder, rest, flags | O_CLOEXEC));
 }
 
 std::int64_t readAt(int file, std::span<std::uint8_t> into, std::uint64_t offset)

@@ -8,7 +8,7 @@
 
 namespace velbrix {
 
-// Owns an open file.
+// Owns an open file, folder or socket.
 class FileDescriptor {
 public:
     explicit FileDescriptor(int number = -1) : _number(number) {}
@@ -27,7 +27,8 @@ private:
     int _number;
 };
 
-// Opens a path of any length below an open folder; errno says why not.
+// Opens a path of any length, below an open folder unless it is absolute; errno
+// says why not.
 FileDescriptor openBelow(int folder, const QByteArray &path, int flags);
 
 // The bytes read, fewer only at the end of the file; -1 after an error,
