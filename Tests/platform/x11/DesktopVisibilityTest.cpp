@@ -1,7 +1,7 @@
 #include "platform/linux/x11/visibility/X11DesktopVisibility.h"
 
 #include "DesktopTools.h"
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/visibility/ScreenCover.h"
 #include "support/Bus.h"
 #include "support/FakeDesktopVisibility.h"

@@ -1,7 +1,7 @@
 #include "platform/linux/x11/X11Displays.h"
 
 #include "DesktopTools.h"
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/Struts.h"
 #include "support/FakeDisplays.h"
 #include "support/PaintedWindow.h"

@@ -11,7 +11,8 @@ namespace velbrix {
 // every session, unless two names happen to share one.
 std::vector<quint32> displayIds(const std::vector<QByteArray> &connectors);
 
-// What a monitor calls itself in its EDID (VESA E-EDID, a display descriptor); empty when it does not say.
+// What a monitor calls itself in its EDID (VESA E-EDID, a display descriptor);
+// empty when it does not say.
 QString edidName(const QByteArray &edid);
 
 } // namespace velbrix

@@ -9,8 +9,8 @@
 
 namespace velbrix {
 
-// Qt's own connection to the X server: keys are grabbed and watched on it, as
-// Qt has settled with the server how it tells of them. Null when the program
+// Qt's own connection to the X server. Keys are grabbed and watched on it, since
+// Qt has agreed with the server on the form of their events. Null when the program
 // does not run on X11. Not to be used beyond the QGuiApplication.
 std::unique_ptr<X11Connection> qtX11Connection();
 

@@ -1,6 +1,6 @@
 #include "platform/linux/x11/RootWindow.h"
 
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/XGeometry.h"
 
 #include <xcb/composite.h>

@@ -4,7 +4,7 @@
 
 namespace velbrix {
 
-// By what it can be told whether the X server shows this program the screen.
+// The facts that decide whether the X server shows this program the screen.
 struct SessionFacts {
     bool isOnX11 = false;           // the program's own windows are there
     bool announcesXwayland = false; // the server names itself Xwayland

@@ -2,7 +2,7 @@
 
 #include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/MonitorNames.h"
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/Struts.h"
 #include "platform/linux/x11/X11EventSource.h"
 

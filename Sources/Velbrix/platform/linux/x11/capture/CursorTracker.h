@@ -38,7 +38,7 @@ public:
 
     const PointerState &pointer() const { return _pointer; }
     const CursorImage &image() const { return _image; }
-    // Another number for every other look.
+    // Changes with the image.
     int imageSerial() const { return _imageSerial; }
 
 private:

@@ -101,7 +101,7 @@ std::vector<PixelRect> DisplaySource::collectDamage()
     if (_damage) {
         for (const PixelRect &rect : _damage->collect()) {
             const PixelRect part = intersected(rect, _area);
-            // What the screen shows in the holes are the windows to be left out.
+            // In the holes the screen shows the excluded windows.
             const auto visible = _layers ? subtracted(part, _layers->holes()) : std::vector{part};
             changed.insert(changed.end(), visible.begin(), visible.end());
         }

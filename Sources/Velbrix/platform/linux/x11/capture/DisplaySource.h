@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/capture/FrameSource.h"
 #include "platform/linux/x11/capture/ScreenLayers.h"
 

@@ -1,7 +1,8 @@
 #include "platform/linux/x11/capture/X11ScreenCapture.h"
 
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/TopLevel.h"
+#include "platform/linux/x11/capture/ScreenWindows.h"
 #include "platform/linux/x11/capture/WindowSource.h"
 
 #include <QCoroFuture>

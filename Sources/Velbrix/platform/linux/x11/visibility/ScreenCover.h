@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/ScreenContents.h"
+#include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/X11Connection.h"
 
 #include <QSet>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/ScreenCapture.h"
 #include "platform/linux/media/recording/PixelRects.h"
 #include "platform/linux/x11/X11Connection.h"
 
@@ -30,9 +29,5 @@ bool concernsMonitors(const X11Connection &connection, const xcb_generic_event_t
 // The primary one, else the one in the root's corner, else the first; null
 // when there are none.
 const Monitor *mainMonitor(const std::vector<Monitor> &all);
-
-// The windows of applications that are on screen now, front to back. A window
-// that vanishes meanwhile is left out.
-QList<CapturableWindow> windowsOnScreen(X11Connection &connection);
 
 } // namespace velbrix
