@@ -55,7 +55,7 @@ QString prepareHost()
     const WindowSystem *const system = findWindowSystem();
     if (!system)
         return windowSystems.front()->absence();
-    // In a Wayland session Qt would leave X11, where the program has its eyes.
+    // In a Wayland session Qt would choose Wayland, where the program sees no screen.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", system->qtPlatform);
     return {};

@@ -11,8 +11,8 @@
 
 namespace velbrix {
 
-// The UPower service of the system bus. Until it answers, and where there is
-// none, the kernel's own files count, looked at every now and then.
+// The UPower service of the system bus. Until it answers, and where there is no
+// such service, the files of the kernel are polled.
 class UPowerSource final : public QObject, public PowerSource {
 public:
     // The clock must outlive it.

@@ -14,7 +14,7 @@ class DesktopPicture;
 class DesktopSession;
 class PanelSettings;
 
-// What a desktop shows of itself to the programs of its session.
+// By what a desktop can be recognised in its session.
 struct DesktopSigns {
     QString session;             // XDG_CURRENT_DESKTOP
     QString windowManager;       // as it calls itself; empty without one

@@ -130,12 +130,12 @@ Observation LinuxDesktopServices::observeTheme(std::function<void()> changed)
 
 Observation LinuxDesktopServices::observeUnhide(std::function<void()>)
 {
-    return Observation(); // nothing of the kind happens here
+    return Observation(); // there is no such event
 }
 
 Observation LinuxDesktopServices::observeReopen(std::function<void()>)
 {
-    return Observation(); // nor this
+    return Observation(); // there is no such event
 }
 
 } // namespace velbrix

@@ -24,11 +24,11 @@ public:
             return;
         const std::int64_t start = _stream.start_time == AV_NOPTS_VALUE ? 0 : _stream.start_time;
         _wanted = start + std::llround(std::min(seconds, 1e6) / av_q2d(_stream.time_base));
-        // Where the file cannot seek, the way leads from the beginning.
+        // Where the file cannot seek, reading starts from the beginning.
         avFormat()->av_seek_frame(&_format, _stream.index, _wanted, AVSEEK_FLAG_BACKWARD);
     }
 
-    // Null where the film has none that can be decoded.
+    // Null where no picture of the video can be decoded.
     AvPicture run(const WorkLimit &limit)
     {
         if (!_packet || !_last || !_next)
@@ -39,7 +39,7 @@ public:
                 avCodec()->av_packet_unref(_packet.get());
                 continue;
             }
-            // On the way there, pictures that no other builds on are left out.
+            // On the way there, pictures that no other refers to are skipped.
             _decoder.skip_frame = !atEnd && _packet->pts != AV_NOPTS_VALUE && _packet->pts < _wanted
                                       ? AVDISCARD_NONREF
                                       : AVDISCARD_DEFAULT;
@@ -72,7 +72,7 @@ private:
     bool _hasEnded = false;
 };
 
-// A film that does not name its colours has those of its resolution.
+// A video that does not name its colour space has the one usual for its size.
 int colours(const AVFrame &picture)
 {
     if (picture.colorspace != AVCOL_SPC_UNSPECIFIED)
@@ -103,8 +103,8 @@ Result<QImage> scaled(const AVFrame &picture, QSize size)
     return QImage(pixels.data(), size.width(), size.height(), stride, QImage::Format_RGB32).copy();
 }
 
-// The first picture at or after the time, the last one where the film is
-// shorter; as shown, made to fit the bound.
+// The first picture at or after the time, the last one where the video
+// is shorter; as shown, made to fit the bound.
 Result<QImage> videoPicture(VideoInput &input, double seconds, QSize bound, const WorkLimit &limit)
 {
     if (!input.stream())

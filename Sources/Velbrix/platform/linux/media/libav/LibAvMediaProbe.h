@@ -7,7 +7,8 @@
 namespace velbrix {
 
 // Videos by FFmpeg's libraries. Pictures are taken two at a time and never
-// keep facts waiting. What is still asked when it dies fails soon.
+// keep facts waiting. Questions still open
+// when it is destroyed fail soon.
 class LibAvMediaProbe final : public MediaProbe {
 public:
     LibAvMediaProbe();

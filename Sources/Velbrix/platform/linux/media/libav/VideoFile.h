@@ -6,10 +6,10 @@
 
 namespace velbrix {
 
-// Words for whatever is no film, or none that can be read.
+// For the user, about a file that is no video or a damaged one.
 QString notPlayableWords();
 
-// What stands against opening the file, found without opening it.
+// Why the file cannot be opened, found without opening it.
 Result<void> checkVideoFile(const QString &path);
 
 } // namespace velbrix

@@ -21,7 +21,7 @@ namespace {
 constexpr std::int64_t longestWork = 8'000'000'000; // nanoseconds
 
 // Demuxers of one file each: those of playlists would open others, those of
-// pictures and text would take nearly anything for a film.
+// pictures and text would take nearly anything for a video.
 constexpr auto demuxers = "mov,matroska,avi,asf,flv,mpegts,mpeg,ogg,mp3,wav,flac,aac";
 
 struct Options {
@@ -47,7 +47,7 @@ AvInput openFormat(const QString &path, const WorkLimit &limit)
     Options options;
     options.set("protocol_whitelist", "file");
     options.set("format_whitelist", demuxers);
-    // Where the opening fails it frees the context.
+    // It frees the context when it fails.
     if (avFormat()->avformat_open_input(&format, ("file:" + QFile::encodeName(path)).constData(), nullptr,
                                         &options.entries) < 0)
         return {};
@@ -173,7 +173,7 @@ Result<VideoFacts> VideoInput::facts() const
 QSize VideoInput::shownSize(QSize decoded, AVRational pixelShape) const
 {
     const double shape = pixelShape.num > 0 && pixelShape.den > 0 ? av_q2d(pixelShape) : 1;
-    // A film is at most ten times as wide as its pixels say; more is a broken header.
+    // Pixels more than ten times as wide as high, or the reverse, mean a broken header.
     const bool isPlausible = shape > 0.1 && shape < 10;
     const QSize upright(isPlausible ? std::max(1, static_cast<int>(std::lround(decoded.width() * shape)))
                                     : decoded.width(),
@@ -191,7 +191,7 @@ QTransform VideoInput::orientation() const
         turn[static_cast<std::size_t>(i)] =
             static_cast<int>(std::lround(matrix[i < 2 ? i : i + 1] / 65536.0));
     const auto [a, b, c, d] = turn;
-    // Quarter turns and mirrors only: no player leans a film.
+    // Quarter turns and mirrors only, like other players.
     const bool isQuarter =
         std::abs(a) == std::abs(d) && std::abs(b) == std::abs(c) && std::abs(a) + std::abs(b) == 1;
     return isQuarter ? QTransform(a, b, c, d, 0, 0) : QTransform();

@@ -9,7 +9,7 @@
 
 namespace velbrix {
 
-// When to give up a look into a file: on demand, or when it takes too long.
+// When to give up reading a file: on demand, or when it takes too long.
 class WorkLimit {
 public:
     WorkLimit(const Cancellation &ended, const Cancellation &cancelled);
@@ -25,13 +25,13 @@ private:
 // A video file under examination. One thread; the limit must outlive it.
 class VideoInput {
 public:
-    // Reads what the file says of itself. Only local files of the kinds that
-    // hold a film or sound are opened, whatever their names say.
+    // Reads the file's headers. Only local files in the formats of videos and
+    // sound are opened, whatever their names say.
     static Result<VideoInput> open(const QString &path, const WorkLimit &limit);
 
     Result<VideoFacts> facts() const;
     AVFormatContext &format() const { return *_format; }
-    // The track of pictures; a cover is none. Null without one.
+    // The video track, which cover art is not; null without one.
     AVStream *stream() const { return _stream; }
     // From a decoded picture to the size and orientation in which it is shown.
     QSize shownSize(QSize decoded, AVRational pixelShape) const;

@@ -9,8 +9,8 @@
 namespace velbrix {
 
 // Reads the boxes of the ISO base media file format (ISO/IEC 14496-12), of which
-// an MP4 file consists, out of memory. Reading past the end yields
-// zeros and is remembered.
+// an MP4 file consists, out of memory. Reading past the end yields zeros and is
+// remembered.
 class BoxReader {
 public:
     explicit BoxReader(std::span<const std::uint8_t> bytes) : _bytes(bytes) {}

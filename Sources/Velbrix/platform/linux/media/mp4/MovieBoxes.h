@@ -16,9 +16,9 @@ struct FragmentRun {
     std::uint64_t byteCount = 0; // of all samples
 };
 
-// The beginning of a movie (ISO/IEC 14496-12) that is being written: file type, a gap of 16 bytes
-// that finishing turns into the header of one big mdat, and a header without
-// samples. Track ids count from 1 in the order given.
+// The beginning of a movie (ISO/IEC 14496-12) that is being written: file type,
+// a gap of 16 bytes that finishing turns into the header of one big mdat, and a
+// header without samples. Track ids count from 1 in the order given.
 struct LiveStart {
     Bytes bytes;
     std::uint64_t gapOffset = 0;

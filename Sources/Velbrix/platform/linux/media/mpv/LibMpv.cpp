@@ -51,7 +51,7 @@ Result<const LibMpv *> libMpv()
     if (const char *const locale = std::setlocale(LC_NUMERIC, nullptr);
         !locale || std::strcmp(locale, "C") != 0)
         std::setlocale(LC_NUMERIC, "C");
-    // A player that ends takes the silence of the others with it.
+    // A player that ends resets the log level for the others as well.
     if (const AvCodec *const av = avCodec())
         av->av_log_set_level(AV_LOG_QUIET);
     return functions;

@@ -10,7 +10,7 @@ namespace velbrix {
 bool setMpvOptions(const LibMpv &mpv, mpv_handle *handle);
 
 // How the track of the player's list, which is about to play, is decoded: the
-// larger its pictures, the more speed goes before looks.
+// larger its pictures, the more quality gives way to speed.
 void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track);
 
 } // namespace velbrix

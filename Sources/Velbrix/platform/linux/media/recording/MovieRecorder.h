@@ -53,8 +53,9 @@ public:
     // is one frame interval and the time stamp of pictures.
     virtual void begin(std::int64_t tickZero) = 0;
     // Holds the picture's owner or, without one, takes a copy of the picture;
-    // only `changed` differs from the picture before. False: the queue is full and nothing was taken, so the
-    // caller carries the rectangles over to the next tick. Called by one thread.
+    // only `changed` differs from the picture before. False: the queue is full
+    // and nothing was taken, so the caller carries the rectangles over to the
+    // next tick. Called by one thread.
     virtual bool submit(const PictureView &picture, std::span<const PixelRect> changed,
                         std::int64_t tick) = 0;
     // Ends the movie at `lastTick`, repeating the last picture until then, and

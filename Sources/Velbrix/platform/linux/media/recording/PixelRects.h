@@ -49,7 +49,7 @@ PixelRect united(const PixelRect &a, const PixelRect &b);
 PixelRect roundedOut(const PixelRect &rect, int width, int height);
 // What of the rectangle lies outside the holes, in pieces without overlap.
 std::vector<PixelRect> subtracted(const PixelRect &rect, std::span<const PixelRect> holes);
-// The rectangles without empty ones and such that lie inside another; their
+// The rectangles without those that are empty or inside another; their
 // bounding rectangle alone when more than `limit` remain.
 std::vector<PixelRect> simplified(std::vector<PixelRect> rects, std::size_t limit = 32);
 

@@ -9,9 +9,9 @@ struct pa_time_event;
 
 namespace velbrix {
 
-// Hears from the sound server when devices come, go or change places; nothing
-// runs in between. While there is no server it looks for one, ever more
-// seldom. Call from one thread.
+// Is told by the sound server when devices are added, removed or become the
+// default; nothing runs in between. While there is no server it looks for one,
+// less and less often. Call from one thread.
 class PulseWatch {
 public:
     // Called on a thread of its own.
