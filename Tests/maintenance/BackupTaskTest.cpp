@@ -1,12 +1,10 @@
 #include "maintenance/backup/BackupTask.h"
 
-#include "foundation/SettingsStore.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
 #include "support/Fuzz.h"
-#include "support/MemorySettings.h"
+#include "support/SettingsRig.h"
 #include "support/Test.h"
-#include "support/VirtualClock.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -15,6 +13,7 @@
 namespace {
 
 const QString key = u"Velbrix_FileBackupTasks_v2"_s;
+const QString keptAside = key + u"_unreadable"_s;
 const QTimeZone berlin("Europe/Berlin");
 
 QJsonObject storedTask()
@@ -38,22 +37,6 @@ QJsonObject with(const QString &member, const QJsonValue &value)
     QJsonObject json = storedTask();
     json.insert(member, value);
     return json;
-}
-
-QList<BackupTask> loaded(const QJsonValue &stored, MemorySettings *&backend, QString *problem = nullptr)
-{
-    static VirtualClock clock;
-    auto made = std::make_unique<MemorySettings>();
-    backend = made.get();
-    made->stored.insert(key, stored);
-    static std::unique_ptr<SettingsStore> settings;
-    settings = std::make_unique<SettingsStore>(std::move(made), clock);
-    BackupTaskStore store(*settings);
-    const QList<BackupTask> tasks = store.load();
-    (void)settings->flush();
-    if (problem)
-        *problem = store.problem();
-    return tasks;
 }
 
 BackupScheduleTime daily(int hour, int minute)
@@ -103,55 +86,45 @@ private Q_SLOTS:
         QCOMPARE(toJson(*backupTaskFromJson(storedTask())).value(u"nextRunAt"_s), QJsonValue(0.5));
     }
 
-    void editedByHand_data()
-    {
-        QTest::addColumn<QJsonObject>("json");
-        QTest::addColumn<bool>("isTask");
-        QTest::newRow("whole") << storedTask() << true;
-        QTest::newRow("no id") << with(u"id"_s, QString()) << false;
-        QTest::newRow("id of a number") << with(u"id"_s, 4) << false;
-        QTest::newRow("no source") << with(u"sourcePath"_s, QJsonValue()) << false;
-        QTest::newRow("unknown kind") << with(u"kind"_s, u"mirror"_s) << false;
-        QTest::newRow("no schedule") << with(u"schedule"_s, QJsonValue()) << false;
-        QTest::newRow("enabled in words") << with(u"isEnabled"_s, u"yes"_s) << false;
-        QTest::newRow("name is absent") << with(u"name"_s, QJsonValue()) << true;
-        QTest::newRow("ISO date") << with(u"nextRunAt"_s, u"2026-03-01T09:00:00Z"_s) << true;
-        QTest::newRow("no date") << with(u"nextRunAt"_s, u"tomorrow"_s) << true;
-        QTest::newRow("a date beyond all") << with(u"nextRunAt"_s, 1e300) << true;
-        QTest::newRow("keeps too few") << with(u"keepLast"_s, -1e18) << true;
-    }
     void editedByHand()
     {
-        QFETCH(QJsonObject, json);
-        QFETCH(bool, isTask);
-        const auto task = backupTaskFromJson(json);
-        QCOMPARE(task.has_value(), isTask);
-        if (task)
-            QVERIFY(task->keepLast >= 0);
+        const std::initializer_list<std::pair<QString, QJsonValue>> bad = {
+            {u"id"_s, QString()},     {u"id"_s, 4},        {u"sourcePath"_s, {}},
+            {u"kind"_s, u"mirror"_s}, {u"schedule"_s, {}}, {u"isEnabled"_s, u"yes"_s}};
+        for (const auto &[member, value] : bad)
+            QVERIFY2(!backupTaskFromJson(with(member, value)), qPrintable(member));
+        const std::initializer_list<std::pair<QString, QJsonValue>> odd = {
+            {u"name"_s, {}},
+            {u"nextRunAt"_s, u"2026-03-01T09:00:00Z"_s},
+            {u"nextRunAt"_s, u"tomorrow"_s},
+            {u"nextRunAt"_s, 1e300}};
+        for (const auto &[member, value] : odd)
+            QVERIFY2(backupTaskFromJson(with(member, value)), qPrintable(member));
+        QVERIFY(backupTaskFromJson(with(u"keepLast"_s, -1e18))->keepLast >= 0);
+        const QJsonObject schedule{{u"kind"_s, u"yearly"_s},
+                                   {u"hour"_s, 99},
+                                   {u"minute"_s, -1},
+                                   {u"dayOfMonth"_s, 1e9},
+                                   {u"month"_s, 0}};
+        QCOMPARE(backupTaskFromJson(with(u"schedule"_s, schedule))->schedule, yearly(1, 31, 23, 0));
     }
 
-    void numbersOutOfRangeAreClamped()
-    {
-        const auto task = backupTaskFromJson(with(u"schedule"_s, QJsonObject{{u"kind"_s, u"yearly"_s},
-                                                                             {u"hour"_s, 99},
-                                                                             {u"minute"_s, -1},
-                                                                             {u"dayOfMonth"_s, 1e9},
-                                                                             {u"month"_s, 0}}));
-        QCOMPARE(task->schedule, yearly(1, 31, 23, 0));
-    }
-
-    void aBadTaskDoesNotCostTheOthers()
+    void whatIsNoTaskIsKeptAside()
     {
         const QJsonArray stored{storedTask(), 4, with(u"kind"_s, u"?"_s), storedTask()};
-        MemorySettings *backend = nullptr;
-        QString problem;
-        const QList<BackupTask> tasks = loaded(stored, backend, &problem);
+        SettingsRig rig({{key, stored}});
+        BackupTaskStore store(rig.store);
+        const QList<BackupTask> tasks = store.load();
         QCOMPARE(tasks.size(), 2);
         QVERIFY(tasks[0].id != tasks[1].id);
-        QVERIFY(problem.startsWith(u"2 个备份任务无法读取"_s));
-        QCOMPARE(backend->stored.value(key + u"_unreadable"_s),
-                 QJsonValue(QJsonArray{4, with(u"kind"_s, u"?"_s)}));
-        QCOMPARE(backend->stored.value(key), QJsonValue(stored));
+        QVERIFY(store.problem().startsWith(u"2 个备份任务无法读取"_s));
+        QCOMPARE(rig.saved(),
+                 (QJsonObject{{key, stored}, {keptAside, QJsonArray{4, with(u"kind"_s, u"?"_s)}}}));
+
+        SettingsRig noList({{key, u"[{"_s}});
+        BackupTaskStore empty(noList.store);
+        QVERIFY(empty.load().isEmpty() && !empty.problem().isEmpty());
+        QCOMPARE(noList.saved().value(keptAside), QJsonValue(QJsonArray{u"[{"_s}));
     }
 
     void anyJsonIsATaskOrNone()
@@ -174,23 +147,15 @@ private Q_SLOTS:
         QVERIFY2(tasks > 100, qPrintable(QString::number(tasks)));
     }
 
-    void whatIsNoListIsKeptAside()
+    void nextRuns()
     {
-        MemorySettings *backend = nullptr;
-        QString problem;
-        QVERIFY(loaded(u"[{"_s, backend, &problem).isEmpty());
-        QVERIFY(!problem.isEmpty());
-        QCOMPARE(backend->stored.value(key + u"_unreadable"_s), QJsonValue(QJsonArray{u"[{"_s}));
-    }
-
-    void nextRuns_data()
-    {
-        QTest::addColumn<BackupScheduleTime>("schedule");
-        QTest::addColumn<QString>("after");
-        QTest::addColumn<QString>("next");
         const auto row = [](const char *name, const BackupScheduleTime &schedule, const char *after,
                             const char *next) {
-            QTest::newRow(name) << schedule << QString::fromLatin1(after) << QString::fromLatin1(next);
+            const auto reference =
+                QDateTime::fromString(QString::fromLatin1(after), u"yyyy-MM-dd HH:mm:ss"_s);
+            const auto result = nextRun(schedule, QDateTime(reference.date(), reference.time(), berlin));
+            const QByteArray text = result.toString(u"yyyy-MM-dd HH:mm:ss"_s).toLatin1();
+            QVERIFY2(text == next, name + (": " + text));
         };
         row("later today", daily(9, 0), "2026-06-01 08:59:59", "2026-06-01 09:00:00");
         row("saved at 09:00:30", daily(9, 0), "2026-06-01 09:00:30", "2026-06-02 09:00:00");
@@ -206,27 +171,16 @@ private Q_SLOTS:
         row("after the gap", daily(2, 30), "2026-03-29 03:00:00", "2026-03-30 02:30:00");
         row("through the gap", daily(9, 0), "2026-03-28 09:00:00", "2026-03-29 09:00:00");
     }
-    void nextRuns()
-    {
-        QFETCH(BackupScheduleTime, schedule);
-        QFETCH(QString, after);
-        QFETCH(QString, next);
-        const QDateTime reference = QDateTime::fromString(after, u"yyyy-MM-dd HH:mm:ss"_s);
-        const QDateTime result = nextRun(schedule, QDateTime(reference.date(), reference.time(), berlin));
-        QCOMPARE(result.toString(u"yyyy-MM-dd HH:mm:ss"_s), next);
-    }
-
     void anHourThatComesTwiceRunsOnce()
     {
         // 02:30 comes at 00:30 and at 01:30 UTC.
         const QDateTime first(QDate(2026, 10, 25), QTime(0, 30), Qt::UTC);
-        const QDateTime eve = QDateTime(QDate(2026, 10, 24), QTime(12, 0), Qt::UTC).toTimeZone(berlin);
-        QCOMPARE(nextRun(daily(2, 30), eve).toUTC(), first);
-        const QDateTime after = first.addSecs(60).toTimeZone(berlin);
-        QCOMPARE(nextRun(daily(2, 30), after).toUTC(), QDateTime(QDate(2026, 10, 26), QTime(1, 30), Qt::UTC));
-        const QDateTime between = first.addSecs(50 * 60).toTimeZone(berlin);
-        QCOMPARE(nextRun(daily(2, 30), between).toUTC(),
-                 QDateTime(QDate(2026, 10, 26), QTime(1, 30), Qt::UTC));
+        const auto next = [](const QDateTime &after) {
+            return nextRun(daily(2, 30), after.toTimeZone(berlin)).toUTC();
+        };
+        QCOMPARE(next(first.addSecs(-12 * 3600)), first);
+        for (const int minutes : {1, 50})
+            QCOMPARE(next(first.addSecs(minutes * 60)), first.addSecs(25 * 3600));
     }
 
     void tellsATimeFromAWrongClock()
@@ -272,30 +226,27 @@ private Q_SLOTS:
         QTest::addColumn<QString>("destination");
         QTest::addColumn<QStringList>("excludes");
         QTest::addColumn<QString>("begins");
+        const auto row = [](const char *name, bool isSync, const QString &source, const QString &destination,
+                            const QString &begins = {}, const QStringList &excludes = {}) {
+            QTest::newRow(name) << isSync << source << destination << excludes << begins;
+        };
         const QString empty = u"请选择源文件夹和保存目录"_s;
         const QString noSource = u"源文件夹不存在或不是目录"_s;
-        const QString noDestination = u"保存目录不存在或不是目录"_s;
-        QTest::newRow("nothing") << false << QString() << QString() << QStringList() << empty;
-        QTest::newRow("no destination") << false << u"src"_s << QString() << QStringList() << empty;
-        QTest::newRow("source missing") << false << u"none"_s << u"none"_s << QStringList() << noSource;
-        QTest::newRow("source is a file") << true << u"file"_s << u"dst"_s << QStringList() << noSource;
-        QTest::newRow("destination is a file")
-            << true << u"src"_s << u"file"_s << QStringList() << noDestination;
-        QTest::newRow("sound archive") << false << u"src"_s << u"dst"_s << QStringList() << QString();
-        QTest::newRow("sound mirror") << true << u"src"_s << u"dst"_s << QStringList() << QString();
-        QTest::newRow("beside each other") << true << u"src"_s << u"."_s << QStringList() << QString();
-        QTest::newRow("archives in the source")
-            << false << u"src"_s << u"src/in"_s << QStringList() << u"保存目录在源文件夹里面"_s;
-        QTest::newRow("through a link")
-            << false << u"link"_s << u"src/in"_s << QStringList() << u"保存目录在源文件夹里面"_s;
-        QTest::newRow("excluded archives")
-            << false << u"src"_s << u"src/in"_s << QStringList{u"/in"_s} << QString();
-        QTest::newRow("the source itself")
-            << false << u"src"_s << u"src"_s << QStringList{u"*.zip"_s} << u"保存目录在源文件夹里面"_s;
-        QTest::newRow("mirror in the source")
-            << true << u"src"_s << u"src/in"_s << QStringList{u"in"_s} << u"保存目录在源文件夹里面"_s;
-        QTest::newRow("source in the mirror")
-            << true << u"t_同步/in"_s << u"."_s << QStringList() << u"源文件夹与同步文件夹"_s;
+        const QString within = u"保存目录在源文件夹里面"_s;
+        row("nothing", false, {}, {}, empty);
+        row("no destination", false, u"src"_s, {}, empty);
+        row("source missing", false, u"none"_s, u"none"_s, noSource);
+        row("source is a file", true, u"file"_s, u"dst"_s, noSource);
+        row("destination is a file", true, u"src"_s, u"file"_s, u"保存目录不存在或不是目录"_s);
+        row("sound archive", false, u"src"_s, u"dst"_s);
+        row("sound mirror", true, u"src"_s, u"dst"_s);
+        row("beside each other", true, u"src"_s, u"."_s);
+        row("archives in the source", false, u"src"_s, u"src/in"_s, within);
+        row("through a link", false, u"link"_s, u"src/in"_s, within);
+        row("excluded archives", false, u"src"_s, u"src/in"_s, {}, {u"/in"_s});
+        row("the source itself", false, u"src"_s, u"src"_s, within, {u"*.zip"_s});
+        row("mirror in the source", true, u"src"_s, u"src/in"_s, within, {u"in"_s});
+        row("source in the mirror", true, u"t_同步/in"_s, u"."_s, u"源文件夹与同步文件夹"_s);
     }
     void obstacles()
     {
@@ -340,28 +291,10 @@ private Q_SLOTS:
         QVERIFY(!backupConflict(other, {one}).isEmpty());
     }
 
-    void tasksMustNotCopyEachOthersCopies_data()
-    {
-        QTest::addColumn<QString>("ways"); // source>destination, and what is left out
-        QTest::addColumn<bool>("isRefused");
-        QTest::newRow("one way") << u"/a>/b /b>/c"_s << false;
-        QTest::newRow("both to one place") << u"/a>/c /b>/c"_s << false;
-        QTest::newRow("a mirror's mirror") << u"/a>/b /b/0_同步>/c"_s << false;
-        QTest::newRow("there and back") << u"/a>/b /b>/a"_s << true;
-        QTest::newRow("deep in the source") << u"/a>/b/c /b>/a/d"_s << true;
-        QTest::newRow("a part of it comes back") << u"/a>/b /b/0_同步/x>/a/x"_s << true;
-        QTest::newRow("another part comes back") << u"/a>/b /b/0_同步/x>/a/y"_s << false;
-        QTest::newRow("beside it") << u"/a>/b /b/other>/a"_s << false;
-        QTest::newRow("left out") << u"/a>/b /b>/a>0_*"_s << false;
-        QTest::newRow("over a third") << u"/a>/b /b>/c /c>/a"_s << true;
-        QTest::newRow("a loop of others") << u"/a>/b /b>/a /d>/a"_s << false;
-    }
-
     void tasksMustNotCopyEachOthersCopies()
     {
-        QFETCH(QString, ways);
-        QFETCH(bool, isRefused);
-        for (const auto kind : {BackupTaskKind::sync, BackupTaskKind::backup}) {
+        // Of tasks with this source>destination>what is left out.
+        const auto isRefused = [](const QString &ways, BackupTaskKind kind) {
             QList<BackupTask> tasks;
             for (const QString &way : ways.split(u' ')) {
                 BackupTask task;
@@ -372,7 +305,16 @@ private Q_SLOTS:
                 task.excludes = {way.section(u'>', 2)};
                 tasks.append(task);
             }
-            QCOMPARE(!backupConflict(tasks.last(), tasks).isEmpty(), isRefused);
+            return !backupConflict(tasks.last(), tasks).isEmpty();
+        };
+        for (const auto kind : {BackupTaskKind::sync, BackupTaskKind::backup}) {
+            for (const QString &sound :
+                 {u"/a>/b /b>/c"_s, u"/a>/c /b>/c"_s, u"/a>/b /b/0_同步>/c"_s, u"/a>/b /b/0_同步/x>/a/y"_s,
+                  u"/a>/b /b/other>/a"_s, u"/a>/b /b>/a>0_*"_s, u"/a>/b /b>/a /d>/a"_s})
+                QVERIFY2(!isRefused(sound, kind), qPrintable(sound));
+            for (const QString &loop : {u"/a>/b /b>/a"_s, u"/a>/b/c /b>/a/d"_s, u"/a>/b /b/0_同步/x>/a/x"_s,
+                                        u"/a>/b /b>/c /c>/a"_s})
+                QVERIFY2(isRefused(loop, kind), qPrintable(loop));
         }
     }
 };
