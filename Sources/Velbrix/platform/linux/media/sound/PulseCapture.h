@@ -1,19 +1,12 @@
 #pragma once
 
-#include <QByteArray>
+#include "platform/linux/media/sound/PulseStream.h"
+
 #include <QString>
 
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <memory>
 #include <optional>
-#include <span>
-#include <vector>
 
 struct pa_context;
-struct pa_operation;
-struct pa_stream;
 struct pa_threaded_mainloop;
 struct pa_time_event;
 
@@ -46,42 +39,28 @@ public:
     void stop();
 
 private:
-    friend struct PulseCaptureCallbacks;
-
     void connect();
     void disconnect();
     void contextChanged();
     void retryLater();
     void chooseSource();
     void chooseDefault();
-    void serverKnown(const char *defaultSink, const char *defaultSource);
-    void sourceFound(const char *name, bool isMonitor);
-    void open(const QByteArray &source);
-    void close();
-    void streamChanged();
-    void read();
-    void askForTime();
-    void timeKnown();
+    void chooseDefault(const char *sink, const char *source);
+    void openDefault(const char *source, bool isMonitor);
+    void open(const char *source);
+    void streamStarted();
+    void streamEnded(bool hadStarted);
     void lost();
-    void run(pa_operation *operation) const;
 
     const Kind _kind;
     const QByteArray _wanted;
-    const int _sampleRate;
-    const int _channels;
     const Events _events;
 
     pa_threaded_mainloop *_loop = nullptr;
     // Of the loop's thread, or with its lock.
     pa_context *_context = nullptr;
-    pa_stream *_stream = nullptr;
     pa_time_event *_retry = nullptr;
-    QByteArray _source;
-    std::vector<float> _silence;
-    std::uint64_t _received = 0;        // bytes of the stream
-    std::vector<std::int64_t> _origins; // newest answers to when the stream's first sample was heard
-    int _readsToNextTime = 0;
-    bool _isRunning = false; // the stream has delivered
+    PulseStream _stream;
     bool _isLost = false;
 };
 

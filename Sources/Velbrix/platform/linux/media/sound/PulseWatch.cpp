@@ -9,27 +9,15 @@
 #include <pulse/pulseaudio.h>
 
 namespace velbrix {
-
-struct PulseWatchCallbacks {
-    static void context(pa_context *, void *data) { static_cast<PulseWatch *>(data)->contextChanged(); }
-    static void event(pa_context *, pa_subscription_event_type_t event, std::uint32_t, void *data)
-    {
-        // Devices also "change" with every turn of a volume knob.
-        const auto facility = event & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
-        const auto kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
-        if (facility == PA_SUBSCRIPTION_EVENT_SERVER || kind != PA_SUBSCRIPTION_EVENT_CHANGE)
-            static_cast<PulseWatch *>(data)->_changed();
-    }
-    static void retry(pa_mainloop_api *, pa_time_event *, const timeval *, void *data)
-    {
-        static_cast<PulseWatch *>(data)->connect();
-    }
-};
-
 namespace {
 
 constexpr pa_usec_t firstRetry = 2 * PA_USEC_PER_SEC;
 constexpr pa_usec_t slowestRetry = 60 * PA_USEC_PER_SEC;
+
+PulseWatch &self(void *data)
+{
+    return *static_cast<PulseWatch *>(data);
+}
 
 } // namespace
 
@@ -58,7 +46,15 @@ void PulseWatch::start()
 void PulseWatch::connect()
 {
     disconnect();
-    _context = pulse::makeContext(_loop, PulseWatchCallbacks::context, PulseWatchCallbacks::event, this);
+    const auto changed = [](pa_context *, void *data) { self(data).contextChanged(); };
+    const auto happened = [](pa_context *, pa_subscription_event_type_t event, std::uint32_t, void *data) {
+        // Devices also "change" with every turn of a volume knob.
+        const auto facility = event & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
+        const auto kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
+        if (facility == PA_SUBSCRIPTION_EVENT_SERVER || kind != PA_SUBSCRIPTION_EVENT_CHANGE)
+            self(data)._changed();
+    };
+    _context = pulse::makeContext(_loop, changed, happened, this);
     pulse::connectContext(_context);
 }
 
@@ -86,8 +82,10 @@ void PulseWatch::contextChanged()
 void PulseWatch::retryLater()
 {
     stopRetrying();
-    _retry =
-        pa_context_rttime_new(_context, pa_rtclock_now() + _retryDelay, PulseWatchCallbacks::retry, this);
+    const auto due = [](pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
+        self(data).connect();
+    };
+    _retry = pa_context_rttime_new(_context, pa_rtclock_now() + _retryDelay, due, this);
     _retryDelay = std::min(_retryDelay * 2, slowestRetry);
 }
 

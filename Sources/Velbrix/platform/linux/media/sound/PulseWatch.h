@@ -24,8 +24,6 @@ public:
     void start();
 
 private:
-    friend struct PulseWatchCallbacks;
-
     void connect();
     void disconnect();
     void contextChanged();
