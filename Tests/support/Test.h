@@ -22,6 +22,20 @@ constexpr int patience = 20000; // ms
     return QTest::qWaitFor(isSo, patience);
 }
 
+// What a Result says went wrong; empty where nothing did.
+[[nodiscard]] QString errorText(const auto &result)
+{
+    return result ? QString() : result.error().message;
+}
+
+// The rows of what every adapter promises.
+inline void fakeAndReal()
+{
+    QTest::addColumn<bool>("isReal");
+    QTest::newRow("fake") << false;
+    QTest::newRow("real") << true;
+}
+
 } // namespace velbrix::test
 
 #undef QTRY_VERIFY

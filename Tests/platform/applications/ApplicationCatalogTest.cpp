@@ -6,8 +6,8 @@
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QElapsedTimer>
 
+#include <ctime>
 #include <unistd.h>
 
 namespace {
@@ -42,11 +42,8 @@ struct HostRig {
     // Each call is noted in the file "calls".
     QString script(const QString &name, const QByteArray &body) const
     {
-        const QString path =
-            write(u"bin/"_s + name, "#!/bin/sh\nprintf '%s\\n' \"" + name.toUtf8() + " $*\" >> '" +
-                                        at(u"calls"_s).toUtf8() + "'\n" + body);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return path;
+        return standIn(at(u"bin/"_s + name), "#!/bin/sh\nprintf '%s\\n' \"" + name.toUtf8() + " $*\" >> '" +
+                                                 at(u"calls"_s).toUtf8() + "'\n" + body);
     }
     // GIMP is a package; its removal takes a plug-in with it.
     void installApt()
@@ -70,17 +67,18 @@ struct HostRig {
     LinuxApplicationCatalog catalog() { return {clock, places, programs}; }
     QList<InstalledApplication> applications()
     {
-        LinuxApplicationCatalog host = catalog();
-        return QCoro::waitFor(host.applications()).value_or(QList<InstalledApplication>());
+        return QCoro::waitFor(catalog().applications()).value_or(QList<InstalledApplication>());
     }
     InstalledApplication named(const QString &name)
     {
         const QList<InstalledApplication> all = applications();
-        for (const InstalledApplication &application : all) {
-            if (application.name == name)
-                return application;
-        }
-        return {};
+        const auto found = std::ranges::find(all, name, &InstalledApplication::name);
+        return found == all.end() ? InstalledApplication() : *found;
+    }
+    // Why it was not removed.
+    QString removal(const InstalledApplication &application)
+    {
+        return errorText(QCoro::waitFor(catalog().removeManaged(application, {})));
     }
 };
 
@@ -109,7 +107,7 @@ InstalledApplication gimpOf(const QString &path)
 class ApplicationCatalogTest : public QObject {
     Q_OBJECT
 
-    template <typename Catalog> void listsAndRemoves(Catalog &catalog)
+    template <typename Catalog> void listsAndRemoves(Catalog &&catalog)
     {
         const auto listed = QCoro::waitFor(catalog.applications());
         QVERIFY(listed);
@@ -123,11 +121,8 @@ class ApplicationCatalogTest : public QObject {
 
         Cancellation cancelled;
         cancelled.cancel();
-        const auto kept = QCoro::waitFor(catalog.removeManaged(gimp, cancelled));
-        QVERIFY(!kept);
-        QCOMPARE(kept.error().message, u"已取消"_s);
+        QCOMPARE(errorText(QCoro::waitFor(catalog.removeManaged(gimp, cancelled))), u"已取消"_s);
         QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 1);
-
         QVERIFY(QCoro::waitFor(catalog.removeManaged(gimp, {})));
         QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 0);
         QVERIFY(!QCoro::waitFor(catalog.removeManaged(gimp, {})));
@@ -146,8 +141,7 @@ private Q_SLOTS:
     {
         HostRig rig;
         rig.installApt();
-        LinuxApplicationCatalog catalog = rig.catalog();
-        listsAndRemoves(catalog);
+        listsAndRemoves(rig.catalog());
         const QStringList calls = rig.calls();
         const qsizetype removal =
             calls.indexOf(u"pkexec --disable-internal-agent /usr/bin/env DEBIAN_FRONTEND=noninteractive "_s +
@@ -208,7 +202,6 @@ private Q_SLOTS:
         QFile::link(u"/bin/sh"_s, rig.at(u"home/bin/link"_s));
         rig.entry(own + u"link.desktop"_s, "Link", "Exec=" + rig.at(u"home/bin/link"_s).toUtf8());
         rig.entry(own + u"out.desktop"_s, "Out", "Exec=" + rig.at(u"home/../bin/sh"_s).toUtf8());
-        QDir().mkpath(rig.at(u"outside"_s));
         rig.write(u"outside/tool"_s, "x");
         QFile::link(rig.at(u"outside"_s), rig.at(u"home/away"_s));
         rig.entry(own + u"away.desktop"_s, "Away", "Exec=" + rig.at(u"home/away/tool"_s).toUtf8());
@@ -272,12 +265,9 @@ private Q_SLOTS:
         const InstalledApplication foo = rig.named(u"Foo"_s);
         QCOMPARE(foo.identifier + u' ' + foo.version, u"foo 7"_s);
 
-        LinuxApplicationCatalog catalog = rig.catalog();
-        QVERIFY(QCoro::waitFor(catalog.removeManaged(a, {})));
-        QVERIFY(QCoro::waitFor(catalog.removeManaged(foo, {})));
-        const auto refused = QCoro::waitFor(catalog.removeManaged(bee, {}));
-        QVERIFY(!refused);
-        QCOMPARE(refused.error().message, u"Flatpak 没有移除 org.b.B：no password"_s);
+        QCOMPARE(rig.removal(a), QString());
+        QCOMPARE(rig.removal(foo), QString());
+        QCOMPARE(rig.removal(bee), u"Flatpak 没有移除 org.b.B：no password"_s);
         QVERIFY(rig.calls().contains(u"flatpak uninstall -y --user org.a.A"_s));
         QVERIFY(rig.calls().contains(u"flatpak uninstall -y --system org.b.B"_s));
         QVERIFY(rig.calls().contains(u"snap remove foo"_s));
@@ -285,39 +275,27 @@ private Q_SLOTS:
                                      u" remove foo"_s));
     }
 
-    void refusesWhatTheSystemNeeds_data()
-    {
-        QTest::addColumn<QByteArray>("simulated");
-        QTest::addColumn<QByteArray>("message");
-        QTest::newRow("essential") << QByteArray("Remv gimp [1]\\nRemv bash [5]\\n")
-                                   << QByteArray("不能移除 gimp：系统或桌面离不开软件包 bash");
-        QTest::newRow("desktop") << QByteArray("Remv gimp [1]\\nRemv xserver-xorg-core:amd64 [2]\\n")
-                                 << QByteArray(
-                                        "不能移除 gimp：系统或桌面离不开软件包 xserver-xorg-core:amd64");
-        QTest::newRow("Velbrix") << QByteArray("Remv gimp [1]\\nRemv velbrix [2]\\n")
-                                 << QByteArray("不能移除 gimp：Velbrix 自身会一起被移除");
-        QTest::newRow("no answer") << QByteArray("E: Unable to locate package gimp\\n")
-                                   << QByteArray("APT 不能移除软件包 gimp：E: Unable to locate package gimp");
-    }
     void refusesWhatTheSystemNeeds()
     {
-        QFETCH(QByteArray, simulated);
-        QFETCH(QByteArray, message);
+        const std::initializer_list<std::pair<QByteArray, QString>> simulations{
+            {"Remv gimp [1]\\nRemv bash [5]\\n", u"不能移除 gimp：系统或桌面离不开软件包 bash"_s},
+            {"Remv gimp [1]\\nRemv xserver-xorg-core:amd64 [2]\\n",
+             u"不能移除 gimp：系统或桌面离不开软件包 xserver-xorg-core:amd64"_s},
+            {"Remv gimp [1]\\nRemv velbrix [2]\\n", u"不能移除 gimp：Velbrix 自身会一起被移除"_s},
+            {"E: Unable to locate package gimp\\n",
+             u"APT 不能移除软件包 gimp：E: Unable to locate package gimp"_s}};
         HostRig rig;
         rig.installApt();
-        rig.programs.aptGet = rig.script(u"apt-get"_s, "printf '" + simulated + "'\n");
         rig.programs.dpkgQuery = rig.script(
             u"dpkg-query"_s, "if [ $1 = -S ]; then echo 'velbrix: " + rig.places.executable.toUtf8() +
                                  "'; exit; fi\nshift 3\nfor p; do case $p in bash) e=yes;; *) e=no;; esac\n"
                                  "printf '%s\\t1\\t1\\t%s\\t\\toptional\\n' $p $e; done\n");
-        LinuxApplicationCatalog catalog = rig.catalog();
         const InstalledApplication gimp = gimpOf(rig.at(u"system/applications/gimp.desktop"_s));
-        const auto going = QCoro::waitFor(catalog.packagesRemovedWith(gimp));
-        QVERIFY(!going);
-        QCOMPARE(going.error().message, QString::fromUtf8(message));
-        const auto removed = QCoro::waitFor(catalog.removeManaged(gimp, {}));
-        QVERIFY(!removed);
-        QCOMPARE(removed.error(), going.error());
+        for (const auto &[simulated, message] : simulations) {
+            rig.programs.aptGet = rig.script(u"apt-get"_s, "printf '" + simulated + "'\n");
+            QCOMPARE(errorText(QCoro::waitFor(rig.catalog().packagesRemovedWith(gimp))), message);
+            QCOMPARE(rig.removal(gimp), message);
+        }
         QVERIFY(rig.calls().filter(u"pkexec"_s).isEmpty());
     }
 
@@ -326,25 +304,21 @@ private Q_SLOTS:
         HostRig rig;
         rig.installApt();
         const InstalledApplication gimp = rig.named(u"GIMP"_s);
-        const auto message = [&](const InstalledApplication &application) {
-            LinuxApplicationCatalog catalog = rig.catalog();
-            const auto removed = QCoro::waitFor(catalog.removeManaged(application, {}));
-            return removed ? QString() : removed.error().message;
-        };
+
         rig.programs.pkexec = rig.script(u"pkexec"_s, "exit 126\n");
-        QCOMPARE(message(gimp), u"没有输入密码，gimp 未被移除"_s);
+        QCOMPARE(rig.removal(gimp), u"没有输入密码，gimp 未被移除"_s);
         rig.programs.pkexec = rig.script(u"pkexec"_s, "echo 'No agent' >&2; exit 127\n");
-        QCOMPARE(message(gimp), u"没有取得管理员权限，gimp 未被移除：No agent"_s);
+        QCOMPARE(rig.removal(gimp), u"没有取得管理员权限，gimp 未被移除：No agent"_s);
         rig.programs.pkexec = rig.script(u"pkexec"_s, "printf 'Reading\\nE: Locked\\n'; exit 100\n");
-        QCOMPARE(message(gimp), u"APT 没有移除 gimp：E: Locked"_s);
+        QCOMPARE(rig.removal(gimp), u"APT 没有移除 gimp：E: Locked"_s);
         rig.programs.pkexec.clear();
-        QCOMPARE(message(gimp), u"没有找到 pkexec，无法取得移除软件包所需的管理员权限"_s);
+        QCOMPARE(rig.removal(gimp), u"没有找到 pkexec，无法取得移除软件包所需的管理员权限"_s);
         InstalledApplication other = gimp;
         other.package = u"--purge"_s;
-        QCOMPARE(message(other), u"「GIMP」不是由软件包管理器安装的"_s);
+        QCOMPARE(rig.removal(other), u"「GIMP」不是由软件包管理器安装的"_s);
         other = gimp;
         other.kind = Kind::desktopEntry;
-        QCOMPARE(message(other), u"「GIMP」不是由软件包管理器安装的"_s);
+        QCOMPARE(rig.removal(other), u"「GIMP」不是由软件包管理器安装的"_s);
     }
 
     void hostileEntriesCostOnlyThemselves()
@@ -374,11 +348,9 @@ private Q_SLOTS:
             rig.entry(u"home/.local/share/applications/a%1.desktop"_s.arg(number),
                       "App " + QByteArray::number(number),
                       "Exec=true\nIcon=nothing-of-the-kind\n" + QByteArray(20000, '#'));
-        QElapsedTimer timer;
-        timer.start();
+        const std::clock_t start = std::clock();
         QCOMPARE(rig.applications().size(), 300);
-        qInfo("%lld ms", timer.elapsed());
-        QVERIFY(timer.elapsed() < 5000);
+        QCOMPARE_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
     }
 
     void placesFollowTheEnvironment()
@@ -428,10 +400,7 @@ private Q_SLOTS:
         rig.programs.dpkgQuery = real.dpkgQuery;
         rig.programs.aptGet = rig.script(u"apt-get"_s, "exit 1\n");
         rig.places.dataFolders = {u"/usr/share"_s};
-        QElapsedTimer timer;
-        timer.start();
         const QList<InstalledApplication> all = rig.applications();
-        qInfo("%lld applications in %lld ms", static_cast<long long>(all.size()), timer.elapsed());
         QVERIFY(!all.isEmpty());
         for (const InstalledApplication &application : all) {
             QCOMPARE(application.kind, Kind::managed);

@@ -20,45 +20,30 @@ private Q_SLOTS:
         QVERIFY(entry->isShown({}));
     }
 
-    void leavesOutWhatIsNoApplication_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        const QByteArray head = "[Desktop Entry]\n";
-        QTest::newRow("nothing") << QByteArray();
-        QTest::newRow("no group") << QByteArray("Type=Application\nName=A\nExec=a\n");
-        QTest::newRow("no name") << head + "Type=Application\nExec=a\n";
-        QTest::newRow("name of spaces") << head + "Type=Application\nName=\\s\\n\nExec=a\n";
-        QTest::newRow("no program") << head + "Type=Application\nName=A\n";
-        QTest::newRow("link") << head + "Type=Link\nName=A\nExec=a\n";
-        QTest::newRow("binary") << head + QByteArray("Type=Application\nName=A\0\nExec=a\n", 32);
-        QTest::newRow("values of another group") << head + "[Other]\nType=Application\nName=A\nExec=a\n";
-    }
     void leavesOutWhatIsNoApplication()
     {
-        QFETCH(QByteArray, text);
-        QVERIFY(!parseDesktopEntry(text));
+        const QByteArray head = "[Desktop Entry]\n";
+        for (const QByteArray &text :
+             {QByteArray(), QByteArray("Type=Application\nName=A\nExec=a\n"),
+              head + "Type=Application\nExec=a\n", head + "Type=Application\nName=\\s\\n\nExec=a\n",
+              head + "Type=Application\nName=A\n", head + "Type=Link\nName=A\nExec=a\n",
+              head + QByteArray("Type=Application\nName=A\0\nExec=a\n", 32),
+              head + "[Other]\nType=Application\nName=A\nExec=a\n"})
+            QVERIFY2(!parseDesktopEntry(text), text.constData());
     }
 
-    void isShownWhereItBelongs_data()
-    {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<bool>("isShown");
-        QTest::newRow("no display") << QByteArray("NoDisplay=true") << false;
-        QTest::newRow("hidden") << QByteArray("Hidden=true") << false;
-        QTest::newRow("only here") << QByteArray("OnlyShowIn=GNOME;XFCE;") << true;
-        QTest::newRow("only elsewhere") << QByteArray("OnlyShowIn=GNOME;") << false;
-        QTest::newRow("not here") << QByteArray("NotShowIn=XFCE") << false;
-        QTest::newRow("not elsewhere") << QByteArray("NotShowIn=KDE;") << true;
-        QTest::newRow("program is there") << QByteArray("TryExec=sh") << true;
-        QTest::newRow("program is missing") << QByteArray("TryExec=/nowhere/paint") << false;
-    }
     void isShownWhereItBelongs()
     {
-        QFETCH(QByteArray, line);
-        const auto entry =
-            parseDesktopEntry("[Desktop Entry]\nType=Application\nName=A\nExec=a\n" + line + '\n');
-        QVERIFY(entry);
-        QTEST(entry->isShown({u"XFCE"_s}), "isShown");
+        const auto isShown = [](const QByteArray &line) {
+            const auto entry =
+                parseDesktopEntry("[Desktop Entry]\nType=Application\nName=A\nExec=a\n" + line + '\n');
+            return entry && entry->isShown({u"XFCE"_s});
+        };
+        for (const char *line : {"", "OnlyShowIn=GNOME;XFCE;", "NotShowIn=KDE;", "TryExec=sh"})
+            QVERIFY2(isShown(line), line);
+        for (const char *line : {"NoDisplay=true", "Hidden=true", "OnlyShowIn=GNOME;", "NotShowIn=XFCE",
+                                 "TryExec=/nowhere/paint"})
+            QVERIFY2(!isShown(line), line);
     }
 
     void hostileNamesStayOneShortLine()
@@ -69,39 +54,26 @@ private Q_SLOTS:
         QVERIFY(entry->name.startsWith(u"A B"_s) && entry->name.size() <= 200);
     }
 
-    void splitsCommandLines_data()
-    {
-        QTest::addColumn<QString>("exec");
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("field codes") << u"paint  --new %U %% 50%%"_s
-                                     << QStringList{u"paint"_s, u"--new"_s, u"%"_s, u"50%"_s};
-        QTest::newRow("quotes") << u"\"/opt/My \\\"App\\\"/run\" \"\" b"_s
-                                << QStringList{u"/opt/My \"App\"/run"_s, u""_s, u"b"_s};
-        QTest::newRow("open quote") << u"\"/opt/run"_s << QStringList();
-    }
     void splitsCommandLines()
     {
-        QFETCH(QString, exec);
-        QTEST(execArguments(exec), "arguments");
+        QCOMPARE(execArguments(u"paint  --new %U %% 50%%"_s),
+                 (QStringList{u"paint"_s, u"--new"_s, u"%"_s, u"50%"_s}));
+        QCOMPARE(execArguments(u"\"/opt/My \\\"App\\\"/run\" \"\" b"_s),
+                 (QStringList{u"/opt/My \"App\"/run"_s, u""_s, u"b"_s}));
+        QCOMPARE(execArguments(u"\"/opt/run"_s), QStringList());
     }
 
-    void takesAppImageNamesApart_data()
-    {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("version");
-        QTest::newRow("full") << u"Krita-5.2.2-x86_64.AppImage"_s << u"Krita"_s << u"5.2.2"_s;
-        QTest::newRow("v and letters") << u"My App-v1.0-rc1.appimage"_s << u"My App"_s << u"1.0-rc1"_s;
-        QTest::newRow("machine") << u"nvim-linux-x86_64.AppImage"_s << u"nvim-linux"_s << u""_s;
-        QTest::newRow("number in the name") << u"Studio-3D.AppImage"_s << u"Studio-3D"_s << u""_s;
-        QTest::newRow("bare") << u".AppImage"_s << u".AppImage"_s << u""_s;
-    }
     void takesAppImageNamesApart()
     {
-        QFETCH(QString, file);
-        const AppImageName parts = appImageName(file);
-        QTEST(parts.name, "name");
-        QTEST(parts.version, "version");
+        const auto parts = [](const QString &file) {
+            const AppImageName name = appImageName(file);
+            return QStringList{name.name, name.version};
+        };
+        QCOMPARE(parts(u"Krita-5.2.2-x86_64.AppImage"_s), (QStringList{u"Krita"_s, u"5.2.2"_s}));
+        QCOMPARE(parts(u"My App-v1.0-rc1.appimage"_s), (QStringList{u"My App"_s, u"1.0-rc1"_s}));
+        QCOMPARE(parts(u"nvim-linux-x86_64.AppImage"_s), (QStringList{u"nvim-linux"_s, u""_s}));
+        QCOMPARE(parts(u"Studio-3D.AppImage"_s), (QStringList{u"Studio-3D"_s, u""_s}));
+        QCOMPARE(parts(u".AppImage"_s), (QStringList{u".AppImage"_s, u""_s}));
     }
 
     void anyEntryGivesAnOrdinaryName()

@@ -5,7 +5,6 @@
 #include "platform/linux/archive/ZipArchiver.h"
 
 #include <QCoroTask>
-#include <QTemporaryDir>
 
 namespace velbrix::test {
 
@@ -21,7 +20,7 @@ public:
     // A line for the shell in the folder.
     QByteArray in(const QString &line) const
     {
-        return shell(QStringLiteral("cd '%1' || exit; export LC_ALL=C.UTF-8; %2").arg(_folder.path(), line));
+        return shell(u"cd '%1' || exit; export LC_ALL=C.UTF-8; %2"_s.arg(_folder.path(), line));
     }
     ArchiveOutcome create(const QString &source, const QString &archive, const QStringList &excludes = {})
     {
@@ -34,25 +33,22 @@ public:
     // The words of a failure, or nothing.
     QString test(const QString &archive)
     {
-        const auto answer = QCoro::waitFor(archiver.test(path(archive), {}));
-        return answer ? QString() : answer.error().message;
+        return errorText(QCoro::waitFor(archiver.test(path(archive), {})));
     }
     QString extract(const QString &archive, const QString &folder)
     {
         ExtractRequest request;
         request.archive = path(archive);
         request.folder = path(folder);
-        const auto answer = QCoro::waitFor(archiver.extract(request));
-        return answer ? QString() : answer.error().message;
+        return errorText(QCoro::waitFor(archiver.extract(request)));
     }
     // What a backup must keep of a tree, and its contents.
     QByteArray tree(const QString &folder) const
     {
-        return in(
-            QStringLiteral("cd '") + folder +
-            QStringLiteral("' && find . \\( -type d -printf '%p d %m %Ts\\n' -o -type l -printf "
-                           "'%p l %Ts %l\\n' -o -printf '%p %y %m %Ts %s\\n' \\) | LC_ALL=C sort; find . "
-                           "-type f -print0 | LC_ALL=C sort -z | xargs -0 md5sum"));
+        return in(u"cd '"_s + folder +
+                  u"' && find . \\( -type d -printf '%p d %m %Ts\\n' -o -type l -printf "
+                  "'%p l %Ts %l\\n' -o -printf '%p %y %m %Ts %s\\n' \\) | LC_ALL=C sort; find . "
+                  "-type f -print0 | LC_ALL=C sort -z | xargs -0 md5sum"_s);
     }
 };
 

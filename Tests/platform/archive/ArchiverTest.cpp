@@ -7,7 +7,6 @@
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QElapsedTimer>
 #include <QStandardPaths>
 
 #include <utility>
@@ -183,29 +182,16 @@ private Q_SLOTS:
         QCOMPARE(rig.in(u"unzip -tqq a.zip; echo $?; bsdtar -tf a.zip | wc -l"_s), "0\n66001");
     }
 
-    void leavesOut_data()
-    {
-        QTest::addColumn<QString>("pattern");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<bool>("isFolder");
-        QTest::addColumn<bool>("matches");
-        QTest::newRow("name") << u"*.o"_s << u"a/b.o"_s << false << true;
-        QTest::newRow("another name") << u"*.o"_s << u"a.o/b.c"_s << false << false;
-        QTest::newRow("path") << u"a/*.o"_s << u"a/b.o"_s << false << true;
-        QTest::newRow("deeper path") << u"a/*.o"_s << u"a/c/b.o"_s << false << false;
-        QTest::newRow("any depth") << u"a/**.o"_s << u"a/c/b.o"_s << false << true;
-        QTest::newRow("at the top") << u"/b.o"_s << u"a/b.o"_s << false << false;
-        QTest::newRow("folder") << u"build/"_s << u"a/build"_s << true << true;
-        QTest::newRow("file with a folder's name") << u"build/"_s << u"a/build"_s << false << false;
-        QTest::newRow("Chinese") << u"缓存?"_s << u"a/缓存一"_s << true << true;
-        QTest::newRow("nothing") << u""_s << u"a"_s << true << false;
-    }
     void leavesOut()
     {
-        QFETCH(QString, pattern);
-        QFETCH(QString, path);
-        QFETCH(bool, isFolder);
-        QTEST(ExcludeRules({pattern}).leavesOut(path.toUtf8(), isFolder), "matches");
+        const auto leavesOut = [](const QString &pattern, const char *path, bool isFolder = false) {
+            return ExcludeRules({pattern}).leavesOut(path, isFolder);
+        };
+        QVERIFY(leavesOut(u"*.o"_s, "a/b.o") && !leavesOut(u"*.o"_s, "a.o/b.c"));
+        QVERIFY(leavesOut(u"a/*.o"_s, "a/b.o") && !leavesOut(u"a/*.o"_s, "a/c/b.o"));
+        QVERIFY(leavesOut(u"a/**.o"_s, "a/c/b.o") && !leavesOut(u"/b.o"_s, "a/b.o"));
+        QVERIFY(leavesOut(u"build/"_s, "a/build", true) && !leavesOut(u"build/"_s, "a/build"));
+        QVERIFY(leavesOut(u"缓存?"_s, "a/缓存一", true) && !leavesOut(u""_s, "a", true));
     }
 
     void leavesOutWhatIsExcludedAndItself()
@@ -240,9 +226,7 @@ private Q_SLOTS:
         rig.in(u"mkdir s"_s);
         QCOMPARE(rig.create(u"missing"_s, u"a.zip"_s).exitStatus, 18);
         QVERIFY(!QFileInfo::exists(rig.path(u"a.zip"_s)));
-        const ArchiveOutcome outcome = rig.create(u"s"_s, u"nowhere/a.zip"_s);
-        QCOMPARE(outcome.exitStatus, 15);
-        QVERIFY(outcome.problem.startsWith(u"无法创建归档："_s));
+        QVERIFY(rig.create(u"s"_s, u"nowhere/a.zip"_s).problem.startsWith(u"无法创建归档："_s));
     }
 
     void saysThatTheDiskIsFull()
@@ -268,18 +252,14 @@ private Q_SLOTS:
         ArchiveRequest request;
         request.source = rig.path(u"s"_s);
         request.archive = rig.path(u"a.zip"_s);
-        QElapsedTimer sinceCancel;
         ArchiveProgress seen;
         request.progress = [&](const ArchiveProgress &progress) {
             seen = progress;
-            if (progress.bytes > 0 && !std::exchange(_isCancelled, true)) {
-                sinceCancel.start();
+            if (progress.bytes > 0)
                 request.cancellation.cancel();
-            }
         };
         const auto outcome = QCoro::waitFor(rig.archiver.create(request));
-        QVERIFY(sinceCancel.isValid());
-        QVERIFY2(sinceCancel.elapsed() < 5000, qPrintable(QString::number(sinceCancel.elapsed())));
+        QCOMPARE_LT(seen.bytes, qint64(2) << 30);
         QCOMPARE(*outcome, (ArchiveOutcome{.exitStatus = 9, .problem = u"已取消"_s, .cancelled = true}));
         QCOMPARE(seen.totalFiles, 3);
         QCOMPARE(seen.files, 2);
@@ -299,9 +279,6 @@ private Q_SLOTS:
         task.then([&](const Result<ArchiveOutcome> &outcome) { hasEnded = outcome->cancelled; });
         QTRY_VERIFY(hasEnded);
     }
-
-private:
-    bool _isCancelled = false;
 };
 
 QTEST_GUILESS_MAIN(ArchiverTest)

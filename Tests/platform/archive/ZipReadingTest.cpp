@@ -61,16 +61,13 @@ private Q_SLOTS:
         RecordReader reader(bytesOf(record));
         const auto read = readCentralRecord(reader);
         QVERIFY(read && reader.left() == 0);
-        QCOMPARE(read->size, entry.size);
-        QCOMPARE(read->packedSize, entry.packedSize);
-        QCOMPARE(read->offset, entry.offset);
-        QCOMPARE(read->time, entry.time);
+        QVERIFY(read->size == entry.size && read->packedSize == entry.packedSize);
+        QVERIFY(read->offset == entry.offset && read->time == entry.time);
         const QByteArray header = localHeader(entry, true);
         RecordReader headerReader(bytesOf(header));
         const auto local = readLocalRecord(headerReader);
         QVERIFY(local && local->length == static_cast<std::size_t>(header.size()));
-        QCOMPARE(local->entry.size, entry.size);
-        QCOMPARE(local->entry.packedSize, entry.packedSize);
+        QVERIFY(local->entry.size == entry.size && local->entry.packedSize == entry.packedSize);
     }
 
     void noticesDamage()

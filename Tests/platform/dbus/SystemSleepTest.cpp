@@ -37,13 +37,7 @@ class SystemSleepTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void tellsOfTheWaking_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("logind") << true;
-    }
-
+    void tellsOfTheWaking_data() { fakeAndReal(); }
     void tellsOfTheWaking()
     {
         QFETCH(bool, isReal);

@@ -4,12 +4,12 @@
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "platform/macos/desktop/DefaultsDockPreference.h"
+#include "support/Bus.h"
 #include "support/FakeDockPreference.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>
-#include <QDBusConnection>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -99,9 +99,8 @@ esac
     void saysWhatIsMissing()
     {
         const QString message = u"当前桌面（Openbox）没有可以自动隐藏的 Dock 或面板"_s;
-        QVERIFY(!autoHide() && !set(true));
-        QCOMPARE(autoHide().error().message, message);
-        QCOMPARE(set(true).error().message, message);
+        QCOMPARE(errorText(autoHide()), message);
+        QCOMPARE(errorText(set(true)), message);
     }
 
     void xfcePanelsHideAndComeBack()
@@ -111,14 +110,12 @@ esac
         panel.start(u"xfce4-panel"_s, {u"--disable-wm-check"_s});
         const auto workArea = [] { return shell(u"xprop -root _NET_WORKAREA | cut -d, -f2"_s); };
         // The bar at the top has its room: 26 pixels and its border.
-        QTRY_COMPARE_WITH_TIMEOUT(workArea(), "27", 10000);
+        QTRY_COMPARE(workArea(), "27");
         const QString get = u"xfconf-query -c xfce4-panel -p /panels/panel-%1/autohide-behavior"_s;
         QTRY_COMPARE(shell(get.arg(2)), "1"); // below: hides when a window needs the room
         LinuxDockPreference dock(_clock, _session, formerFile());
         hideAndShow(dock);
         QCOMPARE(shell(get.arg(1)), "0");
-        QCOMPARE(shell(get.arg(2)), "1");
-
         QVERIFY(set(true));
         QCOMPARE(shell(get.arg(1)), "2");
         QCOMPARE(shell(get.arg(2)), "1");
@@ -139,10 +136,9 @@ esac
 
     void plasmasPanelsHideAndComeBack()
     {
-        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"plasma"_s);
+        BusPeer peer;
         PlasmaShell plasma;
-        QVERIFY(bus.registerObject(u"/PlasmaShell"_s, &plasma, QDBusConnection::ExportAllSlots) &&
-                bus.registerService(u"org.kde.plasmashell"_s));
+        QVERIFY(peer.serve(u"/PlasmaShell"_s, &plasma) && peer.take(u"org.kde.plasmashell"_s));
         const QJsonObject before = plasma.panels;
         LinuxDockPreference dock(_clock, _session, formerFile());
         hideAndShow(dock);
@@ -152,22 +148,20 @@ esac
             plasma.panels,
             (QJsonObject{{u"3"_s, u"autohide"_s}, {u"8"_s, u"dodgewindows"_s}, {u"9"_s, u"autohide"_s}}));
         plasma.isLocked = true;
-        QCOMPARE(set(false).error().message, u"Plasma 没有完成请求：Widgets are locked"_s);
+        QCOMPARE(errorText(set(false)), u"Plasma 没有完成请求：Widgets are locked"_s);
         plasma.isLocked = false;
         QVERIFY(set(false));
         QCOMPARE(plasma.panels, before);
-        QDBusConnection::disconnectFromBus(u"plasma"_s);
     }
 
     void gnomesDockHidesAndComesBack()
     {
-        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"gnome"_s);
-        QVERIFY(bus.registerService(u"org.gnome.Shell"_s));
-        QCOMPARE(autoHide().error().message, u"GNOME 没有安装 Dash to Dock 扩展，没有可以自动隐藏的 Dock"_s);
+        BusPeer peer;
+        QVERIFY(peer.take(u"org.gnome.Shell"_s));
+        QCOMPARE(errorText(autoHide()), u"GNOME 没有安装 Dash to Dock 扩展，没有可以自动隐藏的 Dock"_s);
 
         const QString schemas = qEnvironmentVariable("XDG_DATA_HOME") +
                                 u"/gnome-shell/extensions/dash-to-dock@micxgx.gmail.com/schemas"_s;
-        QDir().mkpath(schemas);
         writeFile(schemas + u"/dock.gschema.xml"_s,
                   "<schemalist><schema id='org.gnome.shell.extensions.dash-to-dock' path='/test/dock/'>"
                   "<key name='dock-fixed' type='b'><default>true</default></key>"
@@ -185,7 +179,6 @@ esac
         QCOMPARE(values(), "false\ntrue\ntrue");
         QVERIFY(set(false));
         QCOMPARE(values(), "true\nfalse\ntrue");
-        QDBusConnection::disconnectFromBus(u"gnome"_s);
     }
 };
 

@@ -41,44 +41,27 @@ private Q_SLOTS:
         }
     }
 
-    void theScreenOfAWaylandSessionCannotBeSeen_data()
-    {
-        QTest::addColumn<SessionFacts>("facts");
-        QTest::addColumn<QString>("obstacle");
-        const QString wayland = u"当前是 Wayland 会话，无法捕捉屏幕。请在登录界面改选 X11（Xorg）会话。"_s;
-        const QString other = u"当前会话不是 X11，无法捕捉屏幕。请在 X11（Xorg）会话中运行。"_s;
-        const auto row = [](const char *name, const SessionFacts &facts, const QString &obstacle) {
-            QTest::newRow(name) << facts << obstacle;
-        };
-        row("X11", {true, false, u"x11"_s, {}}, {});
-        row("X11 that says nothing", {true, false, {}, {}}, {});
-        row("a Wayland program inside X11", {true, false, u"x11"_s, u"wayland-1"_s}, {});
-        row("Xwayland", {true, true, u"wayland"_s, u"wayland-0"_s}, wayland);
-        row("Xwayland that alone tells", {true, true, {}, {}}, wayland);
-        row("Xwayland that says nothing", {true, false, u"wayland"_s, {}}, wayland);
-        row("of which only the socket is known", {true, false, {}, u"wayland-0"_s}, wayland);
-        row("Wayland without X11", {false, false, u"wayland"_s, u"wayland-0"_s}, wayland);
-        row("neither", {false, false, u"tty"_s, {}}, other);
-    }
     void theScreenOfAWaylandSessionCannotBeSeen()
     {
-        QFETCH(SessionFacts, facts);
-        const QString obstacle = screenObstacle(facts);
-        QTEST(obstacle, "obstacle");
-        LinuxPermissions permissions(obstacle);
-        QCOMPARE(permissions.preflightScreenCapture(), obstacle.isEmpty());
-        QCOMPARE(permissions.requestScreenCapture(), obstacle.isEmpty());
-        if (!obstacle.isEmpty())
-            QCOMPARE(permissions.explanation(PrivacyPane::screenCapture), obstacle);
-    }
-
-    void aPaneThatCannotBeOpenedIsExplained()
-    {
-        LinuxPermissions permissions({});
-        for (const PrivacyPane pane :
-             {PrivacyPane::screenCapture, PrivacyPane::microphone, PrivacyPane::camera,
-              PrivacyPane::accessibility, PrivacyPane::notifications})
-            QVERIFY(permissions.openSettings(pane) || !permissions.explanation(pane).isEmpty());
+        const QString wayland = u"当前是 Wayland 会话，无法捕捉屏幕。请在登录界面改选 X11（Xorg）会话。"_s;
+        const QString other = u"当前会话不是 X11，无法捕捉屏幕。请在 X11（Xorg）会话中运行。"_s;
+        const std::initializer_list<std::pair<SessionFacts, QString>> sessions{
+            {{true, false, u"x11"_s, {}}, {}},
+            {{true, false, {}, {}}, {}},                   // X11 that says nothing
+            {{true, false, u"x11"_s, u"wayland-1"_s}, {}}, // a Wayland program inside X11
+            {{true, true, u"wayland"_s, u"wayland-0"_s}, wayland},
+            {{true, true, {}, {}}, wayland}, // Xwayland alone tells
+            {{true, false, u"wayland"_s, {}}, wayland},
+            {{true, false, {}, u"wayland-0"_s}, wayland}, // only the socket is known
+            {{false, false, u"wayland"_s, u"wayland-0"_s}, wayland},
+            {{false, false, u"tty"_s, {}}, other}};
+        for (const auto &[facts, obstacle] : sessions) {
+            QCOMPARE(screenObstacle(facts), obstacle);
+            LinuxPermissions permissions(obstacle);
+            QCOMPARE(permissions.preflightScreenCapture(), obstacle.isEmpty());
+            if (!obstacle.isEmpty())
+                QCOMPARE(permissions.explanation(PrivacyPane::screenCapture), obstacle);
+        }
     }
 };
 

@@ -49,14 +49,11 @@ public:
         for (; _tick < end; ++_tick) {
             if (_tick / framesPerSecond % 2 == 0 || _tick % 5 == 0) {
                 _picture.scroll(_tick * 3);
-                const PixelRect all = _picture.all();
-                static_cast<void>(_video->encode(_picture.view(), std::span(&all, 1), _tick,
-                                                 [this](const H264Encoder::Packet &packet) { add(packet); }));
+                addPicture();
             }
             std::vector<float> sound(2 * sampleRate / framesPerSecond);
             if (_tick % (framesPerSecond / 2) == 0)
                 std::fill_n(sound.begin(), 200, 0.5F);
-            samples.insert(samples.end(), sound.begin(), sound.end());
             static_cast<void>(_sound->encode(sound, soundSink()));
         }
     }
@@ -64,9 +61,7 @@ public:
     void recordStillSecond()
     {
         _picture.fill(128);
-        const PixelRect all = _picture.all();
-        static_cast<void>(_video->encode(_picture.view(), std::span(&all, 1), _tick,
-                                         [this](const H264Encoder::Packet &packet) { add(packet); }));
+        addPicture();
         _tick += framesPerSecond;
     }
     Result<void> finish()
@@ -76,15 +71,18 @@ public:
         return _writer->finish(ends);
     }
 
-    std::vector<float> samples;     // that went into the sound
     std::optional<Failure> failure; // of the first picture that could not be written
 
 private:
-    void add(const H264Encoder::Packet &packet)
+    void addPicture()
     {
-        auto added = _writer->add(0, packet.bytes, packet.tick * unitsPerTick, packet.isKey);
-        if (!added && !failure)
-            failure = added.error();
+        const PixelRect all = _picture.all();
+        const auto write = [this](const H264Encoder::Packet &packet) {
+            auto added = _writer->add(0, packet.bytes, packet.tick * unitsPerTick, packet.isKey);
+            if (!added && !failure)
+                failure = added.error();
+        };
+        static_cast<void>(_video->encode(_picture.view(), std::span(&all, 1), _tick, write));
     }
     AacEncoder::Sink soundSink()
     {

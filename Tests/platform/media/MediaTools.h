@@ -1,13 +1,9 @@
 #pragma once
 
-#include "support/Files.h"
+#include "support/Test.h"
 
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
 #include <QTemporaryFile>
 
-#include <cstddef>
 #include <cstdio>
 
 namespace velbrix::test {
@@ -42,12 +38,11 @@ inline QByteArray output(const QString &program, const QStringList &arguments, Q
 // What a line of the shell printed, without the white space around it.
 inline QByteArray shell(const QString &line)
 {
-    return output(QStringLiteral("sh"), {QStringLiteral("-c"), line}).trimmed();
+    return output(u"sh"_s, {u"-c"_s, line}).trimmed();
 }
 
 inline QByteArray probed(const QString &path, const QString &entries, const QString &stream)
 {
-    using namespace Qt::StringLiterals;
     return output(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, stream, u"-show_entries"_s,
                                  entries, u"-of"_s, u"csv=p=0"_s, path})
         .trimmed();
@@ -56,7 +51,6 @@ inline QByteArray probed(const QString &path, const QString &entries, const QStr
 // One line for each decoded picture: its time on the movie's clock and its hash.
 inline QByteArray pictures(const QString &path, QByteArray *errors = nullptr)
 {
-    using namespace Qt::StringLiterals;
     return output(u"ffmpeg"_s,
                   {u"-v"_s, u"error"_s, u"-copyts"_s, u"-i"_s, path, u"-map"_s, u"0:v"_s, u"-fps_mode"_s,
                    u"passthrough"_s, u"-f"_s, u"framemd5"_s, u"-"_s},
@@ -65,9 +59,8 @@ inline QByteArray pictures(const QString &path, QByteArray *errors = nullptr)
 
 // The decoded sound from the movie's time zero on, interleaved floats. What
 // stands before (the encoder's delay, where a reader does not hide it) is cut.
-inline QByteArray sound(const QString &path, const QString &stream = QStringLiteral("a:0"))
+inline QByteArray sound(const QString &path, const QString &stream = u"a:0"_s)
 {
-    using namespace Qt::StringLiterals;
     const int start = probed(path, u"stream=start_pts"_s, stream).split('\n').first().toInt();
     const QByteArray all = output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path, u"-map"_s,
                                                 u"0:"_s + stream, u"-f"_s, u"f32le"_s, u"-"_s});

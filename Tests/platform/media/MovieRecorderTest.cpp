@@ -4,23 +4,42 @@
 #include "support/MoviePictures.h"
 #include "support/Test.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <csignal>
-#include <cstdlib>
 #include <mutex>
 #include <sys/resource.h>
-#include <sys/types.h>
+
+namespace {
+
+constexpr int width = 320;
+constexpr int height = 240;
+constexpr std::int64_t second = 1'000'000'000;
+
+// A recording with one picture to draw on.
+struct Recording {
+    explicit Recording(const MovieSettings &settings, int queue = 5, const MovieRecorder::Events &events = {})
+        : recorder(*MovieRecorder::create(settings, queue, ledger, events))
+    {
+    }
+    // The queue is full now and then: the recorder runs behind this loop.
+    void submit(std::int64_t tick)
+    {
+        const PixelRect all = picture.all();
+        QVERIFY(waitFor([&] { return recorder->submit(picture.view(), std::span(&all, 1), tick); }));
+    }
+
+    CaptureLedger ledger;
+    std::unique_ptr<MovieRecorder> recorder;
+    TestPicture picture{width, height};
+};
+
+} // namespace
 
 class MovieRecorderTest : public QObject {
     Q_OBJECT
 
 private:
-    static constexpr int width = 320;
-    static constexpr int height = 240;
-    static constexpr std::int64_t second = 1'000'000'000;
-
     MovieSettings settings(bool sound = false) const
     {
         return {.path = _folder.filePath(u"movie.mp4"_s),
@@ -32,12 +51,6 @@ private:
                 .systemAudio = sound,
                 .microphone = sound};
     }
-    // The queue is full now and then: the recorder runs behind this loop.
-    static void submit(MovieRecorder &recorder, const TestPicture &picture, PixelRect changed,
-                       std::int64_t tick)
-    {
-        QVERIFY(waitFor([&] { return recorder.submit(picture.view(), std::span(&changed, 1), tick); }));
-    }
 
     // The process id of a player.
     static pid_t startTone(const QString &sink)
@@ -45,11 +58,6 @@ private:
         const QString player = u"ffmpeg -v quiet -re -f lavfi -i sine=440 -ac 2 -ar 48000 -af volume=4 "
                                "-device %1 -f pulse tone </dev/null >/dev/null 2>&1 & echo $!"_s;
         return shell(player.arg(sink)).toInt();
-    }
-    static QStringList locked(std::mutex &lock, const QStringList &list)
-    {
-        const std::scoped_lock guard(lock);
-        return list;
     }
     // The loudest sample between two moments.
     static float loudness(const QByteArray &samples, double from, double to)
@@ -67,20 +75,15 @@ private:
 private Q_SLOTS:
     void writesWhatWasSubmitted()
     {
-        CaptureLedger ledger;
-        auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
-        QVERIFY2(recorder, recorder ? "" : qPrintable(recorder.error().message));
-        (*recorder)->begin(monotonicNow());
-        TestPicture picture(width, height);
-        submit(**recorder, picture, picture.all(), 2);
+        Recording recording(settings());
+        recording.recorder->begin(monotonicNow());
+        recording.submit(2);
         for (int tick = 3; tick < 90; tick += tick == 40 ? 20 : 1) {
-            picture.scroll(tick * 2);
-            submit(**recorder, picture, picture.all(), tick);
+            recording.picture.scroll(tick * 2);
+            recording.submit(tick);
         }
-        const auto finished = (*recorder)->finish(120);
-        QVERIFY2(finished, finished ? "" : qPrintable(finished.error().message));
-
-        const CaptureCounters counters = ledger.counters();
+        QCOMPARE(errorText(recording.recorder->finish(120)), QString());
+        const CaptureCounters counters = recording.ledger.counters();
         QCOMPARE(counters.writtenFrameCount, 69);
         QCOMPARE(counters.firstPTS, std::optional(2 / 30.0));
         QCOMPARE(counters.lastPTS, std::optional(89 / 30.0));
@@ -97,8 +100,8 @@ private Q_SLOTS:
         const auto *last = reinterpret_cast<const std::uint8_t *>(luma.constData()) + 69 * width * height;
         long long difference = 0;
         for (int i = 0; i < width * height; ++i)
-            difference += std::abs(last[i] - picture.view().y[i]);
-        QVERIFY2(difference < 8 * width * height, qPrintable(QString::number(difference)));
+            difference += std::abs(last[i] - recording.picture.view().y[i]);
+        QCOMPARE_LT(difference, 8 * width * height);
 
         const QByteArrayList times = probed(path, u"packet=pts,flags"_s, u"v"_s).split('\n');
         QCOMPARE(times.size(), 70); // the last one repeated at the end
@@ -114,84 +117,67 @@ private Q_SLOTS:
     // A still screen: the file on the disk keeps up, so that a kill costs little.
     void keepsUpWhileNothingMoves()
     {
-        CaptureLedger ledger;
-        auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
-        QVERIFY(recorder);
-        (*recorder)->begin(monotonicNow() - 20 * second);
-        TestPicture picture(width, height);
-        submit(**recorder, picture, picture.all(), 0);
+        Recording recording(settings());
+        recording.recorder->begin(monotonicNow() - 20 * second);
+        recording.submit(0);
         const QString copy = _folder.filePath(u"killed.mp4"_s);
         const auto killedDuration = [&] {
             writeFile(copy, readFile(settings().path));
             return probed(copy, u"format=duration"_s, u"v"_s).toDouble();
         };
         QTRY_VERIFY(killedDuration() >= 17);
-        QVERIFY((*recorder)->finish(25 * 30));
-        QCOMPARE(ledger.counters().writtenFrameCount, 1);
+        QVERIFY(recording.recorder->finish(25 * 30));
+        QCOMPARE(recording.ledger.counters().writtenFrameCount, 1);
         QCOMPARE(probed(settings().path, u"format=duration"_s, u"v"_s).toDouble(), 25.0);
         QVERIFY(readFile(settings().path).size() < 150'000);
     }
 
     void aFullQueueTakesNothing()
     {
-        CaptureLedger ledger;
-        auto recorder = MovieRecorder::create(settings(), 2, ledger, {});
-        QVERIFY(recorder);
-        TestPicture picture(width, height);
-        const PixelRect all = picture.all();
+        Recording recording(settings(), 2);
+        const PixelRect all = recording.picture.all();
         for (int tick = 0; tick < 4; ++tick) // nobody encodes yet
-            QCOMPARE((*recorder)->submit(picture.view(), std::span(&all, 1), tick), tick < 2);
-        (*recorder)->begin(monotonicNow());
-        submit(**recorder, picture, all, 5);
-        QVERIFY((*recorder)->finish(6));
-        QCOMPARE(ledger.counters().writtenFrameCount, 3);
+            QCOMPARE(recording.recorder->submit(recording.picture.view(), std::span(&all, 1), tick),
+                     tick < 2);
+        recording.recorder->begin(monotonicNow());
+        recording.submit(5);
+        QVERIFY(recording.recorder->finish(6));
+        QCOMPARE(recording.ledger.counters().writtenFrameCount, 3);
     }
 
     void noPictureIsNoMovie()
     {
-        CaptureLedger ledger;
-        auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
-        QVERIFY(recorder);
-        (*recorder)->begin(monotonicNow());
-        const auto finished = (*recorder)->finish(30);
-        QVERIFY(!finished);
-        QCOMPARE(finished.error().message, u"没有写入任何画面"_s);
+        Recording recording(settings());
+        recording.recorder->begin(monotonicNow());
+        QCOMPARE(errorText(recording.recorder->finish(30)), u"没有写入任何画面"_s);
     }
 
     void droppedEarlyItIsAMovieAllTheSame()
     {
-        CaptureLedger ledger;
         {
-            auto recorder = MovieRecorder::create(settings(), 5, ledger, {});
-            QVERIFY(recorder);
-            (*recorder)->begin(monotonicNow());
-            TestPicture picture(width, height);
+            Recording recording(settings());
+            recording.recorder->begin(monotonicNow());
             for (int tick = 0; tick < 40; ++tick)
-                submit(**recorder, picture, picture.all(), tick);
+                recording.submit(tick);
         }
         QCOMPARE(probed(settings().path, u"packet=pts"_s, u"v"_s).count('\n'), 39);
     }
 
     void aFullDiskEndsItOnce()
     {
-        CaptureLedger ledger;
         std::atomic<int> failures = 0;
-        auto recorder = MovieRecorder::create(settings(), 5, ledger,
-                                              {.failed = [&](Failure) { ++failures; }, .warning = {}});
-        QVERIFY(recorder);
+        Recording recording(settings(), 5, {.failed = [&](Failure) { ++failures; }, .warning = {}});
         rlimit before = {};
         ::getrlimit(RLIMIT_FSIZE, &before);
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit tight = before;
-        tight.rlim_cur = 1'500'000;
+        const rlimit tight{.rlim_cur = 1'500'000, .rlim_max = before.rlim_max};
         ::setrlimit(RLIMIT_FSIZE, &tight);
-        (*recorder)->begin(monotonicNow());
-        TestPicture picture(width, height);
+        recording.recorder->begin(monotonicNow());
         for (int tick = 0; tick < 300; ++tick) {
-            picture.scroll(tick * 97); // too far for the encoder to follow
-            submit(**recorder, picture, picture.all(), tick);
+            recording.picture.scroll(tick * 97); // too far for the encoder to follow
+            recording.submit(tick);
         }
-        const auto finished = (*recorder)->finish(300);
+        const auto finished = recording.recorder->finish(300);
         ::setrlimit(RLIMIT_FSIZE, &before);
         std::signal(SIGXFSZ, handler);
         QCOMPARE(failures.load(), 1);
@@ -204,27 +190,23 @@ private Q_SLOTS:
     // speaker changed, what the other one plays; the microphone is never mixed in.
     void recordsSoundFromTheDefaultSpeaker()
     {
-        CaptureLedger ledger;
         const std::int64_t zero = monotonicNow();
         QStringList warnings;
         std::mutex lock;
-        auto recorder =
-            MovieRecorder::create(settings(true), 5, ledger, {.failed = {}, .warning = [&](QString text) {
-                                                                  const std::scoped_lock guard(lock);
-                                                                  warnings.append(text);
-                                                              }});
-        QVERIFY(recorder);
-        QCOMPARE((*recorder)->tracks(), (MovieTracks{true, true}));
-        (*recorder)->useSystemAudio();
-        (*recorder)->useMicrophone(u"microphone"_s);
-        (*recorder)->begin(zero);
-        TestPicture picture(width, height);
-        submit(**recorder, picture, picture.all(), 0);
+        Recording recording(settings(true), 5, {.failed = {}, .warning = [&](QString text) {
+                                                    const std::scoped_lock guard(lock);
+                                                    warnings.append(text);
+                                                }});
+        QCOMPARE(recording.recorder->tracks(), (MovieTracks{true, true}));
+        recording.recorder->useSystemAudio();
+        recording.recorder->useMicrophone(u"microphone"_s);
+        recording.recorder->begin(zero);
+        recording.submit(0);
 
         pid_t tone = startTone(u"speaker"_s);
         QVERIFY(tone > 0);
-        const auto systemCount = [&] { return ledger.counters().audioSampleCount; };
-        QTRY_VERIFY_WITH_TIMEOUT(systemCount() > 150 && ledger.counters().micSampleCount > 50, 10000);
+        const auto systemCount = [&] { return recording.ledger.counters().audioSampleCount; };
+        QTRY_VERIFY(systemCount() > 150 && recording.ledger.counters().micSampleCount > 50);
         output(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=other"_s});
         output(u"pactl"_s, {u"set-default-sink"_s, u"other"_s});
         ::kill(tone, SIGTERM);
@@ -232,16 +214,19 @@ private Q_SLOTS:
         tone = startTone(u"other"_s);
         QVERIFY(tone > 0);
         const int before = systemCount();
-        QTRY_VERIFY_WITH_TIMEOUT(systemCount() > before + 150, 10000);
+        QTRY_VERIFY(systemCount() > before + 150);
         // The speaker goes away: silence, and on with the next default one.
         const std::int64_t lost = monotonicNow();
         output(u"pactl"_s, {u"unload-module"_s, u"module-null-sink"_s});
-        QTRY_VERIFY_WITH_TIMEOUT(locked(lock, warnings).contains(u"系统声音暂时无法录制，将以静音代替"_s),
-                                 5000);
+        const auto isTold = [&] {
+            const std::scoped_lock guard(lock);
+            return warnings.contains(u"系统声音暂时无法录制，将以静音代替"_s);
+        };
+        QTRY_VERIFY(isTold());
         ::kill(tone, SIGTERM);
         const std::int64_t end = monotonicNow();
         const std::int64_t lastTick = (end - zero) * 30 / second;
-        QVERIFY((*recorder)->finish(lastTick));
+        QVERIFY(recording.recorder->finish(lastTick));
 
         const QString path = settings().path;
         QCOMPARE(

@@ -12,12 +12,10 @@ class PulseAudioDevicesTest : public QObject {
     static QStringList described(const Result<QList<AudioDeviceItem>> &devices)
     {
         QStringList list;
-        if (!devices)
-            return {devices.error().message};
-        for (const AudioDeviceItem &device : *devices)
+        for (const AudioDeviceItem &device : devices.value_or(QList<AudioDeviceItem>()))
             list.append(u"%1 %2%3"_s.arg(device.id, device.name, device.isDefault ? u" *"_s : u""_s));
         list.sort();
-        return list;
+        return devices ? list : QStringList{devices.error().message};
     }
     static QStringList speakersOf(AudioDevices &devices)
     {
@@ -37,12 +35,7 @@ private Q_SLOTS:
     }
 
     // What the fake promises to others has to hold for the real one.
-    void theDefaultMarkMoves_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("real") << true;
-    }
+    void theDefaultMarkMoves_data() { fakeAndReal(); }
     void theDefaultMarkMoves()
     {
         QFETCH(bool, isReal);
@@ -56,7 +49,7 @@ private Q_SLOTS:
         QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic *"_s, u"speaker Speaker"_s}));
         QVERIFY(!isReal || pactl({u"get-default-sink"_s}) == "mic");
         QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"speaker"_s)));
-        QCOMPARE(QCoro::waitFor(devices.setDefaultSpeaker(u"nowhere"_s)).error().message,
+        QCOMPARE(errorText(QCoro::waitFor(devices.setDefaultSpeaker(u"nowhere"_s))),
                  u"声音服务器里没有这个扬声器"_s);
         QCOMPARE(speakersOf(devices), (QStringList{u"mic Mic"_s, u"speaker Speaker *"_s}));
         QCOMPARE(microphonesOf(devices), before);
@@ -85,7 +78,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!speakersOf(devices).join(u' ').contains(u"third"_s));
     }
 
-    void aMissingServerIsToldOnce()
+    void aMissingServerIsToldOnceAndFoundAgain()
     {
         qputenv("PULSE_SERVER", "unix:/nonexistent/native");
         PulseAudioDevices devices;
@@ -95,20 +88,13 @@ private Q_SLOTS:
             ++changes;
             devices.speakers();
         });
-        devices.speakers();
-        QTest::qWait(700);
-        qunsetenv("PULSE_SERVER");
-        QCOMPARE(changes, 1);
-    }
-
-    void saysWhenThereIsNoServerAndFindsItAgain()
-    {
-        PulseAudioDevices devices;
-        qputenv("PULSE_SERVER", "unix:/nonexistent/native");
+        QTRY_COMPARE(changes, 1);
         const QStringList none{u"无法连接声音服务器（PulseAudio）：Connection refused"_s};
-        QCOMPARE(speakersOf(devices), none);
+        for (int i = 0; i < 20; ++i)
+            QCOMPARE(speakersOf(devices), none);
         QCOMPARE(microphonesOf(devices), none);
-        QCOMPARE(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)).error().message, none.first());
+        QCOMPARE(errorText(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s))), none.first());
+        QCOMPARE(changes, 1);
         qunsetenv("PULSE_SERVER");
         QVERIFY(!speakersOf(devices).contains(none.first()));
     }

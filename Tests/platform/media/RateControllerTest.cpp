@@ -26,21 +26,15 @@ class RateControllerTest : public QObject {
     }
 
 private Q_SLOTS:
-    void keepsTheAverage_data()
-    {
-        QTest::addColumn<double>("bitsAtQp26");
-        QTest::addColumn<double>("keyFactor");
-        QTest::newRow("about right") << 100e3 << 3.0;
-        QTest::newRow("five times too much") << 500e3 << 2.0;
-        QTest::newRow("big key pictures") << 60e3 << 20.0;
-    }
     void keepsTheAverage()
     {
-        QFETCH(double, bitsAtQp26);
-        QFETCH(double, keyFactor);
-        RateController rate(bitRate, framesPerSecond);
-        const double average = averageRate(rate, bitsAtQp26, keyFactor, 2, 12);
-        QVERIFY2(average > 0.85 * bitRate && average < 1.08 * bitRate, qPrintable(QString::number(average)));
+        // About right, five times too much, big key pictures.
+        for (const auto &[bitsAtQp26, keyFactor] : {std::pair(100e3, 3.0), {500e3, 2.0}, {60e3, 20.0}}) {
+            RateController rate(bitRate, framesPerSecond);
+            const double average = averageRate(rate, bitsAtQp26, keyFactor, 2, 12);
+            QVERIFY2(average > 0.85 * bitRate && average < 1.08 * bitRate,
+                     qPrintable(QString::number(average)));
+        }
     }
 
     void isNeverFinerThanTheEyeSees()
@@ -64,10 +58,8 @@ private Q_SLOTS:
     {
         RateController rate(bitRate, framesPerSecond);
         averageRate(rate, 1e3, 10, 0, 3);
-        const double burst = averageRate(rate, 400e3, 2, 0, 1);
-        QVERIFY2(burst < 3.5 * bitRate, qPrintable(QString::number(burst)));
-        const double after = averageRate(rate, 400e3, 2, 0, 4);
-        QVERIFY2(after < 1.1 * bitRate, qPrintable(QString::number(after)));
+        QCOMPARE_LT(averageRate(rate, 400e3, 2, 0, 1), 3.5 * bitRate);
+        QCOMPARE_LT(averageRate(rate, 400e3, 2, 0, 4), 1.1 * bitRate);
     }
 
     void restsCountAsTime()
@@ -75,7 +67,7 @@ private Q_SLOTS:
         RateController rate(bitRate, framesPerSecond);
         for (int i = 0; i < 20; ++i)
             rate.spent(1'500'000, i == 0, 15); // four pictures a second at the average rate
-        QVERIFY2(rate.nextQp(false) < 30, qPrintable(QString::number(rate.nextQp(false))));
+        QCOMPARE_LT(rate.nextQp(false), 30);
     }
 
     void keyPicturesAreFinerWhereLittleMoves()

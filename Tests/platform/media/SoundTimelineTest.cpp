@@ -116,22 +116,17 @@ private Q_SLOTS:
     }
 
     // A sound card that is 1 per mille slow or fast against the clock.
-    void followsDrift_data()
-    {
-        QTest::addColumn<double>("rate");
-        QTest::newRow("slow") << 1.001;
-        QTest::newRow("fast") << 0.999;
-    }
     void followsDrift()
     {
-        QFETCH(double, rate);
-        const std::vector<float> samples(fragment, 1.0F);
-        for (int i = 0; i < 3000; ++i)
-            _timeline.push(zero + static_cast<std::int64_t>(i * 20.0 * rate * millisecond), samples);
-        collect();
-        QCOMPARE(silence(), 0);
-        QVERIFY2(qAbs(double(_timeline.position()) - 60000 * rate) < 5,
-                 qPrintable(QString::number(_timeline.position())));
+        for (const double rate : {1.001, 0.999}) {
+            init();
+            const std::vector<float> samples(fragment, 1.0F);
+            for (int i = 0; i < 3000; ++i)
+                _timeline.push(zero + static_cast<std::int64_t>(i * 20.0 * rate * millisecond), samples);
+            collect();
+            QCOMPARE(silence(), 0);
+            QCOMPARE_LT(qAbs(double(_timeline.position()) - 60000 * rate), 5);
+        }
     }
 
     void silenceStandsInForALostSource()

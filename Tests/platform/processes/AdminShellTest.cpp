@@ -15,13 +15,11 @@ class AdminShellTest : public QObject {
     SystemClock _clock;
 
     // Stands in for the program that asks; prints what it was handed.
-    QString standIn(const QString &ending) const
+    QString asking(const QString &ending) const
     {
         static int count = 0;
-        const QString path = writeFile(_folder.filePath(u"asks%1"_s.arg(++count)),
-                                       "#!/bin/sh\nprintf '<%s>' \"$@\"\n" + ending.toUtf8() + '\n');
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return path;
+        return standIn(_folder.filePath(u"asks%1"_s.arg(++count)),
+                       "#!/bin/sh\nprintf '<%s>' \"$@\"\n" + ending.toUtf8() + '\n');
     }
     template <typename Shell> Result<ProcessOutcome> run(Shell &&shell, const QString &line)
     {
@@ -40,9 +38,9 @@ private Q_SLOTS:
     void handsTheLineOverAsItStands()
     {
         const QString line = u"echo $HOME 'a  b' && purge 2>/dev/null; true"_s;
-        QCOMPARE(run(PolkitAdminShell(_clock, standIn(u"exit 0"_s)), line)->output,
+        QCOMPARE(run(PolkitAdminShell(_clock, asking(u"exit 0"_s)), line)->output,
                  "<--disable-internal-agent></bin/sh><-c><" + line.toUtf8() + '>');
-        QCOMPARE(run(OsascriptAdminShell(_clock, standIn(u"exit 0"_s)), line)->output,
+        QCOMPARE(run(OsascriptAdminShell(_clock, asking(u"exit 0"_s)), line)->output,
                  "<-e><do shell script \"" + line.toUtf8() + "\" with administrator privileges>");
         VirtualClock clock;
         FakeAdminShell fake(clock);
@@ -50,43 +48,36 @@ private Q_SLOTS:
         QCOMPARE(fake.lines, QStringList{line});
     }
 
-    void aRefusalIsAnOutcome_data()
-    {
-        QTest::addColumn<int>("status");
-        QTest::newRow("dismissed") << 126;
-        QTest::newRow("not authorised") << 127;
-        QTest::newRow("the line failed") << 3;
-    }
     void aRefusalIsAnOutcome()
     {
-        QFETCH(int, status);
-        const QString program = standIn(u"echo 'Not authorized' >&2; exit %1"_s.arg(status));
-        for (const auto &outcome : {run(PolkitAdminShell(_clock, program), u"true"_s),
-                                    run(OsascriptAdminShell(_clock, program), u"true"_s)}) {
-            QVERIFY(outcome && !outcome->succeeded());
-            QCOMPARE(outcome->exitCode, status);
+        for (const int status : {126, 127, 3}) { // dismissed, not authorised, the line failed
+            const QString program = asking(u"echo 'Not authorized' >&2; exit %1"_s.arg(status));
+            for (const auto &outcome : {run(PolkitAdminShell(_clock, program), u"true"_s),
+                                        run(OsascriptAdminShell(_clock, program), u"true"_s)}) {
+                QVERIFY(outcome && !outcome->succeeded());
+                QCOMPARE(outcome->exitCode, status);
+            }
         }
     }
 
     void whoCannotAskSaysSo()
     {
-        QCOMPARE(run(PolkitAdminShell(_clock, QString()), u"true"_s).error().message,
+        QCOMPARE(errorText(run(PolkitAdminShell(_clock, QString()), u"true"_s)),
                  u"没有安装 pkexec（polkit），无法取得管理员权限"_s);
-        const QString noAgent = standIn(u"echo 'Error executing command as another user: "
-                                        "No authentication agent found.' >&2; exit 127"_s);
-        QCOMPARE(run(PolkitAdminShell(_clock, noAgent), u"true"_s).error().message,
+        const QString noAgent = asking(u"echo 'Error executing command as another user: "
+                                       "No authentication agent found.' >&2; exit 127"_s);
+        QCOMPARE(errorText(run(PolkitAdminShell(_clock, noAgent), u"true"_s)),
                  u"桌面没有运行 polkit 认证代理，无法询问管理员密码"_s);
-        QVERIFY(run(OsascriptAdminShell(_clock, u"/nowhere/osascript"_s), u"true"_s)
-                    .error()
-                    .message.startsWith(u"无法询问管理员密码："));
+        QVERIFY(errorText(run(OsascriptAdminShell(_clock, u"/nowhere/osascript"_s), u"true"_s))
+                    .startsWith(u"无法询问管理员密码："));
     }
 
     void aPromptCanBeCancelled()
     {
         VirtualClock clock;
         cancelled(FakeAdminShell(clock));
-        cancelled(PolkitAdminShell(_clock, standIn(u"exec sleep 600"_s)));
-        cancelled(OsascriptAdminShell(_clock, standIn(u"exec sleep 600"_s)));
+        cancelled(PolkitAdminShell(_clock, asking(u"exec sleep 600"_s)));
+        cancelled(OsascriptAdminShell(_clock, asking(u"exec sleep 600"_s)));
     }
 };
 

@@ -117,12 +117,7 @@ private Q_SLOTS:
         QTRY_VERIFY(holder.said("woken"));
     }
 
-    void aWakeBeforeAnyoneObservesIsKept_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("folder") << true;
-    }
+    void aWakeBeforeAnyoneObservesIsKept_data() { fakeAndReal(); }
     void aWakeBeforeAnyoneObservesIsKept()
     {
         QFETCH(bool, isReal);
@@ -133,12 +128,7 @@ private Q_SLOTS:
         QVERIFY(holder.claim());
         FolderSingleInstance later(_folder->path());
         QCOMPARE(later.claim(), !isReal);
-        const auto wake = [&] {
-            if (isReal)
-                later.wakeOther();
-            else
-                fake.wake();
-        };
+        const auto wake = [&] { isReal ? static_cast<void>(later.wakeOther()) : fake.wake(); };
         wake();
         int woken = 0;
         const Observation observation = holder.observeWake([&] { ++woken; });

@@ -1,17 +1,12 @@
 #pragma once
 
 #include "platform/linux/x11/X11Connection.h"
+#include "support/Test.h"
 
 #include <QColor>
 #include <QImage>
-#include <QList>
-#include <QPoint>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QStringList>
-#include <QTest>
-
-#include <initializer_list>
 
 namespace velbrix::test {
 
@@ -48,31 +43,17 @@ class Observer {
 public:
     X11Connection &connection() { return *_connection; }
 
-    QList<xcb_window_t> clients()
-    {
-        const XProperty list = _connection->property(_connection->root(), "_NET_CLIENT_LIST", 65536);
-        QList<xcb_window_t> windows;
-        for (int i = 0; i < list.count(); ++i)
-            windows.append(list.value(i));
-        return windows;
-    }
+    QList<xcb_window_t> clients() { return numbers(_connection->root(), "_NET_CLIENT_LIST"); }
     bool hasAtom(xcb_window_t window, const char *property, const char *atom)
     {
-        const XProperty list = _connection->property(window, property);
-        for (int i = 0; i < list.count(); ++i) {
-            if (list.value(i) == _connection->atom(atom))
-                return true;
-        }
-        return false;
+        return numbers(window, property).contains(_connection->atom(atom));
     }
     QList<xcb_window_t> iconWindows()
     {
-        QList<xcb_window_t> found;
-        const auto all = clients();
-        for (const xcb_window_t client : all) {
-            if (hasAtom(client, "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP"))
-                found.append(client);
-        }
+        QList<xcb_window_t> found = clients();
+        found.removeIf([this](xcb_window_t client) {
+            return !hasAtom(client, "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP");
+        });
         return found;
     }
     void setNumbers(xcb_window_t window, const char *property, xcb_atom_t type,
@@ -82,24 +63,35 @@ public:
                             type, 32, static_cast<std::uint32_t>(values.size()), values.begin());
         _connection->flush();
     }
-    // What the user sees.
-    QImage screen()
+    // What is drawn in a part; null where there is no such drawable.
+    QImage picture(xcb_drawable_t drawable, const QRect &part)
     {
-        const auto &root = _connection->screen();
-        const XReply<xcb_get_image_reply_t> reply(
-            xcb_get_image_reply(_connection->xcb(),
-                                xcb_get_image(_connection->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, root.root, 0, 0,
-                                              root.width_in_pixels, root.height_in_pixels, ~0U),
-                                nullptr));
-        if (!reply)
-            return {};
-        return QImage(xcb_get_image_data(reply.get()), root.width_in_pixels, root.height_in_pixels,
-                      QImage::Format_RGB32)
-            .copy();
+        const XReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+            _connection->xcb(),
+            xcb_get_image(_connection->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable,
+                          static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
+                          static_cast<std::uint16_t>(part.width()), static_cast<std::uint16_t>(part.height()),
+                          ~0U),
+            nullptr));
+        return reply ? QImage(xcb_get_image_data(reply.get()), part.width(), part.height(),
+                              QImage::Format_RGB32)
+                           .copy()
+                     : QImage();
     }
-    QColor pixel(QPoint place) { return screen().pixelColor(place); }
+    // What the user sees.
+    QImage screen(const QRect &part = QRect(0, 0, 1280, 800)) { return picture(_connection->root(), part); }
+    QColor pixel(QPoint place) { return screen(QRect(place, QSize(1, 1))).pixelColor(0, 0); }
 
 private:
+    QList<std::uint32_t> numbers(xcb_window_t window, const char *property)
+    {
+        const XProperty list = _connection->property(window, property, 65536);
+        QList<std::uint32_t> found;
+        for (int i = 0; i < list.count(); ++i)
+            found.append(list.value(i));
+        return found;
+    }
+
     std::unique_ptr<X11Connection> _connection = std::move(*X11Connection::open());
 };
 
@@ -172,18 +164,21 @@ inline bool isManaged()
     return QTest::qWaitFor([&] { return observer.clients().contains(window.id()); }, 300);
 }
 
+inline bool xrandr(const QString &arguments)
+{
+    return run(u"xrandr"_s, arguments.split(u' '));
+}
+
 // Splits the screen of 1280x800 in two.
 inline void addTwoMonitors()
 {
-    QVERIFY(run(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), QStringLiteral("left"),
-                                           QStringLiteral("640/170x800/212+0+0"), QStringLiteral("screen")}));
-    QVERIFY(run(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), QStringLiteral("right"),
-                                           QStringLiteral("640/170x800/212+640+0"), QStringLiteral("none")}));
+    QVERIFY(xrandr(u"--setmonitor left 640/170x800/212+0+0 screen"_s));
+    QVERIFY(xrandr(u"--setmonitor right 640/170x800/212+640+0 none"_s));
 }
 inline void removeTwoMonitors()
 {
-    for (const QString &name : {QStringLiteral("right"), QStringLiteral("left")})
-        run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), name}); // if there
+    for (const char *name : {"right", "left"})
+        xrandr(u"--delmonitor "_s + QLatin1String(name)); // if there
 }
 
 } // namespace velbrix::test

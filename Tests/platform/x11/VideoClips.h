@@ -11,31 +11,20 @@ namespace velbrix::test {
 class VideoClips {
 public:
     // Something that moves, one second long.
-    QString moving()
-    {
-        return made(QStringLiteral("moving.mp4"), {QStringLiteral("testsrc2=s=320x180:r=30:d=1")});
-    }
+    QString moving() { return made(u"moving.mp4"_s, {u"testsrc2=s=320x180:r=30:d=1"_s}); }
     // Red between two blue stripes, which take a quarter of its width.
     QString striped()
     {
-        return made(QStringLiteral("striped.mkv"),
-                    {QStringLiteral("color=red:s=320x180:r=30:d=1,drawbox=0:0:40:180:blue:fill,"
-                                    "drawbox=280:0:40:180:blue:fill")});
+        return made(u"striped.mkv"_s, {u"color=red:s=320x180:r=30:d=1,drawbox=0:0:40:180:blue:fill,"
+                                       "drawbox=280:0:40:180:blue:fill"_s});
     }
-    QString green()
-    {
-        return made(QStringLiteral("green.mp4"), {QStringLiteral("color=0x00ff00:s=320x180:r=30:d=1")});
-    }
+    QString green() { return made(u"green.mp4"_s, {u"color=0x00ff00:s=320x180:r=30:d=1"_s}); }
     QString withSound()
     {
-        return made(QStringLiteral("sound.mp4"),
-                    {QStringLiteral("testsrc2=s=320x180:r=30:d=2"), QStringLiteral("sine=440:d=2")});
+        return made(u"sound.mp4"_s, {u"testsrc2=s=320x180:r=30:d=2"_s, u"sine=440:d=2"_s});
     }
-    QString large()
-    {
-        return made(QStringLiteral("large.mp4"), {QStringLiteral("testsrc2=s=3840x2160:r=10:d=0.5")});
-    }
-    QString soundOnly() { return made(QStringLiteral("tone.m4a"), {QStringLiteral("sine=440:d=1")}); }
+    QString large() { return made(u"large.mp4"_s, {u"testsrc2=s=3840x2160:r=10:d=0.5"_s}); }
+    QString soundOnly() { return made(u"tone.m4a"_s, {u"sine=440:d=1"_s}); }
 
     QString file(const QString &name, const QByteArray &bytes) const
     {
@@ -49,12 +38,11 @@ private:
     {
         if (QFile::exists(path(name)))
             return path(name);
-        QStringList arguments{QStringLiteral("-v"), QStringLiteral("error")};
+        QStringList arguments{u"-v"_s, u"error"_s};
         for (const QString &source : sources)
-            arguments << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i") << source;
-        arguments << QStringLiteral("-pix_fmt") << QStringLiteral("yuv420p") << QStringLiteral("-preset")
-                  << QStringLiteral("ultrafast") << path(name);
-        output(QStringLiteral("ffmpeg"), arguments);
+            arguments << u"-f"_s << u"lavfi"_s << u"-i"_s << source;
+        arguments << u"-pix_fmt"_s << u"yuv420p"_s << u"-preset"_s << u"ultrafast"_s << path(name);
+        output(u"ffmpeg"_s, arguments);
         return path(name);
     }
 
