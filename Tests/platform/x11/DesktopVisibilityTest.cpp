@@ -43,6 +43,16 @@ public Q_SLOTS:
     bool GetActive() { return isActive; }
 };
 
+// What a window of another program is like.
+struct Cover {
+    QRect frame;
+    bool isUnmanaged = false;
+    bool isDecorated = true;
+    const char *state = nullptr;
+    const char *type = "_NET_WM_WINDOW_TYPE_NORMAL";
+    quint32 opacity = 0xffffffff;
+};
+
 quint32 monitorId()
 {
     Observer observer;
@@ -125,52 +135,41 @@ private Q_SLOTS:
 
     void knowsWhatCovers_data()
     {
-        QTest::addColumn<QRect>("frame");
-        QTest::addColumn<bool>("isUnmanaged");
-        QTest::addColumn<bool>("isDecorated");
-        QTest::addColumn<QByteArray>("state");
-        QTest::addColumn<QByteArray>("type");
-        QTest::addColumn<quint32>("opacity");
+        QTest::addColumn<Cover>("cover");
         QTest::addColumn<bool>("covers");
         const QRect whole(0, 0, 1280, 800);
-        const QByteArray full("_NET_WM_STATE_FULLSCREEN");
-        const QByteArray normal("_NET_WM_WINDOW_TYPE_NORMAL");
-        constexpr quint32 opaque = 0xffffffff;
-        QTest::newRow("full-screen") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque
-                                     << true;
-        QTest::newRow("without decorations")
-            << whole << false << false << QByteArray() << normal << opaque << true;
-        QTest::newRow("lock") << whole << true << false << QByteArray() << normal << opaque << true;
-        QTest::newRow("too small") << QRect(0, 0, 1280, 700) << false << false << QByteArray() << normal
-                                   << opaque << false;
-        QTest::newRow("translucent") << QRect(9, 9, 400, 300) << false << true << full << normal << opaque / 2
-                                     << false;
-        QTest::newRow("below all") << whole << false << false << QByteArray("_NET_WM_STATE_BELOW") << normal
-                                   << opaque << false;
-        QTest::newRow("desktop") << whole << false << false << QByteArray()
-                                 << QByteArray("_NET_WM_WINDOW_TYPE_DESKTOP") << opaque << false;
-        QTest::newRow("decorated") << whole << false << true << QByteArray() << normal << opaque << false;
+        const QRect small(9, 9, 400, 300);
+        const char *const full = "_NET_WM_STATE_FULLSCREEN";
+        QTest::newRow("full-screen") << Cover{.frame = small, .state = full} << true;
+        QTest::newRow("without decorations") << Cover{.frame = whole, .isDecorated = false} << true;
+        QTest::newRow("lock") << Cover{.frame = whole, .isUnmanaged = true} << true;
+        QTest::newRow("too small") << Cover{.frame = QRect(0, 0, 1280, 700), .isDecorated = false} << false;
+        QTest::newRow("translucent") << Cover{.frame = small, .state = full, .opacity = 0x7fffffff} << false;
+        QTest::newRow("below all") << Cover{.frame = whole,
+                                            .isDecorated = false,
+                                            .state = "_NET_WM_STATE_BELOW"}
+                                   << false;
+        QTest::newRow("desktop") << Cover{.frame = whole,
+                                          .isDecorated = false,
+                                          .type = "_NET_WM_WINDOW_TYPE_DESKTOP"}
+                                 << false;
+        QTest::newRow("decorated") << Cover{.frame = whole} << false;
     }
     void knowsWhatCovers()
     {
-        QFETCH(QRect, frame);
-        QFETCH(bool, isUnmanaged);
-        QFETCH(bool, isDecorated);
-        QFETCH(QByteArray, state);
-        QFETCH(QByteArray, type);
-        QFETCH(quint32, opacity);
+        QFETCH(Cover, cover);
         QFETCH(bool, covers);
         RealVisibility real;
-        ForeignWindow window(frame, isUnmanaged);
-        window.set("_NET_WM_WINDOW_TYPE", type.constData());
-        window.setNumbers("_NET_WM_WINDOW_OPACITY", {opacity});
-        if (!state.isEmpty())
-            window.set("_NET_WM_STATE", state.constData());
-        if (!isDecorated)
+        ForeignWindow window(cover.frame, cover.isUnmanaged);
+        window.set("_NET_WM_WINDOW_TYPE", cover.type);
+        window.setNumbers("_NET_WM_WINDOW_OPACITY", {cover.opacity});
+        if (cover.state)
+            window.set("_NET_WM_STATE", cover.state);
+        if (!cover.isDecorated)
             window.undecorate();
         window.map();
         Observer observer;
-        if (!isUnmanaged)
+        if (!cover.isUnmanaged)
             QTRY_VERIFY(observer.clients().contains(window.id()));
         if (covers) {
             QTRY_COMPARE(real.covered(), QSet<quint32>{monitorId()});

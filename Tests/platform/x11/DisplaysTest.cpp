@@ -7,9 +7,10 @@
 #include "support/PaintedWindow.h"
 #include "support/Test.h"
 
-#include <set>
-
 namespace {
+
+const QRect left(0, 0, 640, 800);
+const QRect right(640, 0, 640, 800);
 
 // What every adapter promises; `plug` and `unplug` add and remove displays.
 void keepsContract(Displays &displays, const std::function<void()> &plug, const std::function<void()> &unplug)
@@ -27,11 +28,8 @@ void keepsContract(Displays &displays, const std::function<void()> &plug, const 
     const QList<velbrix::Display> two = displays.displays();
     QVERIFY(two.first().isMain && !two.last().isMain);
     QVERIFY(two.first().id != two.last().id);
-    for (const velbrix::Display &display : two) {
-        QVERIFY(!display.name.isEmpty());
-        QVERIFY(display.id != 0);
-        QVERIFY(display.frame.contains(display.visibleFrame));
-    }
+    for (const velbrix::Display &display : two)
+        QVERIFY(!display.name.isEmpty() && display.id != 0 && display.frame.contains(display.visibleFrame));
     unplug();
     QTRY_COMPARE(displays.displays(), before);
     QVERIFY(changes >= 2);
@@ -62,25 +60,14 @@ private Q_SLOTS:
     void describesMonitors()
     {
         addTwoMonitors();
-        X11Displays displays;
-        const QList<velbrix::Display> all = displays.displays();
-        removeTwoMonitors();
-        QCOMPARE(all.size(), 2);
-        QCOMPARE(all.at(0).name, u"left"_s);
-        QCOMPARE(all.at(0).frame, QRect(0, 0, 640, 800));
-        QCOMPARE(all.at(1).name, u"right"_s);
-        QCOMPARE(all.at(1).frame, QRect(640, 0, 640, 800));
-        // Settings hold them.
-        QCOMPARE(all.at(0).id, 306900080U);
-        QCOMPARE(all.at(1).id, 2028154341U);
-    }
-
-    void agreesWithTheCapturePort()
-    {
         Observer observer;
-        X11Displays displays;
-        const std::vector<Monitor> all = monitors(observer.connection());
-        QCOMPARE(displays.displays().first().id, mainMonitor(all)->id);
+        const QList<velbrix::Display> all = X11Displays().displays();
+        const quint32 captured = mainMonitor(monitors(observer.connection()))->id;
+        removeTwoMonitors();
+        // Settings hold their numbers.
+        QCOMPARE(all, (QList<velbrix::Display>{{306900080, u"left"_s, true, left, left},
+                                               {2028154341, u"right"_s, false, right, right}}));
+        QCOMPARE(captured, all.first().id); // the recorder calls it the same
     }
 
     void leavesPanelsOut()
@@ -102,43 +89,33 @@ private Q_SLOTS:
                             {observer.connection().atom("_NET_WM_WINDOW_TYPE_DOCK")});
         observer.setNumbers(id, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
                             {0, 0, 30, 0, 0, 0, 0, 0, 0, 639, 0, 0});
-        QTRY_COMPARE(visible, (QList<QRect>{QRect(0, 30, 640, 770), QRect(640, 0, 640, 800)}));
+        QTRY_COMPARE(visible, (QList<QRect>{QRect(0, 30, 640, 770), right}));
         observer.setNumbers(id, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
                             {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1279});
         QTRY_COMPARE(visible, (QList<QRect>{QRect(0, 0, 640, 760), QRect(640, 0, 640, 760)}));
         panel.close();
-        QTRY_COMPARE(visible, (QList<QRect>{QRect(0, 0, 640, 800), QRect(640, 0, 640, 800)}));
+        QTRY_COMPARE(visible, (QList<QRect>{left, right}));
         removeTwoMonitors();
     }
 
-    void appliesStruts_data()
-    {
-        QTest::addColumn<QRect>("monitor");
-        QTest::addColumn<int>("edge"); // left, right, top, bottom
-        QTest::addColumn<EdgeStrut>("strut");
-        QTest::addColumn<QRect>("visible");
-        const QRect first(0, 0, 1000, 800);
-        const QRect second(1000, 200, 600, 600);
-        QTest::newRow("left") << first << 0 << EdgeStrut{50, 0, 799} << QRect(50, 0, 950, 800);
-        QTest::newRow("left, behind a monitor") << second << 0 << EdgeStrut{50, 0, 799} << second;
-        QTest::newRow("right") << second << 1 << EdgeStrut{40, 200, 799} << QRect(1000, 200, 560, 600);
-        QTest::newRow("inner edge, for the monitor there")
-            << first << 1 << EdgeStrut{640, 0, 799} << QRect(0, 0, 960, 800);
-        QTest::newRow("inner edge, for the one beyond") << second << 1 << EdgeStrut{640, 0, 799} << second;
-        QTest::newRow("top, other columns") << first << 2 << EdgeStrut{30, 1000, 1599} << first;
-        QTest::newRow("top of a lower monitor")
-            << second << 2 << EdgeStrut{230, 1000, 1599} << QRect(1000, 230, 600, 570);
-        QTest::newRow("bottom, shorter root side")
-            << first << 3 << EdgeStrut{30, 0, 999} << QRect(0, 0, 1000, 770);
-    }
     void appliesStruts()
     {
-        QFETCH(QRect, monitor);
-        QFETCH(int, edge);
-        QFETCH(EdgeStrut, strut);
-        Strut all;
-        *std::array{&all.left, &all.right, &all.top, &all.bottom}.at(static_cast<std::size_t>(edge)) = strut;
-        QTEST(visibleFrame(monitor, QSize(1600, 800), std::span(&all, 1)), "visible");
+        const QRect first(0, 0, 1000, 800);
+        const QRect second(1000, 200, 600, 600);
+        const auto visible = [](const QRect &monitor, EdgeStrut Strut::*edge, const EdgeStrut &strut) {
+            Strut all;
+            all.*edge = strut;
+            return visibleFrame(monitor, QSize(1600, 800), std::span(&all, 1));
+        };
+        QCOMPARE(visible(first, &Strut::left, {50, 0, 799}), QRect(50, 0, 950, 800));
+        QCOMPARE(visible(second, &Strut::left, {50, 0, 799}), second); // behind a monitor
+        QCOMPARE(visible(second, &Strut::right, {40, 200, 799}), QRect(1000, 200, 560, 600));
+        // At an inner edge, for the monitor there and the one beyond.
+        QCOMPARE(visible(first, &Strut::right, {640, 0, 799}), QRect(0, 0, 960, 800));
+        QCOMPARE(visible(second, &Strut::right, {640, 0, 799}), second);
+        QCOMPARE(visible(first, &Strut::top, {30, 1000, 1599}), first); // other columns
+        QCOMPARE(visible(second, &Strut::top, {230, 1000, 1599}), QRect(1000, 230, 600, 570));
+        QCOMPARE(visible(first, &Strut::bottom, {30, 0, 999}), QRect(0, 0, 1000, 770)); // shorter root side
     }
 };
 

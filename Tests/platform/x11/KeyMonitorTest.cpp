@@ -42,12 +42,6 @@ private:
     std::unique_ptr<XTestKeyboard> _user;
     std::unique_ptr<QLineEdit> _field;
 
-    static void bothHosts()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("x11") << true;
-    }
     void focusField()
     {
         _field = std::make_unique<QLineEdit>();
@@ -133,7 +127,7 @@ private Q_SLOTS:
         QVERIFY(!isListening());
     }
 
-    void aCallMayEndItsOwnWatch_data() { bothHosts(); }
+    void aCallMayEndItsOwnWatch_data() { fakeAndReal(); }
     void aCallMayEndItsOwnWatch()
     {
         QFETCH(bool, isReal);
@@ -156,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(calls, 1);
     }
 
-    void asksTheNewestLocalWatchFirstAndOnce_data() { bothHosts(); }
+    void asksTheNewestLocalWatchFirstAndOnce_data() { fakeAndReal(); }
     void asksTheNewestLocalWatchFirstAndOnce()
     {
         QFETCH(bool, isReal);
@@ -166,11 +160,11 @@ private Q_SLOTS:
         QStringList asked;
         bool swallows = false;
         const auto older = monitor.observeLocal([&](const KeyPress &key) {
-            asked.append(QStringLiteral("older %1 %2").arg(key.keyCode).arg(key.modifiers));
+            asked.append(u"older %1 %2"_s.arg(key.keyCode).arg(key.modifiers));
             return false;
         });
         auto newer = monitor.observeLocal([&](const KeyPress &key) {
-            asked.append(QStringLiteral("newer %1 %2").arg(key.keyCode).arg(key.modifiers));
+            asked.append(u"newer %1 %2"_s.arg(key.keyCode).arg(key.modifiers));
             return swallows;
         });
         const auto askedAfterPress = [&] {
@@ -181,12 +175,12 @@ private Q_SLOTS:
                 fake.pressLocal({keyD, 0, false});
             return waitFor([&] { return !asked.isEmpty(); }) ? asked.join(u',') : QString();
         };
-        QCOMPARE(askedAfterPress(), QStringLiteral("newer 2 0,older 2 0"));
+        QCOMPARE(askedAfterPress(), u"newer 2 0,older 2 0"_s);
         QTRY_COMPARE(_field->text(), QString(isReal ? 1 : 0, u'd'));
         swallows = true;
-        QCOMPARE(askedAfterPress(), QStringLiteral("newer 2 0"));
+        QCOMPARE(askedAfterPress(), u"newer 2 0"_s);
         newer.reset();
-        QCOMPARE(askedAfterPress(), QStringLiteral("older 2 0"));
+        QCOMPARE(askedAfterPress(), u"older 2 0"_s);
     }
 
     void aSwallowedKeyReachesNeitherWidgetNorShortcut()
@@ -205,7 +199,7 @@ private Q_SLOTS:
         _user->tap({XTestKeyboard::leftControl, XTestKeyboard::keyD});
         _user->tap({XTestKeyboard::keyD});
         _user->tap({XTestKeyboard::keyA});
-        QTRY_COMPARE(_field->text(), QStringLiteral("a"));
+        QTRY_COMPARE(_field->text(), u"a"_s);
         QCOMPARE(swallowed, 2);
         QCOMPARE(triggered, 0);
         watch.reset();
@@ -217,9 +211,8 @@ private Q_SLOTS:
     void withoutX11GlobalKeysFailInWords()
     {
         X11KeyMonitor monitor(nullptr);
-        const auto watch = monitor.observeGlobal([](const KeyPress &) {});
-        QVERIFY(!watch);
-        QCOMPARE(watch.error().message, QStringLiteral("当前会话不是 X11，无法监听其他程序的按键"));
+        QCOMPARE(errorText(monitor.observeGlobal([](const KeyPress &) {})),
+                 u"当前会话不是 X11，无法监听其他程序的按键"_s);
     }
 };
 

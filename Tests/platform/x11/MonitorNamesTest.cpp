@@ -21,27 +21,19 @@ private Q_SLOTS:
         QCOMPARE(ids.at(1), ids.at(0) + 1);
     }
 
-    void readsNames_data()
+    void readsNames()
     {
-        QTest::addColumn<QByteArray>("edid");
-        QTest::addColumn<QString>("name");
         const QByteArray head(54, '\0');
         const QByteArray timing(18, '\x01');
         const auto named = [](const QByteArray &text) {
             return QByteArray("\0\0\0\xfc\0", 5) + text.leftJustified(13, ' ');
         };
-        QTest::newRow("none") << QByteArray() << QString();
-        QTest::newRow("no name") << head + timing.repeated(4) << QString();
-        QTest::newRow("third descriptor")
-            << head + timing + timing + named("DELL U2720\n") + timing << u"DELL U2720"_s;
-        QTest::newRow("full width") << head + named("LG ULTRAWIDE1") + timing.repeated(3)
-                                    << u"LG ULTRAWIDE1"_s;
-        QTest::newRow("cut off") << head + named("DELL\n").left(9) << QString();
-    }
-    void readsNames()
-    {
-        QFETCH(QByteArray, edid);
-        QTEST(edidName(edid), "name");
+        QCOMPARE(edidName({}), QString());
+        QCOMPARE(edidName(head + timing.repeated(4)), QString());
+        QCOMPARE(edidName(head + timing + timing + named("DELL U2720\n") + timing), u"DELL U2720"_s);
+        QCOMPARE(edidName(head + named("LG ULTRAWIDE1") + timing.repeated(3)),
+                 u"LG ULTRAWIDE1"_s); // full width
+        QCOMPARE(edidName(head + named("DELL\n").left(9)), QString());
     }
 
     void anyEdidHasAShortName()

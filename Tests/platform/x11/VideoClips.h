@@ -26,11 +26,7 @@ public:
     QString large() { return made(u"large.mp4"_s, {u"testsrc2=s=3840x2160:r=10:d=0.5"_s}); }
     QString soundOnly() { return made(u"tone.m4a"_s, {u"sine=440:d=1"_s}); }
 
-    QString file(const QString &name, const QByteArray &bytes) const
-    {
-        writeFile(path(name), bytes);
-        return path(name);
-    }
+    QString file(const QString &name, const QByteArray &bytes) const { return writeFile(path(name), bytes); }
     QString path(const QString &name) const { return _folder.filePath(name); }
 
 private:
