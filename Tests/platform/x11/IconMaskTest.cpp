@@ -110,22 +110,22 @@ private Q_SLOTS:
         QVERIFY(!iconParts(view(shown), view(backdrop)));
     }
 
-    void believesGrowthThatLasts()
+    void acceptsGrowthThatLasts()
     {
-        IconPatience growth;
-        QVERIFY(growth.believes(10000, 1000, 1, 0ms));
-        QVERIFY(growth.believes(10000, 1900, 1, 10ms));
-        QVERIFY(!growth.believes(10000, 4000, 1, 20ms));
+        IconDebounce growth;
+        QVERIFY(growth.accepts(10000, 1000, 1, 0ms));
+        QVERIFY(growth.accepts(10000, 1900, 1, 10ms));
+        QVERIFY(!growth.accepts(10000, 4000, 1, 20ms));
         // Another picture: from the beginning.
-        QVERIFY(!growth.believes(10000, 4000, 2, 180ms));
-        QVERIFY(!growth.believes(10000, 4000, 2, 470ms));
-        QVERIFY(growth.believes(10000, 4000, 2, 480ms));
+        QVERIFY(!growth.accepts(10000, 4000, 2, 180ms));
+        QVERIFY(!growth.accepts(10000, 4000, 2, 470ms));
+        QVERIFY(growth.accepts(10000, 4000, 2, 480ms));
         // Icons may always go.
-        QVERIFY(growth.believes(10000, 0, 2, 490ms));
+        QVERIFY(growth.accepts(10000, 0, 2, 490ms));
         // It passed by.
-        QVERIFY(!growth.believes(10000, 3000, 2, 500ms));
-        QVERIFY(growth.believes(10000, 90, 2, 510ms));
-        QVERIFY(!growth.believes(10000, 3000, 2, 900ms));
+        QVERIFY(!growth.accepts(10000, 3000, 2, 500ms));
+        QVERIFY(growth.accepts(10000, 90, 2, 510ms));
+        QVERIFY(!growth.accepts(10000, 3000, 2, 900ms));
     }
 };
 

@@ -2,7 +2,7 @@
 
 #include "foundation/Clock.h"
 #include "platform/TrashCan.h"
-#include "platform/linux/files/TrashFolder.h"
+#include "platform/linux/files/TrashPlaces.h"
 
 #include <QThreadPool>
 

@@ -1,6 +1,6 @@
+#include "platform/linux/files/TrashPlaces.h"
 #include "foundation/Paths.h"
 #include "platform/linux/files/ExclusiveMove.h"
-#include "platform/linux/files/TrashFolder.h"
 
 #include <QDir>
 #include <QFile>

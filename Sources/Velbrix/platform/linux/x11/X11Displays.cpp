@@ -18,9 +18,9 @@ namespace velbrix {
 
 // One look at the server and all that follow. Without a server there are no
 // displays.
-class X11Displays::Monitors {
+class X11Displays::Watcher {
 public:
-    explicit Monitors(std::function<void()> changed);
+    explicit Watcher(std::function<void()> changed);
 
     const QList<Display> &displays() const { return _displays; }
 
@@ -43,26 +43,26 @@ private:
 X11Displays::X11Displays() = default;
 X11Displays::~X11Displays() = default;
 
-X11Displays::Monitors &X11Displays::monitors() const
+X11Displays::Watcher &X11Displays::watcher() const
 {
-    if (!_monitors)
-        _monitors = std::make_unique<Monitors>([this] { _observers.notify(); });
-    return *_monitors;
+    if (!_watcher)
+        _watcher = std::make_unique<Watcher>([this] { _observers.notify(); });
+    return *_watcher;
 }
 
 QList<Display> X11Displays::displays() const
 {
-    return monitors().displays();
+    return watcher().displays();
 }
 
 Observation X11Displays::observe(std::function<void()> changed)
 {
     // Not during the program's start.
-    QMetaObject::invokeMethod(&_context, [this] { monitors(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&_context, [this] { watcher(); }, Qt::QueuedConnection);
     return _observers.add(std::move(changed));
 }
 
-X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::move(changed))
+X11Displays::Watcher::Watcher(std::function<void()> changed) : _changed(std::move(changed))
 {
     auto events = X11EventSource::open([this](const xcb_generic_event_t &event) { handleEvent(event); },
                                        [this] { update(); });
@@ -77,7 +77,7 @@ X11Displays::Monitors::Monitors(std::function<void()> changed) : _changed(std::m
     _displays = readDisplays();
 }
 
-void X11Displays::Monitors::handleEvent(const xcb_generic_event_t &event)
+void X11Displays::Watcher::handleEvent(const xcb_generic_event_t &event)
 {
     X11Connection &connection = _events->connection();
     const int type = eventType(event);
@@ -98,7 +98,7 @@ void X11Displays::Monitors::handleEvent(const xcb_generic_event_t &event)
     }
 }
 
-void X11Displays::Monitors::update()
+void X11Displays::Watcher::update()
 {
     if (!_isStale && !_areClientsStale)
         return;
@@ -112,7 +112,7 @@ void X11Displays::Monitors::update()
     _changed();
 }
 
-void X11Displays::Monitors::readClients()
+void X11Displays::Watcher::readClients()
 {
     _areClientsStale = false;
     X11Connection &connection = _events->connection();
@@ -125,7 +125,7 @@ void X11Displays::Monitors::readClients()
     }
 }
 
-std::optional<Strut> X11Displays::Monitors::readClient(xcb_window_t window) const
+std::optional<Strut> X11Displays::Watcher::readClient(xcb_window_t window) const
 {
     X11Connection &connection = _events->connection();
     // Only panels are worth being woken for; before the reading, so that no
@@ -135,10 +135,10 @@ std::optional<Strut> X11Displays::Monitors::readClient(xcb_window_t window) cons
     return readStrut(connection, window);
 }
 
-QList<Display> X11Displays::Monitors::readDisplays() const
+QList<Display> X11Displays::Watcher::readDisplays() const
 {
     X11Connection &connection = _events->connection();
-    const std::vector<Monitor> all = velbrix::monitors(connection);
+    const std::vector<Monitor> all = monitors(connection);
     const Monitor *const main = mainMonitor(all);
     const auto root = connection.geometry(connection.root());
     const QSize rootSize = root ? QSize(root->width, root->height) : QSize();
@@ -160,7 +160,7 @@ QList<Display> X11Displays::Monitors::readDisplays() const
     return found;
 }
 
-QString X11Displays::Monitors::nameOf(quint32 output, const QByteArray &connector) const
+QString X11Displays::Watcher::nameOf(quint32 output, const QByteArray &connector) const
 {
     X11Connection &connection = _events->connection();
     const QString socket = QString::fromUtf8(connector);

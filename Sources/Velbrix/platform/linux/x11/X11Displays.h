@@ -19,12 +19,12 @@ public:
     Observation observe(std::function<void()> changed) override;
 
 private:
-    class Monitors;
-    Monitors &monitors() const;
+    class Watcher;
+    Watcher &watcher() const;
 
     QObject _context;
     ObserverList<void()> _observers;
-    mutable std::unique_ptr<Monitors> _monitors;
+    mutable std::unique_ptr<Watcher> _watcher;
 };
 
 } // namespace velbrix

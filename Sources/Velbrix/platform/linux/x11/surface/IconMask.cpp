@@ -173,8 +173,8 @@ std::int64_t areaOf(const std::vector<PixelRect> &parts)
     return area;
 }
 
-bool IconPatience::believes(std::int64_t pixels, std::int64_t area, std::uint32_t backdrop,
-                            std::chrono::milliseconds now)
+bool IconDebounce::accepts(std::int64_t pixels, std::int64_t area, std::uint32_t backdrop,
+                           std::chrono::milliseconds now)
 {
     const bool isSudden = _lastArea && area > 2 * *_lastArea + pixels / 100;
     if (isSudden) {

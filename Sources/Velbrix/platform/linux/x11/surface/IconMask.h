@@ -25,15 +25,15 @@ std::int64_t areaOf(const std::vector<PixelRect> &parts);
 // Decides whether new parts may replace the last ones. While the picture of
 // the desktop changes, the icon manager's window and the picture that it is
 // compared with are out of step for a moment, and what differs then is no icon.
-class IconPatience {
+class IconDebounce {
 public:
-    // A sudden growth is believed when it has lasted; ask again after `pause`.
+    // A sudden growth is accepted when it has lasted; ask again after `pause`.
     static constexpr std::chrono::milliseconds pause{300};
 
     // The size of the whole picture and of what differs, and from which
     // backdrop; `now` never runs backwards.
-    bool believes(std::int64_t pixels, std::int64_t area, std::uint32_t backdrop,
-                  std::chrono::milliseconds now);
+    bool accepts(std::int64_t pixels, std::int64_t area, std::uint32_t backdrop,
+                 std::chrono::milliseconds now);
 
 private:
     std::optional<std::int64_t> _lastArea;

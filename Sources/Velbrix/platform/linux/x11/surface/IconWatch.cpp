@@ -119,7 +119,7 @@ void IconWatch::look()
         const IconWindow::Look look = window->look(root, _clock.uptime());
         hasChanged = hasChanged || look == IconWindow::Look::changed;
         if (look == IconWindow::Look::doubtful)
-            lookSoon(IconPatience::pause);
+            lookSoon(IconDebounce::pause);
     }
     _rest = _clock.after(idle, [this] {
         for (const auto &window : _windows)

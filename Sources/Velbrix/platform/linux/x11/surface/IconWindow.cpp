@@ -36,7 +36,7 @@ IconWindow::Look IconWindow::look(xcb_pixmap_t rootPicture, std::chrono::millise
     if (!found)
         return Look::same;
     const std::int64_t pixels = std::int64_t{where->width} * where->height;
-    if (!_patience.believes(pixels, areaOf(*found), rootPicture, now)) {
+    if (!_debounce.accepts(pixels, areaOf(*found), rootPicture, now)) {
         forgetBackdrop();
         return Look::doubtful;
     }

@@ -25,7 +25,7 @@ public:
     IconWindow &operator=(const IconWindow &) = delete;
 
     xcb_window_t id() const { return _window; }
-    // Where it shows icons, as of the last look that was believed; in
+    // Where it shows icons, as of the last look that was accepted; in
     // coordinates of the root.
     const std::vector<PixelRect> &parts() const { return _parts; }
 
@@ -53,7 +53,7 @@ private:
     const xcb_window_t _window;
     const std::uint32_t _damage;
     std::vector<PixelRect> _parts;
-    IconPatience _patience;
+    IconDebounce _debounce;
     std::unique_ptr<GrabBuffer> _picture;
     std::optional<Backdrop> _backdrop;
 };

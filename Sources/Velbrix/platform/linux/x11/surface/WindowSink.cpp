@@ -50,12 +50,12 @@ void WindowSink::resize(QSize size)
         return;
     _size = size;
     _painted = pictureSize(size);
-    _enlarged.reset();
+    _scaled.reset();
     // What was painted for the old size cannot be shown in the new one.
     _hasPicture = _hasPicture && _buffers[_shown].size == _painted;
     if (_painted != _size)
-        _enlarged = EnlargedPicture::create(*_connection, _window, _painted, _size);
-    if (!_enlarged)
+        _scaled = ScaledPicture::create(*_connection, _window, _painted, _size);
+    if (!_scaled)
         _painted = _size;
 }
 
@@ -107,7 +107,7 @@ void WindowSink::collect()
 
 void WindowSink::put(Buffer &buffer)
 {
-    const xcb_drawable_t target = _enlarged ? _enlarged->pixmap() : _window;
+    const xcb_drawable_t target = _scaled ? _scaled->pixmap() : _window;
     if (!buffer.memory->isShared()) {
         _connection->putImage(target, _context, buffer.size, buffer.memory->data());
     } else {
@@ -118,8 +118,8 @@ void WindowSink::put(Buffer &buffer)
                           _connection->screen().root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 1, buffer.memory->id(),
                           0);
     }
-    if (_enlarged)
-        _enlarged->show();
+    if (_scaled)
+        _scaled->show();
     _connection->flush();
 }
 

@@ -3,7 +3,7 @@
 #include "platform/linux/media/mpv/PictureSink.h"
 #include "platform/linux/x11/ShmSegment.h"
 #include "platform/linux/x11/X11Connection.h"
-#include "platform/linux/x11/surface/EnlargedPicture.h"
+#include "platform/linux/x11/surface/ScaledPicture.h"
 
 #include <array>
 #include <memory>
@@ -40,9 +40,9 @@ private:
     const std::unique_ptr<X11Connection> _connection;
     const xcb_window_t _window;
     const xcb_gcontext_t _context;
-    QSize _size;                                // of the window
-    QSize _painted;                             // of the pictures
-    std::unique_ptr<EnlargedPicture> _enlarged; // none while they are equal
+    QSize _size;                            // of the window
+    QSize _painted;                         // of the pictures
+    std::unique_ptr<ScaledPicture> _scaled; // none while they are equal
     std::array<Buffer, 2> _buffers;
     std::size_t _shown = 0;
     bool _hasPicture = false;

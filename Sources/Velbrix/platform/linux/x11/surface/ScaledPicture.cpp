@@ -1,4 +1,4 @@
-#include "platform/linux/x11/surface/EnlargedPicture.h"
+#include "platform/linux/x11/surface/ScaledPicture.h"
 
 #include "platform/linux/x11/XGeometry.h"
 
@@ -16,8 +16,8 @@ xcb_render_fixed_t step(int from, int to)
 
 } // namespace
 
-std::unique_ptr<EnlargedPicture> EnlargedPicture::create(X11Connection &connection, xcb_window_t window,
-                                                         QSize from, QSize to)
+std::unique_ptr<ScaledPicture> ScaledPicture::create(X11Connection &connection, xcb_window_t window,
+                                                     QSize from, QSize to)
 {
     if (!connection.has().render)
         return nullptr;
@@ -25,7 +25,7 @@ std::unique_ptr<EnlargedPicture> EnlargedPicture::create(X11Connection &connecti
     const xcb_render_pictformat_t shown = connection.pictureFormat(connection.screen().root_visual);
     if (shown == XCB_NONE)
         return nullptr;
-    std::unique_ptr<EnlargedPicture> picture(new EnlargedPicture(connection, to));
+    std::unique_ptr<ScaledPicture> picture(new ScaledPicture(connection, to));
     xcb_create_pixmap(xcb, connection.screen().root_depth, picture->_pixmap, window, toXLength(from.width()),
                       toXLength(from.height()));
     // Beyond the edge the outermost pixels go on, so that no border shines in.
@@ -41,7 +41,7 @@ std::unique_ptr<EnlargedPicture> EnlargedPicture::create(X11Connection &connecti
     return picture;
 }
 
-EnlargedPicture::EnlargedPicture(X11Connection &connection, QSize to)
+ScaledPicture::ScaledPicture(X11Connection &connection, QSize to)
     : _connection(connection),
       _size(to),
       _pixmap(xcb_generate_id(connection.xcb())),
@@ -50,14 +50,14 @@ EnlargedPicture::EnlargedPicture(X11Connection &connection, QSize to)
 {
 }
 
-EnlargedPicture::~EnlargedPicture()
+ScaledPicture::~ScaledPicture()
 {
     xcb_render_free_picture(_connection.xcb(), _source);
     xcb_render_free_picture(_connection.xcb(), _target);
     xcb_free_pixmap(_connection.xcb(), _pixmap);
 }
 
-void EnlargedPicture::show() const
+void ScaledPicture::show() const
 {
     xcb_render_composite(_connection.xcb(), XCB_RENDER_PICT_OP_SRC, _source, XCB_NONE, _target, 0, 0, 0, 0, 0,
                          0, toXLength(_size.width()), toXLength(_size.height()));

@@ -12,21 +12,21 @@ namespace velbrix {
 
 // A picture that the server, and so the graphics card where there is one,
 // enlarges to the size of a window.
-class EnlargedPicture {
+class ScaledPicture {
 public:
     // Null where the server cannot.
-    static std::unique_ptr<EnlargedPicture> create(X11Connection &connection, xcb_window_t window, QSize from,
-                                                   QSize to);
-    ~EnlargedPicture();
-    EnlargedPicture(const EnlargedPicture &) = delete;
-    EnlargedPicture &operator=(const EnlargedPicture &) = delete;
+    static std::unique_ptr<ScaledPicture> create(X11Connection &connection, xcb_window_t window, QSize from,
+                                                 QSize to);
+    ~ScaledPicture();
+    ScaledPicture(const ScaledPicture &) = delete;
+    ScaledPicture &operator=(const ScaledPicture &) = delete;
 
     // Where to draw before show().
     xcb_pixmap_t pixmap() const { return _pixmap; }
     void show() const;
 
 private:
-    EnlargedPicture(X11Connection &connection, QSize to);
+    ScaledPicture(X11Connection &connection, QSize to);
 
     X11Connection &_connection;
     const QSize _size;
