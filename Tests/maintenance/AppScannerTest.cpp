@@ -17,15 +17,17 @@ struct NoteRig : UninstallRig {
     {
         install(u"Note"_s, u"org.acme.note"_s);
         install(u"Other"_s, u"org.acme.note.pro"_s);
-        for (const QString &path :
-             {u"Preferences/org.acme.note.plist"_s, u"Preferences/org.acme.note/deep/file"_s,
-              u"Preferences/org.acme.note.pro.plist"_s, u"Preferences/com.note.x"_s,
-              u"Preferences/Evernote"_s, u"Preferences/stranger"_s, u"Preferences/velbrix-note"_s,
-              u"Caches/org.acme.note"_s, u"outside/org.acme.note"_s})
-            plant(path);
+        writeFiles(home(),
+                   {u"Preferences/org.acme.note.plist"_s, u"Preferences/org.acme.note/deep/file"_s,
+                    u"Preferences/org.acme.note.pro.plist"_s, u"Preferences/com.note.x"_s,
+                    u"Preferences/Evernote"_s, u"Preferences/stranger"_s, u"Preferences/velbrix-note"_s,
+                    u"Caches/org.acme.note"_s, u"outside/org.acme.note"_s});
         QFile::link(home(u"outside"_s), home(u"Caches/org.acme.note.link"_s));
         scanned();
+        review = reviewOf(u"Note"_s);
     }
+
+    UninstallReview review;
 };
 
 } // namespace
@@ -208,30 +210,24 @@ private Q_SLOTS:
         }
     }
 
-    void neverTakesItself()
+    void neverTakesItselfOrAProtectedPlace()
     {
         NoteRig rig;
-        UninstallReview review = rig.reviewOf(u"Note"_s);
-        review.app.path = rig.plant(u"Applications/VelBrix.APP/"_s);
-        review.app.source.path = review.app.path;
+        UninstallReview review = rig.review;
+        review.app.path = review.app.source.path = rig.plant(u"Applications/VelBrix.APP/"_s);
         CapturedLog log;
         QCOMPARE(rig.uninstall(review), u"失败：不能卸载 Velbrix 自身"_s);
         QCOMPARE(log.take(u"Uninstall"_s), QStringList{u"blocked self uninstall: "_s + review.app.path});
         QCOMPARE(rig.scanner->progressStage().label(), u"失败：不能卸载 Velbrix 自身"_s);
         QCOMPARE(rig.scanner->progressValue(), 1.0);
-        QVERIFY(rig.host.trash.calls.isEmpty());
         QVERIFY(!QFile::exists(rig.journal()));
-    }
 
-    void whatIsGoneOrProtectedIsNotTaken()
-    {
-        NoteRig rig;
-        UninstallReview review = rig.reviewOf(u"Note"_s);
+        review = rig.review;
         review.app.path = rig.home(u"Applications/Gone.app"_s);
         QCOMPARE(rig.uninstall(review), u"失败：找不到应用"_s);
+        rig.plant(u"own/file"_s);
         for (const QString &place : {rig.home(), rig.home(u"Preferences"_s), rig.home(u"own"_s), u"/"_s,
                                      u"/usr"_s, rig.home(u"Applications/../Caches/"_s)}) {
-            rig.plant(u"own/file"_s);
             review.app.path = place;
             QVERIFY2(rig.uninstall(review).startsWith(u"失败：受保护的位置"_s), qPrintable(place));
         }
@@ -241,25 +237,24 @@ private Q_SLOTS:
     void theDataStaysWhenTheApplicationDoes()
     {
         NoteRig rig;
-        const UninstallReview review = rig.reviewOf(u"Note"_s);
-        rig.host.trash.refused.insert(review.app.path, u"没有权限"_s);
-        QCOMPARE(rig.uninstall(review), u"失败：没有权限"_s);
+        const QString app = rig.review.app.path;
+        rig.host.trash.refused.insert(app, u"没有权限"_s);
+        QCOMPARE(rig.uninstall(rig.review), u"失败：没有权限"_s);
         QCOMPARE(rig.trashed().size(), 1);
         QVERIFY(!rig.scanner->isUninstalling());
         QVERIFY(rig.scanner->records().isEmpty());
-        QCOMPARE(rig.scanner->failures(), (QList<FailedItem>{{review.app.path, u"没有权限"_s}}));
+        QCOMPARE(rig.scanner->failures(), (QList<FailedItem>{{app, u"没有权限"_s}}));
         rig.host.trash.refused.clear();
-        QCOMPARE(rig.uninstall(review), u"已卸载「Note」"_s);
+        QCOMPARE(rig.uninstall(rig.review), u"已卸载「Note」"_s);
     }
 
     void whatCannotGoIsTold()
     {
         NoteRig rig;
-        const UninstallReview review = rig.reviewOf(u"Note"_s);
         const QString stuck = rig.home(u"Preferences/org.acme.note.plist"_s);
         rig.host.trash.refused.insert(stuck, u"没有权限"_s);
         QFile::remove(rig.home(u"Caches/org.acme.note"_s)); // vanished: done
-        QCOMPARE(rig.uninstall(review), u"已卸载「Note」，1 项未能移动"_s);
+        QCOMPARE(rig.uninstall(rig.review), u"已卸载「Note」，1 项未能移动"_s);
         QCOMPARE(rig.scanner->failures(), (QList<FailedItem>{{stuck, u"没有权限"_s}}));
         QCOMPARE(rig.scanner->records().first().failed, rig.scanner->failures());
     }
@@ -267,7 +262,7 @@ private Q_SLOTS:
     void onlyWhatASearchWouldFindGoes()
     {
         NoteRig rig;
-        UninstallReview review = rig.reviewOf(u"Note"_s);
+        UninstallReview review = rig.review;
         const QStringList forged = {rig.home(),
                                     rig.home(u"Preferences"_s),
                                     rig.home(u"Preferences/stranger"_s),
@@ -335,12 +330,11 @@ private Q_SLOTS:
     void stopsBetweenTwoItems()
     {
         NoteRig rig;
-        const UninstallReview review = rig.reviewOf(u"Note"_s);
-        rig.scanner->uninstall(review);
+        rig.scanner->uninstall(rig.review);
         rig.scanner->cancelUninstall();
         QCOMPARE(rig.ending(), u"失败：已取消"_s);
         QVERIFY(rig.host.trash.calls.isEmpty());
-        rig.scanner->uninstall(review);
+        rig.scanner->uninstall(rig.review);
         QVERIFY(rig.until([&] { return rig.host.trash.calls.size() == 2; }));
         rig.scanner->putBack(rig.scanner->records().first().id);
         QVERIFY(!rig.scanner->isPuttingBack());
@@ -353,7 +347,7 @@ private Q_SLOTS:
     void everythingGoesBack()
     {
         NoteRig rig;
-        rig.uninstall(rig.reviewOf(u"Note"_s));
+        rig.uninstall(rig.review);
         rig.make(); // another day
         const UninstallRecord record = rig.scanner->records().value(0);
         QCOMPARE(record.moved.size(), 4);
@@ -377,7 +371,7 @@ private Q_SLOTS:
     void theRecordIsNeverBehind()
     {
         NoteRig rig;
-        rig.scanner->uninstall(rig.reviewOf(u"Note"_s));
+        rig.scanner->uninstall(rig.review);
         int checks = 0;
         QVERIFY(rig.until([&] {
             for (const QString &path : rig.trashed()) {
@@ -399,7 +393,7 @@ private Q_SLOTS:
     {
         NoteRig rig;
         rig.plant(u"own"_s); // a file where the folder should be
-        rig.uninstall(rig.reviewOf(u"Note"_s));
+        rig.uninstall(rig.review);
         QCOMPARE(rig.scanner->failures().size(), 1);
         QVERIFY(rig.scanner->failures().first().reason.startsWith(u"卸载记录未能保存"_s));
         QCOMPARE(rig.trashed().size(), 4);
@@ -411,7 +405,7 @@ private Q_SLOTS:
     void endsInTheMiddle()
     {
         NoteRig rig;
-        rig.scanner->uninstall(rig.reviewOf(u"Note"_s));
+        rig.scanner->uninstall(rig.review);
         QVERIFY(rig.until([&] { return rig.host.trash.calls.size() == 2; }));
         rig.scanner.reset();
         rig.until([&] { return rig.clock.pendingCount() == 0; });

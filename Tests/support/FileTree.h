@@ -1,8 +1,12 @@
 #pragma once
 
+#include "support/Files.h"
+
 #include <QByteArray>
+#include <QDirIterator>
 #include <QList>
 #include <QMap>
+#include <QStringList>
 
 #include <cstdio>
 #include <cstring>
@@ -80,3 +84,30 @@ inline QMap<QByteArray, QByteArray> snapshot(const QByteArray &folder)
 }
 
 } // namespace velbrix::test::tree
+
+namespace velbrix::test {
+
+// Files in a folder, each said as "path" or "path=content".
+inline void writeFiles(const QString &folder, const QStringList &files)
+{
+    for (const QString &file : files) {
+        const QString content = file.contains(u'=') ? file.section(u'=', 1) : QStringLiteral("x");
+        writeFile(folder + u'/' + file.section(u'=', 0, 0), content.toUtf8());
+    }
+}
+
+// All files below a folder, said in the same way and sorted.
+inline QStringList filesBelow(const QString &folder)
+{
+    QStringList files;
+    QDirIterator all(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        const QString path = all.next();
+        const QString content = QString::fromUtf8(readFile(path));
+        files << path.sliced(folder.size() + 1) + (content == u"x" ? QString() : u'=' + content);
+    }
+    files.sort();
+    return files;
+}
+
+} // namespace velbrix::test
