@@ -7,24 +7,14 @@ namespace {
 
 CapturableWindow window(quint32 id, const QString &title, qint64 pid = 1)
 {
-    return {.windowId = id,
-            .title = title,
-            .appName = {},
-            .bundleId = {},
-            .processId = pid,
-            .frame = {0, 0, 801, 601}};
-}
-
-void fill(const QString &path, qsizetype bytes)
-{
-    writeFile(path, QByteArray(bytes, 'x'));
+    return {id, title, u"App"_s, {}, pid, {0, 0, 801, 601}};
 }
 
 // A recorder whose host writes 20,000 bytes for each movie.
 struct Rig : ServicesRig {
     Rig()
     {
-        state->onOpen = [](const QString &movie) { fill(movie, 20'000); };
+        state->onOpen = [](const QString &movie) { writeFile(movie, QByteArray(20'000, 'x')); };
         host.screenCapture.contentAnswer->windows = {
             window(7, u"Editor"_s), window(8, u"Mine"_s, QCoreApplication::applicationPid())};
         preferences.setOutputDir(folder.path());
@@ -40,21 +30,18 @@ struct Rig : ServicesRig {
     }
     // Without the line of options.
     QStringList movieLines() { return linesSince(u"====== 开始录制 ======"_s).mid(1); }
-    void start()
+    void start(int frames = 0)
     {
         state->calls.clear();
         recorder.start();
         settle();
+        for (int i = 0; i < frames; ++i)
+            host.screenCapture.session()->ledger().noteWrittenFrame(i / 60.0);
     }
     void stop()
     {
         recorder.stop();
         settle();
-    }
-    void writeFrames(int count)
-    {
-        for (int i = 0; i < count; ++i)
-            host.screenCapture.session()->ledger().noteWrittenFrame(i / 60.0);
     }
 
     QTemporaryDir folder;
@@ -93,19 +80,19 @@ private Q_SLOTS:
                  (QStringList{u"openWriter "_s + rig.path, u"addOutput screen"_s, u"addOutput systemAudio"_s,
                               u"addOutput microphone"_s, u"startCapture"_s}));
         QCOMPARE(rig.state->filter, (CaptureFilter{{}, 1, {8}}));
-        StreamConfiguration stream{.width = 1920,
-                                   .height = 1080,
-                                   .capturesAudio = true,
-                                   .excludesCurrentProcessAudio = true,
-                                   .capturesMicrophone = true,
-                                   .microphoneDeviceId = u"mic"_s};
+        const StreamConfiguration stream{.width = 1920,
+                                         .height = 1080,
+                                         .capturesAudio = true,
+                                         .excludesCurrentProcessAudio = true,
+                                         .capturesMicrophone = true,
+                                         .microphoneDeviceId = u"mic"_s};
         QCOMPARE(rig.state->configuration, stream);
-        MovieSettings movie{.path = rig.path,
-                            .width = 1920,
-                            .height = 1080,
-                            .videoBitRate = 10'368'000,
-                            .systemAudio = true,
-                            .microphone = true};
+        const MovieSettings movie{.path = rig.path,
+                                  .width = 1920,
+                                  .height = 1080,
+                                  .videoBitRate = 10'368'000,
+                                  .systemAudio = true,
+                                  .microphone = true};
         QCOMPARE(*rig.state->movie, movie);
         QCOMPARE(rig.session.outputURL(), std::optional(rig.path));
     }
@@ -134,8 +121,7 @@ private Q_SLOTS:
     void stopsAndValidates()
     {
         Rig rig;
-        rig.start();
-        rig.writeFrames(120);
+        rig.start(120);
         rig.clock.advance(2100ms);
         RecordLiveUI &live = rig.recorder.log().live();
         QCOMPARE(live.frameCountUI(), 120);
@@ -157,8 +143,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.state->stopDelay = 100ms;
-        rig.start();
-        rig.writeFrames(1);
+        rig.start(1);
         rig.stop();
         rig.stop();
         QVERIFY(rig.recorder.isRecording());
@@ -284,8 +269,7 @@ private Q_SLOTS:
     void aStreamThatEndsByItselfKeepsItsMovie()
     {
         Rig rig;
-        rig.start();
-        rig.writeFrames(60);
+        rig.start(60);
         rig.state->stopCaptureAnswer = failure(u"已断开"_s);
         rig.host.screenCapture.session()->warn(u"麦克风已断开"_s);
         rig.host.screenCapture.session()->streamStopped(u"窗口已关闭"_s);
@@ -320,8 +304,7 @@ private Q_SLOTS:
                     {3, full, noAnswer, true, {u"❌ finishWriting 失败:磁盘已满"_s, bad, unknown}}};
         for (const auto &[frames, finish, facts, isKept, lines] : rows) {
             Rig rig;
-            rig.start();
-            rig.writeFrames(frames);
+            rig.start(frames);
             rig.state->finishWritingAnswer = finish;
             rig.host.movieFiles.facts = facts;
             rig.stop();
@@ -330,8 +313,7 @@ private Q_SLOTS:
             QCOMPARE(QFile::exists(rig.path), isKept);
         }
         Rig rig;
-        rig.start();
-        rig.writeFrames(3);
+        rig.start(3);
         QFile::remove(rig.path);
         rig.stop();
         QCOMPARE(rig.recorder.log().logLines().last(), gone);
@@ -341,8 +323,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.host.movieFiles.delay = 1h;
-        rig.start();
-        rig.writeFrames(3);
+        rig.start(3);
         rig.recorder.stop();
         rig.clock.advance(2999ms);
         QVERIFY(rig.recorder.isRecording());
@@ -357,9 +338,8 @@ private Q_SLOTS:
         const QString key = u"Velbrix_ScreenRecord_unfinishedFiles"_s;
         for (const bool plays : {true, false}) {
             Rig rig;
-            rig.start();
+            rig.start(3);
             QCOMPARE(rig.host.settings.stored.value(key).toArray(), QJsonArray{rig.path});
-            rig.writeFrames(3);
             rig.host.movieFiles.facts->isPlayable = plays;
             rig.stop();
             QCOMPARE(rig.services->settings.contains(key), !plays);

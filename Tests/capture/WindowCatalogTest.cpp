@@ -11,8 +11,7 @@ namespace {
 
 CapturableWindow window(quint32 id, const QString &title, QRectF frame = {0, 0, 800, 600})
 {
-    return {
-        .windowId = id, .title = title, .appName = u"App"_s, .bundleId = {}, .processId = 1, .frame = frame};
+    return {id, title, u"App"_s, {}, 1, frame};
 }
 
 struct Rig {
@@ -81,15 +80,10 @@ private Q_SLOTS:
         rig.show({window(1, u"A"_s), window(2, u"B"_s)});
         rig.show({window(9, u"Z"_s)});
         rig.clock.advance(1s);
-        QCOMPARE(rig.catalog.availableWindows().size(), 1);
         QCOMPARE(rig.catalog.windowThumbnails().keys(), QStringList{u"9"_s});
         QCOMPARE(rig.log.logLines().size(), 1);
-    }
-
-    void stopsWhenNobodyLooks()
-    {
-        Rig rig;
-        rig.capture.imageDelay = 10ms;
+        // And it stops when nobody looks.
+        rig.capture.calls.clear();
         rig.show({window(1, u"A"_s), window(2, u"B"_s)});
         rig.catalog.cancelThumbnails();
         rig.clock.advance(1s);

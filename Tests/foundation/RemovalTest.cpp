@@ -1,5 +1,7 @@
 #include "foundation/Removal.h"
 
+#include "foundation/Paths.h"
+
 #include "support/FileTree.h"
 #include "support/Test.h"
 
@@ -137,26 +139,17 @@ public:
         for (const QByteArray &path : tree::snapshot(_ground.root).keys()) {
             const QByteArray whole = _ground.root + '/' + path;
             const QByteArray entry = _ground.root + '/' + path.split('/').first();
-            const bool isKept = boundPaths.contains(whole) || isIn(_mounts, whole) ||
-                                std::ranges::any_of(places, [&](const QByteArray &place) {
-                                    return place == entry || place.startsWith(entry + '/');
-                                });
-            for (QByteArray above = path; isKept; above.truncate(above.lastIndexOf('/'))) {
-                kept.insert(above);
-                if (!above.contains('/'))
-                    break;
-            }
+            const auto isInMount = [&](const QByteArray &mount) { return isWithin(whole, mount); };
+            const auto isInEntry = [&](const QByteArray &place) { return isWithin(place, entry); };
+            const bool isKept = boundPaths.contains(whole) || std::ranges::any_of(_mounts, isInMount) ||
+                                std::ranges::any_of(places, isInEntry);
+            for (QByteArray above = whole; isKept && above != _ground.root; above = splitPath(above).first)
+                kept.insert(above.sliced(_ground.root.size() + 1));
         }
         return kept;
     }
 
 private:
-    static bool isIn(const QList<QByteArray> &folders, const QByteArray &path)
-    {
-        return std::ranges::any_of(folders, [&](const QByteArray &folder) {
-            return path == folder || path.startsWith(folder + '/');
-        });
-    }
     int below(int end) { return std::uniform_int_distribution(0, end - 1)(_random); }
     QByteArray name()
     {
@@ -318,9 +311,8 @@ private Q_SLOTS:
     {
         Ground ground;
         const QByteArray place = ground.root + "/a/b/own";
-        tree::file(place + "/kept");
-        tree::file(ground.root + "/a/also kept");
-        tree::file(ground.root + "/c");
+        for (const char *name : {"/a/b/own/kept", "/a/also kept", "/c"})
+            tree::file(ground.root + name);
         RemovalRoot root(ground.root, rules({place, ground.root + "/later"}));
         tree::file(ground.root + "/later"); // made when the rules were settled
         QCOMPARE(::rename(place.constData(), (ground.root + "/moved").constData()), 0);
@@ -435,37 +427,31 @@ private Q_SLOTS:
         QCOMPARE(all.problems.last().path, "99");
     }
 
-    void deepTreesNeedFewDescriptors_data()
-    {
-        QTest::addColumn<int>("levels");
-        QTest::addColumn<int>("nameLength");
-        QTest::newRow("many levels") << 5000 << 8;
-        QTest::newRow("long paths") << 60 << 255;
-    }
     void deepTreesNeedFewDescriptors()
     {
-        QFETCH(int, levels);
-        QFETCH(int, nameLength);
-        Ground ground(_quick.path());
-        int at = ::open(ground.root.constData(), O_RDONLY | O_DIRECTORY);
-        for (int i = 0; i < levels; ++i) {
+        // Many levels, and longer paths than the system takes.
+        for (const auto &[levels, nameLength] : {std::pair(5000, 8), {60, 255}}) {
+            Ground ground(_quick.path());
             const QByteArray name(nameLength, 'n');
-            QCOMPARE(::mkdirat(at, name.constData(), 0700), 0);
-            ::close(::openat(at, "file", O_WRONLY | O_CREAT, 0600));
-            const int next = ::openat(at, name.constData(), O_RDONLY | O_DIRECTORY);
+            int at = ::open(ground.root.constData(), O_RDONLY | O_DIRECTORY);
+            for (int i = 0; i < levels; ++i) {
+                QCOMPARE(::mkdirat(at, name.constData(), 0700), 0);
+                ::close(::openat(at, "file", O_WRONLY | O_CREAT, 0600));
+                const int next = ::openat(at, name.constData(), O_RDONLY | O_DIRECTORY);
+                ::close(at);
+                at = next;
+            }
             ::close(at);
-            at = next;
+            rlimit before{};
+            ::getrlimit(RLIMIT_NOFILE, &before);
+            const rlimit few{.rlim_cur = 128, .rlim_max = before.rlim_max};
+            ::setrlimit(RLIMIT_NOFILE, &few);
+            const RemovalReport report = empty(RemovalRoot(ground.root, rules()));
+            ::setrlimit(RLIMIT_NOFILE, &before);
+            QCOMPARE(report.problems, QList<RemovalProblem>());
+            QCOMPARE(report.removedFiles, levels);
+            QVERIFY(tree::snapshot(ground.root).isEmpty());
         }
-        ::close(at);
-        rlimit before{};
-        ::getrlimit(RLIMIT_NOFILE, &before);
-        const rlimit few{.rlim_cur = 128, .rlim_max = before.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &few);
-        const RemovalReport report = empty(RemovalRoot(ground.root, rules()));
-        ::setrlimit(RLIMIT_NOFILE, &before);
-        QCOMPARE(report.problems, QList<RemovalProblem>());
-        QCOMPARE(report.removedFiles, levels);
-        QVERIFY(tree::snapshot(ground.root).isEmpty());
     }
 
     void stopsAtMounts()

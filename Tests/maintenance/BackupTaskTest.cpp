@@ -2,6 +2,7 @@
 
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
+#include "support/FileTree.h"
 #include "support/Fuzz.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"
@@ -58,20 +59,13 @@ class BackupTaskTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsWhatTheFirstProgramWrote()
-    {
-        const auto task = backupTaskFromJson(storedTask());
-        QVERIFY(task);
-        QCOMPARE(task->nextRunAt.toUTC(), QDateTime(QDate(2001, 1, 1), QTime(0, 0, 0, 500), Qt::UTC));
-        QCOMPARE(task->schedule, monthly(31, 7, 30));
-        QVERIFY(!task->lastRunAt);
-        QVERIFY(task->setsAside);
-        QCOMPARE(task->keepLast, 0);
-    }
-
     void writesAndReadsEverything()
     {
+        // As an older program wrote it.
         BackupTask task = *backupTaskFromJson(storedTask());
+        QCOMPARE(task.nextRunAt.toUTC(), QDateTime(QDate(2001, 1, 1), QTime(0, 0, 0, 500), Qt::UTC));
+        QCOMPARE(task.schedule, monthly(31, 7, 30));
+        QVERIFY(task.setsAside && task.keepLast == 0 && !task.lastRunAt);
         task.kind = BackupTaskKind::sync;
         task.lastRunAt = QDateTime(QDate(2026, 3, 1), QTime(9, 0, 0, 123));
         task.lastResult = u"✓ 同步完成 · 3 个文件"_s;
@@ -219,56 +213,43 @@ private Q_SLOTS:
         QVERIFY(fileNamePart(QString(300, u'中')).toUtf8().size() <= 200);
     }
 
-    void obstacles_data()
-    {
-        QTest::addColumn<bool>("isSync");
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("destination");
-        QTest::addColumn<QStringList>("excludes");
-        QTest::addColumn<QString>("begins");
-        const auto row = [](const char *name, bool isSync, const QString &source, const QString &destination,
-                            const QString &begins = {}, const QStringList &excludes = {}) {
-            QTest::newRow(name) << isSync << source << destination << excludes << begins;
-        };
-        const QString empty = u"请选择源文件夹和保存目录"_s;
-        const QString noSource = u"源文件夹不存在或不是目录"_s;
-        const QString within = u"保存目录在源文件夹里面"_s;
-        row("nothing", false, {}, {}, empty);
-        row("no destination", false, u"src"_s, {}, empty);
-        row("source missing", false, u"none"_s, u"none"_s, noSource);
-        row("source is a file", true, u"file"_s, u"dst"_s, noSource);
-        row("destination is a file", true, u"src"_s, u"file"_s, u"保存目录不存在或不是目录"_s);
-        row("sound archive", false, u"src"_s, u"dst"_s);
-        row("sound mirror", true, u"src"_s, u"dst"_s);
-        row("beside each other", true, u"src"_s, u"."_s);
-        row("archives in the source", false, u"src"_s, u"src/in"_s, within);
-        row("through a link", false, u"link"_s, u"src/in"_s, within);
-        row("excluded archives", false, u"src"_s, u"src/in"_s, {}, {u"/in"_s});
-        row("the source itself", false, u"src"_s, u"src"_s, within, {u"*.zip"_s});
-        row("mirror in the source", true, u"src"_s, u"src/in"_s, within, {u"in"_s});
-        row("source in the mirror", true, u"t_同步/in"_s, u"."_s, u"源文件夹与同步文件夹"_s);
-    }
     void obstacles()
     {
-        QFETCH(bool, isSync);
-        QFETCH(QString, source);
-        QFETCH(QString, destination);
-        QFETCH(QStringList, excludes);
-        QFETCH(QString, begins);
         const QTemporaryDir folder;
-        const QDir dir(folder.path());
-        for (const char *made : {"src/in", "dst", "t_同步/in"})
-            dir.mkpath(QString::fromUtf8(made));
-        writeFile(dir.filePath(u"file"_s));
-        QFile::link(dir.filePath(u"src"_s), dir.filePath(u"link"_s));
-        BackupTask task;
-        task.name = u"t"_s;
-        task.kind = isSync ? BackupTaskKind::sync : BackupTaskKind::backup;
-        task.sourcePath = source.isEmpty() ? source : dir.filePath(source);
-        task.destPath = destination.isEmpty() ? destination : QDir::cleanPath(dir.filePath(destination));
-        task.excludes = excludes;
-        const QString obstacle = inspectBackup(task).obstacle;
-        QVERIFY2(obstacle.startsWith(begins) && obstacle.isEmpty() == begins.isEmpty(), qPrintable(obstacle));
+        writeFiles(folder.path(), {u"file"_s, u"src/in/x"_s, u"dst/x"_s, u"t_同步/in/x"_s});
+        QFile::link(folder.filePath(u"src"_s), folder.filePath(u"link"_s));
+        const auto place = [&](const QString &below) {
+            return below.isEmpty() ? below : QDir::cleanPath(folder.filePath(below));
+        };
+        const auto verify = [&](BackupTaskKind kind, const QString &source, const QString &destination,
+                                const QString &begins = {}, const QStringList &excludes = {}) {
+            BackupTask task;
+            task.name = u"t"_s;
+            task.kind = kind;
+            task.sourcePath = place(source);
+            task.destPath = place(destination);
+            task.excludes = excludes;
+            const QString obstacle = inspectBackup(task).obstacle;
+            QVERIFY2(obstacle.startsWith(begins) && obstacle.isEmpty() == begins.isEmpty(),
+                     qPrintable(source + u" to "_s + destination + u": "_s + obstacle));
+        };
+        using enum BackupTaskKind;
+        verify(backup, {}, {}, u"请选择源文件夹和保存目录"_s);
+        verify(backup, u"src"_s, {}, u"请选择源文件夹和保存目录"_s);
+        verify(backup, u"none"_s, u"none"_s, u"源文件夹不存在或不是目录"_s);
+        verify(sync, u"file"_s, u"dst"_s, u"源文件夹不存在或不是目录"_s);
+        verify(sync, u"src"_s, u"file"_s, u"保存目录不存在或不是目录"_s);
+        verify(backup, u"src"_s, u"dst"_s);
+        verify(sync, u"src"_s, u"dst"_s);
+        verify(sync, u"src"_s, u"."_s);
+        // Inside the source only what is left out of it.
+        const QString within = u"保存目录在源文件夹里面"_s;
+        verify(backup, u"src"_s, u"src/in"_s, within);
+        verify(backup, u"link"_s, u"src/in"_s, within);
+        verify(backup, u"src"_s, u"src/in"_s, {}, {u"/in"_s});
+        verify(backup, u"src"_s, u"src"_s, within, {u"*.zip"_s});
+        verify(sync, u"src"_s, u"src/in"_s, within, {u"in"_s});
+        verify(sync, u"t_同步/in"_s, u"."_s, u"源文件夹与同步文件夹"_s);
     }
 
     void tasksMustNotWriteOverEachOther()

@@ -134,18 +134,12 @@ private Q_SLOTS:
         QCOMPARE(rig.stored().at(0)[u"isEnabled"_s], QJsonValue(false));
         rig.controller->remove(saved->id);
         QCOMPARE(rig.stored(), QJsonArray());
-    }
 
-    void refusesATaskThatFeedsAnotherOne()
-    {
-        Rig rig;
         QVERIFY(rig.save(rig.mirroring(u"there"_s)));
-        QFile::link(rig.path(u"dst"_s), rig.path(u"link"_s));
         BackupTask back = rig.described(u"back"_s);
         back.sourcePath = rig.path(u"link"_s);
         back.destPath = rig.path(u"src"_s);
-        const auto saved = rig.save(back);
-        QVERIFY(!saved && saved.error().message.startsWith(u"与任务“there”互相备份"_s));
+        QVERIFY(rig.save(back).error().message.startsWith(u"与任务“there”互相备份"_s));
     }
 
     void runsWhatIsDueAtThePoll()
@@ -285,24 +279,19 @@ private Q_SLOTS:
                               u"t_99_20260104_000000.zip"_s, u"t_holiday.zip"_s}));
     }
 
-    void aTornArchiveCountsForNothing()
+    void tornArchivesAndAWrongClockPushNothingOut()
     {
         Rig rig;
         rig.writeArchives({u"t_20260101_000000.zip"_s});
         rig.write({u"dst/t_20260102_000000.zip=more than that"_s, u"dst/t_20260103_000000.zip=less"_s});
-        const QString id = rig.save(rig.keeping(2))->id;
-        rig.run(id);
+        rig.run(rig.save(rig.keeping(2))->id);
         QCOMPARE(rig.inDestination(), (QStringList{u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s,
                                                    u"t_20260103_000000.zip"_s, u"t_20260301_090000.zip"_s}));
-    }
-
-    void aClockThatWasAheadDoesNotPushTheNewestOut()
-    {
-        Rig rig;
-        rig.writeArchives({u"t_20270101_000000.zip"_s, u"t_20270102_000000.zip"_s});
-        const QString id = rig.save(rig.keeping(2))->id;
-        rig.run(id);
-        QCOMPARE(rig.inDestination(), (QStringList{u"t_20260301_090000.zip"_s, u"t_20270102_000000.zip"_s}));
+        Rig ahead;
+        ahead.writeArchives({u"t_20270101_000000.zip"_s, u"t_20270102_000000.zip"_s});
+        ahead.run(ahead.save(ahead.keeping(2))->id);
+        QCOMPARE(ahead.inDestination(),
+                 (QStringList{u"t_20260301_090000.zip"_s, u"t_20270102_000000.zip"_s}));
     }
 
     void whatIsGoneOnTheWayPushesNothingOut()

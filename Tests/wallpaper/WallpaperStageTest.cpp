@@ -28,26 +28,21 @@ private Q_SLOTS:
         QVERIFY(!rig.wallpaper().displays().connectedDisplays().last().videoPath);
     }
 
-    void aDisplaysMissingFileFallsBack()
+    void aDisplaysMissingOrBadFileLeavesItTheMainOne()
     {
         WallpaperRig rig;
-        rig.host.settings.stored.insert(u"Velbrix_PerDisplayVideoPaths"_s,
-                                        QJsonObject{{u"2"_s, u"/gone.mp4"_s}});
+        const QJsonObject gone{{u"2"_s, u"/gone.mp4"_s}};
+        rig.host.settings.stored.insert(u"Velbrix_PerDisplayVideoPaths"_s, gone);
         rig.plugSecond();
         const QString main = rig.video(u"main.mp4"_s);
         rig.play(main);
         QCOMPARE(rig.surface(1)->path, main);
-    }
-
-    void aBadFileForADisplayIsToldAndNotStored()
-    {
-        WallpaperRig rig;
-        rig.plugSecond();
         const QString bad = rig.video(u"bad.mp4"_s);
         rig.host.mediaProbe.factsOf.insert(bad, failure(u"文件是空的"_s));
         rig.wallpaper().setDisplayVideo(2, bad);
         QCOMPARE(rig.wallpaper().notice(), u"无法读取视频：文件是空的"_s);
-        QVERIFY(rig.wallpaper().preferences().perDisplayVideoPaths().isEmpty());
+        QVERIFY(!rig.wallpaper().preferences().perDisplayVideoPaths().values().contains(bad));
+        QCOMPARE(rig.surface(1)->path, main);
     }
 
     void displaysComeAndGoWhileItPlays()
@@ -65,6 +60,10 @@ private Q_SLOTS:
         moved.first().frame = moved.first().visibleFrame = QRect(0, 0, 800, 600);
         rig.host.displays.set(moved);
         QCOMPARE(rig.surface()->window.frame, QRect(0, 0, 800, 600));
+        // A panel higher than the display leaves a line of it.
+        moved.first().visibleFrame = QRect(0, 900, 800, 10);
+        rig.host.displays.set(moved);
+        QCOMPARE(rig.surface()->window.frame, QRect(0, 599, 800, 1));
         // For a moment there is none at all.
         rig.host.displays.set({});
         rig.host.displays.set(alone);
@@ -84,14 +83,6 @@ private Q_SLOTS:
         QCOMPARE(rig.surface(1)->window.frame, QRect(0, 24, 1280, 776));
     }
 
-    void aPanelHigherThanTheDisplayLeavesALine()
-    {
-        WallpaperRig rig;
-        rig.host.displays.list.first().visibleFrame = QRect(0, 900, 1280, 10);
-        rig.play(rig.video(u"a.mp4"_s));
-        QCOMPARE(rig.surface()->window.frame, QRect(0, 799, 1280, 1));
-    }
-
     void aDisplayThatCannotBeServedIsTold()
     {
         WallpaperRig rig;
@@ -108,39 +99,37 @@ private Q_SLOTS:
         QVERIFY(rig.surface()->isPlaying);
     }
 
-    void whatNobodySeesRests_data()
-    {
-        QTest::addColumn<VisibilityState>("state");
-        QTest::addColumn<bool>("minds");
-        QTest::addColumn<bool>("firstPlays");
-        QTest::addColumn<bool>("secondPlays");
-        QTest::newRow("covered") << VisibilityState{{2}, false, false} << true << true << false;
-        QTest::newRow("all covered") << VisibilityState{{1, 2}, false, false} << true << false << false;
-        QTest::newRow("covered, not minded") << VisibilityState{{2}, false, false} << false << true << true;
-        QTest::newRow("locked") << VisibilityState{{}, true, false} << false << false << false;
-        QTest::newRow("dark") << VisibilityState{{}, false, true} << true << false << false;
-    }
-
     void whatNobodySeesRests()
     {
-        QFETCH(VisibilityState, state);
-        QFETCH(bool, minds);
         WallpaperRig rig;
         rig.plugSecond();
         rig.play(rig.video(u"a.mp4"_s));
         QVERIFY(rig.host.visibility.isWatched());
-        rig.host.visibility.set(state);
-        rig.wallpaper().preferences().setPauseWhenCovered(minds);
-        QTEST(rig.surface(0)->isPlaying, "firstPlays");
-        QTEST(rig.surface(1)->isPlaying, "secondPlays");
-        QVERIFY(!rig.wallpaper().isPaused());
-
-        rig.host.visibility.set({});
-        QVERIFY(rig.surface(0)->isPlaying && rig.surface(1)->isPlaying);
-        rig.host.visibility.set(state);
-        rig.wallpaper().pauseWallpaper();
-        rig.host.visibility.set({});
-        QVERIFY(!rig.surface(0)->isPlaying && !rig.surface(1)->isPlaying);
+        const auto arePlaying = [&] {
+            return std::pair(rig.surface(0)->isPlaying, rig.surface(1)->isPlaying);
+        };
+        const struct {
+            VisibilityState state;
+            bool minds; // that it is covered
+            std::pair<bool, bool> expected;
+        } rows[] = {{{{2}, false, false}, true, {true, false}},
+                    {{{1, 2}, false, false}, true, {false, false}},
+                    {{{2}, false, false}, false, {true, true}},
+                    {{{}, true, false}, false, {false, false}},
+                    {{{}, false, true}, true, {false, false}}};
+        for (const auto &[state, minds, expected] : rows) {
+            rig.host.visibility.set(state);
+            rig.wallpaper().preferences().setPauseWhenCovered(minds);
+            QCOMPARE(arePlaying(), expected);
+            QVERIFY(!rig.wallpaper().isPaused());
+            rig.host.visibility.set({});
+            QCOMPARE(arePlaying(), std::pair(true, true));
+            rig.host.visibility.set(state);
+            rig.wallpaper().pauseWallpaper();
+            rig.host.visibility.set({});
+            QCOMPARE(arePlaying(), std::pair(false, false));
+            rig.wallpaper().resumeWallpaper();
+        }
     }
 
     void settingsReachThePlayers()
@@ -168,10 +157,13 @@ private Q_SLOTS:
         rig.play(file);
         FakeVideoSurface &surface = *rig.surface();
         const auto loads = [&surface, &file] { return surface.calls.count(u"load "_s + file); };
-        for (int i = 0; i < 10; ++i) {
-            ++surface.pictures;
-            rig.clock.advance(5s);
-        }
+        const auto move = [&](std::chrono::seconds time) {
+            for (; time > 0s; time -= 5s) {
+                ++surface.pictures;
+                rig.clock.advance(5s);
+            }
+        };
+        move(50s);
         QCOMPARE(loads(), 1);
         rig.clock.advance(10s);
         QCOMPARE(loads(), 2);
@@ -182,10 +174,7 @@ private Q_SLOTS:
         rig.clock.advance(5s);
         QCOMPARE(loads(), 3);
         // After minutes of moving it is trusted as little as at first.
-        for (int i = 0; i < 60; ++i) {
-            ++surface.pictures;
-            rig.clock.advance(5s);
-        }
+        move(5min);
         rig.clock.advance(10s);
         QCOMPARE(loads(), 4);
         rig.wallpaper().pauseWallpaper();
