@@ -8,23 +8,21 @@ private Q_SLOTS:
     void knowsWhatLiesInAFolder()
     {
         enum Place { inside, itself, elsewhere };
-        const struct {
-            QString path, folder;
-            Place place;
-        } rows[] = {{u"/a/b"_s, u"/a"_s, inside},   {u"/a/b/c"_s, u"/a"_s, inside},
-                    {u"/a"_s, u"/a"_s, itself},     {u"/a/"_s, u"/a"_s, itself},
-                    {u"/ab"_s, u"/a"_s, elsewhere}, {u"/a"_s, u"/a/b"_s, elsewhere},
-                    {u"/a/b"_s, u"/a/"_s, inside},  {u"/a"_s, u"/a/"_s, itself},
-                    {u"/a"_s, u"/"_s, inside},      {u"/"_s, u"/"_s, itself},
-                    {u"a/b"_s, u"/"_s, elsewhere},  {{}, u"/"_s, elsewhere},
-                    {u"/a"_s, {}, elsewhere},       {{}, {}, elsewhere}};
-        for (const auto &[path, folder, place] : rows) {
-            const QByteArray which = (path + u" in "_s + folder).toUtf8();
-            QVERIFY2(isWithin(path, folder) == (place != elsewhere), which);
-            QVERIFY2(isInside(path, folder) == (place == inside), which);
-            QVERIFY2(isWithin(path.toUtf8(), folder.toUtf8()) == (place != elsewhere), which);
-            QVERIFY2(isInside(path.toUtf8(), folder.toUtf8()) == (place == inside), which);
-        }
+        using Pairs = QList<std::pair<QString, QString>>; // a path and a folder
+        const auto verify = [](Place place, const Pairs &pairs) {
+            for (const auto &[path, folder] : pairs) {
+                const QByteArray which = (path + u" in "_s + folder).toUtf8();
+                QVERIFY2(isWithin(path, folder) == (place != elsewhere), which);
+                QVERIFY2(isInside(path, folder) == (place == inside), which);
+                QVERIFY2(isWithin(path.toUtf8(), folder.toUtf8()) == (place != elsewhere), which);
+                QVERIFY2(isInside(path.toUtf8(), folder.toUtf8()) == (place == inside), which);
+            }
+        };
+        verify(inside,
+               {{u"/a/b"_s, u"/a"_s}, {u"/a/b/c"_s, u"/a"_s}, {u"/a/b"_s, u"/a/"_s}, {u"/a"_s, u"/"_s}});
+        verify(itself, {{u"/a"_s, u"/a"_s}, {u"/a/"_s, u"/a"_s}, {u"/a"_s, u"/a/"_s}, {u"/"_s, u"/"_s}});
+        verify(elsewhere, {{u"/ab"_s, u"/a"_s}, {u"/a"_s, u"/a/b"_s}, {u"a/b"_s, u"/"_s}});
+        verify(elsewhere, {{{}, u"/"_s}, {u"/a"_s, {}}, {{}, {}}});
     }
 
     void resolvesLinks()
