@@ -98,15 +98,18 @@ private Q_SLOTS:
         QVERIFY(rig.recorder.isRecording());
         QCOMPARE(rig.host.screenCapture.calls.filter(u"makeSession"_s).size(), 1);
         QCOMPARE(rig.recorder.trayTitle(), u"停止当前录制"_s);
-        rig.recorder.stop();
-        rig.clock.advance(1s);
-        // A stop before the session has begun is not lost.
+    }
+
+    void aStopBeforeTheSessionBeganIsNotLost()
+    {
+        Rig rig;
+        rig.host.screenCapture.contentDelay = 10ms;
         rig.recorder.start();
         settle();
         rig.recorder.stop();
         rig.clock.advance(1s);
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-        QCOMPARE(rig.host.screenCapture.nextSession->calls.count(u"stopCapture"_s), 2);
+        QVERIFY(rig.host.screenCapture.nextSession->calls.contains(u"stopCapture"_s));
         QCOMPARE(rig.recorder.trayTitle(), u"开始录制（全屏）"_s);
     }
 

@@ -1,4 +1,5 @@
 #include "foundation/Cancellation.h"
+#include "foundation/NotificationCenter.h"
 #include "support/Test.h"
 
 #include <QStringList>
@@ -80,6 +81,20 @@ private Q_SLOTS:
         QCOMPARE(calls, 10);
         held = Observation();
         QVERIFY(list.isEmpty() && !held);
+    }
+
+    void postsReachTheObserversOfTheirName()
+    {
+        NotificationCenter center;
+        QStringList heard;
+        Observation banner = center.observe(
+            u"banner"_s, [&](const QVariantMap &info) { heard << info.value(u"body"_s).toString(); });
+        const Observation other =
+            center.observe(u"other"_s, [&](const QVariantMap &) { heard << u"other"_s; });
+        center.post(u"banner"_s, {{u"body"_s, u"hi"_s}});
+        QCOMPARE(heard, QStringList{u"hi"_s});
+        banner.reset();
+        QVERIFY(!center.hasObserver(u"banner"_s) && center.hasObserver(u"other"_s));
     }
 
     void everyListenerHearsACancellationOnce()

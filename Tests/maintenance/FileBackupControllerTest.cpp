@@ -282,7 +282,8 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.writeArchives({u"t_20260101_000000.zip"_s});
-        rig.write({u"dst/t_20260102_000000.zip=more than that"_s, u"dst/t_20260103_000000.zip=less"_s});
+        writeFile(rig.path(u"dst/t_20260102_000000.zip"_s), FakeArchiver::content + "more");
+        writeFile(rig.path(u"dst/t_20260103_000000.zip"_s), FakeArchiver::content.chopped(1));
         rig.run(rig.save(rig.keeping(2))->id);
         QCOMPARE(rig.inDestination(), (QStringList{u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s,
                                                    u"t_20260103_000000.zip"_s, u"t_20260301_090000.zip"_s}));
@@ -464,7 +465,7 @@ private Q_SLOTS:
         QCOMPARE(restored(), u"恢复失败：磁盘已满"_s);
         QCOMPARE(inTarget().size(), 2);
         // Of a damaged one nothing is unpacked.
-        rig.write({u"dst/t_20260301_090000.zip=half"_s});
+        writeFile(archive, FakeArchiver::content.chopped(1));
         rig.archiver.extractProblem.reset();
         rig.archiver.extracted.clear();
         QCOMPARE(restored(), u"恢复失败：归档已损坏"_s);

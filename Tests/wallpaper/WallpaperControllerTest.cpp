@@ -111,18 +111,24 @@ private Q_SLOTS:
         }
     }
 
-    void whatIsStoppedWhileItStartsStaysOff()
+    void stoppingWhileItStartsKeepsItOff()
     {
         WallpaperRig rig;
         rig.wallpaper().setVideo(rig.video(u"a.mp4"_s));
-        rig.wallpaper().preferences().setAutoPlay(false);
         rig.host.mediaProbe.delay = 500ms;
         rig.wallpaper().apply();
         rig.wallpaper().stopWallpaper();
         rig.clock.advance(2s);
         QVERIFY(!rig.wallpaper().isShowing() && !rig.wallpaper().isApplying());
         QVERIFY(rig.host.desktopPicture.calls.isEmpty());
-        // Where the plug was pulled only until it is back.
+    }
+
+    void aPlugPulledWhileItStartsKeepsItOffUntilMains()
+    {
+        WallpaperRig rig;
+        rig.wallpaper().setVideo(rig.video(u"a.mp4"_s));
+        rig.wallpaper().preferences().setAutoPlay(false);
+        rig.host.mediaProbe.delay = 500ms;
         rig.wallpaper().apply();
         rig.host.power.set(true);
         rig.clock.advance(5s);
