@@ -4,17 +4,19 @@
 
 namespace {
 
-PackageManager managerOf(const QString &query, const QString &remover)
+using Programs = PackagePrograms;
+
+PackageManager managerOf(QString Programs::*query, QString Programs::*remover)
 {
     PackagePrograms programs;
-    programs.dpkgQuery = query == u"dpkg-query"_s ? query : QString();
-    programs.rpm = query == u"rpm"_s ? query : QString();
-    programs.aptGet = remover == u"apt-get"_s ? remover : QString();
-    programs.dnf = remover == u"dnf"_s ? remover : QString();
-    programs.zypper = remover == u"zypper"_s ? remover : QString();
-    programs.pacman = remover == u"pacman"_s ? remover : QString();
+    programs.*query = programs.*remover = u"/usr/bin/it"_s;
     return systemPackageManager(programs).value_or(PackageManager());
 }
+
+const PackageManager apt = managerOf(&Programs::dpkgQuery, &Programs::aptGet);
+const PackageManager dnf = managerOf(&Programs::rpm, &Programs::dnf);
+const PackageManager zypper = managerOf(&Programs::rpm, &Programs::zypper);
+const PackageManager pacman = managerOf(&Programs::pacman, &Programs::pacman);
 
 using Owners = QHash<QString, QString>;
 
@@ -26,10 +28,7 @@ class PackageManagerTest : public QObject {
 private Q_SLOTS:
     void takesTheOneThatCanRemove()
     {
-        QCOMPARE(managerOf(u"dpkg-query"_s, u"apt-get"_s).name, u"APT"_s);
-        QCOMPARE(managerOf(u"rpm"_s, u"dnf"_s).name, u"DNF"_s);
-        QCOMPARE(managerOf(u"rpm"_s, u"zypper"_s).name, u"Zypper"_s);
-        QCOMPARE(managerOf(u""_s, u"pacman"_s).name, u"Pacman"_s);
+        QCOMPARE(apt.name + dnf.name + zypper.name + pacman.name, u"APTDNFZypperPacman"_s);
         QVERIFY(!systemPackageManager({}));
         PackagePrograms onlyQuery;
         onlyQuery.dpkgQuery = u"dpkg-query"_s;
@@ -38,7 +37,6 @@ private Q_SLOTS:
 
     void understandsApt()
     {
-        const PackageManager apt = managerOf(u"dpkg-query"_s, u"apt-get"_s);
         QCOMPARE(apt.owners("gimp: /usr/share/applications/gimp.desktop\n"
                             "diversion by gimp from: /usr/share/applications/x.desktop\n"
                             "wine:i386, wine:amd64: /usr/share/applications/a: b.desktop\n"),
@@ -55,7 +53,6 @@ private Q_SLOTS:
 
     void understandsRpmsManagers()
     {
-        const PackageManager dnf = managerOf(u"rpm"_s, u"dnf"_s);
         QCOMPARE(dnf.owners("gimp\t/usr/bin/gimp\nfile /opt/x is not owned by any package\n"),
                  (Owners{{u"/usr/bin/gimp"_s, u"gimp"_s}}));
         QCOMPARE(dnf.facts("gimp\t2.10-3.fc40\t1234\n").value(u"gimp"_s),
@@ -65,15 +62,14 @@ private Q_SLOTS:
                              " gimp-data noarch 1 @fedora 1 M\n\nTransaction Summary\n=====\n"
                              "Remove  2 Packages\n"),
                  (QStringList{u"gimp"_s, u"gimp-data"_s}));
-        QCOMPARE(managerOf(u"rpm"_s, u"zypper"_s)
-                     .removed("Resolving package dependencies...\n\nThe following 2 packages are going to be "
-                              "REMOVED:\n  gimp gimp-data\n\n2 packages to remove.\n"),
-                 (QStringList{u"gimp"_s, u"gimp-data"_s}));
+        QCOMPARE(
+            zypper.removed("Resolving package dependencies...\n\nThe following 2 packages are going to be "
+                           "REMOVED:\n  gimp gimp-data\n\n2 packages to remove.\n"),
+            (QStringList{u"gimp"_s, u"gimp-data"_s}));
     }
 
     void understandsPacman()
     {
-        const PackageManager pacman = managerOf(u""_s, u"pacman"_s);
         QCOMPARE(pacman.owners("/usr/share/applications/gimp.desktop is owned by gimp 2.10-1\n"),
                  (Owners{{u"/usr/share/applications/gimp.desktop"_s, u"gimp"_s}}));
         QCOMPARE(pacman
@@ -120,11 +116,8 @@ private Q_SLOTS:
              "org.gimp.GIMP\tGIMP\t2.10\t123.4\xc2\xa0MB\tuser\norg.x.Y\t\t\t?\tsystem\n",
              "Name    Version  Rev  Tracking  Publisher  Notes\nfirefox 128.0-1  1  latest  mozilla  -\n"},
             {"\n", "\t", " ", ":", ": /", "Remv ", "9223372036854775807", "1e999", "-1", " GB"}};
-        const QList<PackageManager> managers{managerOf(u"dpkg-query"_s, u"apt-get"_s),
-                                             managerOf(u"rpm"_s, u"dnf"_s), managerOf(u"rpm"_s, u"zypper"_s),
-                                             managerOf(u""_s, u"pacman"_s)};
         QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
-            for (const PackageManager &manager : managers) {
+            for (const PackageManager &manager : {apt, dnf, zypper, pacman}) {
                 static_cast<void>(manager.owners(bytes));
                 static_cast<void>(manager.facts(bytes));
                 static_cast<void>(manager.removed(bytes));

@@ -220,15 +220,6 @@ private Q_SLOTS:
         QCOMPARE(rig.in(u"zipinfo -1 a.zip; chmod 755 s/shut"_s), "s/\ns/a\ns/shut/");
     }
 
-    void saysWhatWentWrong()
-    {
-        ArchiveRig rig;
-        rig.in(u"mkdir s"_s);
-        QCOMPARE(rig.create(u"missing"_s, u"a.zip"_s).exitStatus, 18);
-        QVERIFY(!QFileInfo::exists(rig.path(u"a.zip"_s)));
-        QVERIFY(rig.create(u"s"_s, u"nowhere/a.zip"_s).problem.startsWith(u"无法创建归档："_s));
-    }
-
     void saysThatTheDiskIsFull()
     {
         ArchiveRig rig;

@@ -23,13 +23,12 @@ public:
 
     explicit LiveMovie(const QString &path)
     {
-        const MovieSettings settings{.path = path,
-                                     .width = 320,
-                                     .height = 240,
-                                     .framesPerSecond = framesPerSecond,
-                                     .videoBitRate = 2'000'000,
-                                     .keyFrameInterval = framesPerSecond};
-        _video = *H264Encoder::create(settings);
+        _video = *H264Encoder::create({.path = path,
+                                       .width = 320,
+                                       .height = 240,
+                                       .framesPerSecond = framesPerSecond,
+                                       .videoBitRate = 2'000'000,
+                                       .keyFrameInterval = framesPerSecond});
         _sound = *AacEncoder::create(sampleRate, 2, 128000);
         _writer = *Mp4Writer::create(
             path,

@@ -186,8 +186,8 @@ private Q_SLOTS:
         QVERIFY2(duration > 1 && duration < 10, qPrintable(QString::number(duration)));
     }
 
-    // What the speaker plays is in the movie, at its place; after the default
-    // speaker changed, what the other one plays; the microphone is never mixed in.
+    // What the default speaker plays is in the movie, silence when it goes away; the microphone is never
+    // mixed in.
     void recordsSoundFromTheDefaultSpeaker()
     {
         const std::int64_t zero = monotonicNow();
@@ -203,19 +203,12 @@ private Q_SLOTS:
         recording.recorder->begin(zero);
         recording.submit(0);
 
-        pid_t tone = startTone(u"speaker"_s);
-        QVERIFY(tone > 0);
-        const auto systemCount = [&] { return recording.ledger.counters().audioSampleCount; };
-        QTRY_VERIFY(systemCount() > 150 && recording.ledger.counters().micSampleCount > 50);
         output(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=other"_s});
         output(u"pactl"_s, {u"set-default-sink"_s, u"other"_s});
-        ::kill(tone, SIGTERM);
-        const std::int64_t switched = monotonicNow();
-        tone = startTone(u"other"_s);
+        const pid_t tone = startTone(u"other"_s);
         QVERIFY(tone > 0);
-        const int before = systemCount();
-        QTRY_VERIFY(systemCount() > before + 150);
-        // The speaker goes away: silence, and on with the next default one.
+        QTRY_VERIFY(recording.ledger.counters().audioSampleCount > 150 &&
+                    recording.ledger.counters().micSampleCount > 50);
         const std::int64_t lost = monotonicNow();
         output(u"pactl"_s, {u"unload-module"_s, u"module-null-sink"_s});
         const auto isTold = [&] {
@@ -236,9 +229,7 @@ private Q_SLOTS:
         const QByteArray microphone = sound(path, u"a:1"_s);
         const double seconds = static_cast<double>(end - zero) / 1e9;
         QVERIFY(qAbs(double(system.size()) / 8 / 48000 - seconds) < 0.25);
-        const double switchedAt = static_cast<double>(switched - zero) / 1e9;
         const double lostAt = static_cast<double>(lost - zero) / 1e9;
-        QVERIFY(loudness(system, switchedAt - 1.5, switchedAt - 0.5) > 0.1);
         QVERIFY(loudness(system, lostAt - 1.5, lostAt - 0.5) > 0.1);
         QVERIFY(loudness(microphone, 0, seconds) < 0.001);
     }

@@ -66,15 +66,6 @@ private:
 private Q_SLOTS:
     void init() { _folder = std::make_unique<QTemporaryDir>(); }
 
-    void theSecondCopyWakesTheFirst()
-    {
-        Copy first(_folder->path());
-        QTRY_VERIFY(first.said("holder"));
-        Copy second(_folder->path());
-        QTRY_VERIFY(second.said("second"));
-        QTRY_VERIFY(first.said("woken"));
-    }
-
     void ofTwoAtOnceOneWinsAndIsWoken()
     {
         for (int round = 0; round < 15; ++round) {

@@ -51,6 +51,16 @@ QImage whiteAt(const QRect &rect)
     return image;
 }
 
+// What is taken for icons where these are painted on black.
+QImage iconsIn(std::initializer_list<std::pair<QRect, QColor>> painted)
+{
+    QImage backdrop = picture(Qt::black);
+    QImage shown = backdrop;
+    for (const auto &[rect, colour] : painted)
+        fill(shown, rect, colour);
+    return drawn(iconParts(view(shown), view(backdrop)));
+}
+
 } // namespace
 
 class IconMaskTest : public QObject {
@@ -78,36 +88,19 @@ private Q_SLOTS:
 
     void leavesTheFringeOut()
     {
-        QImage backdrop = picture(Qt::black);
-        QImage shown = backdrop;
-        fill(shown, QRect(19, 19, 22, 22), QColor(50, 50, 50)); // blurred edge
-        fill(shown, QRect(20, 20, 20, 20), Qt::white);
-        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(20, 20, 20, 20)));
-    }
-    void keepsFaintColoursInsideAnIcon()
-    {
-        QImage backdrop = picture(Qt::black);
-        QImage shown = backdrop;
-        fill(shown, QRect(20, 20, 20, 20), Qt::white);
-        fill(shown, QRect(26, 26, 8, 8), QColor(30, 30, 30));
-        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(20, 20, 20, 20)));
-    }
-    void keepsIconsAtTheEdgeOfTheScreen()
-    {
-        QImage backdrop = picture(Qt::black);
-        QImage shown = backdrop;
-        fill(shown, QRect(90, 0, 10, 10), QColor(40, 40, 40));
-        QCOMPARE(drawn(iconParts(view(shown), view(backdrop))), whiteAt(QRect(92, 0, 8, 8)));
+        const QRect icon(20, 20, 20, 20);
+        const QColor blurred(50, 50, 50);
+        QCOMPARE(iconsIn({{QRect(19, 19, 22, 22), blurred}, {icon, Qt::white}}), whiteAt(icon));
+        // Not inside an icon.
+        QCOMPARE(iconsIn({{icon, Qt::white}, {QRect(26, 26, 8, 8), QColor(30, 30, 30)}}), whiteAt(icon));
+        // Nor at the edge of the screen.
+        QCOMPARE(iconsIn({{QRect(90, 0, 10, 10), QColor(40, 40, 40)}}), whiteAt(QRect(92, 0, 8, 8)));
     }
 
     void refusesAnotherPicture()
     {
-        QImage backdrop = picture(Qt::black);
-        QImage shown = backdrop;
-        fill(shown, QRect(0, 0, 100, 30), Qt::white);
-        QVERIFY(iconParts(view(shown), view(backdrop))); // many icons
-        fill(shown, QRect(0, 0, 100, 60), Qt::white);
-        QVERIFY(!iconParts(view(shown), view(backdrop)));
+        QVERIFY(!iconsIn({{QRect(0, 0, 100, 30), Qt::white}}).isNull()); // many icons
+        QVERIFY(iconsIn({{QRect(0, 0, 100, 60), Qt::white}}).isNull());
     }
 
     void acceptsGrowthThatLasts()

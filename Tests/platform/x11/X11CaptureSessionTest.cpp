@@ -1,5 +1,6 @@
 #include "platform/linux/x11/capture/X11CaptureSession.h"
 
+#include "platform/x11/DesktopTools.h"
 #include "support/FakeScreenCapture.h"
 #include "support/PaintedWindow.h"
 #include "support/RecordingRig.h"
@@ -8,7 +9,6 @@
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QProcess>
 #include <QScreen>
 
 namespace {
@@ -27,7 +27,13 @@ bool isLike(QColor a, QColor b)
 
 QColor onScreen(int x, int y)
 {
-    return QGuiApplication::primaryScreen()->grabWindow(0, x, y, 1, 1).toImage().pixelColor(0, 0);
+    return Observer().pixel({x, y});
+}
+
+// As video has it.
+double luma(QColor colour)
+{
+    return 16 + 0.257 * colour.red() + 0.504 * colour.green() + 0.098 * colour.blue();
 }
 
 std::unique_ptr<PaintedWindow> shown(const QString &title, QRect geometry, QColor colour,
@@ -45,13 +51,6 @@ std::unique_ptr<PaintedWindow> shown(const QString &title, QRect geometry, QColo
     return window;
 }
 
-bool xrandr(const QString &arguments)
-{
-    QProcess process;
-    process.start(u"xrandr"_s, arguments.split(u' '));
-    return waitFor([&process] { return process.state() == QProcess::NotRunning; }) && process.exitCode() == 0;
-}
-
 CaptureFilter only(const PaintedWindow &window)
 {
     return {.windowId = window.id(), .displayId = 0, .excludedWindows = {}};
@@ -65,12 +64,7 @@ class X11CaptureSessionTest : public QObject {
     QTemporaryDir folder;
 
 private Q_SLOTS:
-    void keepsTheOrderOfOperations_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("x11") << true;
-    }
+    void keepsTheOrderOfOperations_data() { fakeAndReal(); }
     void keepsTheOrderOfOperations()
     {
         QFETCH(bool, isReal);
@@ -87,11 +81,11 @@ private Q_SLOTS:
 
         CaptureFilter absent = display;
         absent.displayId = 12345;
-        QCOMPARE(capture.geometry(absent).error().message, u"找不到要录制的显示器"_s);
-        QCOMPARE(capture.makeSession(absent, small, {}).error().message, u"找不到要录制的显示器"_s);
+        QCOMPARE(errorText(capture.geometry(absent)), u"找不到要录制的显示器"_s);
+        QCOMPARE(errorText(capture.makeSession(absent, small, {})), u"找不到要录制的显示器"_s);
         absent.windowId = 0x7fffff;
-        QCOMPARE(capture.geometry(absent).error().message, u"窗口已关闭"_s);
-        QCOMPARE(capture.makeSession(absent, small, {}).error().message, u"窗口已关闭"_s);
+        QCOMPARE(errorText(capture.geometry(absent)), u"窗口已关闭"_s);
+        QCOMPARE(errorText(capture.makeSession(absent, small, {})), u"窗口已关闭"_s);
         QVERIFY(!QCoro::waitFor(capture.windowImage(*absent.windowId, QSize(10, 10))));
         StreamConfiguration odd = small;
         odd.width = 63;
@@ -125,23 +119,24 @@ private Q_SLOTS:
 
     void recordsTheDisplay_data()
     {
-        QTest::addColumn<std::function<void(X11Abilities &)>>("forbid");
-        using Forbid = std::function<void(X11Abilities &)>;
-        QTest::newRow("everything allowed") << Forbid([](X11Abilities &) {});
-        QTest::newRow("no descriptors") << Forbid([](X11Abilities &a) { a.sharedDescriptors = false; });
-        QTest::newRow("no shared memory") << Forbid([](X11Abilities &a) { a.sharedMemory = false; });
-        QTest::newRow("no damage") << Forbid([](X11Abilities &a) { a.damage = false; });
-        QTest::newRow("no fixes") << Forbid([](X11Abilities &a) { a.fixes = false; });
-        QTest::newRow("no composite") << Forbid([](X11Abilities &a) { a.composite = false; });
-        QTest::newRow("no monitors") << Forbid([](X11Abilities &a) { a.randr = false; });
-        QTest::newRow("bare server") << Forbid(
-            [](X11Abilities &a) { a = {false, false, false, false, false, false, false, false}; });
+        QTest::addColumn<X11Abilities>("allowed");
+        const auto without = [](const char *name, bool X11Abilities::*ability) {
+            X11Abilities allowed;
+            allowed.*ability = false;
+            QTest::newRow(name) << allowed;
+        };
+        QTest::newRow("everything allowed") << X11Abilities();
+        without("no descriptors", &X11Abilities::sharedDescriptors);
+        without("no shared memory", &X11Abilities::sharedMemory);
+        without("no damage", &X11Abilities::damage);
+        without("no fixes", &X11Abilities::fixes);
+        without("no composite", &X11Abilities::composite);
+        without("no monitors", &X11Abilities::randr);
+        QTest::newRow("bare server") << X11Abilities{false, false, false, false, false, false, false, false};
     }
     void recordsTheDisplay()
     {
-        QFETCH(std::function<void(X11Abilities &)>, forbid);
-        X11Abilities allowed;
-        forbid(allowed);
+        QFETCH(X11Abilities, allowed);
         const auto window = shown(u"Editor"_s, QRect(101, 111, 301, 201), green);
         RecordingRig rig(allowed);
         QVERIFY(rig.start(rig.mainDisplay()));
@@ -149,13 +144,9 @@ private Q_SLOTS:
         const QImage screen = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
         QVERIFY(isLike(rig.movie->colorAt(250, 200), green));
         int wrong = 0;
-        for (int y = 0; y < screen.height(); ++y) {
-            for (int x = 0; x < screen.width(); ++x) {
-                const QColor c = screen.pixelColor(x, y);
-                const double luma = 16 + 0.257 * c.red() + 0.504 * c.green() + 0.098 * c.blue();
-                wrong += std::abs(rig.movie->lumaAt(x, y) - luma) > 2 ? 1 : 0;
-            }
-        }
+        for (int y = 0; y < screen.height(); ++y)
+            for (int x = 0; x < screen.width(); ++x)
+                wrong += std::abs(rig.movie->lumaAt(x, y) - luma(screen.pixelColor(x, y))) > 2 ? 1 : 0;
         QCOMPARE(wrong, 0);
 
         // What changes later arrives, named as changed.
@@ -183,19 +174,6 @@ private Q_SLOTS:
         QVERIFY(finish.section(u' ', 1).toLongLong() >= 30);
     }
 
-    void fitsAnotherSize()
-    {
-        const auto window = shown(u"Editor"_s, QRect(100, 100, 400, 200), green, Qt::FramelessWindowHint);
-        RecordingRig rig;
-        QVERIFY(rig.start(only(*window), QSize(200, 200)));
-        QVERIFY(isLike(rig.movie->colorAt(100, 20), black));
-        QVERIFY(isLike(rig.movie->colorAt(100, 100), green));
-        QVERIFY(isLike(rig.movie->colorAt(4, 54), Qt::white));
-        window->repaint(red);
-        QTRY_VERIFY(isLike(rig.movie->colorAt(100, 100), red));
-        QVERIFY(rig.movie->wereChangesNamed());
-    }
-
     void drawsThePointer()
     {
         const auto window = shown(u"Editor"_s, QRect(100, 100, 400, 300), green, Qt::FramelessWindowHint);
@@ -220,32 +198,22 @@ private Q_SLOTS:
         QVERIFY(rig.movie->wereChangesNamed());
     }
 
-    void missingPointersAreTold()
-    {
-        X11Abilities allowed;
-        allowed.fixes = false;
-        RecordingRig rig(allowed);
-        QVERIFY(rig.start(rig.mainDisplay(), {}, true));
-        QTRY_COMPARE(rig.warnings, QStringList{u"X 服务器没有 XFixes 扩展，录像中不会出现鼠标指针"_s});
-    }
-
     // A window is recorded as it is, whatever the screen shows of it.
     void recordsWindows_data()
     {
-        QTest::addColumn<std::function<void(PaintedWindow &)>>("act");
+        QTest::addColumn<QPoint>("moved");
         QTest::addColumn<bool>("coveredBefore");
         QTest::addColumn<bool>("withDamage");
-        using Act = std::function<void(PaintedWindow &)>;
-        QTest::newRow("in the open") << Act([](PaintedWindow &) {}) << false << true;
-        QTest::newRow("covered before") << Act([](PaintedWindow &) {}) << true << true;
-        QTest::newRow("covered before, no damage") << Act([](PaintedWindow &) {}) << true << false;
-        QTest::newRow("moved") << Act([](PaintedWindow &w) { w.setPosition(500, 420); }) << false << true;
-        QTest::newRow("partly off the screen")
-            << Act([](PaintedWindow &w) { w.setPosition(-150, -100); }) << false << true;
+        const QPoint here(100, 100);
+        QTest::newRow("in the open") << here << false << true;
+        QTest::newRow("covered before") << here << true << true;
+        QTest::newRow("covered before, no damage") << here << true << false;
+        QTest::newRow("moved") << QPoint(500, 420) << false << true;
+        QTest::newRow("partly off the screen") << QPoint(-150, -100) << false << true;
     }
     void recordsWindows()
     {
-        QFETCH(std::function<void(PaintedWindow &)>, act);
+        QFETCH(QPoint, moved);
         QFETCH(bool, coveredBefore);
         QFETCH(bool, withDamage);
         const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green, Qt::FramelessWindowHint);
@@ -258,7 +226,7 @@ private Q_SLOTS:
         QVERIFY(rig.start(only(*window)));
         QVERIFY(isLike(rig.movie->colorAt(150, 100), green));
         QVERIFY(isLike(rig.movie->colorAt(10, 10), Qt::white));
-        act(*window);
+        window->setPosition(moved);
         window->repaint(blue);
         QTRY_VERIFY(isLike(rig.movie->colorAt(150, 100), blue));
         QVERIFY(isLike(rig.movie->colorAt(290, 190), blue));
@@ -275,20 +243,17 @@ private Q_SLOTS:
         RecordingRig rig;
         const auto content = QCoro::waitFor(rig.capture.shareableContent());
         QVERIFY(content);
-        QRect frame;
-        for (const CapturableWindow &each : content->windows) {
-            if (each.windowId == window->id())
-                frame = each.frame.toRect();
-        }
+        const auto listed = std::ranges::find(content->windows, window->id(), &CapturableWindow::windowId);
+        QVERIFY(listed != content->windows.end());
+        const QRect frame = listed->frame.toRect();
         QVERIFY(frame.height() > 200);
         QVERIFY(rig.start(only(*window)));
         QCOMPARE(rig.capture.geometry(only(*window))->contentSize, QSizeF(frame.size()));
         // Every pixel of the title bar is the screen's.
         const QImage screen = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
         for (int x = 0; x < (frame.width() & ~1); ++x) {
-            const QColor c = screen.pixelColor(frame.x() + x, frame.y() + 8);
-            const double luma = 16 + 0.257 * c.red() + 0.504 * c.green() + 0.098 * c.blue();
-            QVERIFY2(std::abs(rig.movie->lumaAt(x, 8) - luma) <= 2, qPrintable(QString::number(x)));
+            const double expected = luma(screen.pixelColor(frame.x() + x, frame.y() + 8));
+            QVERIFY2(std::abs(rig.movie->lumaAt(x, 8) - expected) <= 2, qPrintable(QString::number(x)));
         }
     }
 
@@ -430,12 +395,13 @@ private Q_SLOTS:
     {
         const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);
         X11Abilities allowed;
-        allowed.composite = false;
+        allowed.composite = allowed.fixes = false;
         RecordingRig plain(allowed);
-        QCOMPARE(plain.make(only(*window)).error().message,
-                 u"X 服务器没有 Composite 扩展，无法单独录制窗口"_s);
-        QVERIFY(plain.start(plain.mainDisplay({window->id()})));
-        QTRY_COMPARE(plain.warnings, QStringList{u"X 服务器没有 Composite 扩展，无法排除本应用窗口"_s});
+        QCOMPARE(errorText(plain.make(only(*window))), u"X 服务器没有 Composite 扩展，无法单独录制窗口"_s);
+        QVERIFY(plain.start(plain.mainDisplay({window->id()}), {}, true));
+        QTRY_COMPARE(plain.warnings.size(), 2);
+        QVERIFY(plain.warnings.contains(u"X 服务器没有 XFixes 扩展，录像中不会出现鼠标指针"_s));
+        QVERIFY(plain.warnings.contains(u"X 服务器没有 Composite 扩展，无法排除本应用窗口"_s));
     }
 
     // The window may go between the list and the start.
@@ -447,7 +413,7 @@ private Q_SLOTS:
         QVERIFY(rig.open());
         window.reset();
         QGuiApplication::sync(); // else it is only hidden yet
-        QCOMPARE(QCoro::waitFor(rig.session->startCapture()).error().message, u"窗口已关闭"_s);
+        QCOMPARE(errorText(QCoro::waitFor(rig.session->startCapture())), u"窗口已关闭"_s);
         QVERIFY(QCoro::waitFor(rig.session->stopCapture()));
         QCOMPARE(rig.movie->ticks().size(), 0);
     }
