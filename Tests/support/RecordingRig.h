@@ -6,7 +6,9 @@
 #include <QCoroTask>
 #include <QStringList>
 
+#include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace velbrix::test {
 
@@ -34,6 +36,14 @@ struct RecordingRig {
                 .excludedWindows = std::move(excluded)};
     }
 
+    // What is listed of a window now.
+    std::optional<CapturableWindow> listed(quint32 window)
+    {
+        const QList<CapturableWindow> all = QCoro::waitFor(capture.shareableContent())->windows;
+        const auto found = std::ranges::find(all, window, &CapturableWindow::windowId);
+        return found == all.end() ? std::nullopt : std::optional(*found);
+    }
+
     Result<void> make(const CaptureFilter &filter, QSize size = {}, bool cursor = false)
     {
         const auto geometry = capture.geometry(filter);
@@ -42,12 +52,11 @@ struct RecordingRig {
         if (size.isEmpty())
             size = QSize(geometry->contentSize.toSize().width() & ~1,
                          geometry->contentSize.toSize().height() & ~1);
-        StreamConfiguration configuration;
-        configuration.width = size.width();
-        configuration.height = size.height();
-        configuration.framesPerSecond = 60;
-        configuration.showsCursor = cursor;
-        configuration.microphoneDeviceId = QStringLiteral("mic-1");
+        const StreamConfiguration configuration{.width = size.width(),
+                                                .height = size.height(),
+                                                .framesPerSecond = 60,
+                                                .showsCursor = cursor,
+                                                .microphoneDeviceId = QStringLiteral("mic-1")};
         CaptureObserver observer;
         observer.streamStopped = [this](Failure why) { stops << why.message; };
         observer.warning = [this](QString text) { warnings << text; };

@@ -75,15 +75,12 @@ private Q_SLOTS:
         }
     }
 
-    void isHighProfileInFourByteUnits()
+    // Players on a Mac take the colours from here.
+    void namesItsColours()
     {
-        const auto encoder = *H264Encoder::create(settings());
-        const auto &entry = encoder->sampleEntry();
+        const Rig rig;
+        const auto &entry = rig.encoder->sampleEntry();
         const QByteArray bytes(reinterpret_cast<const char *>(entry.data()), qsizetype(entry.size()));
-        const qsizetype at = bytes.indexOf("avcC") + 4;
-        QVERIFY(at > 4);
-        QCOMPARE(bytes[at + 1], char(100));
-        QCOMPARE(bytes[at + 4], char(0xFF));
         QVERIFY(bytes.contains("colrnclx"));
         QCOMPARE(bytes.mid(bytes.indexOf("nclx") + 4, 7), QByteArray::fromHex("00010 00d 0006 00"));
     }

@@ -21,20 +21,6 @@ bool isNear(QColor colour, QColor wanted)
            std::abs(colour.blue() - wanted.blue()) < 24;
 }
 
-void make(const QString &path, const QStringList &input, const QStringList &coding)
-{
-    QByteArray errors;
-    output(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-y"_s} + input + coding + QStringList{path},
-           &errors);
-    if (!errors.isEmpty() || !QFile::exists(path))
-        qWarning("%s: %s", qUtf8Printable(path), errors.constData());
-}
-
-QStringList generated(const QString &source)
-{
-    return {u"-f"_s, u"lavfi"_s, u"-i"_s, source};
-}
-
 } // namespace
 
 class MediaProbeTest : public QObject {
@@ -44,6 +30,7 @@ class MediaProbeTest : public QObject {
     LibAvMediaProbe _probe;
 
     QString path(const QString &name) const { return _folder.filePath(name); }
+    void make(const QString &arguments) const { ffmpeg(_folder.path(), arguments); }
     Result<VideoFacts> facts(const QString &name) { return QCoro::waitFor(_probe.facts(path(name))); }
     Result<QImage> frame(const QString &name, double seconds, QSize bound = {4096, 4096})
     {
@@ -55,10 +42,9 @@ private Q_SLOTS:
     void initTestCase()
     {
         // Red for a second, green for a second, blue for a second; 25 pictures a second.
-        make(path(u"colours.mp4"_s),
-             generated(u"color=red:s=320x180:d=1[a];color=lime:s=320x180:d=1[b];color=blue:s=320x180:d=1[c];"
-                       "[a][b][c]concat=n=3"_s),
-             {u"-pix_fmt"_s, u"yuv420p"_s, u"-g"_s, u"100"_s, u"-bf"_s, u"2"_s});
+        make(u"-f lavfi -i "
+             u"'color=red:s=320x180:d=1[a];color=lime:s=320x180:d=1[b];color=blue:s=320x180:d=1[c];"
+             "[a][b][c]concat=n=3' -pix_fmt yuv420p -g 100 -bf 2 colours.mp4"_s);
     }
 
     void answersLikeItsFake_data() { fakeAndReal(); }
@@ -130,7 +116,7 @@ private Q_SLOTS:
         QFETCH(QString, coding);
         QFETCH(QString, source);
         QFETCH(QSize, shown);
-        make(path(name), generated(source), coding.split(u' '));
+        make(u"-f lavfi -i '%1' %2 '%3'"_s.arg(source, coding, name));
         QCOMPARE(problem(name), QString());
         const VideoFacts known = *facts(name);
         QVERIFY(known.hasVideo);
@@ -146,11 +132,10 @@ private Q_SLOTS:
 
     void showsARotatedFilmUpright()
     {
-        make(path(u"flat.mp4"_s),
-             generated(u"color=red:s=160x90:d=1,drawbox=x=0:y=0:w=80:h=90:c=blue:t=fill"_s),
-             {u"-pix_fmt"_s, u"yuv420p"_s});
-        shell(u"cd '%1'; ffmpeg -v error -i flat.mp4 -c copy -metadata:s:v:0 rotate=90 turned.mp4; "
-              "ffmpeg -v error -i turned.mp4 -frames:v 1 turned.png"_s.arg(_folder.path()));
+        make(
+            u"-f lavfi -i color=red:s=160x90:d=1,drawbox=x=0:y=0:w=80:h=90:c=blue:t=fill -pix_fmt yuv420p flat.mp4"_s);
+        make(u"-i flat.mp4 -c copy -metadata:s:v:0 rotate=90 turned.mp4"_s);
+        make(u"-i turned.mp4 -frames:v 1 turned.png"_s);
         QCOMPARE(facts(u"turned.mp4"_s)->size, QSize(90, 160));
         const auto picture = frame(u"turned.mp4"_s, 0, {45, 80});
         QVERIFY(picture);
@@ -163,11 +148,9 @@ private Q_SLOTS:
 
     void soundAloneHasNoVideo()
     {
-        make(path(u"sound.mp4"_s), generated(u"sine=d=1"_s), {});
-        shell(
-            u"cd '%1'; ffmpeg -v error -f lavfi -i color=red:s=64x64 -frames:v 1 cover.png; ffmpeg -v error "
-            "-i sound.mp4 -i cover.png -map 0 -map 1 -c copy -disposition:v:0 attached_pic covered.mp4"_s.arg(
-                _folder.path()));
+        make(u"-f lavfi -i sine=d=1 sound.mp4"_s);
+        make(u"-f lavfi -i color=red:s=64x64 -frames:v 1 cover.png"_s);
+        make(u"-i sound.mp4 -i cover.png -map 0 -map 1 -c copy -disposition:v:0 attached_pic covered.mp4"_s);
         for (const QString &name : {u"sound.mp4"_s, u"covered.mp4"_s}) {
             QCOMPARE(facts(name), Result<VideoFacts>(VideoFacts{}));
             QCOMPARE(errorText(frame(name, 0)), u"视频中没有画面轨道"_s);
@@ -182,7 +165,7 @@ private Q_SLOTS:
                                                path(u"colours.mp4"_s).toUtf8() + "\n#EXT-X-ENDLIST\n");
         writeFile(path(u"script.mp4"_s), "ffconcat version 1.0\nfile colours.mp4\n");
         writeFile(path(u"cut off.mp4"_s), readFile(path(u"colours.mp4"_s)).first(600));
-        make(path(u"still.png"_s), generated(u"color=red:s=64x64"_s), {u"-frames:v"_s, u"1"_s});
+        make(u"-f lavfi -i color=red:s=64x64 -frames:v 1 still.png"_s);
         writeFile(path(u"still.mp4"_s), readFile(path(u"still.png"_s)));
         QDir(_folder.path()).mkdir(u"folder.mp4"_s);
         ::mkfifo(QFile::encodeName(path(u"pipe.mp4"_s)).constData(), 0600);
@@ -211,7 +194,7 @@ private Q_SLOTS:
 
     void asksNoMemoryForAbsurdSizes()
     {
-        make(path(u"square.mkv"_s), generated(u"color=red:s=300x300:d=1"_s), {u"-c:v"_s, u"ffv1"_s});
+        make(u"-f lavfi -i color=red:s=300x300:d=1 -c:v ffv1 square.mkv"_s);
         QByteArray bytes = readFile(path(u"square.mkv"_s));
         // Element, length and value of Matroska's width and height.
         for (const char *element : {"\xB0\x82\x01\x2C", "\xBA\x82\x01\x2C"}) {
@@ -226,9 +209,8 @@ private Q_SLOTS:
 
     void aCancelledSearchEndsSoon()
     {
-        make(path(u"long.mp4"_s), generated(u"testsrc2=s=1280x720:r=60:d=20"_s),
-             {u"-c:v"_s, u"libx264"_s, u"-preset"_s, u"ultrafast"_s, u"-g"_s, u"5000"_s, u"-pix_fmt"_s,
-              u"yuv420p"_s});
+        make(
+            u"-f lavfi -i testsrc2=s=1280x720:r=60:d=20 -c:v libx264 -preset ultrafast -g 5000 -pix_fmt yuv420p long.mp4"_s);
         Cancellation cancellation;
         std::optional<Result<QImage>> answer;
         _probe.frame(path(u"long.mp4"_s), 19.9, {320, 180}, cancellation).then([&](Result<QImage> picture) {

@@ -41,6 +41,14 @@ inline QByteArray shell(const QString &line)
     return output(u"sh"_s, {u"-c"_s, line}).trimmed();
 }
 
+// Has ffmpeg make a file in a folder.
+inline void ffmpeg(const QString &folder, const QString &arguments)
+{
+    const QByteArray errors = shell(u"cd '%1' && ffmpeg -v error -y %2 2>&1"_s.arg(folder, arguments));
+    if (!errors.isEmpty())
+        qWarning("%s: %s", qUtf8Printable(arguments), errors.constData());
+}
+
 inline QByteArray probed(const QString &path, const QString &entries, const QString &stream)
 {
     return output(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, stream, u"-show_entries"_s,

@@ -12,14 +12,8 @@ namespace {
 constexpr QColor green(0, 160, 0);
 constexpr QColor red(200, 0, 0);
 
-std::optional<CapturableWindow> find(const Result<ShareableContent> &content, quint32 window)
-{
-    const QList<CapturableWindow> all = content ? content->windows : QList<CapturableWindow>();
-    const auto found = std::ranges::find(all, window, &CapturableWindow::windowId);
-    return found == all.end() ? std::nullopt : std::optional(*found);
-}
-
-struct Desktop {
+// With a window that another one covers.
+struct Desktop : RecordingRig {
     Desktop()
     {
         for (PaintedWindow *window : {&lower, &upper}) {
@@ -29,14 +23,8 @@ struct Desktop {
         upper.raise();
     }
 
-    std::optional<CapturableWindow> listed(const PaintedWindow &window)
-    {
-        return find(QCoro::waitFor(rig.capture.shareableContent()), window.id());
-    }
-
     PaintedWindow lower{u"文档 — 编辑器"_s, QRect(100, 120, 400, 300), green};
     PaintedWindow upper{u"Upper"_s, QRect(60, 90, 500, 400), red, Qt::FramelessWindowHint};
-    RecordingRig rig;
 };
 
 } // namespace
@@ -70,11 +58,11 @@ private Q_SLOTS:
 
     void listsWindowsFrontToBack()
     {
-        Desktop desktop;
-        QTRY_VERIFY(desktop.listed(desktop.upper) && desktop.listed(desktop.lower));
-        const auto content = QCoro::waitFor(desktop.rig.capture.shareableContent());
-        const auto upper = find(content, desktop.upper.id());
-        const auto lower = find(content, desktop.lower.id());
+        Desktop rig;
+        QTRY_VERIFY(rig.listed(rig.upper.id()) && rig.listed(rig.lower.id()));
+        const auto content = QCoro::waitFor(rig.capture.shareableContent());
+        const auto upper = rig.listed(rig.upper.id());
+        const auto lower = rig.listed(rig.lower.id());
         QVERIFY(content->windows.indexOf(*upper) < content->windows.indexOf(*lower));
         QCOMPARE(lower->title, u"文档 — 编辑器"_s);
         QCOMPARE(lower->appName, u"X11ScreenCaptureTest"_s);
@@ -83,13 +71,13 @@ private Q_SLOTS:
         QVERIFY(lower->isNormal);
         QCOMPARE(upper->frame, QRectF(60, 90, 500, 400));
         // Decorations of the window manager are part of the window.
-        QCOMPARE(lower->frame, QRectF(desktop.lower.frameGeometry()));
+        QCOMPARE(lower->frame, QRectF(rig.lower.frameGeometry()));
         QVERIFY(lower->frame.height() > 300);
 
-        desktop.upper.hide();
-        QTRY_VERIFY(!desktop.listed(desktop.upper));
-        desktop.lower.showMinimized();
-        QTRY_VERIFY(!desktop.listed(desktop.lower));
+        rig.upper.hide();
+        QTRY_VERIFY(!rig.listed(rig.upper.id()));
+        rig.lower.showMinimized();
+        QTRY_VERIFY(!rig.listed(rig.lower.id()));
     }
 
     void tellsPartsOfTheDesktop()
@@ -101,19 +89,15 @@ private Q_SLOTS:
             ForeignWindow window(QRect(10, 10, 200, 100));
             window.set("_NET_WM_WINDOW_TYPE", type);
             window.map();
-            const auto listed = [&] {
-                return find(QCoro::waitFor(rig.capture.shareableContent()), window.id());
-            };
-            QTRY_VERIFY(listed());
-            QVERIFY2(listed()->isNormal == isNormal, type);
+            QTRY_VERIFY(rig.listed(window.id()));
+            QVERIFY2(rig.listed(window.id())->isNormal == isNormal, type);
         }
     }
 
     void takesPicturesOfCoveredWindows()
     {
-        Desktop desktop;
-        const auto image =
-            QCoro::waitFor(desktop.rig.capture.windowImage(desktop.lower.id(), QSize(160, 160)));
+        Desktop rig;
+        const auto image = QCoro::waitFor(rig.capture.windowImage(rig.lower.id(), QSize(160, 160)));
         QVERIFY(image);
         QCOMPARE(image->width(), 160);
         QVERIFY(image->height() < 160 && image->height() > 100);
