@@ -264,13 +264,9 @@ private Q_SLOTS:
     {
         NoteRig rig;
         UninstallReview review = rig.review;
-        const QStringList forged = {u""_s,
-                                    u"Preferences"_s,
-                                    u"Preferences/stranger"_s,
-                                    u"Preferences/velbrix-note"_s,
-                                    u"Preferences/org.acme.note/deep"_s,
-                                    u"Preferences/../outside/org.acme.note"_s,
-                                    u"outside/org.acme.note"_s};
+        const QStringList forged = u"|Preferences|Preferences/stranger|Preferences/velbrix-note|"
+                                   "Preferences/org.acme.note/deep|"
+                                   "Preferences/../outside/org.acme.note|outside/org.acme.note"_s.split(u'|');
         const ReviewItem certain = review.items.at(4);
         for (const QString &path : forged) {
             review.items.append(certain);

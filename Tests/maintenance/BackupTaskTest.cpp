@@ -17,20 +17,16 @@ const QString key = u"Velbrix_FileBackupTasks_v2"_s;
 const QString keptAside = key + u"_unreadable"_s;
 const QTimeZone berlin("Europe/Berlin");
 
+QJsonObject parsed(const char *json)
+{
+    return QJsonDocument::fromJson(json).object();
+}
+
 QJsonObject storedTask()
 {
-    return {{u"id"_s, u"one"_s},
-            {u"name"_s, u"照片"_s},
-            {u"kind"_s, u"backup"_s},
-            {u"sourcePath"_s, u"/home/me/Photos"_s},
-            {u"destPath"_s, u"/media/disk"_s},
-            {u"schedule"_s, QJsonObject{{u"kind"_s, u"monthly"_s},
-                                        {u"hour"_s, 7},
-                                        {u"minute"_s, 30},
-                                        {u"dayOfMonth"_s, 31},
-                                        {u"month"_s, 1}}},
-            {u"isEnabled"_s, true},
-            {u"nextRunAt"_s, 0.5}};
+    return parsed(R"({"id": "one", "name": "照片", "kind": "backup", "isEnabled": true, "nextRunAt": 0.5,
+                      "sourcePath": "/home/me/Photos", "destPath": "/media/disk", "schedule":
+                      {"kind": "monthly", "hour": 7, "minute": 30, "dayOfMonth": 31, "month": 1}})");
 }
 
 QJsonObject with(const QString &member, const QJsonValue &value)
@@ -95,11 +91,8 @@ private Q_SLOTS:
         for (const auto &[member, value] : odd)
             QVERIFY2(backupTaskFromJson(with(member, value)), qPrintable(member));
         QVERIFY(backupTaskFromJson(with(u"keepLast"_s, -1e18))->keepLast >= 0);
-        const QJsonObject schedule{{u"kind"_s, u"yearly"_s},
-                                   {u"hour"_s, 99},
-                                   {u"minute"_s, -1},
-                                   {u"dayOfMonth"_s, 1e9},
-                                   {u"month"_s, 0}};
+        const QJsonObject schedule =
+            parsed(R"({"kind": "yearly", "hour": 99, "minute": -1, "dayOfMonth": 1e9, "month": 0})");
         QCOMPARE(backupTaskFromJson(with(u"schedule"_s, schedule))->schedule, yearly(1, 31, 23, 0));
     }
 

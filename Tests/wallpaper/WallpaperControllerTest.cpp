@@ -273,8 +273,11 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString file = writeFile(folder.filePath(u"a.mp4"_s));
         const QString last = u"VelbClean_LastVideoPath"_s;
+        const QString autoPlay = u"VelbClean_WallpaperAutoPlay"_s;
+        const QJsonObject others{{u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"2"_s, file}}}};
         const QString load = u"autoRestore load last path: "_s;
         const QString nothing = u"autoRestore: no last video path"_s;
+        const QString count = u"autoRestore secondary-only paths count=1"_s;
         const struct {
             QJsonObject stored;
             bool onBattery, plays;
@@ -283,16 +286,10 @@ private Q_SLOTS:
             {{{last, file}}, false, true, {load + file}},
             {{{last, u"/none.mp4"_s}}, false, false, {load + u"/none.mp4"_s}},
             {{}, false, false, {nothing}},
-            {{{last, file}, {u"VelbClean_WallpaperAutoPlay"_s, false}},
-             false,
-             false,
-             {u"autoRestore skipped: autoPlay=false"_s}},
+            {{{last, file}, {autoPlay, false}}, false, false, {u"autoRestore skipped: autoPlay=false"_s}},
             {{{last, file}}, true, false, {u"autoRestore skipped: on battery"_s}},
             {{{last, file}, {u"Velbrix_WallpaperPauseOnBattery"_s, false}}, true, true, {load + file}},
-            {{{u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"2"_s, file}}}},
-             false,
-             true,
-             {nothing, u"autoRestore secondary-only paths count=1"_s}}};
+            {others, false, true, {nothing, count}}};
         for (const auto &[stored, onBattery, plays, lines] : rows) {
             WallpaperRig rig;
             rig.host.settings.stored = stored;

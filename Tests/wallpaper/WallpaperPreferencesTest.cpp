@@ -3,6 +3,8 @@
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 
+#include <QJsonDocument>
+
 namespace {
 
 struct Rig : SettingsRig {
@@ -19,28 +21,19 @@ class WallpaperPreferencesTest : public QObject {
 private Q_SLOTS:
     void everySettingIsReadAndWritten()
     {
-        const QJsonObject stored = {
-            {u"VelbClean_WallpaperVolume"_s, 0.75},
-            {u"VelbClean_WallpaperSpeed"_s, 1.5},
-            {u"VelbClean_WallpaperGravity"_s, u"居中"_s},
-            {u"VelbClean_WallpaperFolder"_s, u"/films"_s},
-            {u"VelbClean_WallpaperAutoPlay"_s, false},
-            {u"VelbClean_LastVideoPath"_s, u"/films/a.mp4"_s},
-            {u"Velbrix_WallpaperHideDesktopIconsEnabled"_s, true},
-            {u"Velbrix_WallpaperHideDesktopIconsActive"_s, true},
-            {u"Velbrix_WallpaperDockAutoHideActive"_s, true},
-            {u"Velbrix_WallpaperDockAutoHideOriginal"_s, false},
-            {u"Velbrix_WallpaperPauseOnBattery"_s, false},
-            {u"Velbrix_WallpaperPauseWhenCovered"_s, false},
-            {u"Velbrix_WallpaperContentMode"_s, u"音乐壁纸(Beta)"_s},
-            {u"Velbrix_LastHTMLPath"_s, u"/pages/a.html"_s},
-            {u"Velbrix_HTMLInteractive"_s, false},
-            {u"Velbrix_MusicShieldMisTouch"_s, false},
-            {u"Velbrix_HTMLDesktopSnapshotInterval"_s, 7},
-            {u"Velbrix_WallpaperScreenshotIgnoreMainWindows"_s, true},
-            {u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"4294967295"_s, u"/films/b.mp4"_s}}},
-            {u"Velbrix_AutoMoveToAppDir"_s, false},
-        };
+        const QJsonObject stored = QJsonDocument::fromJson(R"json({
+            "VelbClean_WallpaperVolume": 0.75, "VelbClean_WallpaperSpeed": 1.5,
+            "VelbClean_WallpaperGravity": "居中", "VelbClean_WallpaperFolder": "/films",
+            "VelbClean_WallpaperAutoPlay": false, "VelbClean_LastVideoPath": "/films/a.mp4",
+            "Velbrix_WallpaperHideDesktopIconsEnabled": true, "Velbrix_WallpaperHideDesktopIconsActive": true,
+            "Velbrix_WallpaperDockAutoHideActive": true, "Velbrix_WallpaperDockAutoHideOriginal": false,
+            "Velbrix_WallpaperPauseOnBattery": false, "Velbrix_WallpaperPauseWhenCovered": false,
+            "Velbrix_WallpaperContentMode": "音乐壁纸(Beta)", "Velbrix_LastHTMLPath": "/pages/a.html",
+            "Velbrix_HTMLInteractive": false, "Velbrix_MusicShieldMisTouch": false,
+            "Velbrix_HTMLDesktopSnapshotInterval": 7, "Velbrix_WallpaperScreenshotIgnoreMainWindows": true,
+            "Velbrix_PerDisplayVideoPaths": {"4294967295": "/films/b.mp4"},
+            "Velbrix_AutoMoveToAppDir": false})json")
+                                       .object();
         Rig read(stored);
         Rig written;
         const WallpaperPreferences &from = read.preferences;
