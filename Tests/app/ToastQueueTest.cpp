@@ -36,9 +36,8 @@ private Q_SLOTS:
         const Toast full = toastFromUserInfo({{u"title"_s, u"T"_s},
                                               {u"body"_s, u"B"_s},
                                               {u"icon"_s, u"camera.viewfinder"_s},
-                                              {u"style"_s, u"slide"_s},
                                               {u"duration"_s, 2}});
-        QCOMPARE(full, (Toast{0, u"T"_s, u"B"_s, u"camera.viewfinder"_s, u"slide"_s, 2000ms}));
+        QCOMPARE(full, (Toast{0, u"T"_s, u"B"_s, u"camera.viewfinder"_s, ToastTone::plain, 2000ms}));
         QCOMPARE(toastFromUserInfo({{u"body"_s, u"B"_s}}).duration, 3000ms);
         QCOMPARE(toastFromUserInfo({{u"duration"_s, -1}}).duration, 3000ms);
         QCOMPARE(toastFromUserInfo({{u"duration"_s, 1e9}}).duration, 60'000ms);

@@ -222,7 +222,7 @@ private Q_SLOTS:
             task.sourcePath = place(source);
             task.destPath = place(destination);
             task.excludes = excludes;
-            const QString obstacle = inspectBackup(task).obstacle;
+            const QString obstacle = inspectBackup(task).obstacle.value_or(BackupObstacle()).message;
             QVERIFY2(obstacle.startsWith(begins) && obstacle.isEmpty() == begins.isEmpty(),
                      qPrintable(source + u" to "_s + destination + u": "_s + obstacle));
         };
@@ -253,16 +253,16 @@ private Q_SLOTS:
         one.kind = BackupTaskKind::sync;
         one.destPath = u"/d"_s;
         BackupTask other = one;
-        QVERIFY(backupConflict(other, {one}).isEmpty());
+        QVERIFY(!backupConflict(other, {one}));
         other.id = u"2"_s;
-        QVERIFY(!backupConflict(other, {one}).isEmpty());
+        QVERIFY(backupConflict(other, {one}));
         other.kind = BackupTaskKind::backup;
-        QVERIFY(backupConflict(other, {one}).isEmpty());
+        QVERIFY(!backupConflict(other, {one}));
         other.destPath = u"/d/A_同步/archives"_s;
-        QVERIFY(!backupConflict(other, {one}).isEmpty());
-        QVERIFY(!backupConflict(one, {other}).isEmpty());
+        QVERIFY(backupConflict(other, {one}));
+        QVERIFY(backupConflict(one, {other}));
         other.destPath = u"/d/A_同步_旧文件/20260301_090000"_s;
-        QVERIFY(!backupConflict(other, {one}).isEmpty());
+        QVERIFY(backupConflict(other, {one}));
     }
 
     void tasksMustNotCopyEachOthersCopies()
@@ -279,7 +279,7 @@ private Q_SLOTS:
                 task.excludes = {way.section(u'>', 2)};
                 tasks.append(task);
             }
-            return !backupConflict(tasks.last(), tasks).isEmpty();
+            return backupConflict(tasks.last(), tasks).has_value();
         };
         for (const auto kind : {BackupTaskKind::sync, BackupTaskKind::backup}) {
             for (const QString &sound :

@@ -59,7 +59,7 @@ struct Rig : SettingsRig {
         task.kind = BackupTaskKind::sync;
         return task;
     }
-    Result<BackupTask> save(const BackupTask &task) { return QCoro::waitFor(make().save(task)); }
+    FileBackupController::Saved save(const BackupTask &task) { return QCoro::waitFor(make().save(task)); }
     FileBackupController &make()
     {
         if (!controller)

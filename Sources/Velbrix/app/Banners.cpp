@@ -31,14 +31,14 @@ void Banners::unfollow()
     _services.toasts.clear();
 }
 
-void Banners::show(const QString &title, const QString &body, const QString &icon)
+void Banners::show(const QString &title, const QString &body, const QString &icon, ToastTone tone)
 {
-    postBanner(_services.notifications, title, body, icon);
+    postBanner(_services.notifications, title, body, icon, tone);
 }
 
 void Banners::warn(const QString &title, const QString &body)
 {
-    show(title, body, u"exclamationmark.triangle.fill"_s);
+    show(title, body, u"exclamationmark.triangle.fill"_s, ToastTone::warning);
 }
 
 void Banners::warnBehindWindow(const QString &title, const QString &body)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Toast.h"
 #include "foundation/Observation.h"
 
 #include <QObject>
@@ -22,9 +23,10 @@ public:
     void unfollow();
 
     // The icon is an SF Symbol.
-    void show(const QString &title, const QString &body, const QString &icon);
+    void show(const QString &title, const QString &body, const QString &icon,
+              ToastTone tone = ToastTone::plain);
     void warn(const QString &title, const QString &body);
-    // What the main window tells itself while it is in sight. Nothing without a body.
+    // What the main window tells itself while it is visible. Nothing without a body.
     void warnBehindWindow(const QString &title, const QString &body);
 
 private:

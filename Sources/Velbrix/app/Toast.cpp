@@ -17,16 +17,19 @@ Toast toastFromUserInfo(const QVariantMap &userInfo)
     toast.title = userInfo.value(u"title"_s).toString();
     toast.body = userInfo.value(u"body"_s).toString();
     toast.icon = userInfo.value(u"icon"_s).toString();
-    toast.style = userInfo.value(u"style"_s).toString();
+    toast.tone = userInfo.value(u"tone"_s).value<ToastTone>();
     const double seconds = userInfo.value(u"duration"_s).toDouble();
     if (std::isfinite(seconds) && seconds > 0)
         toast.duration = std::chrono::milliseconds(std::lround(std::clamp(seconds, 1.0, 60.0) * 1000));
     return toast;
 }
 
-void postBanner(NotificationCenter &center, const QString &title, const QString &body, const QString &icon)
+void postBanner(NotificationCenter &center, const QString &title, const QString &body, const QString &icon,
+                ToastTone tone)
 {
-    center.post(bannerToastNotification, {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}});
+    center.post(
+        bannerToastNotification,
+        {{u"title"_s, title}, {u"body"_s, body}, {u"icon"_s, icon}, {u"tone"_s, QVariant::fromValue(tone)}});
 }
 
 ToastQueue::ToastQueue(Clock &clock, QObject *parent) : QObject(parent), _clock(clock) {}

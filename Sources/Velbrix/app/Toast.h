@@ -15,13 +15,15 @@ namespace velbrix {
 
 class NotificationCenter;
 
+enum class ToastTone { plain, good, warning };
+
 // A short banner over everything.
 struct Toast {
     int id = 0;
     QString title;
     QString body;
-    QString icon;  // SF Symbol name, may be empty
-    QString style; // "slide" or empty: every banner slides in
+    QString icon; // SF Symbol name, may be empty
+    ToastTone tone = ToastTone::plain;
     std::chrono::milliseconds duration{3000};
 
     bool operator==(const Toast &) const = default;
@@ -29,14 +31,15 @@ struct Toast {
 
 inline const QString bannerToastNotification = QStringLiteral("velBrixShowBannerToast");
 
-// The user info of that notification: "title", "body", "icon", "style" and
+// The user info of that notification: "title", "body", "icon", "tone" and
 // "duration" in seconds, each of them optional.
 Toast toastFromUserInfo(const QVariantMap &userInfo);
 // The icon is an SF Symbol.
-void postBanner(NotificationCenter &center, const QString &title, const QString &body, const QString &icon);
+void postBanner(NotificationCenter &center, const QString &title, const QString &body, const QString &icon,
+                ToastTone tone = ToastTone::plain);
 
-// The banners in sight. At most three at a time; the others wait their turn.
-// One that says the same as a banner in sight only keeps that one longer.
+// The visible banners. At most three at a time; the others wait their turn.
+// One that says the same as a visible one only keeps that one longer.
 class ToastQueue final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(ToastQueue, QList<Toast>, visible)

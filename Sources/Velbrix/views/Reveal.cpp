@@ -12,11 +12,10 @@ void revealOrTell(AppServices &services, const QString &path)
     const auto revealed = services.platform.desktop->revealInFolder(path);
     if (revealed)
         return;
-    Toast toast;
-    toast.title = u"无法打开文件夹"_s;
-    toast.body = revealed.error().message;
-    toast.icon = u"exclamationmark.triangle.fill"_s;
-    services.toasts.show(toast);
+    services.toasts.show({.title = u"无法打开文件夹"_s,
+                          .body = revealed.error().message,
+                          .icon = u"exclamationmark.triangle.fill"_s,
+                          .tone = ToastTone::warning});
 }
 
 } // namespace velbrix

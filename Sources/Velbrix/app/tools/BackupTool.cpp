@@ -147,7 +147,7 @@ QCoro::Task<CommandReply> add(FileBackupController &backup, ParsedCommand comman
     const Result<BackupTask> wanted = taskFrom(command);
     if (!wanted)
         co_return misuse(wanted.error().message);
-    const Result<BackupTask> saved = co_await backup.save(*wanted);
+    const auto saved = co_await backup.save(*wanted);
     if (!saved)
         co_return CommandReply::refusal(saved.error().message);
     co_return CommandReply{exitcode::done, u"已添加：\n"_s + line(*saved, false), described(*saved)};

@@ -210,7 +210,8 @@ void tellNews(AppServices &services, Banners &banners)
     });
     QObject::connect(&session, &RecordingSession::finishedMovieChanged, &banners, [&banners, &session] {
         if (const auto movie = session.finishedMovie())
-            banners.show(u"录制已保存"_s, QFileInfo(*movie).fileName(), u"checkmark.circle.fill"_s);
+            banners.show(u"录制已保存"_s, QFileInfo(*movie).fileName(), u"checkmark.circle.fill"_s,
+                         ToastTone::good);
     });
     if (!services.recorder.unfinished().leftovers().isEmpty())
         banners.show(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);

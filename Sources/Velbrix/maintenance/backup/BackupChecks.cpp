@@ -15,33 +15,42 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+using Field = BackupObstacle::Field;
+
 bool isFolder(const QString &path)
 {
     return QDir::isAbsolutePath(path) && QFileInfo(path).isDir();
 }
 
-QString archiveObstacle(const BackupTask &task, const QString &source, const QString &destination)
+std::optional<BackupObstacle> archiveObstacle(const BackupTask &task, const QString &source,
+                                              const QString &destination)
 {
     if (!isWithin(destination, source))
-        return {};
+        return std::nullopt;
     const QByteArray below = destination.sliced(source.size()).toUtf8();
     const auto start = below.startsWith('/') ? 1 : 0;
     if (below.size() > start && ExcludeRules(task.excludes).leavesOutWithin(below.sliced(start)))
-        return {};
-    return u"保存目录在源文件夹里面，每个归档都会包含以前的归档；请换一个保存目录，或将它加入排除项"_s;
+        return std::nullopt;
+    return BackupObstacle{
+        u"保存目录在源文件夹里面，每个归档都会包含以前的归档；请换一个保存目录，或将它加入排除项"_s,
+        Field::destination};
 }
 
-QString mirrorObstacle(const BackupTask &task, const QString &source, const QString &destination)
+std::optional<BackupObstacle> mirrorObstacle(const BackupTask &task, const QString &source,
+                                             const QString &destination)
 {
     BackupTask real = task;
     real.destPath = destination;
     if (isWithin(destination, source))
-        return u"保存目录在源文件夹里面，同步会把文件夹复制进它自己；请换一个保存目录"_s;
+        return BackupObstacle{u"保存目录在源文件夹里面，同步会把文件夹复制进它自己；请换一个保存目录"_s,
+                              Field::destination};
     for (const QString &written : {resolvedPath(mirrorFolder(real)), resolvedPath(setAsideFolder(real))}) {
         if (isWithin(source, written) || isWithin(written, source))
-            return u"源文件夹与同步文件夹“%1”重叠，同步会删除源文件；请换一个保存目录或名称"_s.arg(written);
+            return BackupObstacle{
+                u"源文件夹与同步文件夹“%1”重叠，同步会删除源文件；请换一个保存目录或名称"_s.arg(written),
+                Field::source};
     }
-    return {};
+    return std::nullopt;
 }
 
 QString written(const BackupTask &task)
@@ -116,14 +125,15 @@ std::optional<BackupTask> partnerInLoop(const BackupTask &task, const QList<Back
     return std::nullopt;
 }
 
-QString savingObstacle(const BackupTask &task)
+std::optional<BackupObstacle> savingObstacle(const BackupTask &task)
 {
     if (task.sourcePath.isEmpty() || task.destPath.isEmpty())
-        return u"请选择源文件夹和保存目录"_s;
+        return BackupObstacle{u"请选择源文件夹和保存目录"_s,
+                              task.sourcePath.isEmpty() ? Field::source : Field::destination};
     if (!isFolder(task.sourcePath))
-        return u"源文件夹不存在或不是目录"_s;
+        return BackupObstacle{u"源文件夹不存在或不是目录"_s, Field::source};
     if (!isFolder(task.destPath))
-        return u"保存目录不存在或不是目录"_s;
+        return BackupObstacle{u"保存目录不存在或不是目录"_s, Field::destination};
     const QString source = resolvedPath(task.sourcePath);
     const QString destination = resolvedPath(task.destPath);
     return task.kind == BackupTaskKind::sync ? mirrorObstacle(task, source, destination)
@@ -140,7 +150,7 @@ bool isOnAnotherDisk(const QString &path, const QString &volume)
 BackupInspection inspectBackup(const BackupTask &task)
 {
     BackupInspection seen{.obstacle = savingObstacle(task)};
-    if (seen.obstacle.isEmpty()) {
+    if (!seen.obstacle) {
         seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
         seen.destVolume = QStorageInfo(task.destPath).rootPath();
         seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
@@ -149,35 +159,39 @@ BackupInspection inspectBackup(const BackupTask &task)
     return seen;
 }
 
-QString backupConflict(const BackupTask &task, const QList<BackupTask> &others)
+std::optional<BackupObstacle> backupConflict(const BackupTask &task, const QList<BackupTask> &others)
 {
     for (const BackupTask &other : others) {
         if (other.id == task.id)
             continue;
         // Not every disk tells "A" from "a".
         if (other.kind == task.kind && written(other).compare(written(task), Qt::CaseInsensitive) == 0)
-            return u"任务“%1”已使用同一保存目录和名称，请换一个名称"_s.arg(other.name);
+            return BackupObstacle{u"任务“%1”已使用同一保存目录和名称，请换一个名称"_s.arg(other.name)};
         if (takesAway(other, task.destPath))
-            return u"保存目录在任务“%1”的同步文件夹里面，会被同步删除；请换一个保存目录"_s.arg(other.name);
+            return BackupObstacle{
+                u"保存目录在任务“%1”的同步文件夹里面，会被同步删除；请换一个保存目录"_s.arg(other.name),
+                Field::destination};
         if (takesAway(task, other.destPath))
-            return u"任务“%1”保存在这个同步文件夹里面，会被同步删除；请换一个名称或保存目录"_s.arg(
-                other.name);
+            return BackupObstacle{
+                u"任务“%1”保存在这个同步文件夹里面，会被同步删除；请换一个名称或保存目录"_s.arg(other.name)};
     }
     QList<BackupTask> rest = others;
     rest.removeIf([&](const BackupTask &other) { return other.id == task.id; });
     if (const auto partner = partnerInLoop(task, rest))
-        return u"与任务“%1”互相备份：每次运行都会把对方的副本再复制一遍，越来越大；请换一个保存目录，或将副本加入排除项"_s
-            .arg(partner->name);
-    return {};
+        return BackupObstacle{
+            u"与任务“%1”互相备份：每次运行都会把对方的副本再复制一遍，越来越大；请换一个保存目录，或将副本加入排除项"_s
+                .arg(partner->name)};
+    return std::nullopt;
 }
 
-QString backupConflict(const BackupTask &task, const BackupInspection &seen, const QList<BackupTask> &others)
+std::optional<BackupObstacle> backupConflict(const BackupTask &task, const BackupInspection &seen,
+                                             const QList<BackupTask> &others)
 {
     BackupTask real = task;
     real.sourcePath = seen.realSource;
     real.destPath = seen.realDestination;
-    const QString asWritten = backupConflict(task, others);
-    return asWritten.isEmpty() ? backupConflict(real, others) : asWritten;
+    const auto asWritten = backupConflict(task, others);
+    return asWritten ? asWritten : backupConflict(real, others);
 }
 
 QString runObstacle(const BackupTask &task)
@@ -187,7 +201,8 @@ QString runObstacle(const BackupTask &task)
     if (!QFileInfo(task.sourcePath).isDir() || isOnAnotherDisk(task.sourcePath, task.sourceVolume))
         return u"源文件夹不在了，或其所在的磁盘没有连接：%1"_s.arg(task.sourcePath);
     // A link may lead elsewhere than when the task was saved.
-    return savingObstacle(task);
+    const auto obstacle = savingObstacle(task);
+    return obstacle ? obstacle->message : QString();
 }
 
 } // namespace velbrix

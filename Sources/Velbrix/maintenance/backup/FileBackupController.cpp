@@ -1,6 +1,5 @@
 #include "maintenance/backup/FileBackupController.h"
 
-#include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNotifications.h"
 #include "maintenance/backup/MirrorRun.h"
 #include "platform/SystemSleep.h"
@@ -136,19 +135,19 @@ void FileBackupController::cancelAll()
     _restorer.cancel();
 }
 
-QCoro::Task<Result<BackupTask>> FileBackupController::save(BackupTask task)
+QCoro::Task<FileBackupController::Saved> FileBackupController::save(BackupTask task)
 {
     task = normalised(std::move(task));
     const QPointer self(this);
     const QFuture<BackupInspection> inspection = QtConcurrent::run(&backupWorkers(), inspectBackup, task);
     const BackupInspection seen = co_await inspection;
     if (!self)
-        co_return failure(u"程序正在退出"_s);
-    if (!seen.obstacle.isEmpty())
-        co_return failure(seen.obstacle);
+        co_return std::unexpected(BackupObstacle{u"程序正在退出"_s});
+    if (seen.obstacle)
+        co_return std::unexpected(*seen.obstacle);
     QList<BackupTask> tasks = _tasks;
-    if (const QString conflict = backupConflict(task, seen, tasks); !conflict.isEmpty())
-        co_return failure(conflict);
+    if (const auto conflict = backupConflict(task, seen, tasks))
+        co_return std::unexpected(*conflict);
     task.sourceVolume = seen.sourceVolume;
     task.destVolume = seen.destVolume;
     const BackupTask saved = enterTask(task, tasks, _clock.now());

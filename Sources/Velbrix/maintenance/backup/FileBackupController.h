@@ -4,9 +4,9 @@
 #include "foundation/Job.h"
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
-#include "foundation/Result.h"
 #include "maintenance/backup/ArchiveRestorer.h"
 #include "maintenance/backup/ArchiveRun.h"
+#include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupRun.h"
 #include "maintenance/backup/BackupTask.h"
 
@@ -16,6 +16,7 @@
 #include <QPromise>
 
 #include <chrono>
+#include <expected>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -61,10 +62,10 @@ public:
     FileBackupController(Ports ports, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
     ~FileBackupController() override;
 
-    // The failure is for the user. A task without an id is new; an empty name
-    // becomes the source folder's. What a run writes (results, next time) is
-    // not taken from the task.
-    QCoro::Task<Result<BackupTask>> save(BackupTask task);
+    // A task without an id is new; an empty name becomes the source folder's.
+    // What a run writes (results, next time) is not taken from the task.
+    using Saved = std::expected<BackupTask, BackupObstacle>;
+    QCoro::Task<Saved> save(BackupTask task);
     // Never deletes files. A run of the task ends.
     void remove(const QString &id);
     void setEnabled(const QString &id, bool isEnabled);

@@ -20,6 +20,8 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -107,7 +109,7 @@ PathField *AddBackupTaskSheet::makePlace(const QString &name, const QString &tit
     field->setAccessibleName(title);
     connect(field, &PathField::wanted, this, [this, field](const QString &folder) {
         field->setPath(folder);
-        showProblem({});
+        show({});
     });
     connect(field, &PathField::revealWanted, this,
             [this](const QString &folder) { revealOrTell(_context.services, folder); });
@@ -189,31 +191,30 @@ void AddBackupTaskSheet::save()
         return;
     _save->setEnabled(false);
     const QPointer self(this);
-    _context.services.fileBackup.save(entered()).then([self](const Result<BackupTask> &saved) {
+    _context.services.fileBackup.save(entered()).then([self](const FileBackupController::Saved &saved) {
         if (!self)
             return;
         if (saved)
             self->dismiss();
         else
-            self->showProblem(saved.error().message);
+            self->show(saved.error());
         self->_save->setEnabled(true);
     });
 }
 
-// Under the field that it is about, as far as that can be told.
-void AddBackupTaskSheet::showProblem(const QString &problem)
+// Under its field. One without a message hides the last one.
+void AddBackupTaskSheet::show(const BackupObstacle &obstacle)
 {
-    QLabel *place = _problem;
-    if (_source->path().isEmpty() || problem.startsWith(u"源文件夹"))
-        place = _sourceProblem;
-    else if (_destination->path().isEmpty() || problem.startsWith(u"保存目录"))
-        place = _destinationProblem;
-    for (QLabel *label : {_problem, _sourceProblem, _destinationProblem}) {
-        label->setText(label == place ? problem : QString());
-        label->setVisible(label == place && !problem.isEmpty());
+    using Field = BackupObstacle::Field;
+    const std::pair<Field, QLabel *> places[] = {
+        {Field::none, _problem}, {Field::source, _sourceProblem}, {Field::destination, _destinationProblem}};
+    for (const auto &[field, label] : places) {
+        const bool isHere = field == obstacle.field && !obstacle.message.isEmpty();
+        label->setText(isHere ? obstacle.message : QString());
+        label->setVisible(isHere);
+        if (isHere && label != _problem)
+            _body->ensureWidgetVisible(label);
     }
-    if (place != _problem && !problem.isEmpty())
-        _body->ensureWidgetVisible(place);
 }
 
 } // namespace velbrix

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "foundation/Result.h"
-#include "maintenance/backup/BackupTask.h"
+#include "maintenance/backup/BackupChecks.h"
 #include "views/ViewContext.h"
 #include "views/components/Sheet.h"
 
@@ -37,7 +36,7 @@ private:
     PathField *makePlace(const QString &name, const QString &title, const QString &panelTitle);
     void showKind(int index);
     void save();
-    void showProblem(const QString &problem);
+    void show(const BackupObstacle &obstacle);
     BackupTask entered() const;
 
     ViewContext _context;

@@ -20,15 +20,17 @@ constexpr int bannerWidth = 340;
 constexpr int radius = 12;
 constexpr int slideDistance = 48;
 
-ThemeColor tintOf(const QString &symbol)
+ThemeColor tintOf(ToastTone tone)
 {
-    if (symbol.startsWith(u"checkmark"))
+    switch (tone) {
+    case ToastTone::plain:
+        return ThemeColor::accentText;
+    case ToastTone::good:
         return ThemeColor::good;
-    if (symbol.startsWith(u"exclamationmark"))
+    case ToastTone::warning:
         return ThemeColor::warning;
-    if (symbol.startsWith(u"xmark"))
-        return ThemeColor::bad;
-    return ThemeColor::accentText;
+    }
+    Q_UNREACHABLE();
 }
 
 } // namespace
@@ -51,7 +53,7 @@ ToastView::ToastView(const Theme &theme, const Toast &toast, QWidget *parent)
     line->setContentsMargins(16, 14, 16, 14);
     line->setSpacing(12);
     const QString symbol = toast.icon.isEmpty() ? u"bell.fill"_s : toast.icon;
-    line->addWidget(new SymbolLabel(theme, symbol, 22, tintOf(symbol)), 0, Qt::AlignTop);
+    line->addWidget(new SymbolLabel(theme, symbol, 22, tintOf(toast.tone)), 0, Qt::AlignTop);
     auto *words = new QVBoxLayout;
     words->setSpacing(2);
     if (!toast.title.isEmpty())
