@@ -1,4 +1,4 @@
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 #include "support/Test.h"
 
 class ByteCountTest : public QObject {

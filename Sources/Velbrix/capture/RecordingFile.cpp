@@ -1,6 +1,6 @@
 #include "capture/RecordingFile.h"
 
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 
 #include <QDir>
 #include <QFileInfo>

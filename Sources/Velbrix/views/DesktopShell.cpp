@@ -6,12 +6,15 @@
 #include "views/MainWindow.h"
 #include "views/StatusItem.h"
 #include "views/ToastStack.h"
-#include "views/ToolkitTexts.h"
 
 #include <QGuiApplication>
+#include <QLibraryInfo>
 #include <QScreen>
+#include <QTranslator>
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
@@ -23,6 +26,15 @@ QList<QRect> screenAreas()
     for (const QScreen *screen : screens)
         areas.append(screen->availableGeometry());
     return areas;
+}
+
+// Puts the toolkit's own texts (folder panels, context menus) into the
+// program's language while the owner lives.
+void installToolkitTexts(QObject *owner)
+{
+    auto *translator = new QTranslator(owner);
+    if (translator->load(u"qtbase_zh_CN"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(translator);
 }
 
 } // namespace

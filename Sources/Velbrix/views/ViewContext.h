@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 namespace velbrix {
 
 class AppServices;
@@ -9,6 +11,9 @@ class Theme;
 struct ViewContext {
     AppServices &services;
     Theme &theme;
+
+    // Shows the file in the file manager; a failure is told in a banner.
+    void reveal(const QString &path) const;
 };
 
 } // namespace velbrix

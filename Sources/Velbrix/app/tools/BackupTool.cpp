@@ -1,6 +1,6 @@
 #include "app/AppServices.h"
 #include "app/Tool.h"
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 
 #include <QCoroFuture>
 #include <QJsonArray>

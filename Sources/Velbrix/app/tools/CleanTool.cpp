@@ -1,8 +1,7 @@
 #include "app/AppServices.h"
 #include "app/Tool.h"
 #include "foundation/Awaitables.h"
-#include "foundation/ByteCount.h"
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 
 #include <QCoroTask>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "maintenance/backup/ArchiveRun.h"
 
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/TreeComparison.h"

@@ -1,6 +1,6 @@
 #include "maintenance/cleanup/CleanupTypes.h"
 
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 
 using namespace Qt::StringLiterals;
 

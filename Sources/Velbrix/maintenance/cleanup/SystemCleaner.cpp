@@ -1,6 +1,6 @@
 #include "maintenance/cleanup/SystemCleaner.h"
 
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,10 +1,8 @@
 #include "views/backup/AddBackupTaskSheet.h"
 
 #include "app/AppServices.h"
-#include "views/Reveal.h"
 #include "views/backup/BackupScheduleField.h"
 #include "views/backup/BackupWords.h"
-#include "views/components/NumberField.h"
 #include "views/components/Parts.h"
 #include "views/components/PathField.h"
 #include "views/components/ScrollingBody.h"
@@ -112,7 +110,7 @@ PathField *AddBackupTaskSheet::makePlace(const QString &name, const QString &tit
         show({});
     });
     connect(field, &PathField::revealWanted, this,
-            [this](const QString &folder) { revealOrTell(_context.services, folder); });
+            [this](const QString &folder) { _context.reveal(folder); });
     return field;
 }
 

@@ -1,11 +1,9 @@
 #include "views/backup/BackupArchivesSheet.h"
 
 #include "app/AppServices.h"
-#include "foundation/ByteCount.h"
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 #include "views/Follow.h"
-#include "views/PlainTip.h"
-#include "views/ShownName.h"
+#include "views/ShownText.h"
 #include "views/Theme.h"
 #include "views/backup/BackupWords.h"
 #include "views/components/EmptyState.h"

@@ -1,6 +1,5 @@
 #include "views/backup/BackupScheduleField.h"
 
-#include "views/components/NumberField.h"
 #include "views/components/Parts.h"
 #include "views/components/SegmentedChoice.h"
 

@@ -3,9 +3,7 @@
 #include "app/AppServices.h"
 #include "maintenance/backup/BackupNames.h"
 #include "views/Follow.h"
-#include "views/Reveal.h"
-#include "views/ShownName.h"
-#include "views/ShownPath.h"
+#include "views/ShownText.h"
 #include "views/backup/BackupWords.h"
 #include "views/components/Confirmation.h"
 #include "views/components/ElidedLabel.h"
@@ -221,7 +219,7 @@ void BackupTaskCard::reveal()
 {
     const QString mirror = mirrorFolder(_task);
     const bool showsMirror = _task.kind == BackupTaskKind::sync && QFileInfo(mirror).isDir();
-    revealOrTell(_context.services, showsMirror ? mirror : _task.destPath);
+    _context.reveal(showsMirror ? mirror : _task.destPath);
 }
 
 } // namespace velbrix

@@ -1,7 +1,7 @@
 #include "views/backup/DeletionQuestionSheet.h"
 
 #include "app/AppServices.h"
-#include "views/ShownName.h"
+#include "views/ShownText.h"
 #include "views/components/Parts.h"
 
 #include <QLabel>

@@ -1,10 +1,9 @@
 #include "views/cleanup/CleanupControlCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/ByteCount.h"
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 #include "views/Follow.h"
-#include "views/ShownPath.h"
+#include "views/ShownText.h"
 #include "views/Theme.h"
 #include "views/components/Confirmation.h"
 #include "views/components/JobBar.h"

@@ -1,8 +1,7 @@
 #include "views/cleanup/CleanupEntryList.h"
 
-#include "foundation/ByteCount.h"
-#include "foundation/OneLine.h"
-#include "views/PlainTip.h"
+#include "foundation/Text.h"
+#include "views/ShownText.h"
 #include "views/Theme.h"
 #include "views/components/CheckBox.h"
 

@@ -1,10 +1,9 @@
 #include "views/cleanup/CleanupOutcomeCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/ByteCount.h"
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 #include "views/Follow.h"
-#include "views/ShownPath.h"
+#include "views/ShownText.h"
 #include "views/components/Parts.h"
 #include "views/components/SymbolLabel.h"
 

@@ -1,7 +1,7 @@
 #include "views/cleanup/CleanupRow.h"
 
 #include "app/AppServices.h"
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 #include "views/Follow.h"
 #include "views/Theme.h"
 #include "views/cleanup/CleanupEntryList.h"

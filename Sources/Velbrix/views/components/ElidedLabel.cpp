@@ -1,7 +1,7 @@
 #include "views/components/ElidedLabel.h"
 
-#include "foundation/OneLine.h"
-#include "views/PlainTip.h"
+#include "foundation/Text.h"
+#include "views/ShownText.h"
 
 #include <QPainter>
 

@@ -2,13 +2,33 @@
 
 #include "views/Theme.h"
 
+#include <QAbstractSpinBox>
+#include <QEvent>
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
 #include <QVariant>
 
+using namespace Qt::StringLiterals;
+
 namespace velbrix {
+namespace {
+
+class NoWheel final : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::Wheel)
+            return false;
+        event->ignore(); // the form around it may scroll
+        return true;
+    }
+};
+
+} // namespace
 
 QLabel *makeText(const QString &text, const QString &role, QWidget *parent)
 {
@@ -37,10 +57,20 @@ QPushButton *makeButton(const Theme &theme, const ButtonLook &look, QWidget *par
     return button;
 }
 
+void makeNumberField(QAbstractSpinBox &field, int width)
+{
+    field.setButtonSymbols(QAbstractSpinBox::NoButtons);
+    field.setAlignment(Qt::AlignCenter);
+    field.setToolTip(u"直接输入，或用 ↑ ↓ 键调整"_s);
+    field.setFixedWidth(width);
+    field.setFocusPolicy(Qt::StrongFocus);
+    field.installEventFilter(new NoWheel(&field));
+}
+
 QFrame *makeHairline(QWidget *parent)
 {
     auto *line = new QFrame(parent);
-    line->setProperty("role", QStringLiteral("hairline"));
+    line->setProperty("role", u"hairline"_s);
     return line;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class QAbstractSpinBox;
 class QFrame;
 class QLabel;
 class QPushButton;
@@ -23,6 +24,10 @@ struct ButtonLook {
     QString role;
 };
 QPushButton *makeButton(const Theme &theme, const ButtonLook &look, QWidget *parent = nullptr);
+
+// Makes the field a plain one: numbers are typed or changed by the arrow keys,
+// never by the wheel, which scrolls the form that it stands in.
+void makeNumberField(QAbstractSpinBox &field, int width);
 
 QFrame *makeHairline(QWidget *parent = nullptr);
 

@@ -1,7 +1,6 @@
 #include "views/components/PathField.h"
 
-#include "views/PlainTip.h"
-#include "views/ShownPath.h"
+#include "views/ShownText.h"
 #include "views/components/Parts.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "views/components/ThumbnailItems.h"
 
-#include "views/PlainTip.h"
+#include "views/ShownText.h"
 
 namespace velbrix {
 

@@ -2,7 +2,6 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
-#include "views/Reveal.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
@@ -77,8 +76,7 @@ QWidget *LeftoversCard::makeRow(const QString &path)
         line->addWidget(button);
         connect(button, &QPushButton::clicked, this, act);
     };
-    add(u"leftoverReveal"_s, u"在文件夹中显示"_s, u"plain"_s,
-        [this, path] { revealOrTell(_context.services, path); });
+    add(u"leftoverReveal"_s, u"在文件夹中显示"_s, u"plain"_s, [this, path] { _context.reveal(path); });
     add(u"leftoverDismiss"_s, u"忽略"_s, u"plain"_s, [&unfinished, path] { unfinished.dismiss(path); });
     add(u"leftoverRepair"_s, u"修复"_s, {}, [&unfinished, path] { unfinished.repair(path); });
     return new SettingRow(QFileInfo(path).fileName(), u"录制没有正常结束，文件仍在。修复后即可播放。"_s,

@@ -2,7 +2,6 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
-#include "views/Reveal.h"
 #include "views/components/Card.h"
 #include "views/components/Parts.h"
 #include "views/components/PathField.h"
@@ -90,9 +89,8 @@ Card *makeOutputCard(const ViewContext &context)
     card->addRow(row);
     QObject::connect(field, &PathField::wanted, card,
                      [&preferences](const QString &folder) { preferences.setOutputDir(folder); });
-    QObject::connect(
-        field, &PathField::revealWanted, card,
-        [services = &context.services](const QString &folder) { revealOrTell(*services, folder); });
+    QObject::connect(field, &PathField::revealWanted, card,
+                     [context](const QString &folder) { context.reveal(folder); });
     follow(preferences, &RecorderPreferences::outputDirChanged, card,
            [field, &preferences] { field->setPath(preferences.outputDir()); });
     return card;

@@ -2,7 +2,6 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
-#include "views/Reveal.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
 #include "views/components/SymbolLabel.h"
@@ -50,7 +49,7 @@ void RecordOutcomeCard::addResult()
     addRow(row);
     connect(show, &QPushButton::clicked, this, [this, &session] {
         if (const auto movie = session.finishedMovie())
-            revealOrTell(_context.services, *movie);
+            _context.reveal(*movie);
     });
     follow(session, &RecordingSession::finishedMovieChanged, this, [row, &session] {
         const auto movie = session.finishedMovie();

@@ -1,7 +1,7 @@
 #include "views/uninstall/AppListCard.h"
 
 #include "app/AppServices.h"
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 #include "platform/Platform.h"
 #include "views/Follow.h"
 #include "views/Theme.h"

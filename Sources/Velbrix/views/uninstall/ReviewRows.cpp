@@ -1,9 +1,7 @@
 #include "views/uninstall/ReviewRows.h"
 
-#include "foundation/ByteCount.h"
-#include "foundation/OneLine.h"
-#include "views/PlainTip.h"
-#include "views/ShownPath.h"
+#include "foundation/Text.h"
+#include "views/ShownText.h"
 #include "views/Theme.h"
 #include "views/components/CheckBox.h"
 #include "views/components/RowList.h"

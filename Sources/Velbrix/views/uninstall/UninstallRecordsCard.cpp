@@ -2,7 +2,7 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
-#include "views/ShownName.h"
+#include "views/ShownText.h"
 #include "views/components/Confirmation.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"

@@ -1,7 +1,7 @@
 #include "views/uninstall/UninstallResultCard.h"
 
 #include "app/AppServices.h"
-#include "views/ShownPath.h"
+#include "views/ShownText.h"
 #include "views/components/ElidedLabel.h"
 #include "views/components/Parts.h"
 #include "views/components/SymbolLabel.h"

@@ -3,7 +3,6 @@
 #include "app/AppServices.h"
 #include "app/WallpaperActions.h"
 #include "views/Follow.h"
-#include "views/Reveal.h"
 #include "views/components/EmptyState.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
@@ -88,8 +87,7 @@ void WallpaperFolderCard::addFolder()
     VideoFolder &folder = _context.services.wallpaper.folder();
     connect(_unchosen, &EmptyState::acted, _field, &PathField::choose);
     connect(_field, &PathField::wanted, this, [&folder](const QString &path) { folder.choose(path); });
-    connect(_field, &PathField::revealWanted, this,
-            [this](const QString &path) { revealOrTell(_context.services, path); });
+    connect(_field, &PathField::revealWanted, this, [this](const QString &path) { _context.reveal(path); });
     connect(rescan, &QPushButton::clicked, this, [&folder] { folder.rescan(); });
     connect(_job, &JobBar::cancelled, this, [&folder] { folder.cancelScan(); });
 }

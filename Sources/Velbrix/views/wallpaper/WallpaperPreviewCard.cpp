@@ -3,7 +3,7 @@
 #include "app/AppServices.h"
 #include "app/WallpaperActions.h"
 #include "views/Follow.h"
-#include "views/PlainTip.h"
+#include "views/ShownText.h"
 #include "views/Theme.h"
 #include "views/components/EmptyState.h"
 #include "views/components/Parts.h"

@@ -1,6 +1,6 @@
 #include "platform/linux/applications/DesktopEntry.h"
 
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "platform/linux/applications/PackageManager.h"
 
-#include "foundation/OneLine.h"
+#include "foundation/Text.h"
 
 #include <QRegularExpression>
 #include <QStandardPaths>

@@ -1,6 +1,6 @@
 #include "platform/linux/archive/Extraction.h"
 
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 
 #include <QFile>
 

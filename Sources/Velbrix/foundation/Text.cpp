@@ -1,4 +1,4 @@
-#include "foundation/ByteCount.h"
+#include "foundation/Text.h"
 
 #include <array>
 #include <cmath>
@@ -40,6 +40,17 @@ QString formatByteCount(qint64 bytes)
             number.chop(1);
     }
     return (bytes < 0 ? u"-"_s : QString()) + number + u' ' + units[unit].name;
+}
+
+QString oneLine(QString text)
+{
+    for (QChar &character : text) {
+        const QChar::Category category = character.category();
+        if (category == QChar::Other_Control || category == QChar::Other_Format ||
+            category == QChar::Separator_Line || category == QChar::Separator_Paragraph)
+            character = u' ';
+    }
+    return text;
 }
 
 } // namespace velbrix

@@ -1,6 +1,12 @@
-#include "views/ShownName.h"
+#include "views/ShownText.h"
 
-#include "foundation/OneLine.h"
+#include "foundation/Paths.h"
+#include "foundation/Text.h"
+
+#include <QDir>
+#include <QTextDocument>
+
+using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
@@ -20,6 +26,18 @@ QString shownName(const QString &name)
     const qsizetype back = line.size() - lastPart;
     return line.first(line.at(front).isLowSurrogate() ? front - 1 : front) + u'…' +
            line.sliced(line.at(back).isLowSurrogate() ? back + 1 : back);
+}
+
+QString shownPath(const QString &path)
+{
+    const QString home = QDir::homePath();
+    const bool isInHome = home.size() > 1 && isWithin(path, home);
+    return QDir::toNativeSeparators(isInHome ? u'~' + path.sliced(home.size()) : path);
+}
+
+QString plainTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? text.toHtmlEscaped().replace(u'\n', u"<br>"_s) : text;
 }
 
 } // namespace velbrix
