@@ -42,9 +42,7 @@ private Q_SLOTS:
     void grantingTheStatementIsAcceptingIt()
     {
         Rig rig;
-        QSignalSpy changed(&rig.privacy(), &PrivacyManager::consentChanged);
         rig.privacy().grant(PrivacyConsentKind::firstLaunch);
-        QCOMPARE(changed.count(), 1);
         QVERIFY(rig.privacy().hasAcceptedFirstLaunchNotice());
         const double now = static_cast<double>(rig.clock.now().toMSecsSinceEpoch()) / 1000;
         QCOMPARE(rig.stored(), (QJsonObject{{prefix + u"firstLaunchAccepted"_s, true},

@@ -6,7 +6,7 @@ namespace {
 
 AudioDeviceItem device(const QString &id, bool isDefault = false)
 {
-    return {id, u"名称 "_s + id, std::nullopt, isDefault};
+    return {id, u"名称 "_s + id, isDefault};
 }
 
 struct Rig : ServicesRig {

@@ -25,13 +25,12 @@ private Q_SLOTS:
     void everySettingIsReadAndWritten()
     {
         const QJsonObject stored{
-            {key(u"mode"_s), u"窗口录制"_s},           {key(u"fps"_s), 120},
-            {key(u"quality"_s), u"二分之一"_s},        {key(u"outputDir"_s), u"/a"_s},
-            {key(u"recordSystemAudio"_s), false},      {key(u"recordMicrophone"_s), true},
-            {key(u"ignoreSelfWindows"_s), true},       {key(u"speakerID"_s), u"spk"_s},
-            {key(u"microphoneID"_s), u"mic"_s},        {key(u"misTouchProtectionEnabled"_s), false},
-            {key(u"misTouchIntervalMinutes"_s), 45.5}, {key(u"screenshotDestination"_s), u"folder"_s},
-            {key(u"screenshotOutputDir"_s), u"/b"_s},  {key(u"screenshotIgnoreSelfWindows"_s), true}};
+            {key(u"mode"_s), u"窗口录制"_s},          {key(u"fps"_s), 120},
+            {key(u"quality"_s), u"二分之一"_s},       {key(u"outputDir"_s), u"/a"_s},
+            {key(u"recordSystemAudio"_s), false},     {key(u"recordMicrophone"_s), true},
+            {key(u"ignoreSelfWindows"_s), true},      {key(u"speakerID"_s), u"spk"_s},
+            {key(u"microphoneID"_s), u"mic"_s},       {key(u"misTouchProtectionEnabled"_s), false},
+            {key(u"misTouchIntervalMinutes"_s), 45.5}};
         const Rig read(stored);
         Rig written;
         const RecorderPreferences &from = read.preferences;
@@ -47,9 +46,6 @@ private Q_SLOTS:
         to.setSelectedMicrophoneID(from.selectedMicrophoneID());
         to.setMisTouchProtectionEnabled(from.misTouchProtectionEnabled());
         to.setMisTouchIntervalMinutes(from.misTouchIntervalMinutes());
-        to.setScreenshotDestination(from.screenshotDestination());
-        to.setScreenshotOutputDir(from.screenshotOutputDir());
-        to.setScreenshotIgnoreSelfWindows(from.screenshotIgnoreSelfWindows());
         QCOMPARE(written.saved(), stored);
     }
 

@@ -12,9 +12,9 @@ class MicrophoneListTest : public QObject {
 private Q_SLOTS:
     void listsCaptureDevicesThenTheOtherInputs()
     {
-        const QList<AudioDeviceItem> expected = {{u"BuiltIn"_s, u"MacBook 麦克风"_s, 70, true},
-                                                 {u"Phone"_s, u"iPhone 麦克风"_s, std::nullopt, false},
-                                                 {u"in-81"_s, u"虚拟声卡"_s, 81, false}};
+        const QList<AudioDeviceItem> expected = {{u"BuiltIn"_s, u"MacBook 麦克风"_s, true},
+                                                 {u"Phone"_s, u"iPhone 麦克风"_s, false},
+                                                 {u"in-81"_s, u"虚拟声卡"_s, false}};
         QCOMPARE(microphoneList(_captureDevices, _soundInputs, u"BuiltIn"_s), expected);
     }
 

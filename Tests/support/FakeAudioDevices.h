@@ -12,9 +12,9 @@ namespace velbrix::test {
 class FakeAudioDevices final : public AudioDevices {
 public:
     Result<QList<AudioDeviceItem>> speakersAnswer =
-        QList<AudioDeviceItem>{{QStringLiteral("speaker"), QStringLiteral("Speaker"), std::nullopt, true}};
+        QList<AudioDeviceItem>{{QStringLiteral("speaker"), QStringLiteral("Speaker"), true}};
     Result<QList<AudioDeviceItem>> microphonesAnswer =
-        QList<AudioDeviceItem>{{QStringLiteral("mic"), QStringLiteral("Microphone"), std::nullopt, true}};
+        QList<AudioDeviceItem>{{QStringLiteral("mic"), QStringLiteral("Microphone"), true}};
     Result<void> setDefaultAnswer;
     QStringList calls; // "speakers", "microphones", "setDefaultSpeaker ID"
     // Lets answers wait; what they say is settled when they are asked for.

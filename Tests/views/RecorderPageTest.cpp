@@ -235,7 +235,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.host.audioDevices.speakersAnswer = QList<AudioDeviceItem>{
-            {u"a"_s, u"音箱"_s, std::nullopt, true}, {u"b"_s, u"耳机"_s, std::nullopt, false}};
+            {u"a"_s, u"音箱"_s, true}, {u"b"_s, u"耳机"_s, false}};
         rig.host.audioDevices.microphonesAnswer = QList<AudioDeviceItem>{};
         rig.host.settings.stored.insert(u"Velbrix_ScreenRecord_recordMicrophone"_s, true);
         rig.start();

@@ -28,11 +28,8 @@ private Q_SLOTS:
             "Velbrix_WallpaperHideDesktopIconsEnabled": true, "Velbrix_WallpaperHideDesktopIconsActive": true,
             "Velbrix_WallpaperDockAutoHideActive": true, "Velbrix_WallpaperDockAutoHideOriginal": false,
             "Velbrix_WallpaperPauseOnBattery": false, "Velbrix_WallpaperPauseWhenCovered": false,
-            "Velbrix_WallpaperContentMode": "音乐壁纸(Beta)", "Velbrix_LastHTMLPath": "/pages/a.html",
-            "Velbrix_HTMLInteractive": false, "Velbrix_MusicShieldMisTouch": false,
-            "Velbrix_HTMLDesktopSnapshotInterval": 7, "Velbrix_WallpaperScreenshotIgnoreMainWindows": true,
-            "Velbrix_PerDisplayVideoPaths": {"4294967295": "/films/b.mp4"},
-            "Velbrix_AutoMoveToAppDir": false})json")
+            "Velbrix_WallpaperContentMode": "音乐壁纸(Beta)",
+            "Velbrix_PerDisplayVideoPaths": {"4294967295": "/films/b.mp4"}})json")
                                        .object();
         Rig read(stored);
         Rig written;
@@ -50,53 +47,24 @@ private Q_SLOTS:
         to.setPauseOnBattery(from.pauseOnBattery());
         to.setPauseWhenCovered(from.pauseWhenCovered());
         to.setContentMode(from.contentMode());
-        to.setHtmlURL(from.htmlURL().value());
-        to.setHtmlInteractive(from.htmlInteractive());
-        to.setMusicShieldMisTouch(from.musicShieldMisTouch());
-        to.setSnapshotInterval(from.htmlDesktopSnapshotInterval());
-        to.setScreenshotIgnoreMainWindows(from.screenshotIgnoreMainWindows());
         to.setDisplayVideoPath(4294967295u, from.perDisplayVideoPaths().value(4294967295u));
-        to.setAutoMoveToAppDir(from.autoMoveToAppDir());
         QCOMPARE(written.saved(), stored);
     }
 
     void badValuesAreMended()
     {
-        const auto verify = [](const QString &key, const QJsonValue &stored, double volume, double speed,
-                               double interval) {
+        const auto verify = [](const QString &key, const QJsonValue &stored, double volume, double speed) {
             const Rig rig({{key, stored}});
             QCOMPARE(rig.preferences.volume(), volume);
             QCOMPARE(rig.preferences.speed(), speed);
-            QCOMPARE(rig.preferences.htmlDesktopSnapshotInterval(), interval);
             QCOMPARE(rig.preferences.gravity(), WallpaperGravity::aspectFill);
         };
-        const QString snapshot = u"Velbrix_HTMLDesktopSnapshotInterval"_s;
-        verify(u"VelbClean_WallpaperVolume"_s, 7, 1, 1, 20);
-        verify(u"VelbClean_WallpaperVolume"_s, -1, 0, 1, 20);
-        verify(u"VelbClean_WallpaperVolume"_s, u"x"_s, 0.3, 1, 20);
-        verify(u"VelbClean_WallpaperSpeed"_s, 3.0, 0.3, 2, 20);
-        verify(u"VelbClean_WallpaperSpeed"_s, 0.1, 0.3, 0.25, 20);
-        verify(snapshot, 0, 0.3, 1, 1);
-        verify(snapshot, 60, 0.3, 1, 20);
-        verify(snapshot, 4.6, 0.3, 1, 5);
-        verify(u"VelbClean_WallpaperGravity"_s, u"平铺"_s, 0.3, 1, 20);
-    }
-
-    void aPageIsWrittenBackNormalised()
-    {
-        Rig rig({{u"Velbrix_LastHTMLPath"_s, u"/pages/../pages//a.html"_s}});
-        QCOMPARE(rig.preferences.htmlURL(), std::optional(u"/pages/a.html"_s));
-        QCOMPARE(rig.saved().value(u"Velbrix_LastHTMLPath"_s).toString(), u"/pages/a.html"_s);
-    }
-
-    void smallChangesOfTheIntervalAreNone()
-    {
-        Rig rig;
-        rig.preferences.setSnapshotInterval(20.004);
-        rig.preferences.setSnapshotInterval(99);
-        QCOMPARE(rig.saved(), QJsonObject());
-        rig.preferences.setSnapshotInterval(3.2);
-        QCOMPARE(rig.saved().value(u"Velbrix_HTMLDesktopSnapshotInterval"_s).toDouble(), 3.0);
+        verify(u"VelbClean_WallpaperVolume"_s, 7, 1, 1);
+        verify(u"VelbClean_WallpaperVolume"_s, -1, 0, 1);
+        verify(u"VelbClean_WallpaperVolume"_s, u"x"_s, 0.3, 1);
+        verify(u"VelbClean_WallpaperSpeed"_s, 3.0, 0.3, 2);
+        verify(u"VelbClean_WallpaperSpeed"_s, 0.1, 0.3, 0.25);
+        verify(u"VelbClean_WallpaperGravity"_s, u"平铺"_s, 0.3, 1);
     }
 
     void displaysThatAreNoneAreForgotten()

@@ -161,7 +161,7 @@ void AppDelegate::observeHost()
 {
     DesktopServices &desktop = *_services.platform.desktop;
     _observers.push_back(desktop.observeUnhide([this] { applicationDidUnhide(); }));
-    _observers.push_back(desktop.observeReopen([this] { applicationShouldHandleReopen(); }));
+    _observers.push_back(desktop.observeReopen([this] { showWindow(); }));
 }
 
 void AppDelegate::followServices()

@@ -39,7 +39,6 @@ public:
     void showWindow();
     // The window's close button: true when the window may really close.
     bool windowShouldClose();
-    void applicationShouldHandleReopen() { showWindow(); }
     void applicationDidBecomeActive();
     void applicationDidResignActive();
     void applicationDidUnhide();

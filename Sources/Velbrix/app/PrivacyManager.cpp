@@ -45,7 +45,6 @@ void PrivacyManager::grant(PrivacyConsentKind kind)
     set(u"consent_"_s + rawValue(kind), true);
     if (kind == PrivacyConsentKind::firstLaunch)
         acceptFirstLaunch();
-    Q_EMIT consentChanged();
 }
 
 void PrivacyManager::acceptFirstLaunch()

@@ -56,7 +56,6 @@ public:
     void promptAllSystemPermissions();
 
 Q_SIGNALS:
-    void consentChanged();
     // The user wants what needs the statement, and has not accepted it yet.
     void statementNeeded();
 

@@ -34,11 +34,6 @@ QString rawValue(RecordQuality quality)
     Q_UNREACHABLE();
 }
 
-QString rawValue(ScreenshotDestination destination)
-{
-    return destination == ScreenshotDestination::clipboard ? u"clipboard"_s : u"folder"_s;
-}
-
 std::optional<RecordMode> recordModeFromRawValue(const QString &text)
 {
     return withRawValue(allRecordModes, text);
@@ -47,11 +42,6 @@ std::optional<RecordMode> recordModeFromRawValue(const QString &text)
 std::optional<RecordQuality> recordQualityFromRawValue(const QString &text)
 {
     return withRawValue(allRecordQualities, text);
-}
-
-std::optional<ScreenshotDestination> screenshotDestinationFromRawValue(const QString &text)
-{
-    return withRawValue(allScreenshotDestinations, text);
 }
 
 std::optional<RecordFPS> recordFPSFromInteger(int framesPerSecond)

@@ -10,24 +10,19 @@ namespace velbrix {
 enum class RecordMode { fullScreen, window };
 enum class RecordFPS { fps30 = 30, fps60 = 60, fps90 = 90, fps120 = 120, fps240 = 240 };
 enum class RecordQuality { original, half, p1080 };
-enum class ScreenshotDestination { clipboard, folder };
 
 inline constexpr std::array allRecordModes = {RecordMode::fullScreen, RecordMode::window};
 inline constexpr std::array allRecordFPS = {RecordFPS::fps30, RecordFPS::fps60, RecordFPS::fps90,
                                             RecordFPS::fps120, RecordFPS::fps240};
 inline constexpr std::array allRecordQualities = {RecordQuality::original, RecordQuality::half,
                                                   RecordQuality::p1080};
-inline constexpr std::array allScreenshotDestinations = {ScreenshotDestination::clipboard,
-                                                         ScreenshotDestination::folder};
 
-// The texts that are stored; those of modes and qualities are shown as well.
+// The texts that are stored and shown.
 QString rawValue(RecordMode mode);
 QString rawValue(RecordQuality quality);
-QString rawValue(ScreenshotDestination destination);
 
 std::optional<RecordMode> recordModeFromRawValue(const QString &text);
 std::optional<RecordQuality> recordQualityFromRawValue(const QString &text);
-std::optional<ScreenshotDestination> screenshotDestinationFromRawValue(const QString &text);
 std::optional<RecordFPS> recordFPSFromInteger(int framesPerSecond);
 
 constexpr int framesPerSecond(RecordFPS fps)

@@ -38,7 +38,6 @@ RecorderPreferences::RecorderPreferences(SettingsStore &settings, QObject *paren
     : QObject(parent), _settings(settings)
 {
     _outputDir = QDir::homePath() + u"/Desktop"_s;
-    _screenshotOutputDir = QDir::homePath() + u"/Desktop"_s;
 }
 
 void RecorderPreferences::loadSettings()
@@ -59,11 +58,6 @@ void RecorderPreferences::loadSettings()
     take(_settings.boolean(key(u"misTouchProtectionEnabled")), _misTouchProtectionEnabled);
     if (const auto minutes = _settings.real(key(u"misTouchIntervalMinutes")))
         _misTouchIntervalMinutes = clampedInterval(*minutes);
-    take(screenshotDestinationFromRawValue(
-             _settings.string(key(u"screenshotDestination")).value_or(QString())),
-         _screenshotDestination);
-    take(folder(_settings.string(key(u"screenshotOutputDir"))), _screenshotOutputDir);
-    take(_settings.boolean(key(u"screenshotIgnoreSelfWindows")), _screenshotIgnoreSelfWindows);
 }
 
 // A page that only shows a value must not store it.
@@ -131,21 +125,6 @@ void RecorderPreferences::setMisTouchIntervalMinutes(double minutes)
 {
     change(_misTouchIntervalMinutes, clampedInterval(minutes), u"misTouchIntervalMinutes",
            clampedInterval(minutes));
-}
-
-void RecorderPreferences::setScreenshotDestination(ScreenshotDestination destination)
-{
-    change(_screenshotDestination, destination, u"screenshotDestination", rawValue(destination));
-}
-
-void RecorderPreferences::setScreenshotOutputDir(const QString &folder)
-{
-    change(_screenshotOutputDir, folder, u"screenshotOutputDir", folder);
-}
-
-void RecorderPreferences::setScreenshotIgnoreSelfWindows(bool on)
-{
-    change(_screenshotIgnoreSelfWindows, on, u"screenshotIgnoreSelfWindows", on);
 }
 
 } // namespace velbrix

@@ -25,10 +25,6 @@ class RecorderPreferences final : public QObject {
     VELB_PUBLISHED(RecorderPreferences, QString, selectedMicrophoneID)
     VELB_PUBLISHED(RecorderPreferences, bool, misTouchProtectionEnabled, true)
     VELB_PUBLISHED(RecorderPreferences, double, misTouchIntervalMinutes, misTouchMinutesDefault)
-    VELB_PUBLISHED(RecorderPreferences, ScreenshotDestination, screenshotDestination,
-                   ScreenshotDestination::clipboard)
-    VELB_PUBLISHED(RecorderPreferences, QString, screenshotOutputDir)
-    VELB_PUBLISHED(RecorderPreferences, bool, screenshotIgnoreSelfWindows, false)
 
 public:
     static constexpr double misTouchMinutesMin = 1.0;
@@ -52,9 +48,6 @@ public:
     void setSelectedMicrophoneID(const QString &id);
     void setMisTouchProtectionEnabled(bool on);
     void setMisTouchIntervalMinutes(double minutes);
-    void setScreenshotDestination(ScreenshotDestination destination);
-    void setScreenshotOutputDir(const QString &folder);
-    void setScreenshotIgnoreSelfWindows(bool on);
 
 private:
     template <typename Property, typename Value>

@@ -8,14 +8,12 @@
 #include <QString>
 
 #include <functional>
-#include <optional>
 
 namespace velbrix {
 
 struct AudioDeviceItem {
     QString id; // stable between runs; ids beginning "in-" cannot be recorded from
     QString name;
-    std::optional<quint32> coreAudioID;
     bool isDefault = false;
 
     bool operator==(const AudioDeviceItem &) const = default;

@@ -32,7 +32,6 @@ void ConnectedDisplays::detectDisplays()
         found.append(info);
     }
     _connectedDisplays = found;
-    _hasMultipleDisplays = found.size() > 1;
     setMultiDisplayTarget(_multiDisplayTargetID);
 }
 

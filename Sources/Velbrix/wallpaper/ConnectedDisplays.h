@@ -18,7 +18,6 @@ class WallpaperStage;
 class ConnectedDisplays final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(ConnectedDisplays, QList<WallpaperDisplayInfo>, connectedDisplays) // the main one first
-    VELB_PUBLISHED(ConnectedDisplays, bool, hasMultipleDisplays, false)
     // The display that the next chosen video is for; nothing for the main one.
     VELB_PUBLISHED(ConnectedDisplays, std::optional<quint32>, multiDisplayTargetID)
 

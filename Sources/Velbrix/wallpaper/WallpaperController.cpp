@@ -1,7 +1,5 @@
 #include "wallpaper/WallpaperController.h"
 
-#include "platform/LoginItem.h"
-#include "platform/Permissions.h"
 #include "wallpaper/WallpaperLog.h"
 
 #include <QDir>
@@ -44,8 +42,6 @@ WallpaperController::WallpaperController(Ports ports, SettingsStore &settings, C
       _dock(ports.dock, _preferences)
 {
     _preferences.loadSettings();
-    _launchAtLogin = ports.loginItem.isEnabled();
-    _accessibilityTrusted = ports.permissions.accessibilityTrusted();
     followParts();
     _power.startPowerSourceMonitor();
     _displayChanges = ports.displays.observe([this] { displaysChanged(); });

@@ -20,9 +20,6 @@
 
 namespace velbrix {
 
-class LoginItem;
-class Permissions;
-
 // The live wallpaper: starts, pauses, resumes and stops the content of the
 // chosen mode on the stage, and holds the parts that each own a group of the
 // published state. It does not ask for consent; whoever lets the user start a
@@ -35,8 +32,6 @@ class WallpaperController final : public QObject {
     VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
     // What the user should know about the last act; empty when all is well.
     VELB_PUBLISHED(WallpaperController, QString, notice)
-    VELB_PUBLISHED(WallpaperController, bool, launchAtLogin, false)
-    VELB_PUBLISHED(WallpaperController, bool, accessibilityTrusted, false)
 
 public:
     struct Ports {
@@ -47,8 +42,6 @@ public:
         MediaProbe &probe;
         PowerSource &power;
         DockPreference &dock;
-        LoginItem &loginItem;
-        Permissions &permissions;
     };
     struct Folders {
         QString staticDesktop;

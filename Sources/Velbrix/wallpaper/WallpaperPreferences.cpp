@@ -2,11 +2,7 @@
 
 #include "foundation/SettingsStore.h"
 
-#include <QDir>
 #include <QJsonObject>
-
-#include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -27,20 +23,7 @@ const QString dockOriginalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
 const QString pauseOnBatteryKey = u"Velbrix_WallpaperPauseOnBattery"_s;
 const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
-const QString lastHtmlKey = u"Velbrix_LastHTMLPath"_s;
-const QString htmlInteractiveKey = u"Velbrix_HTMLInteractive"_s;
-const QString shieldMisTouchKey = u"Velbrix_MusicShieldMisTouch"_s;
-const QString snapshotIntervalKey = u"Velbrix_HTMLDesktopSnapshotInterval"_s;
-const QString ignoreMainWindowsKey = u"Velbrix_WallpaperScreenshotIgnoreMainWindows"_s;
 const QString displayPathsKey = u"Velbrix_PerDisplayVideoPaths"_s;
-const QString autoMoveKey = u"Velbrix_AutoMoveToAppDir"_s;
-
-constexpr double intervalTolerance = 0.01; // seconds
-
-double clampedInterval(double seconds)
-{
-    return std::isnan(seconds) ? 20.0 : std::clamp(std::round(seconds), 1.0, 20.0);
-}
 
 DisplayVideoPaths displayPaths(const QJsonValue &stored)
 {
@@ -82,15 +65,7 @@ void WallpaperPreferences::loadSettings()
     take(_settings.boolean(dockActiveKey), _isDockAutoHidden);
     take(_settings.boolean(pauseOnBatteryKey), _pauseOnBattery);
     take(_settings.boolean(pauseWhenCoveredKey), _pauseWhenCovered);
-    if (const auto path = _settings.string(lastHtmlKey); path && !path->isEmpty())
-        setHtmlURL(*path);
-    take(_settings.boolean(htmlInteractiveKey), _htmlInteractive);
-    take(_settings.boolean(shieldMisTouchKey), _musicShieldMisTouch);
-    if (const auto seconds = _settings.real(snapshotIntervalKey))
-        _htmlDesktopSnapshotInterval = clampedInterval(*seconds);
-    take(_settings.boolean(ignoreMainWindowsKey), _screenshotIgnoreMainWindows);
     _perDisplayVideoPaths = displayPaths(_settings.json(displayPathsKey).value_or(QJsonValue()));
-    take(_settings.boolean(autoMoveKey), _autoMoveToAppDir);
 }
 
 template <typename Property, typename Value>
@@ -123,36 +98,6 @@ void WallpaperPreferences::setContentMode(WallpaperContentMode mode)
     change(_contentMode, mode, contentModeKey, rawValue(mode));
 }
 
-void WallpaperPreferences::setHtmlURL(const QString &path)
-{
-    const QString normal = QDir::cleanPath(path);
-    _htmlURL = normal;
-    if (_settings.string(lastHtmlKey) != normal)
-        _settings.set(lastHtmlKey, normal);
-}
-
-void WallpaperPreferences::setHtmlInteractive(bool on)
-{
-    change(_htmlInteractive, on, htmlInteractiveKey, on);
-}
-
-void WallpaperPreferences::setMusicShieldMisTouch(bool on)
-{
-    change(_musicShieldMisTouch, on, shieldMisTouchKey, on);
-}
-
-void WallpaperPreferences::setSnapshotInterval(double seconds)
-{
-    const double interval = clampedInterval(seconds);
-    if (std::abs(interval - _htmlDesktopSnapshotInterval.value()) > intervalTolerance)
-        change(_htmlDesktopSnapshotInterval, interval, snapshotIntervalKey, interval);
-}
-
-void WallpaperPreferences::setScreenshotIgnoreMainWindows(bool on)
-{
-    change(_screenshotIgnoreMainWindows, on, ignoreMainWindowsKey, on);
-}
-
 void WallpaperPreferences::setWallpaperFolder(const QString &folder)
 {
     change(_wallpaperFolder, std::optional(folder), folderKey, folder);
@@ -181,11 +126,6 @@ void WallpaperPreferences::setPauseOnBattery(bool on)
 void WallpaperPreferences::setPauseWhenCovered(bool on)
 {
     change(_pauseWhenCovered, on, pauseWhenCoveredKey, on);
-}
-
-void WallpaperPreferences::setAutoMoveToAppDir(bool on)
-{
-    change(_autoMoveToAppDir, on, autoMoveKey, on);
 }
 
 void WallpaperPreferences::setDisplayVideoPath(quint32 displayId, const std::optional<QString> &path)

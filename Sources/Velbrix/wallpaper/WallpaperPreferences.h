@@ -21,11 +21,6 @@ class WallpaperPreferences final : public QObject {
     VELB_PUBLISHED(WallpaperPreferences, double, speed, 1.0)
     VELB_PUBLISHED(WallpaperPreferences, WallpaperGravity, gravity, WallpaperGravity::aspectFill)
     VELB_PUBLISHED(WallpaperPreferences, WallpaperContentMode, contentMode, WallpaperContentMode::video)
-    VELB_PUBLISHED(WallpaperPreferences, std::optional<QString>, htmlURL) // a path
-    VELB_PUBLISHED(WallpaperPreferences, bool, htmlInteractive, true)
-    VELB_PUBLISHED(WallpaperPreferences, bool, musicShieldMisTouch, true)
-    VELB_PUBLISHED(WallpaperPreferences, double, htmlDesktopSnapshotInterval, 20) // whole seconds, 1…20
-    VELB_PUBLISHED(WallpaperPreferences, bool, screenshotIgnoreMainWindows, false)
     VELB_PUBLISHED(WallpaperPreferences, std::optional<QString>, wallpaperFolder)
     VELB_PUBLISHED(WallpaperPreferences, bool, autoPlay, true)
     VELB_PUBLISHED(WallpaperPreferences, bool, hideDesktopIconsEnabled, false)
@@ -33,7 +28,6 @@ class WallpaperPreferences final : public QObject {
     VELB_PUBLISHED(WallpaperPreferences, bool, isDockAutoHidden, false)
     VELB_PUBLISHED(WallpaperPreferences, bool, pauseOnBattery, true)
     VELB_PUBLISHED(WallpaperPreferences, bool, pauseWhenCovered, true)
-    VELB_PUBLISHED(WallpaperPreferences, bool, autoMoveToAppDir, true)
     VELB_PUBLISHED(WallpaperPreferences, DisplayVideoPaths, perDisplayVideoPaths)
 
 public:
@@ -46,19 +40,12 @@ public:
     void setSpeed(double speed);
     void setGravity(WallpaperGravity gravity);
     void setContentMode(WallpaperContentMode mode);
-    void setHtmlURL(const QString &path);
-    void setHtmlInteractive(bool on);
-    void setMusicShieldMisTouch(bool on);
-    // Rounded and clamped; a change of at most 0.01 s is none.
-    void setSnapshotInterval(double seconds);
-    void setScreenshotIgnoreMainWindows(bool on);
     void setWallpaperFolder(const QString &folder);
     void setAutoPlay(bool on);
     void setHideDesktopIconsEnabled(bool on);
     void setHidingDesktopIcons(bool on);
     void setPauseOnBattery(bool on);
     void setPauseWhenCovered(bool on);
-    void setAutoMoveToAppDir(bool on);
 
     // Nothing takes the display's own video away.
     void setDisplayVideoPath(quint32 displayId, const std::optional<QString> &path);

@@ -41,8 +41,8 @@ private Q_SLOTS:
         QFETCH(bool, isReal);
         PulseAudioDevices real;
         FakeAudioDevices fake;
-        fake.speakersAnswer = QList<AudioDeviceItem>{{u"mic"_s, u"Mic"_s, std::nullopt, false},
-                                                     {u"speaker"_s, u"Speaker"_s, std::nullopt, true}};
+        fake.speakersAnswer =
+            QList<AudioDeviceItem>{{u"mic"_s, u"Mic"_s, false}, {u"speaker"_s, u"Speaker"_s, true}};
         AudioDevices &devices = isReal ? static_cast<AudioDevices &>(real) : fake;
         const QStringList before = microphonesOf(devices);
         QVERIFY(QCoro::waitFor(devices.setDefaultSpeaker(u"mic"_s)));

@@ -29,7 +29,7 @@ QList<AudioDeviceItem> speakerList()
         if (audioChannelCount(device, kAudioObjectPropertyScopeOutput) == 0)
             continue;
         items.append({audioDeviceText(device, kAudioDevicePropertyDeviceUID),
-                      audioDeviceText(device, kAudioObjectPropertyName), device, device == defaultDevice});
+                      audioDeviceText(device, kAudioObjectPropertyName), device == defaultDevice});
     }
     return items;
 }

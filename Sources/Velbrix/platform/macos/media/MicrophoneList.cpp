@@ -1,6 +1,6 @@
 #include "platform/macos/media/MicrophoneList.h"
 
-#include <QHash>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
@@ -9,22 +9,16 @@ namespace velbrix {
 QList<AudioDeviceItem> microphoneList(const QList<CaptureMicrophone> &captureDevices,
                                       const QList<SoundInput> &soundInputs, const QString &defaultUniqueId)
 {
-    QHash<QString, quint32> objectIds;
-    for (const SoundInput &input : soundInputs)
-        objectIds.insert(input.uid, input.objectId);
-
     QList<AudioDeviceItem> items;
+    QSet<QString> captured;
     for (const CaptureMicrophone &device : captureDevices) {
-        std::optional<quint32> objectId;
-        if (const auto found = objectIds.constFind(device.uniqueId); found != objectIds.cend())
-            objectId = *found;
-        items.append({device.uniqueId, device.name, objectId,
-                      !defaultUniqueId.isEmpty() && device.uniqueId == defaultUniqueId});
-        objectIds.remove(device.uniqueId);
+        items.append(
+            {device.uniqueId, device.name, !defaultUniqueId.isEmpty() && device.uniqueId == defaultUniqueId});
+        captured.insert(device.uniqueId);
     }
     for (const SoundInput &input : soundInputs) {
-        if (objectIds.contains(input.uid))
-            items.append({u"in-%1"_s.arg(input.objectId), input.name, input.objectId, false});
+        if (!captured.contains(input.uid))
+            items.append({u"in-%1"_s.arg(input.objectId), input.name, false});
     }
     return items;
 }

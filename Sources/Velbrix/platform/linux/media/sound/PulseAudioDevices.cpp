@@ -94,7 +94,7 @@ AudioDeviceItem device(const char *name, const char *description, const QString 
 {
     const QString id = QString::fromUtf8(name); // the server's own, stable
     const QString title = QString::fromUtf8(description);
-    return {id, title.isEmpty() ? id : title, std::nullopt, id == defaultName};
+    return {id, title.isEmpty() ? id : title, id == defaultName};
 }
 
 void takeServer(pa_context *, const pa_server_info *info, void *data)
