@@ -8,37 +8,43 @@
 #include <coroutine>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 // What sequences wait for, beside a Clock's Pause. Main thread only.
 namespace velbrix {
 
-// co_await nextSignal(sender, &Sender::changed);
+// co_await nextSignal(sender, &Sender::changed, &Sender::finished);
 //
-// Goes on a turn of the event loop after the next emission, once however often
-// it is emitted meanwhile, and never when the sender dies first.
-template <typename Sender, typename Signal> class NextSignal {
+// Goes on a turn of the event loop after the next emission of any of them, once
+// however often they are emitted meanwhile, and never when the sender dies first.
+template <typename Sender, typename... Signals> class NextSignal {
 public:
-    NextSignal(const Sender &sender, Signal signal) : _sender(sender), _signal(signal) {}
+    explicit NextSignal(const Sender &sender, Signals... signal) : _sender(sender), _signals(signal...) {}
 
     bool await_ready() const { return false; }
     void await_suspend(std::coroutine_handle<> waiter) const
     {
-        QObject::connect(
-            &_sender, _signal, &_sender, [waiter] { waiter.resume(); },
-            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+        constexpr auto once =
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection);
+        const auto goesOn = [waiter, hasGone = std::make_shared<bool>(false)] {
+            if (!std::exchange(*hasGone, true))
+                waiter.resume();
+        };
+        std::apply([&](auto... signal) { (QObject::connect(&_sender, signal, &_sender, goesOn, once), ...); },
+                   _signals);
     }
     void await_resume() const {}
 
 private:
     const Sender &_sender;
-    Signal _signal;
+    std::tuple<Signals...> _signals;
 };
 
-template <typename Sender, typename Signal>
-NextSignal<Sender, Signal> nextSignal(const Sender &sender, Signal signal)
+template <typename Sender, typename... Signals>
+NextSignal<Sender, Signals...> nextSignal(const Sender &sender, Signals... signal)
 {
-    return {sender, signal};
+    return NextSignal<Sender, Signals...>(sender, signal...);
 }
 
 namespace detail {

@@ -1,13 +1,10 @@
 #include "app/AppServices.h"
 #include "app/Tool.h"
+#include "foundation/Awaitables.h"
 #include "foundation/Text.h"
 
-#include <QCoroFuture>
 #include <QJsonArray>
-#include <QPromise>
 #include <QRegularExpression>
-
-#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -168,19 +165,6 @@ Result<BackupTask> found(const FileBackupController &backup, const QString &word
     return named.first();
 }
 
-// Until the run asks or ends.
-QCoro::Task<> nextTurn(FileBackupController &backup)
-{
-    QObject listener;
-    const auto promise = std::make_shared<QPromise<void>>();
-    promise->start();
-    const QFuture<void> turned = promise->future();
-    const auto turn = [promise] { promise->finish(); };
-    QObject::connect(&backup, &FileBackupController::questionChanged, &listener, turn);
-    QObject::connect(&backup, &FileBackupController::runFinished, &listener, turn);
-    co_await turned;
-}
-
 CommandReply replyTo(const BackupQuestion &question)
 {
     return CommandReply::question(
@@ -211,7 +195,8 @@ QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand comman
                 backup.declineDeletions();
             }
         }
-        co_await nextTurn(backup);
+        co_await nextSignal(backup, &FileBackupController::questionChanged,
+                            &FileBackupController::runFinished);
     }
     if (refused)
         co_return replyTo(*refused);

@@ -9,7 +9,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
 #include <initializer_list>
+#include <type_traits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -34,10 +36,42 @@ constexpr NamedKind<BackupScheduleKind> scheduleKinds[] = {{BackupScheduleKind::
                                                            {BackupScheduleKind::monthly, "monthly"_L1},
                                                            {BackupScheduleKind::yearly, "yearly"_L1}};
 
-template <typename Kind, size_t N> QString nameOf(const NamedKind<Kind> (&kinds)[N], Kind kind)
+// The members of the stored form, for whoever reads or writes it.
+template <typename Schedule, typename Visitor>
+    requires std::same_as<std::remove_const_t<Schedule>, BackupScheduleTime>
+void visitMembers(Schedule &schedule, Visitor &visit)
 {
-    const auto *const found = std::ranges::find(kinds, kind, &NamedKind<Kind>::kind);
-    return found != std::end(kinds) ? QString(found->name) : QString();
+    visit("kind"_L1, schedule.kind, scheduleKinds);
+    visit("hour"_L1, schedule.hour, 0, 23);
+    visit("minute"_L1, schedule.minute, 0, 59);
+    visit("dayOfMonth"_L1, schedule.dayOfMonth, 1, 31);
+    visit("month"_L1, schedule.month, 1, 12);
+}
+
+template <typename Task, typename Visitor>
+    requires std::same_as<std::remove_const_t<Task>, BackupTask>
+void visitMembers(Task &task, Visitor &visit)
+{
+    visit("id"_L1, task.id);
+    visit("name"_L1, task.name);
+    visit("kind"_L1, task.kind, taskKinds);
+    visit("sourcePath"_L1, task.sourcePath);
+    visit("destPath"_L1, task.destPath);
+    visit("schedule"_L1, task.schedule);
+    visit("isEnabled"_L1, task.isEnabled);
+    visit("nextRunAt"_L1, task.nextRunAt);
+    visit("lastRunAt"_L1, task.lastRunAt);
+    visit("lastResult"_L1, task.lastResult);
+    visit("keepLast"_L1, task.keepLast, 0, 100000);
+    visit("excludes"_L1, task.excludes);
+    visit("setsAside"_L1, task.setsAside);
+    visit("destVolume"_L1, task.destVolume);
+    visit("sourceVolume"_L1, task.sourceVolume);
+    visit("lastFailed"_L1, task.lastFailed);
+    visit("lastCancelled"_L1, task.lastCancelled);
+    visit("failingSince"_L1, task.failingSince);
+    visit("toldFailure"_L1, task.toldFailure);
+    visit("toldOverdue"_L1, task.toldOverdue);
 }
 
 QJsonValue toJson(const QDateTime &date)
@@ -57,42 +91,83 @@ QDateTime dateFrom(const QJsonValue &value)
     return QDateTime::fromMSecsSinceEpoch(std::llround(secs * 1000) + referenceSecs * 1000);
 }
 
+// Optional members are written when they are there.
+class Writer {
+public:
+    template <typename T> static QJsonObject write(const T &value)
+    {
+        Writer writer;
+        visitMembers(value, writer);
+        return writer._json;
+    }
+
+    template <typename T> void operator()(QLatin1StringView key, const T &member)
+    {
+        _json.insert(key, valueOf(member));
+    }
+    template <typename T> void operator()(QLatin1StringView key, const std::optional<T> &member)
+    {
+        if (member)
+            _json.insert(key, valueOf(*member));
+    }
+    void operator()(QLatin1StringView key, int member, int, int) { _json.insert(key, member); }
+    template <typename Kind, size_t N>
+    void operator()(QLatin1StringView key, Kind member, const NamedKind<Kind> (&kinds)[N])
+    {
+        _json.insert(key, std::ranges::find(kinds, member, &NamedKind<Kind>::kind)->name);
+    }
+
+private:
+    static QJsonValue valueOf(const QString &text) { return text; }
+    static QJsonValue valueOf(bool isSet) { return isSet; }
+    static QJsonValue valueOf(const QDateTime &date) { return toJson(date); }
+    static QJsonValue valueOf(const QStringList &list) { return QJsonArray::fromStringList(list); }
+    static QJsonValue valueOf(const BackupScheduleTime &schedule) { return write(schedule); }
+
+    QJsonObject _json;
+};
+
 // Reads members of the expected types; what is absent or null has its default.
 class Reader {
 public:
-    explicit Reader(const QJsonObject &json) : _json(json) {}
+    // Nothing when a member is of another type.
+    template <typename T> static std::optional<T> read(const QJsonObject &json)
+    {
+        T value;
+        Reader reader(json);
+        visitMembers(value, reader);
+        return reader._isSound ? std::optional(value) : std::nullopt;
+    }
 
-    bool isSound() const { return _isSound; }
-
-    void read(QLatin1StringView key, QString &field)
+    void operator()(QLatin1StringView key, QString &field)
     {
         take(key, {QJsonValue::String}, [&](auto v) { field = v.toString(); });
     }
-    void read(QLatin1StringView key, bool &field)
+    void operator()(QLatin1StringView key, bool &field)
     {
         take(key, {QJsonValue::Bool}, [&](auto v) { field = v.toBool(); });
     }
-    void read(QLatin1StringView key, int &field, int least, int most)
+    void operator()(QLatin1StringView key, int &field, int least, int most)
     {
         take(key, {QJsonValue::Double}, [&](auto v) {
             field = static_cast<int>(std::clamp(v.toDouble(), double(least), double(most)));
         });
     }
-    void read(QLatin1StringView key, QDateTime &field)
+    void operator()(QLatin1StringView key, QDateTime &field)
     {
         take(key, {QJsonValue::Double, QJsonValue::String}, [&](auto v) { field = dateFrom(v); });
     }
-    void read(QLatin1StringView key, std::optional<QDateTime> &field)
+    void operator()(QLatin1StringView key, std::optional<QDateTime> &field)
     {
         QDateTime date;
-        read(key, date);
+        (*this)(key, date);
         field = date.isValid() ? std::optional(date) : std::nullopt;
     }
-    void read(QLatin1StringView key, std::optional<QString> &field)
+    void operator()(QLatin1StringView key, std::optional<QString> &field)
     {
         take(key, {QJsonValue::String}, [&](auto v) { field = v.toString(); });
     }
-    void read(QLatin1StringView key, QStringList &field)
+    void operator()(QLatin1StringView key, QStringList &field)
     {
         take(key, {QJsonValue::Array}, [&](auto v) {
             const QJsonArray list = v.toArray();
@@ -103,7 +178,7 @@ public:
         });
     }
     template <typename Kind, size_t N>
-    void read(QLatin1StringView key, const NamedKind<Kind> (&kinds)[N], Kind &field)
+    void operator()(QLatin1StringView key, Kind &field, const NamedKind<Kind> (&kinds)[N])
     {
         const QString name = _json.value(key).toString();
         const auto *const found = std::ranges::find(kinds, name, &NamedKind<Kind>::name);
@@ -112,8 +187,16 @@ public:
         else
             field = found->kind;
     }
+    void operator()(QLatin1StringView key, BackupScheduleTime &field)
+    {
+        const auto schedule = read<BackupScheduleTime>(_json.value(key).toObject());
+        _isSound = _isSound && schedule;
+        field = schedule.value_or(field);
+    }
 
 private:
+    explicit Reader(const QJsonObject &json) : _json(json) {}
+
     template <typename Store>
     void take(QLatin1StringView key, std::initializer_list<QJsonValue::Type> types, Store store)
     {
@@ -129,27 +212,6 @@ private:
     const QJsonObject &_json;
     bool _isSound = true;
 };
-
-QJsonObject toJson(const BackupScheduleTime &schedule)
-{
-    return {{u"kind"_s, nameOf(scheduleKinds, schedule.kind)},
-            {u"hour"_s, schedule.hour},
-            {u"minute"_s, schedule.minute},
-            {u"dayOfMonth"_s, schedule.dayOfMonth},
-            {u"month"_s, schedule.month}};
-}
-
-std::optional<BackupScheduleTime> scheduleFrom(const QJsonObject &json)
-{
-    BackupScheduleTime schedule;
-    Reader reader(json);
-    reader.read("kind"_L1, scheduleKinds, schedule.kind);
-    reader.read("hour"_L1, schedule.hour, 0, 23);
-    reader.read("minute"_L1, schedule.minute, 0, 59);
-    reader.read("dayOfMonth"_L1, schedule.dayOfMonth, 1, 31);
-    reader.read("month"_L1, schedule.month, 1, 12);
-    return reader.isSound() ? std::optional(schedule) : std::nullopt;
-}
 
 QJsonValue storedValue(const SettingsStore &settings)
 {
@@ -188,60 +250,13 @@ BackupTask normalised(BackupTask task)
 
 QJsonObject toJson(const BackupTask &task)
 {
-    QJsonObject json{{u"id"_s, task.id},
-                     {u"name"_s, task.name},
-                     {u"kind"_s, nameOf(taskKinds, task.kind)},
-                     {u"sourcePath"_s, task.sourcePath},
-                     {u"destPath"_s, task.destPath},
-                     {u"schedule"_s, toJson(task.schedule)},
-                     {u"isEnabled"_s, task.isEnabled},
-                     {u"nextRunAt"_s, toJson(task.nextRunAt)},
-                     {u"keepLast"_s, task.keepLast},
-                     {u"excludes"_s, QJsonArray::fromStringList(task.excludes)},
-                     {u"setsAside"_s, task.setsAside},
-                     {u"destVolume"_s, task.destVolume},
-                     {u"sourceVolume"_s, task.sourceVolume},
-                     {u"lastFailed"_s, task.lastFailed},
-                     {u"lastCancelled"_s, task.lastCancelled},
-                     {u"toldFailure"_s, task.toldFailure},
-                     {u"toldOverdue"_s, task.toldOverdue}};
-    if (task.lastRunAt)
-        json.insert(u"lastRunAt"_s, toJson(*task.lastRunAt));
-    if (task.lastResult)
-        json.insert(u"lastResult"_s, *task.lastResult);
-    if (task.failingSince)
-        json.insert(u"failingSince"_s, toJson(*task.failingSince));
-    return json;
+    return Writer::write(task);
 }
 
 std::optional<BackupTask> backupTaskFromJson(const QJsonObject &json)
 {
-    const auto schedule = scheduleFrom(json.value("schedule"_L1).toObject());
-    if (!schedule)
-        return std::nullopt;
-    BackupTask task;
-    task.schedule = *schedule;
-    Reader reader(json);
-    reader.read("id"_L1, task.id);
-    reader.read("name"_L1, task.name);
-    reader.read("kind"_L1, taskKinds, task.kind);
-    reader.read("sourcePath"_L1, task.sourcePath);
-    reader.read("destPath"_L1, task.destPath);
-    reader.read("isEnabled"_L1, task.isEnabled);
-    reader.read("nextRunAt"_L1, task.nextRunAt);
-    reader.read("lastRunAt"_L1, task.lastRunAt);
-    reader.read("lastResult"_L1, task.lastResult);
-    reader.read("keepLast"_L1, task.keepLast, 0, 100000);
-    reader.read("excludes"_L1, task.excludes);
-    reader.read("setsAside"_L1, task.setsAside);
-    reader.read("destVolume"_L1, task.destVolume);
-    reader.read("sourceVolume"_L1, task.sourceVolume);
-    reader.read("lastFailed"_L1, task.lastFailed);
-    reader.read("lastCancelled"_L1, task.lastCancelled);
-    reader.read("failingSince"_L1, task.failingSince);
-    reader.read("toldFailure"_L1, task.toldFailure);
-    reader.read("toldOverdue"_L1, task.toldOverdue);
-    if (!reader.isSound() || task.id.isEmpty() || task.sourcePath.isEmpty() || task.destPath.isEmpty())
+    const auto task = Reader::read<BackupTask>(json);
+    if (!task || task->id.isEmpty() || task->sourcePath.isEmpty() || task->destPath.isEmpty())
         return std::nullopt;
     return task;
 }
