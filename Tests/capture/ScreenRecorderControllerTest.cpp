@@ -46,6 +46,9 @@ private Q_SLOTS:
         rig.host.permissions.microphoneStatus = AuthorizationStatus::denied;
         const auto content = std::exchange(rig.host.screenCapture.contentAnswer, failure(u"denied"_s));
         QCOMPARE(refusal(), u"没有屏幕录制权限"_s);
+        rig.host.permissions.screenCaptureGranted = false;
+        rig.host.permissions.explanations[PrivacyPane::screenCapture] = u"当前是 Wayland 会话"_s;
+        QCOMPARE(refusal(), u"没有屏幕录制权限：当前是 Wayland 会话"_s);
         rig.host.screenCapture.contentAnswer = content;
         QCOMPARE(refusal(), u"请先选择要录制的窗口"_s);
         preferences.setRecordMode(RecordMode::fullScreen);
@@ -71,7 +74,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.host.audioDevices.speakersAnswer =
-            QList<AudioDeviceItem>{{u"a"_s, u"甲"_s, {}, true}, {u"b"_s, u"乙"_s, {}, false}};
+            QList<AudioDeviceItem>{{u"a"_s, u"甲"_s, true}, {u"b"_s, u"乙"_s, false}};
         rig.recorder.preferences().setSelectedSpeakerID(u"b"_s);
         rig.recorder.start();
         settle();

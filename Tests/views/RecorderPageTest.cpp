@@ -234,8 +234,8 @@ private Q_SLOTS:
     void devices()
     {
         Rig rig;
-        rig.host.audioDevices.speakersAnswer = QList<AudioDeviceItem>{
-            {u"a"_s, u"音箱"_s, true}, {u"b"_s, u"耳机"_s, false}};
+        rig.host.audioDevices.speakersAnswer =
+            QList<AudioDeviceItem>{{u"a"_s, u"音箱"_s, true}, {u"b"_s, u"耳机"_s, false}};
         rig.host.audioDevices.microphonesAnswer = QList<AudioDeviceItem>{};
         rig.host.settings.stored.insert(u"Velbrix_ScreenRecord_recordMicrophone"_s, true);
         rig.start();

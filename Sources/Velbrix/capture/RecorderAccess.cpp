@@ -82,6 +82,14 @@ QCoro::Task<bool> RecorderAccess::requestMicPermission()
     co_return micOutcome(granted);
 }
 
+QString RecorderAccess::screenRefusal() const
+{
+    const QString refusal = u"没有屏幕录制权限"_s;
+    const QString reason = _permissions.explanation(PrivacyPane::screenCapture);
+    // Where the session lets everybody see the screen, the explanation says that.
+    return reason.isEmpty() || _permissions.preflightScreenCapture() ? refusal : refusal + u'：' + reason;
+}
+
 QString RecorderAccess::microphoneNote() const
 {
     const QString explanation = _permissions.explanation(PrivacyPane::microphone);

@@ -31,6 +31,8 @@ public:
     // Asks while the user has not decided; opens the system's page when denied.
     QCoro::Task<bool> requestMicPermission();
 
+    // Why there is no permission for the screen, in words for the user.
+    QString screenRefusal() const;
     // A remark for the microphone switch; empty when there is nothing to say.
     QString microphoneNote() const;
     bool openScreenSettings();

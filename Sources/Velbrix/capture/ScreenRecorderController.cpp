@@ -105,7 +105,7 @@ QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
 QString ScreenRecorderController::refusal(RecordMode mode) const
 {
     if (!_access.hasPermission())
-        return u"没有屏幕录制权限"_s;
+        return _access.screenRefusal();
     if (mode == RecordMode::window && !_windows.selectedWindowID())
         return u"请先选择要录制的窗口"_s;
     if (_preferences.recordMicrophone() && !_access.hasMicPermission())

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -27,6 +28,9 @@ constexpr char gateName[] = "instance.gate";
 constexpr char socketName[] = "instance.wake";
 constexpr char leavingName[] = "instance.leaving";
 
+// A holder whose main thread is that busy keeps the wake-up for later.
+constexpr int hearingLimitMs = 5000;
+
 constexpr int fileFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
 
 // Through the folder's descriptor, as a socket address has room for a short
@@ -41,7 +45,7 @@ sockaddr_un socketAddress(int folder)
 
 FileDescriptor makeSocket()
 {
-    return FileDescriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
 template <typename Call> int unlessInterrupted(Call call)
@@ -149,7 +153,7 @@ bool FolderSingleInstance::openSocket()
     const sockaddr_un address = socketAddress(_folder.number());
     if (!socket ||
         ::bind(socket.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address) < 0 ||
-        ::fchmodat(_folder.number(), socketName, 0600, 0) < 0)
+        ::fchmodat(_folder.number(), socketName, 0600, 0) < 0 || ::listen(socket.number(), SOMAXCONN) < 0)
         return false;
     _socket = std::move(socket);
     return true;
@@ -159,18 +163,23 @@ bool FolderSingleInstance::wakeOther()
 {
     if (!_folder)
         return false;
-    const FileDescriptor sender = makeSocket();
+    const FileDescriptor caller = makeSocket();
     const sockaddr_un address = socketAddress(_folder.number());
-    constexpr char wake = 'w';
-    const auto sent = unlessInterrupted([&] {
-        return ::sendto(sender.number(), &wake, 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr *>(&address),
-                        sizeof address);
+    const int connected = unlessInterrupted([&] {
+        return ::connect(caller.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address);
     });
     // A full queue holds wake-ups already.
-    const bool isWoken = sent >= 0 || errno == EAGAIN;
-    if (!isWoken)
+    if (connected < 0 && errno == EAGAIN)
+        return true;
+    if (connected < 0) {
         logFailure("wake");
-    return isWoken;
+        return false;
+    }
+    pollfd answer{.fd = caller.number(), .events = POLLIN, .revents = 0};
+    if (unlessInterrupted([&] { return ::poll(&answer, 1, hearingLimitMs); }) <= 0)
+        return true;
+    char heard = 0;
+    return unlessInterrupted([&] { return ::read(caller.number(), &heard, 1); }) > 0;
 }
 
 Observation FolderSingleInstance::observeWake(std::function<void()> wake)
@@ -178,16 +187,20 @@ Observation FolderSingleInstance::observeWake(std::function<void()> wake)
     if (_socket && !_notifier) {
         _notifier = std::make_unique<QSocketNotifier>(_socket.number(), QSocketNotifier::Read);
         QObject::connect(_notifier.get(), &QSocketNotifier::activated, _notifier.get(),
-                         [this] { readWakes(); });
+                         [this] { acceptWakes(); });
     }
     return _observers.add(std::move(wake));
 }
 
-void FolderSingleInstance::readWakes()
+void FolderSingleInstance::acceptWakes()
 {
-    char wake[16];
-    while (unlessInterrupted([&] { return ::recv(_socket.number(), wake, sizeof wake, 0); }) >= 0) {
-    }
+    const auto accepted = [this] {
+        return FileDescriptor(unlessInterrupted(
+            [this] { return ::accept4(_socket.number(), nullptr, nullptr, SOCK_CLOEXEC); }));
+    };
+    constexpr char heard = 'h';
+    while (const FileDescriptor caller = accepted())
+        ::send(caller.number(), &heard, 1, MSG_NOSIGNAL);
     _observers.notify();
 }
 

@@ -12,9 +12,10 @@ class QSocketNotifier;
 namespace velbrix {
 
 // The place is a file lock in a folder of this user, which the kernel frees
-// with the process; wake-ups are datagrams to a socket beside it, which keeps
-// those that come before anyone observes them. A holder that leaves has a second
-// lock, on a sign that the next holder takes away.
+// with the process; wake-ups are connections to a socket beside it, which keeps
+// those that come before anyone observes them, and breaks off those that nobody
+// has accepted when the holder goes. A holder that leaves has a second lock, on
+// a sign that the next holder takes away.
 class FolderSingleInstance final : public SingleInstance {
 public:
     // The folder must exist and be closed to other users. Without one (empty)
@@ -35,7 +36,7 @@ private:
     Claim tryToClaim(FileDescriptor &sign);
     void closeSocket();
     bool openSocket();
-    void readWakes();
+    void acceptWakes();
 
     FileDescriptor _folder;
     FileDescriptor _lock;
