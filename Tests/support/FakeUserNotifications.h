@@ -13,7 +13,7 @@ namespace velbrix::test {
 class FakeUserNotifications final : public UserNotifications {
 public:
     Result<bool> authorization = true; // what the request answers
-    NotificationSettings current{QStringLiteral("authorized"), QStringLiteral("enabled")};
+    NotificationSettings current{true, QStringLiteral("authorized"), QStringLiteral("enabled")};
     QStringList calls;        // "register …", "requestAuthorization", "settings"
     QList<UserNotice> posted; // in their order; refused ones are not among them
 
@@ -38,7 +38,7 @@ public:
         co_await _answer.after();
         if (!authorization)
             co_return std::unexpected(authorization.error());
-        if (!*authorization || current.authorization == QStringLiteral("denied"))
+        if (!*authorization || !current.mayNotify)
             co_return failure(QStringLiteral("系统没有允许通知"));
         posted.append(notice);
         co_return Result<void>();

@@ -146,10 +146,10 @@ private Q_SLOTS:
     void notificationsAreAskedAtTheSystem()
     {
         Rig rig;
-        rig.host.notifications.current.authorization = u"denied"_s;
+        rig.host.notifications.current.mayNotify = false;
         rig.open();
         QTRY_VERIFY(rig.texts(u"permission.2"_s).contains(u"未授予"_s));
-        rig.host.notifications.current.authorization = u"authorized"_s;
+        rig.host.notifications.current.mayNotify = true;
         rig.services->router.show(u"recorder"_s);
         rig.services->router.show(u"settings"_s);
         QTRY_VERIFY(rig.texts(u"permission.2"_s).contains(u"✓ 已授予"_s));

@@ -8,8 +8,10 @@
 namespace velbrix {
 
 struct NotificationSettings {
-    QString authorization; // notDetermined, denied, authorized, provisional, ephemeral, unknown
-    QString alert;         // notSupported, disabled, enabled, unknown
+    bool mayNotify = false;
+    // For the log: notDetermined, denied, authorized, provisional, ephemeral, unknown …
+    QString authorization;
+    QString alert; // … and notSupported, disabled, enabled, unknown
 
     bool operator==(const NotificationSettings &) const = default;
 };

@@ -78,7 +78,7 @@ private Q_SLOTS:
     {
         const QString reason = u"桌面没有通知服务（org.freedesktop.Notifications）"_s;
         QCOMPARE(errorText(ask()), reason);
-        QCOMPARE(askSettings(), (NotificationSettings{u"denied"_s, u"notSupported"_s}));
+        QCOMPARE(askSettings(), (NotificationSettings{false, u"denied"_s, u"notSupported"_s}));
         FakeUserNotifications fake;
         fake.authorization = failure(reason);
         for (UserNotifications *host :
@@ -91,7 +91,7 @@ private Q_SLOTS:
     {
         QVERIFY(QDBusConnection::sessionBus().registerService(serviceName));
         QCOMPARE(ask(), Result<bool>(true));
-        QCOMPARE(askSettings(), (NotificationSettings{u"authorized"_s, u"enabled"_s}));
+        QCOMPARE(askSettings(), (NotificationSettings{true, u"authorized"_s, u"enabled"_s}));
         QVERIFY(QDBusConnection::sessionBus().unregisterService(serviceName));
     }
 

@@ -92,8 +92,7 @@ void PermissionSection::askForNotifications()
     _context.services.platform.notifications->settings().then([self](const NotificationSettings &settings) {
         if (!self)
             return;
-        self->_mayNotify =
-            settings.authorization == u"authorized" || settings.authorization == u"provisional";
+        self->_mayNotify = settings.mayNotify;
         self->refresh();
     });
 }

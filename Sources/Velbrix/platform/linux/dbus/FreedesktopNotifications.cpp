@@ -52,8 +52,8 @@ QCoro::Task<NotificationSettings> FreedesktopNotifications::settings()
 {
     const Result<bool> isThere = co_await isServiceThere();
     if (isThere)
-        co_return NotificationSettings{u"authorized"_s, u"enabled"_s};
-    co_return NotificationSettings{u"denied"_s, u"notSupported"_s};
+        co_return NotificationSettings{true, u"authorized"_s, u"enabled"_s};
+    co_return NotificationSettings{false, u"denied"_s, u"notSupported"_s};
 }
 
 QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotice notice)

@@ -74,13 +74,15 @@ QCoro::Task<NotificationSettings> MacUserNotifications::settings()
 {
     const Completion<NotificationSettings> read;
     if (!hasBundle()) {
-        read.answer({u"unknown"_s, u"unknown"_s});
+        read.answer({false, u"unknown"_s, u"unknown"_s});
         return answerOf(read);
     }
     [[UNUserNotificationCenter currentNotificationCenter]
         getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings *settings) {
-            read.answer(
-                {authorizationName(settings.authorizationStatus), alertSettingName(settings.alertSetting)});
+            const UNAuthorizationStatus status = settings.authorizationStatus;
+            const bool mayNotify =
+                status == UNAuthorizationStatusAuthorized || status == UNAuthorizationStatusProvisional;
+            read.answer({mayNotify, authorizationName(status), alertSettingName(settings.alertSetting)});
         }];
     return answerOf(read);
 }
