@@ -2,7 +2,7 @@
 
 #include "foundation/LocalChannel.h"
 #include "support/FakePlatform.h"
-#include "support/FakeShell.h"
+#include "support/FakeUserInterface.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -19,7 +19,7 @@ struct Rig : ServicesRig {
                                     {u"Velbrix_Privacy_consent_screenRecording"_s, true},
                                     {u"Velbrix_ScreenRecord_outputDir"_s, folder.path()}};
         make();
-        delegate = std::make_unique<AppDelegate>(*services, shell);
+        delegate = std::make_unique<AppDelegate>(*services, ui);
     }
     void launch(bool background = true)
     {
@@ -28,13 +28,13 @@ struct Rig : ServicesRig {
     }
     void choose(const QString &item)
     {
-        shell.chosen(item);
+        ui.chosen(item);
         settle();
     }
-    qsizetype menuWrites() const { return shell.calls.count(u"updateTray"_s); }
+    qsizetype menuWrites() const { return ui.calls.count(u"updateTray"_s); }
 
     QTemporaryDir folder;
-    FakeShell shell;
+    FakeUserInterface ui;
     std::unique_ptr<AppDelegate> delegate;
 };
 
@@ -78,14 +78,14 @@ private Q_SLOTS:
         Rig rig;
         rig.launch();
         QCOMPARE(rig.host.desktop.calls, QStringList{u"accessory"_s});
-        QCOMPARE(rig.shell.calls, (QStringList{u"createTray"_s, u"updateTray"_s}));
+        QCOMPARE(rig.ui.calls, (QStringList{u"createTray"_s, u"updateTray"_s}));
         QCOMPARE(rig.host.notifications.calls,
                  (QStringList{u"register RECORDING_LONG_ALERT"_s, u"requestAuthorization"_s, u"settings"_s}));
         QCOMPARE(rig.host.hotkeys.registered.keys(), (QList<quint32>{1, 2, 3}));
         QVERIFY(rig.services->isInBackground());
         rig.host.singleInstance.wake();
         settle();
-        QVERIFY(rig.shell.visible);
+        QVERIFY(rig.ui.visible);
         QVERIFY(!rig.services->isInBackground());
         QCOMPARE(rig.host.desktop.calls.last(), u"activate"_s);
     }
@@ -110,7 +110,7 @@ private Q_SLOTS:
         if (flagged)
             rig.services->settings.set(u"Velbrix_NeedShowMainWindow"_s, true);
         rig.launch(background);
-        QTEST(rig.shell.visible, "shown");
+        QTEST(rig.ui.visible, "shown");
         QVERIFY(!rig.services->settings.contains(u"Velbrix_NeedShowMainWindow"_s));
     }
 
@@ -119,7 +119,7 @@ private Q_SLOTS:
         Rig rig;
         rig.launch();
         QStringList lines;
-        for (const TrayMenuItem &item : rig.shell.menu)
+        for (const TrayMenuItem &item : rig.ui.menu)
             lines << u"%1|%2|%3"_s.arg(item.title, item.keyEquivalent, item.isEnabled ? u"on"_s : u"off"_s);
         QCOMPARE(lines,
                  (QStringList{u"打开 Velbrix|⌘O|on"_s, u"||on"_s, u"视频壁纸||off"_s, u"播放壁纸|⌘⇧P|off"_s,
@@ -136,12 +136,12 @@ private Q_SLOTS:
         QCOMPARE(rig.delegate->lastTraySignature(), u"播放壁纸|false|false|false|开始录制（全屏）"_s);
         rig.clock.advance(2min);
         QCOMPARE(rig.menuWrites(), 2); // after the wallpaper's restore
-        rig.shell.clicked();
+        rig.ui.clicked();
         QCOMPARE(rig.menuWrites(), 3);
         rig.choose(u"recordToggle"_s);
         QCOMPARE(rig.menuWrites(), 4);
-        QVERIFY(rig.shell.trayShowsRecording);
-        QCOMPARE(rig.shell.menu[7].title, u"停止当前录制"_s);
+        QVERIFY(rig.ui.trayShowsRecording);
+        QCOMPARE(rig.ui.menu[7].title, u"停止当前录制"_s);
     }
 
     void refreshesEveryFiveOrTwentySeconds()
@@ -170,13 +170,13 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.launch(false);
-        rig.shell.frame = QRect(50, 60, 1200, 800);
+        rig.ui.frame = QRect(50, 60, 1200, 800);
         QVERIFY(!rig.delegate->windowShouldClose());
-        QCOMPARE(rig.shell.calls.last(), u"hide"_s);
+        QCOMPARE(rig.ui.calls.last(), u"hide"_s);
         QVERIFY(rig.services->isInBackground());
-        rig.shell.frame.reset();
+        rig.ui.frame.reset();
         rig.choose(u"open"_s);
-        QCOMPARE(rig.shell.frame, std::optional(QRect(50, 60, 1200, 800)));
+        QCOMPARE(rig.ui.frame, std::optional(QRect(50, 60, 1200, 800)));
         QVERIFY(rig.services->settings.flush());
         QCOMPARE(rig.host.settings.stored.value(u"Velbrix_MainWindow_Frame"_s).toArray(),
                  (QJsonArray{50, 60, 1200, 800}));
@@ -188,9 +188,9 @@ private Q_SLOTS:
         rig.launch(false);
         rig.delegate->windowShouldClose();
         rig.delegate->applicationDidBecomeActive(); // a panel of its own has the focus
-        QVERIFY(!rig.shell.visible);
+        QVERIFY(!rig.ui.visible);
         rig.host.desktop.reopen();
-        QVERIFY(rig.shell.visible);
+        QVERIFY(rig.ui.visible);
     }
 
     void withoutATrayTheWindowStaysReachable()
@@ -198,14 +198,14 @@ private Q_SLOTS:
         Rig rig;
         rig.host.desktop.trayHost = false;
         rig.launch(false);
-        QVERIFY(!rig.shell.calls.contains(u"createTray"_s));
+        QVERIFY(!rig.ui.calls.contains(u"createTray"_s));
         QVERIFY(!rig.delegate->windowShouldClose());
-        QCOMPARE(rig.shell.calls.last(), u"minimize"_s);
+        QCOMPARE(rig.ui.calls.last(), u"minimize"_s);
         rig.host.desktop.setTrayHost(true);
-        QVERIFY(rig.shell.calls.contains(u"createTray"_s));
-        rig.shell.hideMainWindow();
+        QVERIFY(rig.ui.calls.contains(u"createTray"_s));
+        rig.ui.hideMainWindow();
         rig.host.desktop.setTrayHost(false);
-        QCOMPARE(rig.shell.calls.last(2), (QStringList{u"removeTray"_s, u"minimize"_s}));
+        QCOMPARE(rig.ui.calls.last(2), (QStringList{u"removeTray"_s, u"minimize"_s}));
     }
 
     void aHiddenStartWithoutATrayIsWithinReach()
@@ -214,16 +214,16 @@ private Q_SLOTS:
         rig.host.desktop.trayHost = false;
         rig.launch(true);
         rig.clock.advance(4s);
-        QVERIFY(!rig.shell.calls.contains(u"minimize"_s));
+        QVERIFY(!rig.ui.calls.contains(u"minimize"_s));
         rig.clock.advance(1s);
-        QCOMPARE(rig.shell.calls.last(), u"minimize"_s);
+        QCOMPARE(rig.ui.calls.last(), u"minimize"_s);
 
         Rig late;
         late.host.desktop.trayHost = false;
         late.launch(true);
         late.host.desktop.setTrayHost(true); // a panel that starts after us
         late.clock.advance(1min);
-        QVERIFY(!late.shell.calls.contains(u"minimize"_s));
+        QVERIFY(!late.ui.calls.contains(u"minimize"_s));
     }
 
     void theHotKeyRecordsAndAStatementComesFirst()
@@ -239,12 +239,12 @@ private Q_SLOTS:
 
         Rig fresh(false);
         fresh.launch();
-        fresh.shell.calls.clear();
+        fresh.ui.calls.clear();
         fresh.host.hotkeys.press({29, 0x1800});
         settle();
-        QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
+        QCOMPARE(fresh.ui.calls, QStringList{u"show"_s});
         fresh.choose(u"recordToggle"_s);
-        QCOMPARE(fresh.shell.calls, (QStringList{u"show"_s, u"show"_s}));
+        QCOMPARE(fresh.ui.calls, (QStringList{u"show"_s, u"show"_s}));
         QVERIFY(!fresh.services->recorder.isRecording());
         QVERIFY(!fresh.services->privacy.pendingFeatureNotice());
     }
@@ -269,7 +269,7 @@ private Q_SLOTS:
         Rig rig;
         rig.launch();
         rig.services->privacy.guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [] {});
-        QVERIFY(rig.shell.visible);
+        QVERIFY(rig.ui.visible);
     }
 
     void postsBecomeBanners()
@@ -327,7 +327,7 @@ private Q_SLOTS:
         rig.choose(u"recordPanel"_s);
         QCOMPARE(rig.services->router.activeTab(), u"recorder"_s);
         rig.choose(u"privacy"_s);
-        QCOMPARE(rig.shell.calls.last(), u"statement"_s);
+        QCOMPARE(rig.ui.calls.last(), u"statement"_s);
     }
 
     void quits()
@@ -341,14 +341,14 @@ private Q_SLOTS:
         QCOMPARE(rig.host.singleInstance.calls.last(), u"leave"_s);
         QVERIFY(rig.delegate->windowShouldClose());
         QCOMPARE(rig.host.desktop.calls.last(), u"presence"_s);
-        QCOMPARE(rig.shell.calls.last(), u"removeTray"_s);
+        QCOMPARE(rig.ui.calls.last(), u"removeTray"_s);
         QVERIFY(!rig.host.keys.isObservedLocally());
         rig.clock.advance(1h);
         QCOMPARE(rig.clock.pendingCount(), standingAlarms);
-        rig.shell.calls.clear();
+        rig.ui.calls.clear();
         rig.host.singleInstance.wake();
         settle();
-        QVERIFY(rig.shell.calls.isEmpty());
+        QVERIFY(rig.ui.calls.isEmpty());
     }
 
     void quittingDuringARefusedStartStillQuits()

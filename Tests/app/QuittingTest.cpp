@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "support/FakePlatform.h"
-#include "support/FakeShell.h"
+#include "support/FakeUserInterface.h"
 
 class QuittingTest : public QObject {
     Q_OBJECT
@@ -18,11 +18,11 @@ private Q_SLOTS:
     {
         QFETCH(QString, work);
         ServicesRig rig;
-        FakeShell shell;
+        FakeUserInterface ui;
         rig.host.settings.stored = {{u"Velbrix_Privacy_firstLaunchAccepted"_s, true}};
         rig.host.archiver.holds = true;
         rig.make();
-        AppDelegate delegate(*rig.services, shell);
+        AppDelegate delegate(*rig.services, ui);
         delegate.applicationDidFinishLaunching(true);
         FileBackupController &backup = rig.services->fileBackup;
         AppScanner &uninstaller = rig.services->uninstaller;

@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 
-#include "support/FakeShell.h"
+#include "support/FakeUserInterface.h"
 #include "support/WallpaperRig.h"
 
 #include <QCoreApplication>
@@ -22,7 +22,7 @@ struct Rig : WallpaperRig {
         for (auto entry = settings.begin(); entry != settings.end(); ++entry)
             host.settings.stored.insert(entry.key(), entry.value());
         make();
-        delegate = std::make_unique<AppDelegate>(*services, shell);
+        delegate = std::make_unique<AppDelegate>(*services, ui);
     }
     void launch()
     {
@@ -42,7 +42,7 @@ struct Rig : WallpaperRig {
     }
     void choose(const QString &item)
     {
-        shell.chosen(item);
+        ui.chosen(item);
         settle();
     }
     void press(quint32 keyCode)
@@ -54,7 +54,7 @@ struct Rig : WallpaperRig {
     QString entries() const
     {
         QStringList found;
-        for (const TrayMenuItem &item : shell.menu) {
+        for (const TrayMenuItem &item : ui.menu) {
             if (item.id == u"wallpaperPlay"_s || item.id == u"wallpaperStop"_s)
                 found << item.title + (item.isEnabled ? u" on"_s : u" off"_s);
         }
@@ -70,7 +70,7 @@ struct Rig : WallpaperRig {
     }
 
     const QString path = video(u"last.mp4"_s);
-    FakeShell shell;
+    FakeUserInterface ui;
     std::unique_ptr<AppDelegate> delegate;
 };
 
@@ -165,16 +165,16 @@ private Q_SLOTS:
                  {u"VelbClean_WallpaperAutoPlay"_s, false}});
         rig.launchAndRestore();
         rig.choose(u"wallpaperPlay"_s);
-        QVERIFY(rig.shell.visible); // where the notice is
+        QVERIFY(rig.ui.visible); // where the notice is
         QVERIFY(!rig.wallpaper().isShowing());
         rig.services->privacy.confirmPendingNotice();
         QVERIFY(rig.wallpaper().isShowing());
 
         Rig fresh({{u"Velbrix_Privacy_firstLaunchAccepted"_s, false}});
         fresh.launch();
-        fresh.shell.calls.clear();
+        fresh.ui.calls.clear();
         fresh.choose(u"wallpaperPlay"_s);
-        QCOMPARE(fresh.shell.calls, QStringList{u"show"_s});
+        QCOMPARE(fresh.ui.calls, QStringList{u"show"_s});
     }
 
     void hotKeysTidyTheDesktop()

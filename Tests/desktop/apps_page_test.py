@@ -35,7 +35,7 @@ class AppsPage(DesktopTestCase):
         ]
         self.link = self.config / "org.example.Paintbox-documents"
         self.link.symlink_to(self.home / "Documents")
-        # The system's own applications are out of sight, its pictures are not.
+        # The system's own applications are hidden, its pictures are not.
         self.system = self.home / "system"
         self.system.mkdir()
         (self.system / "icons").symlink_to("/usr/share/icons")

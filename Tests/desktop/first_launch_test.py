@@ -12,7 +12,7 @@ COUNTDOWN = re.compile(r"首次启动需等待(\d+)秒后才能确认。")
 
 class FirstLaunch(DesktopTestCase):
     def test_from_statement_to_movie(self):
-        program = self.start("--background")  # in sight nevertheless
+        program = self.start("--background")  # visible nevertheless
         window = Window(program, program.wait_for_window())
         window.wait_for("使用声明与隐私提示")
         window.wait_for("所有处理默认在本地完成，不会主动上传你的文件内容")
@@ -56,7 +56,7 @@ class FirstLaunch(DesktopTestCase):
         for text in window.texts():
             if found := COUNTDOWN.search(text):
                 return int(found[1])
-        raise AssertionError("no countdown in sight")
+        raise AssertionError("no countdown visible")
 
 
 if __name__ == "__main__":

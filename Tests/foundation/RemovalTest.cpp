@@ -46,7 +46,7 @@ struct Ground {
 RemovalRules rules(QList<QByteArray> places = {})
 {
     RemovalRules rules;
-    rules.protectedPlaces = std::move(places);
+    rules.protectedPaths = std::move(places);
     rules.boundSockets = QSet<QByteArray>();
     return rules;
 }
@@ -274,9 +274,9 @@ private Q_SLOTS:
         tree::folder(ground.base + "/own/deep/er");
         tree::link("root", ground.base + "/link");
         tree::link(ground.base + "/home", ground.base + "/homelink");
-        RemovalRules some = rules(protectedHostPlaces());
-        some.protectedPlaces += {ground.base + "/home", ground.base + "/around/inner"};
-        some.sealedPlaces = {ground.base + "/own"};
+        RemovalRules some = rules(protectedHostPaths());
+        some.protectedPaths += {ground.base + "/home", ground.base + "/around/inner"};
+        some.sealedPaths = {ground.base + "/own"};
         const auto verify = [&](const QList<QByteArray> &paths, const QString &obstacle) {
             for (QByteArray path : paths) {
                 path.replace("BASE", ground.base);

@@ -235,7 +235,7 @@ private Q_SLOTS:
         verify(backup, u"src"_s, u"dst"_s);
         verify(sync, u"src"_s, u"dst"_s);
         verify(sync, u"src"_s, u"."_s);
-        // Inside the source only what is left out of it.
+        // Inside the source only what is excluded of it.
         const QString within = u"保存目录在源文件夹里面"_s;
         verify(backup, u"src"_s, u"src/in"_s, within);
         verify(backup, u"link"_s, u"src/in"_s, within);
@@ -267,7 +267,7 @@ private Q_SLOTS:
 
     void tasksMustNotCopyEachOthersCopies()
     {
-        // Of tasks with this source>destination>what is left out.
+        // Of tasks with this source>destination>what is excluded.
         const auto isRefused = [](const QString &ways, BackupTaskKind kind) {
             QList<BackupTask> tasks;
             for (const QString &way : ways.split(u' ')) {

@@ -365,7 +365,7 @@ private Q_SLOTS:
         Rig rig;
         const QString id = rig.save(rig.described(u"t"_s))->id;
         QDir(rig.path(u"src"_s)).removeRecursively();
-        const QList<UserNotice> &posted = rig.notifications.posted;
+        const QList<UserNotification> &posted = rig.notifications.posted;
         for (int day = 1; day <= 6; ++day) {
             rig.clock.advance(1h);
             QVERIFY(rig.ends());

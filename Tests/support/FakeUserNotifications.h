@@ -14,8 +14,8 @@ class FakeUserNotifications final : public UserNotifications {
 public:
     Result<bool> authorization = true; // what the request answers
     NotificationSettings current{true, QStringLiteral("authorized"), QStringLiteral("enabled")};
-    QStringList calls;        // "register …", "requestAuthorization", "settings"
-    QList<UserNotice> posted; // in their order; refused ones are not among them
+    QStringList calls;              // "register …", "requestAuthorization", "settings"
+    QList<UserNotification> posted; // in their order; refused ones are not among them
 
     void registerCategory(const QString identifier) override
     {
@@ -33,14 +33,14 @@ public:
         co_await _answer.after();
         co_return std::as_const(current);
     }
-    QCoro::Task<Result<void>> post(const UserNotice notice) override
+    QCoro::Task<Result<void>> post(const UserNotification notification) override
     {
         co_await _answer.after();
         if (!authorization)
             co_return std::unexpected(authorization.error());
         if (!*authorization || !current.mayNotify)
             co_return failure(QStringLiteral("系统没有允许通知"));
-        posted.append(notice);
+        posted.append(notification);
         co_return Result<void>();
     }
 

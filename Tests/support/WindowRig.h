@@ -3,8 +3,8 @@
 #include "app/AppDelegate.h"
 #include "support/FakePlatform.h"
 #include "support/Test.h"
-#include "views/DesktopShell.h"
 #include "views/MainWindow.h"
+#include "views/WidgetInterface.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -27,21 +27,21 @@ struct WindowRig : ServicesRig {
     ~WindowRig()
     {
         delegate.reset();
-        shell.reset();
+        ui.reset();
     }
 
     void start(bool accepted = true)
     {
         host.settings.stored.insert(QStringLiteral("Velbrix_Privacy_firstLaunchAccepted"), accepted);
         AppServices &made = make();
-        shell = std::make_unique<DesktopShell>(made);
-        delegate = std::make_unique<AppDelegate>(made, *shell);
-        shell->setDelegate(*delegate);
+        ui = std::make_unique<WidgetInterface>(made);
+        delegate = std::make_unique<AppDelegate>(made, *ui);
+        ui->setDelegate(*delegate);
         delegate->applicationDidFinishLaunching(false);
         QVERIFY(QTest::qWaitForWindowExposed(window()));
     }
 
-    MainWindow *window() const { return shell->mainWindow(); }
+    MainWindow *window() const { return ui->mainWindow(); }
     // The widget of that object name; null when it is absent or hidden.
     template <typename Widget = QWidget> Widget *find(const QString &name) const
     {
@@ -60,7 +60,7 @@ struct WindowRig : ServicesRig {
         const auto *label = find<QLabel>(name);
         return label ? label->text() : QString();
     }
-    // Every text in sight inside the named widget.
+    // Every visible text inside the named widget.
     QStringList texts(const QString &name) const
     {
         QStringList found;
@@ -115,7 +115,7 @@ struct WindowRig : ServicesRig {
         return waitFor(isSoNow);
     }
 
-    std::unique_ptr<DesktopShell> shell;
+    std::unique_ptr<WidgetInterface> ui;
     std::unique_ptr<AppDelegate> delegate;
 };
 

@@ -198,7 +198,7 @@ private Q_SLOTS:
             WallpaperRig rig;
             WallpaperController &wallpaper = rig.wallpaper();
             wallpaper.apply();
-            QCOMPARE(wallpaper.notice(), u"请先选择一个视频"_s);
+            QCOMPARE(wallpaper.hint(), u"请先选择一个视频"_s);
             wallpaper.setVideo(rig.video(u"a.mp4"_s));
             settle();
             obstacle(rig);
@@ -209,7 +209,7 @@ private Q_SLOTS:
             QTRY_VERIFY(wallpaper.isSettled());
             QCOMPARE(rig.host.desktopPicture.now->value(u"path"_s).toString(), u"/own/picture.png"_s);
             QVERIFY(!rig.services->settings.contains(u"Velbrix_WallpaperOriginalDesktopPicture"_s));
-            QCOMPARE(wallpaper.notice() + wallpaper.state().message, told);
+            QCOMPARE(wallpaper.hint() + wallpaper.state().message, told);
             QCOMPARE(rig.logged().contains(u"blocked: on battery (pauseOnBattery)"_s),
                      rig.host.power.battery);
         }

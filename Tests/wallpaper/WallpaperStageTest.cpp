@@ -40,7 +40,7 @@ private Q_SLOTS:
         const QString bad = rig.video(u"bad.mp4"_s);
         rig.host.mediaProbe.factsOf.insert(bad, failure(u"文件是空的"_s));
         rig.wallpaper().setDisplayVideo(2, bad);
-        QCOMPARE(rig.wallpaper().notice(), u"无法读取视频：文件是空的"_s);
+        QCOMPARE(rig.wallpaper().hint(), u"无法读取视频：文件是空的"_s);
         QVERIFY(!rig.wallpaper().preferences().perDisplayVideoPaths().values().contains(bad));
         QCOMPARE(rig.surface(1)->path, main);
     }
@@ -88,12 +88,12 @@ private Q_SLOTS:
         rig.play(rig.video(u"a.mp4"_s));
         rig.host.surfaces.refusal = Failure{u"窗口太多"_s};
         rig.plugSecond();
-        QCOMPARE(rig.wallpaper().notice(), u"副显示器的视频无法播放：窗口太多"_s);
+        QCOMPARE(rig.wallpaper().hint(), u"副显示器的视频无法播放：窗口太多"_s);
         rig.host.surfaces.refusal.reset();
         rig.wallpaper().clearDisplayVideo(2);
         rig.host.displays.set(rig.host.displays.list);
         rig.surface(1)->fail(u"坏了"_s);
-        QTRY_COMPARE(rig.wallpaper().notice(), u"副显示器的视频无法播放：坏了"_s);
+        QTRY_COMPARE(rig.wallpaper().hint(), u"副显示器的视频无法播放：坏了"_s);
         QCOMPARE(rig.host.surfaces.surfaces.size(), 1);
         QVERIFY(rig.surface()->isPlaying);
     }

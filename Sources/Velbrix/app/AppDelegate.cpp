@@ -2,8 +2,8 @@
 
 #include "app/AppServices.h"
 #include "app/CommandServer.h"
-#include "app/Shell.h"
 #include "app/Tools.h"
+#include "app/UserInterface.h"
 #include "foundation/Log.h"
 #include "platform/Platform.h"
 
@@ -21,13 +21,13 @@ const QString longAlertCategory = u"RECORDING_LONG_ALERT"_s;
 
 } // namespace
 
-AppDelegate::AppDelegate(AppServices &services, Shell &shell, QObject *parent)
+AppDelegate::AppDelegate(AppServices &services, UserInterface &ui, QObject *parent)
     : QObject(parent),
       _services(services),
-      _shell(shell),
-      _banners(services, shell),
-      _window(services, shell),
-      _tray(services, shell)
+      _ui(ui),
+      _banners(services, ui),
+      _window(services, ui),
+      _tray(services, ui)
 {
 }
 
@@ -118,7 +118,7 @@ void AppDelegate::applicationDidUnhide()
 void AppDelegate::showPrivacyStatement()
 {
     showWindow();
-    _shell.showPrivacyStatement();
+    _ui.showPrivacyStatement();
 }
 
 void AppDelegate::quitApp()
@@ -175,7 +175,7 @@ void AppDelegate::followServices()
     connect(&privacy, &PrivacyManager::statementNeeded, this, &AppDelegate::showWindow);
     // A notice that waits behind a hidden window would never be answered.
     connect(&privacy, &PrivacyManager::pendingFeatureNoticeChanged, this, [this, &privacy] {
-        if (privacy.pendingFeatureNotice() && !_shell.isMainWindowVisible())
+        if (privacy.pendingFeatureNotice() && !_ui.isMainWindowVisible())
             showWindow();
     });
 }

@@ -16,7 +16,7 @@ namespace velbrix {
 
 class AppServices;
 class CommandServer;
-class Shell;
+class UserInterface;
 class SingleInstance;
 
 // The program's life: one copy only, tray icon and menu, the main window
@@ -25,7 +25,7 @@ class AppDelegate final : public QObject {
     Q_OBJECT
 
 public:
-    AppDelegate(AppServices &services, Shell &shell, QObject *parent = nullptr);
+    AppDelegate(AppServices &services, UserInterface &ui, QObject *parent = nullptr);
     ~AppDelegate() override;
 
     // Whether this copy may start; else the one that runs has been woken, unless
@@ -63,7 +63,7 @@ private:
     void finishQuit();
 
     AppServices &_services;
-    Shell &_shell;
+    UserInterface &_ui;
     Banners _banners;
     WindowPresence _window;
     TrayController _tray;

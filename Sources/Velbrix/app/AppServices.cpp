@@ -28,7 +28,7 @@ WallpaperController::Folders wallpaperFolders()
 
 // What of this program no tool of it may remove: settings, data, the endpoint
 // of the command line.
-QList<QByteArray> ownPlaces()
+QList<QByteArray> ownPaths()
 {
     QStringList places = {QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
                               u"/velbrix"_s,
@@ -68,7 +68,7 @@ AppServices::AppServices(Platform &host, Clock &time)
       privacy(*host.permissions, *host.notifications, settings, time),
       hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }}, settings, notifications, time),
       cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
-              cleanupCatalog(host.family), ownPlaces()),
+              cleanupCatalog(host.family), ownPaths()),
       fileBackup({*host.archiver, *host.notifications, *host.sleep}, settings, time),
       uninstaller({*host.applications, *host.diskUsage, *host.trash, *host.programs}, settings, time,
                   dataFolder() + u"/uninstalls.json"_s),

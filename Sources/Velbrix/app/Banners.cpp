@@ -1,15 +1,15 @@
 #include "app/Banners.h"
 
 #include "app/AppServices.h"
-#include "app/Shell.h"
 #include "app/Tools.h"
+#include "app/UserInterface.h"
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-Banners::Banners(AppServices &services, Shell &shell, QObject *parent)
-    : QObject(parent), _services(services), _shell(shell)
+Banners::Banners(AppServices &services, UserInterface &ui, QObject *parent)
+    : QObject(parent), _services(services), _ui(ui)
 {
 }
 
@@ -43,7 +43,7 @@ void Banners::warn(const QString &title, const QString &body)
 
 void Banners::warnBehindWindow(const QString &title, const QString &body)
 {
-    if (!body.isEmpty() && !_shell.isMainWindowVisible())
+    if (!body.isEmpty() && !_ui.isMainWindowVisible())
         warn(title, body);
 }
 

@@ -9,14 +9,14 @@
 namespace velbrix {
 
 class AppServices;
-class Shell;
+class UserInterface;
 
 // The tools' news, and the program's own, as banners.
 class Banners final : public QObject {
     Q_OBJECT
 
 public:
-    Banners(AppServices &services, Shell &shell, QObject *parent = nullptr);
+    Banners(AppServices &services, UserInterface &ui, QObject *parent = nullptr);
 
     // From now on, beginning with what the user should know of the start.
     void follow();
@@ -31,7 +31,7 @@ public:
 
 private:
     AppServices &_services;
-    Shell &_shell;
+    UserInterface &_ui;
     Observation _settingsFailures;
 };
 

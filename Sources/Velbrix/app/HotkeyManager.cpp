@@ -27,9 +27,9 @@ HotkeyChord storedChord(const SettingsStore &settings, const HotkeyActionInfo &i
 
 } // namespace
 
-HotkeyManager::HotkeyManager(Hosts hosts, SettingsStore &settings, NotificationCenter &center, Clock &clock,
+HotkeyManager::HotkeyManager(Ports ports, SettingsStore &settings, NotificationCenter &center, Clock &clock,
                              QObject *parent)
-    : QObject(parent), _hosts(std::move(hosts)), _settings(settings), _center(center), _clock(clock)
+    : QObject(parent), _ports(std::move(ports)), _settings(settings), _center(center), _clock(clock)
 {
     for (const HotkeyActionInfo &info : hotkeyActions())
         setChord(info.action, storedChord(_settings, info));
@@ -127,7 +127,7 @@ void HotkeyManager::installHandler()
         if (_captureTarget == HotkeyAction::none)
             registerAll();
     };
-    const auto installed = _hosts.registrar.installHandler(std::move(handlers));
+    const auto installed = _ports.registrar.installHandler(std::move(handlers));
     _handlerInstalled = installed.has_value();
     if (!installed)
         log::line(u"Hotkey"_s, u"InstallEventHandler failed: "_s + QString::number(installed.error().status));
@@ -147,7 +147,7 @@ void HotkeyManager::registerOne(const HotkeyActionInfo &info)
     const HotkeyChord wanted = chord(info.action);
     if (wanted.isEmpty() || !isAvailable(info.action))
         return;
-    auto registration = _hosts.registrar.registerHotkey(wanted, info.id);
+    auto registration = _ports.registrar.registerHotkey(wanted, info.id);
     if (registration) {
         _registrations[info.action] = std::move(*registration);
         setProblem(info.action, {});
@@ -165,8 +165,8 @@ void HotkeyManager::installScreenshotMonitors()
     if (_screenshotHotkey.value().isEmpty() || !isAvailable(HotkeyAction::screenshot))
         return;
     _screenshotLocalMonitor =
-        _hosts.keys.observeLocal([this](const KeyPress &press) { return screenshotKeyPressed(press); });
-    auto global = _hosts.keys.observeGlobal([this](const KeyPress &press) { screenshotKeyPressed(press); });
+        _ports.keys.observeLocal([this](const KeyPress &press) { return screenshotKeyPressed(press); });
+    auto global = _ports.keys.observeGlobal([this](const KeyPress &press) { screenshotKeyPressed(press); });
     setProblem(HotkeyAction::screenshot, global ? QString() : global.error().message);
     if (global)
         _screenshotGlobalMonitor = std::move(*global);
@@ -264,7 +264,7 @@ void HotkeyManager::refuse(const QString &hint)
 {
     _isCaptureRefused = true;
     _captureHint = hint;
-    _hosts.beep();
+    _ports.beep();
 }
 
 void HotkeyManager::endCapture()

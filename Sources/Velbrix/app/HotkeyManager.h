@@ -38,13 +38,13 @@ class HotkeyManager final : public QObject {
     VELB_PUBLISHED(HotkeyManager, HotkeyProblems, problems)
 
 public:
-    struct Hosts {
+    struct Ports {
         HotkeyRegistrar &registrar;
         KeyMonitor &keys;
         std::function<void()> beep;
     };
 
-    HotkeyManager(Hosts hosts, SettingsStore &settings, NotificationCenter &center, Clock &clock,
+    HotkeyManager(Ports ports, SettingsStore &settings, NotificationCenter &center, Clock &clock,
                   QObject *parent = nullptr);
     ~HotkeyManager() override;
 
@@ -81,7 +81,7 @@ private:
     void refuse(const QString &hint);
     void endCapture();
 
-    Hosts _hosts;
+    Ports _ports;
     SettingsStore &_settings;
     NotificationCenter &_center;
     Clock &_clock;

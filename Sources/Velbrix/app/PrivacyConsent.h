@@ -54,7 +54,7 @@ FeaturePrivacyNotice privacyNotice(PrivacyConsentKind kind, const QString &icon,
 
 // The notice that the tool with the feature has of it.
 FeaturePrivacyNotice featurePrivacyNotice(PrivacyConsentKind kind);
-// For a recording that starts from the hot key, where no panel is in sight.
+// For a recording that starts from the hot key, where no panel is visible.
 FeaturePrivacyNotice quickRecordingNotice();
 
 // The statement of the first launch and, reopened from the tray, its review.

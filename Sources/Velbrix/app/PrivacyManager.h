@@ -47,7 +47,7 @@ public:
     // this kind can be done; empty when nothing is open.
     QString missingConsent(PrivacyConsentKind kind) const;
 
-    // Counts the seconds down while the statement is in sight.
+    // Counts the seconds down while the statement is visible.
     void startFirstLaunchCountdown();
     // The statement's confirm button; does nothing before the countdown ends.
     void confirmFirstLaunch();

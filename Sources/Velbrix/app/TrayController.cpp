@@ -1,8 +1,8 @@
 #include "app/TrayController.h"
 
 #include "app/AppServices.h"
-#include "app/Shell.h"
 #include "app/Tools.h"
+#include "app/UserInterface.h"
 #include "foundation/Deployment.h"
 #include "platform/Platform.h"
 
@@ -21,8 +21,8 @@ constexpr auto idleRefreshInterval = 20s;
 
 } // namespace
 
-TrayController::TrayController(AppServices &services, Shell &shell, QObject *parent)
-    : QObject(parent), _services(services), _shell(shell)
+TrayController::TrayController(AppServices &services, UserInterface &ui, QObject *parent)
+    : QObject(parent), _services(services), _ui(ui)
 {
     followTools();
     _trayHostChanges = _services.platform.desktop->observeTrayHost([this] { trayHostChanged(); });
@@ -43,7 +43,7 @@ void TrayController::createStatusItem()
     if (_hasStatusItem || !_services.platform.desktop->hasTrayHost())
         return;
     _hasStatusItem = true;
-    _shell.createTray(
+    _ui.createTray(
         menu(), [this] { refresh(true); },
         // Queued: the menu has closed then.
         [this](const QString &id) {
@@ -58,7 +58,7 @@ void TrayController::refresh(bool forced)
         return;
     _lastTraySignature = now;
     if (_hasStatusItem)
-        _shell.updateTray(menu(), isRecording());
+        _ui.updateTray(menu(), isRecording());
 }
 
 QList<TrayMenuItem> TrayController::menu()
@@ -125,7 +125,7 @@ void TrayController::remove()
 {
     _menuRefreshTimer.reset();
     _hasStatusItem = false;
-    _shell.removeTray();
+    _ui.removeTray();
 }
 
 void TrayController::trayHostChanged()
@@ -138,10 +138,10 @@ void TrayController::trayHostChanged()
     if (!_hasStatusItem)
         return;
     _hasStatusItem = false;
-    _shell.removeTray();
+    _ui.removeTray();
     // The way back to a hidden window has gone with the tray.
-    if (!_shell.isMainWindowVisible())
-        _shell.minimizeMainWindow();
+    if (!_ui.isMainWindowVisible())
+        _ui.minimizeMainWindow();
 }
 
 } // namespace velbrix

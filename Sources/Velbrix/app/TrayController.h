@@ -12,7 +12,7 @@
 namespace velbrix {
 
 class AppServices;
-class Shell;
+class UserInterface;
 
 // Keeps the status item's menu and image in step with the program's state.
 // Where nothing shows tray icons it waits for something that does.
@@ -20,7 +20,7 @@ class TrayController final : public QObject {
     Q_OBJECT
 
 public:
-    TrayController(AppServices &services, Shell &shell, QObject *parent = nullptr);
+    TrayController(AppServices &services, UserInterface &ui, QObject *parent = nullptr);
     ~TrayController() override;
 
     void createStatusItem();
@@ -42,7 +42,7 @@ private:
     void checkRemoteConfig();
 
     AppServices &_services;
-    Shell &_shell;
+    UserInterface &_ui;
     bool _hasStatusItem = false;
     QString _lastTraySignature;
     std::unique_ptr<Alarm> _menuRefreshTimer;

@@ -155,8 +155,8 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::start()
 
 QString WallpaperActions::reason() const
 {
-    if (!_wallpaper.notice().isEmpty())
-        return _wallpaper.notice();
+    if (!_wallpaper.hint().isEmpty())
+        return _wallpaper.hint();
     const WallpaperState state = _wallpaper.state();
     return state.kind == WallpaperState::Kind::failed ? state.message : u"已被后来的操作取代"_s;
 }

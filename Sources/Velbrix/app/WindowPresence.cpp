@@ -1,7 +1,7 @@
 #include "app/WindowPresence.h"
 
 #include "app/AppServices.h"
-#include "app/Shell.h"
+#include "app/UserInterface.h"
 #include "platform/Platform.h"
 
 #include <QJsonArray>
@@ -26,8 +26,8 @@ std::optional<QRect> storedFrame(const SettingsStore &settings)
 
 } // namespace
 
-WindowPresence::WindowPresence(AppServices &services, Shell &shell)
-    : _services(services), _shell(shell), _savedFrame(storedFrame(services.settings))
+WindowPresence::WindowPresence(AppServices &services, UserInterface &ui)
+    : _services(services), _ui(ui), _savedFrame(storedFrame(services.settings))
 {
 }
 
@@ -35,7 +35,7 @@ WindowPresence::~WindowPresence() = default;
 
 void WindowPresence::show()
 {
-    _shell.showMainWindow(_savedFrame);
+    _ui.showMainWindow(_savedFrame);
     _services.platform.desktop->activate();
     _services.setInBackground(false);
 }
@@ -46,7 +46,7 @@ void WindowPresence::startHidden()
     // Panels start late; where none comes the window must be within reach.
     _trayGrace = _services.clock.after(trayGrace, [this] {
         if (!_services.platform.desktop->hasTrayHost() && _services.isInBackground())
-            _shell.minimizeMainWindow();
+            _ui.minimizeMainWindow();
     });
 }
 
@@ -55,10 +55,10 @@ void WindowPresence::close()
     keepFrame();
     // Without a tray nobody could bring a hidden window back.
     if (_services.platform.desktop->hasTrayHost()) {
-        _shell.hideMainWindow();
+        _ui.hideMainWindow();
         _services.setInBackground(true);
     } else {
-        _shell.minimizeMainWindow();
+        _ui.minimizeMainWindow();
     }
 }
 
@@ -66,12 +66,12 @@ void WindowPresence::end()
 {
     _trayGrace.reset();
     keepFrame();
-    _shell.hideMainWindow();
+    _ui.hideMainWindow();
 }
 
 void WindowPresence::keepFrame()
 {
-    const auto frame = _shell.mainWindowFrame();
+    const auto frame = _ui.mainWindowFrame();
     _savedFrame = frame;
     if (frame)
         _services.settings.set(frameKey, QJsonArray{frame->x(), frame->y(), frame->width(), frame->height()});

@@ -10,20 +10,20 @@
 namespace velbrix {
 
 class AppServices;
-class Shell;
+class UserInterface;
 
-// The main window's coming and going: in sight, or hidden behind the tray,
+// The main window's coming and going: visible, or hidden behind the tray,
 // and never out of the user's reach.
 class WindowPresence final {
 public:
-    WindowPresence(AppServices &services, Shell &shell);
+    WindowPresence(AppServices &services, UserInterface &ui);
     ~WindowPresence();
 
     // Before all others, where it was last.
     void show();
     // The program begins without its window.
     void startHidden();
-    // The window leaves the sight and its place is remembered.
+    // The window is hidden and its frame is remembered.
     void close();
     // For good: nothing shows it any more.
     void end();
@@ -32,7 +32,7 @@ private:
     void keepFrame();
 
     AppServices &_services;
-    Shell &_shell;
+    UserInterface &_ui;
     std::optional<QRect> _savedFrame;
     std::unique_ptr<Alarm> _trayGrace;
 };

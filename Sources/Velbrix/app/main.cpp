@@ -3,7 +3,7 @@
 #include "app/CommandClient.h"
 #include "foundation/SystemClock.h"
 #include "platform/Platform.h"
-#include "views/DesktopShell.h"
+#include "views/WidgetInterface.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -114,9 +114,9 @@ int runAsApplication(int argc, char **argv, bool inBackground)
     if (!AppDelegate::claimPlace(*host().singleInstance, inBackground))
         return exitcode::done;
     AppServices &services = AppServices::shared();
-    DesktopShell shell(services);
-    AppDelegate delegate(services, shell);
-    shell.setDelegate(delegate);
+    WidgetInterface ui(services);
+    AppDelegate delegate(services, ui);
+    ui.setDelegate(delegate);
     delegate.applicationDidFinishLaunching(inBackground);
 
     QObject::connect(&application, &QGuiApplication::applicationStateChanged, &delegate,

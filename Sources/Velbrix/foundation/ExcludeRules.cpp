@@ -23,7 +23,7 @@ ExcludeRules::ExcludeRules(const QStringList &patterns)
     }
 }
 
-bool ExcludeRules::leavesOut(const QByteArray &path, bool isFolder) const
+bool ExcludeRules::excludes(const QByteArray &path, bool isFolder) const
 {
     const QByteArray name = path.sliced(path.lastIndexOf('/') + 1);
     for (const Rule &rule : _rules) {
@@ -36,13 +36,13 @@ bool ExcludeRules::leavesOut(const QByteArray &path, bool isFolder) const
     return false;
 }
 
-bool ExcludeRules::leavesOutWithin(const QByteArray &folder) const
+bool ExcludeRules::excludesWithin(const QByteArray &folder) const
 {
     for (auto end = folder.indexOf('/'); end >= 0; end = folder.indexOf('/', end + 1)) {
-        if (leavesOut(folder.first(end), true))
+        if (excludes(folder.first(end), true))
             return true;
     }
-    return leavesOut(folder, true);
+    return excludes(folder, true);
 }
 
 QStringList ExcludeRules::rsyncArguments() const

@@ -23,10 +23,10 @@ namespace velbrix {
 struct RemovalRules {
     // Neither removed nor entered for removal, nor is anything that contains
     // them; none of them can be a root, what lies in them can. Canonical.
-    QList<QByteArray> protectedPlaces;
+    QList<QByteArray> protectedPaths;
     // The same with everything in them: nothing in one can be a root either.
     // The system's own folders (/usr, /etc, /System …) always count as such.
-    QList<QByteArray> sealedPlaces;
+    QList<QByteArray> sealedPaths;
     // Sockets somebody listens on; when unknown every socket counts.
     std::optional<QSet<QByteArray>> boundSockets;
     // Only what belongs to this user and was neither changed nor modified for
@@ -82,9 +82,9 @@ private:
     std::unique_ptr<State> _state;
 };
 
-// The places no tool ever removes on any host, for protectedPlaces: the root of
+// The places no tool ever removes on any host, for protectedPaths: the root of
 // the file system and its first floor but the temporary folder, home and its
 // well-known folders (documents, pictures …). Canonical, as far as they exist.
-QList<QByteArray> protectedHostPlaces();
+QList<QByteArray> protectedHostPaths();
 
 } // namespace velbrix

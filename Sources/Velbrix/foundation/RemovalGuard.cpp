@@ -50,7 +50,7 @@ QList<QString> homePlaces()
 
 } // namespace
 
-QList<QByteArray> protectedHostPlaces()
+QList<QByteArray> protectedHostPaths()
 {
     QList<QByteArray> places{"/", "/var/lib", "/private/var", "/var/db", "/usr/local"};
     const auto floor = FolderHandle::open("/").names();
@@ -72,11 +72,11 @@ QList<QByteArray> protectedHostPlaces()
 
 RemovalGuard::RemovalGuard(RemovalRules rules) : _rules(std::move(rules))
 {
-    _sealed = _rules.sealedPlaces + systemFolders();
-    _places = _rules.protectedPlaces + _sealed;
-    for (const QByteArray &place : std::as_const(_places)) {
+    _sealed = _rules.sealedPaths + systemFolders();
+    _paths = _rules.protectedPaths + _sealed;
+    for (const QByteArray &place : std::as_const(_paths)) {
         if (const auto found = identity(place))
-            _placeIdentities.insert(*found);
+            _identities.insert(*found);
         for (QByteArray above = place; above != "/";) {
             above = splitPath(above).first;
             if (const auto found = identity(above))
@@ -98,8 +98,8 @@ RemovalGuard::RemovalGuard(RemovalRules rules) : _rules(std::move(rules))
 QString RemovalGuard::rootObstacle(const QByteArray &canonicalPath, const struct stat &facts) const
 {
     const QString refusal = u"是受保护的位置"_s;
-    if (canonicalPath == "/" || _places.contains(canonicalPath) ||
-        _placeIdentities.contains(FileIdentity::of(facts)))
+    if (canonicalPath == "/" || _paths.contains(canonicalPath) ||
+        _identities.contains(FileIdentity::of(facts)))
         return refusal;
     for (QByteArray above = splitPath(canonicalPath).first;; above = splitPath(above).first) {
         const auto found = identity(above);
@@ -113,10 +113,10 @@ QString RemovalGuard::rootObstacle(const QByteArray &canonicalPath, const struct
 QString RemovalGuard::entryObstacle(const QByteArray &path, const struct stat &facts) const
 {
     const FileIdentity what = FileIdentity::of(facts);
-    if (_places.contains(path) || _placeIdentities.contains(what))
+    if (_paths.contains(path) || _identities.contains(what))
         return u"是受保护的位置"_s;
     if (_containing.contains(what) ||
-        std::ranges::any_of(_places, [&](const QByteArray &place) { return isInside(place, path); }))
+        std::ranges::any_of(_paths, [&](const QByteArray &place) { return isInside(place, path); }))
         return u"里面有受保护的位置"_s;
     if (S_ISSOCK(facts.st_mode) && isBound(path, facts))
         return u"套接字正在使用"_s;

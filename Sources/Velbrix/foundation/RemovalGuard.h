@@ -30,9 +30,9 @@ private:
     bool isBound(const QByteArray &path, const struct stat &facts) const;
 
     RemovalRules _rules;
-    QList<QByteArray> _places; // of both kinds
+    QList<QByteArray> _paths; // of both kinds
     QList<QByteArray> _sealed;
-    std::set<FileIdentity> _placeIdentities;
+    std::set<FileIdentity> _identities;
     std::set<FileIdentity> _sealedIdentities;
     std::set<FileIdentity> _containing; // the folders above the places
     std::set<FileIdentity> _boundIdentities;

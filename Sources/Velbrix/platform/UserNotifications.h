@@ -16,12 +16,12 @@ struct NotificationSettings {
     bool operator==(const NotificationSettings &) const = default;
 };
 
-struct UserNotice {
+struct UserNotification {
     QString identifier; // a newer notice of the same identifier takes its place
     QString title;
     QString body;
 
-    bool operator==(const UserNotice &) const = default;
+    bool operator==(const UserNotification &) const = default;
 };
 
 // The system's notification banners. Main thread.
@@ -34,7 +34,7 @@ public:
     // For alerts, sounds and badges; true when granted.
     virtual QCoro::Task<Result<bool>> requestAuthorization() = 0;
     virtual QCoro::Task<NotificationSettings> settings() = 0;
-    virtual QCoro::Task<Result<void>> post(const UserNotice notice) = 0;
+    virtual QCoro::Task<Result<void>> post(const UserNotification notification) = 0;
 };
 
 } // namespace velbrix

@@ -24,7 +24,7 @@ public:
 
     void play(const QString &path);
     void pause();
-    // Lets go of the player; for when the preview is out of sight.
+    // Lets go of the player; for when the preview is hidden.
     void stop();
     // The latest picture; null before the first.
     const QImage &frame() const { return _frame; }

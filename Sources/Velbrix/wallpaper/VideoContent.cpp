@@ -299,7 +299,7 @@ WallpaperReturn VideoContent::returnAtResume() const
         back.step = WallpaperReturn::Step::load;
         back.what = *last;
     } else {
-        back.notice = u"上次的视频已不在原处，请重新选择：%1"_s.arg(QFileInfo(*last).fileName());
+        back.hint = u"上次的视频已不在原处，请重新选择：%1"_s.arg(QFileInfo(*last).fileName());
     }
     return back;
 }

@@ -37,7 +37,7 @@ public:
     void rescan();
     void cancelScan();
 
-    // The pictures of the videos in sight; those asked for before and not in
+    // The pictures of the visible videos; those asked for before and not in
     // the list are forgotten when they have not begun.
     void wantThumbnails(const QStringList &paths);
     // Stops the work on pictures and lets go of them.

@@ -18,7 +18,7 @@ struct WallpaperReturn {
     Step step = Step::nothing;
     QString what; // to load before it is shown
     QStringList log;
-    QString notice; // for the user
+    QString hint; // for the user
 };
 
 // One kind of thing that the wallpaper can show. It puts its windows on the

@@ -73,7 +73,7 @@ void WallpaperController::follow(WallpaperContent &content)
         refuse(message);
     });
     connect(&content, &WallpaperContent::partFailed, this, [this](const QString &message) {
-        _notice = message;
+        _hint = message;
         if (!isShowing())
             stopWallpaper();
         _displays.detectDisplays();
@@ -114,15 +114,15 @@ QCoro::Task<bool> WallpaperController::apply()
     const QPointer self(this);
     if (_hasEnded)
         co_return false;
-    _notice = QString();
+    _hint = QString();
     if (_power.blocks()) {
         say(u"blocked: on battery (pauseOnBattery)"_s);
-        _notice = stoppedOnBattery;
+        _hint = stoppedOnBattery;
         co_return false;
     }
     const WallpaperContentMode mode = _preferences.contentMode();
     if (!_contents.contains(mode)) {
-        _notice = u"此版本还不能显示%1，请选择一个视频。"_s.arg(rawValue(mode));
+        _hint = u"此版本还不能显示%1，请选择一个视频。"_s.arg(rawValue(mode));
         co_return false;
     }
     WallpaperContent &content = this->content();
@@ -140,7 +140,7 @@ QCoro::Task<bool> WallpaperController::apply()
         updateState();
     } else if (content.chosen().isEmpty()) {
         updateState();
-        _notice = shown.error().message;
+        _hint = shown.error().message;
     } else {
         refuse(shown.error().message);
     }
@@ -160,7 +160,7 @@ QCoro::Task<bool> WallpaperController::setVideo(const QString path)
         refuse(chosen->error().message);
         co_return false;
     }
-    _notice = QString();
+    _hint = QString();
     updateState();
     co_return true;
 }
@@ -186,7 +186,7 @@ QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const 
     const auto problem = co_await _video.problem(file);
     if (!self)
         co_return false;
-    _notice = problem ? problem->message : QString();
+    _hint = problem ? problem->message : QString();
     if (!problem)
         _preferences.setDisplayVideoPath(displayID, file);
     co_return !problem;
@@ -228,7 +228,7 @@ QCoro::Task<bool> WallpaperController::resumeWallpaper()
 {
     if (_power.blocks()) {
         say(u"resume blocked: on battery"_s);
-        _notice = stoppedOnBattery;
+        _hint = stoppedOnBattery;
         co_return false;
     }
     setPaused(false);
@@ -244,7 +244,7 @@ QCoro::Task<bool> WallpaperController::hardResume(QString reason)
     }
     if (_hasEnded)
         co_return false;
-    _notice = QString();
+    _hint = QString();
     if (isShowing()) {
         content().hardResume(reason);
         updateState();
@@ -258,8 +258,8 @@ QCoro::Task<bool> WallpaperController::comeBack(WallpaperReturn back)
 {
     for (const QString &line : std::as_const(back.log))
         say(line);
-    if (!back.notice.isEmpty())
-        _notice = back.notice;
+    if (!back.hint.isEmpty())
+        _hint = back.hint;
     switch (back.step) {
     case WallpaperReturn::Step::nothing:
         break;
@@ -356,7 +356,7 @@ void WallpaperController::endSelecting()
 
 void WallpaperController::dismissFailure()
 {
-    _notice = QString();
+    _hint = QString();
     if (state().kind == WallpaperState::Kind::failed)
         updateState();
 }

@@ -31,7 +31,7 @@ class WallpaperController final : public QObject {
     // A wallpaper is about to show.
     VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
     // What the user should know about the last act; empty when all is well.
-    VELB_PUBLISHED(WallpaperController, QString, notice)
+    VELB_PUBLISHED(WallpaperController, QString, hint)
 
 public:
     struct Ports {

@@ -100,21 +100,21 @@ private Q_SLOTS:
         BusPeer desktop;
         NotificationService service;
         QVERIFY(desktop.serve(u"/org/freedesktop/Notifications"_s, &service) && desktop.take(serviceName));
-        const auto post = [](UserNotifications &notifications, const UserNotice &notice) {
-            return QCoro::waitFor(notifications.post(notice));
+        const auto post = [](UserNotifications &notifications, const UserNotification &notification) {
+            return QCoro::waitFor(notifications.post(notification));
         };
-        const UserNotice first{u"backup.1"_s, u"备份失败"_s, u"磁盘已满"_s};
-        const UserNotice hostile{u"backup.2"_s, u"<b>x</b>"_s, u"<img src=\"/etc/passwd\"/>&amp; ok"_s};
-        const UserNotice newer{u"backup.1"_s, u"备份完成"_s, u""_s};
+        const UserNotification first{u"backup.1"_s, u"备份失败"_s, u"磁盘已满"_s};
+        const UserNotification hostile{u"backup.2"_s, u"<b>x</b>"_s, u"<img src=\"/etc/passwd\"/>&amp; ok"_s};
+        const UserNotification newer{u"backup.1"_s, u"备份完成"_s, u""_s};
         FakeUserNotifications fake;
-        for (const UserNotice &notice : {first, hostile, newer}) {
-            QVERIFY(post(_notifications, notice));
-            QVERIFY(post(fake, notice));
+        for (const UserNotification &notification : {first, hostile, newer}) {
+            QVERIFY(post(_notifications, notification));
+            QVERIFY(post(fake, notification));
         }
         QCOMPARE(service.shown.values(),
                  (QStringList{u"备份完成|"_s,
                               u"<b>x</b>|&lt;img src=&quot;/etc/passwd&quot;/&gt;&amp;amp; ok"_s}));
-        QCOMPARE(fake.posted, (QList<UserNotice>{first, hostile, newer}));
+        QCOMPARE(fake.posted, (QList<UserNotification>{first, hostile, newer}));
         service.capabilities = {u"body"_s}; // shows it as it is
         QVERIFY(post(_notifications, hostile));
         QCOMPARE(service.shown.last(), u"<b>x</b>|<img src=\"/etc/passwd\"/>&amp; ok"_s);

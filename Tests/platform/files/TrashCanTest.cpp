@@ -297,7 +297,7 @@ private Q_SLOTS:
         TrashRig rig;
         writeFiles(rig.trash, {u"files/stays/file"_s, u"files/goes"_s, u"info/stays.trashinfo"_s,
                                u"info/goes.trashinfo"_s});
-        rig.rules.protectedPlaces = {QFile::encodeName(rig.trash + u"/files/stays"_s)};
+        rig.rules.protectedPaths = {QFile::encodeName(rig.trash + u"/files/stays"_s)};
         QCOMPARE(rig.empty().problemCount, 1);
         QCOMPARE(filesBelow(rig.trash), (QStringList{u"files/stays/file"_s, u"info/stays.trashinfo"_s}));
     }

@@ -102,9 +102,9 @@ std::optional<BackupScheduleTime> scheduleFrom(const QString &option, const QStr
         schedule.dayOfMonth = match.captured(2).toInt();
     schedule.hour = match.captured(3).toInt();
     schedule.minute = match.captured(4).toInt();
-    const bool isSound = schedule.hour < 24 && schedule.minute < 60 && schedule.dayOfMonth >= 1 &&
+    const bool isValid = schedule.hour < 24 && schedule.minute < 60 && schedule.dayOfMonth >= 1 &&
                          schedule.dayOfMonth <= 31 && schedule.month >= 1 && schedule.month <= 12;
-    return isSound ? std::optional(schedule) : std::nullopt;
+    return isValid ? std::optional(schedule) : std::nullopt;
 }
 
 // The task that the words describe, or what is wrong with them.

@@ -89,7 +89,7 @@ QJsonObject dataOf(WallpaperController &wallpaper)
             {u"paused"_s, wallpaper.isPaused()},
             {u"file"_s, file.isEmpty() ? QJsonValue() : QJsonValue(file)},
             {u"failure"_s, wallpaper.state().message},
-            {u"notice"_s, wallpaper.notice()},
+            {u"notice"_s, wallpaper.hint()},
             {u"onBattery"_s, wallpaper.power().isOnBatteryPower()},
             {u"displays"_s, displays},
             {u"iconsCovered"_s, preferences.coversDesktopIcons()},
@@ -102,8 +102,8 @@ CommandReply status(WallpaperController &wallpaper)
     const QString file = chosenFile(wallpaper);
     const WallpaperPreferences &preferences = wallpaper.preferences();
     QStringList lines = {summary(wallpaper)};
-    if (!wallpaper.notice().isEmpty())
-        lines << u"提示："_s + wallpaper.notice();
+    if (!wallpaper.hint().isEmpty())
+        lines << u"提示："_s + wallpaper.hint();
     lines << u"视频："_s + (file.isEmpty() ? u"未选择"_s : file)
           << u"内容："_s + rawValue(preferences.contentMode())
           << u"供电："_s + (wallpaper.power().isOnBatteryPower() ? u"电池"_s : u"电源"_s)
@@ -271,8 +271,8 @@ void tellNews(AppServices &services, Banners &banners)
         if (state.kind == WallpaperState::Kind::failed)
             banners.warnBehindWindow(u"动态壁纸"_s, state.message);
     });
-    QObject::connect(&wallpaper, &WallpaperController::noticeChanged, &banners,
-                     [&banners, &wallpaper] { banners.warnBehindWindow(u"动态壁纸"_s, wallpaper.notice()); });
+    QObject::connect(&wallpaper, &WallpaperController::hintChanged, &banners,
+                     [&banners, &wallpaper] { banners.warnBehindWindow(u"动态壁纸"_s, wallpaper.hint()); });
     DockHiding &dock = wallpaper.dock();
     QObject::connect(&dock, &DockHiding::problemChanged, &banners,
                      [&banners, &dock] { banners.warnBehindWindow(u"隐藏 Dock"_s, dock.problem()); });

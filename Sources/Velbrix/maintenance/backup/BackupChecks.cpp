@@ -29,7 +29,7 @@ std::optional<BackupObstacle> archiveObstacle(const BackupTask &task, const QStr
         return std::nullopt;
     const QByteArray below = destination.sliced(source.size()).toUtf8();
     const auto start = below.startsWith('/') ? 1 : 0;
-    if (below.size() > start && ExcludeRules(task.excludes).leavesOutWithin(below.sliced(start)))
+    if (below.size() > start && ExcludeRules(task.excludes).excludesWithin(below.sliced(start)))
         return std::nullopt;
     return BackupObstacle{
         u"保存目录在源文件夹里面，每个归档都会包含以前的归档；请换一个保存目录，或将它加入排除项"_s,
@@ -84,7 +84,7 @@ std::optional<QString> copyOf(const QString &path, const BackupTask &task)
     QString below = path.sliced(source.size());
     if (below.startsWith(u'/'))
         below.remove(0, 1);
-    if (!below.isEmpty() && ExcludeRules(task.excludes).leavesOutWithin(below.toUtf8()))
+    if (!below.isEmpty() && ExcludeRules(task.excludes).excludesWithin(below.toUtf8()))
         return std::nullopt;
     return QDir::cleanPath(task.kind == BackupTaskKind::sync ? product(task) + u'/' + below : product(task));
 }

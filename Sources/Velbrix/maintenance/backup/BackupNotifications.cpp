@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 patienceSecs = 3 * 24 * 3600; // a disk may be away over a weekend
 
-UserNotice notification(const BackupTask &task, const QString &title, const QString &body)
+UserNotification notification(const BackupTask &task, const QString &title, const QString &body)
 {
     return {u"velbrix.backup."_s + task.id, title, body};
 }
@@ -23,7 +23,8 @@ QString withoutFigures(QString message)
 
 } // namespace
 
-std::optional<UserNotice> failureNotification(BackupTask &task, const QDateTime &due, const QDateTime &now)
+std::optional<UserNotification> failureNotification(BackupTask &task, const QDateTime &due,
+                                                    const QDateTime &now)
 {
     if (!task.failingSince)
         task.failingSince = std::min(due, now);
@@ -37,7 +38,7 @@ std::optional<UserNotice> failureNotification(BackupTask &task, const QDateTime 
     return notification(task, u"“%1”没有完成"_s.arg(task.name), message);
 }
 
-std::optional<UserNotice> delayNotification(BackupTask &task, const QDateTime &now)
+std::optional<UserNotification> delayNotification(BackupTask &task, const QDateTime &now)
 {
     if (!task.isEnabled || !task.failingSince || task.toldOverdue ||
         task.failingSince->secsTo(now) <= patienceSecs)

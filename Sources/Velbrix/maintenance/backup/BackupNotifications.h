@@ -11,9 +11,10 @@ namespace velbrix {
 // remember in the task what was told.
 
 // After a run on schedule that failed; `due` is when it should have run.
-std::optional<UserNotice> failureNotification(BackupTask &task, const QDateTime &due, const QDateTime &now);
+std::optional<UserNotification> failureNotification(BackupTask &task, const QDateTime &due,
+                                                    const QDateTime &now);
 // Of a task whose runs have failed for long.
-std::optional<UserNotice> delayNotification(BackupTask &task, const QDateTime &now);
+std::optional<UserNotification> delayNotification(BackupTask &task, const QDateTime &now);
 // After a run that succeeded.
 void forgetFailures(BackupTask &task);
 

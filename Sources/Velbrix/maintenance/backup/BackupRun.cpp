@@ -68,11 +68,11 @@ void removeOwn(const BackupTask &task, const QString &folder,
     RemovalRules rules;
     rules.boundSockets = QSet<QByteArray>();
     // Documents or a whole disk may be a destination; what is removed there has a name of ours.
-    rules.protectedPlaces = protectedHostPlaces();
-    rules.protectedPlaces.removeAll(canonical);
+    rules.protectedPaths = protectedHostPaths();
+    rules.protectedPaths.removeAll(canonical);
     if (const QString source = QFileInfo(task.sourcePath).canonicalFilePath(); !source.isEmpty())
-        rules.protectedPlaces.append(QFile::encodeName(source));
-    rules.protectedPlaces.removeAll(canonical);
+        rules.protectedPaths.append(QFile::encodeName(source));
+    rules.protectedPaths.removeAll(canonical);
     const RemovalRoot root(canonical, rules);
     if (!root.isOpen())
         return;

@@ -136,7 +136,7 @@ public:
         T value;
         Reader reader(json);
         visitMembers(value, reader);
-        return reader._isSound ? std::optional(value) : std::nullopt;
+        return reader._isValid ? std::optional(value) : std::nullopt;
     }
 
     void operator()(QLatin1StringView key, QString &field)
@@ -183,14 +183,14 @@ public:
         const QString name = _json.value(key).toString();
         const auto *const found = std::ranges::find(kinds, name, &NamedKind<Kind>::name);
         if (found == std::end(kinds))
-            _isSound = false;
+            _isValid = false;
         else
             field = found->kind;
     }
     void operator()(QLatin1StringView key, BackupScheduleTime &field)
     {
         const auto schedule = read<BackupScheduleTime>(_json.value(key).toObject());
-        _isSound = _isSound && schedule;
+        _isValid = _isValid && schedule;
         field = schedule.value_or(field);
     }
 
@@ -204,13 +204,13 @@ private:
         if (value.isUndefined() || value.isNull())
             return;
         if (std::ranges::find(types, value.type()) == types.end())
-            _isSound = false;
+            _isValid = false;
         else
             store(value);
     }
 
     const QJsonObject &_json;
-    bool _isSound = true;
+    bool _isValid = true;
 };
 
 QJsonValue storedValue(const SettingsStore &settings)

@@ -307,7 +307,7 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
 void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion)
 {
     const QDateTime now = _clock.now();
-    std::optional<UserNotice> notification;
+    std::optional<UserNotification> notification;
     change(asRun.id, [&](BackupTask &task) {
         enterOutcome(outcome, task, now);
         if (task.lastFailed && occasion == Occasion::onSchedule)
@@ -321,7 +321,7 @@ void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &
     Q_EMIT runFinished(asRun.id);
 }
 
-void FileBackupController::notify(const std::optional<UserNotice> &notification)
+void FileBackupController::notify(const std::optional<UserNotification> &notification)
 {
     if (notification)
         _ports.notifications.post(*notification);

@@ -27,7 +27,7 @@ class Archiver;
 class SettingsStore;
 class SystemSleep;
 class UserNotifications;
-struct UserNotice;
+struct UserNotification;
 
 // A sync that would delete so much that the user is asked first.
 struct BackupQuestion {
@@ -103,7 +103,7 @@ private:
     QCoro::Task<> runDue();
     QCoro::Task<> run(BackupTask task, Occasion occasion);
     void finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion);
-    void notify(const std::optional<UserNotice> &notification);
+    void notify(const std::optional<UserNotification> &notification);
     QCoro::Task<bool> ask(BackupQuestion question);
     void answer(bool isYes);
     void abandonQuestion();

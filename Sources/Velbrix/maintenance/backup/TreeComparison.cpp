@@ -116,7 +116,7 @@ private:
     {
         if (!_rules.isEmpty())
             entries.removeIf([&](const auto &entry) {
-                return _rules.leavesOut(below(folder, entry.key()), entry.value().kind == Kind::folder);
+                return _rules.excludes(below(folder, entry.key()), entry.value().kind == Kind::folder);
             });
         return entries;
     }

@@ -8,7 +8,7 @@
 namespace velbrix {
 
 // What a folder holds, and what its mirror would lose by becoming equal to it.
-// What the rules leave out counts on neither side.
+// What the rules exclude counts on neither side.
 struct TreeFacts {
     bool isReadable = false; // the source itself
     bool isCancelled = false;

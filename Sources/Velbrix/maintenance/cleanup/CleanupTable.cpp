@@ -15,8 +15,8 @@ constexpr std::chrono::hours leastAge{24};
 
 } // namespace
 
-CleanupTable::CleanupTable(QList<CleanupRule> catalog, Ports ports, Clock &clock, QList<QByteArray> ownPlaces)
-    : _rules(std::move(catalog)), _ports(ports), _clock(clock), _ownPlaces(std::move(ownPlaces))
+CleanupTable::CleanupTable(QList<CleanupRule> catalog, Ports ports, Clock &clock, QList<QByteArray> ownPaths)
+    : _rules(std::move(catalog)), _ports(ports), _clock(clock), _ownPaths(std::move(ownPaths))
 {
 }
 
@@ -49,8 +49,8 @@ QStringList CleanupTable::measuredFolders(const CleanupRule &rule) const
 RemovalRules CleanupTable::removalRules(const CleanupRule &rule) const
 {
     RemovalRules rules;
-    rules.protectedPlaces = protectedHostPlaces();
-    rules.sealedPlaces = _ownPlaces;
+    rules.protectedPaths = protectedHostPaths();
+    rules.sealedPaths = _ownPaths;
     rules.boundSockets = _ports.programs.boundSockets();
     rules.now = _clock.now().toSecsSinceEpoch();
     if (rule.onlyOldOwnFiles)

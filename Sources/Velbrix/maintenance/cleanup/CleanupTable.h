@@ -24,9 +24,9 @@ public:
         const RunningPrograms &programs;
     };
 
-    // Ports and clock must outlive the table. `ownPlaces`: what of this program
+    // Ports and clock must outlive the table. `ownPaths`: what of this program
     // must never be removed.
-    CleanupTable(QList<CleanupRule> catalog, Ports ports, Clock &clock, QList<QByteArray> ownPlaces);
+    CleanupTable(QList<CleanupRule> catalog, Ports ports, Clock &clock, QList<QByteArray> ownPaths);
 
     const QList<CleanupRule> &rules() const { return _rules; }
     // Null when there is no such item; valid until the table changes.
@@ -47,7 +47,7 @@ private:
     QList<CleanupRule> _rules;
     Ports _ports;
     Clock &_clock;
-    QList<QByteArray> _ownPlaces;
+    QList<QByteArray> _ownPaths;
 };
 
 } // namespace velbrix

@@ -61,7 +61,7 @@ Cleaned emptyFolders(const QStringList &folders, bool isPattern, CleanupBounds b
                      const Cancellation &work)
 {
     const QList<QByteArray> kept = keptPlaces(folders, bounds);
-    bounds.rules.protectedPlaces += kept;
+    bounds.rules.protectedPaths += kept;
     Cleaned cleaned;
     for (const QString &folder : folders) {
         const QByteArray native = QFile::encodeName(folder);

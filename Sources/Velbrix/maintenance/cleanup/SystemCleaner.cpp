@@ -43,12 +43,12 @@ QStringList idsOf(const QList<CleanupItem> &items)
 } // namespace
 
 SystemCleaner::SystemCleaner(const Ports &ports, SettingsStore &settings, Clock &clock,
-                             QList<CleanupRule> catalog, QList<QByteArray> ownPlaces, QObject *parent)
+                             QList<CleanupRule> catalog, QList<QByteArray> ownPaths, QObject *parent)
     : QObject(parent),
       _clock(clock),
       _choices(settings),
       _table(withFolders(std::move(catalog), _choices.customPaths()), {ports.trash, ports.programs}, clock,
-             std::move(ownPlaces)),
+             std::move(ownPaths)),
       _sizes(_table, ports.usage),
       _details(_table, _choices, ports.usage, clock),
       _itemCleaner({ports.trash, ports.admin}, clock)

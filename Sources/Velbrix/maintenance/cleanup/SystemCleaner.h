@@ -47,10 +47,10 @@ public:
         RunningPrograms &programs;
     };
 
-    // Everything must outlive the cleaner. `ownPlaces`: what of this program
+    // Everything must outlive the cleaner. `ownPaths`: what of this program
     // must never be removed.
     SystemCleaner(const Ports &ports, SettingsStore &settings, Clock &clock, QList<CleanupRule> catalog,
-                  QList<QByteArray> ownPlaces, QObject *parent = nullptr);
+                  QList<QByteArray> ownPaths, QObject *parent = nullptr);
     ~SystemCleaner() override;
 
     CleanupGroup group(const QString &id) const;

@@ -162,11 +162,11 @@ UninstallPlan AppScanner::planFor(const AppInfo &app, UninstallMode mode) const
         if (other.path != app.path && !other.bundleID.isEmpty())
             plan.search.subject.others.append(other.bundleID);
     }
-    plan.search.protectedPlaces = {_ownFolder, _ports.catalog.ownIdentity().path};
-    plan.search.protectedPlaces += _ports.trash.folders();
+    plan.search.protectedPaths = {_ownFolder, _ports.catalog.ownIdentity().path};
+    plan.search.protectedPaths += _ports.trash.folders();
     const CleanupOptions options = cleanupOptions();
     for (const LibraryFolder &folder : _ports.catalog.libraryFolders()) {
-        plan.search.protectedPlaces.append(folder.path);
+        plan.search.protectedPaths.append(folder.path);
         if (mode == UninstallMode::full || (mode == UninstallMode::custom && flag(options, folder.kind)))
             plan.search.folders.append(folder);
     }

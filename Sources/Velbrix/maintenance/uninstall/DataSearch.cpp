@@ -76,28 +76,28 @@ QThreadPool &uninstallWorkers()
     return *pool;
 }
 
-ProtectedPlaces::ProtectedPlaces(const QStringList &places)
+ProtectedPaths::ProtectedPaths(const QStringList &places)
 {
     QStringList all = places;
-    for (const QByteArray &place : protectedHostPlaces())
+    for (const QByteArray &place : protectedHostPaths())
         all.append(QFile::decodeName(place));
     for (const QString &place : std::as_const(all)) {
         for (QString path : {QDir::cleanPath(place), withoutLinksAbove(place), canonicalPath(place)}) {
-            for (; path.startsWith(u'/') && !_places.contains(path); path = QFileInfo(path).path())
-                _places.insert(path);
+            for (; path.startsWith(u'/') && !_paths.contains(path); path = QFileInfo(path).path())
+                _paths.insert(path);
         }
     }
 }
 
-bool ProtectedPlaces::hold(const QString &path) const
+bool ProtectedPaths::hold(const QString &path) const
 {
-    return _places.contains(QDir::cleanPath(path)) || _places.contains(withoutLinksAbove(path));
+    return _paths.contains(QDir::cleanPath(path)) || _paths.contains(withoutLinksAbove(path));
 }
 
 QList<ReviewItem> findData(const DataSearch &search)
 {
     const DataMatcher matcher(search.subject);
-    const ProtectedPlaces places(search.protectedPlaces);
+    const ProtectedPaths places(search.protectedPaths);
     QList<ReviewItem> items;
     QSet<QString> seen;
     for (const LibraryFolder &folder : search.folders) {

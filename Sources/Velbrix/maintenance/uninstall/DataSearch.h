@@ -14,25 +14,25 @@ namespace velbrix {
 
 // Places that must stay, with those no tool ever removes: each of them and
 // whatever contains one. A link counts as itself, not as what it leads to.
-class ProtectedPlaces {
+class ProtectedPaths {
 public:
     // Blocking: links on the way are resolved.
-    explicit ProtectedPlaces(const QStringList &places);
+    explicit ProtectedPaths(const QStringList &places);
 
     // Blocking.
     bool hold(const QString &path) const;
     // A path without links on the way.
-    bool holdCanonical(const QString &path) const { return _places.contains(path); }
+    bool holdCanonical(const QString &path) const { return _paths.contains(path); }
 
 private:
-    QSet<QString> _places;
+    QSet<QString> _paths;
 };
 
 // Where and for what to look.
 struct DataSearch {
     QList<LibraryFolder> folders;
     DataSubject subject;
-    QStringList protectedPlaces; // never found
+    QStringList protectedPaths; // never found
 };
 
 // What is to go, and within what bounds.

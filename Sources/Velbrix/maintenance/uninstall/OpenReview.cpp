@@ -48,7 +48,7 @@ ReviewItem applicationItem(const AppInfo &app)
 // In their own order, without those that are not there.
 QList<ReviewItem> companionItems(const QList<ApplicationCompanion> &companions, const QStringList &places)
 {
-    const ProtectedPlaces stay(places);
+    const ProtectedPaths stay(places);
     QList<ReviewItem> items;
     for (const ApplicationCompanion &companion : companions) {
         if (!companion.path.startsWith(u'/') || stay.hold(companion.path) || !isThere(companion.path))
@@ -67,7 +67,7 @@ QList<ReviewItem> companionItems(const QList<ApplicationCompanion> &companions, 
 QList<ReviewItem> itemsOf(const UninstallPlan &plan)
 {
     const AppInfo &app = plan.review.app;
-    QList<ReviewItem> items = companionItems(app.source.companions, plan.search.protectedPlaces);
+    QList<ReviewItem> items = companionItems(app.source.companions, plan.search.protectedPaths);
     QSet<QString> listed = {app.path};
     for (const ApplicationCompanion &companion : app.source.companions)
         listed.insert(companion.path);

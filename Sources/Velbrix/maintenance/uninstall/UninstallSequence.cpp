@@ -43,13 +43,13 @@ Standing standing(const AppInfo &app, const OwnIdentity &own, const QStringList 
     application.name = app.name;
     application.identifier = app.bundleID;
     return {isSelf(selfTraits(application), selfTraits(own)), isThere(app.path),
-            !app.path.startsWith(u'/') || ProtectedPlaces(places).hold(app.path)};
+            !app.path.startsWith(u'/') || ProtectedPaths(places).hold(app.path)};
 }
 
 // Those companions that may go.
 QStringList allowedCompanions(const QList<ApplicationCompanion> &companions, const QStringList &places)
 {
-    const ProtectedPlaces stay(places);
+    const ProtectedPaths stay(places);
     QStringList allowed;
     for (const ApplicationCompanion &companion : companions) {
         if (companion.path.startsWith(u'/') && !stay.hold(companion.path))
@@ -144,7 +144,7 @@ QCoro::Task<QString> UninstallSequence::obstacle()
     const QString path = _plan.review.app.path;
     const OwnIdentity own = _catalog.ownIdentity();
     const QFuture<Standing> asked =
-        QtConcurrent::run(&uninstallWorkers(), standing, _plan.review.app, own, _plan.search.protectedPlaces);
+        QtConcurrent::run(&uninstallWorkers(), standing, _plan.review.app, own, _plan.search.protectedPaths);
     const Standing found = co_await asked;
     if (found.isSelf) {
         log::line(u"Uninstall"_s, u"blocked self uninstall: "_s + path);
@@ -183,7 +183,7 @@ QCoro::Task<> UninstallSequence::takeCompanions()
     const QPointer self(this);
     const QFuture<QStringList> asked =
         QtConcurrent::run(&uninstallWorkers(), allowedCompanions, _plan.review.app.source.companions,
-                          _plan.search.protectedPlaces);
+                          _plan.search.protectedPaths);
     const QStringList allowed = co_await asked;
     if (!self)
         co_return;

@@ -89,7 +89,7 @@ QWidget *AddBackupTaskSheet::makeForm()
     rows->addWidget(_kindLine);
     connect(_kind, &SegmentedChoice::wanted, this, [this](int index) { showKind(index); });
 
-    addPlaces(*rows);
+    addFolders(*rows);
     _name = new QLineEdit(_task.name);
     _name->setObjectName(u"editorName"_s);
     _name->setAccessibleName(u"任务名称"_s);
@@ -101,7 +101,8 @@ QWidget *AddBackupTaskSheet::makeForm()
     return form;
 }
 
-PathField *AddBackupTaskSheet::makePlace(const QString &name, const QString &title, const QString &panelTitle)
+PathField *AddBackupTaskSheet::makeFolderField(const QString &name, const QString &title,
+                                               const QString &panelTitle)
 {
     auto *field = new PathField(_context.theme, name, panelTitle);
     field->setAccessibleName(title);
@@ -114,12 +115,12 @@ PathField *AddBackupTaskSheet::makePlace(const QString &name, const QString &tit
     return field;
 }
 
-void AddBackupTaskSheet::addPlaces(QVBoxLayout &rows)
+void AddBackupTaskSheet::addFolders(QVBoxLayout &rows)
 {
-    _source = makePlace(u"editorSource"_s, u"源文件夹"_s, u"选择源文件夹"_s);
+    _source = makeFolderField(u"editorSource"_s, u"源文件夹"_s, u"选择源文件夹"_s);
     _source->setPath(_task.sourcePath);
     _sourceProblem = makeProblem(u"sourceProblem"_s);
-    _destination = makePlace(u"editorDestination"_s, u"保存目录"_s, u"选择保存目录"_s);
+    _destination = makeFolderField(u"editorDestination"_s, u"保存目录"_s, u"选择保存目录"_s);
     _destination->setPath(_task.destPath);
     _destinationProblem = makeProblem(u"destinationProblem"_s);
     addField(rows, u"源文件夹"_s, _source);
@@ -204,9 +205,9 @@ void AddBackupTaskSheet::save()
 void AddBackupTaskSheet::show(const BackupObstacle &obstacle)
 {
     using Field = BackupObstacle::Field;
-    const std::pair<Field, QLabel *> places[] = {
+    const std::pair<Field, QLabel *> fields[] = {
         {Field::none, _problem}, {Field::source, _sourceProblem}, {Field::destination, _destinationProblem}};
-    for (const auto &[field, label] : places) {
+    for (const auto &[field, label] : fields) {
         const bool isHere = field == obstacle.field && !obstacle.message.isEmpty();
         label->setText(isHere ? obstacle.message : QString());
         label->setVisible(isHere);

@@ -31,9 +31,9 @@ protected:
 
 private:
     QWidget *makeForm();
-    void addPlaces(QVBoxLayout &rows);
+    void addFolders(QVBoxLayout &rows);
     void addRules(QVBoxLayout &rows);
-    PathField *makePlace(const QString &name, const QString &title, const QString &panelTitle);
+    PathField *makeFolderField(const QString &name, const QString &title, const QString &panelTitle);
     void showKind(int index);
     void save();
     void show(const BackupObstacle &obstacle);

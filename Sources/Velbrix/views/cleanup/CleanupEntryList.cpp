@@ -75,16 +75,16 @@ void CleanupEntryList::Entries::reorder(const QList<CleanupEntry> &entries)
 {
     Q_EMIT layoutAboutToBeChanged();
     const QModelIndexList held = persistentIndexList();
-    QHash<QByteArray, int> places;
+    QHash<QByteArray, int> rows;
     if (!held.isEmpty()) {
-        places.reserve(entries.size());
+        rows.reserve(entries.size());
         for (int row = 0; row < entries.size(); ++row)
-            places.insert(entries[row].path, row);
+            rows.insert(entries[row].path, row);
     }
     QModelIndexList moved;
     for (const QModelIndex &old : held) {
-        const auto place = places.constFind(_entries[old.row()].path);
-        moved.append(place == places.cend() ? QModelIndex() : index(*place));
+        const auto place = rows.constFind(_entries[old.row()].path);
+        moved.append(place == rows.cend() ? QModelIndex() : index(*place));
     }
     _entries = entries;
     changePersistentIndexList(held, moved);

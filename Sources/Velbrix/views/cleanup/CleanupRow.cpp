@@ -76,16 +76,16 @@ QWidget *CleanupRow::makeLine(const CleanupItem &item)
 {
     auto *line = new QWidget;
     line->setMinimumHeight(44);
-    auto *places = new QHBoxLayout(line);
-    places->setContentsMargins(0, 9, 0, 9);
-    places->setSpacing(12);
+    auto *columns = new QHBoxLayout(line);
+    columns->setContentsMargins(0, 9, 0, 9);
+    columns->setSpacing(12);
     _check = new CheckBox(_context.theme, u"cleanupCheck."_s + _id);
     _check->setAccessibleName(oneLine(item.name));
     _check->setAccessibleDescription(oneLine(item.description));
     connect(_check, &CheckBox::wanted, this, [this](bool on) { _cleaner.setSelected(_id, on); });
-    places->addWidget(_check);
-    places->addWidget(new SymbolLabel(_context.theme, item.icon, symbolSide, ThemeColor::secondary));
-    places->addWidget(makeWords(item), 1);
+    columns->addWidget(_check);
+    columns->addWidget(new SymbolLabel(_context.theme, item.icon, symbolSide, ThemeColor::secondary));
+    columns->addWidget(makeWords(item), 1);
     addButtons(line, item);
     return line;
 }
@@ -135,13 +135,13 @@ QWidget *CleanupRow::makeBusyMark(const CleanupItem &item)
 
 void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
 {
-    auto *places = static_cast<QHBoxLayout *>(line->layout());
+    auto *columns = static_cast<QHBoxLayout *>(line->layout());
     const QString name = oneLine(item.name);
     if (item.customPath) {
         _remove =
             makeButton(_context.theme, {u"cleanupRemove."_s + _id, u"移除自定义路径"_s, {}, u"plain"_s});
         _remove->setAccessibleDescription(name);
-        places->addWidget(_remove);
+        columns->addWidget(_remove);
         connect(_remove, &QPushButton::clicked, this, [this] { _cleaner.removeCustomPath(_id); });
     }
     _size = new TabularLabel;
@@ -149,13 +149,13 @@ void CleanupRow::addButtons(QWidget *line, const CleanupItem &item)
     auto *column = new QGridLayout;
     column->setColumnMinimumWidth(0, sizeWidth); // what stands before the sizes is in one column, too
     column->addWidget(_size, 0, 0, Qt::AlignRight | Qt::AlignVCenter);
-    places->addLayout(column);
+    columns->addLayout(column);
     _open = makeButton(_context.theme, {u"cleanupOpen."_s + _id, {}, u"chevron.right"_s, u"icon"_s});
     _open->setFixedSize(openerSide, openerSide);
     QSizePolicy policy = _open->sizePolicy();
     policy.setRetainSizeWhenHidden(true); // sizes stand in one column
     _open->setSizePolicy(policy);
-    places->addWidget(_open);
+    columns->addWidget(_open);
     connect(_open, &QPushButton::clicked, this, [this] {
         if (_cleaner.details().contents().contains(_id))
             _cleaner.details().close(_id);

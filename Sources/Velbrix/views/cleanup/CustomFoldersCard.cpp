@@ -32,15 +32,15 @@ QStringList droppedFolders(const QMimeData *data)
 }
 
 // A folder with the hairline above it.
-QWidget *makePlace(CleanupRow *row)
+QWidget *makeRow(CleanupRow *content)
 {
-    auto *place = new QWidget;
-    auto *rows = new QVBoxLayout(place);
+    auto *row = new QWidget;
+    auto *rows = new QVBoxLayout(row);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     rows->addWidget(makeHairline());
-    rows->addWidget(row);
-    return place;
+    rows->addWidget(content);
+    return row;
 }
 
 } // namespace
@@ -130,21 +130,21 @@ void CustomFoldersCard::showFolders()
     QList<CleanupItem> wanted = _cleaner.items();
     wanted.removeIf([](const CleanupItem &item) { return !item.customPath; });
     auto *rows = static_cast<QVBoxLayout *>(_folders->layout());
-    for (const QString &id : _places.keys()) {
+    for (const QString &id : _rows.keys()) {
         if (std::ranges::find(wanted, id, &CleanupItem::id) != wanted.end())
             continue;
-        QWidget *const place = _places.take(id);
-        place->hide();
-        rows->removeWidget(place);
-        place->deleteLater(); // its button may have been clicked just now
-        _problem->hide();     // there is room again
+        QWidget *const row = _rows.take(id);
+        row->hide();
+        rows->removeWidget(row);
+        row->deleteLater(); // its button may have been clicked just now
+        _problem->hide();   // there is room again
     }
     for (const CleanupItem &item : std::as_const(wanted)) {
-        if (_places.contains(item.id))
+        if (_rows.contains(item.id))
             continue;
-        QWidget *const place = makePlace(new CleanupRow(_context, item));
-        _places.insert(item.id, place);
-        rows->addWidget(place);
+        QWidget *const row = makeRow(new CleanupRow(_context, item));
+        _rows.insert(item.id, row);
+        rows->addWidget(row);
     }
     _folders->setVisible(!wanted.isEmpty());
     showAdding();

@@ -35,7 +35,7 @@ private:
     QPushButton *_add;
     SettingRow *_problem;
     QWidget *_folders;
-    QHash<QString, QWidget *> _places; // by id
+    QHash<QString, QWidget *> _rows; // by id
 };
 
 } // namespace velbrix

@@ -7,7 +7,7 @@ namespace velbrix {
 class Theme;
 
 // Rows of one height that scroll in a list of their own, made for thousands:
-// only those in sight are drawn. ↑↓ move the current row; Enter, Space and what
+// only the visible ones are drawn. ↑↓ move the current row; Enter, Space and what
 // is typed are told.
 class RowList final : public QListView {
     Q_OBJECT

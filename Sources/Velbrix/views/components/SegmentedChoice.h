@@ -7,7 +7,7 @@ class QButtonGroup;
 
 namespace velbrix {
 
-// One of a few values, all in sight. The arrow keys move through them; the
+// One of a few values, all visible. The arrow keys move through them; the
 // user's choice only asks, setCurrent() shows what holds.
 class SegmentedChoice final : public QFrame {
     Q_OBJECT

@@ -14,7 +14,7 @@ namespace velbrix {
 struct ButtonLook;
 
 // A panel inside the window, with a title, a body and buttons under it. It
-// belongs to a page and is out of sight while the page is.
+// belongs to a page and is hidden while the page is.
 class Sheet : public Overlay {
     Q_OBJECT
 

@@ -12,7 +12,7 @@ namespace velbrix {
 class Theme;
 
 // Pictures with names to choose one of; arrow keys and Space or a click choose.
-// Made for tens of thousands of cells: only those in sight are drawn, and
+// Made for tens of thousands of cells: only the visible ones are drawn, and
 // whoever brings the pictures is told which these are.
 class ThumbnailGrid final : public QListView {
     Q_OBJECT

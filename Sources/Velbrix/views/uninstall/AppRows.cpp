@@ -122,25 +122,25 @@ void AppRow::paint(QPainter *painter, const QStyleOptionViewItem &option, const 
     painter->restore();
 }
 
-void AppRow::drawIcon(QPainter &painter, const QRect &place, const QModelIndex &index) const
+void AppRow::drawIcon(QPainter &painter, const QRect &rect, const QModelIndex &index) const
 {
     const QIcon &icon = _rows.app(index).icon;
-    if (!icon.isNull() && !icon.pixmap(place.size()).isNull()) {
-        icon.paint(&painter, place);
+    if (!icon.isNull() && !icon.pixmap(rect.size()).isNull()) {
+        icon.paint(&painter, rect);
         return;
     }
     QColor back = _theme.color(ThemeColor::secondary);
     back.setAlphaF(0.12F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(back);
-    painter.drawRoundedRect(place, 8, 8);
+    painter.drawRoundedRect(rect, 8, 8);
     constexpr int inner = 20;
-    painter.drawPixmap(place.x() + (side - inner) / 2, place.y() + (side - inner) / 2,
+    painter.drawPixmap(rect.x() + (side - inner) / 2, rect.y() + (side - inner) / 2,
                        _theme.symbol(u"shippingbox.fill"_s, inner, _theme.color(ThemeColor::secondary),
                                      painter.device()->devicePixelRatioF()));
 }
 
-void AppRow::drawName(QPainter &painter, const QRect &place, const QModelIndex &index) const
+void AppRow::drawName(QPainter &painter, const QRect &rect, const QModelIndex &index) const
 {
     const AppInfo &app = _rows.app(index);
     const QString manager = app.source.manager;
@@ -153,9 +153,9 @@ void AppRow::drawName(QPainter &painter, const QRect &place, const QModelIndex &
     painter.setFont(_theme.font(13, QFont::DemiBold));
     painter.setPen(_theme.color(ThemeColor::text));
     const QString name =
-        painter.fontMetrics().elidedText(oneLine(app.name), Qt::ElideRight, place.width() - marks);
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, name);
-    QRect rest = place.adjusted(painter.fontMetrics().horizontalAdvance(name) + 8, 0, 0, 0);
+        painter.fontMetrics().elidedText(oneLine(app.name), Qt::ElideRight, rect.width() - marks);
+    painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter, name);
+    QRect rest = rect.adjusted(painter.fontMetrics().horizontalAdvance(name) + 8, 0, 0, 0);
     if (!manager.isEmpty())
         drawMark(painter, rest, manager, _theme.color(ThemeColor::secondary));
     if (isRunning)
@@ -180,13 +180,13 @@ void AppRow::drawMark(QPainter &painter, QRect &room, const QString &text, const
 void AppRow::drawButton(QPainter &painter, const QStyleOptionViewItem &option) const
 {
     const bool isOver = option.state.testFlag(QStyle::State_MouseOver);
-    const QRect place = buttonRect(option.rect);
+    const QRect rect = buttonRect(option.rect);
     painter.setPen(_theme.color(isOver ? ThemeColor::bad : ThemeColor::hairline));
     painter.setBrush(_theme.color(ThemeColor::control));
-    painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
+    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
     painter.setFont(_theme.font(13));
     painter.setPen(_theme.color(ThemeColor::bad));
-    painter.drawText(place, Qt::AlignCenter, u"卸载"_s);
+    painter.drawText(rect, Qt::AlignCenter, u"卸载"_s);
 }
 
 bool AppRow::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &option,

@@ -60,8 +60,8 @@ protected:
                      const QModelIndex &index) override;
 
 private:
-    void drawIcon(QPainter &painter, const QRect &place, const QModelIndex &index) const;
-    void drawName(QPainter &painter, const QRect &place, const QModelIndex &index) const;
+    void drawIcon(QPainter &painter, const QRect &rect, const QModelIndex &index) const;
+    void drawName(QPainter &painter, const QRect &rect, const QModelIndex &index) const;
     void drawMark(QPainter &painter, QRect &room, const QString &text, const QColor &color) const;
     void drawButton(QPainter &painter, const QStyleOptionViewItem &option) const;
 

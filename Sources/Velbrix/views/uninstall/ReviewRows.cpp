@@ -132,24 +132,24 @@ void ReviewRow::paint(QPainter *painter, const QStyleOptionViewItem &option, con
     painter->restore();
 }
 
-void ReviewRow::drawReasons(QPainter &painter, const QRect &place, const ReviewItem &item) const
+void ReviewRow::drawReasons(QPainter &painter, const QRect &rect, const ReviewItem &item) const
 {
     painter.setFont(_theme.font(12));
     const QString why = reasonText(item);
     const int wide = painter.fontMetrics().horizontalAdvance(why);
-    const int room = item.caution.isEmpty() ? place.width() : place.width() * 3 / 5;
+    const int room = item.caution.isEmpty() ? rect.width() : rect.width() * 3 / 5;
     painter.setPen(_theme.color(ThemeColor::secondary));
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+    painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter,
                      painter.fontMetrics().elidedText(why, Qt::ElideMiddle, room));
     if (item.caution.isEmpty())
         return;
     constexpr int side = 14;
     const QColor tint = _theme.color(ThemeColor::warning);
-    const int x = place.x() + std::min(wide, room) + 12;
+    const int x = rect.x() + std::min(wide, room) + 12;
     painter.drawPixmap(
-        x, place.center().y() - side / 2 + 1,
+        x, rect.center().y() - side / 2 + 1,
         _theme.symbol(u"exclamationmark.triangle.fill"_s, side, tint, painter.device()->devicePixelRatioF()));
-    const QRect rest(x + side + 4, place.y(), place.right() - x - side - 4, place.height());
+    const QRect rest(x + side + 4, rect.y(), rect.right() - x - side - 4, rect.height());
     painter.setPen(tint);
     painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter,
                      painter.fontMetrics().elidedText(item.caution, Qt::ElideRight, rest.width()));

@@ -56,7 +56,7 @@ protected:
                      const QModelIndex &index) override;
 
 private:
-    void drawReasons(QPainter &painter, const QRect &place, const ReviewItem &item) const;
+    void drawReasons(QPainter &painter, const QRect &rect, const ReviewItem &item) const;
 
     const Theme &_theme;
     RowList &_list;

@@ -58,14 +58,14 @@ QWidget *WallpaperPreviewCard::makeWords()
     _name->setObjectName(u"wallpaperName"_s);
     _facts = makeText({}, u"note"_s);
     _facts->setObjectName(u"wallpaperFacts"_s);
-    _notice = makeText({}, u"note"_s);
-    _notice->setObjectName(u"wallpaperNotice"_s);
+    _hint = makeText({}, u"note"_s);
+    _hint->setObjectName(u"wallpaperNotice"_s);
     auto *line = new QHBoxLayout(_words);
     line->setContentsMargins(0, 8, 0, 4);
     line->setSpacing(16);
     auto *texts = new QVBoxLayout;
     texts->setSpacing(2);
-    for (QLabel *label : {_name, _facts, _notice})
+    for (QLabel *label : {_name, _facts, _hint})
         texts->addWidget(label);
     line->addLayout(texts, 1);
     _badge = new WallpaperBadge(_context.theme);
@@ -125,9 +125,9 @@ void WallpaperPreviewCard::followWallpaper()
     again();
     const auto noted = [this] {
         showState();
-        showNotice();
+        showHint();
     };
-    connect(&wallpaper, &WallpaperController::noticeChanged, this, noted);
+    connect(&wallpaper, &WallpaperController::hintChanged, this, noted);
     connect(&wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged, this, noted);
     connect(&wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged, this, noted);
 }
@@ -139,7 +139,7 @@ void WallpaperPreviewCard::followPreview()
     const auto again = [this] { showPicture(); };
     connect(&preview, &PreviewPlayer::frameChanged, this, again);
     connect(&wallpaper.video(), &WallpaperVideo::currentFrameChanged, this, again);
-    connect(&preview, &PreviewPlayer::problemChanged, this, [this] { showNotice(); });
+    connect(&preview, &PreviewPlayer::problemChanged, this, [this] { showHint(); });
     connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, [&wallpaper] {
         if (wallpaper.preview().previewItemURL() != wallpaper.video().videoURL())
             wallpaper.preview().stop();
@@ -148,7 +148,7 @@ void WallpaperPreviewCard::followPreview()
         _stage->setPlaying(preview.isPreviewPlaying());
         showPicture();
     });
-    showNotice();
+    showHint();
 }
 
 void WallpaperPreviewCard::choose()
@@ -220,14 +220,14 @@ void WallpaperPreviewCard::showPicture()
     _stage->setPicture(isPreview ? preview.frame() : wallpaper.video().currentFrame().value_or(QImage()));
 }
 
-void WallpaperPreviewCard::showNotice()
+void WallpaperPreviewCard::showHint()
 {
     WallpaperController &wallpaper = _context.services.wallpaper;
     QString text = wallpaper.preview().problem();
     if (text.isEmpty())
-        text = wallpaper.power().blocks() ? stoppedOnBattery : wallpaper.notice();
-    _notice->setText(text);
-    _notice->setVisible(!_notice->text().isEmpty());
+        text = wallpaper.power().blocks() ? stoppedOnBattery : wallpaper.hint();
+    _hint->setText(text);
+    _hint->setVisible(!_hint->text().isEmpty());
 }
 
 void WallpaperPreviewCard::dragEnterEvent(QDragEnterEvent *event)

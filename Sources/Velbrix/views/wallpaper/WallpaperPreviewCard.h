@@ -37,7 +37,7 @@ private:
     void showState();
     void showVideo();
     void showPicture();
-    void showNotice();
+    void showHint();
     void loadLastVideo();
 
     ViewContext _context;
@@ -48,7 +48,7 @@ private:
     QLabel *_facts = nullptr;
     WallpaperBadge *_badge = nullptr;
     SettingRow *_failure = nullptr;
-    QLabel *_notice = nullptr;
+    QLabel *_hint = nullptr;
     QWidget *_buttons = nullptr;
     QPushButton *_toggle = nullptr;
     QPushButton *_stop = nullptr;

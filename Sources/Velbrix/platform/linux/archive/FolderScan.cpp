@@ -94,7 +94,7 @@ private:
             return;
         }
         if (!isKept(facts.st_mode) || FileIdentity::of(facts) == _except ||
-            _excludes.leavesOut(path, S_ISDIR(facts.st_mode)))
+            _excludes.excludes(path, S_ISDIR(facts.st_mode)))
             return;
         _pending.push_back(itemOf(std::move(path), facts));
     }

@@ -56,7 +56,7 @@ QCoro::Task<NotificationSettings> FreedesktopNotifications::settings()
     co_return NotificationSettings{false, u"denied"_s, u"notSupported"_s};
 }
 
-QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotice notice)
+QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotification notification)
 {
     if (!busConnection(Bus::session))
         co_return failure(u"没有会话总线，无法显示系统通知"_s);
@@ -67,17 +67,17 @@ QCoro::Task<Result<void>> FreedesktopNotifications::post(const UserNotice notice
         !capabilities || capabilities->value(0).toStringList().contains(u"body-markup"_s);
     constexpr int serversChoice = -1;
     const QVariantList arguments{u"Velbrix"_s,
-                                 _shown.value(notice.identifier),
+                                 _shown.value(notification.identifier),
                                  u"velbrix"_s,
-                                 notice.title,
-                                 takesMarkup ? notice.body.toHtmlEscaped() : notice.body,
+                                 notification.title,
+                                 takesMarkup ? notification.body.toHtmlEscaped() : notification.body,
                                  QStringList(),
                                  QVariantMap(),
                                  serversChoice};
     const auto shown = co_await callBus(service, u"Notify"_s, arguments);
     if (!shown)
         co_return std::unexpected(shown.error());
-    _shown[notice.identifier] = shown->value(0).toUInt();
+    _shown[notification.identifier] = shown->value(0).toUInt();
     co_return Result<void>();
 }
 

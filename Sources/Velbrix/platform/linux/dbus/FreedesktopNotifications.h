@@ -15,7 +15,7 @@ public:
     // Starts no service: one that the bus can start on demand counts as there.
     QCoro::Task<Result<bool>> requestAuthorization() override;
     QCoro::Task<NotificationSettings> settings() override;
-    QCoro::Task<Result<void>> post(const UserNotice notice) override;
+    QCoro::Task<Result<void>> post(const UserNotification notification) override;
 
 private:
     QHash<QString, uint> _shown; // the service's number by our identifier

@@ -16,7 +16,7 @@ public:
     void registerCategory(const QString identifier) override;
     QCoro::Task<Result<bool>> requestAuthorization() override;
     QCoro::Task<NotificationSettings> settings() override;
-    QCoro::Task<Result<void>> post(const UserNotice notice) override;
+    QCoro::Task<Result<void>> post(const UserNotification notification) override;
 
 private:
     struct Private;

@@ -87,7 +87,7 @@ QCoro::Task<NotificationSettings> MacUserNotifications::settings()
     return answerOf(read);
 }
 
-QCoro::Task<Result<void>> MacUserNotifications::post(const UserNotice notice)
+QCoro::Task<Result<void>> MacUserNotifications::post(const UserNotification notification)
 {
     const Completion<Result<void>> posted;
     if (!hasBundle()) {
@@ -95,10 +95,10 @@ QCoro::Task<Result<void>> MacUserNotifications::post(const UserNotice notice)
         return answerOf(posted);
     }
     UNMutableNotificationContent *content = [UNMutableNotificationContent new];
-    content.title = toNSString(notice.title);
-    content.body = toNSString(notice.body);
+    content.title = toNSString(notification.title);
+    content.body = toNSString(notification.body);
     UNNotificationRequest *request =
-        [UNNotificationRequest requestWithIdentifier:toNSString(notice.identifier)
+        [UNNotificationRequest requestWithIdentifier:toNSString(notification.identifier)
                                              content:content
                                              trigger:nil];
     [[UNUserNotificationCenter currentNotificationCenter]

@@ -11,9 +11,9 @@
 namespace velbrix {
 
 // The windows and the tray icon as the application's delegate moves them.
-class Shell {
+class UserInterface {
 public:
-    virtual ~Shell() = default;
+    virtual ~UserInterface() = default;
 
     // Shows the window before all others, at the frame when there is one that
     // still lies on a screen.

@@ -1,4 +1,4 @@
-#include "views/DesktopShell.h"
+#include "views/WidgetInterface.h"
 
 #include "app/AppDelegate.h"
 #include "app/AppServices.h"
@@ -48,18 +48,18 @@ bool liesOnAScreen(const QRect &frame, const QList<QRect> &screens)
     });
 }
 
-DesktopShell::DesktopShell(AppServices &services)
+WidgetInterface::WidgetInterface(AppServices &services)
     : _services(services), _theme(*services.platform.desktop, *services.platform.symbols)
 {
     _toasts = std::make_unique<ToastStack>(_theme, services.toasts, [this] { return usableScreen(); });
 }
 
-DesktopShell::~DesktopShell() = default;
+WidgetInterface::~WidgetInterface() = default;
 
-void DesktopShell::showMainWindow(const std::optional<QRect> &frame)
+void WidgetInterface::showMainWindow(const std::optional<QRect> &frame)
 {
     MainWindow &main = window();
-    // A window in sight stays where the user has put it.
+    // A visible window stays where the user has put it.
     if (!main.isVisible()) {
         if (frame && liesOnAScreen(*frame, screenAreas())) {
             main.setGeometry(*frame);
@@ -75,7 +75,7 @@ void DesktopShell::showMainWindow(const std::optional<QRect> &frame)
     main.activateWindow();
 }
 
-void DesktopShell::hideMainWindow()
+void WidgetInterface::hideMainWindow()
 {
     if (!_window)
         return;
@@ -83,18 +83,18 @@ void DesktopShell::hideMainWindow()
     _window->hide();
 }
 
-void DesktopShell::minimizeMainWindow()
+void WidgetInterface::minimizeMainWindow()
 {
     window().showMinimized();
     _wasShown = true;
 }
 
-bool DesktopShell::isMainWindowVisible() const
+bool WidgetInterface::isMainWindowVisible() const
 {
     return _window && _window->isVisible() && !_window->isMinimized();
 }
 
-std::optional<QRect> DesktopShell::mainWindowFrame() const
+std::optional<QRect> WidgetInterface::mainWindowFrame() const
 {
     if (!_wasShown)
         return std::nullopt;
@@ -102,8 +102,8 @@ std::optional<QRect> DesktopShell::mainWindowFrame() const
     return isChanged ? _window->normalGeometry() : _window->geometry();
 }
 
-void DesktopShell::createTray(const QList<TrayMenuItem> &menu, std::function<void()> clicked,
-                              std::function<void(const QString &id)> chosen)
+void WidgetInterface::createTray(const QList<TrayMenuItem> &menu, std::function<void()> clicked,
+                                 std::function<void(const QString &id)> chosen)
 {
     // A new one each time: the toolkit chooses the kind of tray at its birth.
     _statusItem = std::make_unique<StatusItem>(_theme, std::move(clicked), std::move(chosen));
@@ -111,7 +111,7 @@ void DesktopShell::createTray(const QList<TrayMenuItem> &menu, std::function<voi
     _statusItem->show();
 }
 
-void DesktopShell::updateTray(const QList<TrayMenuItem> &menu, bool isRecording)
+void WidgetInterface::updateTray(const QList<TrayMenuItem> &menu, bool isRecording)
 {
     if (!_statusItem)
         return;
@@ -119,17 +119,17 @@ void DesktopShell::updateTray(const QList<TrayMenuItem> &menu, bool isRecording)
     _statusItem->setRecording(isRecording);
 }
 
-void DesktopShell::removeTray()
+void WidgetInterface::removeTray()
 {
     _statusItem.reset();
 }
 
-void DesktopShell::showPrivacyStatement()
+void WidgetInterface::showPrivacyStatement()
 {
     window().showPrivacyStatement();
 }
 
-MainWindow &DesktopShell::window()
+MainWindow &WidgetInterface::window()
 {
     if (!_window) {
         _window = std::make_unique<MainWindow>(
@@ -139,7 +139,7 @@ MainWindow &DesktopShell::window()
     return *_window;
 }
 
-QRect DesktopShell::usableScreen() const
+QRect WidgetInterface::usableScreen() const
 {
     const QScreen *screen = _window && _window->isVisible() ? _window->screen() : nullptr;
     if (!screen)

@@ -22,7 +22,7 @@ QAction *action(StatusItem &item, const QString &text)
 
 } // namespace
 
-class DesktopShellTest final : public QObject {
+class WidgetInterfaceTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -46,11 +46,11 @@ private Q_SLOTS:
         WindowRig rig;
         rig.host.desktop.trayHost = false;
         rig.start();
-        QVERIFY(!rig.shell->statusItem());
+        QVERIFY(!rig.ui->statusItem());
         rig.window()->close();
         QVERIFY(rig.window()->isMinimized());
         rig.delegate->showWindow();
-        QVERIFY(rig.shell->isMainWindowVisible());
+        QVERIFY(rig.ui->isMainWindowVisible());
     }
 
     void framesOffTheScreens_data()
@@ -95,7 +95,7 @@ private Q_SLOTS:
     {
         WindowRig rig;
         rig.start();
-        StatusItem &item = *rig.shell->statusItem();
+        StatusItem &item = *rig.ui->statusItem();
         QAction *const header = action(item, u"屏幕录制"_s);
         QVERIFY(header);
         QVERIFY(!header->isEnabled());
@@ -110,7 +110,7 @@ private Q_SLOTS:
     {
         WindowRig rig;
         rig.start();
-        StatusItem &item = *rig.shell->statusItem();
+        StatusItem &item = *rig.ui->statusItem();
         const auto picture = [&] { return item.picture().pixmap(32).toImage(); };
         const QImage resting = picture();
         QVERIFY(item.picture().isMask());
@@ -143,5 +143,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(DesktopShellTest)
-#include "DesktopShellTest.moc"
+QTEST_MAIN(WidgetInterfaceTest)
+#include "WidgetInterfaceTest.moc"

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "app/Shell.h"
+#include "app/UserInterface.h"
 
 #include <QStringList>
 
 namespace velbrix::test {
 
 // Windows and a tray icon that only remember what was asked.
-class FakeShell final : public Shell {
+class FakeUserInterface final : public UserInterface {
 public:
     QStringList calls;
     std::optional<QRect> frame;

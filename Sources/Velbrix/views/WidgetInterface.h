@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Shell.h"
+#include "app/UserInterface.h"
 #include "views/FocusRings.h"
 #include "views/Theme.h"
 
@@ -17,11 +17,11 @@ class ToastStack;
 
 // The windows and the tray icon on a real desktop. The window is made when it
 // is first shown.
-class DesktopShell final : public Shell {
+class WidgetInterface final : public UserInterface {
 public:
     // Needs a QApplication; the services must outlive it.
-    explicit DesktopShell(AppServices &services);
-    ~DesktopShell() override;
+    explicit WidgetInterface(AppServices &services);
+    ~WidgetInterface() override;
 
     // Asked when the user closes the window; without one the window closes.
     // It must live as long as events are handled.
