@@ -22,10 +22,9 @@ public:
     static inline const QByteArray content = "PK\5\6" + QByteArray(18, 0);
     static constexpr auto turn = std::chrono::milliseconds(100); // how often a held call looks up
 
-    ArchiveOutcome outcome;             // of create; half an archive is left when it is not 0
-    std::optional<QString> failure;     // of create: it does not begin
-    bool tears = false;                 // create says that all is well, with half an archive
-    std::optional<QString> testProblem; // even of a whole archive
+    ArchiveOutcome outcome;         // of create; half an archive is left when it is not 0
+    std::optional<QString> failure; // of create: it does not begin
+    bool tears = false;             // create says that all is well, with half an archive
     std::optional<QString> extractProblem;
     QStringList entries{QStringLiteral("extracted")}; // files that extract makes
     QList<ArchiveProgress> progress;                  // what create and extract report on the way
@@ -67,8 +66,6 @@ public:
             co_await _answer.after(turn);
         if (cancellation.isCancelled())
             co_return velbrix::failure(QStringLiteral("已取消"));
-        if (testProblem)
-            co_return velbrix::failure(*testProblem);
         co_return isWhole(archive) ? Result<void>() : velbrix::failure(QStringLiteral("归档已损坏"));
     }
 

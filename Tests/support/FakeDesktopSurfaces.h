@@ -226,7 +226,6 @@ public:
     std::optional<Failure> refusal; // what all verbs fail with
     int preparations = 0;
     int surfacesMade = 0;
-    int previewsMade = 0;
     // Alive, in the order of their making.
     QList<FakeSurfaceWindow *> windows;
     QList<FakeVideoSurface *> surfaces;
@@ -255,7 +254,6 @@ public:
     {
         if (refusal)
             return std::unexpected(*refusal);
-        ++previewsMade;
         return std::make_unique<FakePreview>(path, bound, std::move(events), previews);
     }
 

@@ -12,16 +12,12 @@ namespace velbrix::test {
 // Keys that the test presses.
 class FakeKeyMonitor final : public KeyMonitor {
 public:
-    std::optional<QString> globalFailure; // what observeGlobal fails with
-
     Observation observeLocal(std::function<bool(const KeyPress &)> pressed) override
     {
         return _local.add(std::move(pressed));
     }
     Result<Observation> observeGlobal(std::function<void(const KeyPress &)> pressed) override
     {
-        if (globalFailure)
-            return failure(*globalFailure);
         return _global.add(std::move(pressed));
     }
 

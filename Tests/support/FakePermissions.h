@@ -15,8 +15,6 @@ public:
     bool grantsOnRequest = false; // what the user answers to each prompt
     AuthorizationStatus microphoneStatus = AuthorizationStatus::authorized;
     AuthorizationStatus cameraStatus = AuthorizationStatus::authorized;
-    bool isAccessibilityTrusted = true;
-    bool hasSettingsPages = false;
     QMap<PrivacyPane, QString> explanations;
     QStringList calls; // only what may show something: requests, prompts, pages
 
@@ -43,14 +41,14 @@ public:
         co_return answer(cameraStatus);
     }
 
-    bool accessibilityTrusted() const override { return isAccessibilityTrusted; }
+    bool accessibilityTrusted() const override { return true; }
     void promptForAccessibility() override { calls.append(QStringLiteral("promptForAccessibility")); }
 
     QString explanation(PrivacyPane pane) const override { return explanations.value(pane); }
     bool openSettings(PrivacyPane pane) override
     {
         calls.append(QStringLiteral("openSettings %1").arg(static_cast<int>(pane)));
-        return hasSettingsPages;
+        return false;
     }
 
 private:

@@ -16,13 +16,11 @@ namespace velbrix::test {
 // test and the session, so that it can be set before the session exists and
 // read after its death.
 struct FakeCaptureState {
-    // How long startCapture, stopCapture and finishWriting take.
+    // How long startCapture and stopCapture take.
     std::chrono::milliseconds startDelay{0};
     std::chrono::milliseconds stopDelay{0};
-    std::chrono::milliseconds finishDelay{0};
 
     Result<void> addRecordingOutputAnswer;
-    Result<void> removeRecordingOutputAnswer;
     // When unset: the tracks that the settings ask for.
     std::optional<Result<MovieTracks>> openWriterAnswer;
     Result<void> finishWritingAnswer;
@@ -103,9 +101,9 @@ public:
         _state->calls << QStringLiteral("removeRecordingOutput");
         if (std::exchange(_output, Output::none) != Output::system)
             return failure(QStringLiteral("没有系统直写的输出"));
-        if (_state->removeRecordingOutputAnswer && _state->onFinish)
+        if (_state->onFinish)
             _state->onFinish(_state->path);
-        return _state->removeRecordingOutputAnswer;
+        return {};
     }
 
     Result<MovieTracks> openWriter(const MovieSettings &settings) override
@@ -133,7 +131,7 @@ public:
         const auto state = _state;
         state->calls << QStringLiteral("finishWriting");
         const bool hasMovie = std::exchange(_output, Output::none) == Output::writer;
-        co_await _answer.after(state->finishDelay);
+        co_await _answer.after();
         if (!hasMovie)
             co_return failure(QStringLiteral("没有打开的影片文件"));
         if (state->finishWritingAnswer && state->onFinish)

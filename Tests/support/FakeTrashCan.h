@@ -18,11 +18,9 @@ namespace velbrix::test {
 class FakeTrashCan final : public TrashCan {
 public:
     QHash<QString, QString> refused; // why a path cannot be moved, or a trashed one not put back
-    bool tellsWhere = true;
     std::optional<QString> emptyFailure;
     std::optional<RemovalReport> emptyReport; // instead of what was counted
     QStringList calls;                        // "trash …", "put back …", "empty"
-    QList<RemovalRules> emptyRules;
 
     QCoro::Task<Result<QString>> moveToTrash(const QString path) override
     {
@@ -42,7 +40,7 @@ public:
         const QString trashed = place + u'/' + name;
         if (!QDir().mkpath(place) || !move(item, trashed))
             co_return failure(QStringLiteral("不能移到废纸篓"));
-        co_return tellsWhere ? QString(trashed) : QString();
+        co_return QString(trashed);
     }
     QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) override
     {
@@ -60,10 +58,9 @@ public:
             co_return failure(QStringLiteral("不能放回原处"));
         co_return Result<void>();
     }
-    QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) override
+    QCoro::Task<Result<RemovalReport>> empty(RemovalRules, Cancellation cancellation) override
     {
         calls.append(QStringLiteral("empty"));
-        emptyRules.append(rules);
         co_await _answer.after();
         if (emptyFailure)
             co_return failure(*emptyFailure);

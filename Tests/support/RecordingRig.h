@@ -7,10 +7,19 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cstdlib>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 
 namespace velbrix::test {
+
+// As far as colours survive in a movie.
+inline bool isLike(QColor a, QColor b)
+{
+    return std::abs(a.red() - b.red()) <= 6 && std::abs(a.green() - b.green()) <= 6 &&
+           std::abs(a.blue() - b.blue()) <= 6;
+}
 
 // The X11 recorder with a movie that is only kept in memory.
 struct RecordingRig {
@@ -94,6 +103,17 @@ struct RecordingRig {
         return done;
     }
 
+    struct Spot {
+        int x;
+        int y;
+        QColor colour;
+    };
+    // In the newest picture.
+    bool shows(std::initializer_list<Spot> spots) const
+    {
+        return std::ranges::all_of(
+            spots, [this](const Spot &spot) { return isLike(movie->colorAt(spot.x, spot.y), spot.colour); });
+    }
     int count(const QString &status) const
     {
         return session->ledger().counters().statusHistogram.value(status);

@@ -20,7 +20,6 @@ public:
     static constexpr quint8 leftSuper = 133;
     static constexpr quint8 capsLock = 66;
     static constexpr quint8 numLock = 77;
-    static constexpr quint8 scrollLock = 78;
     static constexpr quint8 print = 107;
     static constexpr quint8 pause = 127;
     static constexpr quint8 keyQ = 24;
@@ -31,7 +30,6 @@ public:
     ~XTestKeyboard() { xcb_disconnect(_connection); }
     Q_DISABLE_COPY_MOVE(XTestKeyboard)
 
-    xcb_connection_t *connection() const { return _connection; }
     xcb_window_t root() const { return xcb_setup_roots_iterator(xcb_get_setup(_connection)).data->root; }
 
     void press(quint8 key) { send(XCB_KEY_PRESS, key); }

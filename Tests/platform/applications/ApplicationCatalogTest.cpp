@@ -89,17 +89,6 @@ QStringList names(const QList<InstalledApplication> &applications)
     return found;
 }
 
-InstalledApplication gimpOf(const QString &path)
-{
-    InstalledApplication gimp;
-    gimp.name = u"GIMP"_s;
-    gimp.path = path;
-    gimp.kind = Kind::managed;
-    gimp.manager = u"APT"_s;
-    gimp.package = u"gimp"_s;
-    return gimp;
-}
-
 } // namespace
 
 class ApplicationCatalogTest : public QObject {
@@ -131,7 +120,12 @@ private Q_SLOTS:
     {
         VirtualClock clock;
         FakeApplicationCatalog fake(clock);
-        fake.installed = QList{gimpOf(u"/usr/share/applications/gimp.desktop"_s)};
+        InstalledApplication gimp;
+        gimp.name = u"GIMP"_s;
+        gimp.kind = Kind::managed;
+        gimp.manager = u"APT"_s;
+        gimp.package = u"gimp"_s;
+        fake.installed = QList{gimp};
         listsAndRemoves(fake);
     }
 
@@ -280,11 +274,11 @@ private Q_SLOTS:
              u"APT 不能移除软件包 gimp：E: Unable to locate package gimp"_s}};
         HostRig rig;
         rig.installApt();
+        const InstalledApplication gimp = rig.named(u"GIMP"_s);
         rig.programs.dpkgQuery = rig.script(
             u"dpkg-query"_s, "if [ $1 = -S ]; then echo 'velbrix: " + rig.places.executable.toUtf8() +
                                  "'; exit; fi\nshift 3\nfor p; do case $p in bash) e=yes;; *) e=no;; esac\n"
                                  "printf '%s\\t1\\t1\\t%s\\t\\toptional\\n' $p $e; done\n");
-        const InstalledApplication gimp = gimpOf(rig.at(u"system/applications/gimp.desktop"_s));
         for (const auto &[simulated, message] : simulations) {
             rig.programs.aptGet = rig.script(u"apt-get"_s, "printf '" + simulated + "'\n");
             QCOMPARE(errorText(QCoro::waitFor(rig.catalog().packagesRemovedWith(gimp))), message);

@@ -53,12 +53,10 @@ class TrashRig {
 public:
     SystemClock clock;
     RemovalRules rules;
-    Cancellation stop;
     const QString data = path(u"data"_s);
     const QString trash = data + u"/Trash"_s;
     const QString volume = path(u"a volume"_s);
     const QString volumeTrash = volume + u"/.Trash-"_s + QString::number(::getuid());
-    const QString table = path(u"mounts"_s);
     std::unique_ptr<FreedesktopTrash> can;
 
     TrashRig()
@@ -66,8 +64,9 @@ public:
         qputenv("XDG_DATA_HOME", QFile::encodeName(data));
         QDir().mkpath(volume);
         QString escaped = volume;
-        writeFile(table, "40 27 8:1 / " + QFile::encodeName(escaped.replace(u' ', u"\\040"_s)) +
-                             " rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
+        const QString table = writeFile(
+            path(u"mounts"_s), "40 27 8:1 / " + QFile::encodeName(escaped.replace(u' ', u"\\040"_s)) +
+                                   " rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
         can = std::make_unique<FreedesktopTrash>(clock, TrashPlaces(QFile::encodeName(table)));
     }
     ~TrashRig()
@@ -88,7 +87,7 @@ public:
     {
         return QCoro::waitFor(can->putBack(trashed, original));
     }
-    RemovalReport empty() { return *QCoro::waitFor(can->empty(rules, stop)); }
+    RemovalReport empty() { return *QCoro::waitFor(can->empty(rules, {})); }
 
 private:
     bool isMounted = false;

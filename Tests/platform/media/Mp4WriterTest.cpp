@@ -13,7 +13,7 @@ namespace {
 QByteArrayList boxNames(const QByteArray &bytes)
 {
     QByteArrayList names;
-    for (qsizetype at = 0; at + 16 <= bytes.size();) {
+    for (qsizetype at = 0; at + 8 <= bytes.size();) {
         names.append(bytes.mid(at + 4, 4));
         const quint64 size = qFromBigEndian<quint32>(bytes.constData() + at);
         at += static_cast<qsizetype>(size == 1 ? qFromBigEndian<quint64>(bytes.constData() + at + 8) : size);

@@ -3,6 +3,7 @@
 #include "DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/surface/X11DesktopSurfaces.h"
+#include "platform/media/MediaTools.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/Test.h"
 
@@ -147,25 +148,14 @@ public:
     explicit WindowManager(const QString &name)
     {
         // The one that is replaced may have the same name.
-        X11Connection &connection = _observer.connection();
-        xcb_delete_property(connection.xcb(), connection.root(), connection.atom("_NET_SUPPORTING_WM_CHECK"));
-        connection.sync();
+        shell(u"xprop -root -remove _NET_SUPPORTING_WM_CHECK"_s);
         _program.emplace(name, name == u"openbox" ? QStringList{u"--replace"_s, u"--sm-disable"_s}
                                                   : QStringList{u"--replace"_s});
-        QTRY_VERIFY(isNamed(name));
+        QTRY_COMPARE(shell(u"wmctrl -m | sed -n 's/^Name: //p'"_s).toLower(), name.toUtf8());
         QVERIFY(waitFor(isManaged));
     }
 
 private:
-    bool isNamed(const QString &name)
-    {
-        X11Connection &connection = _observer.connection();
-        const xcb_window_t check =
-            connection.property(connection.root(), "_NET_SUPPORTING_WM_CHECK").value(0);
-        return connection.property(check, "_NET_WM_NAME").bytes.toLower() == name.toUtf8();
-    }
-
-    Observer _observer;
     std::optional<DesktopProgram> _program;
 };
 
@@ -266,14 +256,13 @@ struct Desktop {
     void setPicture(const QString &path)
     {
         if (isPcmanfm)
-            QVERIFY(run(u"pcmanfm"_s, {u"--set-wallpaper"_s, path, u"--wallpaper-mode=stretch"_s}));
-        setDesktop(u"/backdrop/screen0/monitorscreen/workspace0/last-image"_s, u"string"_s, path);
+            shell(u"pcmanfm --wallpaper-mode=stretch --set-wallpaper="_s + path);
+        else
+            setDesktop(u"/backdrop/screen0/monitorscreen/workspace0/last-image"_s, u"string"_s, path);
     }
-    void setDesktop(const QString &property, const QString &type, const QString &value)
+    static void setDesktop(const QString &property, const QString &type, const QString &value)
     {
-        if (!isPcmanfm)
-            QVERIFY(run(u"xfconf-query"_s, {u"-c"_s, u"xfce4-desktop"_s, u"-p"_s, property, u"-n"_s, u"-t"_s,
-                                            type, u"-s"_s, value}));
+        shell(u"xfconf-query -c xfce4-desktop -p %1 -n -t %2 -s '%3'"_s.arg(property, type, value));
     }
 
     Observer observer;
@@ -298,7 +287,7 @@ class DesktopWindowTest : public QObject {
     }
     void activate(const ForeignWindow &window)
     {
-        QVERIFY(run(u"wmctrl"_s, {u"-i"_s, u"-a"_s, QString::number(window.id())}));
+        QVERIFY(wmctrl(u"-i -a %1"_s.arg(window.id())));
         QTRY_VERIFY(isActive(window));
     }
     static bool wmctrl(const QString &arguments) { return run(u"wmctrl"_s, arguments.split(u' ')); }
