@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/LinuxDockPreference.h"
 
 #include "../media/MediaTools.h"
+#include "../x11/DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "platform/macos/desktop/DefaultsDockPreference.h"
@@ -12,7 +13,6 @@
 #include <QCoroTask>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 
 #include <memory>
 
@@ -105,9 +105,7 @@ esac
 
     void xfcePanelsHideAndComeBack()
     {
-        QProcess panel;
-        panel.setStandardErrorFile(QProcess::nullDevice());
-        panel.start(u"xfce4-panel"_s, {u"--disable-wm-check"_s});
+        DesktopProgram panel(u"xfce4-panel"_s, {u"--disable-wm-check"_s});
         const auto workArea = [] { return shell(u"xprop -root _NET_WORKAREA | cut -d, -f2"_s); };
         // The bar at the top has its room: 26 pixels and its border.
         QTRY_COMPARE(workArea(), "27");
@@ -129,8 +127,7 @@ esac
         QCOMPARE(autoHide(), Result<bool>(true));
         QVERIFY(set(true));
         QCOMPARE(shell(get.arg(1)), "1");
-        panel.terminate();
-        panel.waitForFinished();
+        panel.kill();
         QTRY_VERIFY(!autoHide());
     }
 

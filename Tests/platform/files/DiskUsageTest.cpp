@@ -1,5 +1,6 @@
 #include "platform/linux/files/TreeDiskUsage.h"
 
+#include "../media/MediaTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/macos/files/DuDiskUsage.h"
 #include "support/FakeDiskUsage.h"
@@ -16,18 +17,12 @@ namespace {
 
 constexpr uid_t nobody = 65534;
 
-// What du says, through a shell that passes any bytes on; 0 when it says nothing.
+// What du says, 0 when it says nothing; the path may be of any bytes.
 qint64 du(const QByteArray &path)
 {
-    QByteArray octal;
-    for (const char byte : path)
-        octal += "\\0" + QByteArray::number(uchar(byte), 8).rightJustified(3, '0');
-    QProcess shell;
-    shell.start(u"/bin/bash"_s,
-                {u"-c"_s, u"printf -v path %b '%1'; /usr/bin/du -sk \"$path\" 2>/dev/null"_s.arg(
-                              QString::fromLatin1(octal))});
-    shell.waitForFinished();
-    return shell.readAllStandardOutput().split('\t').value(0).toLongLong() * 1024;
+    qputenv("MEASURED_PATH", path);
+    return shell(u"/usr/bin/du -sk \"$MEASURED_PATH\" 2>/dev/null"_s).split('\t').value(0).toLongLong() *
+           1024;
 }
 
 QHash<qsizetype, qint64> measured(DiskUsage &usage, const QList<QByteArray> &paths)

@@ -127,29 +127,6 @@ private Q_SLOTS:
         QVERIFY(!isListening());
     }
 
-    void aCallMayEndItsOwnWatch()
-    {
-        FakeKeyMonitor fake;
-        for (KeyMonitor *monitor :
-             {static_cast<KeyMonitor *>(_monitor.get()), static_cast<KeyMonitor *>(&fake)}) {
-            int calls = 0;
-            int others = 0;
-            Observation watch = *monitor->observeGlobal([&](const KeyPress &) {
-                ++calls;
-                watch.reset();
-            });
-            const auto other = monitor->observeGlobal([&](const KeyPress &) { ++others; });
-            for (int round = 0; round < 2; ++round) {
-                if (monitor == &fake)
-                    fake.pressGlobal({f13, 0, false});
-                else
-                    _user->tap({XTestKeyboard::print});
-            }
-            QTRY_COMPARE(others, 2);
-            QCOMPARE(calls, 1);
-        }
-    }
-
     void asksTheNewestLocalWatchFirstAndOnce_data() { fakeAndReal(); }
     void asksTheNewestLocalWatchFirstAndOnce()
     {
