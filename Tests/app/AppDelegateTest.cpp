@@ -4,7 +4,6 @@
 #include "support/FakePlatform.h"
 #include "support/FakeUserInterface.h"
 
-#include <QCoreApplication>
 #include <QJsonArray>
 
 namespace {
@@ -31,6 +30,20 @@ struct Rig : ServicesRig {
         ui.chosen(item);
         settle();
     }
+    void toggleRecording()
+    {
+        services->recordingActions.toggleQuickly();
+        settle();
+    }
+    // Whether the program has ended that long after it was told to.
+    bool hasQuitAfter(std::chrono::milliseconds time)
+    {
+        QSignalSpy terminated(delegate.get(), &AppDelegate::terminate);
+        delegate->quitApp();
+        clock.advance(time);
+        settle();
+        return terminated.count() == 1;
+    }
     qsizetype menuWrites() const { return ui.calls.count(u"updateTray"_s); }
 
     QTemporaryDir folder;
@@ -44,33 +57,19 @@ class AppDelegateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void oneCopyHasThePlace_data()
-    {
-        QTest::addColumn<bool>("isTaken");
-        QTest::addColumn<bool>("isLeaving");
-        QTest::addColumn<bool>("inBackground");
-        QTest::addColumn<bool>("starts");
-        QTest::addColumn<QStringList>("calls");
-        const QString claim = u"claim"_s;
-        const QString wake = u"wakeOther"_s;
-        QTest::newRow("the first") << false << false << false << true << QStringList{claim};
-        QTest::newRow("a second wakes the first")
-            << true << false << false << false << QStringList{claim, wake};
-        QTest::newRow("a hidden second wakes nobody") << true << false << true << false << QStringList{claim};
-        QTest::newRow("the first goes just now")
-            << true << true << false << true << QStringList{claim, wake, claim};
-    }
     void oneCopyHasThePlace()
     {
-        QFETCH(bool, inBackground);
-        QFETCH(QStringList, calls);
-        FakeSingleInstance place;
-        QFETCH(bool, isTaken);
-        QFETCH(bool, isLeaving);
-        place.isTaken = isTaken;
-        place.isLeaving = isLeaving;
-        QTEST(AppDelegate::claimPlace(place, inBackground), "starts");
-        QCOMPARE(place.calls, calls);
+        const auto claimed = [](bool isTaken, bool isLeaving, bool inBackground) {
+            FakeSingleInstance place;
+            place.isTaken = isTaken;
+            place.isLeaving = isLeaving;
+            const bool starts = AppDelegate::claimPlace(place, inBackground);
+            return (starts ? u"starts: "_s : u"ends: "_s) + place.calls.join(u' ');
+        };
+        QCOMPARE(claimed(false, false, false), u"starts: claim"_s);
+        QCOMPARE(claimed(true, false, false), u"ends: claim wakeOther"_s);
+        QCOMPARE(claimed(true, false, true), u"ends: claim"_s); // a hidden second wakes nobody
+        QCOMPARE(claimed(true, true, false), u"starts: claim wakeOther claim"_s);
     }
 
     void startsInItsOrder()
@@ -90,31 +89,23 @@ private Q_SLOTS:
         QCOMPARE(rig.host.desktop.calls.last(), u"activate"_s);
     }
 
-    void showsTheWindowAtStart_data()
-    {
-        QTest::addColumn<bool>("background");
-        QTest::addColumn<bool>("accepted");
-        QTest::addColumn<bool>("flagged");
-        QTest::addColumn<bool>("shown");
-        QTest::newRow("ordinary start") << false << true << false << true;
-        QTest::newRow("background") << true << true << false << false;
-        QTest::newRow("background, statement open") << true << false << false << true;
-        QTest::newRow("background, asked for before") << true << true << true << true;
-    }
     void showsTheWindowAtStart()
     {
-        QFETCH(bool, background);
-        QFETCH(bool, accepted);
-        QFETCH(bool, flagged);
-        Rig rig(accepted);
-        if (flagged)
-            rig.services->settings.set(u"Velbrix_NeedShowMainWindow"_s, true);
-        rig.launch(background);
-        QTEST(rig.ui.visible, "shown");
-        QVERIFY(!rig.services->settings.contains(u"Velbrix_NeedShowMainWindow"_s));
+        const auto isShown = [](bool background, bool accepted, bool wasAskedFor) {
+            const QString flag = u"Velbrix_NeedShowMainWindow"_s;
+            Rig rig(accepted);
+            if (wasAskedFor)
+                rig.services->settings.set(flag, true);
+            rig.launch(background);
+            return rig.ui.visible && !rig.services->settings.contains(flag);
+        };
+        QVERIFY(isShown(false, true, false));
+        QVERIFY(!isShown(true, true, false));
+        QVERIFY(isShown(true, false, false)); // the statement is open
+        QVERIFY(isShown(true, true, true));
     }
 
-    void theMenuIsExact()
+    void theMenuIsExactAndLeadsThere()
     {
         Rig rig;
         rig.launch();
@@ -126,6 +117,13 @@ private Q_SLOTS:
                               u"停止壁纸||off"_s, u"||on"_s, u"屏幕录制||off"_s, u"开始录制（全屏）|⌘⇧R|on"_s,
                               u"打开录制面板||on"_s, u"||on"_s, u"隐私与声明…||on"_s,
                               u"检查更新与公告…||on"_s, u"||on"_s, u"退出|⌘Q|on"_s}));
+        rig.choose(u"recordPanel"_s);
+        QCOMPARE(rig.services->router.activeTab(), u"recorder"_s);
+        rig.choose(u"privacy"_s);
+        QCOMPARE(rig.ui.calls.last(), u"statement"_s);
+        rig.choose(u"remoteCheck"_s);
+        QCOMPARE(rig.services->toasts.visible().last().body,
+                 u"此安装没有配置产品服务器，无法检查更新与公告。"_s);
     }
 
     void anUnchangedMenuIsNotWrittenAgain()
@@ -150,13 +148,9 @@ private Q_SLOTS:
         Rig rig;
         rig.launch();
         const auto ticksWithin = [&](std::chrono::seconds time) {
-            int alarms = 0;
-            for (auto passed = 0s; passed < time; ++passed) {
-                const int before = rig.clock.firedCount();
-                rig.clock.advance(1s);
-                alarms += rig.clock.firedCount() - before;
-            }
-            return alarms;
+            const int before = rig.clock.firedCount();
+            rig.clock.advance(time);
+            return rig.clock.firedCount() - before;
         };
         rig.clock.advance(20s); // the settings of the start, the wait for a tray
         QCOMPARE(ticksWithin(60s), 3);
@@ -180,14 +174,9 @@ private Q_SLOTS:
         QVERIFY(rig.services->settings.flush());
         QCOMPARE(rig.host.settings.stored.value(u"Velbrix_MainWindow_Frame"_s).toArray(),
                  (QJsonArray{50, 60, 1200, 800}));
-    }
-
-    void onlyOpeningItAgainShowsTheWindow()
-    {
-        Rig rig;
-        rig.launch(false);
+        // Only opening it again shows it, not a panel that has the focus.
         rig.delegate->windowShouldClose();
-        rig.delegate->applicationDidBecomeActive(); // a panel of its own has the focus
+        rig.delegate->applicationDidBecomeActive();
         QVERIFY(!rig.ui.visible);
         rig.host.desktop.reopen();
         QVERIFY(rig.ui.visible);
@@ -264,45 +253,25 @@ private Q_SLOTS:
         QCOMPARE(rig.host.hotkeys.registered.size(), 3);
     }
 
-    void aNoticeBringsTheWindowForward()
-    {
-        Rig rig;
-        rig.launch();
-        rig.services->privacy.guard(featurePrivacyNotice(PrivacyConsentKind::microphone), [] {});
-        QVERIFY(rig.ui.visible);
-    }
-
-    void postsBecomeBanners()
-    {
-        Rig rig;
-        rig.launch();
-        rig.services->notifications.post(u"velBrixShowBannerToast"_s, {{u"body"_s, u"你好"_s}});
-        QCOMPARE(rig.services->toasts.visible().first().body, u"你好"_s);
-        rig.choose(u"remoteCheck"_s);
-        QCOMPARE(rig.services->toasts.visible().last().body,
-                 u"此安装没有配置产品服务器，无法检查更新与公告。"_s);
-    }
-
     void recordingsAndFailuresAreTold()
     {
         Rig rig;
         rig.launch();
         const auto news = [&] { return rig.services->toasts.visible().last(); };
+        rig.services->notifications.post(u"velBrixShowBannerToast"_s, {{u"body"_s, u"你好"_s}});
+        QCOMPARE(news().body, u"你好"_s);
         rig.services->recorder.preferences().setOutputDir(u"/nonexistent"_s);
-        rig.services->recordingActions.toggleQuickly();
-        settle();
+        rig.toggleRecording();
         QCOMPARE(news().body, u"输出目录不存在，请重新选择：/nonexistent"_s);
         rig.services->toasts.clear();
         rig.host.screenCapture.nextSession->onOpen = [](const QString &path) {
             writeFile(path, QByteArray(20'000, 'x'));
         };
         rig.services->recorder.preferences().setOutputDir(rig.folder.path());
-        rig.services->recordingActions.toggleQuickly();
-        settle();
+        rig.toggleRecording();
         QVERIFY(rig.services->toasts.visible().isEmpty()); // it would be in the picture
         rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
-        rig.services->recordingActions.toggleQuickly();
-        settle();
+        rig.toggleRecording();
         QCOMPARE(news().title, u"录制已保存"_s);
         rig.host.settings.failsWith = u"磁盘已满"_s;
         rig.services->settings.set(u"x"_s, 1);
@@ -318,16 +287,6 @@ private Q_SLOTS:
         rig.services->recorder.unfinished().findLeftovers();
         rig.launch();
         QCOMPARE(rig.services->toasts.visible().last().title, u"发现未正常结束的录制"_s);
-    }
-
-    void trayEntriesOpenTheirPages()
-    {
-        Rig rig;
-        rig.launch();
-        rig.choose(u"recordPanel"_s);
-        QCOMPARE(rig.services->router.activeTab(), u"recorder"_s);
-        rig.choose(u"privacy"_s);
-        QCOMPARE(rig.ui.calls.last(), u"statement"_s);
     }
 
     void quits()
@@ -357,27 +316,8 @@ private Q_SLOTS:
         rig.launch();
         rig.host.screenCapture.contentDelay = 100ms;
         rig.host.screenCapture.contentAnswer = failure(u"拒绝"_s);
-        rig.services->recordingActions.toggleQuickly();
-        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
-        rig.delegate->quitApp();
-        rig.clock.advance(100ms);
-        settle();
-        QCOMPARE(terminated.count(), 1);
-    }
-
-    void quittingDoesNotWaitForEver()
-    {
-        Rig rig;
-        rig.host.screenCapture.nextSession->stopDelay = 1h;
-        rig.launch();
-        rig.services->recordingActions.toggleQuickly();
-        settle();
-        QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
-        rig.delegate->quitApp();
-        rig.clock.advance(10s);
-        QCOMPARE(terminated.count(), 1);
-        rig.clock.advance(1h); // a late answer harms nobody
-        QCOMPARE(terminated.count(), 1);
+        rig.toggleRecording();
+        QVERIFY(rig.hasQuitAfter(100ms));
     }
 
     void quittingCompletesTheRecordingFirst()
@@ -385,17 +325,20 @@ private Q_SLOTS:
         Rig rig;
         rig.host.screenCapture.nextSession->stopDelay = 100ms;
         rig.launch();
-        rig.services->recordingActions.toggleQuickly();
-        settle();
-        QVERIFY(rig.services->recorder.isRecording());
+        rig.toggleRecording();
+        QVERIFY(!rig.hasQuitAfter(99ms));
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);
-        rig.delegate->quitApp();
-        settle();
-        QCOMPARE(terminated.count(), 0);
-        rig.clock.advance(100ms);
+        rig.clock.advance(1ms);
         settle();
         QCOMPARE(terminated.count(), 1);
         QVERIFY(rig.host.screenCapture.nextSession->calls.contains(u"finishWriting"_s));
+
+        Rig endless;
+        endless.host.screenCapture.nextSession->stopDelay = 1h;
+        endless.launch();
+        endless.toggleRecording();
+        QVERIFY(endless.hasQuitAfter(10s));
+        endless.clock.advance(1h); // a late answer harms nobody
     }
 
     void quittingWaitsForAPackageManager()

@@ -1,4 +1,4 @@
-#include "app/Tools.h"
+#include "support/CommandRig.h"
 #include "support/UninstallRig.h"
 
 #include <QJsonArray>
@@ -26,25 +26,14 @@ struct Rig : UninstallRig {
     }
 
     std::unique_ptr<AppServices> services;
-    std::optional<CommandReply> reply;
-    CommandReply ask(const QString &words, const QString &name = {},
-                     const QMap<QString, QString> &options = {})
+    CommandReply reply; // the newest
+    // To a line: the exit code and the text.
+    QString said(const QString &line)
     {
-        reply.reset();
-        const ParsedCommand command = {words, name.isEmpty() ? QStringList() : QStringList{name}, false,
-                                       options};
-        commandOf(words)->run(*services, command).then([this](CommandReply now) { reply = std::move(now); });
-        until([this] { return reply.has_value(); });
-        return reply.value_or(CommandReply{-1, u"…"_s, {}});
-    }
-    QString text(const QString &name, const QMap<QString, QString> &options = {})
-    {
-        const CommandReply answer = ask(u"apps uninstall"_s, name, options);
-        return u"%1 %2"_s.arg(QString::number(answer.exitCode), answer.text);
+        reply = ask(*services, clock, line);
+        return u"%1 %2"_s.arg(QString::number(reply.exitCode), reply.text);
     }
 };
-
-const QMap<QString, QString> yes = {{u"--yes"_s, {}}};
 
 } // namespace
 
@@ -56,10 +45,10 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.lastInstalled().manager = u"APT"_s;
-        QCOMPARE(rig.ask(u"apps list"_s).text,
-                 u"Note  —  2 MB  org.acme.note  %1\nZed  1.2  零 KB  APT  org.zed  %2"_s.arg(
+        QCOMPARE(rig.said(u"apps list"_s),
+                 u"0 Note  —  2 MB  org.acme.note  %1\nZed  1.2  零 KB  APT  org.zed  %2"_s.arg(
                      rig.home(u"Applications/Note.app"_s), rig.home(u"Applications/Zed.app"_s)));
-        QCOMPARE(rig.reply->data.value("apps"_L1).toArray().at(0).toObject(),
+        QCOMPARE(rig.reply.data.value("apps"_L1).toArray().at(0).toObject(),
                  (QJsonObject{{u"name"_s, u"Note"_s},
                               {u"identifier"_s, u"org.acme.note"_s},
                               {u"version"_s, u"—"_s},
@@ -69,8 +58,7 @@ private Q_SLOTS:
                               {u"manager"_s, u""_s},
                               {u"package"_s, u""_s}}));
         rig.host.applications.installed = failure(u"坏了"_s);
-        QCOMPARE(rig.ask(u"apps list"_s).text, u"坏了"_s);
-        QCOMPARE(rig.reply->exitCode, exitcode::refused);
+        QCOMPARE(rig.said(u"apps list"_s), u"1 坏了"_s);
     }
 
     void showsFirstAndTakesWhenToldSo()
@@ -83,27 +71,27 @@ private Q_SLOTS:
             "  [✓]  零 KB  %1/Preferences/org.acme.note.plist  名称包含标识 org.acme.note\n"
             "  [ ]  零 KB  %1/Caches/Evernote  名称包含应用名 note  仅名称相似，可能属于其他应用"_s.arg(
                 rig.home());
-        QCOMPARE(rig.text(u"note"_s, {{u"--dry-run"_s, {}}}), u"0 "_s + review);
-        QVERIFY(!rig.reply->data.contains("needsConfirmation"_L1));
-        QCOMPARE(rig.text(u"ORG.acme.NOTE"_s), u"1 "_s + review);
-        QVERIFY(rig.reply->isQuestion());
-        QCOMPARE(rig.reply->agreedArguments(), QStringList{rig.home() + u"/Applications/Note.app"_s});
-        const QJsonArray items = rig.reply->data.value("review"_L1).toObject().value("items"_L1).toArray();
+        QCOMPARE(rig.said(u"apps uninstall note --dry-run"_s), u"0 "_s + review);
+        QVERIFY(!rig.reply.data.contains("needsConfirmation"_L1));
+        QCOMPARE(rig.said(u"apps uninstall ORG.acme.NOTE"_s), u"1 "_s + review);
+        QVERIFY(rig.reply.isQuestion());
+        QCOMPARE(rig.reply.agreedArguments(), QStringList{rig.home() + u"/Applications/Note.app"_s});
+        const QJsonArray items = rig.reply.data.value("review"_L1).toObject().value("items"_L1).toArray();
         QCOMPARE(items.at(1).toObject().value("reason"_L1), u"identifier"_s);
         QCOMPARE(items.at(2).toObject().value("ticked"_L1), false);
         QVERIFY(rig.host.trash.calls.isEmpty());
 
-        QCOMPARE(rig.text(u"Note"_s, yes), u"0 已卸载「Note」"_s);
+        QCOMPARE(rig.said(u"apps uninstall Note --yes"_s), u"0 已卸载「Note」"_s);
         QCOMPARE(rig.trashed(),
                  (QStringList{u"Applications/Note.app"_s, u"Preferences/org.acme.note.plist"_s}));
-        QCOMPARE(rig.reply->data.value("uninstalled"_L1), true);
+        QCOMPARE(rig.reply.data.value("uninstalled"_L1), true);
     }
 
     void takesTheModeItIsTold()
     {
         Rig rig;
-        QCOMPARE(rig.text(u"Note"_s, {{u"--mode"_s, u"alles"_s}}), u"2 --mode 只能是 full、app 或 custom"_s);
-        rig.text(u"Note"_s, {{u"--mode"_s, u"app"_s}, {u"--yes"_s, {}}});
+        QCOMPARE(rig.said(u"apps uninstall Note --mode alles"_s), u"2 --mode 只能是 full、app 或 custom"_s);
+        rig.said(u"apps uninstall Note --mode app --yes"_s);
         QCOMPARE(rig.trashed(), QStringList{u"Applications/Note.app"_s});
         QCOMPARE(rig.scanner->uninstallMode(), UninstallMode::full);
     }
@@ -111,26 +99,28 @@ private Q_SLOTS:
     void refusesWithTheReason()
     {
         Rig rig;
-        QCOMPARE(rig.text(u"Not"_s, yes), u"1 找不到应用：Not"_s);
+        QCOMPARE(rig.said(u"apps uninstall Not --yes"_s), u"1 找不到应用：Not"_s);
         rig.install(u"NOTE"_s, u"org.other"_s);
-        QVERIFY(rig.text(u"note"_s, yes)
+        QVERIFY(rig.said(u"apps uninstall note --yes"_s)
                     .startsWith(u"1 有多个应用符合「note」，请用标识或路径指定：\nNote  —"_s));
         const QString path = rig.home(u"Applications/Zed.app"_s);
         rig.host.trash.refused.insert(path, u"没有权限"_s);
-        QCOMPARE(rig.text(path, yes), u"1 失败：没有权限\n  %1：没有权限"_s.arg(path));
-        QCOMPARE(rig.reply->data.value("uninstalled"_L1), false);
+        QCOMPARE(rig.said(u"apps uninstall --yes "_s + path),
+                 u"1 失败：没有权限\n  %1：没有权限"_s.arg(path));
+        QCOMPARE(rig.reply.data.value("uninstalled"_L1), false);
         rig.scanner->uninstall(rig.reviewOf(u"Zed"_s));
-        QCOMPARE(rig.text(u"Zed"_s, yes), u"1 另一个卸载或放回操作正在进行"_s);
+        QCOMPARE(rig.said(u"apps uninstall Zed --yes"_s), u"1 另一个卸载或放回操作正在进行"_s);
         rig.ending();
     }
 
     void asksForConsentAndStartsNothingWithIt()
     {
         Rig rig(false);
-        QCOMPARE(rig.text(u"Note"_s, yes), u"1 需要先在 Velbrix 窗口中确认：应用卸载隐私确认"_s);
+        QCOMPARE(rig.said(u"apps uninstall Note --yes"_s),
+                 u"1 需要先在 Velbrix 窗口中确认：应用卸载隐私确认"_s);
         rig.services->privacy.confirmPendingNotice();
         QVERIFY(!rig.scanner->isBusy());
-        QCOMPARE(rig.text(u"Note"_s, yes), u"0 已卸载「Note」"_s);
+        QCOMPARE(rig.said(u"apps uninstall Note --yes"_s), u"0 已卸载「Note」"_s);
     }
 };
 

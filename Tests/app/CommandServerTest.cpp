@@ -2,7 +2,6 @@
 
 #include "support/FakePlatform.h"
 
-#include <QCoreApplication>
 #include <QJsonArray>
 
 namespace {

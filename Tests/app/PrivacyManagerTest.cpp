@@ -1,4 +1,3 @@
-#include "app/RecordingActions.h"
 #include "support/FakePlatform.h"
 
 namespace {
@@ -106,9 +105,6 @@ private Q_SLOTS:
         rig.privacy().confirmFirstLaunch();
         QVERIFY(rig.privacy().hasAcceptedFirstLaunchNotice());
         QVERIFY(rig.stored().value(prefix + u"didPromptAllSystemPermissions"_s).toBool());
-        QCOMPARE(
-            firstLaunchStatement(7).message,
-            u"欢迎使用 Velbrix。请认真阅读以下声明。为保障你的权益并降低法律风险，首次启动需等待7秒后才能确认。"_s);
     }
 
     void promptsForPermissionsOnceInOrder()
@@ -132,18 +128,6 @@ private Q_SLOTS:
         rig.privacy().promptAllSystemPermissions();
         rig.clock.advance(1min);
         QCOMPARE(rig.host.permissions.calls.size(), 3);
-    }
-
-    void noticesKeepTheirTexts()
-    {
-        const FeaturePrivacyNotice recording = featurePrivacyNotice(PrivacyConsentKind::screenRecording);
-        QCOMPARE(recording.message,
-                 u"开始录制前请确认：本功能会捕获屏幕画面，并可能录制系统音频/麦克风音频。"_s);
-        QCOMPARE(recording.details.size(), 5);
-        QCOMPARE(quickRecordingNotice().title, recording.title);
-        QCOMPARE(quickRecordingNotice().details, recording.details);
-        QVERIFY(quickRecordingNotice().message.startsWith(u"快捷录制将默认全屏捕获"_s));
-        QCOMPARE(reviewedStatement().details.size(), 8);
     }
 };
 

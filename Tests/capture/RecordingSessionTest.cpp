@@ -192,8 +192,8 @@ private Q_SLOTS:
         Rig rig;
         rig.host.screenCapture.featuresAnswer.recordingOutput = true;
         rig.start();
-        rig.host.screenCapture.session()->recordingStarted();
-        rig.host.screenCapture.session()->recordingFailed(u"磁盘"_s);
+        rig.host.screenCapture.session()->observer.recordingStarted();
+        rig.host.screenCapture.session()->observer.recordingFailed(Failure{u"磁盘"_s});
         rig.stop();
         QVERIFY(!rig.state->calls.contains(u"removeRecordingOutput"_s));
         rig.clock.advance(200ms);
@@ -271,8 +271,8 @@ private Q_SLOTS:
         Rig rig;
         rig.start(60);
         rig.state->stopCaptureAnswer = failure(u"已断开"_s);
-        rig.host.screenCapture.session()->warn(u"麦克风已断开"_s);
-        rig.host.screenCapture.session()->streamStopped(u"窗口已关闭"_s);
+        rig.host.screenCapture.session()->observer.warning(u"麦克风已断开"_s);
+        rig.host.screenCapture.session()->observer.streamStopped(Failure{u"窗口已关闭"_s});
         settle();
         QVERIFY(!rig.recorder.isRecording());
         const QStringList lines = rig.linesSince(u"✅ startCapture 成功"_s);

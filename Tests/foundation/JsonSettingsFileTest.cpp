@@ -1,7 +1,7 @@
 #include "foundation/JsonSettingsFile.h"
 
 #include "support/Fuzz.h"
-#include "support/MemorySettings.h"
+#include "support/SettingsRig.h"
 #include "support/Test.h"
 
 #include <QJsonArray>

@@ -1,8 +1,7 @@
 #include "maintenance/backup/FileBackupController.h"
 
-#include "support/FakeArchiver.h"
-#include "support/FakeSystemSleep.h"
-#include "support/FakeUserNotifications.h"
+#include "support/FakeFiles.h"
+#include "support/FakeSystem.h"
 #include "support/FileTree.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"

@@ -1,9 +1,7 @@
 #include "maintenance/cleanup/SystemCleaner.h"
 
-#include "support/FakeAdminShell.h"
-#include "support/FakeDiskUsage.h"
-#include "support/FakeRunningPrograms.h"
-#include "support/FakeTrashCan.h"
+#include "support/FakeApplications.h"
+#include "support/FakeFiles.h"
 #include "support/FileTree.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"

@@ -1,12 +1,9 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "support/Test.h"
 
-#include <QCoreApplication>
-#include <QObject>
 #include <QPointer>
-
-#include <utility>
 
 namespace velbrix::test {
 

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "platform/DesktopSurfaces.h"
-
-#include <QCoreApplication>
-#include <QCoroFuture>
-#include <QList>
-#include <QPromise>
-#include <QStringList>
-
-#include <optional>
-#include <utility>
+#include "support/AnswerTime.h"
 
 namespace velbrix::test {
+
+// A turn later, where anybody listens; never after the end of the context.
+template <typename Call, typename... Arguments>
+void announce(QObject &context, const Call &call, const Arguments &...with)
+{
+    if (call)
+        QMetaObject::invokeMethod(&context, [=] { call(with...); }, Qt::QueuedConnection);
+}
 
 // A window that only remembers what was asked.
 class FakeSurfaceWindow final : public SurfaceWindow {
@@ -30,24 +30,23 @@ public:
 
     void setFrame(const QRect &newFrame) override
     {
-        calls << QStringLiteral("setFrame");
+        calls << u"setFrame"_s;
         frame = newFrame;
     }
     void setLayer(SurfaceLayer newLayer) override
     {
-        const bool isBelow = newLayer == SurfaceLayer::belowIcons;
-        calls << (isBelow ? QStringLiteral("setLayer belowIcons") : QStringLiteral("setLayer aboveIcons"));
+        calls << u"setLayer %1Icons"_s.arg(newLayer == SurfaceLayer::belowIcons ? u"below" : u"above");
         layer = newLayer;
     }
     void orderFront() override
     {
-        calls << QStringLiteral("orderFront");
+        calls << u"orderFront"_s;
         isShown = true;
         _hasId = true;
     }
     void orderOut() override
     {
-        calls << QStringLiteral("orderOut");
+        calls << u"orderOut"_s;
         isShown = false;
     }
     std::optional<quint32> windowId() const override { return _hasId ? std::optional(_id) : std::nullopt; }
@@ -63,8 +62,9 @@ private:
 // and only where a host could announce it.
 class FakeVideoSurface final : public VideoSurface {
 public:
-    FakeVideoSurface(FakeSurfaceWindow &in, VideoEvents events, QList<FakeVideoSurface *> &alive)
-        : window(in), _events(std::move(events)), _alive(alive)
+    FakeVideoSurface(FakeSurfaceWindow &in, VideoEvents events, QList<FakeVideoSurface *> &alive,
+                     AnswerTime &answer)
+        : window(in), _events(std::move(events)), _alive(alive), _answer(answer)
     {
         _alive.append(this);
     }
@@ -88,20 +88,14 @@ public:
         if (path.isEmpty() || !window.isShown)
             return;
         ++pictures;
-        announce([call = _events.firstFrame] {
-            if (call)
-                call();
-        });
+        announce(_turn, _events.firstFrame);
     }
     void fail(const QString &why)
     {
         if (path.isEmpty())
             return;
         path.clear();
-        announce([call = _events.failed, why] {
-            if (call)
-                call(Failure{why});
-        });
+        announce(_turn, _events.failed, Failure{why});
     }
     // An interval of playing has passed.
     void tick()
@@ -109,70 +103,53 @@ public:
         if (!isPlaying || path.isEmpty() || !window.isShown || timeInterval.count() == 0)
             return;
         ++pictures;
-        announce([call = _events.time] {
-            if (call)
-                call();
-        });
+        announce(_turn, _events.time);
     }
 
     void load(const QString &file) override
     {
-        calls << QStringLiteral("load ") + file;
+        calls << u"load "_s + file;
         path = file;
     }
     void play(double newRate) override
     {
-        calls << QStringLiteral("play %1").arg(newRate);
+        calls << u"play %1"_s.arg(newRate);
         isPlaying = true;
         rate = newRate;
     }
     void pause() override
     {
-        calls << QStringLiteral("pause");
+        calls << u"pause"_s;
         isPlaying = false;
     }
     void setVolume(double newVolume) override
     {
-        calls << QStringLiteral("setVolume %1").arg(newVolume);
+        calls << u"setVolume %1"_s.arg(newVolume);
         volume = newVolume;
     }
     void setGravity(VideoGravity newGravity) override
     {
         static constexpr const char *names[] = {"stretch", "fit", "crop"};
-        calls << QStringLiteral("setGravity ") + QLatin1String(names[static_cast<int>(newGravity)]);
+        calls << u"setGravity "_s + QLatin1String(names[static_cast<int>(newGravity)]);
         gravity = newGravity;
     }
     void observeTime(std::chrono::milliseconds interval) override
     {
-        calls << QStringLiteral("observeTime %1").arg(interval.count());
+        calls << u"observeTime %1"_s.arg(interval.count());
         timeInterval = interval;
     }
 
     QCoro::Task<Result<QImage>> currentFrame() override
     {
-        calls << QStringLiteral("currentFrame");
+        calls << u"currentFrame"_s;
         const Result<QImage> answer =
-            path.isEmpty() ? Result<QImage>(failure(QStringLiteral("没有正在显示的画面"))) : picture;
-        const auto promise = std::make_shared<QPromise<Result<QImage>>>();
-        const QFuture<Result<QImage>> future = promise->future();
-        promise->start();
-        // Also when the surface has ended by then.
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [promise, answer] {
-                promise->addResult(answer);
-                promise->finish();
-            },
-            Qt::QueuedConnection);
-        co_return co_await future;
+            path.isEmpty() ? Result<QImage>(failure(u"没有正在显示的画面"_s)) : picture;
+        co_await _answer.after(); // also when the surface has ended by then
+        co_return answer;
     }
     qint64 progress() const override { return pictures; }
 
 private:
-    void announce(std::function<void()> call)
-    {
-        QMetaObject::invokeMethod(&_turn, std::move(call), Qt::QueuedConnection);
-    }
     static QImage greyPicture()
     {
         QImage grey(64, 36, QImage::Format_RGB32);
@@ -182,6 +159,7 @@ private:
 
     const VideoEvents _events;
     QList<FakeVideoSurface *> &_alive;
+    AnswerTime &_answer;
     QObject _turn; // nothing is announced after it
 };
 
@@ -199,16 +177,8 @@ public:
     const QSize bound;
     bool isPlaying = false;
 
-    void show(const QImage &picture)
-    {
-        QMetaObject::invokeMethod(
-            &_turn, [call = _events.frame, picture] { call(picture); }, Qt::QueuedConnection);
-    }
-    void fail(const QString &why)
-    {
-        QMetaObject::invokeMethod(
-            &_turn, [call = _events.failed, why] { call(Failure{why}); }, Qt::QueuedConnection);
-    }
+    void show(const QImage &picture) { announce(_turn, _events.frame, picture); }
+    void fail(const QString &why) { announce(_turn, _events.failed, Failure{why}); }
 
     void play() override { isPlaying = true; }
     void pause() override { isPlaying = false; }
@@ -246,7 +216,7 @@ public:
             return std::unexpected(*refusal);
         ++surfacesMade;
         return std::make_unique<FakeVideoSurface>(static_cast<FakeSurfaceWindow &>(window), std::move(events),
-                                                  surfaces);
+                                                  surfaces, _answer);
     }
 
     Result<std::unique_ptr<VideoPreview>> makePreview(const QString &path, QSize bound,
@@ -258,6 +228,7 @@ public:
     }
 
 private:
+    AnswerTime _answer;
     quint32 _lastId = 1000;
 };
 

@@ -3,12 +3,7 @@
 #include "platform/ScreenCapture.h"
 #include "support/AnswerTime.h"
 
-#include <QFileInfo>
-
-#include <algorithm>
 #include <map>
-#include <memory>
-#include <utility>
 
 namespace velbrix::test {
 
@@ -46,45 +41,20 @@ struct FakeCaptureState {
 class FakeCaptureSession final : public CaptureSession {
 public:
     FakeCaptureSession(AnswerTime &answer, CaptureFeatures features, std::shared_ptr<FakeCaptureState> state,
-                       CaptureObserver observer)
-        : _answer(answer), _features(features), _state(std::move(state)), _observer(std::move(observer))
+                       CaptureObserver hostEvents)
+        : observer(std::move(hostEvents)), _answer(answer), _features(features), _state(std::move(state))
     {
         _state->alive = true;
     }
     ~FakeCaptureSession() override { _state->alive = false; }
 
-    // The events of the host.
-    void streamStopped(const QString &why) const
-    {
-        if (_observer.streamStopped)
-            _observer.streamStopped(Failure{why});
-    }
-    void warn(const QString &text) const
-    {
-        if (_observer.warning)
-            _observer.warning(text);
-    }
-    void recordingStarted() const
-    {
-        if (_observer.recordingStarted)
-            _observer.recordingStarted();
-    }
-    void recordingFailed(const QString &why) const
-    {
-        if (_observer.recordingFailed)
-            _observer.recordingFailed(Failure{why});
-    }
-    void recordingFinished() const
-    {
-        if (_observer.recordingFinished)
-            _observer.recordingFinished();
-    }
+    const CaptureObserver observer; // the test tells it the events of the host
 
     Result<void> addRecordingOutput(const QString &path) override
     {
-        _state->calls << QStringLiteral("addRecordingOutput ") + path;
+        _state->calls << u"addRecordingOutput "_s + path;
         if (!_features.recordingOutput)
-            return failure(QStringLiteral("本机不支持系统直写"));
+            return failure(u"本机不支持系统直写"_s);
         if (!_state->addRecordingOutputAnswer)
             return _state->addRecordingOutputAnswer;
         if (const auto folder = folderOf(path); !folder)
@@ -98,9 +68,9 @@ public:
 
     Result<void> removeRecordingOutput() override
     {
-        _state->calls << QStringLiteral("removeRecordingOutput");
+        _state->calls << u"removeRecordingOutput"_s;
         if (std::exchange(_output, Output::none) != Output::system)
-            return failure(QStringLiteral("没有系统直写的输出"));
+            return failure(u"没有系统直写的输出"_s);
         if (_state->onFinish)
             _state->onFinish(_state->path);
         return {};
@@ -108,9 +78,9 @@ public:
 
     Result<MovieTracks> openWriter(const MovieSettings &settings) override
     {
-        _state->calls << QStringLiteral("openWriter ") + settings.path;
+        _state->calls << u"openWriter "_s + settings.path;
         if (_output == Output::writer)
-            return failure(QStringLiteral("影片文件已经打开"));
+            return failure(u"影片文件已经打开"_s);
         if (const auto folder = folderOf(settings.path); !folder)
             return std::unexpected(folder.error());
         _state->movie = settings;
@@ -129,11 +99,11 @@ public:
     QCoro::Task<Result<void>> finishWriting() override
     {
         const auto state = _state;
-        state->calls << QStringLiteral("finishWriting");
+        state->calls << u"finishWriting"_s;
         const bool hasMovie = std::exchange(_output, Output::none) == Output::writer;
         co_await _answer.after();
         if (!hasMovie)
-            co_return failure(QStringLiteral("没有打开的影片文件"));
+            co_return failure(u"没有打开的影片文件"_s);
         if (state->finishWritingAnswer && state->onFinish)
             state->onFinish(state->path);
         co_return std::as_const(state->finishWritingAnswer);
@@ -142,13 +112,13 @@ public:
     Result<void> addOutput(CaptureOutput output) override
     {
         static constexpr const char *names[] = {"screen", "systemAudio", "microphone"};
-        _state->calls << QStringLiteral("addOutput ") + QLatin1String(names[static_cast<int>(output)]);
+        _state->calls << u"addOutput "_s + QLatin1String(names[static_cast<int>(output)]);
         if (_output == Output::none)
-            return failure(QStringLiteral("没有打开的影片文件"));
+            return failure(u"没有打开的影片文件"_s);
         const bool isWritten = _output == Output::writer;
         if (isWritten && ((output == CaptureOutput::systemAudio && !_tracks.systemAudio) ||
                           (output == CaptureOutput::microphone && !_tracks.microphone)))
-            return failure(QStringLiteral("影片没有这条音轨"));
+            return failure(u"影片没有这条音轨"_s);
         const auto answer = _state->addOutputAnswers.find(output);
         if (answer != _state->addOutputAnswers.end() && !answer->second)
             return answer->second;
@@ -159,23 +129,23 @@ public:
     QCoro::Task<Result<void>> startCapture() override
     {
         const auto state = _state;
-        state->calls << QStringLiteral("startCapture");
+        state->calls << u"startCapture"_s;
         const bool isReady = _output != Output::none && _hasScreen && !_hasStarted;
         _hasStarted = _hasStarted || isReady;
         co_await _answer.after(state->startDelay);
         if (!isReady)
-            co_return failure(QStringLiteral("没有影片或画面，或者录制已经开始过"));
+            co_return failure(u"没有影片或画面，或者录制已经开始过"_s);
         co_return std::as_const(state->startCaptureAnswer);
     }
 
     QCoro::Task<Result<void>> stopCapture() override
     {
         const auto state = _state;
-        state->calls << QStringLiteral("stopCapture");
+        state->calls << u"stopCapture"_s;
         const bool hasStarted = _hasStarted;
         co_await _answer.after(state->stopDelay);
         if (!hasStarted)
-            co_return failure(QStringLiteral("录制没有开始"));
+            co_return failure(u"录制没有开始"_s);
         co_return std::as_const(state->stopCaptureAnswer);
     }
 
@@ -187,14 +157,13 @@ private:
     static Result<void> folderOf(const QString &path)
     {
         if (!QFileInfo(QFileInfo(path).path()).isDir())
-            return failure(QStringLiteral("无法创建文件：") + path);
+            return failure(u"无法创建文件："_s + path);
         return {};
     }
 
     AnswerTime &_answer;
     const CaptureFeatures _features;
     std::shared_ptr<FakeCaptureState> _state;
-    CaptureObserver _observer;
     CaptureLedger _ledger;
     Output _output = Output::none;
     MovieTracks _tracks;
@@ -229,14 +198,14 @@ public:
 
     QCoro::Task<Result<ShareableContent>> shareableContent() override
     {
-        calls << QStringLiteral("shareableContent");
+        calls << u"shareableContent"_s;
         co_await _answer.after(contentDelay);
         co_return std::as_const(contentAnswer);
     }
 
     QCoro::Task<Result<QImage>> windowImage(quint32 windowId, QSize size) override
     {
-        calls << QStringLiteral("windowImage %1 %2x%3").arg(windowId).arg(size.width()).arg(size.height());
+        calls << u"windowImage %1 %2x%3"_s.arg(windowId).arg(size.width()).arg(size.height());
         co_await _answer.after(imageDelay);
         if (const auto answer = imageAnswers.find(windowId); answer != imageAnswers.end())
             co_return std::as_const(answer->second);
@@ -249,7 +218,7 @@ public:
 
     Result<CaptureGeometry> geometry(const CaptureFilter &filter) override
     {
-        calls << QStringLiteral("geometry");
+        calls << u"geometry"_s;
         nextSession->filter = filter;
         const Result<void> seen = visible(filter);
         return seen ? geometryAnswer : std::unexpected(seen.error());
@@ -259,7 +228,7 @@ public:
                                                         const StreamConfiguration &configuration,
                                                         CaptureObserver observer) override
     {
-        calls << QStringLiteral("makeSession");
+        calls << u"makeSession"_s;
         nextSession->filter = filter;
         nextSession->configuration = configuration;
         if (makeSessionFailure)
@@ -267,7 +236,7 @@ public:
         const bool isEven = configuration.width % 2 == 0 && configuration.height % 2 == 0;
         if (configuration.width < 2 || configuration.height < 2 || !isEven ||
             configuration.framesPerSecond < 1)
-            return failure(QStringLiteral("捕获尺寸或帧率无效"));
+            return failure(u"捕获尺寸或帧率无效"_s);
         if (const auto seen = visible(filter); !seen)
             return std::unexpected(seen.error());
         auto session =
@@ -286,9 +255,9 @@ private:
             return each.displayId == filter.displayId;
         };
         if (filter.windowId && std::ranges::none_of(contentAnswer->windows, hasWindow))
-            return failure(QStringLiteral("窗口已关闭"));
+            return failure(u"窗口已关闭"_s);
         if (!filter.windowId && std::ranges::none_of(contentAnswer->displays, hasDisplay))
-            return failure(QStringLiteral("找不到要录制的显示器"));
+            return failure(u"找不到要录制的显示器"_s);
         return {};
     }
 

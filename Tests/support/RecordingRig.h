@@ -1,18 +1,149 @@
 #pragma once
 
+#include "platform/linux/media/recording/MovieRecorder.h"
 #include "platform/linux/x11/capture/X11ScreenCapture.h"
-#include "support/FakeMovieRecorder.h"
+#include "support/Test.h"
 
+#include <QColor>
 #include <QCoroTask>
-#include <QStringList>
 
-#include <algorithm>
 #include <cstdlib>
-#include <initializer_list>
-#include <memory>
-#include <optional>
+#include <cstring>
+#include <mutex>
 
 namespace velbrix::test {
+
+// What a fake recorder was given, kept beyond its death. Any thread.
+class FakeMovie {
+public:
+    explicit FakeMovie(MovieSettings settings) : _settings(std::move(settings))
+    {
+        const qsizetype size = qsizetype(_settings.width) * _settings.height;
+        _whole = {QByteArray(size, 0), QByteArray(size / 4, 0), QByteArray(size / 4, 0)};
+        _patched = _whole;
+    }
+
+    // How many pictures the queue refuses from now on.
+    void refuse(int pictures)
+    {
+        const std::scoped_lock lock(_lock);
+        _refusals = pictures;
+    }
+
+    void call(const QString &what)
+    {
+        const std::scoped_lock lock(_lock);
+        _calls << what;
+    }
+
+    bool submit(const PictureView &picture, std::span<const PixelRect> changed, qint64 tick)
+    {
+        const std::scoped_lock lock(_lock);
+        if (_refusals > 0) {
+            --_refusals;
+            return false;
+        }
+        _ticks << tick;
+        copy(picture, {0, 0, _settings.width, _settings.height}, _whole);
+        for (const PixelRect &rect : changed)
+            copy(picture, rect, _patched);
+        return true;
+    }
+
+    QStringList calls() const { return now(_calls); }
+    QList<qint64> ticks() const { return now(_ticks); }
+    int refusalsLeft() const { return now(_refusals); }
+    // Whether the rectangles named everything that differed so far.
+    bool wereChangesNamed() const
+    {
+        const std::scoped_lock lock(_lock);
+        return _whole == _patched;
+    }
+    // Of the newest picture.
+    QColor colorAt(int x, int y) const
+    {
+        const double luma = 1.164 * (sample(0, x, y) - 16);
+        const double blue = sample(1, x / 2, y / 2) - 128.0;
+        const double red = sample(2, x / 2, y / 2) - 128.0;
+        const auto level = [](double value) { return std::clamp(static_cast<int>(value + 0.5), 0, 255); };
+        return QColor(level(luma + 1.596 * red), level(luma - 0.813 * red - 0.391 * blue),
+                      level(luma + 2.018 * blue));
+    }
+    int lumaAt(int x, int y) const { return sample(0, x, y); }
+
+private:
+    using Planes = std::array<QByteArray, 3>; // Y, U and V
+
+    template <typename Value> Value now(const Value &value) const
+    {
+        const std::scoped_lock lock(_lock);
+        return value;
+    }
+    int widthOf(std::size_t plane) const { return plane == 0 ? _settings.width : _settings.width / 2; }
+    int sample(std::size_t plane, int x, int y) const
+    {
+        const std::scoped_lock lock(_lock);
+        return static_cast<quint8>(_whole[plane][y * widthOf(plane) + x]);
+    }
+    void copy(const PictureView &from, const PixelRect &rect, Planes &to) const
+    {
+        const std::uint8_t *const sources[] = {from.y, from.u, from.v};
+        for (std::size_t plane = 0; plane < to.size(); ++plane) {
+            const int part = plane == 0 ? 1 : 2;
+            const int stride = plane == 0 ? from.strideY : from.strideUV;
+            for (int y = rect.y / part; y < rect.y / part + rect.height / part; ++y)
+                std::memcpy(to[plane].data() + y * widthOf(plane) + rect.x / part,
+                            sources[plane] + y * stride + rect.x / part,
+                            static_cast<std::size_t>(rect.width / part));
+        }
+    }
+
+    const MovieSettings _settings;
+    mutable std::mutex _lock;
+    int _refusals = 0;
+    QStringList _calls;
+    QList<qint64> _ticks;
+    Planes _whole;
+    Planes _patched;
+};
+
+class FakeMovieRecorder final : public MovieRecorder {
+public:
+    FakeMovieRecorder(std::shared_ptr<FakeMovie> movie, const MovieSettings &settings, CaptureLedger &ledger)
+        : _movie(std::move(movie)),
+          _tracks{settings.systemAudio, settings.microphone},
+          _framesPerSecond(settings.framesPerSecond),
+          _ledger(ledger)
+    {
+    }
+    ~FakeMovieRecorder() override { _movie->call(u"destroyed"_s); }
+
+    MovieTracks tracks() const override { return _tracks; }
+    void useSystemAudio() override { _movie->call(u"useSystemAudio"_s); }
+    void useMicrophone(std::optional<QString> deviceId) override
+    {
+        _movie->call(u"useMicrophone "_s + deviceId.value_or(u"default"_s));
+    }
+    void begin(std::int64_t) override { _movie->call(u"begin"_s); }
+    bool submit(const PictureView &picture, std::span<const PixelRect> changed, std::int64_t tick) override
+    {
+        if (!_movie->submit(picture, changed, tick))
+            return false;
+        _ledger.noteWrittenFrame(static_cast<double>(tick) / _framesPerSecond);
+        return true;
+    }
+    Result<void> finish(std::int64_t lastTick) override
+    {
+        _movie->call(u"finish %1"_s.arg(lastTick));
+        return {};
+    }
+
+private:
+    std::shared_ptr<FakeMovie> _movie;
+    MovieTracks _tracks;
+    int _framesPerSecond;
+    CaptureLedger &_ledger;
+};
 
 // As far as colours survive in a movie.
 inline bool isLike(QColor a, QColor b)
@@ -65,7 +196,7 @@ struct RecordingRig {
                                                 .height = size.height(),
                                                 .framesPerSecond = 60,
                                                 .showsCursor = cursor,
-                                                .microphoneDeviceId = QStringLiteral("mic-1")};
+                                                .microphoneDeviceId = u"mic-1"_s};
         CaptureObserver observer;
         observer.streamStopped = [this](Failure why) { stops << why.message; };
         observer.warning = [this](QString text) { warnings << text; };

@@ -3,15 +3,6 @@
 #include "foundation/SettingsStore.h"
 #include "maintenance/uninstall/AppScanner.h"
 #include "support/FakePlatform.h"
-#include "support/Files.h"
-
-#include <QCoreApplication>
-#include <QDir>
-#include <QTest>
-
-#include <functional>
-#include <optional>
-#include <utility>
 
 namespace velbrix::test {
 
@@ -21,10 +12,10 @@ struct UninstallRig {
     UninstallRig()
     {
         qputenv("HOME", home().toUtf8());
-        QDir().mkpath(home(QStringLiteral("Preferences")));
-        QDir().mkpath(home(QStringLiteral("Caches")));
-        host.applications.folders = {{LibraryKind::preferences, home(QStringLiteral("Preferences"))},
-                                     {LibraryKind::caches, home(QStringLiteral("Caches"))}};
+        QDir().mkpath(home(u"Preferences"_s));
+        QDir().mkpath(home(u"Caches"_s));
+        host.applications.folders = {{LibraryKind::preferences, home(u"Preferences"_s)},
+                                     {LibraryKind::caches, home(u"Caches"_s)}};
     }
 
     QTemporaryDir files;
@@ -37,9 +28,9 @@ struct UninstallRig {
 
     QString home(const QString &path = {}) const
     {
-        return files.path() + QStringLiteral("/home") + (path.isEmpty() ? path : u'/' + path);
+        return files.path() + u"/home"_s + (path.isEmpty() ? path : u'/' + path);
     }
-    QString journal() const { return home(QStringLiteral("own/uninstalls.json")); }
+    QString journal() const { return home(u"own/uninstalls.json"_s); }
 
     // A file, or a folder when the name ends in a stroke; its path.
     QString plant(const QString &path) const
@@ -54,7 +45,7 @@ struct UninstallRig {
         InstalledApplication application;
         application.name = name;
         application.identifier = identifier;
-        application.path = plant(QStringLiteral("Applications/%1.app/").arg(name));
+        application.path = plant(u"Applications/%1.app/"_s.arg(name));
         host.applications.installed->append(application);
         return application;
     }
@@ -110,7 +101,7 @@ struct UninstallRig {
     {
         QStringList paths;
         for (const QString &call : host.trash.calls) {
-            if (call.startsWith(QStringLiteral("trash ")))
+            if (call.startsWith(u"trash "_s))
                 paths.append(call.sliced(6 + home().size() + 1));
         }
         return paths;

@@ -2,7 +2,6 @@
 
 #include "support/CapturedLog.h"
 #include "support/FakePlatform.h"
-#include "support/Files.h"
 
 #include <QThreadPool>
 
@@ -12,10 +11,11 @@ namespace velbrix::test {
 // videos; change the host or the settings, then call wallpaper(). What was
 // begun has gone on as far as it can without time when one looks at it here.
 struct WallpaperRig : ServicesRig {
-    CapturedLog log;
-
+    explicit WallpaperRig(const QJsonObject &stored = {}) { host.settings.stored = stored; }
     // Pictures are written in other threads, and the folder goes after this.
     ~WallpaperRig() { QThreadPool::globalInstance()->waitForDone(); }
+
+    CapturedLog log;
 
     WallpaperController &wallpaper()
     {
@@ -31,8 +31,7 @@ struct WallpaperRig : ServicesRig {
     void plugSecond()
     {
         auto list = host.displays.list;
-        list.append(
-            {2, QStringLiteral("副屏"), false, QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)});
+        list.append({2, u"副屏"_s, false, QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)});
         host.displays.set(list);
     }
 
@@ -51,7 +50,7 @@ struct WallpaperRig : ServicesRig {
     QStringList logged()
     {
         settle();
-        return log.take(QStringLiteral("Wallpaper"));
+        return log.take(u"Wallpaper"_s);
     }
 };
 

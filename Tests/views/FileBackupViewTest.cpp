@@ -1,6 +1,5 @@
 #include "support/WindowRig.h"
 #include "views/components/PathField.h"
-#include "views/components/RowList.h"
 #include "views/components/Switch.h"
 
 #include <QFileDialog>
@@ -11,7 +10,7 @@
 
 namespace {
 
-// A program with a folder to back up and a place for the backups.
+// A program with a folder to back up and a place for the backups, on the page.
 struct Rig : WindowRig {
     Rig()
     {
@@ -19,40 +18,41 @@ struct Rig : WindowRig {
         writeFile(source() + u"/信.txt"_s);
     }
 
-    QString source() const { return places.filePath(u"文稿"_s); }
-    QString target() const { return places.filePath(u"备份盘"_s); }
+    QString source() const { return files.filePath(u"文稿"_s); }
+    QString target() const { return files.filePath(u"备份盘"_s); }
 
-    void open()
-    {
-        start();
-        services->router.show(u"backup"_s);
-    }
+    void open() { WindowRig::open(u"backup"_s); }
     FileBackupController &backups() const { return services->fileBackup; }
     void choose(const QString &field, const QString &folder) const
     {
         Q_EMIT find<PathField>(field)->wanted(folder);
     }
+    void chooseBoth() const
+    {
+        choose(u"editorSource"_s, source());
+        choose(u"editorDestination"_s, target());
+    }
     // The id of a task added through the editor.
     QString add(BackupTaskKind kind = BackupTaskKind::backup)
     {
-        const qsizetype before = backups().tasks().size();
-        click(before == 0 ? u"backupEmptyAction"_s : u"backupAdd"_s);
-        choose(u"editorSource"_s, source());
-        choose(u"editorDestination"_s, target());
+        click(u"backupEmptyAction"_s);
+        chooseBoth();
         click(u"editorKind.%1"_s.arg(static_cast<int>(kind)));
         click(u"editorSave"_s);
-        const bool isAdded =
-            until([&] { return backups().tasks().size() > before && !find(u"backupEditor"_s); });
-        return isAdded ? backups().tasks().last().id : QString();
+        const bool isAdded = until([&] { return !backups().tasks().isEmpty() && !find(u"backupEditor"_s); });
+        return isAdded ? task().id : QString();
     }
+    BackupTask task() const { return backups().tasks().value(0); }
     bool run(const QString &id)
     {
         click(u"backupRun."_s + id);
+        return hasRun();
+    }
+    bool hasRun()
+    {
         return until([this] { return !backups().isRunningBackup(); });
     }
     QStringList card(const QString &id) const { return texts(u"backupTask."_s + id); }
-
-    QTemporaryDir places;
 };
 
 } // namespace
@@ -61,20 +61,28 @@ class FileBackupViewTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aTaskIsAdded()
+    void aTaskIsAddedSwitchedAndRemoved()
     {
         Rig rig;
         rig.open();
         QVERIFY(rig.texts(u"backupEmpty"_s).contains(u"还没有备份任务"_s));
         const QString id = rig.add();
-        QVERIFY(!id.isEmpty());
         QVERIFY(!rig.find(u"backupEmpty"_s));
         QCOMPARE(rig.text(u"backupCount"_s), u"共 1 个任务"_s);
-        const QStringList card = rig.card(id);
-        QVERIFY(card.contains(u"文稿"_s)); // the folder's name
-        QVERIFY(card.contains(u"定时压缩文件夹 · 自动归档到指定位置"_s));
-        QVERIFY(card.contains(u"每天 09:00 · 下次运行 明天 09:00"_s));
-        QVERIFY(card.contains(u"还没有运行过"_s));
+        for (const QString &text : {u"文稿"_s, u"定时压缩文件夹 · 自动归档到指定位置"_s,
+                                    u"每天 09:00 · 下次运行 明天 09:00"_s, u"还没有运行过"_s})
+            QVERIFY2(rig.card(id).contains(text), qPrintable(text));
+        rig.click(u"backupEnabled."_s + id);
+        QVERIFY(!rig.task().isEnabled);
+        QVERIFY(rig.card(id).contains(u"每天 09:00 · 已停用，不会自动运行"_s));
+        rig.click(u"backupRemove."_s + id);
+        QVERIFY(rig.text(u"noticeMessage"_s).contains(u"都会保留"_s));
+        rig.click(u"noticeCancel"_s);
+        QCOMPARE(rig.backups().tasks().size(), 1);
+        rig.click(u"backupRemove."_s + id);
+        rig.click(u"noticeConfirm"_s);
+        QVERIFY(rig.backups().tasks().isEmpty());
+        QVERIFY(rig.find(u"backupEmpty"_s));
     }
 
     void problemsStandWhereTheyBelong()
@@ -82,20 +90,18 @@ private Q_SLOTS:
         Rig rig;
         rig.open();
         rig.click(u"backupEmptyAction"_s);
-        rig.click(u"editorSave"_s);
-        QVERIFY(rig.until([&] { return rig.text(u"sourceProblem"_s) == u"请选择源文件夹和保存目录"_s; }));
+        const auto savingSays = [&](const QString &field, const QString &problem) {
+            rig.click(u"editorSave"_s);
+            return rig.until([&] { return rig.text(field) == problem; });
+        };
+        QVERIFY(savingSays(u"sourceProblem"_s, u"请选择源文件夹和保存目录"_s));
         rig.choose(u"editorSource"_s, rig.source());
         QVERIFY(!rig.find(u"sourceProblem"_s));
-        rig.click(u"editorSave"_s);
-        QVERIFY(
-            rig.until([&] { return rig.text(u"destinationProblem"_s) == u"请选择源文件夹和保存目录"_s; }));
-        rig.choose(u"editorDestination"_s, rig.places.filePath(u"没有"_s));
-        rig.click(u"editorSave"_s);
-        QVERIFY(
-            rig.until([&] { return rig.text(u"destinationProblem"_s) == u"保存目录不存在或不是目录"_s; }));
+        QVERIFY(savingSays(u"destinationProblem"_s, u"请选择源文件夹和保存目录"_s));
+        rig.choose(u"editorDestination"_s, rig.files.filePath(u"没有"_s));
+        QVERIFY(savingSays(u"destinationProblem"_s, u"保存目录不存在或不是目录"_s));
         rig.choose(u"editorSource"_s, rig.source() + u"/信.txt"_s);
-        rig.click(u"editorSave"_s);
-        QVERIFY(rig.until([&] { return rig.text(u"sourceProblem"_s) == u"源文件夹不存在或不是目录"_s; }));
+        QVERIFY(savingSays(u"sourceProblem"_s, u"源文件夹不存在或不是目录"_s));
         QVERIFY(rig.backups().tasks().isEmpty());
         rig.click(u"editorCancel"_s);
         QVERIFY(!rig.find(u"backupEditor"_s));
@@ -106,10 +112,10 @@ private Q_SLOTS:
         Rig rig;
         rig.open();
         rig.click(u"backupEmptyAction"_s);
-        rig.choose(u"editorSource"_s, rig.source());
-        rig.choose(u"editorDestination"_s, rig.target());
+        rig.chooseBoth();
         QVERIFY(!rig.find(u"scheduleDay"_s));
         rig.click(u"scheduleKind.2"_s);
+        QVERIFY(rig.namedControls() > 12);
         rig.find<QSpinBox>(u"scheduleMonth"_s)->setValue(2);
         QVERIFY(!rig.find(u"scheduleHint"_s));
         rig.find<QSpinBox>(u"scheduleDay"_s)->setValue(30);
@@ -121,11 +127,10 @@ private Q_SLOTS:
         rig.find(u"editorName"_s)->setFocus();
         rig.key(Qt::Key_Return);
         QVERIFY(rig.until([&] { return rig.backups().tasks().size() == 1; }));
-        const BackupTask task = rig.backups().tasks().constFirst();
-        QCOMPARE(task.schedule, (BackupScheduleTime{BackupScheduleKind::yearly, 7, 5, 30, 2}));
-        QCOMPARE(task.keepLast, 3);
-        QCOMPARE(task.excludes, (QStringList{u"*.tmp"_s, u"node_modules"_s}));
-        QCOMPARE(task.name, u"论文"_s);
+        QCOMPARE(rig.task().schedule, (BackupScheduleTime{BackupScheduleKind::yearly, 7, 5, 30, 2}));
+        QCOMPARE(rig.task().keepLast, 3);
+        QCOMPARE(rig.task().excludes, (QStringList{u"*.tmp"_s, u"node_modules"_s}));
+        QCOMPARE(rig.task().name, u"论文"_s);
     }
 
     void aTaskIsEdited()
@@ -134,14 +139,15 @@ private Q_SLOTS:
         rig.open();
         const QString id = rig.add(BackupTaskKind::sync);
         rig.click(u"backupEdit."_s + id);
+        QVERIFY(rig.namedControls() > 12);
         QVERIFY(rig.find<Switch>(u"editorSetsAside"_s)->isChecked());
         QVERIFY(!rig.find(u"editorKeep"_s));
         rig.click(u"editorSetsAside"_s);
         rig.find<QLineEdit>(u"editorName"_s)->setText(u"镜像"_s);
         rig.click(u"editorSave"_s);
-        QVERIFY(rig.until([&] { return rig.backups().tasks().constFirst().name == u"镜像"_s; }));
+        QVERIFY(rig.until([&] { return rig.task().name == u"镜像"_s; }));
         QCOMPARE(rig.backups().tasks().size(), 1);
-        QVERIFY(!rig.backups().tasks().constFirst().setsAside);
+        QVERIFY(!rig.task().setsAside);
         QVERIFY(rig.card(id).contains(u"到期创建同步文件夹 · 增量复制源文件结构"_s));
     }
 
@@ -155,24 +161,21 @@ private Q_SLOTS:
         QVERIFY(rig.until([&] { return !rig.host.archiver.created.isEmpty(); }));
         QVERIFY(rig.find(u"backupJob"_s));
         QVERIFY(rig.find(u"ring.backup"_s));
-        QVERIFY(!rig.button(u"backupRun."_s + id)->isEnabled());
-        QVERIFY(!rig.button(u"backupEdit."_s + id)->isEnabled());
+        QVERIFY(!rig.isEnabled(u"backupRun."_s + id) && !rig.isEnabled(u"backupEdit."_s + id));
         rig.click(u"backupJobCancel"_s);
-        QVERIFY(rig.until([&] { return !rig.backups().isRunningBackup(); }));
+        QVERIFY(rig.hasRun());
         QVERIFY(!rig.find(u"backupJob"_s));
 
         rig.host.archiver.holds = false;
-        rig.host.archiver.failure = u"磁盘已满"_s;
-        QVERIFY(rig.run(id));
         const auto looks = [&](const QString &role) {
-            QString result = *rig.backups().tasks().constFirst().lastResult;
-            result.remove(u"✓ "_s);
+            const QString result = rig.task().lastResult->remove(u"✓ "_s);
             const auto labels = rig.find(u"backupTask."_s + id)->findChildren<QLabel *>();
             return std::ranges::any_of(labels, [&](const QLabel *label) {
                 return label->property("role") == role && label->text() == u"今天 09:00 · "_s + result;
             });
         };
-        QVERIFY(rig.backups().tasks().constFirst().lastFailed);
+        rig.host.archiver.failure = u"磁盘已满"_s;
+        QVERIFY(rig.run(id));
         QVERIFY(looks(u"bad"_s));
         rig.host.archiver.failure = std::nullopt;
         QVERIFY(rig.run(id));
@@ -181,77 +184,53 @@ private Q_SLOTS:
         QVERIFY(rig.host.desktop.calls.contains(u"reveal "_s + rig.target()));
     }
 
-    void aTaskIsSwitchedAndRemoved()
-    {
-        Rig rig;
-        rig.open();
-        const QString id = rig.add();
-        rig.click(u"backupEnabled."_s + id);
-        QVERIFY(!rig.backups().tasks().constFirst().isEnabled);
-        QVERIFY(rig.card(id).contains(u"每天 09:00 · 已停用，不会自动运行"_s));
-        rig.click(u"backupRemove."_s + id);
-        QVERIFY(rig.text(u"noticeMessage"_s).contains(u"都会保留"_s));
-        rig.click(u"noticeCancel"_s);
-        QCOMPARE(rig.backups().tasks().size(), 1);
-        rig.click(u"backupRemove."_s + id);
-        rig.click(u"noticeConfirm"_s);
-        QVERIFY(rig.backups().tasks().isEmpty());
-        QVERIFY(rig.find(u"backupEmpty"_s));
-    }
-
     void anArchiveComesBack()
     {
         Rig rig;
         rig.open();
         const QString id = rig.add();
         rig.click(u"backupArchives."_s + id);
-        QVERIFY(rig.until([&] { return rig.find(u"archivesEmpty"_s) != nullptr; }));
-        QVERIFY(!rig.button(u"archivesRestore"_s)->isEnabled());
+        QVERIFY(rig.untilFound(u"archivesEmpty"_s));
+        QVERIFY(!rig.isEnabled(u"archivesRestore"_s));
         rig.click(u"archivesClose"_s);
         QVERIFY(rig.run(id));
         rig.click(u"backupArchives."_s + id);
-        QVERIFY(rig.until([&] { return rig.find(u"archiveRows"_s) != nullptr; }));
+        QVERIFY(rig.untilFound(u"archiveRows"_s));
         rig.key(Qt::Key_Return);
         auto *const panel = rig.window()->findChild<QFileDialog *>(u"restorePanel"_s);
         QVERIFY(panel);
-        panel->selectFile(rig.places.path());
+        panel->selectFile(rig.files.path());
         rig.host.archiver.holds = true;
         QMetaObject::invokeMethod(panel, "accept");
-        QVERIFY(rig.until([&] { return rig.find(u"restoreJob"_s) != nullptr; }));
+        QVERIFY(rig.untilFound(u"restoreJob"_s));
         rig.host.archiver.holds = false;
         QVERIFY(rig.until([&] { return !rig.backups().restorer().isRestoring(); }));
-        QVERIFY(rig.find(u"restoreResult"_s));
+        QVERIFY(!rig.text(u"restoreResult"_s).isEmpty());
         QCOMPARE(rig.text(u"restoreResult"_s), rig.backups().restorer().result());
         QCOMPARE(rig.host.archiver.extracted.size(), 1);
     }
 
-    void manyDeletionsAreAsked_data()
-    {
-        QTest::addColumn<bool>("confirmed");
-        QTest::newRow("confirmed") << true;
-        QTest::newRow("declined") << false;
-    }
     void manyDeletionsAreAsked()
     {
-        QFETCH(bool, confirmed);
         Rig rig;
         for (int number = 0; number < 80; ++number)
-            QVERIFY(QFile::copy(rig.source() + u"/信.txt"_s, rig.source() + u"/%1.txt"_s.arg(number)));
+            writeFile(rig.source() + u"/%1.txt"_s.arg(number));
         rig.open();
         const QString id = rig.add(BackupTaskKind::sync);
         QVERIFY(rig.run(id));
         const QDir mirror(rig.target() + u"/文稿_同步"_s);
-        QCOMPARE(mirror.entryList(QDir::Files).size(), 81);
         for (int number = 0; number < 70; ++number)
             QVERIFY(QFile::remove(rig.source() + u"/%1.txt"_s.arg(number)));
-        rig.click(u"backupRun."_s + id);
-        QVERIFY(rig.until([&] { return rig.find(u"deletionQuestion"_s) != nullptr; }));
-        QVERIFY(rig.button(u"deletionDecline"_s)->hasFocus());
-        QCOMPARE(rig.button(u"deletionConfirm"_s)->text(), u"删除 70 个文件并同步"_s);
-        rig.click(confirmed ? u"deletionConfirm"_s : u"deletionDecline"_s);
-        QVERIFY(!rig.find(u"deletionQuestion"_s));
-        QVERIFY(rig.until([&] { return !rig.backups().isRunningBackup(); }));
-        QCOMPARE(mirror.entryList(QDir::Files).size(), confirmed ? 11 : 81);
+        for (const bool isConfirmed : {false, true}) {
+            rig.click(u"backupRun."_s + id);
+            QVERIFY(rig.untilFound(u"deletionQuestion"_s));
+            QVERIFY(rig.button(u"deletionDecline"_s)->hasFocus());
+            QCOMPARE(rig.text(u"deletionConfirm"_s), u"删除 70 个文件并同步"_s);
+            rig.click(isConfirmed ? u"deletionConfirm"_s : u"deletionDecline"_s);
+            QVERIFY(!rig.find(u"deletionQuestion"_s));
+            QVERIFY(rig.hasRun());
+            QCOMPARE(mirror.entryList(QDir::Files).size(), isConfirmed ? 11 : 81);
+        }
     }
 
     void unreadableTasksAreTold()
@@ -261,16 +240,6 @@ private Q_SLOTS:
         rig.open();
         QVERIFY(!rig.backups().storageProblem().isEmpty());
         QVERIFY(rig.texts(u"backupStorageProblem"_s).contains(rig.backups().storageProblem()));
-    }
-
-    void everyControlHasAName()
-    {
-        Rig rig;
-        rig.open();
-        QVERIFY(!rig.add().isEmpty());
-        rig.click(u"backupAdd"_s);
-        rig.click(u"scheduleKind.2"_s);
-        QVERIFY(rig.namedControls(rig.window()) > 20);
     }
 };
 

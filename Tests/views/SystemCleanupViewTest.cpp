@@ -1,13 +1,9 @@
 #include "support/WindowRig.h"
 #include "views/cleanup/CleanupEntryList.h"
 #include "views/components/CheckBox.h"
-#include "views/components/TabularLabel.h"
 
-#include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QJsonArray>
-#include <QListView>
-#include <QMimeData>
 
 namespace {
 
@@ -17,14 +13,9 @@ const QString chrome = u"chrome-cache"_s;
 struct Rig : WindowRig {
     Rig() { select({chrome}); }
     void select(const QJsonArray &ids) { host.settings.stored.insert(CleanupChoices::selectionKey, ids); }
-    void start()
-    {
-        WindowRig::start();
-        services->router.show(u"clean"_s);
-    }
-    void consent() { host.settings.stored.insert(u"Velbrix_Privacy_consent_systemCleanup"_s, true); }
+    void open() { WindowRig::open(u"clean"_s); }
+    void consent() { consentTo(PrivacyConsentKind::systemCleanup); }
     SystemCleaner &cleaner() { return services->cleaner; }
-    bool isEnabled(const QString &name) const { return find(name)->isEnabled(); }
 
     QString place(const QString &below) const { return files.filePath(below); }
     QByteArray native(const QString &below) const
@@ -45,20 +36,12 @@ struct Rig : WindowRig {
         put(u"cache/google-chrome/large"_s, 7'000'000);
         host.diskUsage.sizes[native(u"cache/google-chrome"_s)] = 7'002'000;
     }
-    QString size(const QString &id) const { return find<TabularLabel>(u"cleanupSize."_s + id)->text(); }
+    QString size(const QString &id) const { return text(u"cleanupSize."_s + id); }
     CheckBox *check(const QString &id) const { return find<CheckBox>(u"cleanupCheck."_s + id); }
-    QString total() const { return find<TabularLabel>(u"cleanupTotal"_s)->text(); }
+    QString total() const { return text(u"cleanupTotal"_s); }
     void waitForEnd() { QTRY_VERIFY((clock.advance(100ms), !cleaner().isWorking())); }
+    QString focused() const { return window()->focusWidget()->objectName(); }
 };
-
-// What the list shows: "name size", with a mark in front of what stays.
-QStringList lines(const QListView *list)
-{
-    QStringList shown;
-    for (int row = 0; row < list->model()->rowCount(); ++row)
-        shown.append(list->model()->index(row, 0).data(Qt::AccessibleTextRole).toString());
-    return shown;
-}
 
 } // namespace
 
@@ -70,10 +53,13 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.fill();
-        rig.start();
+        rig.open();
         QTRY_COMPARE(rig.size(chrome), u"7 MB"_s);
         QCOMPARE(rig.size(u"jetbrains"_s), u"无数据"_s);
         QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"包管理器缓存"_s));
+        for (const CleanupItem &item : rig.cleaner().items())
+            QCOMPARE(rig.texts(u"cleanupRow."_s + item.id).contains(u"需要管理员权限"_s),
+                     rig.cleaner().isAdministrative(item.id));
         QCOMPARE(rig.host.diskUsage.calls.size(), 1);
         // Shown again it does not begin anew; the button does.
         rig.services->router.show(u"settings"_s);
@@ -89,7 +75,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.fill();
-        rig.start();
+        rig.open();
         QTRY_COMPARE(rig.total(), u"7 MB"_s);
         QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 1 项"_s);
         rig.check(chrome)->setFocus();
@@ -102,14 +88,18 @@ private Q_SLOTS:
         rig.click(u"cleanupNone"_s);
         QVERIFY(!rig.check(u"jetbrains"_s)->isChecked());
         QCOMPARE(rig.services->settings.json(CleanupChoices::selectionKey)->toArray(), QJsonArray());
+        rig.click(u"cleanupClean"_s);
+        QVERIFY(!rig.find(u"noticeSheet"_s) && !rig.find(u"confirmation"_s));
+        QCOMPARE(rig.text(u"cleanupResult"_s), u"没有选择任何清理项"_s);
+        rig.click(u"cleanupCheck."_s + chrome);
+        QVERIFY(!rig.find(u"cleanupOutcome"_s));
     }
 
     void measuringIsCancelled()
     {
         Rig rig;
-        rig.fill();
         rig.host.diskUsage.delay = 1s;
-        rig.start();
+        rig.open();
         QTRY_VERIFY(rig.find(u"cleanupJob"_s));
         QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在计算各目录大小…"_s));
         QVERIFY(rig.find(u"ring.clean"_s));
@@ -124,32 +114,27 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.fill();
-        rig.start();
+        rig.open();
         rig.button(u"cleanupOpen."_s + chrome)->setFocus();
         rig.key(Qt::Key_Space);
-        const auto list = [&] { return rig.find<CleanupEntryList>(u"cleanupEntries."_s + chrome); };
-        QTRY_VERIFY(list());
-        QTRY_COMPARE(lines(list()), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，将清理"_s}));
-        list()->setFocus(Qt::TabFocusReason);
+        const QString list = u"cleanupEntries."_s + chrome;
+        QTRY_COMPARE(rig.rows(list), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，将清理"_s}));
+        rig.find(list)->setFocus(Qt::TabFocusReason);
         rig.key(Qt::Key_Down);
         rig.key(Qt::Key_Space);
-        QCOMPARE(lines(list()), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，已排除"_s}));
+        QCOMPARE(rig.rows(list), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，已排除"_s}));
         QCOMPARE(rig.text(u"cleanupContentsText."_s + chrome), u"共 2 个条目，已排除 1 个"_s);
-        const QRect first = list()->visualRect(list()->model()->index(0, 0));
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, first.center());
-        QVERIFY(lines(list()).first().endsWith(u"已排除"_s));
+        rig.clickRow(list, 0);
         // Closed and opened again it is as it was.
         rig.click(u"cleanupOpen."_s + chrome);
-        QVERIFY(!list());
+        QVERIFY(!rig.find(list));
         rig.click(u"cleanupOpen."_s + chrome);
-        QTRY_VERIFY(list() && lines(list()).size() == 2);
-        QVERIFY(lines(list()).first().endsWith(u"已排除"_s));
+        QTRY_COMPARE(rig.rows(list), (QStringList{u"large，7 MB，已排除"_s, u"small，2 KB，已排除"_s}));
     }
 
     void hundredThousandEntries()
     {
         WindowRig rig;
-        rig.start();
         const Theme theme(rig.host.desktop, rig.host.symbols);
         CleanupEntryList list(theme, u"entries"_s);
         QList<CleanupEntry> entries;
@@ -177,7 +162,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.fill();
-        rig.start();
+        rig.open();
         QTRY_COMPARE(rig.total(), u"7 MB"_s);
         rig.cleaner().details().open(chrome);
         QTRY_COMPARE(rig.cleaner().details().contents()[chrome].entries.size(), 2);
@@ -187,18 +172,17 @@ private Q_SLOTS:
         QCOMPARE(rig.text(u"noticeTitle"_s), u"系统清理隐私确认"_s);
         QVERIFY(!rig.find(u"confirmation"_s));
         rig.click(u"noticeConfirm"_s);
-        QVERIFY(rig.find(u"confirmation"_s));
         QCOMPARE(rig.text(u"noticeMessage"_s), u"将清理已选中的 1 个项目（约 7 MB），操作不可撤销。"_s);
         QVERIFY(rig.texts(u"noticeDetails"_s).contains(u"Chrome 浏览器缓存 — 7 MB（排除 1 个条目）"_s));
-        QCOMPARE(rig.window()->focusWidget()->objectName(), u"noticeCancel"_s); // never the destructive one
+        QCOMPARE(rig.focused(), u"noticeCancel"_s); // never the destructive one
         QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
         rig.click(u"noticeConfirm"_s);
         QVERIFY(!rig.isEnabled(u"cleanupClean"_s));
         QVERIFY(!rig.check(chrome)->isEnabled());
         QVERIFY(rig.texts(u"cleanupJob"_s).contains(u"正在清理 Chrome 浏览器缓存…"_s));
-        QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupJobCancel"_s);
+        QCOMPARE(rig.focused(), u"cleanupJobCancel"_s);
         rig.waitForEnd();
-        QCOMPARE(rig.window()->focusWidget()->objectName(), u"cleanupClean"_s);
+        QCOMPARE(rig.focused(), u"cleanupClean"_s);
         QVERIFY(!QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
         QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/small"_s)));
         QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目（释放约 5 字节）"_s);
@@ -207,32 +191,27 @@ private Q_SLOTS:
         QVERIFY(rig.isEnabled(u"cleanupClean"_s));
     }
 
-    void questionIsCalledOff_data()
-    {
-        QTest::addColumn<bool>("byKey");
-        QTest::newRow("escape") << true;
-        QTest::newRow("button") << false;
-    }
     void questionIsCalledOff()
     {
-        QFETCH(bool, byKey);
         Rig rig;
         rig.consent();
         rig.fill();
-        rig.start();
-        rig.button(u"cleanupClean"_s)->setFocus();
-        rig.key(Qt::Key_Space);
-        QVERIFY(rig.find(u"confirmation"_s));
-        rig.key(Qt::Key_1, Qt::ControlModifier); // nothing behind it can be reached
-        QCOMPARE(rig.services->router.activeTab(), u"clean"_s);
-        if (byKey)
-            rig.key(Qt::Key_Escape);
-        else
-            rig.click(u"noticeCancel"_s);
-        QVERIFY(!rig.find(u"confirmation"_s));
-        QVERIFY(!rig.cleaner().isCleaning());
-        QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
-        QCOMPARE(rig.window()->focusWidget(), rig.button(u"cleanupClean"_s));
+        rig.open();
+        for (const bool byKey : {true, false}) {
+            rig.button(u"cleanupClean"_s)->setFocus();
+            rig.key(Qt::Key_Space);
+            QVERIFY(rig.find(u"confirmation"_s));
+            rig.key(Qt::Key_1, Qt::ControlModifier); // nothing behind it can be reached
+            QCOMPARE(rig.services->router.activeTab(), u"clean"_s);
+            if (byKey)
+                rig.key(Qt::Key_Escape);
+            else
+                rig.click(u"noticeCancel"_s);
+            QVERIFY(!rig.find(u"confirmation"_s));
+            QVERIFY(!rig.cleaner().isCleaning());
+            QVERIFY(QFile::exists(rig.place(u"cache/google-chrome/large"_s)));
+            QCOMPARE(rig.focused(), u"cleanupClean"_s);
+        }
     }
 
     void otherSelectionIsAskedAnew()
@@ -241,24 +220,12 @@ private Q_SLOTS:
         rig.consent();
         rig.fill();
         rig.put(u"cache/pip/wheel"_s, 1000);
-        rig.start();
+        rig.open();
         rig.click(u"cleanupClean"_s);
         rig.cleaner().setSelected(u"jetbrains"_s, true); // as the command line might
         rig.click(u"noticeConfirm"_s);
         QVERIFY(!rig.cleaner().isCleaning());
         QVERIFY(rig.text(u"noticeMessage"_s).startsWith(u"将清理已选中的 2 个项目"_s));
-    }
-
-    void nothingSelected()
-    {
-        Rig rig;
-        rig.select({});
-        rig.start();
-        rig.click(u"cleanupClean"_s);
-        QVERIFY(!rig.find(u"noticeSheet"_s) && !rig.find(u"confirmation"_s));
-        QCOMPARE(rig.text(u"cleanupResult"_s), u"没有选择任何清理项"_s);
-        rig.click(u"cleanupCheck."_s + chrome);
-        QVERIFY(!rig.find(u"cleanupOutcome"_s));
     }
 
     void busyItemIsSkipped()
@@ -268,7 +235,7 @@ private Q_SLOTS:
         rig.fill();
         rig.select({chrome, u"jetbrains"_s});
         rig.host.programs.names = {u"chrome"_s};
-        rig.start();
+        rig.open();
         QTRY_VERIFY(rig.find(u"cleanupBusy."_s + chrome));
         QVERIFY(rig.texts(u"cleanupBusy."_s + chrome).contains(u"正在运行，将跳过"_s));
         QVERIFY(!rig.find(u"cleanupBusy.jetbrains"_s));
@@ -287,13 +254,12 @@ private Q_SLOTS:
         Rig rig;
         rig.consent();
         rig.select({u"trash"_s});
-        RemovalReport emptied;
+        RemovalReport &emptied = rig.host.trash.emptyReport.emplace();
         emptied.freedBytes = 3'000'000;
         emptied.removedFiles = 4;
         emptied.problems = {{"/trash/two\nlines", u"没有权限"_s}};
         emptied.problemCount = 120;
-        rig.host.trash.emptyReport = emptied;
-        rig.start();
+        rig.open();
         rig.click(u"cleanupClean"_s);
         rig.click(u"noticeConfirm"_s);
         rig.waitForEnd();
@@ -309,18 +275,7 @@ private Q_SLOTS:
         rig.click(u"cleanupClean"_s);
         rig.click(u"noticeConfirm"_s);
         rig.waitForEnd();
-        QCOMPARE(rig.text(u"cleanupResult"_s), u"清理完成！处理了 1 个项目"_s);
         QVERIFY(!rig.find(u"cleanupDetails"_s));
-    }
-
-    void administrativeRowsSaySo()
-    {
-        Rig rig;
-        rig.start();
-        for (const CleanupItem &item : rig.cleaner().items()) {
-            const bool isMarked = rig.texts(u"cleanupRow."_s + item.id).contains(u"需要管理员权限"_s);
-            QCOMPARE(isMarked, rig.cleaner().isAdministrative(item.id));
-        }
     }
 
     void customFolders()
@@ -329,9 +284,16 @@ private Q_SLOTS:
         rig.put(u"build/object"_s, 1);
         rig.host.diskUsage.sizes[rig.native(u"build"_s)] = 4'000'000;
         rig.consent();
-        rig.start();
+        rig.open();
         QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"自定义路径（最多 10 个）"_s));
-        QVERIFY(rig.cleaner().addCustomPath(rig.place(u"build"_s)));
+        const auto dropped = [&](const QString &below) {
+            return drop(rig.find(u"cleanupCustom"_s), {QUrl::fromLocalFile(rig.place(below))});
+        };
+        QVERIFY(!dropped(u"build/object"_s)); // a file
+        QVERIFY(dropped(u"build"_s));
+        QVERIFY(!rig.find(u"cleanupAddProblem"_s));
+        QVERIFY(dropped(u"build"_s));
+        QCOMPARE(rig.texts(u"cleanupAddProblem"_s), (QStringList{u"添加失败"_s, u"build：该路径已添加"_s}));
         const QString id = rig.cleaner().items().last().id;
         QTRY_COMPARE(rig.size(id), u"4 MB"_s);
         QVERIFY(rig.check(id)->isChecked());
@@ -344,30 +306,6 @@ private Q_SLOTS:
         rig.key(Qt::Key_Space);
         QVERIFY(!rig.find(u"cleanupRow."_s + id));
         QVERIFY(QFile::exists(rig.place(u"build/object"_s))); // only taken off the list
-    }
-
-    void droppedFolder()
-    {
-        Rig rig;
-        rig.put(u"build/object"_s, 1);
-        rig.start();
-        QWidget *const card = rig.find(u"cleanupCustom"_s);
-        QMimeData data;
-        const auto drop = [&](const QString &path) {
-            data.setUrls({QUrl::fromLocalFile(path)});
-            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(card, &enter);
-            QDropEvent dropped(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            if (enter.isAccepted())
-                QApplication::sendEvent(card, &dropped);
-            return enter.isAccepted();
-        };
-        QVERIFY(!drop(rig.place(u"build/object"_s))); // a file
-        QVERIFY(drop(rig.place(u"build"_s)));
-        QVERIFY(rig.find(u"cleanupRow."_s + rig.cleaner().items().last().id));
-        QVERIFY(!rig.find(u"cleanupAddProblem"_s));
-        QVERIFY(drop(rig.place(u"build"_s)));
-        QCOMPARE(rig.texts(u"cleanupAddProblem"_s), (QStringList{u"添加失败"_s, u"build：该路径已添加"_s}));
     }
 };
 

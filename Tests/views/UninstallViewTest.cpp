@@ -15,7 +15,7 @@ namespace {
 struct Rig : WindowRig {
     Rig()
     {
-        host.settings.stored.insert(u"Velbrix_Privacy_consent_uninstall"_s, true);
+        consentTo(PrivacyConsentKind::uninstall);
         QDir().mkpath(home.filePath(u"Preferences"_s));
         QDir().mkpath(home.filePath(u"Caches"_s));
         host.applications.folders = {{LibraryKind::preferences, home.filePath(u"Preferences"_s)},
@@ -25,15 +25,14 @@ struct Rig : WindowRig {
     QString plant(const QString &path) const { return writeFile(home.filePath(path)); }
     InstalledApplication &install(const QString &name, const QString &identifier = {})
     {
-        InstalledApplication application;
+        InstalledApplication &application = host.applications.installed->emplaceBack();
         application.name = name;
         application.identifier = identifier;
         application.version = u"1.2"_s;
         application.path = plant(u"Applications/%1.AppImage"_s.arg(name));
         application.kind = InstalledApplication::Kind::appImage;
         application.size = 2'000'000;
-        host.applications.installed->append(application);
-        return host.applications.installed->last();
+        return application;
     }
 
     // What past uninstalls have left, the newest first.
@@ -52,19 +51,15 @@ struct Rig : WindowRig {
     // On the page, with its list.
     void open()
     {
-        start();
-        services->router.show(u"apps"_s);
-        QVERIFY(until([this] { return !scanner().isScanning(); }));
+        WindowRig::open(u"apps"_s);
+        QVERIFY(hasScanned());
     }
     AppScanner &scanner() const { return services->uninstaller; }
-    QStringList rows(const QString &list) const
+    bool hasScanned()
     {
-        QStringList words;
-        const auto *view = find<RowList>(list);
-        for (int row = 0; view && row < view->model()->rowCount(); ++row)
-            words.append(view->model()->index(row, 0).data(Qt::AccessibleTextRole).toString());
-        return words;
+        return until([this] { return !scanner().isScanning(); });
     }
+    std::optional<UninstallReview> review() const { return scanner().openReview().review(); }
     void clickUninstall(int row) const
     {
         const auto *list = find<RowList>(u"appRows"_s);
@@ -74,7 +69,14 @@ struct Rig : WindowRig {
     bool openReview(int row)
     {
         clickUninstall(row);
-        return until([this] { return find(u"reviewRows"_s) != nullptr; });
+        return untilFound(u"reviewRows"_s);
+    }
+    // Begins to uninstall the first.
+    bool confirm()
+    {
+        const bool isOpen = openReview(0);
+        click(u"reviewConfirm"_s);
+        return isOpen;
     }
     bool finish()
     {
@@ -105,48 +107,25 @@ private Q_SLOTS:
         QVERIFY(rig.until([&] { return rig.rows(u"appRows"_s).size() == 3; }));
     }
 
-    void listLooks_data()
-    {
-        QTest::addColumn<bool>("fails");
-        QTest::addColumn<QString>("search");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("isScannedBefore");
-        QTest::newRow("none") << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << false;
-        QTest::newRow("none, known before")
-            << false << QString() << u"appsEmpty"_s << u"没有找到应用"_s << true;
-        QTest::newRow("no match") << false << u"xyz"_s << u"appsNoMatch"_s << u"没有匹配的应用"_s << false;
-        QTest::newRow("failed") << true << QString() << u"appList"_s << u"无法读取应用列表"_s << false;
-    }
     void listLooks()
     {
-        QFETCH(bool, fails);
-        QFETCH(QString, search);
-        QFETCH(QString, shown);
-        QFETCH(QString, text);
-        QFETCH(bool, isScannedBefore);
-        Rig rig;
-        if (fails)
-            rig.host.applications.installed = failure(u"无法读取应用列表"_s);
-        else if (!search.isEmpty())
-            rig.install(u"Gimp"_s);
-        rig.start();
-        const auto hasScanned = [&] { return !rig.scanner().isScanning(); };
-        if (isScannedBefore) {
-            rig.scanner().scan();
-            QVERIFY(rig.until(hasScanned));
-        }
-        rig.services->router.show(u"apps"_s);
-        QVERIFY(rig.until(hasScanned));
-        if (!search.isEmpty())
-            QTest::keyClicks(rig.find<QLineEdit>(u"appSearch"_s), search);
-        QVERIFY(rig.texts(shown).contains(text));
-        QVERIFY(!rig.find(u"appRows"_s));
-        if (search.isEmpty())
-            return;
-        rig.click(u"appsNoMatchAction"_s);
-        QVERIFY(rig.find(u"appRows"_s));
-        QVERIFY(rig.find<QLineEdit>(u"appSearch"_s)->text().isEmpty());
+        const auto looks = [](bool fails, bool isScannedBefore, const QString &card, const QString &text) {
+            Rig rig;
+            if (fails)
+                rig.host.applications.installed = failure(text);
+            rig.start();
+            if (isScannedBefore) {
+                rig.scanner().scan();
+                QVERIFY(rig.hasScanned());
+            }
+            rig.services->router.show(u"apps"_s);
+            QVERIFY(rig.hasScanned());
+            QVERIFY(rig.texts(card).contains(text));
+            QVERIFY(!rig.find(u"appRows"_s));
+        };
+        looks(false, false, u"appsEmpty"_s, u"没有找到应用"_s);
+        looks(false, true, u"appsEmpty"_s, u"没有找到应用"_s);
+        looks(true, false, u"appList"_s, u"无法读取应用列表"_s);
     }
 
     void searchingByKeyboard()
@@ -157,24 +136,30 @@ private Q_SLOTS:
         rig.open();
         rig.find(u"appRows"_s)->setFocus();
         rig.key(Qt::Key_K);
-        QCOMPARE(rig.find<QLineEdit>(u"appSearch"_s)->text(), u"k"_s);
+        QCOMPARE(rig.text(u"appSearch"_s), u"k"_s);
         QCOMPARE(rig.text(u"appCount"_s), u"2 个应用中的 1 个 · 2 MB"_s);
         rig.key(Qt::Key_Escape);
         QCOMPARE(rig.rows(u"appRows"_s).size(), 2);
         rig.key(Qt::Key_Down);
         rig.key(Qt::Key_Down);
         rig.key(Qt::Key_Return);
-        QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
-        QCOMPARE(rig.scanner().openReview().review()->app.name, u"Krita"_s);
+        QVERIFY(rig.untilFound(u"reviewRows"_s));
+        QCOMPARE(rig.review()->app.name, u"Krita"_s);
         rig.key(Qt::Key_Escape);
-        QVERIFY(!rig.scanner().openReview().review());
+        QVERIFY(!rig.review());
         QVERIFY(rig.find(u"appRows"_s)->hasFocus());
+        QTest::keyClicks(rig.find<QLineEdit>(u"appSearch"_s), u"xyz"_s);
+        QVERIFY(!rig.find(u"appRows"_s));
+        QVERIFY(rig.texts(u"appsNoMatch"_s).contains(u"没有匹配的应用"_s));
+        rig.click(u"appsNoMatchAction"_s);
+        QCOMPARE(rig.rows(u"appRows"_s).size(), 2);
+        QVERIFY(rig.text(u"appSearch"_s).isEmpty());
     }
 
     void consentComesFirst()
     {
         Rig rig;
-        rig.host.settings.stored.remove(u"Velbrix_Privacy_consent_uninstall"_s);
+        rig.consentTo(PrivacyConsentKind::uninstall, false);
         rig.install(u"Gimp"_s);
         rig.open();
         rig.clickUninstall(0);
@@ -184,7 +169,11 @@ private Q_SLOTS:
         QVERIFY(!rig.find(u"uninstallReview"_s));
         rig.clickUninstall(0);
         rig.click(u"noticeConfirm"_s);
-        QVERIFY(rig.until([&] { return rig.find(u"reviewRows"_s) != nullptr; }));
+        QVERIFY(rig.untilFound(u"reviewRows"_s));
+        rig.click(u"reviewCancel"_s);
+        QVERIFY(!rig.find(u"uninstallReview"_s));
+        QVERIFY(!rig.review());
+        QVERIFY(rig.host.trash.calls.isEmpty());
     }
 
     void reviewIsTickedAndConfirmed()
@@ -201,7 +190,8 @@ private Q_SLOTS:
         QCOMPARE(found.size(), 3);
         QVERIFY2(found[1].contains(u"org.gimp.conf，已勾选"_s), qPrintable(found[1]));
         QVERIFY2(found[2].contains(u"gimpressive，未勾选"_s), qPrintable(found[2]));
-        QVERIFY(found[2].endsWith(rig.scanner().openReview().review()->items[2].caution));
+        QVERIFY(found[2].endsWith(rig.review()->items[2].caution));
+        QVERIFY(rig.namedControls() >= 8);
         QVERIFY(rig.text(u"reviewTotal"_s).startsWith(u"已勾选 2 项"_s));
 
         // The destructive button is not where the keyboard begins.
@@ -210,47 +200,17 @@ private Q_SLOTS:
         list->setFocus();
         list->setCurrentIndex(list->model()->index(0, 0));
         rig.key(Qt::Key_Space);
-        QVERIFY(rig.scanner().openReview().review()->items[0].isTicked); // the application itself stays
+        QVERIFY(rig.review()->items[0].isTicked); // the application itself stays
         list->setCurrentIndex(list->model()->index(1, 0));
         rig.key(Qt::Key_Space);
-        QVERIFY(!rig.scanner().openReview().review()->items[1].isTicked);
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                          list->visualRect(list->model()->index(2, 0)).center());
-        QVERIFY(rig.scanner().openReview().review()->items[2].isTicked);
+        QVERIFY(!rig.review()->items[1].isTicked);
+        rig.clickRow(u"reviewRows"_s, 2);
+        QVERIFY(rig.review()->items[2].isTicked);
         rig.click(u"reviewConfirm"_s);
         QVERIFY(rig.finish());
         QVERIFY(QFile::exists(own));
         QVERIFY(!QFile::exists(similar));
         QCOMPARE(rig.text(u"uninstallMessage"_s), u"已卸载「Gimp」"_s);
-    }
-
-    void cancelledReviewMovesNothing()
-    {
-        Rig rig;
-        rig.install(u"Gimp"_s);
-        rig.open();
-        QVERIFY(rig.openReview(0));
-        rig.click(u"reviewCancel"_s);
-        QVERIFY(!rig.find(u"uninstallReview"_s));
-        QVERIFY(!rig.scanner().openReview().review());
-        QVERIFY(rig.host.trash.calls.isEmpty());
-    }
-
-    void aPackageIsSaidToBeOne()
-    {
-        Rig rig;
-        InstalledApplication &gimp = rig.install(u"Gimp"_s);
-        gimp.kind = InstalledApplication::Kind::managed;
-        gimp.manager = u"APT"_s;
-        gimp.package = u"gimp"_s;
-        rig.host.applications.removedWith = QStringList{u"gimp"_s, u"gimp-data"_s};
-        rig.host.programs.executables = {gimp.path};
-        rig.open();
-        QVERIFY(rig.openReview(0));
-        QCOMPARE(
-            rig.text(u"reviewPackages"_s),
-            u"应用本体由 APT 移除（可能需要输入密码），不会进入废纸篓。一并移除的软件包：gimp、gimp-data"_s);
-        QVERIFY(rig.find(u"reviewRunning"_s));
     }
 
     void progressCoversAndStops()
@@ -259,8 +219,7 @@ private Q_SLOTS:
         rig.install(u"Gimp"_s, u"org.gimp"_s);
         const QString data = rig.plant(u"Preferences/org.gimp.conf"_s);
         rig.open();
-        QVERIFY(rig.openReview(0));
-        rig.click(u"reviewConfirm"_s);
+        QVERIFY(rig.confirm());
         QVERIFY(rig.until([&] { return rig.text(u"uninstallStage"_s) == u"准备卸载…"_s; }));
         QVERIFY(rig.texts(u"uninstallProgress"_s).contains(u"正在卸载「Gimp」"_s));
         QVERIFY(rig.find(u"ring.apps"_s));
@@ -273,34 +232,22 @@ private Q_SLOTS:
         QVERIFY(rig.text(u"uninstallMessage"_s).contains(u"已取消"_s));
     }
 
-    void failuresAreListed()
+    void failuresAreListedAndRecordsGoBack()
     {
         Rig rig;
-        rig.install(u"Gimp"_s, u"org.gimp"_s);
-        const QString data = rig.plant(u"Preferences/org.gimp.conf"_s);
-        rig.host.trash.refused.insert(data, u"磁盘只读"_s);
+        const QString path = rig.install(u"Gimp"_s, u"org.gimp"_s).path;
+        rig.host.trash.refused.insert(rig.plant(u"Preferences/org.gimp.conf"_s), u"磁盘只读"_s);
         rig.open();
-        QVERIFY(rig.openReview(0));
-        rig.click(u"reviewConfirm"_s);
+        QVERIFY(rig.confirm());
         QVERIFY(rig.finish());
         QCOMPARE(rig.text(u"uninstallMessage"_s), u"已卸载「Gimp」，1 项未能移动"_s);
         QTRY_COMPARE(rig.texts(u"uninstallFailures"_s).value(1), u"磁盘只读"_s);
         QVERIFY(rig.texts(u"uninstallFailures"_s).first().endsWith(u"org.gimp.conf"_s));
         rig.click(u"uninstallResultSeen"_s);
         QVERIFY(!rig.find(u"uninstallResult"_s));
-    }
-
-    void recordsGoBack()
-    {
-        Rig rig;
-        const QString path = rig.install(u"Gimp"_s).path;
-        rig.open();
-        QVERIFY(rig.openReview(0));
-        rig.click(u"reviewConfirm"_s);
-        QVERIFY(rig.finish());
         QVERIFY(!QFile::exists(path));
         const QString id = rig.scanner().records().constFirst().id;
-        QTRY_VERIFY(rig.texts(u"uninstallRecords"_s).contains(u"1 项已移到废纸篓"_s));
+        QTRY_VERIFY(rig.texts(u"uninstallRecords"_s).contains(u"1 项已移到废纸篓 · 1 项没有移动"_s));
         rig.click(u"putBack."_s + id);
         QVERIFY(rig.finish());
         QVERIFY(QFile::exists(path));
@@ -337,7 +284,7 @@ private Q_SLOTS:
         QCOMPARE(rig.text(u"cleanupSummary"_s), u"将删除应用本体及所有关联的配置、缓存、日志等数据"_s);
         QVERIFY(rig.find<QRadioButton>(u"uninstallMode.0"_s)->hasFocus());
         QVERIFY(!rig.find(u"cleanupToggles"_s));
-        QTest::mouseClick(rig.find(u"uninstallMode.2"_s), Qt::LeftButton, {}, QPoint(8, 10));
+        rig.find<QRadioButton>(u"uninstallMode.2"_s)->click();
         QCOMPARE(rig.scanner().uninstallMode(), UninstallMode::custom);
         // Only the kinds that this host has.
         QCOMPARE(rig.texts(u"cleanupToggles"_s),
@@ -351,12 +298,21 @@ private Q_SLOTS:
         QVERIFY(!rig.find(u"uninstallSettingsSheet"_s));
     }
 
-    void aSheetGoesWithItsPage()
+    void aPackagesSheetGoesWithItsPage()
     {
         Rig rig;
-        rig.install(u"Gimp"_s);
+        InstalledApplication &gimp = rig.install(u"Gimp"_s);
+        gimp.kind = InstalledApplication::Kind::managed;
+        gimp.manager = u"APT"_s;
+        gimp.package = u"gimp"_s;
+        rig.host.applications.removedWith = QStringList{u"gimp"_s, u"gimp-data"_s};
+        rig.host.programs.executables = {gimp.path};
         rig.open();
         QVERIFY(rig.openReview(0));
+        QCOMPARE(
+            rig.text(u"reviewPackages"_s),
+            u"应用本体由 APT 移除（可能需要输入密码），不会进入废纸篓。一并移除的软件包：gimp、gimp-data"_s);
+        QVERIFY(rig.find(u"reviewRunning"_s));
         // Tab stays inside, and the window's shortcuts wait.
         for (int press = 0; press < 8; ++press) {
             rig.key(Qt::Key_Tab);
@@ -368,15 +324,6 @@ private Q_SLOTS:
         QVERIFY(!rig.find(u"uninstallReview"_s));
         rig.services->router.show(u"apps"_s);
         QVERIFY(rig.find(u"uninstallReview"_s));
-    }
-
-    void everyControlHasAName()
-    {
-        Rig rig;
-        rig.install(u"Gimp"_s);
-        rig.open();
-        QVERIFY(rig.openReview(0));
-        QVERIFY(rig.namedControls(rig.window()) >= 8);
     }
 };
 

@@ -1,7 +1,7 @@
 #include "wallpaper/StaticDesktop.h"
 
 #include "support/CapturedLog.h"
-#include "support/FakeDesktopPicture.h"
+#include "support/FakeDesktop.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 #include "wallpaper/PictureFiles.h"

@@ -1,7 +1,7 @@
 #include "platform/linux/applications/LinuxApplicationCatalog.h"
 
 #include "foundation/SystemClock.h"
-#include "support/FakeApplicationCatalog.h"
+#include "support/FakeApplications.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

@@ -1,6 +1,6 @@
 #include "platform/linux/applications/XdgLoginItem.h"
 
-#include "support/FakeLoginItem.h"
+#include "support/FakeSystem.h"
 #include "support/Test.h"
 
 #include <QProcess>

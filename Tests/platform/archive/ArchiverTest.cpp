@@ -3,7 +3,7 @@
 #include "platform/linux/archive/Archiving.h"
 #include "platform/linux/archive/LargeFile.h"
 #include "platform/macos/files/DittoArchiver.h"
-#include "support/FakeArchiver.h"
+#include "support/FakeFiles.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

@@ -1,7 +1,7 @@
 #include "platform/linux/dbus/UPowerSource.h"
 
 #include "support/Bus.h"
-#include "support/FakePowerSource.h"
+#include "support/FakeSystem.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

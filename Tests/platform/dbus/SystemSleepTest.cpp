@@ -1,7 +1,7 @@
 #include "platform/linux/dbus/LogindSleep.h"
 
 #include "support/Bus.h"
-#include "support/FakeSystemSleep.h"
+#include "support/FakeSystem.h"
 #include "support/Test.h"
 
 #include <QCoreApplication>

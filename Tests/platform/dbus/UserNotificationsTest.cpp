@@ -1,7 +1,7 @@
 #include "platform/linux/dbus/FreedesktopNotifications.h"
 
 #include "support/Bus.h"
-#include "support/FakeUserNotifications.h"
+#include "support/FakeSystem.h"
 #include "support/Test.h"
 
 #include <QCoreApplication>

@@ -6,7 +6,7 @@
 #include "platform/linux/x11/RootWindow.h"
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "support/Bus.h"
-#include "support/FakeDesktopPicture.h"
+#include "support/FakeDesktop.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

@@ -1,7 +1,7 @@
 #include "platform/linux/x11/X11DesktopServices.h"
 
 #include "support/Bus.h"
-#include "support/FakeDesktopServices.h"
+#include "support/FakeDesktop.h"
 #include "support/Test.h"
 
 #include <QDBusArgument>

@@ -6,7 +6,7 @@
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "platform/macos/desktop/DefaultsDockPreference.h"
 #include "support/Bus.h"
-#include "support/FakeDockPreference.h"
+#include "support/FakeDesktop.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/LinuxPermissions.h"
 
 #include "platform/linux/x11/ScreenAccess.h"
-#include "support/FakePermissions.h"
+#include "support/FakeSystem.h"
 #include "support/Test.h"
 
 #include <QCoroTask>

@@ -3,7 +3,7 @@
 #include "../media/MediaTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/macos/files/DuDiskUsage.h"
-#include "support/FakeDiskUsage.h"
+#include "support/FakeFiles.h"
 #include "support/FileTree.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"

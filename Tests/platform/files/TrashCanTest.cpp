@@ -2,7 +2,7 @@
 
 #include "foundation/SystemClock.h"
 #include "platform/macos/files/FinderTrash.h"
-#include "support/FakeTrashCan.h"
+#include "support/FakeFiles.h"
 #include "support/FileTree.h"
 #include "support/Fuzz.h"
 #include "support/Test.h"

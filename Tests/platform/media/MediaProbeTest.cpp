@@ -1,6 +1,6 @@
 #include "MediaTools.h"
 #include "platform/linux/media/libav/LibAvMediaProbe.h"
-#include "support/FakeMediaProbe.h"
+#include "support/FakeMedia.h"
 #include "support/Fuzz.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"

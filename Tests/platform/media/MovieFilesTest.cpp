@@ -1,7 +1,7 @@
 #include "LiveMovie.h"
 #include "MediaTools.h"
 #include "platform/linux/media/mp4/LinuxMovieFiles.h"
-#include "support/FakeMovieFiles.h"
+#include "support/FakeMedia.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

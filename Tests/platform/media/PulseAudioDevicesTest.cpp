@@ -1,6 +1,6 @@
 #include "platform/linux/media/sound/PulseAudioDevices.h"
 #include "MediaTools.h"
-#include "support/FakeAudioDevices.h"
+#include "support/FakeMedia.h"
 #include "support/Test.h"
 
 #include <QCoroTask>

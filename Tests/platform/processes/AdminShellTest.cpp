@@ -2,7 +2,7 @@
 #include "platform/macos/applications/OsascriptAdminShell.h"
 
 #include "foundation/SystemClock.h"
-#include "support/FakeAdminShell.h"
+#include "support/FakeApplications.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

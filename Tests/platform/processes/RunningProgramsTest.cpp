@@ -1,6 +1,6 @@
 #include "platform/linux/processes/ProcPrograms.h"
 
-#include "support/FakeRunningPrograms.h"
+#include "support/FakeApplications.h"
 #include "support/FileTree.h"
 #include "support/Test.h"
 

@@ -1,6 +1,6 @@
 #include "platform/linux/processes/FolderSingleInstance.h"
 
-#include "support/FakeSingleInstance.h"
+#include "support/FakeSystem.h"
 #include "support/Test.h"
 
 #include <QCoreApplication>

@@ -4,7 +4,7 @@
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/visibility/ScreenCover.h"
 #include "support/Bus.h"
-#include "support/FakeDesktopVisibility.h"
+#include "support/FakeDesktop.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 

@@ -3,7 +3,7 @@
 #include "DesktopTools.h"
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/Struts.h"
-#include "support/FakeDisplays.h"
+#include "support/FakeDesktop.h"
 #include "support/PaintedWindow.h"
 #include "support/Test.h"
 

@@ -1,6 +1,6 @@
 #include "platform/linux/x11/input/X11HotkeyRegistrar.h"
 
-#include "support/FakeHotkeyRegistrar.h"
+#include "support/FakeInput.h"
 #include "support/Test.h"
 #include "support/XTestKeyboard.h"
 

@@ -1,7 +1,7 @@
 #include "platform/linux/x11/input/X11KeyMonitor.h"
 
 #include "foundation/HotkeyChord.h"
-#include "support/FakeKeyMonitor.h"
+#include "support/FakeInput.h"
 #include "support/Test.h"
 #include "support/XTestKeyboard.h"
 

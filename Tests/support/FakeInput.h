@@ -1,13 +1,10 @@
 #pragma once
 
 #include "platform/HotkeyRegistrar.h"
+#include "platform/KeyMonitor.h"
+#include "support/Test.h"
 
-#include <QList>
 #include <QMap>
-#include <QStringList>
-
-#include <optional>
-#include <utility>
 
 namespace velbrix::test {
 
@@ -20,7 +17,7 @@ public:
 
     std::expected<void, HotkeyFailure> installHandler(Handlers handlers) override
     {
-        calls.append(QStringLiteral("install"));
+        calls << u"install"_s;
         _handlers = std::move(handlers);
         return {};
     }
@@ -28,9 +25,9 @@ public:
     std::expected<std::unique_ptr<HotkeyRegistration>, HotkeyFailure> registerHotkey(const HotkeyChord &chord,
                                                                                      quint32 id) override
     {
-        calls.append(QStringLiteral("register %1 %2").arg(id).arg(chord.displayText()));
+        calls << u"register %1 %2"_s.arg(id).arg(chord.displayText());
         if (taken.contains(chord) || registered.values().contains(chord))
-            return std::unexpected(HotkeyFailure{10, QStringLiteral("已被其他程序占用")});
+            return std::unexpected(HotkeyFailure{10, u"已被其他程序占用"_s});
         registered.insert(id, chord);
         return std::make_unique<Registration>(this, id);
     }
@@ -38,16 +35,11 @@ public:
     // The user presses the chord: calls back when it is registered.
     void press(const HotkeyChord &chord)
     {
-        for (const auto &[id, candidate] : registered.toStdMap()) {
-            if (candidate == chord && _handlers.pressed)
-                _handlers.pressed(id);
-        }
+        const QList<quint32> ids = registered.keys(chord);
+        for (const quint32 id : ids)
+            _handlers.pressed(id);
     }
-    void changeKeyboard()
-    {
-        if (_handlers.keyboardChanged)
-            _handlers.keyboardChanged();
-    }
+    void changeKeyboard() { _handlers.keyboardChanged(); }
 
 private:
     class Registration final : public HotkeyRegistration {
@@ -55,7 +47,7 @@ private:
         Registration(FakeHotkeyRegistrar *owner, quint32 id) : _owner(owner), _id(id) {}
         ~Registration() override
         {
-            _owner->calls.append(QStringLiteral("release %1").arg(_id));
+            _owner->calls << u"release %1"_s.arg(_id);
             _owner->registered.remove(_id);
         }
 
@@ -65,6 +57,31 @@ private:
     };
 
     Handlers _handlers;
+};
+
+// Keys that the test presses.
+class FakeKeyMonitor final : public KeyMonitor {
+public:
+    Observation observeLocal(std::function<bool(const KeyPress &)> pressed) override
+    {
+        return _local.add(std::move(pressed));
+    }
+    Result<Observation> observeGlobal(std::function<void(const KeyPress &)> pressed) override
+    {
+        return _global.add(std::move(pressed));
+    }
+
+    bool isObservedLocally() const { return !_local.isEmpty(); }
+    bool isObservedGlobally() const { return !_global.isEmpty(); }
+
+    // A key for one of the program's own windows. True: swallowed.
+    bool pressLocal(const KeyPress &key) { return _local.ask(key); }
+    // A key for any program.
+    void pressGlobal(const KeyPress &key) { _global.notify(key); }
+
+private:
+    ObserverList<bool(const KeyPress &)> _local;
+    ObserverList<void(const KeyPress &)> _global;
 };
 
 } // namespace velbrix::test

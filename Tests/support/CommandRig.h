@@ -1,0 +1,25 @@
+#pragma once
+
+#include "app/Tools.h"
+#include "support/FakePlatform.h"
+
+namespace velbrix::test {
+
+// What the running program answers to a line that somebody types; time passes
+// until it does. No word has a space in it.
+inline CommandReply ask(AppServices &services, VirtualClock &clock, const QString &line)
+{
+    const auto command = parseCommand(line.split(u' '));
+    if (!command)
+        return {exitcode::usage, misuseText(line.split(u' ')), {}};
+    const auto reply = std::make_shared<std::optional<CommandReply>>();
+    commandOf(command->words)->run(services, *command).then([reply](CommandReply now) { *reply = now; });
+    const bool isAnswered = waitFor([&] {
+        if (!*reply)
+            clock.advance(50ms);
+        return reply->has_value();
+    });
+    return isAnswered ? **reply : CommandReply{-1, u"no reply"_s, {}};
+}
+
+} // namespace velbrix::test

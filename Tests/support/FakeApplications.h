@@ -1,0 +1,106 @@
+#pragma once
+
+#include "platform/AdminShell.h"
+#include "platform/ApplicationCatalog.h"
+#include "platform/RunningPrograms.h"
+#include "support/AnswerTime.h"
+
+namespace velbrix::test {
+
+class FakeAdminShell final : public AdminShell {
+public:
+    explicit FakeAdminShell(Clock &clock) : _answer(clock) {}
+
+    // What a line comes to; success without output unless the test says otherwise.
+    std::function<Result<ProcessOutcome>(const QString &line)> answer = [](const QString &) {
+        return ProcessOutcome();
+    };
+    std::chrono::milliseconds delay{0}; // as long as the prompt stands open
+    QStringList lines;
+
+    QCoro::Task<Result<ProcessOutcome>> run(const QString line, Cancellation cancellation) override
+    {
+        lines.append(line);
+        co_await _answer.after(delay);
+        if (cancellation.isCancelled()) {
+            ProcessOutcome outcome;
+            outcome.cancelled = true;
+            co_return std::as_const(outcome);
+        }
+        co_return answer(line);
+    }
+
+private:
+    AnswerTime _answer;
+};
+
+// Applications as a list; a managed one goes from it when it is removed. The
+// manager starts working when `delay` is over: until then it can be called off.
+class FakeApplicationCatalog final : public ApplicationCatalog {
+public:
+    explicit FakeApplicationCatalog(Clock &clock) : _answer(clock) {}
+
+    Result<QList<InstalledApplication>> installed = QList<InstalledApplication>();
+    OwnIdentity own{u"/opt/Velbrix/velbrix"_s, u"Velbrix"_s, u"velbrix"_s};
+    QList<LibraryFolder> folders;
+    std::optional<Result<QStringList>> removedWith; // else only the package itself
+    std::optional<QString> failure;                 // of removeManaged
+    std::chrono::milliseconds delay{0};             // of every task
+    QStringList calls;                              // "applications", "packages gimp", "remove gimp"
+
+    QCoro::Task<Result<QList<InstalledApplication>>> applications() override
+    {
+        calls << u"applications"_s;
+        co_await _answer.after(delay);
+        co_return std::as_const(installed);
+    }
+    OwnIdentity ownIdentity() const override { return own; }
+    QList<LibraryFolder> libraryFolders() const override { return folders; }
+
+    QCoro::Task<Result<QStringList>> packagesRemovedWith(const InstalledApplication application) override
+    {
+        calls << u"packages "_s + application.package;
+        co_await _answer.after(delay);
+        co_return removedWith.value_or(QStringList{application.package});
+    }
+    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application,
+                                            Cancellation cancellation) override
+    {
+        calls << u"remove "_s + application.package;
+        co_await _answer.after(delay);
+        if (cancellation.isCancelled())
+            co_return velbrix::failure(u"已取消"_s);
+        if (failure)
+            co_return velbrix::failure(*failure);
+        const auto isIt = [&](const InstalledApplication &other) {
+            return other.manager == application.manager && other.package == application.package;
+        };
+        if (application.package.isEmpty() || !installed || installed->removeIf(isIt) == 0)
+            co_return velbrix::failure(u"没有安装："_s + application.name);
+        co_return Result<void>();
+    }
+
+private:
+    AnswerTime _answer;
+};
+
+class FakeRunningPrograms final : public RunningPrograms {
+public:
+    QSet<QString> names;     // of what runs
+    QStringList executables; // of what runs
+    std::optional<QSet<QByteArray>> sockets = QSet<QByteArray>();
+
+    QSet<QString> running(const QStringList &wanted) const override
+    {
+        return QSet<QString>(wanted.begin(), wanted.end()).intersect(names);
+    }
+    bool runsFrom(const QString &path) const override
+    {
+        return std::ranges::any_of(executables, [&](const QString &executable) {
+            return executable == path || executable.startsWith(path + u'/');
+        });
+    }
+    std::optional<QSet<QByteArray>> boundSockets() const override { return sockets; }
+};
+
+} // namespace velbrix::test
