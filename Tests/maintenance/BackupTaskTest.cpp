@@ -76,6 +76,12 @@ private Q_SLOTS:
         QCOMPARE(toJson(*backupTaskFromJson(storedTask())).value(u"nextRunAt"_s), QJsonValue(0.5));
     }
 
+    void anOlderResultIsJudgedByItsWords()
+    {
+        QVERIFY(backupTaskFromJson(with(u"lastResult"_s, u"✓ 压缩完成 · 1 KB"_s))->hasSucceeded());
+        QVERIFY(!backupTaskFromJson(with(u"lastResult"_s, u"已取消"_s))->hasSucceeded());
+    }
+
     void editedByHand()
     {
         const std::initializer_list<std::pair<QString, QJsonValue>> bad = {

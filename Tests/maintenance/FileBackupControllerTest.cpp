@@ -359,6 +359,25 @@ private Q_SLOTS:
         QCOMPARE(rig.inDestination(), QStringList());
     }
 
+    void whatTheEndOfTheProgramInterruptsStaysDue()
+    {
+        Rig rig;
+        rig.archiver.holds = true;
+        const QString first = rig.save(rig.described(u"first"_s))->id;
+        const QString second = rig.save(rig.described(u"second"_s))->id;
+        const QDateTime dueAt = rig.controller->task(first)->nextRunAt;
+        rig.clock.advance(1h);
+        QCOMPARE(rig.controller->currentRunningTaskID(), std::optional(first));
+        rig.controller->shutDown();
+        rig.controller->cancelRun();
+        QTRY_VERIFY((rig.clock.advance(100ms), !rig.controller->isRunningBackup()));
+        settle();
+        QCOMPARE(rig.result(first), u"已取消"_s);
+        QCOMPARE(rig.controller->task(first)->nextRunAt, dueAt);
+        QCOMPARE(rig.controller->task(second)->nextRunAt, dueAt);
+        QCOMPARE(rig.result(second), QString());
+    }
+
     void aFailureIsToldOnceAndADelayOnce()
     {
         Rig rig;

@@ -89,6 +89,8 @@ private Q_SLOTS:
         rig.host.surfaces.refusal = Failure{u"窗口太多"_s};
         rig.plugSecond();
         QCOMPARE(rig.wallpaper().hint(), u"副显示器的视频无法播放：窗口太多"_s);
+        rig.wallpaper().setVideo(rig.video(u"b.mp4"_s));
+        QCOMPARE(rig.wallpaper().hint(), u"副显示器的视频无法播放：窗口太多"_s);
         rig.host.surfaces.refusal.reset();
         rig.wallpaper().clearDisplayVideo(2);
         rig.host.displays.set(rig.host.displays.list);

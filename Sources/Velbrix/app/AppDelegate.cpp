@@ -12,12 +12,14 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
 const QString showWindowKey = u"Velbrix_NeedShowMainWindow"_s;
 const QString longAlertCategory = u"RECORDING_LONG_ALERT"_s;
+constexpr auto answerLimit = 1s;
 
 } // namespace
 
@@ -202,6 +204,13 @@ void AppDelegate::finishQuit()
 {
     if (_terminated)
         return;
+    // What has ended with the program may still have to be told to a terminal.
+    if (_commands && _commands->isAnswering() && !_answerLimit) {
+        connect(_commands.get(), &CommandServer::answered, this, &AppDelegate::finishQuit,
+                Qt::QueuedConnection);
+        _answerLimit = _services.clock.after(answerLimit, [this] { finishQuit(); });
+        return;
+    }
     applicationWillTerminate();
     Q_EMIT terminate();
 }

@@ -69,6 +69,7 @@ private:
     TrayController _tray;
     std::unique_ptr<CommandServer> _commands;
 
+    std::unique_ptr<Alarm> _answerLimit; // once the program waits for its last answers
     bool _terminated = false;
     Observation _localKeyMonitor;
     std::vector<Observation> _observers;

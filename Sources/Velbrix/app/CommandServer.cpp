@@ -26,18 +26,16 @@ QJsonObject progressOf(const Job &job)
     return progress;
 }
 
-// Says how the jobs get on, until the listener goes.
-void follow(const QList<Job *> &jobs, QObject *listener, const LocalChannelServer::Progress &progress)
+// Says how the job gets on, until the listener goes.
+void follow(const Job &job, QObject *listener, const LocalChannelServer::Progress &progress)
 {
-    const auto said = std::make_shared<QJsonObject>();
-    for (const Job *job : jobs)
-        QObject::connect(job, &Job::changed, listener, [job, said, progress] {
-            const QJsonObject now = progressOf(*job);
-            if (now.isEmpty() || now == *said)
-                return;
-            *said = now;
-            progress(now);
-        });
+    QObject::connect(&job, &Job::changed, listener, [&job, said = QJsonObject(), progress]() mutable {
+        const QJsonObject now = progressOf(job);
+        if (now.isEmpty() || now == said)
+            return;
+        said = now;
+        progress(now);
+    });
 }
 
 } // namespace
@@ -49,6 +47,7 @@ CommandServer::CommandServer(AppServices &services, QObject *parent)
                       LocalChannelServer::Progress progress) { return answer(request, std::move(progress)); },
                services.clock)
 {
+    connect(&_channel, &LocalChannelServer::answered, this, &CommandServer::answered);
 }
 
 Result<void> CommandServer::listen()
@@ -70,7 +69,8 @@ QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request, LocalChannel
         co_return toJson(CommandReply::refusal(u"Velbrix 正在退出，没有执行"_s));
     const Command *const verb = commandOf(command.words);
     QObject listener;
-    follow(jobsBehind(*verb, _services), &listener, progress);
+    if (const Job *const job = jobBehind(*verb, _services))
+        follow(*job, &listener, progress);
     const CommandReply reply = co_await verb->run(_services, command);
     co_return toJson(reply);
 }

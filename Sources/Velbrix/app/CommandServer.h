@@ -18,9 +18,15 @@ public:
     explicit CommandServer(AppServices &services, QObject *parent = nullptr);
 
     Result<void> listen();
+    // Somebody waits for an answer.
+    bool isAnswering() const { return _channel.isAnswering(); }
     // Of a request that may come from anybody. The progress is that of the
     // tool's jobs: "what" and, where it is known, "share" (0…1).
     QCoro::Task<QJsonObject> answer(QJsonObject request, LocalChannelServer::Progress progress);
+
+Q_SIGNALS:
+    // Nobody waits any more.
+    void answered();
 
 private:
     AppServices &_services;

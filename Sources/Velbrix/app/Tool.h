@@ -42,9 +42,8 @@ struct Tool {
     QList<Command> commands = {};
     QList<FeaturePrivacyNotice> notices = {}; // of the consents that it asks for
     QList<ToolHotkey> hotkeys = {};
-    // What it does in the background. The first that has something to show is
-    // shown; the program ends after all of them.
-    std::function<QList<Job *>(AppServices &)> jobs = {};
+    // What it does in the background.
+    std::function<Job *(AppServices &)> job = {};
 
     std::function<TraySection(AppServices &)> tray = {};
     // Has the tray refreshed whenever that changes; connections end with the tray.
@@ -56,7 +55,7 @@ struct Tool {
     // Once at the start, in the one copy that runs.
     std::function<void(AppServices &)> launch = {};
     // At the end, beside the cancelling of its jobs: starts nothing any more.
-    // Only what can be done without waiting. May be called twice.
+    // Only what can be done without waiting.
     std::function<void(AppServices &)> shutDown = {};
 };
 

@@ -32,10 +32,10 @@ const Tool *toolCalled(const QString &identifier)
 const QList<Command> &commands()
 {
     static const QList<Command> all = [] {
-        QList<Command> found;
+        QList<Command> ofTools, ofProgram;
         for (const Tool &tool : tools())
-            found += tool.commands;
-        return found;
+            (tool.group.isEmpty() ? ofProgram : ofTools) += tool.commands;
+        return ofProgram + ofTools;
     }();
     return all;
 }
@@ -47,26 +47,28 @@ const Command *commandOf(const QString &words)
     return found == commands().end() ? nullptr : &*found;
 }
 
-QList<Job *> jobsBehind(const Command &command, AppServices &services)
+Job *jobOf(const Tool &tool, AppServices &services)
 {
-    const auto has = [&](const Tool &tool) {
+    return tool.job ? tool.job(services) : nullptr;
+}
+
+Job *jobBehind(const Command &command, AppServices &services)
+{
+    const auto owns = [&](const Tool &tool) {
         return std::ranges::any_of(
             tool.commands, [&](const Command &each) { return each.form.words == command.form.words; });
     };
-    const auto owner = std::ranges::find_if(tools(), has);
-    return owner == tools().end() ? QList<Job *>() : jobsOf(*owner, services);
-}
-
-QList<Job *> jobsOf(const Tool &tool, AppServices &services)
-{
-    return tool.jobs ? tool.jobs(services) : QList<Job *>();
+    const auto owner = std::ranges::find_if(tools(), owns);
+    return owner == tools().end() ? nullptr : jobOf(*owner, services);
 }
 
 QList<Job *> allJobs(AppServices &services)
 {
     QList<Job *> all;
-    for (const Tool &tool : tools())
-        all += jobsOf(tool, services);
+    for (const Tool &tool : tools()) {
+        if (Job *const job = jobOf(tool, services))
+            all.append(job);
+    }
     return all;
 }
 

@@ -96,11 +96,11 @@ private:
 
     Clock &_clock;
     const LocalChannelServer::Progress _progress;
-    QLocalSocket _socket;
     QPromise<ChannelAnswer> _answer;
     std::unique_ptr<Alarm> _silence;
     bool _isConnected = false;
     bool _isEnded = false;
+    QLocalSocket _socket; // the first to go: it may report its end then
 };
 
 } // namespace
@@ -151,15 +151,19 @@ void LocalChannelServer::accept(QLocalSocket *socket)
 
 QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject request)
 {
+    const QPointer self(this);
     const QPointer client(socket);
+    ++_openRequests;
     const auto beat = _clock.every(progressInterval, [client] { tell(client, {}); });
     const QJsonObject reply =
         co_await _handler(request, [client](const QJsonObject &progress) { tell(client, progress); });
-    if (!client)
-        co_return;
-    client->write(line(reply));
-    client->flush(); // the program may be about to end
-    client->disconnectFromServer();
+    if (client) {
+        client->write(line(reply));
+        client->flush(); // the program may be about to end
+        client->disconnectFromServer();
+    }
+    if (self && --_openRequests == 0)
+        Q_EMIT answered();
 }
 
 QCoro::Task<ChannelAnswer> askLocalChannel(QString path, QJsonObject request, Clock &clock,

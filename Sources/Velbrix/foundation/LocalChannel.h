@@ -37,6 +37,13 @@ public:
     // program's and is replaced. Nobody but this user can connect.
     Result<void> listen(const QString &path);
 
+    // A request has not been answered yet.
+    bool isAnswering() const { return _openRequests > 0; }
+
+Q_SIGNALS:
+    // The last open request: its answer has left.
+    void answered();
+
 private:
     void accept(QLocalSocket *socket);
     QCoro::Task<> answer(QLocalSocket *socket, QJsonObject request);
@@ -44,6 +51,7 @@ private:
     Handler _handler;
     Clock &_clock;
     std::unique_ptr<QLocalServer> _server;
+    int _openRequests = 0;
 };
 
 struct ChannelFailure {

@@ -14,6 +14,11 @@ class [[nodiscard]] Observation {
 public:
     Observation() = default; // of nothing
     explicit Observation(std::function<void()> end) : _end(std::move(end)) {}
+    // Of what lasts as long as that object.
+    template <typename Object> static Observation keeping(std::shared_ptr<Object> object)
+    {
+        return Observation([kept = std::move(object)]() mutable { kept.reset(); });
+    }
     ~Observation() { reset(); }
     Observation(Observation &&other) noexcept : _end(std::exchange(other._end, nullptr)) {}
     Observation &operator=(Observation &&other) noexcept

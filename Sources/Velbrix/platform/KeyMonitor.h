@@ -26,7 +26,8 @@ public:
     // Keys for this program's own windows. The answer true swallows the press.
     // The observer that was added last is asked first.
     virtual Observation observeLocal(std::function<bool(const KeyPress &)> pressed) = 0;
-    // Keys for any program, this one included where the host cannot tell.
+    // Keys for any program, this one included where the host cannot tell. The
+    // observer that was added first is called first.
     virtual Result<Observation> observeGlobal(std::function<void(const KeyPress &)> pressed) = 0;
 };
 

@@ -25,7 +25,7 @@ template <typename Page> QWidget *make(const ViewContext &context)
 
 QWidget *makePage(const QString &tool, const ViewContext &context)
 {
-    // By the identifiers in app/Tools.cpp.
+    // By the identifiers in app/tools/.
     static const QHash<QString, Maker> makers = {
         {u"wallpaper"_s, make<WallpaperPage>}, {u"recorder"_s, make<RecorderPage>},
         {u"clean"_s, make<SystemCleanupView>}, {u"apps"_s, make<UninstallContentView>},

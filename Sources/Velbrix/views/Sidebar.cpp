@@ -90,30 +90,26 @@ void Sidebar::add(const Tool &tool)
     button->setIconSize(QSize(18, 18));
     _tabs->addButton(button);
     _list->addWidget(button);
-    const QList<Job *> jobs = jobsOf(tool, _services);
-    if (jobs.isEmpty())
+    Job *const job = jobOf(tool, _services);
+    if (!job)
         return;
     auto *line = new QHBoxLayout(button);
     line->setContentsMargins(0, 0, 12, 0);
     line->addStretch(1);
-    line->addWidget(ring(tool, jobs));
+    line->addWidget(ring(tool, *job));
 }
 
-QWidget *Sidebar::ring(const Tool &tool, const QList<Job *> &jobs)
+QWidget *Sidebar::ring(const Tool &tool, Job &job)
 {
-    const bool isRecording = jobs.first()->kind() == Job::Kind::recording;
+    const bool isRecording = job.kind() == Job::Kind::recording;
     auto *ring = new JobRing(_theme, {}, isRecording ? JobRing::Look::recording : JobRing::Look::progress);
     ring->setObjectName(u"ring."_s + tool.identifier);
-    const auto refresh = [ring, jobs] {
-        const auto shown =
-            std::ranges::find_if(jobs, [](const Job *job) { return !job->state().what.isEmpty(); });
-        ring->setVisible(shown != jobs.end());
-        if (shown != jobs.end())
-            ring->setJob((*shown)->state().what, (*shown)->state().progress);
-    };
-    refresh();
-    for (const Job *job : jobs)
-        connect(job, &Job::changed, ring, refresh);
+    follow(job, &Job::changed, ring, [ring, &job] {
+        const Job::State state = job.state();
+        ring->setVisible(!state.what.isEmpty());
+        if (!state.what.isEmpty())
+            ring->setJob(state.what, state.progress);
+    });
     return ring;
 }
 

@@ -21,7 +21,7 @@ public:
 
 private:
     void add(const Tool &tool);
-    QWidget *ring(const Tool &tool, const QList<Job *> &jobs);
+    QWidget *ring(const Tool &tool, Job &job);
 
     const Theme &_theme;
     AppServices &_services;

@@ -86,10 +86,16 @@ QCoro::Task<std::optional<Result<void>>> VideoContent::choose(const QString path
 
 QCoro::Task<Result<void>> VideoContent::prepareToShow()
 {
-    if (const auto path = _parts.video.videoURL()) {
+    const QPointer self(this);
+    std::optional<QString> prepared;
+    // Another video may be chosen while the picture is awaited.
+    for (auto path = _parts.video.videoURL(); path && path != prepared; path = _parts.video.videoURL()) {
         if (!QFileInfo(*path).isFile())
             co_return failure(u"无法读取视频：文件不存在"_s);
+        prepared = path;
         co_await setFirstFrame(u"apply-video"_s);
+        if (!self)
+            break;
     }
     co_return {};
 }

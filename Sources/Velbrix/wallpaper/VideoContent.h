@@ -40,7 +40,6 @@ public:
     void hardResume(const QString &reason) override;
     void displaysChanged() override;
     void stop() override;
-    void refreshStill(const QString &reason) override;
     WallpaperReturn returnAtLaunch() const override;
     WallpaperReturn returnAtResume() const override;
 
@@ -54,6 +53,8 @@ private:
     void forEach(const std::function<void(StagedVideo &)> &call) const;
     QCoro::Task<> setFirstFrame(QString reason);
     QCoro::Task<bool> findFirstFrame(QString path);
+    // Has the still picture follow what shows; the reason is for the log.
+    void refreshStill(const QString &reason);
     QCoro::Task<> setShownFrame();
 
     const Parts _parts;

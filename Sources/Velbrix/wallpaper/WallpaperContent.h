@@ -43,7 +43,7 @@ public:
     // has overtaken this one; the failure has the words for the user.
     virtual QCoro::Task<std::optional<Result<void>>> choose(const QString what) = 0;
 
-    // What should come before show(): at most a second.
+    // What should come before show(): at most a second for each choice.
     virtual QCoro::Task<Result<void>> prepareToShow() = 0;
     // Shows it on every display that it is for, or anew. Without anything
     // chosen the failure says what to choose.
@@ -54,8 +54,6 @@ public:
     // Nothing of it is on the desktop afterwards, nor in memory, and nothing is
     // on its way; what is chosen stays chosen.
     virtual void stop() = 0;
-    // Sets what shows as the still picture; the reason is for the log.
-    virtual void refreshStill(const QString &reason) = 0;
 
     // When the program starts, and when the user resumes what does not show.
     virtual WallpaperReturn returnAtLaunch() const = 0;

@@ -153,6 +153,7 @@ QCoro::Task<bool> WallpaperController::setVideo(const QString path)
     const QPointer self(this);
     if (_hasEnded)
         co_return false;
+    _hint = QString();
     const auto chosen = co_await _videos.choose(absolute(path));
     if (!self || !chosen)
         co_return false;
@@ -160,7 +161,6 @@ QCoro::Task<bool> WallpaperController::setVideo(const QString path)
         refuse(chosen->error().message);
         co_return false;
     }
-    _hint = QString();
     updateState();
     co_return true;
 }
@@ -338,7 +338,7 @@ void WallpaperController::setContentMode(WallpaperContentMode mode)
 {
     if (mode == _preferences.contentMode())
         return;
-    if (isShowing())
+    if (canStop())
         stopWallpaper();
     _preferences.setContentMode(mode);
 }

@@ -20,6 +20,14 @@ QRect windowFrame(const Display &display)
     return frame;
 }
 
+std::optional<Display> mainOf(const QList<Display> &displays)
+{
+    const auto found = std::ranges::find(displays, true, &Display::isMain);
+    if (found != displays.end())
+        return *found;
+    return displays.isEmpty() ? std::nullopt : std::optional(displays.first());
+}
+
 } // namespace
 
 StageWindow::StageWindow(WallpaperStage &stage, std::unique_ptr<SurfaceWindow> window, quint32 displayID,
@@ -94,17 +102,13 @@ WallpaperStage::~WallpaperStage() = default;
 
 std::optional<Display> WallpaperStage::mainDisplay() const
 {
-    const QList<Display> displays = _ports.displays.displays();
-    const auto found = std::ranges::find(displays, true, &Display::isMain);
-    if (found != displays.end())
-        return *found;
-    return displays.isEmpty() ? std::nullopt : std::optional(displays.first());
+    return mainOf(_ports.displays.displays());
 }
 
 QList<Display> WallpaperStage::otherDisplays() const
 {
     QList<Display> displays = _ports.displays.displays();
-    const auto main = mainDisplay();
+    const auto main = mainOf(displays);
     displays.removeIf([&main](const Display &display) { return display.id == main->id; });
     return displays;
 }

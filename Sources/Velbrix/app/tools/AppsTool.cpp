@@ -270,7 +270,7 @@ Tool appsTool()
         .group = u"维护"_s,
         .commands = commands(),
         .notices = {consent()},
-        .jobs = [](AppServices &services) { return QList<Job *>{&services.uninstaller.job()}; },
+        .job = [](AppServices &services) { return &services.uninstaller.job(); },
     };
 }
 

@@ -274,7 +274,8 @@ Tool backupTool()
         .symbol = u"externaldrive.badge.timemachine"_s,
         .group = u"维护"_s,
         .commands = commands(),
-        .jobs = [](AppServices &services) { return QList<Job *>{&services.fileBackup.job()}; },
+        .job = [](AppServices &services) { return &services.fileBackup.job(); },
+        .shutDown = [](AppServices &services) { services.fileBackup.shutDown(); },
     };
 }
 

@@ -244,7 +244,7 @@ Tool cleanTool()
         .group = u"维护"_s,
         .commands = commands(),
         .notices = {consent()},
-        .jobs = [](AppServices &services) { return QList<Job *>{&services.cleaner.job()}; },
+        .job = [](AppServices &services) { return &services.cleaner.job(); },
     };
 }
 

@@ -230,7 +230,7 @@ Tool recorderTool()
         .notices = consents(),
         .hotkeys = {{HotkeyAction::recordToggle,
                      [](AppServices &services) { services.recordingActions.toggleQuickly(); }}},
-        .jobs = [](AppServices &services) { return QList<Job *>{&services.recorder.job()}; },
+        .job = [](AppServices &services) { return &services.recorder.job(); },
         .tray = traySection,
         .followTray = followTray,
         .status = status,

@@ -42,14 +42,13 @@ CommandReply status(AppServices &services)
             for (auto entry = part.data.begin(); entry != part.data.end(); ++entry)
                 reply.data[entry.key()] = entry.value();
         }
-        for (const Job *job : jobsOf(tool, services)) {
-            const Job::State state = job->state();
-            if (state.what.isEmpty())
-                continue;
-            jobs.append(toJson(tool, state));
-            if (!tool.status)
-                lines << lineOf(tool, state);
-        }
+        const Job *const job = jobOf(tool, services);
+        const Job::State state = job ? job->state() : Job::State();
+        if (state.what.isEmpty())
+            continue;
+        jobs.append(toJson(tool, state));
+        if (!tool.status)
+            lines << lineOf(tool, state);
     }
     reply.data[u"jobs"_s] = jobs;
     if (!isAccepted)
@@ -97,7 +96,7 @@ CommandReply quit(AppServices &services)
 QList<Command> commands(const QStringList &tabs)
 {
     return {
-        {{.words = u"status"_s, .help = u"程序、壁纸与录制的当前状态"_s},
+        {{.words = u"status"_s, .help = u"程序与各工具的当前状态"_s},
          immediate([](AppServices &services, const ParsedCommand &) { return status(services); })},
         {{.words = u"show"_s,
           .arguments = u"标签页"_s,

@@ -292,7 +292,7 @@ Tool wallpaperTool()
         .hotkeys = {{HotkeyAction::hideDesktopIcons, toggleHideDesktopIcons},
                     {HotkeyAction::hideDock,
                      [](AppServices &services) { services.wallpaper.dock().toggleDockAutoHide(); }}},
-        .jobs = [](AppServices &services) { return QList<Job *>{&services.wallpaper.job()}; },
+        .job = [](AppServices &services) { return &services.wallpaper.job(); },
         .tray = traySection,
         .followTray = followTray,
         .status =

@@ -255,9 +255,12 @@ QJsonObject toJson(const BackupTask &task)
 
 std::optional<BackupTask> backupTaskFromJson(const QJsonObject &json)
 {
-    const auto task = Reader::read<BackupTask>(json);
+    auto task = Reader::read<BackupTask>(json);
     if (!task || task->id.isEmpty() || task->sourcePath.isEmpty() || task->destPath.isEmpty())
         return std::nullopt;
+    // Older settings tell by the words alone whether a run was completed.
+    if (!json.contains("lastCancelled"_L1) && task->lastResult)
+        task->lastCancelled = !task->lastResult->startsWith(u"✓ ");
     return task;
 }
 

@@ -129,6 +129,14 @@ Job::State FileBackupController::jobState() const
     return {};
 }
 
+void FileBackupController::shutDown()
+{
+    _isShutDown = true;
+    _pollTimer.reset();
+    _catchUp.reset();
+    _waking.reset();
+}
+
 void FileBackupController::cancelAll()
 {
     cancelRun();
@@ -226,7 +234,7 @@ void FileBackupController::pollAfter(std::chrono::milliseconds delay)
 // The poll timer does not count the time asleep.
 void FileBackupController::observeWaking()
 {
-    if (tasks().isEmpty())
+    if (tasks().isEmpty() || _isShutDown)
         _waking.reset();
     else if (!_waking)
         _waking = _ports.sleep.observeWaking([this] { pollAfter(wakeDelay); });
@@ -267,7 +275,7 @@ QCoro::Task<> FileBackupController::runDue()
     for (const BackupTask &found : due) {
         // It may have been changed, removed or run meanwhile.
         const auto current = task(found.id);
-        if (_isRunningBackup || !current || !isDue(*current, _clock.now()))
+        if (_isShutDown || _isRunningBackup || !current || !isDue(*current, _clock.now()))
             continue;
         co_await run(*current, Occasion::onSchedule);
         if (!self)
@@ -309,7 +317,10 @@ void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &
     const QDateTime now = _clock.now();
     std::optional<UserNotification> notification;
     change(asRun.id, [&](BackupTask &task) {
+        const QDateTime dueAt = task.nextRunAt;
         enterOutcome(outcome, task, now);
+        if (_isShutDown && task.lastCancelled && occasion == Occasion::onSchedule)
+            task.nextRunAt = dueAt;
         if (task.lastFailed && occasion == Occasion::onSchedule)
             notification = failureNotification(task, asRun.nextRunAt, now);
     });

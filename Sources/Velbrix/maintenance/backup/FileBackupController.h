@@ -73,6 +73,9 @@ public:
 
     // Works for a disabled task, too. Does nothing while another run goes on.
     void runNow(const QString &id);
+    // Nothing is begun on a schedule any more. A scheduled run that is cancelled
+    // from now on stays due, so that it is caught up with at the next start.
+    void shutDown();
     // Ends the run; what was begun is taken back or stays as it was.
     void cancelRun();
     // The user's answer to the question.
@@ -119,6 +122,7 @@ private:
     std::unique_ptr<Alarm> _catchUp;
     Observation _waking; // while there are tasks
     bool _isPolling = false;
+    bool _isShutDown = false;
     Cancellation _runCancellation;
     std::shared_ptr<QPromise<bool>> _answer; // while a run waits for one
     std::chrono::milliseconds _askedAt{0};

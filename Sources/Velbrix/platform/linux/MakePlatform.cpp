@@ -42,22 +42,19 @@ std::unique_ptr<SingleInstance> makeSingleInstance()
 // In the order in which they are preferred.
 constexpr std::array windowSystems{&x11WindowSystem};
 
-const WindowSystem *findWindowSystem()
-{
-    const auto found = std::ranges::find_if(windowSystems, [](const auto *each) { return each->applies(); });
-    return found == windowSystems.end() ? nullptr : *found;
-}
+const WindowSystem *chosenSystem = windowSystems.front();
 
 } // namespace
 
 QString prepareHost()
 {
-    const WindowSystem *const system = findWindowSystem();
-    if (!system)
+    const auto found = std::ranges::find_if(windowSystems, [](const auto *each) { return each->applies(); });
+    if (found == windowSystems.end())
         return windowSystems.front()->absence();
+    chosenSystem = *found;
     // In a Wayland session Qt would choose Wayland, where the program sees no screen.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", system->qtPlatform);
+        qputenv("QT_QPA_PLATFORM", chosenSystem->qtPlatform);
     return {};
 }
 
@@ -69,8 +66,7 @@ Platform makePlatform(Clock &clock)
 
     Platform platform;
     // What one provides that has gone since prepareHost() answers with failures.
-    const WindowSystem *const system = findWindowSystem();
-    (system ? system : windowSystems.front())->provide(platform, clock, data);
+    chosenSystem->provide(platform, clock, data);
     platform.settings = std::make_unique<JsonSettingsFile>(configuration + u"/velbrix/settings.json"_s);
     platform.singleInstance = makeSingleInstance();
     platform.notifications = std::make_unique<FreedesktopNotifications>();

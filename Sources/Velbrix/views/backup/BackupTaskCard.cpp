@@ -173,8 +173,8 @@ void BackupTaskCard::showResult()
     }
     QString result = *_task.lastResult;
     const bool isDone = _task.hasSucceeded();
-    if (isDone)
-        result.remove(u"✓ "_s); // the picture says it
+    if (const QString mark = u"✓ "_s; isDone && result.startsWith(mark))
+        result.remove(0, mark.size()); // the picture says it
     if (_task.lastFailed)
         _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
     else if (isDone)

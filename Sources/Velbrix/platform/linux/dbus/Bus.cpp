@@ -62,7 +62,7 @@ QCoro::Task<Result<QVariantList>> callBus(const BusObject object, const QString 
     if (reply.type() != QDBusMessage::ReplyMessage) {
         if (!object.category.isEmpty())
             log::line(object.category, object.service + u": "_s + reply.errorMessage());
-        co_return failure(u"%1 没有完成请求"_s.arg(object.service));
+        co_return failure(u"%1 没有完成请求：%2"_s.arg(object.service, reply.errorMessage()));
     }
     co_return reply.arguments();
 }
@@ -97,7 +97,7 @@ Observation observeBus(const BusObject &object, const QString &signal,
     auto listener = std::make_shared<Listener>(std::move(heard));
     // No service name here: Qt would wait for the bus to name its owner.
     bus->connect({}, object.path, object.interface, signal, listener.get(), SLOT(deliver(QDBusMessage)));
-    return Observation([listener]() mutable { listener.reset(); });
+    return Observation::keeping(std::move(listener));
 }
 
 } // namespace velbrix

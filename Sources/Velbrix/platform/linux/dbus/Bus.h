@@ -32,7 +32,8 @@ struct BusObject {
     std::chrono::milliseconds deadline{5000};
 };
 
-// For services that a call may have to start first.
+// For services that a call may have to start first, and those that a busy
+// login may keep waiting.
 constexpr std::chrono::milliseconds startDeadline{25000};
 
 // Nothing where the session has no such bus. Asking never starts one.

@@ -14,7 +14,8 @@ namespace {
 const BusObject watcher{.service = u"org.kde.StatusNotifierWatcher"_s,
                         .path = u"/StatusNotifierWatcher"_s,
                         .interface = u"org.kde.StatusNotifierWatcher"_s,
-                        .mayStart = false};
+                        .mayStart = false,
+                        .deadline = startDeadline};
 
 } // namespace
 

@@ -69,12 +69,14 @@ Result<Observation> UPowerSource::observe(std::function<void()> changed)
     const bool hasBus = busConnection(Bus::system).has_value();
     if (!hasBus && !QFileInfo(_supplies).isDir())
         return failure(u"没有 UPower 服务，内核也没有电源信息"_s);
-    if (_observers.isEmpty())
-        _isOnBattery = readSupplies(_supplies).isOnBattery;
+    const bool isFirst = _observers.isEmpty();
     Observation observation = _observers.add(std::move(changed), [self = QPointer(this)] {
         if (self && self->_observers.isEmpty())
             self->stop();
     });
+    if (!isFirst)
+        return observation;
+    _isOnBattery = readSupplies(_supplies).isOnBattery;
     if (!hasBus) {
         watchFiles();
         return observation;

@@ -20,12 +20,14 @@ BusObject loginManager(const QString &path, const QString &interface)
             .service = u"org.freedesktop.login1"_s,
             .path = path,
             .interface = interface,
-            .mayStart = false};
+            .mayStart = false,
+            .deadline = startDeadline};
 }
 
 BusObject saver(const QString &service, const QString &path)
 {
-    return {.service = service, .path = path, .interface = service, .mayStart = false};
+    return {
+        .service = service, .path = path, .interface = service, .mayStart = false, .deadline = startDeadline};
 }
 
 } // namespace

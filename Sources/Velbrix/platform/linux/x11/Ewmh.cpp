@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11/TopLevel.h"
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace velbrix {
@@ -51,10 +52,12 @@ std::vector<xcb_window_t> clientWindows(X11Connection &connection)
     return windows;
 }
 
-bool isOfType(X11Connection &connection, xcb_window_t window, const char *type)
+bool isOfType(X11Connection &connection, xcb_window_t window, std::initializer_list<const char *> types)
 {
-    const XProperty types = connection.property(window, "_NET_WM_WINDOW_TYPE");
-    return types.type == XCB_ATOM_ATOM && types.value(0) == connection.atom(type);
+    const XProperty said = connection.property(window, "_NET_WM_WINDOW_TYPE");
+    return said.type == XCB_ATOM_ATOM && std::ranges::any_of(types, [&](const char *type) {
+               return said.value(0) == connection.atom(type);
+           });
 }
 
 bool isOwn(X11Connection &connection, xcb_window_t window)

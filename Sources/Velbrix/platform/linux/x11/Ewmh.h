@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11/X11Connection.h"
 
+#include <initializer_list>
 #include <vector>
 
 namespace velbrix {
@@ -20,8 +21,8 @@ std::vector<xcb_window_t> managedWindows(X11Connection &connection);
 // keep.
 std::vector<xcb_window_t> clientWindows(X11Connection &connection);
 
-// Whether that is the first of the types that a window says it has.
-bool isOfType(X11Connection &connection, xcb_window_t window, const char *type);
+// Whether the first of the types that a window says it has is one of these.
+bool isOfType(X11Connection &connection, xcb_window_t window, std::initializer_list<const char *> types);
 // Whether the window is this program's; only what says whose it is can be.
 bool isOwn(X11Connection &connection, xcb_window_t window);
 // Whether a window is minimised or on another workspace. Some window managers

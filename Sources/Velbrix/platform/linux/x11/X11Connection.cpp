@@ -28,14 +28,18 @@ std::uint32_t XProperty::value(int index) const
 std::vector<std::uint32_t> XProperty::values() const
 {
     std::vector<std::uint32_t> all(static_cast<std::size_t>(count()));
-    std::memcpy(all.data(), bytes.constData(), all.size() * 4);
+    for (std::size_t index = 0; index < all.size(); ++index)
+        all[index] = value(static_cast<int>(index));
     return all;
 }
 
 bool XProperty::holds(std::uint32_t wanted) const
 {
-    const std::vector<std::uint32_t> all = values();
-    return std::ranges::find(all, wanted) != all.end();
+    for (int index = 0; index < count(); ++index) {
+        if (value(index) == wanted)
+            return true;
+    }
+    return false;
 }
 
 Result<std::unique_ptr<X11Connection>> X11Connection::open(const X11Abilities &allowed)

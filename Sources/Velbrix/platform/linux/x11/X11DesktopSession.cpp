@@ -15,7 +15,7 @@ DesktopSigns X11DesktopSession::signs() const
     X11Connection &x11 = **opened;
     found.windowManager = QString::fromUtf8(windowManagerName(x11));
     for (const xcb_window_t window : managedWindows(x11)) {
-        if (!isOfType(x11, window, "_NET_WM_WINDOW_TYPE_DESKTOP") || isOwn(x11, window))
+        if (!isOfType(x11, window, {"_NET_WM_WINDOW_TYPE_DESKTOP"}) || isOwn(x11, window))
             continue;
         found.backdropClass = QString::fromLatin1(x11.property(window, "WM_CLASS").bytes);
         found.backdropProcess = x11.property(window, "_NET_WM_PID").value(0);

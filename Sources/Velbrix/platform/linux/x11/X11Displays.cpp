@@ -130,7 +130,7 @@ std::optional<Strut> X11Displays::Watcher::readClient(xcb_window_t window) const
     X11Connection &connection = _events->connection();
     // Only panels are worth being woken for; before the reading, so that no
     // change falls between.
-    if (isOfType(connection, window, "_NET_WM_WINDOW_TYPE_DOCK"))
+    if (isOfType(connection, window, {"_NET_WM_WINDOW_TYPE_DOCK"}))
         connection.selectEvents(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
     return readStrut(connection, window);
 }

@@ -17,10 +17,7 @@ Observation MacDisplays::observe(std::function<void()> changed)
     return observationOf([[VBNotificationWatch alloc]
         initWithCenter:NSNotificationCenter.defaultCenter
                   name:NSApplicationDidChangeScreenParametersNotification
-                posted:[changed = std::move(changed)](NSNotification *) {
-                    const auto call = changed; // it may end the observation
-                    call();
-                }]);
+                posted:[changed = std::move(changed)](NSNotification *) { changed(); }]);
 }
 
 } // namespace velbrix

@@ -90,7 +90,7 @@ Result<Observation> NSEventKeyMonitor::observeGlobal(std::function<void(const Ke
                                                             }];
     if (!token)
         return failure(u"系统无法监听其他应用中的按键"_s);
-    return Observation([monitor = std::make_shared<MonitorToken>(token)]() mutable { monitor.reset(); });
+    return Observation::keeping(std::make_shared<MonitorToken>(token));
 }
 
 } // namespace velbrix

@@ -144,8 +144,7 @@ QCoro::Task<Result<void>> CoreAudioDevices::setDefaultSpeaker(const QString id)
 
 Observation CoreAudioDevices::observeChanges(std::function<void()> changed)
 {
-    return Observation(
-        [listener = std::make_shared<ChangeListener>(std::move(changed))]() mutable { listener.reset(); });
+    return Observation::keeping(std::make_shared<ChangeListener>(std::move(changed)));
 }
 
 } // namespace velbrix

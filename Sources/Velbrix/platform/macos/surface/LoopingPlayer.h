@@ -24,7 +24,6 @@ public:
 
     // What plays or pauses goes on doing so with the new file.
     void load(const QString &path);
-    void unload();
     void play(double rate);
     void pause();
 
@@ -34,6 +33,7 @@ public:
     NSInteger repetitions() const { return _looper.loopCount; }
 
 private:
+    void unload();
     void watch();
     void looperChanged();
     void itemChanged();

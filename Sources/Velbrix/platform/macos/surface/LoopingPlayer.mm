@@ -120,6 +120,7 @@ void LoopingPlayer::fail(NSError *error)
 {
     if (std::exchange(_hasFailed, true))
         return;
+    unload();
     // A copy, because the call may destroy the player.
     const auto failed = _failed;
     failed(toFailure(error));

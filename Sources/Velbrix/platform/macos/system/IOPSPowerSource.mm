@@ -73,7 +73,7 @@ Result<Observation> IOPSPowerSource::observe(std::function<void()> changed)
     auto monitor = std::make_shared<Monitor>(std::move(changed));
     if (!monitor->isRunning())
         return failure(u"系统无法报告电源的变化"_s);
-    return Observation([monitor = std::move(monitor)]() mutable { monitor.reset(); });
+    return Observation::keeping(std::move(monitor));
 }
 
 bool IOPSPowerSource::isOnBattery() const

@@ -68,10 +68,7 @@ Observation MacSingleInstance::observeWake(std::function<void()> wake)
 {
     return observationOf([[VBNotificationWatch alloc]
         initWithDistributedName:wakeNotification
-                         posted:[wake = std::move(wake)](NSNotification *) {
-                             const auto call = wake; // it may end the observation
-                             call();
-                         }]);
+                         posted:[wake = std::move(wake)](NSNotification *) { wake(); }]);
 }
 
 void MacSingleInstance::leave()

@@ -12,10 +12,7 @@ Observation MacSystemSleep::observeWaking(std::function<void()> woke)
     return observationOf([[VBNotificationWatch alloc]
         initWithCenter:NSWorkspace.sharedWorkspace.notificationCenter
                   name:NSWorkspaceDidWakeNotification
-                posted:[woke = std::move(woke)](NSNotification *) {
-                    const auto call = woke; // it may end the watch
-                    call();
-                }]);
+                posted:[woke = std::move(woke)](NSNotification *) { woke(); }]);
 }
 
 } // namespace velbrix

@@ -99,7 +99,7 @@ void IconWatch::findWindows()
         const auto isClient = [client](const auto &window) { return window->id() == client; };
         if (_others.contains(client) || std::ranges::any_of(_windows, isClient))
             continue;
-        if (isOfType(_connection, client, "_NET_WM_WINDOW_TYPE_DESKTOP"))
+        if (isOfType(_connection, client, {"_NET_WM_WINDOW_TYPE_DESKTOP"}))
             _windows.push_back(std::make_unique<IconWindow>(_connection, client));
         else
             _others.insert(client);

@@ -135,8 +135,7 @@ std::optional<CoveringWindow> ScreenCover::readClient(xcb_window_t window)
     if (!topLevel || !topLevel->isViewable || isPutAway(_connection, window))
         return std::nullopt;
     const XProperty state = _connection.property(window, "_NET_WM_STATE");
-    if (isOfType(_connection, window, "_NET_WM_WINDOW_TYPE_DESKTOP") ||
-        isOfType(_connection, window, "_NET_WM_WINDOW_TYPE_DOCK") ||
+    if (isOfType(_connection, window, {"_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"}) ||
         state.holds(_connection.atom("_NET_WM_STATE_BELOW")) || isOwn(_connection, window))
         return std::nullopt;
     constexpr std::uint32_t opaque = 0xffffffff;
