@@ -59,6 +59,11 @@ QString resolvedPath(const QString &path)
     return found.isEmpty() ? QDir::cleanPath(path) : found;
 }
 
+QString shortenedPath(const QString &path, const QString &home)
+{
+    return home.size() > 1 && isWithin(path, home) ? u'~' + path.sliced(home.size()) : path;
+}
+
 std::pair<QByteArray, QByteArray> splitPath(const QByteArray &path)
 {
     const qsizetype slash = path.lastIndexOf('/');

@@ -25,6 +25,10 @@ QByteArray canonicalPath(const QByteArray &path);
 // The same, and the path itself, cleaned, when nothing is there.
 QString resolvedPath(const QString &path);
 
+// As people write it: "~/Desktop" for what lies in the home folder, which is an
+// absolute path of its own.
+QString shortenedPath(const QString &path, const QString &home);
+
 // "/a/b" → "/a" and "b".
 std::pair<QByteArray, QByteArray> splitPath(const QByteArray &path);
 

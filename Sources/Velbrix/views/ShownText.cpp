@@ -30,9 +30,7 @@ QString shownName(const QString &name)
 
 QString shownPath(const QString &path)
 {
-    const QString home = QDir::homePath();
-    const bool isInHome = home.size() > 1 && isWithin(path, home);
-    return QDir::toNativeSeparators(isInHome ? u'~' + path.sliced(home.size()) : path);
+    return shortenedPath(path, QDir::homePath());
 }
 
 QString plainTip(const QString &text)

@@ -18,15 +18,9 @@ struct Place {
     QStringList owners = {};
 };
 
-// As people write it.
-QString shown(const QString &path, const QString &home)
-{
-    return isInside(path, home) ? u'~' + path.mid(home.size()) : path;
-}
-
 CleanupRule ruleOf(const QString &home, const Place &place)
 {
-    const QString description = shown(place.path, home) + u" — "_s + place.purpose;
+    const QString description = shortenedPath(place.path, home) + u" — "_s + place.purpose;
     return {{place.id, place.name, place.icon, description, true, u"计算中…"_s, {}},
             place.group,
             {place.id, place.name, place.path, {}, false},
