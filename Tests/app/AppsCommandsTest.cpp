@@ -108,6 +108,7 @@ private Q_SLOTS:
         QCOMPARE(rig.said(u"apps uninstall --yes "_s + path),
                  u"1 失败：没有权限\n  %1：没有权限"_s.arg(path));
         QCOMPARE(rig.reply.data.value("uninstalled"_L1), false);
+        rig.message.clear();
         rig.scanner->uninstall(rig.reviewOf(u"Zed"_s));
         QCOMPARE(rig.said(u"apps uninstall Zed --yes"_s), u"1 另一个卸载或放回操作正在进行"_s);
         rig.ending();
