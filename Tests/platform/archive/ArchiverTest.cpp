@@ -62,11 +62,13 @@ private Q_SLOTS:
         QCOMPARE(rig.in(u"ls -A out"_s), "");
         QVERIFY(!rig.extract(u"a"_s, u"nowhere"_s).isEmpty());
         QCOMPARE(rig.extract(u"a"_s, u"out"_s), QString());
-        const QByteArray unpacked = rig.tree(u"out"_s);
+        const QString look =
+            u"cd out; find . -mindepth 1 -type d -printf '%p\\n' -o -printf '%p %Ts %s\\n' | sort"_s;
+        const QByteArray unpacked = rig.in(look);
         if (host == u"zip") // the fake packs nothing, and unzip gives links no time
             QCOMPARE(rig.tree(u"out/s"_s), rig.tree(u"s"_s));
         QVERIFY(!rig.extract(u"a"_s, u"out"_s).isEmpty()); // nothing is replaced
-        QCOMPARE(rig.tree(u"out"_s), unpacked);
+        QCOMPARE(rig.in(look), unpacked);
 
         QCOMPARE(rig.create(u"s"_s, u"b"_s, {u"*.tmp"_s}).exitStatus, 0);
         if (host != u"fake")
