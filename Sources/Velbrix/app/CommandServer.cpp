@@ -89,7 +89,7 @@ ParsedCommand parsedCommandFromJson(const QJsonObject &json)
 {
     ParsedCommand command;
     command.words = json.value(u"words"_s).toString();
-    for (const QJsonValue &argument : json.value(u"arguments"_s).toArray())
+    for (const auto &argument : json.value(u"arguments"_s).toArray())
         command.arguments.append(argument.toString());
     const QJsonObject options = json.value(u"options"_s).toObject();
     for (auto option = options.begin(); option != options.end(); ++option)

@@ -91,7 +91,7 @@ QStringList UnfinishedRecordings::stored() const
 {
     QStringList paths;
     const QJsonArray array = _settings.json(key).value_or(QJsonValue()).toArray();
-    for (const QJsonValue &value : array) {
+    for (const auto &value : array) {
         if (value.isString() && !paths.contains(value.toString()))
             paths.append(value.toString());
     }

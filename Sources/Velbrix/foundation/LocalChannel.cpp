@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
-constexpr qint64 longestRequest = 64 * 1024; // bytes; room for many long paths
+constexpr qint64 longestRequest = 64LL * 1024; // bytes; room for many long paths
 // A client that says nothing must not hold a connection for ever.
 constexpr auto requestLimit = 5s;
 // While a request is worked on the client hears something this often, and
@@ -25,7 +25,7 @@ constexpr auto requestLimit = 5s;
 constexpr auto progressInterval = 3s;
 constexpr auto longestSilence = 20s;
 // A client that does not read what it is told is told no more.
-constexpr qint64 mostUnread = 64 * 1024;
+constexpr qint64 mostUnread = 64LL * 1024;
 
 const QString progressKey = u"progress"_s; // the only key of a line that is not the answer
 

@@ -222,7 +222,7 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
     if (matching.size() > 1)
         co_return CommandReply::refusal(
             u"有多个应用符合「%1」，请用标识或路径指定：\n%2"_s.arg(name, linesOf(matching)));
-    const AppInfo app = matching.first();
+    const AppInfo &app = matching.first();
     const UninstallReview review = co_await scanner.reviewOf(app, *mode);
     if (isDryRun)
         co_return CommandReply{exitcode::done, textOf(review), {{u"review"_s, toJson(review)}}};

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr qint64 patienceSecs = 3 * 24 * 3600; // a disk may be away over a weekend
+constexpr qint64 patienceSecs = 3LL * 24 * 3600; // a disk may be away over a weekend
 
 UserNotification notification(const BackupTask &task, const QString &title, const QString &body)
 {

@@ -30,7 +30,7 @@ QDateTime inZoneOf(const QDateTime &reference, QDate date, QTime time)
 QDateTime firstInstant(const QDateTime &zone, QDate date, QTime time)
 {
     for (int gap = 0; gap <= longestGapMinutes; ++gap) {
-        const QDateTime wall = QDateTime(date, time, Qt::UTC).addSecs(gap * 60);
+        const QDateTime wall = QDateTime(date, time, Qt::UTC).addSecs(gap * 60LL);
         const QDateTime instant = inZoneOf(zone, wall.date(), wall.time());
         if (!shows(instant, wall.date(), wall.time()))
             continue;
