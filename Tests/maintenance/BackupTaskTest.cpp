@@ -36,18 +36,7 @@ QJsonObject with(const QString &member, const QJsonValue &value)
     return json;
 }
 
-BackupScheduleTime daily(int hour, int minute)
-{
-    return {BackupScheduleKind::daily, hour, minute};
-}
-BackupScheduleTime monthly(int day, int hour, int minute)
-{
-    return {BackupScheduleKind::monthly, hour, minute, day};
-}
-BackupScheduleTime yearly(int month, int day, int hour, int minute)
-{
-    return {BackupScheduleKind::yearly, hour, minute, day, month};
-}
+using enum BackupScheduleKind;
 
 } // namespace
 
@@ -60,8 +49,10 @@ private Q_SLOTS:
         // As an older program wrote it.
         BackupTask task = *backupTaskFromJson(storedTask());
         QCOMPARE(task.nextRunAt.toUTC(), QDateTime(QDate(2001, 1, 1), QTime(0, 0, 0, 500), Qt::UTC));
-        QCOMPARE(task.schedule, monthly(31, 7, 30));
+        QCOMPARE(task.schedule, (BackupScheduleTime{monthly, 7, 30, 31}));
         QVERIFY(task.setsAside && task.keepLast == 0 && !task.lastRunAt);
+        QVERIFY(backupTaskFromJson(with(u"lastResult"_s, u"✓ 压缩完成 · 1 KB"_s))->hasSucceeded());
+        QVERIFY(!backupTaskFromJson(with(u"lastResult"_s, u"已取消"_s))->hasSucceeded());
         task.kind = BackupTaskKind::sync;
         task.lastRunAt = QDateTime(QDate(2026, 3, 1), QTime(9, 0, 0, 123));
         task.lastResult = u"✓ 同步完成 · 3 个文件"_s;
@@ -76,30 +67,26 @@ private Q_SLOTS:
         QCOMPARE(toJson(*backupTaskFromJson(storedTask())).value(u"nextRunAt"_s), QJsonValue(0.5));
     }
 
-    void anOlderResultIsJudgedByItsWords()
-    {
-        QVERIFY(backupTaskFromJson(with(u"lastResult"_s, u"✓ 压缩完成 · 1 KB"_s))->hasSucceeded());
-        QVERIFY(!backupTaskFromJson(with(u"lastResult"_s, u"已取消"_s))->hasSucceeded());
-    }
-
     void editedByHand()
     {
-        const std::initializer_list<std::pair<QString, QJsonValue>> bad = {
-            {u"id"_s, QString()},     {u"id"_s, 4},        {u"sourcePath"_s, {}},
-            {u"kind"_s, u"mirror"_s}, {u"schedule"_s, {}}, {u"isEnabled"_s, u"yes"_s}};
-        for (const auto &[member, value] : bad)
-            QVERIFY2(!backupTaskFromJson(with(member, value)), qPrintable(member));
-        const std::initializer_list<std::pair<QString, QJsonValue>> odd = {
-            {u"name"_s, {}},
-            {u"nextRunAt"_s, u"2026-03-01T09:00:00Z"_s},
-            {u"nextRunAt"_s, u"tomorrow"_s},
-            {u"nextRunAt"_s, 1e300}};
-        for (const auto &[member, value] : odd)
-            QVERIFY2(backupTaskFromJson(with(member, value)), qPrintable(member));
+        const std::tuple<QString, QJsonValue, bool> rows[] = {
+            {u"id"_s, QString(), false},
+            {u"id"_s, 4, false},
+            {u"sourcePath"_s, {}, false},
+            {u"kind"_s, u"mirror"_s, false},
+            {u"schedule"_s, {}, false},
+            {u"isEnabled"_s, u"yes"_s, false},
+            {u"name"_s, {}, true},
+            {u"nextRunAt"_s, u"2026-03-01T09:00:00Z"_s, true},
+            {u"nextRunAt"_s, u"tomorrow"_s, true},
+            {u"nextRunAt"_s, 1e300, true}};
+        for (const auto &[member, value, isTask] : rows)
+            QVERIFY2(backupTaskFromJson(with(member, value)).has_value() == isTask, qPrintable(member));
         QVERIFY(backupTaskFromJson(with(u"keepLast"_s, -1e18))->keepLast >= 0);
         const QJsonObject schedule =
             parsed(R"({"kind": "yearly", "hour": 99, "minute": -1, "dayOfMonth": 1e9, "month": 0})");
-        QCOMPARE(backupTaskFromJson(with(u"schedule"_s, schedule))->schedule, yearly(1, 31, 23, 0));
+        QCOMPARE(backupTaskFromJson(with(u"schedule"_s, schedule))->schedule,
+                 (BackupScheduleTime{yearly, 23, 0, 31, 1}));
     }
 
     void whatIsNoTaskIsKeptAside()
@@ -150,26 +137,26 @@ private Q_SLOTS:
             const QByteArray text = result.toString(u"yyyy-MM-dd HH:mm:ss"_s).toLatin1();
             QVERIFY2(text == next, name + (": " + text));
         };
-        row("later today", daily(9, 0), "2026-06-01 08:59:59", "2026-06-01 09:00:00");
-        row("saved at 09:00:30", daily(9, 0), "2026-06-01 09:00:30", "2026-06-02 09:00:00");
-        row("exactly then", daily(9, 0), "2026-06-01 09:00:00", "2026-06-02 09:00:00");
-        row("over the year's end", daily(0, 0), "2026-12-31 00:00:01", "2027-01-01 00:00:00");
-        row("day 31 is the 28th", monthly(31, 9, 0), "2026-01-29 12:00:00", "2026-02-28 09:00:00");
-        row("this month", monthly(15, 9, 0), "2026-04-15 08:00:00", "2026-04-15 09:00:00");
-        row("December rolls over", monthly(28, 9, 0), "2026-12-28 10:00:00", "2027-01-28 09:00:00");
-        row("this year", yearly(3, 1, 9, 0), "2026-02-01 00:00:00", "2026-03-01 09:00:00");
-        row("next year", yearly(3, 1, 9, 0), "2026-03-01 09:00:00", "2027-03-01 09:00:00");
-        row("29 February", yearly(2, 29, 9, 0), "2028-02-29 00:00:00", "2029-02-28 09:00:00");
-        row("the gap", daily(2, 30), "2026-03-28 12:00:00", "2026-03-29 03:00:00");
-        row("after the gap", daily(2, 30), "2026-03-29 03:00:00", "2026-03-30 02:30:00");
-        row("through the gap", daily(9, 0), "2026-03-28 09:00:00", "2026-03-29 09:00:00");
+        row("later today", {daily, 9, 0}, "2026-06-01 08:59:59", "2026-06-01 09:00:00");
+        row("saved at 09:00:30", {daily, 9, 0}, "2026-06-01 09:00:30", "2026-06-02 09:00:00");
+        row("exactly then", {daily, 9, 0}, "2026-06-01 09:00:00", "2026-06-02 09:00:00");
+        row("over the year's end", {daily, 0, 0}, "2026-12-31 00:00:01", "2027-01-01 00:00:00");
+        row("day 31 is the 28th", {monthly, 9, 0, 31}, "2026-01-29 12:00:00", "2026-02-28 09:00:00");
+        row("this month", {monthly, 9, 0, 15}, "2026-04-15 08:00:00", "2026-04-15 09:00:00");
+        row("December rolls over", {monthly, 9, 0, 28}, "2026-12-28 10:00:00", "2027-01-28 09:00:00");
+        row("this year", {yearly, 9, 0, 1, 3}, "2026-02-01 00:00:00", "2026-03-01 09:00:00");
+        row("next year", {yearly, 9, 0, 1, 3}, "2026-03-01 09:00:00", "2027-03-01 09:00:00");
+        row("29 February", {yearly, 9, 0, 29, 2}, "2028-02-29 00:00:00", "2029-02-28 09:00:00");
+        row("the gap", {daily, 2, 30}, "2026-03-28 12:00:00", "2026-03-29 03:00:00");
+        row("after the gap", {daily, 2, 30}, "2026-03-29 03:00:00", "2026-03-30 02:30:00");
+        row("through the gap", {daily, 9, 0}, "2026-03-28 09:00:00", "2026-03-29 09:00:00");
     }
     void anHourThatComesTwiceRunsOnce()
     {
         // 02:30 comes at 00:30 and at 01:30 UTC.
         const QDateTime first(QDate(2026, 10, 25), QTime(0, 30), Qt::UTC);
         const auto next = [](const QDateTime &after) {
-            return nextRun(daily(2, 30), after.toTimeZone(berlin)).toUTC();
+            return nextRun({daily, 2, 30}, after.toTimeZone(berlin)).toUTC();
         };
         QCOMPARE(next(first.addSecs(-12 * 3600)), first);
         for (const int minutes : {1, 50})
@@ -179,18 +166,13 @@ private Q_SLOTS:
     void tellsATimeFromAWrongClock()
     {
         const QDateTime now(QDate(2026, 3, 1), QTime(9, 0));
-        QVERIFY(!isTooFarAhead(daily(9, 0), nextRun(daily(9, 0), now), now));
-        QVERIFY(isTooFarAhead(daily(9, 0), now.addDays(1).addSecs(1), now));
-        QVERIFY(!isTooFarAhead(yearly(2, 28, 9, 0), nextRun(yearly(2, 28, 9, 0), now), now));
-        QVERIFY(isTooFarAhead(monthly(1, 9, 0), now.addMonths(2), now));
+        QVERIFY(!isTooFarAhead({daily, 9, 0}, nextRun({daily, 9, 0}, now), now));
+        QVERIFY(isTooFarAhead({daily, 9, 0}, now.addDays(1).addSecs(1), now));
+        QVERIFY(!isTooFarAhead({yearly, 9, 0, 28, 2}, nextRun({yearly, 9, 0, 28, 2}, now), now));
+        QVERIFY(isTooFarAhead({monthly, 9, 0, 1}, now.addMonths(2), now));
     }
 
-    void saysTheScheduleInWords()
-    {
-        QCOMPARE(scheduleText(daily(9, 0)), u"每天 09:00"_s);
-        QCOMPARE(scheduleText(monthly(31, 9, 5)), u"每月 28 日 09:05"_s);
-        QCOMPARE(scheduleText(yearly(3, 1, 9, 0)), u"每年 3 月 1 日 09:00"_s);
-    }
+    void saysTheScheduleInWords() { QCOMPARE(scheduleText({monthly, 9, 5, 31}), u"每月 28 日 09:05"_s); }
 
     void knowsItsOwnNamesOnly()
     {
@@ -254,21 +236,19 @@ private Q_SLOTS:
     void tasksMustNotWriteOverEachOther()
     {
         BackupTask one;
-        one.id = u"1"_s;
-        one.name = u"A"_s;
+        one.id = one.name = u"A"_s;
         one.kind = BackupTaskKind::sync;
         one.destPath = u"/d"_s;
+        QVERIFY(!backupConflict(one, {one}));
         BackupTask other = one;
-        QVERIFY(!backupConflict(other, {one}));
-        other.id = u"2"_s;
+        other.id = u"B"_s;
         QVERIFY(backupConflict(other, {one}));
         other.kind = BackupTaskKind::backup;
         QVERIFY(!backupConflict(other, {one}));
-        other.destPath = u"/d/A_同步/archives"_s;
-        QVERIFY(backupConflict(other, {one}));
-        QVERIFY(backupConflict(one, {other}));
-        other.destPath = u"/d/A_同步_旧文件/20260301_090000"_s;
-        QVERIFY(backupConflict(other, {one}));
+        for (const QString &inside : {u"/d/A_同步/archives"_s, u"/d/A_同步_旧文件/20260301_090000"_s}) {
+            other.destPath = inside;
+            QVERIFY(backupConflict(other, {one}) && backupConflict(one, {other}));
+        }
     }
 
     void tasksMustNotCopyEachOthersCopies()

@@ -87,15 +87,6 @@ private Q_SLOTS:
         }
     }
 
-    void tellsWhenItCannotBeWritten()
-    {
-        Rig rig;
-        writeFile(rig.folder.filePath(u"own"_s));
-        UninstallJournal journal(rig.file);
-        QVERIFY(!QCoro::waitFor(journal.put(rig.record(u"1"_s))));
-        QCOMPARE(journal.records().size(), 1);
-    }
-
     void anyFileIsReadOrKept()
     {
         Rig rig;
