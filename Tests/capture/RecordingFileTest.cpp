@@ -19,8 +19,6 @@ private Q_SLOTS:
         verify(good, 10'000, false, u"不可播放 playable=true duration=5.004 size=10000 mode=manual"_s);
         verify({true, 0.05, true, 0}, 50'000, false,
                u"不可播放 playable=true duration=0.050 size=50000 mode=manual"_s);
-        verify({false, 5, true, 0}, 50'000, false,
-               u"不可播放 playable=false duration=5.000 size=50000 mode=manual"_s);
     }
 
     void checksTheFolder()

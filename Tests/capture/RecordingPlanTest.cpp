@@ -21,7 +21,6 @@ private Q_SLOTS:
         row("5K, longer side 1080", fullScreen, p1080, fiveK, {1080, 608});
         const QSize full{1920, 1080};
         const CaptureGeometry hd{full, 1, full};
-        row("HD original", fullScreen, original, hd, full);
         row("HD half", fullScreen, half, hd, {960, 540});
         row("upright 1080", fullScreen, p1080, {{1080, 1920}, 1, {1080, 1920}}, {608, 1080});
         row("small stays under 1080", fullScreen, p1080, {{1024, 768}, 1, {1024, 768}}, {1024, 768});
@@ -46,7 +45,6 @@ private Q_SLOTS:
     void bitRates()
     {
         using enum RecordQuality;
-        QCOMPARE(videoBitRate(original, {1920, 1080}), 10'368'000);
         QCOMPARE(videoBitRate(half, {1920, 1080}), 8'294'400);
         // The least, the most, and the most of what is not the original.
         QCOMPARE(videoBitRate(original, {640, 480}), 4'000'000);

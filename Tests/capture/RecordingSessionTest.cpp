@@ -19,17 +19,13 @@ struct Rig : ServicesRig {
             window(7, u"Editor"_s), window(8, u"Mine"_s, QCoreApplication::applicationPid())};
         preferences.setOutputDir(folder.path());
         preferences.setRecordSystemAudio(false);
-        recorder.access().checkPermission();
-        settle();
     }
 
-    QStringList linesSince(const QString &marker)
+    QStringList lines() const { return recorder.log().logLines(); }
+    QStringList linesSinceItRuns() const
     {
-        const QStringList lines = recorder.log().logLines();
-        return lines.mid(lines.lastIndexOf(marker) + 1);
+        return lines().mid(lines().lastIndexOf(u"✅ startCapture 成功"_s) + 1);
     }
-    // Without the line of options.
-    QStringList movieLines() { return linesSince(u"====== 开始录制 ======"_s).mid(1); }
     void start(int frames = 0)
     {
         state->calls.clear();
@@ -68,9 +64,11 @@ private Q_SLOTS:
         rig.start();
         QVERIFY(rig.recorder.isRecording());
         QCOMPARE(
-            rig.movieLines(),
-            (QStringList{u"[1/6] 获取可共享内容…"_s, u"[1/6] ✅ 显示器:1 窗口:2"_s,
-                         u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
+            rig.lines(),
+            (QStringList{u"已恢复上次录制配置"_s, u"====== 开始录制 ======"_s,
+                         u"模式=全屏录制 fps=60 画质=原画 忽略本应用窗口=true 系统音频=true 麦克风=true"_s,
+                         u"✅ 屏幕权限已授予（CGPreflight=true）"_s, u"[1/6] 获取可共享内容…"_s,
+                         u"[1/6] ✅ 显示器:1 窗口:2"_s, u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
                          u"[3/6] 捕获像素 1920x1080 原画 60fps 系统音频=true 麦克风=true"_s,
                          u"[4/6] ✅ 捕获流已创建 queueDepth=5"_s,
                          u"写入器就绪 1920x1080 sysAudio=true mic=true"_s,
@@ -109,13 +107,11 @@ private Q_SLOTS:
         rig.recorder.windows().select(u"7"_s);
         rig.start();
         QVERIFY(rig.recorder.isRecording());
-        QVERIFY(rig.movieLines().contains(u"[2/6] ✅ 窗口 Editor"_s));
-        QVERIFY(rig.movieLines().contains(
-            u"[3/6] 捕获像素 400x300 二分之一 30fps 系统音频=false 麦克风=false"_s));
+        QVERIFY(rig.lines().contains(u"[2/6] ✅ 窗口 Editor"_s));
+        QVERIFY(rig.lines().contains(u"[3/6] 捕获像素 400x300 二分之一 30fps 系统音频=false 麦克风=false"_s));
         QCOMPARE(rig.state->filter.windowId, std::optional<quint32>(7));
         QCOMPARE(rig.state->configuration.queueDepth, 3);
         QCOMPARE(rig.state->movie->keyFrameInterval, 30);
-        QCOMPARE(rig.state->movie->videoBitRate, 4'000'000);
     }
 
     void stopsAndValidates()
@@ -128,7 +124,7 @@ private Q_SLOTS:
         QCOMPARE(live.elapsedSeconds(), 2);
         rig.stop();
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-        QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
+        QCOMPARE(rig.linesSinceItRuns(),
                  (QStringList{u"停止录制 mode=manual 视频帧=120 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
                               u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s}));
         QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
@@ -139,12 +135,15 @@ private Q_SLOTS:
         QCOMPARE(rig.clock.pendingCount(), standingAlarms);
     }
 
-    void aSecondStopIsIgnored()
+    void aStopFollowsTheStartAndASecondOneIsIgnored()
     {
         Rig rig;
-        rig.state->stopDelay = 100ms;
-        rig.start(1);
+        rig.state->startDelay = rig.state->stopDelay = 100ms;
+        rig.start();
         rig.stop();
+        QVERIFY(!rig.state->calls.contains(u"stopCapture"_s));
+        rig.clock.advance(100ms);
+        QVERIFY(rig.state->calls.contains(u"stopCapture"_s));
         rig.stop();
         QVERIFY(rig.recorder.isRecording());
         rig.clock.advance(1s);
@@ -152,27 +151,13 @@ private Q_SLOTS:
         QCOMPARE(rig.state->calls.filter(u"stopCapture"_s).size(), 1);
     }
 
-    void aStopDuringTheStartFollowsIt()
-    {
-        Rig rig;
-        rig.state->startDelay = 100ms;
-        rig.start();
-        rig.recorder.stop();
-        QVERIFY(!rig.state->calls.contains(u"stopCapture"_s));
-        rig.clock.advance(100ms);
-        QVERIFY(rig.state->calls.contains(u"stopCapture"_s));
-        QVERIFY(!rig.recorder.isRecording());
-    }
-
     void theSystemWritesTheMovieWhereItCan()
     {
-        const struct {
-            bool hasSound, fallsBack;
-            QString line;
-        } rows[] = {{false, false, u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s},
-                    {true, false, u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s},
-                    {false, true, u"[5/6] SCRecordingOutput 失败，回退手动:不支持"_s},
-                    {true, true, u"[5/6] 带音频的系统直写失败，回退手动:不支持"_s}};
+        const std::tuple<bool, bool, QString> rows[] = {
+            {false, false, u"[5/6] ✅ 模式=SCRecordingOutput（无音频直写）"_s},
+            {true, false, u"[5/6] ✅ 模式=SCRecordingOutput + 音频配置"_s},
+            {false, true, u"[5/6] SCRecordingOutput 失败，回退手动:不支持"_s},
+            {true, true, u"[5/6] 带音频的系统直写失败，回退手动:不支持"_s}};
         for (const auto &[hasSound, fallsBack, line] : rows) {
             Rig rig;
             rig.host.screenCapture.featuresAnswer.recordingOutput = true;
@@ -181,8 +166,8 @@ private Q_SLOTS:
                 rig.state->addRecordingOutputAnswer = failure(u"不支持"_s);
             rig.start();
             QVERIFY(rig.recorder.isRecording());
-            QVERIFY2(rig.movieLines().contains(line), qPrintable(line));
-            QCOMPARE(rig.movieLines().contains(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s), fallsBack);
+            QVERIFY2(rig.lines().contains(line), qPrintable(line));
+            QCOMPARE(rig.lines().contains(u"[5/6] ✅ 模式=手动 AVAssetWriter"_s), fallsBack);
             QCOMPARE(rig.state->movie.has_value(), fallsBack);
         }
     }
@@ -197,7 +182,7 @@ private Q_SLOTS:
         rig.stop();
         QVERIFY(!rig.state->calls.contains(u"removeRecordingOutput"_s));
         rig.clock.advance(200ms);
-        QCOMPARE(rig.linesSince(u"✅ startCapture 成功"_s),
+        QCOMPARE(rig.linesSinceItRuns(),
                  (QStringList{u"✅ SCRecordingOutput 开始写文件"_s, u"❌ SCRecordingOutput 失败:磁盘"_s,
                               u"停止录制 mode=system 视频帧=0 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
                               u"removeRecordingOutput 完成（stop 之后）"_s, u"❌ 系统录制失败:磁盘"_s,
@@ -221,7 +206,7 @@ private Q_SLOTS:
             fails(rig);
             rig.start();
             QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-            QCOMPARE(rig.recorder.log().logLines().last(), u"❌ 没有找到显示器"_s);
+            QCOMPARE(rig.lines().last(), u"❌ 没有找到显示器"_s);
             QVERIFY(!QFile::exists(rig.path));
             QVERIFY(!rig.services->settings.contains(u"Velbrix_ScreenRecord_unfinishedFiles"_s));
 
@@ -239,31 +224,28 @@ private Q_SLOTS:
 
     void tracksAndSystemsThatDoNotHear()
     {
-        Rig rig;
-        rig.preferences.setRecordSystemAudio(true);
-        rig.preferences.setRecordMicrophone(true);
-        rig.state->openWriterAnswer = MovieTracks{};
-        rig.start();
-        QVERIFY(rig.recorder.isRecording());
-        QVERIFY(rig.movieLines().contains(u"无法添加系统音频轨"_s));
-        QVERIFY(
-            rig.movieLines().contains(u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s));
-
-        Rig deaf;
-        deaf.preferences.setRecordSystemAudio(true);
-        deaf.state->addOutputAnswers[CaptureOutput::systemAudio] = failure(u"没有音轨"_s);
-        deaf.start();
-        QVERIFY(deaf.recorder.isRecording());
-        QVERIFY(deaf.movieLines().contains(u"⚠️ 无法挂载系统音频 output:没有音轨"_s));
-
-        Rig old;
-        old.host.screenCapture.featuresAnswer.microphone = false;
-        old.preferences.setRecordMicrophone(true);
-        old.start();
-        QVERIFY(old.recorder.isRecording());
-        QVERIFY(old.movieLines().contains(u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s));
-        QVERIFY(!old.state->configuration.capturesMicrophone);
-        QVERIFY(!old.state->movie->microphone);
+        using Arrange = void (*)(Rig &);
+        const std::pair<Arrange, QStringList> rows[] = {
+            {[](Rig &r) { r.state->openWriterAnswer = MovieTracks{}; },
+             {u"无法添加系统音频轨"_s,
+              u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s}},
+            {[](Rig &r) { r.state->addOutputAnswers[CaptureOutput::systemAudio] = failure(u"没有音轨"_s); },
+             {u"⚠️ 无法挂载系统音频 output:没有音轨"_s}},
+            {[](Rig &r) { r.host.screenCapture.featuresAnswer.microphone = false; },
+             {u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s}}};
+        for (const auto &[cannot, lines] : rows) {
+            Rig rig;
+            rig.preferences.setRecordSystemAudio(true);
+            rig.preferences.setRecordMicrophone(true);
+            cannot(rig);
+            rig.start();
+            QVERIFY(rig.recorder.isRecording());
+            for (const QString &line : lines)
+                QVERIFY2(rig.lines().contains(line), qPrintable(line));
+            const bool canHear = rig.host.screenCapture.featuresAnswer.microphone;
+            QCOMPARE(rig.state->configuration.capturesMicrophone, canHear);
+            QCOMPARE(rig.state->movie->microphone, canHear);
+        }
     }
 
     void aStreamThatEndsByItselfKeepsItsMovie()
@@ -275,9 +257,9 @@ private Q_SLOTS:
         rig.host.screenCapture.session()->observer.streamStopped(Failure{u"窗口已关闭"_s});
         settle();
         QVERIFY(!rig.recorder.isRecording());
-        const QStringList lines = rig.linesSince(u"✅ startCapture 成功"_s);
-        QCOMPARE(lines.first(2), (QStringList{u"⚠️ 麦克风已断开"_s, u"❌ 流异常停止:窗口已关闭"_s}));
-        QVERIFY(lines.contains(u"stopCapture 警告:已断开"_s));
+        QCOMPARE(rig.linesSinceItRuns().first(2),
+                 (QStringList{u"⚠️ 麦克风已断开"_s, u"❌ 流异常停止:窗口已关闭"_s}));
+        QVERIFY(rig.lines().contains(u"stopCapture 警告:已断开"_s));
         QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
     }
 
@@ -309,14 +291,9 @@ private Q_SLOTS:
             rig.host.movieFiles.facts = facts;
             rig.stop();
             QVERIFY(!rig.recorder.isRecording());
-            QCOMPARE(rig.recorder.log().logLines().last(lines.size()), lines);
+            QCOMPARE(rig.lines().last(lines.size()), lines);
             QCOMPARE(QFile::exists(rig.path), isKept);
         }
-        Rig rig;
-        rig.start(3);
-        QFile::remove(rig.path);
-        rig.stop();
-        QCOMPARE(rig.recorder.log().logLines().last(), gone);
     }
 
     void theValidationWaitsThreeSeconds()
@@ -329,7 +306,7 @@ private Q_SLOTS:
         QVERIFY(rig.recorder.isRecording());
         rig.clock.advance(1ms);
         QVERIFY(!rig.recorder.isRecording());
-        QVERIFY(rig.recorder.log().logLines().last(2).first().startsWith(u"❌ 不可播放 playable=false"_s));
+        QVERIFY(rig.lines().last(2).first().startsWith(u"❌ 不可播放 playable=false"_s));
         rig.clock.advance(2h); // the late answer harms nobody
     }
 

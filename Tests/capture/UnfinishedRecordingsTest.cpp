@@ -34,24 +34,17 @@ private Q_SLOTS:
         QVERIFY(!rig.services->settings.contains(key));
     }
 
-    void findsWhatACrashLeft()
+    void findsWhatACrashLeftAndRepairsIt()
     {
         ServicesRig rig;
         const QString away = u"/nonexistent/disk/录制.mp4"_s;
         rig.host.settings.stored = {{key, QJsonArray{movie, movie, folder.filePath(u"gone.mp4"_s), 7, away}}};
-        rig.make();
-        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie, away})));
-        QCOMPARE(rig.services->recorder.unfinished().leftovers(), QStringList{movie});
-        QCOMPARE(rig.services->recorder.log().logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
-    }
-
-    void repairsOrForgets()
-    {
-        ServicesRig rig;
-        rig.host.settings.stored = {{key, QJsonArray{movie}}};
         rig.host.movieFiles.repairAnswer = failure(u"不是电影"_s);
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
         const RecorderLog &log = rig.services->recorder.log();
+        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie, away})));
+        QCOMPARE(unfinished.leftovers(), QStringList{movie});
+        QCOMPARE(log.logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
         unfinished.repair(folder.filePath(u"other.mp4"_s)); // nobody's leftover
         unfinished.repair(movie);
         settle();
