@@ -78,7 +78,10 @@ private Q_SLOTS:
         WallpaperRig rig;
         rig.host.power.battery = true;
         rig.host.settings.stored.insert(u"VelbClean_LastVideoPath"_s, rig.video(u"a.mp4"_s));
-        rig.wallpaper().autoRestoreOnLaunch();
+        rig.wallpaper();
+        rig.logged();
+        rig.wallpaper().resumeWallpaper();
+        QCOMPARE(rig.logged(), QStringList{u"resume blocked: on battery"_s});
         QVERIFY(!rig.wallpaper().isShowing());
         rig.host.power.set(false);
         QVERIFY(rig.wallpaper().isShowing());
