@@ -3,7 +3,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 
 class HotkeyChordTest : public QObject {
     Q_OBJECT

@@ -3,8 +3,6 @@
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QCoroTask>
-
 #include <csignal>
 
 namespace {
@@ -26,6 +24,36 @@ class ProcessRunnerTest : public QObject {
     ProcessRunner runner{clock};
 
     Result<ProcessOutcome> run(const ProcessRequest &what) { return QCoro::waitFor(runner.run(what)); }
+    void endsTheWholeGroup(const QString &before, bool byTimeout)
+    {
+        // The grandchild holds the pipe: only its death ends the run.
+        ProcessRequest shell = request(u"/bin/sh"_s, {u"-c"_s, before + u"sleep 100 & echo $!; wait"_s});
+        shell.timeout = 5s;
+        QByteArray child;
+        shell.onOutput = [&](const QByteArray &piece) { child += piece; };
+        std::optional<Result<ProcessOutcome>> answer;
+        runner.run(shell).then([&](Result<ProcessOutcome> outcome) { answer = std::move(outcome); });
+        QTRY_VERIFY(child.endsWith('\n'));
+        const pid_t pid = child.trimmed().toInt();
+        QVERIFY(pid > 0);
+        if (byTimeout)
+            clock.advance(5s);
+        else
+            shell.cancellation.cancel();
+        if (!before.isEmpty()) {
+            clock.advance(1999ms);
+            QTest::qWait(50);
+            QVERIFY(!answer && ::kill(pid, 0) == 0);
+            clock.advance(1ms);
+        }
+        QTRY_VERIFY(answer);
+        const ProcessOutcome outcome = answer->value();
+        QCOMPARE(outcome.timedOut, byTimeout);
+        QCOMPARE(outcome.cancelled, !byTimeout);
+        QVERIFY(outcome.crashed);
+        QTRY_VERIFY(::kill(pid, 0) != 0);
+        QCOMPARE(clock.pendingCount(), 0);
+    }
 
 private Q_SLOTS:
     void streamsAndKeepsOutput()
@@ -66,46 +94,9 @@ private Q_SLOTS:
         }
     }
 
-    void endsTheWholeGroup_data()
-    {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<bool>("byTimeout");
-        QTest::newRow("time-out") << u""_s << true;
-        QTest::newRow("cancel") << u""_s << false;
-        QTest::newRow("deaf") << u"trap '' TERM; "_s << false;
-    }
-    void endsTheWholeGroup()
-    {
-        QFETCH(QString, before);
-        QFETCH(bool, byTimeout);
-        // The grandchild holds the pipe: only its death ends the run.
-        ProcessRequest shell = request(u"/bin/sh"_s, {u"-c"_s, before + u"sleep 100 & echo $!; wait"_s});
-        shell.timeout = 5s;
-        QByteArray child;
-        shell.onOutput = [&](const QByteArray &piece) { child += piece; };
-        std::optional<Result<ProcessOutcome>> answer;
-        runner.run(shell).then([&](Result<ProcessOutcome> outcome) { answer = std::move(outcome); });
-        QTRY_VERIFY(child.endsWith('\n'));
-        const pid_t pid = child.trimmed().toInt();
-        QVERIFY(pid > 0);
-        if (byTimeout)
-            clock.advance(5s);
-        else
-            shell.cancellation.cancel();
-        if (!before.isEmpty()) {
-            clock.advance(1999ms);
-            QTest::qWait(50);
-            QVERIFY(!answer && ::kill(pid, 0) == 0);
-            clock.advance(1ms);
-        }
-        QTRY_VERIFY(answer);
-        const ProcessOutcome outcome = answer->value();
-        QCOMPARE(outcome.timedOut, byTimeout);
-        QCOMPARE(outcome.cancelled, !byTimeout);
-        QVERIFY(outcome.crashed);
-        QTRY_VERIFY(::kill(pid, 0) != 0);
-        QCOMPARE(clock.pendingCount(), 0);
-    }
+    void aTimeoutEndsTheWholeGroup() { endsTheWholeGroup({}, true); }
+    void aCancellationEndsTheWholeGroup() { endsTheWholeGroup({}, false); }
+    void whatIgnoresItIsKilled() { endsTheWholeGroup(u"trap '' TERM; "_s, false); }
 };
 
 QTEST_GUILESS_MAIN(ProcessRunnerTest)

@@ -9,13 +9,11 @@
 #include <QProcess>
 
 #include <atomic>
-#include <optional>
 #include <random>
 #include <thread>
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/time.h>
 #ifdef __linux__
 #include <sched.h>
 #include <sys/mount.h>
@@ -53,18 +51,9 @@ RemovalRules rules(QList<QByteArray> places = {})
 
 RemovalReport empty(const RemovalRoot &root)
 {
-    const Cancellation never;
     RemovalReport report;
     for (const QByteArray &entry : root.entries())
-        report.add(root.remove(entry, never));
-    return report;
-}
-
-RemovalReport done(qint64 bytes, qint64 files)
-{
-    RemovalReport report;
-    report.freedBytes = bytes;
-    report.removedFiles = files;
+        report.add(root.remove(entry, Cancellation()));
     return report;
 }
 
@@ -78,29 +67,28 @@ qint64 diskUsage(const QByteArray &path)
 
 // A disk of its own there, and the folder shown a second time; false where
 // this may not be done.
+#ifdef __linux__
 bool mountOver(const QByteArray &disk, const QByteArray &folder, const QByteArray &second)
 {
-#ifdef __linux__
     return ::mount("none", disk.constData(), "tmpfs", 0, "size=1m") == 0 &&
            ::mount(folder.constData(), second.constData(), nullptr, MS_BIND, nullptr) == 0;
-#else
-    return disk.isNull() && folder.isNull() && second.isNull();
-#endif
 }
-
 void unmount(const QByteArray &folder)
 {
-#ifdef __linux__
     ::umount2(folder.constData(), MNT_DETACH);
-#else
-    Q_UNUSED(folder);
-#endif
 }
+#else
+bool mountOver(const QByteArray &, const QByteArray &, const QByteArray &)
+{
+    return false;
+}
+void unmount(const QByteArray &) {}
+#endif
 
 void setAge(const QByteArray &path, qint64 modified)
 {
-    const timeval times[2] = {{.tv_sec = modified, .tv_usec = 0}, {.tv_sec = modified, .tv_usec = 0}};
-    ::lutimes(path.constData(), times);
+    const timespec times[] = {{.tv_sec = modified, .tv_nsec = 0}, {.tv_sec = modified, .tv_nsec = 0}};
+    ::utimensat(AT_FDCWD, path.constData(), times, AT_SYMLINK_NOFOLLOW);
 }
 
 qint64 changed(const QByteArray &path)
@@ -123,8 +111,6 @@ public:
     }
     ~TrappedTree()
     {
-        for (const int descriptor : std::as_const(_sockets))
-            ::close(descriptor);
         for (const QByteArray &mount : std::as_const(_mounts))
             unmount(mount);
     }
@@ -139,9 +125,9 @@ public:
         for (const QByteArray &path : tree::snapshot(_ground.root).keys()) {
             const QByteArray whole = _ground.root + '/' + path;
             const QByteArray entry = _ground.root + '/' + path.split('/').first();
-            const auto isInMount = [&](const QByteArray &mount) { return isWithin(whole, mount); };
+            const auto holds = [&](const QByteArray &mount) { return isWithin(whole, mount); };
             const auto isInEntry = [&](const QByteArray &place) { return isWithin(place, entry); };
-            const bool isKept = boundPaths.contains(whole) || std::ranges::any_of(_mounts, isInMount) ||
+            const bool isKept = boundPaths.contains(whole) || std::ranges::any_of(_mounts, holds) ||
                                 std::ranges::any_of(places, isInEntry);
             for (QByteArray above = whole; isKept && above != _ground.root; above = splitPath(above).first)
                 kept.insert(above.sliced(_ground.root.size() + 1));
@@ -172,7 +158,7 @@ private:
             break;
         case 's':
             if (path.size() < 100 && below(3) == 0) {
-                _sockets.append(tree::socket(path));
+                ::close(tree::socket(path));
                 boundPaths.insert(path);
             }
             break;
@@ -209,7 +195,6 @@ private:
     std::mt19937 _random;
     int _count = 0;
     QList<QByteArray> _mounts;
-    QList<int> _sockets;
 };
 
 } // namespace
@@ -250,8 +235,7 @@ private Q_SLOTS:
         QCOMPARE(root.entries(), (QList<QByteArray>{"a", "two"}));
         QCOMPARE(root.ownSize("two"), 1);
         QCOMPARE(root.ownSize("none"), 0);
-        const RemovalReport report = empty(root);
-        QCOMPARE(report, done(size, 3));
+        QCOMPARE(empty(root), (RemovalReport{size, 3, {}, 0}));
         QVERIFY(tree::snapshot(ground.root).isEmpty());
         QVERIFY(tree::exists(ground.root));
     }
@@ -263,7 +247,7 @@ private Q_SLOTS:
         const qint64 size = diskUsage(ground.root + "/one");
         ::link((ground.root + "/one").constData(), (ground.root + "/two").constData());
         ::link((ground.outside + "/kept").constData(), (ground.root + "/third").constData());
-        QCOMPARE(empty(RemovalRoot(ground.root, rules())), done(size, 3));
+        QCOMPARE(empty(RemovalRoot(ground.root, rules())), (RemovalReport{size, 3, {}, 0}));
     }
 
     void refusesRoots()
@@ -299,9 +283,8 @@ private Q_SLOTS:
         Ground ground;
         tree::file(ground.root + "/a/b");
         const auto before = tree::snapshot(ground.base);
-        const Cancellation never;
         for (const char *name : {"", ".", "..", "../outside", "a/b", "/etc"}) {
-            const RemovalReport report = RemovalRoot(ground.root, rules()).remove(name, never);
+            const RemovalReport report = RemovalRoot(ground.root, rules()).remove(name, Cancellation());
             QCOMPARE(report.problems.value(0).reason, u"不在可以清理的文件夹里"_s);
             QVERIFY2(tree::snapshot(ground.base) == before, name);
         }
@@ -492,10 +475,10 @@ private Q_SLOTS:
             QVERIFY2(tree::snapshot(ground.outside) == outside, which);
             const auto left = tree::snapshot(ground.root);
             QVERIFY2(QSet<QByteArray>(left.keyBegin(), left.keyEnd()) == remains, which);
-            for (const QByteArray &place : trapped.places)
-                QVERIFY2(left.value(place.sliced(ground.root.size() + 1)) ==
-                             inside.value(place.sliced(ground.root.size() + 1)),
-                         which);
+            for (const QByteArray &place : trapped.places) {
+                const QByteArray path = place.sliced(ground.root.size() + 1);
+                QVERIFY2(left.value(path) == inside.value(path), which);
+            }
         }
     }
 
@@ -529,7 +512,6 @@ private Q_SLOTS:
                 exchange(folder, parked, ground.outside + "/deep");
             }
         });
-        const Cancellation never;
         const RemovalRoot root(ground.root, rules());
         QElapsedTimer time;
         qint64 removed = 0;
@@ -543,13 +525,12 @@ private Q_SLOTS:
                 if (file >= 0)
                     ::close(file);
             }
-            removed += root.remove("a", never).removedFiles;
+            removed += root.remove("a", Cancellation()).removedFiles;
         }
         ends = true;
         exchanger.join();
         QVERIFY2(exchanges > 100 && removed > 100,
                  QByteArray::number(exchanges) + ' ' + QByteArray::number(removed));
-        qInfo("%d exchanges, %lld files removed", int(exchanges), removed);
         QCOMPARE(tree::snapshot(ground.outside), outside);
     }
 };

@@ -1,15 +1,117 @@
 #include "foundation/SettingsStore.h"
 
 #include "foundation/JsonSettingsFile.h"
+#include "support/Fuzz.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 
 class SettingsStoreTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { path = folder.filePath(u"%1/settings.json"_s.arg(++count)); }
+
+    void storesWhatHasChanged()
+    {
+        MemorySettings fake;
+        JsonSettingsFile file(path);
+        for (SettingsBackend *backend : std::initializer_list<SettingsBackend *>{&fake, &file}) {
+            QCOMPARE(backend->load(), QJsonObject());
+            QCOMPARE(backend->loadProblem(), QString());
+            QVERIFY(backend->save({{u"键"_s, u"值"_s}, {u"n"_s, 1}}, {u"n"_s, u"键"_s}));
+            const QJsonObject all{{u"键"_s, u"值"_s},
+                                  {u"list"_s, QJsonArray{1.5, QJsonObject{{u"a"_s, true}}}}};
+            QVERIFY(backend->save(all, {u"list"_s, u"n"_s}));
+            backend->tidy();
+            QCOMPARE(backend->load(), all);
+        }
+        QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
+    }
+
+    void setsAsideWhatItCannotRead()
+    {
+        int earlier = 0;
+        for (const QByteArray &bytes : {"{\"a\": 1, \"b\""_ba, ""_ba, "[1, 2]"_ba, QByteArray(100, '\0')}) {
+            const QString kept = path + (++earlier == 1 ? u".damaged"_s : u".damaged-%1"_s.arg(earlier));
+            writeFile(path, bytes);
+            JsonSettingsFile file(path);
+            QCOMPARE(file.load(), QJsonObject());
+            QCOMPARE(file.loadProblem(), u"设置文件已损坏，已恢复默认设置；原文件保留为 "_s + kept);
+            QVERIFY(QFile::exists(kept) && !QFile::exists(path));
+            QCOMPARE(readFile(kept), bytes);
+        }
+    }
+
+    void anyBytesAreReadOrKept()
+    {
+        const QJsonObject all{{u"键"_s, QJsonArray{1, true, u"a\n\"b"_s, QJsonObject{{u"n"_s, 2.5e300}}}},
+                              {u"empty"_s, QJsonObject()}};
+        const QByteArray deep = QByteArray("[").repeated(5000);
+        const Fuzz fuzz{{QJsonDocument(all).toJson(), "{\"a\":" + deep + "}"},
+                        {"{", "}", "[", "]", "\"", ",", ":", "\\u", "\\ud800", "1e999", "null", deep}};
+        int good = 0;
+        QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
+            writeFile(path, bytes);
+            JsonSettingsFile file(path);
+            const QJsonObject loaded = file.load();
+            good += file.loadProblem().isEmpty() ? 1 : 0;
+            const QString kept = path + u".damaged"_s;
+            const bool isKept = readFile(file.loadProblem().isEmpty() ? path : kept) == bytes;
+            QFile::remove(kept);
+            return isKept && (file.loadProblem().isEmpty() || loaded.isEmpty());
+        }));
+        QVERIFY(good > 20);
+    }
+
+    void whatIsOutOfReachIsNotReplaced()
+    {
+        // A folder in the file's place cannot be opened, by root neither.
+        QDir().mkpath(path + u"/inside"_s);
+        JsonSettingsFile file(path);
+        QCOMPARE(file.load(), QJsonObject());
+        QVERIFY(file.loadProblem().startsWith(u"设置文件无法读取，本次修改不会保存："_s + path));
+        QCOMPARE(file.save({{u"a"_s, 1}}, {}).error().message, file.loadProblem());
+        QVERIFY(QDir(path + u"/inside"_s).exists());
+        JsonSettingsFile nowhere(writeFile(folder.filePath(u"file"_s)) + u"/below/settings.json"_s);
+        QVERIFY(!nowhere.save({{u"a"_s, 2}}, {}));
+    }
+
+    void tidiesUpAfterKilledWritesOnly()
+    {
+        JsonSettingsFile file(path);
+        QVERIFY(file.save({{u"a"_s, 1}}, {}));
+        writeFile(path + u".AbCdEf"_s, "{");
+        writeFile(path + u".backup"_s, "mine");
+        writeFile(path + u".damaged"_s, "kept");
+        file.tidy();
+        QCOMPARE(QFileInfo(path).dir().entryList(QDir::Files | QDir::Hidden, QDir::Name),
+                 (QStringList{u"settings.json"_s, u"settings.json.backup"_s, u"settings.json.damaged"_s}));
+    }
+
+    void survivesKillsDuringWrites()
+    {
+        JsonSettingsFile file(path);
+        QVERIFY(file.save({{u"earlier"_s, 7}}, {}));
+        for (int round = 0; round < 20; ++round) {
+            const pid_t child = ::fork();
+            if (child == 0) {
+                for (int i = 0;; ++i)
+                    (void)file.save({{u"earlier"_s, 7}, {u"i"_s, i}, {u"fill"_s, QString(5000, u'x')}}, {});
+            }
+            ::usleep(static_cast<useconds_t>(500 + 731 * round % 4000));
+            ::kill(child, SIGKILL);
+            ::waitpid(child, nullptr, 0);
+            QCOMPARE(JsonSettingsFile(path).load().value(u"earlier"_s).toInt(), 7);
+        }
+    }
+
     void anotherTypeCountsAsAbsent()
     {
         const SettingsRig rig(
@@ -65,8 +167,7 @@ private Q_SLOTS:
 
     void theEndWritesWhatIsPending()
     {
-        const QTemporaryDir folder;
-        JsonSettingsFile disk(folder.filePath(u"settings.json"_s));
+        JsonSettingsFile disk(path);
         VirtualClock clock;
         std::optional<SettingsStore> store(std::in_place, std::make_unique<JsonSettingsFile>(disk), clock);
         store->set(u"a"_s, 1);
@@ -77,6 +178,11 @@ private Q_SLOTS:
         QCOMPARE(disk.load(), (QJsonObject{{u"a"_s, 1}, {u"b"_s, 2}}));
         QCOMPARE(clock.pendingCount(), 0);
     }
+
+private:
+    QTemporaryDir folder;
+    QString path;
+    int count = 0;
 };
 
 QTEST_GUILESS_MAIN(SettingsStoreTest)

@@ -163,13 +163,16 @@ private:
     QObject _turn; // nothing is announced after it
 };
 
-// A preview whose pictures the test sends; they come a turn later.
+// A preview whose pictures the test sends; they come a turn later. One that
+// rests shows only the first. A missing file fails as it does on the host.
 class FakePreview final : public VideoPreview {
 public:
     FakePreview(const QString &file, QSize limit, PreviewEvents events, QList<FakePreview *> &alive)
         : path(file), bound(limit), _events(std::move(events)), _alive(alive)
     {
         _alive.append(this);
+        if (!QFile::exists(path))
+            fail(u"文件不存在"_s);
     }
     ~FakePreview() override { _alive.removeOne(this); }
 
@@ -177,7 +180,14 @@ public:
     const QSize bound;
     bool isPlaying = false;
 
-    void show(const QImage &picture) { announce(_turn, _events.frame, picture); }
+    void show(const QImage &picture)
+    {
+        if (!isPlaying && _hasShown)
+            return;
+        _hasShown = true;
+        const bool fits = picture.size().boundedTo(bound) == picture.size();
+        announce(_turn, _events.frame, fits ? picture : picture.scaled(bound, Qt::KeepAspectRatio));
+    }
     void fail(const QString &why) { announce(_turn, _events.failed, Failure{why}); }
 
     void play() override { isPlaying = true; }
@@ -186,6 +196,7 @@ public:
 private:
     const PreviewEvents _events;
     QList<FakePreview *> &_alive;
+    bool _hasShown = false;
     QObject _turn;
 };
 

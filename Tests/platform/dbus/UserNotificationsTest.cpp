@@ -4,10 +4,6 @@
 #include "support/FakeSystem.h"
 #include "support/Test.h"
 
-#include <QCoreApplication>
-#include <QCoroTask>
-#include <QMap>
-
 namespace {
 
 const QString serviceName = u"org.freedesktop.Notifications"_s;
@@ -15,7 +11,7 @@ const QString serviceName = u"org.freedesktop.Notifications"_s;
 // A bus that can start nothing, so that a service exists only when the test makes it.
 class BareBus {
 public:
-    bool start()
+    BareBus()
     {
         const QString configuration = writeFile(
             _folder.path() + u"/bus.conf"_s,
@@ -23,7 +19,8 @@ public:
                 "</listen><servicedir>" + QFile::encodeName(_folder.path()) +
                 "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
                 "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
-        return _bus.start("DBUS_SESSION_BUS_ADDRESS", u"--config-file="_s + configuration);
+        if (!_bus.start("DBUS_SESSION_BUS_ADDRESS", u"--config-file="_s + configuration))
+            qFatal("no bus");
     }
     void allowStarting(const QString &name)
     {
@@ -38,8 +35,6 @@ private:
     QTemporaryDir _folder;
     OwnBus _bus;
 };
-
-BareBus *bus = nullptr;
 
 // What a desktop shows: one notice per number, newest text.
 class NotificationService final : public QObject {
@@ -67,7 +62,7 @@ private:
 class UserNotificationsTest : public QObject {
     Q_OBJECT
 
-private:
+    BareBus _bus; // there before anybody connects to it
     FreedesktopNotifications _notifications;
 
     Result<bool> ask() { return QCoro::waitFor(_notifications.requestAuthorization()); }
@@ -87,19 +82,13 @@ private Q_SLOTS:
         QVERIFY(fake.posted.isEmpty());
     }
 
-    void aRunningServiceGrants()
-    {
-        QVERIFY(QDBusConnection::sessionBus().registerService(serviceName));
-        QCOMPARE(ask(), Result<bool>(true));
-        QCOMPARE(askSettings(), (NotificationSettings{true, u"authorized"_s, u"enabled"_s}));
-        QVERIFY(QDBusConnection::sessionBus().unregisterService(serviceName));
-    }
-
-    void postsAndReplaces()
+    void aRunningServiceGrantsPostsAndReplaces()
     {
         BusPeer desktop;
         NotificationService service;
         QVERIFY(desktop.serve(u"/org/freedesktop/Notifications"_s, &service) && desktop.take(serviceName));
+        QCOMPARE(ask(), Result<bool>(true));
+        QCOMPARE(askSettings(), (NotificationSettings{true, u"authorized"_s, u"enabled"_s}));
         const auto post = [](UserNotifications &notifications, const UserNotification &notification) {
             return QCoro::waitFor(notifications.post(notification));
         };
@@ -122,7 +111,7 @@ private Q_SLOTS:
 
     void aServiceTheBusCanStartGrants()
     {
-        bus->allowStarting(serviceName);
+        _bus.allowStarting(serviceName);
         QCOMPARE(ask(), Result<bool>(true));
     }
 
@@ -134,14 +123,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    BareBus bareBus;
-    if (!bareBus.start())
-        return 1;
-    bus = &bareBus;
-    UserNotificationsTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(UserNotificationsTest)
 #include "UserNotificationsTest.moc"

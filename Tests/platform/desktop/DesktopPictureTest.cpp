@@ -1,21 +1,15 @@
 #include "platform/linux/desktop/LinuxDesktopPicture.h"
 
-#include "../media/MediaTools.h"
-#include "../x11/DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/RootWindow.h"
 #include "platform/linux/x11/X11DesktopSession.h"
+#include "platform/x11/DesktopTools.h"
 #include "support/Bus.h"
 #include "support/FakeDesktop.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QCoroTask>
-#include <QGuiApplication>
 #include <QUrl>
-
-#include <memory>
-#include <optional>
 
 namespace {
 
@@ -73,25 +67,21 @@ class DesktopPictureTest : public QObject {
     SystemClock _clock;
     const std::shared_ptr<DesktopSession> _session = std::make_shared<X11DesktopSession>();
     QTemporaryDir _folder;
-    std::optional<DesktopProgram> _desktop;
-    std::unique_ptr<LinuxDesktopPicture> _picture;
+    std::optional<RunningProgram> _desktop;
 
     QString path(const QString &name) const { return _folder.filePath(name); }
     QString ours() const { return path(u"它的 'own' picture.png"_s); }
 
     QJsonValue pcmanfmMode() { return current().value(u"pcmanfm"_s).toObject().value(u"mode"_s); }
-    QJsonObject current() { return QCoro::waitFor(_picture->current()).value_or(QJsonObject()); }
-    Result<void> set() { return QCoro::waitFor(_picture->set(ours())); }
-    // As after a crash: by an object that knows nothing.
-    Result<void> restore(const QJsonObject &former)
-    {
-        _picture = std::make_unique<LinuxDesktopPicture>(_clock, _session, path(u"kept"_s));
-        return QCoro::waitFor(_picture->restore(former));
-    }
+    // Each time, as after a crash, one that knows nothing.
+    LinuxDesktopPicture picture() { return {_clock, _session, path(u"kept"_s)}; }
+    QJsonObject current() { return QCoro::waitFor(picture().current()).value_or(QJsonObject()); }
+    Result<void> set() { return QCoro::waitFor(picture().set(ours())); }
+    Result<void> restore(const QJsonObject &former) { return QCoro::waitFor(picture().restore(former)); }
     void startDesktop(const QString &program, const QStringList &arguments)
     {
         _desktop.emplace(program, arguments);
-        QTRY_VERIFY(!Observer().iconWindows().isEmpty());
+        QTRY_VERIFY(Observer().iconWindow() != XCB_WINDOW_NONE);
     }
     void installSchema(const QString &schema, const QStringList &keys)
     {
@@ -108,6 +98,69 @@ class DesktopPictureTest : public QObject {
               "-f _NET_WM_NAME 8u -set _NET_WM_NAME '%1'"_s.arg(name));
     }
 
+    void theRootWindowComesBack(const QString &madeBy)
+    {
+        shell(madeBy);
+        const QStringList before = seen();
+        const bool isPublished = hasPublishedPicture();
+        const QJsonObject former = current();
+        QVERIFY(former.contains(u"root"_s));
+        QCOMPARE(isPublished, madeBy.startsWith(u"feh"));
+        QVERIFY(set());
+        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
+        QVERIFY(hasPublishedPicture());
+        QCOMPARE(current().value(u"root"_s), QJsonValue(QJsonObject{{u"ours"_s, true}}));
+        QVERIFY(set());
+        QVERIFY(restore(former));
+        QCOMPARE(seen(), before);
+        QCOMPARE(hasPublishedPicture(), isPublished);
+        QCOMPARE(current(), former);
+    }
+    void pcmanfmShowsItOnItsFirstMonitor(bool hasPicture)
+    {
+        startDesktop(u"pcmanfm"_s, hasPicture ? QStringList{u"--desktop"_s, u"--profile"_s, u"LXDE"_s}
+                                              : QStringList{u"--desktop"_s});
+        if (hasPicture) {
+            shell(u"pcmanfm --wallpaper-mode=stretch --set-wallpaper="_s + path(u"user.png"_s));
+            QTRY_COMPARE(seen().first(), QColor(Qt::yellow).name());
+        }
+        QTRY_COMPARE(pcmanfmMode(), hasPicture ? u"stretch"_s : u"color"_s);
+        const QStringList before = seen();
+        const QJsonObject former = current();
+        QVERIFY(!former.contains(u"root"_s));
+        QVERIFY(set());
+        QTRY_COMPARE(seen(), (QStringList{magenta, cyan, before[2], before[3]}));
+        QTRY_VERIFY(current() != former);
+        QVERIFY(restore(former));
+        QTRY_COMPARE(seen(), before);
+        QTRY_COMPARE(pcmanfmMode(), hasPicture ? u"stretch"_s : u"color"_s);
+        QCOMPARE(hasPublishedPicture(), hasPicture);
+        if (hasPicture)
+            QCOMPARE(current(), former);
+    }
+    void isKeptInSettings(const QString &manager, const QString &name, const QString &schema,
+                          const QStringList &keys)
+    {
+        const bool keepsRoot = name == u"mate";
+        if (name != u"gnome"_s)
+            installSchema(schema, keys);
+        renameWindowManager(manager);
+        const auto get = [&](const QString &key) { return shell(u"gsettings get %1 %2"_s.arg(schema, key)); };
+        shell(u"gsettings set %1 picture-options none"_s.arg(schema));
+        const QJsonObject former = current();
+        QCOMPARE(former.keys(), keepsRoot ? QStringList{name} : (QStringList{name, u"root"_s}));
+        const QByteArray before = get(keys.last());
+        QVERIFY(set());
+        QCOMPARE(get(u"picture-options"_s), "'zoom'");
+        for (const QString &key : keys)
+            QVERIFY(get(key).endsWith(keepsRoot ? " 'own' picture.png\"" : "%20'own'%20picture.png\""));
+        QCOMPARE(hasPublishedPicture(), !keepsRoot);
+        QVERIFY(restore(former));
+        QCOMPARE(current(), former);
+        QCOMPARE(get(u"picture-options"_s), "'none'");
+        QCOMPARE(get(keys.last()), before);
+    }
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -115,7 +168,6 @@ private Q_SLOTS:
         makePicture(ours(), magenta, cyan);
         makePicture(path(u"user.png"_s), Qt::yellow, Qt::green);
     }
-    void init() { _picture = std::make_unique<LinuxDesktopPicture>(_clock, _session, path(u"kept"_s)); }
     void cleanup()
     {
         _desktop.reset();
@@ -129,7 +181,8 @@ private Q_SLOTS:
         QFETCH(bool, isReal);
         VirtualClock clock;
         FakeDesktopPicture fake(clock);
-        DesktopPicture &picture = isReal ? static_cast<DesktopPicture &>(*_picture) : fake;
+        LinuxDesktopPicture real = this->picture();
+        DesktopPicture &picture = isReal ? static_cast<DesktopPicture &>(real) : fake;
         const auto now = [&] { return *QCoro::waitFor(picture.current()); };
         const QJsonObject former = now();
         QCOMPARE(former.size(), 1);
@@ -164,33 +217,13 @@ private Q_SLOTS:
         QCOMPARE(key({u"GNOME"_s, u"i3"_s, {}, 0}), QString());           // served by another manager
     }
 
-    void theRootWindowComesBack_data()
+    void theUntouchedRootWindowComesBack() { theRootWindowComesBack(u"true"_s); }
+    void theRootWindowsColourComesBack() { theRootWindowComesBack(u"xsetroot -solid '#336699'"_s); }
+    void theRootWindowsPatternComesBack()
     {
-        QTest::addColumn<QString>("command");
-        QTest::newRow("untouched") << u"true"_s;
-        QTest::newRow("one colour") << u"xsetroot -solid '#336699'"_s;
-        QTest::newRow("pattern") << u"xsetroot -mod 5 3 -fg '#ff0000' -bg '#0000ff'"_s;
-        QTest::newRow("picture") << userShows.arg(path(u"user.png"_s));
+        theRootWindowComesBack(u"xsetroot -mod 5 3 -fg '#ff0000' -bg '#0000ff'"_s);
     }
-    void theRootWindowComesBack()
-    {
-        QFETCH(QString, command);
-        shell(command);
-        const QStringList before = seen();
-        const bool isPublished = hasPublishedPicture();
-        const QJsonObject former = current();
-        QVERIFY(former.contains(u"root"_s));
-        QCOMPARE(isPublished, command.startsWith(u"feh"));
-        QVERIFY(set());
-        QCOMPARE(seen(), (QStringList{magenta, cyan, magenta, cyan}));
-        QVERIFY(hasPublishedPicture());
-        QCOMPARE(current().value(u"root"_s), QJsonValue(QJsonObject{{u"ours"_s, true}}));
-        QVERIFY(set());
-        QVERIFY(restore(former));
-        QCOMPARE(seen(), before);
-        QCOMPARE(hasPublishedPicture(), isPublished);
-        QCOMPARE(current(), former);
-    }
+    void theRootWindowsPictureComesBack() { theRootWindowComesBack(userShows.arg(path(u"user.png"_s))); }
 
     void keepsOnlySomeFormerPictures()
     {
@@ -202,35 +235,8 @@ private Q_SLOTS:
         QCOMPARE(QDir(path(u"kept"_s)).entryList(QDir::Files).size(), 4);
     }
 
-    void pcmanfmShowsItOnItsFirstMonitor_data()
-    {
-        QTest::addColumn<bool>("hasPicture");
-        QTest::newRow("plain colour") << false;
-        QTest::newRow("picture") << true;
-    }
-    void pcmanfmShowsItOnItsFirstMonitor()
-    {
-        QFETCH(bool, hasPicture);
-        startDesktop(u"pcmanfm"_s, hasPicture ? QStringList{u"--desktop"_s, u"--profile"_s, u"LXDE"_s}
-                                              : QStringList{u"--desktop"_s});
-        if (hasPicture) {
-            shell(u"pcmanfm --wallpaper-mode=stretch --set-wallpaper="_s + path(u"user.png"_s));
-            QTRY_COMPARE(seen().first(), QColor(Qt::yellow).name());
-        }
-        QTRY_COMPARE(pcmanfmMode(), hasPicture ? u"stretch"_s : u"color"_s);
-        const QStringList before = seen();
-        const QJsonObject former = current();
-        QVERIFY(!former.contains(u"root"_s));
-        QVERIFY(set());
-        QTRY_COMPARE(seen(), (QStringList{magenta, cyan, before[2], before[3]}));
-        QTRY_VERIFY(current() != former);
-        QVERIFY(restore(former));
-        QTRY_COMPARE(seen(), before);
-        QTRY_COMPARE(pcmanfmMode(), hasPicture ? u"stretch"_s : u"color"_s);
-        QCOMPARE(hasPublishedPicture(), hasPicture);
-        if (hasPicture)
-            QCOMPARE(current(), former);
-    }
+    void pcmanfmShowsItInsteadOfAColour() { pcmanfmShowsItOnItsFirstMonitor(false); }
+    void pcmanfmShowsItInsteadOfAPicture() { pcmanfmShowsItOnItsFirstMonitor(true); }
 
     void pcmanfmGetsItBackWhereItNoLongerRuns()
     {
@@ -289,45 +295,19 @@ private Q_SLOTS:
         QCOMPARE(current(), former);
     }
 
-    void gnomesFamilyKeepsItInItsSettings_data()
+    void gnomeKeepsItInItsSettings()
     {
-        QTest::addColumn<QString>("manager");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("schema");
-        QTest::addColumn<QStringList>("keys");
-        const auto row = [](const char *manager, const QString &name, const QString &schema,
-                            const QStringList &keys) {
-            QTest::newRow(manager) << QString::fromLatin1(manager) << name << schema << keys;
-        };
-        row("GNOME Shell", u"gnome"_s, u"org.gnome.desktop.background"_s,
-            {u"picture-uri"_s, u"picture-uri-dark"_s});
-        row("Mutter (Muffin)", u"cinnamon"_s, u"org.cinnamon.desktop.background"_s, {u"picture-uri"_s});
-        row("Metacity (Marco)", u"mate"_s, u"org.mate.background"_s, {u"picture-filename"_s});
+        isKeptInSettings(u"GNOME Shell"_s, u"gnome"_s, u"org.gnome.desktop.background"_s,
+                         {u"picture-uri"_s, u"picture-uri-dark"_s});
     }
-    void gnomesFamilyKeepsItInItsSettings()
+    void cinnamonKeepsItInItsSettings()
     {
-        QFETCH(QString, manager);
-        QFETCH(QString, name);
-        QFETCH(QString, schema);
-        QFETCH(QStringList, keys);
-        const bool keepsRoot = name == u"mate";
-        if (name != u"gnome"_s)
-            installSchema(schema, keys);
-        renameWindowManager(manager);
-        const auto get = [&](const QString &key) { return shell(u"gsettings get %1 %2"_s.arg(schema, key)); };
-        shell(u"gsettings set %1 picture-options none"_s.arg(schema));
-        const QJsonObject former = current();
-        QCOMPARE(former.keys(), keepsRoot ? QStringList{name} : (QStringList{name, u"root"_s}));
-        const QByteArray before = get(keys.last());
-        QVERIFY(set());
-        QCOMPARE(get(u"picture-options"_s), "'zoom'");
-        for (const QString &key : std::as_const(keys))
-            QVERIFY(get(key).endsWith(keepsRoot ? " 'own' picture.png\"" : "%20'own'%20picture.png\""));
-        QCOMPARE(hasPublishedPicture(), !keepsRoot);
-        QVERIFY(restore(former));
-        QCOMPARE(current(), former);
-        QCOMPARE(get(u"picture-options"_s), "'none'");
-        QCOMPARE(get(keys.last()), before);
+        isKeptInSettings(u"Mutter (Muffin)"_s, u"cinnamon"_s, u"org.cinnamon.desktop.background"_s,
+                         {u"picture-uri"_s});
+    }
+    void mateKeepsItInItsSettings()
+    {
+        isKeptInSettings(u"Metacity (Marco)"_s, u"mate"_s, u"org.mate.background"_s, {u"picture-filename"_s});
     }
 
     void plasmaKeepsItForEveryScreen()
@@ -349,8 +329,7 @@ private Q_SLOTS:
     void outlivesItsOwner()
     {
         bool hasEnded = false;
-        _picture->set(ours()).then([&](Result<void> done) { hasEnded = done.has_value(); });
-        _picture.reset();
+        picture().set(ours()).then([&](Result<void> done) { hasEnded = done.has_value(); });
         QTRY_VERIFY(hasEnded);
     }
 };

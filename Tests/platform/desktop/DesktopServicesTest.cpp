@@ -1,10 +1,10 @@
 #include "platform/linux/x11/X11DesktopServices.h"
 
+#include "platform/x11/DesktopTools.h"
 #include "support/Bus.h"
 #include "support/FakeDesktop.h"
 #include "support/Test.h"
 
-#include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QUrl>
 
@@ -45,27 +45,21 @@ public Q_SLOTS:
 };
 
 // A program that shows XEmbed tray icons, for as long as it runs.
-class XembedTray {
-public:
-    XembedTray() : _x11(*X11Connection::open())
+struct XembedTray {
+    XembedTray()
     {
-        const xcb_window_t window = xcb_generate_id(_x11->xcb());
-        xcb_create_window(_x11->xcb(), XCB_COPY_FROM_PARENT, window, _x11->root(), 0, 0, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, _x11->screen().root_visual, 0, nullptr);
-        xcb_set_selection_owner(_x11->xcb(), window, _x11->atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
-        _x11->flush();
+        X11Connection &x11 = observer.connection();
+        xcb_set_selection_owner(x11.xcb(), window.id(), x11.atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
+        x11.flush();
     }
 
-private:
-    std::unique_ptr<X11Connection> _x11;
+    Observer observer;
+    ForeignWindow window{QRect(0, 0, 1, 1)};
 };
 
 const QString watcherName = u"org.kde.StatusNotifierWatcher"_s;
 const QString watcherPath = u"/StatusNotifierWatcher"_s;
-const QString portalName = u"org.freedesktop.portal.Desktop"_s;
 const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-const QString managerName = u"org.freedesktop.FileManager1"_s;
-const QString managerPath = u"/org/freedesktop/FileManager1"_s;
 
 } // namespace
 
@@ -120,7 +114,7 @@ private Q_SLOTS:
         BusPeer peer;
         SettingsPortal portal;
         portal.colorScheme = 1;
-        QVERIFY(peer.serve(portalPath, &portal) && peer.take(portalName));
+        QVERIFY(peer.serve(portalPath, &portal) && peer.take(u"org.freedesktop.portal.Desktop"_s));
         X11DesktopServices services;
         int changes = 0;
         const Observation observation = services.observeTheme([&] { ++changes; });
@@ -141,7 +135,8 @@ private Q_SLOTS:
     {
         BusPeer peer;
         FileManager manager;
-        QVERIFY(peer.serve(managerPath, &manager) && peer.take(managerName));
+        QVERIFY(peer.serve(u"/org/freedesktop/FileManager1"_s, &manager) &&
+                peer.take(u"org.freedesktop.FileManager1"_s));
         QTemporaryDir folder;
         const QString path = writeFile(folder.filePath(u"录制 1.mp4"_s));
         X11DesktopServices services;

@@ -1,20 +1,15 @@
 #include "platform/linux/desktop/LinuxDockPreference.h"
 
-#include "../media/MediaTools.h"
-#include "../x11/DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/X11DesktopSession.h"
 #include "platform/macos/desktop/DefaultsDockPreference.h"
+#include "platform/x11/DesktopTools.h"
 #include "support/Bus.h"
 #include "support/FakeDesktop.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QCoroTask>
 #include <QJsonDocument>
-#include <QJsonObject>
-
-#include <memory>
 
 namespace {
 
@@ -51,18 +46,11 @@ class DockPreferenceTest : public QObject {
 
     QString formerFile() const { return _folder.filePath(u"kept/former.json"_s); }
     // Each call is made by an object that knows nothing of the one before.
-    Result<bool> autoHide()
-    {
-        LinuxDockPreference dock(_clock, _session, formerFile());
-        return QCoro::waitFor(dock.autoHide());
-    }
-    Result<void> set(bool hides)
-    {
-        LinuxDockPreference dock(_clock, _session, formerFile());
-        return QCoro::waitFor(dock.setAutoHide(hides));
-    }
+    LinuxDockPreference dock() { return {_clock, _session, formerFile()}; }
+    Result<bool> autoHide() { return QCoro::waitFor(dock().autoHide()); }
+    Result<void> set(bool hides) { return QCoro::waitFor(dock().setAutoHide(hides)); }
     // The same for the fake, the Mac and every desktop whose bars do not all hide.
-    void hideAndShow(DockPreference &dock)
+    void hideAndShow(DockPreference &&dock)
     {
         QCOMPARE(QCoro::waitFor(dock.autoHide()), Result<bool>(false));
         QVERIFY(QCoro::waitFor(dock.setAutoHide(true)));
@@ -76,8 +64,7 @@ private Q_SLOTS:
     void theFakeHidesAndShows()
     {
         VirtualClock clock;
-        FakeDockPreference fake(clock);
-        hideAndShow(fake);
+        hideAndShow(FakeDockPreference(clock));
     }
 
     void theMacsDockHidesAndShows()
@@ -91,9 +78,8 @@ case "$1 $2 $3 $4" in
 *) exit 1 ;;
 esac
 )");
-        DefaultsDockPreference dock(_clock,
-                                    {defaults, standIn(_folder.filePath(u"killall"_s), "#!/bin/sh\n")});
-        hideAndShow(dock);
+        hideAndShow(DefaultsDockPreference(
+            _clock, {defaults, standIn(_folder.filePath(u"killall"_s), "#!/bin/sh\n")}));
     }
 
     void saysWhatIsMissing()
@@ -105,14 +91,13 @@ esac
 
     void xfcePanelsHideAndComeBack()
     {
-        DesktopProgram panel(u"xfce4-panel"_s, {u"--disable-wm-check"_s});
+        RunningProgram panel(u"xfce4-panel"_s, {u"--disable-wm-check"_s});
         const auto workArea = [] { return shell(u"xprop -root _NET_WORKAREA | cut -d, -f2"_s); };
         // The bar at the top has its room: 26 pixels and its border.
         QTRY_COMPARE(workArea(), "27");
         const QString get = u"xfconf-query -c xfce4-panel -p /panels/panel-%1/autohide-behavior"_s;
         QTRY_COMPARE(shell(get.arg(2)), "1"); // below: hides when a window needs the room
-        LinuxDockPreference dock(_clock, _session, formerFile());
-        hideAndShow(dock);
+        hideAndShow(dock());
         QCOMPARE(shell(get.arg(1)), "0");
         QVERIFY(set(true));
         QCOMPARE(shell(get.arg(1)), "2");
@@ -137,8 +122,7 @@ esac
         PlasmaShell plasma;
         QVERIFY(peer.serve(u"/PlasmaShell"_s, &plasma) && peer.take(u"org.kde.plasmashell"_s));
         const QJsonObject before = plasma.panels;
-        LinuxDockPreference dock(_clock, _session, formerFile());
-        hideAndShow(dock);
+        hideAndShow(dock());
         QCOMPARE(plasma.panels, before);
         QVERIFY(set(true));
         QCOMPARE(
@@ -169,8 +153,7 @@ esac
             return shell(u"for k in dock-fixed autohide intellihide; do gsettings --schemadir "_s + schemas +
                          u" get org.gnome.shell.extensions.dash-to-dock $k; done"_s);
         };
-        LinuxDockPreference dock(_clock, _session, formerFile());
-        hideAndShow(dock);
+        hideAndShow(dock());
         QCOMPARE(values(), "true\nfalse\ntrue");
         QVERIFY(set(true));
         QCOMPARE(values(), "false\ntrue\ntrue");

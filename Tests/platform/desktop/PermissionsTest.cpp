@@ -4,41 +4,36 @@
 #include "support/FakeSystem.h"
 #include "support/Test.h"
 
-#include <QCoroTask>
-#include <QGuiApplication>
-
 class PermissionsTest : public QObject {
     Q_OBJECT
 
+    static void requestAnswersWhatHolds(Permissions &permissions, bool grants)
+    {
+        QCOMPARE(permissions.requestScreenCapture(), grants);
+        QCOMPARE(permissions.preflightScreenCapture(), grants);
+        QCOMPARE(QCoro::waitFor(permissions.requestMicrophone()), grants);
+        QCOMPARE(permissions.microphone() == AuthorizationStatus::authorized, grants);
+        QCOMPARE(QCoro::waitFor(permissions.requestCamera()), grants);
+        QCOMPARE(permissions.camera() == AuthorizationStatus::authorized, grants);
+    }
+
 private Q_SLOTS:
     // A request answers what holds from then on, and a second one the same.
-    void requestsAnswerWhatHolds_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::addColumn<bool>("grants"); // what the user answers; X11 asks nobody
-        QTest::newRow("fake, granted") << false << true;
-        QTest::newRow("fake, denied") << false << false;
-        QTest::newRow("x11") << true << true;
-    }
     void requestsAnswerWhatHolds()
     {
-        QFETCH(bool, isReal);
-        QFETCH(bool, grants);
-        FakePermissions fake;
-        fake.screenCaptureGranted = false;
-        fake.microphoneStatus = fake.cameraStatus = AuthorizationStatus::notDetermined;
-        fake.grantsOnRequest = grants;
-        LinuxPermissions real(screenObstacle(SessionFacts::ofThisSession()));
-        Permissions &permissions = isReal ? static_cast<Permissions &>(real) : fake;
-        for (int round = 0; round < 2; ++round) {
-            QCOMPARE(permissions.requestScreenCapture(), grants);
-            QCOMPARE(permissions.preflightScreenCapture(), grants);
-            QCOMPARE(QCoro::waitFor(permissions.requestMicrophone()), grants);
-            QCOMPARE(permissions.microphone() == AuthorizationStatus::authorized, grants);
-            QCOMPARE(QCoro::waitFor(permissions.requestCamera()), grants);
-            QCOMPARE(permissions.camera() == AuthorizationStatus::authorized, grants);
+        for (const bool grants : {true, false}) { // what the user answers
+            FakePermissions fake;
+            fake.screenCaptureGranted = false;
+            fake.microphoneStatus = fake.cameraStatus = AuthorizationStatus::notDetermined;
+            fake.grantsOnRequest = grants;
+            requestAnswersWhatHolds(fake, grants);
             fake.grantsOnRequest = false;
+            requestAnswersWhatHolds(fake, grants);
         }
+        // X11 asks nobody.
+        LinuxPermissions real(screenObstacle(SessionFacts::ofThisSession()));
+        requestAnswersWhatHolds(real, true);
+        requestAnswersWhatHolds(real, true);
     }
 
     void theScreenOfAWaylandSessionCannotBeSeen()

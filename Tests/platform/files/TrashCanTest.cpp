@@ -7,44 +7,33 @@
 #include "support/Fuzz.h"
 #include "support/Test.h"
 
-#include <QCoroTask>
-
-#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
 bool isThere(const QString &path)
 {
-    struct stat facts{};
-    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
+    return tree::exists(QFile::encodeName(path));
 }
 
-// Fills a file that the kernel made.
-bool tell(const QString &path, const QByteArray &text)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size();
-}
-
-// Mounts made after this are seen by this process alone.
+// Mounts made after this are seen by this process alone, which may have one thread.
 bool ownMounts()
 {
-    const auto same = [](uint id) { return QByteArray::number(id) + ' ' + QByteArray::number(id) + " 1"; };
+    const auto tell = [](const char *path, const std::string &text) {
+        return bool(std::ofstream(path) << text << std::flush);
+    };
+    const auto same = [](uint id) { return std::to_string(id) + ' ' + std::to_string(id) + " 1"; };
     const uint user = ::getuid(), group = ::getgid();
     if (::unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) != 0)
         return false;
-    if (user != 0 &&
-        (!tell(u"/proc/self/setgroups"_s, "deny") || !tell(u"/proc/self/uid_map"_s, same(user)) ||
-         !tell(u"/proc/self/gid_map"_s, same(group))))
+    if (user != 0 && (!tell("/proc/self/setgroups", "deny") || !tell("/proc/self/uid_map", same(user)) ||
+                      !tell("/proc/self/gid_map", same(group))))
         return false;
     return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
-bool hasOwnMounts = false;
+const bool hasOwnMounts = ownMounts(); // before main() and its threads
 
 // A home with a trash and a second volume, both in a temporary folder.
 class TrashRig {
@@ -112,12 +101,12 @@ constexpr char finderStandIn[] =
 class TrashCanTest : public QObject {
     Q_OBJECT
 
-    using Trash = std::function<QString(const QString &)>; // answers what went wrong
-    using Empty = std::function<QString()>;
-    // The same for every trash can.
-    static void goesForGood(const QString &folder, const QString &trash, const Trash &moveToTrash,
-                            const Empty &empty)
+    // The same for every trash can; `empty` answers what went wrong.
+    static void goesForGood(auto &can, const QString &folder, const QString &trash, const auto &empty)
     {
+        const auto moveToTrash = [&](const QString &item) {
+            return errorText(QCoro::waitFor(can.moveToTrash(item)));
+        };
         const QString kept = folder + u"/kept/inside"_s;
         const QString item = folder + u"/item \"%1\" \\"_s;
         writeFile(kept);
@@ -184,36 +173,27 @@ private Q_SLOTS:
         TrashRig rig;
         FakeTrashCan fake;
         const auto check = [&](TrashCan &can, const QString &folder, const QString &inside) {
-            goesForGood(
-                rig.path(folder), can.folders().constFirst() + inside,
-                [&](const QString &item) { return errorText(QCoro::waitFor(can.moveToTrash(item))); },
-                [&] { return errorText(QCoro::waitFor(can.empty(RemovalRules(), Cancellation()))); });
+            goesForGood(can, rig.path(folder), can.folders().constFirst() + inside,
+                        [&] { return errorText(QCoro::waitFor(can.empty(RemovalRules(), Cancellation()))); });
         };
         check(fake, u"for the fake"_s, u"/1"_s);
         check(*rig.can, u"for the real one"_s, u"/files"_s);
         const QString folder = rig.path(u"for the Finder"_s);
         FinderTrash finder(rig.clock, standIn(folder + u"/osascript"_s, finderStandIn));
-        goesForGood(
-            folder, folder + u"/Trash"_s,
-            [&](const QString &item) { return errorText(QCoro::waitFor(finder.moveToTrash(item))); },
-            [&] { return errorText(QCoro::waitFor(finder.empty())); });
+        goesForGood(finder, folder, folder + u"/Trash"_s,
+                    [&] { return errorText(QCoro::waitFor(finder.empty())); });
     }
 
-    void itemsGoAndComeBack_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const QString &name : {u"a file.txt"_s, u"folder"_s, u"link"_s, u"link to nothing"_s,
-                                    u"two\nlines %41"_s, QString(85, u'长')}) // as long as names get
-            QTest::newRow(qPrintable(name)) << name;
-    }
     void itemsGoAndComeBack()
     {
-        QFETCH(QString, name);
-        TrashRig rig;
-        FakeTrashCan fake;
-        goesAndComesBack(fake, rig.path(u"for the fake"_s), name);
-        goesAndComesBack(*rig.can, rig.path(u"for the real one"_s), name);
-        QVERIFY(QDir(rig.trash + u"/info"_s).isEmpty());
+        for (const QString &name : {u"a file.txt"_s, u"folder"_s, u"link"_s, u"link to nothing"_s,
+                                    u"two\nlines %41"_s, QString(85, u'长')}) { // as long as names get
+            TrashRig rig;
+            FakeTrashCan fake;
+            goesAndComesBack(fake, rig.path(u"for the fake"_s), name);
+            goesAndComesBack(*rig.can, rig.path(u"for the real one"_s), name);
+            QVERIFY2(QDir(rig.trash + u"/info"_s).isEmpty(), qPrintable(name));
+        }
     }
 
     void saysWhereItCameFromAndWhen()
@@ -392,11 +372,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    hasOwnMounts = ownMounts(); // while there is one thread
-    QCoreApplication application(argc, argv);
-    TrashCanTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(TrashCanTest)
 #include "TrashCanTest.moc"

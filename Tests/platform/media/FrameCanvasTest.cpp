@@ -1,12 +1,14 @@
 #include "platform/linux/media/recording/FrameCanvas.h"
+#include "platform/linux/media/recording/TickClock.h"
 #include "support/Test.h"
 
-#include <QRect>
 #include <QSet>
 
 #include <cstring>
 
 namespace {
+
+using Rects = std::vector<PixelRect>;
 
 // Memory of a picture with the spare rows that a picture has.
 struct Picture {
@@ -51,32 +53,25 @@ class FrameCanvasTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void patchesEqualAWholeDrawing_data()
-    {
-        QTest::addColumn<QSize>("source");
-        // Same, odd, half, quarter, by two thirds, grown, letterboxed.
-        for (const QSize size :
-             {QSize(320, 200), {321, 201}, {640, 400}, {1280, 800}, {480, 300}, {200, 130}, {400, 100}})
-            QTest::addRow("%dx%d", size.width(), size.height()) << size;
-    }
     void patchesEqualAWholeDrawing()
     {
-        QFETCH(QSize, source);
-        const Picture picture(source.width(), source.height());
-        const PixelRect all{0, 0, source.width(), source.height()};
-        picture.fill(all, 1);
-        FrameCanvas patched(320, 200);
-        patched.draw(picture.view, {});
-        const std::vector<PixelRect> parts{{source.width() / 3, source.height() / 4, 41, 17},
-                                           {source.width() - 30, source.height() - 21, 30, 21},
-                                           {0, 0, 7, 5}};
-        for (const PixelRect &part : parts)
-            picture.fill(part, 99);
-        QCOMPARE(patched.draw(picture.view, parts).size(), parts.size());
+        // Same, odd, half, quarter, by two thirds, grown, letterboxed.
+        for (const auto &[width, height] :
+             {std::pair(320, 200), {321, 201}, {640, 400}, {1280, 800}, {480, 300}, {200, 130}, {400, 100}}) {
+            const Picture picture(width, height);
+            picture.fill({0, 0, width, height}, 1);
+            FrameCanvas patched(320, 200);
+            patched.draw(picture.view, {});
+            const Rects parts{
+                {width / 3, height / 4, 41, 17}, {width - 30, height - 21, 30, 21}, {0, 0, 7, 5}};
+            for (const PixelRect &part : parts)
+                picture.fill(part, 99);
+            QCOMPARE(patched.draw(picture.view, parts).size(), parts.size());
 
-        FrameCanvas whole(320, 200);
-        whole.draw(picture.view, {});
-        QCOMPARE_LE(largestDifference(patched, whole), 2);
+            FrameCanvas whole(320, 200);
+            whole.draw(picture.view, {});
+            QVERIFY2(largestDifference(patched, whole) <= 2, qPrintable(QString::number(width)));
+        }
     }
 
     void sharedPicturesStayAsTheyWere()
@@ -121,10 +116,90 @@ private Q_SLOTS:
         FrameCanvas canvas(320, 200);
         canvas.draw(first.view, {});
         const auto named = canvas.draw(wide.view, {});
-        QVERIFY(named == (std::vector<PixelRect>{{0, 0, 320, 200}}));
+        QVERIFY(named == (Rects{{0, 0, 320, 200}}));
         for (const int y : {0, 49, 50, 149, 199})
             QCOMPARE(int{canvas.view().y[y * 320 + 160]}, 16);
         QVERIFY(canvas.draw(wide.view, {}).empty());
+    }
+
+    void roundsOutToEven()
+    {
+        const auto rounded = [](const PixelRect &rect) { return roundedOut(rect, 100, 100); };
+        QCOMPARE(rounded({2, 4, 6, 8}), (PixelRect{2, 4, 6, 8}));
+        QCOMPARE(rounded({3, 5, 1, 1}), (PixelRect{2, 4, 2, 2}));
+        QCOMPARE(rounded({2, 4, 5, 7}), (PixelRect{2, 4, 6, 8}));
+        QCOMPARE(rounded({95, 95, 50, 50}), (PixelRect{94, 94, 6, 6}));
+        QCOMPARE(rounded({-7, -7, 10, 10}), (PixelRect{0, 0, 4, 4}));
+        QCOMPARE(rounded({200, 0, 10, 10}), (PixelRect{0, 0, 0, 0}));
+    }
+
+    void subtracts()
+    {
+        using Row = std::tuple<Rects, int, std::size_t>; // holes, the area of the rest and its pieces
+        for (const auto &[holes, area, pieces] :
+             {Row{{}, 10000, 1}, Row{{{200, 200, 5, 5}}, 10000, 1}, // elsewhere
+              Row{{{40, 40, 20, 20}}, 9600, 4}, Row{{{-10, -10, 20, 20}}, 9900, 2},
+              Row{{{10, 10, 20, 20}, {20, 20, 20, 20}}, 9300, 7}, Row{{{-1, -1, 200, 200}}, 0, 0}}) {
+            const Rects rest = subtracted({0, 0, 100, 100}, holes);
+            int sum = 0;
+            for (std::size_t i = 0; i < rest.size(); ++i) {
+                sum += rest[i].width * rest[i].height;
+                for (const PixelRect &hole : holes)
+                    QVERIFY(!intersects(rest[i], hole));
+                for (std::size_t j = 0; j < i; ++j)
+                    QVERIFY(!intersects(rest[i], rest[j]));
+            }
+            QCOMPARE(sum, area);
+            QCOMPARE(rest.size(), pieces);
+        }
+    }
+
+    void simplifies()
+    {
+        QCOMPARE(simplified({{0, 0, 4, 4}, {}, {0, 0, 10, 10}, {10, 0, 2, 2}, {10, 0, 2, 2}}),
+                 (Rects{{0, 0, 10, 10}, {10, 0, 2, 2}}));
+        Rects many;
+        for (int i = 0; i < 33; ++i)
+            many.push_back({i * 10, i, 2, 2});
+        QVERIFY(simplified(many) == Rects({{0, 0, 322, 34}}));
+    }
+
+    void places()
+    {
+        const auto is = [](QSize source, const PixelRect &content, bool isScaled) {
+            const Placement placement = place(source.width(), source.height(), 800, 600);
+            return placement.content == content && placement.isScaled == isScaled &&
+                   touchedContent(placement, {0, 0, source.width(), source.height()}) ==
+                       PixelRect{0, 0, content.width, content.height};
+        };
+        QVERIFY(is({800, 600}, {0, 0, 800, 600}, false));
+        QVERIFY(is({801, 601}, {0, 0, 800, 600}, false)); // odd by one is cut
+        QVERIFY(is({1600, 1200}, {0, 0, 800, 600}, true));
+        QVERIFY(is({400, 300}, {0, 0, 800, 600}, true));
+        QVERIFY(is({1600, 600}, {0, 150, 800, 300}, true));
+        QVERIFY(is({300, 600}, {250, 0, 300, 600}, false));
+        QVERIFY(is({4000, 1}, {0, 298, 800, 2}, true));
+    }
+
+    void touchesNeighboursWhenScaled()
+    {
+        const Placement half = place(1600, 1200, 800, 600);
+        QCOMPARE(touchedContent(half, {100, 100, 10, 10}), (PixelRect{48, 48, 8, 8}));
+        QVERIFY(touchedContent(place(800, 600, 800, 600), {101, 101, 1, 1}) == (PixelRect{100, 100, 2, 2}));
+    }
+
+    void ticksNeitherDriftNorRepeat()
+    {
+        for (const int rate : {30, 60, 90, 120, 240}) {
+            constexpr qint64 zero = 123'456'789'012'345;
+            const TickClock clock(zero, rate);
+            QCOMPARE(clock.tickAt(zero - 5), 0);
+            QCOMPARE(clock.timeOf(rate * qint64{86400}), zero + 86400 * qint64{1'000'000'000});
+            for (qint64 tick = 0; tick < 3 * rate; ++tick) {
+                QCOMPARE(clock.tickAt(clock.timeOf(tick)), tick);
+                QCOMPARE(clock.tickAt(clock.timeOf(tick + 1) - 1), tick);
+            }
+        }
     }
 };
 

@@ -39,6 +39,25 @@ class H264EncoderTest : public QObject {
                 .videoBitRate = 4'000'000,
                 .keyFrameInterval = 20};
     }
+    static constexpr int bitRate = 6'000'000;
+    static constexpr int frameRate = 60;
+
+    // Bits of seconds `from` to `to`, per second, of pictures whose size halves
+    // with every 6 steps of the quantiser, as that of real ones does.
+    static double averageRate(RateController &rate, double bitsAtQp26, double keyFactor, int from, int to)
+    {
+        double bits = 0;
+        for (int i = 0; i < to * frameRate; ++i) {
+            const bool isKey = i % frameRate == 0;
+            const double size =
+                bitsAtQp26 * (isKey ? keyFactor : 1) * std::exp2((26 - rate.nextQp(isKey)) / 6.0);
+            rate.spent(std::llround(size), isKey, 1);
+            if (i >= from * frameRate)
+                bits += size;
+        }
+        return bits / (to - from);
+    }
+
     // An encoder with something to encode, and what it made of it.
     struct Rig {
         explicit Rig(const MovieSettings &with = settings())
@@ -126,6 +145,61 @@ private Q_SLOTS:
     {
         for (const MovieSettings &wrong : {settings(0, 240), settings(321, 240), settings(320, 240, 0)})
             QCOMPARE(errorText(H264Encoder::create(wrong)), u"视频参数无效"_s);
+    }
+
+    void theRateKeepsTheAverage()
+    {
+        // About right, five times too much, big key pictures.
+        for (const auto &[bitsAtQp26, keyFactor] : {std::pair(100e3, 3.0), {500e3, 2.0}, {60e3, 20.0}}) {
+            RateController rate(bitRate, frameRate);
+            const double average = averageRate(rate, bitsAtQp26, keyFactor, 2, 12);
+            QVERIFY2(average > 0.85 * bitRate && average < 1.08 * bitRate,
+                     qPrintable(QString::number(average)));
+        }
+    }
+
+    void theRateIsNeverFinerThanTheEyeSees()
+    {
+        RateController rate(bitRate, frameRate);
+        QVERIFY(averageRate(rate, 1e3, 10, 2, 6) < 0.2 * bitRate);
+        QCOMPARE(rate.nextQp(false), RateController::finestQp);
+        QCOMPARE(rate.nextQp(true), RateController::finestKeyQp);
+    }
+
+    void theRateIsNeverCoarserThanReadable()
+    {
+        RateController rate(bitRate, frameRate);
+        averageRate(rate, 50e6, 1, 2, 6);
+        QCOMPARE(rate.nextQp(false), RateController::coarsestQp);
+        QVERIFY(rate.nextQp(true) >= RateController::coarsestQp - 5);
+    }
+
+    // A burst after a still second may use what was saved, half a second's worth.
+    void theRateRecoversFromABurst()
+    {
+        RateController rate(bitRate, frameRate);
+        averageRate(rate, 1e3, 10, 0, 3);
+        QCOMPARE_LT(averageRate(rate, 400e3, 2, 0, 1), 3.5 * bitRate);
+        QCOMPARE_LT(averageRate(rate, 400e3, 2, 0, 4), 1.1 * bitRate);
+    }
+
+    void restsCountAsTime()
+    {
+        RateController rate(bitRate, frameRate);
+        for (int i = 0; i < 20; ++i)
+            rate.spent(1'500'000, i == 0, 15); // four pictures a second at the average rate
+        QCOMPARE_LT(rate.nextQp(false), 30);
+    }
+
+    void keyPicturesAreFinerWhereLittleMoves()
+    {
+        RateController still(bitRate, frameRate);
+        averageRate(still, 90e3, 30, 0, 4);
+        RateController moving(bitRate, frameRate);
+        averageRate(moving, 150e3, 1, 0, 4);
+        const auto gain = [](const RateController &rate) { return rate.nextQp(false) - rate.nextQp(true); };
+        QVERIFY(gain(still) > gain(moving));
+        QVERIFY(gain(moving) >= 1);
     }
 };
 

@@ -5,11 +5,6 @@
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QColor>
-#include <QCoroTask>
-
-#include <algorithm>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -87,47 +82,37 @@ private Q_SLOTS:
         }
     }
 
-    void readsEveryKind_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("coding");
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QSize>("shown");
-        const auto row = [](const QString &name, const QString &coding,
-                            const QString &source = u"color=orange:s=160x90:r=25:d=1"_s,
-                            QSize shown = QSize(160, 90)) {
-            QTest::newRow(qPrintable(name)) << name << coding << source << shown;
-        };
-        row(u"a.webm"_s, u"-c:v libvpx-vp9"_s);
-        row(u"a.mkv"_s, u"-c:v libx264"_s);
-        row(u"a.avi"_s, u"-c:v mpeg4"_s);
-        row(u"a.wmv"_s, u"-c:v wmv2"_s);
-        row(u"a.flv"_s, u"-c:v flv1"_s);
-        row(u"a.mov"_s, u"-c:v mjpeg"_s);
-        row(u"ten bits.mp4"_s, u"-c:v libx264 -pix_fmt yuv420p10le"_s);
-        row(u"odd.mkv"_s, u"-c:v ffv1"_s, u"color=orange:s=161x91:r=25:d=1,format=yuv444p"_s, {161, 91});
-        row(u"wide pixels.mp4"_s, u"-pix_fmt yuv420p"_s, u"color=orange:s=160x90:r=25:d=1,setsar=2"_s,
-            {320, 90});
-        row(u"film.txt"_s, u"-f matroska"_s);
-    }
     void readsEveryKind()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, coding);
-        QFETCH(QString, source);
-        QFETCH(QSize, shown);
-        make(u"-f lavfi -i '%1' %2 '%3'"_s.arg(source, coding, name));
-        QCOMPARE(problem(name), QString());
-        const VideoFacts known = *facts(name);
-        QVERIFY(known.hasVideo);
-        QCOMPARE(known.size, shown);
-        QVERIFY(qAbs(known.framesPerSecond - 25) < 0.1);
-        QVERIFY(qAbs(known.duration - 1) < 0.1);
-        const auto picture = frame(name, 0.5);
-        QVERIFY(picture);
-        QCOMPARE(picture->size(), shown);
-        QVERIFY2(isNear(picture->pixelColor(20, 20), QColor(255, 165, 0)),
-                 qPrintable(picture->pixelColor(20, 20).name()));
+        struct Kind {
+            QString name, coding, source = u"color=orange:s=160x90:r=25:d=1"_s;
+            QSize shown{160, 90};
+        };
+        for (const auto &[name, coding, source, shown] :
+             {Kind{u"a.webm"_s, u"-c:v libvpx-vp9"_s}, Kind{u"a.mkv"_s, u"-c:v libx264"_s},
+              Kind{u"a.avi"_s, u"-c:v mpeg4"_s}, Kind{u"a.wmv"_s, u"-c:v wmv2"_s},
+              Kind{u"a.flv"_s, u"-c:v flv1"_s}, Kind{u"a.mov"_s, u"-c:v mjpeg"_s},
+              Kind{u"film.txt"_s, u"-f matroska"_s},
+              Kind{u"ten bits.mp4"_s, u"-c:v libx264 -pix_fmt yuv420p10le"_s},
+              Kind{u"odd.mkv"_s,
+                   u"-c:v ffv1"_s,
+                   u"color=orange:s=161x91:r=25:d=1,format=yuv444p"_s,
+                   {161, 91}},
+              Kind{u"wide pixels.mp4"_s,
+                   u"-pix_fmt yuv420p"_s,
+                   u"color=orange:s=160x90:r=25:d=1,setsar=2"_s,
+                   {320, 90}}}) {
+            make(u"-f lavfi -i '%1' %2 '%3'"_s.arg(source, coding, name));
+            const auto known = facts(name);
+            const auto picture = frame(name, 0.5);
+            QVERIFY2(known && picture, qPrintable(name + u": "_s + errorText(known) + errorText(picture)));
+            QVERIFY(known->hasVideo);
+            QCOMPARE(known->size, shown);
+            QVERIFY(qAbs(known->framesPerSecond - 25) < 0.1 && qAbs(known->duration - 1) < 0.1);
+            QCOMPARE(picture->size(), shown);
+            QVERIFY2(isNear(picture->pixelColor(20, 20), QColor(255, 165, 0)),
+                     qPrintable(picture->pixelColor(20, 20).name()));
+        }
     }
 
     void showsARotatedFilmUpright()
@@ -138,10 +123,8 @@ private Q_SLOTS:
         make(u"-i turned.mp4 -frames:v 1 turned.png"_s);
         QCOMPARE(facts(u"turned.mp4"_s)->size, QSize(90, 160));
         const auto picture = frame(u"turned.mp4"_s, 0, {45, 80});
-        QVERIFY(picture);
-        QCOMPARE(picture->size(), QSize(45, 80));
+        QVERIFY(picture && picture->size() == QSize(45, 80));
         const QImage reference(path(u"turned.png"_s));
-        QCOMPARE(reference.size(), QSize(90, 160));
         for (const int y : {10, 70})
             QVERIFY(isNear(picture->pixelColor(20, y), reference.pixelColor(40, 2 * y)));
     }

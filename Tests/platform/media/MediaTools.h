@@ -1,45 +1,12 @@
 #pragma once
 
-#include "support/Test.h"
+#include "platform/Programs.h"
 
-#include <QTemporaryFile>
+#include <csignal>
 
-#include <cstdio>
+#include <sys/resource.h>
 
 namespace velbrix::test {
-
-// What a program printed; its complaints go into `errors`. Through a pipe: the
-// thread sanitizer does not survive QProcess.
-inline QByteArray output(const QString &program, const QStringList &arguments, QByteArray *errors = nullptr)
-{
-    const auto quoted = [](const QString &word) {
-        return QByteArray("'") + word.toLocal8Bit().replace("'", "'\\''") + "' ";
-    };
-    QTemporaryFile complaints;
-    if (!complaints.open())
-        return {};
-    QByteArray command = quoted(program);
-    for (const QString &argument : arguments)
-        command += quoted(argument);
-    command += "2>" + quoted(complaints.fileName());
-    FILE *pipe = ::popen(command.constData(), "r");
-    if (!pipe)
-        return {};
-    QByteArray printed;
-    char buffer[4096];
-    while (const std::size_t got = std::fread(buffer, 1, sizeof buffer, pipe))
-        printed.append(buffer, static_cast<qsizetype>(got));
-    ::pclose(pipe);
-    if (errors)
-        *errors = complaints.readAll();
-    return printed;
-}
-
-// What a line of the shell printed, without the white space around it.
-inline QByteArray shell(const QString &line)
-{
-    return output(u"sh"_s, {u"-c"_s, line}).trimmed();
-}
 
 // Has ffmpeg make a file in a folder.
 inline void ffmpeg(const QString &folder, const QString &arguments)
@@ -51,18 +18,24 @@ inline void ffmpeg(const QString &folder, const QString &arguments)
 
 inline QByteArray probed(const QString &path, const QString &entries, const QString &stream)
 {
-    return output(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, stream, u"-show_entries"_s,
-                                 entries, u"-of"_s, u"csv=p=0"_s, path})
-        .trimmed();
+    return shell(u"ffprobe -v error -select_streams %1 -show_entries %2 -of csv=p=0 '%3'"_s.arg(
+        stream, entries, path));
 }
 
-// One line for each decoded picture: its time on the movie's clock and its hash.
-inline QByteArray pictures(const QString &path, QByteArray *errors = nullptr)
+// One line for each decoded picture: its time on the movie's clock and its
+// hash. What is wrong with the movie stands among them.
+inline QByteArray pictures(const QString &path)
 {
-    return output(u"ffmpeg"_s,
-                  {u"-v"_s, u"error"_s, u"-copyts"_s, u"-i"_s, path, u"-map"_s, u"0:v"_s, u"-fps_mode"_s,
-                   u"passthrough"_s, u"-f"_s, u"framemd5"_s, u"-"_s},
-                  errors);
+    return output(
+        u"ffmpeg -v error -copyts -i '%1' -map 0:v -fps_mode passthrough -f framemd5 - 2>&1"_s.arg(path));
+}
+
+// How many there are; none where anything is wrong with the movie.
+inline qsizetype playablePictures(const QString &path)
+{
+    const QByteArray lines = '\n' + pictures(path).trimmed();
+    const qsizetype found = lines.count("\n0, ");
+    return found + lines.count("\n#") == lines.count('\n') ? found : 0;
 }
 
 // The decoded sound from the movie's time zero on, interleaved floats. What
@@ -70,9 +43,29 @@ inline QByteArray pictures(const QString &path, QByteArray *errors = nullptr)
 inline QByteArray sound(const QString &path, const QString &stream = u"a:0"_s)
 {
     const int start = probed(path, u"stream=start_pts"_s, stream).split('\n').first().toInt();
-    const QByteArray all = output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path, u"-map"_s,
-                                                u"0:"_s + stream, u"-f"_s, u"f32le"_s, u"-"_s});
+    const QByteArray all = output(u"ffmpeg -v error -i '%1' -map 0:%2 -f f32le -"_s.arg(path, stream));
     return all.mid(start < 0 ? -start * 8 : 0);
 }
+
+// Stands for a full disk: no file of this program grows beyond that size.
+class LargestFile {
+public:
+    explicit LargestFile(qint64 bytes)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &_before);
+        const rlimit tight{.rlim_cur = static_cast<rlim_t>(bytes), .rlim_max = _before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &tight);
+    }
+    ~LargestFile()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &_before);
+        std::signal(SIGXFSZ, _handler);
+    }
+    Q_DISABLE_COPY_MOVE(LargestFile)
+
+private:
+    rlimit _before{};
+    void (*const _handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
 
 } // namespace velbrix::test

@@ -1,8 +1,6 @@
 #include "platform/linux/media/sound/SoundTimeline.h"
 #include "support/Test.h"
 
-#include <algorithm>
-
 // One channel at 1000 samples per second, fragments of 20 samples (20 ms):
 // a position is a millisecond.
 class SoundTimelineTest : public QObject {

@@ -6,8 +6,6 @@
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QCoroTask>
-
 class AdminShellTest : public QObject {
     Q_OBJECT
 

@@ -1,34 +1,9 @@
 #include "platform/linux/processes/ProcPrograms.h"
 
+#include "platform/Programs.h"
 #include "support/FakeApplications.h"
 #include "support/FileTree.h"
 #include "support/Test.h"
-
-#include <QProcess>
-
-namespace {
-
-// A program of the test's own that does nothing for long.
-class Sleeper {
-public:
-    explicit Sleeper(const QString &program, const QStringList &arguments = {u"600"_s},
-                     const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
-    {
-        _process.setProcessEnvironment(environment);
-        _process.start(program, arguments);
-        _process.waitForStarted();
-    }
-    ~Sleeper()
-    {
-        _process.kill();
-        _process.waitForFinished();
-    }
-
-private:
-    QProcess _process;
-};
-
-} // namespace
 
 class RunningProgramsTest : public QObject {
     Q_OBJECT
@@ -38,10 +13,7 @@ class RunningProgramsTest : public QObject {
 
     QString program(const QString &name) const
     {
-        QDir().mkpath(QFileInfo(_folder + u'/' + name).path());
-        const QString path = _folder + u'/' + name;
-        QFile::copy(QFileInfo(u"/bin/sleep"_s).canonicalFilePath(), path);
-        return path;
+        return standIn(_folder + u'/' + name, readFile(u"/bin/sleep"_s));
     }
     // The same for the fake and the real one, while "app/velb-sleeper" runs.
     void knowsTheSleeper(const RunningPrograms &programs)
@@ -67,7 +39,7 @@ private Q_SLOTS:
         const ProcPrograms programs;
         QVERIFY(!programs.runsFrom(_folder + u"/app"_s));
         {
-            const Sleeper sleeper(program(u"app/velb-sleeper"_s));
+            const RunningProgram sleeper(program(u"app/velb-sleeper"_s), {u"600"_s});
             QTRY_VERIFY(programs.runsFrom(_folder + u"/app"_s));
             knowsTheSleeper(programs);
             QVERIFY(QFile::link(_folder + u"/app"_s, _folder + u"/link"_s));
@@ -83,9 +55,9 @@ private Q_SLOTS:
     {
         const QString script =
             standIn(_folder + u"/scripts/velb-script-of-a-long-name"_s, "#!/bin/sh\nread line\n");
-        const Sleeper running(script, {});
+        const RunningProgram running(script);
         // Names it only, and does not run it.
-        const Sleeper other(program(u"velb-other"_s), {u"600"_s, u"velb-named"_s});
+        const RunningProgram other(program(u"velb-other"_s), {u"600"_s, u"velb-named"_s});
         const ProcPrograms programs;
         QTRY_COMPARE(programs.running({u"velb-script-of-a-long-name"_s, u"velb-named"_s}),
                      QSet<QString>{u"velb-script-of-a-long-name"_s});
@@ -100,10 +72,10 @@ private Q_SLOTS:
         environment.insert(u"APPDIR"_s, _folder + u"/.mount_Velb"_s);
         const ProcPrograms programs;
         // What it starts is not the image.
-        const Sleeper child(program(u"velb-child"_s), {u"600"_s}, environment);
+        const RunningProgram child(program(u"velb-child"_s), {u"600"_s}, environment);
         QTRY_VERIFY(programs.runsFrom(_folder + u"/velb-child"_s));
         QVERIFY(!programs.runsFrom(image));
-        const Sleeper inside(program(u".mount_Velb/usr/bin/velb-inside"_s), {u"600"_s}, environment);
+        const RunningProgram inside(program(u".mount_Velb/usr/bin/velb-inside"_s), {u"600"_s}, environment);
         QTRY_VERIFY(programs.runsFrom(image));
     }
 

@@ -37,12 +37,9 @@ int runCopy(QCoreApplication &application, const QString &folder, bool leaves)
 }
 
 struct Copy {
-    explicit Copy(const QString &folder, bool leaves = false)
+    explicit Copy(const QString &folder, const QStringList &options = {})
     {
-        QStringList arguments = {u"--copy"_s, folder};
-        if (leaves)
-            arguments << u"--leaves"_s;
-        process.start(QCoreApplication::applicationFilePath(), arguments);
+        process.start(QCoreApplication::applicationFilePath(), QStringList{u"--copy"_s, folder} + options);
     }
     ~Copy()
     {
@@ -63,7 +60,6 @@ struct Copy {
 class SingleInstanceTest : public QObject {
     Q_OBJECT
 
-private:
     std::unique_ptr<QTemporaryDir> _folder;
 
 private Q_SLOTS:
@@ -107,7 +103,7 @@ private Q_SLOTS:
     // However the first one ends.
     void whoComesWhileTheFirstLeavesGetsThePlaceAfterIt()
     {
-        Copy first(_folder->path(), true);
+        Copy first(_folder->path(), {u"--leaves"_s});
         QTRY_VERIFY(first.said("leaving"));
         FolderSingleInstance early(_folder->path());
         QVERIFY(!early.wakeOther());

@@ -45,6 +45,7 @@ public Q_SLOTS:
 
 // What a window of another program is like.
 struct Cover {
+    const char *name;
     QRect frame;
     bool isUnmanaged = false;
     bool isDecorated = true;
@@ -52,6 +53,23 @@ struct Cover {
     const char *type = "_NET_WM_WINDOW_TYPE_NORMAL";
     quint32 opacity = 0xffffffff;
 };
+
+std::unique_ptr<ForeignWindow> shown(const Cover &cover)
+{
+    Observer observer;
+    auto window = std::make_unique<ForeignWindow>(cover.frame, cover.isUnmanaged);
+    window->set("_NET_WM_WINDOW_TYPE", cover.type);
+    observer.setNumbers(window->id(), "_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, {cover.opacity});
+    if (cover.state)
+        window->set("_NET_WM_STATE", cover.state);
+    const char *const hints = "_MOTIF_WM_HINTS";
+    if (!cover.isDecorated)
+        observer.setNumbers(window->id(), hints, observer.connection().atom(hints), {2, 0, 0, 0, 0});
+    window->map();
+    [[maybe_unused]] const bool isThere =
+        waitFor([&] { return cover.isUnmanaged || observer.isManaged(window->id()); });
+    return window;
+}
 
 quint32 monitorId()
 {
@@ -117,62 +135,40 @@ private Q_SLOTS:
     }
     void x11KeepsTheContract()
     {
-        VirtualClock clock;
-        X11DesktopVisibility visibility(clock);
+        RealVisibility real;
         ForeignWindow window(QRect(0, 0, 400, 300));
         window.set("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
         keepsContract(
-            visibility, [&] { clock.advance(100ms); }, [&] { window.map(); }, [&] { window.unmap(); });
-        QCOMPARE(clock.pendingCount(), 0);
+            real.visibility, [&] { real.clock.advance(100ms); }, [&] { window.map(); },
+            [&] { window.unmap(); });
+        QCOMPARE(real.clock.pendingCount(), 0);
     }
 
-    void knowsWhatCovers_data()
+    void knowsWhatCovers()
     {
-        QTest::addColumn<Cover>("cover");
-        QTest::addColumn<bool>("covers");
         const QRect whole(0, 0, 1280, 800);
         const QRect small(9, 9, 400, 300);
         const char *const full = "_NET_WM_STATE_FULLSCREEN";
-        QTest::newRow("full-screen") << Cover{.frame = small, .state = full} << true;
-        QTest::newRow("without decorations") << Cover{.frame = whole, .isDecorated = false} << true;
-        QTest::newRow("lock") << Cover{.frame = whole, .isUnmanaged = true} << true;
-        QTest::newRow("too small") << Cover{.frame = QRect(0, 0, 1280, 700), .isDecorated = false} << false;
-        QTest::newRow("translucent") << Cover{.frame = small, .state = full, .opacity = 0x7fffffff} << false;
-        QTest::newRow("below all") << Cover{.frame = whole,
-                                            .isDecorated = false,
-                                            .state = "_NET_WM_STATE_BELOW"}
-                                   << false;
-        QTest::newRow("desktop") << Cover{.frame = whole,
-                                          .isDecorated = false,
-                                          .type = "_NET_WM_WINDOW_TYPE_DESKTOP"}
-                                 << false;
-        QTest::newRow("decorated") << Cover{.frame = whole} << false;
-    }
-    void knowsWhatCovers()
-    {
-        QFETCH(Cover, cover);
-        QFETCH(bool, covers);
-        RealVisibility real;
-        ForeignWindow window(cover.frame, cover.isUnmanaged);
-        window.set("_NET_WM_WINDOW_TYPE", cover.type);
-        window.setNumbers("_NET_WM_WINDOW_OPACITY", {cover.opacity});
-        if (cover.state)
-            window.set("_NET_WM_STATE", cover.state);
-        if (!cover.isDecorated)
-            window.undecorate();
-        window.map();
-        Observer observer;
-        if (!cover.isUnmanaged)
-            QTRY_VERIFY(observer.clients().contains(window.id()));
-        if (covers) {
-            QTRY_COMPARE(real.covered(), QSet<quint32>{monitorId()});
-        } else {
+        const char *const desktop = "_NET_WM_WINDOW_TYPE_DESKTOP";
+        for (const Cover &cover : {Cover{.name = "full-screen", .frame = small, .state = full},
+                                   Cover{.name = "plain", .frame = whole, .isDecorated = false},
+                                   Cover{.name = "lock", .frame = whole, .isUnmanaged = true}}) {
+            RealVisibility real;
+            const auto window = shown(cover);
+            QVERIFY2(waitFor([&] { return real.covered() == QSet{monitorId()}; }), cover.name);
+        }
+        for (const Cover &cover :
+             {Cover{.name = "too small", .frame = QRect(0, 0, 1280, 700), .isDecorated = false},
+              Cover{.name = "translucent", .frame = small, .state = full, .opacity = 0x7fffffff},
+              Cover{.name = "below", .frame = whole, .isDecorated = false, .state = "_NET_WM_STATE_BELOW"},
+              Cover{.name = "desktop", .frame = whole, .isDecorated = false, .type = desktop},
+              Cover{.name = "decorated", .frame = whole}}) {
+            RealVisibility real;
+            const auto window = shown(cover);
             // Ends the wait for what must not come.
-            ForeignWindow last(QRect(0, 0, 10, 10));
-            last.map();
-            QTRY_VERIFY(observer.clients().contains(last.id()));
+            const auto last = shown({.name = "last", .frame = QRect(0, 0, 10, 10)});
             QTest::qWait(50);
-            QVERIFY(real.covered().isEmpty());
+            QVERIFY2(real.covered().isEmpty(), cover.name);
         }
     }
 
@@ -184,11 +180,11 @@ private Q_SLOTS:
         window.map();
         const QSet<quint32> all{monitorId()};
         QTRY_COMPARE(real.covered(), all);
-        QVERIFY(run(u"wmctrl"_s, {u"-s"_s, u"1"_s}));
+        QVERIFY(run(u"wmctrl -s 1"_s));
         QTRY_VERIFY(real.covered().isEmpty());
-        QVERIFY(run(u"wmctrl"_s, {u"-s"_s, u"0"_s}));
+        QVERIFY(run(u"wmctrl -s 0"_s));
         QTRY_COMPARE(real.covered(), all);
-        QVERIFY(run(u"xdotool"_s, {u"windowminimize"_s, QString::number(window.id())}));
+        QVERIFY(run(u"xdotool windowminimize %1"_s.arg(window.id())));
         QTRY_VERIFY(real.covered().isEmpty());
     }
 
@@ -242,9 +238,9 @@ private Q_SLOTS:
     void followsTheServersSaver()
     {
         RealVisibility real;
-        QVERIFY(run(u"xset"_s, {u"s"_s, u"activate"_s}));
+        QVERIFY(run(u"xset s activate"_s));
         QTRY_VERIFY(real.now().isScreenOff);
-        QVERIFY(run(u"xset"_s, {u"s"_s, u"reset"_s}));
+        QVERIFY(run(u"xset s reset"_s));
         QTRY_VERIFY(!real.now().isScreenOff);
         QCOMPARE(real.calls, 2);
     }

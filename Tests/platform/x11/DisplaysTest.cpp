@@ -4,7 +4,6 @@
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/Struts.h"
 #include "support/FakeDesktop.h"
-#include "support/PaintedWindow.h"
 #include "support/Test.h"
 
 namespace {
@@ -42,6 +41,7 @@ class DisplaysTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(waitFor(isManaged)); }
+    void cleanup() { removeTwoMonitors(); }
 
     void fakeKeepsTheContract()
     {
@@ -63,7 +63,6 @@ private Q_SLOTS:
         Observer observer;
         const QList<velbrix::Display> all = X11Displays().displays();
         const quint32 captured = mainMonitor(monitors(observer.connection()))->id;
-        removeTwoMonitors();
         // Settings hold their numbers.
         QCOMPARE(all, (QList<velbrix::Display>{{306900080, u"left"_s, true, left, left},
                                                {2028154341, u"right"_s, false, right, right}}));
@@ -82,20 +81,17 @@ private Q_SLOTS:
                 visible.append(display.visibleFrame);
         });
         QVERIFY(!displays.displays().isEmpty());
-        PaintedWindow panel(u"panel"_s, QRect(0, 0, 640, 30), Qt::gray, Qt::FramelessWindowHint);
-        const xcb_window_t id = panel.id();
-        panel.show();
-        observer.setNumbers(id, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
-                            {observer.connection().atom("_NET_WM_WINDOW_TYPE_DOCK")});
-        observer.setNumbers(id, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
+        ForeignWindow panel(QRect(0, 0, 640, 30));
+        panel.set("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DOCK");
+        panel.map();
+        observer.setNumbers(panel.id(), "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
                             {0, 0, 30, 0, 0, 0, 0, 0, 0, 639, 0, 0});
         QTRY_COMPARE(visible, (QList<QRect>{QRect(0, 30, 640, 770), right}));
-        observer.setNumbers(id, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
+        observer.setNumbers(panel.id(), "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
                             {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1279});
         QTRY_COMPARE(visible, (QList<QRect>{QRect(0, 0, 640, 760), QRect(640, 0, 640, 760)}));
-        panel.close();
+        panel.unmap();
         QTRY_COMPARE(visible, (QList<QRect>{left, right}));
-        removeTwoMonitors();
     }
 
     void appliesStruts()

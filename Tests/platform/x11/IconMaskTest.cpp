@@ -1,15 +1,13 @@
 #include "platform/linux/x11/surface/IconMask.h"
 #include "support/Test.h"
 
-#include <QColor>
-#include <QImage>
 #include <QPainter>
 
 namespace {
 
-QImage picture(QColor colour, QSize size = QSize(100, 80))
+QImage picture(QColor colour)
 {
-    QImage image(size, QImage::Format_RGB32);
+    QImage image(100, 80, QImage::Format_RGB32);
     image.fill(colour);
     return image;
 }

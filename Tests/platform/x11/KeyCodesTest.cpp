@@ -5,8 +5,6 @@
 
 #include <X11/keysym.h>
 
-#include <QMap>
-
 namespace {
 
 using Symbols = QMap<quint8, std::pair<quint32, quint32>>;

@@ -1,3 +1,4 @@
+#include "platform/linux/dbus/LogindSleep.h"
 #include "platform/linux/dbus/UPowerSource.h"
 
 #include "support/Bus.h"
@@ -5,7 +6,7 @@
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
-#include <QCoreApplication>
+#include <QDBusConnectionInterface>
 
 namespace {
 
@@ -32,20 +33,29 @@ public:
     bool isOnBattery = true;
 };
 
-bool hasBus = false;
-
 } // namespace
 
-class PowerSourceTest : public QObject {
+class PowerTest : public QObject {
     Q_OBJECT
 
     VirtualClock _clock;
     QTemporaryDir _folder;
+    OwnBus _bus; // on which this test is UPower and the login manager
+    bool _hasBus = false;
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!qEnvironmentVariableIsEmpty("DBUS_SYSTEM_BUS_ADDRESS"))
+            return;
+        _hasBus = _bus.start("DBUS_SESSION_BUS_ADDRESS") &&
+                  qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
+        QVERIFY(_hasBus);
+    }
+
     void withoutBusAndFilesThereIsNothingToWatch()
     {
-        if (hasBus)
+        if (_hasBus)
             QSKIP("there is a bus");
         UPowerSource source(_clock, u"/nowhere"_s);
         QCOMPARE(errorText(source.observe([] {})), u"没有 UPower 服务，内核也没有电源信息"_s);
@@ -55,34 +65,26 @@ private Q_SLOTS:
         QVERIFY(files.observe([] {}));
     }
 
-    void readsTheKernelsFiles_data()
-    {
-        QTest::addColumn<QByteArrayList>("files");
-        QTest::addColumn<bool>("isOnBattery");
-        const auto row = [](const char *name, const QByteArrayList &files, bool isOnBattery) {
-            QTest::newRow(name) << files << isOnBattery;
-        };
-        row("desktop computer", {}, false);
-        row("unplugged", laptop("0", "Discharging"), true);
-        row("charging", laptop("1", "Charging"), false);
-        row("plugged in, yet discharging", laptop("1", "Discharging"), false);
-        row("full", laptop("0", "Full"), false);
-        row("fed by USB", {"usb/type USB_C", "usb/online 1", "BAT1/type Battery", "BAT1/status Discharging"},
-            false);
-        row("the second battery",
-            {"BAT0/type Battery", "BAT0/status Unknown", "BAT1/type Battery", "BAT1/status Discharging"},
-            true);
-        row("a mouse", {"hid/type Battery", "hid/scope Device", "hid/status Discharging"}, false);
-        row("nonsense", {"x/type \xFF\xFE", "y/uevent x"}, false);
-    }
     void readsTheKernelsFiles()
     {
-        QFETCH(QByteArrayList, files);
-        QTemporaryDir folder;
-        UPowerSource source(_clock, written(folder, files));
-        const auto observing = source.observe([] {});
-        QVERIFY(observing);
-        QTEST(source.isOnBattery(), "isOnBattery");
+        const QList<std::pair<QByteArrayList, bool>> computers{
+            {{}, false}, // a desktop
+            {laptop("0", "Discharging"), true},
+            {laptop("1", "Charging"), false},
+            {laptop("1", "Discharging"), false},
+            {laptop("0", "Full"), false},
+            {{"usb/type USB_C", "usb/online 1", "BAT1/type Battery", "BAT1/status Discharging"}, false},
+            {{"BAT0/type Battery", "BAT0/status Unknown", "BAT1/type Battery", "BAT1/status Discharging"},
+             true},
+            {{"hid/type Battery", "hid/scope Device", "hid/status Discharging"}, false}, // a mouse
+            {{"x/type \xFF\xFE", "y/uevent x"}, false}};
+        for (const auto &[files, isOnBattery] : computers) {
+            const QTemporaryDir folder;
+            UPowerSource source(_clock, written(folder, files));
+            const auto observing = source.observe([] {});
+            QVERIFY(observing);
+            QVERIFY2(source.isOnBattery() == isOnBattery, files.join("; "));
+        }
     }
 
     void looksAtTheFilesAgain()
@@ -108,7 +110,7 @@ private Q_SLOTS:
     void tellsOfThePlug()
     {
         QFETCH(bool, isReal);
-        if (isReal && !hasBus)
+        if (isReal && !_hasBus)
             QSKIP("there is no bus");
         const QString path = u"/org/freedesktop/UPower"_s;
         const QString name = u"org.freedesktop.UPower"_s;
@@ -137,19 +139,40 @@ private Q_SLOTS:
         QTRY_COMPARE(seen, (QList<bool>{false, true}));
         QCOMPARE(_clock.pendingCount(), 0);
     }
+
+    void tellsOfTheWaking_data() { fakeAndReal(); }
+    void tellsOfTheWaking()
+    {
+        QFETCH(bool, isReal);
+        FakeSystemSleep fake;
+        LogindSleep logind;
+        SystemSleep &sleep = isReal ? static_cast<SystemSleep &>(logind) : fake;
+        BusPeer manager;
+        const auto oneNight = [&] {
+            if (!isReal)
+                return fake.wake();
+            // Answers once the bus knows what the watch wants to hear.
+            QDBusConnection::systemBus().interface()->isServiceRegistered(u"org.freedesktop.login1"_s);
+            for (const bool begins : {true, false})
+                manager.emitSignal(u"/org/freedesktop/login1"_s, u"org.freedesktop.login1.Manager"_s,
+                                   u"PrepareForSleep"_s, {begins});
+        };
+        int wakings = 0;
+        Observation watch = sleep.observeWaking([&] { ++wakings; });
+        if (isReal && !_hasBus)
+            QSKIP("there is no bus");
+        oneNight();
+        QTRY_COMPARE(wakings, 1);
+        oneNight();
+        QTRY_COMPARE(wakings, 2);
+        watch.reset();
+        oneNight();
+        watch = sleep.observeWaking([&] { watch.reset(); });
+        oneNight();
+        QTRY_VERIFY(!watch);
+        QCOMPARE(wakings, 2);
+    }
 };
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    OwnBus bus;
-    if (qEnvironmentVariableIsEmpty("DBUS_SYSTEM_BUS_ADDRESS")) {
-        hasBus = bus.start("DBUS_SESSION_BUS_ADDRESS") &&
-                 qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
-        if (!hasBus)
-            return 1;
-    }
-    PowerSourceTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-#include "PowerSourceTest.moc"
+QTEST_GUILESS_MAIN(PowerTest)
+#include "PowerTest.moc"
