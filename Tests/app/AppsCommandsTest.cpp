@@ -27,12 +27,7 @@ struct Rig : UninstallRig {
 
     std::unique_ptr<AppServices> services;
     CommandReply reply; // the newest
-    // To a line: the exit code and the text.
-    QString said(const QString &line)
-    {
-        reply = ask(*services, clock, line);
-        return u"%1 %2"_s.arg(QString::number(reply.exitCode), reply.text);
-    }
+    QString said(const QString &line) { return words(reply = ask(*services, clock, line)); }
 };
 
 } // namespace

@@ -6,54 +6,32 @@ class CommandTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void parses_data()
+    void parses()
     {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<std::optional<ParsedCommand>>("parsed");
-        const auto row = [](const QString &line, const std::optional<ParsedCommand> &parsed) {
-            QTest::newRow(qPrintable(line)) << line << parsed;
+        const auto reads = [](const QString &line, const std::optional<ParsedCommand> &parsed) {
+            QVERIFY2(parseCommand(line.split(u' ')) == parsed, qPrintable(line));
         };
         const auto set = [](const QString &file, const QMap<QString, QString> &options) {
             return ParsedCommand{u"wallpaper set"_s, {file}, false, options};
         };
-        row(u"status"_s, ParsedCommand{u"status"_s, {}, false, {}});
-        row(u"--json status"_s, ParsedCommand{u"status"_s, {}, true, {}});
-        row(u"record list-windows --json"_s, ParsedCommand{u"record list-windows"_s, {}, true, {}});
-        row(u"show recorder"_s, ParsedCommand{u"show"_s, {u"recorder"_s}, false, {}});
-        row(u"wallpaper set a.mp4 --display 2"_s, set(u"a.mp4"_s, {{u"--display"_s, u"2"_s}}));
-        row(u"wallpaper set --display=2 a.mp4"_s, set(u"a.mp4"_s, {{u"--display"_s, u"2"_s}}));
-        row(u"wallpaper set -a.mp4"_s, set(u"-a.mp4"_s, {}));
-        row(u"wallpaper set -- --json"_s, set(u"--json"_s, {}));
-        row(u"clean run --yes npm pip"_s,
-            ParsedCommand{u"clean run"_s, {u"npm"_s, u"pip"_s}, false, {{u"--yes"_s, QString()}}});
-        row(u"clean run"_s, ParsedCommand{u"clean run"_s, {}, false, {}});
-        for (const char *line : {"record",
-                                 "record fly",
-                                 "show",
-                                 "show a b",
-                                 "status now",
-                                 "--verbose",
-                                 "show --help-me",
-                                 "statusx",
-                                 "--json",
-                                 "wallpaper",
-                                 "wallpaper set",
-                                 "wallpaper set ",
-                                 "wallpaper set a b",
-                                 "wallpaper set a --display",
-                                 "wallpaper set a --loud 1",
-                                 "wallpaper set --a.mp4",
-                                 "wallpaper play --display 1",
-                                 "wallpaper set a --display 1 --display=2",
-                                 "clean run --yes=1",
-                                 "clean run --yes --yes",
-                                 "apps uninstall"})
-            row(QString::fromLatin1(line), std::nullopt);
-    }
-    void parses()
-    {
-        QFETCH(QString, line);
-        QTEST(parseCommand(line.split(u' ')), "parsed");
+        reads(u"status"_s, ParsedCommand{u"status"_s, {}, false, {}});
+        reads(u"--json status"_s, ParsedCommand{u"status"_s, {}, true, {}});
+        reads(u"record list-windows --json"_s, ParsedCommand{u"record list-windows"_s, {}, true, {}});
+        reads(u"show recorder"_s, ParsedCommand{u"show"_s, {u"recorder"_s}, false, {}});
+        reads(u"wallpaper set a.mp4 --display 2"_s, set(u"a.mp4"_s, {{u"--display"_s, u"2"_s}}));
+        reads(u"wallpaper set --display=2 a.mp4"_s, set(u"a.mp4"_s, {{u"--display"_s, u"2"_s}}));
+        reads(u"wallpaper set -a.mp4"_s, set(u"-a.mp4"_s, {}));
+        reads(u"wallpaper set -- --json"_s, set(u"--json"_s, {}));
+        reads(u"clean run --yes npm pip"_s,
+              ParsedCommand{u"clean run"_s, {u"npm"_s, u"pip"_s}, false, {{u"--yes"_s, QString()}}});
+        reads(u"clean run"_s, ParsedCommand{u"clean run"_s, {}, false, {}});
+        const QString misuse =
+            u"record|record fly|show|show a b|status now|--verbose|show --help-me|statusx|--json|wallpaper|"
+            "wallpaper set|wallpaper set |wallpaper set a b|wallpaper set a --display|"
+            "wallpaper set a --loud 1|wallpaper set --a.mp4|wallpaper play --display 1|"
+            "wallpaper set a --display 1 --display=2|clean run --yes=1|clean run --yes --yes|apps uninstall"_s;
+        for (const QString &line : misuse.split(u'|'))
+            reads(line, std::nullopt);
     }
 
     void pathsAreThoseOfTheTypist()
@@ -82,8 +60,6 @@ private Q_SLOTS:
 
     void theHelpNamesEveryVerb()
     {
-        QVERIFY(helpText().contains(u"velbrix wallpaper set <视频文件> [--display <编号>]\n"_s));
-        QVERIFY(helpText().contains(u"velbrix clean run [清理项 …] [--yes]\n"_s));
         QVERIFY(helpText().contains(u"velbrix backup add <源文件夹> <保存目录> [--kind <backup|sync>]"_s));
         QVERIFY(helpText().contains(u"（wallpaper、recorder、clean、"_s));
         for (const Command &command : commands())

@@ -5,17 +5,8 @@ namespace {
 const QString prefix = u"Velbrix_Privacy_"_s;
 
 struct Rig : ServicesRig {
-    explicit Rig(const QJsonObject &stored = {})
-    {
-        host.settings.stored = stored;
-        make();
-    }
+    explicit Rig(const QJsonObject &stored = {}) : ServicesRig(stored) { make(); }
     PrivacyManager &privacy() { return services->privacy; }
-    QJsonObject stored()
-    {
-        (void)services->settings.flush();
-        return host.settings.stored;
-    }
 };
 
 } // namespace
@@ -44,9 +35,9 @@ private Q_SLOTS:
         rig.privacy().grant(PrivacyConsentKind::firstLaunch);
         QVERIFY(rig.privacy().hasAcceptedFirstLaunchNotice());
         const double now = static_cast<double>(rig.clock.now().toMSecsSinceEpoch()) / 1000;
-        QCOMPARE(rig.stored(), (QJsonObject{{prefix + u"firstLaunchAccepted"_s, true},
-                                            {prefix + u"consent_firstLaunch"_s, true},
-                                            {prefix + u"firstLaunchAcceptedAt"_s, now}}));
+        QCOMPARE(rig.saved(), (QJsonObject{{prefix + u"firstLaunchAccepted"_s, true},
+                                           {prefix + u"consent_firstLaunch"_s, true},
+                                           {prefix + u"firstLaunchAcceptedAt"_s, now}}));
     }
 
     void guardsAnAction()
@@ -66,7 +57,7 @@ private Q_SLOTS:
         rig.privacy().confirmPendingNotice();
         QCOMPARE(runs, 1);
         QVERIFY(!rig.privacy().pendingFeatureNotice());
-        QCOMPARE(rig.stored(), (QJsonObject{{prefix + u"consent_systemAudio"_s, true}}));
+        QCOMPARE(rig.saved(), (QJsonObject{{prefix + u"consent_systemAudio"_s, true}}));
         act();
         QCOMPARE(runs, 2);
         QVERIFY(!rig.privacy().pendingFeatureNotice());
@@ -104,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(rig.privacy().firstLaunchCountdown(), 0);
         rig.privacy().confirmFirstLaunch();
         QVERIFY(rig.privacy().hasAcceptedFirstLaunchNotice());
-        QVERIFY(rig.stored().value(prefix + u"didPromptAllSystemPermissions"_s).toBool());
+        QVERIFY(rig.saved().value(prefix + u"didPromptAllSystemPermissions"_s).toBool());
     }
 
     void promptsForPermissionsOnceInOrder()

@@ -5,10 +5,9 @@ namespace {
 struct Rig : ServicesRig {
     Rig()
     {
-        recorder.preferences().setOutputDir(folder.path());
+        recorder.preferences().setOutputDir(files.path());
         services->privacy.acceptFirstLaunch();
     }
-    QTemporaryDir folder;
     ScreenRecorderController &recorder = make().recorder;
     RecordingActions &actions = services->recordingActions;
 };

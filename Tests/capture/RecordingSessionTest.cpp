@@ -163,7 +163,7 @@ private Q_SLOTS:
             rig.host.screenCapture.featuresAnswer.recordingOutput = true;
             rig.preferences.setRecordSystemAudio(hasSound);
             if (fallsBack)
-                rig.state->addRecordingOutputAnswer = failure(u"不支持"_s);
+                rig.state->refused[u"addRecordingOutput"_s] = u"不支持"_s;
             rig.start();
             QVERIFY(rig.recorder.isRecording());
             QVERIFY2(rig.lines().contains(line), qPrintable(line));
@@ -191,19 +191,13 @@ private Q_SLOTS:
 
     void anyStepMayFail()
     {
-        using Arrange = void (*)(Rig &);
-        const Arrange steps[] = {
-            [](Rig &r) { r.host.screenCapture.contentAnswer->displays.clear(); },
-            [](Rig &r) { r.host.screenCapture.geometryAnswer = failure(u"没有找到显示器"_s); },
-            [](Rig &r) { r.host.screenCapture.makeSessionFailure = Failure{u"没有找到显示器"_s}; },
-            [](Rig &r) { r.state->openWriterAnswer = failure(u"没有找到显示器"_s); },
-            [](Rig &r) { r.state->addOutputAnswers[CaptureOutput::screen] = failure(u"没有找到显示器"_s); },
-            [](Rig &r) { r.state->startCaptureAnswer = failure(u"没有找到显示器"_s); }};
-        for (const Arrange fails : steps) {
+        for (const QString &step : {u"content"_s, u"geometry"_s, u"makeSession"_s, u"openWriter"_s,
+                                    u"addOutput screen"_s, u"startCapture"_s}) {
             Rig rig;
             const auto content = rig.host.screenCapture.contentAnswer;
-            const auto geometry = rig.host.screenCapture.geometryAnswer;
-            fails(rig);
+            if (step == u"content")
+                rig.host.screenCapture.contentAnswer->displays.clear();
+            rig.state->refused[step] = u"没有找到显示器"_s;
             rig.start();
             QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
             QCOMPARE(rig.lines().last(), u"❌ 没有找到显示器"_s);
@@ -212,8 +206,6 @@ private Q_SLOTS:
 
             // The way is free for the next start.
             rig.host.screenCapture.contentAnswer = content;
-            rig.host.screenCapture.geometryAnswer = geometry;
-            rig.host.screenCapture.makeSessionFailure.reset();
             rig.host.screenCapture.nextSession = std::make_shared<FakeCaptureState>();
             rig.recorder.start();
             settle();
@@ -226,10 +218,10 @@ private Q_SLOTS:
     {
         using Arrange = void (*)(Rig &);
         const std::pair<Arrange, QStringList> rows[] = {
-            {[](Rig &r) { r.state->openWriterAnswer = MovieTracks{}; },
+            {[](Rig &r) { r.state->tracks.emplace(); },
              {u"无法添加系统音频轨"_s,
               u"无法添加麦克风轨（可能容器限制），将与系统音合并尝试失败时忽略）"_s}},
-            {[](Rig &r) { r.state->addOutputAnswers[CaptureOutput::systemAudio] = failure(u"没有音轨"_s); },
+            {[](Rig &r) { r.state->refused[u"addOutput systemAudio"_s] = u"没有音轨"_s; },
              {u"⚠️ 无法挂载系统音频 output:没有音轨"_s}},
             {[](Rig &r) { r.host.screenCapture.featuresAnswer.microphone = false; },
              {u"当前系统 < macOS 15，无法用 SCStream 录麦克风"_s}}};
@@ -252,7 +244,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.start(60);
-        rig.state->stopCaptureAnswer = failure(u"已断开"_s);
+        rig.state->refused[u"stopCapture"_s] = u"已断开"_s;
         rig.host.screenCapture.session()->observer.warning(u"麦克风已断开"_s);
         rig.host.screenCapture.session()->observer.streamStopped(Failure{u"窗口已关闭"_s});
         settle();
@@ -269,16 +261,16 @@ private Q_SLOTS:
         const QString bad = u"❌ 不可播放 playable=false duration=0.000 size=20000 mode=manual"_s;
         const QString gone = u"❌ 输出文件不存在"_s;
         const QString unknown = u"校验没有结果，文件保留：x"_s;
-        const auto full = failure(u"磁盘已满"_s);
+        const QString full = u"磁盘已满"_s;
         const auto noAnswer = failure(u"x"_s);
         const MovieFacts plays{true, 5, true, 1};
         const struct {
             int frames;
-            Result<void> finish;
+            std::optional<QString> finish; // why it fails
             Result<MovieFacts> facts;
             bool isKept;
             QStringList lines; // the last ones
-        } rows[] = {{3, failure(QString()), MovieFacts{}, false, {u"❌ finishWriting 失败:unknown"_s, gone}},
+        } rows[] = {{3, QString(), MovieFacts{}, false, {u"❌ finishWriting 失败:unknown"_s, gone}},
                     {3, full, plays, true, {u"❌ finishWriting 失败:磁盘已满"_s, good}},
                     {0, {}, MovieFacts{}, false, {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, gone}},
                     {3, {}, MovieFacts{true, 5, false, 2}, true, {good, u"no video, audioTracks=2"_s}},
@@ -287,7 +279,8 @@ private Q_SLOTS:
         for (const auto &[frames, finish, facts, isKept, lines] : rows) {
             Rig rig;
             rig.start(frames);
-            rig.state->finishWritingAnswer = finish;
+            if (finish)
+                rig.state->refused[u"finishWriting"_s] = *finish;
             rig.host.movieFiles.facts = facts;
             rig.stop();
             QVERIFY(!rig.recorder.isRecording());

@@ -61,7 +61,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.capture.imageDelay = 10ms;
-        rig.capture.imageAnswers.emplace(2, failure(u"gone"_s));
+        rig.capture.nextSession->refused[u"windowImage 2"_s] = u"gone"_s;
         rig.show({window(1, u"A"_s), window(2, u"B"_s), window(3, u"C"_s)});
         QVERIFY(rig.catalog.isLoadingWindowThumbs());
         QCOMPARE(rig.capture.calls, (QStringList{u"shareableContent"_s, u"windowImage 1 266x200"_s}));

@@ -347,7 +347,7 @@ private Q_SLOTS:
     void removalsThatFailAreTold()
     {
         Rig rig;
-        rig.trash.emptyFailure = u"磁盘只读"_s;
+        rig.trash.emptyAnswer = failure(u"磁盘只读"_s);
         rig.cleaned({u"trash"_s});
         // Counted all the same, as every item is.
         QCOMPARE(rig.cleaner->report().outcome, CleanupPhase::done(1, 0));

@@ -23,35 +23,29 @@ public:
     AnswerTime() = default;
     explicit AnswerTime(Clock &clock) : _clock(&clock) {}
 
-    class Wait {
-    public:
-        Wait(QObject &context, Clock *clock, std::chrono::milliseconds delay)
-            : _context(context), _clock(clock), _delay(delay)
-        {
-        }
+    struct Wait {
+        QObject &context;
+        Clock *clock;
+        std::chrono::milliseconds delay;
+        std::unique_ptr<Alarm> alarm = nullptr;
+
         bool await_ready() const { return false; }
         void await_suspend(std::coroutine_handle<> sequence)
         {
-            if (_delay.count() == 0) {
-                QMetaObject::invokeMethod(&_context, [sequence] { sequence.resume(); }, Qt::QueuedConnection);
+            if (delay.count() == 0) {
+                QMetaObject::invokeMethod(&context, [sequence] { sequence.resume(); }, Qt::QueuedConnection);
                 return;
             }
-            _alarm = _clock->after(_delay, [sequence, fake = QPointer<QObject>(&_context)] {
+            alarm = clock->after(delay, [sequence, fake = QPointer<QObject>(&context)] {
                 if (fake)
                     sequence.resume();
             });
         }
         void await_resume() const {}
-
-    private:
-        QObject &_context;
-        Clock *_clock;
-        std::chrono::milliseconds _delay;
-        std::unique_ptr<Alarm> _alarm;
     };
 
     // co_await _answer.after(delay); a delay needs a clock.
-    Wait after(std::chrono::milliseconds delay = {}) { return Wait(_context, _clock, delay); }
+    Wait after(std::chrono::milliseconds delay = {}) { return {_context, _clock, delay}; }
 
 private:
     QObject _context;

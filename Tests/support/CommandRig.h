@@ -12,14 +12,22 @@ inline CommandReply ask(AppServices &services, VirtualClock &clock, const QStrin
     const auto command = parseCommand(line.split(u' '));
     if (!command)
         return {exitcode::usage, misuseText(line.split(u' ')), {}};
+    settle();
     const auto reply = std::make_shared<std::optional<CommandReply>>();
     commandOf(command->words)->run(services, *command).then([reply](CommandReply now) { *reply = now; });
     const bool isAnswered = waitFor([&] {
+        settle();
         if (!*reply)
             clock.advance(50ms);
         return reply->has_value();
     });
     return isAnswered ? **reply : CommandReply{-1, u"no reply"_s, {}};
+}
+
+// The exit code and the text.
+inline QString words(const CommandReply &reply)
+{
+    return QString::number(reply.exitCode) + u' ' + reply.text;
 }
 
 } // namespace velbrix::test

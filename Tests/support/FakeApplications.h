@@ -22,11 +22,8 @@ public:
     {
         lines.append(line);
         co_await _answer.after(delay);
-        if (cancellation.isCancelled()) {
-            ProcessOutcome outcome;
-            outcome.cancelled = true;
-            co_return std::as_const(outcome);
-        }
+        if (cancellation.isCancelled())
+            co_return ProcessOutcome{.cancelled = true, .output = {}, .errorOutput = {}};
         co_return answer(line);
     }
 

@@ -27,14 +27,12 @@ public:
 
     QCoro::Task<Result<QJsonObject>> current() override
     {
-        const Turn turn(*this, u"current"_s);
-        co_await _answer.after(delay);
+        co_await take(u"current"_s);
         co_return std::as_const(now);
     }
     QCoro::Task<Result<void>> set(const QString path) override
     {
-        const Turn turn(*this, u"set "_s + path);
-        co_await _answer.after(delay);
+        co_await take(u"set "_s + path);
         if (!QFileInfo::exists(path))
             co_return failure(u"无法读取图片："_s + path);
         if (setAnswer && now)
@@ -44,24 +42,20 @@ public:
     QCoro::Task<Result<void>> restore(const QJsonObject picture) override
     {
         const QByteArray json = QJsonDocument(picture).toJson(QJsonDocument::Compact);
-        const Turn turn(*this, u"restore "_s + QString::fromUtf8(json));
-        co_await _answer.after(delay);
+        co_await take(u"restore "_s + QString::fromUtf8(json));
         for (auto place = picture.begin(); restoreAnswer && now && place != picture.end(); ++place)
             now->insert(place.key(), *place);
         co_return std::as_const(restoreAnswer);
     }
 
 private:
-    struct Turn {
-        Turn(FakeDesktopPicture &desktop, const QString &call) : running(desktop._running)
-        {
-            desktop.calls << call;
-            desktop.overlaps += running++ > 0 ? 1 : 0;
-        }
-        ~Turn() { --running; }
-        Q_DISABLE_COPY_MOVE(Turn)
-        int &running;
-    };
+    QCoro::Task<> take(const QString call)
+    {
+        calls << call;
+        overlaps += _running++ > 0 ? 1 : 0;
+        co_await _answer.after(delay);
+        --_running;
+    }
 
     AnswerTime _answer;
     int _running = 0;

@@ -20,16 +20,12 @@ public:
     bool tears = false;             // create says that all is well, with half an archive
     std::optional<QString> extractProblem;
     QStringList entries{u"extracted"_s}; // files that extract makes
-    QList<ArchiveProgress> progress;     // what create and extract report on the way
     bool holds = false;                  // every call waits while this is set, or until it is cancelled
     QStringList calls;                   // "create SOURCE", "test ARCHIVE", "extract ARCHIVE"
-    QList<ArchiveRequest> created;
-    QList<ExtractRequest> extracted;
 
     QCoro::Task<Result<ArchiveOutcome>> create(ArchiveRequest request) override
     {
         calls << u"create "_s + request.source;
-        created.append(request);
         co_await _answer.after();
         if (failure)
             co_return velbrix::failure(*failure);
@@ -39,7 +35,7 @@ public:
             co_return ArchiveOutcome{.exitStatus = 18, .problem = u"无法读取源文件夹"_s};
         if (!write(request.archive, content.first(content.size() / 2)))
             co_return ArchiveOutcome{.exitStatus = 15, .problem = u"无法创建归档："_s + request.archive};
-        if (co_await isCancelled(request.cancellation, request.progress))
+        if (co_await isCancelled(request.cancellation))
             co_return ArchiveOutcome{.exitStatus = 9, .problem = u"已取消"_s, .cancelled = true};
         if (outcome.exitStatus == 0 && !tears)
             write(request.archive, content);
@@ -58,9 +54,8 @@ public:
     QCoro::Task<Result<void>> extract(ExtractRequest request) override
     {
         calls << u"extract "_s + request.archive;
-        extracted.append(request);
         co_await _answer.after();
-        if (co_await isCancelled(request.cancellation, request.progress))
+        if (co_await isCancelled(request.cancellation))
             co_return velbrix::failure(u"已取消"_s);
         if (extractProblem)
             co_return velbrix::failure(*extractProblem);
@@ -80,13 +75,8 @@ public:
 
 private:
     // Goes on when nothing holds it any more.
-    QCoro::Task<bool> isCancelled(Cancellation cancellation,
-                                  std::function<void(const ArchiveProgress &)> reported = {})
+    QCoro::Task<bool> isCancelled(Cancellation cancellation)
     {
-        for (const ArchiveProgress &step : progress) {
-            if (reported)
-                reported(step);
-        }
         while (holds && !cancellation.isCancelled())
             co_await _answer.after(turn);
         co_return cancellation.isCancelled();
@@ -130,9 +120,8 @@ private:
 class FakeTrashCan final : public TrashCan {
 public:
     QHash<QString, QString> refused; // why a path cannot be moved, or a trashed one not put back
-    std::optional<QString> emptyFailure;
-    std::optional<RemovalReport> emptyReport; // instead of what was counted
-    QStringList calls;                        // "trash …", "put back …", "empty"
+    std::optional<Result<RemovalReport>> emptyAnswer; // instead of emptying it
+    QStringList calls;                                // "trash …", "put back …", "empty"
 
     QCoro::Task<Result<QString>> moveToTrash(const QString path) override
     {
@@ -174,8 +163,8 @@ public:
     {
         calls << u"empty"_s;
         co_await _answer.after();
-        if (emptyFailure)
-            co_return failure(*emptyFailure);
+        if (emptyAnswer)
+            co_return std::as_const(*emptyAnswer);
         RemovalReport report;
         const QDir folder(_folder.path());
         const QStringList places = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
@@ -185,7 +174,7 @@ public:
             QDir(folder.filePath(place)).removeRecursively();
             ++report.removedFiles;
         }
-        co_return emptyReport.value_or(report);
+        co_return report;
     }
     QStringList folders() const override { return {_folder.path()}; }
 

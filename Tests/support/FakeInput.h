@@ -13,11 +13,9 @@ class FakeHotkeyRegistrar final : public HotkeyRegistrar {
 public:
     QMap<quint32, HotkeyChord> registered; // by id, as of now
     QList<HotkeyChord> taken;              // held by other programs
-    QStringList calls;                     // "install", "register 1 ⌃⌥0", "release 1"
 
     std::expected<void, HotkeyFailure> installHandler(Handlers handlers) override
     {
-        calls << u"install"_s;
         _handlers = std::move(handlers);
         return {};
     }
@@ -25,7 +23,6 @@ public:
     std::expected<std::unique_ptr<HotkeyRegistration>, HotkeyFailure> registerHotkey(const HotkeyChord &chord,
                                                                                      quint32 id) override
     {
-        calls << u"register %1 %2"_s.arg(id).arg(chord.displayText());
         if (taken.contains(chord) || registered.values().contains(chord))
             return std::unexpected(HotkeyFailure{10, u"已被其他程序占用"_s});
         registered.insert(id, chord);
@@ -45,11 +42,7 @@ private:
     class Registration final : public HotkeyRegistration {
     public:
         Registration(FakeHotkeyRegistrar *owner, quint32 id) : _owner(owner), _id(id) {}
-        ~Registration() override
-        {
-            _owner->calls << u"release %1"_s.arg(_id);
-            _owner->registered.remove(_id);
-        }
+        ~Registration() override { _owner->registered.remove(_id); }
 
     private:
         FakeHotkeyRegistrar *_owner;

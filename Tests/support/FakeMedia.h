@@ -62,12 +62,10 @@ private:
 // Videos that are what the test says, as long as the file is there.
 class FakeMediaProbe final : public MediaProbe {
 public:
-    explicit FakeMediaProbe(Clock &clock) : _answer(clock) { defaultFrame.fill(Qt::darkCyan); }
+    explicit FakeMediaProbe(Clock &clock) : _answer(clock) { frameAnswer->fill(Qt::darkCyan); }
 
     QHash<QString, Result<VideoFacts>> factsOf; // by path; a usual video for the others
-    QHash<QString, QImage> frameOf;             // by path; the default for the others
-    QImage defaultFrame{64, 36, QImage::Format_RGB32};
-    std::optional<Result<QImage>> frameAnswer; // instead of all these
+    Result<QImage> frameAnswer = QImage(64, 36, QImage::Format_RGB32);
     std::chrono::milliseconds delay{0};
     QStringList calls; // "facts PATH", "frame PATH SECONDS WxH"
 
@@ -91,11 +89,11 @@ public:
             co_return failure(u"已取消"_s);
         if (!QFileInfo::exists(path))
             co_return failure(u"文件不存在"_s);
-        if (frameAnswer)
-            co_return std::as_const(*frameAnswer);
-        const QImage picture = frameOf.value(path, defaultFrame);
-        const bool fits = picture.width() <= bound.width() && picture.height() <= bound.height();
-        co_return fits ? picture : picture.scaled(bound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        if (!frameAnswer)
+            co_return std::unexpected(frameAnswer.error());
+        const bool fits = frameAnswer->size().boundedTo(bound) == frameAnswer->size();
+        co_return fits ? *frameAnswer
+                       : frameAnswer->scaled(bound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }
 
 private:

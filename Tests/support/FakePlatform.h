@@ -12,6 +12,8 @@
 #include "support/FakeSystem.h"
 #include "support/SettingsRig.h"
 
+#include <QThreadPool>
+
 namespace velbrix::test {
 
 // Waits for ever, whatever else has ended: the backups' look at the time.
@@ -70,17 +72,21 @@ public:
 // The program's services on a virtual clock and a host of fakes, with folders
 // of their own. Change the host, then call make().
 struct ServicesRig {
-    ServicesRig()
+    explicit ServicesRig(const QJsonObject &stored = {})
     {
+        host.settings.stored = stored;
         qputenv("XDG_DATA_HOME", files.filePath(u"data"_s).toUtf8());
         qputenv("XDG_CACHE_HOME", files.filePath(u"cache"_s).toUtf8());
         qputenv("XDG_CONFIG_HOME", files.filePath(u"config"_s).toUtf8());
         qputenv("HOME", files.path().toUtf8());
     }
-    // Answers on their way find that nobody waits for them any more.
+    // Answers on their way find that nobody waits for them any more, and other threads are done with
+    // the folder.
     ~ServicesRig()
     {
         services.reset();
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
         settle();
     }
 
@@ -93,6 +99,26 @@ struct ServicesRig {
     {
         services = std::make_unique<AppServices>(host.platform, clock);
         return *services;
+    }
+    // A file that exists; what is in it is up to the fake probe.
+    QString video(const QString &name) const { return writeFile(files.filePath(name), "video"); }
+    void plugSecond()
+    {
+        auto list = host.displays.list;
+        list.append({2, u"副屏"_s, false, QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)});
+        host.displays.set(list);
+    }
+    // Of the wallpaper; null when there is no such display with one.
+    FakeVideoSurface *surface(int index = 0) const
+    {
+        settle();
+        return host.surfaces.surfaces.value(index);
+    }
+    // All that is stored by now.
+    QJsonObject saved()
+    {
+        static_cast<void>(services->settings.flush());
+        return host.settings.stored;
     }
 };
 

@@ -3,8 +3,6 @@
 #include "platform/ScreenCapture.h"
 #include "support/AnswerTime.h"
 
-#include <map>
-
 namespace velbrix::test {
 
 // What a fake session answers and what it was asked for. Shared between the
@@ -15,25 +13,23 @@ struct FakeCaptureState {
     std::chrono::milliseconds startDelay{0};
     std::chrono::milliseconds stopDelay{0};
 
-    Result<void> addRecordingOutputAnswer;
-    // When unset: the tracks that the settings ask for.
-    std::optional<Result<MovieTracks>> openWriterAnswer;
-    Result<void> finishWritingAnswer;
-    Result<void> startCaptureAnswer;
-    Result<void> stopCaptureAnswer;
-    std::map<CaptureOutput, Result<void>> addOutputAnswers; // success when absent
-
-    // Runs while the file would be written (openWriter, addRecordingOutput or
-    // the end of finishWriting), for tests that need a real file.
+    // Why a call fails, by its words in `calls` without path or size: "addOutput screen".
+    QHash<QString, QString> refused;
+    // When unset: those that the settings ask for.
+    std::optional<MovieTracks> tracks;
+    // Runs when a movie's file is made, for tests that need a real one.
     std::function<void(const QString &path)> onOpen;
-    std::function<void(const QString &path)> onFinish;
 
     CaptureFilter filter;
     StreamConfiguration configuration;
     std::optional<MovieSettings> movie;
-    QString path;
     bool alive = false;
     QStringList calls; // "openWriter PATH", "addOutput screen", "startCapture", … in order
+
+    Result<void> answer(const QString &call) const
+    {
+        return refused.contains(call) ? failure(refused.value(call)) : Result<void>();
+    }
 };
 
 // A session without a screen, which keeps to the order of the operations.
@@ -55,15 +51,7 @@ public:
         _state->calls << u"addRecordingOutput "_s + path;
         if (!_features.recordingOutput)
             return failure(u"本机不支持系统直写"_s);
-        if (!_state->addRecordingOutputAnswer)
-            return _state->addRecordingOutputAnswer;
-        if (const auto folder = folderOf(path); !folder)
-            return folder;
-        _output = Output::system;
-        _state->path = path;
-        if (_state->onOpen)
-            _state->onOpen(path);
-        return {};
+        return open(Output::system, u"addRecordingOutput"_s, path);
     }
 
     Result<void> removeRecordingOutput() override
@@ -71,8 +59,6 @@ public:
         _state->calls << u"removeRecordingOutput"_s;
         if (std::exchange(_output, Output::none) != Output::system)
             return failure(u"没有系统直写的输出"_s);
-        if (_state->onFinish)
-            _state->onFinish(_state->path);
         return {};
     }
 
@@ -81,19 +67,11 @@ public:
         _state->calls << u"openWriter "_s + settings.path;
         if (_output == Output::writer)
             return failure(u"影片文件已经打开"_s);
-        if (const auto folder = folderOf(settings.path); !folder)
-            return std::unexpected(folder.error());
+        if (const auto opened = open(Output::writer, u"openWriter"_s, settings.path); !opened)
+            return std::unexpected(opened.error());
         _state->movie = settings;
-        const Result<MovieTracks> answer = _state->openWriterAnswer.value_or(
-            MovieTracks{.systemAudio = settings.systemAudio, .microphone = settings.microphone});
-        if (answer) {
-            _output = Output::writer;
-            _tracks = *answer;
-            _state->path = settings.path;
-            if (_state->onOpen)
-                _state->onOpen(settings.path);
-        }
-        return answer;
+        _tracks = _state->tracks.value_or(MovieTracks{settings.systemAudio, settings.microphone});
+        return _tracks;
     }
 
     QCoro::Task<Result<void>> finishWriting() override
@@ -104,26 +82,22 @@ public:
         co_await _answer.after();
         if (!hasMovie)
             co_return failure(u"没有打开的影片文件"_s);
-        if (state->finishWritingAnswer && state->onFinish)
-            state->onFinish(state->path);
-        co_return std::as_const(state->finishWritingAnswer);
+        co_return state->answer(u"finishWriting"_s);
     }
 
     Result<void> addOutput(CaptureOutput output) override
     {
         static constexpr const char *names[] = {"screen", "systemAudio", "microphone"};
-        _state->calls << u"addOutput "_s + QLatin1String(names[static_cast<int>(output)]);
+        const QString call = u"addOutput "_s + QLatin1String(names[static_cast<int>(output)]);
+        _state->calls << call;
         if (_output == Output::none)
             return failure(u"没有打开的影片文件"_s);
         const bool isWritten = _output == Output::writer;
         if (isWritten && ((output == CaptureOutput::systemAudio && !_tracks.systemAudio) ||
                           (output == CaptureOutput::microphone && !_tracks.microphone)))
             return failure(u"影片没有这条音轨"_s);
-        const auto answer = _state->addOutputAnswers.find(output);
-        if (answer != _state->addOutputAnswers.end() && !answer->second)
-            return answer->second;
         _hasScreen = _hasScreen || output == CaptureOutput::screen;
-        return {};
+        return _state->answer(call);
     }
 
     QCoro::Task<Result<void>> startCapture() override
@@ -135,7 +109,7 @@ public:
         co_await _answer.after(state->startDelay);
         if (!isReady)
             co_return failure(u"没有影片或画面，或者录制已经开始过"_s);
-        co_return std::as_const(state->startCaptureAnswer);
+        co_return state->answer(u"startCapture"_s);
     }
 
     QCoro::Task<Result<void>> stopCapture() override
@@ -146,7 +120,7 @@ public:
         co_await _answer.after(state->stopDelay);
         if (!hasStarted)
             co_return failure(u"录制没有开始"_s);
-        co_return std::as_const(state->stopCaptureAnswer);
+        co_return state->answer(u"stopCapture"_s);
     }
 
     CaptureLedger &ledger() override { return _ledger; }
@@ -154,11 +128,17 @@ public:
 private:
     enum class Output { none, system, writer };
 
-    static Result<void> folderOf(const QString &path)
+    Result<void> open(Output output, const QString &call, const QString &path)
     {
         if (!QFileInfo(QFileInfo(path).path()).isDir())
             return failure(u"无法创建文件："_s + path);
-        return {};
+        const Result<void> answer = _state->answer(call);
+        if (answer) {
+            _output = output;
+            if (_state->onOpen)
+                _state->onOpen(path);
+        }
+        return answer;
     }
 
     AnswerTime &_answer;
@@ -182,17 +162,15 @@ public:
     std::chrono::milliseconds imageDelay{0};
     Result<ShareableContent> contentAnswer = ShareableContent{
         .displays = {{.displayId = 1, .frame = QRectF(0, 0, 1920, 1080), .isMain = true}}, .windows = {}};
-    // Per window; when absent: a grey picture of the asked size.
-    std::map<quint32, Result<QImage>> imageAnswers;
-    Result<CaptureGeometry> geometryAnswer = CaptureGeometry{
+    CaptureGeometry geometryAnswer{
         .contentSize = QSizeF(1920, 1080), .pointPixelScale = 1.0, .displayPixels = QSize(1920, 1080)};
-    std::optional<Failure> makeSessionFailure;
-    // What the next session answers; replace it between two sessions.
+    // What the next session and, where they are refused, the calls before it answer; replace it between
+    // two sessions.
     std::shared_ptr<FakeCaptureState> nextSession = std::make_shared<FakeCaptureState>();
 
     // Of the newest session; null once it was destroyed.
     FakeCaptureSession *session() const { return nextSession->alive ? _session : nullptr; }
-    QStringList calls; // "shareableContent", "windowImage 7 320x180", "geometry", "makeSession", in order
+    QStringList calls; // "shareableContent", "windowImage 7 320x180", "makeSession", in order
 
     CaptureFeatures features() const override { return featuresAnswer; }
 
@@ -207,8 +185,8 @@ public:
     {
         calls << u"windowImage %1 %2x%3"_s.arg(windowId).arg(size.width()).arg(size.height());
         co_await _answer.after(imageDelay);
-        if (const auto answer = imageAnswers.find(windowId); answer != imageAnswers.end())
-            co_return std::as_const(answer->second);
+        if (const auto answer = nextSession->answer(u"windowImage %1"_s.arg(windowId)); !answer)
+            co_return std::unexpected(answer.error());
         if (const auto seen = visible({.windowId = windowId, .displayId = 0, .excludedWindows = {}}); !seen)
             co_return std::unexpected(seen.error());
         QImage grey(size, QImage::Format_RGB32);
@@ -218,10 +196,11 @@ public:
 
     Result<CaptureGeometry> geometry(const CaptureFilter &filter) override
     {
-        calls << u"geometry"_s;
         nextSession->filter = filter;
-        const Result<void> seen = visible(filter);
-        return seen ? geometryAnswer : std::unexpected(seen.error());
+        Result<void> seen = visible(filter);
+        if (seen)
+            seen = nextSession->answer(u"geometry"_s);
+        return seen ? Result<CaptureGeometry>(geometryAnswer) : std::unexpected(seen.error());
     }
 
     Result<std::unique_ptr<CaptureSession>> makeSession(const CaptureFilter &filter,
@@ -231,8 +210,8 @@ public:
         calls << u"makeSession"_s;
         nextSession->filter = filter;
         nextSession->configuration = configuration;
-        if (makeSessionFailure)
-            return std::unexpected(*makeSessionFailure);
+        if (const auto answer = nextSession->answer(u"makeSession"_s); !answer)
+            return std::unexpected(answer.error());
         const bool isEven = configuration.width % 2 == 0 && configuration.height % 2 == 0;
         if (configuration.width < 2 || configuration.height < 2 || !isEven ||
             configuration.framesPerSecond < 1)

@@ -16,12 +16,10 @@ class FakeLoginItem final : public LoginItem {
 public:
     bool enabled = false;
     std::optional<QString> failsWith; // the next settings are refused with these words
-    QStringList calls;                // "setEnabled true", "setEnabled false"
 
     bool isEnabled() const override { return enabled; }
     Result<void> setEnabled(bool wanted) override
     {
-        calls << (wanted ? u"setEnabled true"_s : u"setEnabled false"_s);
         if (failsWith)
             return failure(*failsWith);
         enabled = wanted;
@@ -48,19 +46,9 @@ public:
     }
 
     AuthorizationStatus microphone() const override { return microphoneStatus; }
-    QCoro::Task<bool> requestMicrophone() override
-    {
-        calls << u"requestMicrophone"_s;
-        co_await _answer.after();
-        co_return answer(microphoneStatus);
-    }
+    QCoro::Task<bool> requestMicrophone() override { return ask(u"requestMicrophone"_s, microphoneStatus); }
     AuthorizationStatus camera() const override { return cameraStatus; }
-    QCoro::Task<bool> requestCamera() override
-    {
-        calls << u"requestCamera"_s;
-        co_await _answer.after();
-        co_return answer(cameraStatus);
-    }
+    QCoro::Task<bool> requestCamera() override { return ask(u"requestCamera"_s, cameraStatus); }
 
     bool accessibilityTrusted() const override { return true; }
     void promptForAccessibility() override { calls << u"promptForAccessibility"_s; }
@@ -74,11 +62,13 @@ public:
 
 private:
     // The system asks the user only once.
-    bool answer(AuthorizationStatus &status) const
+    QCoro::Task<bool> ask(const QString call, AuthorizationStatus &status)
     {
+        calls << call;
+        co_await _answer.after();
         if (status == AuthorizationStatus::notDetermined)
             status = grantsOnRequest ? AuthorizationStatus::authorized : AuthorizationStatus::denied;
-        return status == AuthorizationStatus::authorized;
+        co_return status == AuthorizationStatus::authorized;
     }
 
     AnswerTime _answer;
@@ -113,7 +103,7 @@ class FakeSingleInstance final : public SingleInstance {
 public:
     bool isTaken = false;   // another copy holds the place
     bool isLeaving = false; // and goes before it can be woken
-    QStringList calls;      // "claim", "wakeOther", "observeWake", "leave"
+    QStringList calls;      // "claim", "wakeOther", "leave"
 
     bool claim() override
     {
@@ -128,7 +118,6 @@ public:
     }
     Observation observeWake(std::function<void()> wake) override
     {
-        calls << u"observeWake"_s;
         Observation observation = _observers.add(std::move(wake));
         tell();
         return observation;

@@ -65,8 +65,7 @@ private:
 #endif
         }
         ~MemoryLimit() { ::setrlimit(RLIMIT_AS, &_former); }
-        MemoryLimit(const MemoryLimit &) = delete;
-        MemoryLimit &operator=(const MemoryLimit &) = delete;
+        Q_DISABLE_COPY_MOVE(MemoryLimit)
 
     private:
         rlimit _former{};

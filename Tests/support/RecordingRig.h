@@ -16,12 +16,14 @@ namespace velbrix::test {
 // What a fake recorder was given, kept beyond its death. Any thread.
 class FakeMovie {
 public:
-    explicit FakeMovie(MovieSettings settings) : _settings(std::move(settings))
+    explicit FakeMovie(MovieSettings asked) : settings(std::move(asked))
     {
-        const qsizetype size = qsizetype(_settings.width) * _settings.height;
+        const qsizetype size = qsizetype(settings.width) * settings.height;
         _whole = {QByteArray(size, 0), QByteArray(size / 4, 0), QByteArray(size / 4, 0)};
         _patched = _whole;
     }
+
+    const MovieSettings settings;
 
     // How many pictures the queue refuses from now on.
     void refuse(int pictures)
@@ -44,7 +46,7 @@ public:
             return false;
         }
         _ticks << tick;
-        copy(picture, {0, 0, _settings.width, _settings.height}, _whole);
+        copy(picture, {0, 0, settings.width, settings.height}, _whole);
         for (const PixelRect &rect : changed)
             copy(picture, rect, _patched);
         return true;
@@ -79,7 +81,7 @@ private:
         const std::scoped_lock lock(_lock);
         return value;
     }
-    int widthOf(std::size_t plane) const { return plane == 0 ? _settings.width : _settings.width / 2; }
+    int widthOf(std::size_t plane) const { return plane == 0 ? settings.width : settings.width / 2; }
     int sample(std::size_t plane, int x, int y) const
     {
         const std::scoped_lock lock(_lock);
@@ -98,7 +100,6 @@ private:
         }
     }
 
-    const MovieSettings _settings;
     mutable std::mutex _lock;
     int _refusals = 0;
     QStringList _calls;
@@ -109,16 +110,16 @@ private:
 
 class FakeMovieRecorder final : public MovieRecorder {
 public:
-    FakeMovieRecorder(std::shared_ptr<FakeMovie> movie, const MovieSettings &settings, CaptureLedger &ledger)
-        : _movie(std::move(movie)),
-          _tracks{settings.systemAudio, settings.microphone},
-          _framesPerSecond(settings.framesPerSecond),
-          _ledger(ledger)
+    FakeMovieRecorder(std::shared_ptr<FakeMovie> movie, CaptureLedger &ledger)
+        : _movie(std::move(movie)), _ledger(ledger)
     {
     }
     ~FakeMovieRecorder() override { _movie->call(u"destroyed"_s); }
 
-    MovieTracks tracks() const override { return _tracks; }
+    MovieTracks tracks() const override
+    {
+        return {_movie->settings.systemAudio, _movie->settings.microphone};
+    }
     void useSystemAudio() override { _movie->call(u"useSystemAudio"_s); }
     void useMicrophone(std::optional<QString> deviceId) override
     {
@@ -129,7 +130,7 @@ public:
     {
         if (!_movie->submit(picture, changed, tick))
             return false;
-        _ledger.noteWrittenFrame(static_cast<double>(tick) / _framesPerSecond);
+        _ledger.noteWrittenFrame(static_cast<double>(tick) / _movie->settings.framesPerSecond);
         return true;
     }
     Result<void> finish(std::int64_t lastTick) override
@@ -140,8 +141,6 @@ public:
 
 private:
     std::shared_ptr<FakeMovie> _movie;
-    MovieTracks _tracks;
-    int _framesPerSecond;
     CaptureLedger &_ledger;
 };
 
@@ -160,7 +159,7 @@ struct RecordingRig {
                      MovieRecorder::Events recorderEvents) -> Result<std::unique_ptr<MovieRecorder>> {
                   movie = std::make_shared<FakeMovie>(asked);
                   events = std::move(recorderEvents);
-                  return std::make_unique<FakeMovieRecorder>(movie, asked, ledger);
+                  return std::make_unique<FakeMovieRecorder>(movie, ledger);
               },
               allowed)
     {
@@ -221,17 +220,13 @@ struct RecordingRig {
         Result<void> done = make(filter, size, cursor);
         if (done)
             done = open();
-        if (done)
-            done = QCoro::waitFor(session->startCapture());
-        return done;
+        return done ? QCoro::waitFor(session->startCapture()) : done;
     }
 
     Result<void> stop()
     {
-        Result<void> done = QCoro::waitFor(session->stopCapture());
-        if (done)
-            done = QCoro::waitFor(session->finishWriting());
-        return done;
+        const Result<void> stopped = QCoro::waitFor(session->stopCapture());
+        return stopped ? QCoro::waitFor(session->finishWriting()) : stopped;
     }
 
     struct Spot {

@@ -72,11 +72,9 @@ struct UninstallRig {
     }
     AppInfo app(const QString &name) const
     {
-        for (const AppInfo &each : scanner->apps()) {
-            if (each.name == name)
-                return each;
-        }
-        return {};
+        const QList<AppInfo> all = scanner->apps();
+        const auto found = std::ranges::find(all, name, &AppInfo::name);
+        return found == all.end() ? AppInfo() : *found;
     }
     UninstallReview reviewOf(const QString &name, UninstallMode mode = UninstallMode::full)
     {

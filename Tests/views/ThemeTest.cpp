@@ -31,46 +31,40 @@ private Q_SLOTS:
         }
     }
 
-    void followsTheSystem()
+    void followsTheSystemUnlessTheEnvironmentFixesIt()
     {
-        FakeDesktopServices desktop;
-        FakeSymbols symbols;
-        const Theme theme(desktop, symbols);
-        QSignalSpy changed(&theme, &Theme::changed);
+        const Theme theme(_desktop, _symbols);
+        const QSignalSpy changed(&theme, &Theme::changed);
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(u"#F5F5F7"_s));
-        desktop.setDarkTheme(true);
+        _desktop.setDarkTheme(true);
         QCOMPARE(changed.count(), 1);
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(u"#1E1E1F"_s));
-        desktop.setDarkTheme(true);
+        _desktop.setDarkTheme(true);
         QCOMPARE(changed.count(), 1);
-    }
-
-    void environmentFixesTheAppearance()
-    {
         qputenv("VELBRIX_THEME", "dark");
-        FakeDesktopServices desktop;
-        FakeSymbols symbols;
-        const Theme theme(desktop, symbols);
-        desktop.setDarkTheme(false);
-        QVERIFY(theme.isDark());
+        const Theme fixed(_desktop, _symbols);
+        _desktop.setDarkTheme(false);
+        QVERIFY(fixed.isDark());
         qunsetenv("VELBRIX_THEME");
     }
 
     void symbolsAreTinted()
     {
-        FakeDesktopServices desktop;
-        FakeSymbols symbols;
-        symbols.unknown = {u"no.such.symbol"_s};
-        const Theme theme(desktop, symbols);
+        _symbols.unknown = {u"no.such.symbol"_s};
+        const Theme theme(_desktop, _symbols);
         const QImage drawn = theme.symbol(u"folder"_s, 16, Qt::red, 1).toImage();
         QCOMPARE(drawn.pixelColor(8, 8), QColor(Qt::red));
         QVERIFY(theme.symbol(u"no.such.symbol"_s, 16, Qt::red, 1).isNull());
-        desktop.setDarkTheme(true);
         const QIcon icon = theme.icon(u"folder"_s, ThemeColor::text);
-        QCOMPARE(icon.pixmap(16).toImage().pixelColor(8, 8), theme.color(ThemeColor::text));
-        desktop.setDarkTheme(false);
-        QCOMPARE(icon.pixmap(16).toImage().pixelColor(8, 8), theme.color(ThemeColor::text));
+        for (const bool dark : {true, false}) {
+            _desktop.setDarkTheme(dark);
+            QCOMPARE(icon.pixmap(16).toImage().pixelColor(8, 8), theme.color(ThemeColor::text));
+        }
     }
+
+private:
+    FakeDesktopServices _desktop;
+    FakeSymbols _symbols;
 };
 
 QTEST_MAIN(ThemeTest)

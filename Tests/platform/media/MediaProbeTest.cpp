@@ -51,9 +51,8 @@ private Q_SLOTS:
         const QString video = path(u"colours.mp4"_s);
         fake.factsOf.insert(video, VideoFacts{true, {320, 180}, 25, 3});
         fake.factsOf.insert(path(u"missing.mp4"_s), failure(u"文件不存在"_s));
-        QImage red(320, 180, QImage::Format_RGB32);
-        red.fill(Qt::red);
-        fake.frameOf.insert(video, red);
+        fake.frameAnswer = QImage(320, 180, QImage::Format_RGB32);
+        fake.frameAnswer->fill(Qt::red);
         MediaProbe &probe = isReal ? static_cast<MediaProbe &>(_probe) : fake;
 
         QCOMPARE(QCoro::waitFor(probe.facts(video)), Result<VideoFacts>(VideoFacts{true, {320, 180}, 25, 3}));
