@@ -108,10 +108,11 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(std::function<Q
     const auto begun = std::make_shared<std::optional<QCoro::Task<Outcome>>>();
     std::function<void()> begin = [begun, act = std::move(act)] { begun->emplace(act()); };
     _privacy.guard(featurePrivacyNotice(consent), std::move(begin));
-    if (!*begun)
-        co_return failure(_privacy.missingConsent(consent));
-    const Outcome outcome = co_await **begun;
-    co_return outcome;
+    if (auto &acting = *begun) {
+        const Outcome outcome = co_await *acting;
+        co_return outcome;
+    }
+    co_return failure(_privacy.missingConsent(consent));
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)

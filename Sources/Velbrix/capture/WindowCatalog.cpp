@@ -60,8 +60,8 @@ QCoro::Task<> WindowCatalog::refreshWindows()
             kept.insert(window.id, thumbnail);
     }
     _windowThumbnails = kept;
-    if (_selectedWindowID.value() &&
-        std::ranges::find(windows, *_selectedWindowID.value(), &WindowItem::id) == windows.end())
+    const auto selected = _selectedWindowID.value();
+    if (selected && std::ranges::find(windows, *selected, &WindowItem::id) == windows.end())
         _selectedWindowID = std::optional<QString>();
     co_await captureThumbnails(windows, generation);
 }

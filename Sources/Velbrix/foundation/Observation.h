@@ -87,8 +87,8 @@ public:
     bool ask(Arguments... arguments) const
     {
         const auto all = _entries;
-        const Entries asked = *all;
-        return std::any_of(asked.crbegin(), asked.crend(), [&](const auto &entry) {
+        const Entries asked(all->rbegin(), all->rend());
+        return std::ranges::any_of(asked, [&](const auto &entry) {
             return std::ranges::find(*all, entry) != all->end() && (*entry)(arguments...);
         });
     }

@@ -138,7 +138,7 @@ bool RemovalGuard::isOthers(const struct stat &facts) const
 bool RemovalGuard::isYoung(const struct stat &facts) const
 {
     const qint64 touched = std::max<qint64>(facts.st_mtime, facts.st_ctime);
-    return hasMinimumAge() && _rules.now - touched < _rules.minimumAge->count();
+    return _rules.minimumAge && _rules.now - touched < _rules.minimumAge->count();
 }
 
 QString removalReason(int error)

@@ -117,7 +117,7 @@ void RemovalWalk::enter(const QByteArray &name, const struct stat &facts)
     FolderHandle folder = handle(_levels.size() - 1).folder(name);
     int error = folder.isOpen() ? 0 : errno;
     const auto opened = folder.ownFacts();
-    if (facts.st_dev != _rootFacts->st_dev || (opened && folder.mount() != _mount)) {
+    if (facts.st_dev != _levels.front().facts.st_dev || (opened && folder.mount() != _mount)) {
         problem(u"是另一个磁盘的挂载点"_s);
     } else if (opened && FileIdentity::of(*opened) != FileIdentity::of(facts)) {
         failed(ELOOP);

@@ -87,13 +87,15 @@ void NoticeDesk::openFirstLaunch()
 
 void NoticeDesk::openFeatureNotice()
 {
-    const FeaturePrivacyNotice notice = *_privacy.pendingFeatureNotice();
+    const auto notice = _privacy.pendingFeatureNotice();
+    if (!notice)
+        return;
     NoticeSheet::Words words;
-    words.symbol = notice.icon;
-    words.colors = notice.colors;
-    words.title = notice.title;
-    words.message = notice.message;
-    words.details = notice.details;
+    words.symbol = notice->icon;
+    words.colors = notice->colors;
+    words.title = notice->title;
+    words.message = notice->message;
+    words.details = notice->details;
     words.confirm = u"同意并继续"_s;
     words.cancel = u"取消"_s;
     NoticeSheet *const sheet = open(words);

@@ -55,7 +55,7 @@ QCoro::Task<> StaticDesktop::work()
     const QPointer self(this);
     _isWorking = true;
     while (self && _wanted) {
-        const QImage image = *std::exchange(_wanted, std::nullopt);
+        const QImage image = std::exchange(_wanted, std::nullopt).value_or(QImage());
         if (image.isNull())
             co_await restoreOriginal();
         else

@@ -135,14 +135,15 @@ QCoro::Task<CommandReply> set(WallpaperController &wallpaper, WallpaperActions &
                               ParsedCommand command)
 {
     const QString path = command.arguments.first();
-    const auto display = wantedDisplay(command, wallpaper.displays().connectedDisplays());
-    if (!display)
-        co_return CommandReply::refusal(display.error().message);
-    auto playing = *display ? actions.playVideoOn((*display)->id, path) : actions.playVideo(path);
+    const auto wanted = wantedDisplay(command, wallpaper.displays().connectedDisplays());
+    if (!wanted)
+        co_return CommandReply::refusal(wanted.error().message);
+    const auto display = *wanted;
+    auto playing = display ? actions.playVideoOn(display->id, path) : actions.playVideo(path);
     const auto outcome = co_await playing;
     if (!outcome)
         co_return CommandReply::refusal(outcome.error().message);
-    const QString what = *display ? u"%1：%2"_s.arg((*display)->name, path) : path;
+    const QString what = display ? u"%1：%2"_s.arg(display->name, path) : path;
     CommandReply reply;
     reply.text =
         outcome->isEmpty() ? u"正在播放："_s + what : u"已选择：%1\n还没有播放：%2"_s.arg(what, *outcome);

@@ -161,9 +161,13 @@ Result<std::uint64_t> ZipFile::dataOffset(const ZipEntry &entry) const
     RecordReader reader(bytes);
     auto local = readLocalRecord(reader);
     if (!local) {
-        bytes.resize(std::min<std::uint64_t>(zip::localSize + 2 * 65535, _dataEnd - entry.offset));
+        bytes.resize(
+            std::min<std::uint64_t>(zip::localSize + 2 * std::size_t{65535}, _dataEnd - entry.offset));
+        if (!read(entry.offset, bytes))
+            return wrong;
         RecordReader longer(bytes);
-        if (!read(entry.offset, bytes) || !(local = readLocalRecord(longer)))
+        local = readLocalRecord(longer);
+        if (!local)
             return wrong;
     }
     ZipEntry &facts = local->entry;

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-enum Behaviour { Never, Intelligently, Always };
+enum Behaviour { never, intelligently, always };
 
 } // namespace
 
@@ -24,7 +24,7 @@ QCoro::Task<Result<QJsonObject>> XfcePanels::read()
         // A panel that has never been told says nothing of hiding.
         const QString name = panel.match(value.key()).captured() + u"/autohide-behavior"_s;
         if (name.startsWith(u"/panels/"_s))
-            found.insert(name, values->value(name, Never).toInt());
+            found.insert(name, values->value(name, never).toInt());
     }
     if (found.isEmpty())
         co_return failure(u"Xfce 没有面板"_s);
@@ -43,14 +43,14 @@ QCoro::Task<Result<void>> XfcePanels::write(const QJsonObject values)
 
 bool XfcePanels::hides(const QJsonObject &values) const
 {
-    return std::ranges::none_of(values, [](const QJsonValue &value) { return value.toInt() == Never; });
+    return std::ranges::none_of(values, [](const QJsonValue &value) { return value.toInt() == never; });
 }
 
 QJsonObject XfcePanels::hidden(QJsonObject values) const
 {
     for (auto value = values.begin(); value != values.end(); ++value) {
-        if (QJsonValue(*value).toInt() == Never)
-            *value = Always;
+        if (QJsonValue(*value).toInt() == never)
+            *value = always;
     }
     return values;
 }
@@ -58,7 +58,7 @@ QJsonObject XfcePanels::hidden(QJsonObject values) const
 QJsonObject XfcePanels::shown(QJsonObject values) const
 {
     for (auto value = values.begin(); value != values.end(); ++value)
-        *value = Never;
+        *value = never;
     return values;
 }
 

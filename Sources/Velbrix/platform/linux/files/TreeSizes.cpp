@@ -68,7 +68,7 @@ public:
     }
 
 private:
-    std::vector<char> _buffer = std::vector<char>(64 * 1024);
+    std::vector<char> _buffer = std::vector<char>(65'536);
 };
 
 TreeSizes::TreeSizes(const QList<QByteArray> &paths, Told told)
@@ -163,7 +163,10 @@ void TreeSizes::measure(const Folder &folder, Listing &listing, std::vector<Fold
 
 void TreeSizes::finish(Tree &tree, qsizetype found)
 {
-    if (_isCancelled || (tree.open += found - 1) > 0)
+    if (_isCancelled)
+        return;
+    const qsizetype open = tree.open += found - 1;
+    if (open > 0)
         return;
     // In whole kibibytes, as du says it.
     _told(tree.index, (tree.blocks * blockSize + 1023) / 1024 * 1024);

@@ -12,6 +12,7 @@ namespace {
 void identify(std::vector<Monitor> &all)
 {
     std::vector<QByteArray> connectors;
+    connectors.reserve(all.size());
     for (const Monitor &monitor : all)
         connectors.push_back(monitor.connector);
     const std::vector<quint32> ids = displayIds(connectors);

@@ -21,7 +21,7 @@ std::uint32_t XProperty::value(int index) const
 {
     std::uint32_t number = 0;
     if (index < count())
-        std::memcpy(&number, bytes.constData() + index * 4, 4);
+        std::memcpy(&number, bytes.constData() + qsizetype{index} * 4, 4);
     return number;
 }
 
@@ -101,7 +101,8 @@ void X11Connection::negotiate()
                             &xcb_render_id, &xcb_shape_id})
         xcb_prefetch_extension_data(_connection, extension);
 
-    if ((_has.sharedMemory = _has.sharedMemory && isPresent(xcb_shm_id))) {
+    _has.sharedMemory = _has.sharedMemory && isPresent(xcb_shm_id);
+    if (_has.sharedMemory) {
         const XReply<xcb_shm_query_version_reply_t> version(
             xcb_shm_query_version_reply(_connection, xcb_shm_query_version(_connection), nullptr));
         const bool takesDescriptors =
@@ -109,31 +110,36 @@ void X11Connection::negotiate()
             (version->major_version > 1 || (version->major_version == 1 && version->minor_version >= 2));
         _has.sharedDescriptors = _has.sharedDescriptors && takesDescriptors;
     }
-    if ((_has.fixes = _has.fixes && isPresent(xcb_xfixes_id))) {
+    _has.fixes = _has.fixes && isPresent(xcb_xfixes_id);
+    if (_has.fixes) {
         const XReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
             _connection, xcb_xfixes_query_version(_connection, 5, 0), nullptr));
         _has.fixes = version && version->major_version >= 2;
         _fixesEvent = xcb_get_extension_data(_connection, &xcb_xfixes_id)->first_event;
     }
-    if ((_has.composite = _has.composite && isPresent(xcb_composite_id))) {
+    _has.composite = _has.composite && isPresent(xcb_composite_id);
+    if (_has.composite) {
         const XReply<xcb_composite_query_version_reply_t> version(xcb_composite_query_version_reply(
             _connection, xcb_composite_query_version(_connection, 0, 4), nullptr));
         _has.composite = version && (version->major_version > 0 || version->minor_version >= 2);
     }
     // What was damaged is read as a region, which belongs to the fixes.
-    if ((_has.damage = _has.damage && _has.fixes && isPresent(xcb_damage_id))) {
+    _has.damage = _has.damage && _has.fixes && isPresent(xcb_damage_id);
+    if (_has.damage) {
         const XReply<xcb_damage_query_version_reply_t> version(xcb_damage_query_version_reply(
             _connection, xcb_damage_query_version(_connection, 1, 1), nullptr));
         _has.damage = version != nullptr;
         _damageEvent = xcb_get_extension_data(_connection, &xcb_damage_id)->first_event;
     }
-    if ((_has.randr = _has.randr && isPresent(xcb_randr_id))) {
+    _has.randr = _has.randr && isPresent(xcb_randr_id);
+    if (_has.randr) {
         const XReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(_connection, xcb_randr_query_version(_connection, 1, 5), nullptr));
         _has.randr = version && (version->major_version > 1 || version->minor_version >= 5);
         _randrEvent = xcb_get_extension_data(_connection, &xcb_randr_id)->first_event;
     }
-    if ((_has.render = _has.render && isPresent(xcb_render_id))) {
+    _has.render = _has.render && isPresent(xcb_render_id);
+    if (_has.render) {
         const XReply<xcb_render_query_version_reply_t> version(xcb_render_query_version_reply(
             _connection, xcb_render_query_version(_connection, 0, 11), nullptr));
         _has.render = version != nullptr;

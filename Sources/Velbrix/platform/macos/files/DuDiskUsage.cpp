@@ -50,6 +50,7 @@ QCoro::Task<> DuDiskUsage::measure(const QList<QByteArray> paths, Measured measu
 {
     const auto measuring = std::make_shared<Measuring>(paths, std::move(measured), cancellation);
     std::vector<QCoro::Task<>> tasks;
+    tasks.reserve(programsAtOnce);
     for (int i = 0; i < programsAtOnce; ++i)
         tasks.push_back(measureNext(_runner, _program, measuring));
     for (QCoro::Task<> &task : tasks)

@@ -97,7 +97,7 @@ void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track
     int flag = pixels > largestPixels ? 1 : 0;
     mpv.mpv_set_property(handle, "vd-lavc-fast", MPV_FORMAT_FLAG, &flag);
     const char *skipped = pixels > largestPixels ? "nonref" : "default";
-    mpv.mpv_set_property(handle, "vd-lavc-skiploopfilter", MPV_FORMAT_STRING, &skipped);
+    mpv.mpv_set_property(handle, "vd-lavc-skiploopfilter", MPV_FORMAT_STRING, static_cast<void *>(&skipped));
     // Each thread more holds pictures of its own.
     const int most = std::min(QThread::idealThreadCount(), 4);
     std::int64_t threads = pixels * rate <= pixelsPerSecond ? 1 : most;

@@ -153,7 +153,7 @@ void MpvPlayer::setScaling(bool isNeeded)
 
 void MpvPlayer::set(const char *name, const char *value)
 {
-    _mpv.mpv_set_property_async(_handle, 0, name, MPV_FORMAT_STRING, &value);
+    _mpv.mpv_set_property_async(_handle, 0, name, MPV_FORMAT_STRING, static_cast<void *>(&value));
 }
 
 void MpvPlayer::set(const char *name, double value)

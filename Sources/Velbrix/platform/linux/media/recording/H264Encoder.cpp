@@ -128,7 +128,8 @@ std::uint8_t *H264Encoder::unchangedBlocks(std::span<const PixelRect> changed) c
         const int top = std::clamp(rect.y / blockSize, 0, rows);
         const int bottom = std::clamp((rect.y + rect.height + blockSize - 1) / blockSize, top, rows);
         for (int row = top; row < bottom; ++row)
-            std::memset(blocks + row * columns + left, 0, static_cast<std::size_t>(right - left));
+            std::memset(blocks + std::ptrdiff_t{row} * columns + left, 0,
+                        static_cast<std::size_t>(right - left));
     }
     return blocks;
 }

@@ -70,18 +70,16 @@ void CaptureLoop::join()
 void CaptureLoop::run()
 {
     pthread_setname_np(pthread_self(), "velbrix-screen");
-    Result<void> ready = prepare();
-    if (ready)
-        ready = takeFirstPicture();
-    const bool isRunning = ready.has_value();
-    _events.started(std::move(ready));
-    if (isRunning) {
+    const Result<void> prepared = prepare();
+    const Result<TickClock> ticks = prepared ? takeFirstPicture() : std::unexpected(prepared.error());
+    _events.started(ticks ? Result<void>() : std::unexpected(ticks.error()));
+    if (ticks) {
         std::int64_t tick = 0;
         do {
             // A tick that took long swallows those that became due meanwhile.
-            tick = std::max(tick, _ticks->tickAt(monotonicNow())) + 1;
-        } while (_stop->sleepUntil(_ticks->timeOf(tick)) && step(_ticks->tickAt(monotonicNow())));
-        _lastTick = _ticks->tickAt(monotonicNow());
+            tick = std::max(tick, ticks->tickAt(monotonicNow())) + 1;
+        } while (_stop->sleepUntil(ticks->timeOf(tick)) && step(ticks->tickAt(monotonicNow())));
+        _lastTick = ticks->tickAt(monotonicNow());
         note(FrameStatus::stopped);
     }
     // Undoes on the server what was asked for.
@@ -111,7 +109,7 @@ Result<void> CaptureLoop::prepare()
     return _source->start(*_stop);
 }
 
-Result<void> CaptureLoop::takeFirstPicture()
+Result<TickClock> CaptureLoop::takeFirstPicture()
 {
     constexpr int attempts = 20;
     constexpr std::int64_t pause = 10'000'000;
@@ -122,11 +120,10 @@ Result<void> CaptureLoop::takeFirstPicture()
         if (update.status == FrameStatus::complete) {
             std::vector<PixelRect> changed = draw(update);
             const std::int64_t zero = monotonicNow();
-            _ticks.emplace(zero, _plan.configuration.framesPerSecond);
             _recorder.begin(zero);
             note(update.status);
             submit(std::move(changed), 0);
-            return {};
+            return TickClock(zero, _plan.configuration.framesPerSecond);
         }
         if (!_stop->sleepUntil(monotonicNow() + pause))
             return failure(u"录制已取消"_s);

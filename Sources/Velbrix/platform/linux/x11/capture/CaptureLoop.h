@@ -60,7 +60,7 @@ public:
 private:
     void run();
     Result<void> prepare();
-    Result<void> takeFirstPicture();
+    Result<TickClock> takeFirstPicture();
     // False when the recording has ended.
     bool step(std::int64_t tick);
     SourceUpdate updateSource();
@@ -80,7 +80,6 @@ private:
     std::unique_ptr<CursorTracker> _cursor;
     std::unique_ptr<FrameSource> _source;
     FrameCanvas _canvas;
-    std::optional<TickClock> _ticks;
     PixelRect _shownCursor; // in the picture
     int _shownCursorSerial = 0;
     std::vector<PixelRect> _carried; // drawn, but refused by a full queue

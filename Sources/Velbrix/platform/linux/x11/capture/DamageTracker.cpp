@@ -4,6 +4,7 @@
 #include "platform/linux/x11/XGeometry.h"
 
 #include <algorithm>
+#include <span>
 
 namespace velbrix {
 
@@ -46,9 +47,8 @@ std::vector<PixelRect> DamageTracker::collect()
     if (count > manyRects)
         return {fromXRectangle(reply->extents)};
     const xcb_rectangle_t *rects = xcb_xfixes_fetch_region_rectangles(reply.get());
-    std::vector<PixelRect> damaged;
-    for (int i = 0; i < count; ++i)
-        damaged.push_back(fromXRectangle(rects[i]));
+    std::vector<PixelRect> damaged(static_cast<std::size_t>(count));
+    std::ranges::transform(std::span(rects, damaged.size()), damaged.begin(), fromXRectangle);
     return damaged;
 }
 

@@ -77,6 +77,7 @@ std::vector<PixelRect> ScreenLayers::refresh(const PixelRect &area)
     };
     const auto seen = [this] {
         std::vector<Seen> all;
+        all.reserve(_layers.size());
         for (const Layer &layer : _layers)
             all.push_back({layer.content.window, layer.content.outer});
         return all;

@@ -63,9 +63,8 @@ bool X11Keyboard::handleEvent(const xcb_generic_event_t &event)
     // Which of the two kinds a client gets depends on what Qt has asked for.
     constexpr quint8 newKeyboard = 0;
     constexpr quint8 mapChanged = 1;
-    if (kind == XCB_MAPPING_NOTIFY)
-        scheduleRefresh();
-    else if (_xkbEvent != 0 && kind == _xkbEvent && (event.pad0 == newKeyboard || event.pad0 == mapChanged))
+    const bool isXkb = _xkbEvent != 0 && kind == _xkbEvent;
+    if (kind == XCB_MAPPING_NOTIFY || (isXkb && (event.pad0 == newKeyboard || event.pad0 == mapChanged)))
         scheduleRefresh();
     return false;
 }

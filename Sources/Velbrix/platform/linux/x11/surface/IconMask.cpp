@@ -23,8 +23,8 @@ public:
     LevelMap(int width, int height)
         : _width(width),
           _height(height),
-          _stride(static_cast<std::size_t>(width) + 2 * edge),
-          _levels(_stride * (static_cast<std::size_t>(height) + 2 * edge), faint)
+          _stride(static_cast<std::size_t>(width + 2 * edge)),
+          _levels(_stride * static_cast<std::size_t>(height + 2 * edge), faint)
     {
     }
 
@@ -68,8 +68,8 @@ bool isSame(const std::uint8_t *a, const std::uint8_t *b, int count)
     for (int x = 0; x < count; ++x) {
         std::uint32_t left = 0;
         std::uint32_t right = 0;
-        std::memcpy(&left, a + x * 4, 4);
-        std::memcpy(&right, b + x * 4, 4);
+        std::memcpy(&left, a + qsizetype{x} * 4, 4);
+        std::memcpy(&right, b + qsizetype{x} * 4, 4);
         differences |= left ^ right;
     }
     return (differences & colour) == 0;

@@ -10,7 +10,8 @@ ScreenPower::ScreenPower(X11Connection &connection) : _connection(connection)
     xcb_connection_t *const xcb = _connection.xcb();
     const auto *saver = xcb_get_extension_data(xcb, &xcb_screensaver_id);
     const auto *power = xcb_get_extension_data(xcb, &xcb_dpms_id);
-    if ((_hasSaver = saver && saver->present)) {
+    _hasSaver = saver && saver->present;
+    if (_hasSaver) {
         _saverEvent = saver->first_event;
         xcb_screensaver_select_input(xcb, _connection.root(), XCB_SCREENSAVER_EVENT_NOTIFY_MASK);
     }
