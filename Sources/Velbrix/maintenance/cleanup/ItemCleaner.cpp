@@ -145,13 +145,14 @@ QCoro::Task<Cleaned> ItemCleaner::emptyTrash(QString name, RemovalRules rules, C
 
 QCoro::Task<> ItemCleaner::runCommand(CleanupTarget target, Cancellation work)
 {
+    const QString command = target.command.value_or(QString());
     if (target.requiresAdmin) {
-        co_await _ports.admin.run(*target.command, work);
+        co_await _ports.admin.run(command, work);
         co_return;
     }
     ProcessRequest request;
     request.program = u"/bin/bash"_s;
-    request.arguments = {u"-c"_s, *target.command};
+    request.arguments = {u"-c"_s, command};
     request.cancellation = work;
     co_await _processes.run(request);
 }

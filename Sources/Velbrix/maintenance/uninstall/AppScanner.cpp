@@ -192,17 +192,16 @@ QCoro::Task<UninstallReview> AppScanner::reviewOf(AppInfo app, UninstallMode mod
     co_return review;
 }
 
-void AppScanner::uninstall(const UninstallReview &review)
+void AppScanner::uninstall(UninstallReview review)
 {
     if (_isBusy || isPuttingBack())
         return;
-    const UninstallReview chosen = review; // it may be the one that closes here
     _openReview.close();
     _isBusy = true;
     _uninstalling = Cancellation();
     _failures = QList<FailedItem>();
-    _uninstallingName = chosen.app.name;
-    runUninstall(chosen);
+    _uninstallingName = review.app.name;
+    runUninstall(std::move(review));
 }
 
 QCoro::Task<> AppScanner::runUninstall(UninstallReview review)

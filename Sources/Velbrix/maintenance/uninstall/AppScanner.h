@@ -76,7 +76,7 @@ public:
     // Takes away what is ticked, and closes the open review. Asks nothing: consent
     // and confirmation come before. Does nothing while another uninstall runs
     // or something is put back.
-    void uninstall(const UninstallReview &review);
+    void uninstall(UninstallReview review);
     // Stops before the next item; what has gone stays in the trash.
     void cancelUninstall();
     // From the call of uninstall() to its finished().

@@ -105,12 +105,11 @@ QList<ReviewItem> findData(const DataSearch &search)
         const QString canonicalParent = canonicalPath(parent);
         for (const Entry &entry : entriesOf(parent)) {
             const QString path = parent + u'/' + entry.name;
-            auto match = matcher.match(entry.name, false);
+            const bool leadsElsewhere = entry.isLink && leadsOutOf(parent, path);
+            const auto match = matcher.match(entry.name, leadsElsewhere);
             if (!match || seen.contains(path) || places.holdCanonical(path) ||
                 places.holdCanonical(canonicalParent + u'/' + entry.name))
                 continue;
-            if (entry.isLink && leadsOutOf(parent, path))
-                match = matcher.match(entry.name, true);
             seen.insert(path);
             items.append({.path = path,
                           .reason = match->reason,

@@ -78,7 +78,7 @@ std::optional<QList<UninstallRecord>> read(const QByteArray &content)
     if (!list.isArray())
         return std::nullopt;
     QList<UninstallRecord> records;
-    for (const QJsonValue &each : list.toArray()) {
+    for (const auto &each : list.toArray()) {
         const auto record = uninstallRecordFromJson(each.toObject());
         if (!record)
             return std::nullopt;

@@ -243,7 +243,7 @@ QCoro::Task<> UninstallSequence::takeEntries(QStringList paths)
             co_await Pause(_clock, betweenEntries);
         if (!self || _cancellation.isCancelled())
             co_return;
-        const QString path = paths.at(handled);
+        const QString &path = paths.at(handled);
         _open.remove(path);
         (void)co_await _trash.move(path);
         if (!self)

@@ -34,7 +34,7 @@ bool CleanupOptions::*member(LibraryKind kind)
 template <typename Item, typename Read> std::optional<QList<Item>> readList(const QJsonValue &json, Read read)
 {
     QList<Item> items;
-    for (const QJsonValue &each : json.toArray()) {
+    for (const auto &each : json.toArray()) {
         const std::optional<Item> item = read(each.toObject());
         if (!item)
             return std::nullopt;
