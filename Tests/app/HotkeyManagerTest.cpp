@@ -62,7 +62,7 @@ private Q_SLOTS:
         const QString key = u"Velbrix_Hotkey_RecordToggle"_s;
         const HotkeyChord chord{0, 0x0100};
         QCOMPARE(Rig({{key, chord.toJson()}}).manager().recordToggleHotkey(), chord);
-        for (const QJsonValue &bad :
+        for (const auto &bad :
              {QJsonValue(HotkeyChord{}.toJson()), QJsonValue(QJsonArray{1}), QJsonValue(u"{"_s)})
             QCOMPARE(Rig({{key, bad}}).manager().recordToggleHotkey(), (HotkeyChord{29, controlOption}));
     }

@@ -129,7 +129,7 @@ private Q_SLOTS:
         const std::initializer_list<QJsonValue> ours = {QJsonArray{rig.folder + u"/static_1.jpg"_s},
                                                         u"file://"_s + encoded + u"/static_1.jpg"_s,
                                                         QJsonObject{{u"ours"_s, true}}};
-        for (const QJsonValue &entry : ours) {
+        for (const auto &entry : ours) {
             rig.picture.now = QJsonObject{{u"place"_s, entry}};
             rig.picture.calls.clear();
             rig.set(Qt::red);

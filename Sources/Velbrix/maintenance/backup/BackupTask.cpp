@@ -141,21 +141,21 @@ public:
 
     void operator()(QLatin1StringView key, QString &field)
     {
-        take(key, {QJsonValue::String}, [&](auto v) { field = v.toString(); });
+        take(key, {QJsonValue::String}, [&](const auto &v) { field = v.toString(); });
     }
     void operator()(QLatin1StringView key, bool &field)
     {
-        take(key, {QJsonValue::Bool}, [&](auto v) { field = v.toBool(); });
+        take(key, {QJsonValue::Bool}, [&](const auto &v) { field = v.toBool(); });
     }
     void operator()(QLatin1StringView key, int &field, int least, int most)
     {
-        take(key, {QJsonValue::Double}, [&](auto v) {
+        take(key, {QJsonValue::Double}, [&](const auto &v) {
             field = static_cast<int>(std::clamp(v.toDouble(), double(least), double(most)));
         });
     }
     void operator()(QLatin1StringView key, QDateTime &field)
     {
-        take(key, {QJsonValue::Double, QJsonValue::String}, [&](auto v) { field = dateFrom(v); });
+        take(key, {QJsonValue::Double, QJsonValue::String}, [&](const auto &v) { field = dateFrom(v); });
     }
     void operator()(QLatin1StringView key, std::optional<QDateTime> &field)
     {
@@ -165,13 +165,13 @@ public:
     }
     void operator()(QLatin1StringView key, std::optional<QString> &field)
     {
-        take(key, {QJsonValue::String}, [&](auto v) { field = v.toString(); });
+        take(key, {QJsonValue::String}, [&](const auto &v) { field = v.toString(); });
     }
     void operator()(QLatin1StringView key, QStringList &field)
     {
-        take(key, {QJsonValue::Array}, [&](auto v) {
+        take(key, {QJsonValue::Array}, [&](const auto &v) {
             const QJsonArray list = v.toArray();
-            for (const QJsonValue &entry : list) {
+            for (const auto &entry : list) {
                 if (entry.isString())
                     field.append(entry.toString());
             }
@@ -278,7 +278,7 @@ QList<BackupTask> BackupTaskStore::load()
     QSet<QString> ids;
     int unreadable = 0;
     const QJsonArray list = stored.toArray();
-    for (const QJsonValue &entry : list) {
+    for (const auto &entry : list) {
         auto task = backupTaskFromJson(entry.toObject());
         if (!task) {
             keepAside(entry);

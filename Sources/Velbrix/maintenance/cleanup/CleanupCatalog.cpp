@@ -103,8 +103,8 @@ bool hasPattern(const CleanupRule &rule)
 
 QStringList emptiedFolders(const CleanupRule &rule)
 {
-    if (isCustom(rule))
-        return {*rule.item.customPath};
+    if (const auto &folder = rule.item.customPath)
+        return {*folder};
     const QStringList folders = rule.target.path ? matchingFolders(*rule.target.path) : QStringList();
     return folders + rule.furtherPaths;
 }

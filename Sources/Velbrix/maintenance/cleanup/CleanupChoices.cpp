@@ -14,7 +14,7 @@ namespace {
 QStringList strings(const QJsonArray &stored)
 {
     QStringList values;
-    for (const QJsonValue &value : stored) {
+    for (const auto &value : stored) {
         if (value.isString())
             values.append(value.toString());
     }
@@ -77,7 +77,7 @@ void CleanupChoices::loadExcluded(const QStringList &ids)
     const QJsonObject stored = _settings.json(excludedKey).value_or(QJsonValue()).toObject();
     for (const QString &id : ids) {
         const QJsonArray paths = stored.value(id).toArray();
-        for (const QJsonValue &value : paths) {
+        for (const auto &value : paths) {
             // No text could hold every name that a file may have.
             const QByteArray path = QByteArray::fromPercentEncoding(value.toString().toUtf8());
             if (path.startsWith('/'))
