@@ -285,8 +285,8 @@ private:
             _page.put(_window, glyph, 200 + letter % 90 * glyphWidth, 300 + letter / 90 % 20 * lineHeight);
         }
         if (count / 60 % 2 == 0)
-            _screen.movePointer(middleX + static_cast<int>(middleX / 2 * std::cos(count * 0.05)),
-                                middleY + static_cast<int>(middleY / 2 * std::sin(count * 0.05)));
+            _screen.movePointer(middleX + static_cast<int>(middleX / 2.0 * std::cos(count * 0.05)),
+                                middleY + static_cast<int>(middleY / 2.0 * std::sin(count * 0.05)));
         if (count % 180 == 0)
             _page.put(_window, {middleX / 2, _dice.below(_screen.height() * 2 - 400), 700, 400},
                       middleX * 8 / 7, middleY);

@@ -12,25 +12,25 @@ class UnfinishedRecordingsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { movie = writeFile(folder.filePath(u"录制.mp4"_s)); }
+    void init() { _movie = writeFile(_folder.filePath(u"录制.mp4"_s)); }
 
     void remembersOnDiskAtOnce()
     {
         ServicesRig rig;
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
-        const QString other = writeFile(folder.filePath(u"other.mp4"_s));
-        for (const QString &path : {movie, other})
+        const QString other = writeFile(_folder.filePath(u"other.mp4"_s));
+        for (const QString &path : {_movie, other})
             unfinished.begin(path);
-        QCOMPARE(rig.host.settings.stored.value(key).toArray(), (QJsonArray{movie, other}));
+        QCOMPARE(rig.host.settings.stored.value(key).toArray(), (QJsonArray{_movie, other}));
         QVERIFY(unfinished.leftovers().isEmpty());
-        unfinished.end(movie);
+        unfinished.end(_movie);
         unfinished.findLeftovers();
         QCOMPARE(unfinished.leftovers(), QStringList{other});
-        unfinished.begin(movie);
+        unfinished.begin(_movie);
         unfinished.dismiss(other);
         QVERIFY(unfinished.leftovers().isEmpty() && QFile::exists(other));
-        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie})));
-        unfinished.end(movie);
+        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{_movie})));
+        unfinished.end(_movie);
         QVERIFY(!rig.services->settings.contains(key));
     }
 
@@ -38,29 +38,30 @@ private Q_SLOTS:
     {
         ServicesRig rig;
         const QString away = u"/nonexistent/disk/录制.mp4"_s;
-        rig.host.settings.stored = {{key, QJsonArray{movie, movie, folder.filePath(u"gone.mp4"_s), 7, away}}};
+        rig.host.settings.stored = {
+            {key, QJsonArray{_movie, _movie, _folder.filePath(u"gone.mp4"_s), 7, away}}};
         rig.host.movieFiles.repairAnswer = failure(u"不是电影"_s);
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
         const RecorderLog &log = rig.services->recorder.log();
-        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{movie, away})));
-        QCOMPARE(unfinished.leftovers(), QStringList{movie});
+        QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{_movie, away})));
+        QCOMPARE(unfinished.leftovers(), QStringList{_movie});
         QCOMPARE(log.logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
-        unfinished.repair(folder.filePath(u"other.mp4"_s)); // nobody's leftover
-        unfinished.repair(movie);
+        unfinished.repair(_folder.filePath(u"other.mp4"_s)); // nobody's leftover
+        unfinished.repair(_movie);
         settle();
-        QCOMPARE(rig.host.movieFiles.calls, QStringList{u"repair "_s + movie});
-        QCOMPARE(unfinished.leftovers(), QStringList{movie});
+        QCOMPARE(rig.host.movieFiles.calls, QStringList{u"repair "_s + _movie});
+        QCOMPARE(unfinished.leftovers(), QStringList{_movie});
         QCOMPARE(log.logLines().last(), u"❌ 修复失败，文件保持原样：录制.mp4 不是电影"_s);
         rig.host.movieFiles.repairAnswer = {};
-        unfinished.repair(movie);
+        unfinished.repair(_movie);
         settle();
         QVERIFY(unfinished.leftovers().isEmpty());
         QCOMPARE(log.logLines().last(), u"✅ 已修复 录制.mp4"_s);
     }
 
 private:
-    QTemporaryDir folder;
-    QString movie;
+    QTemporaryDir _folder;
+    QString _movie;
 };
 
 QTEST_GUILESS_MAIN(UnfinishedRecordingsTest)

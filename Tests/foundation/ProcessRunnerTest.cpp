@@ -20,10 +20,10 @@ ProcessRequest request(const QString &program, const QStringList &arguments)
 class ProcessRunnerTest : public QObject {
     Q_OBJECT
 
-    VirtualClock clock;
-    ProcessRunner runner{clock};
+    VirtualClock _clock;
+    ProcessRunner _runner{_clock};
 
-    Result<ProcessOutcome> run(const ProcessRequest &what) { return QCoro::waitFor(runner.run(what)); }
+    Result<ProcessOutcome> run(const ProcessRequest &what) { return QCoro::waitFor(_runner.run(what)); }
     void endsTheWholeGroup(const QString &before, bool byTimeout)
     {
         // The grandchild holds the pipe: only its death ends the run.
@@ -32,19 +32,19 @@ class ProcessRunnerTest : public QObject {
         QByteArray child;
         shell.onOutput = [&](const QByteArray &piece) { child += piece; };
         std::optional<Result<ProcessOutcome>> answer;
-        runner.run(shell).then([&](Result<ProcessOutcome> outcome) { answer = std::move(outcome); });
+        _runner.run(shell).then([&](Result<ProcessOutcome> outcome) { answer = std::move(outcome); });
         QTRY_VERIFY(child.endsWith('\n'));
         const pid_t pid = child.trimmed().toInt();
         QVERIFY(pid > 0);
         if (byTimeout)
-            clock.advance(5s);
+            _clock.advance(5s);
         else
             shell.cancellation.cancel();
         if (!before.isEmpty()) {
-            clock.advance(1999ms);
+            _clock.advance(1999ms);
             QTest::qWait(50);
             QVERIFY(!answer && ::kill(pid, 0) == 0);
-            clock.advance(1ms);
+            _clock.advance(1ms);
         }
         QTRY_VERIFY(answer);
         const ProcessOutcome outcome = answer->value();
@@ -52,7 +52,7 @@ class ProcessRunnerTest : public QObject {
         QCOMPARE(outcome.cancelled, !byTimeout);
         QVERIFY(outcome.crashed);
         QTRY_VERIFY(::kill(pid, 0) != 0);
-        QCOMPARE(clock.pendingCount(), 0);
+        QCOMPARE(_clock.pendingCount(), 0);
     }
 
 private Q_SLOTS:

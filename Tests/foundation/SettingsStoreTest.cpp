@@ -16,12 +16,12 @@ class SettingsStoreTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { path = folder.filePath(u"%1/settings.json"_s.arg(++count)); }
+    void init() { _path = _folder.filePath(u"%1/settings.json"_s.arg(++_count)); }
 
     void storesWhatHasChanged()
     {
         MemorySettings fake;
-        JsonSettingsFile file(path);
+        JsonSettingsFile file(_path);
         for (SettingsBackend *backend : std::initializer_list<SettingsBackend *>{&fake, &file}) {
             QCOMPARE(backend->load(), QJsonObject());
             QCOMPARE(backend->loadProblem(), QString());
@@ -32,19 +32,19 @@ private Q_SLOTS:
             backend->tidy();
             QCOMPARE(backend->load(), all);
         }
-        QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
+        QVERIFY(!(QFile::permissions(_path) & (QFile::ReadGroup | QFile::ReadOther)));
     }
 
     void setsAsideWhatItCannotRead()
     {
         int earlier = 0;
         for (const QByteArray &bytes : {"{\"a\": 1, \"b\""_ba, ""_ba, "[1, 2]"_ba, QByteArray(100, '\0')}) {
-            const QString kept = path + (++earlier == 1 ? u".damaged"_s : u".damaged-%1"_s.arg(earlier));
-            writeFile(path, bytes);
-            JsonSettingsFile file(path);
+            const QString kept = _path + (++earlier == 1 ? u".damaged"_s : u".damaged-%1"_s.arg(earlier));
+            writeFile(_path, bytes);
+            JsonSettingsFile file(_path);
             QCOMPARE(file.load(), QJsonObject());
             QCOMPARE(file.loadProblem(), u"设置文件已损坏，已恢复默认设置；原文件保留为 "_s + kept);
-            QVERIFY(QFile::exists(kept) && !QFile::exists(path));
+            QVERIFY(QFile::exists(kept) && !QFile::exists(_path));
             QCOMPARE(readFile(kept), bytes);
         }
     }
@@ -58,12 +58,12 @@ private Q_SLOTS:
                         {"{", "}", "[", "]", "\"", ",", ":", "\\u", "\\ud800", "1e999", "null", deep}};
         int good = 0;
         QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
-            writeFile(path, bytes);
-            JsonSettingsFile file(path);
+            writeFile(_path, bytes);
+            JsonSettingsFile file(_path);
             const QJsonObject loaded = file.load();
             good += file.loadProblem().isEmpty() ? 1 : 0;
-            const QString kept = path + u".damaged"_s;
-            const bool isKept = readFile(file.loadProblem().isEmpty() ? path : kept) == bytes;
+            const QString kept = _path + u".damaged"_s;
+            const bool isKept = readFile(file.loadProblem().isEmpty() ? _path : kept) == bytes;
             QFile::remove(kept);
             return isKept && (file.loadProblem().isEmpty() || loaded.isEmpty());
         }));
@@ -73,31 +73,31 @@ private Q_SLOTS:
     void whatIsOutOfReachIsNotReplaced()
     {
         // A folder in the file's place cannot be opened, by root neither.
-        QDir().mkpath(path + u"/inside"_s);
-        JsonSettingsFile file(path);
+        QDir().mkpath(_path + u"/inside"_s);
+        JsonSettingsFile file(_path);
         QCOMPARE(file.load(), QJsonObject());
-        QVERIFY(file.loadProblem().startsWith(u"设置文件无法读取，本次修改不会保存："_s + path));
+        QVERIFY(file.loadProblem().startsWith(u"设置文件无法读取，本次修改不会保存："_s + _path));
         QCOMPARE(file.save({{u"a"_s, 1}}, {}).error().message, file.loadProblem());
-        QVERIFY(QDir(path + u"/inside"_s).exists());
-        JsonSettingsFile nowhere(writeFile(folder.filePath(u"file"_s)) + u"/below/settings.json"_s);
+        QVERIFY(QDir(_path + u"/inside"_s).exists());
+        JsonSettingsFile nowhere(writeFile(_folder.filePath(u"file"_s)) + u"/below/settings.json"_s);
         QVERIFY(!nowhere.save({{u"a"_s, 2}}, {}));
     }
 
     void tidiesUpAfterKilledWritesOnly()
     {
-        JsonSettingsFile file(path);
+        JsonSettingsFile file(_path);
         QVERIFY(file.save({{u"a"_s, 1}}, {}));
-        writeFile(path + u".AbCdEf"_s, "{");
-        writeFile(path + u".backup"_s, "mine");
-        writeFile(path + u".damaged"_s, "kept");
+        writeFile(_path + u".AbCdEf"_s, "{");
+        writeFile(_path + u".backup"_s, "mine");
+        writeFile(_path + u".damaged"_s, "kept");
         file.tidy();
-        QCOMPARE(QFileInfo(path).dir().entryList(QDir::Files | QDir::Hidden, QDir::Name),
+        QCOMPARE(QFileInfo(_path).dir().entryList(QDir::Files | QDir::Hidden, QDir::Name),
                  (QStringList{u"settings.json"_s, u"settings.json.backup"_s, u"settings.json.damaged"_s}));
     }
 
     void survivesKillsDuringWrites()
     {
-        JsonSettingsFile file(path);
+        JsonSettingsFile file(_path);
         QVERIFY(file.save({{u"earlier"_s, 7}}, {}));
         for (int round = 0; round < 20; ++round) {
             const pid_t child = ::fork();
@@ -108,7 +108,7 @@ private Q_SLOTS:
             ::usleep(static_cast<useconds_t>(500 + 731 * round % 4000));
             ::kill(child, SIGKILL);
             ::waitpid(child, nullptr, 0);
-            QCOMPARE(JsonSettingsFile(path).load().value(u"earlier"_s).toInt(), 7);
+            QCOMPARE(JsonSettingsFile(_path).load().value(u"earlier"_s).toInt(), 7);
         }
     }
 
@@ -167,7 +167,7 @@ private Q_SLOTS:
 
     void theEndWritesWhatIsPending()
     {
-        JsonSettingsFile disk(path);
+        JsonSettingsFile disk(_path);
         VirtualClock clock;
         std::optional<SettingsStore> store(std::in_place, std::make_unique<JsonSettingsFile>(disk), clock);
         store->set(u"a"_s, 1);
@@ -180,9 +180,9 @@ private Q_SLOTS:
     }
 
 private:
-    QTemporaryDir folder;
-    QString path;
-    int count = 0;
+    QTemporaryDir _folder;
+    QString _path;
+    int _count = 0;
 };
 
 QTEST_GUILESS_MAIN(SettingsStoreTest)

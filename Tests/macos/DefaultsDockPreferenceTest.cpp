@@ -93,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(written, Result<void>(failure(u"无法更改程序坞的设置"_s)));
         const QStringList lines = log.take(u"Wallpaper"_s);
         QCOMPARE(lines.size(), 1);
-        const QString said = lines.first();
+        const QString &said = lines.first();
         // The words after a launch failure are the system's.
         QVERIFY2(message.endsWith(u' ') ? said.startsWith(message) && said != message : said == message,
                  qPrintable(said));

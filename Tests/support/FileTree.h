@@ -57,8 +57,9 @@ inline int socket(const QByteArray &path)
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path.constData(), sizeof address.sun_path - 1);
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    ::bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
-    ::listen(descriptor, 1);
+    if (::bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
+        ::listen(descriptor, 1) != 0)
+        qFatal("cannot make a socket at %s", path.constData());
     return descriptor;
 }
 

@@ -67,7 +67,7 @@ public:
         const double luma = 1.164 * (sample(0, x, y) - 16);
         const double blue = sample(1, x / 2, y / 2) - 128.0;
         const double red = sample(2, x / 2, y / 2) - 128.0;
-        const auto level = [](double value) { return std::clamp(static_cast<int>(value + 0.5), 0, 255); };
+        const auto level = [](double value) { return std::clamp(qRound(value), 0, 255); };
         return QColor(level(luma + 1.596 * red), level(luma - 0.813 * red - 0.391 * blue),
                       level(luma + 2.018 * blue));
     }

@@ -61,14 +61,14 @@ public:
     ~TrashRig()
     {
         can.reset();
-        if (isMounted)
+        if (_isMounted)
             ::umount(QFile::encodeName(volume).constData());
     }
     bool mountVolume()
     {
-        isMounted = hasOwnMounts &&
-                    ::mount("none", QFile::encodeName(volume).constData(), "tmpfs", 0, "size=1m") == 0;
-        return isMounted;
+        _isMounted = hasOwnMounts &&
+                     ::mount("none", QFile::encodeName(volume).constData(), "tmpfs", 0, "size=1m") == 0;
+        return _isMounted;
     }
     QString path(const QString &name) const { return _folder.filePath(name); }
     Result<QString> throwAway(const QString &item) { return QCoro::waitFor(can->moveToTrash(item)); }
@@ -79,7 +79,7 @@ public:
     RemovalReport empty() { return *QCoro::waitFor(can->empty(rules, {})); }
 
 private:
-    bool isMounted = false;
+    bool _isMounted = false;
 };
 
 // The Finder's part of a Mac's trash can, with one folder for a trash.

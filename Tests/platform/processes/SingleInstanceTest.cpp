@@ -169,8 +169,9 @@ private Q_SLOTS:
         QVERIFY(holder.claim());
         int woken = 0;
         const Observation observation = holder.observeWake([&] { ++woken; });
-        const auto heard = std::async(std::launch::async, [&] { FolderSingleInstance(deep).wakeOther(); });
+        const auto waking = std::async(std::launch::async, [&] { FolderSingleInstance(deep).wakeOther(); });
         QTRY_COMPARE(woken, 1);
+        waking.wait();
     }
 
     void withoutAFolderEveryCopyIsTheOnlyOne()

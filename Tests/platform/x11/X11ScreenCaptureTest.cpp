@@ -54,7 +54,7 @@ CaptureFilter only(const PaintedWindow &window)
 class X11ScreenCaptureTest : public QObject {
     Q_OBJECT
 
-    QTemporaryDir folder;
+    QTemporaryDir _folder;
 
     static void leavesOutOwnWindows(bool withDamage)
     {
@@ -124,7 +124,7 @@ private Q_SLOTS:
         const auto stop = [&] { return QCoro::waitFor(session->stopCapture()).has_value(); };
         const auto finish = [&] { return QCoro::waitFor(session->finishWriting()).has_value(); };
         // Nothing goes without a movie, and no movie by a system that writes none.
-        const QString path = folder.filePath(u"a.mp4"_s);
+        const QString path = _folder.filePath(u"a.mp4"_s);
         QVERIFY(!capture.features().recordingOutput);
         QVERIFY(!session->addRecordingOutput(path) && !session->removeRecordingOutput());
         QVERIFY(!session->addOutput(CaptureOutput::screen) && !start() && !stop() && !finish());

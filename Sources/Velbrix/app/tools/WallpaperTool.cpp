@@ -138,7 +138,7 @@ QCoro::Task<CommandReply> set(WallpaperController &wallpaper, WallpaperActions &
     const auto wanted = wantedDisplay(command, wallpaper.displays().connectedDisplays());
     if (!wanted)
         co_return CommandReply::refusal(wanted.error().message);
-    const auto display = *wanted;
+    const auto &display = *wanted;
     auto playing = display ? actions.playVideoOn(display->id, path) : actions.playVideo(path);
     const auto outcome = co_await playing;
     if (!outcome)
