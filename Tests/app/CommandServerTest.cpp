@@ -24,13 +24,14 @@ struct Rig : ServicesRig {
         });
         return isAnswered ? commandReplyFromJson(*answer) : CommandReply{-1, u"no reply"_s, {}};
     }
-    void addBackup()
+    QString backupAdd() const
     {
         const QStringList folders = {files.filePath(u"source"_s), files.filePath(u"saved"_s)};
         for (const QString &folder : folders)
             QDir().mkpath(folder);
-        QCOMPARE(ask(u"backup add --name photos "_s + folders.join(u' ')).exitCode, exitcode::done);
+        return u"backup add --name photos "_s + folders.join(u' ');
     }
+    void addBackup() { QCOMPARE(ask(backupAdd()).exitCode, exitcode::done); }
 
     CommandServer server{make()};
     QList<QJsonObject> said;
@@ -62,6 +63,20 @@ private Q_SLOTS:
         QCOMPARE(reply.exitCode, exitcode::refused);
         QCOMPARE(reply.text, u"Velbrix 正在退出，没有执行"_s);
         QVERIFY(rig.host.archiver.calls.isEmpty());
+    }
+
+    void whatIsNotSavedIsNotCalledDone()
+    {
+        Rig rig;
+        rig.host.settings.failsWith = u"磁盘空间不足"_s;
+        const CommandReply reply = rig.ask(rig.backupAdd());
+        QCOMPARE(reply.exitCode, exitcode::refused);
+        QCOMPARE(reply.text, u"已生效，但没有存盘，稍后会再试：磁盘空间不足"_s);
+        QCOMPARE(rig.ask(u"backup list"_s).exitCode, exitcode::done); // it has changed nothing
+        QCOMPARE(rig.host.settings.saves, 0);
+        rig.host.settings.failsWith.reset();
+        rig.clock.advance(30s);
+        QCOMPARE(rig.host.settings.saves, 1);
     }
 
     void theStatusTellsWhatRuns()

@@ -87,7 +87,7 @@ private Q_SLOTS:
     {
         JsonSettingsFile file(_path);
         QVERIFY(file.save({{u"a"_s, 1}}, {}));
-        writeFile(_path + u".AbCdEf"_s, "{");
+        writeFile(_path + u".unfinished-aB3dEf"_s, "{");
         writeFile(_path + u".backup"_s, "mine");
         writeFile(_path + u".damaged"_s, "kept");
         file.tidy();
@@ -158,6 +158,7 @@ private Q_SLOTS:
             rig.store.observeFailures([&](const Failure &reason) { told << reason.message; });
         rig.store.set(u"a"_s, 1);
         rig.clock.advance(1s);
+        rig.clock.advance(5min); // it is tried again and told once
         QCOMPARE(told, QStringList{u"disk full"_s});
         QCOMPARE(rig.store.integer(u"a"_s), std::optional(1));
         rig.disk.failsWith.reset();

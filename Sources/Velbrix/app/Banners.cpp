@@ -17,8 +17,10 @@ void Banners::follow()
 {
     if (const QString problem = _services.settings.loadProblem(); !problem.isEmpty())
         warn(u"设置"_s, problem);
-    _settingsFailures = _services.settings.observeFailures(
-        [this](const Failure &reason) { warn(u"设置没有存盘，稍后会再试"_s, reason.message); });
+    _settingsFailures = _services.settings.observeFailures([this](const Failure &reason) {
+        const bool isForGood = reason.message == _services.settings.loadProblem();
+        warn(isForGood ? u"设置没有存盘"_s : u"设置没有存盘，稍后会再试"_s, reason.message);
+    });
     for (const Tool &tool : tools()) {
         if (tool.news)
             tool.news(_services, *this);

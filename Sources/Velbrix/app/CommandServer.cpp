@@ -5,6 +5,7 @@
 #include "foundation/Job.h"
 
 #include <QJsonArray>
+#include <QPointer>
 
 #include <cmath>
 #include <memory>
@@ -71,7 +72,15 @@ QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request, LocalChannel
     QObject listener;
     if (const Job *const job = jobBehind(*verb, _services))
         follow(*job, &listener, progress);
+    const QPointer self(this);
+    const quint64 changes = _services.settings.changes();
     const CommandReply reply = co_await verb->run(_services, command);
+    // What a command says it has done is to outlive a crash.
+    if (self && reply.exitCode == exitcode::done && _services.settings.changes() != changes) {
+        if (const auto saved = _services.settings.flush(); !saved)
+            co_return toJson(
+                CommandReply::refusal(u"已生效，但没有存盘，稍后会再试：%1"_s.arg(saved.error().message)));
+    }
     co_return toJson(reply);
 }
 

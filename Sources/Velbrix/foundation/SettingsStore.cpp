@@ -83,17 +83,21 @@ Result<void> SettingsStore::flush()
     const Result<void> saved = _backend->save(_values, _pending.values());
     if (saved) {
         _pending.clear();
+        _toldFailure.clear();
         return saved;
     }
-    log::line(u"Velbrix"_s, u"settings not saved: "_s + saved.error().message);
     _write = _clock.after(retryDelay, [this] { (void)flush(); });
-    _failures.notify(saved.error());
+    if (std::exchange(_toldFailure, saved.error().message) != saved.error().message) {
+        log::line(u"Velbrix"_s, u"settings not saved: "_s + saved.error().message);
+        _failures.notify(saved.error());
+    }
     return saved;
 }
 
 void SettingsStore::schedule(const QString &key)
 {
     _pending.insert(key);
+    ++_changes;
     // The first change of a burst sets the time, so that a value which never
     // rests is written too.
     if (!_write)

@@ -39,7 +39,11 @@ public:
     // Writes pending changes now. A failed write keeps them pending.
     Result<void> flush();
 
-    // Called after a write that failed; it is tried again by itself.
+    // How many values have been changed or removed since the start.
+    quint64 changes() const { return _changes; }
+
+    // Called after a write that failed, once for a reason until one succeeds;
+    // it is tried again by itself.
     Observation observeFailures(std::function<void(const Failure &)> failed)
     {
         return _failures.add(std::move(failed));
@@ -56,6 +60,8 @@ private:
     Clock &_clock;
     QJsonObject _values;
     QSet<QString> _pending;
+    quint64 _changes = 0;
+    QString _toldFailure;
     std::unique_ptr<Alarm> _write;
     ObserverList<void(const Failure &)> _failures;
 };

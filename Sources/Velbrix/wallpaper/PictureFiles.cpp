@@ -1,10 +1,11 @@
 #include "wallpaper/PictureFiles.h"
 
+#include "foundation/AtomicFile.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -40,15 +41,12 @@ void prune(const QString &folder, const QString &newest)
 
 Result<QString> writePicture(const QImage &image, const QString &folder, qint64 stamp)
 {
-    if (!QDir().mkpath(folder))
-        return failure(u"无法建立文件夹 "_s + folder);
     QString path;
     do {
         path = u"%1/static_%2.jpg"_s.arg(folder).arg(stamp++);
     } while (QFileInfo::exists(path));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "JPG", quality) || !file.commit())
-        return failure(u"无法写入 %1：%2"_s.arg(path, file.errorString()));
+    if (const auto written = replaceFile(path, image, "JPG", quality); !written)
+        return std::unexpected(written.error());
     prune(folder, path);
     return path;
 }

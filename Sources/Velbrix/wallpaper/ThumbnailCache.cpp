@@ -1,10 +1,11 @@
 #include "wallpaper/ThumbnailCache.h"
 
+#include "foundation/AtomicFile.h"
+
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -28,11 +29,7 @@ QImage ThumbnailCache::find(const QString &file) const
 void ThumbnailCache::store(const QString &file, const QImage &picture) const
 {
     // A cache: what cannot be written is made again next time.
-    if (!QDir().mkpath(_folder))
-        return;
-    QSaveFile output(entry(file));
-    if (output.open(QIODevice::WriteOnly) && picture.save(&output, "JPG", 85))
-        output.commit();
+    (void)replaceFile(entry(file), picture, "JPG", 85);
 }
 
 void ThumbnailCache::prune() const

@@ -1,21 +1,17 @@
 #include "maintenance/uninstall/UninstallJournal.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "maintenance/uninstall/DataSearch.h"
 
 #include <QCoroFuture>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
-#include <fcntl.h>
-#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -34,41 +30,12 @@ QThreadPool &writer()
     return *pool;
 }
 
-void syncFolder(const QString &folder)
-{
-    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    ::fsync(descriptor);
-    ::close(descriptor);
-}
-
 Result<void> write(const QString &path, const QList<UninstallRecord> &records)
 {
     QJsonArray list;
     for (const UninstallRecord &record : records)
         list.append(toJson(record));
-    const QString folder = QFileInfo(path).absolutePath();
-    if (!QDir().mkpath(folder))
-        return failure(u"无法创建文件夹 "_s + folder);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return failure(file.errorString());
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    file.write(QJsonDocument(QJsonObject{{u"records"_s, list}}).toJson());
-    if (!file.commit())
-        return failure(file.errorString());
-    syncFolder(folder);
-    return {};
-}
-
-void setAside(const QString &path)
-{
-    QString aside = path + u".damaged"_s;
-    for (int n = 2; isThere(aside); ++n)
-        aside = path + u".damaged-%1"_s.arg(n);
-    QFile::rename(path, aside);
-    log::line(u"Uninstall"_s, u"卸载记录已损坏，原文件保留为 %1"_s.arg(aside));
+    return replaceFile(path, QJsonDocument(QJsonObject{{u"records"_s, list}}).toJson());
 }
 
 std::optional<QList<UninstallRecord>> read(const QByteArray &content)
@@ -106,7 +73,9 @@ void UninstallJournal::load()
         return;
     const auto records = file.open(QIODevice::ReadOnly) ? read(file.readAll()) : std::nullopt;
     if (!records) {
-        setAside(_file);
+        const auto aside = setAside(_file);
+        log::line(u"Uninstall"_s, aside ? u"卸载记录已损坏，原文件保留为 %1"_s.arg(*aside)
+                                        : u"卸载记录已损坏且无法移开：%1"_s.arg(aside.error().message));
         return;
     }
     _records = records->first(std::min(records->size(), keptRecords));

@@ -1,11 +1,9 @@
 #include "platform/linux/applications/XdgLoginItem.h"
 
+#include "foundation/AtomicFile.h"
 #include "platform/linux/applications/DesktopEntry.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 
 #include <utility>
 
@@ -66,16 +64,7 @@ Result<void> XdgLoginItem::setEnabled(bool enabled)
             return failure(u"无法删除 "_s + _file + u"："_s + file.errorString());
         return {};
     }
-    const QString folder = QFileInfo(_file).absolutePath();
-    if (!QDir().mkpath(folder))
-        return failure(u"无法创建文件夹 "_s + folder);
-    QSaveFile file(_file);
-    if (!file.open(QIODevice::WriteOnly))
-        return failure(u"无法写入 "_s + _file + u"："_s + file.errorString());
-    file.write(entryText(_program).toUtf8());
-    if (!file.commit())
-        return failure(u"无法写入 "_s + _file + u"："_s + file.errorString());
-    return {};
+    return replaceFile(_file, entryText(_program).toUtf8());
 }
 
 } // namespace velbrix

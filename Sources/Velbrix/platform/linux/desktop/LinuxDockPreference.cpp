@@ -1,14 +1,12 @@
 #include "platform/linux/desktop/LinuxDockPreference.h"
 
+#include "foundation/AtomicFile.h"
 #include "platform/linux/dbus/Bus.h"
 #include "platform/linux/desktop/PanelSettings.h"
 
 #include <QCoroFuture>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <memory>
@@ -61,11 +59,8 @@ public:
 private:
     Result<void> save() const
     {
-        QDir().mkpath(QFileInfo(_path).path());
-        QSaveFile file(_path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(_all).toJson()) < 0 ||
-            !file.commit())
-            return failure(u"无法保存面板原来的设置"_s);
+        if (const auto saved = replaceFile(_path, QJsonDocument(_all).toJson()); !saved)
+            return failure(u"无法保存面板原来的设置："_s + saved.error().message);
         return {};
     }
 

@@ -1,12 +1,12 @@
 #include "platform/linux/desktop/PcmanfmPicture.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "platform/linux/desktop/DesktopSession.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -46,10 +46,9 @@ Result<void> write(const QString &profile, const QString &path, const QString &m
     text.replace(line(u"wallpaper_mode"_s), u"wallpaper_mode="_s + mode);
     if (!path.isEmpty())
         text.replace(line(u"wallpaper"_s), u"wallpaper="_s + QString(path).replace(u'\\', u"\\\\"_s));
-    QSaveFile file(name);
-    if (text.isEmpty() || !file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit())
-        return failure(u"无法写入 pcmanfm 的设置"_s);
-    return {};
+    if (text.isEmpty())
+        return failure(u"无法读取 pcmanfm 的设置"_s);
+    return replaceFile(name, text.toUtf8());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/RootPicture.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "platform/linux/x11/RootWindow.h"
 
@@ -9,7 +10,6 @@
 #include <QDir>
 #include <QImageReader>
 #include <QPainter>
-#include <QSaveFile>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <optional>
@@ -44,10 +44,8 @@ Result<QString> keep(const QString &folder, const QImage &image)
     const QByteArrayView bytes(image.constBits(), image.sizeInBytes());
     const QByteArray name = QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex();
     const QString path = folder + u"/root-"_s + QString::fromLatin1(name) + u".png"_s;
-    QDir().mkpath(folder);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
-        return failure(u"无法保存原来的桌面图片"_s);
+    if (const auto kept = replaceFile(path, image, "PNG"); !kept)
+        return failure(u"无法保存原来的桌面图片："_s + kept.error().message);
     const QFileInfoList kept =
         QDir(folder).entryInfoList({u"root-*.png"_s}, QDir::Files, QDir::Time); // newest first
     for (const QFileInfo &old : kept.mid(keptFiles))

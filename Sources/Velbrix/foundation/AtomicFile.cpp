@@ -1,0 +1,157 @@
+#include "foundation/AtomicFile.h"
+
+#include "foundation/Paths.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+constexpr auto unfinishedSuffix = ".unfinished-XXXXXX"_L1;
+
+int written(int descriptor, QByteArrayView content)
+{
+    while (!content.isEmpty()) {
+        const ssize_t count = ::write(descriptor, content.data(), static_cast<std::size_t>(content.size()));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return count < 0 ? errno : ENOSPC;
+        content.slice(count);
+    }
+    return 0;
+}
+
+// A disk that is full may say so only when the file is synced or even closed.
+int filled(int descriptor, const QByteArray &content, const QByteArray &replaced)
+{
+    struct stat facts = {};
+    if (::stat(replaced.constData(), &facts) == 0 && ::fchmod(descriptor, facts.st_mode & 07777) != 0)
+        return errno;
+    if (const int error = written(descriptor, content))
+        return error;
+    if (const int error = synced(descriptor))
+        return error;
+    if (::fstat(descriptor, &facts) != 0)
+        return errno;
+    return facts.st_size == content.size() ? 0 : EIO;
+}
+
+int syncFolder(const QByteArray &folder)
+{
+    const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return 0; // one may write into a folder that one cannot list
+    const int error = synced(descriptor);
+    ::close(descriptor);
+    return error;
+}
+
+int replaced(const QByteArray &path, const QByteArray &content)
+{
+    QByteArray unfinished = path + unfinishedSuffix.latin1();
+    const int descriptor = ::mkostemp(unfinished.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        return errno;
+    int error = filled(descriptor, content, path);
+    if (::close(descriptor) != 0 && error == 0 && errno != EINTR)
+        error = errno;
+    if (error == 0 && ::rename(unfinished.constData(), path.constData()) != 0)
+        error = errno;
+    if (error != 0) {
+        ::unlink(unfinished.constData());
+        return error;
+    }
+    return syncFolder(splitPath(path).first);
+}
+
+} // namespace
+
+Result<void> replaceFile(const QString &path, const QByteArray &content)
+{
+    const QString target = resolvedPath(path);
+    const QString folder = QFileInfo(target).absolutePath();
+    errno = 0;
+    if (!QDir().mkpath(folder))
+        return failure(u"无法创建文件夹 %1：%2"_s.arg(folder, writeReason(errno)));
+    if (const int error = replaced(QFile::encodeName(target), content))
+        return failure(u"无法写入 %1：%2"_s.arg(target, writeReason(error)));
+    return {};
+}
+
+Result<void> replaceFile(const QString &path, const QImage &picture, const char *format, int quality)
+{
+    QByteArray content;
+    QBuffer buffer(&content);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, format, quality))
+        return failure(u"无法写入 %1：图片无法编码"_s.arg(path));
+    return replaceFile(path, content);
+}
+
+void removeUnfinished(const QString &path)
+{
+    const QFileInfo file(resolvedPath(path));
+    QString pattern = file.fileName() + unfinishedSuffix;
+    pattern.replace(u'X', u'?');
+    for (const QString &stray : file.dir().entryList({pattern}, QDir::Files | QDir::Hidden))
+        file.dir().remove(stray);
+}
+
+Result<QString> setAside(const QString &path)
+{
+    QString aside = path + u".damaged"_s;
+    for (int n = 2; QFile::exists(aside); ++n)
+        aside = path + u".damaged-%1"_s.arg(n);
+    QFile file(path);
+    if (!file.rename(aside))
+        return failure(file.errorString());
+    return aside;
+}
+
+int synced(int descriptor)
+{
+#ifdef F_FULLFSYNC
+    // On such a host fsync() leaves the data in the disk's own cache.
+    if (::fcntl(descriptor, F_FULLFSYNC) == 0)
+        return 0;
+#endif
+    if (::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP)
+        return 0;
+    return errno;
+}
+
+QString writeReason(int error)
+{
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        return u"磁盘空间不足"_s;
+    case EACCES:
+    case EPERM:
+        return u"没有权限"_s;
+    case EROFS:
+        return u"所在磁盘是只读的"_s;
+    case EEXIST:
+    case ENOTDIR:
+    case EISDIR:
+        return u"已有同名的文件或文件夹"_s;
+    case EIO:
+        return u"磁盘读写出错"_s;
+    default:
+        return QString::fromLocal8Bit(std::strerror(error));
+    }
+}
+
+} // namespace velbrix

@@ -1,0 +1,75 @@
+#include "foundation/AtomicFile.h"
+
+#include "support/Test.h"
+
+#ifdef __linux__
+#include <sched.h>
+#include <sys/mount.h>
+#endif
+
+class AtomicFileTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void replacesWhatIsThere()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"a/b/kept"_s);
+        const QString link = folder.filePath(u"link"_s);
+        QVERIFY(replaceFile(file, "one"));
+        QCOMPARE(QFile::permissions(file) & 0xfff,
+                 QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+        QVERIFY(QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadGroup));
+        QVERIFY(QFile::link(file, link));
+        QVERIFY(replaceFile(link, "two\0three"_ba));
+        QCOMPARE(readFile(file), "two\0three"_ba);
+        QVERIFY(QFileInfo(link).isSymLink());
+        QVERIFY(QFile::permissions(file) & QFile::ReadGroup);
+        QCOMPARE(entriesOf(folder.filePath(u"a/b"_s)), QStringList{u"kept"_s});
+    }
+
+    void whatCannotBeWrittenLeavesNothing()
+    {
+        const QTemporaryDir folder;
+        const QString taken = folder.filePath(u"taken"_s);
+        writeFile(taken + u"/inside"_s);
+        QCOMPARE(errorText(replaceFile(taken, "x")), u"无法写入 %1：已有同名的文件或文件夹"_s.arg(taken));
+        QVERIFY(!replaceFile(taken + u"/inside/below"_s, "x"));
+        QVERIFY(!replaceFile(folder.filePath(u"picture"_s), QImage(), "PNG"));
+        QCOMPARE(entriesOf(folder.path()), QStringList{u"taken"_s});
+        QCOMPARE(entriesOf(taken), QStringList{u"inside"_s});
+    }
+
+    void aFullDiskKeepsTheOldContent()
+    {
+        const QTemporaryDir folder;
+#ifdef __linux__
+        // The mount of this test is seen by nobody else and ends with it.
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", QFile::encodeName(folder.path()).constData(), "tmpfs", 0, "size=1m") != 0)
+#endif
+            QSKIP("mounts cannot be made here");
+        const QString file = folder.filePath(u"kept"_s);
+        const QString ballast = folder.filePath(u"ballast"_s);
+        QVERIFY(replaceFile(file, "old"));
+        QFile filling(ballast);
+        QVERIFY(filling.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        while (filling.write(QByteArray(4096, 'x')) > 0) {
+        }
+        for (const qsizetype size : {1, 5000, 2'000'000}) {
+            QCOMPARE(errorText(replaceFile(file, QByteArray(size, 'n'))),
+                     u"无法写入 %1：磁盘空间不足"_s.arg(file));
+            QCOMPARE(readFile(file), "old"_ba);
+            QCOMPARE(entriesOf(folder.path()), (QStringList{u"ballast"_s, u"kept"_s}));
+        }
+        QVERIFY(filling.remove());
+        QVERIFY(replaceFile(file, "new"));
+        QCOMPARE(readFile(file), "new"_ba);
+#ifdef __linux__
+        ::umount2(QFile::encodeName(folder.path()).constData(), MNT_DETACH);
+#endif
+    }
+};
+
+QTEST_GUILESS_MAIN(AtomicFileTest)
+#include "AtomicFileTest.moc"
