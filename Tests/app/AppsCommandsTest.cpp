@@ -27,7 +27,10 @@ struct Rig : UninstallRig {
 
     std::unique_ptr<AppServices> services;
     CommandReply reply; // the newest
-    QString said(const QString &line) { return words(reply = ask(*services, clock, line)); }
+    QString said(const QString &line, const QString &terms = {})
+    {
+        return words(reply = ask(*services, clock, line, terms));
+    }
 };
 
 } // namespace
@@ -80,6 +83,18 @@ private Q_SLOTS:
         QCOMPARE(rig.trashed(),
                  (QStringList{u"Applications/Note.app"_s, u"Preferences/org.acme.note.plist"_s}));
         QCOMPARE(rig.reply.data.value("uninstalled"_L1), true);
+    }
+
+    void whatHasChangedIsAskedAgain()
+    {
+        Rig rig;
+        rig.said(u"apps uninstall Note"_s);
+        const QString terms = rig.reply.agreedTerms();
+        rig.plant(u"Preferences/org.acme.note.later.plist"_s);
+        QVERIFY(rig.said(u"apps uninstall Note --yes"_s, terms)
+                    .startsWith(u"1 与刚才列出的不同，现在是：\n卸载「Note」"_s));
+        QVERIFY(rig.host.trash.calls.isEmpty());
+        QCOMPARE(rig.said(u"apps uninstall Note --yes"_s, rig.reply.agreedTerms()), u"0 已卸载「Note」"_s);
     }
 
     void takesTheModeItIsTold()

@@ -12,7 +12,10 @@ struct Rig : ServicesRig {
         writeFile(files.filePath(u"src/a"_s));
     }
     CommandReply reply; // the newest
-    QString said(const QString &line) { return words(reply = ask(*services, clock, line)); }
+    QString said(const QString &line, const QString &terms = {})
+    {
+        return words(reply = ask(*services, clock, line, terms));
+    }
     QString added(const QString &options)
     {
         const QString places = files.filePath(u"src"_s) + u' ' + files.filePath(u"dst"_s);
@@ -70,7 +73,10 @@ private Q_SLOTS:
         QCOMPARE(rig.reply.data[u"needsConfirmation"_s], QJsonValue(true));
         QCOMPARE(rig.reply.data[u"deletions"_s], QJsonValue(60));
         QVERIFY(!rig.controller->isRunningBackup());
-        QCOMPARE(rig.said(u"backup run mirror --yes"_s), u"0 ✓ 同步完成 · 1 个文件"_s);
+        QVERIFY(rig.said(u"backup run mirror --yes"_s, u"59"_s).startsWith(u"1 "));
+        QVERIFY(rig.reply.isQuestion()); // it has become one more
+        QCOMPARE(rig.said(u"backup run mirror --yes"_s, rig.reply.agreedTerms()),
+                 u"0 ✓ 同步完成 · 1 个文件"_s);
     }
 
     void removesATaskAndNoFile()

@@ -123,9 +123,23 @@ private Q_SLOTS:
         const QString old = u"dst/t_同步_旧文件/"_s;
         rig.write({u"src/a"_s, old + u"20260129_090000/x"_s, old + u"20260131_090000/x"_s,
                    old + u"20260129_090000 mine/x"_s, old + u"20261329_090000/x"_s});
+        const QStringList all = entriesOf(rig.path(old));
         QVERIFY(rig.says(u"✓"_s));
+        QVERIFY(rig.says(u"✓"_s)); // the clock may be wrong today
+        QCOMPARE(entriesOf(rig.path(old)), QStringList(u".expired"_s) + all);
+        const QDateTime today = std::exchange(rig.request.at, rig.request.at.addDays(-1));
+        QVERIFY(rig.says(u"✓"_s)); // it was wrong
+        QCOMPARE(entriesOf(rig.path(old)), all);
+        for (const int day : {0, 1}) {
+            rig.request.at = today.addDays(day);
+            QVERIFY(rig.says(u"✓"_s));
+        }
         QCOMPARE(entriesOf(rig.path(old)),
                  (QStringList{u"20260129_090000 mine"_s, u"20260131_090000"_s, u"20261329_090000"_s}));
+        rig.request.at = today.addYears(1);
+        QVERIFY(QDir(rig.path(u"src"_s)).removeRecursively());
+        QVERIFY(rig.says(u"源文件夹不在了"_s)); // what it refuses costs nothing
+        QVERIFY(rig.has(old + u"20260131_090000/x"_s));
     }
 
     void refusesAnEmptyOrMissingSourceOrDisk()

@@ -83,8 +83,34 @@ private Q_SLOTS:
             QVERIFY2(journal.records().isEmpty(), content);
             const QString aside = ++earlier == 1 ? u".damaged"_s : u".damaged-%1"_s.arg(earlier);
             QCOMPARE(readFile(rig.file + aside), content);
+            QCOMPARE(journal.problem(), u"卸载记录已损坏，原文件保留为 "_s + rig.file + aside);
             QVERIFY(QCoro::waitFor(journal.put(rig.record(u"1"_s))));
         }
+    }
+
+    void oneBadRecordCostsNoOther()
+    {
+        Rig rig;
+        UninstallJournal before(rig.file);
+        QVERIFY(QCoro::waitFor(before.put(rig.record(u"1"_s))) &&
+                QCoro::waitFor(before.put(rig.record(u"2"_s))));
+        const QByteArray damaged = readFile(rig.file).replace("\"id\": \"2\"", "\"id\": 2");
+        writeFile(rig.file, damaged);
+        const UninstallJournal journal(rig.file);
+        QCOMPARE(journal.records(), QList{rig.record(u"1"_s)});
+        QVERIFY(journal.problem().startsWith(u"部分卸载记录已损坏，其余的仍可放回；"_s));
+        QCOMPARE(readFile(rig.file + u".damaged"_s), damaged);
+        QCOMPARE(UninstallJournal(rig.file).records(), journal.records());
+    }
+
+    void whatIsOutOfReachIsNotReplaced()
+    {
+        Rig rig;
+        QDir().mkpath(rig.file + u"/inside"_s); // cannot be opened, by root neither
+        UninstallJournal journal(rig.file);
+        QCOMPARE(errorText(QCoro::waitFor(journal.put(rig.record(u"1"_s)))), journal.problem());
+        QVERIFY(journal.problem().startsWith(u"卸载记录无法读取，不能卸载："_s));
+        QVERIFY(QFileInfo(rig.file + u"/inside"_s).isDir());
     }
 
     void anyFileIsReadOrKept()
@@ -100,9 +126,9 @@ private Q_SLOTS:
         QVERIFY(fuzz.isSurvivedBy([&](const QByteArray &bytes) {
             writeFile(rig.file, bytes);
             const UninstallJournal journal(rig.file);
-            const bool isThere = QFile::exists(rig.file);
             read += journal.records().isEmpty() ? 0 : 1;
-            const bool isKept = readFile(isThere ? rig.file : rig.file + u".damaged"_s) == bytes;
+            const bool isKept =
+                readFile(rig.file + (journal.problem().isEmpty() ? u""_s : u".damaged"_s)) == bytes;
             QFile::remove(rig.file + u".damaged"_s);
             const auto isSound = [](const UninstallRecord &record) {
                 return !record.id.isEmpty() && std::ranges::all_of(record.moved, [](const MovedItem &item) {

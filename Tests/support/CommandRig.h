@@ -6,12 +6,15 @@
 namespace velbrix::test {
 
 // What the running program answers to a line that somebody types; time passes
-// until it does. No word has a space in it.
-inline CommandReply ask(AppServices &services, VirtualClock &clock, const QString &line)
+// until it does. No word has a space in it. The terms are those of a question
+// that they have agreed to.
+inline CommandReply ask(AppServices &services, VirtualClock &clock, const QString &line,
+                        const QString &terms = {})
 {
-    const auto command = parseCommand(line.split(u' '));
+    auto command = parseCommand(line.split(u' '));
     if (!command)
         return {exitcode::usage, misuseText(line.split(u' ')), {}};
+    command->terms = terms;
     settle();
     const auto reply = std::make_shared<std::optional<CommandReply>>();
     commandOf(command->words)->run(services, *command).then([reply](CommandReply now) { *reply = now; });

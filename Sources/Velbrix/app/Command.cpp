@@ -14,6 +14,7 @@ namespace {
 
 const QString needsConfirmation = u"needsConfirmation"_s;
 const QString agreedArgumentsKey = u"arguments"_s;
+const QString termsKey = u"terms"_s;
 
 const CommandForm *formBegunBy(const QStringList &words)
 {
@@ -113,10 +114,13 @@ QCoro::Task<CommandReply> answered(CommandReply reply)
 
 } // namespace
 
-CommandReply CommandReply::question(const QString &text, const QStringList &agreed, QJsonObject data)
+CommandReply CommandReply::question(const QString &text, const QStringList &agreed, QJsonObject data,
+                                    const QString &terms)
 {
     data[needsConfirmation] = true;
     data[agreedArgumentsKey] = QJsonArray::fromStringList(agreed);
+    if (!terms.isEmpty())
+        data[termsKey] = terms;
     return {exitcode::refused, text, data};
 }
 
@@ -128,6 +132,11 @@ bool CommandReply::isQuestion() const
 QStringList CommandReply::agreedArguments() const
 {
     return data.value(agreedArgumentsKey).toVariant().toStringList();
+}
+
+QString CommandReply::agreedTerms() const
+{
+    return data.value(termsKey).toString();
 }
 
 CommandHandler immediate(std::function<CommandReply(AppServices &, const ParsedCommand &)> act)

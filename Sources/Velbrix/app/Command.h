@@ -30,12 +30,15 @@ struct CommandReply {
 
     static CommandReply refusal(const QString &reason) { return {exitcode::refused, reason, {}}; }
     // Nothing was done: this is what would be. The client asks the user in their
-    // terminal and says the command again with --yes and these arguments ("arguments"
-    // in the data), so that what was shown is what is done, whatever has been
-    // chosen meanwhile.
-    static CommandReply question(const QString &text, const QStringList &agreed, QJsonObject data = {});
+    // terminal and says the command again with --yes, these arguments ("arguments"
+    // in the data) and the terms ("terms"), so that what was shown is what is done,
+    // whatever has been chosen meanwhile. A command that would go beyond the terms
+    // by then asks again.
+    static CommandReply question(const QString &text, const QStringList &agreed, QJsonObject data = {},
+                                 const QString &terms = {});
     bool isQuestion() const;
     QStringList agreedArguments() const;
+    QString agreedTerms() const;
 };
 
 // "--display NUMBER", or a bare "--yes".
@@ -65,6 +68,7 @@ struct ParsedCommand {
     QStringList arguments;
     bool json = false;
     QMap<QString, QString> options = {}; // by name; empty for those without a value
+    QString terms = {};                  // of the question that was answered; empty: whatever it is
 
     bool has(const QString &option) const { return options.contains(option); }
 

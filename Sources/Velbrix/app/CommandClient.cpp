@@ -101,17 +101,20 @@ bool isConfirmed(const QString &question)
 QCoro::Task<int> runCommand(ParsedCommand command, Clock &clock)
 {
     CommandReply reply = co_await ask(command, clock);
-    if (!command.json && reply.isQuestion()) {
+    while (!command.json && reply.isQuestion()) {
         if (!hasTerminal()) {
             reply.text += u"\n没有执行。确认无误后加上 --yes 再运行一次。"_s;
-        } else if (isConfirmed(reply.text)) {
-            command.options.insert(u"--yes"_s, QString());
-            if (const QStringList agreed = reply.agreedArguments(); !agreed.isEmpty())
-                command.arguments = agreed;
-            reply = co_await ask(command, clock);
-        } else {
-            reply.text = u"没有执行"_s;
+            break;
         }
+        if (!isConfirmed(reply.text)) {
+            reply.text = u"没有执行"_s;
+            break;
+        }
+        command.options.insert(u"--yes"_s, QString());
+        command.terms = reply.agreedTerms();
+        if (const QStringList agreed = reply.agreedArguments(); !agreed.isEmpty())
+            command.arguments = agreed;
+        reply = co_await ask(command, clock);
     }
     co_return present(reply, command.json);
 }

@@ -91,7 +91,8 @@ QJsonObject toJson(const ParsedCommand &command)
         options.insert(option.key(), option.value());
     return {{u"words"_s, command.words},
             {u"arguments"_s, QJsonArray::fromStringList(command.arguments)},
-            {u"options"_s, options}};
+            {u"options"_s, options},
+            {u"terms"_s, command.terms}};
 }
 
 ParsedCommand parsedCommandFromJson(const QJsonObject &json)
@@ -103,6 +104,7 @@ ParsedCommand parsedCommandFromJson(const QJsonObject &json)
     const QJsonObject options = json.value(u"options"_s).toObject();
     for (auto option = options.begin(); option != options.end(); ++option)
         command.options.insert(option.key(), option.value().toString());
+    command.terms = json.value(u"terms"_s).toString();
     return command;
 }
 

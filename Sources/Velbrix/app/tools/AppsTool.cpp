@@ -3,6 +3,7 @@
 #include "foundation/Awaitables.h"
 #include "foundation/Text.h"
 
+#include <QCryptographicHash>
 #include <QJsonArray>
 
 #include <memory>
@@ -202,6 +203,21 @@ QString hindrance(const AppScanner &scanner, PrivacyManager &privacy)
     return privacy.missingConsent(PrivacyConsentKind::uninstall);
 }
 
+// What goes, whatever it measures by now.
+QString termsOf(const UninstallReview &review)
+{
+    QCryptographicHash terms(QCryptographicHash::Sha256);
+    const auto add = [&](const QString &what) { terms.addData(what.toUtf8().append('\0')); };
+    add(review.app.path);
+    for (const ReviewItem &item : review.items) {
+        if (item.isTicked)
+            add(item.path);
+    }
+    for (const QString &package : review.packages)
+        add(package);
+    return QString::fromLatin1(terms.result().toHex());
+}
+
 QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy, ParsedCommand command)
 {
     const std::optional<UninstallMode> mode = command.options.contains(u"--mode"_s)
@@ -226,8 +242,12 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
     const UninstallReview review = co_await scanner.reviewOf(app, *mode);
     if (isDryRun)
         co_return CommandReply{exitcode::done, textOf(review), {{u"review"_s, toJson(review)}}};
-    if (!command.options.contains(u"--yes"_s))
-        co_return CommandReply::question(textOf(review), {app.path}, {{u"review"_s, toJson(review)}});
+    const QString terms = termsOf(review);
+    const bool hasChanged = !command.terms.isEmpty() && command.terms != terms;
+    if (!command.has(u"--yes"_s) || hasChanged)
+        co_return CommandReply::question((hasChanged ? u"与刚才列出的不同，现在是：\n"_s : QString()) +
+                                             textOf(review),
+                                         {app.path}, {{u"review"_s, toJson(review)}}, terms);
     if (const QString reason = hindrance(scanner, privacy); !reason.isEmpty())
         co_return CommandReply::refusal(reason);
     const CommandReply reply = co_await carryOut(scanner, review);

@@ -173,7 +173,15 @@ CommandReply replyTo(const BackupQuestion &question)
         {question.taskId},
         {{u"id"_s, question.taskId},
          {u"deletions"_s, question.deletions},
-         {u"existing"_s, question.existing}});
+         {u"existing"_s, question.existing}},
+        QString::number(question.deletions));
+}
+
+// Fewer than were agreed to are agreed to.
+bool isAgreed(const ParsedCommand &command, const BackupQuestion &question)
+{
+    return command.has(confirmOption) &&
+           (command.terms.isEmpty() || question.deletions <= command.terms.toLongLong());
 }
 
 QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand command)
@@ -188,7 +196,7 @@ QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand comman
     backup.runNow(id);
     while (backup.currentRunningTaskID() == id) {
         if (const auto question = backup.question()) {
-            if (command.options.contains(confirmOption)) {
+            if (isAgreed(command, *question)) {
                 backup.confirmDeletions();
             } else {
                 refused = question;

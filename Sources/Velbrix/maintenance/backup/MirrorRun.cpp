@@ -1,5 +1,6 @@
 #include "maintenance/backup/MirrorRun.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -34,16 +36,11 @@ struct Survey {
     TreeFacts facts;
 };
 
-// Takes away what has been set aside for long enough and looks at both sides.
-Survey survey(const BackupTask &task, const QDateTime &now, const Cancellation &cancellation)
+// Looks at both sides.
+Survey survey(const BackupTask &task, const Cancellation &cancellation)
 {
     if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
         return {obstacle, {}};
-    if (!QFileInfo(setAsideFolder(task)).isSymLink())
-        removeOwn(task, setAsideFolder(task), [&](const QString &name) {
-            const auto at = setAsideTime(name);
-            return at && at->daysTo(now) > keptDays;
-        });
     return {{},
             compareTrees(QFile::encodeName(task.sourcePath), QFile::encodeName(mirrorFolder(task)),
                          ExcludeRules(task.excludes), cancellation)};
@@ -80,9 +77,43 @@ Result<QString> prepare(const BackupTask &task, const QDateTime &at, qint64 mirr
     return freeSetAsideFolder(task, at);
 }
 
-// Removes what has remained empty.
-void tidy(const QString &setAside)
+// Takes away what has been set aside for long enough. A clock that is wrong today
+// must cost nothing: what is old is noted, and goes when a run on a later day
+// finds it old as well.
+void expireSetAside(const BackupTask &task, const QDateTime &now)
 {
+    const QString folder = setAsideFolder(task);
+    if (QFileInfo(folder).isSymLink())
+        return;
+    const QString notes = folder + u"/.expired"_s;
+    QHash<QString, QDate> noted;
+    if (QFile file(notes); file.open(QIODevice::ReadOnly)) {
+        for (const QByteArray &line : file.readAll().split('\n'))
+            noted.insert(QString::fromUtf8(line.left(line.indexOf(' '))),
+                         QDate::fromString(QString::fromUtf8(line.mid(line.indexOf(' ') + 1)), Qt::ISODate));
+    }
+    QByteArray stillOld;
+    removeOwn(task, folder, [&](const QString &name) {
+        const auto at = setAsideTime(name);
+        if (!at || at->daysTo(now) <= keptDays)
+            return false;
+        const QDate since = noted.value(name);
+        if (since.isValid() && since < now.date())
+            return true;
+        stillOld += name.toUtf8() + ' ' + now.date().toString(Qt::ISODate).toUtf8() + '\n';
+        return false;
+    });
+    if (stillOld.isEmpty())
+        QFile::remove(notes);
+    else
+        (void)replaceFile(notes, stillOld);
+}
+
+// Removes what has remained empty, and after a good run what has expired.
+void tidy(const BackupTask &task, const QString &setAside, const QDateTime &at, bool isDone)
+{
+    if (isDone)
+        expireSetAside(task, at);
     for (const QString &folder : {setAside, QFileInfo(setAside).path()})
         ::rmdir(QFile::encodeName(folder).constData());
 }
@@ -131,7 +162,7 @@ public:
     {
         _request.progress(u"正在扫描目录…"_s, -1);
         const QFuture<Survey> surveyed =
-            QtConcurrent::run(&backupWorkers(), survey, _task, _request.at, _request.cancellation);
+            QtConcurrent::run(&backupWorkers(), survey, _task, _request.cancellation);
         const Survey seen = co_await surveyed;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
@@ -147,7 +178,9 @@ public:
         if (!setAside)
             co_return BackupOutcome::failed(setAside.error().message);
         const BackupOutcome outcome = co_await synchronise(*setAside);
-        const QFuture<void> tidying = QtConcurrent::run(&backupWorkers(), tidy, *setAside);
+        const bool isDone = outcome.state == BackupOutcome::State::done;
+        const QFuture<void> tidying =
+            QtConcurrent::run(&backupWorkers(), tidy, _task, *setAside, _request.at, isDone);
         co_await tidying;
         co_return BackupOutcome(outcome);
     }

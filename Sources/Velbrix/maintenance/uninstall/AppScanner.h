@@ -53,6 +53,9 @@ public:
                QObject *parent = nullptr);
     ~AppScanner() override;
 
+    // Why records are missing or none can be made; mostly empty.
+    const QString &recordsProblem() const { return _journal.problem(); }
+
     void scan();
     // The first showing of the page; later ones do nothing.
     void scanOnce();

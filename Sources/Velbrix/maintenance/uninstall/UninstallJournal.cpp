@@ -38,20 +38,22 @@ Result<void> write(const QString &path, const QList<UninstallRecord> &records)
     return replaceFile(path, QJsonDocument(QJsonObject{{u"records"_s, list}}).toJson());
 }
 
-std::optional<QList<UninstallRecord>> read(const QByteArray &content)
-{
-    const QJsonDocument document = QJsonDocument::fromJson(content);
-    const QJsonValue list = document.object().value("records"_L1);
-    if (!list.isArray())
-        return std::nullopt;
+struct Content {
     QList<UninstallRecord> records;
+    bool isWhole = true; // all that was there is a record
+};
+
+Content read(const QByteArray &bytes)
+{
+    const QJsonValue list = QJsonDocument::fromJson(bytes).object().value("records"_L1);
+    Content content{{}, list.isArray()};
     for (const auto &each : list.toArray()) {
-        const auto record = uninstallRecordFromJson(each.toObject());
-        if (!record)
-            return std::nullopt;
-        records.append(*record);
+        if (const auto record = uninstallRecordFromJson(each.toObject()))
+            content.records.append(*record);
+        else
+            content.isWhole = false;
     }
-    return records;
+    return content;
 }
 
 bool isEmpty(const UninstallRecord &record)
@@ -71,18 +73,35 @@ void UninstallJournal::load()
     QFile file(_file);
     if (!file.exists())
         return;
-    const auto records = file.open(QIODevice::ReadOnly) ? read(file.readAll()) : std::nullopt;
-    if (!records) {
-        const auto aside = setAside(_file);
-        log::line(u"Uninstall"_s, aside ? u"卸载记录已损坏，原文件保留为 %1"_s.arg(*aside)
-                                        : u"卸载记录已损坏且无法移开：%1"_s.arg(aside.error().message));
+    if (!file.open(QIODevice::ReadOnly)) {
+        _isOutOfReach = true;
+        _problem = u"卸载记录无法读取，不能卸载：%1 %2"_s.arg(_file, file.errorString());
+        log::line(u"Uninstall"_s, _problem);
         return;
     }
-    _records = records->first(std::min(records->size(), keptRecords));
+    const Content content = read(file.readAll());
+    _records = content.records.first(std::min(content.records.size(), keptRecords));
     for (UninstallRecord &record : _records)
         record.moved.removeIf(
             [](const MovedItem &item) { return item.trashed.isEmpty() && isThere(item.original); });
     _records.removeIf(isEmpty);
+    if (!content.isWhole)
+        keepAside();
+}
+
+void UninstallJournal::keepAside()
+{
+    const auto aside = setAside(_file);
+    _isOutOfReach = !aside;
+    if (!aside)
+        _problem = u"卸载记录已损坏且无法移开，不能卸载：%1"_s.arg(aside.error().message);
+    else if (_records.isEmpty())
+        _problem = u"卸载记录已损坏，原文件保留为 %1"_s.arg(*aside);
+    else
+        _problem = u"部分卸载记录已损坏，其余的仍可放回；原文件保留为 %1"_s.arg(*aside);
+    log::line(u"Uninstall"_s, _problem);
+    if (aside && !_records.isEmpty())
+        (void)write(_file, _records); // else they are written with the next one
 }
 
 QCoro::Task<Result<void>> UninstallJournal::put(UninstallRecord record)
@@ -106,6 +125,8 @@ QCoro::Task<Result<void>> UninstallJournal::remove(QString id)
 
 QCoro::Task<Result<void>> UninstallJournal::save()
 {
+    if (_isOutOfReach)
+        co_return failure(_problem);
     const QFuture<Result<void>> written = QtConcurrent::run(&writer(), write, _file, _records);
     const Result<void> result = co_await written;
     co_return result;

@@ -34,6 +34,8 @@ UninstallRecordsCard::UninstallRecordsCard(const ViewContext &context, QWidget *
     : Card(parent), _context(context), _none(nullptr), _list(new QWidget), _job(nullptr)
 {
     setObjectName(u"uninstallRecords"_s);
+    if (const QString &problem = context.services.uninstaller.recordsProblem(); !problem.isEmpty())
+        addRow(makeText(problem, u"warning"_s));
     auto *none = makeText(u"没有卸载记录。卸载后可以在这里放回原处。"_s, u"note"_s);
     none->setContentsMargins(0, 12, 0, 12);
     _none = none;
