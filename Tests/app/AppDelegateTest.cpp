@@ -298,6 +298,7 @@ private Q_SLOTS:
         review.app.path = writeFile(rig.files.filePath(u"gimp.desktop"_s));
         review.app.source.kind = InstalledApplication::Kind::managed;
         review.app.source.package = u"gimp"_s;
+        review.packages = {u"gimp"_s};
         rig.services->uninstaller.uninstall(review);
         QTRY_COMPARE((rig.clock.advance(100ms), rig.host.applications.calls), QStringList{u"remove gimp"_s});
         QSignalSpy terminated(rig.delegate.get(), &AppDelegate::terminate);

@@ -60,15 +60,17 @@ public:
         co_await _answer.after(delay);
         co_return removedWith.value_or(QStringList{application.package});
     }
-    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application,
+    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application, const QStringList agreed,
                                             Cancellation cancellation) override
     {
         calls << u"remove "_s + application.package;
         co_await _answer.after(delay);
         if (cancellation.isCancelled())
             co_return velbrix::failure(u"已取消"_s);
-        if (failure)
-            co_return velbrix::failure(*failure);
+        const Result<QStringList> going = removedWith.value_or(QStringList{application.package});
+        const auto isAgreed = [&](const QString &package) { return agreed.contains(package); };
+        if (failure || !going || !std::ranges::all_of(*going, isAgreed))
+            co_return velbrix::failure(failure.value_or(u"确认时没有列出"_s));
         const auto isIt = [&](const InstalledApplication &other) {
             return other.manager == application.manager && other.package == application.package;
         };

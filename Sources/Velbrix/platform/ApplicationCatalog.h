@@ -76,9 +76,10 @@ public:
 
     // The package as its manager names what would go with it; for the review.
     virtual QCoro::Task<Result<QStringList>> packagesRemovedWith(const InstalledApplication application) = 0;
-    // Through the package manager, which asks for the password if it must.
+    // Through the package manager, which asks for the password if it must. When
+    // more packages than those agreed to would go, none does.
     virtual QCoro::Task<Result<void>> removeManaged(const InstalledApplication application,
-                                                    Cancellation cancellation) = 0;
+                                                    const QStringList agreed, Cancellation cancellation) = 0;
 };
 
 } // namespace velbrix

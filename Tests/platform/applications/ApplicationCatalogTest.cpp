@@ -75,7 +75,7 @@ struct HostRig {
     // Why it was not removed.
     QString removal(const InstalledApplication &application)
     {
-        return errorText(QCoro::waitFor(catalog().removeManaged(application, {})));
+        return errorText(QCoro::waitFor(catalog().removeManaged(application, {application.package}, {})));
     }
 };
 
@@ -105,11 +105,14 @@ class ApplicationCatalogTest : public QObject {
 
         Cancellation cancelled;
         cancelled.cancel();
-        QCOMPARE(errorText(QCoro::waitFor(catalog.removeManaged(gimp, cancelled))), u"已取消"_s);
+        QCOMPARE(errorText(QCoro::waitFor(catalog.removeManaged(gimp, *going, cancelled))), u"已取消"_s);
         QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 1);
-        QVERIFY(QCoro::waitFor(catalog.removeManaged(gimp, {})));
+        QVERIFY(errorText(QCoro::waitFor(catalog.removeManaged(gimp, {u"other"_s}, {})))
+                    .contains(u"确认时没有列出"_s));
+        QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 1);
+        QVERIFY(QCoro::waitFor(catalog.removeManaged(gimp, *going, {})));
         QCOMPARE(QCoro::waitFor(catalog.applications())->size(), 0);
-        QVERIFY(!QCoro::waitFor(catalog.removeManaged(gimp, {})));
+        QVERIFY(!QCoro::waitFor(catalog.removeManaged(gimp, *going, {})));
     }
 
 private Q_SLOTS:

@@ -161,7 +161,8 @@ QCoro::Task<Result<void>> UninstallSequence::takeApplication()
     const InstalledApplication source = _plan.review.app.source;
     const QString path = _plan.review.app.path;
     if (source.kind == InstalledApplication::Kind::managed) {
-        const Result<void> removed = co_await _catalog.removeManaged(source, _cancellation);
+        const QStringList agreed = _plan.review.packages;
+        const Result<void> removed = co_await _catalog.removeManaged(source, agreed, _cancellation);
         if (!self || !removed)
             co_return removed;
         co_await _trash.removed(source.package.isEmpty() ? source.name : source.package);

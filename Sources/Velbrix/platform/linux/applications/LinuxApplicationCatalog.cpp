@@ -115,9 +115,10 @@ LinuxApplicationCatalog::packagesRemovedWith(const InstalledApplication applicat
 }
 
 QCoro::Task<Result<void>> LinuxApplicationCatalog::removeManaged(const InstalledApplication application,
+                                                                 const QStringList agreed,
                                                                  Cancellation cancellation)
 {
-    return removeThroughManager(_clock, _places, _programs, application, cancellation);
+    return removeThroughManager(_clock, _places, _programs, application, agreed, cancellation);
 }
 
 } // namespace velbrix

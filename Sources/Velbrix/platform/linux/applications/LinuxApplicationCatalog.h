@@ -24,7 +24,7 @@ public:
     QList<LibraryFolder> libraryFolders() const override;
     QCoro::Task<Result<QStringList>> packagesRemovedWith(const InstalledApplication application) override;
     // Can be called off until the manager is started.
-    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application,
+    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application, const QStringList agreed,
                                             Cancellation cancellation) override;
 
 private:

@@ -159,12 +159,16 @@ QCoro::Task<Result<QStringList>> simulateRemoval(Clock &clock, ApplicationPlaces
 
 QCoro::Task<Result<void>> removeThroughManager(Clock &clock, ApplicationPlaces places,
                                                PackagePrograms programs, InstalledApplication application,
-                                               Cancellation cancellation)
+                                               QStringList agreed, Cancellation cancellation)
 {
     const auto command = removalCommand(places, programs, application);
     const auto simulated = co_await simulateRemoval(clock, places, programs, application);
     if (!simulated)
         co_return std::unexpected(simulated.error());
+    QStringList beyond = *simulated;
+    beyond.removeIf([&](const QString &package) { return agreed.contains(package); });
+    if (!beyond.isEmpty())
+        co_return failure(u"还会一并移除 %1，确认时没有列出，没有卸载"_s.arg(beyond.join(u"、"_s)));
     if (!command)
         co_return std::unexpected(command.error());
     if (cancellation.isCancelled())

@@ -14,10 +14,11 @@ namespace velbrix {
 QCoro::Task<Result<QStringList>> simulateRemoval(Clock &clock, ApplicationPlaces places,
                                                  PackagePrograms programs, InstalledApplication application);
 
-// Simulates first, so that nothing the system needs goes with it. Once the
-// manager is started it is left to finish, however long it takes.
+// Simulates first, so that nothing goes with it that the system needs or that
+// was not agreed to. Once the manager is started it is left to finish, however
+// long it takes.
 QCoro::Task<Result<void>> removeThroughManager(Clock &clock, ApplicationPlaces places,
                                                PackagePrograms programs, InstalledApplication application,
-                                               Cancellation cancellation);
+                                               QStringList agreed, Cancellation cancellation);
 
 } // namespace velbrix

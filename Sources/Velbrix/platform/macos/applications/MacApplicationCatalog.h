@@ -12,7 +12,7 @@ public:
     QList<LibraryFolder> libraryFolders() const override;
     // Nothing is managed here.
     QCoro::Task<Result<QStringList>> packagesRemovedWith(const InstalledApplication application) override;
-    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application,
+    QCoro::Task<Result<void>> removeManaged(const InstalledApplication application, const QStringList agreed,
                                             Cancellation cancellation) override;
 };
 

@@ -125,7 +125,7 @@ MacApplicationCatalog::packagesRemovedWith(const InstalledApplication applicatio
 }
 
 QCoro::Task<Result<void>> MacApplicationCatalog::removeManaged(const InstalledApplication application,
-                                                               Cancellation)
+                                                               const QStringList, Cancellation)
 {
     co_return failure(nothingManaged(application));
 }
