@@ -53,6 +53,16 @@ public:
         return made(u"striped.mkv"_s, u"color=red:s=320x180:r=30:d=1,drawbox=0:0:40:180:blue:fill,"
                                       "drawbox=280:0:40:180:blue:fill"_s);
     }
+    // Its left half is blue; to be turned to the right by that angle.
+    QString turned(int angle)
+    {
+        const QString name = u"turned%1.mp4"_s.arg(angle);
+        made(u"flat.mp4"_s, u"color=red:s=320x180:r=30:d=1,drawbox=0:0:160:180:blue:fill"_s);
+        if (!QFile::exists(path(name)))
+            ffmpeg(_folder.path(),
+                   u"-i flat.mp4 -c copy -metadata:s:v:0 rotate=%1 %2"_s.arg(QString::number(angle), name));
+        return path(name);
+    }
     QString green() { return made(u"green.mp4"_s, u"color=0x00ff00:s=320x180:r=30:d=1"_s); }
     QString withSound()
     {
@@ -295,6 +305,21 @@ private Q_SLOTS:
             QTRY_COMPARE(colourAt({10, 200}), QColor(left));
             QTRY_COMPARE(colourAt({200, 10}), QColor(top));
             QCOMPARE(colourAt({200, 200}), QColor(Qt::red));
+        }
+    }
+
+    void phoneClipsStandUpright()
+    {
+        Shown shown;
+        shown.surface->setGravity(VideoGravity::stretch);
+        // Where the left half of the picture as stored is seen.
+        for (const auto &[angle, blue, red] : {std::tuple(90, QPoint(200, 20), QPoint(200, 380)),
+                                               {180, QPoint(380, 200), QPoint(20, 200)},
+                                               {270, QPoint(200, 380), QPoint(200, 20)},
+                                               {0, QPoint(20, 200), QPoint(380, 200)}}) {
+            QVERIFY(shown.loads(clips().turned(angle)));
+            QTRY_COMPARE(colourAt(blue), QColor(Qt::blue));
+            QTRY_COMPARE(colourAt(red), QColor(Qt::red));
         }
     }
 

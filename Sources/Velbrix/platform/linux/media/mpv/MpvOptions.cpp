@@ -16,7 +16,7 @@ struct Option {
     const char *value;
 };
 
-constexpr std::array<Option, 41> options{{
+constexpr std::array<Option, 42> options{{
     // Nothing of the user's or the system's own player.
     {"config", "no"},
     {"load-scripts", "no"},
@@ -49,6 +49,9 @@ constexpr std::array<Option, 41> options{{
     {"pause", "yes"},
     {"loop-file", "inf"},
     {"keepaspect", "no"},
+    // Whoever paints by hand gets pictures that lie as they are stored, and their
+    // size as it is shown; see tuneMpvDecoder().
+    {"video-rotate", "no"},
     // Eight seconds ahead, whatever the bit rate.
     {"cache", "no"},
     {"demuxer-thread", "yes"},
@@ -70,6 +73,21 @@ constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpe
 constexpr qint64 largestPixels = qint64{2560} * 1440;
 // What one thread decodes with room to spare.
 constexpr qint64 pixelsPerSecond = qint64{1920} * 1088 * 31;
+
+// The filter that makes a picture stand upright.
+const char *uprightFilter(qint64 turn)
+{
+    switch (turn) {
+    case 90:
+        return "lavfi=[transpose=clock]";
+    case 180:
+        return "lavfi=[hflip,vflip]";
+    case 270:
+        return "lavfi=[transpose=cclock]";
+    default:
+        return "";
+    }
+}
 
 } // namespace
 
@@ -98,6 +116,8 @@ void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track
     mpv.mpv_set_property(handle, "vd-lavc-fast", MPV_FORMAT_FLAG, &flag);
     const char *skipped = pixels > largestPixels ? "nonref" : "default";
     mpv.mpv_set_property(handle, "vd-lavc-skiploopfilter", MPV_FORMAT_STRING, static_cast<void *>(&skipped));
+    const char *filter = uprightFilter(nodeNumber(track, "demux-rotation"));
+    mpv.mpv_set_property(handle, "vf", MPV_FORMAT_STRING, static_cast<void *>(&filter));
     // Each thread more holds pictures of its own.
     const int most = std::min(QThread::idealThreadCount(), 4);
     std::int64_t threads = pixels * rate <= pixelsPerSecond ? 1 : most;
