@@ -34,6 +34,8 @@ struct Rig : ProgramRig {
 class WallpaperLifeTest : public QObject {
     Q_OBJECT
 
+    QJsonObject _left; // in the settings
+
 private Q_SLOTS:
     void comesBackShortlyAfterTheStart()
     {
@@ -56,6 +58,22 @@ private Q_SLOTS:
                      u"auto wallpaper restore (launch) autoPlay=false"_s, false);
         saysAndPlays({{u"Velbrix_Privacy_firstLaunchAccepted"_s, false}},
                      u"skip auto wallpaper (launch): first-launch not accepted"_s, false);
+    }
+
+    void whatAStartHasDiedOfDoesNotComeBackAtOnce()
+    {
+        const auto start = [this](const QJsonObject &stored, std::chrono::seconds life, bool plays) {
+            Rig rig(stored);
+            rig.launchAndRestore();
+            QTRY_COMPARE(rig.wallpaper().isShowing(), plays);
+            QCOMPARE(rig.wallpaper().hint().isEmpty(), plays);
+            rig.clock.advance(life);
+            _left = rig.host.settings.stored; // when it is killed now
+        };
+        start({}, 9s, true);
+        start(_left, 1min, false);
+        start(_left, 10s, true);
+        start(_left, 0s, true);
     }
 
     void whatTheUserHasStoppedDoesNotComeBack()

@@ -18,6 +18,7 @@ namespace velbrix {
 namespace {
 
 constexpr auto restoreDelay = 1500ms;
+constexpr auto survivalTime = 10s; // what a player dies of, it dies of soon
 constexpr auto consent = PrivacyConsentKind::videoWallpaper;
 
 } // namespace
@@ -91,13 +92,32 @@ void WallpaperActions::restoreWallpaper(const QString &reason)
     }
     log::line(u"Velbrix"_s, u"auto wallpaper restore (%1) autoPlay=%2"_s.arg(
                                 reason, log::text(_wallpaper.preferences().autoPlay())));
-    _wallpaper.autoRestoreOnLaunch();
+    WallpaperPreferences &preferences = _wallpaper.preferences();
+    if (preferences.isReturning()) {
+        preferences.setReturning(false);
+        log::line(u"Velbrix"_s, u"skip auto wallpaper (%1): the last start ended during it"_s.arg(reason));
+        _wallpaper.tellNoReturn(
+            u"上次启动在恢复壁纸时意外退出，这次没有自动恢复。可以换一个视频，或手动播放。"_s);
+    } else {
+        if (preferences.autoPlay()) {
+            preferences.setReturning(true);
+            _survival = _clock.after(survivalTime, [this] { endReturn(); });
+        }
+        _wallpaper.autoRestoreOnLaunch();
+    }
     Q_EMIT restored();
+}
+
+void WallpaperActions::endReturn()
+{
+    if (std::exchange(_survival, nullptr))
+        _wallpaper.preferences().setReturning(false);
 }
 
 void WallpaperActions::shutDown()
 {
     _restore.reset();
+    endReturn();
     _wallpaper.shutDown();
 }
 
@@ -106,7 +126,10 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(std::function<Q
     if (!_privacy.requireStatement())
         co_return failure(_privacy.missingConsent(consent));
     const auto begun = std::make_shared<std::optional<QCoro::Task<Outcome>>>();
-    std::function<void()> begin = [begun, act = std::move(act)] { begun->emplace(act()); };
+    std::function<void()> begin = [this, begun, act = std::move(act)] {
+        _restore.reset();
+        begun->emplace(act());
+    };
     _privacy.guard(featurePrivacyNotice(consent), std::move(begin));
     if (auto &acting = *begun) {
         const Outcome outcome = co_await *acting;

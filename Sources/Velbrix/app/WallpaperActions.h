@@ -44,7 +44,8 @@ public:
     void pause();
     void stop();
 
-    // The last wallpaper returns 1.5 s from now, unless the user stops it before.
+    // The last wallpaper returns 1.5 s from now, unless the user plays or stops one
+    // before, or the last start has died of it.
     void scheduleRestore();
     // At the end of the program.
     void shutDown();
@@ -60,11 +61,13 @@ private:
     QCoro::Task<Outcome> start();
     QString reason() const;
     void restoreWallpaper(const QString &reason);
+    void endReturn();
 
     WallpaperController &_wallpaper;
     PrivacyManager &_privacy;
     Clock &_clock;
     std::unique_ptr<Alarm> _restore;
+    std::unique_ptr<Alarm> _survival; // of what has come back
 };
 
 } // namespace velbrix

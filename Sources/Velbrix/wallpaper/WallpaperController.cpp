@@ -297,6 +297,11 @@ void WallpaperController::autoRestoreOnLaunch()
         comeBack(content().returnAtLaunch());
 }
 
+void WallpaperController::tellNoReturn(const QString &why)
+{
+    _hint = why;
+}
+
 void WallpaperController::resumeAfterBattery()
 {
     if (content().chosen().isEmpty())

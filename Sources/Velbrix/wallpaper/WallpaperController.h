@@ -86,6 +86,8 @@ public:
     void recoverAfterCrash();
     // Once, later at the start.
     void autoRestoreOnLaunch();
+    // Instead of coming back.
+    void tellNoReturn(const QString &why);
     void handleUnhide();
     // At the end of the program: stops, puts everything back and starts nothing
     // any more. The end may come when isSettled().

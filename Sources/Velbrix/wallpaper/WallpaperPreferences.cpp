@@ -23,6 +23,7 @@ const QString dockOriginalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
 const QString pauseOnBatteryKey = u"Velbrix_WallpaperPauseOnBattery"_s;
 const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
+const QString returningKey = u"Velbrix_WallpaperIsReturning"_s;
 const QString displayPathsKey = u"Velbrix_PerDisplayVideoPaths"_s;
 
 DisplayVideoPaths displayPaths(const QJsonValue &stored)
@@ -169,6 +170,20 @@ void WallpaperPreferences::setDockState(bool isHidden, std::optional<bool> origi
     else
         _settings.remove(dockOriginalKey);
     // A failure is told and tried again by the store.
+    (void)_settings.flush();
+}
+
+bool WallpaperPreferences::isReturning() const
+{
+    return _settings.boolean(returningKey).value_or(false);
+}
+
+void WallpaperPreferences::setReturning(bool on)
+{
+    if (on)
+        _settings.set(returningKey, true);
+    else
+        _settings.remove(returningKey);
     (void)_settings.flush();
 }
 

@@ -63,6 +63,12 @@ public:
     // On disk when it returns: a crash must not cost the user their value.
     void setDockState(bool isHidden, std::optional<bool> original);
 
+    // A start is bringing the wallpaper back. One that finds it so follows
+    // another that has died of it.
+    bool isReturning() const;
+    // On disk when it returns.
+    void setReturning(bool on);
+
 private:
     template <typename Property, typename Value>
     void change(Property &property, const Value &value, const QString &key, const QJsonValue &stored);
