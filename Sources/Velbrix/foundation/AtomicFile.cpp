@@ -29,7 +29,7 @@ int written(int descriptor, QByteArrayView content)
             continue;
         if (count <= 0)
             return count < 0 ? errno : ENOSPC;
-        content.slice(count);
+        content = content.sliced(count);
     }
     return 0;
 }
