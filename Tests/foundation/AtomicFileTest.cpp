@@ -17,8 +17,7 @@ private Q_SLOTS:
         const QString file = folder.filePath(u"a/b/kept"_s);
         const QString link = folder.filePath(u"link"_s);
         QVERIFY(replaceFile(file, "one"));
-        QCOMPARE(QFile::permissions(file) & 0xfff,
-                 QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+        QVERIFY(!(QFile::permissions(file) & (QFile::ReadGroup | QFile::ReadOther)));
         QVERIFY(QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadGroup));
         QVERIFY(QFile::link(file, link));
         QVERIFY(replaceFile(link, "two\0three"_ba));

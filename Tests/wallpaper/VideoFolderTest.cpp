@@ -83,7 +83,7 @@ private Q_SLOTS:
         QVERIFY(!rig.folder.thumbnail(a).isNull());
         QCOMPARE(rig.host.mediaProbe.calls, QStringList{u"frame "_s + a + u" 1 320x180"_s});
         // The next time they come from the disk, while the file is the same.
-        QTRY_COMPARE(entriesOf(rig.cache).size(), 1);
+        QTRY_VERIFY(entriesOf(rig.cache).value(0).endsWith(u".jpg"_s));
         rig.folder.dropThumbnails();
         QVERIFY(rig.folder.thumbnail(a).isNull());
         rig.folder.wantThumbnails({a});

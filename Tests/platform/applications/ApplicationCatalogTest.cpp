@@ -72,10 +72,12 @@ struct HostRig {
         const auto found = std::ranges::find(all, name, &InstalledApplication::name);
         return found == all.end() ? InstalledApplication() : *found;
     }
-    // Why it was not removed.
+    // Why it was not removed with all that has to go.
     QString removal(const InstalledApplication &application)
     {
-        return errorText(QCoro::waitFor(catalog().removeManaged(application, {application.package}, {})));
+        const auto agreed = QCoro::waitFor(catalog().packagesRemovedWith(application));
+        return errorText(
+            QCoro::waitFor(catalog().removeManaged(application, agreed.value_or(QStringList()), {})));
     }
 };
 

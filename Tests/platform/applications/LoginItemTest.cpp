@@ -64,7 +64,7 @@ private Q_SLOTS:
     void saysWhyItCannotBeWritten()
     {
         XdgLoginItem item(u"/proc/velbrix/velbrix.desktop"_s, u"/opt/velbrix"_s);
-        QCOMPARE(errorText(item.setEnabled(true)), u"无法创建文件夹 /proc/velbrix"_s);
+        QVERIFY(errorText(item.setEnabled(true)).startsWith(u"无法创建文件夹 /proc/velbrix："_s));
     }
 };
 

@@ -53,7 +53,7 @@ public:
         return made(u"striped.mkv"_s, u"color=red:s=320x180:r=30:d=1,drawbox=0:0:40:180:blue:fill,"
                                       "drawbox=280:0:40:180:blue:fill"_s);
     }
-    // Its left half is blue; to be turned to the right by that angle.
+    // Its left half is blue; to be turned to the left by that angle.
     QString turned(int angle)
     {
         const QString name = u"turned%1.mp4"_s.arg(angle);
@@ -313,9 +313,9 @@ private Q_SLOTS:
         Shown shown;
         shown.surface->setGravity(VideoGravity::stretch);
         // Where the left half of the picture as stored is seen.
-        for (const auto &[angle, blue, red] : {std::tuple(90, QPoint(200, 20), QPoint(200, 380)),
+        for (const auto &[angle, blue, red] : {std::tuple(90, QPoint(200, 380), QPoint(200, 20)),
                                                {180, QPoint(380, 200), QPoint(20, 200)},
-                                               {270, QPoint(200, 380), QPoint(200, 20)},
+                                               {270, QPoint(200, 20), QPoint(200, 380)},
                                                {0, QPoint(20, 200), QPoint(380, 200)}}) {
             QVERIFY(shown.loads(clips().turned(angle)));
             QTRY_COMPARE(colourAt(blue), QColor(Qt::blue));
