@@ -1,5 +1,6 @@
 #include "maintenance/backup/BackupRun.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
 #include "foundation/Removal.h"
 
@@ -31,12 +32,12 @@ QString systemReason(int error)
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
-int synced(const QString &path, int flags)
+int syncedPath(const QString &path, int flags)
 {
     const int opened = ::open(QFile::encodeName(path).constData(), flags | O_RDONLY | O_CLOEXEC);
     if (opened < 0)
         return errno;
-    const int error = ::fsync(opened) == 0 ? 0 : errno;
+    const int error = synced(opened);
     ::close(opened);
     return error;
 }
@@ -85,13 +86,13 @@ void removeOwn(const BackupTask &task, const QString &folder,
 
 Result<void> publishFile(const QString &from, const QString &to)
 {
-    if (const int error = synced(from, 0); error != 0)
+    if (const int error = syncedPath(from, 0); error != 0)
         return failure(systemReason(error));
     QFile file(from);
     if (!file.rename(to))
         return failure(file.errorString());
     // The name survives a power cut only once its folder has reached the disk, too.
-    (void)synced(QFileInfo(to).absolutePath(), O_DIRECTORY);
+    (void)syncedPath(QFileInfo(to).absolutePath(), O_DIRECTORY);
     return {};
 }
 
