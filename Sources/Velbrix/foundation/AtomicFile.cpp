@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -19,7 +18,8 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr auto unfinishedSuffix = ".unfinished-XXXXXX"_L1;
+constexpr auto unfinishedSuffix = ".unfinished-"_L1;
+constexpr int randomLetters = 6; // that mkostemp() puts in
 
 int written(int descriptor, QByteArrayView content)
 {
@@ -61,7 +61,7 @@ int syncFolder(const QByteArray &folder)
 
 int replaced(const QByteArray &path, const QByteArray &content)
 {
-    QByteArray unfinished = path + unfinishedSuffix.latin1();
+    QByteArray unfinished = path + unfinishedSuffix.latin1() + QByteArray(randomLetters, 'X');
     const int descriptor = ::mkostemp(unfinished.data(), O_CLOEXEC);
     if (descriptor < 0)
         return errno;
@@ -103,10 +103,11 @@ Result<void> replaceFile(const QString &path, const QImage &picture, const char 
 void removeUnfinished(const QString &path)
 {
     const QFileInfo file(resolvedPath(path));
-    QString pattern = file.fileName() + unfinishedSuffix;
-    pattern.replace(u'X', u'?');
-    for (const QString &stray : file.dir().entryList({pattern}, QDir::Files | QDir::Hidden))
-        file.dir().remove(stray);
+    const QString start = file.fileName() + unfinishedSuffix;
+    for (const QString &name : file.dir().entryList(QDir::Files | QDir::Hidden)) {
+        if (name.startsWith(start) && name.size() == start.size() + randomLetters)
+            file.dir().remove(name);
+    }
 }
 
 Result<QString> setAside(const QString &path)
