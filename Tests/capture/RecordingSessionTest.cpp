@@ -172,16 +172,34 @@ private Q_SLOTS:
         }
     }
 
-    void endsTheSystemsMovieAfterAPause()
+    void theSystemsMovieIsWaitedFor()
+    {
+        for (const bool answers : {true, false}) {
+            Rig rig;
+            rig.host.screenCapture.featuresAnswer.recordingOutput = true;
+            rig.start();
+            rig.stop();
+            rig.clock.advance(9999ms);
+            QVERIFY(rig.recorder.isRecording() && !rig.state->calls.contains(u"removeRecordingOutput"_s));
+            if (answers)
+                rig.host.screenCapture.session()->observer.recordingFinished();
+            else
+                rig.clock.advance(1ms);
+            settle();
+            QVERIFY(!rig.recorder.isRecording() && rig.state->calls.contains(u"removeRecordingOutput"_s));
+            QCOMPARE(rig.lines().contains(u"✅ SCRecordingOutput 收尾完成"_s), answers);
+        }
+    }
+
+    void aSystemThatFailsEndsTheRecording()
     {
         Rig rig;
         rig.host.screenCapture.featuresAnswer.recordingOutput = true;
         rig.start();
         rig.host.screenCapture.session()->observer.recordingStarted();
         rig.host.screenCapture.session()->observer.recordingFailed(Failure{u"磁盘"_s});
-        rig.stop();
-        QVERIFY(!rig.state->calls.contains(u"removeRecordingOutput"_s));
-        rig.clock.advance(200ms);
+        settle();
+        QVERIFY(!rig.recorder.isRecording());
         QCOMPARE(rig.linesSinceItRuns(),
                  (QStringList{u"✅ SCRecordingOutput 开始写文件"_s, u"❌ SCRecordingOutput 失败:磁盘"_s,
                               u"停止录制 mode=system 视频帧=0 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,

@@ -25,6 +25,13 @@ private Q_SLOTS:
         QCOMPARE(flipped(flipped(rect, 900), 900), rect);
     }
 
+    void pixelsStandAsThePointsDo()
+    {
+        QCOMPARE(displayPixels({5120, 2880}, {2560, 1440}), QSize(5120, 2880));
+        for (const QSize turned : {QSize(5120, 2880), QSize(2880, 5120)})
+            QCOMPARE(displayPixels(turned, {1440, 2560}), QSize(2880, 5120));
+    }
+
     void standsNoScreenAtAll() { QVERIFY(displayList({}).isEmpty()); }
 };
 

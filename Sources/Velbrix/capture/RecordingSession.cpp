@@ -21,8 +21,9 @@ using namespace std::chrono_literals;
 namespace velbrix {
 namespace {
 
-// The system's own writer is still flushing when the stream has stopped.
-constexpr auto removalPause = 200ms;
+// The system's own writer is still flushing when the stream has stopped; one
+// that never says that it is done must not hold the recorder up.
+constexpr auto systemEndLimit = 10'000ms;
 // Twice for each second that the badge shows.
 constexpr auto progressInterval = 500ms;
 // A movie on a disk that does not answer must not hold the recorder up.
@@ -87,6 +88,7 @@ QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
     _isProcessing = true;
     _stopWanted = false;
     _usingSystemRecorder = false;
+    _systemFinished = false;
     _systemFailed.reset();
     _finishedMovie = std::optional<QString>();
     _lastFailure = QString();
@@ -233,8 +235,15 @@ CaptureObserver RecordingSession::observer()
     observer.recordingFailed = [this](const Failure &reason) {
         _systemFailed = reason;
         _log.append(u"❌ SCRecordingOutput 失败:"_s + reason.message);
+        Q_EMIT systemEnded();
+        // Nothing more reaches the file; what has is worth keeping.
+        stop();
     };
-    observer.recordingFinished = [this] { _log.append(u"✅ SCRecordingOutput 收尾完成"_s); };
+    observer.recordingFinished = [this] {
+        _systemFinished = true;
+        _log.append(u"✅ SCRecordingOutput 收尾完成"_s);
+        Q_EMIT systemEnded();
+    };
     return observer;
 }
 
@@ -275,7 +284,7 @@ QCoro::Task<> RecordingSession::runStop()
 QCoro::Task<> RecordingSession::finishSystemFile()
 {
     const QPointer self(this);
-    co_await Pause(_clock, removalPause);
+    co_await withDeadline(_clock, systemEndLimit, systemEnd());
     if (!self)
         co_return;
     const auto removed = _stream->removeRecordingOutput();
@@ -283,6 +292,13 @@ QCoro::Task<> RecordingSession::finishSystemFile()
                         : u"removeRecordingOutput 忽略:"_s + removed.error().message);
     if (_systemFailed)
         fail(u"系统录制失败:"_s + _systemFailed->message);
+}
+
+QCoro::Task<bool> RecordingSession::systemEnd()
+{
+    if (!_systemFinished && !_systemFailed)
+        co_await nextSignal(*this, &RecordingSession::systemEnded);
+    co_return true;
 }
 
 QCoro::Task<> RecordingSession::finishManualFile()

@@ -41,6 +41,10 @@ public:
     // Notes that a start was refused before it began.
     void refuse(const QString &reason);
 
+Q_SIGNALS:
+    // The system has completed its movie, or failed with it.
+    void systemEnded();
+
 private:
     QCoro::Task<> runStart(RecordingRequest request);
     // The six steps, each a line in the log. After a failure something may be
@@ -55,6 +59,7 @@ private:
 
     QCoro::Task<> runStop();
     QCoro::Task<> finishSystemFile();
+    QCoro::Task<bool> systemEnd();
     QCoro::Task<> finishManualFile();
     QCoro::Task<> validate();
     QCoro::Task<Result<MovieFacts>> inspect(QString path);
@@ -73,6 +78,7 @@ private:
     std::unique_ptr<Alarm> _progress;
     std::chrono::milliseconds _startedAt{0};
     bool _usingSystemRecorder = false;
+    bool _systemFinished = false;
     std::optional<Failure> _systemFailed;
     bool _stopInProgress = false;
     bool _stopWanted = false; // asked for while starting

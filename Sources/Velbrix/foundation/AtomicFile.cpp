@@ -133,6 +133,16 @@ int synced(int descriptor)
     return errno;
 }
 
+int synced(const QString &path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno;
+    const int error = synced(descriptor);
+    ::close(descriptor);
+    return error;
+}
+
 QString writeReason(int error)
 {
     switch (error) {

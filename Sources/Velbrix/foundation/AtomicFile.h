@@ -31,6 +31,7 @@ Result<QString> setAside(const QString &path);
 // Returns when the medium has what was written to the open file or folder; 0
 // or the errno. A file system that cannot tell is not an error.
 int synced(int descriptor);
+int synced(const QString &path);
 
 // Why writing has failed, in words for the user.
 QString writeReason(int error);

@@ -5,9 +5,18 @@
 #include "support/Test.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cmath>
 
+#include <dlfcn.h>
+#include <sys/statvfs.h>
+#include <sys/syscall.h>
+
 namespace {
+
+// What the disk answers instead of the truth.
+std::atomic<int> syncError = 0;
+std::atomic<bool> isNearlyFull = false;
 
 constexpr int width = 320;
 constexpr int height = 240;
@@ -32,6 +41,21 @@ struct Recording {
 };
 
 } // namespace
+
+extern "C" int fsync(int descriptor)
+{
+    errno = syncError;
+    return syncError ? -1 : static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
+
+extern "C" int statvfs(const char *path, struct statvfs *facts) noexcept
+{
+    const auto real = reinterpret_cast<decltype(&statvfs)>(::dlsym(RTLD_NEXT, "statvfs"));
+    const int result = real(path, facts);
+    if (isNearlyFull)
+        facts->f_bavail = 199'000'000 / facts->f_frsize;
+    return result;
+}
 
 class MovieRecorderTest : public QObject {
     Q_OBJECT
@@ -169,6 +193,35 @@ private Q_SLOTS:
         QCOMPARE(failures.load(), 1);
         const double duration = probed(settings().path, u"format=duration"_s, u"v"_s).toDouble();
         QVERIFY2(duration > 1 && duration < 10, qPrintable(QString::number(duration)));
+    }
+
+    void aDiskThatFailsOrIsNearlyFullEndsItOnce()
+    {
+        for (const int error : {EIO, 0}) {
+            QStringList failures;
+            std::mutex lock; // of the failures
+            const auto failed = [&](const Failure &why) {
+                const std::scoped_lock held(lock);
+                failures << why.message;
+            };
+            Recording recording(settings(), 5, {.failed = failed, .warning = {}});
+            recording.recorder->begin(monotonicNow());
+            recording.submit(0);
+            syncError = error;
+            isNearlyFull = error == 0;
+            const auto hasFailed = [&] {
+                const std::scoped_lock held(lock);
+                return !failures.isEmpty();
+            };
+            QTRY_VERIFY(hasFailed());
+            syncError = 0;
+            isNearlyFull = false;
+            // What there is is a movie, and the loss has been told already.
+            QVERIFY(recording.recorder->finish(30));
+            QCOMPARE(failures, QStringList{error ? u"写入录制文件失败：Input/output error"_s
+                                                 : u"磁盘空间只剩 199 MB，为免占满磁盘已停止录制"_s});
+            QVERIFY(playablePictures(settings().path) > 0);
+        }
     }
 
     // What the default speaker plays is in the movie, silence when it goes away; the microphone is never

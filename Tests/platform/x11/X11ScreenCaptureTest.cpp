@@ -444,6 +444,14 @@ private Q_SLOTS:
                                     u"X 服务器没有 Composite 扩展，无法排除本应用窗口"_s}));
     }
 
+    void memoryThatCannotBeHadIsAnAnswer()
+    {
+        Observer observer;
+        GrabBuffer buffer(observer.connection());
+        QVERIFY(!buffer.resize(1 << 28, 1 << 28) && !buffer.view().pixels);
+        QVERIFY(buffer.resize(16, 16) && buffer.view().pixels);
+    }
+
     // The window may go between the list and the start.
     void refusesVanishedWindows()
     {

@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,16 +29,6 @@ QString systemReason(int error)
     if (error == EEXIST || error == ENOTDIR)
         return u"已有同名的文件"_s;
     return QString::fromLocal8Bit(std::strerror(error));
-}
-
-int syncedPath(const QString &path, int flags)
-{
-    const int opened = ::open(QFile::encodeName(path).constData(), flags | O_RDONLY | O_CLOEXEC);
-    if (opened < 0)
-        return errno;
-    const int error = synced(opened);
-    ::close(opened);
-    return error;
 }
 
 } // namespace
@@ -86,13 +75,13 @@ void removeOwn(const BackupTask &task, const QString &folder,
 
 Result<void> publishFile(const QString &from, const QString &to)
 {
-    if (const int error = syncedPath(from, 0); error != 0)
+    if (const int error = synced(from); error != 0)
         return failure(systemReason(error));
     QFile file(from);
     if (!file.rename(to))
         return failure(file.errorString());
     // The name survives a power cut only once its folder has reached the disk, too.
-    (void)syncedPath(QFileInfo(to).absolutePath(), O_DIRECTORY);
+    (void)synced(QFileInfo(to).absolutePath());
     return {};
 }
 

@@ -212,6 +212,7 @@ typedef NS_ENUM(NSInteger, AVAssetWriterStatus) {
 @end
 
 @interface AVAssetWriter : NSObject
+@property(nonatomic, copy, readonly) NSURL *outputURL;
 @property(readonly) AVAssetWriterStatus status;
 @property(readonly, nullable) NSError *error;
 @property(nonatomic) CMTime movieFragmentInterval;

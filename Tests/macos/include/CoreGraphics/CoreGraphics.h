@@ -29,6 +29,7 @@ struct CGAffineTransform {
 };
 
 typedef uint32_t CGDirectDisplayID;
+typedef struct CGDisplayMode *CGDisplayModeRef;
 typedef uint32_t boolean_t;
 typedef int32_t CGWindowLevel;
 typedef uint32_t CGWindowID;
@@ -61,6 +62,10 @@ CGSize CGSizeMake(CGFloat width, CGFloat height);
 CGDirectDisplayID CGMainDisplayID(void);
 size_t CGDisplayPixelsWide(CGDirectDisplayID display);
 size_t CGDisplayPixelsHigh(CGDirectDisplayID display);
+CGDisplayModeRef _Nullable CGDisplayCopyDisplayMode(CGDirectDisplayID display);
+size_t CGDisplayModeGetPixelWidth(CGDisplayModeRef _Nullable mode);
+size_t CGDisplayModeGetPixelHeight(CGDisplayModeRef _Nullable mode);
+void CGDisplayModeRelease(CGDisplayModeRef _Nullable mode);
 boolean_t CGDisplayIsAsleep(CGDirectDisplayID display);
 CGWindowLevel CGWindowLevelForKey(CGWindowLevelKey key);
 CFDictionaryRef _Nullable CGSessionCopyCurrentDictionary(void);

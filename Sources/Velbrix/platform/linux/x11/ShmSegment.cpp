@@ -5,8 +5,6 @@
 #include <sys/shm.h>
 #include <unistd.h>
 
-#include <new>
-
 namespace velbrix {
 
 namespace {
@@ -19,15 +17,13 @@ bool succeeded(const X11Connection &connection, xcb_void_cookie_t cookie)
 
 } // namespace
 
-ShmSegment::ShmSegment(X11Connection &connection, std::size_t size) : _connection(connection), _size(size)
+std::unique_ptr<ShmSegment> ShmSegment::create(X11Connection &connection, std::size_t size)
 {
     const X11Abilities &has = connection.has();
-    if (has.sharedMemory && has.sharedDescriptors && shareDescriptor())
-        return;
-    if (has.sharedMemory && shareSystemV())
-        return;
-    if (!mapPrivate())
-        throw std::bad_alloc();
+    std::unique_ptr<ShmSegment> segment(new ShmSegment(connection, size));
+    const bool isMapped = (has.sharedMemory && has.sharedDescriptors && segment->shareDescriptor()) ||
+                          (has.sharedMemory && segment->shareSystemV()) || segment->mapPrivate();
+    return isMapped ? std::move(segment) : nullptr;
 }
 
 ShmSegment::~ShmSegment()
@@ -36,7 +32,7 @@ ShmSegment::~ShmSegment()
         xcb_shm_detach(_connection.xcb(), _id);
     if (_isSystemV)
         shmdt(_data);
-    else
+    else if (_data)
         munmap(_data, _size);
 }
 

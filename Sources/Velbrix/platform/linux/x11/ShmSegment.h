@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 namespace velbrix {
 
@@ -13,7 +14,8 @@ namespace velbrix {
 // cannot. The connection must outlive it.
 class ShmSegment {
 public:
-    ShmSegment(X11Connection &connection, std::size_t size);
+    // Null when the memory cannot be had.
+    static std::unique_ptr<ShmSegment> create(X11Connection &connection, std::size_t size);
     ~ShmSegment();
     ShmSegment(const ShmSegment &) = delete;
     ShmSegment &operator=(const ShmSegment &) = delete;
@@ -24,6 +26,7 @@ public:
     xcb_shm_seg_t id() const { return _id; }
 
 private:
+    ShmSegment(X11Connection &connection, std::size_t size) : _connection(connection), _size(size) {}
     bool shareDescriptor();
     bool shareSystemV();
     bool mapPrivate();

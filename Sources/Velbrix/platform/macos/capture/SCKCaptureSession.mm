@@ -104,12 +104,14 @@ Result<void> SCKCaptureSession::addRecordingOutput(const QString &path)
         configuration.outputURL = [NSURL fileURLWithPath:toNSString(path)];
         configuration.outputFileType = AVFileTypeMPEG4;
         configuration.videoCodecType = AVVideoCodecTypeH264;
-        VBRecordingWatcher *watcher = [[VBRecordingWatcher alloc] initWithEvents:CaptureEvents(_d->observer)];
+        VBRecordingWatcher *watcher = [[VBRecordingWatcher alloc] initWithPath:path
+                                                                        events:CaptureEvents(_d->observer)];
         SCRecordingOutput *recording = [[SCRecordingOutput alloc] initWithConfiguration:configuration
                                                                                delegate:watcher];
         NSError *error = nil;
         if (![_d->stream addRecordingOutput:recording error:&error])
             return std::unexpected(toFailure(error));
+        [_d->sink keepDiskReserveOf:path];
         _d->recordingOutput = recording;
         _d->recordingWatcher = watcher;
         return {};
@@ -140,6 +142,7 @@ Result<MovieTracks> SCKCaptureSession::openWriter(const MovieSettings &settings)
         return std::unexpected(writer.error());
     _d->writer = *writer;
     [_d->sink writeTo:*writer];
+    [_d->sink keepDiskReserveOf:settings.path];
     return (*writer)->tracks();
 }
 

@@ -1,6 +1,7 @@
 #include "platform/macos/capture/SCKScreenCapture.h"
 
 #include "platform/macos/capture/SCKCaptureSession.h"
+#include "platform/macos/capture/ScreenGeometry.h"
 #include "platform/macos/capture/WindowOrder.h"
 #include "platform/macos/desktop/PictureBridge.h"
 #include "platform/macos/system/Completion.h"
@@ -59,6 +60,20 @@ ShareableContent toContent(SCShareableContent *content)
         copy.windows.append(toWindow(window));
     copy.windows = frontToBack(copy.windows, windowIdsFrontToBack());
     return copy;
+}
+
+// CGDisplayPixelsWide and CGDisplayPixelsHigh tell points in HiDPI modes.
+QSize pixelsOf(CGDirectDisplayID display)
+{
+    const QSizeF points(static_cast<double>(CGDisplayPixelsWide(display)),
+                        static_cast<double>(CGDisplayPixelsHigh(display)));
+    CGDisplayModeRef mode = CGDisplayCopyDisplayMode(display);
+    if (!mode)
+        return points.toSize();
+    const QSize pixels(static_cast<int>(CGDisplayModeGetPixelWidth(mode)),
+                       static_cast<int>(CGDisplayModeGetPixelHeight(mode)));
+    CGDisplayModeRelease(mode);
+    return displayPixels(pixels, points);
 }
 
 SCStreamConfiguration *toStreamConfiguration(const StreamConfiguration &wanted)
@@ -202,8 +217,7 @@ Result<CaptureGeometry> SCKScreenCapture::geometry(const CaptureFilter &filter)
     CaptureGeometry geometry;
     geometry.contentSize = toRect((*seen).contentRect).size();
     geometry.pointPixelScale = static_cast<double>((*seen).pointPixelScale);
-    geometry.displayPixels =
-        QSize(static_cast<int>(CGDisplayPixelsWide(display)), static_cast<int>(CGDisplayPixelsHigh(display)));
+    geometry.displayPixels = pixelsOf(display);
     return geometry;
 }
 

@@ -7,6 +7,12 @@ QRectF flipped(const QRectF &rect, double mainScreenHeight)
     return {rect.x(), mainScreenHeight - rect.y() - rect.height(), rect.width(), rect.height()};
 }
 
+QSize displayPixels(QSize modePixels, const QSizeF &points)
+{
+    const bool isTurned = (modePixels.width() > modePixels.height()) != (points.width() > points.height());
+    return isTurned ? modePixels.transposed() : modePixels;
+}
+
 QList<Display> displayList(const QList<ScreenFacts> &screens)
 {
     QList<Display> displays;

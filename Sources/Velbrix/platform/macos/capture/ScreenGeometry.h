@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QRectF>
+#include <QSize>
 #include <QString>
 
 namespace velbrix {
@@ -19,6 +20,10 @@ struct ScreenFacts {
 
 // Between y upwards and y downwards, in either direction.
 QRectF flipped(const QRectF &rect, double mainScreenHeight);
+
+// The pixels of a display whose mode has these, standing as its rectangle of
+// points does: the mode of a display that is turned may tell them lying.
+QSize displayPixels(QSize modePixels, const QSizeF &points);
 
 // The first screen is the main one.
 QList<Display> displayList(const QList<ScreenFacts> &screens);

@@ -1,5 +1,7 @@
 #include "platform/macos/capture/StreamSink.h"
 
+#include "foundation/AtomicFile.h"
+#include "platform/DiskReserve.h"
 #include "platform/macos/system/FoundationBridge.h"
 #include "platform/macos/system/SystemNames.h"
 
@@ -26,6 +28,9 @@ std::optional<SCFrameStatus> frameStatus(CMSampleBufferRef sample)
     std::shared_ptr<CaptureLedger> _ledger;
     std::shared_ptr<AssetMovieWriter> _writer;
     std::optional<CaptureEvents> _events;
+    QString _moviePath;
+    CMTime _reserveChecked;
+    bool _isDiskFull;
 }
 
 - (instancetype)initWithLedger:(std::shared_ptr<CaptureLedger>)ledger events:(CaptureEvents)events
@@ -33,8 +38,14 @@ std::optional<SCFrameStatus> frameStatus(CMSampleBufferRef sample)
     if ((self = [super init])) {
         _ledger = std::move(ledger);
         _events = std::move(events);
+        _reserveChecked = kCMTimeInvalid;
     }
     return self;
+}
+
+- (void)keepDiskReserveOf:(const QString &)path
+{
+    _moviePath = path;
 }
 
 - (void)writeTo:(std::shared_ptr<AssetMovieWriter>)writer
@@ -54,12 +65,28 @@ std::optional<SCFrameStatus> frameStatus(CMSampleBufferRef sample)
     _ledger->noteCallback();
     if (!CMSampleBufferIsValid(sampleBuffer))
         return;
+    [self checkDiskReserveAt:CMSampleBufferGetPresentationTimeStamp(sampleBuffer)];
     if (type == SCStreamOutputTypeScreen)
         [self takePicture:sampleBuffer];
     else if (type == SCStreamOutputTypeAudio)
         [self takeSystemAudio:sampleBuffer];
     else
         [self takeMicrophone:sampleBuffer];
+}
+
+// Once a second of the stream.
+- (void)checkDiskReserveAt:(CMTime)time
+{
+    if (_isDiskFull || _moviePath.isEmpty() || !CMTIME_IS_VALID(time))
+        return;
+    if (CMTIME_IS_VALID(_reserveChecked) &&
+        CMTimeCompare(time, CMTimeAdd(_reserveChecked, CMTimeMake(1, 1))) < 0)
+        return;
+    _reserveChecked = time;
+    if (const auto kept = checkDiskReserve(_moviePath); !kept) {
+        _isDiskFull = true;
+        _events->post(&CaptureObserver::streamStopped, kept.error());
+    }
 }
 
 - (void)takePicture:(CMSampleBufferRef)sample
@@ -99,13 +126,16 @@ std::optional<SCFrameStatus> frameStatus(CMSampleBufferRef sample)
 @end
 
 @implementation VBRecordingWatcher {
+    QString _path;
     std::optional<CaptureEvents> _events;
 }
 
-- (instancetype)initWithEvents:(CaptureEvents)events
+- (instancetype)initWithPath:(const QString &)path events:(CaptureEvents)events
 {
-    if ((self = [super init]))
+    if ((self = [super init])) {
+        _path = path;
         _events = std::move(events);
+    }
     return self;
 }
 
@@ -121,7 +151,10 @@ std::optional<SCFrameStatus> frameStatus(CMSampleBufferRef sample)
 
 - (void)recordingOutputDidFinishRecording:(SCRecordingOutput *)output
 {
-    _events->post(&CaptureObserver::recordingFinished);
+    if (const int error = synced(_path))
+        _events->post(&CaptureObserver::recordingFailed, Failure{writeReason(error)});
+    else
+        _events->post(&CaptureObserver::recordingFinished);
 }
 
 @end

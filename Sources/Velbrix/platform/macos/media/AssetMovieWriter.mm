@@ -1,5 +1,6 @@
 #include "platform/macos/media/AssetMovieWriter.h"
 
+#include "foundation/AtomicFile.h"
 #include "platform/macos/media/MovieOutputSettings.h"
 #include "platform/macos/system/FoundationBridge.h"
 
@@ -226,10 +227,12 @@ void AssetMovieWriter::finish(std::function<void(Result<void>)> finished)
     NSException *thrown = caughtException(^{
         d->closeSession();
         [writer finishWritingWithCompletionHandler:^{
-            if (writer.status == AVAssetWriterStatusCompleted)
-                finished({});
-            else
+            if (writer.status != AVAssetWriterStatusCompleted)
                 finished(std::unexpected(toFailure(writer.error)));
+            else if (const int error = synced(toQString(writer.outputURL.path)))
+                finished(std::unexpected(Failure{writeReason(error)}));
+            else
+                finished({});
         }];
     });
     if (thrown)

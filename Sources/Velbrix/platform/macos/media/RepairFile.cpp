@@ -1,5 +1,7 @@
 #include "platform/macos/media/RepairFile.h"
 
+#include "foundation/AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -23,9 +25,13 @@ QString repairPath(const QString &path)
 
 Result<void> replaceFile(const QString &path, const QString &replacement)
 {
-    if (std::rename(QFile::encodeName(replacement).constData(), QFile::encodeName(path).constData()) == 0)
+    // The old file stays until the disk has the new one.
+    int error = synced(replacement);
+    if (error == 0 &&
+        std::rename(QFile::encodeName(replacement).constData(), QFile::encodeName(path).constData()) != 0)
+        error = errno;
+    if (error == 0)
         return {};
-    const int error = errno;
     QFile::remove(replacement);
     return failure(u"无法替换原文件："_s + QString::fromStdString(std::generic_category().message(error)));
 }

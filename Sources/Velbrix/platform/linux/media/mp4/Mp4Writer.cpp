@@ -142,9 +142,11 @@ Result<void> Mp4Writer::finish(std::span<const std::int64_t> endTimes)
     auto completed = _file.sync();
     if (completed)
         completed = _file.overwrite(_gapOffset, hugeDataHeader(end - _gapOffset));
-    if (!completed)
+    if (!completed) {
         _file.truncate(end);
-    return completed;
+        return completed;
+    }
+    return _file.sync();
 }
 
 Result<void> Mp4Writer::state() const
@@ -153,9 +155,13 @@ Result<void> Mp4Writer::state() const
     return _state;
 }
 
-void Mp4Writer::sync() const
+Result<void> Mp4Writer::sync()
 {
-    static_cast<void>(_file.sync());
+    auto synced = _file.sync();
+    const std::scoped_lock lock(_lock);
+    if (_state)
+        _state = std::move(synced);
+    return _state;
 }
 
 } // namespace velbrix

@@ -35,8 +35,9 @@ public:
     Result<void> finish(std::span<const std::int64_t> endTimes);
     // Whether everything that was added is in the file.
     Result<void> state() const;
-    // Brings what was written to the disk. Slow: not on a thread in a hurry.
-    void sync() const;
+    // Brings what was written to the disk. Slow: not on a thread in a hurry. A
+    // failure is one of the file: what the disk did not take is lost.
+    Result<void> sync();
 
 private:
     struct Pending {

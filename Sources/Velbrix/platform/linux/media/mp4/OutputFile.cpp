@@ -1,5 +1,7 @@
 #include "platform/linux/media/mp4/OutputFile.h"
 
+#include "foundation/AtomicFile.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -107,8 +109,8 @@ void OutputFile::truncate(std::uint64_t size)
 
 Result<void> OutputFile::sync() const
 {
-    if (::fdatasync(_file.number()) != 0 && errno != EINVAL)
-        return writeFailure(errno);
+    if (const int error = synced(_file.number()))
+        return writeFailure(error);
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include "platform/linux/media/recording/MovieRecorder.h"
 
+#include "platform/DiskReserve.h"
 #include "platform/linux/media/mp4/Mp4Writer.h"
 #include "platform/linux/media/recording/H264Encoder.h"
 #include "platform/linux/media/recording/MonotonicTime.h"
@@ -186,8 +187,11 @@ void ThreadedMovieRecorder::upkeep()
             for (Sound *sound : {&_system, &_microphone})
                 if (sound->track)
                     sound->track->fillUntil(monotonicNow() - soundGrace);
-        if (round % upkeepsPerSync == 0)
-            _writer->sync();
+        Result<void> kept = checkDiskReserve(_settings.path);
+        if (kept && round % upkeepsPerSync == 0)
+            kept = _writer->sync();
+        if (!kept)
+            fail(kept.error());
         lock.lock();
     }
 }

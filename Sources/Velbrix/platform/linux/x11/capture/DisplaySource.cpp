@@ -51,7 +51,7 @@ bool DisplaySource::findMonitor()
         return false;
     if (monitor->rect != _area) {
         _area = monitor->rect;
-        _buffer.resize(_area.width, _area.height);
+        _hasMemory = _buffer.resize(_area.width, _area.height);
         _isIncomplete = true;
     }
     return true;
@@ -69,6 +69,8 @@ SourceUpdate DisplaySource::update()
         return {FrameStatus::blank, {}, {}};
     }
     _missingSince.reset();
+    if (!_hasMemory)
+        return outOfMemory();
 
     std::vector<PixelRect> changed = collectDamage();
     if (std::exchange(_isIncomplete, false) || !_damage)

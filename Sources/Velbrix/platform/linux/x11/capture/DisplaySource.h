@@ -35,6 +35,7 @@ private:
     std::unique_ptr<DamageTracker> _damage;
     PixelRect _area; // in the root
     GrabBuffer _buffer;
+    bool _hasMemory = true;    // for the whole picture
     bool _isStale = true;      // monitors may have changed
     bool _isIncomplete = true; // the picture is to be fetched as a whole
     std::optional<std::int64_t> _missingSince;

@@ -20,6 +20,11 @@ struct SourceUpdate {
     std::optional<Failure> ended;
 };
 
+inline SourceUpdate outOfMemory()
+{
+    return {FrameStatus::stopped, {}, Failure{QStringLiteral("内存不足，无法取得屏幕画面")}};
+}
+
 struct PicturePoint {
     int x = 0;
     int y = 0;

@@ -14,19 +14,23 @@ constexpr int spareRows = 4;
 
 } // namespace
 
-void GrabBuffer::resize(int width, int height)
+bool GrabBuffer::resize(int width, int height)
 {
     collect();
     _failed = false;
-    _width = width;
-    _height = height;
+    _width = _height = 0;
     const auto row = static_cast<std::size_t>(width) * 4;
     const std::size_t picture = row * static_cast<std::size_t>(height + spareRows);
     const std::size_t wanted = picture + row * static_cast<std::size_t>(height);
     if (!_memory || _memory->size() < wanted)
-        _memory = std::make_unique<ShmSegment>(_connection, wanted);
+        _memory = ShmSegment::create(_connection, wanted);
+    if (!_memory)
+        return false;
+    _width = width;
+    _height = height;
     _pictureSize = picture;
     std::memset(_memory->data(), 0, picture);
+    return true;
 }
 
 BitmapView GrabBuffer::view() const

@@ -14,8 +14,9 @@ class GrabBuffer {
 public:
     explicit GrabBuffer(X11Connection &connection) : _connection(connection) {}
 
-    // Black, whatever it held.
-    void resize(int width, int height);
+    // Black, whatever it held. False without the memory for it: then it is empty
+    // and nothing may be queued.
+    bool resize(int width, int height);
     BitmapView view() const;
 
     // Asks for a rectangle whose top left corner is at (x, y) in the drawable.

@@ -130,6 +130,8 @@ SourceUpdate WindowSource::update()
         refresh();
     if (!_isShown)
         return {FrameStatus::suspended, {}, {}};
+    if (!_hasMemory)
+        return outOfMemory();
     if (_isIncomplete) {
         const PixelRect all{0, 0, _crop.width, _crop.height};
         _isIncomplete = !grab({all});
@@ -174,7 +176,7 @@ void WindowSource::refresh()
     _crop = visibleInPixmap(_topLevel);
     const BitmapView picture = _buffer.view();
     if (picture.width != _crop.width || picture.height != _crop.height)
-        _buffer.resize(_crop.width, _crop.height);
+        _hasMemory = _buffer.resize(_crop.width, _crop.height);
     _isIncomplete = true;
 }
 

@@ -46,6 +46,7 @@ private:
     bool _isShown = false;     // as of the last refresh
     bool _isIncomplete = true; // the picture is to be fetched as a whole
     bool _isDestroyed = false;
+    bool _hasMemory = true; // for the whole picture
 };
 
 // One picture of the window alone, fitted into the size with its aspect kept.

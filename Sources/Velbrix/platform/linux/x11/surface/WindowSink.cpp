@@ -67,7 +67,9 @@ std::optional<PictureSink::Canvas> WindowSink::next()
     if (!buffer.memory || buffer.size != _painted) {
         buffer.memory.reset();
         const std::size_t bytes = stride(_painted) * static_cast<std::size_t>(_painted.height());
-        buffer.memory = std::make_unique<ShmSegment>(*_connection, bytes);
+        buffer.memory = ShmSegment::create(*_connection, bytes);
+        if (!buffer.memory)
+            return std::nullopt;
         buffer.size = _painted;
     }
     return Canvas{buffer.memory->data(), stride(_painted), _painted};
