@@ -51,7 +51,7 @@ class H264EncoderTest : public QObject {
             const bool isKey = i % frameRate == 0;
             const double size =
                 bitsAtQp26 * (isKey ? keyFactor : 1) * std::exp2((26 - rate.nextQp(isKey)) / 6.0);
-            rate.spent(std::llround(size), isKey, 1);
+            rate.spent(std::llround(size), rate.nextQp(isKey), isKey, 1);
             if (i >= from * frameRate)
                 bits += size;
         }
@@ -83,14 +83,15 @@ private Q_SLOTS:
         Rig rig;
         for (int i = 0; i < 50; ++i) {
             rig.picture.scroll(3 * i);
-            QVERIFY(rig.encode(rig.picture.all(), i * i));
+            // Key pictures go by the time, however few pictures come.
+            QVERIFY(rig.encode(rig.picture.all(), i < 20 ? i : 4 * i));
             QCOMPARE(rig.packets.size(), std::size_t(i + 1));
-            QCOMPARE(rig.packets.back().tick, i * i);
-            QCOMPARE(rig.packets.back().isKey, i % 20 == 0);
+            QCOMPARE(rig.packets.back().tick, i < 20 ? i : 4 * i);
+            QCOMPARE(rig.packets.back().isKey, i % (i < 20 ? 20 : 5) == 0);
             // Slices only: one for each picture, the headers are in the sample entry.
             std::vector<int> types = unitTypes(rig.packets.back().bytes);
             std::erase(types, 6);
-            QCOMPARE(types, std::vector<int>{i % 20 == 0 ? 5 : 1});
+            QCOMPARE(types, std::vector<int>{rig.packets.back().isKey ? 5 : 1});
         }
     }
 
@@ -131,12 +132,11 @@ private Q_SLOTS:
         QVERIFY2(share > 0.8 && share < 1.1, qPrintable(QString::number(share)));
     }
 
-    void drainsWhatTwoThreadsStillHold()
+    void twoThreadsHoldNothingBack()
     {
         Rig rig(settings(1920, 1080, 120));
         for (int i = 0; i < 5; ++i)
             QVERIFY(rig.encode(rig.picture.all(), i));
-        QVERIFY(rig.encoder->flush(rig.sink));
         QCOMPARE(rig.packets.size(), std::size_t(5));
         QCOMPARE(rig.packets.back().tick, 4);
     }
@@ -187,8 +187,37 @@ private Q_SLOTS:
     {
         RateController rate(bitRate, frameRate);
         for (int i = 0; i < 20; ++i)
-            rate.spent(1'500'000, i == 0, 15); // four pictures a second at the average rate
+            rate.spent(1'500'000, 26, i == 0, 15); // four pictures a second at the average rate
         QCOMPARE_LT(rate.nextQp(false), 30);
+        averageRate(rate, 50e6, 1, 0, 60);
+        for (int i = 0; i < 8; ++i) // two seconds in which little happens
+            rate.spent(5'000, rate.nextQp(false), false, 15);
+        QCOMPARE_LT(rate.nextQp(false), 24);
+    }
+
+    // What is heavy for a minute spoils no more than two seconds of what follows.
+    void theRateForgets()
+    {
+        RateController rate(bitRate, frameRate);
+        averageRate(rate, 50e6, 1, 0, 60);
+        averageRate(rate, 60e3, 3, 0, 2);
+        QCOMPARE_LT(rate.nextQp(false), 30);
+    }
+
+    // As good as a second of the bit rate makes it, in a few steps, and then no better.
+    void picturesThatStaySettle()
+    {
+        MovieSettings low = settings();
+        low.videoBitRate = 1'500'000;
+        Rig rig(low);
+        QVERIFY(rig.encode(rig.picture.all(), 0));
+        int pictures = 0;
+        for (; pictures < 6 && (pictures == 0 || !rig.encoder->isSettled()); ++pictures)
+            QVERIFY(rig.encoder->encodeResting(rig.picture.view(), 60 * (pictures + 1), rig.sink));
+        QVERIFY2(pictures >= 1 && pictures <= 3, qPrintable(QString::number(pictures)));
+        const double bits = 8.0 * double(rig.packets.back().bytes.size());
+        QVERIFY2(bits > 0.5 * low.videoBitRate && bits < 1.2 * low.videoBitRate,
+                 qPrintable(QString::number(bits)));
     }
 
     void keyPicturesAreFinerWhereLittleMoves()

@@ -55,6 +55,18 @@ public:
             static_cast<void>(_sound->encode(sound, _soundSink));
         }
     }
+    // The last picture for four seconds, without sound: a key picture and another, shown four times.
+    void rest()
+    {
+        static_cast<void>(_video->encodeResting(_picture.view(), _tick, _write));
+        static_cast<void>(_video->encode(_picture.view(), {}, _tick + 3, _write));
+        for (int i = 0; i < 3; ++i) {
+            _tick += framesPerSecond;
+            if (!_writer->repeatPair(_tick * unitsPerTick, (_tick + 3) * unitsPerTick).value_or(false))
+                problem = u"no pair"_s;
+        }
+        _tick += framesPerSecond;
+    }
     // One grey picture that stays for a second, and no sound.
     void recordStillSecond()
     {
@@ -75,12 +87,7 @@ private:
     void addPicture()
     {
         const PixelRect all = _picture.all();
-        const auto write = [this](const H264Encoder::Packet &packet) {
-            const auto added = _writer->add(0, packet.bytes, packet.tick * unitsPerTick, packet.isKey);
-            if (problem.isEmpty())
-                problem = errorText(added);
-        };
-        static_cast<void>(_video->encode(_picture.view(), std::span(&all, 1), _tick, write));
+        static_cast<void>(_video->encode(_picture.view(), std::span(&all, 1), _tick, _write));
     }
 
     TestPicture _picture{320, 240};
@@ -89,6 +96,11 @@ private:
     std::unique_ptr<Mp4Writer> _writer;
     std::int64_t _soundEnd = 0;
     int _tick = 0;
+    const H264Encoder::Sink _write = [this](const H264Encoder::Packet &packet) {
+        const auto added = _writer->add(0, packet.bytes, packet.tick * unitsPerTick, packet.isKey);
+        if (problem.isEmpty())
+            problem = errorText(added);
+    };
     const AacEncoder::Sink _soundSink = [this](std::span<const std::uint8_t> bytes, std::int64_t time) {
         _soundEnd = time + AacEncoder::frameLength;
         static_cast<void>(_writer->add(1, bytes, time, true));
@@ -174,6 +186,30 @@ private Q_SLOTS:
         QVERIFY(liveSound.size() > heard.size() / 2);
         QVERIFY(heard.startsWith(liveSound));
         QVERIFY(sound(reference).startsWith(heard.left(4 * 48000 * 8 - 8192)));
+    }
+
+    void repeatedPicturesAreInTheFileOnce()
+    {
+        const QString file = path(u"rested.mp4"_s);
+        LiveMovie movie(file);
+        movie.record(1);
+        movie.rest();
+        movie.record(1);
+        const QString live = writeFile(path(u"resting.mp4"_s), readFile(file));
+        QVERIFY(movie.finish());
+        QCOMPARE(movie.problem, QString());
+        qint64 bytes = 0;
+        for (const QByteArray &size : probed(file, u"packet=size"_s, u"v"_s).split('\n'))
+            bytes += size.toLongLong();
+        QVERIFY(bytes > QFileInfo(file).size() * 5 / 4);
+        const QByteArray shown = pictures(file);
+        QCOMPARE(playablePictures(file), 30 + 8 + 6);
+        const QByteArray rested = shown.split('\n').at(shown.count("\n#") + 1 + 30).split(' ').last();
+        QCOMPARE(shown.count(rested), 8);
+        QVERIFY(shown.startsWith(pictures(live)) && pictures(live).count(rested) == 8);
+        QVERIFY(repairMovie(live));
+        QVERIFY(shown.startsWith(pictures(live)) && pictures(live).count(rested) == 8);
+        QCOMPARE(probed(file, u"packet=flags"_s, u"v"_s).count('K'), 6);
     }
 
     void soundStandsWhereItWasRecorded()

@@ -177,7 +177,12 @@ void fragmentTrack(BoxWriter &w, const FragmentRun &run, std::vector<std::size_t
     constexpr unsigned hasOffset = 0x1, hasDuration = 0x100, hasSize = 0x200, hasFlags = 0x400;
     constexpr std::uint32_t keyFlags = 0x02000000, otherFlags = 0x01010000;
     w.box("traf", [&] {
-        w.fullBox("tfhd", 0, 0x020000, [&] { w.u32(run.trackId); }); // offsets count from the moof
+        // Offsets count from the place named here, else from the moof.
+        w.fullBox("tfhd", 0, run.place ? 0x1 : 0x020000, [&] {
+            w.u32(run.trackId);
+            if (run.place)
+                w.u64(*run.place);
+        });
         w.fullBox("tfdt", 1, 0, [&] { w.u64(run.firstTime); });
         const unsigned flags = hasOffset | hasDuration | hasSize | (run.isVideo ? hasFlags : 0);
         w.fullBox("trun", 0, flags, [&] {
@@ -240,7 +245,8 @@ Bytes fragmentHeader(std::uint32_t sequence, const std::vector<FragmentRun> &run
     std::uint64_t offset = w.size() + 8;
     std::uint64_t total = 8;
     for (std::size_t i = 0; i < runs.size(); ++i) {
-        w.patch32(offsetPlaces[i], offset);
+        if (!runs[i].place)
+            w.patch32(offsetPlaces[i], offset);
         offset += runs[i].byteCount;
         total += runs[i].byteCount;
     }

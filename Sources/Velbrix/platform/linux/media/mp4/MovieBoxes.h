@@ -3,6 +3,7 @@
 #include "platform/linux/media/mp4/MovieTrack.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace velbrix {
@@ -13,7 +14,9 @@ struct FragmentRun {
     bool isVideo = false;
     std::uint64_t firstTime = 0; // decode time of the first sample
     std::vector<SampleRecord> samples;
-    std::uint64_t byteCount = 0; // of all samples
+    std::uint64_t byteCount = 0; // of all samples that follow the header
+    // Where they lie already, when they are shown again.
+    std::optional<std::uint64_t> place;
 };
 
 // The beginning of a movie (ISO/IEC 14496-12) that is being written: file type,

@@ -127,6 +127,7 @@ struct ReadRun {
     std::uint64_t offset = 0;
     std::uint64_t byteCount = 0;
     std::uint64_t length = 0;
+    bool isRepeat = false; // its samples lie in an earlier fragment
     std::vector<SampleRecord> samples;
 };
 
@@ -139,8 +140,10 @@ std::optional<ReadRun> readRun(BoxReader fragment, std::uint64_t fragmentOffset)
     if (!header || !time || !samples)
         return {};
     ReadRun run;
-    header->skip(4);
+    constexpr std::uint32_t isPlaced = 0x1;
+    run.isRepeat = (header->u32() & isPlaced) != 0;
     run.track = header->u32() - std::size_t{1};
+    run.offset = run.isRepeat ? header->u64() : fragmentOffset;
     time->skip(4);
     run.firstTime = time->u64();
 
@@ -149,7 +152,7 @@ std::optional<ReadRun> readRun(BoxReader fragment, std::uint64_t fragmentOffset)
     constexpr std::uint32_t notKey = 0x10000;
     const std::uint32_t flags = samples->u32();
     const std::uint32_t count = samples->u32();
-    run.offset = fragmentOffset + samples->u32();
+    run.offset += samples->u32();
     if (flags != withoutFlags && flags != withFlags)
         return {};
     const std::size_t entrySize = flags == withFlags ? 12 : 8;
@@ -177,8 +180,9 @@ bool takeFragment(const Bytes &header, const FileBox &at, const FileBox &data, M
         auto run = readRun(BoxReader(box->contents), at.offset);
         if (!run || run->track >= movie.tracks.size() || runs.size() == movie.tracks.size())
             return false;
-        const std::uint64_t dataStart = data.offset + data.headerSize;
-        if (run->offset < dataStart || run->offset > data.end() || run->byteCount > data.end() - run->offset)
+        const std::uint64_t dataStart = run->isRepeat ? movie.gapOffset : data.offset + data.headerSize;
+        const std::uint64_t dataEnd = run->isRepeat ? at.offset : data.end();
+        if (run->offset < dataStart || run->offset > dataEnd || run->byteCount > dataEnd - run->offset)
             return false;
         const std::uint64_t end = movie.tables[run->track].end();
         if (run->firstTime < end || run->firstTime - end > std::numeric_limits<std::int32_t>::max())

@@ -49,12 +49,32 @@ Result<void> Mp4Writer::add(std::size_t index, std::span<const std::uint8_t> byt
         return _state;
     Pending &track = _pending[index];
     closeLast(track, time);
-    if (isFragmentDue(index, isKey))
+    if (track.place || isFragmentDue(index, isKey))
         if (_state = writeFragment(false); !_state)
             return _state;
     track.samples.push_back({static_cast<std::uint32_t>(bytes.size()), 0, isKey});
     track.bytes.insert(track.bytes.end(), bytes.begin(), bytes.end());
     return {};
+}
+
+Result<bool> Mp4Writer::repeatPair(std::int64_t keyTime, std::int64_t time)
+{
+    const std::scoped_lock lock(_lock);
+    Pending &track = _pending.front();
+    if (track.samples.size() != 2 || !track.samples.front().isKey || track.samples.back().isKey)
+        return false;
+    std::vector<SampleRecord> pair = track.samples;
+    closeLast(track, keyTime);
+    if (_state)
+        _state = writeFragment(false);
+    if (!_state)
+        return std::unexpected(_state.error());
+    pair.front().duration = static_cast<std::uint32_t>(std::max<std::int64_t>(time - keyTime, 1));
+    pair.back().duration = 0;
+    track.lastTime += pair.front().duration;
+    track.samples = std::move(pair);
+    track.place = _tables.front().chunks().back().offset;
+    return true;
 }
 
 // Gives the last sample its duration and moves the time on.
@@ -92,14 +112,17 @@ Result<void> Mp4Writer::writeFragment(bool everything)
         std::size_t count = track.samples.size();
         if (count > 0 && !everything && track.samples.back().duration == 0)
             --count;
-        if (count == 0)
+        // A pair that may be repeated stays together.
+        const bool isHalfPair = i == 0 && count == 1 && track.samples.size() == 2;
+        if (count == 0 || isHalfPair)
             continue;
         FragmentRun run{.trackId = static_cast<std::uint32_t>(i + 1),
                         .isVideo = _tracks[i].isVideo,
                         .firstTime = track.firstTime,
-                        .samples = {track.samples.begin(), track.samples.begin() + static_cast<long>(count)}};
+                        .samples = {track.samples.begin(), track.samples.begin() + static_cast<long>(count)},
+                        .place = std::exchange(track.place, std::nullopt)};
         for (const SampleRecord &sample : run.samples)
-            run.byteCount += sample.size;
+            run.byteCount += run.place ? 0 : sample.size;
         pieces.push_back({track.bytes.data(), static_cast<std::size_t>(run.byteCount)});
         runs.push_back(std::move(run));
         sources.push_back(i);
@@ -116,7 +139,7 @@ Result<void> Mp4Writer::writeFragment(bool everything)
 
     for (std::size_t i = 0; i < runs.size(); ++i) {
         Pending &track = _pending[sources[i]];
-        _tables[sources[i]].append(offset, runs[i].samples);
+        _tables[sources[i]].append(runs[i].place.value_or(offset), runs[i].samples);
         offset += runs[i].byteCount;
         track.bytes.erase(track.bytes.begin(), track.bytes.begin() + static_cast<long>(runs[i].byteCount));
         track.samples.erase(track.samples.begin(),

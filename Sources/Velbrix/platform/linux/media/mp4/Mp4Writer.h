@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -29,6 +30,10 @@ public:
     // after the one before is moved behind it. After a first failure
     // everything fails the same way, and the file is playable.
     Result<void> add(std::size_t track, std::span<const std::uint8_t> bytes, std::int64_t time, bool isKey);
+    // Shows the last two samples of the first track, a key picture and another,
+    // again at these times; their bytes are in the file once. False when the
+    // last two are no such pair.
+    Result<bool> repeatPair(std::int64_t keyTime, std::int64_t time);
     // Ends each track at its time and completes the file. On a failure the
     // file stays fragmented, playable. An earlier failure does not matter if
     // the rest can be completed.
@@ -46,6 +51,7 @@ private:
         std::uint64_t firstTime = 0;       // of the first and the last sample
         std::uint64_t lastTime = 0;
         bool hasBegun = false;
+        std::optional<std::uint64_t> place; // of the samples, when they are in the file already
     };
 
     Mp4Writer() = default;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 extern "C" {
 #include <x264.h>
@@ -30,6 +31,7 @@ x264_param_t parameters(const MovieSettings &settings)
     p.i_timebase_den = static_cast<std::uint32_t>(settings.framesPerSecond);
     const double pixelRate = 1.0 * settings.width * settings.height * settings.framesPerSecond;
     p.i_threads = pixelRate > 1920.0 * 1080 * 60 ? 2 : 1;
+    p.b_sliced_threads = 1;                    // no picture waits for the next one
     p.i_keyint_max = X264_KEYINT_MAX_INFINITE; // key pictures are asked for one by one
     p.i_scenecut_threshold = 0;
     p.i_bframe = 0;
@@ -38,10 +40,11 @@ x264_param_t parameters(const MovieSettings &settings)
     p.rc.b_mb_tree = 0;
     // Constant quantiser with the whole range open to the forced ones.
     p.rc.i_rc_method = X264_RC_CQP;
-    p.rc.i_qp_constant = 31;
-    p.rc.f_ip_factor = 6.35F;
-    p.rc.f_pb_factor = 6.35F;
+    p.rc.i_qp_constant = 28;
+    p.rc.f_ip_factor = 8; // 18 steps down
+    p.rc.f_pb_factor = 8; // and up
     p.analyse.b_transform_8x8 = 1;
+    p.analyse.b_dct_decimate = 0; // costs more time than it saves bits
     p.analyse.b_mb_info = 1;
     p.b_annexb = 0;
     p.b_repeat_headers = 0;
@@ -137,9 +140,31 @@ std::uint8_t *H264Encoder::unchangedBlocks(std::span<const PixelRect> changed) c
 Result<void> H264Encoder::encode(const PictureView &picture, std::span<const PixelRect> changed,
                                  std::int64_t tick, const Sink &sink)
 {
-    const bool isKey = _isFirst || _sinceKey >= _keyFrameInterval;
-    _sinceKey = isKey ? 1 : _sinceKey + 1;
+    const bool isKey = _isFirst || tick >= nextKeyTick();
+    std::uint8_t *const unchanged = std::exchange(_isFirst, false) ? nullptr : unchangedBlocks(changed);
+    return encode(picture, unchanged, tick, isKey, _rate.nextQp(isKey), sink);
+}
 
+Result<void> H264Encoder::encodeResting(const PictureView &picture, std::int64_t tick, const Sink &sink)
+{
+    return encode(picture, nullptr, tick, true, _rate.restingQp(), sink);
+}
+
+// A step less cannot be seen.
+bool H264Encoder::isSettled() const
+{
+    return _rate.restingQp() > _keyQp - 2;
+}
+
+void H264Encoder::wasRepeated(std::int64_t keyTick, std::int64_t lastTick)
+{
+    _keyTick = keyTick;
+    _lastTick = lastTick;
+}
+
+Result<void> H264Encoder::encode(const PictureView &picture, std::uint8_t *unchanged, std::int64_t tick,
+                                 bool isKey, int qp, const Sink &sink)
+{
     x264_picture_t in;
     x264_picture_init(&in);
     in.img.i_csp = X264_CSP_I420;
@@ -151,37 +176,22 @@ Result<void> H264Encoder::encode(const PictureView &picture, std::span<const Pix
     in.img.i_stride[1] = in.img.i_stride[2] = picture.strideUV;
     in.i_pts = tick;
     in.i_type = isKey ? X264_TYPE_IDR : X264_TYPE_P;
-    in.i_qpplus1 = _rate.nextQp(isKey) + 1;
-    if (!_isFirst) {
-        in.prop.mb_info = unchangedBlocks(changed);
-        in.prop.mb_info_free = std::free;
-    }
-    _isFirst = false;
-    return run(&in, sink);
-}
-
-Result<void> H264Encoder::flush(const Sink &sink)
-{
-    while (x264_encoder_delayed_frames(_encoder) > 0)
-        if (auto drained = run(nullptr, sink); !drained)
-            return drained;
-    return {};
-}
-
-Result<void> H264Encoder::run(x264_picture_t *in, const Sink &sink)
-{
+    in.i_qpplus1 = qp + 1;
+    in.prop.mb_info = unchanged;
+    in.prop.mb_info_free = std::free;
     x264_nal_t *units = nullptr;
     int count = 0;
     x264_picture_t out;
-    const int size = x264_encoder_encode(_encoder, &units, &count, in, &out);
-    if (size < 0)
+    const int size = x264_encoder_encode(_encoder, &units, &count, &in, &out);
+    if (size <= 0)
         return failure(u"H.264 编码失败"_s);
-    if (size == 0)
-        return {};
-    const bool isKey = out.b_keyframe != 0;
-    _rate.spent(8LL * size, isKey, _packetTick < 0 ? 1 : out.i_pts - _packetTick);
-    _packetTick = out.i_pts;
-    sink({{units[0].p_payload, static_cast<std::size_t>(size)}, out.i_pts, isKey});
+    if (isKey) {
+        _keyTick = tick;
+        _keyQp = qp;
+    }
+    _rate.spent(8LL * size, qp, isKey, _lastTick < 0 ? 1 : tick - _lastTick);
+    _lastTick = tick;
+    sink({{units[0].p_payload, static_cast<std::size_t>(size)}, tick, isKey});
     return {};
 }
 

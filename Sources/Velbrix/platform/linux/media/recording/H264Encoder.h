@@ -12,7 +12,6 @@
 #include <vector>
 
 struct x264_t;
-struct x264_picture_t;
 
 namespace velbrix {
 
@@ -34,15 +33,26 @@ public:
     const Bytes &sampleEntry() const { return _sampleEntry; }
 
     // Only `changed` differs from the picture before; everything when this is
-    // the first. Ticks grow. The packet may come with a later call.
+    // the first. Ticks grow. A key picture when the last one lies as long ago as
+    // the settings say, whatever came between.
     Result<void> encode(const PictureView &picture, std::span<const PixelRect> changed, std::int64_t tick,
                         const Sink &sink);
-    Result<void> flush(const Sink &sink);
+    // The picture before once more, as a key picture for a screen at rest: as
+    // good as the bit rate allows for something that stays.
+    Result<void> encodeResting(const PictureView &picture, std::int64_t tick, const Sink &sink);
+    // Whether another one at rest would be as the last.
+    bool isSettled() const;
+    // The movie shows the last key picture again at this tick, and all that
+    // came after it, which ends at the other.
+    void wasRepeated(std::int64_t keyTick, std::int64_t lastTick);
+    // When the next key picture is due.
+    std::int64_t nextKeyTick() const { return _keyTick + _keyFrameInterval; }
 
 private:
     explicit H264Encoder(const MovieSettings &settings);
     Result<void> readHeaders(x264_t *from);
-    Result<void> run(x264_picture_t *in, const Sink &sink);
+    Result<void> encode(const PictureView &picture, std::uint8_t *unchanged, std::int64_t tick, bool isKey,
+                        int qp, const Sink &sink);
     std::uint8_t *unchangedBlocks(std::span<const PixelRect> changed) const;
 
     const int _width;
@@ -51,9 +61,10 @@ private:
     x264_t *_encoder = nullptr;
     Bytes _sampleEntry;
     RateController _rate;
-    int _sinceKey = 0;
+    std::int64_t _keyTick = 0;
+    int _keyQp = 0;
     bool _isFirst = true;
-    std::int64_t _packetTick = -1;
+    std::int64_t _lastTick = -1;
 };
 
 } // namespace velbrix

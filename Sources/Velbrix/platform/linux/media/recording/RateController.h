@@ -10,12 +10,16 @@ public:
     static constexpr int finestQp = 20;
     static constexpr int coarsestQp = 46;
     static constexpr int finestKeyQp = 15;
+    static constexpr int finestRestingQp = 10;
 
     RateController(int bitRate, int framesPerSecond);
 
     int nextQp(bool isKey) const;
-    // What the picture took, and the frame intervals since the one before.
-    void spent(long long bits, bool isKey, long long intervals);
+    // Of a key picture that is going to stay: it may take what a second has.
+    int restingQp() const;
+    // What the picture took at that quantiser, and the frame intervals since
+    // the one before.
+    void spent(long long bits, int qp, bool isKey, long long intervals);
 
 private:
     double keyGain() const;
@@ -23,9 +27,10 @@ private:
     const double _bitRate;
     const double _bitsPerInterval;
     double _qp = 26;
-    double _averageBits;   // per interval, key pictures spread out
-    double _debt = 0;      // bits over the allowance, of a bucket of one second
-    double _keyBits = 0;   // of the last key picture
+    double _averageBits; // per interval, key pictures spread out
+    double _debt = 0;    // bits over the allowance, of a bucket of one second
+    double _keyBits = 0; // of the last key picture
+    int _keyQp = 0;
     double _otherBits = 0; // of the pictures since then, on average
 };
 

@@ -87,10 +87,10 @@ void VideoTrack::copy(const PictureView &from, Picture &to) const
 void VideoTrack::run()
 {
     for (;;) {
-        bool isRepeat = false;
-        std::unique_ptr<Picture> picture = nextPicture(isRepeat);
-        if (isRepeat) {
-            encode(*_last, _lastTick + _framesPerSecond, true);
+        bool isRest = false;
+        std::unique_ptr<Picture> picture = nextPicture(isRest);
+        if (isRest) {
+            rest();
         } else if (picture) {
             encode(*picture, picture->tick, false);
             recycle(std::exchange(_last, std::move(picture)));
@@ -100,8 +100,8 @@ void VideoTrack::run()
     }
 }
 
-// The next one in the queue; none when a repeat is due or everything is done.
-std::unique_ptr<VideoTrack::Picture> VideoTrack::nextPicture(bool &isRepeat)
+// The next one in the queue; none when it rests or everything is done.
+std::unique_ptr<VideoTrack::Picture> VideoTrack::nextPicture(bool &isRest)
 {
     std::unique_lock lock(_lock);
     for (;;) {
@@ -112,22 +112,22 @@ std::unique_ptr<VideoTrack::Picture> VideoTrack::nextPicture(bool &isRepeat)
         }
         if (_ending)
             return {};
-        if (!_last) {
+        if (!_last || _hasFailed) {
             _changed.wait(lock);
             continue;
         }
-        const std::chrono::nanoseconds wait = untilRepeat();
-        isRepeat = wait.count() <= 0;
-        if (isRepeat)
+        const std::chrono::nanoseconds wait = untilRest();
+        isRest = wait.count() <= 0;
+        if (isRest)
             return {};
         _changed.wait_for(lock, wait);
     }
 }
 
 // A quarter of a second of grace, so that a picture under way comes first.
-std::chrono::nanoseconds VideoTrack::untilRepeat() const
+std::chrono::nanoseconds VideoTrack::untilRest() const
 {
-    const double due = (static_cast<double>(_lastTick) / _framesPerSecond + 1.25) * 1e9;
+    const double due = (static_cast<double>(_encoder->nextKeyTick()) / _framesPerSecond + 0.25) * 1e9;
     return std::chrono::nanoseconds(_tickZero + static_cast<std::int64_t>(due) - monotonicNow());
 }
 
@@ -137,20 +137,59 @@ void VideoTrack::encode(const Picture &picture, std::int64_t tick, bool isRepeat
     if (_hasFailed)
         return;
     const std::span<const PixelRect> changed = isRepeat ? std::span<const PixelRect>() : picture.changed;
-    auto encoded = _encoder->encode(picture.view, changed, _lastTick,
-                                    [this](const H264Encoder::Packet &packet) { write(packet); });
-    if (!encoded)
-        fail(encoded.error());
-    else if (!isRepeat && !_hasFailed)
+    check(_encoder->encode(picture.view, changed, _lastTick,
+                           [this](const H264Encoder::Packet &packet) { write(packet); }));
+    if (isRepeat)
+        return;
+    _isSettled = false;
+    _changeTick = _lastTick;
+    if (!_hasFailed)
         _ledger.noteWrittenFrame(static_cast<double>(_lastTick) / _framesPerSecond);
+}
+
+// A key picture is due and nothing has changed. Another one follows it: two
+// equal key pictures in a row are no stream, alternating with others they are.
+void VideoTrack::rest()
+{
+    const std::int64_t keyTick = std::max(_encoder->nextKeyTick(), _lastTick + 1);
+    const std::int64_t tick = keyTick + std::max(1, _framesPerSecond / 8);
+    if (_isSettled && repeatPair(keyTick, tick))
+        return;
+    const bool isAtRest = keyTick - _changeTick >= _framesPerSecond;
+    if (isAtRest) {
+        _lastTick = keyTick;
+        check(_encoder->encodeResting(_last->view, keyTick,
+                                      [this](const H264Encoder::Packet &packet) { write(packet); }));
+    } else {
+        encode(*_last, keyTick, true);
+    }
+    _isSettled = isAtRest && _encoder->isSettled();
+    encode(*_last, tick, true);
+}
+
+bool VideoTrack::repeatPair(std::int64_t keyTick, std::int64_t tick)
+{
+    const auto repeated = _writer.repeatPair(keyTick * unitsPerTick, tick * unitsPerTick);
+    if (!repeated)
+        fail(repeated.error());
+    if (!repeated || !*repeated)
+        return !repeated;
+    _encoder->wasRepeated(keyTick, tick);
+    _lastTick = tick;
+    return true;
+}
+
+void VideoTrack::check(const Result<void> &done)
+{
+    if (!done)
+        fail(done.error());
 }
 
 void VideoTrack::write(const H264Encoder::Packet &packet)
 {
     if (_hasFailed)
         return;
-    if (auto added = _writer.add(0, packet.bytes, packet.tick * unitsPerTick, packet.isKey); !added)
-        fail(added.error());
+    check(_writer.add(0, packet.bytes, packet.tick * unitsPerTick, packet.isKey));
 }
 
 void VideoTrack::recycle(std::unique_ptr<Picture> picture)
@@ -183,10 +222,6 @@ std::optional<std::int64_t> VideoTrack::finish(std::int64_t lastTick)
     // A last picture of its own: players disagree about how long the last one lasts.
     if (_lastTick < lastTick - 1)
         encode(*_last, lastTick - 1, true);
-    if (!_hasFailed)
-        if (auto flushed = _encoder->flush([this](const H264Encoder::Packet &packet) { write(packet); });
-            !flushed)
-            fail(flushed.error());
     return std::max(lastTick, _lastTick + 1) * unitsPerTick;
 }
 

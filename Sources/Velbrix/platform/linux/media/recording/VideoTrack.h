@@ -20,8 +20,10 @@
 namespace velbrix {
 
 // The pictures of a movie: a queue, and the thread that encodes what is in it.
-// While no picture comes it repeats the last one once a second, so that the
-// movie on the disk keeps up with the time.
+// While no picture comes it shows the last one again once a second as a key
+// picture, so that the movie on the disk keeps up with the time and players find
+// their way in it; once that one is as good as it can be, its bytes are shown
+// again instead of new ones.
 class VideoTrack {
 public:
     // Units of the track's timescale in a tick.
@@ -48,12 +50,15 @@ private:
     };
 
     void run();
-    std::unique_ptr<Picture> nextPicture(bool &isRepeat);
+    std::unique_ptr<Picture> nextPicture(bool &isRest);
     void encode(const Picture &picture, std::int64_t tick, bool isRepeat);
+    void rest();
+    bool repeatPair(std::int64_t keyTick, std::int64_t tick);
+    void check(const Result<void> &done);
     void write(const H264Encoder::Packet &packet);
     void recycle(std::unique_ptr<Picture> picture);
     void copy(const PictureView &from, Picture &to) const;
-    std::chrono::nanoseconds untilRepeat() const;
+    std::chrono::nanoseconds untilRest() const;
     void fail(Failure reason);
 
     const int _width;
@@ -75,6 +80,8 @@ private:
     // Of the thread.
     std::unique_ptr<Picture> _last;
     std::int64_t _lastTick = -1;
+    std::int64_t _changeTick = 0; // of the last picture that is no repeat
+    bool _isSettled = false;      // the last two are a pair to repeat
     bool _hasFailed = false;
     std::thread _thread;
 };
