@@ -4,6 +4,15 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+namespace {
+
+std::optional<DefaultsValue> valueOf(const QJsonValue &value)
+{
+    return defaultsValue(u"Velbrix_x"_s, value);
+}
+
+} // namespace
+
 class DefaultsValueTest : public QObject {
     Q_OBJECT
 
@@ -26,15 +35,19 @@ private Q_SLOTS:
 
     void storesEachKindAsTheDatabaseKnowsIt()
     {
-        QCOMPARE(defaultsValue(true), DefaultsValue(true));
-        QCOMPARE(defaultsValue(60), DefaultsValue(qint64(60)));
-        QCOMPARE(defaultsValue(-2.0), DefaultsValue(qint64(-2)));
-        QCOMPARE(defaultsValue(0.5), DefaultsValue(0.5));
-        QCOMPARE(defaultsValue(1e300), DefaultsValue(1e300));
-        QCOMPARE(defaultsValue(u"全屏录制"_s), DefaultsValue(u"全屏录制"_s));
+        QCOMPARE(valueOf(true), DefaultsValue(true));
+        QCOMPARE(valueOf(60), DefaultsValue(qint64(60)));
+        QCOMPARE(valueOf(-2.0), DefaultsValue(qint64(-2)));
+        QCOMPARE(valueOf(0.5), DefaultsValue(0.5));
+        QCOMPARE(valueOf(1e300), DefaultsValue(1e300));
+        QCOMPARE(valueOf(u"全屏录制"_s), DefaultsValue(u"全屏录制"_s));
         const QJsonObject chord = {{u"modifiers"_s, 6144}, {u"keyCode"_s, 29}};
-        QCOMPARE(defaultsValue(chord), DefaultsValue(QByteArray(R"({"keyCode":29,"modifiers":6144})")));
-        QCOMPARE(defaultsValue(QJsonArray{u"a"_s, 1}), DefaultsValue(QByteArray(R"(["a",1])")));
+        QCOMPARE(valueOf(chord), DefaultsValue(QByteArray(R"({"keyCode":29,"modifiers":6144})")));
+        QCOMPARE(valueOf(QJsonArray{u"a"_s, 1}), DefaultsValue(QByteArray(R"(["a",1])")));
+        QCOMPARE(defaultsValue(u"VelbClean_CleanupSelection"_s, QJsonArray{u"a"_s, u"二"_s}),
+                 DefaultsValue(QStringList{u"a"_s, u"二"_s}));
+        QCOMPARE(defaultsValue(u"Velbrix_PerDisplayVideoPaths"_s, QJsonObject{{u"69"_s, u"/a.mp4"_s}}),
+                 DefaultsValue(QMap<QString, QString>{{u"69"_s, u"/a.mp4"_s}}));
     }
 
     void readsBackWhatItStored_data()
@@ -50,15 +63,17 @@ private Q_SLOTS:
     void readsBackWhatItStored()
     {
         QFETCH(QJsonValue, value);
-        const auto stored = defaultsValue(value);
-        QVERIFY(stored);
-        QCOMPARE(jsonValue(*stored), value);
+        for (const QString &key : {u"Velbrix_x"_s, u"VelbClean_CustomPaths"_s}) {
+            const auto stored = defaultsValue(key, value);
+            QVERIFY(stored);
+            QCOMPARE(jsonValue(*stored), value);
+        }
     }
 
     void removesNulls()
     {
-        QVERIFY(!defaultsValue(QJsonValue(QJsonValue::Null)));
-        QVERIFY(!defaultsValue(QJsonValue(QJsonValue::Undefined)));
+        QVERIFY(!valueOf(QJsonValue(QJsonValue::Null)));
+        QVERIFY(!valueOf(QJsonValue(QJsonValue::Undefined)));
     }
 
     void skipsDamagedData_data()

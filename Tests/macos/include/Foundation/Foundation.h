@@ -32,6 +32,7 @@ typedef CGSize NSSize;
 @class NSError;
 @class NSException;
 @class NSURL;
+@class NSOperationQueue;
 
 extern "C" const NSRect NSZeroRect;
 
@@ -115,6 +116,7 @@ extern "C" NSRange NSMakeRange(NSUInteger location, NSUInteger length);
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>
++ (instancetype)array;
 - (void)addObject:(ObjectType)object;
 @end
 
@@ -126,6 +128,7 @@ extern "C" NSRange NSMakeRange(NSUInteger location, NSUInteger length);
 @end
 
 @interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
++ (instancetype)dictionary;
 - (void)setObject:(nullable ObjectType)object forKeyedSubscript:(KeyType<NSCopying>)key;
 @end
 
@@ -198,6 +201,10 @@ typedef NSString *NSNotificationName;
            selector:(SEL)selector
                name:(nullable NSNotificationName)name
              object:(nullable id)object;
+- (id<NSObject>)addObserverForName:(nullable NSNotificationName)name
+                            object:(nullable id)object
+                             queue:(nullable NSOperationQueue *)queue
+                        usingBlock:(void (^)(NSNotification *notification))block API_AVAILABLE(macos(10.6));
 - (void)removeObserver:(id)observer;
 @end
 
@@ -219,10 +226,14 @@ typedef NS_ENUM(NSUInteger, NSNotificationSuspensionBehavior) {
 @end
 
 @interface NSAppleEventDescriptor : NSObject
+@property(readonly) AEEventID eventID;
+@property(readonly) OSType enumCodeValue;
+- (nullable NSAppleEventDescriptor *)paramDescriptorForKeyword:(AEKeyword)keyword;
 @end
 
 @interface NSAppleEventManager : NSObject
 + (NSAppleEventManager *)sharedAppleEventManager;
+@property(nullable, readonly, strong) NSAppleEventDescriptor *currentAppleEvent;
 - (void)setEventHandler:(id)handler
             andSelector:(SEL)handleEventSelector
           forEventClass:(AEEventClass)eventClass

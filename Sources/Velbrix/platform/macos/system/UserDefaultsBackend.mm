@@ -17,6 +17,30 @@ NSUserDefaults *applicationDefaults()
     return [[NSUserDefaults alloc] initWithSuiteName:bundleIdentifier()];
 }
 
+// Nothing where other things than texts are among them.
+std::optional<DefaultsValue> texts(NSArray *values)
+{
+    QStringList all;
+    for (id each in values) {
+        if (![each isKindOfClass:[NSString class]])
+            return std::nullopt;
+        all.append(toQString(static_cast<NSString *>(each)));
+    }
+    return all;
+}
+
+std::optional<DefaultsValue> texts(NSDictionary *values)
+{
+    QMap<QString, QString> all;
+    for (id key in values) {
+        const id each = values[key];
+        if (![key isKindOfClass:[NSString class]] || ![each isKindOfClass:[NSString class]])
+            return std::nullopt;
+        all.insert(toQString(static_cast<NSString *>(key)), toQString(static_cast<NSString *>(each)));
+    }
+    return all;
+}
+
 std::optional<DefaultsValue> fromNative(id value)
 {
     if (CFGetTypeID((__bridge CFTypeRef)value) == CFBooleanGetTypeID())
@@ -29,6 +53,10 @@ std::optional<DefaultsValue> fromNative(id value)
         NSData *data = value;
         return QByteArray(static_cast<const char *>(data.bytes), static_cast<qsizetype>(data.length));
     }
+    if ([value isKindOfClass:[NSArray class]])
+        return texts(static_cast<NSArray *>(value));
+    if ([value isKindOfClass:[NSDictionary class]])
+        return texts(static_cast<NSDictionary *>(value));
     return std::nullopt;
 }
 
@@ -57,6 +85,22 @@ id toNative(const QByteArray &value)
     return [NSData dataWithBytes:value.constData() length:static_cast<NSUInteger>(value.size())];
 }
 
+id toNative(const QStringList &texts)
+{
+    NSMutableArray<NSString *> *values = [NSMutableArray array];
+    for (const QString &text : texts)
+        [values addObject:toNSString(text)];
+    return values;
+}
+
+id toNative(const QMap<QString, QString> &texts)
+{
+    NSMutableDictionary<NSString *, NSString *> *values = [NSMutableDictionary dictionary];
+    for (auto entry = texts.begin(); entry != texts.end(); ++entry)
+        values[toNSString(entry.key())] = toNSString(entry.value());
+    return values;
+}
+
 } // namespace
 
 QJsonObject UserDefaultsBackend::load()
@@ -78,7 +122,7 @@ Result<void> UserDefaultsBackend::save(const QJsonObject &all, const QStringList
 {
     NSUserDefaults *defaults = applicationDefaults();
     for (const QString &key : changed) {
-        if (const std::optional<DefaultsValue> value = defaultsValue(all.value(key)))
+        if (const std::optional<DefaultsValue> value = defaultsValue(key, all.value(key)))
             [defaults setObject:std::visit([](const auto &held) { return toNative(held); }, *value)
                          forKey:toNSString(key)];
         else
