@@ -160,18 +160,19 @@ private Q_SLOTS:
     {
         const QTemporaryDir folder;
         qputenv("XDG_CACHE_HOME", folder.filePath(u"cache"_s).toUtf8());
-        // The session's own folder is used where nobody else can look into it.
-        for (const int mode : {0x7700, 0x7777, 0}) {
-            const QString session = folder.filePath(QString::number(mode));
+        // The session's own folder is used where nobody else can look into it, and found without its name.
+        const QString users = folder.filePath(u"users"_s);
+        const QString own = users + u'/' + QString::number(::geteuid());
+        QVERIFY(QDir().mkpath(own));
+        for (const auto &[mode, isNamed] :
+             {std::pair(0x7700, true), {0x7777, true}, {0x7700, false}, {0x7777, false}}) {
             qunsetenv("XDG_RUNTIME_DIR");
-            if (mode != 0) {
-                QDir().mkpath(session);
-                QFile::setPermissions(session, QFile::Permissions(mode));
-                qputenv("XDG_RUNTIME_DIR", session.toUtf8());
-            }
-            const auto runtime = runtimeFolder();
+            QFile::setPermissions(own, QFile::Permissions(mode));
+            if (isNamed)
+                qputenv("XDG_RUNTIME_DIR", own.toUtf8());
+            const auto runtime = runtimeFolder(isNamed ? QString() : users);
             QVERIFY(runtime);
-            QCOMPARE(runtime->startsWith(session), mode == 0x7700);
+            QCOMPARE(runtime->startsWith(own), mode == 0x7700);
             QCOMPARE(QFile::permissions(*runtime) & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
                      QFile::Permissions());
         }

@@ -19,19 +19,22 @@ bool isPrivate(const QString &folder)
            status.st_uid == ::geteuid() && (status.st_mode & 077) == 0;
 }
 
-QString base()
+QString base(const QString &users)
 {
-    const QString session = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (QDir::isAbsolutePath(session) && isPrivate(session))
-        return session;
+    // Only a session has the variable, and after su it is another user's.
+    for (const QString &folder :
+         {qEnvironmentVariable("XDG_RUNTIME_DIR"), users + u'/' + QString::number(::geteuid())}) {
+        if (QDir::isAbsolutePath(folder) && isPrivate(folder))
+            return folder;
+    }
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
 }
 
 } // namespace
 
-Result<QString> runtimeFolder()
+Result<QString> runtimeFolder(const QString &users)
 {
-    const QString folder = base() + u"/velbrix"_s;
+    const QString folder = base(users) + u"/velbrix"_s;
     if (!QDir().mkpath(folder))
         return failure(u"无法创建文件夹 "_s + folder);
     QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
