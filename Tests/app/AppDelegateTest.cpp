@@ -8,7 +8,11 @@
 namespace {
 
 struct Rig : ProgramRig {
-    explicit Rig(bool accepted = true) : ProgramRig({{u"Velbrix_Privacy_firstLaunchAccepted"_s, accepted}}) {}
+    explicit Rig(bool accepted = true)
+        : ProgramRig({{u"Velbrix_Privacy_firstLaunchAccepted"_s, accepted},
+                      {u"Velbrix_MainWindow_Frame"_s, QJsonArray{30, 40, 1000, 640}}})
+    {
+    }
     void toggleRecording()
     {
         services->recordingActions.toggleQuickly();
@@ -52,16 +56,17 @@ private Q_SLOTS:
         settle();
         QVERIFY(rig.ui.visible);
         QVERIFY(!rig.services->isInBackground());
-        QCOMPARE(rig.host.desktop.calls.last(), u"activate"_s);
+        QCOMPARE(rig.host.desktop.calls, (QStringList{u"accessory"_s, u"presence"_s, u"activate"_s}));
     }
 
     void showsTheWindowAtStart()
     {
-        const auto isShown = [](bool background, bool accepted, bool wasAskedFor) {
+        const auto isShown = [](bool background, bool accepted, bool wasAskedFor, bool atLogin = false) {
             const QString flag = u"Velbrix_NeedShowMainWindow"_s;
             Rig rig(accepted);
             if (wasAskedFor)
                 rig.services->settings.set(flag, true);
+            rig.host.loginItem.startedThisCopy = atLogin;
             rig.launch(background);
             return rig.ui.visible && !rig.services->settings.contains(flag);
         };
@@ -69,6 +74,8 @@ private Q_SLOTS:
         QVERIFY(!isShown(true, true, false));
         QVERIFY(isShown(true, false, false)); // the statement is open
         QVERIFY(isShown(true, true, true));
+        QVERIFY(!isShown(false, true, false, true));
+        QVERIFY(isShown(false, false, false, true));
     }
 
     void theMenuIsExactAndLeadsThere()
@@ -131,6 +138,7 @@ private Q_SLOTS:
         rig.launch(false);
         QVERIFY(!rig.delegate->windowShouldClose());
         QCOMPARE(rig.ui.calls.last(), u"hide"_s);
+        QCOMPARE(rig.host.desktop.calls.last(), u"accessory"_s);
         QVERIFY(rig.services->isInBackground());
         rig.delegate->applicationDidBecomeActive(); // a panel has the focus
         QVERIFY(!rig.ui.visible);
@@ -147,6 +155,10 @@ private Q_SLOTS:
         QVERIFY(!rig.ui.calls.contains(u"minimize"_s));
         rig.clock.advance(1s);
         QCOMPARE(rig.ui.calls.last(), u"minimize"_s);
+        QCOMPARE(rig.ui.minimizedAt, QRect(30, 40, 1000, 640));
+        QVERIFY(rig.services->isInBackground());
+        rig.delegate->windowDidDeminiaturize();
+        QVERIFY(!rig.services->isInBackground());
 
         Rig late;
         late.host.desktop.trayHost = false;
@@ -236,7 +248,7 @@ private Q_SLOTS:
         QCOMPARE(terminated.count(), 1);
         QCOMPARE(rig.host.singleInstance.calls.last(), u"leave"_s);
         QVERIFY(rig.delegate->windowShouldClose());
-        QCOMPARE(rig.host.desktop.calls.last(), u"presence"_s);
+        QCOMPARE(rig.host.desktop.calls.last(2), (QStringList{u"presence"_s, u"end"_s}));
         QCOMPARE(rig.ui.calls.last(), u"removeTray"_s);
         QVERIFY(!rig.host.keys.isObservedLocally());
         QCOMPARE(rig.clock.pendingCount(), 0);

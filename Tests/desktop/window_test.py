@@ -2,7 +2,8 @@
 
 import unittest
 
-from desktop import ACCEPTED, DONE, DesktopTestCase, geometry, output_of, wait_until, windows_of, wm_state
+from desktop import (ACCEPTED, DONE, DesktopTestCase, active_window_pid, geometry, output_of, wait_until, windows_of,
+                     wm_state)
 
 
 def tray_icons():
@@ -55,6 +56,28 @@ class MainWindow(DesktopTestCase):
         self.assertIsNone(program.process.poll())
         self.assertEqual(program.run("show", "settings").returncode, DONE)
         wait_until(lambda: wm_state(window) == "Normal" and geometry(window) == frame, "the window is back in its place")
+
+    def test_restored_after_a_hidden_start(self):
+        self.write_settings(ACCEPTED | {"Velbrix_MainWindow_Frame": [120, 90, 1000, 640]})
+        program = self.start("--background")
+        managed = lambda: [line.split()[0] for line in output_of("wmctrl", "-l", "-p", check=False).splitlines()
+                           if int(line.split()[2]) == program.pid]
+        window = int(wait_until(managed, "the window is in the task bar")[0], 16)
+        self.assertEqual(wm_state(window), "Iconic")
+        output_of("xdotool", "windowactivate", window)
+        wait_until(lambda: program.status()["windowVisible"], "the program knows that it is restored")
+        wait_until(lambda: geometry(window) == (120, 90, 1000, 640), "the window is where it was")
+
+    def test_comes_to_the_users_workspace(self):
+        self.prepare()
+        program = self.start("-session", "10ab_12")  # as a session manager does
+        program.wait_for_window()
+        output_of("wmctrl", "-s", "1")
+        self.addCleanup(output_of, "wmctrl", "-s", "0")
+        wait_until(lambda: active_window_pid() != program.pid, "another workspace is seen")
+        program.do("show", "recorder")
+        wait_until(lambda: active_window_pid() == program.pid, "the window is in front again")
+        self.assertEqual(output_of("xdotool", "get_desktop").strip(), "1")
 
     def test_a_tray_that_comes_later(self):
         program = self.start_hidden()

@@ -67,10 +67,11 @@ public:
     bool reducedMotion = false;
     bool darkTheme = false;
     std::optional<QString> revealFailure;
-    QStringList calls; // "accessory", "presence", "activate", "beep", "reveal …"
+    QStringList calls; // "accessory", "presence", "end", "activate", "beep", "reveal …"
 
     void setAccessoryPresence() override { calls << u"accessory"_s; }
     void resetPresence() override { calls << u"presence"_s; }
+    void allowSystemToEnd() override { calls << u"end"_s; }
     void activate() override { calls << u"activate"_s; }
     void beep() override { calls << u"beep"_s; }
     Result<void> revealInFolder(const QString &path) override

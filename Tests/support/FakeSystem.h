@@ -15,6 +15,7 @@ namespace velbrix::test {
 class FakeLoginItem final : public LoginItem {
 public:
     bool enabled = false;
+    bool startedThisCopy = false;
     std::optional<QString> failsWith; // the next settings are refused with these words
 
     bool isEnabled() const override { return enabled; }
@@ -25,6 +26,14 @@ public:
         enabled = wanted;
         return {};
     }
+    QCoro::Task<bool> hasStartedThisCopy() override
+    {
+        co_await _answer.after();
+        co_return startedThisCopy;
+    }
+
+private:
+    AnswerTime _answer;
 };
 
 // A system that answers what the test has set.

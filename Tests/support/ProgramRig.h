@@ -11,6 +11,7 @@ class FakeUserInterface final : public UserInterface {
 public:
     QStringList calls;
     bool visible = false;
+    std::optional<QRect> minimizedAt;
     QList<TrayMenuItem> menu;
     bool trayShowsRecording = false;
     std::function<void()> clicked;
@@ -26,7 +27,11 @@ public:
         calls << u"hide"_s;
         visible = false;
     }
-    void minimizeMainWindow() override { calls << u"minimize"_s; }
+    void minimizeMainWindow(const std::optional<QRect> &frame) override
+    {
+        calls << u"minimize"_s;
+        minimizedAt = frame;
+    }
     bool isMainWindowVisible() const override { return visible; }
     std::optional<QRect> mainWindowFrame() const override { return QRect(10, 20, 1040, 700); }
     void createTray(const QList<TrayMenuItem> &items, std::function<void()> onClick,
@@ -52,7 +57,7 @@ public:
 struct ProgramRig : WallpaperRig {
     explicit ProgramRig(const QJsonObject &stored = {})
     {
-        qputenv("XDG_RUNTIME_DIR", {});
+        qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
         QVariantMap all{{u"Velbrix_Privacy_firstLaunchAccepted"_s, true},
                         {u"Velbrix_Privacy_consent_screenRecording"_s, true},
                         {u"Velbrix_Privacy_consent_videoWallpaper"_s, true},
@@ -99,6 +104,7 @@ struct ProgramRig : WallpaperRig {
         return !isEarly && terminated.count() == 1;
     }
 
+    const QTemporaryDir runtime;
     FakeUserInterface ui;
     std::unique_ptr<AppDelegate> delegate;
 };

@@ -51,6 +51,7 @@ struct WindowRig : ServicesRig {
         delegate = std::make_unique<AppDelegate>(made, *ui);
         ui->setDelegate(*delegate);
         delegate->applicationDidFinishLaunching(false);
+        settle();
         QVERIFY(QTest::qWaitForWindowExposed(window()));
     }
     // Starts on that tool's page.

@@ -73,12 +73,24 @@ void AppDelegate::applicationDidFinishLaunching(bool inBackground)
     if (const auto listening = _commands->listen(); !listening)
         log::line(u"Velbrix"_s, u"command line unavailable: "_s + listening.error().message);
 
-    const bool wanted = _services.settings.boolean(showWindowKey).value_or(false);
+    presentWindow(inBackground);
+}
+
+QCoro::Task<> AppDelegate::presentWindow(bool inBackground)
+{
+    const bool isWanted = _services.settings.boolean(showWindowKey).value_or(false) ||
+                          !_services.privacy.hasAcceptedFirstLaunchNotice();
     _services.settings.remove(showWindowKey);
-    if (!inBackground || wanted || !_services.privacy.hasAcceptedFirstLaunchNotice())
-        showWindow();
-    else
+    if (!inBackground && !isWanted) {
+        const QPointer self(this);
+        inBackground = co_await _services.platform.loginItem->hasStartedThisCopy();
+        if (!self)
+            co_return;
+    }
+    if (inBackground && !isWanted)
         _window.startHidden();
+    else
+        showWindow();
 }
 
 void AppDelegate::showWindow()
@@ -95,6 +107,11 @@ bool AppDelegate::windowShouldClose()
     _services.hotkeys.cancelCapture();
     _window.close();
     return false;
+}
+
+void AppDelegate::windowDidDeminiaturize()
+{
+    _window.noteRestored();
 }
 
 void AppDelegate::applicationDidBecomeActive()
@@ -141,6 +158,7 @@ void AppDelegate::applicationWillTerminate()
     _tray.remove();
     _services.platform.desktop->resetPresence();
     (void)_services.settings.flush();
+    _services.platform.desktop->allowSystemToEnd();
 }
 
 void AppDelegate::observeNotifications()

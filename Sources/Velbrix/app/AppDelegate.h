@@ -39,6 +39,8 @@ public:
     void showWindow();
     // The window's close button: true when the window may really close.
     bool windowShouldClose();
+    // The user has restored the minimised window.
+    void windowDidDeminiaturize();
     void applicationDidBecomeActive();
     void applicationDidResignActive();
     void applicationDidUnhide();
@@ -59,6 +61,7 @@ private:
     void observeNotifications();
     void observeHost();
     void followServices();
+    QCoro::Task<> presentWindow(bool inBackground);
     QCoro::Task<> setUpUserNotifications();
     void finishQuit();
 

@@ -135,13 +135,8 @@ void TrayController::trayHostChanged()
         refresh(true);
         return;
     }
-    if (!_hasStatusItem)
-        return;
-    _hasStatusItem = false;
-    _ui.removeTray();
-    // The way back to a hidden window has gone with the tray.
-    if (!_ui.isMainWindowVisible())
-        _ui.minimizeMainWindow();
+    if (std::exchange(_hasStatusItem, false))
+        _ui.removeTray();
 }
 
 } // namespace velbrix

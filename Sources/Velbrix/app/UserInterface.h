@@ -19,7 +19,8 @@ public:
     // still lies on a screen.
     virtual void showMainWindow(const std::optional<QRect> &frame) = 0;
     virtual void hideMainWindow() = 0;
-    virtual void minimizeMainWindow() = 0;
+    // In the task bar; at the frame when the user restores it from there.
+    virtual void minimizeMainWindow(const std::optional<QRect> &frame) = 0;
     virtual bool isMainWindowVisible() const = 0;
     // Empty until the window was shown once.
     virtual std::optional<QRect> mainWindowFrame() const = 0;

@@ -27,7 +27,10 @@ std::optional<QRect> storedFrame(const SettingsStore &settings)
 } // namespace
 
 WindowPresence::WindowPresence(AppServices &services, UserInterface &ui)
-    : _services(services), _ui(ui), _savedFrame(storedFrame(services.settings))
+    : _services(services),
+      _ui(ui),
+      _savedFrame(storedFrame(services.settings)),
+      _trayHost(services.platform.desktop->observeTrayHost([this] { stayInReach(); }))
 {
 }
 
@@ -35,6 +38,7 @@ WindowPresence::~WindowPresence() = default;
 
 void WindowPresence::show()
 {
+    _services.platform.desktop->resetPresence();
     _ui.showMainWindow(_savedFrame);
     _services.platform.desktop->activate();
     _services.setInBackground(false);
@@ -44,29 +48,39 @@ void WindowPresence::startHidden()
 {
     _services.setInBackground(true);
     // Panels start late; where none comes the window must be within reach.
-    _trayGrace = _services.clock.after(trayGrace, [this] {
-        if (!_services.platform.desktop->hasTrayHost() && _services.isInBackground())
-            _ui.minimizeMainWindow();
-    });
+    _trayGrace = _services.clock.after(trayGrace, [this] { stayInReach(); });
 }
 
 void WindowPresence::close()
 {
     keepFrame();
-    // Without a tray nobody could bring a hidden window back.
+    _services.setInBackground(true);
     if (_services.platform.desktop->hasTrayHost()) {
         _ui.hideMainWindow();
-        _services.setInBackground(true);
+        _services.platform.desktop->setAccessoryPresence();
     } else {
-        _ui.minimizeMainWindow();
+        stayInReach();
     }
+}
+
+void WindowPresence::noteRestored()
+{
+    _services.setInBackground(false);
 }
 
 void WindowPresence::end()
 {
     _trayGrace.reset();
+    _trayHost.reset();
     keepFrame();
     _ui.hideMainWindow();
+}
+
+// Without a tray nobody could bring a hidden window back.
+void WindowPresence::stayInReach()
+{
+    if (_services.isInBackground() && !_services.platform.desktop->hasTrayHost())
+        _ui.minimizeMainWindow(_savedFrame);
 }
 
 void WindowPresence::keepFrame()

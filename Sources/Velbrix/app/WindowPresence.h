@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Observation.h"
 
 #include <QRect>
 
@@ -25,16 +26,20 @@ public:
     void startHidden();
     // The window is hidden and its frame is remembered.
     void close();
+    // The user has taken it out of the task bar.
+    void noteRestored();
     // For good: nothing shows it any more.
     void end();
 
 private:
+    void stayInReach();
     void keepFrame();
 
     AppServices &_services;
     UserInterface &_ui;
     std::optional<QRect> _savedFrame;
     std::unique_ptr<Alarm> _trayGrace;
+    Observation _trayHost;
 };
 
 } // namespace velbrix

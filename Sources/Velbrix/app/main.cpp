@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QIcon>
+#include <QSessionManager>
 #include <QSocketNotifier>
 #include <QStringList>
 
@@ -15,24 +16,33 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <memory>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace velbrix;
 
 namespace {
 
-// Neither is destroyed: nothing may be torn down while something still runs.
+// None of these is destroyed: nothing may be torn down while something still runs.
 Clock &systemClock()
 {
     static Clock &clock = *new SystemClock;
     return clock;
 }
 
+// Claimed before the host is made, which takes it over.
+std::unique_ptr<SingleInstance> &place()
+{
+    static auto &place = *new std::unique_ptr<SingleInstance>(makeSingleInstance());
+    return place;
+}
+
 Platform &host()
 {
-    static Platform &platform = *new Platform(makePlatform(systemClock()));
+    static Platform &platform = *new Platform(makePlatform(systemClock(), std::move(place())));
     return platform;
 }
 
@@ -82,6 +92,15 @@ void setIdentity()
     QCoreApplication::setOrganizationDomain(u"tamsel.com"_s);
 }
 
+// A session manager starts the program again with the identity it had, which
+// Qt takes out of its arguments itself.
+QStringList withoutSessionIdentity(QStringList words)
+{
+    if (const auto place = words.indexOf(u"-session"_s); place >= 0 && place + 1 < words.size())
+        words.remove(place, 2);
+    return words;
+}
+
 int print(std::FILE *stream, const QString &text, int exitCode)
 {
     std::fputs(text.toUtf8().constData(), stream);
@@ -104,6 +123,8 @@ int runAsClient(int argc, char **argv, const ParsedCommand &command)
 
 int runAsApplication(int argc, char **argv, bool inBackground)
 {
+    if (!AppDelegate::claimPlace(*place(), inBackground))
+        return exitcode::done;
     QApplication application(argc, argv);
     setIdentity();
     QGuiApplication::setApplicationDisplayName(u"Velbrix"_s);
@@ -111,8 +132,6 @@ int runAsApplication(int argc, char **argv, bool inBackground)
     QGuiApplication::setWindowIcon(QIcon(u":/velbrix.svg"_s));
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
-    if (!AppDelegate::claimPlace(*host().singleInstance, inBackground))
-        return exitcode::done;
     AppServices &services = AppServices::shared();
     WidgetInterface ui(services);
     AppDelegate delegate(services, ui);
@@ -132,6 +151,14 @@ int runAsApplication(int argc, char **argv, bool inBackground)
         Qt::QueuedConnection);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);
+#if QT_CONFIG(sessionmanager)
+    // What was hidden stays hidden in the session that is restored.
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &delegate,
+                     [&services](QSessionManager &session) {
+                         if (services.isInBackground())
+                             session.setRestartCommand(session.restartCommand() << u"--background"_s);
+                     });
+#endif
     installSignalHandlers(delegate);
     return QApplication::exec();
 }
@@ -151,10 +178,12 @@ int main(int argc, char **argv)
         return print(stdout, helpText(words.first()), exitcode::done);
     if (words == QStringList{u"--version"_s})
         return print(stdout, u"Velbrix " VELBRIX_VERSION "\n"_s, exitcode::done);
-    if (words.isEmpty() || words == QStringList{u"--background"_s}) {
+    const QStringList ownWords = withoutSessionIdentity(words);
+    const bool inBackground = ownWords == QStringList{u"--background"_s};
+    if (ownWords.isEmpty() || inBackground) {
         if (const QString obstacle = prepareHost(); !obstacle.isEmpty())
             return print(stderr, obstacle + u'\n', exitcode::refused);
-        return runAsApplication(argc, argv, !words.isEmpty());
+        return runAsApplication(argc, argv, inBackground);
     }
     const auto command = parseCommand(words);
     if (!command)

@@ -15,10 +15,12 @@ class DesktopServices {
 public:
     virtual ~DesktopServices() = default;
 
-    // A program of the tray only (no Dock tile, no task-switcher entry of its
-    // own beyond its windows), and back to an ordinary one.
+    // A program of the tray only, which has no tile in the Dock and is none of
+    // the switcher's, and an ordinary one, as it must be while its window is open.
     virtual void setAccessoryPresence() = 0;
     virtual void resetPresence() = 0;
+    // The program has ended all that it does: a system that waits for it may go on.
+    virtual void allowSystemToEnd() = 0;
     // Brings this program before the others.
     virtual void activate() = 0;
 

@@ -41,7 +41,7 @@ struct Platform {
     std::unique_ptr<SettingsBackend> settings; // moved from by the settings store
     std::unique_ptr<HotkeyRegistrar> hotkeys;
     std::unique_ptr<KeyMonitor> keys;
-    std::unique_ptr<SingleInstance> singleInstance;
+    std::unique_ptr<SingleInstance> singleInstance; // which has been claimed
     std::unique_ptr<Permissions> permissions;
     std::unique_ptr<UserNotifications> notifications;
     std::unique_ptr<ScreenCapture> screenCapture;
@@ -71,7 +71,11 @@ struct Platform {
 // the program cannot run in this session, in words for the user; else empty.
 QString prepareHost();
 
+// Before all the rest, even the QApplication, which a copy that may not start does
+// without.
+std::unique_ptr<SingleInstance> makeSingleInstance();
+
 // Needs a QApplication. The clock must outlive the platform.
-Platform makePlatform(Clock &clock);
+Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place);
 
 } // namespace velbrix

@@ -22,8 +22,8 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-MainWindow::MainWindow(AppServices &services, Theme &theme, std::function<bool()> shouldClose)
-    : _services(services), _theme(theme), _shouldClose(std::move(shouldClose)), _pages(new QStackedWidget)
+MainWindow::MainWindow(AppServices &services, Theme &theme, Events events)
+    : _services(services), _theme(theme), _events(std::move(events)), _pages(new QStackedWidget)
 {
     setObjectName(u"mainWindow"_s);
     setWindowTitle(u"Velbrix"_s);
@@ -55,9 +55,18 @@ void MainWindow::showPrivacyStatement()
     _notices->reviewStatement();
 }
 
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange || !isVisible() || isMinimized())
+        return;
+    if (static_cast<const QWindowStateChangeEvent *>(event)->oldState() & Qt::WindowMinimized)
+        _events.restored();
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    event->setAccepted(_shouldClose());
+    event->setAccepted(_events.shouldClose());
 }
 
 void MainWindow::showEvent(QShowEvent *event)

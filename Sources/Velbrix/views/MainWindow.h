@@ -18,13 +18,17 @@ class Theme;
 // in it can be used while the program ends.
 class MainWindow final : public QMainWindow {
 public:
-    // `shouldClose` answers whether the window may really close.
-    MainWindow(AppServices &services, Theme &theme, std::function<bool()> shouldClose);
+    struct Events {
+        std::function<bool()> shouldClose; // whether it may really close
+        std::function<void()> restored;    // it was minimised
+    };
+    MainWindow(AppServices &services, Theme &theme, Events events);
     ~MainWindow() override;
 
     void showPrivacyStatement();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
@@ -34,7 +38,7 @@ private:
 
     AppServices &_services;
     Theme &_theme;
-    std::function<bool()> _shouldClose;
+    const Events _events;
     QStackedWidget *_pages;
     QHash<QString, QWidget *> _made; // by tool
     NoticeDesk *_notices;

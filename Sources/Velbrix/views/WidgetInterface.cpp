@@ -58,17 +58,8 @@ WidgetInterface::~WidgetInterface() = default;
 
 void WidgetInterface::showMainWindow(const std::optional<QRect> &frame)
 {
+    placeWindow(frame);
     MainWindow &main = window();
-    // A visible window stays where the user has put it.
-    if (!main.isVisible()) {
-        if (frame && liesOnAScreen(*frame, screenAreas())) {
-            main.setGeometry(*frame);
-        } else if (!_wasShown) {
-            const QRect room = usableScreen();
-            main.move(room.center() - main.rect().center());
-        }
-    }
-    _wasShown = true;
     main.setWindowState(main.windowState() & ~Qt::WindowMinimized);
     main.show();
     main.raise();
@@ -79,13 +70,28 @@ void WidgetInterface::hideMainWindow()
 {
     if (!_window)
         return;
-    _window->setWindowState(_window->windowState() & ~Qt::WindowMinimized);
     _window->hide();
+    _window->setWindowState(_window->windowState() & ~Qt::WindowMinimized);
 }
 
-void WidgetInterface::minimizeMainWindow()
+void WidgetInterface::minimizeMainWindow(const std::optional<QRect> &frame)
 {
+    placeWindow(frame);
     window().showMinimized();
+}
+
+void WidgetInterface::placeWindow(const std::optional<QRect> &frame)
+{
+    MainWindow &main = window();
+    // A visible window stays where the user has put it.
+    if (!main.isVisible()) {
+        if (frame && liesOnAScreen(*frame, screenAreas())) {
+            main.setGeometry(*frame);
+        } else if (!_wasShown) {
+            const QRect room = usableScreen();
+            main.move(room.center() - main.rect().center());
+        }
+    }
     _wasShown = true;
 }
 
@@ -133,7 +139,15 @@ MainWindow &WidgetInterface::window()
 {
     if (!_window) {
         _window = std::make_unique<MainWindow>(
-            _services, _theme, [this] { return !_delegate || _delegate->windowShouldClose(); });
+            _services, _theme,
+            MainWindow::Events{
+                .shouldClose = [this] { return !_delegate || _delegate->windowShouldClose(); },
+                .restored =
+                    [this] {
+                        if (_delegate)
+                            _delegate->windowDidDeminiaturize();
+                    },
+            });
         installToolkitTexts(_window.get());
     }
     return *_window;

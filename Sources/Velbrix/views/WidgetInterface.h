@@ -23,13 +23,13 @@ public:
     explicit WidgetInterface(AppServices &services);
     ~WidgetInterface() override;
 
-    // Asked when the user closes the window; without one the window closes.
-    // It must live as long as events are handled.
+    // Asked when the user closes the window, and told when they restore it;
+    // without one the window closes. It must live as long as events are handled.
     void setDelegate(AppDelegate &delegate) { _delegate = &delegate; }
 
     void showMainWindow(const std::optional<QRect> &frame) override;
     void hideMainWindow() override;
-    void minimizeMainWindow() override;
+    void minimizeMainWindow(const std::optional<QRect> &frame) override;
     bool isMainWindowVisible() const override;
     std::optional<QRect> mainWindowFrame() const override;
 
@@ -46,6 +46,7 @@ public:
 
 private:
     MainWindow &window();
+    void placeWindow(const std::optional<QRect> &frame);
     QRect usableScreen() const;
 
     AppServices &_services;

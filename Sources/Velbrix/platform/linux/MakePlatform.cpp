@@ -25,19 +25,12 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-std::unique_ptr<SingleInstance> makeSingleInstance()
-{
-    const auto folder = runtimeFolder();
-    if (!folder)
-        log::line(u"Velbrix"_s, u"single instance: "_s + folder.error().message);
-    return std::make_unique<FolderSingleInstance>(folder.value_or(QString()));
-}
 
 // In the order in which they are preferred.
 constexpr std::array windowSystems{&x11WindowSystem};
@@ -58,7 +51,15 @@ QString prepareHost()
     return {};
 }
 
-Platform makePlatform(Clock &clock)
+std::unique_ptr<SingleInstance> makeSingleInstance()
+{
+    const auto folder = runtimeFolder();
+    if (!folder)
+        log::line(u"Velbrix"_s, u"single instance: "_s + folder.error().message);
+    return std::make_unique<FolderSingleInstance>(folder.value_or(QString()));
+}
+
+Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
 {
     const QString configuration = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     const QString data =
@@ -68,7 +69,7 @@ Platform makePlatform(Clock &clock)
     // What one provides that has gone since prepareHost() answers with failures.
     chosenSystem->provide(platform, clock, data);
     platform.settings = std::make_unique<JsonSettingsFile>(configuration + u"/velbrix/settings.json"_s);
-    platform.singleInstance = makeSingleInstance();
+    platform.singleInstance = std::move(place);
     platform.notifications = std::make_unique<FreedesktopNotifications>();
     platform.audioDevices = std::make_unique<PulseAudioDevices>();
     platform.movieFiles = std::make_unique<LinuxMovieFiles>();

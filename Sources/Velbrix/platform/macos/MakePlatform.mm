@@ -27,20 +27,28 @@
 #include "platform/macos/system/SMLoginItem.h"
 #include "platform/macos/system/UserDefaultsBackend.h"
 
+#include <utility>
+
 namespace velbrix {
 
 QString prepareHost()
 {
+    installApplicationDelegate();
     return {};
 }
 
-Platform makePlatform(Clock &clock)
+std::unique_ptr<SingleInstance> makeSingleInstance()
+{
+    return std::make_unique<MacSingleInstance>();
+}
+
+Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
 {
     Platform platform;
     platform.settings = std::make_unique<UserDefaultsBackend>();
     platform.hotkeys = std::make_unique<CarbonHotkeyRegistrar>();
     platform.keys = std::make_unique<NSEventKeyMonitor>();
-    platform.singleInstance = std::make_unique<MacSingleInstance>();
+    platform.singleInstance = std::move(place);
     platform.permissions = std::make_unique<MacPermissions>();
     platform.notifications = std::make_unique<MacUserNotifications>();
     platform.screenCapture = std::make_unique<SCKScreenCapture>();

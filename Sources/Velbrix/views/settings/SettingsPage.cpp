@@ -37,7 +37,11 @@ Card *makeLogin(const ViewContext &context)
     auto *card = new Card;
     LoginItem &login = *context.services.platform.loginItem;
     auto *atLogin = new Switch(context.theme, u"loginItem"_s);
-    auto *row = new SettingRow(u"登录时启动"_s, u"登录后在托盘中运行，不打开窗口"_s, atLogin);
+    auto *row = new SettingRow(u"登录时启动"_s,
+                               context.services.platform.family == HostFamily::macos
+                                   ? u"登录后在菜单栏中运行，不打开窗口"_s
+                                   : u"登录后在托盘中运行，不打开窗口"_s,
+                               atLogin);
     row->setObjectName(u"loginRow"_s);
     atLogin->setOn(login.isEnabled());
     card->addRow(row);

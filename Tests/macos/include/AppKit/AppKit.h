@@ -52,8 +52,24 @@ extern NSNotificationName NSApplicationDidFinishLaunchingNotification;
 extern NSNotificationName NSApplicationDidUnhideNotification;
 }
 
+typedef NS_ENUM(NSUInteger, NSApplicationTerminateReply) {
+    NSTerminateCancel = 0,
+    NSTerminateNow = 1,
+    NSTerminateLater = 2,
+};
+
+@class NSApplication;
+@protocol NSApplicationDelegate <NSObject>
+@optional
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication *)sender;
+@end
+
 @interface NSApplication : NSObject
 @property(class, readonly, strong) __kindof NSApplication *sharedApplication;
+@property(nullable, weak) id<NSApplicationDelegate> delegate;
+@property(readonly, getter=isActive) BOOL active;
+- (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps;
+- (void)replyToApplicationShouldTerminate:(BOOL)shouldTerminate;
 @property(readonly, strong) NSAppearance *effectiveAppearance;
 @property(readonly, copy) NSArray<NSWindow *> *windows;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;

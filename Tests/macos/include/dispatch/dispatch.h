@@ -29,6 +29,10 @@ dispatch_queue_attr_t dispatch_queue_attr_make_with_qos_class(dispatch_queue_att
 dispatch_queue_t dispatch_queue_create(const char *_Nullable label, dispatch_queue_attr_t _Nullable attr);
 dispatch_queue_t dispatch_get_main_queue(void);
 dispatch_queue_t dispatch_get_global_queue(intptr_t identifier, uintptr_t flags);
+typedef uint64_t dispatch_time_t;
+#define DISPATCH_TIME_NOW (0ull)
+dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta);
+void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block);
 dispatch_group_t dispatch_group_create(void);

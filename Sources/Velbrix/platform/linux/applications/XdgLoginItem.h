@@ -15,6 +15,8 @@ public:
 
     bool isEnabled() const override;
     Result<void> setEnabled(bool enabled) override;
+    // Its command line says so.
+    QCoro::Task<bool> hasStartedThisCopy() override { co_return false; }
 
 private:
     const QString _file;

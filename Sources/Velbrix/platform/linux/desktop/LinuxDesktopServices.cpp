@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -54,27 +55,20 @@ LinuxDesktopServices::LinuxDesktopServices()
 {
 }
 
-void LinuxDesktopServices::setAccessoryPresence()
-{
-    // The program lives on in the tray when its last window closes.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-}
-
-void LinuxDesktopServices::resetPresence()
-{
-    QGuiApplication::setQuitOnLastWindowClosed(true);
-}
-
 void LinuxDesktopServices::activate()
 {
-    const QWindowList windows = QGuiApplication::topLevelWindows();
-    for (QWindow *window : windows) {
-        if (!window->isVisible() || window->type() != Qt::Window)
-            continue;
+    if (QWindow *const window = firstWindow()) {
         window->raise();
         window->requestActivate();
-        return;
     }
+}
+
+QWindow *LinuxDesktopServices::firstWindow()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    const auto found = std::ranges::find_if(
+        windows, [](const QWindow *each) { return each->isVisible() && each->type() == Qt::Window; });
+    return found != windows.end() ? *found : nullptr;
 }
 
 Result<void> LinuxDesktopServices::revealInFolder(const QString &path)

@@ -4,6 +4,8 @@
 #include "platform/linux/dbus/StatusNotifierHost.h"
 #include "platform/linux/desktop/DesktopAppearance.h"
 
+class QWindow;
+
 namespace velbrix {
 
 // What the desktops of freedesktop.org have in common; the window system adds
@@ -14,8 +16,10 @@ public:
 
     // A task bar lists a program's visible windows and nothing else, so hiding
     // them is all there is to being a program of the tray.
-    void setAccessoryPresence() override;
-    void resetPresence() override;
+    void setAccessoryPresence() override {}
+    void resetPresence() override {}
+    // The end of a session waits for the program's own end.
+    void allowSystemToEnd() override {}
     void activate() override;
 
     // The file manager is asked without waiting for it; when it cannot select
@@ -36,6 +40,8 @@ public:
     Observation observeReopen(std::function<void()> reopened) override;
 
 protected:
+    // The program's own window, if it is open.
+    static QWindow *firstWindow();
     // Whether there is a tray that is not reached over the session bus.
     void setOtherTray(bool isPresent);
 

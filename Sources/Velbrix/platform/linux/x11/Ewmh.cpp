@@ -67,13 +67,37 @@ bool isOwn(X11Connection &connection, xcb_window_t window)
 
 bool isPutAway(X11Connection &connection, xcb_window_t window)
 {
-    constexpr std::uint32_t allWorkspaces = 0xffffffff;
     if (connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_HIDDEN")))
         return true;
     const XProperty workspace = connection.property(window, "_NET_WM_DESKTOP");
+    const auto current = currentWorkspace(connection);
+    return workspace.count() > 0 && current && workspace.value(0) != allWorkspaces &&
+           workspace.value(0) != *current;
+}
+
+std::optional<std::uint32_t> currentWorkspace(X11Connection &connection)
+{
     const XProperty current = connection.property(connection.root(), "_NET_CURRENT_DESKTOP");
-    return workspace.count() > 0 && current.count() > 0 && workspace.value(0) != allWorkspaces &&
-           workspace.value(0) != current.value(0);
+    return current.count() > 0 ? std::optional(current.value(0)) : std::nullopt;
+}
+
+void askForWorkspace(X11Connection &connection, xcb_window_t window, std::uint32_t workspace)
+{
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = connection.atom("_NET_WM_DESKTOP");
+    message.data.data32[0] = workspace;
+    message.data.data32[1] = 1; // from an application
+    sendToRoot(connection, &message);
+}
+
+void sendToRoot(X11Connection &connection, const void *event)
+{
+    xcb_send_event(connection.xcb(), 0, connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   static_cast<const char *>(event));
 }
 
 } // namespace velbrix

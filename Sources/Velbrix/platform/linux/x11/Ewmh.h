@@ -3,6 +3,7 @@
 #include "platform/linux/x11/X11Connection.h"
 
 #include <initializer_list>
+#include <optional>
 #include <vector>
 
 namespace velbrix {
@@ -25,6 +26,14 @@ std::vector<xcb_window_t> clientWindows(X11Connection &connection);
 bool isOfType(X11Connection &connection, xcb_window_t window, std::initializer_list<const char *> types);
 // Whether the window is this program's; only what says whose it is can be.
 bool isOwn(X11Connection &connection, xcb_window_t window);
+// The number in place of a workspace's own that means each of them.
+constexpr std::uint32_t allWorkspaces = 0xffffffff;
+// The one that the user sees; nothing where the window manager has none.
+std::optional<std::uint32_t> currentWorkspace(X11Connection &connection);
+// Asks the window manager to move a window that is mapped.
+void askForWorkspace(X11Connection &connection, xcb_window_t window, std::uint32_t workspace);
+// An event for whoever manages the windows.
+void sendToRoot(X11Connection &connection, const void *event);
 // Whether a window is minimised or on another workspace. Some window managers
 // keep such windows mapped.
 bool isPutAway(X11Connection &connection, xcb_window_t window);

@@ -1,5 +1,9 @@
 #include "platform/linux/x11/X11DesktopServices.h"
 
+#include "platform/linux/x11/Ewmh.h"
+
+#include <QWindow>
+
 #include <xcb/xfixes.h>
 
 #include <string>
@@ -10,6 +14,19 @@ X11DesktopServices::X11DesktopServices() : _x11(qtX11Connection())
 {
     if (_x11)
         watchTray();
+}
+
+void X11DesktopServices::activate()
+{
+    const QWindow *const window = firstWindow();
+    if (_x11 && window) {
+        const auto id = static_cast<xcb_window_t>(window->winId());
+        // Most window managers let no program take the user to another workspace.
+        if (const auto workspace = currentWorkspace(*_x11); workspace && isPutAway(*_x11, id))
+            askForWorkspace(*_x11, id, *workspace);
+        _x11->flush();
+    }
+    LinuxDesktopServices::activate();
 }
 
 void X11DesktopServices::beep()

@@ -14,6 +14,8 @@ class X11DesktopServices final : public LinuxDesktopServices {
 public:
     X11DesktopServices();
 
+    // The window comes to the workspace that the user sees.
+    void activate() override;
     void beep() override;
 
 private:

@@ -4,12 +4,17 @@
 
 namespace velbrix {
 
+// Before the QApplication is made: has the system wait for the program's own end
+// where it wants to end it, at a logout too, instead of being refused by Qt.
+void installApplicationDelegate();
+
 // NSApplication and NSWorkspace. The menu bar is always there, so a tray host
 // is too.
 class MacDesktopServices final : public DesktopServices {
 public:
     void setAccessoryPresence() override;
     void resetPresence() override;
+    void allowSystemToEnd() override;
     void activate() override;
 
     void beep() override;

@@ -5,13 +5,58 @@
 
 #import <AppKit/AppKit.h>
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QFileInfo>
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+// Beneath Qt's delegate, which leaves to it what it implements.
+@interface VBApplicationDelegate : NSObject <NSApplicationDelegate>
+- (void)allowEnd;
+@end
+
+@implementation VBApplicationDelegate {
+    BOOL _mayEnd;
+    BOOL _systemWaits;
+}
+
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication *)sender
+{
+    (void)sender;
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &quit);
+    _systemWaits = !_mayEnd;
+    return _mayEnd ? NSTerminateNow : NSTerminateLater;
+}
+
+- (void)allowEnd
+{
+    _mayEnd = YES;
+    if (_systemWaits)
+        [NSApplication.sharedApplication replyToApplicationShouldTerminate:YES];
+}
+
+@end
+
+static VBApplicationDelegate *applicationDelegate;
 
 namespace velbrix {
+namespace {
+
+// What a program in front that does not yield has for refusing.
+constexpr int64_t cooperationLimit = std::chrono::nanoseconds(200ms).count();
+
+} // namespace
+
+void installApplicationDelegate()
+{
+    applicationDelegate = [[VBApplicationDelegate alloc] init];
+    NSApplication.sharedApplication.delegate = applicationDelegate;
+}
 
 void MacDesktopServices::setAccessoryPresence()
 {
@@ -23,9 +68,19 @@ void MacDesktopServices::resetPresence()
     [NSApplication.sharedApplication setActivationPolicy:NSApplicationActivationPolicyRegular];
 }
 
+void MacDesktopServices::allowSystemToEnd()
+{
+    [applicationDelegate allowEnd];
+}
+
 void MacDesktopServices::activate()
 {
     [NSApplication.sharedApplication activate];
+    // The user has asked for the window, with a key or in a terminal.
+    dispatch_after(dispatch_time(DISPATCH_TIME_NOW, cooperationLimit), dispatch_get_main_queue(), ^{
+        if (!NSApplication.sharedApplication.isActive)
+            [NSApplication.sharedApplication activateIgnoringOtherApps:YES];
+    });
 }
 
 void MacDesktopServices::beep()

@@ -2,11 +2,38 @@
 
 #include "platform/macos/system/FoundationBridge.h"
 
+#import <AppKit/AppKit.h>
+#import <CoreServices/CoreServices.h>
 #import <ServiceManagement/ServiceManagement.h>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+
+namespace {
+
+bool isLoginStart(NSAppleEventDescriptor *event)
+{
+    return event.eventID == kAEOpenApplication &&
+           [event paramDescriptorForKeyword:keyAEPropData].enumCodeValue == keyAELaunchedAsLogInItem;
+}
+
+} // namespace
+
+SMLoginItem::SMLoginItem()
+{
+    const Completion<bool> answer = _startedByIt;
+    // The event is there only inside the notification itself.
+    id token = [NSNotificationCenter.defaultCenter
+        addObserverForName:NSApplicationDidFinishLaunchingNotification
+                    object:nil
+                     queue:nil
+                usingBlock:^(NSNotification *) {
+                    answer.answer(
+                        isLoginStart([NSAppleEventManager sharedAppleEventManager].currentAppleEvent));
+                }];
+    _launch = Observation([token] { [NSNotificationCenter.defaultCenter removeObserver:token]; });
+}
 
 bool SMLoginItem::isEnabled() const
 {
@@ -33,6 +60,11 @@ Result<void> SMLoginItem::setEnabled(bool enabled)
     if (!registered)
         return std::unexpected(toFailure(error));
     return {};
+}
+
+QCoro::Task<bool> SMLoginItem::hasStartedThisCopy()
+{
+    return answerOf(_startedByIt);
 }
 
 } // namespace velbrix

@@ -138,7 +138,8 @@ void DesktopWindow::map()
     applyBounds();
     applyInput();
     xcb_map_window(_connection.xcb(), _id);
-    askForAllWorkspaces(_connection, _id);
+    // Some managers do not heed what it says of itself before.
+    askForWorkspace(_connection, _id, allWorkspaces);
 }
 
 void DesktopWindow::managerChanged()

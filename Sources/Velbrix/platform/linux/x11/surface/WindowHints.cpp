@@ -14,8 +14,6 @@ namespace velbrix {
 
 namespace {
 
-constexpr std::uint32_t allWorkspaces = 0xffffffff;
-
 class Hints {
 public:
     Hints(X11Connection &connection, xcb_window_t window) : _connection(connection), _window(window) {}
@@ -48,13 +46,6 @@ const char *windowType(X11Connection &connection)
 {
     return windowManagerName(connection) == "Openbox" ? "_NET_WM_WINDOW_TYPE_SPLASH"
                                                       : "_NET_WM_WINDOW_TYPE_NORMAL";
-}
-
-void sendToRoot(X11Connection &connection, const void *event)
-{
-    xcb_send_event(connection.xcb(), 0, connection.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   static_cast<const char *>(event));
 }
 
 } // namespace
@@ -93,18 +84,6 @@ void setPlaceHint(X11Connection &connection, xcb_window_t window, const QRect &f
     size[4] = static_cast<std::uint32_t>(frame.height());
     size[17] = XCB_GRAVITY_STATIC;
     Hints(connection, window).numbers("WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS, size);
-}
-
-void askForAllWorkspaces(X11Connection &connection, xcb_window_t window)
-{
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = window;
-    message.type = connection.atom("_NET_WM_DESKTOP");
-    message.data.data32[0] = allWorkspaces;
-    message.data.data32[1] = 1; // from an application
-    sendToRoot(connection, &message);
 }
 
 void withdraw(X11Connection &connection, xcb_window_t window)

@@ -12,8 +12,6 @@ namespace velbrix {
 void setDesktopHints(X11Connection &connection, xcb_window_t window, const QRect &frame);
 // Of a window that may be mapped.
 void setPlaceHint(X11Connection &connection, xcb_window_t window, const QRect &frame);
-// After the window was mapped: some managers only listen then.
-void askForAllWorkspaces(X11Connection &connection, xcb_window_t window);
 // Takes the window from the manager's hands (ICCCM 4.1.4).
 void withdraw(X11Connection &connection, xcb_window_t window);
 
