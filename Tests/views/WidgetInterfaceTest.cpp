@@ -66,15 +66,32 @@ private Q_SLOTS:
     void trayMenuAndPicture()
     {
         WindowRig rig;
+        rig.consentTo(PrivacyConsentKind::screenRecording);
         rig.start();
         StatusItem &item = *rig.ui->statusItem();
         QCOMPARE(action(item, u"播放壁纸"_s)->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+        // The keys beside the entries work in the window and in the open menu.
+        rig.key(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_VERIFY(rig.services->recorder.isRecording());
+        QTest::keyClick(&item.menu(), Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_VERIFY(!rig.services->recorder.isRecording());
         action(item, u"隐私与声明…"_s)->trigger();
         QTRY_VERIFY(rig.find(u"noticeSheet"_s));
 
         const auto picture = [&] { return item.picture().pixmap(32).toImage(); };
         const QImage resting = picture();
         QVERIFY(item.picture().isMask());
+        // Whatever the panel's colour is, something of it is seen.
+        int light = 0;
+        int dark = 0;
+        for (int y = 0; y < resting.height(); ++y) {
+            for (int x = 0; x < resting.width(); ++x) {
+                const QColor seen = resting.pixelColor(x, y);
+                light += seen.alpha() > 150 && seen.lightness() > 200;
+                dark += seen.alpha() > 150 && seen.lightness() < 60;
+            }
+        }
+        QVERIFY2(light > 20 && dark > 20, qPrintable(u"%1 light, %2 dark"_s.arg(light).arg(dark)));
         rig.services->recorder.startFullScreen();
         QTRY_VERIFY(rig.services->recorder.isRecording());
         QVERIFY(!item.picture().isMask()); // a template would lose the red

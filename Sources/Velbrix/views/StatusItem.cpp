@@ -4,9 +4,11 @@
 
 #include <QAction>
 #include <QCursor>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -49,9 +51,9 @@ QStringList orderOf(const QList<TrayMenuItem> &items)
 
 } // namespace
 
-StatusItem::StatusItem(const Theme &theme, std::function<void()> clicked,
+StatusItem::StatusItem(const Theme &theme, HostFamily family, std::function<void()> clicked,
                        std::function<void(const QString &id)> chosen)
-    : _theme(theme), _chosen(std::move(chosen))
+    : _theme(theme), _family(family), _chosen(std::move(chosen))
 {
     _menu.setObjectName(u"trayMenu"_s);
     connect(&_menu, &QMenu::aboutToShow, this, [this, clicked = std::move(clicked)] {
@@ -59,6 +61,7 @@ StatusItem::StatusItem(const Theme &theme, std::function<void()> clicked,
         clicked();
     });
     connect(&_menu, &QMenu::aboutToHide, this, [this] { _isMenuOpen = false; });
+    _menu.installEventFilter(this);
     _icon.setContextMenu(&_menu);
     _icon.setToolTip(u"Velbrix"_s);
     // Where the tray opens the menu by itself, this finds it open already.
@@ -71,6 +74,23 @@ StatusItem::StatusItem(const Theme &theme, std::function<void()> clicked,
         Qt::QueuedConnection);
     connect(&theme, &Theme::changed, this, [this] { redraw(); });
     redraw();
+}
+
+// The toolkit shows keys beside the entries of an open menu, and has them do
+// nothing there.
+bool StatusItem::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const QKeySequence pressed(static_cast<QKeyEvent *>(event)->keyCombination());
+        for (QAction *action : _menu.actions()) {
+            if (action->isEnabled() && action->shortcut() == pressed) {
+                _menu.hide();
+                action->trigger();
+                return true;
+            }
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void StatusItem::setMenu(const QList<TrayMenuItem> &items)
@@ -109,10 +129,31 @@ void StatusItem::rebuild(const QList<TrayMenuItem> &items)
     }
 }
 
+// On a Mac a template, which the system colours. A panel may be dark or light
+// whatever the windows are: there a light symbol in a dark outline is seen on both.
+QPixmap StatusItem::symbol(int side) const
+{
+    const QString name = u"shippingbox.fill"_s;
+    if (_family == HostFamily::macos)
+        return _theme.symbol(name, side, _theme.color(ThemeColor::text), 1);
+    const int outline = std::max(side / 16, 1);
+    const int inner = side - 2 * outline;
+    const QPixmap dark = _theme.symbol(name, inner, QColor(0, 0, 0, 200), 1);
+    QPixmap drawn(side, side);
+    drawn.fill(Qt::transparent);
+    QPainter painter(&drawn);
+    for (const int x : {0, outline, 2 * outline}) {
+        for (const int y : {0, outline, 2 * outline})
+            painter.drawPixmap(x, y, dark);
+    }
+    painter.drawPixmap(outline, outline, _theme.symbol(name, inner, QColor(0xF5, 0xF5, 0xF7), 1));
+    return drawn;
+}
+
 QPixmap StatusItem::picture(int side) const
 {
-    QPixmap drawn = _theme.symbol(u"shippingbox.fill"_s, side, _theme.color(ThemeColor::text), 1);
-    if (!_isRecording || drawn.isNull())
+    QPixmap drawn = symbol(side);
+    if (!_isRecording)
         return drawn;
     const double dot = side * 0.46;
     const QRectF place(side - dot, side - dot, dot, dot);

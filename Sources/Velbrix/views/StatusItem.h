@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/TrayMenu.h"
+#include "platform/HostFamily.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
@@ -14,7 +15,7 @@ class Theme;
 // The icon in the tray and its menu.
 class StatusItem final : public QObject {
 public:
-    StatusItem(const Theme &theme, std::function<void()> clicked,
+    StatusItem(const Theme &theme, HostFamily family, std::function<void()> clicked,
                std::function<void(const QString &id)> chosen);
 
     void setMenu(const QList<TrayMenuItem> &items);
@@ -24,12 +25,17 @@ public:
     QMenu &menu() { return _menu; }
     QIcon picture() const { return _icon.icon(); }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    QPixmap symbol(int side) const;
     QPixmap picture(int side) const;
     void redraw();
     void rebuild(const QList<TrayMenuItem> &items);
 
     const Theme &_theme;
+    const HostFamily _family;
     std::function<void(const QString &id)> _chosen;
     QStringList _order;
     QMenu _menu;

@@ -7,6 +7,7 @@
 #include "views/StatusItem.h"
 #include "views/ToastStack.h"
 
+#include <QAction>
 #include <QGuiApplication>
 #include <QLibraryInfo>
 #include <QScreen>
@@ -112,8 +113,10 @@ void WidgetInterface::createTray(const QList<TrayMenuItem> &menu, std::function<
                                  std::function<void(const QString &id)> chosen)
 {
     // A new one each time: the toolkit chooses the kind of tray at its birth.
-    _statusItem = std::make_unique<StatusItem>(_theme, std::move(clicked), std::move(chosen));
+    _statusItem = std::make_unique<StatusItem>(_theme, _services.platform.family, std::move(clicked),
+                                               std::move(chosen));
     _statusItem->setMenu(menu);
+    shareKeys();
     _statusItem->show();
 }
 
@@ -122,7 +125,15 @@ void WidgetInterface::updateTray(const QList<TrayMenuItem> &menu, bool isRecordi
     if (!_statusItem)
         return;
     _statusItem->setMenu(menu);
+    shareKeys();
     _statusItem->setRecording(isRecording);
+}
+
+// The keys beside the tray's entries work in the window, too.
+void WidgetInterface::shareKeys()
+{
+    if (_window && _statusItem)
+        _window->addActions(_statusItem->menu().actions());
 }
 
 void WidgetInterface::removeTray()
@@ -149,6 +160,7 @@ MainWindow &WidgetInterface::window()
                     },
             });
         installToolkitTexts(_window.get());
+        shareKeys();
     }
     return *_window;
 }

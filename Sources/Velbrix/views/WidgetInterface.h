@@ -47,6 +47,7 @@ public:
 private:
     MainWindow &window();
     void placeWindow(const std::optional<QRect> &frame);
+    void shareKeys();
     QRect usableScreen() const;
 
     AppServices &_services;
