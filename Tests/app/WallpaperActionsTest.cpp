@@ -51,8 +51,37 @@ private Q_SLOTS:
         QCOMPARE(rig.answer(rig.actions.playVideo(rig.a)),
                  u"!需要先在 Velbrix 窗口中确认：视频壁纸隐私确认"_s);
         QVERIFY(rig.host.mediaProbe.calls.isEmpty());
+        rig.answer(rig.actions.play()); // changes nothing about the choice
+        rig.plugSecond();
+        rig.answer(rig.actions.playVideoOn(2, rig.a));
+        rig.answer(rig.actions.playVideoOn(2, rig.b));
         rig.services->privacy.confirmPendingNotice();
+        QTRY_COMPARE(rig.host.surfaces.surfaces.size(), 2);
         QCOMPARE(rig.surface()->path, rig.a);
+        QTRY_COMPARE(rig.surface(1)->path, rig.b);
+    }
+
+    void whatWasDeclinedIsForgotten()
+    {
+        Rig rig(true, false);
+        rig.answer(rig.actions.playVideo(rig.a));
+        rig.services->privacy.cancelPendingNotice();
+        rig.wallpaper().preferences().setLastVideoPath(rig.b);
+        rig.answer(rig.actions.play());
+        rig.services->privacy.confirmPendingNotice();
+        QTRY_VERIFY(rig.surface());
+        QCOMPARE(rig.surface()->path, rig.b);
+    }
+
+    void theFirstVideoIsSilentUntilToldOtherwise()
+    {
+        Rig rig;
+        rig.answer(rig.actions.playVideo(rig.a));
+        QCOMPARE(rig.surface()->volume, 0.0);
+        rig.wallpaper().preferences().setMuted(false);
+        QCOMPARE(rig.surface()->volume, 0.3);
+        rig.answer(rig.actions.playVideo(rig.b));
+        QCOMPARE(rig.surface()->volume, 0.3);
     }
 
     void choosingAVideoMeansVideos()

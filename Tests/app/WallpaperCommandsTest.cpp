@@ -74,14 +74,37 @@ private Q_SLOTS:
         QCOMPARE(rig.said(u"wallpaper play"_s), u"0 动态壁纸：播放中"_s);
     }
 
+    void changesHowItPlays()
+    {
+        Rig rig;
+        const std::pair<QString, QString> rows[] = {
+            {u"mute"_s, u"0 声音：静音（音量 30%）"_s},
+            {u"volume"_s, u"0 声音：静音（音量 30%）"_s},
+            {u"volume 45"_s, u"0 声音：45%"_s},
+            {u"volume 101"_s, u"1 不能用作音量（0–100）：101"_s},
+            {u"mute"_s, u"0 声音：静音（音量 45%）"_s},
+            {u"unmute"_s, u"0 声音：45%"_s},
+            {u"speed 1.5"_s, u"0 速度：1.50×"_s},
+            {u"speed nan"_s, u"1 不能用作倍数（0.25–2）：nan"_s},
+            {u"gravity 适应"_s, u"0 画面填充：适应"_s},
+            {u"gravity resize"_s, u"0 画面填充：拉伸"_s},
+            {u"gravity x"_s, u"1 不能用作填充|裁剪|适应|拉伸|居中：x"_s},
+            {u"gravity"_s, u"0 画面填充：拉伸"_s},
+        };
+        for (const auto &[verb, answer] : rows)
+            QCOMPARE(rig.said(u"wallpaper "_s + verb), answer);
+        QCOMPARE(rig.reply.data.value(u"speed"_s), 1.5);
+        QCOMPARE(rig.reply.data.value(u"gravity"_s), u"resize"_s);
+    }
+
     void tellsItsStatus()
     {
         Rig rig;
-        QCOMPARE(
-            rig.said(u"wallpaper status"_s),
-            u"0 动态壁纸：未播放\n视频：未选择\n内容：视频壁纸\n供电：电源\n桌面图标：未盖住\nDock：未隐藏"
-            u"\n显示器：\n"
-            "  1  内建显示器（主）  未播放  未选择视频\n  2  副屏  未播放  跟随主显示器"_s);
+        QCOMPARE(rig.said(u"wallpaper status"_s),
+                 u"0 动态壁纸：未播放\n视频：未选择\n内容：视频壁纸\n声音：30%\n速度：1.00×\n画面填充：裁剪\n"
+                 "供电：电源\n桌面图标：未盖住\n面板：未隐藏"
+                 u"\n显示器：\n"
+                 "  1  内建显示器（主）  未播放  未选择视频\n  2  副屏  未播放  跟随主显示器"_s);
         QCOMPARE(rig.reply.data.value(u"file"_s), QJsonValue());
         rig.said(u"wallpaper set --display 2 "_s + rig.b);
         rig.said(u"wallpaper set "_s + rig.a);
@@ -91,7 +114,8 @@ private Q_SLOTS:
         rig.wallpaper().dock().toggleDockAutoHide();
         QCOMPARE(rig.said(u"wallpaper status"_s),
                  u"0 动态壁纸：已暂停\n视频：%"
-                 u"1\n内容：视频壁纸\n供电：电源\n桌面图标：已盖住\nDock：已隐藏\n显示器：\n"
+                 u"1\n内容：视频壁纸\n声音：静音（音量 30%）\n速度：1.00×\n画面填充：裁剪\n供电：电源\n"
+                 "桌面图标：已盖住\n面板：已隐藏\n显示器：\n"
                  "  1  内建显示器（主）  已暂停  %1\n  2  副屏  已暂停  %2"_s.arg(rig.a, rig.b));
         const auto display = [&](int number, const QString &name, const QString &file) {
             return QJsonObject{{u"number"_s, number},    {u"id"_s, number}, {u"name"_s, name},
@@ -104,6 +128,10 @@ private Q_SLOTS:
                                               {u"failure"_s, u""_s},
                                               {u"notice"_s, u""_s},
                                               {u"onBattery"_s, false},
+                                              {u"volume"_s, 30},
+                                              {u"muted"_s, true},
+                                              {u"speed"_s, 1.0},
+                                              {u"gravity"_s, u"aspectFill"_s},
                                               {u"displays"_s, displays},
                                               {u"iconsCovered"_s, true},
                                               {u"dockHidden"_s, true},

@@ -105,8 +105,17 @@ private Q_SLOTS:
         QVERIFY(!rig.surface()->isPlaying);
         rig.choose(u"wallpaperPlay"_s);
         QVERIFY(rig.surface()->isPlaying);
+        rig.choose(u"wallpaperMute"_s);
+        QVERIFY(rig.wallpaper().preferences().isMuted());
+        QVERIFY(std::ranges::find(rig.ui.menu, u"打开壁纸声音"_s, &TrayMenuItem::title) != rig.ui.menu.end());
         rig.choose(u"wallpaperStop"_s);
         QCOMPARE(rig.entries(), u"播放壁纸 on, 停止壁纸 off"_s);
+        rig.host.mediaProbe.delay = 5s; // a disk that wakes up
+        rig.choose(u"wallpaperPlay"_s);
+        QCOMPARE(rig.entries(), u"播放壁纸 on, 停止壁纸 on"_s);
+        rig.choose(u"wallpaperStop"_s);
+        rig.clock.advance(10s);
+        QVERIFY(!rig.wallpaper().isShowing());
         rig.host.power.set(true);
         QCOMPARE(rig.entries(), u"播放壁纸 off, 停止壁纸 off"_s);
         rig.wallpaper().preferences().setPauseOnBattery(false);
@@ -138,7 +147,7 @@ private Q_SLOTS:
         rig.services->wallpaperActions.play();
         rig.host.dock.failure = u"此桌面没有 Dock。"_s;
         rig.press(4);
-        QVERIFY(rig.banners().contains(u"隐藏 Dock|此桌面没有 Dock。"_s));
+        QVERIFY(rig.banners().contains(u"隐藏面板|此桌面没有 Dock。"_s));
         rig.delegate->showWindow();
         rig.services->toasts.clear();
         rig.press(4);

@@ -7,8 +7,6 @@
 #include <QPointer>
 
 #include <algorithm>
-#include <memory>
-#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -31,10 +29,8 @@ WallpaperActions::WallpaperActions(WallpaperController &wallpaper, PrivacyManage
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideo(const QString &path)
 {
-    return guarded([this, path] {
-        _wallpaper.setContentMode(WallpaperContentMode::video);
-        return showVideo(path);
-    });
+    Act act{[this, path] { return showVideo(path); }, true};
+    return guarded(std::move(act));
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideoOn(quint32 displayID, const QString &path)
@@ -43,10 +39,8 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playVideoOn(quint32 dis
     const auto display = std::ranges::find(displays, displayID, &WallpaperDisplayInfo::id);
     if (display != displays.end() && display->isMain)
         return playVideo(path);
-    return guarded([this, displayID, path] {
-        _wallpaper.setContentMode(WallpaperContentMode::video);
-        return showVideoOn(displayID, path);
-    });
+    Act act{[this, displayID, path] { return showVideoOn(displayID, path); }, true, displayID};
+    return guarded(std::move(act));
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playChosenVideo(const QString &path)
@@ -57,7 +51,8 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playChosenVideo(const Q
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::play()
 {
-    return guarded([this] { return start(); });
+    Act act{[this] { return start(); }};
+    return guarded(std::move(act));
 }
 
 void WallpaperActions::togglePlayPause()
@@ -121,26 +116,53 @@ void WallpaperActions::shutDown()
     _wallpaper.shutDown();
 }
 
-QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(std::function<QCoro::Task<Outcome>()> act)
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(Act act)
 {
     if (!_privacy.requireStatement())
         co_return failure(_privacy.missingConsent(consent));
-    const auto begun = std::make_shared<std::optional<QCoro::Task<Outcome>>>();
-    std::function<void()> begin = [this, begun, act = std::move(act)] {
-        _restore.reset();
-        begun->emplace(act());
-    };
-    _privacy.guard(featurePrivacyNotice(consent), std::move(begin));
-    if (auto &acting = *begun) {
-        const Outcome outcome = co_await *acting;
-        co_return outcome;
+    if (!_privacy.hasConsent(consent)) {
+        awaitConsent(std::move(act));
+        co_return failure(_privacy.missingConsent(consent));
     }
-    co_return failure(_privacy.missingConsent(consent));
+    _restore.reset();
+    const Outcome outcome = co_await act.run();
+    co_return outcome;
+}
+
+void WallpaperActions::awaitConsent(Act act)
+{
+    const auto notice = _privacy.pendingFeatureNotice();
+    if (!notice || notice->kind != consent)
+        _waiting.clear(); // it was declined
+    if (act.isChoice) {
+        std::erase_if(_waiting, [&act](const Act &older) {
+            return !older.isChoice || older.displayID == act.displayID;
+        });
+    }
+    // A choice plays, too.
+    if (act.isChoice || _waiting.empty())
+        _waiting.push_back(std::move(act));
+    _privacy.guard(featurePrivacyNotice(consent), [this] { runWaiting(); });
+}
+
+QCoro::Task<> WallpaperActions::runWaiting()
+{
+    const QPointer self(this);
+    _restore.reset();
+    const std::vector<Act> acts = std::exchange(_waiting, {});
+    for (const Act &act : acts) {
+        co_await act.run();
+        if (!self)
+            co_return;
+    }
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
 {
     const QPointer self(this);
+    _wallpaper.setContentMode(WallpaperContentMode::video);
+    if (WallpaperPreferences &preferences = _wallpaper.preferences(); !preferences.hasSoundChoice())
+        preferences.setMuted(true);
     // The same failure twice is news twice.
     _wallpaper.dismissFailure();
     const auto played = co_await _wallpaper.playVideo(path);
@@ -154,6 +176,7 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 displayID, QString path)
 {
     const QPointer self(this);
+    _wallpaper.setContentMode(WallpaperContentMode::video);
     _wallpaper.dismissFailure();
     const bool isChosen = co_await _wallpaper.setDisplayVideo(displayID, path);
     if (!self)

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace velbrix {
 
@@ -32,7 +33,8 @@ public:
     // these only ask for the statement. Without consent they answer at once
     // that it is missing, and act when the user has given it.
 
-    // For the main display; shows it at once.
+    // For the main display; shows it at once. The first one of all is silent
+    // until the user has said how loud it is to be.
     QCoro::Task<Outcome> playVideo(const QString &path);
     // For one display; a wallpaper that is not showing starts with it.
     QCoro::Task<Outcome> playVideoOn(quint32 displayID, const QString &path);
@@ -55,7 +57,14 @@ Q_SIGNALS:
     void restored();
 
 private:
-    QCoro::Task<Outcome> guarded(std::function<QCoro::Task<Outcome>()> act);
+    struct Act {
+        std::function<QCoro::Task<Outcome>()> run;
+        bool isChoice = false;
+        std::optional<quint32> displayID = {}; // of a choice; nothing for the main one
+    };
+    QCoro::Task<Outcome> guarded(Act act);
+    void awaitConsent(Act act);
+    QCoro::Task<> runWaiting();
     QCoro::Task<Outcome> showVideo(QString path);
     QCoro::Task<Outcome> showVideoOn(quint32 displayID, QString path);
     QCoro::Task<Outcome> start();
@@ -66,6 +75,8 @@ private:
     WallpaperController &_wallpaper;
     PrivacyManager &_privacy;
     Clock &_clock;
+    // For the consent: the newest choice for each display, else to play.
+    std::vector<Act> _waiting;
     std::unique_ptr<Alarm> _restore;
     std::unique_ptr<Alarm> _survival; // of what has come back
 };

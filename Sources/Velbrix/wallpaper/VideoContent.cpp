@@ -38,10 +38,12 @@ VideoContent::VideoContent(Parts parts, std::function<bool()> isInBackground, QO
 {
     const WallpaperPreferences &preferences = _parts.preferences;
     const auto all = [this](auto change) { return [this, change] { forEach(change); }; };
-    connect(&preferences, &WallpaperPreferences::volumeChanged, this, [this] {
+    const auto sound = [this] {
         if (_main)
-            _main->surface().setVolume(_parts.preferences.volume());
-    });
+            _main->surface().setVolume(_parts.preferences.audibleVolume());
+    };
+    connect(&preferences, &WallpaperPreferences::volumeChanged, this, sound);
+    connect(&preferences, &WallpaperPreferences::isMutedChanged, this, sound);
     connect(&preferences, &WallpaperPreferences::gravityChanged, this, all([&preferences](StagedVideo &one) {
         one.surface().setGravity(layerGravity(preferences.gravity()));
     }));
@@ -147,7 +149,7 @@ Result<void> VideoContent::setUpMain()
     if (!made)
         return std::unexpected(made.error());
     _main = std::move(*made);
-    _main->surface().setVolume(_parts.preferences.volume());
+    _main->surface().setVolume(_parts.preferences.audibleVolume());
     _main->surface().observeTime(timeInterval);
     return {};
 }

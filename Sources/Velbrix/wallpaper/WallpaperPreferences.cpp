@@ -22,6 +22,7 @@ const QString dockActiveKey = u"Velbrix_WallpaperDockAutoHideActive"_s;
 const QString dockOriginalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
 const QString pauseOnBatteryKey = u"Velbrix_WallpaperPauseOnBattery"_s;
 const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
+const QString mutedKey = u"Velbrix_WallpaperMuted"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
 const QString returningKey = u"Velbrix_WallpaperIsReturning"_s;
 const QString displayPathsKey = u"Velbrix_PerDisplayVideoPaths"_s;
@@ -60,6 +61,7 @@ void WallpaperPreferences::loadSettings()
     _contentMode = wallpaperContentModeFromRawValue(_settings.string(contentModeKey).value_or(QString()));
     if (const auto folder = _settings.string(folderKey); folder && !folder->isEmpty())
         _wallpaperFolder = folder;
+    take(_settings.boolean(mutedKey), _isMuted);
     take(_settings.boolean(autoPlayKey), _autoPlay);
     take(_settings.boolean(hideIconsEnabledKey), _hideDesktopIconsEnabled);
     take(_settings.boolean(hideIconsActiveKey), _isHidingDesktopIcons);
@@ -82,6 +84,16 @@ void WallpaperPreferences::change(Property &property, const Value &value, const 
 void WallpaperPreferences::setVolume(double volume)
 {
     change(_volume, clampedVolume(volume), volumeKey, clampedVolume(volume));
+}
+
+void WallpaperPreferences::setMuted(bool on)
+{
+    change(_isMuted, on, mutedKey, on);
+}
+
+bool WallpaperPreferences::hasSoundChoice() const
+{
+    return _settings.real(volumeKey) || _settings.boolean(mutedKey);
 }
 
 void WallpaperPreferences::setSpeed(double speed)

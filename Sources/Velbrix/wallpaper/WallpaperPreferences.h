@@ -18,6 +18,7 @@ using DisplayVideoPaths = QHash<quint32, QString>; // by display id
 class WallpaperPreferences final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(WallpaperPreferences, double, volume, 0.3)
+    VELB_PUBLISHED(WallpaperPreferences, bool, isMuted, false)
     VELB_PUBLISHED(WallpaperPreferences, double, speed, 1.0)
     VELB_PUBLISHED(WallpaperPreferences, WallpaperGravity, gravity, WallpaperGravity::aspectFill)
     VELB_PUBLISHED(WallpaperPreferences, WallpaperContentMode, contentMode, WallpaperContentMode::video)
@@ -37,6 +38,11 @@ public:
     void loadSettings();
 
     void setVolume(double volume);
+    void setMuted(bool on);
+    // How loud it is to be in the end.
+    double audibleVolume() const { return _isMuted ? 0.0 : _volume.value(); }
+    // The user has once set how loud it is to be.
+    bool hasSoundChoice() const;
     void setSpeed(double speed);
     void setGravity(WallpaperGravity gravity);
     void setContentMode(WallpaperContentMode mode);

@@ -1,11 +1,16 @@
 #include "app/AppServices.h"
 #include "app/Banners.h"
+#include "app/HostText.h"
 #include "app/Tool.h"
 #include "app/TrayController.h"
 #include "foundation/Awaitables.h"
 #include "foundation/Log.h"
+#include "platform/Platform.h"
 
 #include <QJsonArray>
+
+#include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -42,6 +47,44 @@ QString name(WallpaperContentMode mode)
         return u"music"_s;
     }
     return {};
+}
+
+QString name(WallpaperGravity gravity)
+{
+    switch (gravity) {
+    case WallpaperGravity::fill:
+        return u"fill"_s;
+    case WallpaperGravity::aspectFill:
+        return u"aspectFill"_s;
+    case WallpaperGravity::aspectFit:
+        return u"aspectFit"_s;
+    case WallpaperGravity::resize:
+        return u"resize"_s;
+    case WallpaperGravity::none:
+        return u"none"_s;
+    }
+    return {};
+}
+
+int percent(double volume)
+{
+    return qRound(volume * 100);
+}
+
+QString soundLine(const WallpaperPreferences &preferences)
+{
+    const QString volume = u"%1%"_s.arg(percent(preferences.volume()));
+    return u"声音："_s + (preferences.isMuted() ? u"静音（音量 %1）"_s.arg(volume) : volume);
+}
+
+QString speedLine(const WallpaperPreferences &preferences)
+{
+    return u"速度：%1×"_s.arg(preferences.speed(), 0, 'f', 2);
+}
+
+QString gravityLine(const WallpaperPreferences &preferences)
+{
+    return u"画面填充："_s + rawValue(preferences.gravity());
 }
 
 QString chosenFile(WallpaperController &wallpaper)
@@ -91,13 +134,17 @@ QJsonObject dataOf(WallpaperController &wallpaper)
             {u"failure"_s, wallpaper.state().message},
             {u"notice"_s, wallpaper.hint()},
             {u"onBattery"_s, wallpaper.power().isOnBatteryPower()},
+            {u"volume"_s, percent(preferences.volume())},
+            {u"muted"_s, preferences.isMuted()},
+            {u"speed"_s, preferences.speed()},
+            {u"gravity"_s, name(preferences.gravity())},
             {u"displays"_s, displays},
             {u"iconsCovered"_s, preferences.coversDesktopIcons()},
             {u"dockHidden"_s, preferences.isDockAutoHidden()},
             {u"contentMode"_s, name(preferences.contentMode())}};
 }
 
-CommandReply status(WallpaperController &wallpaper)
+CommandReply status(WallpaperController &wallpaper, HostFamily family)
 {
     const QString file = chosenFile(wallpaper);
     const WallpaperPreferences &preferences = wallpaper.preferences();
@@ -105,10 +152,12 @@ CommandReply status(WallpaperController &wallpaper)
     if (!wallpaper.hint().isEmpty())
         lines << u"提示："_s + wallpaper.hint();
     lines << u"视频："_s + (file.isEmpty() ? u"未选择"_s : file)
-          << u"内容："_s + rawValue(preferences.contentMode())
+          << u"内容："_s + rawValue(preferences.contentMode()) << soundLine(preferences)
+          << speedLine(preferences) << gravityLine(preferences)
           << u"供电："_s + (wallpaper.power().isOnBatteryPower() ? u"电池"_s : u"电源"_s)
           << u"桌面图标："_s + (preferences.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
-          << u"Dock："_s + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s) << u"显示器："_s;
+          << hostText(u"Dock："_s, family) + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s)
+          << u"显示器："_s;
     int number = 0;
     for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
         lines << line(display, ++number, wallpaper.isPaused());
@@ -184,6 +233,58 @@ QCoro::Task<CommandReply> stop(WallpaperController &wallpaper, WallpaperActions 
     co_return reply;
 }
 
+CommandReply mute(WallpaperController &wallpaper, bool on)
+{
+    wallpaper.preferences().setMuted(on);
+    return {exitcode::done, soundLine(wallpaper.preferences()), dataOf(wallpaper)};
+}
+
+std::optional<double> number(const QString &text, double least, double most)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    return isNumber && value >= least && value <= most ? std::optional(value) : std::nullopt;
+}
+
+QString gravityNames()
+{
+    QStringList names;
+    for (const WallpaperGravity gravity : allWallpaperGravities)
+        names.append(rawValue(gravity));
+    return names.join(u'|');
+}
+
+// By the name on the page, or by that of --json.
+bool setGravity(WallpaperPreferences &preferences, const QString &text)
+{
+    const auto found = std::ranges::find_if(allWallpaperGravities, [&text](WallpaperGravity gravity) {
+        return text == rawValue(gravity) || text == name(gravity);
+    });
+    if (found != allWallpaperGravities.end())
+        preferences.setGravity(*found);
+    return found != allWallpaperGravities.end();
+}
+
+struct SettingWords {
+    QString words;
+    QString argument;
+    QString help;
+};
+
+// A verb that shows what is set, or sets it; `set` tells whether it could.
+Command setting(const SettingWords &words, QString (*shown)(const WallpaperPreferences &),
+                bool (*set)(WallpaperPreferences &, const QString &))
+{
+    return {{.words = words.words, .arguments = words.argument, .most = 1, .help = words.help},
+            immediate([words, shown, set](AppServices &services, const ParsedCommand &command) {
+                WallpaperController &wallpaper = services.wallpaper;
+                const QString text = command.arguments.value(0);
+                if (!command.arguments.isEmpty() && !set(wallpaper.preferences(), text))
+                    return CommandReply::refusal(u"不能用作%1：%2"_s.arg(words.argument, text));
+                return CommandReply{exitcode::done, shown(wallpaper.preferences()), dataOf(wallpaper)};
+            })};
+}
+
 QList<Command> commands()
 {
     return {
@@ -210,7 +311,33 @@ QList<Command> commands()
              return stop(services.wallpaper, services.wallpaperActions);
          }},
         {{.words = u"wallpaper status"_s, .help = u"动态壁纸与各显示器的当前状态"_s},
-         immediate([](AppServices &services, const ParsedCommand &) { return status(services.wallpaper); })},
+         immediate([](AppServices &services, const ParsedCommand &) {
+             return status(services.wallpaper, services.platform.family);
+         })},
+        setting({u"wallpaper volume"_s, u"音量（0–100）"_s, u"查看或设置音量"_s}, soundLine,
+                [](WallpaperPreferences &preferences, const QString &text) {
+                    const auto volume = number(text, 0, 100);
+                    if (volume) {
+                        preferences.setVolume(*volume / 100);
+                        preferences.setMuted(false);
+                    }
+                    return volume.has_value();
+                }),
+        setting({u"wallpaper speed"_s, u"倍数（0.25–2）"_s, u"查看或设置播放速度"_s}, speedLine,
+                [](WallpaperPreferences &preferences, const QString &text) {
+                    const auto speed = number(text, 0.25, 2);
+                    if (speed)
+                        preferences.setSpeed(*speed);
+                    return speed.has_value();
+                }),
+        setting({u"wallpaper gravity"_s, gravityNames(), u"查看或设置画面填充方式"_s}, gravityLine,
+                setGravity),
+        {{.words = u"wallpaper mute"_s, .help = u"让动态壁纸静音"_s},
+         immediate(
+             [](AppServices &services, const ParsedCommand &) { return mute(services.wallpaper, true); })},
+        {{.words = u"wallpaper unmute"_s, .help = u"打开动态壁纸的声音"_s},
+         immediate(
+             [](AppServices &services, const ParsedCommand &) { return mute(services.wallpaper, false); })},
     };
 }
 
@@ -235,17 +362,24 @@ void toggleHideDesktopIcons(AppServices &services)
 TraySection traySection(AppServices &services)
 {
     const WallpaperController &wallpaper = services.wallpaper;
+    QList<TrayMenuItem> items = {{.id = u"wallpaperPlay"_s,
+                                  .title = wallpaper.trayTitle(),
+                                  .keyEquivalent = u"⌘⇧P"_s,
+                                  .isEnabled = wallpaper.canToggle(),
+                                  .act = [&services] { services.wallpaperActions.togglePlayPause(); }},
+                                 {.id = u"wallpaperStop"_s,
+                                  .title = u"停止壁纸"_s,
+                                  .isEnabled = wallpaper.canStop(),
+                                  .act = [&services] { services.wallpaperActions.stop(); }}};
+    if (wallpaper.isShowing()) {
+        const bool isMuted = wallpaper.preferences().isMuted();
+        items.append({.id = u"wallpaperMute"_s,
+                      .title = isMuted ? u"打开壁纸声音"_s : u"壁纸静音"_s,
+                      .act = [&services, isMuted] { services.wallpaper.preferences().setMuted(!isMuted); }});
+    }
     return {u"视频壁纸"_s,
-            {{.id = u"wallpaperPlay"_s,
-              .title = wallpaper.trayTitle(),
-              .keyEquivalent = u"⌘⇧P"_s,
-              .isEnabled = wallpaper.canToggle(),
-              .act = [&services] { services.wallpaperActions.togglePlayPause(); }},
-             {.id = u"wallpaperStop"_s,
-              .title = u"停止壁纸"_s,
-              .isEnabled = wallpaper.isShowing(),
-              .act = [&services] { services.wallpaperActions.stop(); }}},
-            {wallpaper.trayTitle(), log::text(wallpaper.canToggle()), log::text(wallpaper.isShowing())}};
+            items,
+            {wallpaper.trayTitle(), log::text(wallpaper.canToggle()), log::text(wallpaper.canStop())}};
 }
 
 void followTray(AppServices &services, TrayController &tray)
@@ -256,16 +390,19 @@ void followTray(AppServices &services, TrayController &tray)
     WallpaperController &wallpaper = services.wallpaper;
     refreshAfter(wallpaper, &WallpaperController::stateChanged);
     refreshAfter(wallpaper, &WallpaperController::isPausedChanged);
+    refreshAfter(wallpaper, &WallpaperController::isApplyingChanged);
     refreshAfter(wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged);
     refreshAfter(wallpaper, &WallpaperController::contentChanged);
     refreshAfter(wallpaper.power(), &PowerPolicy::isOnBatteryPowerChanged);
     refreshAfter(wallpaper.preferences(), &WallpaperPreferences::pauseOnBatteryChanged);
-    QObject::connect(&services.wallpaperActions, &WallpaperActions::restored, &tray,
-                     [&tray] { tray.refresh(true); });
+    const auto rewrite = [&tray] { tray.refresh(true); };
+    QObject::connect(&services.wallpaperActions, &WallpaperActions::restored, &tray, rewrite);
+    QObject::connect(&wallpaper.preferences(), &WallpaperPreferences::isMutedChanged, &tray, rewrite);
 }
 
 void tellNews(AppServices &services, Banners &banners)
 {
+    const QString dockTitle = hostText(u"隐藏 Dock"_s, services.platform.family);
     WallpaperController &wallpaper = services.wallpaper;
     QObject::connect(&wallpaper, &WallpaperController::stateChanged, &banners, [&banners, &wallpaper] {
         const WallpaperState state = wallpaper.state();
@@ -276,7 +413,7 @@ void tellNews(AppServices &services, Banners &banners)
                      [&banners, &wallpaper] { banners.warnBehindWindow(u"动态壁纸"_s, wallpaper.hint()); });
     DockHiding &dock = wallpaper.dock();
     QObject::connect(&dock, &DockHiding::problemChanged, &banners,
-                     [&banners, &dock] { banners.warnBehindWindow(u"隐藏 Dock"_s, dock.problem()); });
+                     [&banners, &dock, dockTitle] { banners.warnBehindWindow(dockTitle, dock.problem()); });
 }
 
 } // namespace
