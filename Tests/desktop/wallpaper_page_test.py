@@ -25,6 +25,7 @@ class WallpaperPage(DesktopTestCase):
         self.open()
         self.window.wait_for("还没有选择壁纸视频")
         self.window.click("loop.mp4，MP4 视频")
+        self.window.click("设为壁纸")
         # Nothing plays before the user has agreed.
         self.window.wait_for("视频壁纸隐私确认")
         self.assertFalse(self.displays()[0]["playing"])
@@ -39,7 +40,9 @@ class WallpaperPage(DesktopTestCase):
 
         # A broken file is told and leaves the wallpaper alone.
         self.window.click("broken.mp4，无法读取")
-        self.window.wait_for("原来的壁纸仍在播放")
+        self.window.click("设为壁纸")
+        self.window.wait_for("无法播放。", prefix=True)
+        self.window.wait_for("broken.mp4 · 原来的壁纸仍在播放")
         wait_for_color(*PLACE, RED)
         self.window.click("知道了")
         self.window.click("停止")

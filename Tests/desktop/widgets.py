@@ -110,7 +110,7 @@ class Window:
             middle = y + height // 2
             if window_y + 20 <= middle <= window_y + window_height - 20:
                 return x, y, width, height
-            output_of("xdotool", "click", 5 if middle > window_y else 4)
+            output_of("xdotool", "click", 5 if middle > window_y + window_height // 2 else 4)
         raise AssertionError(f"“{widget.name}” cannot be scrolled to")
 
     def _resting_place(self, widget):

@@ -218,6 +218,22 @@ private Q_SLOTS:
         for (const QString &id : top) // what is named is what is there
             QVERIFY(isThere(id.toInt()));
         QVERIFY(!isThere(static_cast<int>(top.size())));
+        // The wheel is the page's until somebody points into the grid.
+        const auto turn = [&] {
+            const QPoint middle = grid->viewport()->rect().center();
+            QWheelEvent wheel(middle, grid->viewport()->mapToGlobal(middle), {}, {0, -120}, {}, {},
+                              Qt::NoScrollPhase, false);
+            wheel.setAccepted(false);
+            QCoreApplication::sendEvent(grid->viewport(), &wheel);
+            return grid->verticalScrollBar()->value();
+        };
+        QCOMPARE(turn(), 0);
+        QTest::mouseMove(grid->viewport(), {5, 5});
+        QTest::mouseMove(grid->viewport(), {60, 60});
+        QTRY_VERIFY(turn() > 0);
+        page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum() - 10);
+        const int place = grid->verticalScrollBar()->value();
+        QCOMPARE(turn(), place);
         grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum());
         QCOMPARE(visible.last().first().toStringList().last(), QString::number(count - 1));
     }
@@ -234,6 +250,12 @@ private Q_SLOTS:
         QTest::keyClick(&grid, Qt::Key_Right);
         QTest::keyClick(&grid, Qt::Key_Space);
         QCOMPARE(wanted, (QList<QVariantList>{{u"100"_s}}));
+        QSignalSpy confirmed(&grid, &ThumbnailGrid::confirmed);
+        QTest::keyClick(&grid, Qt::Key_Return);
+        const QPoint cell = grid.visualRect(grid.currentIndex()).center();
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, cell);
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, cell);
+        QCOMPARE(confirmed, (QList<QVariantList>{{u"100"_s}, {u"100"_s}}));
         const int place = grid.verticalScrollBar()->value();
         QVERIFY(place > 0);
         grid.setItems(videos(301));

@@ -3,8 +3,10 @@
 #include "views/components/Switch.h"
 #include "views/components/ThumbnailGrid.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
 
 namespace {
@@ -59,7 +61,7 @@ private Q_SLOTS:
         rig.start();
         QCOMPARE(rig.texts(u"wallpaperEmpty"_s).first(), u"还没有选择壁纸视频"_s);
         rig.click(u"wallpaperEmptyAction"_s);
-        QCOMPARE(rig.panel()->windowTitle(), u"选择一个视频作为 macOS 动态壁纸"_s);
+        QCOMPARE(rig.panel()->windowTitle(), u"选择一个视频作为系统动态壁纸"_s);
         QVERIFY(rig.wallpaper().state().kind == WallpaperState::Kind::selecting);
         const QString path = rig.video(u"海.mp4"_s);
         rig.choose(path);
@@ -107,10 +109,17 @@ private Q_SLOTS:
         QVERIFY(rig.texts(u"wallpaperFailure"_s).contains(u"视频中没有画面轨道"_s));
         QCOMPARE(rig.badge(), u"无法播放"_s);
         QCOMPARE(rig.text(u"wallpaperName"_s), u"好.mp4"_s);
-        QVERIFY(!rig.texts(u"wallpaperFailure"_s).contains(u"原来的壁纸仍在播放"_s));
+        QVERIFY(rig.texts(u"wallpaperFailure"_s).contains(u"坏.mp4"_s));
         rig.click(u"wallpaperFailureSeen"_s);
         QVERIFY(!rig.find(u"wallpaperFailure"_s));
         QCOMPARE(rig.badge(), u"已就绪"_s);
+        // What plays is not what failed.
+        rig.click(u"wallpaperToggle"_s);
+        rig.click(u"displayChoose.1"_s);
+        rig.choose(bad);
+        QVERIFY(rig.texts(u"wallpaperFailure"_s).contains(u"坏.mp4 · 原来的壁纸仍在播放"_s));
+        QVERIFY(rig.texts(u"display.1"_s).contains(u"坏.mp4：视频中没有画面轨道"_s));
+        QCOMPARE(rig.badge(), u"播放中"_s);
     }
 
     void aDroppedVideoPlays()
@@ -147,7 +156,7 @@ private Q_SLOTS:
         };
         for (const auto &goOutOfSight : ways) {
             QCOMPARE(corner(), QColor(Qt::blue));
-            rig.find(u"wallpaperPreviewToggle"_s)->setFocus();
+            rig.find(u"wallpaperStageToggle"_s)->setFocus();
             rig.key(Qt::Key_Space);
             QCOMPARE(rig.host.surfaces.previews.size(), 1);
             FakePreview &preview = *rig.host.surfaces.previews.first();
@@ -157,9 +166,9 @@ private Q_SLOTS:
             moving.fill(Qt::red);
             preview.show(moving);
             QTRY_COMPARE(corner(), QColor(Qt::red));
-            rig.click(u"wallpaperPreviewToggle"_s);
+            rig.click(u"wallpaperStageToggle"_s);
             QVERIFY(!preview.isPlaying);
-            rig.click(u"wallpaperPreviewToggle"_s);
+            rig.click(u"wallpaperStageToggle"_s);
             QVERIFY(preview.isPlaying);
 
             goOutOfSight();
@@ -282,14 +291,88 @@ private Q_SLOTS:
         QVERIFY(rig.namedControls() > 22);
         rig.clock.advance(100ms);
         QTRY_COMPARE(rig.rows(u"videoGrid"_s), (QStringList{u"1.mp4，无法读取"_s, u"2.mp4，无法读取"_s}));
+        QVERIFY(!rig.isEnabled(u"pickedApply"_s));
         rig.clickRow(u"videoGrid"_s, 0);
+        QVERIFY(!rig.surface()); // only looked at
+        QCOMPARE(rig.text(u"pickedName"_s), u"1.mp4"_s);
+        QCOMPARE(rig.host.surfaces.previews.last()->path, first);
+        rig.click(u"pickedStageToggle"_s);
+        QVERIFY(rig.host.surfaces.previews.last()->isPlaying);
+        rig.click(u"pickedApply"_s);
         QCOMPARE(rig.surface()->path, first);
         rig.click(u"wallpaperTarget.1"_s);
         rig.grid();
         rig.clickRow(u"videoGrid"_s, 1);
+        rig.grid()->setFocus();
+        rig.key(Qt::Key_Return);
+        settle();
         QCOMPARE(rig.wallpaper().preferences().perDisplayVideoPaths().value(2), second);
         QCOMPARE(rig.surface()->path, first);
         QCOMPARE(rig.surface(1)->path, second);
+    }
+
+    void aPickThatCannotPlayIsNamedWhereItIsSeen()
+    {
+        Rig rig;
+        const QString bad = rig.video(u"坏.mp4"_s);
+        rig.host.mediaProbe.factsOf.insert(bad, VideoFacts{});
+        rig.useFolder(rig.files.path());
+        rig.start();
+        QTRY_VERIFY(rig.find(u"videoGrid"_s));
+        rig.grid();
+        rig.clickRow(u"videoGrid"_s, 0);
+        rig.host.surfaces.previews.last()->fail(u"没有画面"_s);
+        QTRY_COMPARE(rig.text(u"pickedProblem"_s), u"无法预览。没有画面"_s);
+        rig.click(u"pickedStageToggle"_s); // is tried again
+        QCOMPARE(rig.text(u"pickedProblem"_s), QString());
+        rig.click(u"pickedApply"_s);
+        QCOMPARE(rig.text(u"pickedProblem"_s), u"无法播放。视频中没有画面轨道"_s);
+        QCOMPARE(rig.text(u"pickedName"_s), u"坏.mp4"_s);
+        auto *const page = rig.find<QScrollArea>(u"wallpaperPage"_s);
+        page->verticalScrollBar()->setValue(0);
+        rig.click(u"wallpaperFailureSeen"_s);
+        rig.button(u"pickedApply"_s)->click();
+        rig.clock.advance(std::chrono::milliseconds(QApplication::doubleClickInterval()));
+        QWidget *const told = rig.find(u"pickedProblem"_s);
+        QVERIFY(page->viewport()->rect().contains(told->mapTo(page->viewport(), told->rect().center())));
+    }
+
+    void anotherDisplaysVideoAloneIsShown()
+    {
+        Rig rig;
+        rig.plugSecond();
+        rig.start();
+        rig.wallpaper().setDisplayVideo(2, rig.video(u"副.mp4"_s));
+        QCOMPARE(rig.text(u"wallpaperName"_s), u"副.mp4"_s);
+        QCOMPARE(rig.text(u"wallpaperFacts"_s), u"只在 副屏 上播放"_s);
+        QCOMPARE(rig.badge(), u"已就绪"_s);
+        QImage picture(64, 36, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        rig.host.surfaces.previews.first()->show(picture);
+        const auto middle = [&] {
+            QWidget *const stage = rig.find(u"wallpaperStage"_s);
+            return stage->grab().toImage().pixelColor(stage->width() / 2, 40);
+        };
+        QTRY_COMPARE(middle(), QColor(Qt::red));
+    }
+
+    void thePreviewHasTheDisplaysShape()
+    {
+        Rig rig;
+        rig.host.mediaProbe.frameAnswer = QImage(90, 10, QImage::Format_RGB32);
+        rig.host.mediaProbe.frameAnswer->fill(Qt::red);
+        rig.host.displays.list.first().frame = QRect(0, 0, 1000, 1000);
+        rig.startWith(u"海.mp4"_s);
+        rig.wallpaper().displays().detectDisplays();
+        const auto top = [&] {
+            QWidget *const stage = rig.find(u"wallpaperStage"_s);
+            const QImage seen = stage->grab().toImage();
+            return std::pair(seen.pixelColor(stage->width() / 2, 20), seen.pixelColor(20, 100));
+        };
+        QTRY_COMPARE(top().first, QColor(Qt::red)); // cropped to the display
+        QVERIFY(top().second != QColor(Qt::red));   // which is as high as wide
+        rig.wallpaper().preferences().setGravity(WallpaperGravity::aspectFit);
+        QTRY_COMPARE(top().first, QColor(Qt::black));
     }
 
     void playbackSettings()
@@ -300,6 +383,11 @@ private Q_SLOTS:
         QCOMPARE(rig.find<SegmentedChoice>(u"wallpaperGravity"_s)->current(), 1);
         rig.click(u"wallpaperGravity.2"_s);
         QVERIFY(preferences.gravity() == WallpaperGravity::aspectFit);
+        QVERIFY(rig.find(u"wallpaperLogin"_s)); // nothing starts the program
+        rig.host.loginItem.enabled = true;
+        rig.services->router.show(u"settings"_s);
+        rig.services->router.show(u"wallpaper"_s);
+        QVERIFY(!rig.find(u"wallpaperLogin"_s));
         rig.click(u"wallpaperAutoPlay"_s);
         rig.click(u"wallpaperPauseWhenCovered"_s);
         rig.click(u"wallpaperPauseOnBattery"_s);
@@ -317,6 +405,12 @@ private Q_SLOTS:
         rig.clock.advance(100ms);
         QCOMPARE(surface.calls, (QStringList{u"setVolume 0.8"_s, u"play 0.25"_s}));
         QCOMPARE(speed->accessibleDescription(), u"0.25×"_s);
+        rig.click(u"wallpaperMute"_s);
+        QCOMPARE(surface.volume, 0.0);
+        QCOMPARE(rig.text(u"wallpaperMute"_s), u"打开声音"_s);
+        rig.find<QSlider>(u"wallpaperVolumeSlider"_s)->setValue(50);
+        rig.clock.advance(100ms);
+        QCOMPARE(surface.volume, 0.5);
     }
 
     void batteryIsExplained()
@@ -328,6 +422,7 @@ private Q_SLOTS:
         QVERIFY(!rig.texts(u"wallpaperBattery"_s).contains(words));
         rig.host.power.set(true);
         QVERIFY(rig.texts(u"wallpaperBattery"_s).contains(words));
+        QCOMPARE(rig.badge(), u"使用电池，已停止"_s);
         QVERIFY(rig.texts(u"wallpaperPreview"_s).contains(words));
         QVERIFY(!rig.isEnabled(u"wallpaperToggle"_s));
         rig.click(u"wallpaperPauseOnBattery"_s);
@@ -359,14 +454,14 @@ private Q_SLOTS:
         Rig rig;
         rig.host.dock.delay = 1s;
         rig.start();
-        QCOMPARE(rig.text(u"dockToggle"_s), u"立即隐藏 Dock"_s);
+        QCOMPARE(rig.text(u"dockToggle"_s), u"立即隐藏面板"_s);
         rig.click(u"dockToggle"_s);
         QVERIFY(!rig.isEnabled(u"dockToggle"_s));
         rig.clock.advance(5s);
         rig.host.dock.failure = u"没有可以隐藏的 Dock"_s;
         rig.click(u"dockToggle"_s);
         rig.clock.advance(5s);
-        QCOMPARE(rig.text(u"dockToggle"_s), u"恢复 Dock"_s);
+        QCOMPARE(rig.text(u"dockToggle"_s), u"恢复面板"_s);
         QVERIFY(rig.texts(u"dockRow"_s).contains(*rig.host.dock.failure));
     }
 };

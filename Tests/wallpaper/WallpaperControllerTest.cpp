@@ -66,7 +66,7 @@ private Q_SLOTS:
         for (const auto &[facts, message] : rows) {
             rig.host.mediaProbe.factsOf.insert(bad, facts);
             rig.wallpaper().setVideo(bad);
-            QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::failed, {}, message}));
+            QCOMPARE(rig.wallpaper().state(), (WallpaperState{Kind::failed, bad, message}));
             QCOMPARE(rig.wallpaper().preferences().lastVideoPath(), std::optional(good));
             QVERIFY(rig.surface()->isPlaying);
             QCOMPARE(rig.surface()->path, good);
@@ -76,7 +76,7 @@ private Q_SLOTS:
         // One that fails while it plays is taken off.
         rig.surface()->fail(u"文件已被删除"_s);
         QTRY_COMPARE(rig.wallpaper().state(),
-                     (WallpaperState{Kind::failed, {}, u"无法读取视频：文件已被删除"_s}));
+                     (WallpaperState{Kind::failed, good, u"无法读取视频：文件已被删除"_s}));
         QVERIFY(rig.host.surfaces.surfaces.isEmpty());
         // And the disk may not answer.
         rig.host.mediaProbe.delay = 1h;

@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "app/Tools.h"
+#include "platform/Platform.h"
 #include "views/Follow.h"
 #include "views/NoticeDesk.h"
 #include "views/Pages.h"
@@ -37,7 +38,7 @@ MainWindow::MainWindow(AppServices &services, Theme &theme, Events events)
     line->addWidget(new Sidebar(theme, services));
     line->addWidget(_pages, 1);
     setCentralWidget(content);
-    _notices = new NoticeDesk(services.privacy, theme, content);
+    _notices = new NoticeDesk(services.privacy, theme, services.platform.family, content);
     addShortcuts();
 
     if (services.router.activeTab().isEmpty())

@@ -1,5 +1,6 @@
 #include "views/NoticeDesk.h"
 
+#include "app/HostText.h"
 #include "app/PrivacyManager.h"
 #include "views/Follow.h"
 #include "views/Theme.h"
@@ -22,10 +23,11 @@ QList<QColor> statementColors()
 
 } // namespace
 
-NoticeDesk::NoticeDesk(PrivacyManager &privacy, const Theme &theme, QWidget *surface)
+NoticeDesk::NoticeDesk(PrivacyManager &privacy, const Theme &theme, HostFamily family, QWidget *surface)
     : QObject(surface),
       _privacy(privacy),
       _theme(theme),
+      _family(family),
       _surface(surface),
       _ranks{
           {[this] { return _privacy.hasAcceptedFirstLaunchNotice() ? QString() : u"first"_s; },
@@ -122,8 +124,10 @@ void NoticeDesk::openReview()
     connect(sheet, &NoticeSheet::cancelled, this, done);
 }
 
-NoticeSheet *NoticeDesk::open(const NoticeSheet::Words &words)
+NoticeSheet *NoticeDesk::open(NoticeSheet::Words words)
 {
+    for (QString &detail : words.details)
+        detail = hostText(detail, _family);
     if (QWidget *focus = QApplication::focusWidget(); focus && _surface->isAncestorOf(focus))
         _focusBefore = focus;
     _sheet = new NoticeSheet(_theme, words, _surface);

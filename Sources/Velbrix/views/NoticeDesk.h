@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/HostFamily.h"
 #include "views/components/NoticeSheet.h"
 
 #include <QList>
@@ -18,7 +19,7 @@ class Theme;
 // wanted, in the order of their ranks.
 class NoticeDesk final : public QObject {
 public:
-    NoticeDesk(PrivacyManager &privacy, const Theme &theme, QWidget *surface);
+    NoticeDesk(PrivacyManager &privacy, const Theme &theme, HostFamily family, QWidget *surface);
 
     void reviewStatement();
 
@@ -33,11 +34,12 @@ private:
     void openFirstLaunch();
     void openFeatureNotice();
     void openReview();
-    NoticeSheet *open(const NoticeSheet::Words &words);
+    NoticeSheet *open(NoticeSheet::Words words);
     void close();
 
     PrivacyManager &_privacy;
     const Theme &_theme;
+    const HostFamily _family;
     QWidget *_surface;
     QPointer<NoticeSheet> _sheet;
     const QList<Rank> _ranks; // what comes first covers the others

@@ -44,6 +44,16 @@ void ConnectedDisplays::setMultiDisplayTarget(std::optional<quint32> displayID)
     _multiDisplayTargetID = isThere ? displayID : std::nullopt;
 }
 
+std::optional<WallpaperDisplayInfo> ConnectedDisplays::target() const
+{
+    const auto displays = connectedDisplays();
+    const auto wanted = multiDisplayTargetID();
+    const auto found = std::ranges::find_if(displays, [&](const WallpaperDisplayInfo &display) {
+        return wanted ? display.id == *wanted : display.isMain;
+    });
+    return found == displays.end() ? std::nullopt : std::optional(*found);
+}
+
 bool ConnectedDisplays::isMain(quint32 displayID) const
 {
     const auto displays = connectedDisplays();

@@ -28,6 +28,8 @@ public:
     void detectDisplays();
     // A display that is not there, or the main one, counts as nothing.
     void setMultiDisplayTarget(std::optional<quint32> displayID);
+    // The one that the next chosen video is for; nothing without any display.
+    std::optional<WallpaperDisplayInfo> target() const;
     bool isMain(quint32 displayID) const;
 
 private:

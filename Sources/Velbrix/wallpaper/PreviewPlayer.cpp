@@ -11,28 +11,40 @@ PreviewPlayer::PreviewPlayer(DesktopSurfaces &surfaces, QObject *parent)
 {
 }
 
+void PreviewPlayer::load(const QString &path)
+{
+    if (_player && _itemURL == path)
+        return;
+    stop();
+    _itemURL = path;
+    PreviewEvents events;
+    events.frame = [this](QImage frame) {
+        _frame = std::move(frame);
+        Q_EMIT frameChanged();
+    };
+    events.failed = [this](const Failure &reason) { fail(reason.message); };
+    auto made = _surfaces.makePreview(path, bound, std::move(events));
+    if (made)
+        _player = std::move(*made);
+    else
+        _problem = made.error().message;
+}
+
 void PreviewPlayer::play(const QString &path)
 {
-    if (!_player || _itemURL != path) {
-        stop();
-        PreviewEvents events;
-        events.frame = [this](QImage frame) {
-            _frame = std::move(frame);
-            Q_EMIT frameChanged();
-        };
-        events.failed = [this](const Failure &reason) {
-            _problem = reason.message;
-            _isPreviewPlaying = false;
-        };
-        auto made = _surfaces.makePreview(path, bound, std::move(events));
-        _problem = made ? QString() : made.error().message;
-        if (!made)
-            return;
-        _player = std::move(*made);
-        _itemURL = path;
-    }
+    load(path);
+    if (!_player)
+        return;
     _player->play();
     _isPreviewPlaying = true;
+}
+
+// Whoever presses again wants it tried again.
+void PreviewPlayer::fail(QString problem)
+{
+    _player.reset();
+    _isPreviewPlaying = false;
+    _problem = problem;
 }
 
 void PreviewPlayer::pause()

@@ -22,19 +22,24 @@ public:
 
     explicit PreviewPlayer(DesktopSurfaces &surfaces, QObject *parent = nullptr);
 
+    // At rest, with its first picture.
+    void load(const QString &path);
     void play(const QString &path);
     void pause();
     // Lets go of the player; for when the preview is hidden.
     void stop();
     // The latest picture; null before the first.
     const QImage &frame() const { return _frame; }
-    // What is loaded; nothing when stopped.
+    // What is loaded, or could not be; nothing when stopped.
     const std::optional<QString> &previewItemURL() const { return _itemURL; }
 
 Q_SIGNALS:
     void frameChanged();
 
 private:
+    // By value: what is passed goes with the player.
+    void fail(QString problem);
+
     DesktopSurfaces &_surfaces;
     std::unique_ptr<VideoPreview> _player;
     std::optional<QString> _itemURL;

@@ -68,9 +68,10 @@ void WallpaperController::follow(WallpaperContent &content)
 {
     connect(&content, &WallpaperContent::chosenChanged, this, &WallpaperController::contentChanged);
     connect(&content, &WallpaperContent::isLoadingChanged, this, &WallpaperController::contentChanged);
-    connect(&content, &WallpaperContent::failed, this, [this](const QString &message) {
+    connect(&content, &WallpaperContent::failed, this, [this, &content](const QString &message) {
+        const QString what = content.chosen();
         stopWallpaper();
-        refuse(message);
+        refuse(what, message);
     });
     connect(&content, &WallpaperContent::partFailed, this, [this](const QString &message) {
         _hint = message;
@@ -142,7 +143,7 @@ QCoro::Task<bool> WallpaperController::apply()
         updateState();
         _hint = shown.error().message;
     } else {
-        refuse(shown.error().message);
+        refuse(content.chosen(), shown.error().message);
     }
     _isApplying = false;
     co_return shown.has_value();
@@ -154,11 +155,12 @@ QCoro::Task<bool> WallpaperController::setVideo(const QString path)
     if (_hasEnded)
         co_return false;
     _hint = QString();
-    const auto chosen = co_await _videos.choose(absolute(path));
+    const QString file = absolute(path);
+    const auto chosen = co_await _videos.choose(file);
     if (!self || !chosen)
         co_return false;
     if (!*chosen) {
-        refuse(chosen->error().message);
+        refuse(file, chosen->error().message);
         co_return false;
     }
     updateState();
@@ -366,9 +368,9 @@ void WallpaperController::dismissFailure()
         updateState();
 }
 
-void WallpaperController::refuse(const QString &message)
+void WallpaperController::refuse(const QString &what, const QString &message)
 {
-    _state = WallpaperState{WallpaperState::Kind::failed, {}, message};
+    _state = WallpaperState{WallpaperState::Kind::failed, what, message};
     _displays.detectDisplays();
 }
 

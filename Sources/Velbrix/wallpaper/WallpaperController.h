@@ -116,6 +116,7 @@ public:
     PreviewPlayer &preview() { return _preview; }
     StaticDesktop &staticDesktop() { return _staticDesktop; }
     PowerPolicy &power() { return _power; }
+    const PowerPolicy &power() const { return _power; }
     DockHiding &dock() { return _dock; }
 
 Q_SIGNALS:
@@ -131,7 +132,7 @@ private:
     void resumeAfterBattery();
     void displaysChanged();
     void setPaused(bool paused);
-    void refuse(const QString &message);
+    void refuse(const QString &what, const QString &message);
     // From what is chosen and on the desktop.
     void updateState();
 

@@ -33,7 +33,7 @@ struct WallpaperState {
     enum class Kind { idle, selecting, ready, playing, failed };
 
     Kind kind = Kind::idle;
-    QString videoURL; // of ready and playing
+    QString videoURL; // of ready and playing; of failed what cannot be shown
     QString message;  // of failed
 
     bool isPlaying() const { return kind == Kind::playing; }

@@ -3,10 +3,12 @@
 #include "views/Theme.h"
 #include "views/components/ThumbnailCell.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QSet>
 #include <QStyle>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <utility>
@@ -39,6 +41,8 @@ ThumbnailGrid::ThumbnailGrid(const Theme &theme, const QString &name, const QStr
     setItemDelegate(new ThumbnailCell(theme, *this, emptySymbol));
     connect(this, &QListView::clicked, this,
             [this](const QModelIndex &index) { Q_EMIT wanted(_items->items[index.row()].id); });
+    connect(this, &QListView::doubleClicked, this,
+            [this](const QModelIndex &index) { Q_EMIT confirmed(_items->items[index.row()].id); });
     connect(&theme, &Theme::changed, this, [this] { viewport()->update(); });
 }
 
@@ -119,10 +123,45 @@ void ThumbnailGrid::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex current = currentIndex();
     const int key = event->key();
-    if (current.isValid() && (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter))
-        Q_EMIT wanted(_items->items[current.row()].id);
-    else
+    const bool confirms = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (!current.isValid() || (key != Qt::Key_Space && !confirms)) {
         QListView::keyPressEvent(event);
+        return;
+    }
+    const QString id = _items->items[current.row()].id;
+    Q_EMIT wanted(id);
+    if (confirms)
+        Q_EMIT confirmed(id);
+}
+
+void ThumbnailGrid::mouseMoveEvent(QMouseEvent *event)
+{
+    QListView::mouseMoveEvent(event);
+    // A hand on the wheel is never quite still.
+    const QPoint way = event->globalPosition().toPoint() - _entered;
+    if (way.manhattanLength() >= QApplication::startDragDistance())
+        _pointedAt = mapToGlobal(QPoint());
+}
+
+bool ThumbnailGrid::viewportEvent(QEvent *event)
+{
+    if (event->type() == QEvent::Enter)
+        _entered = static_cast<QEnterEvent *>(event)->globalPosition().toPoint();
+    else if (event->type() == QEvent::Leave)
+        _pointedAt.reset();
+    return QListView::viewportEvent(event);
+}
+
+// Whoever scrolls the page goes on to scroll it when the grid comes under the
+// pointer, and points into the grid to scroll that.
+void ThumbnailGrid::wheelEvent(QWheelEvent *event)
+{
+    if (_pointedAt == mapToGlobal(QPoint())) {
+        QListView::wheelEvent(event);
+    } else {
+        _entered = event->globalPosition().toPoint();
+        event->ignore();
+    }
 }
 
 void ThumbnailGrid::paintEvent(QPaintEvent *event)

@@ -39,14 +39,19 @@ public:
 
 Q_SIGNALS:
     void wanted(const QString &id);
+    // By a double click or Return, after wanted().
+    void confirmed(const QString &id);
     // May come while the grid is painted.
     void visibleIdsChanged(const QStringList &ids);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
+    bool viewportEvent(QEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
     int room() const;
@@ -56,6 +61,9 @@ private:
 
     ThumbnailItems *_items;
     QStringList _inSight;
+    QPoint _entered; // by the pointer, on the screen
+    // Where the grid was when the user last moved the pointer in it.
+    std::optional<QPoint> _pointedAt;
 };
 
 } // namespace velbrix

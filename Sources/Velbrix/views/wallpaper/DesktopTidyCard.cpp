@@ -1,6 +1,8 @@
 #include "views/wallpaper/DesktopTidyCard.h"
 
 #include "app/AppServices.h"
+#include "app/HostText.h"
+#include "platform/Platform.h"
 #include "views/Follow.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
@@ -72,7 +74,7 @@ void DesktopTidyCard::addDock()
 {
     WallpaperController &wallpaper = _context.services.wallpaper;
     _dockButton = makeButton(_context.theme, {u"dockToggle"_s, {}, {}, {}});
-    _dock = new SettingRow(u"隐藏 Dock"_s, {}, _dockButton);
+    _dock = new SettingRow(hostText(u"隐藏 Dock"_s, _context.services.platform.family), {}, _dockButton);
     _dock->setObjectName(u"dockRow"_s);
     addRow(_dock);
     connect(_dockButton, &QPushButton::clicked, this,
@@ -114,6 +116,7 @@ void DesktopTidyCard::showDock()
     QString text = wallpaper.preferences().isDockAutoHidden() ? u"恢复 Dock"_s : u"立即隐藏 Dock"_s;
     if (dock.isWorking())
         text = u"正在处理…"_s;
+    text = hostText(text, _context.services.platform.family);
     _dockButton->setText(text);
     _dockButton->setAccessibleName(text);
     _dockButton->setEnabled(!dock.isWorking());

@@ -13,15 +13,16 @@ namespace velbrix {
 
 class PreviewStage::Button final : public QAbstractButton {
 public:
-    Button(const Theme &theme, QWidget *parent) : QAbstractButton(parent), _theme(theme)
+    Button(const Theme &theme, const QString &name, int side, QWidget *parent)
+        : QAbstractButton(parent), _theme(theme), _side(side)
     {
-        setObjectName(u"wallpaperPreviewToggle"_s);
+        setObjectName(name);
         setFocusPolicy(Qt::TabFocus);
         setFixedSize(sizeHint());
         setAttribute(Qt::WA_Hover);
     }
 
-    QSize sizeHint() const override { return {56, 56}; }
+    QSize sizeHint() const override { return {_side, _side}; }
 
     void setPlaying(bool playing)
     {
@@ -44,7 +45,7 @@ protected:
         painter.setPen(isKeyed ? QPen(Qt::white, 2) : QPen(QColor(255, 255, 255, 90), 1));
         painter.setBrush(QColor(0, 0, 0, isDown() ? 200 : underMouse() ? 170 : 140));
         painter.drawEllipse(rect().adjusted(1, 1, -1, -1));
-        constexpr int side = 24;
+        const int side = _side * 3 / 7;
         const QPixmap symbol = _theme.symbol(_isPlaying ? u"pause.fill"_s : u"play.fill"_s, side, Qt::white,
                                              devicePixelRatioF());
         painter.drawPixmap((width() - side) / 2, (height() - side) / 2, symbol);
@@ -52,13 +53,17 @@ protected:
 
 private:
     const Theme &_theme;
+    const int _side;
     bool _isPlaying = false;
 };
 
-PreviewStage::PreviewStage(const Theme &theme, QWidget *parent)
-    : QWidget(parent), _theme(theme), _button(new Button(theme, this))
+PreviewStage::PreviewStage(const Theme &theme, const QString &name, int mostHeight, QWidget *parent)
+    : QWidget(parent),
+      _theme(theme),
+      _mostHeight(mostHeight),
+      _button(new Button(theme, name + u"Toggle"_s, std::clamp(mostHeight / 3, 35, 56), this))
 {
-    setObjectName(u"wallpaperStage"_s);
+    setObjectName(name);
     setAccessibleName(u"壁纸预览"_s);
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     policy.setHeightForWidth(true);
@@ -87,14 +92,31 @@ void PreviewStage::setPlayable(bool playable)
     _button->setVisible(playable);
 }
 
+void PreviewStage::setDisplay(const QSize &display, VideoGravity gravity)
+{
+    if (_display == display && _gravity == gravity)
+        return;
+    _display = display;
+    _gravity = gravity;
+    _still = {};
+    updateGeometry();
+    placeButton();
+    update();
+}
+
 int PreviewStage::heightForWidth(int width) const
 {
-    return std::min(width * 9 / 16, mostHeight);
+    return std::min(width * _display.height() / _display.width(), _mostHeight);
+}
+
+QSize PreviewStage::sizeHint() const
+{
+    return {_mostHeight * _display.width() / _display.height(), _mostHeight};
 }
 
 QRect PreviewStage::frame() const
 {
-    QRect room(QPoint(), QSize(16, 9).scaled(size(), Qt::KeepAspectRatio));
+    QRect room(QPoint(), _display.scaled(size(), Qt::KeepAspectRatio));
     room.moveCenter(rect().center());
     return room;
 }
@@ -126,7 +148,10 @@ void PreviewStage::drawPicture(QPainter &painter, const QRect &room)
             _theme.symbol(u"film"_s, side, _theme.color(ThemeColor::secondary), devicePixelRatioF()));
         return;
     }
-    QRect place(QPoint(), _picture.size().scaled(room.size(), Qt::KeepAspectRatio));
+    const Qt::AspectRatioMode mode = _gravity == VideoGravity::stretch ? Qt::IgnoreAspectRatio
+                                     : _gravity == VideoGravity::crop  ? Qt::KeepAspectRatioByExpanding
+                                                                       : Qt::KeepAspectRatio;
+    QRect place(QPoint(), _picture.size().scaled(room.size(), mode));
     place.moveCenter(room.center());
     if (_isPlaying) {
         painter.drawImage(place, _picture);
@@ -145,6 +170,11 @@ void PreviewStage::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     _still = {};
+    placeButton();
+}
+
+void PreviewStage::placeButton()
+{
     _button->move(frame().center() - _button->rect().center());
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/VideoSurface.h"
+
 #include <QAbstractButton>
 #include <QImage>
 #include <QPixmap>
@@ -9,14 +11,17 @@ namespace velbrix {
 
 class Theme;
 
-// The picture of a video in 16:9, with a round button to let it move here.
+// The picture of a video as a display would show it, with a round button to
+// let it move here.
 class PreviewStage final : public QWidget {
     Q_OBJECT
 
 public:
-    static constexpr int mostHeight = 360;
+    // At most so many pixels high.
+    PreviewStage(const Theme &theme, const QString &name, int mostHeight, QWidget *parent = nullptr);
 
-    explicit PreviewStage(const Theme &theme, QWidget *parent = nullptr);
+    // Only the proportions of the display count.
+    void setDisplay(const QSize &display, VideoGravity gravity);
 
     // Null: a symbol stands in for it.
     void setPicture(const QImage &picture);
@@ -26,7 +31,7 @@ public:
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
-    QSize sizeHint() const override { return {mostHeight * 16 / 9, mostHeight}; }
+    QSize sizeHint() const override;
 
 Q_SIGNALS:
     void pressed();
@@ -38,10 +43,14 @@ protected:
 private:
     class Button;
     QRect frame() const;
+    void placeButton();
     void drawPicture(QPainter &painter, const QRect &room);
 
     const Theme &_theme;
+    const int _mostHeight;
     Button *_button;
+    QSize _display{16, 9};
+    VideoGravity _gravity = VideoGravity::fit;
     QImage _picture;
     QPixmap _still; // the picture in the size of the stage, while it rests
     bool _isPlaying = false;

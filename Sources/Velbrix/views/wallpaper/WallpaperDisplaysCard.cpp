@@ -12,6 +12,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -55,11 +56,14 @@ public:
         return id == display.id && isMain == display.isMain && name == display.name;
     }
 
-    void show(const WallpaperDisplayInfo &display, bool isPaused)
+    void show(const WallpaperDisplayInfo &display, bool isPaused, const QString &refusal)
     {
         const QString doing = isPaused ? u"已暂停"_s : u"播放中"_s;
         _row->setDescription(describeDisplay(display));
-        _row->setNote(display.isPlaying ? doing : QString(), isPaused ? u"warning"_s : u"good"_s);
+        if (!refusal.isEmpty())
+            _row->setNote(refusal, u"bad"_s);
+        else
+            _row->setNote(display.isPlaying ? doing : QString(), isPaused ? u"warning"_s : u"good"_s);
         if (_clear)
             _clear->setVisible(display.videoPath.has_value());
     }
@@ -134,14 +138,20 @@ WallpaperDisplaysCard::Row *WallpaperDisplaysCard::makeRow(const WallpaperDispla
 
 void WallpaperDisplaysCard::chooseFor(const WallpaperDisplayInfo &display)
 {
-    WallpaperController &wallpaper = _context.services.wallpaper;
-    if (display.isMain) {
-        openVideoPanel(this, wallpaper, u"选择主显示器视频壁纸"_s,
-                       [this](const QString &path) { _context.services.wallpaperActions.playVideo(path); });
-        return;
-    }
-    openVideoPanel(this, wallpaper, u"选择副显示器视频壁纸"_s, [this, id = display.id](const QString &path) {
-        _context.services.wallpaperActions.playVideoOn(id, path);
+    openVideoPanel(this, _context.services.wallpaper,
+                   display.isMain ? u"选择主显示器视频壁纸"_s : u"选择副显示器视频壁纸"_s,
+                   [this, id = display.id](const QString &path) { play(id, path); });
+}
+
+void WallpaperDisplaysCard::play(quint32 displayID, const QString &path)
+{
+    _refusals.remove(displayID);
+    auto playing = _context.services.wallpaperActions.playVideoOn(displayID, path);
+    playing.then([self = QPointer(this), displayID, path](const WallpaperActions::Outcome &outcome) {
+        if (!self || outcome)
+            return;
+        self->_refusals.insert(displayID, u"%1：%2"_s.arg(fileName(path), outcome.error().message));
+        self->refresh();
     });
 }
 
@@ -169,7 +179,7 @@ void WallpaperDisplaysCard::refresh()
         }
     }
     for (qsizetype index = 0; index < displays.size(); ++index)
-        _rows[index]->show(displays[index], isPaused);
+        _rows[index]->show(displays[index], isPaused, _refusals.value(displays[index].id));
     _list->setVisible(!displays.isEmpty());
 }
 

@@ -3,6 +3,8 @@
 #include "views/ViewContext.h"
 #include "views/components/Card.h"
 
+#include <QHash>
+
 class QLabel;
 
 namespace velbrix {
@@ -21,12 +23,14 @@ private:
     Row *makeRow(const WallpaperDisplayInfo &display);
     void refresh();
     void chooseFor(const WallpaperDisplayInfo &display);
+    void play(quint32 displayID, const QString &path);
 
     ViewContext _context;
     QLabel *_count = nullptr;
     DisplayMap *_map = nullptr;
     QWidget *_list;
     QList<Row *> _rows;
+    QHash<quint32, QString> _refusals; // of what was chosen last, by display
 };
 
 } // namespace velbrix

@@ -1,7 +1,6 @@
 #include "views/wallpaper/WallpaperFolderCard.h"
 
 #include "app/AppServices.h"
-#include "app/WallpaperActions.h"
 #include "views/Follow.h"
 #include "views/components/EmptyState.h"
 #include "views/components/JobBar.h"
@@ -9,6 +8,7 @@
 #include "views/components/PathField.h"
 #include "views/components/SegmentedChoice.h"
 #include "views/components/ThumbnailGrid.h"
+#include "views/wallpaper/PickedVideo.h"
 #include "views/wallpaper/WallpaperWords.h"
 
 #include <QHBoxLayout>
@@ -61,7 +61,7 @@ void WallpaperFolderCard::addFolder()
     const Theme &theme = _context.theme;
     _unchosen = new EmptyState(theme, u"folderUnchosen"_s,
                                {u"folder"_s, u"还没有选择壁纸文件夹"_s,
-                                u"选择后，这里列出其中的视频，点一下就能换壁纸"_s, u"选择文件夹…"_s});
+                                u"选择后，这里列出其中的视频，点一下预览，双击换壁纸"_s, u"选择文件夹…"_s});
     addRow(_unchosen);
     _top = new QWidget;
     _field = new PathField(theme, u"wallpaperFolderField"_s, u"选择壁纸文件夹（将扫描其中的视频文件）"_s);
@@ -109,15 +109,18 @@ void WallpaperFolderCard::addVideos()
     _videos = new QWidget;
     _grid = new ThumbnailGrid(theme, u"videoGrid"_s, u"film"_s);
     _grid->setAccessibleName(u"文件夹中的视频"_s);
-    makeRows(_videos, 10, 10)->addWidget(_grid);
+    _picked = new PickedVideo(_context);
+    auto *rows = makeRows(_videos, 10, 10);
+    rows->addWidget(_picked);
+    rows->addWidget(_grid);
     addRow(_videos);
     _empty = new EmptyState(theme, u"folderEmpty"_s,
                             {u"film"_s, u"这个文件夹里没有视频"_s,
                              u"能识别 %1"_s.arg(videoExtensions().join(u"、"_s)), u"换一个文件夹…"_s});
     addRow(_empty);
     connect(_empty, &EmptyState::acted, _field, &PathField::choose);
-    connect(_grid, &ThumbnailGrid::wanted, this,
-            [this](const QString &path) { _context.services.wallpaperActions.playChosenVideo(path); });
+    connect(_grid, &ThumbnailGrid::wanted, _picked, &PickedVideo::pick);
+    connect(_grid, &ThumbnailGrid::confirmed, _picked, &PickedVideo::apply);
     connect(_grid, &ThumbnailGrid::visibleIdsChanged, this, [this] { lookSoon(); });
 }
 
@@ -208,13 +211,8 @@ void WallpaperFolderCard::showTargets()
 
 void WallpaperFolderCard::showChosen()
 {
-    WallpaperController &wallpaper = _context.services.wallpaper;
-    const auto displays = wallpaper.displays().connectedDisplays();
-    const auto target = wallpaper.displays().multiDisplayTargetID();
-    const auto found = std::ranges::find_if(displays, [&](const WallpaperDisplayInfo &display) {
-        return target ? display.id == *target : display.isMain;
-    });
-    _grid->setChosen(found == displays.end() ? std::nullopt : found->videoPath);
+    const auto target = _context.services.wallpaper.displays().target();
+    _grid->setChosen(target ? target->videoPath : std::nullopt);
 }
 
 void WallpaperFolderCard::lookSoon()

@@ -17,6 +17,7 @@ namespace velbrix {
 class EmptyState;
 class JobBar;
 class PathField;
+class PickedVideo;
 class SegmentedChoice;
 class ThumbnailGrid;
 
@@ -57,6 +58,7 @@ private:
     SegmentedChoice *_target = nullptr;
     QStringList _targetNames;
     QWidget *_videos = nullptr;
+    PickedVideo *_picked = nullptr;
     ThumbnailGrid *_grid = nullptr;
     std::unique_ptr<Alarm> _look;
     bool _isScanned = false;

@@ -1,12 +1,16 @@
 #include "views/wallpaper/WallpaperPlaybackCard.h"
 
 #include "app/AppServices.h"
+#include "platform/Platform.h"
 #include "views/Follow.h"
 #include "views/components/PacedSlider.h"
+#include "views/components/Parts.h"
 #include "views/components/SegmentedChoice.h"
 #include "views/components/SettingRow.h"
 #include "views/components/Switch.h"
 #include "views/components/ValueSlider.h"
+
+#include <QPushButton>
 
 #include <algorithm>
 #include <iterator>
@@ -26,6 +30,7 @@ WallpaperPlaybackCard::WallpaperPlaybackCard(const ViewContext &context, QWidget
     setObjectName(u"wallpaperPlayback"_s);
     addGravity();
     addSliders();
+    addReturn();
     addSwitches();
     addBattery();
 }
@@ -52,9 +57,16 @@ void WallpaperPlaybackCard::addSliders()
     WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
     Clock &clock = _context.services.clock;
     auto *volume = new ValueSlider(u"wallpaperVolume"_s, {0, 100, 30, u"%"_s});
-    addRow(new SettingRow(u"音量"_s, u"只有主屏的视频出声，副屏始终静音"_s, volume));
-    auto *volumePace = new PacedSlider(
-        volume, clock, [&preferences](int percent) { preferences.setVolume(percent / 100.0); });
+    auto *row = new SettingRow(u"音量"_s, u"只有主屏的视频出声，副屏始终静音"_s, volume);
+    addRow(row);
+    auto *volumePace = new PacedSlider(volume, clock, [&preferences](int percent) {
+        preferences.setVolume(percent / 100.0);
+        preferences.setMuted(false);
+    });
+    follow(preferences, &WallpaperPreferences::isMutedChanged, this, [row, &preferences] {
+        row->setNote(preferences.isMuted() ? u"现在静音；拖动滑块或点“打开声音”后出声"_s : QString(),
+                     u"note"_s);
+    });
     follow(preferences, &WallpaperPreferences::volumeChanged, this,
            [volumePace, &preferences] { volumePace->show(qRound(preferences.volume() * 100)); });
 
@@ -68,15 +80,41 @@ void WallpaperPlaybackCard::addSliders()
            [speedPace, &preferences] { speedPace->show(qRound(preferences.speed() / speedStep)); });
 }
 
-void WallpaperPlaybackCard::addSwitches()
+void WallpaperPlaybackCard::addReturn()
 {
     WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
     auto *restore = new Switch(_context.theme, u"wallpaperAutoPlay"_s);
     addRow(new SettingRow(u"开机自动恢复壁纸"_s, u"启动 Velbrix 时自动播放上次的壁纸"_s, restore));
     connect(restore, &Switch::wanted, this, [&preferences](bool on) { preferences.setAutoPlay(on); });
-    follow(preferences, &WallpaperPreferences::autoPlayChanged, this,
-           [restore, &preferences] { restore->setOn(preferences.autoPlay()); });
+    QPushButton *const atLogin =
+        makeButton(_context.theme, {u"wallpaperLoginItem"_s, u"去“设置”打开"_s, {}, u"plain"_s});
+    _login = new SettingRow(u"还没有打开“登录时启动”"_s,
+                            u"开机后 Velbrix 不会自己启动，要先打开它，壁纸才会恢复"_s, atLogin);
+    _login->setObjectName(u"wallpaperLogin"_s);
+    addRow(_login);
+    connect(atLogin, &QPushButton::clicked, this, [this] { _context.services.router.show(u"settings"_s); });
+    follow(preferences, &WallpaperPreferences::autoPlayChanged, this, [this, restore, &preferences] {
+        restore->setOn(preferences.autoPlay());
+        showLogin();
+    });
+}
 
+void WallpaperPlaybackCard::showLogin()
+{
+    const bool starts = _context.services.platform.loginItem->isEnabled();
+    _login->setVisible(_context.services.wallpaper.preferences().autoPlay() && !starts);
+}
+
+// It is changed on another page, and by other programs.
+void WallpaperPlaybackCard::showEvent(QShowEvent *event)
+{
+    Card::showEvent(event);
+    showLogin();
+}
+
+void WallpaperPlaybackCard::addSwitches()
+{
+    WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
     auto *covered = new Switch(_context.theme, u"wallpaperPauseWhenCovered"_s);
     addRow(new SettingRow(u"被全屏窗口遮住时暂停"_s, u"看不见的壁纸不耗电；露出后自动继续"_s, covered));
     connect(covered, &Switch::wanted, this, [&preferences](bool on) { preferences.setPauseWhenCovered(on); });

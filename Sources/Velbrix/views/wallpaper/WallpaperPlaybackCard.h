@@ -5,18 +5,26 @@
 
 namespace velbrix {
 
+class SettingRow;
+
 // How and when the video plays.
 class WallpaperPlaybackCard final : public Card {
 public:
     explicit WallpaperPlaybackCard(const ViewContext &context, QWidget *parent = nullptr);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void addGravity();
     void addSliders();
     void addSwitches();
+    void addReturn();
     void addBattery();
+    void showLogin();
 
     ViewContext _context;
+    SettingRow *_login = nullptr; // says what the return needs besides
 };
 
 } // namespace velbrix

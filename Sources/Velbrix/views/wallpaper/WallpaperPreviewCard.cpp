@@ -1,7 +1,9 @@
 #include "views/wallpaper/WallpaperPreviewCard.h"
 
 #include "app/AppServices.h"
+#include "app/HostText.h"
 #include "app/WallpaperActions.h"
+#include "platform/Platform.h"
 #include "views/Follow.h"
 #include "views/ShownText.h"
 #include "views/Theme.h"
@@ -21,6 +23,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -31,7 +36,7 @@ WallpaperPreviewCard::WallpaperPreviewCard(const ViewContext &context, QWidget *
       _empty(new EmptyState(context.theme, u"wallpaperEmpty"_s,
                             {u"photo.on.rectangle"_s, u"还没有选择壁纸视频"_s,
                              u"把一个视频拖到这里，或从磁盘中选择"_s, u"选择视频…"_s})),
-      _stage(new PreviewStage(context.theme))
+      _stage(new PreviewStage(context.theme, u"wallpaperStage"_s, 300))
 {
     setObjectName(u"wallpaperPreview"_s);
     setAcceptDrops(true);
@@ -89,6 +94,7 @@ QWidget *WallpaperPreviewCard::makeButtons()
     _buttons = new QWidget;
     _toggle = makeButton(_context.theme, {u"wallpaperToggle"_s, u"播放"_s, u"play.fill"_s, u"primary"_s});
     _stop = makeButton(_context.theme, {u"wallpaperStop"_s, u"停止"_s, u"stop.fill"_s, {}});
+    _mute = makeButton(_context.theme, {u"wallpaperMute"_s, {}, {}, {}});
     QPushButton *const video =
         makeButton(_context.theme, {u"wallpaperChoose"_s, u"选择视频…"_s, u"folder"_s, {}});
     auto *line = new QHBoxLayout(_buttons);
@@ -96,11 +102,17 @@ QWidget *WallpaperPreviewCard::makeButtons()
     line->setSpacing(8);
     line->addWidget(_toggle);
     line->addWidget(_stop);
+    line->addWidget(_mute);
     line->addStretch(1);
     line->addWidget(video);
     connect(_toggle, &QPushButton::clicked, this,
             [this] { _context.services.wallpaperActions.togglePlayPause(); });
     connect(_stop, &QPushButton::clicked, this, [this] { _context.services.wallpaperActions.stop(); });
+    WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
+    connect(_mute, &QPushButton::clicked, this,
+            [&preferences] { preferences.setMuted(!preferences.isMuted()); });
+    follow(preferences, &WallpaperPreferences::isMutedChanged, this, [this] { showSound(); });
+    connect(&_context.theme, &Theme::changed, this, [this] { showSound(); });
     connect(video, &QPushButton::clicked, this, &WallpaperPreviewCard::choose);
     return _buttons;
 }
@@ -116,6 +128,7 @@ void WallpaperPreviewCard::followWallpaper()
     connect(&wallpaper, &WallpaperController::isPausedChanged, this, again);
     connect(&wallpaper, &WallpaperController::isApplyingChanged, this, again);
     connect(&wallpaper.displays(), &ConnectedDisplays::connectedDisplaysChanged, this, again);
+    connect(&wallpaper.preferences(), &WallpaperPreferences::gravityChanged, this, again);
     const WallpaperVideo &video = wallpaper.video();
     connect(&video, &WallpaperVideo::videoURLChanged, this, again);
     connect(&video, &WallpaperVideo::videoSizeChanged, this, again);
@@ -140,39 +153,49 @@ void WallpaperPreviewCard::followPreview()
     connect(&preview, &PreviewPlayer::frameChanged, this, again);
     connect(&wallpaper.video(), &WallpaperVideo::currentFrameChanged, this, again);
     connect(&preview, &PreviewPlayer::problemChanged, this, [this] { showHint(); });
-    connect(&wallpaper.video(), &WallpaperVideo::videoURLChanged, this, [&wallpaper] {
-        if (wallpaper.preview().previewItemURL() != wallpaper.video().videoURL())
-            wallpaper.preview().stop();
-    });
-    follow(preview, &PreviewPlayer::isPreviewPlayingChanged, this, [this, &preview] {
-        _stage->setPlaying(preview.isPreviewPlaying());
-        showPicture();
-    });
+    follow(preview, &PreviewPlayer::isPreviewPlayingChanged, this, again);
     showHint();
 }
 
 void WallpaperPreviewCard::choose()
 {
-    openVideoPanel(this, _context.services.wallpaper, u"选择一个视频作为 macOS 动态壁纸"_s,
+    const QString title = hostText(u"选择一个视频作为 macOS 动态壁纸"_s, _context.services.platform.family);
+    openVideoPanel(this, _context.services.wallpaper, title,
                    [this](const QString &path) { _context.services.wallpaperActions.playVideo(path); });
 }
 
 void WallpaperPreviewCard::togglePreview()
 {
     PreviewPlayer &preview = _context.services.wallpaper.preview();
-    const auto path = _context.services.wallpaper.video().videoURL();
-    if (preview.isPreviewPlaying())
+    const QString path = shown().path;
+    if (preview.isPreviewPlaying() && preview.previewItemURL() == path)
         preview.pause();
-    else if (path)
-        preview.play(*path);
+    else
+        preview.play(path);
+}
+
+WallpaperPreviewCard::Shown WallpaperPreviewCard::shown() const
+{
+    WallpaperController &wallpaper = _context.services.wallpaper;
+    const auto displays = wallpaper.displays().connectedDisplays();
+    const auto find = [&displays](bool isMain) -> std::optional<WallpaperDisplayInfo> {
+        const auto found = std::ranges::find_if(displays, [isMain](const WallpaperDisplayInfo &display) {
+            return display.isMain == isMain && (isMain || display.videoPath);
+        });
+        return found == displays.end() ? std::nullopt : std::optional(*found);
+    };
+    const auto chosen = wallpaper.video().videoURL();
+    if (const auto path = chosen ? chosen : wallpaper.preferences().lastVideoPath())
+        return {*path, find(true)};
+    if (const auto other = find(false))
+        return {*other->videoPath, other};
+    return {{}, find(true)};
 }
 
 void WallpaperPreviewCard::showState()
 {
     const WallpaperController &wallpaper = _context.services.wallpaper;
-    const WallpaperLook look = lookOf(wallpaper);
-    _badge->show(look);
-    // What a refused file says is not what the older one does.
+    _badge->show(lookOf(wallpaper));
     const bool isPlaying = wallpaper.isShowing() && !wallpaper.isPaused();
     const QString text = isPlaying ? u"暂停"_s : wallpaper.isShowing() ? u"继续"_s : u"播放"_s;
     const bool canPress = wallpaper.canToggle();
@@ -183,47 +206,84 @@ void WallpaperPreviewCard::showState()
                                          canPress ? ThemeColor::onFill : ThemeColor::secondary));
     _stop->setEnabled(wallpaper.canStop());
 
-    _failure->setDescription(wallpaper.isShowing() ? u"原来的壁纸仍在播放"_s : QString());
-    _failure->setNote(wallpaper.state().message, u"bad"_s);
-    _failure->setVisible(look == WallpaperLook::failed);
+    const WallpaperState state = wallpaper.state();
+    QStringList refused;
+    if (!state.videoURL.isEmpty())
+        refused << fileName(state.videoURL);
+    if (wallpaper.isShowing())
+        refused << u"原来的壁纸仍在播放"_s;
+    _failure->setDescription(refused.join(u" · "_s));
+    _failure->setNote(state.message, u"bad"_s);
+    _failure->setVisible(state.kind == WallpaperState::Kind::failed);
+}
+
+void WallpaperPreviewCard::showSound()
+{
+    const bool isMuted = _context.services.wallpaper.preferences().isMuted();
+    const QString text = isMuted ? u"打开声音"_s : u"静音"_s;
+    _mute->setText(text);
+    _mute->setAccessibleName(text);
+    _mute->setIcon(
+        _context.theme.icon(isMuted ? u"speaker.slash.fill"_s : u"speaker.wave.2.fill"_s, ThemeColor::text));
 }
 
 void WallpaperPreviewCard::showVideo()
 {
     WallpaperController &wallpaper = _context.services.wallpaper;
     const WallpaperVideo &video = wallpaper.video();
-    const auto path = video.videoURL() ? video.videoURL() : wallpaper.preferences().lastVideoPath();
-    const bool isEmpty = !path && !video.isLoading() && !wallpaper.canToggle();
+    const Shown now = shown();
+    const QString &path = now.path;
+    const bool isOther = now.display && !now.display->isMain;
+    PreviewPlayer &preview = wallpaper.preview();
+    if (const QString before = std::exchange(_previewed, path);
+        before != path && preview.previewItemURL() == before)
+        preview.stop();
+    const bool isEmpty = path.isEmpty() && !video.isLoading() && !wallpaper.content().canShow();
+    if (now.display && !now.display->frame.isEmpty())
+        _stage->setDisplay(now.display->frame.size(), layerGravity(wallpaper.preferences().gravity()));
     _empty->setVisible(isEmpty);
     _stage->parentWidget()->setVisible(!isEmpty);
     _words->setVisible(!isEmpty);
     _buttons->setVisible(!isEmpty);
-    _stage->setPlayable(video.videoURL().has_value());
+    _stage->setPlayable(isOther || video.videoURL().has_value());
 
-    _name->setText(path ? fileName(*path) : QString());
-    _name->setToolTip(plainTip(path.value_or(QString())));
-    _name->setVisible(path.has_value());
+    _name->setText(fileName(path));
+    _name->setToolTip(plainTip(path));
+    _name->setVisible(!path.isEmpty());
     QString facts = describeVideo(video.videoSize(), video.videoFPS(), video.videoDuration());
     if (video.isLoading())
         facts = u"正在读取视频…"_s;
+    else if (isOther)
+        facts = u"只在 %1 上播放"_s.arg(now.display->name);
+    else if (path.isEmpty())
+        facts = u"已选视频的显示器没有接上"_s;
     else if (!video.videoURL())
-        facts = path && QFileInfo(*path).isFile() ? u"上次的视频"_s : u"上次的视频已不在原处，请重新选择"_s;
+        facts = QFileInfo(path).isFile() ? u"上次的视频"_s : u"上次的视频已不在原处，请重新选择"_s;
     _facts->setText(facts);
-    _facts->setVisible(path && !facts.isEmpty());
+    _facts->setVisible(!facts.isEmpty());
+    // Nobody else has its first picture.
+    if (isOther && isVisible() && !preview.previewItemURL())
+        preview.load(path);
+    showPicture();
 }
 
 void WallpaperPreviewCard::showPicture()
 {
     WallpaperController &wallpaper = _context.services.wallpaper;
     const PreviewPlayer &preview = wallpaper.preview();
-    const bool isPreview = preview.previewItemURL() && !preview.frame().isNull();
-    _stage->setPicture(isPreview ? preview.frame() : wallpaper.video().currentFrame().value_or(QImage()));
+    const bool isPreview = preview.previewItemURL() == _previewed;
+    _stage->setPlaying(isPreview && preview.isPreviewPlaying());
+    _stage->setPicture(isPreview && !preview.frame().isNull()
+                           ? preview.frame()
+                           : wallpaper.video().currentFrame().value_or(QImage()));
 }
 
 void WallpaperPreviewCard::showHint()
 {
     WallpaperController &wallpaper = _context.services.wallpaper;
-    QString text = wallpaper.preview().problem();
+    QString text;
+    if (wallpaper.preview().previewItemURL() == _previewed)
+        text = wallpaper.preview().problem();
     if (text.isEmpty())
         text = wallpaper.power().blocks() ? stoppedOnBattery : wallpaper.hint();
     _hint->setText(text);
@@ -272,6 +332,7 @@ void WallpaperPreviewCard::showEvent(QShowEvent *event)
 {
     Card::showEvent(event);
     loadLastVideo();
+    showVideo();
 }
 
 void WallpaperPreviewCard::hideEvent(QHideEvent *event)

@@ -2,6 +2,7 @@
 
 #include "views/ViewContext.h"
 #include "views/components/Card.h"
+#include "wallpaper/WallpaperTypes.h"
 
 class QLabel;
 class QPushButton;
@@ -27,6 +28,12 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
+    // The main display's video, else that of another display alone.
+    struct Shown {
+        QString path; // empty: none
+        std::optional<WallpaperDisplayInfo> display;
+    };
+    Shown shown() const;
     QWidget *makeWords();
     QWidget *makeFailure();
     QWidget *makeButtons();
@@ -37,6 +44,7 @@ private:
     void showState();
     void showVideo();
     void showPicture();
+    void showSound();
     void showHint();
     void loadLastVideo();
 
@@ -52,6 +60,8 @@ private:
     QWidget *_buttons = nullptr;
     QPushButton *_toggle = nullptr;
     QPushButton *_stop = nullptr;
+    QPushButton *_mute = nullptr;
+    QString _previewed; // what the stage is for
     bool _hasLoadedLast = false;
 };
 

@@ -35,19 +35,14 @@ QString videoOf(const WallpaperDisplayInfo &display)
 
 WallpaperLook lookOf(const WallpaperController &wallpaper)
 {
-    switch (wallpaper.state().kind) {
-    case WallpaperState::Kind::failed:
-        return WallpaperLook::failed;
-    case WallpaperState::Kind::playing:
-        return wallpaper.isPaused() ? WallpaperLook::paused : WallpaperLook::playing;
-    case WallpaperState::Kind::idle:
-    case WallpaperState::Kind::selecting:
-    case WallpaperState::Kind::ready:
-        break;
-    }
+    // What a refused file says is not what the older one does.
     if (wallpaper.isShowing())
         return wallpaper.isPaused() ? WallpaperLook::paused : WallpaperLook::playing;
-    return wallpaper.canToggle() ? WallpaperLook::ready : WallpaperLook::unchosen;
+    if (wallpaper.state().kind == WallpaperState::Kind::failed)
+        return WallpaperLook::failed;
+    if (!wallpaper.content().canShow())
+        return WallpaperLook::unchosen;
+    return wallpaper.power().blocks() ? WallpaperLook::onBattery : WallpaperLook::ready;
 }
 
 BadgeLook badgeOf(WallpaperLook look)
@@ -57,6 +52,8 @@ BadgeLook badgeOf(WallpaperLook look)
         return {u"未选择"_s, u"film"_s, ThemeColor::secondary, u"note"_s};
     case WallpaperLook::ready:
         return {u"已就绪"_s, u"checkmark.circle.fill"_s, ThemeColor::secondary, u"note"_s};
+    case WallpaperLook::onBattery:
+        return {u"使用电池，已停止"_s, u"battery.25"_s, ThemeColor::warning, u"warning"_s};
     case WallpaperLook::playing:
         return {u"播放中"_s, u"play.fill"_s, ThemeColor::good, u"good"_s};
     case WallpaperLook::paused:

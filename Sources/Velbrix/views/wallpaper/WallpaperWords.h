@@ -11,7 +11,7 @@ namespace velbrix {
 class WallpaperController;
 
 // What the user takes the wallpaper to be doing.
-enum class WallpaperLook { unchosen, ready, playing, paused, failed };
+enum class WallpaperLook { unchosen, ready, onBattery, playing, paused, failed };
 
 WallpaperLook lookOf(const WallpaperController &wallpaper);
 

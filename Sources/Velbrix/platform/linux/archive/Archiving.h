@@ -11,7 +11,6 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
-#include <sys/stat.h>
 #include <vector>
 
 namespace velbrix {
@@ -29,10 +28,6 @@ public:
     ArchiveOutcome run();
 
 private:
-    struct SourceFile {
-        FileDescriptor descriptor = FileDescriptor();
-        struct stat facts = {}; // when it was opened
-    };
     // One of the threads, with what it needs.
     struct Worker {
         Deflater deflater;
@@ -49,9 +44,8 @@ private:
     bool addFile(FolderItem &item, ZipEntry &entry, Worker &worker);
     bool addLink(const FolderItem &item, ZipEntry &entry);
     bool addLarge(const FolderItem &item, ZipEntry &entry);
-    void noteChange(const FolderItem &item, const SourceFile &file);
     bool addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, Worker *worker);
-    SourceFile openFile(const FolderItem &item, ZipEntry &entry);
+    FileDescriptor openFile(const FolderItem &item, ZipEntry &entry);
     bool skip(const FolderItem &item, int error);
     bool writeDirectory();
 
@@ -62,8 +56,7 @@ private:
     QByteArray _topName;
     FileDescriptor _source;
     ZipOutput _output;
-    NotedFiles _skipped;
-    NotedFiles _changed; // while they were read
+    SkippedFiles _skipped;
     std::array<Worker, 2> _workers;
     std::vector<FolderItem> _items;
     std::vector<std::optional<ZipEntry>> _entries; // of the items
