@@ -1,6 +1,8 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
 #include "support/Test.h"
 
+#include <QProcess>
+
 namespace {
 
 const CleanupRule &ruleOf(const QList<CleanupRule> &rules, const QString &id)
@@ -42,6 +44,30 @@ private Q_SLOTS:
         const CleanupRule &temporary = ruleOf(rules, u"temp-files"_s);
         QVERIFY(temporary.onlyOldOwnFiles);
         QCOMPARE(temporary.measured, QStringList());
+    }
+
+    void onlyReplacedSnapRevisionsGo()
+    {
+        const QTemporaryDir folder;
+        standIn(folder.filePath(u"snap"_s), R"(#!/bin/sh
+case $1 in
+list) echo 'Name        Version   Rev  Tracking       Publisher    Notes
+core        16-2      100  latest/stable  canonical✓   core,disabled
+core        16-3      101  latest/stable  canonical✓   core
+disabled    disabled  7    disabled       disabled     -
+paused      1.0       1    latest/stable  somebody     disabled
+paused      1.1       2    latest/stable  somebody     disabled,classic
+local       -         x1   -              -            disabled
+local       -         x2   -              -            classic' ;;
+remove) echo "$2 $3" >>"$(dirname "$0")/removed" ;;
+esac
+)");
+        const auto rules = freedesktopCleanupCatalog({u"/h"_s, u"/h/c"_s, u"/h/k"_s, u"/h/d"_s});
+        const QString line = *ruleOf(rules, u"snap-revisions"_s).target.command;
+        QCOMPARE(QProcess::execute(u"env"_s,
+                                   {u"PATH=%1:/usr/bin:/bin"_s.arg(folder.path()), u"sh"_s, u"-c"_s, line}),
+                 0);
+        QCOMPARE(readFile(folder.filePath(u"removed"_s)), "core --revision=100\nlocal --revision=x1\n");
     }
 
     void homeIsNoCache()

@@ -230,8 +230,11 @@ private Q_SLOTS:
         rig.archiver.outcome.exitStatus = 1;
         rig.run(id);
         QCOMPARE(rig.inDestination().size(), 7); // the leftover of a killed run is gone, no archive is
-        rig.archiver.outcome = {.skipped = {u"locked"_s}, .skippedCount = 3};
-        QCOMPARE(rig.run(id), u"✓ 压缩完成 · 22 字节（3 个文件无法读取，未包含）"_s);
+        rig.archiver.outcome = {
+            .skipped = {u"locked"_s}, .skippedCount = 3, .changed = {u"busy"_s}, .changedCount = 1};
+        QCOMPARE(
+            rig.run(id),
+            u"✓ 压缩完成 · 22 字节（3 个文件无法读取，未包含；“busy”等 1 个文件在压缩时被改写，按读到的内容保存）"_s);
         QCOMPARE(rig.inDestination(),
                  (QStringList{u".x_20260105_000000.zip.partial"_s, u"t_20260103_000000.zip"_s,
                               u"t_20260104_000000 2.zip"_s, u"t_20260301_090000.zip"_s,

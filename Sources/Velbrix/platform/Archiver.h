@@ -33,6 +33,9 @@ struct ArchiveOutcome {
     QString problem = {};     // why not, in words for the user
     QStringList skipped = {}; // what could not be read, the first hundred
     qint64 skippedCount = 0;
+    QStringList changed =
+        {}; // what was written while it was read, and is in it as it was read; the first hundred
+    qint64 changedCount = 0;
     bool cancelled = false;
     std::optional<qint64> files = {}; // in it, links too; nothing when nobody counted
 

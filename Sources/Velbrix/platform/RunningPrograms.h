@@ -15,7 +15,8 @@ public:
     virtual ~RunningPrograms() = default;
 
     // Those of the names that run. Names are what the host tells programs
-    // apart by: macOS the bundle identifier, Linux the executable's file name.
+    // apart by: macOS the bundle identifier, Linux the executable's file name or
+    // that of the sandbox.
     virtual QSet<QString> running(const QStringList &names) const = 0;
     // Whether a program runs whose executable lies at or below the path.
     virtual bool runsFrom(const QString &path) const = 0;

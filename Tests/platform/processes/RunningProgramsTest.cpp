@@ -64,6 +64,34 @@ private Q_SLOTS:
         QVERIFY(programs.runsFrom(_folder + u"/scripts"_s));
     }
 
+    void javaAndSandboxesGoByWhatTheyRun()
+    {
+        const QString java = standIn(_folder + u"/jbr/java"_s, readFile(u"/bin/sh"_s));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"FLATPAK_ID"_s, u"org.velb.App"_s);
+        environment.insert(u"SNAP_INSTANCE_NAME"_s, u"velb_2"_s);
+        const QString archive = _folder + u"/tools/velb.jar"_s;
+        const RunningProgram running(java,
+                                     {u"-c"_s, u"read line"_s, u"-jar"_s, archive,
+                                      u"-Didea.paths.selector=Velb2024.1"_s, u"-cp"_s,
+                                      u"/nowhere/a.jar:"_s + _folder + u"/library/b.jar"_s},
+                                     environment);
+        const QSet<QString> names{u"velb.jar"_s, u"Velb2024.1"_s, u"org.velb.App"_s, u"snap.velb_2"_s};
+        const ProcPrograms programs;
+        QTRY_COMPARE(programs.running(names.values() + QStringList{u"b.jar"_s, u"velb_2"_s}), names);
+        QVERIFY(programs.runsFrom(archive) && programs.runsFrom(_folder + u"/library"_s));
+        QVERIFY(!programs.runsFrom(_folder + u"/librar"_s));
+    }
+
+    void readsTheSandboxFromTheControlGroups()
+    {
+        const QByteArray slice = "0::/user.slice/user-1000.slice/user@1000.service/app.slice/";
+        QCOMPARE(sandboxName(slice + "app-flatpak-org.mozilla.firefox-4711.scope\n"), "org.mozilla.firefox");
+        QCOMPARE(sandboxName("1:cpu:/\n" + slice + "app-flatpak-org.a\\x2db-1.scope\n"), "org.a-b");
+        QCOMPARE(sandboxName(slice + "snap.firefox.firefox-0a1b.scope\n"), "snap.firefox");
+        QCOMPARE(sandboxName(slice + "snap.\n" + slice + "app-gnome-firefox-1.scope\n"), QByteArray());
+    }
+
     void anAppImageRunsFromItsMount()
     {
         const QString image = writeFile(_folder + u"/Velb.AppImage"_s);

@@ -141,6 +141,17 @@ QString inParentheses(const QString &reason)
     return reason.isEmpty() ? QString() : u"（%1）"_s.arg(reason);
 }
 
+QString remarkOn(const ArchiveOutcome &created)
+{
+    QStringList remarks;
+    if (created.skippedCount > 0)
+        remarks << u"%1 个文件无法读取，未包含"_s.arg(created.skippedCount);
+    if (created.changedCount > 0)
+        remarks << u"“%1”等 %2 个文件在压缩时被改写，按读到的内容保存"_s.arg(
+            created.changed.value(0), QString::number(created.changedCount));
+    return remarks.join(u"；"_s);
+}
+
 // One run; lives in the frame of the coroutine that drives it.
 class ArchiveRun {
 public:
@@ -186,7 +197,7 @@ private:
         if (created->exitStatus != 0)
             co_return BackupOutcome::failed(u"压缩失败 (exit %1)"_s.arg(created->exitStatus) +
                                             inParentheses(created->problem));
-        _skipped = created->skippedCount;
+        _remark = remarkOn(*created);
         _filesInIt = created->files.value_or(_plan.facts.items);
         _request.progress(u"正在校验归档…"_s, -1);
         const auto tested = co_await _archiver.test(_plan.growing, _request.cancellation);
@@ -205,8 +216,7 @@ private:
         const Result<qint64> size = co_await publishing;
         if (!size)
             co_return BackupOutcome::failed(u"无法保存归档"_s + inParentheses(size.error().message));
-        const QString skipped = _skipped > 0 ? u"（%1 个文件无法读取，未包含）"_s.arg(_skipped) : QString();
-        co_return BackupOutcome::done(u"✓ 压缩完成 · "_s + formatByteCount(*size) + skipped);
+        co_return BackupOutcome::done(u"✓ 压缩完成 · "_s + formatByteCount(*size) + inParentheses(_remark));
     }
 
     void tell(const ArchiveProgress &done) const
@@ -223,7 +233,7 @@ private:
     BackupRunRequest _request;
     const BackupTask _task;
     Plan _plan;
-    qint64 _skipped = 0;
+    QString _remark; // what is not as it should be in the archive
     qint64 _filesInIt = 0;
 };
 

@@ -181,6 +181,14 @@ QList<CleanupRule> applicationRules(const UserFolders &folders)
     };
 }
 
+// Of a snap that is in use, for that of a disabled one all revisions are told
+// to be so; the notes stand in the last column, in a list of their own.
+const QString oldSnapRevisions =
+    u"snap list --all | awk '{ if ($NF ~ /(^|,)disabled(,|$)/) old[++count] = $1 FS $3; else used[$1] = 1 } "
+    "END { for (i = 1; i <= count; i++) { split(old[i], part); if (part[1] in used) print old[i] } }' | "
+    "{ failed=0; while read name revision; do snap remove $name --revision=$revision || failed=1; done; "
+    "exit $failed; }"_s;
+
 // Administrator commands hold no double quotes: they are the same on every
 // host, and one of them puts the line into quotes.
 QList<CleanupRule> advancedRules()
@@ -197,9 +205,7 @@ QList<CleanupRule> advancedRules()
     return {
         apt,
         commandRule(group, u"snap-revisions"_s, u"Snap 旧版本"_s, u"shippingbox"_s,
-                    u"snap remove --revision — 已停用的旧版本（需管理员权限）"_s, u"snap"_s,
-                    u"snap list --all | awk '/disabled/{print $1, $3}' | while read name revision; "
-                    "do snap remove $name --revision=$revision; done"_s,
+                    u"snap remove --revision — 已停用的旧版本（需管理员权限）"_s, u"snap"_s, oldSnapRevisions,
                     true),
         journal,
         commandRule(group, u"dns-cache"_s, u"DNS 缓存"_s, u"network"_s, u"刷新 DNS 缓存（需管理员权限）"_s,

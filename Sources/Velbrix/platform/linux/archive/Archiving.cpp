@@ -1,5 +1,6 @@
 #include "platform/linux/archive/Archiving.h"
 
+#include "foundation/AtomicFile.h"
 #include "platform/linux/archive/LargeFile.h"
 
 #include <QDir>
@@ -63,7 +64,7 @@ ArchiveOutcome Archiving::run()
     if (!_source)
         return ended(sourceStatus, u"无法读取源文件夹：%1"_s.arg(qt_error_string(errno)));
     if (!_output.create(_archivePath))
-        return ended(createStatus, u"无法创建归档：%1"_s.arg(qt_error_string(errno)));
+        return ended(createStatus, u"无法创建归档：%1"_s.arg(writeReason(errno)));
 
     _items = scanFolder(_source.number(), _excludes, _output.identity(), _work.cancellation, _skipped);
     _work.totalFiles = static_cast<qint64>(_items.size());
@@ -95,20 +96,20 @@ qint64 Archiving::filesInIt() const
 
 ArchiveOutcome Archiving::ended(int exitStatus, const QString &problem) const
 {
-    return {exitStatus, problem, _skipped.first(), _skipped.count(), exitStatus == cancelledStatus};
+    return {.exitStatus = exitStatus,
+            .problem = problem,
+            .skipped = _skipped.first(),
+            .skippedCount = _skipped.count(),
+            .changed = _changed.first(),
+            .changedCount = _changed.count(),
+            .cancelled = exitStatus == cancelledStatus};
 }
 
 ArchiveOutcome Archiving::writeProblem() const
 {
-    switch (_output.error()) {
-    case ENOSPC:
-    case EDQUOT:
-        return ended(writeStatus, u"磁盘空间不足，归档没有写完"_s);
-    case EFBIG:
+    if (_output.error() == EFBIG)
         return ended(writeStatus, u"归档超过了保存位置允许的最大文件大小"_s);
-    default:
-        return ended(writeStatus, u"写入归档失败：%1"_s.arg(qt_error_string(_output.error())));
-    }
+    return ended(writeStatus, u"归档没有写完：%1"_s.arg(writeReason(_output.error())));
 }
 
 ZipEntry Archiving::entryOf(const FolderItem &item) const
@@ -151,37 +152,49 @@ void Archiving::addItem(std::size_t index, Worker &worker)
 }
 
 // It may have become another since it was found.
-FileDescriptor Archiving::openFile(const FolderItem &item, ZipEntry &entry)
+Archiving::SourceFile Archiving::openFile(const FolderItem &item, ZipEntry &entry)
 {
-    FileDescriptor file = openBelow(_source.number(), item.path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-    struct stat facts = {};
-    if (!file || ::fstat(file.number(), &facts) != 0) {
+    SourceFile file{openBelow(_source.number(), item.path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK)};
+    if (!file.descriptor || ::fstat(file.descriptor.number(), &file.facts) != 0) {
         skip(item, errno);
-        return FileDescriptor();
+        return {};
     }
-    if (!S_ISREG(facts.st_mode))
-        return FileDescriptor();
-    entry.mode = facts.st_mode;
-    entry.time = facts.st_mtime;
-    entry.size = static_cast<std::uint64_t>(facts.st_size);
+    if (!S_ISREG(file.facts.st_mode))
+        return {};
+    entry.mode = file.facts.st_mode;
+    entry.time = file.facts.st_mtime;
+    entry.size = static_cast<std::uint64_t>(file.facts.st_size);
     return file;
 }
 
 bool Archiving::addFile(FolderItem &item, ZipEntry &entry, Worker &worker)
 {
-    const FileDescriptor file = openFile(item, entry);
-    if (!file)
+    const SourceFile file = openFile(item, entry);
+    if (!file.descriptor)
         return false;
     if (entry.size > wholeFile) {
         item.size = entry.size; // it has grown: later, in parts
         return false;
     }
     const std::span<std::uint8_t> bytes = worker.buffer.sized(entry.size);
-    const std::int64_t got = readAt(file.number(), bytes, 0);
+    const std::int64_t got = readAt(file.descriptor.number(), bytes, 0);
     if (got < 0)
         return skip(item, errno);
+    noteChange(item, file);
     _work.bytes += got;
     return addBytes(entry, bytes.first(static_cast<std::size_t>(got)), &worker);
+}
+
+// What was read of a file that was written meanwhile may not fit together.
+void Archiving::noteChange(const FolderItem &item, const SourceFile &file)
+{
+    struct stat facts = {};
+    if (::fstat(file.descriptor.number(), &facts) != 0)
+        return;
+    const timespec &before = file.facts.st_mtim;
+    if (facts.st_size != file.facts.st_size || facts.st_mtim.tv_sec != before.tv_sec ||
+        facts.st_mtim.tv_nsec != before.tv_nsec)
+        _changed.add(item.path);
 }
 
 bool Archiving::addLink(const FolderItem &item, ZipEntry &entry)
@@ -213,26 +226,27 @@ bool Archiving::addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, W
 
 bool Archiving::addLarge(const FolderItem &item, ZipEntry &entry)
 {
-    const FileDescriptor file = openFile(item, entry);
-    if (!file)
+    const SourceFile file = openFile(item, entry);
+    if (!file.descriptor)
         return false;
-    ::posix_fadvise(file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    ::posix_fadvise(file.descriptor.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
     entry.method = zip::deflated;
     const bool wide = entry.size >= wideSize;
     const auto offset = _output.append(bytesOf(localHeader(entry, wide)));
     if (!offset)
         return false;
-    LargeFile large(file.number(), entry.size, _output, _work);
+    LargeFile large(file.descriptor.number(), entry.size, _output, _work);
     onTwoThreads(
         [&](std::size_t thread) { large.deflateParts(_workers[thread].deflater, _workers[thread].buffer); });
     if (!large.finish()) {
         // Whatever is in the archive is only what can be read again.
         if (!hasEnded()) {
             _output.truncate(*offset);
-            skip(item, EIO);
+            skip(item, large.readError());
         }
         return false;
     }
+    noteChange(item, file);
     entry.offset = *offset;
     entry.size = large.size();
     entry.packedSize = large.packedSize();

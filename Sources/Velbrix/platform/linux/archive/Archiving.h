@@ -11,6 +11,7 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <sys/stat.h>
 #include <vector>
 
 namespace velbrix {
@@ -28,6 +29,10 @@ public:
     ArchiveOutcome run();
 
 private:
+    struct SourceFile {
+        FileDescriptor descriptor = FileDescriptor();
+        struct stat facts = {}; // when it was opened
+    };
     // One of the threads, with what it needs.
     struct Worker {
         Deflater deflater;
@@ -44,8 +49,9 @@ private:
     bool addFile(FolderItem &item, ZipEntry &entry, Worker &worker);
     bool addLink(const FolderItem &item, ZipEntry &entry);
     bool addLarge(const FolderItem &item, ZipEntry &entry);
+    void noteChange(const FolderItem &item, const SourceFile &file);
     bool addBytes(ZipEntry &entry, std::span<const std::uint8_t> bytes, Worker *worker);
-    FileDescriptor openFile(const FolderItem &item, ZipEntry &entry);
+    SourceFile openFile(const FolderItem &item, ZipEntry &entry);
     bool skip(const FolderItem &item, int error);
     bool writeDirectory();
 
@@ -56,7 +62,8 @@ private:
     QByteArray _topName;
     FileDescriptor _source;
     ZipOutput _output;
-    SkippedFiles _skipped;
+    NotedFiles _skipped;
+    NotedFiles _changed; // while they were read
     std::array<Worker, 2> _workers;
     std::vector<FolderItem> _items;
     std::vector<std::optional<ZipEntry>> _entries; // of the items

@@ -31,7 +31,7 @@ bool isKept(mode_t mode)
 class Scan {
 public:
     Scan(int source, const ExcludeRules &excludes, FileIdentity except, const Cancellation &cancellation,
-         SkippedFiles &skipped)
+         NotedFiles &skipped)
         : _source(source),
           _excludes(excludes),
           _except(except),
@@ -103,7 +103,7 @@ private:
     const ExcludeRules &_excludes;
     FileIdentity _except;
     const Cancellation &_cancellation;
-    SkippedFiles &_skipped;
+    NotedFiles &_skipped;
     std::vector<FolderItem> _found;
     std::vector<FolderItem> _pending; // the next one last
 };
@@ -111,7 +111,7 @@ private:
 } // namespace
 
 std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
-                                   const Cancellation &cancellation, SkippedFiles &skipped)
+                                   const Cancellation &cancellation, NotedFiles &skipped)
 {
     return Scan(source, excludes, except, cancellation, skipped).run();
 }

@@ -22,8 +22,8 @@ struct FolderItem {
     std::int64_t time = 0; // of the last change, seconds since 1970
 };
 
-// What could not be read; any thread.
-class SkippedFiles {
+// Files to be told of; any thread.
+class NotedFiles {
 public:
     void add(const QByteArray &path)
     {
@@ -46,6 +46,6 @@ private:
 // before what is in it, by name, without what is neither file, folder nor link
 // and without the file `except`. Folders that cannot be read count as skipped.
 std::vector<FolderItem> scanFolder(int source, const ExcludeRules &excludes, FileIdentity except,
-                                   const Cancellation &cancellation, SkippedFiles &skipped);
+                                   const Cancellation &cancellation, NotedFiles &skipped);
 
 } // namespace velbrix

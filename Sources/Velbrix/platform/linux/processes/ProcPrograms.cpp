@@ -4,7 +4,9 @@
 #include "platform/linux/files/FileDescriptor.h"
 
 #include <QFile>
+#include <QHash>
 
+#include <algorithm>
 #include <array>
 #include <functional>
 
@@ -47,6 +49,39 @@ QByteArray baseName(const QByteArray &path)
     return path.mid(path.lastIndexOf('/') + 1);
 }
 
+// A class path alone can be that long.
+constexpr qsizetype longestCommand = 1 << 17;
+
+// The virtual machine is called alike whatever it runs; its arguments tell.
+bool isJava(const QByteArray &executable)
+{
+    return baseName(executable) == "java";
+}
+
+QList<QByteArray> javaFiles(const QList<QByteArray> &arguments)
+{
+    QList<QByteArray> files;
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        if (arguments[i] == "-jar" || arguments[i] == "-cp" || arguments[i] == "-classpath")
+            files += arguments.value(i + 1).split(':');
+    }
+    return files;
+}
+
+// An archive by its name, one of JetBrains' programs by that of its folders.
+QList<QByteArray> javaNames(const QList<QByteArray> &arguments)
+{
+    constexpr QByteArrayView selector = "-Didea.paths.selector=";
+    QList<QByteArray> names;
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        if (arguments[i] == "-jar")
+            names << baseName(arguments.value(i + 1));
+        else if (arguments[i].startsWith(selector))
+            names << arguments[i].sliced(selector.size());
+    }
+    return names;
+}
+
 class Process {
 public:
     explicit Process(QByteArray folder) : _folder(std::move(folder)) {}
@@ -58,7 +93,30 @@ public:
         const QByteArray target = linkTarget(_folder + "/exe");
         return target.endsWith(" (deleted)") ? target.chopped(10) : target;
     }
-    QByteArray argument0() const { return arguments().value(0); }
+    // What it may be asked for by: the program, the script or Java archive that
+    // it runs, and the sandbox that it runs in.
+    QList<QByteArray> names() const
+    {
+        const QByteArray file = executable();
+        QList<QByteArray> names{baseName(file), baseName(arguments().value(0)), baseName(script()),
+                                sandboxName(contents(_folder + "/cgroup", 1 << 14))};
+        const auto settings = environment();
+        names << settings.value("FLATPAK_ID");
+        if (const QByteArray snap = settings.value("SNAP_INSTANCE_NAME"); !snap.isEmpty())
+            names << "snap." + snap;
+        if (isJava(file))
+            names += javaNames(arguments());
+        return names;
+    }
+    // What it runs beside its executable: a script, an AppImage, Java archives.
+    QList<QByteArray> files() const
+    {
+        const QByteArray file = executable();
+        return QList<QByteArray>{script(), image(file)} +
+               (isJava(file) ? javaFiles(arguments()) : QList<QByteArray>());
+    }
+
+private:
     // The script that an interpreter runs; else empty.
     QByteArray script() const
     {
@@ -75,22 +133,25 @@ public:
     // The AppImage whose contents it runs; else empty.
     QByteArray image(const QByteArray &executablePath) const
     {
-        QByteArray image, mount;
-        for (const QByteArray &entry : contents(_folder + "/environ", 1 << 17).split('\0')) {
-            if (entry.startsWith("APPIMAGE="))
-                image = entry.sliced(9);
-            else if (entry.startsWith("APPDIR="))
-                mount = entry.sliced(7);
-        }
+        const auto settings = environment();
+        const QByteArray mount = settings.value("APPDIR");
         // Whatever an AppImage starts inherits both.
-        return !mount.isEmpty() && isWithin(executablePath, mount) ? image : QByteArray();
+        return !mount.isEmpty() && isWithin(executablePath, mount) ? settings.value("APPIMAGE")
+                                                                   : QByteArray();
     }
-
-private:
+    QHash<QByteArray, QByteArray> environment() const
+    {
+        QHash<QByteArray, QByteArray> settings;
+        for (const QByteArray &entry : contents(_folder + "/environ", 1 << 17).split('\0')) {
+            if (const auto equals = entry.indexOf('='); equals > 0)
+                settings.insert(entry.first(equals), entry.sliced(equals + 1));
+        }
+        return settings;
+    }
     const QList<QByteArray> &arguments() const
     {
         if (_arguments.isEmpty())
-            _arguments = contents(_folder + "/cmdline", 4096).split('\0');
+            _arguments = contents(_folder + "/cmdline", longestCommand).split('\0');
         return _arguments;
     }
 
@@ -127,11 +188,10 @@ QSet<QString> ProcPrograms::running(const QStringList &names) const
     }
     QSet<QString> found;
     anyProcess([&](const Process &process) {
-        const QByteArray executable = process.executable();
-        if (executable.isEmpty()) // the kernel's own, or beyond reach
+        if (process.executable().isEmpty()) // the kernel's own, or beyond reach
             return false;
-        for (const QByteArray &path : {executable, process.argument0(), process.script()}) {
-            if (const QByteArray name = baseName(path); wanted.contains(name))
+        for (const QByteArray &name : process.names()) {
+            if (wanted.contains(name))
                 found.insert(QFile::decodeName(name));
         }
         return found.size() == wanted.size();
@@ -150,9 +210,26 @@ bool ProcPrograms::runsFrom(const QString &path) const
         return isWithin(file, place) || isWithin(canonicalPath(file), place);
     };
     return anyProcess([&](const Process &process) {
-        const QByteArray executable = process.executable();
-        return isWithin(executable, place) || isThere(process.script()) || isThere(process.image(executable));
+        return isWithin(process.executable(), place) || std::ranges::any_of(process.files(), isThere);
     });
+}
+
+QByteArray sandboxName(const QByteArray &groups)
+{
+    for (const QByteArray &line : groups.split('\n')) {
+        // systemd writes what a unit's name must not hold as "\x2d".
+        QByteArray unit = baseName(line);
+        for (qsizetype at; (at = unit.indexOf("\\x")) >= 0;)
+            unit.replace(at, 4, QByteArray::fromHex(unit.mid(at + 2, 2)));
+        if (!unit.endsWith(".scope"))
+            continue;
+        constexpr QByteArrayView flatpak = "app-flatpak-";
+        if (unit.startsWith(flatpak))
+            return unit.sliced(flatpak.size(), unit.lastIndexOf('-') - flatpak.size());
+        if (unit.startsWith("snap."))
+            return unit.first(unit.indexOf('.', 5));
+    }
+    return {};
 }
 
 QSet<QByteArray> socketPaths(const QByteArray &table)

@@ -5,7 +5,10 @@
 namespace velbrix {
 
 // This user's processes as /proc tells of them. A script goes by its own name,
-// not its interpreter's, and a program in an AppImage also lies at the image.
+// not its interpreter's; so does what Java runs: an archive, or the folders of
+// one of JetBrains' programs ("IdeaIC2024.1"). A program in an AppImage also
+// lies at the image. What runs in a sandbox answers to that as well: a Flatpak
+// to its identifier, a snap to "snap.NAME".
 class ProcPrograms final : public RunningPrograms {
 public:
     QSet<QString> running(const QStringList &names) const override;
@@ -14,6 +17,8 @@ public:
     std::optional<QSet<QByteArray>> boundSockets() const override;
 };
 
+// The sandbox that a process of these control groups runs in; mostly none.
+QByteArray sandboxName(const QByteArray &groups);
 // The paths in one table of local sockets; abstract names left out.
 QSet<QByteArray> socketPaths(const QByteArray &table);
 
