@@ -14,12 +14,15 @@ struct Rig : ServicesRig {
         said.clear();
         std::optional<QJsonObject> answer;
         server
-            .answer(toJson(parseCommand(line.split(u' ')).value()),
-                    [this](const QJsonObject &progress) { said.append(progress); })
+            .answer(
+                toJson(parseCommand(line.split(u' ')).value()),
+                [this](const QJsonObject &progress) { said.append(progress); }, client)
             .then([&](QJsonObject now) { answer = std::move(now); });
         const bool isAnswered = waitFor([&] {
             clock.advance(100ms);
-            host.archiver.holds = host.archiver.holds && said.isEmpty();
+            if (goesAway && !said.isEmpty())
+                client.cancel();
+            host.archiver.holds = host.archiver.holds && (said.isEmpty() || goesAway);
             return answer.has_value();
         });
         return isAnswered ? commandReplyFromJson(*answer) : CommandReply{-1, u"no reply"_s, {}};
@@ -35,6 +38,8 @@ struct Rig : ServicesRig {
 
     CommandServer server{make()};
     QList<QJsonObject> said;
+    Cancellation client;
+    bool goesAway = false; // as soon as it has heard something
 };
 
 } // namespace
@@ -51,6 +56,24 @@ private Q_SLOTS:
         const CommandReply reply = rig.ask(u"backup run photos"_s);
         QCOMPARE(reply.exitCode, exitcode::done);
         QCOMPARE(rig.said.first(), (QJsonObject{{u"what"_s, u"正在备份"_s}}));
+    }
+
+    void whatAClientHasBegunEndsWithIt()
+    {
+        Rig rig;
+        rig.addBackup();
+        rig.host.archiver.holds = true; // for ever, unless it is cancelled
+        rig.goesAway = true;
+        QCOMPARE(rig.ask(u"backup run photos"_s).exitCode, exitcode::refused);
+        QVERIFY(!rig.services->fileBackup.isRunningBackup());
+        // Gone before it begins.
+        QCOMPARE(rig.ask(u"backup run photos"_s).exitCode, exitcode::refused);
+        // What somebody else has begun goes on.
+        rig.client = Cancellation();
+        rig.services->fileBackup.runNow(rig.services->fileBackup.tasks().first().id);
+        rig.client.cancel();
+        QCOMPARE(rig.ask(u"backup run photos"_s).text, u"另一个备份任务正在运行"_s);
+        QVERIFY(rig.services->fileBackup.isRunningBackup());
     }
 
     void doesNothingWhileTheProgramEnds()

@@ -11,7 +11,7 @@
 
 namespace {
 
-QCoro::Task<QJsonObject> echo(QJsonObject request, LocalChannelServer::Progress)
+QCoro::Task<QJsonObject> echo(QJsonObject request, LocalChannelServer::Progress, Cancellation)
 {
     request[u"echo"_s] = true;
     co_return request;
@@ -56,7 +56,8 @@ private Q_SLOTS:
     void progressComesBeforeTheAnswer()
     {
         VirtualClock clock;
-        Rig rig([&](QJsonObject, LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
+        Rig rig([&](QJsonObject, LocalChannelServer::Progress progress,
+                    Cancellation) -> QCoro::Task<QJsonObject> {
             progress({{u"share"_s, 0.5}});
             co_await Pause(clock, 1min);
             co_return QJsonObject{{u"done"_s, true}};
@@ -95,11 +96,13 @@ private Q_SLOTS:
     void theWorkGoesOnWithoutTheClient()
     {
         VirtualClock clock;
-        bool isDone = false;
-        const Rig rig([&](QJsonObject, LocalChannelServer::Progress progress) -> QCoro::Task<QJsonObject> {
+        bool isDone = false, isCancelled = false;
+        const Rig rig([&](QJsonObject, LocalChannelServer::Progress progress,
+                          Cancellation work) -> QCoro::Task<QJsonObject> {
             co_await Pause(clock, 10s);
             progress({{u"share"_s, 1}});
             isDone = true;
+            isCancelled = work.isCancelled();
             co_return QJsonObject();
         });
         auto socket = std::make_unique<QLocalSocket>();
@@ -107,7 +110,35 @@ private Q_SLOTS:
         socket->write("{}\n");
         QTRY_VERIFY(clock.pendingCount() > 0); // it has begun
         socket.reset();
+        QCoreApplication::processEvents();
         QVERIFY(waitFor([&] { return clock.advance(1s), isDone; }));
+        QVERIFY(isCancelled);
+    }
+
+    void theClientCanCancelAndStillGetsTheAnswer()
+    {
+        VirtualClock clock;
+        const Rig rig([&](QJsonObject, LocalChannelServer::Progress progress,
+                          Cancellation work) -> QCoro::Task<QJsonObject> {
+            progress({{u"share"_s, 0}});
+            while (!work.isCancelled())
+                co_await Pause(clock, 1s);
+            co_return QJsonObject{{u"cancelled"_s, true}};
+        });
+        Cancellation cancellation;
+        std::optional<ChannelAnswer> answer;
+        askLocalChannel(
+            rig.path, {}, clock, [&](const QJsonObject &) { cancellation.cancel(); }, cancellation)
+            .then([&](ChannelAnswer got) { answer = std::move(got); });
+        QVERIFY(waitFor([&] { return clock.advance(1s), answer.has_value(); }));
+        QCOMPARE(answer->value(), (QJsonObject{{u"cancelled"_s, true}}));
+    }
+
+    void tooLongARequestIsRefused()
+    {
+        const Rig rig;
+        QCOMPARE(ask(rig.path, {{u"text"_s, QString(70'000, u'x')}}).error().message,
+                 u"命令太长（超过 64 KB），没有执行"_s);
     }
 
     void badClientsAreHungUpOn()

@@ -59,6 +59,9 @@ struct CommandForm {
     QString help = {};
     bool takesPath = false; // each argument is the path of a file
     QList<CommandOption> options = {};
+    // The tool's job that it has begun is cancelled by Ctrl-C and when the client
+    // goes away. All others run to their end.
+    bool stopsWithClient = false;
 
     bool operator==(const CommandForm &) const = default;
 };
@@ -77,7 +80,7 @@ struct ParsedCommand {
 
 // Called on the main thread of the running program. Whoever asks sees the
 // progress of the tool's jobs until the answer is there, and may go away
-// before.
+// before; that shows in the job alone.
 using CommandHandler = std::function<QCoro::Task<CommandReply>(AppServices &services, ParsedCommand command)>;
 
 // A verb together with what it does.

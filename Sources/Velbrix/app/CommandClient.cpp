@@ -1,13 +1,20 @@
 #include "app/CommandClient.h"
 
 #include "app/CommandServer.h"
+#include "app/Tools.h"
 #include "foundation/LocalChannel.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
+#include <QSocketNotifier>
 
+#include <array>
+#include <csignal>
 #include <cstdio>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -49,6 +56,53 @@ private:
     bool _isWritten = false;
 };
 
+int interruptPipe = -1;
+
+void tellInterrupt(int)
+{
+    const char byte = 1;
+    (void)!::write(interruptPipe, &byte, 1);
+}
+
+// Cancels with the first Ctrl-C; the second ends the program as it always does.
+class InterruptWatch {
+public:
+    InterruptWatch(Cancellation cancellation, std::function<void()> cancelled)
+    {
+        struct sigaction found{};
+        // Whoever had it ignored wants this to go on.
+        if (::sigaction(SIGINT, nullptr, &found) != 0 || found.sa_handler == SIG_IGN ||
+            ::pipe(_pipe.data()) != 0)
+            return;
+        interruptPipe = _pipe[1];
+        _notifier = std::make_unique<QSocketNotifier>(_pipe[0], QSocketNotifier::Read);
+        QObject::connect(_notifier.get(), &QSocketNotifier::activated, _notifier.get(),
+                         [this, cancellation, cancelled]() mutable {
+                             _notifier->setEnabled(false);
+                             cancelled();
+                             cancellation.cancel();
+                         });
+        struct sigaction action{};
+        action.sa_handler = tellInterrupt;
+        action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
+        ::sigaction(SIGINT, &action, nullptr);
+    }
+    ~InterruptWatch()
+    {
+        if (!_notifier)
+            return;
+        std::signal(SIGINT, SIG_DFL);
+        _notifier.reset();
+        for (const int end : _pipe)
+            ::close(end);
+    }
+    Q_DISABLE_COPY_MOVE(InterruptWatch)
+
+private:
+    std::array<int, 2> _pipe = {-1, -1};
+    std::unique_ptr<QSocketNotifier> _notifier;
+};
+
 int present(const CommandReply &reply, bool json)
 {
     const bool done = reply.exitCode == exitcode::done;
@@ -72,8 +126,13 @@ QCoro::Task<CommandReply> ask(ParsedCommand command, Clock &clock)
         co_return notRunning;
     const QJsonObject request = toJson(withAbsolutePaths(command, QDir::currentPath()));
     ProgressLine line(!command.json);
+    const Cancellation cancellation;
+    std::optional<InterruptWatch> watch;
+    if (const Command *const known = commandOf(command.words); known && known->form.stopsWithClient)
+        watch.emplace(cancellation, [&line] { line.show({{u"what"_s, u"正在停止…"_s}}); });
     const auto answer = co_await askLocalChannel(
-        *endpoint, request, clock, [&line](const QJsonObject &progress) { line.show(progress); });
+        *endpoint, request, clock, [&line](const QJsonObject &progress) { line.show(progress); },
+        cancellation);
     if (answer)
         co_return commandReplyFromJson(*answer);
     co_return answer.error().nobodyListens ? notRunning : CommandReply::refusal(answer.error().message);

@@ -39,13 +39,25 @@ void follow(const Job &job, QObject *listener, const LocalChannelServer::Progres
     });
 }
 
+// Cancels what the command has begun, and what it may still begin, as long as
+// the listener lives. A job that somebody else is at is theirs.
+Observation stopWith(Cancellation work, Job &job, QObject *listener)
+{
+    if (job.isBusy())
+        return Observation();
+    return work.onCancel([&job, listener] {
+        QObject::connect(&job, &Job::started, listener, [&job] { job.cancel(); }, Qt::QueuedConnection);
+        job.cancel();
+    });
+}
+
 } // namespace
 
 CommandServer::CommandServer(AppServices &services, QObject *parent)
     : QObject(parent),
       _services(services),
-      _channel([this](const QJsonObject &request,
-                      LocalChannelServer::Progress progress) { return answer(request, std::move(progress)); },
+      _channel([this](const QJsonObject &request, LocalChannelServer::Progress progress,
+                      Cancellation work) { return answer(request, std::move(progress), std::move(work)); },
                services.clock)
 {
     connect(&_channel, &LocalChannelServer::answered, this, &CommandServer::answered);
@@ -59,7 +71,8 @@ Result<void> CommandServer::listen()
     return _channel.listen(*endpoint);
 }
 
-QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request, LocalChannelServer::Progress progress)
+QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request, LocalChannelServer::Progress progress,
+                                               Cancellation work)
 {
     const ParsedCommand command = parsedCommandFromJson(request);
     // Not only our own client can write to the endpoint.
@@ -70,8 +83,12 @@ QCoro::Task<QJsonObject> CommandServer::answer(QJsonObject request, LocalChannel
         co_return toJson(CommandReply::refusal(u"Velbrix 正在退出，没有执行"_s));
     const Command *const verb = commandOf(command.words);
     QObject listener;
-    if (const Job *const job = jobBehind(*verb, _services))
+    Observation stopping;
+    if (Job *const job = jobBehind(*verb, _services)) {
         follow(*job, &listener, progress);
+        if (verb->form.stopsWithClient)
+            stopping = stopWith(work, *job, &listener);
+    }
     const QPointer self(this);
     const quint64 changes = _services.settings.changes();
     const CommandReply reply = co_await verb->run(_services, command);

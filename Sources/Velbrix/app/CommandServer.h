@@ -22,7 +22,8 @@ public:
     bool isAnswering() const { return _channel.isAnswering(); }
     // Of a request that may come from anybody. The progress is that of the
     // tool's jobs: "what" and, where it is known, "share" (0…1).
-    QCoro::Task<QJsonObject> answer(QJsonObject request, LocalChannelServer::Progress progress);
+    QCoro::Task<QJsonObject> answer(QJsonObject request, LocalChannelServer::Progress progress,
+                                    Cancellation work);
 
 Q_SIGNALS:
     // Nobody waits any more.

@@ -28,6 +28,7 @@ constexpr auto longestSilence = 20s;
 constexpr qint64 mostUnread = 64LL * 1024;
 
 const QString progressKey = u"progress"_s; // the only key of a line that is not the answer
+const QString cancelKey = u"cancel"_s;     // of the client's second line
 
 QByteArray line(const QJsonObject &object)
 {
@@ -55,11 +56,18 @@ public:
         });
     }
 
-    QFuture<ChannelAnswer> ask(const QString &path, const QJsonObject &request)
+    QFuture<ChannelAnswer> ask(const QString &path, const QJsonObject &request, Cancellation cancellation)
     {
-        connect(&_socket, &QLocalSocket::connected, this, [this, request] {
+        const QByteArray said = line(request);
+        if (said.size() > longestRequest) {
+            end(std::unexpected(ChannelFailure{false, u"命令太长（超过 64 KB），没有执行"_s}));
+            return _answer.future();
+        }
+        connect(&_socket, &QLocalSocket::connected, this, [this, said, cancellation] {
             _isConnected = true;
-            _socket.write(line(request));
+            _socket.write(said);
+            _cancelling =
+                Cancellation(cancellation).onCancel([this] { _socket.write(line({{cancelKey, true}})); });
         });
         wait();
         _socket.connectToServer(path);
@@ -98,6 +106,7 @@ private:
     const LocalChannelServer::Progress _progress;
     QPromise<ChannelAnswer> _answer;
     std::unique_ptr<Alarm> _silence;
+    Observation _cancelling;
     bool _isConnected = false;
     bool _isEnded = false;
     QLocalSocket _socket; // the first to go: it may report its end then
@@ -153,10 +162,24 @@ QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject reque
 {
     const QPointer self(this);
     const QPointer client(socket);
+    Cancellation work;
+    const auto hear = [socket, work]() mutable {
+        while (socket->canReadLine()) {
+            const QJsonDocument said = QJsonDocument::fromJson(socket->readLine(longestRequest));
+            if (said.object().value(cancelKey).toBool())
+                work.cancel();
+        }
+        // No more than that is ever said.
+        if (socket->bytesAvailable() > longestRequest)
+            socket->abort();
+    };
+    connect(socket, &QLocalSocket::readyRead, socket, hear);
+    connect(socket, &QLocalSocket::disconnected, socket, [work]() mutable { work.cancel(); });
+    QMetaObject::invokeMethod(socket, hear, Qt::QueuedConnection); // it may have come with the request
     ++_openRequests;
     const auto beat = _clock.every(progressInterval, [client] { tell(client, {}); });
     const QJsonObject reply =
-        co_await _handler(request, [client](const QJsonObject &progress) { tell(client, progress); });
+        co_await _handler(request, [client](const QJsonObject &progress) { tell(client, progress); }, work);
     if (client) {
         client->write(line(reply));
         client->flush(); // the program may be about to end
@@ -167,10 +190,10 @@ QCoro::Task<> LocalChannelServer::answer(QLocalSocket *socket, QJsonObject reque
 }
 
 QCoro::Task<ChannelAnswer> askLocalChannel(QString path, QJsonObject request, Clock &clock,
-                                           LocalChannelServer::Progress progress)
+                                           LocalChannelServer::Progress progress, Cancellation cancellation)
 {
     Inquiry inquiry(clock, std::move(progress));
-    const QFuture<ChannelAnswer> future = inquiry.ask(path, request);
+    const QFuture<ChannelAnswer> future = inquiry.ask(path, request, cancellation);
     ChannelAnswer answer = co_await future;
     co_return answer;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Cancellation.h"
 #include "foundation/Clock.h"
 #include "foundation/Result.h"
 
@@ -19,7 +20,8 @@ namespace velbrix {
 
 // Requests between two programs of one user: one JSON object asks and one
 // answers, each as a line of text. Until the answer is there lines of progress
-// come, and show the client that somebody still works on it. Main thread.
+// come, and show the client that somebody still works on it; the client may say
+// that it wants no more. Main thread.
 class LocalChannelServer final : public QObject {
     Q_OBJECT
 
@@ -27,8 +29,10 @@ public:
     // Tells the client how far its request has come; nothing happens when the
     // client has gone.
     using Progress = std::function<void(const QJsonObject &progress)>;
-    // Goes on although the client goes away.
-    using Handler = std::function<QCoro::Task<QJsonObject>(QJsonObject request, Progress progress)>;
+    // The work is cancelled when the client says so or goes away; what comes of
+    // that is up to the handler.
+    using Handler =
+        std::function<QCoro::Task<QJsonObject>(QJsonObject request, Progress progress, Cancellation work)>;
 
     LocalChannelServer(Handler handler, Clock &clock, QObject *parent = nullptr);
     ~LocalChannelServer() override;
@@ -60,10 +64,12 @@ struct ChannelFailure {
 };
 
 // Asks whoever listens at the endpoint. Waits for the answer as long as that
-// takes, but not for one who says nothing any more.
+// takes, but not for one who says nothing any more. Cancelling passes that on,
+// and the answer is waited for all the same.
 using ChannelAnswer = std::expected<QJsonObject, ChannelFailure>;
 QCoro::Task<ChannelAnswer> askLocalChannel(QString path, QJsonObject request, Clock &clock,
-                                           LocalChannelServer::Progress progress = {});
+                                           LocalChannelServer::Progress progress = {},
+                                           Cancellation cancellation = {});
 
 // Where this user's running program listens.
 Result<QString> controlEndpoint();

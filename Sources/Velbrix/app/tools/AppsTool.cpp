@@ -264,7 +264,8 @@ QList<Command> commands()
           .least = 1,
           .most = 1,
           .help = u"卸载应用；--dry-run 只显示将被移走的内容"_s,
-          .options = {{u"--mode"_s, u"full|app|custom"_s}, {u"--dry-run"_s, {}}, {u"--yes"_s, {}}}},
+          .options = {{u"--mode"_s, u"full|app|custom"_s}, {u"--dry-run"_s, {}}, {u"--yes"_s, {}}},
+          .stopsWithClient = true},
          [](AppServices &services, ParsedCommand command) {
              return uninstall(services.uninstaller, services.privacy, std::move(command));
          }},
