@@ -44,12 +44,30 @@ private Q_SLOTS:
     {
         Rig rig;
         for (const QString &words : {u"clean preview"_s, u"clean run"_s}) {
-            QVERIFY(rig.said(words + u" npm"_s).contains(u"零 KB  file"_s));
+            QVERIFY(rig.said(words + u" npm"_s).contains(u"/_cacache/file"_s));
             QCOMPARE(rig.reply.isQuestion(), words == u"clean run"_s);
             const QJsonValue entry = rig.reply.data[u"items"_s][0][u"entries"_s][1];
             QVERIFY(entry[u"path"_s].toString().endsWith(u"/file"_s) && entry[u"included"_s].toBool());
             QVERIFY(!rig.isEmpty());
         }
+    }
+
+    void toldIsOnlyWhatGoes()
+    {
+        Rig rig;
+        const QByteArray file = QFile::encodeName(QFileInfo(rig.folder + u"/file"_s).canonicalFilePath());
+        rig.host.diskUsage.sizes[file] = 2'000'000;
+        QCOMPARE((rig.said(u"clean preview npm"_s), rig.reply.data[u"items"_s][0][u"goes"_s]), 2'000'000);
+        CleanupDetails &details = rig.services->cleaner.details();
+        details.open(u"npm"_s); // what the window shows is not what is there by now
+        QVERIFY(waitFor([&] { return !details.contents().value(u"npm"_s).isMeasuring; }));
+        writeFile(rig.folder + u"/later"_s);
+        details.setIncluded(u"npm"_s, file, false);
+        const QString told = rig.said(u"clean preview npm"_s);
+        QVERIFY(told.contains(u"零 KB  ~/.npm/_cacache/later\n"_s) && told.contains(u"/file：已排除"_s));
+        QCOMPARE(rig.reply.data[u"items"_s][0][u"goes"_s], 0);
+        rig.host.programs.names = {u"npm"_s};
+        QCOMPARE(rig.said(u"clean preview npm"_s), u"0 正在运行，将跳过：npm 缓存"_s);
     }
 
     void doesNotAskInVain()
@@ -60,6 +78,10 @@ private Q_SLOTS:
         rig.host.programs.names = {u"npm"_s};
         QVERIFY(rig.said(u"clean run npm"_s).endsWith(u" 所选项目的应用正在运行，没有清理"_s));
         QVERIFY(!rig.reply.isQuestion());
+        rig.host.programs.names.clear();
+        QVERIFY(QDir(rig.folder).removeRecursively());
+        QCOMPARE(rig.said(u"clean run npm"_s), u"0 没有可清理的内容：npm 缓存"_s);
+        QVERIFY(!rig.reply.isQuestion());
     }
 
     void asksForWhatItShows()
@@ -68,7 +90,7 @@ private Q_SLOTS:
         rig.services->cleaner.setAllSelected(false);
         rig.services->cleaner.setSelected(u"npm"_s, true);
         writeFile(rig.folder + u"/two\nlines\x1b[2J"_s);
-        QVERIFY(rig.said(u"clean run"_s).contains(u"  two lines [2J"_s));
+        QVERIFY(rig.said(u"clean run"_s).contains(u"/_cacache/two lines [2J"_s));
         QVERIFY(rig.reply.isQuestion());
         QCOMPARE(rig.reply.data[u"arguments"_s].toArray(), QJsonArray{u"npm"_s});
     }

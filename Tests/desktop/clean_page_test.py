@@ -56,7 +56,7 @@ class CleanPage(DesktopTestCase):
         self.window.wait_for("系统清理隐私确认")
         self.window.click("同意并继续")
         self.window.wait_for("确认清理")
-        self.window.wait_for(f"{ITEM} — 3.5 MB（排除 1 个条目）")
+        self.window.wait_for(f"{ITEM} — 3 MB（排除 1 个条目）")
         self.assertTrue((self.cache / "large/data").exists(), "nothing goes before the answer")
         self.window.click("清理", "push button")
         self.window.wait_for("清理完成！处理了 3 个项目", prefix=True)

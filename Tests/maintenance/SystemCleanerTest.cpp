@@ -23,6 +23,8 @@ struct Rig : SettingsRig {
     FakeRunningPrograms programs;
     std::unique_ptr<SystemCleaner> cleaner;
 
+    QStringList spared; // in the caches
+
     QString path(const QString &below) const { return home.filePath(below); }
     QByteArray native(const QString &below) const
     {
@@ -44,7 +46,9 @@ struct Rig : SettingsRig {
                                {id, id, {}, line, admin},
                                {}};
         };
-        return {folder(u"caches"_s, u"cache"_s), folder(u"browser"_s, u"cache/browser"_s, {u"browser"_s}),
+        CleanupRule caches = folder(u"caches"_s, u"cache"_s);
+        caches.sparedPaths = spared;
+        return {caches, folder(u"browser"_s, u"cache/browser"_s, {u"browser"_s}),
                 folder(u"trash"_s, u"trash"_s),
                 command(u"mark"_s, u"touch '%1' 2>/dev/null; true"_s.arg(path(u"marked"_s)), false),
                 command(u"dns"_s, u"flush 2>/dev/null; true"_s, true)};
@@ -239,17 +243,18 @@ private Q_SLOTS:
         rig.cleaned({u"caches"_s});
         QCOMPARE(tree::snapshot(folder.chopped(1)).keys(),
                  (QList<QByteArray>{"caf\xe9 %41\n", "dear", "dear/file"}));
-        // Seen to be missing, it is forgotten; an empty folder may be a disk's that is not there.
-        rig.cleaner->details().open(u"caches"_s);
-        QTRY_COMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
+        // Missing for a moment they stay excluded, and can be seen, until the user says otherwise.
         QCOMPARE(::unlink(odd.constData()), 0);
-        QVERIFY(QDir(rig.path(u"cache"_s)).removeRecursively() && QDir().mkpath(rig.path(u"cache"_s)));
         CleanupDetails &details = rig.make().details();
         details.open(u"caches"_s);
         QTRY_VERIFY((rig.clock.advance(50ms), !details.contents().value(u"caches"_s).isMeasuring));
-        QCOMPARE(rig.cleaner->excludedCount(u"caches"_s), 2);
-        for (const QByteArray &path : {folder + "dear", odd})
-            details.setIncluded(u"caches"_s, path, true);
+        const QList<CleanupEntry> entries = details.contents().value(u"caches"_s).entries;
+        QCOMPARE(entries.size(), 3);
+        QCOMPARE(rig.make().excludedCount(u"caches"_s), 3);
+        for (const CleanupEntry &entry : entries) {
+            QVERIFY(!entry.goes());
+            rig.cleaner->details().setIncluded(u"caches"_s, entry.path, true);
+        }
         QVERIFY(!rig.store.contains(CleanupChoices::excludedKey));
     }
 
@@ -284,6 +289,10 @@ private Q_SLOTS:
         QCOMPARE(rig.cleaner->report().removal.problems, QList<RemovalProblem>());
         QCOMPARE(rig.cleaned({u"caches"_s, u"browser"_s}), (QStringList{hidden, dear}));
         QCOMPARE(rig.cleaner->report().removal.problems, QList<RemovalProblem>());
+        QCOMPARE(rig.cleaner->report().outcome.cleanedCount, 1); // cheap
+        const QList<CleanupNote> kept = rig.cleaner->report().kept;
+        QCOMPARE(kept, (QList<CleanupNote>{{QFile::decodeName(rig.native(u"cache/browser"_s)),
+                                            u"里面有保留的内容（你排除的条目）"_s}}));
         rig.cleaner->details().setIncluded(u"browser"_s, rig.native(u"cache/browser/dear"_s), true);
         QCOMPARE(rig.cleaned({u"caches"_s, u"browser"_s}), QStringList{hidden});
     }
@@ -291,11 +300,92 @@ private Q_SLOTS:
     void aLinkIntoAnotherItemDoesNotHideWhatStays()
     {
         Rig rig;
-        rig.put({u"real/mine/file"_s, u"real/other"_s});
+        rig.put({u"real/browser/mine/file"_s, u"real/browser/other"_s});
         QVERIFY(QFile::link(rig.path(u"real"_s), rig.path(u"cache"_s)));
-        QVERIFY(rig.cleaner->addCustomPath(rig.path(u"real/mine"_s)));
+        QVERIFY(rig.cleaner->addCustomPath(rig.path(u"real/browser/mine"_s)));
         rig.finish();
-        QCOMPARE(rig.cleaned({u"caches"_s}), QStringList{u"real/mine/file"_s});
+        QCOMPARE(rig.cleaned({u"browser"_s}), QStringList{u"real/browser/mine/file"_s});
+    }
+
+    void aFolderThatIsALinkIsLeftAlone()
+    {
+        Rig rig;
+        const QStringList letter{u"documents/letter"_s};
+        rig.put(letter);
+        QVERIFY(QFile::link(rig.path(u"documents"_s), rig.path(u"cache"_s)));
+        rig.usage.sizes = {{rig.native(u"documents"_s), 5000}};
+        const QString told = u"是一个链接，指向 %1，不会清理；要清理那里，请把它添加为自定义文件夹"_s.arg(
+            QFile::decodeName(rig.native(u"documents"_s)));
+        QCOMPARE(rig.cleaned({u"caches"_s}), letter);
+        QCOMPARE(rig.cleaner->report().removal.problems.value(0).reason, told);
+        QTRY_COMPARE((rig.clock.advance(50ms), rig.sizeOf(u"caches"_s)), u"无数据"_s);
+        rig.cleaner->details().open(u"caches"_s);
+        QTRY_COMPARE(rig.cleaner->details().contents().value(u"caches"_s).problem, told);
+        QVERIFY(errorText(rig.cleaner->addCustomPath(rig.path(u"cache"_s))).startsWith(u"这是一个链接"_s));
+    }
+
+    void onlyWhatGoesIsCounted()
+    {
+        Rig rig;
+        rig.put({u"cache/browser/page"_s, u"cache/browser/dear"_s, u"cache/loose"_s, u"cache/.git/x"_s,
+                 u"cache/ide/history"_s});
+        rig.spared = {rig.path(u"cache/ide"_s)};
+        rig.usage.sizes = {{rig.native(u"cache"_s), 10'000},
+                           {rig.native(u"cache/browser"_s), 4000},
+                           {rig.native(u"cache/browser/dear"_s), 500},
+                           {rig.native(u"cache/.git"_s), 1000},
+                           {rig.native(u"cache/ide"_s), 2000}};
+        SystemCleaner &cleaner = rig.make();
+        cleaner.details().setIncluded(u"browser"_s, rig.native(u"cache/browser/dear"_s), false);
+        cleaner.setAllSelected(false);
+        const auto selectedBytes = [&](const QStringList &ids) {
+            for (const QString &id : {u"caches"_s, u"browser"_s})
+                cleaner.setSelected(id, ids.contains(id));
+            return cleaner.selectedBytes();
+        };
+        cleaner.recalculate();
+        rig.finish();
+        QCOMPARE(selectedBytes({u"browser"_s}), 4000 - 500);
+        QCOMPARE(selectedBytes({u"caches"_s}), 10'000 - 4000 - 1000 - 2000);
+        // The folder of the excluded entry stays when the outer item is cleaned; the inner one empties it.
+        QCOMPARE(selectedBytes({u"caches"_s, u"browser"_s}), 10'000 - 500 - 1000 - 2000);
+        QCOMPARE(rig.cleaned({u"caches"_s}), (QStringList{u"cache/.git/x"_s, u"cache/browser/dear"_s,
+                                                          u"cache/browser/page"_s, u"cache/ide/history"_s}));
+    }
+
+    void whatAPatternsOwnersUseStays()
+    {
+        Rig rig;
+        rig.put({u"app/org.velb.Busy/cache/a"_s, u"app/org.velb.Idle/cache/b"_s});
+        rig.programs.names = {u"org.velb.Busy"_s};
+        CleanupRule apps;
+        apps.item = {u"apps"_s, u"apps"_s, u"trash"_s, {}, true, u"计算中…"_s, {}};
+        apps.target = {u"apps"_s, u"apps"_s, rig.path(u"app/*/cache"_s), {}, false};
+        apps.folderOwner = u"%1"_s;
+        SystemCleaner cleaner({rig.usage, rig.trash, rig.admin, rig.programs}, rig.store, rig.clock, {apps},
+                              {});
+        cleaner.clean();
+        QTRY_VERIFY((rig.clock.advance(50ms), !cleaner.isWorking()));
+        QCOMPARE(filesBelow(rig.home.path()), QStringList{u"app/org.velb.Busy/cache/a"_s});
+        QCOMPARE(cleaner.report().skipped, QStringList{u"apps（org.velb.Busy）"_s});
+    }
+
+    void whatIsYoungIsNeitherListedNorCounted()
+    {
+        Rig rig;
+        rig.put({u"tmp/young"_s});
+        CleanupRule temporary;
+        temporary.item = {u"temp"_s, u"temp"_s, u"trash"_s, {}, true, u"计算中…"_s, {}};
+        temporary.target = {u"temp"_s, u"temp"_s, rig.path(u"tmp"_s), {}, false};
+        temporary.onlyOldOwnFiles = true;
+        SystemCleaner cleaner({rig.usage, rig.trash, rig.admin, rig.programs}, rig.store, rig.clock,
+                              {temporary}, {});
+        cleaner.details().open(u"temp"_s);
+        QTRY_VERIFY(!cleaner.details().contents().value(u"temp"_s).note.isEmpty());
+        QVERIFY(cleaner.details().contents().value(u"temp"_s).entries.isEmpty());
+        cleaner.clean();
+        QTRY_VERIFY((rig.clock.advance(50ms), !cleaner.isWorking()));
+        QCOMPARE(cleaner.report().outcome, CleanupPhase::done(0, 0));
     }
 
     void linksLaidByOthersAreNotFollowed()
@@ -342,16 +432,35 @@ private Q_SLOTS:
         QCOMPARE(rig.cleaner->phase(), CleanupPhase::failed(u"所选项目的应用正在运行，没有清理"_s));
         rig.cleaner->setForced(u"browser"_s, true);
         QCOMPARE(rig.cleaned({u"browser"_s}), QStringList());
+        // Started while another item is cleaned.
+        rig.make();
+        rig.put({u"cache/browser/page"_s});
+        rig.programs.names.clear();
+        rig.cleaner->clean({u"caches"_s, u"browser"_s});
+        rig.programs.names = {u"browser"_s};
+        rig.finish();
+        QCOMPARE(rig.cleaner->report().skipped, QStringList{u"browser"_s});
     }
 
     void removalsThatFailAreTold()
     {
         Rig rig;
         rig.trash.emptyAnswer = failure(u"磁盘只读"_s);
-        rig.cleaned({u"trash"_s});
-        // Counted all the same, as every item is.
-        QCOMPARE(rig.cleaner->report().outcome, CleanupPhase::done(1, 0));
-        QCOMPARE(rig.cleaner->report().removal.problems.first().reason, u"磁盘只读"_s);
+        const auto prompt = [&](const Result<ProcessOutcome> &answer) {
+            rig.admin.answer = [=](const QString &) { return answer; };
+            rig.cleaned({u"trash"_s, u"mark"_s, u"dns"_s});
+            return reportLines(rig.cleaner->report());
+        };
+        const QStringList lines = {u"已执行，释放的空间无法测量：mark"_s, u"trash没有成功：磁盘只读"_s};
+        QCOMPARE(prompt(failure(u"没有得到管理员授权"_s)),
+                 lines + QStringList{u"dns没有成功：没有得到管理员授权"_s});
+        QCOMPARE(resultText(rig.cleaner->report()), u"部分项目没有清理成功，处理了 1 个项目"_s);
+        // The phase counts them all the same, as every item is.
+        QCOMPARE(rig.cleaner->report().outcome, CleanupPhase::done(3, 0));
+        QCOMPARE(prompt(ProcessOutcome{.exitCode = 5, .output = {}, .errorOutput = "warned\nE: locked\n"}),
+                 lines + QStringList{u"dns没有成功：E: locked"_s});
+        rig.cleaned({u"dns"_s});
+        QCOMPARE(resultText(rig.cleaner->report()), u"没有清理成功"_s);
     }
 
     void cleansOnceAtATimeAndStopsBetweenItems()
@@ -367,7 +476,7 @@ private Q_SLOTS:
         rig.clock.advance(10s);
         rig.finish();
         QVERIFY(rig.cleaner->report().wasCancelled && rig.trash.calls.isEmpty());
-        QVERIFY(resultText(rig.cleaner->report()).startsWith(u"清理已取消，处理了 2 个项目"_s));
+        QVERIFY(resultText(rig.cleaner->report()).startsWith(u"清理已取消，处理了 1 个项目"_s));
     }
 
     void details()
@@ -376,7 +485,7 @@ private Q_SLOTS:
         rig.put({u"cache/small"_s, u"cache/large"_s, u"cache/.hidden"_s});
         rig.usage.sizes = {{rig.native(u"cache/large"_s), 900}, {rig.native(u"cache/small"_s), 1}};
         CleanupDetails &details = rig.cleaner->details();
-        QVERIFY(details.canOpen(u"caches"_s) && !details.canOpen(u"trash"_s) && !details.canOpen(u"dns"_s));
+        QVERIFY(details.canOpen(u"caches"_s) && details.canOpen(u"trash"_s) && !details.canOpen(u"dns"_s));
         details.open(u"caches"_s);
         QVERIFY(details.contents().value(u"caches"_s).isMeasuring);
         QTRY_VERIFY(!details.contents().value(u"caches"_s).isMeasuring);
@@ -387,6 +496,18 @@ private Q_SLOTS:
         details.open(u"browser"_s);
         QTRY_VERIFY(!details.contents().value(u"browser"_s).isMeasuring);
         QCOMPARE(details.contents().value(u"browser"_s), CleanupContents());
+        // Whoever asks sees what is there now; the opened row, what it was.
+        rig.put({u"cache/new"_s});
+        std::optional<CleanupContents> now;
+        details.look(u"caches"_s, {}).then([&](CleanupContents found) { now = found; });
+        QTRY_VERIFY(now);
+        QCOMPARE(now->entries.size(), 3);
+        QCOMPARE(details.contents().value(u"caches"_s).entries.size(), 2);
+        // What is in the trash goes together.
+        writeFile(rig.trash.folders().first() + u"/thrown"_s);
+        details.open(u"trash"_s);
+        QTRY_VERIFY(!details.contents().value(u"trash"_s).isMeasuring);
+        QVERIFY(details.contents().value(u"trash"_s).entries.value(0).isFixed);
     }
 };
 

@@ -177,6 +177,7 @@ public:
         co_return report;
     }
     QStringList folders() const override { return {_folder.path()}; }
+    QStringList itemFolders() const override { return folders(); }
 
 private:
     bool isTrashed(const QString &path) const { return path.startsWith(_folder.path() + u'/'); }

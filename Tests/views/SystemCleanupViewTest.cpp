@@ -40,6 +40,16 @@ struct Rig : WindowRig {
     CheckBox *check(const QString &id) const { return find<CheckBox>(u"cleanupCheck."_s + id); }
     QString total() const { return text(u"cleanupTotal"_s); }
     void waitForEnd() { QTRY_VERIFY((clock.advance(100ms), !cleaner().isWorking())); }
+    QString fold(CleanupGroup group) const { return u"cleanupFold.%1"_s.arg(static_cast<int>(group)); }
+    // Shows what is folded away once sizes are known.
+    void unfold()
+    {
+        waitForEnd();
+        for (int group = 0; group < static_cast<int>(CleanupGroup::custom); ++group) {
+            if (const QString name = fold(static_cast<CleanupGroup>(group)); find(name))
+                click(name);
+        }
+    }
     QString focused() const { return window()->focusWidget()->objectName(); }
 };
 
@@ -55,6 +65,13 @@ private Q_SLOTS:
         rig.fill();
         rig.open();
         QTRY_COMPARE(rig.size(chrome), u"7 MB"_s);
+        // What has nothing in it stands behind one line.
+        rig.waitForEnd();
+        QCOMPARE(rig.text(rig.fold(CleanupGroup::editors)), u"3 项都没有可清理的内容"_s);
+        QCOMPARE(rig.text(rig.fold(CleanupGroup::browsers)), u"另有 3 项没有可清理的内容"_s);
+        QVERIFY(!rig.find(u"cleanupRow.jetbrains"_s));
+        rig.unfold();
+        QCOMPARE(rig.text(rig.fold(CleanupGroup::editors)), u"收起没有内容的 3 项"_s);
         QCOMPARE(rig.size(u"jetbrains"_s), u"无数据"_s);
         QVERIFY(rig.texts(u"cleanupPage"_s).contains(u"包管理器缓存"_s));
         for (const CleanupItem &item : rig.cleaner().items())
@@ -78,6 +95,7 @@ private Q_SLOTS:
         rig.open();
         QTRY_COMPARE(rig.total(), u"7 MB"_s);
         QCOMPARE(rig.text(u"cleanupSelection"_s), u"已选 1 项"_s);
+        rig.unfold();
         rig.check(chrome)->setFocus();
         rig.key(Qt::Key_Space);
         QCOMPARE(rig.check(chrome)->state(), Qt::Unchecked);
@@ -114,6 +132,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.fill();
+        rig.host.diskUsage.sizes[rig.native(u"cache"_s)] = 8'000'000;
         rig.open();
         rig.button(u"cleanupOpen."_s + chrome)->setFocus();
         rig.key(Qt::Key_Space);
@@ -124,12 +143,25 @@ private Q_SLOTS:
         rig.key(Qt::Key_Space);
         QCOMPARE(rig.rows(list), (QStringList{u"large，7 MB，将清理"_s, u"small，2 KB，已排除"_s}));
         QCOMPARE(rig.text(u"cleanupContentsText."_s + chrome), u"共 2 个条目，已排除 1 个"_s);
+        QTRY_COMPARE((rig.clock.advance(100ms), rig.total()), u"7 MB"_s);
         rig.clickRow(list, 0);
+        QCOMPARE(rig.total(), u"零 KB"_s);
         // Closed and opened again it is as it was.
         rig.click(u"cleanupOpen."_s + chrome);
         QVERIFY(!rig.find(list));
         rig.click(u"cleanupOpen."_s + chrome);
         QTRY_COMPARE(rig.rows(list), (QStringList{u"large，7 MB，已排除"_s, u"small，2 KB，已排除"_s}));
+        // What another row decides about cannot be changed here.
+        rig.cleaner().setSelected(chrome, false);
+        rig.click(u"cleanupOpen.user-caches"_s);
+        const QString outer = u"cleanupEntries.user-caches"_s;
+        const QString kept = u"google-chrome，7 MB，保留：由「Chrome 浏览器缓存」一项清理"_s;
+        QTRY_COMPARE(rig.rows(outer).value(0), kept);
+        rig.clickRow(outer, 0);
+        QCOMPARE(rig.rows(outer).value(0), kept);
+        rig.cleaner().setSelected(chrome, true);
+        QTRY_COMPARE(rig.rows(outer).value(0),
+                     u"google-chrome，7 MB，保留：里面有保留的内容（你排除的条目）"_s);
     }
 
     void hundredThousandEntries()

@@ -97,6 +97,14 @@ qint64 RemovalRoot::ownSize(const QByteArray &entry) const
     return facts ? facts->st_size : 0;
 }
 
+bool RemovalRoot::mayGo(const QByteArray &entry) const
+{
+    if (!isOpen() || !isEntryName(entry))
+        return false;
+    RemovalWalk walk(_state->handle, _state->path, _state->guard, Cancellation());
+    return !_state->guard.hasMinimumAge() || walk.mayGo(entry);
+}
+
 RemovalReport RemovalRoot::remove(const QByteArray &entry, const Cancellation &cancellation) const
 {
     if (!isOpen() || !isEntryName(entry)) {

@@ -14,8 +14,8 @@ class AdminShell {
 public:
     virtual ~AdminShell() = default;
 
-    // The line is taken as it stands. A refused prompt is an outcome with a
-    // status that is not 0; a host that cannot ask is a failure.
+    // The line is taken as it stands. A refused prompt and a host that cannot
+    // ask are failures: the line has not run.
     virtual QCoro::Task<Result<ProcessOutcome>> run(const QString line, Cancellation cancellation) = 0;
 };
 

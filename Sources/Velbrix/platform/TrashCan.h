@@ -25,6 +25,8 @@ public:
     virtual QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) = 0;
     // What the trash consists of, to be measured; some may be missing.
     virtual QStringList folders() const = 0;
+    // Where the items themselves lie, to be listed; some may be missing.
+    virtual QStringList itemFolders() const = 0;
 };
 
 } // namespace velbrix

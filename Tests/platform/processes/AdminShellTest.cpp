@@ -46,10 +46,21 @@ private Q_SLOTS:
         QCOMPARE(fake.lines, QStringList{line});
     }
 
-    void aRefusalIsAnOutcome()
+    void aRefusedPromptIsAFailure()
     {
-        for (const int status : {126, 127, 3}) { // dismissed, not authorised, the line failed
-            const QString program = asking(u"echo 'Not authorized' >&2; exit %1"_s.arg(status));
+        const QString refused = u"没有得到管理员授权"_s;
+        const QString polkit = u"echo 'Error executing command as another user: %2' >&2; exit %1"_s;
+        for (const QString &end :
+             {polkit.arg(126).arg(u"Request dismissed"_s), polkit.arg(127).arg(u"Not authorized"_s)})
+            QCOMPARE(errorText(run(PolkitAdminShell(_clock, asking(end)), u"true"_s)), refused);
+        const QString cancelled = asking(u"echo '0:1: execution error: 用户已取消。 (-128)' >&2; exit 1"_s);
+        QCOMPARE(errorText(run(OsascriptAdminShell(_clock, cancelled), u"true"_s)), refused);
+    }
+
+    void aLineThatFailsIsAnOutcome()
+    {
+        for (const int status : {126, 127, 3}) { // statuses that the line's own shell gives, too
+            const QString program = asking(u"echo 'not found' >&2; exit %1"_s.arg(status));
             for (const auto &outcome : {run(PolkitAdminShell(_clock, program), u"true"_s),
                                         run(OsascriptAdminShell(_clock, program), u"true"_s)}) {
                 QVERIFY(outcome && !outcome->succeeded());

@@ -1,9 +1,11 @@
 #include "app/AppServices.h"
 #include "app/Tool.h"
 #include "foundation/Awaitables.h"
+#include "foundation/Paths.h"
 #include "foundation/Text.h"
 
 #include <QCoroTask>
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 
@@ -44,7 +46,7 @@ QJsonObject toJson(const SystemCleaner &cleaner, const CleanupItem &item)
     return json;
 }
 
-QString line(const SystemCleaner &cleaner, const CleanupItem &item)
+QString line(const SystemCleaner &cleaner, const CleanupItem &item, const QString &size)
 {
     QStringList marks;
     if (cleaner.isAdministrative(item.id))
@@ -52,8 +54,8 @@ QString line(const SystemCleaner &cleaner, const CleanupItem &item)
     if (cleaner.busyItems().contains(item.id))
         marks << u"正在运行"_s;
     const QString note = marks.isEmpty() ? QString() : u"  （%1）"_s.arg(marks.join(u"，"_s));
-    return u"%1 %2  %3  %4%5"_s.arg(item.isSelected ? u"[x]"_s : u"[ ]"_s, item.id, oneLine(item.name),
-                                    item.estimatedSize, note);
+    return u"%1 %2  %3  %4%5"_s.arg(item.isSelected ? u"[x]"_s : u"[ ]"_s, item.id, oneLine(item.name), size,
+                                    note);
 }
 
 QCoro::Task<CommandReply> list(SystemCleaner &cleaner)
@@ -62,7 +64,7 @@ QCoro::Task<CommandReply> list(SystemCleaner &cleaner)
     QStringList lines;
     QJsonArray items;
     for (const CleanupItem &item : cleaner.items()) {
-        lines << line(cleaner, item);
+        lines << line(cleaner, item, item.estimatedSize);
         items.append(toJson(cleaner, item));
     }
     const CommandReply reply{exitcode::done, lines.join(u'\n'), {{u"items"_s, items}}};
@@ -80,44 +82,53 @@ QString unknownIds(const SystemCleaner &cleaner, const QStringList &ids)
     return {};
 }
 
-// What is in one item, the largest first.
-QCoro::Task<CleanupContents> contentsOf(SystemCleaner &cleaner, CleanupItem item)
-{
-    CleanupDetails &details = cleaner.details();
-    if (!details.canOpen(item.id))
-        co_return CleanupContents();
-    const bool wasOpen = details.contents().contains(item.id);
-    details.open(item.id);
-    while (details.contents().value(item.id).isMeasuring)
-        co_await nextSignal(details, &CleanupDetails::contentsChanged);
-    const CleanupContents contents = details.contents().value(item.id);
-    if (!wasOpen)
-        details.close(item.id);
-    co_return contents;
-}
-
 QStringList linesOf(const CleanupContents &contents)
 {
+    QStringList going, staying;
+    for (const CleanupEntry &entry : contents.entries) {
+        const QString path = oneLine(shortenedPath(QFile::decodeName(entry.path), QDir::homePath()));
+        if (entry.goes())
+            going << u"    %1  %2"_s.arg(formatByteCount(entry.bytes.value_or(0)), path);
+        else
+            staying << u"    保留 %1：%2"_s.arg(path, entry.isIncluded ? entry.whyStays : u"已排除"_s);
+    }
     QStringList lines;
     if (!contents.problem.isEmpty())
         lines << u"    "_s + contents.problem;
-    for (const CleanupEntry &entry :
-         contents.entries.first(std::min<qsizetype>(entriesShown, contents.entries.size())))
-        lines << u"    %1  %2%3"_s.arg(formatByteCount(entry.bytes.value_or(0)), oneLine(entry.name),
-                                       entry.isIncluded ? QString() : u"  （保留）"_s);
-    if (contents.entries.size() > entriesShown)
-        lines << u"    …… 共 %1 项"_s.arg(contents.entries.size());
+    for (const QStringList &kind : {going, staying}) {
+        lines << kind.first(std::min<qsizetype>(entriesShown, kind.size()));
+        if (kind.size() > entriesShown)
+            lines << u"    …… 共 %1 项"_s.arg(kind.size());
+    }
+    if (!contents.note.isEmpty())
+        lines << u"    "_s + contents.note;
     return lines;
 }
 
 QJsonArray toJson(const QList<CleanupEntry> &entries)
 {
     QJsonArray all;
-    for (const CleanupEntry &entry : entries)
-        all.append(QJsonObject{{u"path"_s, QFile::decodeName(entry.path)},
-                               {u"bytes"_s, entry.bytes.value_or(0)},
-                               {u"included"_s, entry.isIncluded}});
+    for (const CleanupEntry &entry : entries) {
+        QJsonObject json = {{u"path"_s, QFile::decodeName(entry.path)},
+                            {u"bytes"_s, entry.bytes.value_or(0)},
+                            {u"included"_s, entry.goes()}};
+        if (!entry.goes())
+            json[u"stays"_s] = entry.isIncluded ? entry.whyStays : u"已排除"_s;
+        all.append(json);
+    }
     return all;
+}
+
+// What one item would give back; nothing when nobody knows before.
+std::optional<qint64> bytesOf(const SystemCleaner &cleaner, const CleanupItem &item,
+                              const CleanupContents &contents)
+{
+    if (!cleaner.details().canOpen(item.id))
+        return cleaner.bytesToGo(item.id) > 0 ? std::optional(cleaner.bytesToGo(item.id)) : std::nullopt;
+    qint64 bytes = 0;
+    for (const CleanupEntry &entry : contents.entries)
+        bytes += entry.goes() ? entry.bytes.value_or(0) : 0;
+    return bytes;
 }
 
 QCoro::Task<CommandReply> preview(SystemCleaner &cleaner, QStringList ids)
@@ -125,19 +136,30 @@ QCoro::Task<CommandReply> preview(SystemCleaner &cleaner, QStringList ids)
     if (const QString reason = unknownIds(cleaner, ids); !reason.isEmpty())
         co_return CommandReply::refusal(reason);
     co_await measured(cleaner);
-    QStringList lines;
+    QStringList lines, empty;
     QJsonArray items;
-    for (const CleanupItem &item : cleaner.items()) {
-        if (ids.isEmpty() ? !item.isSelected : !ids.contains(item.id))
-            continue;
-        const CleanupContents contents = co_await contentsOf(cleaner, item);
-        lines << line(cleaner, item) << linesOf(contents);
+    for (const CleanupItem &item : cleaner.itemsToClean(ids)) {
+        const CleanupContents contents = co_await cleaner.details().look(item.id, ids);
+        const auto bytes = bytesOf(cleaner, item, contents);
         QJsonObject json = toJson(cleaner, item);
         json[u"entries"_s] = toJson(contents.entries);
+        if (bytes)
+            json[u"goes"_s] = *bytes;
         items.append(json);
+        if (cleaner.details().canOpen(item.id) && linesOf(contents).isEmpty())
+            empty << oneLine(item.name);
+        else
+            lines << line(cleaner, item, bytes ? formatByteCount(*bytes) : u"大小未知"_s)
+                  << linesOf(contents);
     }
-    const CommandReply reply{
-        exitcode::done, lines.isEmpty() ? u"没有选择任何清理项"_s : lines.join(u'\n'), {{u"items"_s, items}}};
+    if (!empty.isEmpty())
+        lines << u"没有可清理的内容：%1"_s.arg(empty.join(u"、"_s));
+    const QStringList skipped = cleaner.itemsToSkip(ids) + cleaner.foldersToSkip(ids);
+    if (!skipped.isEmpty())
+        lines << u"正在运行，将跳过：%1"_s.arg(skipped.join(u"、"_s));
+    const CommandReply reply{exitcode::done,
+                             lines.isEmpty() ? u"没有选择任何清理项"_s : lines.join(u'\n'),
+                             {{u"items"_s, items}, {u"skipped"_s, QJsonArray::fromStringList(skipped)}}};
     co_return reply;
 }
 
@@ -145,17 +167,8 @@ CommandReply outcome(const CleanupReport &report)
 {
     if (report.outcome.kind == CleanupPhase::Kind::failed)
         return CommandReply::refusal(report.outcome.text);
-    const CleanupPhase &done = report.outcome;
-    QStringList lines = {resultText(report)};
-    if (report.removal.freedBytes > 0 || done.cleanedCount > 0)
-        lines << u"实际释放 %1"_s.arg(formatByteCount(report.removal.freedBytes));
-    else
-        lines << u"没有需要删除的文件"_s;
-    if (report.wasCancelled)
-        lines << u"余下的没有清理"_s;
-    if (!report.skipped.isEmpty())
-        lines << u"正在运行，已跳过：%1"_s.arg(report.skipped.join(u"、"_s));
-    QJsonArray problems;
+    QStringList lines = QStringList{resultText(report)} + reportLines(report);
+    QJsonArray problems, failed;
     for (const RemovalProblem &problem : report.removal.problems) {
         const QString path = QFile::decodeName(problem.path);
         lines << u"未能移除 %1：%2"_s.arg(oneLine(path), problem.reason);
@@ -163,14 +176,29 @@ CommandReply outcome(const CleanupReport &report)
     }
     if (report.removal.problemCount > problems.size())
         lines << u"…… 未能移除的共 %1 项"_s.arg(report.removal.problemCount);
-    return {report.wasCancelled ? exitcode::refused : exitcode::done,
+    for (const CleanupNote &note : report.failed)
+        failed.append(QJsonObject{{u"name"_s, note.what}, {u"reason"_s, note.why}});
+    const bool isComplete = !report.wasCancelled && report.failed.isEmpty();
+    return {isComplete ? exitcode::done : exitcode::refused,
             lines.join(u'\n'),
-            {{u"count"_s, done.cleanedCount},
-             {u"bytes"_s, done.totalBytes},
+            {{u"count"_s, report.handledCount()},
+             {u"bytes"_s, report.outcome.totalBytes},
              {u"freed"_s, report.removal.freedBytes},
              {u"cancelled"_s, report.wasCancelled},
+             {u"failed"_s, failed},
              {u"skipped"_s, QJsonArray::fromStringList(report.skipped)},
              {u"problems"_s, problems}}};
+}
+
+// Whether a preview shows anything that would go, or may.
+bool hasAnything(const QJsonObject &preview)
+{
+    return std::ranges::any_of(preview[u"items"_s].toArray(), [](const QJsonValue &item) {
+        const QJsonArray entries = item[u"entries"_s].toArray();
+        return item[u"goes"_s].isUndefined() || item[u"goes"_s].toInteger() > 0 ||
+               std::ranges::any_of(entries,
+                                   [](const QJsonValue &entry) { return entry[u"included"_s].toBool(); });
+    });
 }
 
 // Cleans these items and leaves the user's own selection as it was.
@@ -183,6 +211,8 @@ QCoro::Task<CommandReply> run(SystemCleaner &cleaner, PrivacyManager &privacy, P
         const CommandReply shown = co_await preview(cleaner, ids);
         if (const QString reason = cleaner.obstacle(ids); !reason.isEmpty())
             co_return CommandReply::refusal(reason);
+        if (!hasAnything(shown.data))
+            co_return shown;
         QStringList agreed;
         for (const CleanupItem &item : cleaner.itemsToClean(ids))
             agreed << item.id;
@@ -217,7 +247,8 @@ QList<Command> commands()
           .arguments = u"清理项"_s,
           .most = anyNumber,
           .help = u"清理列出的清理项；没有列出时清理已勾选的"_s,
-          .options = {{u"--yes"_s, {}}}},
+          .options = {{u"--yes"_s, {}}},
+          .stopsWithClient = true},
          [](AppServices &services, ParsedCommand command) {
              return run(services.cleaner, services.privacy, std::move(command));
          }},

@@ -74,6 +74,11 @@ QList<CleanupRule> cleanupCatalog(HostFamily family)
     return rules;
 }
 
+QStringList localHistories(const QString &caches)
+{
+    return {caches + u"/JetBrains"_s, caches + u"/Google/*/LocalHistory"_s, caches + u"/Google/*/caches"_s};
+}
+
 QString standardizedPath(const QString &path)
 {
     QString whole = path;
@@ -105,8 +110,20 @@ QStringList emptiedFolders(const CleanupRule &rule)
 {
     if (const auto &folder = rule.item.customPath)
         return {*folder};
-    const QStringList folders = rule.target.path ? matchingFolders(*rule.target.path) : QStringList();
-    return folders + rule.furtherPaths;
+    QStringList folders = rule.target.path ? matchingFolders(*rule.target.path) : QStringList();
+    for (const QString &pattern : rule.furtherPaths)
+        folders += matchingFolders(pattern);
+    return folders;
+}
+
+QString ownerOf(const QString &folder, const CleanupRule &rule)
+{
+    if (rule.folderOwner.isEmpty() || !hasPattern(rule))
+        return {};
+    // As far from the end as in the pattern: what is before it may be another way to the same place.
+    const QString &pattern = *rule.target.path;
+    const auto below = pattern.sliced(pattern.indexOf(everyFolder) + everyFolder.size()).count(u'/');
+    return rule.folderOwner.arg(folder.section(u'/', -1 - below, -1 - below));
 }
 
 QStringList measuredFolders(const CleanupRule &rule)

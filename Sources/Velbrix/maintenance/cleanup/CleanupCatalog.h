@@ -25,6 +25,11 @@ struct CleanupRule {
     QStringList furtherPaths = {}; // emptied like the target's path
     bool onlyOldOwnFiles = false;  // this user's, untouched for a day
     QString program = {};          // without it on this machine there is no such item
+    QStringList sparedPaths = {};  // stay in what is emptied: no caches, though they lie among them
+    // What uses one of a pattern's folders, as RunningPrograms names it; "%1"
+    // stands for the name of the folder that "*" means. Empty: nothing.
+    QString folderOwner = {};
+    bool takesPart = false; // of what is measured, and nobody knows how much
 };
 
 inline const QString trashItemId = QStringLiteral("trash");
@@ -45,6 +50,10 @@ QList<CleanupRule> freedesktopCleanupCatalog(const UserFolders &folders);
 // The host's own, without what this machine has no program for.
 QList<CleanupRule> cleanupCatalog(HostFamily family);
 
+// Where programs built on IntelliJ keep their local history among caches, and
+// the file contents that it needs.
+QStringList localHistories(const QString &caches);
+
 // Absolute, without "~", "..", "." and doubled slashes.
 QString standardizedPath(const QString &path);
 // What cleaning a folder of the user's choice means; already selected.
@@ -56,6 +65,8 @@ bool hasPattern(const CleanupRule &rule);
 QStringList emptiedFolders(const CleanupRule &rule);
 // What makes up the size at this moment.
 QStringList measuredFolders(const CleanupRule &rule);
+// What uses this one of the emptied folders; empty when nothing does.
+QString ownerOf(const QString &folder, const CleanupRule &rule);
 // The folders a pattern means at this moment, sorted. Real ones only: what lies
 // behind a link is not the pattern's. A path that is none means itself.
 QStringList matchingFolders(const QString &pattern);

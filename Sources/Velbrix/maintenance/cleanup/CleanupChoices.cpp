@@ -27,11 +27,6 @@ bool namesOneFolder(const QString &path)
     return path.startsWith(u'/') || path == u"~" || path.startsWith(u"~/");
 }
 
-QByteArray folderOf(const QByteArray &path)
-{
-    return path.first(path.lastIndexOf('/'));
-}
-
 } // namespace
 
 std::optional<QStringList> CleanupChoices::selected() const
@@ -106,22 +101,6 @@ void CleanupChoices::setExcluded(const QString &id, const QByteArray &path, bool
 void CleanupChoices::includeAll(const QString &id)
 {
     if (_excluded.remove(id))
-        saveExcluded();
-}
-
-void CleanupChoices::forgetMissing(const QString &id, const QList<QByteArray> &listed)
-{
-    const auto known = _excluded.find(id);
-    if (known == _excluded.end())
-        return;
-    QSet<QByteArray> folders;
-    for (const QByteArray &path : listed)
-        folders.insert(folderOf(path));
-    const QSet<QByteArray> there(listed.begin(), listed.end());
-    const auto isMissing = [&](const QByteArray &path) {
-        return folders.contains(folderOf(path)) && !there.contains(path);
-    };
-    if (known->removeIf(isMissing) > 0)
         saveExcluded();
 }
 

@@ -44,14 +44,11 @@ public:
     {
         return _excluded.value(id).contains(path);
     }
-    qsizetype excludedCount(const QString &id) const { return _excluded.value(id).size(); }
+    QSet<QByteArray> excludedOf(const QString &id) const { return _excluded.value(id); }
     // Of all items.
     QList<QByteArray> excluded() const;
     void setExcluded(const QString &id, const QByteArray &path, bool isExcluded);
     void includeAll(const QString &id);
-    // Forgets those that are missing among the entries listed of their folders.
-    // A folder without any entry may be that of a disk which is not there.
-    void forgetMissing(const QString &id, const QList<QByteArray> &listed);
 
 private:
     void saveExcluded();

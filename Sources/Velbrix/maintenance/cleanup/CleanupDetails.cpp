@@ -9,10 +9,13 @@
 #include <QCoroFuture>
 #include <QFile>
 #include <QPointer>
+#include <QSet>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
+#include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace velbrix {
@@ -42,9 +45,9 @@ void sortBySize(CleanupContents &contents)
 
 } // namespace
 
-CleanupDetails::CleanupDetails(const CleanupTable &table, CleanupChoices &choices, DiskUsage &usage,
-                               Clock &clock)
-    : _table(table), _choices(choices), _usage(usage), _clock(clock)
+CleanupDetails::CleanupDetails(const CleanupTable &table, CleanupChoices &choices, Bounds bounds,
+                               DiskUsage &usage, Clock &clock)
+    : _table(table), _choices(choices), _bounds(std::move(bounds)), _usage(usage), _clock(clock)
 {
 }
 
@@ -57,7 +60,7 @@ CleanupDetails::~CleanupDetails()
 bool CleanupDetails::canOpen(const QString &id) const
 {
     const CleanupRule *const rule = _table.rule(id);
-    return rule && id != trashItemId && !emptiedFolders(*rule).isEmpty();
+    return rule && rule->target.path;
 }
 
 void CleanupDetails::open(const QString &id)
@@ -79,9 +82,57 @@ void CleanupDetails::close(const QString &id)
 void CleanupDetails::lookAgain()
 {
     for (const QString &id : _openings.keys()) {
-        close(id);
-        open(id);
+        _openings.take(id).cancel();
+        measure(id);
     }
+}
+
+QCoro::Task<CleanupContents> CleanupDetails::list(QString id, QStringList ids)
+{
+    const QPointer self(this);
+    CleanupContents contents;
+    const CleanupRule *const rule = _table.rule(id);
+    if (!rule)
+        co_return contents;
+    const CleanupBounds bounds = _bounds(*rule, ids);
+    auto listing = QtConcurrent::run(&cleanupThreads(), cleanableEntries, bounds);
+    const CleanableEntries found = co_await listing;
+    if (!self)
+        co_return contents;
+    contents.problem = found.problem;
+    if (found.notOldEnough > 0)
+        contents.note = u"另有 %1 个条目属于其他用户或 24 小时内改动过，保留"_s.arg(found.notOldEnough);
+    const bool withFolder = bounds.folders.size() > 1 && !bounds.isTrash;
+    QSet<QByteArray> missing = _choices.excludedOf(id);
+    for (const CleanableEntries::Entry &entry : found.entries) {
+        const bool isExcluded = missing.remove(entry.path);
+        contents.entries.append({entry.path,
+                                 shownName(entry.path, withFolder),
+                                 {},
+                                 !isExcluded,
+                                 isExcluded ? QString() : entry.whyStays,
+                                 bounds.isTrash});
+    }
+    for (const QByteArray &path : missing)
+        contents.entries.append({path, shownName(path, withFolder), 0, false});
+    co_return contents;
+}
+
+QCoro::Task<CleanupContents> CleanupDetails::look(QString id, QStringList ids)
+{
+    const QPointer self(this);
+    CleanupContents contents = co_await list(id, ids);
+    if (!self)
+        co_return contents;
+    QList<QByteArray> paths;
+    for (const CleanupEntry &entry : std::as_const(contents.entries))
+        paths.append(entry.path);
+    const DiskUsage::Measured measured = [&contents](qsizetype index, qint64 bytes) {
+        contents.entries[index].bytes = bytes;
+    };
+    co_await _usage.measure(paths, measured, Cancellation());
+    sortBySize(contents);
+    co_return contents;
 }
 
 QCoro::Task<> CleanupDetails::measure(QString id)
@@ -89,21 +140,23 @@ QCoro::Task<> CleanupDetails::measure(QString id)
     const QPointer self(this);
     const Cancellation wanted;
     _openings[id] = wanted;
-    CleanupContents contents;
+    CleanupContents contents = _contents.value().value(id);
     contents.isMeasuring = true;
     publish(id, contents);
 
-    const CleanupRule &rule = *_table.rule(id); // it can be opened
-    const QStringList folders = emptiedFolders(rule);
-    auto listing = QtConcurrent::run(&cleanupThreads(), cleanableEntries, folders, _table.removalRules(rule));
-    const CleanableEntries found = co_await listing;
+    const CleanupContents listed = co_await list(id, {});
     if (!self || wanted.isCancelled())
         co_return;
-    _choices.forgetMissing(id, found.paths);
-    contents.problem = found.problem;
-    for (const QByteArray &path : found.paths)
-        contents.entries.append(
-            {path, shownName(path, folders.size() > 1), {}, !_choices.isExcluded(id, path)});
+    QHash<QByteArray, std::optional<qint64>> known;
+    for (const CleanupEntry &entry : std::as_const(contents.entries))
+        known.insert(entry.path, entry.bytes);
+    contents = listed;
+    contents.isMeasuring = true;
+    QList<QByteArray> paths;
+    for (CleanupEntry &entry : contents.entries) {
+        entry.bytes = entry.bytes ? entry.bytes : known.value(entry.path);
+        paths.append(entry.path);
+    }
     publish(id, contents);
 
     // Answers come while the user closes items and ticks entries.
@@ -121,10 +174,10 @@ QCoro::Task<> CleanupDetails::measure(QString id)
         if (!self || wanted.isCancelled())
             return;
         fresh[index] = bytes;
-        if (_clock.uptime() - shownAt >= betweenUpdates(found.paths.size()))
+        if (_clock.uptime() - shownAt >= betweenUpdates(paths.size()))
             publish(id, takeFresh());
     };
-    co_await _usage.measure(found.paths, measured, wanted);
+    co_await _usage.measure(paths, measured, wanted);
     if (!self || wanted.isCancelled())
         co_return;
     CleanupContents complete = takeFresh();

@@ -1,5 +1,6 @@
 #include "maintenance/cleanup/CleanupSizes.h"
 
+#include "foundation/FolderHandle.h"
 #include "foundation/Paths.h"
 #include "maintenance/cleanup/CleanupTable.h"
 #include "maintenance/cleanup/ItemCleaner.h"
@@ -7,6 +8,7 @@
 
 #include <QCoroFuture>
 #include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -15,36 +17,91 @@
 namespace velbrix {
 namespace {
 
-struct Place {
-    QByteArray path;
-    bool isEmpty = false;
-};
-
-// A folder that is a link is the folder it leads to, as for the cleaning.
-QList<Place> placesOf(const QStringList &folders)
+// The direct entry of the folder that holds the place.
+QByteArray entryAround(const QByteArray &place, const QByteArray &folder)
 {
-    QList<Place> places;
-    for (const QString &folder : folders) {
-        const QString canonical = canonicalPath(folder);
-        places.append(
-            {QFile::encodeName(canonical.isEmpty() ? folder : canonical), isEmptyFolder(canonical)});
-    }
-    return places;
+    const qsizetype end = place.indexOf('/', folder.size() + 1);
+    return end < 0 ? place : place.first(end);
 }
 
-bool lieInside(const QStringList &folders, const QStringList &others)
+// Above the folders that are emptied, and the entries in them that stay, in
+// turns: what is inside the one belongs to it until the other begins.
+struct Mark {
+    QByteArray path;
+    bool goes = false;
+
+    bool isInside(const Mark &other) const
+    {
+        return velbrix::isInside(path, other.path) || (path == other.path && goes && !other.goes);
+    }
+    bool operator==(const Mark &) const = default;
+};
+
+const Mark *innermostAround(const Mark &mark, const QList<Mark> &marks)
 {
-    return std::ranges::any_of(folders, [&](const QString &folder) {
-        return std::ranges::any_of(others, [&](const QString &other) { return isInside(folder, other); });
-    });
+    const Mark *innermost = nullptr;
+    for (const Mark &other : marks) {
+        if (mark.isInside(other) && (!innermost || other.isInside(*innermost)))
+            innermost = &other;
+    }
+    return innermost;
+}
+
+// Of these folders, and of the entries that stay in them for the places.
+QList<Mark> marksOf(const QList<QByteArray> &folders, const QList<QByteArray> &staying)
+{
+    QList<Mark> marks;
+    const auto addOnce = [&marks](const Mark &mark) {
+        if (!marks.contains(mark))
+            marks.append(mark);
+    };
+    for (const QByteArray &folder : folders) {
+        addOnce({folder, true});
+        for (const QByteArray &place : staying) {
+            if (isInside(place, folder))
+                addOnce({entryAround(place, folder), false});
+        }
+    }
+    return marks;
+}
+
+bool isHidden(const QByteArray &name)
+{
+    return name.startsWith('.') && name != ".DS_Store";
 }
 
 } // namespace
 
-QCoro::Task<> CleanupSizes::measure(QStringList ids, Cancellation work)
+// A folder above that is a link is the folder it leads to, as for the cleaning.
+QList<CleanupSizes::Folder> CleanupSizes::lookUp(const QList<Wanted> &wanted)
+{
+    QList<Folder> folders;
+    for (const Wanted &each : wanted) {
+        const QString canonical = canonicalPath(each.folder);
+        const bool isLeftAlone = each.isEmptied && QFileInfo(each.folder).isSymbolicLink();
+        Folder folder;
+        folder.path = QFile::encodeName(canonical.isEmpty() ? each.folder : canonical);
+        folder.isEmpty = isLeftAlone || isEmptyFolder(canonical);
+        if (each.isEmptied && !folder.isEmpty) {
+            for (const QByteArray &name :
+                 FolderHandle::open(folder.path).names().value_or(QList<QByteArray>())) {
+                if (isHidden(name))
+                    folder.staying.append(folder.path + '/' + name);
+            }
+            for (const QString &pattern : each.spared) {
+                for (const QString &place : matchingFolders(pattern))
+                    folder.staying.append(canonicalPath(QFile::encodeName(place)));
+            }
+        }
+        folders.append(folder);
+    }
+    return folders;
+}
+
+QCoro::Task<> CleanupSizes::measure(QStringList ids, QList<QByteArray> staying, Cancellation work)
 {
     const QPointer self(this);
-    QStringList folders;
+    QList<Wanted> wanted;
     QStringList owners; // of each folder: the item
     QHash<QString, qsizetype> missing;
     for (const QString &id : ids) {
@@ -52,32 +109,50 @@ QCoro::Task<> CleanupSizes::measure(QStringList ids, Cancellation work)
         const QStringList own = rule ? _table.measuredFolders(*rule) : QStringList();
         if (own.isEmpty())
             set(id, 0);
-        folders += own;
+        for (const QString &folder : own)
+            wanted.append({folder, rule->sparedPaths, !rule->target.command && id != trashItemId});
         owners += QStringList(own.size(), id);
         missing[id] = own.size();
     }
-    auto resolving = QtConcurrent::run(&cleanupThreads(), placesOf, folders);
-    const QList<Place> places = co_await resolving;
+    auto looking = QtConcurrent::run(&cleanupThreads(), &CleanupSizes::lookUp, wanted);
+    const QList<Folder> folders = co_await looking;
     if (!self)
         co_return;
+    for (const QString &id : ids)
+        _folders.remove(id);
+    for (qsizetype i = 0; i < folders.size(); ++i) {
+        if (_table.rule(owners[i])) // not taken away meanwhile
+            _folders[owners[i]].append(folders[i]);
+    }
     QHash<QString, qint64> sums;
-    const auto add = [&](const QString &id, qint64 bytes) {
+    const auto add = [&](const QString &id, const QByteArray &path, qint64 bytes) {
+        if (!self)
+            return;
+        learn(path, bytes);
         sums[id] += bytes;
-        if (self && --missing[id] == 0)
+        if (!id.isEmpty() && --missing[id] == 0)
             set(id, sums[id]);
     };
     QList<QByteArray> paths;
     QStringList ownersOfPaths;
-    for (qsizetype i = 0; i < places.size(); ++i) {
+    for (qsizetype i = 0; i < folders.size(); ++i) {
         // The blocks of the folder itself stay, however often it is cleaned.
-        if (places[i].isEmpty) {
-            add(owners[i], 0);
+        if (folders[i].isEmpty) {
+            add(owners[i], folders[i].path, 0);
             continue;
         }
-        paths.append(places[i].path);
+        paths.append(folders[i].path);
         ownersOfPaths.append(owners[i]);
     }
-    const DiskUsage::Measured told = [&](qsizetype index, qint64 bytes) { add(ownersOfPaths[index], bytes); };
+    for (const QString &id : _folders.keys())
+        staying += this->folders(id);
+    for (const Mark &mark : marksOf(QList(paths), staying + alwaysStaying(ids))) {
+        if (!mark.goes && !paths.contains(mark.path))
+            paths.append(mark.path);
+    }
+    const DiskUsage::Measured told = [&](qsizetype index, qint64 bytes) {
+        add(ownersOfPaths.value(index), paths[index], bytes); // entries are nobody's
+    };
     co_await _usage.measure(paths, told, work);
 }
 
@@ -85,6 +160,7 @@ void CleanupSizes::set(const QString &id, qint64 bytes)
 {
     if (!_table.rule(id))
         return; // taken away meanwhile
+    _known.insert(id);
     if (bytes > 0)
         _bytes[id] = bytes;
     else
@@ -98,21 +174,48 @@ std::optional<qint64> CleanupSizes::bytes(const QString &id) const
     return found == _bytes.end() ? std::nullopt : std::optional(*found);
 }
 
-qint64 CleanupSizes::total(const QStringList &ids) const
+QList<QByteArray> CleanupSizes::folders(const QString &id) const
 {
-    QList<QStringList> foldersOfEach;
-    QStringList all;
+    QList<QByteArray> paths;
+    for (const Folder &folder : _folders.value(id)) {
+        if (!folder.isEmpty)
+            paths.append(folder.path);
+    }
+    return paths;
+}
+
+QList<QByteArray> CleanupSizes::alwaysStaying(const QStringList &ids) const
+{
+    QList<QByteArray> places;
     for (const QString &id : ids) {
-        const CleanupRule *const rule = _table.rule(id);
-        foldersOfEach.append(rule ? _table.measuredFolders(*rule) : QStringList());
-        all += foldersOfEach.last();
+        for (const Folder &folder : _folders.value(id))
+            places += folder.staying;
     }
-    qint64 total = 0;
-    for (qsizetype i = 0; i < ids.size(); ++i) {
-        if (!lieInside(foldersOfEach[i], all))
-            total += bytes(ids[i]).value_or(0);
+    return places;
+}
+
+qint64 CleanupSizes::going(const QStringList &ids, const QList<QByteArray> &staying) const
+{
+    QList<QByteArray> emptied;
+    for (const QString &id : ids)
+        emptied += folders(id);
+    emptied.removeIf([&](const QByteArray &folder) { return staying.contains(folder); });
+    const QList<Mark> marks = marksOf(emptied, staying + alwaysStaying(ids));
+    qint64 bytes = 0;
+    for (const Mark &mark : marks) {
+        const Mark *const around = innermostAround(mark, marks);
+        const bool isInWhatGoes = around && around->goes;
+        if (mark.goes != isInWhatGoes)
+            bytes += (mark.goes ? 1 : -1) * _bytesOfPlaces.value(mark.path);
     }
-    return total;
+    return std::max<qint64>(bytes, 0);
+}
+
+void CleanupSizes::forget(const QString &id)
+{
+    _bytes.remove(id);
+    _known.remove(id);
+    _folders.remove(id);
 }
 
 } // namespace velbrix

@@ -2,9 +2,12 @@
 
 #include "foundation/ProcessRunner.h"
 
+#include <QByteArray>
 #include <QCoroTask>
 #include <QHash>
+#include <QList>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -22,24 +25,47 @@ class CleanupSizes final : public QObject {
 public:
     CleanupSizes(const CleanupTable &table, DiskUsage &usage) : _table(table), _usage(usage) {}
 
-    // Ends when all are told, or soon after the cancelling.
-    QCoro::Task<> measure(QStringList ids, Cancellation work);
+    // Ends when all are told, or soon after the cancelling. The entries that
+    // stay for one of these places are measured, too.
+    QCoro::Task<> measure(QStringList ids, QList<QByteArray> staying, Cancellation work);
     // Nothing while unknown or not measurable.
     std::optional<qint64> bytes(const QString &id) const;
-    // Of these together; a folder inside another one counts once.
-    qint64 total(const QStringList &ids) const;
-    void forget(const QString &id) { _bytes.remove(id); }
+    bool isKnown(const QString &id) const { return _known.contains(id); }
+    // What goes of these together: a folder inside another one counts once, and
+    // not the entries that stay for one of these places. Places are canonical.
+    qint64 going(const QStringList &ids, const QList<QByteArray> &staying) const;
+    // The folders that make up the item's size, canonical.
+    QList<QByteArray> folders(const QString &id) const;
+    // Somebody else has measured this.
+    void learn(const QByteArray &path, qint64 bytes) { _bytesOfPlaces[path] = bytes; }
+    void forget(const QString &id);
 
 Q_SIGNALS:
     // 0 when there is nothing to measure.
     void measured(const QString &id, qint64 bytes);
 
 private:
+    // One of the folders of an item.
+    struct Folder {
+        QByteArray path;
+        bool isEmpty = false;
+        QList<QByteArray> staying; // entries that stay always: hidden, or spared
+    };
+    struct Wanted {
+        QString folder;
+        QStringList spared;
+        bool isEmptied = false; // and stays as it is where it is a link
+    };
+    static QList<Folder> lookUp(const QList<Wanted> &wanted);
+    QList<QByteArray> alwaysStaying(const QStringList &ids) const;
     void set(const QString &id, qint64 bytes);
 
     const CleanupTable &_table;
     DiskUsage &_usage;
     QHash<QString, qint64> _bytes;
+    QSet<QString> _known; // ids, measurable or not
+    QHash<QString, QList<Folder>> _folders;
+    QHash<QByteArray, qint64> _bytesOfPlaces; // folders and entries
 };
 
 } // namespace velbrix

@@ -1,11 +1,14 @@
 #include "maintenance/cleanup/CleanupTable.h"
 
 #include "foundation/Clock.h"
+#include "maintenance/cleanup/ItemCleaner.h"
 #include "platform/RunningPrograms.h"
 #include "platform/TrashCan.h"
 
 #include <algorithm>
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
@@ -31,14 +34,30 @@ void CleanupTable::remove(const QString &id)
     _rules.removeIf([&](const CleanupRule &rule) { return rule.item.id == id; });
 }
 
-QStringList CleanupTable::foldersOutside(const QSet<QString> &ids) const
+CleanupBounds CleanupTable::bounds(const CleanupRule &rule, const QSet<QString> &ids,
+                                   const CleanupUse &use) const
 {
-    QStringList folders;
-    for (const CleanupRule &rule : _rules) {
-        if (!ids.contains(rule.item.id))
-            folders += emptiedFolders(rule);
+    CleanupBounds bounds;
+    bounds.rules = removalRules(rule);
+    bounds.areOthers = hasPattern(rule);
+    bounds.isTrash = rule.item.id == trashItemId;
+    bounds.folders = bounds.isTrash ? _ports.trash.itemFolders() : emptiedFolders(rule);
+    bounds.folders.removeIf([&](const QString &folder) { return use.folders.contains(folder); });
+    for (const CleanupRule &other : _rules) {
+        if (other.item.id == rule.item.id || ids.contains(other.item.id))
+            continue;
+        const QString why =
+            use.items.contains(other.item.id) ? u"「%1」的应用正在运行"_s : u"由「%1」一项清理"_s;
+        for (const QString &folder : emptiedFolders(other))
+            bounds.kept.append({folder, why.arg(other.item.name)});
     }
-    return folders;
+    for (auto folder = use.folders.begin(); folder != use.folders.end(); ++folder)
+        bounds.kept.append({folder.key(), u"%1 正在运行"_s.arg(folder.value())});
+    for (const QString &pattern : rule.sparedPaths) {
+        for (const QString &folder : matchingFolders(pattern))
+            bounds.kept.append({folder, u"不只是缓存"_s});
+    }
+    return bounds;
 }
 
 QStringList CleanupTable::measuredFolders(const CleanupRule &rule) const
@@ -58,18 +77,28 @@ RemovalRules CleanupTable::removalRules(const CleanupRule &rule) const
     return rules;
 }
 
-QStringList CleanupTable::busyItems() const
+CleanupUse CleanupTable::use() const
 {
     QStringList owners;
-    for (const CleanupRule &rule : _rules)
+    QHash<QString, QString> folders;
+    for (const CleanupRule &rule : _rules) {
         owners += rule.owners;
-    const QSet<QString> running = _ports.programs.running(owners);
-    QStringList busy;
+        if (rule.folderOwner.isEmpty())
+            continue;
+        for (const QString &folder : emptiedFolders(rule))
+            folders.insert(folder, ownerOf(folder, rule));
+    }
+    const QSet<QString> running = _ports.programs.running(owners + folders.values());
+    CleanupUse use;
     for (const CleanupRule &rule : _rules) {
         if (std::ranges::any_of(rule.owners, [&](const QString &owner) { return running.contains(owner); }))
-            busy.append(rule.item.id);
+            use.items.append(rule.item.id);
     }
-    return busy;
+    for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
+        if (running.contains(folder.value()))
+            use.folders.insert(folder.key(), folder.value());
+    }
+    return use;
 }
 
 } // namespace velbrix

@@ -4,6 +4,7 @@
 #include "maintenance/cleanup/CleanupCatalog.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -14,6 +15,13 @@ namespace velbrix {
 class Clock;
 class RunningPrograms;
 class TrashCan;
+struct CleanupBounds;
+
+// What programs use at a moment.
+struct CleanupUse {
+    QStringList items;                    // ids
+    QHash<QString, QString> folders = {}; // of patterns: the owner's name by the folder
+};
 
 // The items that there are, the host's and the folders that the user has
 // added, and within what bounds they are emptied.
@@ -34,14 +42,14 @@ public:
     void add(const CleanupRule &rule) { _rules.append(rule); }
     void remove(const QString &id);
 
-    // What cleaning all items but these would empty at this moment.
-    QStringList foldersOutside(const QSet<QString> &ids) const;
+    // What cleaning the item together with these others empties at this moment;
+    // the excluded entries are left to the caller.
+    CleanupBounds bounds(const CleanupRule &rule, const QSet<QString> &ids, const CleanupUse &use) const;
     // What makes up the size of an item at this moment.
     QStringList measuredFolders(const CleanupRule &rule) const;
     RemovalRules removalRules(const CleanupRule &rule) const;
 
-    // Ids of the items whose owner runs.
-    QStringList busyItems() const;
+    CleanupUse use() const;
 
 private:
     QList<CleanupRule> _rules;

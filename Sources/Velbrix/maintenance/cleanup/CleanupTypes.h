@@ -51,12 +51,17 @@ struct CleanupTarget {
     bool operator==(const CleanupTarget &) const = default;
 };
 
-// An entry of an opened row.
+// An entry of an opened row. It goes when the item is cleaned, unless the user
+// has excluded it or something else keeps it.
 struct CleanupEntry {
     QByteArray path;             // native
     QString name;                // as shown
     std::optional<qint64> bytes; // nothing while it is being measured
-    bool isIncluded = true;      // goes when the item is cleaned
+    bool isIncluded = true;      // not excluded
+    QString whyStays = {};       // what else keeps it; mostly empty
+    bool isFixed = false;        // cannot be excluded
+
+    bool goes() const { return isIncluded && whyStays.isEmpty(); }
 
     bool operator==(const CleanupEntry &) const = default;
 };
@@ -65,9 +70,18 @@ struct CleanupEntry {
 struct CleanupContents {
     bool isMeasuring = false;
     QString problem;             // why it cannot be listed
-    QList<CleanupEntry> entries; // what cleaning would take; the largest first once measured
+    QString note;                // what is there and not listed
+    QList<CleanupEntry> entries; // the largest first once measured
 
     bool operator==(const CleanupContents &) const = default;
+};
+
+// An item or a place, and what there is to say of it.
+struct CleanupNote {
+    QString what;
+    QString why;
+
+    bool operator==(const CleanupNote &) const = default;
 };
 
 // The last clean: its end, which the phase soon leaves behind, and what it
@@ -76,12 +90,21 @@ struct CleanupReport {
     CleanupPhase outcome; // done or failed; idle when there was none
     RemovalReport removal;
     bool wasCancelled = false;
-    QStringList skipped; // names of items that were left alone because their owner runs
+    QStringList skipped;       // what was left alone because its owner runs, by name
+    QList<CleanupNote> failed; // items whose command or trash did not do it; the outcome counts them
+    QList<CleanupNote> kept;   // entries that stayed whole for something in them
+    QStringList unmeasured;    // names of items that nobody knows the freed bytes of
+
+    // Of what was to go; those that failed left out.
+    qint64 handledCount() const { return outcome.cleanedCount - failed.size(); }
 
     bool operator==(const CleanupReport &) const = default;
 };
 
 // The line that says how the clean ended; empty when there was none.
 QString resultText(const CleanupReport &report);
+// What was really freed, what failed, was left alone and not begun; one
+// statement each.
+QStringList reportLines(const CleanupReport &report);
 
 } // namespace velbrix

@@ -35,8 +35,14 @@ CleanupRule commandRule(CleanupGroup group, const QString &id, const QString &na
     CleanupRule rule;
     rule.item = {id, name, icon, description, !requiresAdmin, u"计算中…"_s, {}};
     rule.group = group;
-    rule.target = {id, name, {}, line + u" 2>/dev/null; true"_s, requiresAdmin};
+    rule.target = {id, name, {}, line, requiresAdmin};
     rule.program = program;
+    return rule;
+}
+
+CleanupRule ownedByName(CleanupRule rule, const QString &owner)
+{
+    rule.folderOwner = owner;
     return rule;
 }
 
@@ -49,13 +55,22 @@ QList<CleanupRule> systemRules(const UserFolders &folders)
     temporary.furtherPaths = {u"/var/tmp"_s};
     temporary.measured = {};
     temporary.onlyOldOwnFiles = true;
+    CleanupRule caches = ruleOf(folders.home, {group, u"user-caches"_s, u"用户缓存"_s, u"archivebox"_s,
+                                               folders.cache, u"应用缓存数据"_s});
+    caches.sparedPaths = localHistories(folders.cache);
+    CleanupRule logs = ruleOf(
+        folders.home,
+        {group, u"logs"_s, u"日志文件"_s, u"doc.text.magnifyingglass"_s, folders.data + u"/xorg"_s, {}});
+    logs.item.description = u"图形会话和常见应用的日志；系统与用户的 journal 见「系统日志」"_s;
+    // By name: what is called "logs" elsewhere may be somebody's conversations.
+    logs.furtherPaths = {folders.data + u"/sddm"_s, folders.config + u"/Code/logs"_s,
+                         folders.config + u"/Slack/logs"_s, folders.data + u"/Steam/logs"_s};
+    logs.measured += logs.furtherPaths;
     return {
-        ruleOf(folders.home,
-               {group, u"user-caches"_s, u"用户缓存"_s, u"archivebox"_s, folders.cache, u"应用缓存数据"_s}),
+        caches,
         ruleOf(folders.home, {group, u"thumbnails"_s, u"缩略图缓存"_s, u"photo"_s,
                               folders.cache + u"/thumbnails"_s, u"文件管理器的预览图"_s}),
-        ruleOf(folders.home, {group, u"logs"_s, u"日志文件"_s, u"doc.text.magnifyingglass"_s,
-                              folders.data + u"/xorg"_s, u"图形会话的日志"_s}),
+        logs,
         ruleOf(folders.home,
                {group, trashItemId, u"废纸篓"_s, u"trash"_s, folders.data + u"/Trash"_s, u"清空废纸篓"_s}),
         temporary,
@@ -121,13 +136,16 @@ QList<CleanupRule> packageRules(const UserFolders &folders)
                               folders.home + u"/go/pkg/mod/cache/download"_s,
                               u"Go 模块下载缓存"_s,
                               {u"go"_s}}),
-        ruleOf(folders.home, {group, u"flatpak-caches"_s, u"Flatpak 应用缓存"_s, u"cube.box"_s,
-                              folders.home + u"/.var/app/*/cache"_s, u"各 Flatpak 应用的缓存"_s}),
+        ownedByName(ruleOf(folders.home, {group, u"flatpak-caches"_s, u"Flatpak 应用缓存"_s, u"cube.box"_s,
+                                          folders.home + u"/.var/app/*/cache"_s, u"各 Flatpak 应用的缓存"_s}),
+                    u"%1"_s),
         commandRule(group, u"flatpak-unused"_s, u"Flatpak 闲置运行时"_s, u"cube.box"_s,
                     u"flatpak uninstall --unused — 没有应用使用的运行时"_s, u"flatpak"_s,
                     u"flatpak uninstall --user --unused -y --noninteractive"_s, false),
-        ruleOf(folders.home, {group, u"snap-caches"_s, u"Snap 应用缓存"_s, u"cube.box"_s,
-                              folders.home + u"/snap/*/common/.cache"_s, u"各 Snap 应用的缓存"_s}),
+        ownedByName(
+            ruleOf(folders.home, {group, u"snap-caches"_s, u"Snap 应用缓存"_s, u"cube.box"_s,
+                                  folders.home + u"/snap/*/common/.cache"_s, u"各 Snap 应用的缓存"_s}),
+            u"snap.%1"_s),
     };
 }
 
@@ -135,6 +153,17 @@ QList<CleanupRule> applicationRules(const UserFolders &folders)
 {
     const QString code = folders.config + u"/Code"_s;
     const QStringList codeRuns = {u"code"_s, u"codium"_s};
+    const QString programs = folders.cache + u"/JetBrains/*"_s;
+    CleanupRule jetbrains = ruleOf(folders.home, {CleanupGroup::editors,
+                                                  u"jetbrains"_s,
+                                                  u"JetBrains 缓存"_s,
+                                                  u"puzzlepiece.extension"_s,
+                                                  programs + u"/index"_s,
+                                                  u"索引和日志；本地历史保留"_s,
+                                                  {u"idea"_s, u"pycharm"_s, u"clion"_s, u"goland"_s,
+                                                   u"webstorm"_s, u"rider"_s, u"phpstorm"_s}});
+    jetbrains.furtherPaths = {programs + u"/jcef_cache"_s, programs + u"/log"_s};
+    jetbrains.measured += jetbrains.furtherPaths;
     return {
         ruleOf(folders.home, {CleanupGroup::browsers,
                               u"chrome-cache"_s,
@@ -170,14 +199,7 @@ QList<CleanupRule> applicationRules(const UserFolders &folders)
         ruleOf(folders.home, {CleanupGroup::editors, u"vscode-extcache"_s, u"VS Code 扩展缓存"_s,
                               u"puzzlepiece.extension"_s, code + u"/CachedExtensionVSIXs"_s,
                               u"已安装扩展原始包"_s, codeRuns}),
-        ruleOf(folders.home, {CleanupGroup::editors,
-                              u"jetbrains"_s,
-                              u"JetBrains 缓存"_s,
-                              u"puzzlepiece.extension"_s,
-                              folders.cache + u"/JetBrains"_s,
-                              u"JetBrains 编辑器的索引与缓存"_s,
-                              {u"idea"_s, u"pycharm"_s, u"clion"_s, u"goland"_s, u"webstorm"_s, u"rider"_s,
-                               u"phpstorm"_s}}),
+        ownedByName(jetbrains, u"%1"_s),
     };
 }
 
@@ -199,9 +221,10 @@ QList<CleanupRule> advancedRules()
                                   u"apt-get clean"_s, true);
     apt.measured = {u"/var/cache/apt/archives"_s};
     CleanupRule journal = commandRule(group, u"journal"_s, u"系统日志"_s, u"doc.text.magnifyingglass"_s,
-                                      u"/var/log/journal — 7 天以前的日志（需管理员权限）"_s, u"journalctl"_s,
-                                      u"journalctl --rotate --vacuum-time=7d"_s, true);
+                                      u"/var/log/journal — 系统和用户 7 天以前的日志（需管理员权限）"_s,
+                                      u"journalctl"_s, u"journalctl --rotate --vacuum-time=7d"_s, true);
     journal.measured = {u"/var/log/journal"_s};
+    journal.takesPart = true;
     return {
         apt,
         commandRule(group, u"snap-revisions"_s, u"Snap 旧版本"_s, u"shippingbox"_s,

@@ -1,6 +1,7 @@
 #include "maintenance/cleanup/ItemCleaner.h"
 
 #include "foundation/Paths.h"
+#include "foundation/Text.h"
 #include "platform/AdminShell.h"
 #include "platform/TrashCan.h"
 
@@ -21,69 +22,122 @@ bool isCleanable(const QByteArray &name)
     return !name.startsWith('.') || name == ".DS_Store";
 }
 
-QList<QByteArray> canonical(const QStringList &folders)
-{
-    QList<QByteArray> paths;
-    for (const QString &folder : folders) {
-        const QString path = canonicalPath(folder);
-        if (!path.isEmpty())
-            paths.append(QFile::encodeName(path));
-    }
-    return paths;
-}
+struct KeptPath {
+    QByteArray path; // canonical
+    QString why;
+};
 
-// What stays inside these folders, by its real name, for a link may lead into
-// them. What is emptied itself cannot be kept.
-QList<QByteArray> keptPlaces(const QStringList &folders, const CleanupBounds &bounds)
+// What stays inside the emptied folders, by its real name, for a link may lead
+// into them. What is emptied itself cannot be kept.
+QList<KeptPath> keptInside(const CleanupBounds &bounds)
 {
-    const QList<QByteArray> emptied = canonical(folders);
-    QList<QByteArray> kept;
-    for (const QByteArray &place : canonical(bounds.otherFolders) + bounds.excluded) {
-        if (std::ranges::any_of(emptied, [&](const QByteArray &folder) { return isInside(place, folder); }))
-            kept.append(place);
-    }
-    return kept;
-}
-
-// What keeps a place the user wants kept is no news, nor that the folders
-// around it are still there.
-void dropExpected(RemovalReport &report, const QList<QByteArray> &kept)
-{
-    report.problemCount -= report.problems.removeIf([&](const RemovalProblem &problem) {
-        return std::ranges::any_of(kept,
-                                   [&](const QByteArray &place) { return isWithin(place, problem.path); });
+    QList<QByteArray> emptied;
+    for (const QString &folder : bounds.folders)
+        emptied.append(canonicalPath(QFile::encodeName(folder)));
+    QList<KeptPath> all;
+    for (const KeptFolder &kept : bounds.kept)
+        all.append({canonicalPath(QFile::encodeName(kept.folder)), kept.why});
+    for (const QByteArray &entry : bounds.excluded)
+        all.append({entry, u"你排除的条目"_s});
+    all.removeIf([&](const KeptPath &kept) {
+        return std::ranges::none_of(emptied,
+                                    [&](const QByteArray &folder) { return isInside(kept.path, folder); });
     });
+    return all;
 }
 
-// Blocking; for a thread of its own. With a pattern, a folder that a link leads
-// to stays as it is: others may have laid it.
-Cleaned emptyFolders(const QStringList &folders, bool isPattern, CleanupBounds bounds,
-                     const Cancellation &work)
-{
-    const QList<QByteArray> kept = keptPlaces(folders, bounds);
-    bounds.rules.protectedPaths += kept;
-    Cleaned cleaned;
-    for (const QString &folder : folders) {
+// One of the folders that are emptied.
+class EmptiedFolder {
+public:
+    EmptiedFolder(const QString &folder, const CleanupBounds &bounds, const QList<KeptPath> &kept)
+        : root(QFile::encodeName(folder), rulesWith(bounds.rules, kept)), _kept(kept)
+    {
         const QByteArray native = QFile::encodeName(folder);
-        const RemovalRoot root(native, bounds.rules);
-        if (isPattern && root.canonicalPath() != native)
-            continue;
-        if (!root.isOpen() && QFileInfo::exists(folder))
-            cleaned.removal.add({0, 0, {{native, RemovalRoot::obstacle(native, bounds.rules)}}, 1});
-        for (const QByteArray &name : root.entries()) {
-            const QByteArray path = root.canonicalPath() + '/' + name;
-            if (!isCleanable(name) || kept.contains(path))
+        if (!QFileInfo::exists(folder)) // a missing folder is an empty one
+            return;
+        if (bounds.areOthers && root.canonicalPath() != native)
+            return;
+        if (QFileInfo(folder).isSymbolicLink() && !bounds.isTrash) {
+            // Within the item itself it adds nothing.
+            if (!bounds.folders.contains(QFile::decodeName(root.canonicalPath())))
+                obstacle = u"是一个链接，指向 %1，不会清理；要清理那里，请把它添加为自定义文件夹"_s.arg(
+                    QFile::decodeName(root.canonicalPath()));
+            return;
+        }
+        if (!root.isOpen()) {
+            obstacle = RemovalRoot::obstacle(native, bounds.rules);
+            return;
+        }
+        names = root.entries();
+        if (!bounds.isTrash)
+            names.removeIf([](const QByteArray &name) { return !isCleanable(name); });
+    }
+
+    QByteArray pathOf(const QByteArray &name) const { return root.canonicalPath() + '/' + name; }
+    // What in the entry stays; null when nothing does.
+    const KeptPath *keptIn(const QByteArray &name) const
+    {
+        const QByteArray path = pathOf(name);
+        const auto found =
+            std::ranges::find_if(_kept, [&](const KeptPath &kept) { return isWithin(kept.path, path); });
+        return found == _kept.end() ? nullptr : &*found;
+    }
+    // Why the entry stays for what keptIn() told.
+    QString whyStays(const QByteArray &name, const KeptPath &kept) const
+    {
+        return kept.path == pathOf(name) ? kept.why : u"里面有保留的内容（%1）"_s.arg(kept.why);
+    }
+
+    RemovalRoot root;
+    QList<QByteArray> names; // of the entries that are not hidden
+    QString obstacle;        // why it is not emptied
+
+private:
+    static RemovalRules rulesWith(RemovalRules rules, const QList<KeptPath> &kept)
+    {
+        for (const KeptPath &place : kept)
+            rules.protectedPaths.append(place.path);
+        return rules;
+    }
+
+    const QList<KeptPath> &_kept;
+};
+
+// Blocking; for a thread of its own.
+Cleaned emptyFolders(const CleanupBounds &bounds, const Cancellation &work)
+{
+    const QList<KeptPath> kept = keptInside(bounds);
+    Cleaned cleaned;
+    for (const QString &folder : bounds.folders) {
+        const EmptiedFolder emptied(folder, bounds, kept);
+        if (!emptied.obstacle.isEmpty())
+            cleaned.removal.add({0, 0, {{QFile::encodeName(folder), emptied.obstacle}}, 1});
+        for (const QByteArray &name : emptied.names) {
+            if (const KeptPath *const place = emptied.keptIn(name)) {
+                // That a place itself is kept is no news.
+                if (const QByteArray path = emptied.pathOf(name); place->path != path)
+                    cleaned.kept.append({QFile::decodeName(path), emptied.whyStays(name, *place)});
                 continue;
+            }
             if (work.isCancelled())
                 return cleaned;
-            cleaned.ownBytes += root.ownSize(name);
-            RemovalReport removal = root.remove(name, work);
-            dropExpected(removal, kept);
-            cleaned.removal.add(removal);
+            if (!emptied.root.mayGo(name))
+                continue;
+            cleaned.ownBytes += emptied.root.ownSize(name);
+            cleaned.removal.add(emptied.root.remove(name, work));
             ++cleaned.count;
         }
     }
     return cleaned;
+}
+
+// What the program said last, or at least its status.
+QString failureOf(const ProcessOutcome &outcome)
+{
+    if (outcome.cancelled)
+        return u"已取消"_s;
+    const QString said = QString::fromLocal8Bit(outcome.errorOutput).trimmed().section(u'\n', -1).trimmed();
+    return said.isEmpty() ? u"命令返回错误 %1"_s.arg(outcome.exitCode) : oneLine(said);
 }
 
 } // namespace
@@ -94,19 +148,21 @@ QThreadPool &cleanupThreads()
     return *pool;
 }
 
-CleanableEntries cleanableEntries(const QStringList &folders, const RemovalRules &rules)
+CleanableEntries cleanableEntries(const CleanupBounds &bounds)
 {
+    const QList<KeptPath> kept = keptInside(bounds);
     CleanableEntries found;
-    for (const QString &folder : folders) {
-        const QByteArray native = QFile::encodeName(folder);
-        // A missing folder is an empty one.
-        if (!QFileInfo::exists(folder))
-            continue;
-        found.problem = RemovalRoot::obstacle(native, rules);
-        const RemovalRoot root(native, rules);
-        for (const QByteArray &name : root.entries()) {
-            if (isCleanable(name))
-                found.paths.append(root.canonicalPath() + '/' + name);
+    for (const QString &folder : bounds.folders) {
+        const EmptiedFolder emptied(folder, bounds, kept);
+        if (!emptied.obstacle.isEmpty())
+            found.problem = emptied.obstacle;
+        for (const QByteArray &name : emptied.names) {
+            const KeptPath *const place = emptied.keptIn(name);
+            if (!place && !emptied.root.mayGo(name))
+                ++found.notOldEnough;
+            else
+                found.entries.append(
+                    {emptied.pathOf(name), place ? emptied.whyStays(name, *place) : QString()});
         }
     }
     return found;
@@ -117,44 +173,49 @@ void Cleaned::add(const Cleaned &other)
     count += other.count;
     ownBytes += other.ownBytes;
     removal.add(other.removal);
+    kept += other.kept;
 }
 
 QCoro::Task<Cleaned> ItemCleaner::clean(CleanupRule rule, CleanupBounds bounds, Cancellation work)
 {
     if (rule.item.id == trashItemId)
-        co_return co_await emptyTrash(rule.target.name, bounds.rules, work);
-    if (rule.target.command) {
-        co_await runCommand(rule.target, work);
-        co_return Cleaned{.count = 1};
-    }
-    auto emptying = QtConcurrent::run(&cleanupThreads(), emptyFolders, emptiedFolders(rule), hasPattern(rule),
-                                      bounds, work);
+        co_return co_await emptyTrash(bounds.rules, work);
+    if (rule.target.command)
+        co_return co_await runCommand(rule.target, work);
+    auto emptying = QtConcurrent::run(&cleanupThreads(), emptyFolders, bounds, work);
     co_return co_await emptying;
 }
 
-QCoro::Task<Cleaned> ItemCleaner::emptyTrash(QString name, RemovalRules rules, Cancellation work)
+QCoro::Task<Cleaned> ItemCleaner::emptyTrash(RemovalRules rules, Cancellation work)
 {
     const auto emptied = co_await _ports.trash.empty(rules, work);
     Cleaned cleaned = {.count = 1};
     if (emptied)
         cleaned.removal = *emptied;
     else
-        cleaned.removal.add({0, 0, {{QFile::encodeName(name), emptied.error().message}}, 1});
+        cleaned.failure = emptied.error().message;
     co_return cleaned;
 }
 
-QCoro::Task<> ItemCleaner::runCommand(CleanupTarget target, Cancellation work)
+QCoro::Task<Cleaned> ItemCleaner::runCommand(CleanupTarget target, Cancellation work)
 {
     const QString command = target.command.value_or(QString());
+    Result<ProcessOutcome> outcome = failure(QString());
     if (target.requiresAdmin) {
-        co_await _ports.admin.run(command, work);
-        co_return;
+        outcome = co_await _ports.admin.run(command, work);
+    } else {
+        ProcessRequest request;
+        request.program = u"/bin/bash"_s;
+        request.arguments = {u"-c"_s, command};
+        request.cancellation = work;
+        outcome = co_await _processes.run(request);
     }
-    ProcessRequest request;
-    request.program = u"/bin/bash"_s;
-    request.arguments = {u"-c"_s, command};
-    request.cancellation = work;
-    co_await _processes.run(request);
+    Cleaned cleaned = {.count = 1, .isMeasured = false};
+    if (!outcome)
+        cleaned.failure = outcome.error().message;
+    else if (!outcome->succeeded())
+        cleaned.failure = failureOf(*outcome);
+    co_return cleaned;
 }
 
 } // namespace velbrix

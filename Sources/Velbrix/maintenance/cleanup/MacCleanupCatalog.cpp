@@ -27,9 +27,11 @@ CleanupRule command(CleanupGroup group, const QString &id, const QString &name, 
 QList<CleanupRule> systemRules(const QString &home)
 {
     constexpr auto group = CleanupGroup::system;
+    CleanupRule caches = folder(group, u"user-caches"_s, u"用户缓存"_s, u"archivebox"_s,
+                                u"~/Library/Caches — 应用缓存数据"_s, home + u"/Library/Caches"_s);
+    caches.sparedPaths = localHistories(home + u"/Library/Caches"_s);
     return {
-        folder(group, u"user-caches"_s, u"用户缓存"_s, u"archivebox"_s, u"~/Library/Caches — 应用缓存数据"_s,
-               home + u"/Library/Caches"_s),
+        caches,
         folder(group, u"system-caches"_s, u"系统缓存"_s, u"gearshape.2"_s, u"/Library/Caches — 系统级缓存"_s,
                u"/Library/Caches"_s),
         folder(group, u"logs"_s, u"日志文件"_s, u"doc.text.magnifyingglass"_s,

@@ -1,5 +1,6 @@
 #include "maintenance/cleanup/SystemCleaner.h"
 
+#include "foundation/Paths.h"
 #include "foundation/Text.h"
 
 #include <QFile>
@@ -50,7 +51,12 @@ SystemCleaner::SystemCleaner(const Ports &ports, SettingsStore &settings, Clock 
       _table(withFolders(std::move(catalog), _choices.customPaths()), {ports.trash, ports.programs}, clock,
              std::move(ownPaths)),
       _sizes(_table, ports.usage),
-      _details(_table, _choices, ports.usage, clock),
+      _details(
+          _table, _choices,
+          [this](const CleanupRule &rule, const QStringList &ids) {
+              return bounds(rule, idsOf(itemsToClean(ids)) + QStringList{rule.item.id});
+          },
+          ports.usage, clock),
       _itemCleaner({ports.trash, ports.admin}, clock)
 {
     QList<CleanupItem> items;
@@ -63,6 +69,14 @@ SystemCleaner::SystemCleaner(const Ports &ports, SettingsStore &settings, Clock 
     _items = items;
     _choices.loadExcluded(idsOf(items));
     connect(&_sizes, &CleanupSizes::measured, this, &SystemCleaner::showSize);
+    connect(&_details, &CleanupDetails::contentsChanged, this, [this] {
+        for (const CleanupContents &contents : _details.contents()) {
+            for (const CleanupEntry &entry : contents.entries) {
+                if (!entry.isIncluded && entry.bytes)
+                    _sizes.learn(entry.path, *entry.bytes);
+            }
+        }
+    });
     _job.follow(*this, &SystemCleaner::phaseChanged, &SystemCleaner::progressChanged);
 }
 
@@ -90,9 +104,38 @@ bool SystemCleaner::isAdministrative(const QString &id) const
     return known && known->target.requiresAdmin;
 }
 
+bool SystemCleaner::isEmpty(const QString &id) const
+{
+    const CleanupRule *const known = _table.rule(id);
+    return known && !known->measured.isEmpty() && _sizes.isKnown(id) && !_sizes.bytes(id);
+}
+
+QList<QByteArray> SystemCleaner::stayingPlaces(const QStringList &ids) const
+{
+    QList<QByteArray> places = _choices.excluded();
+    for (const CleanupRule &rule : _table.rules()) {
+        if (!ids.contains(rule.item.id))
+            places += _sizes.folders(rule.item.id);
+    }
+    for (const QString &folder : _use.folders.keys())
+        places.append(QFile::encodeName(folder));
+    return places;
+}
+
 qint64 SystemCleaner::selectedBytes() const
 {
-    return _sizes.total(idsOf(itemsToClean()));
+    QStringList ids = idsOf(itemsToClean());
+    const QList<QByteArray> staying = stayingPlaces(ids);
+    ids.removeIf([this](const QString &id) { return _table.rule(id)->takesPart; });
+    return _sizes.going(ids, staying);
+}
+
+qint64 SystemCleaner::bytesToGo(const QString &id) const
+{
+    const CleanupRule *const known = _table.rule(id);
+    return known && !known->takesPart
+               ? _sizes.going({id}, stayingPlaces(idsOf(itemsToClean()) + QStringList{id}))
+               : 0;
 }
 
 void SystemCleaner::change(const QString &id, const std::function<void(CleanupItem &)> &edit)
@@ -109,6 +152,19 @@ void SystemCleaner::setSelected(const QString &id, bool isSelected)
 {
     change(id, [&](CleanupItem &item) { item.isSelected = isSelected; });
     _choices.saveSelection(_items);
+    if (liesInOpened(id))
+        _details.lookAgain();
+}
+
+bool SystemCleaner::liesInOpened(const QString &id) const
+{
+    const QList<QByteArray> own = _sizes.folders(id);
+    return std::ranges::any_of(_details.contents().keys(), [&](const QString &opened) {
+        return std::ranges::any_of(_sizes.folders(opened), [&](const QByteArray &around) {
+            return std::ranges::any_of(own,
+                                       [&](const QByteArray &folder) { return isInside(folder, around); });
+        });
+    });
 }
 
 void SystemCleaner::setAllSelected(bool isSelected)
@@ -118,6 +174,7 @@ void SystemCleaner::setAllSelected(bool isSelected)
         item.isSelected = isSelected;
     _items = items;
     _choices.saveSelection(_items);
+    _details.lookAgain();
 }
 
 void SystemCleaner::setForced(const QString &id, bool isForced)
@@ -135,8 +192,11 @@ Result<void> SystemCleaner::addCustomPath(const QString &path)
     const QString folder = standardizedPath(path);
     const CleanupRule custom = customRule(folder);
     const QString &id = custom.item.id;
-    if (!QFileInfo(folder).isDir())
+    const QFileInfo found(folder);
+    if (!found.isDir())
         return failure(u"请选择存在的文件夹"_s);
+    if (found.isSymbolicLink())
+        return failure(u"这是一个链接，请选择它指向的文件夹：%1"_s.arg(canonicalPath(folder)));
     if (const QString obstacle =
             RemovalRoot::obstacle(QFile::encodeName(folder), _table.removalRules(custom));
         !obstacle.isEmpty())
@@ -186,7 +246,7 @@ QCoro::Task<> SystemCleaner::calculate()
     _work = Cancellation();
     const quint64 measuring = ++_measurings;
     _phase = CleanupPhase::calculating();
-    _busyItems = _table.busyItems();
+    lookForUse();
     co_await measure(idsOf(_items), _work);
     // A clean may have begun meanwhile, and another measuring after it.
     if (self && measuring == _measurings && _phase.value().kind == CleanupPhase::Kind::calculating)
@@ -196,7 +256,7 @@ QCoro::Task<> SystemCleaner::calculate()
 QCoro::Task<> SystemCleaner::measure(QStringList ids, Cancellation work)
 {
     const QPointer self(this);
-    co_await _sizes.measure(ids, work);
+    co_await _sizes.measure(ids, _choices.excluded(), work);
     if (!self)
         co_return;
     // Left over by a cancelling.
@@ -221,6 +281,19 @@ bool SystemCleaner::isWorking() const
 void SystemCleaner::cancel()
 {
     _work.cancel();
+}
+
+void SystemCleaner::lookForUse()
+{
+    _use = _table.use();
+    _busyItems = _use.items;
+}
+
+CleanupBounds SystemCleaner::bounds(const CleanupRule &rule, const QStringList &ids) const
+{
+    CleanupBounds bounds = _table.bounds(rule, {ids.begin(), ids.end()}, _use);
+    bounds.excluded = _choices.excluded();
+    return bounds;
 }
 
 bool SystemCleaner::isSkipped(const CleanupItem &item) const
@@ -248,6 +321,24 @@ QStringList SystemCleaner::itemsToSkip(const QStringList &ids) const
     return skipped;
 }
 
+QStringList SystemCleaner::foldersToSkip(const QStringList &ids) const
+{
+    QStringList skipped;
+    for (const CleanupItem &item : itemsToClean(ids)) {
+        const CleanupRule &rule = *_table.rule(item.id);
+        QStringList owners;
+        for (const QString &folder : rule.folderOwner.isEmpty() ? QStringList() : emptiedFolders(rule)) {
+            if (const QString owner = _use.folders.value(folder); !owner.isEmpty())
+                owners.append(owner);
+        }
+        owners.sort();
+        owners.removeDuplicates();
+        if (!owners.isEmpty())
+            skipped.append(u"%1（%2）"_s.arg(item.name, owners.join(u"、"_s)));
+    }
+    return skipped;
+}
+
 QString SystemCleaner::obstacle(const QStringList &ids) const
 {
     if (!itemsToClean(ids).isEmpty())
@@ -260,7 +351,7 @@ void SystemCleaner::clean(const QStringList &ids)
     if (_isCleaning)
         return;
     _work.cancel();
-    _busyItems = _table.busyItems();
+    lookForUse();
     CleanupReport report;
     report.skipped = itemsToSkip(ids);
     if (const QString reason = obstacle(ids); !reason.isEmpty()) {
@@ -279,26 +370,32 @@ QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport re
     const Cancellation work;
     _work = work;
     const QStringList ids = idsOf(items);
+    report.skipped += foldersToSkip(ids);
     Cleaned total;
     for (qsizetype i = 0; i < items.size() && !work.isCancelled(); ++i) {
-        _phase = CleanupPhase::cleaning(items[i].name);
+        const QString &name = items[i].name;
+        _phase = CleanupPhase::cleaning(name);
         _progress = static_cast<double>(i) / static_cast<double>(items.size());
-        // Taken away meanwhile, there is nothing to clean.
-        if (const CleanupRule *const rule = _table.rule(ids[i])) {
-            const CleanupBounds bounds = {_table.removalRules(*rule),
-                                          _table.foldersOutside({ids.begin(), ids.end()}),
-                                          _choices.excluded()};
-            const Cleaned cleaned = co_await _itemCleaner.clean(*rule, bounds, work);
-            if (!self)
-                co_return;
-            total.add(cleaned);
+        lookForUse(); // a program may have been started meanwhile
+        if (isSkipped(items[i])) {
+            report.skipped.append(name);
+            continue;
         }
+        const Cleaned cleaned = co_await cleanItem(items[i], ids, work);
+        if (!self)
+            co_return;
+        total.add(cleaned);
+        if (!cleaned.failure.isEmpty())
+            report.failed.append({name, cleaned.failure});
+        else if (!cleaned.isMeasured)
+            report.unmeasured.append(name);
         co_await Pause(_clock, afterEachItem);
         if (!self)
             co_return;
     }
     report.wasCancelled = work.isCancelled();
     report.removal = total.removal;
+    report.kept = total.kept;
     report.outcome = CleanupPhase::done(total.count, total.ownBytes);
     _isCleaning = false;
     _report = report;
@@ -306,6 +403,15 @@ QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport re
     _phase = report.outcome;
     calculate();
     _details.lookAgain();
+}
+
+QCoro::Task<Cleaned> SystemCleaner::cleanItem(CleanupItem item, QStringList ids, Cancellation work)
+{
+    const CleanupRule *const rule = _table.rule(item.id);
+    if (!rule) // taken away meanwhile, there is nothing to clean
+        co_return Cleaned();
+    const Cleaned cleaned = co_await _itemCleaner.clean(*rule, bounds(*rule, ids), work);
+    co_return cleaned;
 }
 
 } // namespace velbrix

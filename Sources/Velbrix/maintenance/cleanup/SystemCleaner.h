@@ -57,8 +57,13 @@ public:
     bool isAdministrative(const QString &id) const;
     // Bytes as last measured; nothing while unknown or not measurable.
     std::optional<qint64> measuredBytes(const QString &id) const { return _sizes.bytes(id); }
-    // Of what is selected; a folder inside another one counts once.
+    // It was measured and there is nothing in it.
+    bool isEmpty(const QString &id) const;
+    // What would go of all that clean() would take, a folder inside another one
+    // counted once.
     qint64 selectedBytes() const;
+    // Of one item as it is among them.
+    qint64 bytesToGo(const QString &id) const;
 
     void setSelected(const QString &id, bool isSelected);
     void setAllSelected(bool isSelected);
@@ -75,8 +80,9 @@ public:
     void calculateOnce();
 
     CleanupDetails &details() { return _details; }
+    const CleanupDetails &details() const { return _details; }
     // Entries of the item that every clean excludes.
-    qsizetype excludedCount(const QString &id) const { return _choices.excludedCount(id); }
+    qsizetype excludedCount(const QString &id) const { return _choices.excludedOf(id).size(); }
 
     // Ends the measuring, or the cleaning after the entry it is at.
     void cancel();
@@ -88,6 +94,8 @@ public:
     QList<CleanupItem> itemsToClean(const QStringList &ids = {}) const;
     // Names of the items that it would leave alone because their owner runs.
     QStringList itemsToSkip(const QStringList &ids = {}) const;
+    // The same of single folders of the items that it takes.
+    QStringList foldersToSkip(const QStringList &ids = {}) const;
     // Why it would do nothing, for the user; else empty.
     QString obstacle(const QStringList &ids = {}) const;
     bool isCleaning() const { return _isCleaning; }
@@ -98,16 +106,23 @@ public:
 private:
     Job::State jobState() const;
     bool isSkipped(const CleanupItem &item) const;
+    void lookForUse();
+    CleanupBounds bounds(const CleanupRule &rule, const QStringList &ids) const;
+    bool liesInOpened(const QString &id) const;
+    // Canonical places that stay when these are cleaned.
+    QList<QByteArray> stayingPlaces(const QStringList &ids) const;
     void change(const QString &id, const std::function<void(CleanupItem &)> &edit);
     void showSize(const QString &id, qint64 bytes);
 
     QCoro::Task<> measure(QStringList ids, Cancellation work);
     QCoro::Task<> calculate();
     QCoro::Task<> runClean(QList<CleanupItem> items, CleanupReport report);
+    QCoro::Task<Cleaned> cleanItem(CleanupItem item, QStringList ids, Cancellation work);
 
     Clock &_clock;
     CleanupChoices _choices;
     CleanupTable _table;
+    CleanupUse _use;
     CleanupSizes _sizes;
     CleanupDetails _details;
     ItemCleaner _itemCleaner;

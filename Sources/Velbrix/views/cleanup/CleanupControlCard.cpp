@@ -48,8 +48,8 @@ QString selectionText(const SystemCleaner &cleaner)
 QString itemLine(const SystemCleaner &cleaner, const CleanupItem &item)
 {
     QString line = oneLine(item.customPath ? shownPath(*item.customPath) : item.name);
-    if (const auto bytes = cleaner.measuredBytes(item.id))
-        line += u" — "_s + formatByteCount(*bytes);
+    if (const qint64 bytes = cleaner.bytesToGo(item.id); bytes > 0)
+        line += u" — "_s + formatByteCount(bytes);
     QStringList marks;
     if (cleaner.isAdministrative(item.id))
         marks.append(u"需要管理员权限"_s);
@@ -70,8 +70,17 @@ NoticeSheet::Words cleanupQuestion(const SystemCleaner &cleaner)
     words.title = u"确认清理"_s;
     words.message = u"将清理已选中的 %1 个项目%2，操作不可撤销。"_s.arg(items.size())
                         .arg(bytes > 0 ? u"（约 %1）"_s.arg(formatByteCount(bytes)) : QString());
-    for (const CleanupItem &item : items)
-        words.details.append(itemLine(cleaner, item));
+    QStringList empty;
+    for (const CleanupItem &item : items) {
+        if (cleaner.isEmpty(item.id))
+            empty.append(item.name);
+        else
+            words.details.append(itemLine(cleaner, item));
+    }
+    if (!empty.isEmpty())
+        words.details.append(u"没有可清理的内容：%1"_s.arg(oneLine(empty.join(u"、"_s))));
+    for (const QString &name : cleaner.foldersToSkip())
+        words.details.append(u"其中跳过正在运行的：%1"_s.arg(oneLine(name)));
     const QStringList skipped = cleaner.itemsToSkip();
     if (!skipped.isEmpty())
         words.message += u"另有 %1 个项目正在运行，将跳过。"_s.arg(skipped.size());
@@ -99,6 +108,7 @@ CleanupControlCard::CleanupControlCard(const ViewContext &context, QWidget *pare
     connect(&_cleaner, &SystemCleaner::itemsChanged, this, totals);
     connect(&_cleaner, &SystemCleaner::busyItemsChanged, this, totals);
     connect(&_cleaner, &SystemCleaner::forcedItemsChanged, this, totals);
+    connect(&_cleaner.details(), &CleanupDetails::contentsChanged, this, totals);
     connect(&_cleaner, &SystemCleaner::progressChanged, this, job);
     connect(&_cleaner, &SystemCleaner::phaseChanged, this, job);
     showTotals();

@@ -37,7 +37,7 @@ bool areSamePaths(const QList<CleanupEntry> &one, const QList<CleanupEntry> &oth
 
 class CleanupEntryList::Entries final : public QAbstractListModel {
 public:
-    enum Role { sizeRole = Qt::UserRole, pathRole };
+    enum Role { sizeRole = Qt::UserRole, pathRole, changeableRole };
 
     using QAbstractListModel::QAbstractListModel;
 
@@ -103,14 +103,19 @@ QVariant CleanupEntryList::Entries::data(const QModelIndex &index, int role) con
     const CleanupEntry &entry = _entries[index.row()];
     switch (role) {
     case Qt::DisplayRole:
-        return oneLine(entry.name);
+        return entry.isIncluded && !entry.goes() ? u"%1（%2）"_s.arg(oneLine(entry.name), entry.whyStays)
+                                                 : oneLine(entry.name);
     case Qt::ToolTipRole:
         return plainTip(oneLine(QFile::decodeName(entry.path)));
     case Qt::CheckStateRole:
-        return entry.isIncluded ? Qt::Checked : Qt::Unchecked;
+        return entry.goes() ? Qt::Checked : Qt::Unchecked;
     case Qt::AccessibleTextRole:
         return u"%1，%2，%3"_s.arg(oneLine(entry.name), sizeText(entry),
-                                   entry.isIncluded ? u"将清理"_s : u"已排除"_s);
+                                   entry.goes()        ? u"将清理"_s
+                                   : !entry.isIncluded ? u"已排除"_s
+                                                       : u"保留："_s + entry.whyStays);
+    case changeableRole:
+        return !entry.isFixed && (entry.goes() || !entry.isIncluded);
     case sizeRole:
         return sizeText(entry);
     case pathRole:
@@ -146,7 +151,8 @@ public:
         const bool isIncluded = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
         const QRectF box(room.x(), room.y() + (lineHeight - CheckBox::side) / 2.0, CheckBox::side,
                          CheckBox::side);
-        CheckBox::paint(*painter, _theme, box, isIncluded ? Qt::Checked : Qt::Unchecked, _list.isEnabled());
+        CheckBox::paint(*painter, _theme, box, isIncluded ? Qt::Checked : Qt::Unchecked,
+                        _list.isEnabled() && index.data(Entries::changeableRole).toBool());
         const QString size = index.data(Entries::sizeRole).toString();
         const QFontMetrics metrics = option.fontMetrics;
         const int sizeWidth = metrics.horizontalAdvance(size);
@@ -221,6 +227,8 @@ void CleanupEntryList::focusInEvent(QFocusEvent *event)
 
 void CleanupEntryList::toggle(const QModelIndex &index)
 {
+    if (!index.data(Entries::changeableRole).toBool())
+        return;
     const CleanupEntry &entry = _entries->entries()[index.row()];
     const QByteArray path = entry.path;
     Q_EMIT wanted(path, !entry.isIncluded);

@@ -27,25 +27,6 @@ namespace {
 constexpr int mostListHeight = 168;
 constexpr int padding = 16; // of the list
 
-// What was really freed, left alone and not begun. One statement a line.
-QString reportText(const CleanupReport &report)
-{
-    QStringList lines;
-    if (report.outcome.kind == CleanupPhase::Kind::done) {
-        const RemovalReport &removal = report.removal;
-        if (removal.removedFiles > 0 || removal.freedBytes > 0)
-            lines.append(u"实际释放 %1，共删除 %2 个文件"_s.arg(formatByteCount(removal.freedBytes))
-                             .arg(removal.removedFiles));
-        else if (report.outcome.cleanedCount == 0)
-            lines.append(u"没有需要删除的文件"_s);
-    }
-    if (report.wasCancelled)
-        lines.append(u"余下的没有清理"_s);
-    if (!report.skipped.isEmpty())
-        lines.append(u"因正在运行而跳过：%1"_s.arg(report.skipped.join(u"、"_s)));
-    return lines.join(u'\n');
-}
-
 // "有 3 个条目没有删除"; empty when all went.
 QString problemText(const RemovalReport &removal)
 {
@@ -136,14 +117,16 @@ void CleanupOutcomeCard::refresh()
         _mark->show(u"xmark.circle.fill"_s, ThemeColor::bad);
     else if (report.wasCancelled)
         _mark->show(u"info.circle"_s, ThemeColor::secondary);
+    else if (!report.failed.isEmpty())
+        _mark->show(u"exclamationmark.triangle.fill"_s, ThemeColor::warning);
     else
         _mark->show(u"checkmark.circle.fill"_s, ThemeColor::good);
     _result->setText(result);
     setLook(_result, "role",
-            hasFailed             ? u"badHeading"_s
-            : report.wasCancelled ? u"heading"_s
-                                  : u"goodHeading"_s);
-    const QString details = reportText(report);
+            hasFailed                                         ? u"badHeading"_s
+            : report.wasCancelled || !report.failed.isEmpty() ? u"heading"_s
+                                                              : u"goodHeading"_s);
+    const QString details = reportLines(report).join(u'\n');
     _details->setText(details);
     _details->setVisible(!details.isEmpty());
 

@@ -34,11 +34,19 @@ QString contentsText(const CleanupContents &contents)
     if (!contents.problem.isEmpty())
         return contents.problem;
     if (contents.entries.isEmpty())
-        return contents.isMeasuring ? u"正在读取…"_s : u"没有可清理的内容"_s;
+        return contents.isMeasuring      ? u"正在读取…"_s
+               : contents.note.isEmpty() ? u"没有可清理的内容"_s
+                                         : contents.note;
     const auto excluded = std::ranges::count(contents.entries, false, &CleanupEntry::isIncluded);
+    const auto kept = std::ranges::count_if(
+        contents.entries, [](const CleanupEntry &entry) { return entry.isIncluded && !entry.goes(); });
     QString text = u"共 %1 个条目"_s.arg(contents.entries.size());
     if (excluded > 0)
         text += u"，已排除 %1 个"_s.arg(excluded);
+    if (kept > 0)
+        text += u"，%1 个会保留"_s.arg(kept);
+    if (!contents.note.isEmpty())
+        text += u"；"_s + contents.note;
     return contents.isMeasuring ? text + u"，正在计算大小…"_s : text;
 }
 

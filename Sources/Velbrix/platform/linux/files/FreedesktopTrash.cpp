@@ -197,4 +197,12 @@ QStringList FreedesktopTrash::folders() const
     return paths;
 }
 
+QStringList FreedesktopTrash::itemFolders() const
+{
+    QStringList paths;
+    for (const QString &trash : folders())
+        paths.append(trash + u"/files"_s);
+    return paths;
+}
+
 } // namespace velbrix

@@ -21,6 +21,7 @@ public:
     QCoro::Task<Result<void>> putBack(const QString trashed, const QString original) override;
     QCoro::Task<Result<RemovalReport>> empty(RemovalRules rules, Cancellation cancellation) override;
     QStringList folders() const override;
+    QStringList itemFolders() const override;
 
 private:
     Clock &_clock;

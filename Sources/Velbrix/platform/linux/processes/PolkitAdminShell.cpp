@@ -8,11 +8,19 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+constexpr int dismissed = 126;
 constexpr int notAuthorised = 127;
 
-bool couldNotAsk(const ProcessOutcome &outcome)
+// Why pkexec did not run the line; empty when it did. The line's own end may
+// have the same status.
+QString refusalIn(const ProcessOutcome &outcome)
 {
-    return outcome.exitCode == notAuthorised && outcome.errorOutput.contains("No authentication agent");
+    if (outcome.exitCode == notAuthorised && outcome.errorOutput.contains("No authentication agent"))
+        return u"桌面没有运行 polkit 认证代理，无法询问管理员密码"_s;
+    const bool mayBeRefused = outcome.exitCode == dismissed || outcome.exitCode == notAuthorised;
+    const bool isRefused =
+        mayBeRefused && outcome.errorOutput.contains("Error executing command as another user");
+    return isRefused ? u"没有得到管理员授权"_s : QString();
 }
 
 } // namespace
@@ -40,8 +48,8 @@ QCoro::Task<Result<ProcessOutcome>> PolkitAdminShell::run(const QString line, Ca
     const auto outcome = co_await _runner.run(std::move(request));
     if (!outcome)
         co_return failure(u"无法启动 pkexec：%1"_s.arg(outcome.error().message));
-    if (couldNotAsk(*outcome))
-        co_return failure(u"桌面没有运行 polkit 认证代理，无法询问管理员密码"_s);
+    if (const QString reason = refusalIn(*outcome); !reason.isEmpty())
+        co_return failure(reason);
     co_return outcome;
 }
 

@@ -20,6 +20,9 @@ QCoro::Task<Result<ProcessOutcome>> OsascriptAdminShell::run(const QString line,
     const auto outcome = co_await _runner.run(std::move(request));
     if (!outcome)
         co_return failure(u"无法询问管理员密码：%1"_s.arg(outcome.error().message));
+    // userCanceledErr; the words around it are in the user's language.
+    if (!outcome->succeeded() && outcome->errorOutput.contains("(-128)"))
+        co_return failure(u"没有得到管理员授权"_s);
     co_return outcome;
 }
 
