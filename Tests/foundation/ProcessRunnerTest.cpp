@@ -1,9 +1,13 @@
 #include "foundation/ProcessRunner.h"
 
+#include "foundation/SystemClock.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
+#include <QProcess>
+
 #include <csignal>
+#include <unistd.h>
 
 namespace {
 
@@ -13,6 +17,20 @@ ProcessRequest request(const QString &program, const QStringList &arguments)
     made.program = program;
     made.arguments = arguments;
     return made;
+}
+
+// Holds a shell and its child until it is killed itself.
+int hold(QCoreApplication &app)
+{
+    SystemClock clock;
+    ProcessRunner runner(clock);
+    ProcessRequest shell = request(u"/bin/sh"_s, {u"-c"_s, u"sleep 100 & echo $! $$; wait"_s});
+    shell.endsWithUs = true;
+    shell.onOutput = [](const QByteArray &piece) {
+        ::write(STDOUT_FILENO, piece.constData(), size_t(piece.size()));
+    };
+    runner.run(shell);
+    return app.exec();
 }
 
 } // namespace
@@ -94,10 +112,33 @@ private Q_SLOTS:
         }
     }
 
+    void whatEndsWithUsDoesSoHoweverWeEnd()
+    {
+        QProcess program;
+        program.start(QCoreApplication::applicationFilePath(), {u"hold"_s});
+        QByteArray told;
+        QTRY_VERIFY((told += program.readAllStandardOutput()).endsWith('\n'));
+        program.kill();
+        for (const QByteArray &pid : told.trimmed().split(' '))
+            QTRY_VERIFY(::kill(pid.toInt(), 0) != 0);
+        ProcessRequest tied = request(u"/bin/echo"_s, {u"$HOME; `id` *"_s});
+        tied.endsWithUs = true;
+        QCOMPARE(run(tied)->output, "$HOME; `id` *\n"_ba);
+        tied.program = u"/nonexistent/program"_s;
+        QVERIFY(!run(tied));
+    }
+
     void aTimeoutEndsTheWholeGroup() { endsTheWholeGroup({}, true); }
     void aCancellationEndsTheWholeGroup() { endsTheWholeGroup({}, false); }
     void whatIgnoresItIsKilled() { endsTheWholeGroup(u"trap '' TERM; "_s, false); }
 };
 
-QTEST_GUILESS_MAIN(ProcessRunnerTest)
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (app.arguments().contains(u"hold"_s))
+        return hold(app);
+    ProcessRunnerTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "ProcessRunnerTest.moc"

@@ -1,6 +1,7 @@
 #include "foundation/ProcessRunner.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QMetaObject>
 #include <QProcess>
 
@@ -23,20 +24,32 @@ void keep(QByteArray &kept, const QByteArray &piece, qsizetype limit)
     kept += piece.first(std::min(piece.size(), std::max<qsizetype>(limit - kept.size(), 0)));
 }
 
+// Runs the arguments in its own place, and beside them in their process group a
+// shell that waits for the end of standard input, which ends with who holds it.
+const QString tether = u"exec 3<&0; { trap '' TERM INT HUP; read -r _; kill -TERM 0; sleep 2; kill -KILL 0; "
+                       u"} <&3 >/dev/null 2>&1 & "
+                       "exec \"$@\" </dev/null 3<&-"_s;
+
 // The program leads a process group of its own, so its children end with it.
 class Run {
 public:
     Run(Clock &clock, ProcessRequest request) : _clock(clock), _request(std::move(request))
     {
-        _process.setProgram(_request.program);
-        _process.setArguments(_request.arguments);
+        if (_request.endsWithUs) {
+            _process.setProgram(u"/bin/sh"_s);
+            _process.setArguments(QStringList{u"-c"_s, tether, u"sh"_s, _request.program} +
+                                  _request.arguments);
+        } else {
+            _process.setProgram(_request.program);
+            _process.setArguments(_request.arguments);
+            _process.setStandardInputFile(QProcess::nullDevice());
+        }
         if (!_request.workingDirectory.isEmpty())
             _process.setWorkingDirectory(_request.workingDirectory);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (auto it = _request.environment.cbegin(); it != _request.environment.cend(); ++it)
             environment.insert(it.key(), it.value());
         _process.setProcessEnvironment(environment);
-        _process.setStandardInputFile(QProcess::nullDevice());
         _process.setChildProcessModifier([] { ::setpgid(0, 0); });
         QObject::connect(&_process, &QProcess::finished, &_process, [this] { ended(); });
         QObject::connect(&_process, &QProcess::errorOccurred, &_process,
@@ -135,6 +148,8 @@ QCoro::Task<Result<ProcessOutcome>> ProcessRunner::run(ProcessRequest request)
 {
     if (!QDir::isAbsolutePath(request.program))
         co_return failure(u"程序路径不是绝对路径：%1"_s.arg(request.program));
+    if (request.endsWithUs && !QFileInfo(request.program).isExecutable())
+        co_return failure(u"没有这个程序：%1"_s.arg(request.program));
     Run run(_clock, std::move(request));
     run.start();
     co_await run;

@@ -26,6 +26,8 @@ struct ProcessRequest {
     std::function<void(const QByteArray &)> onOutput;
     std::function<void(const QByteArray &)> onErrorOutput;
     qsizetype outputLimit = 1 << 20; // bytes kept of each channel
+    // Ends, with all that it started, when this program does, however that ends.
+    bool endsWithUs = false;
     Cancellation cancellation;
 };
 
