@@ -1,5 +1,7 @@
 #include "foundation/ExcludeRules.h"
 
+#include <utility>
+
 #include <fnmatch.h>
 
 using namespace Qt::StringLiterals;
@@ -9,18 +11,27 @@ namespace velbrix {
 ExcludeRules::ExcludeRules(const QStringList &patterns)
 {
     for (const QString &text : patterns) {
-        Rule rule{.pattern = text.toUtf8()};
-        while (rule.pattern.endsWith('/')) {
-            rule.foldersOnly = true;
-            rule.pattern.chop(1);
+        add({.pattern = text.toUtf8()});
+        // A Mac's disk may have composed what was typed decomposed, and the other way round.
+        for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
+            if (const QString other = text.normalized(form); other != text)
+                add({.pattern = other.toUtf8()});
         }
-        rule.isPath = rule.pattern.contains('/');
-        while (rule.pattern.startsWith('/'))
-            rule.pattern.remove(0, 1);
-        rule.flags = rule.pattern.contains("**") ? 0 : FNM_PATHNAME;
-        if (!rule.pattern.isEmpty())
-            _rules.push_back(rule);
     }
+}
+
+void ExcludeRules::add(Rule rule)
+{
+    while (rule.pattern.endsWith('/')) {
+        rule.foldersOnly = true;
+        rule.pattern.chop(1);
+    }
+    rule.isPath = rule.pattern.contains('/');
+    while (rule.pattern.startsWith('/'))
+        rule.pattern.remove(0, 1);
+    rule.flags = rule.pattern.contains("**") ? 0 : FNM_PATHNAME;
+    if (!rule.pattern.isEmpty())
+        _rules.push_back(std::move(rule));
 }
 
 bool ExcludeRules::excludes(const QByteArray &path, bool isFolder) const

@@ -9,7 +9,8 @@ namespace velbrix {
 
 // Which names are excluded from a copy of a folder. A pattern with a slash in it means
 // paths below the folder, any other one the last name; a slash at its end means
-// folders only. "*" and "?" stop at a slash unless the pattern has "**".
+// folders only. "*" and "?" stop at a slash unless the pattern has "**". A pattern
+// means names of the same text in whichever Unicode normal form.
 class ExcludeRules {
 public:
     explicit ExcludeRules(const QStringList &patterns);
@@ -30,6 +31,8 @@ private:
         bool foldersOnly = false;
         int flags = 0;
     };
+    void add(Rule rule);
+
     std::vector<Rule> _rules;
 };
 
