@@ -28,6 +28,7 @@
 #include "platform/SystemSleep.h"
 #include "platform/TrashCan.h"
 #include "platform/UserNotifications.h"
+#include "platform/VolumeIdentity.h"
 
 #include <QString>
 
@@ -64,6 +65,7 @@ struct Platform {
     std::unique_ptr<RunningPrograms> programs;
     std::unique_ptr<ApplicationCatalog> applications;
     std::unique_ptr<Archiver> archiver;
+    VolumeIdentity volumes;
     HostFamily family = HostFamily::freedesktop;
 };
 

@@ -12,6 +12,7 @@
 #include "platform/linux/desktop/ThemeSymbols.h"
 #include "platform/linux/files/FreedesktopTrash.h"
 #include "platform/linux/files/TreeDiskUsage.h"
+#include "platform/linux/files/VolumeUuid.h"
 #include "platform/linux/media/libav/LibAvMediaProbe.h"
 #include "platform/linux/media/mp4/LinuxMovieFiles.h"
 #include "platform/linux/media/sound/PulseAudioDevices.h"
@@ -86,6 +87,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.trash = std::make_unique<FreedesktopTrash>(clock);
     platform.adminShell = std::make_unique<PolkitAdminShell>(clock);
     platform.programs = std::make_unique<ProcPrograms>();
+    platform.volumes = [](const QString &path) { return volumeIdentity(path); };
     platform.family = HostFamily::freedesktop;
     return platform;
 }

@@ -13,6 +13,7 @@
 #include "platform/macos/files/DittoArchiver.h"
 #include "platform/macos/files/DuDiskUsage.h"
 #include "platform/macos/files/MacTrashCan.h"
+#include "platform/macos/files/VolumeUuid.h"
 #include "platform/macos/input/CarbonHotkeyRegistrar.h"
 #include "platform/macos/input/NSEventKeyMonitor.h"
 #include "platform/macos/media/AVMediaProbe.h"
@@ -71,6 +72,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.trash = std::make_unique<MacTrashCan>(clock);
     platform.adminShell = std::make_unique<OsascriptAdminShell>(clock);
     platform.programs = std::make_unique<MacRunningPrograms>();
+    platform.volumes = volumeIdentity;
     platform.family = HostFamily::macos;
     return platform;
 }

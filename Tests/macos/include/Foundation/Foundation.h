@@ -155,11 +155,17 @@ typedef NSString *NSExceptionName;
 @property(nullable, readonly, copy) NSString *reason;
 @end
 
+typedef NSString *NSURLResourceKey;
+extern NSURLResourceKey const NSURLVolumeUUIDStringKey API_AVAILABLE(macos(10.7));
+
 @interface NSURL : NSObject <NSCopying>
 @property(nullable, readonly, copy) NSString *path;
 + (NSURL *)fileURLWithPath:(NSString *)path;
 + (NSURL *)fileURLWithPath:(NSString *)path isDirectory:(BOOL)isDirectory;
 + (nullable instancetype)URLWithString:(NSString *)text;
+- (BOOL)getResourceValue:(out id _Nullable *_Nonnull)value
+                  forKey:(NSURLResourceKey)key
+                   error:(out NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.6));
 @end
 
 @interface NSFileManager : NSObject
