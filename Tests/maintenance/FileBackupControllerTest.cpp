@@ -3,6 +3,7 @@
 #include "support/FakeFiles.h"
 #include "support/FakeSystem.h"
 #include "support/FileTree.h"
+#include "support/MountedFolder.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 
@@ -63,7 +64,9 @@ struct Rig : SettingsRig {
     {
         if (!controller)
             controller = std::make_unique<FileBackupController>(
-                FileBackupController::Ports{archiver, notifications, sleep}, store, clock);
+                FileBackupController::Ports{archiver, notifications, sleep,
+                                            [](const QString &) { return u"1"_s; }},
+                store, clock);
         return *controller;
     }
     // A controller that finds these in the settings, without the checks of save().
@@ -130,6 +133,7 @@ private Q_SLOTS:
         QCOMPARE(saved->name, u"src"_s);
         QCOMPARE(saved->nextRunAt, start.addSecs(3600));
         QVERIFY(!saved->destVolume.isEmpty());
+        QCOMPARE(saved->destVolumeId, u"1"_s);
         QCOMPARE(rig.stored().size(), 1);
         BackupTask throughLink = rig.described(u"src"_s);
         QFile::link(rig.path(u"dst"_s), rig.path(u"link"_s));
@@ -291,12 +295,19 @@ private Q_SLOTS:
     void looksForRoomFirst()
     {
         Rig rig;
-        if (!QFile::resize(rig.path(u"src/a"_s), qint64(1) << 43))
-            QSKIP("no file may be as large here");
-        const QString id = rig.save(rig.described(u"t"_s))->id;
-        QVERIFY(rig.run(id).startsWith(u"保存目录的可用空间不足：最多需要 8.8 TB，只剩 "_s));
-        QVERIFY(rig.archiver.calls.isEmpty());
-        rig.writeArchives({u"t_20260101_000000.zip"_s}); // it can be packed well
+        const MountedFolder disk(u"small"_s);
+        if (!disk.isMounted())
+            QSKIP("no FUSE here");
+        QVERIFY(QFile::resize(writeFile(rig.path(u"src/hole"_s)), 1 << 30)); // takes nearly nothing
+        BackupTask task = rig.described(u"t"_s);
+        task.destPath = disk.path();
+        const QString id = rig.save(task)->id;
+        QVERIFY(rig.run(id).startsWith(u"✓"_s));
+        writeFile(rig.path(u"src/a"_s), QByteArray(9 << 20, 'x'));
+        QFile::remove(disk.path() + u"/t_20260301_090000.zip"_s);
+        QCOMPARE(rig.run(id), u"保存目录的可用空间不足：最多需要 11.6 MB，只剩 8.4 MB"_s);
+        QCOMPARE(entriesOf(disk.path()), QStringList());
+        writeFile(disk.path() + u"/t_20260101_000000.zip"_s, FakeArchiver::content); // it can be packed well
         QVERIFY(rig.run(id).startsWith(u"✓"_s));
     }
 
@@ -402,7 +413,7 @@ private Q_SLOTS:
         QVERIFY(rig.asks(id));
         rig.controller->confirmDeletions();
         QVERIFY(rig.ends());
-        QCOMPARE(rig.result(id), u"✓ 同步完成 · 1 个文件"_s);
+        QCOMPARE(rig.result(id), u"✓ 同步完成 · 1 个文件，删除 60 个"_s);
         QVERIFY(!rig.has(u"dst/t_同步/0"_s));
     }
 

@@ -6,6 +6,7 @@
 #include "maintenance/backup/TreeComparison.h"
 #include "support/FileTree.h"
 #include "support/Fuzz.h"
+#include "support/MountedFolder.h"
 #include "support/Test.h"
 
 #include <QCoroTask>
@@ -37,7 +38,7 @@ struct Rig {
         for (int n = 0; n < count; ++n)
             write({u"%1/%2"_s.arg(below).arg(n)});
     }
-    QStringList inMirror() const { return filesBelow(path(u"dst/t_同步"_s)); }
+    QStringList inMirror() const { return filesBelow(request.task.destPath + u"/t_同步"_s); }
     bool has(const QString &below) const { return QFile::exists(path(below)); }
     // Runs in rsync's place, with its arguments.
     void replaceRsync(const QString &script)
@@ -83,20 +84,20 @@ private Q_SLOTS:
         rig.write({u"src/a=one"_s, u"src/sub/中文.txt=two"_s, u"src/line\nbreak"_s, u"src/deleting me"_s,
                    u"src/empty="_s});
         QFile::link(u"/nowhere"_s, rig.path(u"src/link"_s));
-        const QByteArray odd = "/bad\xff";
-        QCOMPARE(::mkdir((rig.native(u"src"_s) + odd).constData(), 0755), 0);
-        // A name that begins like one of rsync's own lines is copied but not counted.
-        QCOMPARE(rig.run(), u"✓ 同步完成 · 5 个文件"_s);
+        const QByteArray odd = "/bad\xff/in\xff";
+        tree::file(rig.native(u"src"_s) + odd);
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 7 个文件"_s);
+        QVERIFY(tree::exists(rig.native(u"dst/t_同步"_s) + odd));
         QCOMPARE(rig.inMirror(), filesBelow(rig.path(u"src"_s)));
         QCOMPARE(QFile::symLinkTarget(rig.path(u"dst/t_同步/link"_s)), u"/nowhere"_s);
-        QCOMPARE(rig.lines.first(2), (QStringList{u"正在扫描目录…"_s, u"5 个文件，开始同步…"_s}));
+        QCOMPARE(rig.lines.first(2), (QStringList{u"正在扫描目录…"_s, u"6 个文件，开始同步…"_s}));
         QCOMPARE(entriesOf(rig.path(u"dst"_s)), QStringList{u"t_同步"_s});
         rig.write({u"dst/t_同步/.a.Xy12ab=on"_s}); // what a killed run has left
-        QCOMPARE(rig.run(), u"✓ 同步完成 · 0 个文件"_s);
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 0 个文件，删除 1 个"_s);
         QCOMPARE(rig.inMirror(), filesBelow(rig.path(u"src"_s)));
         // The temporary folder could not remove a name that is no UTF-8.
-        for (const QString &folder : {u"dst/t_同步"_s, u"src"_s})
-            QCOMPARE(::rmdir((rig.native(folder) + odd).constData()), 0);
+        for (const QString &folder : {u"dst"_s, u"src"_s})
+            std::filesystem::remove_all(tree::native(rig.native(folder)));
     }
 
     void setsAsideWhatItDeletesAndReplaces()
@@ -105,7 +106,7 @@ private Q_SLOTS:
         rig.write({u"src/kept=new"_s, u"src/becomesFile=file"_s, u"src/becomesFolder/in"_s,
                    u"dst/t_同步/kept=old"_s, u"dst/t_同步/gone/deep/in=lost"_s,
                    u"dst/t_同步/becomesFile/in=was"_s, u"dst/t_同步/becomesFolder=was a file"_s});
-        QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件"_s);
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件，删除 2 个"_s);
         QCOMPARE(rig.inMirror(), filesBelow(rig.path(u"src"_s)));
         // Another run in the same second has a folder of its own.
         rig.write({u"src/kept=newest"_s});
@@ -148,8 +149,17 @@ private Q_SLOTS:
         rig.write({u"dst/t_同步/only"_s});
         QDir().mkpath(rig.path(u"src/empty"_s));
         QVERIFY(rig.says(u"源文件夹里没有文件"_s));
+        rig.write({u"src/.DS_Store"_s, u"src/empty/Thumbs.db"_s, u"src/System Volume Information/id"_s});
+        QVERIFY(rig.says(u"源文件夹里没有文件"_s));
         rig.write({u"src/a"_s});
         BackupTask &task = rig.request.task;
+        // Another card with the same label.
+        rig.request.volumes = [](const QString &) { return u"2"_s; };
+        task.sourceVolumeId = u"1"_s;
+        QVERIFY(rig.says(u"源文件夹现在位于另一个磁盘"_s));
+        task.destVolumeId = u"1"_s;
+        QVERIFY(rig.says(u"保存目录现在位于另一个磁盘"_s));
+        task.sourceVolumeId = task.destVolumeId = QString();
         task.destVolume = u"/media/stick"_s;
         QVERIFY(rig.says(u"保存目录所在的磁盘没有连接"_s));
         task.destVolume.clear();
@@ -178,6 +188,73 @@ private Q_SLOTS:
         rig.write({u"src/a"_s, u"dst/t_同步"_s});
         QCOMPARE(rig.run(), u"创建同步目录失败: 已有同名的文件"_s);
         QCOMPARE(filesBelow(rig.path(u"dst"_s)), QStringList{u"t_同步"_s});
+        Rig inTheWay;
+        inTheWay.write({u"src/a"_s, u"dst/t_同步_旧文件"_s});
+        QVERIFY(inTheWay.says(u"创建同步目录失败: 已有同名的文件“"_s));
+    }
+
+    void disksThatTakeSpellingsForOne()
+    {
+        const MountedFolder disk(u"folding"_s);
+        const MountedFolder decomposing(u"decomposing"_s);
+        if (!disk.isMounted())
+            QSKIP("no FUSE here");
+        const QString decomposed = u"e\u0301"_s;
+        const QString composed = u"\u00e9"_s;
+        Rig rig;
+        rig.request.task.destPath = disk.path();
+        rig.write({u"src/Photos/in/A=1"_s, u"src/%1=2"_s.arg(composed), u"src/gone"_s});
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件"_s);
+        for (const auto &[from, to] : {std::pair(u"Photos"_s, u"photos"_s),
+                                       {u"photos/in/A"_s, u"photos/in/a"_s},
+                                       {composed, decomposed},
+                                       {u"gone"_s, u"new"_s}})
+            QVERIFY(QFile::rename(rig.path(u"src/"_s + from), rig.path(u"src/"_s + to)));
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 1 个文件，删除 1 个"_s);
+        QCOMPARE(rig.inMirror(), filesBelow(rig.path(u"src"_s)));
+        // Two that would be one, of which the mirror has one or neither.
+        for (const QString &two : {u"src/NEW"_s, u"src/x/Foo"_s}) {
+            const QStringList before = rig.inMirror();
+            rig.write({two, u"src/x/foo"_s});
+            QVERIFY(rig.says(u"保存目录所在的磁盘分不清“"_s));
+            QCOMPARE(rig.inMirror(), before);
+            QFile::remove(rig.path(two));
+        }
+        rig.request.task.sourcePath = disk.path() + u"/T_同步/photos"_s;
+        rig.request.task.destPath = disk.path() + u"/t_同步/PHOTOS/in"_s;
+        QVERIFY(rig.says(u"保存目录在源文件夹里面"_s));
+
+        for (const bool isThere : {false, true}) {
+            Rig other;
+            other.request.task.destPath = decomposing.path();
+            other.write({u"src/"_s + composed});
+            if (isThere)
+                writeFiles(decomposing.path() + u"/t_同步"_s, {composed});
+            QVERIFY(other.says(u"保存目录所在的磁盘会改写文件名“"_s));
+            QCOMPARE(other.inMirror().size(), isThere ? 1 : 0);
+        }
+    }
+
+    void disksThatCannotBeWrittenTo()
+    {
+        const MountedFolder small(u"small"_s);
+        const MountedFolder readOnly(u"folding"_s, {u"-oro"_s});
+        if (!small.isMounted())
+            QSKIP("no FUSE here");
+        Rig rig;
+        writeFile(rig.path(u"src/a"_s), QByteArray(9 << 20, 'x'));
+        rig.request.task.destPath = readOnly.path();
+        QVERIFY(rig.says(u"保存目录所在的磁盘是只读的"_s));
+        rig.request.task.destPath = small.path();
+        QCOMPARE(rig.run(), u"保存目录的可用空间不足：还需要 9.4 MB，只剩 8.4 MB"_s);
+        // What is there already needs no room, nor does a hole.
+        writeFile(small.path() + u"/t_同步/a"_s, QByteArray(9 << 20, 'y'));
+        QFile hole(rig.path(u"src/hole"_s));
+        QVERIFY(hole.open(QIODevice::WriteOnly) && hole.resize(1 << 24));
+        QCOMPARE(rig.run(), u"✓ 同步完成 · 2 个文件"_s);
+        struct stat facts{};
+        QCOMPARE(::stat(QFile::encodeName(small.path() + u"/t_同步/hole"_s).constData(), &facts), 0);
+        QVERIFY(facts.st_size == 1 << 24 && facts.st_blocks < 1000);
     }
 
     void manyDeletionsNeedAnAnswer()
@@ -232,10 +309,11 @@ private Q_SLOTS:
     void whatIsExcludedStaysWhereItIs()
     {
         Rig rig;
-        rig.request.task.excludes = {u"*.tmp"_s, u"/cache/deep"_s, u"+ odd"_s, u"!"_s, u"build/"_s};
+        rig.request.task.excludes = {u"\u00e9/"_s, u"*.tmp"_s, u"/cache/deep"_s,
+                                     u"+ odd"_s,   u"!"_s,     u"build/"_s};
         rig.write({u"src/a"_s, u"src/b.tmp"_s, u"src/cache/deep/x"_s, u"src/in/cache/deep/y"_s,
-                   u"src/+ odd"_s, u"src/!"_s, u"src/build/z"_s, u"src/in/build"_s, u"dst/t_同步/mine.tmp"_s,
-                   u"dst/t_同步/gone/other.tmp"_s});
+                   u"src/+ odd"_s, u"src/!"_s, u"src/build/z"_s, u"src/in/build"_s, u"src/e\u0301/x"_s,
+                   u"dst/t_同步/mine.tmp"_s, u"dst/t_同步/gone/other.tmp"_s});
         QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件"_s);
         QCOMPARE(rig.inMirror(), (QStringList{u"a"_s, u"gone/other.tmp"_s, u"in/build"_s,
                                               u"in/cache/deep/y"_s, u"mine.tmp"_s}));
@@ -251,7 +329,8 @@ private Q_SLOTS:
             rig.replaceRsync(u"chown -R 65534 '%1' && chmod 755 '%1' && exec setpriv --reuid=65534 "
                              "--clear-groups /usr/bin/rsync \"$@\""_s.arg(rig.folder.path()));
         }
-        QCOMPARE(rig.run(), u"✓ 同步完成（部分错误，exit 23）"_s);
+        QCOMPARE(rig.run(), u"✓ 同步完成（部分错误，exit 23）：“closed”没有同步"_s);
+        QVERIFY(rig.outcome.isPartial);
         for (const QString &closed : {u"src/closed"_s, u"dst/t_同步/closed"_s})
             ::chmod(rig.native(closed).constData(), 0755);
         QCOMPARE(rig.inMirror(), (QStringList{u"a"_s, u"closed/in=kept"_s, u"gone"_s}));
@@ -262,10 +341,14 @@ private Q_SLOTS:
         Rig rig;
         rig.writeMany(u"src"_s, 3000);
         rig.request.progress = [&](const QString &line, double) {
-            if (line.startsWith(u"已同步"_s) || line.endsWith(u"开始同步…"_s))
+            if (line.startsWith(u"已同步"_s) || line.startsWith(u"3000 "_s))
                 rig.request.cancellation.cancel();
         };
         QCOMPARE(rig.run(), u"已取消"_s);
+        rig.request.cancellation = Cancellation();
+        rig.write({u"src/new"_s});
+        rig.replaceRsync(u"echo a; echo deleting b; sleep 100"_s);
+        QCOMPARE(rig.run(), u"已取消（已同步 1 个文件，删除 1 个）"_s);
         rig.request.cancellation = Cancellation();
         rig.request.cancellation.cancel();
         QCOMPARE(rig.run(), u"已取消"_s);
@@ -287,9 +370,13 @@ private Q_SLOTS:
                                                 .files = 2,
                                                 .items = 3,
                                                 .entries = 4,
+                                                .bytes = 6,
+                                                .allocated = 6,
                                                 .mirrorFiles = 4,
                                                 .deletions = 3,
-                                                .deletedEntries = 4}));
+                                                .deletedEntries = 4,
+                                                .incoming = 6,
+                                                .outgoing = 1}));
         QCOMPARE(measureTree(rig.native(u"src"_s), ExcludeRules({}), never).bytes, 6);
         QVERIFY(!compared(u"none"_s).isReadable);
     }
@@ -322,12 +409,13 @@ private Q_SLOTS:
         rig.write({u"src/a"_s});
         const std::pair<QString, QString> endings[] = {
             {u"echo a; echo b/"_s, u"✓ 同步完成 · 1 个文件"_s},
-            {u"exit 11"_s, u"同步失败 (exit 11)（读写文件出错，磁盘可能已满）"_s},
             {u"exit 23"_s, u"✓ 同步完成（部分错误，exit 23）"_s},
-            {u"exit 24"_s, u"同步失败 (exit 24)（同步期间有源文件消失）"_s},
-            {u"exit 25"_s, u"同步失败 (exit 25)（要删除的文件比预计的多，已停止删除）"_s},
+            {uR"(exec >&2; printf '%s\n' 'rsync: [sender] send_files failed to open "%1/src/a\#012b": No' )"
+             R"('rsync: [receiver] mkstemp "%1/.c.Xy12ab" failed: No' 'rsync error: some "x": y'; exit 23)"_s
+                 .arg(rig.folder.path()),
+             u"✓ 同步完成（部分错误，exit 23）：“a b”等 2 项没有同步"_s},
             {u"exit 12"_s, u"同步失败 (exit 12)"_s},
-            {u"kill -9 $$"_s, u"同步失败 (exit 9)（rsync 意外终止）"_s}};
+            {u"kill -9 $$"_s, u"同步失败 (exit 9)"_s}};
         for (const auto &[script, words] : endings) {
             rig.replaceRsync(script);
             QCOMPARE(rig.run(), words);
@@ -344,7 +432,7 @@ private Q_SLOTS:
         rig.writeMany(u"src"_s, 200);
         rig.writeMany(u"dst/t_同步"_s, 200);
         rig.replaceRsync(u"rm '%1'/1*; exec /usr/bin/rsync \"$@\""_s.arg(rig.path(u"src"_s)));
-        QCOMPARE(rig.run(), u"同步失败 (exit 25)（要删除的文件比预计的多，已停止删除）"_s);
+        QCOMPARE(rig.run(), u"同步失败 (exit 25)"_s);
         QCOMPARE(rig.inMirror().size(), 150);
         QCOMPARE(entriesOf(rig.path(u"dst"_s)), QStringList{u"t_同步"_s});
     }

@@ -69,7 +69,7 @@ AppServices::AppServices(Platform &host, Clock &time)
       hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }}, settings, notifications, time),
       cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
               cleanupCatalog(host.family), ownPaths()),
-      fileBackup({*host.archiver, *host.notifications, *host.sleep}, settings, time),
+      fileBackup({*host.archiver, *host.notifications, *host.sleep, host.volumes}, settings, time),
       uninstaller({*host.applications, *host.diskUsage, *host.trash, *host.programs}, settings, time,
                   dataFolder() + u"/uninstalls.json"_s),
       recordingActions(recorder, privacy),

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <utility>
 
 #include <dirent.h>
@@ -118,6 +119,11 @@ bool FolderHandle::removeFile(const QByteArray &name) const
 bool FolderHandle::removeFolder(const QByteArray &name) const
 {
     return ::unlinkat(_descriptor, name.constData(), AT_REMOVEDIR) == 0;
+}
+
+bool FolderHandle::rename(const QByteArray &from, const QByteArray &to) const
+{
+    return ::renameat(_descriptor, from.constData(), _descriptor, to.constData()) == 0;
 }
 
 std::optional<qint64> FolderHandle::mount() const

@@ -44,6 +44,8 @@ public:
     // Whether it worked, with errno.
     bool removeFile(const QByteArray &name) const;
     bool removeFolder(const QByteArray &name) const;
+    // What has the new name already is replaced.
+    bool rename(const QByteArray &from, const QByteArray &to) const;
     // The mount it lies on, where the host tells. Unlike the device it also
     // tells a folder mounted in a second place.
     std::optional<qint64> mount() const;

@@ -63,11 +63,11 @@ struct Plan {
 
 constexpr qint64 margin = 1 << 20;
 
-// What cannot be made smaller, with the archive's own entries.
+// What cannot be made smaller, with the archive's own entries; holes nearly vanish.
 qint64 worstSize(const TreeFacts &facts)
 {
     constexpr qint64 perEntry = 512;
-    return facts.bytes + facts.bytes / 1000 + facts.entries * perEntry + margin;
+    return facts.allocated + facts.bytes / 1000 + facts.entries * perEntry + margin;
 }
 
 QString spaceObstacle(const BackupTask &task, const TreeFacts &facts)
@@ -101,10 +101,11 @@ void removeGrowing(const BackupTask &task)
     removeOwn(task, task.destPath, [&](const QString &name) { return isGrowing(task, name); });
 }
 
-Plan plan(const BackupTask &task, const QDateTime &at, const Cancellation &cancellation)
+Plan plan(const BackupTask &task, const VolumeIdentity &volumes, const QDateTime &at,
+          const Cancellation &cancellation)
 {
     Plan made;
-    made.obstacle = runObstacle(task);
+    made.obstacle = runObstacle(task, volumes);
     if (!made.obstacle.isEmpty())
         return made;
     removeGrowing(task);
@@ -163,8 +164,8 @@ public:
     QCoro::Task<BackupOutcome> run()
     {
         _request.progress(u"正在扫描目录…"_s, -1);
-        const QFuture<Plan> planning =
-            QtConcurrent::run(&backupWorkers(), plan, _task, _request.at, _request.cancellation);
+        const QFuture<Plan> planning = QtConcurrent::run(&backupWorkers(), plan, _task, _request.volumes,
+                                                         _request.at, _request.cancellation);
         _plan = co_await planning;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();

@@ -1,14 +1,17 @@
 #include "maintenance/backup/BackupChecks.h"
 
 #include "foundation/ExcludeRules.h"
+#include "foundation/FolderHandle.h"
 #include "foundation/Paths.h"
 #include "maintenance/backup/BackupNames.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStorageInfo>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -22,14 +25,32 @@ bool isFolder(const QString &path)
     return QDir::isAbsolutePath(path) && QFileInfo(path).isDir();
 }
 
+std::optional<FileIdentity> identity(const QString &path)
+{
+    struct stat facts{};
+    if (::stat(QFile::encodeName(path).constData(), &facts) != 0)
+        return std::nullopt;
+    return FileIdentity::of(facts);
+}
+
+// The path below the folder, empty for the folder itself, and nothing when it is not
+// in it; by whichever spelling, as not every disk tells "A" from "a".
+std::optional<QString> pathBelow(const QString &path, const QString &folder)
+{
+    const auto wanted = identity(folder);
+    for (QString above = path;; above = QFileInfo(above).path()) {
+        if (above == folder || (wanted && identity(above) == wanted))
+            return path.sliced(std::min(path.size(), above.size() + (above.endsWith(u'/') ? 0 : 1)));
+        if (above == QFileInfo(above).path())
+            return std::nullopt;
+    }
+}
+
 std::optional<BackupObstacle> archiveObstacle(const BackupTask &task, const QString &source,
                                               const QString &destination)
 {
-    if (!isWithin(destination, source))
-        return std::nullopt;
-    const QByteArray below = destination.sliced(source.size()).toUtf8();
-    const auto start = below.startsWith('/') ? 1 : 0;
-    if (below.size() > start && ExcludeRules(task.excludes).excludesWithin(below.sliced(start)))
+    const auto below = pathBelow(destination, source);
+    if (!below || (!below->isEmpty() && ExcludeRules(task.excludes).excludesWithin(below->toUtf8())))
         return std::nullopt;
     return BackupObstacle{
         u"保存目录在源文件夹里面，每个归档都会包含以前的归档；请换一个保存目录，或将它加入排除项"_s,
@@ -41,11 +62,11 @@ std::optional<BackupObstacle> mirrorObstacle(const BackupTask &task, const QStri
 {
     BackupTask real = task;
     real.destPath = destination;
-    if (isWithin(destination, source))
+    if (pathBelow(destination, source))
         return BackupObstacle{u"保存目录在源文件夹里面，同步会把文件夹复制进它自己；请换一个保存目录"_s,
                               Field::destination};
     for (const QString &written : {resolvedPath(mirrorFolder(real)), resolvedPath(setAsideFolder(real))}) {
-        if (isWithin(source, written) || isWithin(written, source))
+        if (pathBelow(source, written) || pathBelow(written, source))
             return BackupObstacle{
                 u"源文件夹与同步文件夹“%1”重叠，同步会删除源文件；请换一个保存目录或名称"_s.arg(written),
                 Field::source};
@@ -145,14 +166,25 @@ bool isOnAnotherDisk(const QString &path, const QString &volume)
     return !volume.isEmpty() && QStorageInfo(path).rootPath() != volume;
 }
 
+// What was not known then, or is not now, is not compared.
+bool isDisk(const QString &path, const QString &known, const VolumeIdentity &volumes)
+{
+    if (known.isEmpty() || !volumes)
+        return true;
+    const QString found = volumes(path);
+    return found.isEmpty() || found == known;
+}
+
 } // namespace
 
-BackupInspection inspectBackup(const BackupTask &task)
+BackupInspection inspectBackup(const BackupTask &task, const VolumeIdentity &volumes)
 {
     BackupInspection seen{.obstacle = savingObstacle(task)};
     if (!seen.obstacle) {
         seen.sourceVolume = QStorageInfo(task.sourcePath).rootPath();
         seen.destVolume = QStorageInfo(task.destPath).rootPath();
+        seen.sourceVolumeId = volumes ? volumes(task.sourcePath) : QString();
+        seen.destVolumeId = volumes ? volumes(task.destPath) : QString();
         seen.realSource = QFileInfo(task.sourcePath).canonicalFilePath();
         seen.realDestination = QFileInfo(task.destPath).canonicalFilePath();
     }
@@ -194,12 +226,19 @@ std::optional<BackupObstacle> backupConflict(const BackupTask &task, const Backu
     return asWritten ? asWritten : backupConflict(real, others);
 }
 
-QString runObstacle(const BackupTask &task)
+QString runObstacle(const BackupTask &task, const VolumeIdentity &volumes)
 {
     if (!QFileInfo(task.destPath).isDir() || isOnAnotherDisk(task.destPath, task.destVolume))
         return u"保存目录所在的磁盘没有连接，或保存目录已被移走：%1"_s.arg(task.destPath);
     if (!QFileInfo(task.sourcePath).isDir() || isOnAnotherDisk(task.sourcePath, task.sourceVolume))
         return u"源文件夹不在了，或其所在的磁盘没有连接：%1"_s.arg(task.sourcePath);
+    const QString change = u"：%1；如果是有意更换，请编辑并重新保存这个任务"_s;
+    if (!isDisk(task.destPath, task.destVolumeId, volumes))
+        return u"保存目录现在位于另一个磁盘，不是保存任务时的那个"_s + change.arg(task.destPath);
+    if (!isDisk(task.sourcePath, task.sourceVolumeId, volumes))
+        return u"源文件夹现在位于另一个磁盘，不是保存任务时的那个"_s + change.arg(task.sourcePath);
+    if (QStorageInfo(task.destPath).isReadOnly())
+        return u"保存目录所在的磁盘是只读的：%1"_s.arg(task.destPath);
     // A link may lead elsewhere than when the task was saved.
     const auto obstacle = savingObstacle(task);
     return obstacle ? obstacle->message : QString();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "maintenance/backup/BackupTask.h"
+#include "platform/VolumeIdentity.h"
 
 #include <QList>
 #include <QString>
@@ -24,12 +25,14 @@ struct BackupInspection {
     std::optional<BackupObstacle> obstacle; // with one the rest is empty
     QString sourceVolume = {};
     QString destVolume = {};
+    QString sourceVolumeId = {};
+    QString destVolumeId = {};
     QString realSource = {}; // without links, as the next
     QString realDestination = {};
 };
 
 // Looks at source and destination on the disk. Blocking; for backupWorkers().
-BackupInspection inspectBackup(const BackupTask &task);
+BackupInspection inspectBackup(const BackupTask &task, const VolumeIdentity &volumes = {});
 
 // Why the task cannot be beside the others: they would write over each other, or
 // copy each other's copies without end. Looks at the paths only; the task
@@ -40,8 +43,8 @@ std::optional<BackupObstacle> backupConflict(const BackupTask &task, const Backu
                                              const QList<BackupTask> &others);
 
 // Why the task cannot run now, in words for the user, or nothing: its source or
-// its destination is not there, or not the disk it was, or one lies in the
-// other. Blocking.
-QString runObstacle(const BackupTask &task);
+// its destination is not there, or not the disk it was, or not to be written to,
+// or one lies in the other. Blocking.
+QString runObstacle(const BackupTask &task, const VolumeIdentity &volumes = {});
 
 } // namespace velbrix

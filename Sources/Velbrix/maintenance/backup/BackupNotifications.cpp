@@ -38,6 +38,17 @@ std::optional<UserNotification> failureNotification(BackupTask &task, const QDat
     return notification(task, u"“%1”没有完成"_s.arg(task.name), message);
 }
 
+std::optional<UserNotification> partialNotification(BackupTask &task)
+{
+    const QString message = task.lastResult.value_or(QString());
+    const bool isTold = withoutFigures(message) == task.toldFailure;
+    forgetFailures(task);
+    task.toldFailure = withoutFigures(message);
+    if (isTold)
+        return std::nullopt;
+    return notification(task, u"“%1”有文件没有备份"_s.arg(task.name), message);
+}
+
 std::optional<UserNotification> delayNotification(BackupTask &task, const QDateTime &now)
 {
     if (!task.isEnabled || !task.failingSince || task.toldOverdue ||

@@ -13,6 +13,8 @@ namespace velbrix {
 // After a run on schedule that failed; `due` is when it should have run.
 std::optional<UserNotification> failureNotification(BackupTask &task, const QDateTime &due,
                                                     const QDateTime &now);
+// After a run on schedule that did all but some files.
+std::optional<UserNotification> partialNotification(BackupTask &task);
 // Of a task whose runs have failed for long.
 std::optional<UserNotification> delayNotification(BackupTask &task, const QDateTime &now);
 // After a run that succeeded.

@@ -33,9 +33,9 @@ QString systemReason(int error)
 
 } // namespace
 
-BackupOutcome BackupOutcome::cancelled()
+BackupOutcome BackupOutcome::cancelled(const QString &done)
 {
-    return {State::cancelled, u"已取消"_s};
+    return {State::cancelled, u"已取消"_s + (done.isEmpty() ? done : u"（%1）"_s.arg(done))};
 }
 
 QThreadPool &backupWorkers()
@@ -60,15 +60,16 @@ void removeOwn(const BackupTask &task, const QString &folder,
     // Documents or a whole disk may be a destination; what is removed there has a name of ours.
     rules.protectedPaths = protectedHostPaths();
     rules.protectedPaths.removeAll(canonical);
-    if (const QString source = QFileInfo(task.sourcePath).canonicalFilePath(); !source.isEmpty())
-        rules.protectedPaths.append(QFile::encodeName(source));
+    if (const QByteArray source = canonicalPath(QFile::encodeName(task.sourcePath)); !source.isEmpty())
+        rules.protectedPaths.append(source);
     rules.protectedPaths.removeAll(canonical);
     const RemovalRoot root(canonical, rules);
     if (!root.isOpen())
         return;
     for (const QByteArray &entry : root.entries()) {
+        // Nothing that had to be guessed at; whichever normal form it has.
         const QString name = QFile::decodeName(entry);
-        if (QFile::encodeName(name) == entry && isOurs(name))
+        if (!name.contains(QChar::ReplacementCharacter) && isOurs(name))
             root.remove(entry, Cancellation());
     }
 }

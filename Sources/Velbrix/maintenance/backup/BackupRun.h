@@ -3,6 +3,7 @@
 #include "foundation/ProcessRunner.h"
 #include "foundation/Result.h"
 #include "maintenance/backup/BackupTask.h"
+#include "platform/VolumeIdentity.h"
 
 #include <QCoroTask>
 #include <QDateTime>
@@ -20,11 +21,14 @@ struct BackupOutcome {
     enum class State { done, failed, cancelled };
 
     State state = State::failed;
-    QString message; // for the user
+    QString message;        // for the user
+    bool isPartial = false; // done, but for some files
 
     static BackupOutcome done(const QString &message) { return {State::done, message}; }
+    static BackupOutcome partial(const QString &message) { return {State::done, message, true}; }
     static BackupOutcome failed(const QString &message) { return {State::failed, message}; }
-    static BackupOutcome cancelled();
+    // With what was done until then, in words, when it stays done.
+    static BackupOutcome cancelled(const QString &done = {});
     bool operator==(const BackupOutcome &) const = default;
 };
 
@@ -36,6 +40,7 @@ struct BackupRunRequest {
     // Whether a mirror may lose so many of its files; without it one that
     // would lose many is left as it is.
     std::function<QCoro::Task<bool>(qint64 deletions, qint64 existing)> approve = {};
+    VolumeIdentity volumes = {};
     Cancellation cancellation;
 };
 

@@ -67,6 +67,8 @@ void visitMembers(Task &task, Visitor &visit)
     visit("setsAside"_L1, task.setsAside);
     visit("destVolume"_L1, task.destVolume);
     visit("sourceVolume"_L1, task.sourceVolume);
+    visit("destVolumeId"_L1, task.destVolumeId);
+    visit("sourceVolumeId"_L1, task.sourceVolumeId);
     visit("lastFailed"_L1, task.lastFailed);
     visit("lastCancelled"_L1, task.lastCancelled);
     visit("failingSince"_L1, task.failingSince);

@@ -34,6 +34,8 @@ struct BackupTask {
     bool setsAside = true; // a sync keeps for 30 days what it deletes or replaces
     QString destVolume;    // where the destination's disk was mounted when the task was saved
     QString sourceVolume;  // and the source's
+    QString destVolumeId;  // which disk it was; empty when it cannot be told
+    QString sourceVolumeId;
     bool lastFailed = false;
     bool lastCancelled = false;
     std::optional<QDateTime> failingSince; // no run has succeeded since

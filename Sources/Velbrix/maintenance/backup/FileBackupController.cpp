@@ -87,7 +87,7 @@ void enterOutcome(const BackupOutcome &outcome, BackupTask &task, const QDateTim
     task.lastFailed = outcome.state == BackupOutcome::State::failed;
     task.lastCancelled = outcome.state == BackupOutcome::State::cancelled;
     task.nextRunAt = nextRun(task.schedule, now);
-    if (outcome.state == BackupOutcome::State::done)
+    if (outcome.state == BackupOutcome::State::done && !outcome.isPartial)
         forgetFailures(task);
 }
 
@@ -147,7 +147,8 @@ QCoro::Task<FileBackupController::Saved> FileBackupController::save(BackupTask t
 {
     task = normalised(std::move(task));
     const QPointer self(this);
-    const QFuture<BackupInspection> inspection = QtConcurrent::run(&backupWorkers(), inspectBackup, task);
+    const QFuture<BackupInspection> inspection =
+        QtConcurrent::run(&backupWorkers(), inspectBackup, task, _ports.volumes);
     const BackupInspection seen = co_await inspection;
     if (!self)
         co_return std::unexpected(BackupObstacle{u"程序正在退出"_s});
@@ -158,6 +159,8 @@ QCoro::Task<FileBackupController::Saved> FileBackupController::save(BackupTask t
         co_return std::unexpected(*conflict);
     task.sourceVolume = seen.sourceVolume;
     task.destVolume = seen.destVolume;
+    task.sourceVolumeId = seen.sourceVolumeId;
+    task.destVolumeId = seen.destVolumeId;
     const BackupTask saved = enterTask(task, tasks, _clock.now());
     store(tasks);
     co_return saved;
@@ -292,7 +295,8 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
     _currentRunningTaskID = task.id;
     _runningProgress = u"正在准备…"_s;
     _runningShare = -1;
-    BackupRunRequest request{.task = task, .at = _clock.now(), .cancellation = _runCancellation};
+    BackupRunRequest request{
+        .task = task, .at = _clock.now(), .volumes = _ports.volumes, .cancellation = _runCancellation};
     request.progress = [self](const QString &line, double share) {
         if (!self)
             return;
@@ -323,6 +327,8 @@ void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &
             task.nextRunAt = dueAt;
         if (task.lastFailed && occasion == Occasion::onSchedule)
             notification = failureNotification(task, asRun.nextRunAt, now);
+        if (outcome.isPartial && occasion == Occasion::onSchedule)
+            notification = partialNotification(task);
     });
     _runningProgress = QString();
     _runningShare = -1;

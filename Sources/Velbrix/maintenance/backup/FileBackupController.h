@@ -9,6 +9,7 @@
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupRun.h"
 #include "maintenance/backup/BackupTask.h"
+#include "platform/VolumeIdentity.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -57,6 +58,7 @@ public:
         Archiver &archiver;
         UserNotifications &notifications;
         SystemSleep &sleep;
+        VolumeIdentity volumes = {};
     };
 
     FileBackupController(Ports ports, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);

@@ -1,21 +1,23 @@
 #include "maintenance/backup/MirrorRun.h"
 
-#include "foundation/AtomicFile.h"
+#include "foundation/FolderHandle.h"
+#include "foundation/Log.h"
 #include "foundation/Paths.h"
+#include "foundation/Text.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
+#include "maintenance/backup/MirrorNames.h"
 #include "maintenance/backup/RsyncOutput.h"
+#include "maintenance/backup/SetAside.h"
 #include "maintenance/backup/TreeComparison.h"
 
 #include <QCoroFuture>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QHash>
+#include <QSet>
+#include <QStorageInfo>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
-#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,93 +31,70 @@ constexpr auto progressInterval = 100ms;
 // looks like a source that has lost its files.
 constexpr qint64 harmlessDeletions = 50;
 constexpr qint64 harmlessPercent = 20;
-constexpr int keptDays = 30; // the page promises it
+// Smaller holes are not worth looking for zeros.
+constexpr qint64 worthwhileHoles = 1 << 20;
 
 struct Survey {
     QString obstacle;
     TreeFacts facts;
 };
 
-// Looks at both sides.
-Survey survey(const BackupTask &task, const Cancellation &cancellation)
-{
-    if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
-        return {obstacle, {}};
-    return {{},
-            compareTrees(QFile::encodeName(task.sourcePath), QFile::encodeName(mirrorFolder(task)),
-                         ExcludeRules(task.excludes), cancellation)};
-}
-
 QString emptyObstacle(qint64 mirrorFiles)
 {
     return u"源文件夹里没有文件，而同步文件夹里有 %1 个；为免误删，没有同步"_s.arg(mirrorFiles);
 }
 
-// The folder of this run for what the mirror loses: that of the first second
-// whose name is free.
-QString freeSetAsideFolder(const BackupTask &task, QDateTime at)
+// What must be written whatever the files hold.
+QString spaceObstacle(const BackupTask &task, const TreeFacts &facts)
 {
-    const QDir folder(setAsideFolder(task));
-    while (folder.exists(setAsideName(at)))
-        at = at.addSecs(1);
-    return folder.filePath(setAsideName(at));
+    const qint64 needed = facts.incoming - (task.setsAside ? 0 : facts.outgoing);
+    const qint64 available = QStorageInfo(task.destPath).bytesAvailable();
+    if (available < 0 || needed <= available)
+        return {};
+    return u"保存目录的可用空间不足：还需要 %1，只剩 %2"_s.arg(formatByteCount(needed),
+                                                               formatByteCount(available));
 }
 
-// What it returns is for setting aside. Nobody knows how long ago the survey
-// was: a question may have been open, and a disk unmounted meanwhile.
-Result<QString> prepare(const BackupTask &task, const QDateTime &at, qint64 mirrorFiles)
+// Looks at both sides.
+Survey survey(const BackupTask &task, const VolumeIdentity &volumes, const Cancellation &cancellation)
 {
-    if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
+    if (const QString obstacle = runObstacle(task, volumes); !obstacle.isEmpty())
+        return {obstacle, {}};
+    const TreeFacts facts =
+        compareTrees(QFile::encodeName(task.sourcePath), QFile::encodeName(mirrorFolder(task)),
+                     ExcludeRules(task.excludes), cancellation);
+    if (!facts.isReadable)
+        return {u"扫描源文件夹失败"_s, facts};
+    if (facts.items == facts.junk && facts.mirrorFiles > 0)
+        return {emptyObstacle(facts.mirrorFiles), facts};
+    return {spaceObstacle(task, facts), facts};
+}
+
+struct Prepared {
+    QString setAside;
+    QSet<QByteArray> sourceNames;
+};
+
+// Nobody knows how long ago the survey was: a question may have been open, and a
+// disk unmounted meanwhile.
+Result<Prepared> prepare(const BackupTask &task, const VolumeIdentity &volumes, const QDateTime &at,
+                         const TreeFacts &facts)
+{
+    if (const QString obstacle = runObstacle(task, volumes); !obstacle.isEmpty())
         return failure(obstacle);
-    if (mirrorFiles > 0 && isEmptyFolder(task.sourcePath))
-        return failure(emptyObstacle(mirrorFiles));
+    const QList<QByteArray> names = FolderHandle::open(canonicalPath(QFile::encodeName(task.sourcePath)))
+                                        .names()
+                                        .value_or(QList<QByteArray>());
+    if (facts.mirrorFiles > 0 && std::ranges::all_of(names, isJunk))
+        return failure(emptyObstacle(facts.mirrorFiles));
     const QString trouble = u"创建同步目录失败: "_s;
     if (const auto made = makeFolder(mirrorFolder(task)); !made)
         return failure(trouble + made.error().message);
-    if (task.setsAside && QFileInfo(setAsideFolder(task)).isSymLink())
-        return failure(trouble + u"“%1”是一个链接"_s.arg(setAsideFolder(task)));
-    return freeSetAsideFolder(task, at);
-}
-
-// Takes away what has been set aside for long enough. A clock that is wrong today
-// must cost nothing: what is old is noted, and goes when a run on a later day
-// finds it old as well.
-void expireSetAside(const BackupTask &task, const QDateTime &now)
-{
-    const QString folder = setAsideFolder(task);
-    if (QFileInfo(folder).isSymLink())
-        return;
-    const QString notes = folder + u"/.expired"_s;
-    QHash<QString, QDate> noted;
-    if (QFile file(notes); file.open(QIODevice::ReadOnly)) {
-        for (const QByteArray &line : file.readAll().split('\n'))
-            noted.insert(QString::fromUtf8(line.left(line.indexOf(' '))),
-                         QDate::fromString(QString::fromUtf8(line.mid(line.indexOf(' ') + 1)), Qt::ISODate));
-    }
-    QByteArray stillOld;
-    removeOwn(task, folder, [&](const QString &name) {
-        const auto at = setAsideTime(name);
-        if (!at || at->daysTo(now) <= keptDays)
-            return false;
-        const QDate since = noted.value(name);
-        if (since.isValid() && since < now.date())
-            return true;
-        stillOld += name.toUtf8() + ' ' + now.date().toString(Qt::ISODate).toUtf8() + '\n';
-        return false;
-    });
-    if (stillOld.isEmpty())
-        QFile::remove(notes);
-    else
-        (void)replaceFile(notes, stillOld);
-}
-
-// Removes what has remained empty, and after a good run what has expired.
-void tidy(const BackupTask &task, const QString &setAside, const QDateTime &at, bool isDone)
-{
-    if (isDone)
-        expireSetAside(task, at);
-    for (const QString &folder : {setAside, QFileInfo(setAside).path()})
-        ::rmdir(QFile::encodeName(folder).constData());
+    if (const QString obstacle = setAsideObstacle(task); !obstacle.isEmpty())
+        return failure(trouble + obstacle);
+    if (const auto aligned = alignNames(QFile::encodeName(mirrorFolder(task)), facts.names); !aligned)
+        return failure(aligned.error().message);
+    return Prepared{freeSetAsideFolder(task, at), QSet<QByteArray>(names.begin(), names.end())};
 }
 
 QString withSlash(const QString &path)
@@ -131,23 +110,10 @@ QStringList rsyncArguments(const BackupTask &task, const QString &setAside, cons
     arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessDeletions);
     if (task.setsAside)
         arguments << u"--backup"_s << u"--backup-dir="_s + setAside;
+    if (facts.bytes - facts.allocated >= worthwhileHoles)
+        arguments << u"--sparse"_s;
     arguments += ExcludeRules(task.excludes).rsyncArguments();
     return arguments << withSlash(task.sourcePath) << withSlash(mirrorFolder(task));
-}
-
-// The exit values of rsync's manual page.
-QString reasonOf(int status)
-{
-    switch (status) {
-    case 11:
-        return u"（读写文件出错，磁盘可能已满）"_s;
-    case 24:
-        return u"（同步期间有源文件消失）"_s;
-    case 25:
-        return u"（要删除的文件比预计的多，已停止删除）"_s;
-    default:
-        return {};
-    }
 }
 
 // One run; lives in the frame of the coroutine that drives it.
@@ -162,41 +128,31 @@ public:
     {
         _request.progress(u"正在扫描目录…"_s, -1);
         const QFuture<Survey> surveyed =
-            QtConcurrent::run(&backupWorkers(), survey, _task, _request.cancellation);
+            QtConcurrent::run(&backupWorkers(), survey, _task, _request.volumes, _request.cancellation);
         const Survey seen = co_await surveyed;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
-        if (const QString refusal = refusalOf(seen); !refusal.isEmpty())
-            co_return BackupOutcome::failed(refusal);
+        if (!seen.obstacle.isEmpty())
+            co_return BackupOutcome::failed(seen.obstacle);
         _facts = seen.facts;
         _request.progress(QString::number(_facts.files) + u" 个文件，开始同步…"_s, -1);
         if (const auto refused = co_await askAboutDeletions(); refused)
             co_return BackupOutcome(*refused);
-        const QFuture<Result<QString>> preparing =
-            QtConcurrent::run(&backupWorkers(), prepare, _task, _request.at, _facts.mirrorFiles);
-        const Result<QString> setAside = co_await preparing;
-        if (!setAside)
-            co_return BackupOutcome::failed(setAside.error().message);
-        const BackupOutcome outcome = co_await synchronise(*setAside);
+        const QFuture<Result<Prepared>> preparing =
+            QtConcurrent::run(&backupWorkers(), prepare, _task, _request.volumes, _request.at, _facts);
+        const Result<Prepared> prepared = co_await preparing;
+        if (!prepared)
+            co_return BackupOutcome::failed(prepared.error().message);
+        _output = RsyncOutput(prepared->sourceNames);
+        const BackupOutcome outcome = co_await synchronise(prepared->setAside);
         const bool isDone = outcome.state == BackupOutcome::State::done;
         const QFuture<void> tidying =
-            QtConcurrent::run(&backupWorkers(), tidy, _task, *setAside, _request.at, isDone);
+            QtConcurrent::run(&backupWorkers(), tidySetAside, _task, prepared->setAside, _request.at, isDone);
         co_await tidying;
         co_return BackupOutcome(outcome);
     }
 
 private:
-    static QString refusalOf(const Survey &seen)
-    {
-        if (!seen.obstacle.isEmpty())
-            return seen.obstacle;
-        if (!seen.facts.isReadable)
-            return u"扫描源文件夹失败"_s;
-        if (seen.facts.items == 0 && seen.facts.mirrorFiles > 0)
-            return emptyObstacle(seen.facts.mirrorFiles);
-        return {};
-    }
-
     QCoro::Task<std::optional<BackupOutcome>> askAboutDeletions()
     {
         const qint64 harmless = std::max(harmlessDeletions, _facts.mirrorFiles * harmlessPercent / 100);
@@ -224,7 +180,9 @@ private:
         rsync.arguments = rsyncArguments(_task, setAside, _facts);
         rsync.environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s); // else it escapes what is not ASCII
         rsync.onOutput = [this](const QByteArray &piece) { take(piece); };
+        rsync.onErrorOutput = [this](const QByteArray &piece) { _output.feedErrors(piece); };
         rsync.outputLimit = 0;
+        rsync.endsWithUs = true;
         rsync.cancellation = _request.cancellation;
         ProcessRunner runner(_clock);
         const auto ended = co_await runner.run(std::move(rsync));
@@ -233,20 +191,41 @@ private:
         if (!ended)
             co_return BackupOutcome::failed(
                 u"同步失败：无法运行 %1（%2）"_s.arg(_rsync, ended.error().message));
-        if (ended->cancelled)
-            co_return BackupOutcome::cancelled();
+        if (!_output.firstComplaint().isEmpty())
+            log::line(u"rsync"_s, oneLine(QString::fromUtf8(_output.firstComplaint())));
         co_return outcomeOf(*ended);
     }
 
     BackupOutcome outcomeOf(const ProcessOutcome &ended) const
     {
-        if (ended.crashed)
-            return BackupOutcome::failed(u"同步失败 (exit %1)（rsync 意外终止）"_s.arg(ended.exitCode));
-        if (ended.exitCode == 0)
-            return BackupOutcome::done(u"✓ 同步完成 · "_s + QString::number(_output.files()) + u" 个文件"_s);
-        if (ended.exitCode == 23)
-            return BackupOutcome::done(u"✓ 同步完成（部分错误，exit 23）"_s);
-        return BackupOutcome::failed(u"同步失败 (exit %1)"_s.arg(ended.exitCode) + reasonOf(ended.exitCode));
+        if (ended.cancelled)
+            return BackupOutcome::cancelled(
+                _output.files() + _output.deletions() > 0 ? u"已同步 "_s + doneSoFar() : QString());
+        if (ended.exitCode == 0 && !ended.crashed)
+            return BackupOutcome::done(u"✓ 同步完成 · "_s + doneSoFar());
+        if (ended.exitCode == 23 && !ended.crashed)
+            return BackupOutcome::partial(u"✓ 同步完成（部分错误，exit 23）"_s + failed());
+        return BackupOutcome::failed(u"同步失败 (exit %1)"_s.arg(ended.exitCode));
+    }
+
+    QString doneSoFar() const
+    {
+        const QString files = u"%1 个文件"_s.arg(_output.files());
+        return _output.deletions() > 0 ? files + u"，删除 %1 个"_s.arg(_output.deletions()) : files;
+    }
+
+    // What could not be copied, or nothing.
+    QString failed() const
+    {
+        if (_output.firstFailed().isEmpty())
+            return {};
+        QString path = QFile::decodeName(_output.firstFailed());
+        for (const QString &folder : {withSlash(_task.sourcePath), withSlash(mirrorFolder(_task))}) {
+            if (path.startsWith(folder))
+                path.remove(0, folder.size());
+        }
+        const QString more = _output.failures() > 1 ? u"等 %1 项"_s.arg(_output.failures()) : QString();
+        return u"：“%1”%2没有同步"_s.arg(oneLine(path), more);
     }
 
     void take(const QByteArray &piece)

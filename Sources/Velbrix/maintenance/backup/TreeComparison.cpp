@@ -1,7 +1,9 @@
 #include "maintenance/backup/TreeComparison.h"
 
 #include <QHash>
+#include <QSet>
 
+#include <algorithm>
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
@@ -20,7 +22,10 @@ enum class Kind { file, folder, other };
 struct Entry {
     Kind kind = Kind::other;
     qint64 bytes = 0;
+    qint64 allocated = 0;
 };
+
+constexpr qint64 blockSize = 512; // of st_blocks
 
 // An open folder under which everything is found by its relative path.
 class Tree {
@@ -38,7 +43,7 @@ public:
     Tree &operator=(const Tree &) = delete;
 
     // Nothing when it cannot be read to its end.
-    std::optional<QHash<QByteArray, Entry>> list(const QByteArray &path, bool wantsBytes) const
+    std::optional<QHash<QByteArray, Entry>> list(const QByteArray &path) const
     {
         const int opened = path.isEmpty() ? ::openat(_root, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)
                                           : ::openat(_root, path.constData(),
@@ -54,25 +59,33 @@ public:
         for (errno = 0; const dirent *found = ::readdir(folder.get()); errno = 0) {
             const QByteArray name(found->d_name);
             if (name != "." && name != "..")
-                entries.insert(name, entryOf(opened, *found, wantsBytes));
+                entries.insert(name, entryOf(opened, *found));
         }
         return errno == 0 ? std::optional(std::move(entries)) : std::nullopt;
     }
 
-private:
-    static Entry entryOf(int folder, const dirent &found, bool wantsBytes)
+    // Of the entry itself, also when it is a link.
+    std::optional<FileIdentity> identity(const QByteArray &path) const
     {
-        const bool isKnown = found.d_type != DT_UNKNOWN && !(wantsBytes && found.d_type == DT_REG);
-        if (isKnown)
-            return {found.d_type == DT_DIR   ? Kind::folder
-                    : found.d_type == DT_REG ? Kind::file
-                                             : Kind::other};
+        struct stat facts{};
+        if (::fstatat(_root, path.constData(), &facts, AT_SYMLINK_NOFOLLOW) != 0)
+            return std::nullopt;
+        return FileIdentity::of(facts);
+    }
+
+private:
+    static Entry entryOf(int folder, const dirent &found)
+    {
+        if (found.d_type != DT_UNKNOWN && found.d_type != DT_REG)
+            return {found.d_type == DT_DIR ? Kind::folder : Kind::other};
         struct stat facts{};
         if (::fstatat(folder, found.d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
-            return {};
+            return {found.d_type == DT_REG ? Kind::file : Kind::other};
         if (S_ISDIR(facts.st_mode))
             return {Kind::folder};
-        return S_ISREG(facts.st_mode) ? Entry{Kind::file, facts.st_size} : Entry{};
+        if (!S_ISREG(facts.st_mode))
+            return {};
+        return {Kind::file, facts.st_size, std::min<qint64>(facts.st_size, facts.st_blocks * blockSize)};
     }
 
     int _root;
@@ -80,14 +93,14 @@ private:
 
 class Comparison {
 public:
-    Comparison(const QByteArray &source, const QByteArray &mirror, const ExcludeRules &rules, bool wantsBytes)
-        : _source(source), _mirror(mirror), _rules(rules), _wantsBytes(wantsBytes)
+    Comparison(const QByteArray &source, const QByteArray &mirror, const ExcludeRules &rules)
+        : _source(source), _mirror(mirror), _rules(rules), _hasMirror(!mirror.isEmpty())
     {
     }
 
     TreeFacts run(const Cancellation &cancellation)
     {
-        _waiting.push_back({{}, true, true, false});
+        _waiting.push_back({.inSource = true, .inMirror = true});
         while (!_waiting.empty() && !cancellation.isCancelled()) {
             const Folder folder = std::move(_waiting.back());
             _waiting.pop_back();
@@ -101,10 +114,11 @@ private:
     using Entries = QHash<QByteArray, Entry>;
 
     struct Folder {
-        QByteArray path;
+        QByteArray path = {};
         bool inSource = false;
         bool inMirror = false;
         bool isLost = false; // the source has no such folder
+        bool isJunk = false;
     };
 
     static QByteArray below(const Folder &folder, const QByteArray &name)
@@ -125,7 +139,7 @@ private:
     {
         std::optional<Entries> ours;
         if (folder.inSource) {
-            ours = _source.list(folder.path, _wantsBytes);
+            ours = _source.list(folder.path);
             if (ours)
                 ours = withoutExcluded(folder, *std::move(ours));
             if (folder.path.isEmpty())
@@ -133,12 +147,28 @@ private:
         }
         std::optional<Entries> theirs;
         if (folder.inMirror)
-            theirs = _mirror.list(folder.path, false);
+            theirs = _mirror.list(folder.path);
         if (theirs)
             theirs = withoutExcluded(folder, *std::move(theirs));
+        if (ours && _hasMirror)
+            findOneByAnothersName(folder, *ours, theirs);
         // Nothing is deleted where the source cannot be read.
         visitMirror(folder, theirs.value_or(Entries()), ours);
         visitSource(folder, ours.value_or(Entries()), theirs.value_or(Entries()));
+    }
+
+    // What the mirror's disk takes for the source's is the source's.
+    void findOneByAnothersName(const Folder &folder, const Entries &ours, std::optional<Entries> &theirs)
+    {
+        const auto names = [](const Entries &entries) {
+            return QSet<QByteArray>(entries.keyBegin(), entries.keyEnd());
+        };
+        const qsizetype known = _facts.names.respelled.size();
+        compareNames(
+            folder.path, names(ours), theirs ? names(*theirs) : QSet<QByteArray>(),
+            [&](const QByteArray &name) { return _mirror.identity(below(folder, name)); }, _facts.names);
+        for (const NamePair &pair : _facts.names.respelled.sliced(known))
+            theirs->insert(pair.second, theirs->take(pair.first));
     }
 
     void visitMirror(const Folder &folder, const Entries &theirs, const std::optional<Entries> &ours)
@@ -153,7 +183,7 @@ private:
                 ++_facts.mirrorFiles;
                 _facts.deletions += isLost ? 1 : 0;
             } else if (isLost || !isInSource) {
-                _waiting.push_back({below(folder, it.key()), false, true, isLost});
+                _waiting.push_back({.path = below(folder, it.key()), .inMirror = true, .isLost = isLost});
             }
             _facts.deletedEntries += isLost ? 1 : 0;
         }
@@ -162,37 +192,71 @@ private:
     void visitSource(const Folder &folder, const Entries &ours, const Entries &theirs)
     {
         for (auto it = ours.cbegin(); it != ours.cend(); ++it) {
-            ++_facts.entries;
-            _facts.items += it->kind == Kind::folder ? 0 : 1;
-            _facts.files += it->kind == Kind::file ? 1 : 0;
-            _facts.bytes += it->bytes;
-            if (it->kind != Kind::folder)
-                continue;
+            const bool isFolder = it->kind == Kind::folder;
+            const bool isItJunk = folder.isJunk || isJunk(it.key());
             const auto other = theirs.constFind(it.key());
-            const bool isInMirror = other != theirs.cend() && other->kind == Kind::folder;
-            _waiting.push_back({below(folder, it.key()), true, isInMirror, false});
+            const bool isInMirror = other != theirs.cend() && other->kind == it->kind;
+            ++_facts.entries;
+            _facts.items += isFolder ? 0 : 1;
+            _facts.junk += !isFolder && isItJunk ? 1 : 0;
+            if (it->kind == Kind::file)
+                count(*it, isInMirror ? &*other : nullptr);
+            if (isFolder)
+                _waiting.push_back({.path = below(folder, it.key()),
+                                    .inSource = true,
+                                    .inMirror = isInMirror,
+                                    .isJunk = isItJunk});
         }
+    }
+
+    void count(const Entry &file, const Entry *inMirror)
+    {
+        ++_facts.files;
+        _facts.bytes += file.bytes;
+        _facts.allocated += file.allocated;
+        if (inMirror && inMirror->bytes == file.bytes)
+            return;
+        _facts.incoming += file.allocated;
+        _facts.outgoing += inMirror ? inMirror->allocated : 0;
     }
 
     Tree _source;
     Tree _mirror;
     const ExcludeRules &_rules;
-    const bool _wantsBytes;
+    const bool _hasMirror;
     std::vector<Folder> _waiting;
     TreeFacts _facts;
 };
 
 } // namespace
 
+bool isJunk(const QByteArray &name)
+{
+    static const QSet<QByteArray> names{".ds_store",
+                                        "desktop.ini",
+                                        "thumbs.db",
+                                        ".localized",
+                                        ".directory",
+                                        ".spotlight-v100",
+                                        ".fseventsd",
+                                        ".trashes",
+                                        "system volume information",
+                                        "$recycle.bin",
+                                        "lost+found",
+                                        ".temporaryitems",
+                                        ".documentrevisions-v100"};
+    return names.contains(name.toLower()) || name.startsWith("._") || name.startsWith(".Trash-");
+}
+
 TreeFacts compareTrees(const QByteArray &source, const QByteArray &mirror, const ExcludeRules &rules,
                        const Cancellation &cancellation)
 {
-    return Comparison(source, mirror, rules, false).run(cancellation);
+    return Comparison(source, mirror, rules).run(cancellation);
 }
 
 TreeFacts measureTree(const QByteArray &source, const ExcludeRules &rules, const Cancellation &cancellation)
 {
-    return Comparison(source, {}, rules, true).run(cancellation);
+    return Comparison(source, {}, rules).run(cancellation);
 }
 
 } // namespace velbrix
