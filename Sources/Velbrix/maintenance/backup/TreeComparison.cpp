@@ -163,6 +163,9 @@ private:
         const auto names = [](const Entries &entries) {
             return QSet<QByteArray>(entries.keyBegin(), entries.keyEnd());
         };
+        const auto isListed = [&](const QByteArray &name) { return theirs && theirs->contains(name); };
+        if (std::all_of(ours.keyBegin(), ours.keyEnd(), isListed))
+            return;
         const qsizetype known = _facts.names.respelled.size();
         compareNames(
             folder.path, names(ours), theirs ? names(*theirs) : QSet<QByteArray>(),

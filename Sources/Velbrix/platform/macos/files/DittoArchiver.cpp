@@ -26,6 +26,7 @@ ProcessRequest request(const QString &program, const QStringList &arguments, con
     request.program = program;
     request.arguments = arguments;
     request.cancellation = cancellation;
+    request.endsWithUs = true;
     return request;
 }
 
