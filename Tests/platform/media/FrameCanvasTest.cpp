@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include <cstring>
+#include <random>
 
 namespace {
 
@@ -95,6 +96,36 @@ private Q_SLOTS:
             QVERIFY(canvas.share().y != first);
         }
     }
+    // Whatever was shared meanwhile and for how long; and no more is named than what differs.
+    void manyChangesAddUp()
+    {
+        const Picture picture(320, 200);
+        const PixelRect all{0, 0, 320, 200};
+        picture.fill(all, 1);
+        FrameCanvas canvas(320, 200);
+        canvas.draw(picture.view, {});
+        std::vector<PictureView> held;
+        std::mt19937 random(7);
+        for (unsigned i = 0; i < 200; ++i) {
+            const PixelRect part{int(random() % 280), int(random() % 180), 1 + int(random() % 40),
+                                 1 + int(random() % 20)};
+            picture.fill(part, i);
+            const bool isWhole = i % 7 == 0;
+            const Rects named = canvas.draw(picture.view, std::span(isWhole ? &all : &part, 1));
+            QVERIFY(!isWhole || std::ranges::all_of(named, [&](const PixelRect &rect) {
+                return rect.width <= part.width + 128 && rect.height <= part.height + 32;
+            }));
+            FrameCanvas whole(320, 200);
+            whole.draw(picture.view, {});
+            QCOMPARE(largestDifference(canvas, whole), 0);
+            if (i % 3 != 0)
+                held.push_back(canvas.share());
+            if (held.size() > random() % 20)
+                held.erase(held.begin());
+        }
+        QVERIFY(canvas.draw(picture.view, std::span(&all, 1)).empty());
+    }
+
     void memoryOfReleasedPicturesIsUsedAgain()
     {
         const Picture picture(320, 200);

@@ -4,6 +4,7 @@
 #include "platform/linux/media/recording/PixelRects.h"
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -16,6 +17,7 @@ struct PicturePlanes {
     std::vector<std::uint8_t> y;
     std::vector<std::uint8_t> u;
     std::vector<std::uint8_t> v;
+    std::int64_t version = 0; // of the canvas; 0 for none
 };
 
 // Planes of one size that are used again once nobody holds them.
@@ -23,7 +25,7 @@ class PicturePlanesPool {
 public:
     PicturePlanesPool(int width, int height);
 
-    // Their content is undefined. May be let go on any thread, also after the
+    // Their content is undefined, or an earlier picture. May be let go on any thread, also after the
     // pool has gone.
     std::shared_ptr<PicturePlanes> take();
 
@@ -45,7 +47,8 @@ public:
     FrameCanvas(int width, int height);
 
     // Redraws what these parts of the picture show; returns the parts of the
-    // canvas that may look different. After another size of the picture
+    // canvas that may look different. Of large parts only what does: where a
+    // compositor paints, all of the screen changes with every blink. After another size of the picture
     // everything must be drawn, whatever the parts are.
     std::vector<PixelRect> draw(const BitmapView &picture, std::span<const PixelRect> parts);
     // As it is until the next drawing.
@@ -57,7 +60,11 @@ public:
 
 private:
     PictureView view(std::shared_ptr<const void> owner) const;
-    void unshare(bool keepsPicture);
+    void unshare();
+    void catchUp(PicturePlanes &planes) const;
+    void copy(const PixelRect &part, PicturePlanes &to) const;
+    std::vector<PixelRect> differences(const PicturePlanes &former, const PixelRect &part) const;
+    bool isEqual(const PicturePlanes &former, const PixelRect &cell) const;
     void clear();
     void convert(const BitmapView &picture, const PixelRect &part);
     void scale(const BitmapView &picture, const PixelRect &part);
@@ -69,6 +76,8 @@ private:
     PicturePlanesPool _pool;
     std::shared_ptr<PicturePlanes> _planes;
     bool _isShared = false;
+    std::int64_t _version = 1;
+    std::deque<std::vector<PixelRect>> _changes; // of the latest versions
     std::vector<std::uint8_t> _scaled;
 };
 
