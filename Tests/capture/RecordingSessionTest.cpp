@@ -16,7 +16,9 @@ struct Rig : ServicesRig {
     {
         state->onOpen = [](const QString &movie) { writeFile(movie, QByteArray(20'000, 'x')); };
         host.screenCapture.contentAnswer->windows = {
-            window(7, u"Editor"_s), window(8, u"Mine"_s, QCoreApplication::applicationPid())};
+            window(7, u"Editor"_s), window(8, u"Mine"_s, QCoreApplication::applicationPid()),
+            window(9, u"Wallpaper"_s, QCoreApplication::applicationPid())};
+        host.screenCapture.contentAnswer->windows.last().isDesktop = true;
         preferences.setOutputDir(folder.path());
         preferences.setRecordSystemAudio(false);
     }
@@ -68,7 +70,7 @@ private Q_SLOTS:
             (QStringList{u"已恢复上次录制配置"_s, u"====== 开始录制 ======"_s,
                          u"模式=全屏录制 fps=60 画质=原画 忽略本应用窗口=true 系统音频=true 麦克风=true"_s,
                          u"✅ 屏幕权限已授予（CGPreflight=true）"_s, u"[1/6] 获取可共享内容…"_s,
-                         u"[1/6] ✅ 显示器:1 窗口:2"_s, u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
+                         u"[1/6] ✅ 显示器:1 窗口:3"_s, u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
                          u"[3/6] 捕获像素 1920x1080 原画 60fps 系统音频=true 麦克风=true"_s,
                          u"[4/6] ✅ 捕获流已创建 queueDepth=5"_s,
                          u"写入器就绪 1920x1080 sysAudio=true mic=true"_s,
@@ -77,7 +79,7 @@ private Q_SLOTS:
         QCOMPARE(rig.state->calls,
                  (QStringList{u"openWriter "_s + rig.path, u"addOutput screen"_s, u"addOutput systemAudio"_s,
                               u"addOutput microphone"_s, u"startCapture"_s}));
-        QCOMPARE(rig.state->filter, (CaptureFilter{{}, 1, {8}}));
+        QCOMPARE(rig.state->filter, (CaptureFilter{{}, 1, {8}, true}));
         const StreamConfiguration stream{.width = 1920,
                                          .height = 1080,
                                          .capturesAudio = true,

@@ -23,7 +23,8 @@ QList<quint32> ownWindows(const QList<CapturableWindow> &windows, qint64 ownProc
 {
     QList<quint32> own;
     for (const CapturableWindow &window : windows) {
-        if (window.processId == ownProcessId || window.bundleId == u"com.tamsel.Velbrix"_s)
+        const bool isOwn = window.processId == ownProcessId || window.bundleId == u"com.tamsel.Velbrix"_s;
+        if (isOwn && !window.isDesktop)
             own.append(window.windowId);
     }
     return own;
@@ -89,6 +90,7 @@ Result<CaptureFilter> recordingFilter(const RecordingRequest &request, const Sha
     CaptureFilter filter;
     filter.displayId = mainDisplay(content.displays).displayId;
     if (request.mode == RecordMode::fullScreen) {
+        filter.excludesOwnWindows = request.ignoreSelfWindows;
         if (request.ignoreSelfWindows)
             filter.excludedWindows = ownWindows(content.windows, ownProcessId);
         return filter;

@@ -29,8 +29,9 @@ struct CapturableWindow {
     QString appName;
     std::optional<QString> bundleId;
     qint64 processId = 0;
-    QRectF frame;         // points
-    bool isNormal = true; // an ordinary window of an application, not a part of the desktop
+    QRectF frame;           // points
+    bool isNormal = true;   // an ordinary window of an application, not a part of the desktop
+    bool isDesktop = false; // lies behind all others, as the desktop itself
 
     bool operator==(const CapturableWindow &) const = default;
 };
@@ -45,6 +46,9 @@ struct CaptureFilter {
     std::optional<quint32> windowId;
     quint32 displayId = 0;
     QList<quint32> excludedWindows;
+    // Also those that this program opens later, its menus and notices among
+    // them; what it shows as the desktop stays.
+    bool excludesOwnWindows = false;
 
     bool operator==(const CaptureFilter &) const = default;
 };

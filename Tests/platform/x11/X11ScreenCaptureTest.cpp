@@ -393,6 +393,31 @@ private Q_SLOTS:
     void leavesOutOwnWindows() { leavesOutOwnWindows(true); }
     void leavesOutOwnWindowsWithoutDamage() { leavesOutOwnWindows(false); }
 
+    // Managed or not; what lies behind all windows is the desktop. A window of another program is shown.
+    void leavesOutOwnWindowsThatOpenLater()
+    {
+        ForeignWindow foreign(QRect(100, 100, 500, 400));
+        foreign.map();
+        RecordingRig rig;
+        CaptureFilter filter = rig.mainDisplay();
+        filter.excludesOwnWindows = true;
+        QVERIFY(rig.start(filter));
+        QTRY_VERIFY(rig.shows({{300, 300, Qt::white}, {700, 650, black}}));
+        const auto managed = shown(u"Window"_s, QRect(200, 200, 200, 150), red);
+        const auto menu = shown(u"Menu"_s, QRect(450, 250, 100, 100), blue, Qt::ToolTip);
+        const auto wallpaper = shown(u"Wallpaper"_s, QRect(650, 600, 200, 150), green,
+                                     Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint);
+        const int seen = rig.session->ledger().counters().callbackCount;
+        QTRY_VERIFY(rig.session->ledger().counters().callbackCount > seen + 10);
+        QVERIFY(isLike(onScreen(300, 300), red) && isLike(onScreen(500, 300), blue));
+        QTRY_VERIFY(rig.shows({{300, 300, Qt::white}, {500, 300, Qt::white}, {700, 650, green}}));
+        managed->setPosition(250, 300);
+        QTRY_VERIFY(isLike(onScreen(400, 420), red));
+        QTRY_VERIFY(rig.shows({{300, 250, Qt::white}, {400, 420, Qt::white}}));
+        QVERIFY(rig.movie->wereChangesNamed());
+        QVERIFY(rig.stop());
+    }
+
     void carriesWhatAFullQueueRefused()
     {
         const auto window = shown(u"Editor"_s, QRect(100, 100, 300, 200), green);

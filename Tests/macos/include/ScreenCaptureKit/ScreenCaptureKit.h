@@ -32,6 +32,7 @@
 @interface SCShareableContent : NSObject
 @property(readonly) NSArray<SCWindow *> *windows;
 @property(readonly) NSArray<SCDisplay *> *displays;
+@property(readonly) NSArray<SCRunningApplication *> *applications;
 + (void)getShareableContentExcludingDesktopWindows:(BOOL)excludeDesktopWindows
                                onScreenWindowsOnly:(BOOL)onScreenWindowsOnly
                                  completionHandler:(void (^)(SCShareableContent *_Nullable content,
@@ -43,6 +44,9 @@
 @property(readonly) float pointPixelScale API_AVAILABLE(macos(14.0));
 - (instancetype)initWithDesktopIndependentWindow:(SCWindow *)window;
 - (instancetype)initWithDisplay:(SCDisplay *)display excludingWindows:(NSArray<SCWindow *> *)excluded;
+- (instancetype)initWithDisplay:(SCDisplay *)display
+          excludingApplications:(NSArray<SCRunningApplication *> *)applications
+               exceptingWindows:(NSArray<SCWindow *> *)exceptingWindows;
 @end
 
 @interface SCStreamConfiguration : NSObject

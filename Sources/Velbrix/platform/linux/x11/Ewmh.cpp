@@ -65,6 +65,12 @@ bool isOwn(X11Connection &connection, xcb_window_t window)
     return connection.property(window, "_NET_WM_PID").value(0) == static_cast<std::uint32_t>(::getpid());
 }
 
+bool isBehindOthers(X11Connection &connection, xcb_window_t window)
+{
+    return isOfType(connection, window, {"_NET_WM_WINDOW_TYPE_DESKTOP"}) ||
+           connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_BELOW"));
+}
+
 bool isPutAway(X11Connection &connection, xcb_window_t window)
 {
     if (connection.property(window, "_NET_WM_STATE").holds(connection.atom("_NET_WM_STATE_HIDDEN")))

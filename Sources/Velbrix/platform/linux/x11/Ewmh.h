@@ -34,6 +34,9 @@ std::optional<std::uint32_t> currentWorkspace(X11Connection &connection);
 void askForWorkspace(X11Connection &connection, xcb_window_t window, std::uint32_t workspace);
 // An event for whoever manages the windows.
 void sendToRoot(X11Connection &connection, const void *event);
+// Whether a window lies behind all others, as the desktop does and what takes
+// its place.
+bool isBehindOthers(X11Connection &connection, xcb_window_t window);
 // Whether a window is minimised or on another workspace. Some window managers
 // keep such windows mapped.
 bool isPutAway(X11Connection &connection, xcb_window_t window);

@@ -10,6 +10,8 @@
 #import <CoreGraphics/CoreGraphics.h>
 #import <ScreenCaptureKit/ScreenCaptureKit.h>
 
+#include <unistd.h>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +49,7 @@ CapturableWindow toWindow(SCWindow *window)
     copy.processId = application.processID;
     copy.frame = toRect(window.frame);
     copy.isNormal = window.windowLayer == 0;
+    copy.isDesktop = window.windowLayer < 0;
     return copy;
 }
 
@@ -60,6 +63,12 @@ ShareableContent toContent(SCShareableContent *content)
         copy.windows.append(toWindow(window));
     copy.windows = frontToBack(copy.windows, windowIdsFrontToBack());
     return copy;
+}
+
+bool isThisProgram(SCRunningApplication *application)
+{
+    return application && (application.processID == ::getpid() ||
+                           [application.bundleIdentifier isEqualToString:@"com.tamsel.Velbrix"]);
 }
 
 // CGDisplayPixelsWide and CGDisplayPixelsHigh tell points in HiDPI modes.
@@ -110,6 +119,7 @@ struct SCKScreenCapture::Shelf {
     SCWindow *window(quint32 windowId) const;
     SCDisplay *display(quint32 displayId) const;
     Result<SCContentFilter *> contentFilter(const CaptureFilter &filter) const;
+    SCContentFilter *contentFilterWithoutThisProgram(SCDisplay *whole) const;
 };
 
 SCWindow *SCKScreenCapture::Shelf::window(quint32 windowId) const
@@ -130,6 +140,25 @@ SCDisplay *SCKScreenCapture::Shelf::display(quint32 displayId) const
     return nil;
 }
 
+// By application, so that windows which open later are left out as well. Nil
+// while this program has no windows that the system tells of.
+SCContentFilter *SCKScreenCapture::Shelf::contentFilterWithoutThisProgram(SCDisplay *whole) const
+{
+    NSMutableArray<SCRunningApplication *> *own = [NSMutableArray new];
+    for (SCRunningApplication *application in content.applications) {
+        if (isThisProgram(application))
+            [own addObject:application];
+    }
+    if (own.count == 0)
+        return nil;
+    NSMutableArray<SCWindow *> *desktop = [NSMutableArray new];
+    for (SCWindow *window in content.windows) {
+        if (window.windowLayer < 0 && isThisProgram(window.owningApplication))
+            [desktop addObject:window];
+    }
+    return [[SCContentFilter alloc] initWithDisplay:whole excludingApplications:own exceptingWindows:desktop];
+}
+
 Result<SCContentFilter *> SCKScreenCapture::Shelf::contentFilter(const CaptureFilter &filter) const
 {
     if (filter.windowId) {
@@ -141,6 +170,10 @@ Result<SCContentFilter *> SCKScreenCapture::Shelf::contentFilter(const CaptureFi
     SCDisplay *whole = display(filter.displayId);
     if (!whole)
         return failure(u"没有找到显示器"_s);
+    if (filter.excludesOwnWindows) {
+        if (SCContentFilter *without = contentFilterWithoutThisProgram(whole))
+            return without;
+    }
     NSMutableArray<SCWindow *> *excluded = [NSMutableArray new];
     for (const quint32 windowId : filter.excludedWindows) {
         if (SCWindow *left = window(windowId))

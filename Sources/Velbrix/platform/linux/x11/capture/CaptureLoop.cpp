@@ -100,12 +100,13 @@ Result<void> CaptureLoop::prepare()
         _cursor = std::make_unique<CursorTracker>(*_connection);
     else if (_plan.configuration.showsCursor)
         _events.warning(u"X 服务器没有 XFixes 扩展，录像中不会出现鼠标指针"_s);
-    if (!filter.windowId && !filter.excludedWindows.isEmpty() && !has.composite)
+    const bool excludes = filter.excludesOwnWindows || !filter.excludedWindows.isEmpty();
+    if (!filter.windowId && excludes && !has.composite)
         _events.warning(u"X 服务器没有 Composite 扩展，无法排除本应用窗口"_s);
     if (filter.windowId)
         _source = std::make_unique<WindowSource>(*_connection, *filter.windowId);
     else
-        _source = std::make_unique<DisplaySource>(*_connection, filter.displayId, filter.excludedWindows);
+        _source = std::make_unique<DisplaySource>(*_connection, filter);
     return _source->start(*_stop);
 }
 
@@ -149,16 +150,30 @@ bool CaptureLoop::step(std::int64_t tick)
     return true;
 }
 
-SourceUpdate CaptureLoop::updateSource()
+void CaptureLoop::readEvents()
 {
     while (const auto event = _connection->nextEvent()) {
         _source->handleEvent(*event);
         if (_cursor)
             _cursor->handleEvent(*event);
     }
+}
+
+SourceUpdate CaptureLoop::updateSource()
+{
+    readEvents();
     if (_cursor)
         _cursor->request();
     SourceUpdate update = _source->update();
+    // A window that opened while the picture was taken may be in it.
+    readEvents();
+    if (_source->isOutdated()) {
+        SourceUpdate again = _source->update();
+        again.changed.insert(again.changed.end(), update.changed.begin(), update.changed.end());
+        if (again.status == FrameStatus::idle)
+            again.status = update.status;
+        update = std::move(again);
+    }
     if (_cursor)
         _cursor->collect();
     return update;

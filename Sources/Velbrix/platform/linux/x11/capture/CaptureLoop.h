@@ -64,6 +64,7 @@ private:
     // False when the recording has ended.
     bool step(std::int64_t tick);
     SourceUpdate updateSource();
+    void readEvents();
     // Returns what of the canvas changed.
     std::vector<PixelRect> draw(const SourceUpdate &update);
     void submit(std::vector<PixelRect> changed, std::int64_t tick);

@@ -8,14 +8,15 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 
-DisplaySource::DisplaySource(X11Connection &connection, quint32 displayId,
-                             const QList<quint32> &excludedWindows)
-    : _connection(connection), _displayId(displayId), _buffer(connection)
+DisplaySource::DisplaySource(X11Connection &connection, const CaptureFilter &filter)
+    : _connection(connection), _displayId(filter.displayId), _buffer(connection)
 {
     connection.selectEvents(connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     followMonitors(connection);
-    if (!excludedWindows.isEmpty() && connection.has().composite)
-        _layers = std::make_unique<ScreenLayers>(connection, excludedWindows);
+    const bool excludes = filter.excludesOwnWindows || !filter.excludedWindows.isEmpty();
+    if (excludes && connection.has().composite)
+        _layers =
+            std::make_unique<ScreenLayers>(connection, filter.excludedWindows, filter.excludesOwnWindows);
 }
 
 Result<void> DisplaySource::start(const StopSignal &stop)
@@ -95,7 +96,7 @@ std::vector<PixelRect> DisplaySource::collectDamage()
 {
     std::vector<PixelRect> changed;
     if (_layers)
-        changed = _layers->refresh(_area);
+        changed = _layers->refresh(_area, std::exchange(_taken, {}));
     if (_damage)
         _damage->request();
     if (_layers)
@@ -119,6 +120,7 @@ void DisplaySource::queue(const PixelRect &part)
 {
     const bool hasHoles = _layers && !_layers->holes().empty();
     const auto plain = hasHoles ? subtracted(part, _layers->holes()) : std::vector{part};
+    _taken.insert(_taken.end(), plain.begin(), plain.end());
     for (const PixelRect &rect : plain)
         _buffer.queue(_connection.root(), rect.x, rect.y, translated(rect, -_area.x, -_area.y), !hasHoles);
     if (!hasHoles)

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "platform/ScreenCapture.h"
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/capture/FrameSource.h"
 #include "platform/linux/x11/capture/ScreenLayers.h"
-
-#include <QList>
 
 #include <memory>
 #include <optional>
@@ -16,11 +15,12 @@ namespace velbrix {
 class DisplaySource final : public FrameSource {
 public:
     // The connection must outlive the source.
-    DisplaySource(X11Connection &connection, quint32 displayId, const QList<quint32> &excludedWindows);
+    DisplaySource(X11Connection &connection, const CaptureFilter &filter);
 
     Result<void> start(const StopSignal &stop) override;
     void handleEvent(const xcb_generic_event_t &event) override;
     SourceUpdate update() override;
+    bool isOutdated() const override { return _layers && _layers->isStale(); }
     BitmapView picture() const override { return _buffer.view(); }
     std::optional<PicturePoint> locate(const PointerState &pointer) const override;
 
@@ -33,7 +33,8 @@ private:
     const quint32 _displayId;
     std::unique_ptr<ScreenLayers> _layers;
     std::unique_ptr<DamageTracker> _damage;
-    PixelRect _area; // in the root
+    PixelRect _area;               // in the root
+    std::vector<PixelRect> _taken; // of the screen with the last update, in the root
     GrabBuffer _buffer;
     bool _hasMemory = true;    // for the whole picture
     bool _isStale = true;      // monitors may have changed

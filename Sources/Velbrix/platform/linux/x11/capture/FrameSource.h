@@ -43,6 +43,9 @@ public:
     virtual void handleEvent(const xcb_generic_event_t &event) = 0;
     // Brings the picture up to date.
     virtual SourceUpdate update() = 0;
+    // Whether an event has told of something that the last update may have
+    // missed.
+    virtual bool isOutdated() const { return false; }
     // As of the last update, without the pointer.
     virtual BitmapView picture() const = 0;
     // Where in the picture the pointer is shown; nothing when it is elsewhere.

@@ -10,9 +10,12 @@
 
 namespace velbrix {
 
-ScreenLayers::ScreenLayers(X11Connection &connection, const QList<quint32> &excludedClients)
+ScreenLayers::ScreenLayers(X11Connection &connection, const QList<quint32> &excludedClients,
+                           bool excludesOwnWindows)
     : _connection(connection), _excludedClients(excludedClients), _painter(connection)
 {
+    if (excludesOwnWindows)
+        _ownWindows.emplace(connection);
     _connection.selectEvents(_connection.root(),
                              XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
 }
@@ -27,6 +30,7 @@ ScreenLayers::~ScreenLayers()
 void ScreenLayers::start(const PixelRect &area, const StopSignal &stop)
 {
     refresh(area);
+    _isRunning = true;
     if (_layers.empty() || _connection.hasCompositingManager())
         return;
     std::vector<DamageTracker *> waiting;
@@ -43,6 +47,8 @@ void ScreenLayers::start(const PixelRect &area, const StopSignal &stop)
 
 void ScreenLayers::handleEvent(const xcb_generic_event_t &event)
 {
+    if (_ownWindows)
+        _ownWindows->handleEvent(event);
     switch (eventType(event)) {
     case XCB_CONFIGURE_NOTIFY:
         _altered.insert(reinterpret_cast<const xcb_configure_notify_event_t &>(event).window);
@@ -61,7 +67,7 @@ void ScreenLayers::handleEvent(const xcb_generic_event_t &event)
     _isStale = true;
 }
 
-std::vector<PixelRect> ScreenLayers::refresh(const PixelRect &area)
+std::vector<PixelRect> ScreenLayers::refresh(const PixelRect &area, std::span<const PixelRect> taken)
 {
     if (area != _area) {
         _area = area;
@@ -69,7 +75,7 @@ std::vector<PixelRect> ScreenLayers::refresh(const PixelRect &area)
         _isStale = true;
     }
     if (!std::exchange(_isStale, false))
-        return {};
+        return takePainted();
     struct Seen {
         xcb_window_t window;
         PixelRect outer;
@@ -88,12 +94,43 @@ std::vector<PixelRect> ScreenLayers::refresh(const PixelRect &area)
         _layers, [this](const Layer &layer) { return _altered.contains(layer.content.window); });
     rebuild();
     if (!wasAltered && formerHoles == _holes && formerLayers == seen())
-        return {};
+        return takePainted();
     std::vector<PixelRect> changed = formerHoles;
     changed.insert(changed.end(), _holes.begin(), _holes.end());
-    for (PixelRect &part : changed)
-        part = intersected(part, _area);
-    return changed;
+    if (std::vector<PixelRect> late = unpainted(formerHoles, taken); !late.empty()) {
+        _unpainted.insert(_unpainted.end(), late.begin(), late.end());
+        _unpainted = simplified(std::move(_unpainted));
+        _paintedAt = monotonicNow() + longestRepaint;
+    }
+    std::vector<PixelRect> shown;
+    for (const PixelRect &part : changed) {
+        const auto rest = subtracted(intersected(part, _area), _unpainted);
+        shown.insert(shown.end(), rest.begin(), rest.end());
+    }
+    return shown;
+}
+
+// What new holes show when they open over something that is on the screen.
+std::vector<PixelRect> ScreenLayers::unpainted(std::span<const PixelRect> formerHoles,
+                                               std::span<const PixelRect> taken) const
+{
+    std::vector<PixelRect> parts;
+    if (!_isRunning || _connection.hasCompositingManager())
+        return parts;
+    for (const PixelRect &hole : _holes) {
+        for (const PixelRect &fresh : subtracted(hole, formerHoles)) {
+            const auto clean = subtracted(fresh, taken);
+            parts.insert(parts.end(), clean.begin(), clean.end());
+        }
+    }
+    return parts;
+}
+
+std::vector<PixelRect> ScreenLayers::takePainted()
+{
+    if (_unpainted.empty() || monotonicNow() < _paintedAt)
+        return {};
+    return std::exchange(_unpainted, {});
 }
 
 void ScreenLayers::rebuild()
@@ -119,6 +156,17 @@ std::vector<PixelRect> ScreenLayers::findHoles()
         _excluded.insert(topLevel->id);
         const PixelRect hole = intersected(topLevel->outer, _area);
         if (topLevel->isViewable && !isEmpty(hole))
+            holes.push_back(hole);
+    }
+    if (!_ownWindows)
+        return simplified(std::move(holes));
+    for (const xcb_window_t window : stackedWindows(_connection)) {
+        if (_excluded.contains(window) || !_ownWindows->contains(window))
+            continue;
+        _excluded.insert(window);
+        const auto layer = inspect(window);
+        if (const PixelRect hole = layer ? intersected(layer->content.outer, _area) : PixelRect();
+            !isEmpty(hole))
             holes.push_back(hole);
     }
     return simplified(std::move(holes));

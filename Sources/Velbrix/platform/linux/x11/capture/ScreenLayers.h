@@ -4,12 +4,14 @@
 #include "platform/linux/x11/TopLevel.h"
 #include "platform/linux/x11/capture/DamageTracker.h"
 #include "platform/linux/x11/capture/LayerPainter.h"
+#include "platform/linux/x11/capture/OwnWindows.h"
 
 #include <QList>
 
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 #include <vector>
 
 namespace velbrix {
@@ -20,7 +22,7 @@ namespace velbrix {
 class ScreenLayers {
 public:
     // The connection must have the ability to compose and outlive this.
-    ScreenLayers(X11Connection &connection, const QList<quint32> &excludedClients);
+    ScreenLayers(X11Connection &connection, const QList<quint32> &excludedClients, bool excludesOwnWindows);
     ~ScreenLayers();
     ScreenLayers(const ScreenLayers &) = delete;
     ScreenLayers &operator=(const ScreenLayers &) = delete;
@@ -29,9 +31,12 @@ public:
     void start(const PixelRect &area, const StopSignal &stop);
     void handleEvent(const xcb_generic_event_t &event);
 
+    // Whether something has happened to the windows since the last refresh.
+    bool isStale() const { return _isStale; }
     // Follows what happened to the windows. Returns the parts of the area that
-    // look different because of it.
-    std::vector<PixelRect> refresh(const PixelRect &area);
+    // look different because of it. `taken` of the screen was taken while that
+    // happened: an excluded window may be in there.
+    std::vector<PixelRect> refresh(const PixelRect &area, std::span<const PixelRect> taken = {});
     const std::vector<PixelRect> &holes() const { return _holes; }
 
     void requestDamage();
@@ -49,6 +54,9 @@ private:
         bool isBeneath = false; // an excluded window
     };
 
+    std::vector<PixelRect> unpainted(std::span<const PixelRect> formerHoles,
+                                     std::span<const PixelRect> taken) const;
+    std::vector<PixelRect> takePainted();
     void rebuild();
     std::vector<PixelRect> findHoles();
     std::vector<Layer> findLayers();
@@ -58,12 +66,18 @@ private:
 
     X11Connection &_connection;
     const QList<quint32> _excludedClients;
+    std::optional<OwnWindows> _ownWindows; // excluded as well
     PixelRect _area;
     std::vector<PixelRect> _holes;
     std::vector<Layer> _layers; // bottom to top
     std::set<xcb_window_t> _excluded;
     std::set<xcb_window_t> _altered; // whose pixmaps must be named again
     bool _isStale = true;
+    bool _isRunning = false; // a first picture is being taken, or was
+    // Of new holes: until its windows have painted what was covered, the
+    // picture from before is the better one.
+    std::vector<PixelRect> _unpainted;
+    std::int64_t _paintedAt = 0;
     LayerPainter _painter;
 };
 

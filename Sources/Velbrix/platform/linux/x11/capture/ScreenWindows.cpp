@@ -73,7 +73,8 @@ QList<CapturableWindow> windowsOnScreen(X11Connection &connection)
                       .bundleId = instance.isEmpty() ? std::nullopt : std::optional(instance),
                       .processId = connection.property(window, "_NET_WM_PID").value(0),
                       .frame = toQRect(topLevel->visible),
-                      .isNormal = isNormal(connection, window)});
+                      .isNormal = isNormal(connection, window),
+                      .isDesktop = isBehindOthers(connection, window)});
     }
     return found;
 }
