@@ -137,13 +137,38 @@ def ssim(path, reference):
             return float(re.search(r"SSIM Y:([\d.]+)", report.read())[1]), compared
 
 
-def flash_times(path):
-    """When the middle of the picture turns from dark to bright, in seconds."""
-    times = sorted(
+def picture_times(path):
+    """Of all pictures, in seconds."""
+    return sorted(
         float(time)
         for time in run("ffprobe", "-v", "error", "-select_streams", "v", "-show_entries", "packet=pts_time", "-of",
                         "csv=p=0", str(path)).decode().replace(",", " ").split()
     )
+
+
+def last_motion(path):
+    """When the highest count was shown first, in seconds."""
+    counts = frame_counts(path)
+    return picture_times(path)[counts.index(max(counts))]
+
+
+def luma_error(path, instant, screenshot):
+    """Root mean square of the luma's difference to a screenshot, of the picture that is shown at that time."""
+
+    def luma(source, choice):
+        return run("ffmpeg", "-v", "error", "-i", str(source), "-vf", f"{choice}format=gray", "-vsync", "0", "-frames:v",
+                   "1", "-f", "rawvideo", "-")
+
+    shown = sum(time <= instant for time in picture_times(path)) - 1
+    seen, real = luma(path, f"select=eq(n\\,{shown}),"), luma(screenshot, "")
+    if len(seen) != len(real):
+        raise RuntimeError(f"{path} and the screen differ in size")
+    return (sum((a - b) ** 2 for a, b in zip(seen, real)) / len(real)) ** 0.5
+
+
+def flash_times(path):
+    """When the middle of the picture turns from dark to bright, in seconds."""
+    times = picture_times(path)
     luma = run("ffmpeg", "-v", "error", "-i", str(path), "-vsync", "0", "-vf",
                "crop=64:64,format=gray,scale=1:1:flags=area", "-f", "rawvideo", "-")
     return [times[i] for i in range(1, min(len(luma), len(times))) if luma[i - 1] < 60 and luma[i] > 180]

@@ -62,7 +62,9 @@ class SimpleScreenRecorder(Peer):
     def __init__(self, folder, fps, sound=False):
         self.settings = folder / "settings.conf"
         self.settings.write_text(f"""[input]
-audio_enabled=false
+audio_enabled={str(sound).lower()}
+audio_backend=pulseaudio
+audio_pulseaudio_source=speaker.monitor
 video_area=screen
 video_frame_rate={fps}
 video_x=0
@@ -74,6 +76,8 @@ video_scale=false
 [output]
 add_timestamp=false
 container=mp4
+audio_codec=aac
+audio_kbit_rate=192
 file={folder}/movie.mp4
 video_allow_frame_skipping=true
 video_codec=h264
@@ -123,10 +127,10 @@ TOOLS = [Ours, SimpleScreenRecorder, Ffmpeg]
 class Run:
     """One recording of one scene and what it cost."""
 
-    def __init__(self, tool, mode, fps, seconds, server_alone):
+    def __init__(self, tool, mode, fps, seconds, server_alone, sound):
         self.folder = Path(tempfile.mkdtemp(prefix="movie-", dir=os.environ["HOME"]))
         scene = Scene(mode, fps, seconds + SETTLE + 6)
-        recorder = tool(self.folder, fps)
+        recorder = tool(self.folder, fps, sound)
         try:
             self._record(recorder, scene, seconds, server_alone)
         finally:
@@ -179,12 +183,28 @@ def server_alone(mode, fps, seconds):
     return load
 
 
+def play(seconds):
+    """Something to hear."""
+    words = ["ffmpeg", "-nostdin", "-v", "quiet", "-re", "-f", "lavfi", "-i", "sine=440:r=48000", "-t", str(seconds),
+             "-device", "speaker", "-f", "pulse", "tone"]
+    return subprocess.Popen(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
 def compare(mode, fps, options):
+    player = play(3600) if options.sound else None
+    try:
+        return compare_cpu(mode, fps, options)
+    finally:
+        if player:
+            end(player)
+
+
+def compare_cpu(mode, fps, options):
     runs = {tool: [] for tool in TOOLS}
     for _ in range(options.rounds):
         alone = server_alone(mode, fps, options.seconds / 2)
         for tool in TOOLS:
-            runs[tool].append(Run(tool, mode, fps, options.seconds, alone))
+            runs[tool].append(Run(tool, mode, fps, options.seconds, alone, options.sound))
     columns = [("CPU ms/frame", "cpu", 2), ("recorder", "client", 2), ("X server", "server", 2), ("repeated", "repeated", 0),
                ("lost", "lost", 0), ("memory MB", "memory", 0), ("start ms", "start", 0), ("stop ms", "stop", 0),
                ("stop command ms", "end", 0), ("file MB", "megabytes", 1)]
@@ -253,6 +273,32 @@ def compare_likeness(options):
     ratio("record-ssim", ours, theirs, f"{what}, all scenes")
 
 
+def compare_rest(options):
+    """How much of the blur of a motion is left five seconds after its end, at the same bit rate."""
+    rows = [["still after motion", "luma error", "file MB"]]
+    errors = {Ours: [], Ffmpeg: []}
+    for _ in range(options.rounds):
+        for tool, values in errors.items():
+            folder = Path(tempfile.mkdtemp(prefix="rest-", dir=os.environ["HOME"]))
+            scene = Scene("rest", 60, 20)
+            recorder = tool(folder, 60)
+            recorder.start()
+            sleep_until(scene.start + 13)
+            shot = folder / "shot.png"
+            subprocess.run(["import", "-window", "root", str(shot)], check=True)
+            recorder.ask_to_stop()
+            recorder.finish()
+            recorder.close()
+            scene.end()
+            movie = movies.only_movie(folder)
+            values.append(movies.luma_error(movie, movies.last_motion(movie) + 5, shot))
+            rows.append([tool.name, f"{values[-1]:.2f}", f"{movie.stat().st_size / 1e6:.1f}"])
+            shutil.rmtree(folder)
+    table(rows)
+    ratio("record-still-after-motion", errors[Ours], errors[Ffmpeg],
+          "luma error 5 s after the motion ended, at the same bit rate, against ffmpeg")
+
+
 def compare_sound(options):
     """A flash and a beep at the same instants, once a second."""
     rows = [["sound - picture ms", "median (range)"]]
@@ -298,8 +344,9 @@ def main():
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--seconds", type=float, default=8)
     parser.add_argument("--fps", type=int, nargs="+", default=[30, 60])
-    parser.add_argument("--scenes", nargs="+", default=["scroll", "desk", "idle"])
-    parser.add_argument("--parts", nargs="+", default=["cpu", "ssim", "sound", "kill"])
+    parser.add_argument("--scenes", nargs="+", default=["scroll", "desk", "whole", "idle"])
+    parser.add_argument("--parts", nargs="+", default=["cpu", "ssim", "rest", "sound", "kill"])
+    parser.add_argument("--no-sound", dest="sound", action="store_false", help="measure CPU without the sound")
     options = parser.parse_args()
     if options.quick:
         options.rounds, options.seconds, options.fps = 1, 4, [60]
@@ -308,6 +355,8 @@ def main():
         results = {(mode, fps): compare(mode, fps, options) for mode in options.scenes for fps in options.fps}
     if "ssim" in options.parts:
         compare_likeness(options)
+    if "rest" in options.parts:
+        compare_rest(options)
     if "sound" in options.parts:
         compare_sound(options)
     if "kill" in options.parts:

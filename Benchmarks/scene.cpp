@@ -4,6 +4,8 @@
 //   part    a picture of 1280x720 moves in the middle of a still page
 //   desk    typing, pointer moves and a panel every 3 s: little changes
 //   idle    nothing changes
+//   rest    scrolls for six seconds, then nothing changes
+//   whole   as desk, but the whole screen is painted at every tick, as some compositors do
 // The count is a row of 24 squares of 16 pixels, lowest bit first, white is 1. "ready T" is printed when the
 // page stands; T is the monotonic time of tick 0 in seconds. Every tick is the same picture in every run.
 #include <xcb/shm.h>
@@ -101,6 +103,20 @@ public:
             xcb_create_gc(_connection, _context, window, 0, nullptr);
         }
         return window;
+    }
+
+    xcb_pixmap_t makePixmap(int width, int height)
+    {
+        const xcb_pixmap_t pixmap = xcb_generate_id(_connection);
+        xcb_create_pixmap(_connection, 24, pixmap, _screen->root, static_cast<std::uint16_t>(width),
+                          static_cast<std::uint16_t>(height));
+        return pixmap;
+    }
+    // All of the screen.
+    void copy(xcb_pixmap_t from, xcb_window_t to)
+    {
+        xcb_copy_area(_connection, from, to, _context, 0, 0, 0, 0, _screen->width_in_pixels,
+                      _screen->height_in_pixels);
     }
 
     xcb_gcontext_t context() const { return _context; }
@@ -228,9 +244,11 @@ void paintPage(Picture &page, Dice &dice)
 
 class Scene {
 public:
-    explicit Scene(std::string_view mode)
+    Scene(std::string_view mode, double fps)
         : _mode(mode),
+          _restTicks(static_cast<int>(6 * fps)),
           _window(_screen.makeWindow({0, 0, _screen.width(), _screen.height()})),
+          _target(mode == "whole" ? _screen.makePixmap(_screen.width(), _screen.height()) : _window),
           // A window of its own: the page is never seen without its count.
           _countWindow(_screen.makeWindow({0, 0, barcodeBits * barcodeSquare, barcodeSquare})),
           _page(_screen, _screen.width(), _screen.height() * 3),
@@ -242,21 +260,25 @@ public:
             for (int i = 0; i < videoFrames; ++i)
                 paintPhoto(_video, {0, 720 * i, 1280, 720}, i * 0.4);
         showPage(0);
+        if (_target != _window)
+            _screen.copy(_target, _window);
         showCount(0);
         _screen.finish();
     }
 
     void tick(int count)
     {
-        if (_mode == "idle")
+        if (_mode == "idle" || (_mode == "rest" && count >= _restTicks))
             return;
-        if (_mode == "scroll")
+        if (_mode == "scroll" || _mode == "rest")
             showPage(count * 8 % (_screen.height() * 2));
         else if (_mode == "part")
             _video.put(_window, {0, 720 * (count % videoFrames), 1280, 720}, (_screen.width() - 1280) / 2,
                        (_screen.height() - 720) / 2);
         else
             workAtDesk(count);
+        if (_target != _window)
+            _screen.copy(_target, _window);
         showCount(count);
         _screen.finish();
     }
@@ -264,7 +286,7 @@ public:
 private:
     static constexpr int videoFrames = 16;
 
-    void showPage(int top) { _page.put(_window, {0, top, _screen.width(), _screen.height()}, 0, 0); }
+    void showPage(int top) { _page.put(_target, {0, top, _screen.width(), _screen.height()}, 0, 0); }
 
     void showCount(int count)
     {
@@ -282,20 +304,22 @@ private:
             const int letter = count / 5;
             const Place glyph{20 + glyphWidth * _dice.below(100), 10 + lineHeight * _dice.below(140),
                               glyphWidth, glyphHeight};
-            _page.put(_window, glyph, 200 + letter % 90 * glyphWidth, 300 + letter / 90 % 20 * lineHeight);
+            _page.put(_target, glyph, 200 + letter % 90 * glyphWidth, 300 + letter / 90 % 20 * lineHeight);
         }
         if (count / 60 % 2 == 0)
             _screen.movePointer(middleX + static_cast<int>(middleX / 2.0 * std::cos(count * 0.05)),
                                 middleY + static_cast<int>(middleY / 2.0 * std::sin(count * 0.05)));
         if (count % 180 == 0)
-            _page.put(_window, {middleX / 2, _dice.below(_screen.height() * 2 - 400), 700, 400},
+            _page.put(_target, {middleX / 2, _dice.below(_screen.height() * 2 - 400), 700, 400},
                       middleX * 8 / 7, middleY);
     }
 
     std::string_view _mode;
+    int _restTicks;
     Screen _screen;
     Dice _dice;
     xcb_window_t _window;
+    xcb_drawable_t _target; // of what is painted
     xcb_window_t _countWindow;
     Picture _page;
     Picture _barcode;
@@ -308,12 +332,13 @@ int main(int argc, char **argv)
 {
     const std::string_view mode = argc == 4 ? argv[1] : "";
     const double fps = argc == 4 ? std::atof(argv[2]) : 0;
-    const bool isKnown = mode == "scroll" || mode == "part" || mode == "desk" || mode == "idle";
+    const bool isKnown = mode == "scroll" || mode == "part" || mode == "desk" || mode == "idle" ||
+                         mode == "rest" || mode == "whole";
     if (!isKnown || fps <= 0) {
-        std::fputs("usage: scene scroll|part|desk|idle FPS SECONDS\n", stderr);
+        std::fputs("usage: scene scroll|part|desk|idle|rest|whole FPS SECONDS\n", stderr);
         return 2;
     }
-    Scene scene(mode);
+    Scene scene(mode, fps);
     const auto period = static_cast<std::int64_t>(static_cast<double>(second) / fps);
     const std::int64_t start = monotonicNow() + period;
     const std::int64_t end =

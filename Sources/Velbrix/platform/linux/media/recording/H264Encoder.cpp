@@ -40,9 +40,9 @@ x264_param_t parameters(const MovieSettings &settings)
     p.rc.b_mb_tree = 0;
     // Constant quantiser with the whole range open to the forced ones.
     p.rc.i_rc_method = X264_RC_CQP;
-    p.rc.i_qp_constant = 28;
-    p.rc.f_ip_factor = 8; // 18 steps down
-    p.rc.f_pb_factor = 8; // and up
+    p.rc.i_qp_constant = 25;
+    p.rc.f_ip_factor = 11.32F; // 21 steps down
+    p.rc.f_pb_factor = 11.32F; // and up
     p.analyse.b_transform_8x8 = 1;
     p.analyse.b_dct_decimate = 0; // costs more time than it saves bits
     p.analyse.b_mb_info = 1;

@@ -34,7 +34,7 @@ int RateController::restingQp() const
     if (_keyBits <= 0)
         return nextQp(true);
     // Six steps halve a picture.
-    const double qp = _keyQp - 6 * std::log2(0.9 * _bitRate / _keyBits);
+    const double qp = _keyQp - 6 * std::log2(1.5 * _bitRate / _keyBits);
     return static_cast<int>(std::lround(std::clamp<double>(qp, finestRestingQp, coarsestQp)));
 }
 

@@ -10,12 +10,13 @@ public:
     static constexpr int finestQp = 20;
     static constexpr int coarsestQp = 46;
     static constexpr int finestKeyQp = 15;
-    static constexpr int finestRestingQp = 10;
+    static constexpr int finestRestingQp = 4;
 
     RateController(int bitRate, int framesPerSecond);
 
     int nextQp(bool isKey) const;
-    // Of a key picture that is going to stay: it may take what a second has.
+    // Of a key picture that is going to stay: it may take more than a second
+    // has, as nothing else will.
     int restingQp() const;
     // What the picture took at that quantiser, and the frame intervals since
     // the one before.
