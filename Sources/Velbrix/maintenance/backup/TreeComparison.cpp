@@ -26,6 +26,13 @@ struct Entry {
 };
 
 constexpr qint64 blockSize = 512; // of st_blocks
+// What smaller files need more than those that they replace fills no disk, and is not worth a look at each.
+constexpr qint64 largeFile = 1 << 20;
+
+qint64 allocated(const struct stat &facts)
+{
+    return std::min<qint64>(facts.st_size, facts.st_blocks * blockSize);
+}
 
 // An open folder under which everything is found by its relative path.
 class Tree {
@@ -43,7 +50,7 @@ public:
     Tree &operator=(const Tree &) = delete;
 
     // Nothing when it cannot be read to its end.
-    std::optional<QHash<QByteArray, Entry>> list(const QByteArray &path) const
+    std::optional<QHash<QByteArray, Entry>> list(const QByteArray &path, bool wantsSizes) const
     {
         const int opened = path.isEmpty() ? ::openat(_root, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)
                                           : ::openat(_root, path.constData(),
@@ -59,25 +66,27 @@ public:
         for (errno = 0; const dirent *found = ::readdir(folder.get()); errno = 0) {
             const QByteArray name(found->d_name);
             if (name != "." && name != "..")
-                entries.insert(name, entryOf(opened, *found));
+                entries.insert(name, entryOf(opened, *found, wantsSizes));
         }
         return errno == 0 ? std::optional(std::move(entries)) : std::nullopt;
     }
 
     // Of the entry itself, also when it is a link.
-    std::optional<FileIdentity> identity(const QByteArray &path) const
+    std::optional<struct stat> facts(const QByteArray &path) const
     {
         struct stat facts{};
         if (::fstatat(_root, path.constData(), &facts, AT_SYMLINK_NOFOLLOW) != 0)
             return std::nullopt;
-        return FileIdentity::of(facts);
+        return facts;
     }
 
 private:
-    static Entry entryOf(int folder, const dirent &found)
+    static Entry entryOf(int folder, const dirent &found, bool wantsSizes)
     {
-        if (found.d_type != DT_UNKNOWN && found.d_type != DT_REG)
-            return {found.d_type == DT_DIR ? Kind::folder : Kind::other};
+        if (found.d_type != DT_UNKNOWN && !(wantsSizes && found.d_type == DT_REG))
+            return {found.d_type == DT_DIR   ? Kind::folder
+                    : found.d_type == DT_REG ? Kind::file
+                                             : Kind::other};
         struct stat facts{};
         if (::fstatat(folder, found.d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
             return {found.d_type == DT_REG ? Kind::file : Kind::other};
@@ -85,7 +94,7 @@ private:
             return {Kind::folder};
         if (!S_ISREG(facts.st_mode))
             return {};
-        return {Kind::file, facts.st_size, std::min<qint64>(facts.st_size, facts.st_blocks * blockSize)};
+        return {Kind::file, facts.st_size, allocated(facts)};
     }
 
     int _root;
@@ -139,7 +148,7 @@ private:
     {
         std::optional<Entries> ours;
         if (folder.inSource) {
-            ours = _source.list(folder.path);
+            ours = _source.list(folder.path, true);
             if (ours)
                 ours = withoutExcluded(folder, *std::move(ours));
             if (folder.path.isEmpty())
@@ -147,7 +156,7 @@ private:
         }
         std::optional<Entries> theirs;
         if (folder.inMirror)
-            theirs = _mirror.list(folder.path);
+            theirs = _mirror.list(folder.path, false);
         if (theirs)
             theirs = withoutExcluded(folder, *std::move(theirs));
         if (ours && _hasMirror)
@@ -167,9 +176,12 @@ private:
         if (std::all_of(ours.keyBegin(), ours.keyEnd(), isListed))
             return;
         const qsizetype known = _facts.names.respelled.size();
-        compareNames(
-            folder.path, names(ours), theirs ? names(*theirs) : QSet<QByteArray>(),
-            [&](const QByteArray &name) { return _mirror.identity(below(folder, name)); }, _facts.names);
+        const auto identity = [&](const QByteArray &name) {
+            const auto facts = _mirror.facts(below(folder, name));
+            return facts ? std::optional(FileIdentity::of(*facts)) : std::nullopt;
+        };
+        compareNames(folder.path, names(ours), theirs ? names(*theirs) : QSet<QByteArray>(), identity,
+                     _facts.names);
         for (const NamePair &pair : _facts.names.respelled.sliced(known))
             theirs->insert(pair.second, theirs->take(pair.first));
     }
@@ -203,7 +215,7 @@ private:
             _facts.items += isFolder ? 0 : 1;
             _facts.junk += !isFolder && isItJunk ? 1 : 0;
             if (it->kind == Kind::file)
-                count(*it, isInMirror ? &*other : nullptr);
+                count(*it, isInMirror ? below(folder, it.key()) : QByteArray());
             if (isFolder)
                 _waiting.push_back({.path = below(folder, it.key()),
                                     .inSource = true,
@@ -212,15 +224,19 @@ private:
         }
     }
 
-    void count(const Entry &file, const Entry *inMirror)
+    // With the path that it has in the mirror, if any.
+    void count(const Entry &file, const QByteArray &inMirror)
     {
         ++_facts.files;
         _facts.bytes += file.bytes;
         _facts.allocated += file.allocated;
-        if (inMirror && inMirror->bytes == file.bytes)
-            return;
+        if (!inMirror.isEmpty()) {
+            const auto other = file.bytes < largeFile ? std::nullopt : _mirror.facts(inMirror);
+            if (!other || other->st_size == file.bytes)
+                return;
+            _facts.outgoing += allocated(*other);
+        }
         _facts.incoming += file.allocated;
-        _facts.outgoing += inMirror ? inMirror->allocated : 0;
     }
 
     Tree _source;

@@ -22,7 +22,7 @@ struct TreeFacts {
     qint64 mirrorFiles = 0;    // all that are not folders
     qint64 deletions = 0;      // of them, not in the source or a folder there
     qint64 deletedEntries = 0; // with the folders
-    qint64 incoming = 0;       // allocated to files that the mirror has not, or not of that size
+    qint64 incoming = 0;       // allocated to files that the mirror has not, and large ones of another size
     qint64 outgoing = 0;       // to those in the mirror that they replace
     NameFindings names = {};
 
