@@ -108,27 +108,15 @@ fuse_operations operations()
     made.getattr = [](const char *path, struct stat *facts, fuse_file_info *) {
         return answer(::lstat(real(path).c_str(), facts));
     };
-    made.readlink = [](const char *path, char *buffer, size_t size) {
-        const ssize_t length = ::readlink(real(path).c_str(), buffer, size - 1);
-        if (length >= 0)
-            buffer[length] = '\0';
-        return length < 0 ? -errno : 0;
-    };
     made.mkdir = [](const char *path, mode_t mode) { return answer(::mkdir(real(path).c_str(), mode)); };
     made.rmdir = [](const char *path) { return answer(::rmdir(real(path).c_str())); };
     made.unlink = [](const char *path) { return answer(::unlink(real(path).c_str())); };
-    made.symlink = [](const char *target, const char *path) {
-        return answer(::symlink(target, real(path).c_str()));
-    };
     // Onto another spelling of itself nothing happens, as Linux has it.
     made.rename = [](const char *from, const char *to, unsigned) {
         return answer(::rename(real(from).c_str(), real(to).c_str()));
     };
     made.chmod = [](const char *path, mode_t mode, fuse_file_info *) {
         return answer(::chmod(real(path).c_str(), mode));
-    };
-    made.chown = [](const char *path, uid_t user, gid_t group, fuse_file_info *) {
-        return answer(::lchown(real(path).c_str(), user, group));
     };
     made.truncate = [](const char *path, off_t size, fuse_file_info *) {
         return answer(::truncate(real(path).c_str(), size));

@@ -19,10 +19,9 @@ private Q_SLOTS:
         };
         QVERIFY(link(u"/dev/null"_s, u"1111-2222"_s) && link(u"/nowhere"_s, u"3333-4444"_s));
         QCOMPARE(volumeIdentity(folder.path(), folder.path()), QString());
-        if (!QFile::exists(device))
-            QSKIP("no device is mounted here");
+        const bool isDevice = QFile::exists(device); // not within a container
         QVERIFY(link(device, u"5555-6666"_s));
-        QCOMPARE(volumeIdentity(folder.path(), folder.path()), u"5555-6666"_s);
+        QCOMPARE(volumeIdentity(folder.path(), folder.path()), isDevice ? u"5555-6666"_s : QString());
     }
 };
 
