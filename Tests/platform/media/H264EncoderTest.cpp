@@ -195,15 +195,6 @@ private Q_SLOTS:
         QCOMPARE_LT(rate.nextQp(false), 24);
     }
 
-    // What is heavy for a minute spoils no more than two seconds of what follows.
-    void theRateForgets()
-    {
-        RateController rate(bitRate, frameRate);
-        averageRate(rate, 50e6, 1, 0, 60);
-        averageRate(rate, 60e3, 3, 0, 2);
-        QCOMPARE_LT(rate.nextQp(false), 30);
-    }
-
     // As good as the bit rate makes what stays, in a few steps, and then no better.
     void picturesThatStaySettle()
     {
