@@ -48,7 +48,7 @@ class CommandLine(DesktopTestCase):
         self.assertIn("录制：未开始", program.run("status").stdout)
 
         hotkeys = {key["action"]: key for key in program.do("hotkeys")["hotkeys"]}
-        self.assertEqual((hotkeys["recordToggle"]["active"], hotkeys["recordToggle"]["display"]), (True, "⌃⌥0"))
+        self.assertEqual((hotkeys["recordToggle"]["active"], hotkeys["recordToggle"]["display"]), (True, "Ctrl+Alt+0"))
         self.assertEqual(hotkeys["screenshot"]["problem"], "此版本没有该功能")
 
         nowhere = program.run("show", "nowhere")

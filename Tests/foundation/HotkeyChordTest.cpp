@@ -24,13 +24,16 @@ private Q_SLOTS:
 
     void displays()
     {
-        const std::pair<HotkeyChord, QString> texts[] = {{{}, u"未设置"_s},
-                                                         {{29, 0x1b00}, u"⌃⌥⇧⌘0"_s},
-                                                         {{105, 0}, u"F13"_s},
-                                                         {{0, HotkeyChord::cmdKey}, u"⌘A"_s},
-                                                         {{200, HotkeyChord::cmdKey}, u"⌘键 200"_s}};
-        for (const auto &[chord, text] : texts)
-            QCOMPARE(chord.displayText(), text);
+        const std::tuple<HotkeyChord, QString, QString> texts[] = {
+            {{}, u"未设置"_s, u"未设置"_s},
+            {{29, 0x1b00}, u"⌃⌥⇧⌘0"_s, u"Ctrl+Alt+Shift+Super+0"_s},
+            {{105, 0}, u"F13"_s, u"PrtSc"_s},
+            {{0, HotkeyChord::cmdKey}, u"⌘A"_s, u"Super+A"_s},
+            {{200, HotkeyChord::cmdKey}, u"⌘键 200"_s, u"Super+键 200"_s}};
+        for (const auto &[chord, symbols, words] : texts) {
+            QCOMPARE(chord.displayText(KeyNotation::symbols), symbols);
+            QCOMPARE(chord.displayText(KeyNotation::words), words);
+        }
     }
 };
 

@@ -98,11 +98,15 @@ bool HotkeyManager::handleCapturedKey(const KeyPress &press)
     if (!valid || chord.isEmpty()) {
         if (isModifierKeyCode(press.keyCode))
             return true; // the chord is still being built
-        refuse(action == HotkeyAction::screenshot ? u"无效按键，请重试（Esc 取消）"_s
-                                                  : u"无效：必须带 ⌃ / ⌥ / ⇧ / ⌘ 至少一个修饰键"_s);
+        refuse(action == HotkeyAction::screenshot
+                   ? u"无效按键，请重试（Esc 取消）"_s
+                   : u"无效：必须带 %1 至少一个修饰键"_s.arg(modifierNames(_ports.notation)));
         return true;
     }
-    take(action, chord);
+    if (const auto free = checkConflict(action, chord); free)
+        take(action, chord);
+    else
+        refuse(free.error().message);
     return true;
 }
 
@@ -112,9 +116,15 @@ void HotkeyManager::cancelCapture()
         endCapture();
 }
 
-void HotkeyManager::resetToDefault(HotkeyAction action)
+Result<void> HotkeyManager::resetToDefault(HotkeyAction action)
 {
-    take(action, hotkeyActionInfo(action).defaultChord);
+    const HotkeyChord chord = hotkeyActionInfo(action).defaultChord;
+    const auto free = checkConflict(action, chord);
+    if (free)
+        take(action, chord);
+    else
+        _ports.beep();
+    return free;
 }
 
 void HotkeyManager::installHandler()
@@ -203,22 +213,18 @@ bool HotkeyManager::screenshotKeyPressed(const KeyPress &press)
     return true;
 }
 
-std::optional<QString> HotkeyManager::conflict(HotkeyAction action, const HotkeyChord &wanted) const
+Result<void> HotkeyManager::checkConflict(HotkeyAction action, const HotkeyChord &wanted) const
 {
     for (const HotkeyActionInfo &info : hotkeyActions()) {
         const HotkeyChord held = chord(info.action);
         if (info.action != action && !held.isEmpty() && held == wanted)
-            return info.label;
+            return failure(u"与"_s + info.label + u"冲突，请换一组"_s);
     }
-    return std::nullopt;
+    return {};
 }
 
 void HotkeyManager::take(HotkeyAction action, const HotkeyChord &chord)
 {
-    if (const auto label = conflict(action, chord)) {
-        refuse(u"与"_s + *label + u"冲突，请换一组"_s);
-        return;
-    }
     setChord(action, chord);
     _settings.set(hotkeyActionInfo(action).settingsKey, chord.toJson());
     endCapture();

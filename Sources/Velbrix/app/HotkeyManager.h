@@ -42,6 +42,7 @@ public:
         HotkeyRegistrar &registrar;
         KeyMonitor &keys;
         std::function<void()> beep;
+        KeyNotation notation = KeyNotation::symbols;
     };
 
     HotkeyManager(Ports ports, SettingsStore &settings, NotificationCenter &center, Clock &clock,
@@ -56,6 +57,8 @@ public:
     bool isAvailable(HotkeyAction action) const;
 
     HotkeyChord chord(HotkeyAction action) const;
+    // The chord as this host writes it.
+    QString chordText(HotkeyAction action) const { return chord(action).displayText(_ports.notation); }
     // Why the action's key does not work now; empty when it does.
     QString problem(HotkeyAction action) const { return problems().value(action); }
 
@@ -63,8 +66,9 @@ public:
     // A key press while capturing. True when the press belongs to the capture.
     bool handleCapturedKey(const KeyPress &press);
     void cancelCapture();
-    // The action's default chord again, unless another action holds it now.
-    void resetToDefault(HotkeyAction action);
+    // The action's default chord again. Fails when another action holds it now,
+    // with words for the user; nothing has changed then.
+    Result<void> resetToDefault(HotkeyAction action);
 
 private:
     void installHandler();
@@ -74,7 +78,7 @@ private:
     void postLater(const QString &notification);
     void hotkeyPressed(quint32 id);
     bool screenshotKeyPressed(const KeyPress &press);
-    std::optional<QString> conflict(HotkeyAction action, const HotkeyChord &chord) const;
+    Result<void> checkConflict(HotkeyAction action, const HotkeyChord &chord) const;
     void take(HotkeyAction action, const HotkeyChord &chord);
     void setChord(HotkeyAction action, const HotkeyChord &chord);
     void setProblem(HotkeyAction action, const QString &reason);

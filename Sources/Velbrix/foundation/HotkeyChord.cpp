@@ -2,7 +2,9 @@
 
 #include <QHash>
 #include <QJsonObject>
+#include <QStringList>
 
+#include <array>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -51,6 +53,34 @@ const QHash<quint32, QString> &keyNames()
     return names;
 }
 
+// What PC keyboards have printed on keys that a Mac's have not or call otherwise.
+const QHash<quint32, QString> &pcKeyNames()
+{
+    static const QHash<quint32, QString> names = {
+        {36, u"Enter"_s},  {51, u"Backspace"_s}, {71, u"NumLock"_s}, {76, u"小键盘 Enter"_s},
+        {105, u"PrtSc"_s}, {107, u"ScrLk"_s},    {113, u"Pause"_s},  {114, u"Insert"_s},
+        {115, u"Home"_s},  {116, u"PgUp"_s},     {117, u"Delete"_s}, {119, u"End"_s},
+        {121, u"PgDn"_s},
+    };
+    return names;
+}
+
+struct Modifier {
+    quint32 bit;
+    QString symbol;
+    QString word;
+};
+
+// In the order in which they are written.
+const std::array<Modifier, 4> &modifierTable()
+{
+    static const std::array<Modifier, 4> table = {{{HotkeyChord::controlKey, u"⌃"_s, u"Ctrl"_s},
+                                                   {HotkeyChord::optionKey, u"⌥"_s, u"Alt"_s},
+                                                   {HotkeyChord::shiftKey, u"⇧"_s, u"Shift"_s},
+                                                   {HotkeyChord::cmdKey, u"⌘"_s, u"Super"_s}}};
+    return table;
+}
+
 } // namespace
 
 QJsonValue HotkeyChord::toJson() const
@@ -69,20 +99,26 @@ std::optional<HotkeyChord> HotkeyChord::fromJson(const QJsonValue &value)
     return HotkeyChord{*keyCode, *modifiers};
 }
 
-QString HotkeyChord::displayText() const
+QString HotkeyChord::displayText(KeyNotation notation) const
 {
     if (isEmpty())
         return u"未设置"_s;
+    const bool isInWords = notation == KeyNotation::words;
     QString text;
-    if (modifiers & controlKey)
-        text += u'⌃';
-    if (modifiers & optionKey)
-        text += u'⌥';
-    if (modifiers & shiftKey)
-        text += u'⇧';
-    if (modifiers & cmdKey)
-        text += u'⌘';
-    return text + keyNames().value(keyCode, u"键 %1"_s.arg(keyCode));
+    for (const Modifier &modifier : modifierTable()) {
+        if (modifiers & modifier.bit)
+            text += isInWords ? modifier.word + u'+' : modifier.symbol;
+    }
+    const QString name = keyNames().value(keyCode, u"键 %1"_s.arg(keyCode));
+    return text + (isInWords ? pcKeyNames().value(keyCode, name) : name);
+}
+
+QString modifierNames(KeyNotation notation)
+{
+    QStringList names;
+    for (const Modifier &modifier : modifierTable())
+        names << (notation == KeyNotation::words ? modifier.word : modifier.symbol);
+    return names.join(u" / "_s);
 }
 
 bool isModifierKeyCode(quint32 keyCode)

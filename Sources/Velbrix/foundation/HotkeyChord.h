@@ -8,6 +8,12 @@
 
 namespace velbrix {
 
+// How shortcuts are written for the user.
+enum class KeyNotation {
+    symbols, // "⌃⌥0", as on a Mac
+    words,   // "Ctrl+Alt+0", as on PC keyboards, whose Print key is F13 here
+};
+
 // A keyboard shortcut in the product's own numbering, the same on every host:
 // macOS virtual key codes and the Carbon modifier mask. Both zero: no shortcut.
 struct HotkeyChord {
@@ -25,9 +31,12 @@ struct HotkeyChord {
     QJsonValue toJson() const;
     // Empty unless the value is an object with both numbers in range.
     static std::optional<HotkeyChord> fromJson(const QJsonValue &value);
-    // "⌃⌥0", "F13"; "未设置" for the empty chord.
-    QString displayText() const;
+    // "未设置" for the empty chord.
+    QString displayText(KeyNotation notation) const;
 };
+
+// The four modifiers: "⌃ / ⌥ / ⇧ / ⌘".
+QString modifierNames(KeyNotation notation);
 
 // Command, Shift, Option, Control on either side, Caps Lock and Fn.
 bool isModifierKeyCode(quint32 keyCode);

@@ -365,7 +365,7 @@ private Q_SLOTS:
     void saysWhyThereIsNoHotkey()
     {
         QCOMPARE(errorText(HotkeyHost(true).hold({200, HotkeyChord::controlKey})),
-                 u"当前键盘上没有 ⌃键 200"_s);
+                 u"当前键盘上没有 Ctrl+键 200"_s);
         X11HotkeyRegistrar registrar(nullptr);
         QCOMPARE(errorText(registrar.installHandler({})), u"当前会话不是 X11，无法使用全局快捷键"_s);
         QVERIFY(!registrar.registerHotkey(controlOptionD, 1));

@@ -63,14 +63,15 @@ CommandReply hotkeys(HotkeyManager &manager)
     QJsonArray list;
     for (const HotkeyActionInfo &info : hotkeyActions()) {
         const HotkeyChord chord = manager.chord(info.action);
+        const QString text = manager.chordText(info.action);
         const QString problem =
             manager.isAvailable(info.action) ? manager.problem(info.action) : u"此版本没有该功能"_s;
-        lines << u"%1  %2  %3"_s.arg(info.label, chord.displayText(),
+        lines << u"%1  %2  %3"_s.arg(info.label, text,
                                      problem.isEmpty() ? u"有效"_s : u"未生效：%1"_s.arg(problem));
         list.append(QJsonObject{{u"action"_s, info.name},
                                 {u"keyCode"_s, static_cast<qint64>(chord.keyCode)},
                                 {u"modifiers"_s, static_cast<qint64>(chord.modifiers)},
-                                {u"display"_s, chord.displayText()},
+                                {u"display"_s, text},
                                 {u"active"_s, problem.isEmpty()},
                                 {u"problem"_s, problem}});
     }

@@ -41,18 +41,24 @@ ShortcutField::ShortcutField(const Theme &theme, HotkeyManager &hotkeys, HotkeyA
 
     connect(_chord, &QPushButton::clicked, this, &ShortcutField::press);
     connect(_reset, &QPushButton::clicked, this, [this] {
-        _hotkeys.resetToDefault(_action);
-        _resetRefused = !_hotkeys.captureHint().isEmpty();
+        const auto reset = _hotkeys.resetToDefault(_action);
+        _refusal = reset ? QString() : reset.error().message;
         refresh();
     });
     const auto again = [this] { refresh(); };
-    for (const auto signal :
-         {&HotkeyManager::captureTargetChanged, &HotkeyManager::captureHintChanged,
-          &HotkeyManager::problemsChanged, &HotkeyManager::recordToggleHotkeyChanged,
-          &HotkeyManager::hideDesktopIconsHotkeyChanged, &HotkeyManager::hideDockHotkeyChanged,
-          &HotkeyManager::windowSwitcherHotkeyChanged, &HotkeyManager::screenshotHotkeyChanged,
-          &HotkeyManager::clipboardHistoryHotkeyChanged})
+    for (const auto signal : {&HotkeyManager::captureTargetChanged, &HotkeyManager::captureHintChanged,
+                              &HotkeyManager::problemsChanged})
         connect(&hotkeys, signal, this, again);
+    // The conflict may have gone with the other chord.
+    const auto anew = [this] {
+        _refusal = QString();
+        refresh();
+    };
+    for (const auto signal :
+         {&HotkeyManager::recordToggleHotkeyChanged, &HotkeyManager::hideDesktopIconsHotkeyChanged,
+          &HotkeyManager::hideDockHotkeyChanged, &HotkeyManager::windowSwitcherHotkeyChanged,
+          &HotkeyManager::screenshotHotkeyChanged, &HotkeyManager::clipboardHistoryHotkeyChanged})
+        connect(&hotkeys, signal, this, anew);
     refresh();
 }
 
@@ -63,7 +69,7 @@ bool ShortcutField::isCapturing() const
 
 void ShortcutField::press()
 {
-    _resetRefused = false;
+    _refusal = QString();
     if (isCapturing())
         _hotkeys.cancelCapture();
     else
@@ -83,6 +89,7 @@ void ShortcutField::hideEvent(QHideEvent *event)
 {
     if (isCapturing())
         _hotkeys.cancelCapture();
+    _refusal = QString();
     QWidget::hideEvent(event);
 }
 
@@ -90,19 +97,19 @@ void ShortcutField::refresh()
 {
     const bool capturing = isCapturing();
     const HotkeyChord chord = _hotkeys.chord(_action);
-    const QString text = capturing ? u"按下新快捷键"_s : chord.displayText();
+    const QString text = capturing ? u"按下新快捷键"_s : _hotkeys.chordText(_action);
     _chord->setText(text);
     _chord->setAccessibleName(u"%1：%2"_s.arg(hotkeyActionInfo(_action).label, text));
     setLook(_chord, "capturing", capturing);
     _reset->setVisible(!capturing && chord != hotkeyActionInfo(_action).defaultChord);
-    _resetRefused = _resetRefused && !_hotkeys.captureHint().isEmpty();
 
     const QString problem = _hotkeys.problem(_action);
-    if (capturing || _resetRefused) {
+    if (capturing) {
         _hint->setText(_hotkeys.captureHint());
         setLook(_hint, "role", _hotkeys.isCaptureRefused() ? u"warning"_s : u"note"_s);
     } else {
-        _hint->setText(problem.isEmpty() ? QString() : u"未生效："_s + problem);
+        const QString unused = problem.isEmpty() ? QString() : u"未生效："_s + problem;
+        _hint->setText(_refusal.isEmpty() ? unused : _refusal);
         setLook(_hint, "role", u"warning"_s);
     }
     _hint->setVisible(!_hint->text().isEmpty());

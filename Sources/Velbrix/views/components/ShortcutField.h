@@ -32,7 +32,7 @@ private:
     QPushButton *_chord;
     QPushButton *_reset;
     QLabel *_hint;
-    bool _resetRefused = false; // the hint belongs to this field
+    QString _refusal; // why the default chord cannot be had
 };
 
 } // namespace velbrix

@@ -20,7 +20,7 @@ QString keyWords(const HotkeyManager &hotkeys, HotkeyAction action)
 {
     if (!hotkeys.isAvailable(action))
         return {};
-    const QString chord = hotkeys.chord(action).displayText();
+    const QString chord = hotkeys.chordText(action);
     const QString problem = hotkeys.problem(action);
     return problem.isEmpty() ? u"快捷键 %1"_s.arg(chord) : u"快捷键 %1 未生效：%2"_s.arg(chord, problem);
 }

@@ -181,18 +181,18 @@ X11HotkeyRegistrar::registerHotkey(const HotkeyChord &chord, quint32 id)
 {
     if (!_grabs)
         return std::unexpected(HotkeyFailure{0, u"当前会话不是 X11，无法使用全局快捷键"_s});
+    const QString name = chord.displayText(KeyNotation::words);
     const KeyCodes &codes = _keyboard->codes();
     const auto state = codes.modifiersToX(chord.modifiers);
     const Grab grab{id, codes.toX(chord.keyCode), state.value_or(0), codes.lockCombinations()};
     if (!state || grab.keycodes.isEmpty())
-        return std::unexpected(HotkeyFailure{XCB_VALUE, u"当前键盘上没有 "_s + chord.displayText()});
+        return std::unexpected(HotkeyFailure{XCB_VALUE, u"当前键盘上没有 "_s + name});
     if (_grabs->isOurs(grab))
-        return std::unexpected(HotkeyFailure{XCB_ACCESS, chord.displayText() + u" 已用于另一项功能"_s});
+        return std::unexpected(HotkeyFailure{XCB_ACCESS, name + u" 已用于另一项功能"_s});
     if (const int status = _grabs->add(grab); status != 0) {
-        return std::unexpected(
-            HotkeyFailure{status, status == XCB_ACCESS
-                                      ? chord.displayText() + u" 已被其他程序占用"_s
-                                      : u"系统拒绝了 %1（错误 %2）"_s.arg(chord.displayText()).arg(status)});
+        return std::unexpected(HotkeyFailure{
+            status, status == XCB_ACCESS ? name + u" 已被其他程序占用"_s
+                                         : u"系统拒绝了 %1（错误 %2）"_s.arg(name).arg(status)});
     }
     return std::make_unique<Registration>(_grabs, id);
 }
