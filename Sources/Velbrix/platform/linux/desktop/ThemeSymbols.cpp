@@ -138,6 +138,9 @@ ThemeSymbols::ThemeSymbols()
 
 QIcon ThemeSymbols::icon(const QString &symbolName) const
 {
+    // The sidebar's are drawn for its size, all with one weight of line.
+    if (const QString own = u":/symbols/%1.svg"_s.arg(symbolName); QFile::exists(own))
+        return QIcon(own);
     const auto it = iconNames().constFind(symbolName);
     if (it == iconNames().cend())
         return {};
