@@ -222,6 +222,17 @@ private Q_SLOTS:
         rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
         rig.toggleRecording();
         QVERIFY(rig.banners().last().startsWith(u"录制已保存|"_s));
+        rig.services->toasts.clear();
+        rig.toggleRecording();
+        rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
+        rig.host.screenCapture.session()->observer.streamStopped(Failure{u"窗口已关闭"_s});
+        settle();
+        QCOMPARE(rig.banners().size(), 1);
+        QVERIFY(rig.banners().last().startsWith(u"录制提前结束，已录的部分保存好了|窗口已关闭："_s));
+        rig.services->toasts.clear();
+        rig.services->recordingActions.toggleQuickly();
+        rig.toggleRecording(); // the key pressed twice
+        QCOMPARE(rig.banners(), QStringList{u"录制已取消|没有留下文件。"_s});
         rig.host.settings.failsWith = u"磁盘已满"_s;
         rig.services->settings.set(u"x"_s, 1);
         rig.clock.advance(1s);

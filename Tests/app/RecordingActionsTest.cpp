@@ -1,4 +1,4 @@
-#include "support/FakePlatform.h"
+#include "support/CommandRig.h"
 
 namespace {
 
@@ -33,6 +33,25 @@ private Q_SLOTS:
         rig.actions.toggleFromPanel();
         settle();
         QVERIFY(rig.recorder.isRecording());
+    }
+
+    void theCommandLineAsksForMoreThanThePanel()
+    {
+        Rig rig;
+        rig.services->privacy.grant(PrivacyConsentKind::screenRecording);
+        const auto says = [&](const QString &options) {
+            return words(ask(*rig.services, rig.clock, u"record start "_s + options));
+        };
+        QCOMPARE(says(u"--window 7 --display 1"_s), u"1 --window 与 --display 只能用一个"_s);
+        QCOMPARE(says(u"--window x"_s), u"1 窗口编号不对，可用 record list-windows 查看：x"_s);
+        QCOMPARE(says(u"--window 7"_s), u"1 窗口已经不在了，请刷新后重新选择"_s);
+        QCOMPARE(says(u"--display 2"_s), u"1 没有编号为 2 的显示器（共 1 块）"_s);
+        QCOMPARE(says(u"--fps 61"_s), u"1 帧率只能是 30、60、90、120、240"_s);
+        QCOMPARE(says(u"--quality 4k"_s), u"1 画质只能是 original、half、1080p"_s);
+        QVERIFY(says(u"--display 1 --fps 30 --quality half"_s).startsWith(u"0 已开始录制："));
+        const StreamConfiguration stream = rig.host.screenCapture.nextSession->configuration;
+        QCOMPARE((QList{stream.framesPerSecond, stream.width, stream.queueDepth}), (QList{30, 960, 3}));
+        QCOMPARE(rig.recorder.preferences().fpsOption(), RecordFPS::fps60);
     }
 
     void theMicrophoneNeedsConsentAndPermission()

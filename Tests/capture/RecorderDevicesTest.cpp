@@ -79,9 +79,24 @@ private Q_SLOTS:
     void microphoneForTheStream()
     {
         Rig rig;
-        QCOMPARE(rig.devices.microphoneForCapture(), std::nullopt);
-        rig.devices.selectMicrophone(u"in-42"_s); // no stream can take it
-        QCOMPARE(rig.devices.microphoneForCapture(), std::nullopt);
+        const QString otherwise = u"，使用系统默认麦克风"_s;
+        const std::pair<QString, CaptureMicrophone> rows[] = {
+            {{}, {}},
+            {u"mic"_s, {u"mic"_s}},
+            {u"in-42"_s, {{}, u"所选麦克风不能用于录制"_s + otherwise + u"：Microphone"_s}},
+            {u"gone"_s, {{}, u"所选麦克风不在"_s + otherwise + u"：Microphone"_s}}};
+        for (const auto &[id, microphone] : rows) {
+            rig.devices.selectMicrophone(id);
+            QCOMPARE(rig.devices.microphoneForCapture(), microphone);
+        }
+        rig.host.audioDevices.microphonesAnswer = QList<AudioDeviceItem>{};
+        rig.host.audioDevices.changed();
+        settle();
+        QCOMPARE(rig.devices.microphoneForCapture().problem, u"所选麦克风不在"_s + otherwise);
+        rig.host.audioDevices.speakersAnswer = failure(u"声音服务没有了"_s);
+        rig.host.audioDevices.changed();
+        settle();
+        QCOMPARE(rig.devices.microphoneForCapture(), CaptureMicrophone{u"gone"_s});
     }
 };
 

@@ -1,5 +1,6 @@
 #include "capture/RecorderPreferences.h"
 
+#include "capture/RecordingFile.h"
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 
@@ -64,7 +65,7 @@ private Q_SLOTS:
             QCOMPARE(p.fpsOption(), RecordFPS::fps60);
             QCOMPARE(p.qualityOption(), RecordQuality::original);
             QVERIFY(p.recordSystemAudio());
-            QCOMPARE(p.outputDir(), QDir::homePath() + u"/Desktop"_s);
+            QCOMPARE(p.outputDir(), desktopFolder());
             p.setOutputDir(p.outputDir()); // no change is not stored
             QCOMPARE(rig.saved(), stored);
         }

@@ -25,16 +25,43 @@ private Q_SLOTS:
     {
         QTemporaryDir home;
         qputenv("HOME", home.path().toUtf8());
+        qunsetenv("XDG_CONFIG_HOME");
         QVERIFY(checkOutputFolder(home.path()));
-        // The Desktop is made, any other folder is not.
-        QVERIFY(checkOutputFolder(home.filePath(u"Desktop"_s)));
-        QVERIFY(QDir(home.filePath(u"Desktop"_s)).exists());
+        // The desktop's folder is made, whatever the user calls it; any other is not.
+        for (const QString &name : {u"Desktop"_s, u"桌面"_s}) {
+            QCOMPARE(desktopFolder(), home.filePath(name));
+            QVERIFY(checkOutputFolder(home.filePath(name)));
+            QVERIFY(QDir(home.filePath(name)).exists());
+            QVERIFY(QDir(home.path()).mkpath(u".config"_s));
+            writeFile(home.filePath(u".config/user-dirs.dirs"_s), "XDG_DESKTOP_DIR=\"$HOME/桌面\"\n");
+        }
         const QString missing = home.filePath(u"gone"_s);
         QCOMPARE(checkOutputFolder(missing).error().message, u"输出目录不存在，请重新选择："_s + missing);
         QVERIFY(!QDir(missing).exists());
 
         const QString file = writeFile(home.filePath(u"file"_s));
         QCOMPARE(checkOutputFolder(file).error().message, u"输出目录不是文件夹，请重新选择："_s + file);
+    }
+
+    void renames()
+    {
+        QTemporaryDir folder;
+        writeFile(folder.filePath(u"有了.mp4"_s));
+        const std::pair<QString, QString> rows[] = {{u" 会议 1.5 "_s, u"会议 1.5.mp4"_s},
+                                                    {u"a.MP4"_s, u"a.MP4"_s},
+                                                    {u"录制"_s, u"录制.mp4"_s},
+                                                    {u" "_s, u"请输入名称"_s},
+                                                    {u"a/b"_s, u"名称不能以点开头，也不能包含 / 或换行"_s},
+                                                    {u".a"_s, u"名称不能以点开头，也不能包含 / 或换行"_s},
+                                                    {QString(84, u'长'), u"名称太长"_s},
+                                                    {u"有了"_s, u"这里已经有“有了.mp4”"_s}};
+        for (const auto &[name, outcome] : rows) {
+            const QString before = writeFile(folder.filePath(u"录制.mp4"_s), "movie");
+            const auto renamed = renameMovie(before, name);
+            QCOMPARE(renamed ? QFileInfo(*renamed).fileName() : renamed.error().message, outcome);
+            QCOMPARE(readFile(renamed.value_or(before)), QByteArray("movie"));
+        }
+        QCOMPARE(readFile(folder.filePath(u"有了.mp4"_s)), QByteArray("x"));
     }
 
     void refusesAReadOnlyFolder()

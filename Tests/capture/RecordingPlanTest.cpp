@@ -42,6 +42,18 @@ private Q_SLOTS:
         row("long window is capped", window, original, {{8000, 400}, 1, full}, {3840, 192});
     }
 
+    void displays()
+    {
+        const ShareableContent content{{{3, {}, false}, {4, {}, true}}, {}};
+        const std::tuple<std::optional<quint32>, std::optional<quint32>> rows[] = {{{}, 4}, {3, 3}, {5, {}}};
+        for (const auto &[wanted, shown] : rows) {
+            RecordingRequest request;
+            request.displayId = wanted;
+            const auto filter = recordingFilter(request, content, 1);
+            QCOMPARE(filter.has_value() ? std::optional(filter->displayId) : std::nullopt, shown);
+        }
+    }
+
     void bitRates()
     {
         using enum RecordQuality;

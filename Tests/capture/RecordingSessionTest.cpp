@@ -5,6 +5,8 @@
 
 namespace {
 
+using Kind = RecordingOutcome::Kind;
+
 CapturableWindow window(quint32 id, const QString &title, qint64 pid = 1)
 {
     return {id, title, u"App"_s, {}, pid, {0, 0, 801, 601}};
@@ -69,8 +71,9 @@ private Q_SLOTS:
             rig.lines(),
             (QStringList{u"已恢复上次录制配置"_s, u"====== 开始录制 ======"_s,
                          u"模式=全屏录制 fps=60 画质=原画 忽略本应用窗口=true 系统音频=true 麦克风=true"_s,
-                         u"✅ 屏幕权限已授予（CGPreflight=true）"_s, u"[1/6] 获取可共享内容…"_s,
-                         u"[1/6] ✅ 显示器:1 窗口:3"_s, u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
+                         u"✅ 屏幕权限已授予（CGPreflight=true）"_s, u"扬声器 1 个 / 麦克风 1 个"_s,
+                         u"[1/6] 获取可共享内容…"_s, u"[1/6] ✅ 显示器:1 窗口:3"_s,
+                         u"[2/6] ✅ 全屏 displayID=1 排除本应用窗口=1"_s,
                          u"[3/6] 捕获像素 1920x1080 原画 60fps 系统音频=true 麦克风=true"_s,
                          u"[4/6] ✅ 捕获流已创建 queueDepth=5"_s,
                          u"写入器就绪 1920x1080 sysAudio=true mic=true"_s,
@@ -124,28 +127,46 @@ private Q_SLOTS:
         RecordLiveUI &live = rig.recorder.log().live();
         QCOMPARE(live.frameCountUI(), 120);
         QCOMPARE(live.elapsedSeconds(), 2);
+        QTRY_COMPARE(live.fileSize(), 20'000); // measured on a thread
         rig.stop();
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
         QCOMPARE(rig.linesSinceItRuns(),
                  (QStringList{u"停止录制 mode=manual 视频帧=120 系统音频=0 麦克风=0"_s, u"stopCapture 完成"_s,
                               u"✅ 可播放 duration=5.00 录制_20260301_090000.mp4 size=20000"_s}));
-        QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
-        QCOMPARE(rig.session.lastFailure(), QString());
+        const RecordingOutcome saved{Kind::saved, {}, rig.path, 5, 20'000};
+        QCOMPARE(rig.session.outcome(), saved);
         QVERIFY(!rig.state->alive);
         rig.clock.advance(1h);
         // Only the write of the settings was left.
         QCOMPARE(rig.clock.pendingCount(), standingAlarms);
     }
 
-    void aStopFollowsTheStartAndASecondOneIsIgnored()
+    void whatEndsDuringItsStartLeavesNothing()
+    {
+        for (const QString &why : {QString(), u"窗口已关闭"_s}) {
+            Rig rig;
+            rig.state->startDelay = 100ms;
+            rig.start();
+            if (why.isEmpty())
+                rig.stop();
+            else
+                rig.host.screenCapture.session()->observer.streamStopped(Failure{why});
+            rig.clock.advance(1s);
+            QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
+            QVERIFY(rig.state->calls.contains(u"stopCapture"_s) && !rig.state->alive);
+            QVERIFY(!QFile::exists(rig.path));
+            QVERIFY(!rig.services->settings.contains(u"Velbrix_ScreenRecord_unfinishedFiles"_s));
+            const RecordingOutcome outcome{why.isEmpty() ? Kind::calledOff : Kind::failed, why};
+            QCOMPARE(rig.session.outcome(), outcome);
+        }
+    }
+
+    void aSecondStopIsIgnored()
     {
         Rig rig;
-        rig.state->startDelay = rig.state->stopDelay = 100ms;
+        rig.state->stopDelay = 100ms;
         rig.start();
         rig.stop();
-        QVERIFY(!rig.state->calls.contains(u"stopCapture"_s));
-        rig.clock.advance(100ms);
-        QVERIFY(rig.state->calls.contains(u"stopCapture"_s));
         rig.stop();
         QVERIFY(rig.recorder.isRecording());
         rig.clock.advance(1s);
@@ -221,6 +242,8 @@ private Q_SLOTS:
             rig.start();
             QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
             QCOMPARE(rig.lines().last(), u"❌ 没有找到显示器"_s);
+            const RecordingOutcome failed{Kind::failed, u"没有找到显示器"_s};
+            QCOMPARE(rig.session.outcome(), failed);
             QVERIFY(!QFile::exists(rig.path));
             QVERIFY(!rig.services->settings.contains(u"Velbrix_ScreenRecord_unfinishedFiles"_s));
 
@@ -230,7 +253,7 @@ private Q_SLOTS:
             rig.recorder.start();
             settle();
             QVERIFY(rig.recorder.isRecording());
-            QCOMPARE(rig.session.lastFailure(), QString());
+            QCOMPARE(rig.session.outcome(), RecordingOutcome());
         }
     }
 
@@ -272,7 +295,9 @@ private Q_SLOTS:
         QCOMPARE(rig.linesSinceItRuns().first(2),
                  (QStringList{u"⚠️ 麦克风已断开"_s, u"❌ 流异常停止:窗口已关闭"_s}));
         QVERIFY(rig.lines().contains(u"stopCapture 警告:已断开"_s));
-        QCOMPARE(rig.session.finishedMovie(), std::optional(rig.path));
+        const RecordingOutcome cutShort{Kind::cutShort, u"窗口已关闭"_s, rig.path, 5, 20'000};
+        QCOMPARE(rig.session.outcome(), cutShort);
+        QCOMPARE(rig.recorder.log().live().warning(), u"麦克风已断开"_s);
     }
 
     void endings()
@@ -284,21 +309,50 @@ private Q_SLOTS:
         const QString full = u"磁盘已满"_s;
         const auto noAnswer = failure(u"x"_s);
         const MovieFacts plays{true, 5, true, 1};
+        const QString slip = u"录制不到半秒，没有保留文件"_s;
         const struct {
             int frames;
             std::optional<QString> finish; // why it fails
             Result<MovieFacts> facts;
             bool isKept;
+            QString outcome;
             QStringList lines; // the last ones
-        } rows[] = {{3, QString(), MovieFacts{}, false, {u"❌ finishWriting 失败:unknown"_s, gone}},
-                    {3, full, plays, true, {u"❌ finishWriting 失败:磁盘已满"_s, good}},
-                    {0, {}, MovieFacts{}, false, {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, gone}},
-                    {3, {}, MovieFacts{true, 5, false, 2}, true, {good, u"no video, audioTracks=2"_s}},
-                    {3, {}, noAnswer, true, {bad, unknown}},
-                    {3, full, noAnswer, true, {u"❌ finishWriting 失败:磁盘已满"_s, bad, unknown}}};
-        for (const auto &[frames, finish, facts, isKept, lines] : rows) {
+            std::chrono::milliseconds lasted = 1s;
+        } rows[] = {
+            {3,
+             QString(),
+             MovieFacts{},
+             false,
+             u"3 影片没有写完"_s,
+             {u"❌ finishWriting 失败:unknown"_s, gone}},
+            {3,
+             full,
+             plays,
+             true,
+             u"2 影片没有写完：磁盘已满"_s,
+             {u"❌ finishWriting 失败:磁盘已满"_s, good}},
+            {0,
+             {},
+             MovieFacts{},
+             false,
+             u"3 没有录到画面"_s,
+             {u"❌ 手动写入失败: frames=0 sessionStarted=false"_s, gone}},
+            {3, {}, MovieFacts{true, 5, false, 2}, true, u"1 "_s, {good, u"no video, audioTracks=2"_s}},
+            {3, {}, noAnswer, true, u"3 x，文件已保留"_s, {bad, unknown}},
+            {3, {}, MovieFacts{}, true, u"3 影片不能播放，文件已保留"_s, {bad, u"no video, audioTracks=0"_s}},
+            {3,
+             full,
+             noAnswer,
+             true,
+             u"3 影片没有写完：磁盘已满"_s,
+             {u"❌ finishWriting 失败:磁盘已满"_s, bad, unknown}},
+            {3, {}, MovieFacts{true, 0.3, true, 0}, false, u"4 "_s, {slip}, 499ms},
+            {3, {}, noAnswer, true, u"3 x，文件已保留"_s, {bad, unknown}, 499ms},
+            {3, full, MovieFacts{true, 0.3, true, 0}, true, u"2 影片没有写完：磁盘已满"_s, {}, 499ms}};
+        for (const auto &[frames, finish, facts, isKept, outcome, lines, lasted] : rows) {
             Rig rig;
             rig.start(frames);
+            rig.clock.advance(lasted);
             if (finish)
                 rig.state->refused[u"finishWriting"_s] = *finish;
             rig.host.movieFiles.facts = facts;
@@ -306,6 +360,9 @@ private Q_SLOTS:
             QVERIFY(!rig.recorder.isRecording());
             QCOMPARE(rig.lines().last(lines.size()), lines);
             QCOMPARE(QFile::exists(rig.path), isKept);
+            const RecordingOutcome told = rig.session.outcome();
+            QCOMPARE(u"%1 %2"_s.arg(static_cast<int>(told.kind)).arg(told.reason), outcome);
+            QCOMPARE(!told.file.isEmpty(), isKept);
         }
     }
 

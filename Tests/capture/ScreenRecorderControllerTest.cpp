@@ -27,7 +27,7 @@ private Q_SLOTS:
         Rig rig;
         const auto refusal = [&] {
             rig.start();
-            const QString reason = rig.recorder.session().lastFailure();
+            const QString reason = rig.recorder.session().outcome().reason;
             return rig.lines().last() == u"❌ "_s + reason ? reason : QString();
         };
         rig.preferences.setRecordMode(RecordMode::window);
@@ -53,7 +53,7 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.preferences.setRecordMode(RecordMode::window);
-        rig.recorder.startFullScreen();
+        rig.recorder.start({.mode = RecordMode::fullScreen});
         settle();
         QVERIFY(rig.recorder.isRecording());
         QCOMPARE(rig.preferences.recordMode(), RecordMode::window);
@@ -78,6 +78,20 @@ private Q_SLOTS:
         QVERIFY(other.host.audioDevices.calls.filter(u"setDefaultSpeaker"_s).isEmpty());
     }
 
+    void anAbsentMicrophoneIsNamed()
+    {
+        Rig rig;
+        rig.host.permissions.microphoneStatus = AuthorizationStatus::authorized;
+        rig.preferences.setRecordMicrophone(true);
+        rig.preferences.setSelectedMicrophoneID(u"gone"_s);
+        rig.start();
+        QVERIFY(rig.recorder.isRecording());
+        const QString told = u"所选麦克风不在，使用系统默认麦克风：Microphone"_s;
+        QVERIFY(rig.lines().contains(u"⚠️ "_s + told));
+        QCOMPARE(rig.recorder.log().live().warning(), told);
+        QCOMPARE(rig.host.screenCapture.nextSession->configuration.microphoneDeviceId, std::nullopt);
+    }
+
     void oneStartAtATime()
     {
         Rig rig;
@@ -98,7 +112,8 @@ private Q_SLOTS:
         rig.recorder.stop();
         rig.clock.advance(1s);
         QVERIFY(!rig.recorder.isRecording() && !rig.recorder.isProcessing());
-        QVERIFY(rig.host.screenCapture.nextSession->calls.contains(u"stopCapture"_s));
+        QVERIFY(rig.recorder.session().outcome().kind == RecordingOutcome::Kind::calledOff);
+        QVERIFY(!rig.host.screenCapture.calls.contains(u"makeSession"_s));
     }
 
     void permissions()

@@ -72,6 +72,9 @@ class CommandLine(DesktopTestCase):
         extra = [target[0]["width"] - 320, target[0]["height"] - 240]
         self.assertEqual(extra, self.frame_around(window))
 
+        display, = program.do("record", "list-displays")["displays"]
+        self.assertEqual([display[name] for name in ("number", "main", "width", "height")], [1, True, 1280, 800])
+
         devices = program.do("record", "list-devices")
         self.assertEqual([(device["name"], device["default"]) for device in devices["speakers"]],
                          [("Speaker", True), ("Mic", False)])
@@ -97,10 +100,21 @@ class CommandLine(DesktopTestCase):
         self.assertEqual((stopped["file"], stopped["bytes"]), (started["file"], os.path.getsize(started["file"])))
         self.assertFalse(program.status()["recording"])
 
+        target = self.color_window("目标", "FF0000", 100, 100, 320, 240)
+        listed, = [window for window in program.do("record", "list-windows")["windows"] if window["title"] == "目标"]
+        program.do("record", "start", "--window", listed["id"], "--fps", "30", "--quality", "half")
+        program.wait_for_recording(1)
+        output_of("wmctrl", "-i", "-c", hex(target))
+        streams, _ = movie.probe(program.wait_for_movie())
+        half = [int(listed[side]) // 2 & ~1 for side in ("width", "height")]
+        self.assertEqual([streams["video"][side] for side in ("width", "height")], half)
+        self.assertIn("窗口", program.status()["endedEarly"])
+        self.assertNotIn("lastFailure", program.status())
+
         self.assertTrue(program.do("record", "toggle")["recording"])
         program.wait_for_recording(1)
         self.assertFalse(program.do("record", "toggle")["recording"])
-        self.assertEqual(len(list(self.movies.iterdir())), 2)
+        self.assertEqual(len(list(self.movies.iterdir())), 3)
 
     def test_wallpaper(self):
         self.write_settings(ACCEPTED)

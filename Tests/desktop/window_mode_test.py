@@ -66,7 +66,7 @@ class WindowMode(DesktopTestCase):
         # Wider than before fits into the old size with black above and below.
         self.assert_red(self.color_at(made, 5.5, 200, 170))
         self.assertLess(max(self.color_at(made, 5.5, 200, 10)), 40)
-        self.assertIn("窗口", self.program.status()["lastFailure"])
+        self.assertIn("窗口", self.program.status()["endedEarly"])
 
     def test_a_window_gone_before_the_start(self):
         self.start_with_target()

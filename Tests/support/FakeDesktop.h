@@ -67,7 +67,7 @@ public:
     bool reducedMotion = false;
     bool darkTheme = false;
     std::optional<QString> revealFailure;
-    QStringList calls; // "accessory", "presence", "end", "activate", "beep", "reveal …"
+    QStringList calls; // "accessory", "presence", "end", "activate", "beep", "reveal …", "open …"
 
     void setAccessoryPresence() override { calls << u"accessory"_s; }
     void resetPresence() override { calls << u"presence"_s; }
@@ -83,6 +83,12 @@ public:
         if (!QFileInfo(folder).isDir())
             return failure(u"文件夹不存在："_s + folder);
         return {};
+    }
+
+    Result<void> openFile(const QString &path) override
+    {
+        calls << u"open "_s + path;
+        return QFileInfo(path).isFile() ? Result<void>() : failure(u"文件不存在："_s + path);
     }
 
     bool hasTrayHost() const override { return trayHost; }

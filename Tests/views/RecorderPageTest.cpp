@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QJsonArray>
+#include <QLineEdit>
 #include <QListView>
 
 namespace {
@@ -41,6 +42,7 @@ private Q_SLOTS:
         const auto text = [&] { return rig.text(u"recordToggle"_s).trimmed(); };
         QCOMPARE(text(), u"开始录制"_s);
         QVERIFY(!rig.find(u"recordBadge"_s));
+        QCOMPARE(rig.text(u"recordStatus"_s), u"按 Ctrl+Alt+0 可随时录制全屏"_s);
         rig.click(u"recordToggle"_s);
         QCOMPARE(text(), u"正在启动…"_s);
         QVERIFY(rig.isEnabled(u"recordToggle"_s)); // it may be called off
@@ -48,7 +50,11 @@ private Q_SLOTS:
         QCOMPARE(text(), u"停止录制"_s);
         rig.recorder().log().live().setProgress(1234, 3723);
         QCOMPARE(rig.text(u"recordElapsed"_s), u"1:02:03"_s);
-        QCOMPARE(rig.text(u"recordFrames"_s), u"1234 帧"_s);
+        rig.recorder().log().live().setFileSize(3'400'000);
+        QCOMPARE(rig.text(u"recordSize"_s), u"3.4 MB"_s);
+        QCOMPARE(rig.text(u"recordStatus"_s), u"按 Ctrl+Alt+0 停止"_s);
+        rig.recorder().log().warn(u"麦克风已断开"_s);
+        QCOMPARE(rig.text(u"recordStatus"_s), u"麦克风已断开"_s);
         rig.click(u"recordToggle"_s);
         QCOMPARE(text(), u"正在保存…"_s);
         QVERIFY(!rig.isEnabled(u"recordToggle"_s));
@@ -143,6 +149,55 @@ private Q_SLOTS:
         rig.host.desktop.revealFailure = u"没有可用的文件管理器"_s;
         rig.click(u"outputDirReveal"_s);
         QCOMPARE(rig.services->toasts.visible().first().body, u"没有可用的文件管理器"_s);
+    }
+
+    void theFinishedMovieIsAtHand()
+    {
+        Rig rig;
+        rig.consentTo(PrivacyConsentKind::screenRecording);
+        rig.host.screenCapture.nextSession->onOpen = [](const QString &movie) {
+            writeFile(movie, QByteArray(3'400'000, 'x'));
+        };
+        rig.open();
+        rig.click(u"recordToggle"_s);
+        rig.host.screenCapture.session()->ledger().noteWrittenFrame(0);
+        rig.clock.advance(1s);
+        rig.host.screenCapture.session()->observer.streamStopped(Failure{u"窗口已关闭"_s});
+        QVERIFY(rig.untilFound(u"playMovie"_s));
+        const auto shown = [&] { return rig.texts(u"recordResult"_s); };
+        QCOMPARE(shown(), (QStringList{u"录制提前结束，已录的部分保存好了"_s, u"录制_20260301_090000.mp4"_s,
+                                       u"0:05 · 3.4 MB"_s, u"窗口已关闭"_s}));
+        QVERIFY(!rig.find(u"recordFailure"_s));
+        QVERIFY(rig.until([&] { return !rig.recorder().finished().thumbnail().isNull(); }));
+        const auto isOpened = [&](const QString &name) {
+            return rig.until(
+                [&] { return rig.host.desktop.calls.last() == u"open "_s + rig.files.filePath(name); });
+        };
+        QTest::mouseClick(rig.find(u"movieTile"_s), Qt::LeftButton);
+        QVERIFY(isOpened(u"录制_20260301_090000.mp4"_s));
+
+        rig.click(u"renameMovie"_s);
+        rig.find<QLineEdit>(u"movieName"_s)->setText(u"丢掉"_s);
+        rig.key(Qt::Key_Escape);
+        rig.click(u"renameMovie"_s);
+        rig.find<QLineEdit>(u"movieName"_s)->setText(u"会议"_s);
+        rig.key(Qt::Key_Return);
+        QVERIFY(rig.until([&] { return shown().contains(u"会议.mp4"_s); }));
+        rig.click(u"playMovie"_s);
+        QVERIFY(isOpened(u"会议.mp4"_s));
+
+        rig.click(u"trashMovie"_s);
+        QVERIFY(rig.untilFound(u"putBackMovie"_s));
+        QVERIFY(shown().contains(u"已移到废纸篓"_s) && !rig.find(u"playMovie"_s));
+        QVERIFY(!QFile::exists(rig.files.filePath(u"会议.mp4"_s)));
+        rig.click(u"putBackMovie"_s);
+        QVERIFY(rig.untilFound(u"playMovie"_s));
+
+        QVERIFY(QFile::remove(rig.files.filePath(u"会议.mp4"_s)));
+        rig.click(u"playMovie"_s);
+        QVERIFY(rig.until([&] { return shown().contains(u"文件不在原处，可能已被改名、移走或删除"_s); }));
+        QVERIFY(!rig.find(u"playMovie"_s) && !rig.find(u"trashMovie"_s));
+        QVERIFY(rig.find(u"revealMovie"_s));
     }
 
     void leftovers()

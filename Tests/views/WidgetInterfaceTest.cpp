@@ -92,7 +92,7 @@ private Q_SLOTS:
             }
         }
         QVERIFY2(light > 20 && dark > 20, qPrintable(u"%1 light, %2 dark"_s.arg(light).arg(dark)));
-        rig.services->recorder.startFullScreen();
+        rig.services->recorder.start();
         QTRY_VERIFY(rig.services->recorder.isRecording());
         QVERIFY(!item.picture().isMask()); // a template would lose the red
         QVERIFY(picture().pixelColor(26, 26).red() > 200 && picture().pixelColor(26, 26).green() < 100);
@@ -109,7 +109,7 @@ private Q_SLOTS:
         WindowRig rig;
         rig.host.screenCapture.nextSession->stopDelay = 1s;
         rig.open(u"recorder"_s);
-        rig.services->recorder.startFullScreen();
+        rig.services->recorder.start();
         QTRY_VERIFY(rig.services->recorder.isRecording());
         QVERIFY(rig.isEnabled(u"recorderPage"_s));
         rig.delegate->quitApp();

@@ -63,8 +63,9 @@ AppServices::AppServices(Platform &host, Clock &time)
                     const std::lock_guard guard(powerLock);
                     return _background;
                 }),
-      recorder({*host.screenCapture, *host.audioDevices, *host.movieFiles, *host.permissions}, settings,
-               time),
+      recorder({*host.screenCapture, *host.audioDevices, *host.movieFiles, *host.permissions,
+                *host.mediaProbe, *host.trash},
+               settings, time),
       privacy(*host.permissions, *host.notifications, settings, time),
       hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); },
                host.family == HostFamily::macos ? KeyNotation::symbols : KeyNotation::words},

@@ -15,9 +15,10 @@ RecordingActions::RecordingActions(ScreenRecorderController &recorder, PrivacyMa
 {
 }
 
-void RecordingActions::startFromPanel()
+void RecordingActions::startFromPanel(const RecordingWishes &wishes)
 {
-    guarded(featurePrivacyNotice(PrivacyConsentKind::screenRecording), [this] { _recorder.start(); });
+    guarded(featurePrivacyNotice(PrivacyConsentKind::screenRecording),
+            [this, wishes] { _recorder.start(wishes); });
 }
 
 void RecordingActions::toggleFromPanel()
@@ -29,7 +30,7 @@ void RecordingActions::toggleFromPanel()
 void RecordingActions::toggleQuickly()
 {
     if (!stopIfRunning())
-        guarded(quickRecordingNotice(), [this] { _recorder.startFullScreen(); });
+        guarded(quickRecordingNotice(), [this] { _recorder.start({.mode = RecordMode::fullScreen}); });
 }
 
 void RecordingActions::setSystemAudio(bool on)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "capture/RecordingPlan.h"
+
 #include <QObject>
 
 #include <functional>
@@ -20,7 +22,7 @@ public:
 
     // Nothing is recorded before the first launch's statement is accepted:
     // then these only ask for the statement.
-    void startFromPanel();
+    void startFromPanel(const RecordingWishes &wishes = {});
     // Stops a recording, or starts one in the panel's mode.
     void toggleFromPanel();
     // Stops a recording, or starts one of the whole screen.

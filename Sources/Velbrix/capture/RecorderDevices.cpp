@@ -93,12 +93,21 @@ QString RecorderDevices::routeToSelectedSpeaker()
     return speaker->name;
 }
 
-std::optional<QString> RecorderDevices::microphoneForCapture() const
+CaptureMicrophone RecorderDevices::microphoneForCapture() const
 {
     const QString id = _preferences.selectedMicrophoneID();
-    if (id.isEmpty() || id.startsWith(u"in-"))
-        return std::nullopt;
-    return id;
+    if (id.isEmpty())
+        return {};
+    const QList<AudioDeviceItem> microphones = _microphoneDevices;
+    const bool canRecord = !id.startsWith(u"in-");
+    // A list that could not be read says nothing about the device.
+    if (canRecord && (find(microphones, id) || !_problem.value().isEmpty()))
+        return {id};
+    const auto other = std::ranges::find(microphones, true, &AudioDeviceItem::isDefault);
+    const QString reason = canRecord ? u"所选麦克风不在"_s : u"所选麦克风不能用于录制"_s;
+    if (other == microphones.end())
+        return {{}, reason + u"，使用系统默认麦克风"_s};
+    return {{}, reason + u"，使用系统默认麦克风："_s + other->name};
 }
 
 QCoro::Task<> RecorderDevices::switchSpeaker(AudioDeviceItem speaker)

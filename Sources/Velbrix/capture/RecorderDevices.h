@@ -11,6 +11,14 @@ namespace velbrix {
 class RecorderLog;
 class RecorderPreferences;
 
+// The microphone that a stream takes.
+struct CaptureMicrophone {
+    std::optional<QString> id; // absent: the system's default one
+    QString problem = {};      // why it is not the selected one, in words for the user; else empty
+
+    bool operator==(const CaptureMicrophone &) const = default;
+};
+
 // The speakers and microphones to choose from. A selection whose device is
 // gone is kept in the settings and comes back with the device.
 class RecorderDevices final : public QObject {
@@ -34,9 +42,8 @@ public:
     // Switches the system to the selected speaker, when it is present.
     // Answers its name, empty when there is none to switch to.
     QString routeToSelectedSpeaker();
-    // For the stream: the chosen one, if it is of a kind that can be recorded
-    // from. Whether it is present the host finds out.
-    std::optional<QString> microphoneForCapture() const;
+    // The selected one if it is present and of a kind that can be recorded from.
+    CaptureMicrophone microphoneForCapture() const;
 
 Q_SIGNALS:
     void refreshed();

@@ -1,5 +1,7 @@
 #include "capture/RecorderLog.h"
 
+using namespace Qt::StringLiterals;
+
 namespace velbrix {
 
 void RecorderLog::append(const QString &line)
@@ -10,6 +12,12 @@ void RecorderLog::append(const QString &line)
         lines.remove(0, lines.size() - capacity);
     _logLines = lines;
     _live.setStatusMessage(line);
+}
+
+void RecorderLog::warn(const QString &text)
+{
+    append(u"⚠️ "_s + text);
+    _live.setWarning(text);
 }
 
 void RecorderLog::clear()

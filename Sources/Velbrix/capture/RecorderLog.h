@@ -14,6 +14,9 @@ class RecordLiveUI final : public QObject {
     VELB_PUBLISHED(RecordLiveUI, QString, statusMessage)
     VELB_PUBLISHED(RecordLiveUI, int, frameCountUI, 0)
     VELB_PUBLISHED(RecordLiveUI, int, elapsedSeconds, 0)
+    VELB_PUBLISHED(RecordLiveUI, qint64, fileSize, 0) // bytes
+    // What the recording lacks, in words for the user; empty while all is well.
+    VELB_PUBLISHED(RecordLiveUI, QString, warning)
 
 public:
     using QObject::QObject;
@@ -23,6 +26,15 @@ public:
     {
         _frameCountUI = frameCount;
         _elapsedSeconds = elapsedSeconds;
+    }
+    void setFileSize(qint64 bytes) { _fileSize = bytes; }
+    void setWarning(const QString &text) { _warning = text; }
+    // For a new recording.
+    void reset()
+    {
+        setProgress(0, 0);
+        setFileSize(0);
+        setWarning({});
     }
 };
 
@@ -39,6 +51,8 @@ public:
 
     RecordLiveUI &live() { return _live; }
     void append(const QString &line);
+    // A line that the live display shows as well.
+    void warn(const QString &text);
     void clear();
 
 private:

@@ -1,5 +1,6 @@
 #include "capture/RecorderPreferences.h"
 
+#include "capture/RecordingFile.h"
 #include "foundation/SettingsStore.h"
 
 #include <QDir>
@@ -37,7 +38,7 @@ std::optional<QString> folder(const std::optional<QString> &stored)
 RecorderPreferences::RecorderPreferences(SettingsStore &settings, QObject *parent)
     : QObject(parent), _settings(settings)
 {
-    _outputDir = QDir::homePath() + u"/Desktop"_s;
+    _outputDir = desktopFolder();
 }
 
 void RecorderPreferences::loadSettings()

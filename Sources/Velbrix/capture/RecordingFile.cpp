@@ -3,8 +3,12 @@
 #include "foundation/Text.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QStorageInfo>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -24,10 +28,15 @@ QString recordingFileName(const QDateTime &start)
     return start.toString(u"'录制_'yyyyMMdd_HHmmss'.mp4'"_s);
 }
 
+QString desktopFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+}
+
 Result<void> checkOutputFolder(const QString &folder)
 {
     const QFileInfo info(folder);
-    if (!info.exists() && folder == QDir::homePath() + u"/Desktop"_s)
+    if (!info.exists() && folder == desktopFolder())
         QDir().mkpath(folder);
     const QFileInfo now(folder);
     if (!now.exists())
@@ -43,6 +52,32 @@ Result<void> checkOutputFolder(const QString &folder)
         return failure(u"磁盘空间不足：剩余 %1，至少需要 %2"_s.arg(formatByteCount(storage.bytesAvailable()),
                                                                    formatByteCount(leastFreeBytes)));
     return {};
+}
+
+Result<QString> renameMovie(const QString &path, const QString &name)
+{
+    constexpr qsizetype longestName = 255; // bytes, on every common file system
+    const QFileInfo file(path);
+    const QString extension = u'.' + file.suffix();
+    QString wanted = name.trimmed();
+    if (!wanted.endsWith(extension, Qt::CaseInsensitive))
+        wanted += extension;
+    if (wanted.size() == extension.size())
+        return failure(u"请输入名称"_s);
+    const auto isControl = [](QChar character) { return character.category() == QChar::Other_Control; };
+    if (wanted.contains(u'/') || wanted.startsWith(u'.') || std::ranges::any_of(wanted, isControl))
+        return failure(u"名称不能以点开头，也不能包含 / 或换行"_s);
+    if (QFile::encodeName(wanted).size() > longestName)
+        return failure(u"名称太长"_s);
+    if (wanted == file.fileName())
+        return path;
+    const QString renamed = file.dir().filePath(wanted);
+    if (QFileInfo::exists(renamed) || QFileInfo(renamed).isSymLink())
+        return failure(u"这里已经有“%1”"_s.arg(wanted));
+    QFile movie(path);
+    if (!movie.rename(renamed))
+        return failure(u"没有改名：%1"_s.arg(movie.errorString()));
+    return renamed;
 }
 
 MovieVerdict judgeMovie(const MovieFacts &facts, const QString &fileName, qint64 bytes, bool systemMode)

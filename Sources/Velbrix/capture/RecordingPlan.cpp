@@ -30,10 +30,14 @@ QList<quint32> ownWindows(const QList<CapturableWindow> &windows, qint64 ownProc
     return own;
 }
 
-const CapturableDisplay &mainDisplay(const QList<CapturableDisplay> &displays)
+std::optional<quint32> display(std::optional<quint32> wanted, const QList<CapturableDisplay> &displays)
 {
+    if (wanted) {
+        const auto found = std::ranges::find(displays, *wanted, &CapturableDisplay::displayId);
+        return found == displays.end() ? std::nullopt : wanted;
+    }
     const auto main = std::ranges::find(displays, true, &CapturableDisplay::isMain);
-    return main == displays.end() ? displays.first() : *main;
+    return main == displays.end() ? displays.first().displayId : main->displayId;
 }
 
 int rounded(double value)
@@ -88,7 +92,10 @@ Result<CaptureFilter> recordingFilter(const RecordingRequest &request, const Sha
                                       qint64 ownProcessId)
 {
     CaptureFilter filter;
-    filter.displayId = mainDisplay(content.displays).displayId;
+    const auto shown = display(request.displayId, content.displays);
+    if (!shown)
+        return failure(u"显示器已经不在了"_s);
+    filter.displayId = *shown;
     if (request.mode == RecordMode::fullScreen) {
         filter.excludesOwnWindows = request.ignoreSelfWindows;
         if (request.ignoreSelfWindows)

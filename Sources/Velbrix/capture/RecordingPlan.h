@@ -10,6 +10,17 @@
 
 namespace velbrix {
 
+// What one start wants otherwise than the panel says.
+struct RecordingWishes {
+    std::optional<RecordMode> mode = {};
+    std::optional<RecordFPS> fps = {};
+    std::optional<RecordQuality> quality = {};
+    std::optional<quint32> windowId = {};  // in window mode
+    std::optional<quint32> displayId = {}; // in full-screen mode
+
+    bool operator==(const RecordingWishes &) const = default;
+};
+
 // What one recording was asked for. All that follows from it and from what the
 // host tells is settled by the functions below, before anything is started.
 struct RecordingRequest {
@@ -20,12 +31,13 @@ struct RecordingRequest {
     bool systemAudio = true;
     bool microphone = false;
     std::optional<QString> microphoneDeviceId;
-    std::optional<quint32> windowId; // in window mode
+    std::optional<quint32> windowId;  // in window mode
+    std::optional<quint32> displayId; // in full-screen mode; otherwise the main display
     QString outputDir;
 };
 
-// The chosen window, or the main display without our own windows when they
-// are to be ignored. `content` has at least one display.
+// The chosen window, or the display without our own windows when they are to
+// be ignored. `content` has at least one display.
 Result<CaptureFilter> recordingFilter(const RecordingRequest &request, const ShareableContent &content,
                                       qint64 ownProcessId);
 

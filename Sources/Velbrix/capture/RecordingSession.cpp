@@ -7,10 +7,12 @@
 #include "foundation/Log.h"
 
 #include <QCoreApplication>
+#include <QCoroFuture>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
 #include <utility>
@@ -28,6 +30,8 @@ constexpr auto systemEndLimit = 10'000ms;
 constexpr auto progressInterval = 500ms;
 // A movie on a disk that does not answer must not hold the recorder up.
 constexpr auto inspectionLimit = 3000ms;
+// What is shorter was a second press of the key by mistake.
+constexpr auto shortestRecording = 500ms;
 
 QString filterText(const CaptureFilter &filter, const ShareableContent &content)
 {
@@ -77,9 +81,16 @@ void RecordingSession::stop()
 
 void RecordingSession::refuse(const QString &reason)
 {
-    _lastFailure = QString();
-    _finishedMovie = std::optional<QString>();
-    fail(reason);
+    _cause = QString();
+    _outcome = RecordingOutcome();
+    fail(reason, reason);
+    _outcome = failed();
+}
+
+void RecordingSession::noteCalledOff()
+{
+    _log.append(u"已取消录制"_s);
+    _outcome = RecordingOutcome{.kind = RecordingOutcome::Kind::calledOff};
 }
 
 QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
@@ -90,25 +101,43 @@ QCoro::Task<> RecordingSession::runStart(RecordingRequest request)
     _usingSystemRecorder = false;
     _systemFinished = false;
     _systemFailed.reset();
-    _finishedMovie = std::optional<QString>();
-    _lastFailure = QString();
-    _log.live().setProgress(0, 0);
+    _cause = QString();
+    _outcome = RecordingOutcome();
 
     const auto begun = co_await takeSixSteps(request);
     if (!self)
         co_return;
-    _isProcessing = false;
     if (!begun) {
-        fail(begun.error().message);
+        fail(begun.error().message, begun.error().message);
         abandon();
-        co_return;
+        _outcome = failed();
+    } else if (_stopWanted) {
+        co_await callOff();
+        if (!self)
+            co_return;
+    } else {
+        _log.append(u"✅ startCapture 成功"_s);
+        _startedAt = _clock.uptime();
+        _isRecording = true;
+        _progress = _clock.every(progressInterval, [this] { showProgress(); });
     }
-    _log.append(u"✅ startCapture 成功"_s);
-    _startedAt = _clock.uptime();
-    _isRecording = true;
-    _progress = _clock.every(progressInterval, [this] { showProgress(); });
-    if (_stopWanted)
-        stop();
+    _isProcessing = false;
+}
+
+// Whatever was recorded during the start, nobody asked for it.
+QCoro::Task<> RecordingSession::callOff()
+{
+    const QPointer self(this);
+    if (_stream) {
+        (void)co_await _stream->stopCapture();
+        if (!self)
+            co_return;
+    }
+    abandon();
+    if (_cause.isEmpty())
+        noteCalledOff();
+    else
+        _outcome = failed();
 }
 
 QCoro::Task<Result<void>> RecordingSession::takeSixSteps(RecordingRequest request)
@@ -119,6 +148,8 @@ QCoro::Task<Result<void>> RecordingSession::takeSixSteps(RecordingRequest reques
     _log.append(u"[1/6] 获取可共享内容…"_s);
     const auto content = co_await _capture.shareableContent();
     if (!self)
+        co_return {};
+    if (_stopWanted)
         co_return {};
     if (!content)
         co_return std::unexpected(content.error());
@@ -224,17 +255,15 @@ CaptureObserver RecordingSession::observer()
 {
     CaptureObserver observer;
     observer.streamStopped = [this](const Failure &reason) {
-        _log.append(u"❌ 流异常停止:"_s + reason.message);
-        if (_lastFailure.value().isEmpty())
-            _lastFailure = reason.message;
+        fail(u"流异常停止:"_s + reason.message, reason.message);
         // What has been written is worth keeping.
         stop();
     };
-    observer.warning = [this](const QString &text) { _log.append(u"⚠️ "_s + text); };
+    observer.warning = [this](const QString &text) { _log.warn(text); };
     observer.recordingStarted = [this] { _log.append(u"✅ SCRecordingOutput 开始写文件"_s); };
     observer.recordingFailed = [this](const Failure &reason) {
         _systemFailed = reason;
-        _log.append(u"❌ SCRecordingOutput 失败:"_s + reason.message);
+        fail(u"SCRecordingOutput 失败:"_s + reason.message, reason.message);
         Q_EMIT systemEnded();
         // Nothing more reaches the file; what has is worth keeping.
         stop();
@@ -252,6 +281,7 @@ QCoro::Task<> RecordingSession::runStop()
     const QPointer self(this);
     _stopInProgress = true;
     _isProcessing = true;
+    const auto lasted = elapsed();
     showProgress();
     _progress.reset();
     const CaptureCounters counters = _stream->ledger().counters();
@@ -272,10 +302,11 @@ QCoro::Task<> RecordingSession::runStop()
         co_await finishManualFile();
     if (!self)
         co_return;
-    co_await validate();
+    const RecordingOutcome outcome = co_await validate(lasted);
     if (!self)
         co_return;
     clear();
+    _outcome = outcome;
     _isRecording = false;
     _isProcessing = false;
     _stopInProgress = false;
@@ -291,7 +322,7 @@ QCoro::Task<> RecordingSession::finishSystemFile()
     _log.append(removed ? u"removeRecordingOutput 完成（stop 之后）"_s
                         : u"removeRecordingOutput 忽略:"_s + removed.error().message);
     if (_systemFailed)
-        fail(u"系统录制失败:"_s + _systemFailed->message);
+        fail(u"系统录制失败:"_s + _systemFailed->message, _systemFailed->message);
 }
 
 QCoro::Task<bool> RecordingSession::systemEnd()
@@ -311,51 +342,62 @@ QCoro::Task<> RecordingSession::finishManualFile()
     const CaptureCounters counters = _stream->ledger().counters();
     if (!counters.sessionStarted) {
         fail(u"手动写入失败: frames=%1 sessionStarted=%2"_s.arg(counters.writtenFrameCount)
-                 .arg(log::text(counters.sessionStarted)));
+                 .arg(log::text(counters.sessionStarted)),
+             u"没有录到画面"_s);
         QFile::remove(path);
         co_return;
     }
     if (finished)
         co_return;
     const QString reason = finished.error().message;
-    fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason));
+    fail(u"finishWriting 失败:"_s + (reason.isEmpty() ? u"unknown"_s : reason),
+         reason.isEmpty() ? u"影片没有写完"_s : u"影片没有写完："_s + reason);
     // What plays in spite of the failure, or may play, is not ours to remove.
     const auto facts = co_await inspect(path);
     if (self && facts && !facts->isPlayable)
         QFile::remove(path);
 }
 
-QCoro::Task<> RecordingSession::validate()
+QCoro::Task<RecordingOutcome> RecordingSession::validate(std::chrono::milliseconds lasted)
 {
     const QPointer self(this);
     const auto path = _outputURL.value();
-    if (!path) {
-        fail(u"无输出路径"_s);
-        co_return;
-    }
-    if (!QFileInfo::exists(*path)) {
-        _unfinished.end(*path);
-        fail(u"输出文件不存在"_s);
-        co_return;
+    if (!path || !QFileInfo::exists(*path)) {
+        const QString line = path ? u"输出文件不存在"_s : u"无输出路径"_s;
+        if (path)
+            _unfinished.end(*path);
+        fail(line, line);
+        co_return failed();
     }
     const auto facts = co_await inspect(*path);
     if (!self)
-        co_return;
+        co_return {};
     const QFileInfo file(*path);
     const MovieVerdict verdict =
         judgeMovie(facts.value_or(MovieFacts{}), file.fileName(), file.size(), _usingSystemRecorder);
-    if (verdict.isGood)
-        _log.append(u"✅ "_s + verdict.text);
-    else
-        fail(verdict.text);
+    _log.append((verdict.isGood ? u"✅ "_s : u"❌ "_s) + verdict.text);
     if (!facts)
         _log.append(u"校验没有结果，文件保留：%1"_s.arg(facts.error().message));
     else if (!facts->hasVideo)
         _log.append(u"no video, audioTracks=%1"_s.arg(facts->audioTracks));
+    const bool wasSlip = _cause.isEmpty() && lasted < shortestRecording;
+    if (facts && wasSlip && facts->duration < std::chrono::duration<double>(shortestRecording).count()) {
+        _log.append(u"录制不到半秒，没有保留文件"_s);
+        discard(*path);
+        co_return RecordingOutcome{.kind = RecordingOutcome::Kind::calledOff};
+    }
     if (facts && facts->isPlayable)
         _unfinished.end(*path);
+    RecordingOutcome outcome = verdict.isGood ? RecordingOutcome{} : failed();
     if (verdict.isGood)
-        _finishedMovie = path;
+        outcome.kind = _cause.isEmpty() ? RecordingOutcome::Kind::saved : RecordingOutcome::Kind::cutShort;
+    outcome.reason = _cause;
+    if (!verdict.isGood && _cause.isEmpty())
+        outcome.reason = facts ? u"影片不能播放，文件已保留"_s : facts.error().message + u"，文件已保留"_s;
+    outcome.file = *path;
+    outcome.duration = facts ? facts->duration : 0;
+    outcome.bytes = file.size();
+    co_return outcome;
 }
 
 QCoro::Task<Result<MovieFacts>> RecordingSession::inspect(QString path)
@@ -366,22 +408,30 @@ QCoro::Task<Result<MovieFacts>> RecordingSession::inspect(QString path)
     co_return *inspected;
 }
 
-void RecordingSession::fail(const QString &message)
+void RecordingSession::fail(const QString &line, const QString &words)
 {
-    _log.append(u"❌ "_s + message);
-    // The first cause explains the others.
-    if (_lastFailure.value().isEmpty())
-        _lastFailure = message;
+    _log.append(u"❌ "_s + line);
+    if (_cause.isEmpty())
+        _cause = words;
+}
+
+RecordingOutcome RecordingSession::failed() const
+{
+    return {.kind = RecordingOutcome::Kind::failed, .reason = _cause};
+}
+
+void RecordingSession::discard(const QString &path)
+{
+    QFile::remove(path);
+    _unfinished.end(path);
 }
 
 void RecordingSession::abandon()
 {
     _stream.reset();
     // Nothing was shown to the user yet, so an empty or torn beginning is only litter.
-    if (const auto path = _outputURL.value()) {
-        QFile::remove(*path);
-        _unfinished.end(*path);
-    }
+    if (const auto path = _outputURL.value())
+        discard(*path);
     clear();
 }
 
@@ -395,9 +445,25 @@ void RecordingSession::clear()
 
 void RecordingSession::showProgress()
 {
-    const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(_clock.uptime() - _startedAt);
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed());
     _log.live().setProgress(_stream->ledger().counters().writtenFrameCount,
-                            static_cast<int>(elapsed.count()));
+                            static_cast<int>(seconds.count()));
+    if (const auto path = _outputURL.value(); path && !_isMeasuring)
+        measureFile(*path);
+}
+
+// On a thread: a disk that does not answer must not hold the window up.
+QCoro::Task<> RecordingSession::measureFile(QString path)
+{
+    const QPointer self(this);
+    _isMeasuring = true;
+    const QFuture<qint64> measured = QtConcurrent::run([path] { return QFileInfo(path).size(); });
+    const qint64 bytes = co_await measured;
+    if (!self)
+        co_return;
+    _isMeasuring = false;
+    if (_outputURL.value() == path)
+        _log.live().setFileSize(bytes);
 }
 
 } // namespace velbrix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/RecordingFile.h"
 #include "capture/RecordingPlan.h"
 #include "foundation/Clock.h"
 #include "foundation/Published.h"
@@ -24,10 +25,7 @@ class RecordingSession final : public QObject {
     VELB_PUBLISHED(RecordingSession, bool, isRecording, false)
     VELB_PUBLISHED(RecordingSession, bool, isProcessing, false) // a start or a stop is under way
     VELB_PUBLISHED(RecordingSession, std::optional<QString>, outputURL)
-    // The movie of the last recording if it is good, for "show in folder".
-    VELB_PUBLISHED(RecordingSession, std::optional<QString>, finishedMovie)
-    // What the last recording failed of first; empty when all went well.
-    VELB_PUBLISHED(RecordingSession, QString, lastFailure)
+    VELB_PUBLISHED(RecordingSession, RecordingOutcome, outcome) // of the last one, set once when it has ended
 
 public:
     RecordingSession(ScreenCapture &capture, MovieFiles &movies, UnfinishedRecordings &unfinished,
@@ -36,10 +34,11 @@ public:
 
     // The checks before it are the caller's. Ignored while one is under way.
     void start(const RecordingRequest &request);
-    // Ignored while a stop is in progress; during a start it follows the start.
+    // Ignored while a stop is in progress; during a start it calls the start off.
     void stop();
-    // Notes that a start was refused before it began.
+    // Notes that a start was refused, or called off, before it began.
     void refuse(const QString &reason);
+    void noteCalledOff();
 
 Q_SIGNALS:
     // The system has completed its movie, or failed with it.
@@ -50,6 +49,7 @@ private:
     // The six steps, each a line in the log. After a failure something may be
     // left to abandon.
     QCoro::Task<Result<void>> takeSixSteps(RecordingRequest request);
+    QCoro::Task<> callOff();
     void openFile(const QString &path);
     Result<void> chooseWriter(const RecordingRequest &request, const MovieSettings &movie);
     Result<void> openWriter(const MovieSettings &movie);
@@ -61,12 +61,17 @@ private:
     QCoro::Task<> finishSystemFile();
     QCoro::Task<bool> systemEnd();
     QCoro::Task<> finishManualFile();
-    QCoro::Task<> validate();
+    QCoro::Task<RecordingOutcome> validate(std::chrono::milliseconds lasted);
     QCoro::Task<Result<MovieFacts>> inspect(QString path);
-    void fail(const QString &message);
+    // The line goes to the log; the words tell the user unless an earlier cause does.
+    void fail(const QString &line, const QString &words);
+    RecordingOutcome failed() const;
+    void discard(const QString &path);
     void abandon();
     void clear();
+    std::chrono::milliseconds elapsed() const { return _clock.uptime() - _startedAt; }
     void showProgress();
+    QCoro::Task<> measureFile(QString path);
 
     ScreenCapture &_capture;
     MovieFiles &_movies;
@@ -80,8 +85,10 @@ private:
     bool _usingSystemRecorder = false;
     bool _systemFinished = false;
     std::optional<Failure> _systemFailed;
+    QString _cause; // the first thing that went wrong; it explains the others
     bool _stopInProgress = false;
     bool _stopWanted = false; // asked for while starting
+    bool _isMeasuring = false;
 };
 
 } // namespace velbrix

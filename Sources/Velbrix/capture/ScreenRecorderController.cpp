@@ -16,7 +16,8 @@ ScreenRecorderController::ScreenRecorderController(Ports ports, SettingsStore &s
       _devices(ports.audio, _preferences, _log),
       _windows(ports.capture, _log),
       _unfinished(settings, ports.movies, _log),
-      _session(ports.capture, ports.movies, _unfinished, clock, _log)
+      _session(ports.capture, ports.movies, _unfinished, clock, _log),
+      _finished(_session, ports.probe, ports.trash)
 {
     connect(&_session, &RecordingSession::isProcessingChanged, this, [this] {
         if (!_session.isProcessing())
@@ -50,14 +51,10 @@ void ScreenRecorderController::setUp()
     _unfinished.findLeftovers();
 }
 
-void ScreenRecorderController::start()
+void ScreenRecorderController::start(const RecordingWishes &wishes)
 {
-    startIn(_preferences.recordMode());
-}
-
-void ScreenRecorderController::startFullScreen()
-{
-    startIn(RecordMode::fullScreen);
+    if (!_isStarting && !_session.isRecording() && !_session.isProcessing())
+        runStart(request(wishes));
 }
 
 QString ScreenRecorderController::trayTitle() const
@@ -65,68 +62,90 @@ QString ScreenRecorderController::trayTitle() const
     return isRecording() ? u"停止当前录制"_s : u"开始录制（全屏）"_s;
 }
 
-QCoro::Task<> ScreenRecorderController::startIn(RecordMode mode)
+QCoro::Task<> ScreenRecorderController::runStart(RecordingRequest request)
 {
-    if (_isStarting || _session.isRecording() || _session.isProcessing())
-        co_return;
     const QPointer self(this);
     _isStarting = true;
     _stopWanted = false;
+    _log.live().reset();
     _log.append(u"====== 开始录制 ======"_s);
-    _log.append(u"模式=%1 fps=%2 画质=%3 忽略本应用窗口=%4 系统音频=%5 麦克风=%6"_s.arg(rawValue(mode))
-                    .arg(framesPerSecond(_preferences.fpsOption()))
-                    .arg(rawValue(_preferences.qualityOption()), log::text(_preferences.ignoreSelfWindows()),
-                         log::text(_preferences.recordSystemAudio()),
-                         log::text(_preferences.recordMicrophone())));
+    _log.append(
+        u"模式=%1 fps=%2 画质=%3 忽略本应用窗口=%4 系统音频=%5 麦克风=%6"_s.arg(rawValue(request.mode))
+            .arg(framesPerSecond(request.fps))
+            .arg(rawValue(request.quality), log::text(request.ignoreSelfWindows),
+                 log::text(request.systemAudio), log::text(request.microphone)));
     if (!_access.hasPermission())
         co_await _access.checkPermission();
     if (!self)
         co_return;
     _access.checkMicPermission();
-    if (const QString reason = refusal(mode); !reason.isEmpty()) {
+    if (const QString reason = refusal(request); !reason.isEmpty()) {
         _session.refuse(reason);
         _isStarting = false;
         co_return;
     }
-    if (_preferences.recordSystemAudio() && !_preferences.selectedSpeakerID().isEmpty()) {
-        co_await _devices.refreshAudioDevices();
-        if (!self)
-            co_return;
-        if (const QString speaker = _devices.routeToSelectedSpeaker(); !speaker.isEmpty())
-            _log.append(u"系统音频目标扬声器:"_s + speaker);
-        else if (!_devices.speakerDevices().isEmpty())
-            _log.append(u"⚠️ 所选扬声器不在，使用系统默认输出"_s);
+    co_await chooseDevices(request.systemAudio, request.microphone);
+    if (!self)
+        co_return;
+    if (request.microphone)
+        request.microphoneDeviceId = microphone();
+    if (_stopWanted) {
+        _session.noteCalledOff();
+        _isStarting = false;
+        co_return;
     }
-    _session.start(request(mode));
-    if (_stopWanted)
-        _session.stop();
+    _session.start(request);
 }
 
-QString ScreenRecorderController::refusal(RecordMode mode) const
+QCoro::Task<> ScreenRecorderController::chooseDevices(bool speaker, bool microphone)
+{
+    const QPointer self(this);
+    const bool choosesSpeaker = speaker && !_preferences.selectedSpeakerID().isEmpty();
+    if (!choosesSpeaker && !(microphone && !_preferences.selectedMicrophoneID().isEmpty()))
+        co_return;
+    co_await _devices.refreshAudioDevices();
+    if (!self || !choosesSpeaker)
+        co_return;
+    if (const QString name = _devices.routeToSelectedSpeaker(); !name.isEmpty())
+        _log.append(u"系统音频目标扬声器:"_s + name);
+    else if (!_devices.speakerDevices().isEmpty())
+        _log.warn(u"所选扬声器不在，使用系统默认输出"_s);
+}
+
+std::optional<QString> ScreenRecorderController::microphone()
+{
+    const CaptureMicrophone chosen = _devices.microphoneForCapture();
+    if (!chosen.problem.isEmpty())
+        _log.warn(chosen.problem);
+    return chosen.id;
+}
+
+QString ScreenRecorderController::refusal(const RecordingRequest &request) const
 {
     if (!_access.hasPermission())
         return _access.screenRefusal();
-    if (mode == RecordMode::window && !_windows.selectedWindowID())
+    if (request.mode == RecordMode::window && !request.windowId)
         return u"请先选择要录制的窗口"_s;
-    if (_preferences.recordMicrophone() && !_access.hasMicPermission())
+    if (request.microphone && !_access.hasMicPermission())
         return u"需要麦克风权限才能录制麦克风"_s;
-    if (const auto folder = checkOutputFolder(_preferences.outputDir()); !folder)
+    if (const auto folder = checkOutputFolder(request.outputDir); !folder)
         return folder.error().message;
     return {};
 }
 
-RecordingRequest ScreenRecorderController::request(RecordMode mode) const
+RecordingRequest ScreenRecorderController::request(const RecordingWishes &wishes) const
 {
     RecordingRequest request;
-    request.mode = mode;
-    request.fps = _preferences.fpsOption();
-    request.quality = _preferences.qualityOption();
+    request.mode = wishes.mode.value_or(_preferences.recordMode());
+    request.fps = wishes.fps.value_or(_preferences.fpsOption());
+    request.quality = wishes.quality.value_or(_preferences.qualityOption());
     request.ignoreSelfWindows = _preferences.ignoreSelfWindows();
     request.systemAudio = _preferences.recordSystemAudio();
     request.microphone = _preferences.recordMicrophone();
-    request.microphoneDeviceId = _devices.microphoneForCapture();
-    if (const auto id = _windows.selectedWindowID())
+    request.windowId = wishes.windowId;
+    if (const auto id = _windows.selectedWindowID(); id && !request.windowId)
         request.windowId = id->toUInt();
+    request.displayId = wishes.displayId;
     request.outputDir = _preferences.outputDir();
     return request;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/FinishedRecording.h"
 #include "capture/RecorderAccess.h"
 #include "capture/RecorderDevices.h"
 #include "capture/RecorderLog.h"
@@ -29,6 +30,8 @@ public:
         AudioDevices &audio;
         MovieFiles &movies;
         Permissions &permissions;
+        MediaProbe &probe;
+        TrashCan &trash;
     };
 
     ScreenRecorderController(Ports ports, SettingsStore &settings, Clock &clock, QObject *parent = nullptr);
@@ -36,9 +39,8 @@ public:
     // One-time set-up at the start of the program.
     void setUp();
 
-    // Starts in the chosen mode, or the whole screen whatever the choice.
-    void start();
-    void startFullScreen();
+    // As the panel is set, apart from the wishes.
+    void start(const RecordingWishes &wishes = {});
     void stop();
     bool isRecording() const { return _session.isRecording(); }
     // A start or a stop is under way.
@@ -51,6 +53,7 @@ public:
     WindowCatalog &windows() { return _windows; }
     RecorderAccess &access() { return _access; }
     RecordingSession &session() { return _session; }
+    FinishedRecording &finished() { return _finished; }
     UnfinishedRecordings &unfinished() { return _unfinished; }
     RecorderLog &log() { return _log; }
     // A recording, from its start to the finished file.
@@ -59,10 +62,13 @@ public:
 private:
     Job::State jobState() const;
     void stopIfRunning();
-    QCoro::Task<> startIn(RecordMode mode);
+    QCoro::Task<> runStart(RecordingRequest request);
     // The reason that nothing may be recorded now; empty when all is well.
-    QString refusal(RecordMode mode) const;
-    RecordingRequest request(RecordMode mode) const;
+    QString refusal(const RecordingRequest &request) const;
+    QCoro::Task<> chooseDevices(bool speaker, bool microphone);
+    // The one for the stream; tells when it is not the selected one.
+    std::optional<QString> microphone();
+    RecordingRequest request(const RecordingWishes &wishes) const;
 
     RecorderLog _log;
     RecorderPreferences _preferences;
@@ -71,6 +77,7 @@ private:
     WindowCatalog _windows;
     UnfinishedRecordings _unfinished;
     RecordingSession _session;
+    FinishedRecording _finished;
     bool _stopWanted = false; // asked for before the session began
     Job _job{[this] { return jobState(); }, [this] { stopIfRunning(); }, Job::Kind::recording};
 };

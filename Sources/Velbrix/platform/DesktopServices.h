@@ -27,6 +27,9 @@ public:
     virtual void beep() = 0;
     // Shows the file selected in the file manager, or else its folder.
     virtual Result<void> revealInFolder(const QString &path) = 0;
+    // Opens the file in the program that the user has chosen for its kind. What
+    // that program makes of it is not known.
+    virtual Result<void> openFile(const QString &path) = 0;
 
     // Whether something shows tray icons at this moment, and a call whenever
     // that changes.

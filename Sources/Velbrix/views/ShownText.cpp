@@ -33,6 +33,15 @@ QString shownPath(const QString &path)
     return shortenedPath(path, QDir::homePath());
 }
 
+QString shownDuration(int seconds)
+{
+    const auto two = [](int number) { return u"%1"_s.arg(number, 2, 10, QChar(u'0')); };
+    const int minutes = seconds / 60;
+    if (minutes < 60)
+        return u"%1:%2"_s.arg(QString::number(minutes), two(seconds % 60));
+    return u"%1:%2:%3"_s.arg(QString::number(minutes / 60), two(minutes % 60), two(seconds % 60));
+}
+
 QString plainTip(const QString &text)
 {
     return Qt::mightBeRichText(text) ? text.toHtmlEscaped().replace(u'\n', u"<br>"_s) : text;

@@ -14,6 +14,8 @@ struct ViewContext {
 
     // Shows the file in the file manager; a failure is told in a banner.
     void reveal(const QString &path) const;
+    // Opens the file in the user's program for it; likewise.
+    void open(const QString &path) const;
 };
 
 } // namespace velbrix

@@ -151,6 +151,8 @@ private Q_SLOTS:
         const QString missing = u"/nowhere/at/all.mp4"_s;
         QCOMPARE(errorText(real.revealInFolder(missing)), u"文件夹不存在：/nowhere/at"_s);
         QCOMPARE(fake.revealInFolder(missing), real.revealInFolder(missing));
+        QCOMPARE(errorText(real.openFile(missing)), u"文件不存在：/nowhere/at/all.mp4"_s);
+        QCOMPARE(fake.openFile(missing), real.openFile(missing));
     }
 };
 

@@ -4,6 +4,7 @@
 #include "app/TrayController.h"
 #include "foundation/Awaitables.h"
 #include "foundation/Log.h"
+#include "foundation/Text.h"
 #include "platform/Platform.h"
 
 #include <QCoreApplication>
@@ -15,6 +16,31 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+const QString windowOption = u"--window"_s;
+const QString displayOption = u"--display"_s;
+const QString fpsOption = u"--fps"_s;
+const QString qualityOption = u"--quality"_s;
+const QString qualityNames = u"original、half、1080p"_s;
+const QString calledOff = u"录制已取消，没有留下文件"_s;
+
+QString frameRates()
+{
+    QStringList rates;
+    for (const RecordFPS fps : allRecordFPS)
+        rates << QString::number(framesPerSecond(fps));
+    return rates.join(u'、');
+}
+
+// In English or as the panel calls it.
+std::optional<RecordQuality> qualityCalled(const QString &name)
+{
+    if (name == u"original")
+        return RecordQuality::original;
+    if (name == u"half")
+        return RecordQuality::half;
+    return recordQualityFromRawValue(name);
+}
+
 QString reasonOr(const QString &reason, const QString &otherwise)
 {
     return reason.isEmpty() ? otherwise : reason;
@@ -23,22 +49,60 @@ QString reasonOr(const QString &reason, const QString &otherwise)
 CommandReply started(AppServices &services)
 {
     const RecordingSession &session = services.recorder.session();
+    const RecordingOutcome outcome = session.outcome();
+    if (outcome.kind == RecordingOutcome::Kind::calledOff)
+        return CommandReply::refusal(calledOff);
     if (!session.isRecording())
-        return CommandReply::refusal(reasonOr(session.lastFailure(), u"录制没有开始"_s));
+        return CommandReply::refusal(reasonOr(outcome.reason, u"录制没有开始"_s));
     const QString path = session.outputURL().value_or(QString());
     return {exitcode::done, u"已开始录制：%1"_s.arg(path), {{u"recording"_s, true}, {u"file"_s, path}}};
 }
 
 CommandReply stopped(AppServices &services)
 {
-    const RecordingSession &session = services.recorder.session();
-    const auto movie = session.finishedMovie();
-    if (!movie)
-        return CommandReply::refusal(reasonOr(session.lastFailure(), u"没有录下影片"_s));
-    const qint64 bytes = QFileInfo(*movie).size();
+    const RecordingOutcome outcome = services.recorder.session().outcome();
+    if (outcome.kind == RecordingOutcome::Kind::calledOff)
+        return {exitcode::done, calledOff, {{u"recording"_s, false}}};
+    if (!outcome.hasMovie())
+        return CommandReply::refusal(reasonOr(outcome.reason, u"没有录下影片"_s));
     return {exitcode::done,
-            u"已保存：%1"_s.arg(*movie),
-            {{u"recording"_s, false}, {u"file"_s, *movie}, {u"bytes"_s, bytes}}};
+            u"已保存：%1"_s.arg(outcome.file),
+            {{u"recording"_s, false}, {u"file"_s, outcome.file}, {u"bytes"_s, outcome.bytes}}};
+}
+
+// What the options say; the panel's settings stay as they are.
+Result<RecordingWishes> wishesOf(const ParsedCommand &command, const QList<Display> &displays)
+{
+    RecordingWishes wishes;
+    const auto number = [&](const QString &option) { return command.options.value(option).toUInt(); };
+    if (command.has(windowOption) && command.has(displayOption))
+        return failure(u"--window 与 --display 只能用一个"_s);
+    if (command.has(windowOption)) {
+        wishes.mode = RecordMode::window;
+        wishes.windowId = number(windowOption);
+        if (wishes.windowId == 0U)
+            return failure(u"窗口编号不对，可用 record list-windows 查看：%1"_s.arg(
+                command.options.value(windowOption)));
+    }
+    if (command.has(displayOption)) {
+        const qsizetype place = number(displayOption);
+        if (place < 1 || place > displays.size())
+            return failure(u"没有编号为 %1 的显示器（共 %2 块）"_s.arg(command.options.value(displayOption),
+                                                                       QString::number(displays.size())));
+        wishes.mode = RecordMode::fullScreen;
+        wishes.displayId = displays[place - 1].id;
+    }
+    if (command.has(fpsOption)) {
+        wishes.fps = recordFPSFromInteger(static_cast<int>(number(fpsOption)));
+        if (!wishes.fps)
+            return failure(u"帧率只能是 %1"_s.arg(frameRates()));
+    }
+    if (command.has(qualityOption)) {
+        wishes.quality = qualityCalled(command.options.value(qualityOption));
+        if (!wishes.quality)
+            return failure(u"画质只能是 %1"_s.arg(qualityNames));
+    }
+    return wishes;
 }
 
 QCoro::Task<CommandReply> start(AppServices &services, std::function<void()> act)
@@ -52,6 +116,15 @@ QCoro::Task<CommandReply> start(AppServices &services, std::function<void()> act
     while (services.recorder.isStarting())
         co_await nextSignal(services.recorder, &ScreenRecorderController::isStartingChanged);
     co_return started(services);
+}
+
+QCoro::Task<CommandReply> startAsAsked(AppServices &services, ParsedCommand command)
+{
+    const auto wishes = wishesOf(command, services.platform.displays->displays());
+    if (!wishes)
+        co_return CommandReply::refusal(wishes.error().message);
+    co_return co_await start(services,
+                             [&services, &wishes] { services.recordingActions.startFromPanel(*wishes); });
 }
 
 QCoro::Task<CommandReply> stop(AppServices &services)
@@ -122,13 +195,38 @@ QCoro::Task<CommandReply> listWindows(AppServices &services)
     co_return reply;
 }
 
+CommandReply listDisplays(AppServices &services)
+{
+    QJsonArray list;
+    QStringList lines;
+    const QList<Display> displays = services.platform.displays->displays();
+    for (const Display &display : displays) {
+        const int number = static_cast<int>(list.size()) + 1;
+        lines << u"%1  %2%3  %4x%5"_s.arg(
+            QString::number(number), display.name, display.isMain ? u"（主）"_s : QString(),
+            QString::number(display.frame.width()), QString::number(display.frame.height()));
+        list.append(QJsonObject{{u"number"_s, number},
+                                {u"id"_s, static_cast<qint64>(display.id)},
+                                {u"name"_s, display.name},
+                                {u"main"_s, display.isMain},
+                                {u"width"_s, display.frame.width()},
+                                {u"height"_s, display.frame.height()}});
+    }
+    return {
+        exitcode::done, lines.isEmpty() ? u"没有检测到显示器"_s : lines.join(u'\n'), {{u"displays"_s, list}}};
+}
+
 QList<Command> commands()
 {
     return {
-        {{.words = u"record start"_s, .help = u"按录制面板的设置开始录制"_s},
-         [](AppServices &services, const ParsedCommand &) {
-             return start(services, [&services] { services.recordingActions.startFromPanel(); });
-         }},
+        {{.words = u"record start"_s,
+          .help =
+              u"开始录制；没有写明的按录制面板的设置（帧率 %1，画质 %2）"_s.arg(frameRates(), qualityNames),
+          .options = {{windowOption, u"窗口编号"_s},
+                      {displayOption, u"显示器编号"_s},
+                      {fpsOption, u"帧率"_s},
+                      {qualityOption, u"画质"_s}}},
+         startAsAsked},
         {{.words = u"record stop"_s, .help = u"停止录制并等待文件校验完成"_s},
          [](AppServices &services, const ParsedCommand &) { return stop(services); }},
         {{.words = u"record toggle"_s, .help = u"开始全屏录制，或停止当前录制"_s},
@@ -137,8 +235,10 @@ QList<Command> commands()
                  return stop(services);
              return start(services, [&services] { services.recordingActions.toggleQuickly(); });
          }},
-        {{.words = u"record list-windows"_s, .help = u"列出可录制的窗口"_s},
+        {{.words = u"record list-windows"_s, .help = u"列出可录制的窗口，每行以编号开头"_s},
          [](AppServices &services, const ParsedCommand &) { return listWindows(services); }},
+        {{.words = u"record list-displays"_s, .help = u"列出显示器，1 是主显示器"_s},
+         immediate([](AppServices &services, const ParsedCommand &) { return listDisplays(services); })},
         {{.words = u"record list-devices"_s, .help = u"列出扬声器与麦克风"_s},
          [](AppServices &services, const ParsedCommand &) { return listDevices(services); }},
     };
@@ -186,33 +286,55 @@ ToolStatus status(AppServices &services)
     const RecordingSession &session = services.recorder.session();
     const RecordLiveUI &live = services.recorder.log().live();
     ToolStatus status;
-    status.line = isRecording
-                      ? u"录制：进行中，%1 秒，%2 帧"_s.arg(live.elapsedSeconds()).arg(live.frameCountUI())
-                      : u"录制：未开始"_s;
+    status.line =
+        isRecording
+            ? u"录制：进行中，%1 秒，%2"_s.arg(live.elapsedSeconds()).arg(formatByteCount(live.fileSize()))
+            : u"录制：未开始"_s;
     status.data = {{u"recording"_s, isRecording},
                    {u"frames"_s, live.frameCountUI()},
-                   {u"elapsedSeconds"_s, live.elapsedSeconds()}};
+                   {u"elapsedSeconds"_s, live.elapsedSeconds()},
+                   {u"bytes"_s, live.fileSize()}};
     if (const auto path = session.outputURL())
         status.data[u"file"_s] = *path;
-    if (const auto path = session.finishedMovie())
-        status.data[u"lastMovie"_s] = *path;
-    if (!session.lastFailure().isEmpty())
-        status.data[u"lastFailure"_s] = session.lastFailure();
+    if (isRecording && !live.warning().isEmpty())
+        status.data[u"warning"_s] = live.warning();
+    const RecordingOutcome outcome = session.outcome();
+    const FinishedRecording &finished = services.recorder.finished();
+    if (outcome.hasMovie() && finished.place() != FinishedRecording::Place::trashed)
+        status.data[u"lastMovie"_s] = finished.path();
+    if (outcome.kind == RecordingOutcome::Kind::failed)
+        status.data[u"lastFailure"_s] = outcome.reason;
+    if (outcome.kind == RecordingOutcome::Kind::cutShort)
+        status.data[u"endedEarly"_s] = outcome.reason;
     return status;
+}
+
+void tell(const RecordingOutcome &outcome, Banners &banners)
+{
+    const QString name = QFileInfo(outcome.file).fileName();
+    switch (outcome.kind) {
+    case RecordingOutcome::Kind::none:
+        break;
+    case RecordingOutcome::Kind::saved:
+        banners.show(u"录制已保存"_s, name, u"checkmark.circle.fill"_s, ToastTone::good);
+        break;
+    case RecordingOutcome::Kind::cutShort:
+        banners.warn(u"录制提前结束，已录的部分保存好了"_s, u"%1：%2"_s.arg(outcome.reason, name));
+        break;
+    case RecordingOutcome::Kind::failed:
+        banners.warn(u"屏幕录制"_s, outcome.reason);
+        break;
+    case RecordingOutcome::Kind::calledOff:
+        banners.show(u"录制已取消"_s, u"没有留下文件。"_s, u"info.circle"_s);
+        break;
+    }
 }
 
 void tellNews(AppServices &services, Banners &banners)
 {
     const RecordingSession &session = services.recorder.session();
-    QObject::connect(&session, &RecordingSession::lastFailureChanged, &banners, [&banners, &session] {
-        if (!session.lastFailure().isEmpty())
-            banners.warn(u"屏幕录制"_s, session.lastFailure());
-    });
-    QObject::connect(&session, &RecordingSession::finishedMovieChanged, &banners, [&banners, &session] {
-        if (const auto movie = session.finishedMovie())
-            banners.show(u"录制已保存"_s, QFileInfo(*movie).fileName(), u"checkmark.circle.fill"_s,
-                         ToastTone::good);
-    });
+    QObject::connect(&session, &RecordingSession::outcomeChanged, &banners,
+                     [&banners, &session] { tell(session.outcome(), banners); });
     if (!services.recorder.unfinished().leftovers().isEmpty())
         banners.show(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);
 }

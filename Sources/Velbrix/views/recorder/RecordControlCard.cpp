@@ -2,7 +2,9 @@
 
 #include "app/AppServices.h"
 #include "app/RecordingActions.h"
+#include "foundation/Text.h"
 #include "views/Follow.h"
+#include "views/ShownText.h"
 #include "views/Theme.h"
 #include "views/components/JobRing.h"
 #include "views/components/Parts.h"
@@ -16,17 +18,6 @@
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
-namespace {
-
-QString clockText(int seconds)
-{
-    const auto two = [](int number) { return u"%1"_s.arg(number, 2, 10, QChar(u'0')); };
-    const QString text = two(seconds / 60 % 60) + u':' + two(seconds % 60);
-    return seconds < 3600 ? text : u"%1:%2"_s.arg(seconds / 3600).arg(text);
-}
-
-} // namespace
-
 RecordControlCard::RecordControlCard(const ViewContext &context, QWidget *parent)
     : Card(parent), _context(context)
 {
@@ -58,9 +49,10 @@ RecordControlCard::RecordControlCard(const ViewContext &context, QWidget *parent
     connect(&recorder.session(), &RecordingSession::isProcessingChanged, this, again);
     connect(&recorder.session(), &RecordingSession::isRecordingChanged, this, again);
     connect(&recorder.preferences(), &RecorderPreferences::recordModeChanged, this, again);
-    RecordLiveUI &live = recorder.log().live();
-    follow(live, &RecordLiveUI::statusMessageChanged, this,
-           [this, &live] { _status->setText(live.statusMessage()); });
+    connect(&recorder.log().live(), &RecordLiveUI::warningChanged, this, again);
+    const HotkeyManager &hotkeys = context.services.hotkeys;
+    connect(&hotkeys, &HotkeyManager::recordToggleHotkeyChanged, this, again);
+    connect(&hotkeys, &HotkeyManager::problemsChanged, this, again);
     refresh();
 }
 
@@ -72,20 +64,23 @@ QWidget *RecordControlCard::makeBadge()
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);
     line->addWidget(new JobRing(_context.theme, u"录制中"_s));
+    line->addWidget(makeText(u"正在录制"_s, u"body"_s));
     auto *elapsed = new TabularLabel;
     elapsed->setObjectName(u"recordElapsed"_s);
     elapsed->setFont(_context.theme.font(17, QFont::DemiBold));
     line->addWidget(elapsed);
-    auto *frames = new TabularLabel;
-    frames->setObjectName(u"recordFrames"_s);
-    line->addWidget(frames);
+    auto *size = new TabularLabel;
+    size->setObjectName(u"recordSize"_s);
+    size->setProperty("role", u"value"_s);
+    line->addWidget(size);
     line->addStretch(1);
 
     const RecordLiveUI &live = _context.services.recorder.log().live();
     follow(live, &RecordLiveUI::elapsedSecondsChanged, this,
-           [elapsed, &live] { elapsed->setText(clockText(live.elapsedSeconds())); });
-    follow(live, &RecordLiveUI::frameCountUIChanged, this,
-           [frames, &live] { frames->setText(u"%1 帧"_s.arg(live.frameCountUI())); });
+           [elapsed, &live] { elapsed->setText(shownDuration(live.elapsedSeconds())); });
+    follow(live, &RecordLiveUI::fileSizeChanged, this, [size, &live] {
+        size->setText(live.fileSize() > 0 ? formatByteCount(live.fileSize()) : QString());
+    });
     return badge;
 }
 
@@ -112,6 +107,24 @@ void RecordControlCard::refresh()
                                                                                       : ThemeColor::onFill));
     setLook(_button, "recording", canStop && !isSaving);
     _badge->setVisible(isRecording && !isSaving);
+    showStatus(canStop && !isSaving);
+}
+
+// What the recording lacks, else how to do it without this window.
+void RecordControlCard::showStatus(bool isRunning)
+{
+    const QString warning = _context.services.recorder.log().live().warning();
+    const HotkeyManager &hotkeys = _context.services.hotkeys;
+    const bool hasKey = hotkeys.isAvailable(HotkeyAction::recordToggle) &&
+                        hotkeys.problem(HotkeyAction::recordToggle).isEmpty();
+    const QString key = hotkeys.chordText(HotkeyAction::recordToggle);
+    const bool isWarning = isRunning && !warning.isEmpty();
+    if (isWarning)
+        _status->setText(warning);
+    else
+        _status->setText((isRunning ? u"按 %1 停止"_s : u"按 %1 可随时录制全屏"_s).arg(key));
+    setLook(_status, "role", isWarning ? u"warning"_s : u"note"_s);
+    _status->setVisible(isWarning || hasKey);
 }
 
 } // namespace velbrix

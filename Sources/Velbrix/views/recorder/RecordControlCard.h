@@ -16,6 +16,7 @@ public:
 private:
     QWidget *makeBadge();
     void refresh();
+    void showStatus(bool isRunning);
 
     ViewContext _context;
     QPushButton *_button;

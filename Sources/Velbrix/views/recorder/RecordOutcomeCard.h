@@ -5,17 +5,10 @@
 
 namespace velbrix {
 
-// How the last recording ended: why it failed, or where the movie is.
+// How the last recording ended: why it failed, and what it has left.
 class RecordOutcomeCard final : public Card {
 public:
     explicit RecordOutcomeCard(const ViewContext &context, QWidget *parent = nullptr);
-
-private:
-    void addFailure();
-    void addResult();
-    void refresh();
-
-    ViewContext _context;
 };
 
 } // namespace velbrix

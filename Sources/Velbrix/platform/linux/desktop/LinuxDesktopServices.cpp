@@ -83,6 +83,15 @@ Result<void> LinuxDesktopServices::revealInFolder(const QString &path)
     return {};
 }
 
+Result<void> LinuxDesktopServices::openFile(const QString &path)
+{
+    if (!QFileInfo(path).isFile())
+        return failure(u"文件不存在："_s + path);
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        return failure(u"没有可以打开它的程序，文件位于 "_s + path);
+    return {};
+}
+
 bool LinuxDesktopServices::hasTrayHost() const
 {
     return _hasOtherTray || _hasItemHost;

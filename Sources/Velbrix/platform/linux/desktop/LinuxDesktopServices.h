@@ -25,6 +25,7 @@ public:
     // The file manager is asked without waiting for it; when it cannot select
     // the file, its folder is opened.
     Result<void> revealInFolder(const QString &path) override;
+    Result<void> openFile(const QString &path) override;
 
     // False until the session bus has answered, unless there is another tray.
     bool hasTrayHost() const override;

@@ -19,6 +19,7 @@ public:
 
     void beep() override;
     Result<void> revealInFolder(const QString &path) override;
+    Result<void> openFile(const QString &path) override;
 
     bool hasTrayHost() const override;
     Observation observeTrayHost(std::function<void()> changed) override;

@@ -102,6 +102,16 @@ Result<void> MacDesktopServices::revealInFolder(const QString &path)
     return {};
 }
 
+Result<void> MacDesktopServices::openFile(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.isFile())
+        return failure(u"文件不存在："_s + path);
+    if (![NSWorkspace.sharedWorkspace openURL:[NSURL fileURLWithPath:toNSString(file.absoluteFilePath())]])
+        return failure(u"没有可以打开它的程序，文件位于 "_s + path);
+    return {};
+}
+
 bool MacDesktopServices::hasTrayHost() const
 {
     return true;
