@@ -316,6 +316,22 @@ private Q_SLOTS:
         QVERIFY(rig.empty().removedFiles == 1 && QDir(rig.volumeTrash + u"/files"_s).isEmpty());
     }
 
+    void onAFullDiskNothingMoves()
+    {
+        TrashRig rig;
+        if (!rig.mountVolume())
+            QSKIP("nothing can be mounted here");
+        const QString item = writeFile(rig.volume + u"/item"_s);
+        QVERIFY(rig.throwAway(writeFile(rig.volume + u"/first"_s)));
+        QFile rest(rig.volume + u"/rest"_s);
+        QVERIFY(rest.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        while (rest.write(QByteArray(4096, 'x')) == 4096) {
+        }
+        QCOMPARE(errorText(rig.throwAway(item)), u"不能写入废纸篓：磁盘空间不足"_s);
+        QVERIFY(isThere(item));
+        QCOMPARE(entriesOf(rig.volumeTrash + u"/info"_s), QStringList{u"first.trashinfo"_s});
+    }
+
     void aLinkInsteadOfAVolumesTrashIsNotUsed()
     {
         TrashRig rig;

@@ -1,5 +1,6 @@
 #include "platform/linux/files/TrashFolder.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
 #include "foundation/RemovalGuard.h"
 #include "platform/linux/files/ExclusiveMove.h"
@@ -38,6 +39,19 @@ QString moveReason(int error)
     }
 }
 
+// 0 when the medium has it, or the errno. A disk that is full may say so only then.
+int fill(int file, const QByteArray &text)
+{
+    struct stat facts{};
+    if (!writeAll(file, {reinterpret_cast<const std::uint8_t *>(text.constData()), size_t(text.size())}))
+        return errno;
+    if (const int error = synced(file))
+        return error;
+    if (::fstat(file, &facts) != 0)
+        return errno;
+    return facts.st_size == text.size() ? 0 : EIO;
+}
+
 // 0 or the errno; EEXIST when the name is taken.
 int writeInfo(const QByteArray &path, const QByteArray &text)
 {
@@ -45,11 +59,9 @@ int writeInfo(const QByteArray &path, const QByteArray &text)
         ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file)
         return errno;
-    if (writeAll(file.number(),
-                 {reinterpret_cast<const std::uint8_t *>(text.constData()), size_t(text.size())}))
-        return 0;
-    const int error = errno;
-    ::unlink(path.constData());
+    const int error = fill(file.number(), text);
+    if (error != 0)
+        ::unlink(path.constData());
     return error;
 }
 
