@@ -28,6 +28,12 @@ private Q_SLOTS:
         QVERIFY(QCoro::waitFor(finder("rm '" + native + "'; exit 1").moveToTrash(item)));
     }
 
+    void takesApplicationsAlone()
+    {
+        QVERIFY(FinderTrash::isAskedFor(u"/Applications/Tool.app"_s));
+        QVERIFY(!FinderTrash::isAskedFor(u"/Users/me/Library/Caches/org.tool"_s));
+    }
+
     void saysWhyItDidNotEmpty()
     {
         QCOMPARE(QCoro::waitFor(finder("echo ' not allowed' >&2; exit 1").empty()).error().message,

@@ -19,6 +19,8 @@ public:
     QCoro::Task<Result<void>> moveToTrash(const QString path) const;
     QCoro::Task<Result<void>> empty() const;
 
+    // Of what the system refuses to move it is asked for applications alone.
+    static bool isAskedFor(const QString &path) { return path.endsWith(QLatin1String(".app")); }
     // In the user's trash at home or that of another volume.
     static bool isTrashed(const QString &path, const QString &home, uint user);
 

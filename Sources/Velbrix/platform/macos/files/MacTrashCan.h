@@ -7,7 +7,7 @@
 
 namespace velbrix {
 
-// NSFileManager, and the Finder for what it refuses. The Finder tells neither
+// NSFileManager, and the Finder for applications that it refuses. The Finder tells neither
 // where an item lies now nor what emptying gave back.
 class MacTrashCan final : public TrashCan {
 public:

@@ -57,7 +57,7 @@ QCoro::Task<Result<QString>> MacTrashCan::moveToTrash(const QString path)
     const FinderTrash finder = _finder;
     const QFuture<Result<QString>> moving = QtConcurrent::run(&_worker, throwAway, path);
     const Result<QString> moved = co_await moving;
-    if (moved)
+    if (moved || !FinderTrash::isAskedFor(path))
         co_return moved;
     const Result<void> byFinder = co_await finder.moveToTrash(path);
     if (!byFinder)
