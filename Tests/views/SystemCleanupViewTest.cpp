@@ -321,6 +321,11 @@ private Q_SLOTS:
         rig.key(Qt::Key_Space);
         QVERIFY(!rig.find(u"cleanupRow."_s + id));
         QVERIFY(QFile::exists(rig.place(u"build/object"_s))); // only taken off the list
+        const QUrl twice = QUrl::fromLocalFile(rig.place(u"build"_s));
+        rig.put(u"more/object"_s, 1);
+        QVERIFY(
+            drop(rig.find(u"cleanupCustom"_s), {twice, twice, QUrl::fromLocalFile(rig.place(u"more"_s))}));
+        QCOMPARE(rig.texts(u"cleanupAddProblem"_s).last(), u"build：该路径已添加"_s);
     }
 };
 

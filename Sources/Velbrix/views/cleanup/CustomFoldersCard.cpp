@@ -99,8 +99,7 @@ void CustomFoldersCard::dropEvent(QDropEvent *event)
     if (folders.isEmpty())
         return;
     event->acceptProposedAction();
-    for (const QString &folder : folders)
-        addFolder(folder);
+    addFolders(folders);
 }
 
 void CustomFoldersCard::choose()
@@ -113,16 +112,19 @@ void CustomFoldersCard::choose()
     panel->setLabelText(QFileDialog::Accept, u"添加"_s);
     panel->setLabelText(QFileDialog::Reject, u"取消"_s);
     panel->setAttribute(Qt::WA_DeleteOnClose);
-    connect(panel, &QFileDialog::fileSelected, this, &CustomFoldersCard::addFolder);
+    connect(panel, &QFileDialog::filesSelected, this, &CustomFoldersCard::addFolders);
     panel->open();
 }
 
-void CustomFoldersCard::addFolder(const QString &path)
+void CustomFoldersCard::addFolders(const QStringList &paths)
 {
-    const auto added = _cleaner.addCustomPath(path);
-    _problem->setVisible(!added);
-    if (!added)
-        _problem->setDescription(u"%1：%2"_s.arg(QFileInfo(path).fileName(), added.error().message));
+    QStringList problems;
+    for (const QString &path : paths) {
+        if (const auto added = _cleaner.addCustomPath(path); !added)
+            problems.append(u"%1：%2"_s.arg(QFileInfo(path).fileName(), added.error().message));
+    }
+    _problem->setVisible(!problems.isEmpty());
+    _problem->setDescription(problems.join(u'\n'));
 }
 
 void CustomFoldersCard::showFolders()

@@ -26,7 +26,7 @@ protected:
 
 private:
     void choose();
-    void addFolder(const QString &path);
+    void addFolders(const QStringList &paths);
     void showFolders();
     void showAdding();
 
