@@ -71,16 +71,18 @@ private Q_SLOTS:
         environment.insert(u"FLATPAK_ID"_s, u"org.velb.App"_s);
         environment.insert(u"SNAP_INSTANCE_NAME"_s, u"velb_2"_s);
         const QString archive = _folder + u"/tools/velb.jar"_s;
-        const RunningProgram running(java,
-                                     {u"-c"_s, u"read line"_s, u"-jar"_s, archive,
-                                      u"-Didea.paths.selector=Velb2024.1"_s, u"-cp"_s,
-                                      u"/nowhere/a.jar:"_s + _folder + u"/library/b.jar"_s},
-                                     environment);
+        const RunningProgram running(
+            java,
+            {u"-c"_s, u"read line"_s, u"-jar"_s, archive, u"-Didea.paths.selector=Velb2024.1"_s, u"-cp"_s,
+             u"/nowhere/a.jar:"_s + _folder + u"/library/b.jar:"_s + _folder + u"/tool/lib/c.jar"_s},
+            environment);
         const QSet<QString> names{u"velb.jar"_s, u"Velb2024.1"_s, u"org.velb.App"_s, u"snap.velb_2"_s};
         const ProcPrograms programs;
         QTRY_COMPARE(programs.running(names.values() + QStringList{u"b.jar"_s, u"velb_2"_s}), names);
         QVERIFY(programs.runsFrom(archive) && programs.runsFrom(_folder + u"/library"_s));
         QVERIFY(!programs.runsFrom(_folder + u"/librar"_s));
+        QVERIFY(programs.runsFrom(_folder + u"/tool/bin/start.sh"_s));
+        QVERIFY(!programs.runsFrom(_folder + u"/other/bin/start.sh"_s));
     }
 
     void readsTheSandboxFromTheControlGroups()

@@ -82,6 +82,16 @@ QList<QByteArray> javaNames(const QList<QByteArray> &arguments)
     return names;
 }
 
+// An application's start script lies in bin/, the archives that it runs beside
+// that in lib/.
+QByteArray archiveFolder(const QByteArray &script)
+{
+    const QByteArray bin = splitPath(script).first;
+    const QByteArray folder = splitPath(bin).first;
+    const bool isEverybodys = folder == "/" || folder == "/usr" || folder == "/usr/local";
+    return baseName(bin) == "bin" && !isEverybodys ? folder + "/lib" : QByteArray();
+}
+
 class Process {
 public:
     explicit Process(QByteArray folder) : _folder(std::move(folder)) {}
@@ -204,10 +214,12 @@ bool ProcPrograms::runsFrom(const QString &path) const
     const QByteArray place = QFile::encodeName(resolvedPath(path));
     if (!place.startsWith('/'))
         return false;
-    const auto isThere = [&place](const QByteArray &file) {
+    const QByteArray archives = archiveFolder(place);
+    const auto isThere = [&](const QByteArray &file) {
         if (!file.startsWith('/'))
             return false;
-        return isWithin(file, place) || isWithin(canonicalPath(file), place);
+        return isWithin(file, place) || isWithin(canonicalPath(file), place) ||
+               (!archives.isEmpty() && file.endsWith(".jar") && isInside(file, archives));
     };
     return anyProcess([&](const Process &process) {
         return isWithin(process.executable(), place) || std::ranges::any_of(process.files(), isThere);

@@ -6,7 +6,8 @@ namespace velbrix {
 
 // This user's processes as /proc tells of them. A script goes by its own name,
 // not its interpreter's; so does what Java runs: an archive, or the folders of
-// one of JetBrains' programs ("IdeaIC2024.1"). A program in an AppImage also
+// one of JetBrains' programs ("IdeaIC2024.1"), and it lies also at the script
+// in bin/ beside its archives in lib/. A program in an AppImage also
 // lies at the image. What runs in a sandbox answers to that as well: a Flatpak
 // to its identifier, a snap to "snap.NAME".
 class ProcPrograms final : public RunningPrograms {
