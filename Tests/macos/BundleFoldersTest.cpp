@@ -30,6 +30,10 @@ private Q_SLOTS:
                                         folder.filePath(u"Zoom.app"_s)}));
         QCOMPARE(bundleName(bundles->first()), u"A.b"_s);
 
+        QVERIFY(QDir(folder.path()).mkpath(u"Utilities/Tool.app"_s));
+        QVERIFY(
+            bundlesBeside(folder.path(), u"/nowhere"_s).contains(folder.filePath(u"Utilities/Tool.app"_s)));
+
         const auto none = bundlesIn(folder.filePath(u"none"_s));
         QVERIFY(!none);
         QCOMPARE(none.error().message, u"无法读取文件夹 "_s + folder.filePath(u"none"_s));

@@ -40,6 +40,12 @@ struct InstalledApplication {
     QString package;            // of managed: its name there
     std::optional<qint64> size; // bytes, when the host knows without measuring
     QList<ApplicationCompanion> companions;
+    QStringList programs; // files and folders: what runs from one of them is the application
+    // Of managed: data that its manager deletes with it for good, may be
+    // missing; the user's own can be moved out of its way before.
+    QStringList userDataRemoved;
+    QStringList systemDataRemoved;
+    bool isListed = true; // else it only tells whose some data is
 };
 
 // Folders in which applications keep data of the user, one for each kind.

@@ -3,9 +3,11 @@
 #include "foundation/Paths.h"
 #include "maintenance/uninstall/DataSearch.h"
 #include "platform/DiskUsage.h"
+#include "platform/RunningPrograms.h"
 
 #include <QCoroFuture>
 #include <QFile>
+#include <QFileInfo>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
@@ -22,10 +24,11 @@ bool areSame(const QString &one, const QString &other)
     return !one.isEmpty() && one.toLower() == other.toLower();
 }
 
-QList<InstalledApplication> withoutSelf(QList<InstalledApplication> found, const OwnIdentity &own)
+QList<InstalledApplication> listed(QList<InstalledApplication> found, const OwnIdentity &own)
 {
     const SelfTraits self = selfTraits(own);
-    found.removeIf([&](const InstalledApplication &each) { return isSelf(selfTraits(each), self); });
+    found.removeIf(
+        [&](const InstalledApplication &each) { return !each.isListed || isSelf(selfTraits(each), self); });
     return found;
 }
 
@@ -73,11 +76,31 @@ SelfTraits selfTraits(const OwnIdentity &own)
     return {resolvedPath(own.path), own.name, own.identifier};
 }
 
+QStringList programNames(const AppInfo &app)
+{
+    QStringList names{QFileInfo(app.path).fileName()};
+    if (!app.bundleID.isEmpty())
+        names.append(app.bundleID);
+    for (const QString &program : app.source.programs)
+        names.append(QFileInfo(program).fileName());
+    return names;
+}
+
+bool isRunning(const AppInfo &app, const RunningPrograms &programs)
+{
+    QStringList places = app.source.programs;
+    places.append(app.path);
+    for (const ApplicationCompanion &companion : app.source.companions)
+        places.append(companion.path);
+    return !programs.running(programNames(app)).isEmpty() ||
+           std::ranges::any_of(places, [&](const QString &place) { return programs.runsFrom(place); });
+}
+
 QCoro::Task<QList<AppInfo>> listedApps(QList<InstalledApplication> found, OwnIdentity own, DiskUsage &usage,
                                        Cancellation cancellation)
 {
     const QFuture<QList<InstalledApplication>> asked =
-        QtConcurrent::run(&uninstallWorkers(), withoutSelf, found, own);
+        QtConcurrent::run(&uninstallWorkers(), listed, found, own);
     const QList<InstalledApplication> others = co_await asked;
     if (cancellation.isCancelled())
         co_return QList<AppInfo>();

@@ -9,6 +9,7 @@
 namespace velbrix {
 
 class DiskUsage;
+class RunningPrograms;
 
 // What an application is known by. Paths with their links resolved.
 struct SelfTraits {
@@ -27,8 +28,13 @@ bool isSelf(const SelfTraits &application, const SelfTraits &own);
 SelfTraits selfTraits(const InstalledApplication &application);
 SelfTraits selfTraits(const OwnIdentity &own);
 
-// The rows of the uninstaller from what the host has found: this program
-// dropped, missing sizes measured, sorted by name. The ids are left to the
+// What the application's program may be called while it runs.
+QStringList programNames(const AppInfo &app);
+// Whether the application is open at this moment. Main thread.
+bool isRunning(const AppInfo &app, const RunningPrograms &programs);
+
+// The rows of the uninstaller from what the host has found: this program and
+// what is not listed dropped, missing sizes measured, sorted by name. The ids are left to the
 // caller. Answers with nothing once cancelled.
 QCoro::Task<QList<AppInfo>> listedApps(QList<InstalledApplication> found, OwnIdentity own, DiskUsage &usage,
                                        Cancellation cancellation);

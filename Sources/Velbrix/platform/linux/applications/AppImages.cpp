@@ -35,7 +35,7 @@ AppImage describe(const QString &path, const ApplicationPlaces &places, QList<La
     launchers.removeIf([&](const Launcher &launcher) {
         if (!launcher.isOwn || launcher.program.isEmpty() || canonicalPath(launcher.program) != file)
             return false;
-        if (image.companions.isEmpty()) {
+        if (launcher.isShown && image.identifier.isEmpty()) {
             image.name = launcher.entry.name;
             image.identifier = launcher.id;
             image.iconName = launcher.entry.icon;

@@ -28,7 +28,11 @@ InstalledApplication described(const Launcher &launcher)
     application.icon = iconOf(launcher.entry.icon, launcher.iconFile);
     application.kind = Kind::desktopEntry;
     if (!launcher.program.isEmpty())
-        application.companions.append({launcher.program, launcher.startsAppImage});
+        application.companions.append({launcher.program, launcher.startsAppImage && !launcher.sharesProgram});
+    if (!launcher.systemProgram.isEmpty())
+        application.programs.append(launcher.systemProgram);
+    for (const QString &copy : launcher.copies)
+        application.companions.append({copy, true});
     return application;
 }
 
@@ -66,19 +70,33 @@ InstalledApplication described(const FlatpakApplication &flatpak, const Launcher
     application.identifier = flatpak.id;
     application.version = flatpak.version;
     application.size = flatpak.size;
-    application.companions.clear();
+    application.companions.removeIf(
+        [](const ApplicationCompanion &companion) { return !companion.isCertain; });
+    if (launcher && launcher->isOwn)
+        application.companions = {{launcher->path, true}};
     return managed(std::move(application), u"Flatpak"_s, flatpak.id);
 }
 
+// With what snapd deletes of it.
+InstalledApplication ofSnap(const Launcher &launcher, const QString &snap, const ApplicationPlaces &places)
+{
+    InstalledApplication application = managed(described(launcher), u"Snap"_s, snap);
+    application.identifier = snap;
+    application.programs = {u"/snap/"_s + snap};
+    application.userDataRemoved = {places.home + u"/snap/"_s + snap, places.home + u"/.snap/data/"_s + snap};
+    application.systemDataRemoved = {u"/var/snap/"_s + snap};
+    return application;
+}
+
 // None for what cannot be removed.
-std::optional<InstalledApplication> ofSystem(const Launcher &launcher, const HostFindings &findings)
+std::optional<InstalledApplication> ofSystem(const Launcher &launcher, const HostFindings &findings,
+                                             const ApplicationPlaces &places)
 {
     const QString snap = launcher.entry.snap;
     if (!snap.isEmpty()) {
         if (!findings.snaps.contains(snap))
             return std::nullopt;
-        InstalledApplication application = managed(described(launcher), u"Snap"_s, snap);
-        application.identifier = snap;
+        InstalledApplication application = ofSnap(launcher, snap, places);
         application.version = findings.snaps.value(snap);
         return application;
     }
@@ -103,7 +121,8 @@ QList<InstalledApplication> installedApplications(const ApplicationPlaces &place
     QList<InstalledApplication> applications;
     QHash<QString, const Launcher *> exported;
     for (const Launcher &launcher : findings.launchers) {
-        if (const QString id = launcher.entry.flatpak; !id.isEmpty() && !exported.contains(id))
+        const QString id = launcher.entry.flatpak;
+        if (launcher.isShown && !id.isEmpty() && !exported.contains(id))
             exported.insert(id, &launcher);
     }
     QSet<QString> flatpakIds;
@@ -116,10 +135,11 @@ QList<InstalledApplication> installedApplications(const ApplicationPlaces &place
     for (const Launcher &launcher : findings.launchers) {
         if (flatpakIds.contains(launcher.entry.flatpak))
             continue;
-        if (launcher.isOwn)
-            applications.append(described(launcher));
-        else if (auto application = ofSystem(launcher, findings))
-            applications.append(std::move(*application));
+        std::optional<InstalledApplication> application =
+            launcher.isOwn ? described(launcher) : ofSystem(launcher, findings, places);
+        const bool isListed = launcher.isShown && application;
+        applications.append(application ? std::move(*application) : described(launcher));
+        applications.last().isListed = isListed;
     }
     return applications;
 }

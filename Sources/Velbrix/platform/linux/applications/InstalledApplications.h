@@ -17,9 +17,10 @@ struct HostFindings {
     QHash<QString, QString> snaps;
 };
 
-// An entry of the system that no package manager owns is listed only when the
-// user may delete its file; what can be removed neither through a manager nor as
-// a file is not. On the main thread, for the icons.
+// What the menu shows is listed, but for what can be removed neither through a
+// manager nor as a file; an entry of the system that no package manager owns is
+// listed only when the user may delete its file. On the main thread, for the
+// icons.
 QList<InstalledApplication> installedApplications(const ApplicationPlaces &places,
                                                   const HostFindings &findings);
 

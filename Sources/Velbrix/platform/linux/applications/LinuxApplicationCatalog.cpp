@@ -17,7 +17,7 @@ namespace {
 HostFindings readFiles(const ApplicationPlaces &places)
 {
     HostFindings findings;
-    findings.launchers = shownLaunchers(places);
+    findings.launchers = installedLaunchers(places);
     findings.images = takeAppImages(places, findings.launchers);
     return findings;
 }
@@ -43,7 +43,8 @@ QCoro::Task<HostFindings> withPackages(Clock &clock, std::optional<PackageManage
 {
     QStringList paths;
     for (const Launcher &launcher : std::as_const(findings.launchers)) {
-        if (!launcher.isOwn && launcher.entry.snap.isEmpty() && launcher.entry.flatpak.isEmpty())
+        if (launcher.isShown && !launcher.isOwn && launcher.entry.snap.isEmpty() &&
+            launcher.entry.flatpak.isEmpty())
             paths.append(launcher.path);
     }
     if (!manager)

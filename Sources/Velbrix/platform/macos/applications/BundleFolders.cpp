@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -30,6 +32,21 @@ Result<QStringList> bundlesIn(const QString &folder)
         if (name.endsWith(u".app"_s) && name != u".app"_s)
             paths.append(folder + u'/' + name);
     }
+    return paths;
+}
+
+QStringList bundlesBeside(const QString &folder, const QString &home)
+{
+    QStringList places{u"/System/Applications"_s, u"/System/Applications/Utilities"_s,
+                       home + u"/Applications"_s};
+    const QStringList names = QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QString &name : names) {
+        if (!name.endsWith(u".app"_s))
+            places.append(folder + u'/' + name);
+    }
+    QStringList paths;
+    for (const QString &place : std::as_const(places))
+        paths += bundlesIn(place).value_or(QStringList());
     return paths;
 }
 

@@ -14,6 +14,10 @@ QList<LibraryFolder> libraryFoldersUnder(const QString &home);
 // The paths of the folder's entries that end in ".app", sorted. Blocking.
 Result<QStringList> bundlesIn(const QString &folder);
 
+// Those that are installed elsewhere: a floor below the folder, by the system,
+// by the user alone. What cannot be read is left out. Blocking.
+QStringList bundlesBeside(const QString &folder, const QString &home);
+
 // Of a bundle's path, as the Finder shows it.
 QString bundleName(const QString &path);
 

@@ -4,7 +4,7 @@
 
 namespace velbrix {
 
-// The bundles in /Applications. Each is looked into on the global queue.
+// The bundles in /Applications, and unlisted those elsewhere. Each is looked into on the global queue.
 class MacApplicationCatalog final : public ApplicationCatalog {
 public:
     QCoro::Task<Result<QList<InstalledApplication>>> applications() override;

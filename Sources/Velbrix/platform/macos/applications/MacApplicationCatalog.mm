@@ -27,7 +27,8 @@ struct FoundBundle {
     QString path;
     QString identifier;
     QString version;
-    QImage icon;
+    QImage icon; // of those listed
+    bool isListed = true;
 };
 using FoundBundles = QList<FoundBundle>;
 using Listed = Completion<Result<QList<InstalledApplication>>>;
@@ -38,14 +39,21 @@ QString textOf(id value)
     return [value isKindOfClass:[NSString class]] ? toQString(value) : QString();
 }
 
-FoundBundle lookInto(const QString &path)
+FoundBundle lookInto(const QString &path, bool isListed)
 {
     @autoreleasepool {
         NSBundle *bundle = [NSBundle bundleWithPath:toNSString(path)];
         NSDictionary<NSString *, id> *description = bundle.infoDictionary;
-        NSImage *icon = [NSWorkspace.sharedWorkspace iconForFile:toNSString(path)];
-        return {path, textOf(bundle.bundleIdentifier), textOf(description[@"CFBundleShortVersionString"]),
-                toQImage(icon, QSize(iconPixels, iconPixels))};
+        FoundBundle found{path,
+                          textOf(bundle.bundleIdentifier),
+                          textOf(description[@"CFBundleShortVersionString"]),
+                          {},
+                          isListed};
+        if (isListed) {
+            NSImage *icon = [NSWorkspace.sharedWorkspace iconForFile:toNSString(path)];
+            found.icon = toQImage(icon, QSize(iconPixels, iconPixels));
+        }
+        return found;
     }
 }
 
@@ -60,21 +68,24 @@ QList<InstalledApplication> described(FoundBundles bundles)
         application.identifier = bundle.identifier;
         application.version = bundle.version;
         application.icon = QIcon(QPixmap::fromImage(bundle.icon));
+        application.isListed = bundle.isListed;
         applications.append(application);
     }
     return applications;
 }
 
-void lookIntoAll(const QStringList &paths, const Listed &listed)
+void lookIntoAll(const QStringList &paths, const QStringList &others, const Listed &listed)
 {
     dispatch_group_t group = dispatch_group_create();
     dispatch_queue_t results = dispatch_queue_create("app-scan-sync", DISPATCH_QUEUE_SERIAL);
     const auto found = std::make_shared<FoundBundles>();
     const Listed answer = listed;
-    for (const QString &each : paths) {
-        const QString path = each;
+    const QStringList all = paths + others;
+    for (qsizetype at = 0; at < all.size(); ++at) {
+        const QString path = all.at(at);
+        const bool isListed = at < paths.size();
         dispatch_group_async(group, dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
-            const FoundBundle bundle = lookInto(path);
+            const FoundBundle bundle = lookInto(path, isListed);
             dispatch_sync(results, ^{
                 found->append(bundle);
             });
@@ -96,9 +107,10 @@ QCoro::Task<Result<QList<InstalledApplication>>> MacApplicationCatalog::applicat
 {
     const Listed listed;
     dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
-        const Result<QStringList> paths = bundlesIn(u"/Applications"_s);
+        const QString folder = u"/Applications"_s;
+        const Result<QStringList> paths = bundlesIn(folder);
         if (paths)
-            lookIntoAll(*paths, listed);
+            lookIntoAll(*paths, bundlesBeside(folder, QDir::homePath()), listed);
         else
             listed.answer(std::unexpected(paths.error()));
     });
