@@ -63,15 +63,18 @@ private Q_SLOTS:
     {
         Rig rig;
         rig.host.programs.names = {u"org.acme.note"_s};
+        const QString head = u"卸载「Note」（完全卸载）：\n"_s;
         const QString review =
-            u"卸载「Note」（完全卸载）：\n  应用正在运行，请先退出\n"
-            "  [✓]  2 MB  %1/Applications/Note.app  应用本体\n"
+            u"  [✓]  2 MB  %1/Applications/Note.app  应用本体\n"
             "  [✓]  零 KB  %1/Preferences/org.acme.note.plist  名称包含标识 org.acme.note\n"
             "  [ ]  零 KB  %1/Caches/Evernote  名称包含应用名 note  仅名称相似，可能属于其他应用"_s.arg(
                 rig.home());
-        QCOMPARE(rig.said(u"apps uninstall note --dry-run"_s), u"0 "_s + review);
+        QCOMPARE(rig.said(u"apps uninstall note --dry-run"_s),
+                 u"0 "_s + head + u"  应用正在运行，请先退出\n"_s + review);
         QVERIFY(!rig.reply.data.contains("needsConfirmation"_L1));
-        QCOMPARE(rig.said(u"apps uninstall ORG.acme.NOTE"_s), u"1 "_s + review);
+        QCOMPARE(rig.said(u"apps uninstall Note --yes"_s), u"1 应用正在运行，请先退出：Note"_s);
+        rig.host.programs.names.clear();
+        QCOMPARE(rig.said(u"apps uninstall ORG.acme.NOTE"_s), u"1 "_s + head + review);
         QVERIFY(rig.reply.isQuestion());
         QCOMPARE(rig.reply.agreedArguments(), QStringList{rig.home() + u"/Applications/Note.app"_s});
         const QJsonArray items = rig.reply.data.value("review"_L1).toObject().value("items"_L1).toArray();

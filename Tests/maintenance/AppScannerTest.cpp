@@ -17,12 +17,14 @@ struct NoteRig : UninstallRig {
     NoteRig()
     {
         install(u"Note"_s, u"org.acme.note"_s);
+        install(u"Daemon"_s, u"org.acme.note.daemon"_s);
+        lastInstalled().isListed = false;
         install(u"Other"_s, u"org.acme.note.pro"_s);
-        writeFiles(home(),
-                   {u"Preferences/org.acme.note.plist"_s, u"Preferences/org.acme.note/deep/file"_s,
-                    u"Preferences/org.acme.note.pro.plist"_s, u"Preferences/com.note.x"_s,
-                    u"Preferences/Evernote"_s, u"Preferences/stranger"_s, u"Preferences/velbrix-note"_s,
-                    u"Caches/org.acme.note"_s, u"outside/org.acme.note"_s});
+        writeFiles(home(), {u"Preferences/org.acme.note.plist"_s, u"Preferences/org.acme.note/deep/file"_s,
+                            u"Preferences/org.acme.note.pro.plist"_s, u"Preferences/com.note.x"_s,
+                            u"Preferences/org.acme.note.daemon.plist"_s, u"Preferences/Evernote"_s,
+                            u"Preferences/stranger"_s, u"Preferences/velbrix-note"_s,
+                            u"Caches/org.acme.note"_s, u"outside/org.acme.note"_s});
         QFile::link(home(u"outside"_s), home(u"Caches/org.acme.note.link"_s));
         scanned();
         review = reviewOf(u"Note"_s);
@@ -100,6 +102,8 @@ private Q_SLOTS:
         NoteRig rig;
         rig.host.programs.executables = {rig.home(u"Applications/Note.app/bin/note"_s)};
         rig.host.diskUsage.sizes.insert(rig.home(u"Preferences/org.acme.note"_s).toUtf8(), 8192);
+        rig.plant(u"Caches/org.acme.note.ide/system/LocalHistory/changes"_s); // no cache
+        QVERIFY(rig.app(u"Daemon"_s).name.isEmpty());
         rig.scanner->prepareReview(rig.app(u"Note"_s));
         OpenReview &open = rig.scanner->openReview();
         QVERIFY(rig.until([&] { return open.review() && open.review()->items.last().bytes; }));
@@ -111,9 +115,10 @@ private Q_SLOTS:
             lines << (item.isTicked ? u"+ "_s : u"- "_s) + item.path.sliced(rig.home().size() + 1);
         QCOMPARE(lines, (QStringList{u"+ Applications/Note.app"_s, u"- Preferences/Evernote"_s,
                                      u"- Preferences/com.note.x"_s, u"+ Preferences/org.acme.note"_s,
+                                     u"- Preferences/org.acme.note.daemon.plist"_s,
                                      u"+ Preferences/org.acme.note.plist"_s,
                                      u"- Preferences/org.acme.note.pro.plist"_s, u"+ Caches/org.acme.note"_s,
-                                     u"- Caches/org.acme.note.link"_s}));
+                                     u"- Caches/org.acme.note.ide"_s, u"- Caches/org.acme.note.link"_s}));
         QCOMPARE(review.items.at(3).bytes, 8192);
         for (const ReviewItem &item : review.items)
             QCOMPARE(item.caution.isEmpty(), item.isTicked);
@@ -121,6 +126,8 @@ private Q_SLOTS:
         open.setTicked(review.items.at(0).path, false); // the application stays ticked
         open.setTicked(review.items.at(1).path, true);
         QVERIFY(open.review()->items.at(0).isTicked && open.review()->items.at(1).isTicked);
+        rig.host.programs.executables.clear();
+        QVERIFY(rig.until([&] { return !open.review()->isRunning; }));
         open.close();
         QVERIFY(!open.review());
         QVERIFY(rig.host.trash.calls.isEmpty());
@@ -219,6 +226,19 @@ private Q_SLOTS:
         QVERIFY(rig.host.trash.calls.isEmpty());
     }
 
+    void whatRunsStays()
+    {
+        NoteRig rig;
+        const QStringList running{rig.review.app.path + u"/bin/note"_s};
+        rig.host.programs.executables = running;
+        QCOMPARE(rig.uninstall(rig.review), u"失败：应用正在运行，请先退出"_s);
+        rig.host.programs.executables.clear();
+        connect(rig.scanner.get(), &AppScanner::isUninstallingChanged, this,
+                [&] { rig.host.programs.executables = running; }); // at the last moment
+        QCOMPARE(rig.uninstall(rig.review), u"失败：应用正在运行，请先退出"_s);
+        QVERIFY(rig.host.trash.calls.isEmpty());
+    }
+
     void whatCannotGoIsTold()
     {
         NoteRig rig;
@@ -245,7 +265,7 @@ private Q_SLOTS:
         const QStringList forged = u"|Preferences|Preferences/stranger|Preferences/velbrix-note|"
                                    "Preferences/org.acme.note/deep|"
                                    "Preferences/../outside/org.acme.note|outside/org.acme.note"_s.split(u'|');
-        const ReviewItem certain = review.items.at(4);
+        const ReviewItem certain = review.items.at(3);
         for (const QString &path : forged) {
             review.items.append(certain);
             review.items.last().path = rig.home(path);
@@ -323,6 +343,7 @@ private Q_SLOTS:
         NoteRig rig;
         rig.uninstall(rig.review);
         rig.make(); // another day
+        QVERIFY(rig.until([&] { return !rig.scanner->records().isEmpty(); }));
         const UninstallRecord record = rig.scanner->records().value(0);
         QCOMPARE(record.moved.size(), 4);
         rig.plant(u"Preferences/org.acme.note.plist"_s); // made anew
@@ -338,7 +359,23 @@ private Q_SLOTS:
         rig.scanner->putBack(record.id);
         rig.ending();
         QVERIFY(rig.scanner->records().isEmpty());
-        QVERIFY(UninstallJournal(rig.journal()).records().isEmpty());
+        QVERIFY(openedJournal(rig.journal()).records().isEmpty());
+    }
+
+    void onlyWhatItTookGoesBack()
+    {
+        NoteRig rig;
+        rig.uninstall(rig.review);
+        const QList<MovedItem> moved = rig.scanner->records().first().moved;
+        writeFile(moved.at(1).trashed + u"/deep/later"_s); // the same, written to
+        const QString other = moved.last().trashed;
+        QVERIFY(QFile::remove(other));
+        writeFile(other, "of the same name");
+        rig.scanner->putBack(rig.scanner->records().first().id);
+        QCOMPARE(rig.ending(), u"已将「Note」的 3 项放回原处，1 项未能放回"_s);
+        QCOMPARE(rig.scanner->failures(),
+                 (QList<FailedItem>{{moved.last().original, u"废纸篓里同名的项目不是当时移走的那一个"_s}}));
+        QCOMPARE(readFile(other), "of the same name");
     }
 
     // What has gone is in the file at every moment, so that a kill loses nothing.
@@ -350,12 +387,10 @@ private Q_SLOTS:
         QVERIFY(rig.until([&] {
             for (const QString &path : rig.trashed()) {
                 const QString original = rig.home(path);
-                const QList<UninstallRecord> records = UninstallJournal(rig.journal()).records();
-                const auto moved = records.isEmpty() ? QList<MovedItem>() : records.first().moved;
                 if (QFile::exists(original))
                     continue;
                 ++checks;
-                if (std::ranges::find(moved, original, &MovedItem::original) == moved.end())
+                if (!readFile(rig.journal()).contains('"' + original.toUtf8() + '"'))
                     qFatal("lost");
             }
             return !rig.scanner->isBusy();
@@ -366,14 +401,21 @@ private Q_SLOTS:
     void anUnwritableRecordIsTold()
     {
         NoteRig rig;
-        rig.plant(u"own"_s); // a file where the folder should be
-        rig.uninstall(rig.review);
+        const QString folder = rig.plant(u"own"_s); // a file where it should be
+        QVERIFY(rig.uninstall(rig.review).startsWith(u"失败：卸载记录未能保存，没有移动："_s));
         QCOMPARE(rig.scanner->failures().size(), 1);
-        QVERIFY(rig.scanner->failures().first().reason.startsWith(u"卸载记录未能保存"_s));
-        QCOMPARE(rig.trashed().size(), 4);
+        QVERIFY(rig.trashed().isEmpty() && rig.scanner->records().isEmpty());
+        QVERIFY(QFile::remove(folder));
+        rig.uninstall(rig.review);
+        QVERIFY(QDir().rename(folder, folder + u"2"_s));
+        rig.plant(u"own"_s);
         rig.scanner->forget(rig.scanner->records().first().id);
-        QCOMPARE(rig.ending(), u"卸载记录未能移除，下次启动时还会出现"_s);
+        QCOMPARE(rig.ending(), u"卸载记录未能移除"_s);
         QCOMPARE(rig.scanner->failures().first().path, u"Note"_s);
+        const QString record = rig.scanner->records().first().id; // as on disk
+        rig.scanner->putBack(record);
+        rig.ending();
+        QVERIFY(rig.scanner->failures().first().reason.startsWith(u"卸载记录未能更新："_s));
     }
 
     void endsInTheMiddle()

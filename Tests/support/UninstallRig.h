@@ -2,9 +2,20 @@
 
 #include "foundation/SettingsStore.h"
 #include "maintenance/uninstall/AppScanner.h"
+#include "maintenance/uninstall/UninstallJournal.h"
 #include "support/FakePlatform.h"
 
+#include <QCoroTask>
+
 namespace velbrix::test {
+
+// One that has been read.
+inline UninstallJournal openedJournal(const QString &file)
+{
+    UninstallJournal journal(file);
+    QCoro::waitFor(journal.loaded());
+    return journal;
+}
 
 // A home with applications, two folders of their data and the uninstaller; the
 // trash really takes. Change the host, then call make().

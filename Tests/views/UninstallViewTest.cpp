@@ -1,4 +1,4 @@
-#include "maintenance/uninstall/UninstallJournal.h"
+#include "support/UninstallRig.h"
 #include "support/WindowRig.h"
 #include "views/components/RowList.h"
 #include "views/components/Switch.h"
@@ -229,8 +229,11 @@ private Q_SLOTS:
         UninstallJournal journal(rig.journal());
         journal.put(package);
         journal.put(moved);
-        QTRY_COMPARE(UninstallJournal(rig.journal()).records(), (QList{moved, package}));
+        QTRY_COMPARE(openedJournal(rig.journal()).records(), (QList{moved, package}));
+        QByteArray damaged = readFile(rig.journal());
+        writeFile(rig.journal(), damaged.insert(damaged.indexOf('[') + 1, "7,"));
         rig.open();
+        QTRY_VERIFY(rig.text(u"recordsProblem"_s).startsWith(u"部分卸载记录已损坏"_s));
         rig.click(u"forget.2"_s); // nothing could go back anyway
         QCOMPARE(rig.scanner().records(), QList{moved});
         QTRY_VERIFY(rig.find(u"forget.1"_s));
@@ -241,7 +244,7 @@ private Q_SLOTS:
         rig.click(u"noticeConfirm"_s);
         QVERIFY(rig.scanner().records().isEmpty());
         QVERIFY(!rig.find(u"forget.1"_s));
-        QTRY_VERIFY(UninstallJournal(rig.journal()).records().isEmpty());
+        QTRY_VERIFY(openedJournal(rig.journal()).records().isEmpty());
     }
 
     void modeAndOptions()
@@ -280,7 +283,10 @@ private Q_SLOTS:
         QCOMPARE(
             rig.text(u"reviewPackages"_s),
             u"应用本体由 APT 移除（可能需要输入密码），不会进入废纸篓。一并移除的软件包：gimp、gimp-data"_s);
-        QVERIFY(rig.find(u"reviewRunning"_s));
+        QVERIFY(rig.find(u"reviewRunning"_s) && !rig.button(u"reviewConfirm"_s)->isEnabled());
+        rig.host.programs.executables.clear();
+        QVERIFY(rig.until([&] { return rig.button(u"reviewConfirm"_s)->isEnabled(); }));
+        QVERIFY(!rig.find(u"reviewRunning"_s));
         rig.services->router.show(u"settings"_s);
         QVERIFY(!rig.find(u"uninstallReview"_s));
         rig.services->router.show(u"apps"_s);

@@ -1,10 +1,8 @@
 #include "platform/linux/applications/LinuxApplicationCatalog.h"
 
 #include "foundation/SystemClock.h"
-#include "support/FakeApplications.h"
 #include "support/FileTree.h"
-#include "support/Test.h"
-#include "support/VirtualClock.h"
+#include "support/UninstallRig.h"
 
 namespace {
 
@@ -81,8 +79,9 @@ struct HostRig {
     }
 };
 
-QStringList names(const QList<InstalledApplication> &applications)
+QStringList names(QList<InstalledApplication> applications)
 {
+    applications.removeIf([](const InstalledApplication &each) { return !each.isListed; });
     QStringList found;
     std::ranges::transform(applications, std::back_inserter(found), &InstalledApplication::name);
     found.sort();
@@ -168,6 +167,25 @@ private Q_SLOTS:
         rig.entry(u"system/applications/local.desktop"_s, "Behind");
         rig.entry(u"local/applications/local.desktop"_s, "Before");
         QCOMPARE(names(rig.applications()), QStringList{u"Before"_s});
+        QVERIFY(!rig.named(u"GIMP"_s).isListed && !rig.named(u"Behind"_s).isListed);
+        QVERIFY(rig.named(u"Mine"_s).name.isEmpty());
+    }
+
+    // Else the package would stay, without its settings.
+    void aCopyOfTheSystemsEntryIsNoOtherApplication()
+    {
+        HostRig rig;
+        rig.installApt();
+        const QString copy = rig.entry(rig.own + u"gimp.desktop"_s, "My GIMP", "Exec=env A=b true");
+        QCOMPARE(names(rig.applications()), QStringList{u"GIMP"_s});
+        const InstalledApplication gimp = rig.named(u"GIMP"_s);
+        QVERIFY(gimp.kind == Kind::managed && gimp.programs.value(0).endsWith(u"/true"_s));
+        QCOMPARE(gimp.companions, (QList<ApplicationCompanion>{{copy, true}}));
+        // One that starts the user's own program is another, with the same settings.
+        rig.entry(rig.own + u"gimp.desktop"_s, "My GIMP",
+                  "Exec=" + rig.write(u"home/apps/G.AppImage"_s).toUtf8());
+        QCOMPARE(names(rig.applications()), (QStringList{u"GIMP"_s, u"My GIMP"_s}));
+        QCOMPARE(rig.named(u"My GIMP"_s).identifier, rig.named(u"GIMP"_s).identifier);
     }
 
     // Nobody can tell whose they are.
@@ -203,6 +221,11 @@ private Q_SLOTS:
         QCOMPARE(found.companions, (QList<ApplicationCompanion>{{tool, false}}));
         QCOMPARE(rig.named(u"X"_s).companions, (QList<ApplicationCompanion>{{image, true}}));
         QCOMPARE(rig.named(u"X"_s).version, u"3"_s);
+        rig.entry(rig.own + u"y.desktop"_s, "Y", "Exec=" + image.toUtf8() + "\nNoDisplay=true");
+        QCOMPARE(rig.named(u"X"_s).companions, (QList<ApplicationCompanion>{{image, false}}));
+        const QString jar = rig.write(u"home/j.jar"_s);
+        rig.entry(rig.own + u"j.desktop"_s, "Jar", "Exec=java -jar " + jar.toUtf8());
+        QCOMPARE(rig.named(u"Jar"_s).companions, (QList<ApplicationCompanion>{{jar, false}}));
         QVERIFY(rig.named(u"Link"_s).companions.isEmpty() && rig.named(u"Out"_s).companions.isEmpty() &&
                 rig.named(u"Away"_s).companions.isEmpty());
     }
@@ -261,6 +284,42 @@ private Q_SLOTS:
         QVERIFY(rig.calls().contains(u"snap remove foo"_s));
         QVERIFY(rig.calls().contains(u"pkexec --disable-internal-agent "_s + rig.programs.snap +
                                      u" remove foo"_s));
+    }
+
+    // Snapd deletes them with the snap, whatever was agreed to.
+    void aSnapsDataGoesByTheReviewAlone()
+    {
+        const auto restored = qScopeGuard([home = qgetenv("HOME")] { qputenv("HOME", home); });
+        for (const auto &[mode, status, isKept] :
+             {std::tuple{UninstallMode::full, 0, false}, std::tuple{UninstallMode::appOnly, 0, true},
+              std::tuple{UninstallMode::full, 126, true}}) {
+            HostRig host;
+            UninstallRig rig;
+            const QString data = host.write(u"home/snap/paint/common/letter"_s, "dear");
+            host.entry(u"system/applications/paint_paint.desktop"_s, "Paint",
+                       "Exec=x\nX-SnapInstanceName=paint");
+            host.programs.pkexec = host.script(u"pkexec"_s, "shift; [ " + QByteArray::number(status) +
+                                                                " = 0 ] || exit 126; exec \"$@\"\n");
+            host.programs.snap =
+                host.script(u"snap"_s, "[ $1 = list ] && printf 'Name Version\npaint 7\n'\n"
+                                       "[ $1 = remove ] && rm -r '" +
+                                           host.at(u"home/snap/"_s).toUtf8() + "'$2\nexit 0\n");
+            LinuxApplicationCatalog catalog = host.catalog();
+            rig.scanner = std::make_shared<AppScanner>(
+                AppScanner::Ports{catalog, rig.host.diskUsage, rig.host.trash, rig.host.programs},
+                rig.settings, rig.clock, rig.journal());
+            rig.keepMessages();
+            rig.scanner->scan();
+            QVERIFY(rig.until([&] { return !rig.scanner->isScanning(); }));
+            const UninstallReview review = rig.reviewOf(u"Paint"_s, mode);
+            QVERIFY(review.items.last().why.startsWith(u"Snap 会删除它"_s));
+            rig.uninstall(review);
+            QCOMPARE(rig.scanner->progressStage().kind == UninstallStage::Kind::failed, status != 0);
+            QCOMPARE(readFile(data), isKept ? "dear" : "");
+            if (!rig.scanner->records().isEmpty())
+                rig.scanner->putBack(rig.scanner->records().first().id);
+            QVERIFY(isKept || rig.until([&] { return readFile(data) == "dear"; }));
+        }
     }
 
     void refusesWhatTheSystemNeeds()
@@ -377,6 +436,8 @@ private Q_SLOTS:
         const QList<InstalledApplication> all = rig.applications();
         QVERIFY(!all.isEmpty());
         for (const InstalledApplication &application : all) {
+            if (!application.isListed)
+                continue;
             QCOMPARE(application.kind, Kind::managed);
             QVERIFY(!application.version.isEmpty() && application.size > 0);
         }

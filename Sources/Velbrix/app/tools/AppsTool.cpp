@@ -242,6 +242,8 @@ QCoro::Task<CommandReply> uninstall(AppScanner &scanner, PrivacyManager &privacy
     const UninstallReview review = co_await scanner.reviewOf(app, *mode);
     if (isDryRun)
         co_return CommandReply{exitcode::done, textOf(review), {{u"review"_s, toJson(review)}}};
+    if (review.isRunning)
+        co_return CommandReply::refusal(u"应用正在运行，请先退出："_s + oneLine(app.name));
     const QString terms = termsOf(review);
     const bool hasChanged = !command.terms.isEmpty() && command.terms != terms;
     if (!command.has(u"--yes"_s) || hasChanged)

@@ -26,6 +26,12 @@ QString doneMessage(const QString &name, qsizetype failures)
     return failures == 0 ? done : done + u"，%1 项未能移动"_s.arg(failures);
 }
 
+// As launchers of one package.
+bool goTogether(const InstalledApplication &one, const InstalledApplication &other)
+{
+    return !one.package.isEmpty() && one.manager == other.manager && one.package == other.package;
+}
+
 } // namespace
 
 AppScanner::AppScanner(Ports ports, SettingsStore &settings, Clock &clock, const QString &journalFile,
@@ -38,16 +44,26 @@ AppScanner::AppScanner(Ports ports, SettingsStore &settings, Clock &clock, const
       _openReview({ports.catalog, ports.usage, ports.programs}, clock),
       _journal(journalFile),
       _trash(ports.trash, _journal, clock),
-      _sequence(ports.catalog, _trash, clock)
+      _sequence(ports.catalog, ports.programs, _trash, clock)
 {
     const QString mode = settings.string(udModeKey).value_or(QString());
     _uninstallMode = uninstallModeFromRawValue(mode).value_or(UninstallMode::full);
     const QJsonObject options = settings.json(udOptionsKey).value_or(QJsonValue()).toObject();
     _cleanupOptions = cleanupOptionsFromJson(options).value_or(CleanupOptions());
-    _records = _journal.records();
     observeSequence();
+    readRecords();
     _job.follow(*this, &AppScanner::uninstallingNameChanged, &AppScanner::isUninstallingChanged,
                 &AppScanner::progressValueChanged, &AppScanner::isPuttingBackChanged, &AppScanner::finished);
+}
+
+QCoro::Task<> AppScanner::readRecords()
+{
+    const QPointer self(this);
+    co_await _journal.loaded();
+    if (!self)
+        co_return;
+    _records = _journal.records();
+    _recordsProblem = _journal.problem();
 }
 
 AppScanner::~AppScanner()
@@ -110,6 +126,8 @@ QCoro::Task<> AppScanner::runScan(Cancellation scan)
         co_return;
     for (AppInfo &app : apps)
         app.id = _nextId++;
+    _unlisted = all;
+    _unlisted.removeIf([](const InstalledApplication &each) { return each.isListed; });
     _scanProblem = found ? QString() : found.error().message;
     _apps = apps;
     _isScanning = false;
@@ -158,10 +176,13 @@ UninstallPlan AppScanner::planFor(const AppInfo &app, UninstallMode mode) const
     UninstallPlan plan;
     plan.review = {app, mode, false, {}, {}};
     plan.search.subject = {app.name, app.bundleID, {}, _ports.catalog.ownIdentity()};
-    for (const AppInfo &other : apps()) {
-        if (other.path != app.path && !other.bundleID.isEmpty())
-            plan.search.subject.others.append(other.bundleID);
-    }
+    const auto addOther = [&](const InstalledApplication &other) {
+        if (other.path != app.path && !goTogether(other, app.source))
+            plan.search.subject.others.append(other.identifier);
+    };
+    for (const AppInfo &other : apps())
+        addOther(other.source);
+    std::ranges::for_each(_unlisted, addOther);
     plan.search.protectedPaths = {_ownFolder, _ports.catalog.ownIdentity().path};
     plan.search.protectedPaths += _ports.trash.folders();
     const CleanupOptions options = cleanupOptions();
@@ -255,10 +276,13 @@ void AppScanner::forget(const QString &recordId)
         return;
     _journal.remove(recordId).then([self = QPointer(this), name = record->name](const Result<void> &removed) {
         // What has begun meanwhile writes all records, and tells when it cannot.
-        if (removed || !self || self->_isBusy || self->isPuttingBack())
+        if (removed || !self)
+            return;
+        self->_records = self->_journal.records();
+        if (self->_isBusy || self->isPuttingBack())
             return;
         self->_failures = QList<FailedItem>{{name, removed.error().message}};
-        Q_EMIT self->finished(u"卸载记录未能移除，下次启动时还会出现"_s);
+        Q_EMIT self->finished(u"卸载记录未能移除"_s);
     });
     _records = _journal.records();
 }

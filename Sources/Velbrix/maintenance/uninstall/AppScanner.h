@@ -36,6 +36,7 @@ class AppScanner final : public QObject {
     VELB_PUBLISHED(AppScanner, QString, scanProblem)            // why there is no list
     VELB_PUBLISHED(AppScanner, QString, uninstallingName)       // of the application under way, else empty
     VELB_PUBLISHED(AppScanner, QList<UninstallRecord>, records) // the last uninstalls, newest first
+    VELB_PUBLISHED(AppScanner, QString, recordsProblem)         // why some are missing or none can be made
     VELB_PUBLISHED(AppScanner, QList<FailedItem>, failures)     // of the last uninstall or putting back
     VELB_PUBLISHED(AppScanner, bool, isPuttingBack, false)
 
@@ -48,13 +49,11 @@ public:
     };
 
     // All must outlive the scanner. The journal's file is made with the first
-    // uninstall; what lies beside it is this program's own and never taken.
+    // uninstall; what lies beside it is this program's own and never taken. It
+    // is read soon after.
     AppScanner(Ports ports, SettingsStore &settings, Clock &clock, const QString &journalFile,
                QObject *parent = nullptr);
     ~AppScanner() override;
-
-    // Why records are missing or none can be made; mostly empty.
-    const QString &recordsProblem() const { return _journal.problem(); }
 
     void scan();
     // The first showing of the page; later ones do nothing.
@@ -101,6 +100,7 @@ Q_SIGNALS:
 
 private:
     Job::State jobState() const;
+    QCoro::Task<> readRecords();
     QCoro::Task<> runScan(Cancellation scan);
     QCoro::Task<> runUninstall(UninstallReview review);
     QCoro::Task<> runPutBack(UninstallRecord record);
@@ -118,6 +118,7 @@ private:
     UninstallSequence _sequence;
     Cancellation _scanning;
     Cancellation _uninstalling;
+    QList<InstalledApplication> _unlisted; // what is installed besides the rows
     quint64 _nextId = 1;
     bool _hasScanned = false;
     bool _isBusy = false;

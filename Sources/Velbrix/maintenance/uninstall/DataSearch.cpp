@@ -1,5 +1,6 @@
 #include "maintenance/uninstall/DataSearch.h"
 
+#include "foundation/FolderHandle.h"
 #include "foundation/Paths.h"
 #include "foundation/Removal.h"
 
@@ -13,6 +14,8 @@
 #include <string>
 #include <utility>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -25,17 +28,31 @@ struct Entry {
     bool isLink = false;
 };
 
+fs::path pathOf(const QString &path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+// Whether both are names of one entry: where the composition of letters makes
+// no difference, a name may be asked for in another one than it has.
+bool areOne(const fs::path &one, const fs::path &other)
+{
+    struct stat facts{}, others{};
+    return ::lstat(one.c_str(), &facts) == 0 && ::lstat(other.c_str(), &others) == 0 &&
+           FileIdentity::of(facts) == FileIdentity::of(others);
+}
+
 QList<Entry> entriesOf(const QString &folder)
 {
     QList<Entry> entries;
     std::error_code problem;
-    fs::directory_iterator each(QFile::encodeName(folder).toStdString(), problem);
+    fs::directory_iterator each(pathOf(folder), problem);
     for (; !problem && each != fs::directory_iterator(); each.increment(problem)) {
         const QByteArray bytes = QByteArray::fromStdString(each->path().filename().native());
         const QString name = QFile::decodeName(bytes);
         std::error_code ignored;
         // Under a name that does not lead back to it the entry cannot be asked for.
-        if (QFile::encodeName(name) == bytes)
+        if (QFile::encodeName(name) == bytes || areOne(each->path(), pathOf(folder + u'/' + name)))
             entries.append({name, each->is_symlink(ignored)});
     }
     std::ranges::sort(entries, {}, &Entry::name);
@@ -55,10 +72,21 @@ QString withoutLinksAbove(const QString &path)
 bool leadsOutOf(const QString &folder, const QString &link)
 {
     std::error_code problem;
-    const fs::path target = fs::weakly_canonical(QFile::encodeName(link).toStdString(), problem);
+    const fs::path target = fs::weakly_canonical(pathOf(link), problem);
     if (problem)
         return true;
     return !isWithin(QFile::decodeName(QByteArray::fromStdString(target.native())), canonicalPath(folder));
+}
+
+// Development environments keep what was ever edited where others keep what can
+// be made again.
+bool holdsHistory(const QString &cache)
+{
+    const QDir folder(cache);
+    const QStringList parts = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
+    return parts.contains(u"LocalHistory"_s) || std::ranges::any_of(parts, [&](const QString &part) {
+               return QFileInfo(folder.filePath(part + u"/LocalHistory"_s)).isDir();
+           });
 }
 
 } // namespace
@@ -66,7 +94,7 @@ bool leadsOutOf(const QString &folder, const QString &link)
 bool isThere(const QString &path)
 {
     std::error_code problem;
-    const fs::file_status status = fs::symlink_status(QFile::encodeName(path).toStdString(), problem);
+    const fs::file_status status = fs::symlink_status(pathOf(path), problem);
     return fs::exists(status);
 }
 
@@ -111,13 +139,16 @@ QList<ReviewItem> findData(const DataSearch &search)
                 places.holdCanonical(canonicalParent + u'/' + entry.name))
                 continue;
             seen.insert(path);
+            QString caution = match->caution;
+            if (caution.isEmpty() && folder.kind == LibraryKind::caches && holdsHistory(path))
+                caution = u"里面有本地历史记录，不只是缓存"_s;
             items.append({.path = path,
                           .reason = match->reason,
                           .why = match->why,
-                          .caution = match->caution,
+                          .caution = caution,
                           .library = folder.kind,
                           .bytes = {},
-                          .isTicked = match->caution.isEmpty(),
+                          .isTicked = caution.isEmpty(),
                           .isFixed = false});
         }
     }

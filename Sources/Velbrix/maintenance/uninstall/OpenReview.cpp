@@ -1,7 +1,7 @@
 #include "maintenance/uninstall/OpenReview.h"
 
+#include "maintenance/uninstall/AppListing.h"
 #include "platform/DiskUsage.h"
-#include "platform/RunningPrograms.h"
 
 #include <QCoroFuture>
 #include <QFile>
@@ -16,19 +16,11 @@ namespace velbrix {
 namespace {
 
 constexpr auto sizesShownEvery = 100ms; // thousands come at once
+constexpr auto runningAskedEvery = 2s;
 
 bool isManaged(const AppInfo &app)
 {
     return app.source.kind == InstalledApplication::Kind::managed;
-}
-
-bool isRunning(const AppInfo &app, const RunningPrograms &programs)
-{
-    const auto runsFrom = [&](const ApplicationCompanion &companion) {
-        return programs.runsFrom(companion.path);
-    };
-    return (!app.bundleID.isEmpty() && !programs.running({app.bundleID}).isEmpty()) ||
-           programs.runsFrom(app.path) || std::ranges::any_of(app.source.companions, runsFrom);
 }
 
 ReviewItem applicationItem(const AppInfo &app)
@@ -38,6 +30,10 @@ ReviewItem applicationItem(const AppInfo &app)
     item.reason = MatchReason::application;
     item.why = isManaged(app) ? u"应用本体，由 %1 移除（%2）"_s.arg(app.source.manager, app.source.package)
                               : u"应用本体"_s;
+    QStringList lost = app.source.systemDataRemoved;
+    lost.removeIf([](const QString &path) { return !isThere(path); });
+    if (!lost.isEmpty())
+        item.caution = u"%1 会一并删除系统中的数据：%2"_s.arg(app.source.manager, lost.join(u"、"_s));
     item.isTicked = true;
     item.isFixed = true;
     if (isManaged(app) || app.size > 0)
@@ -64,6 +60,25 @@ QList<ReviewItem> companionItems(const QList<ApplicationCompanion> &companions, 
     return items;
 }
 
+// Says of the data that the manager would delete what becomes of it; such data
+// is listed in every mode.
+void addRemovedData(const AppInfo &app, QList<ReviewItem> &items)
+{
+    const QString fate = u"%1 会删除它，因此先移到废纸篓；不勾选则在移除后放回"_s.arg(app.source.manager);
+    for (const QString &path : app.source.userDataRemoved) {
+        if (const auto found = std::ranges::find(items, path, &ReviewItem::path); found != items.end()) {
+            found->why = fate;
+        } else if (isThere(path)) {
+            ReviewItem item;
+            item.path = path;
+            item.reason = MatchReason::companion;
+            item.why = fate;
+            item.caution = u"不在这次要清理的数据里"_s;
+            items.append(item);
+        }
+    }
+}
+
 QList<ReviewItem> itemsOf(const UninstallPlan &plan)
 {
     const AppInfo &app = plan.review.app;
@@ -75,6 +90,7 @@ QList<ReviewItem> itemsOf(const UninstallPlan &plan)
         if (!listed.contains(item.path))
             items.append(item);
     }
+    addRemovedData(app, items);
     items.prepend(applicationItem(app));
     return items;
 }
@@ -132,6 +148,7 @@ QCoro::Task<> OpenReview::run(UninstallPlan plan, Cancellation wanted)
         co_return;
     _review = review;
     _isPreparing = false;
+    _runningDue = _clock.after(runningAskedEvery, [this] { askRunning(); });
     const auto measured = [this](qsizetype item, qint64 bytes) {
         _sizes.insert(item, bytes);
         if (!_sizesDue)
@@ -155,6 +172,17 @@ void OpenReview::showSizes()
     _review = now;
 }
 
+// The user may end it while the review lies open, or start it.
+void OpenReview::askRunning()
+{
+    std::optional<UninstallReview> now = review();
+    if (!now)
+        return;
+    now->isRunning = isRunning(now->app, _ports.programs);
+    _review = now;
+    _runningDue = _clock.after(runningAskedEvery, [this] { askRunning(); });
+}
+
 void OpenReview::setTicked(const QString &path, bool isTicked)
 {
     std::optional<UninstallReview> now = review();
@@ -172,6 +200,7 @@ void OpenReview::close()
     _wanted.cancel();
     _wanted = Cancellation();
     _sizesDue.reset();
+    _runningDue.reset();
     _sizes.clear();
     _isPreparing = false;
     _review = std::nullopt;

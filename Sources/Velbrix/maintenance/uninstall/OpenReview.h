@@ -32,6 +32,7 @@ QCoro::Task<> measureReview(UninstallReview review, DiskUsage &usage,
 class OpenReview final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(OpenReview, bool, isPreparing, false)
+    // Whether it is running follows the application.
     VELB_PUBLISHED(OpenReview, std::optional<UninstallReview>, review)
 
 public:
@@ -56,12 +57,14 @@ public:
 private:
     QCoro::Task<> run(UninstallPlan plan, Cancellation wanted);
     void showSizes();
+    void askRunning();
 
     Ports _ports;
     Clock &_clock;
     Cancellation _wanted;
     QHash<qsizetype, qint64> _sizes; // of the review's items, not yet shown
     std::unique_ptr<Alarm> _sizesDue;
+    std::unique_ptr<Alarm> _runningDue;
 };
 
 } // namespace velbrix

@@ -27,8 +27,10 @@ public:
     // A new record; the former one is complete.
     void begin(const AppInfo &app);
     // Done when it has gone, be it by itself; a failure is told and recorded
-    // as well.
+    // as well. Without a record on disk nothing moves.
     QCoro::Task<Result<void>> move(QString path);
+    // Back at once, and out of the record, what has moved in this one.
+    QCoro::Task<> takeBack(QString path);
     // Has gone through its manager.
     QCoro::Task<> removed(QString package);
     // Stays for this reason.
@@ -44,7 +46,9 @@ Q_SIGNALS:
     void recorded(); // the journal has changed
 
 private:
+    QCoro::Task<Result<void>> enter();
     QCoro::Task<> remember();
+    QCoro::Task<Result<void>> restore(MovedItem item);
     void fail(const QString &path, const QString &reason);
 
     TrashCan &_trash;

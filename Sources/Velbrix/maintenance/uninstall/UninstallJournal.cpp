@@ -12,7 +12,7 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -43,7 +43,7 @@ struct Content {
     bool isWhole = true; // all that was there is a record
 };
 
-Content read(const QByteArray &bytes)
+Content contentOf(const QByteArray &bytes)
 {
     const QJsonValue list = QJsonDocument::fromJson(bytes).object().value("records"_L1);
     Content content{{}, list.isArray()};
@@ -63,71 +63,107 @@ bool isEmpty(const UninstallRecord &record)
 
 } // namespace
 
-UninstallJournal::UninstallJournal(QString file) : _file(std::move(file))
+UninstallJournal::UninstallJournal(const QString &file)
+    : _state(std::make_shared<State>(State{.file = file})),
+      _reading(QtConcurrent::run(&writer(), &UninstallJournal::read, file))
 {
-    load();
 }
 
-void UninstallJournal::load()
+UninstallJournal::State UninstallJournal::read(const QString &path)
 {
-    QFile file(_file);
+    State state{.file = path};
+    removeUnfinished(path);
+    QFile file(path);
     if (!file.exists())
-        return;
+        return state;
     if (!file.open(QIODevice::ReadOnly)) {
-        _isOutOfReach = true;
-        _problem = u"卸载记录无法读取，不能卸载：%1 %2"_s.arg(_file, file.errorString());
-        log::line(u"Uninstall"_s, _problem);
-        return;
+        state.isOutOfReach = true;
+        state.problem = u"卸载记录无法读取，不能卸载：%1 %2"_s.arg(path, file.errorString());
+        log::line(u"Uninstall"_s, state.problem);
+        return state;
     }
-    const Content content = read(file.readAll());
-    _records = content.records.first(std::min(content.records.size(), keptRecords));
-    for (UninstallRecord &record : _records)
+    const Content content = contentOf(file.readAll());
+    state.records = content.records.first(std::min(content.records.size(), keptRecords));
+    for (UninstallRecord &record : state.records)
         record.moved.removeIf(
             [](const MovedItem &item) { return item.trashed.isEmpty() && isThere(item.original); });
-    _records.removeIf(isEmpty);
+    state.records.removeIf(isEmpty);
     if (!content.isWhole)
-        keepAside();
+        keepAside(state);
+    return state;
 }
 
-void UninstallJournal::keepAside()
+void UninstallJournal::keepAside(State &state)
 {
-    const auto aside = setAside(_file);
-    _isOutOfReach = !aside;
+    const auto aside = setAside(state.file);
+    state.isOutOfReach = !aside;
     if (!aside)
-        _problem = u"卸载记录已损坏且无法移开，不能卸载：%1"_s.arg(aside.error().message);
-    else if (_records.isEmpty())
-        _problem = u"卸载记录已损坏，原文件保留为 %1"_s.arg(*aside);
+        state.problem = u"卸载记录已损坏且无法移开，不能卸载：%1"_s.arg(aside.error().message);
+    else if (state.records.isEmpty())
+        state.problem = u"卸载记录已损坏，原文件保留为 %1"_s.arg(*aside);
     else
-        _problem = u"部分卸载记录已损坏，其余的仍可放回；原文件保留为 %1"_s.arg(*aside);
-    log::line(u"Uninstall"_s, _problem);
-    if (aside && !_records.isEmpty())
-        (void)write(_file, _records); // else they are written with the next one
+        state.problem = u"部分卸载记录已损坏，其余的仍可放回；原文件保留为 %1"_s.arg(*aside);
+    log::line(u"Uninstall"_s, state.problem);
+    if (aside && !state.records.isEmpty())
+        (void)write(state.file, state.records); // else they are written with the next one
+}
+
+QCoro::Task<> UninstallJournal::loaded() const
+{
+    return load(_state, _reading);
+}
+
+QCoro::Task<> UninstallJournal::load(std::shared_ptr<State> state, QFuture<State> reading)
+{
+    if (state->isLoaded)
+        co_return;
+    const State found = co_await reading;
+    if (!state->isLoaded) {
+        *state = found;
+        state->isLoaded = true;
+    }
 }
 
 QCoro::Task<Result<void>> UninstallJournal::put(UninstallRecord record)
 {
-    const auto found = std::ranges::find(_records, record.id, &UninstallRecord::id);
-    if (found == _records.end())
-        _records.prepend(record);
+    const std::shared_ptr<State> state = _state;
+    const QFuture<State> reading = _reading;
+    co_await load(state, reading);
+    QList<UninstallRecord> &records = state->records;
+    const auto found = std::ranges::find(records, record.id, &UninstallRecord::id);
+    if (found == records.end())
+        records.prepend(record);
     else
         *found = record;
-    _records.removeIf(isEmpty);
-    while (_records.size() > keptRecords)
-        _records.removeLast();
-    return save();
+    records.removeIf(isEmpty);
+    while (records.size() > keptRecords)
+        records.removeLast();
+    const Result<void> saved = co_await save(state);
+    co_return saved;
 }
 
 QCoro::Task<Result<void>> UninstallJournal::remove(QString id)
 {
-    _records.removeIf([&](const UninstallRecord &record) { return record.id == id; });
-    return save();
+    const std::shared_ptr<State> state = _state;
+    const QFuture<State> reading = _reading;
+    co_await load(state, reading);
+    QList<UninstallRecord> &records = state->records;
+    const auto found = std::ranges::find(records, id, &UninstallRecord::id);
+    if (found == records.end())
+        co_return Result<void>();
+    const qsizetype place = std::distance(records.begin(), found);
+    const UninstallRecord record = records.takeAt(place);
+    const Result<void> saved = co_await save(state);
+    if (!saved && std::ranges::find(records, id, &UninstallRecord::id) == records.end())
+        records.insert(std::min(place, records.size()), record);
+    co_return saved;
 }
 
-QCoro::Task<Result<void>> UninstallJournal::save()
+QCoro::Task<Result<void>> UninstallJournal::save(std::shared_ptr<State> state)
 {
-    if (_isOutOfReach)
-        co_return failure(_problem);
-    const QFuture<Result<void>> written = QtConcurrent::run(&writer(), write, _file, _records);
+    if (state->isOutOfReach)
+        co_return failure(state->problem);
+    const QFuture<Result<void>> written = QtConcurrent::run(&writer(), write, state->file, state->records);
     const Result<void> result = co_await written;
     co_return result;
 }

@@ -58,6 +58,20 @@ QStringList allowedCompanions(const QList<ApplicationCompanion> &companions, con
     return allowed;
 }
 
+// What is there of the data that a manager would delete; a failure when some of
+// it must stay where it is.
+Result<QStringList> movableData(const QStringList &data, const QStringList &places)
+{
+    const ProtectedPaths stay(places);
+    QStringList there;
+    std::ranges::copy_if(data, std::back_inserter(there), isThere);
+    for (const QString &path : std::as_const(there)) {
+        if (stay.hold(path))
+            return failure(u"软件包管理器会删除受保护的位置，不能卸载：%1"_s.arg(path));
+    }
+    return there;
+}
+
 QStringList stillThere(const QSet<QString> &paths)
 {
     QStringList there;
@@ -101,6 +115,8 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
         co_return Outcome{};
     if (_cancellation.isCancelled())
         co_return ended(Kind::failed, u"已取消"_s);
+    if (const QString obstacle = runningObstacle(); !obstacle.isEmpty())
+        co_return ended(Kind::failed, obstacle);
     const Result<void> taken = co_await takeApplication();
     if (!self)
         co_return Outcome{};
@@ -152,21 +168,22 @@ QCoro::Task<QString> UninstallSequence::obstacle()
     }
     if (!found.isThere)
         co_return u"找不到应用"_s;
-    co_return found.isProtected ? u"受保护的位置，不能卸载：%1"_s.arg(path) : QString();
+    co_return found.isProtected ? u"受保护的位置，不能卸载：%1"_s.arg(path) : runningObstacle();
+}
+
+// It would write its files anew.
+QString UninstallSequence::runningObstacle() const
+{
+    return isRunning(_plan.review.app, _programs) ? u"应用正在运行，请先退出"_s : QString();
 }
 
 QCoro::Task<Result<void>> UninstallSequence::takeApplication()
 {
     const QPointer self(this);
-    const InstalledApplication source = _plan.review.app.source;
     const QString path = _plan.review.app.path;
-    if (source.kind == InstalledApplication::Kind::managed) {
-        const QStringList agreed = _plan.review.packages;
-        const Result<void> removed = co_await _catalog.removeManaged(source, agreed, _cancellation);
-        if (!self || !removed)
-            co_return removed;
-        co_await _trash.removed(source.package.isEmpty() ? source.name : source.package);
-        co_return Result<void>();
+    if (_plan.review.app.source.kind == InstalledApplication::Kind::managed) {
+        const Result<void> removed = co_await removePackage();
+        co_return removed;
     }
     const Result<void> moved = co_await _trash.move(path);
     if (!self || !moved)
@@ -177,6 +194,62 @@ QCoro::Task<Result<void>> UninstallSequence::takeApplication()
     if (self && isStillThere)
         co_return failure(u"无法将应用移入废纸篓"_s);
     co_return Result<void>();
+}
+
+QCoro::Task<Result<void>> UninstallSequence::removePackage()
+{
+    const QPointer self(this);
+    const InstalledApplication source = _plan.review.app.source;
+    const QStringList agreed = _plan.review.packages;
+    const Result<QStringList> aside = co_await setDataAside();
+    if (!self || !aside)
+        co_return aside ? Result<void>() : std::unexpected(aside.error());
+    const Result<void> removed = co_await _catalog.removeManaged(source, agreed, _cancellation);
+    if (!self)
+        co_return removed;
+    QStringList wanted = *aside;
+    if (removed) {
+        co_await _trash.removed(source.package.isEmpty() ? source.name : source.package);
+        if (!self)
+            co_return removed;
+        wanted.removeIf([this](const QString &path) { return _open.remove(path); });
+    }
+    co_await takeBack(wanted);
+    co_return removed;
+}
+
+// All of it or nothing.
+QCoro::Task<Result<QStringList>> UninstallSequence::setDataAside()
+{
+    const QPointer self(this);
+    const QFuture<Result<QStringList>> asked =
+        QtConcurrent::run(&uninstallWorkers(), movableData, _plan.review.app.source.userDataRemoved,
+                          _plan.search.protectedPaths);
+    const Result<QStringList> data = co_await asked;
+    if (!self || !data)
+        co_return data;
+    QStringList aside;
+    for (const QString &path : *data) {
+        const Result<void> moved = co_await _trash.move(path);
+        if (!self)
+            co_return aside;
+        if (!moved) {
+            co_await takeBack(aside);
+            co_return failure(u"会被 %1 删除的数据移不开，没有卸载"_s.arg(_plan.review.app.source.manager));
+        }
+        aside.append(path);
+    }
+    co_return aside;
+}
+
+QCoro::Task<> UninstallSequence::takeBack(QStringList paths)
+{
+    const QPointer self(this);
+    for (const QString &path : paths) {
+        co_await _trash.takeBack(path);
+        if (!self)
+            co_return;
+    }
 }
 
 QCoro::Task<> UninstallSequence::takeCompanions()

@@ -12,10 +12,12 @@
 namespace velbrix {
 
 class RecordedTrash;
+class RunningPrograms;
 
 // Takes one application away, step by step. Moves nothing but the application
 // itself, companions that the host named, and entries that the search finds
-// anew at that moment. One run at a time.
+// anew at that moment. What its manager would delete of the user's data goes
+// first and, unless ticked, comes back afterwards. One run at a time.
 class UninstallSequence final : public QObject {
     Q_OBJECT
 
@@ -26,8 +28,9 @@ public:
     };
 
     // All must outlive the sequence.
-    UninstallSequence(ApplicationCatalog &catalog, RecordedTrash &trash, Clock &clock)
-        : _catalog(catalog), _clock(clock), _trash(trash)
+    UninstallSequence(ApplicationCatalog &catalog, const RunningPrograms &programs, RecordedTrash &trash,
+                      Clock &clock)
+        : _catalog(catalog), _programs(programs), _clock(clock), _trash(trash)
     {
     }
 
@@ -41,7 +44,11 @@ Q_SIGNALS:
 private:
     void prepare(UninstallPlan plan, Cancellation cancellation);
     QCoro::Task<QString> obstacle();
+    QString runningObstacle() const;
     QCoro::Task<Result<void>> takeApplication();
+    QCoro::Task<Result<void>> removePackage();
+    QCoro::Task<Result<QStringList>> setDataAside();
+    QCoro::Task<> takeBack(QStringList paths);
     QCoro::Task<Outcome> takeTheRest();
     QCoro::Task<> takeCompanions();
     QCoro::Task<> takeData();
@@ -51,6 +58,7 @@ private:
     Outcome ended(UninstallStage::Kind kind, const QString &text = {});
 
     ApplicationCatalog &_catalog;
+    const RunningPrograms &_programs;
     Clock &_clock;
     RecordedTrash &_trash;
     UninstallPlan _plan;

@@ -45,7 +45,8 @@ template <typename Item, typename Read> std::optional<QList<Item>> readList(cons
 
 std::optional<MovedItem> movedItem(const QJsonObject &json)
 {
-    const MovedItem item = {json.value("original"_L1).toString(), json.value("trashed"_L1).toString()};
+    const MovedItem item = {json.value("original"_L1).toString(), json.value("trashed"_L1).toString(),
+                            json.value("identity"_L1).toString()};
     return item.original.startsWith(u'/') ? std::optional(item) : std::nullopt;
 }
 
@@ -228,7 +229,8 @@ QJsonObject toJson(const UninstallRecord &record)
 {
     QJsonArray moved;
     for (const MovedItem &item : record.moved)
-        moved.append(QJsonObject{{u"original"_s, item.original}, {u"trashed"_s, item.trashed}});
+        moved.append(QJsonObject{
+            {u"original"_s, item.original}, {u"trashed"_s, item.trashed}, {u"identity"_s, item.identity}});
     QJsonArray failed;
     for (const FailedItem &item : record.failed)
         failed.append(QJsonObject{{u"path"_s, item.path}, {u"reason"_s, item.reason}});

@@ -83,7 +83,7 @@ struct ReviewItem {
     QString path;
     MatchReason reason = MatchReason::name;
     QString why;     // in words
-    QString caution; // why it starts unticked; empty when it starts ticked
+    QString caution; // what speaks against it; mostly it starts unticked then
     std::optional<LibraryKind> library;
     std::optional<qint64> bytes; // nothing while it is being measured
     bool isTicked = false;
@@ -105,7 +105,8 @@ struct UninstallReview {
 // One thing that was moved and can go back.
 struct MovedItem {
     QString original;
-    QString trashed; // empty when nobody told where it lies
+    QString trashed;       // empty when nobody told where it lies
+    QString identity = {}; // of what lies there, as itemIdentity() tells; empty when unknown
 
     bool operator==(const MovedItem &) const = default;
 };

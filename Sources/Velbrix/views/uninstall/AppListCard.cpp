@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "foundation/Text.h"
+#include "maintenance/uninstall/AppListing.h"
 #include "platform/Platform.h"
 #include "views/Follow.h"
 #include "views/Theme.h"
@@ -11,7 +12,6 @@
 #include "views/components/RowList.h"
 #include "views/uninstall/AppRows.h"
 
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -32,18 +32,6 @@ qint64 total(const QList<AppInfo> &apps)
     for (const AppInfo &app : apps)
         bytes += app.size;
     return bytes;
-}
-
-// What the application's program may be called while it runs.
-QStringList programNames(const AppInfo &app)
-{
-    const QFileInfo file(app.path);
-    QStringList names{file.fileName(), file.completeBaseName()};
-    if (!app.bundleID.isEmpty())
-        names.append(app.bundleID);
-    for (const ApplicationCompanion &companion : app.source.companions)
-        names.append(QFileInfo(companion.path).fileName());
-    return names;
 }
 
 } // namespace

@@ -34,8 +34,10 @@ UninstallRecordsCard::UninstallRecordsCard(const ViewContext &context, QWidget *
     : Card(parent), _context(context), _none(nullptr), _list(new QWidget), _job(nullptr)
 {
     setObjectName(u"uninstallRecords"_s);
-    if (const QString &problem = context.services.uninstaller.recordsProblem(); !problem.isEmpty())
-        addRow(makeText(problem, u"warning"_s));
+    auto *problem = makeText({}, u"warning"_s);
+    problem->setObjectName(u"recordsProblem"_s);
+    problem->setContentsMargins(0, 10, 0, 10);
+    addRow(problem);
     auto *none = makeText(u"没有卸载记录。卸载后可以在这里放回原处。"_s, u"note"_s);
     none->setContentsMargins(0, 12, 0, 12);
     _none = none;
@@ -49,6 +51,10 @@ UninstallRecordsCard::UninstallRecordsCard(const ViewContext &context, QWidget *
     _job->setJob(u"正在放回原处…"_s, 0, 0);
     addRow(_job);
     AppScanner &scanner = context.services.uninstaller;
+    follow(scanner, &AppScanner::recordsProblemChanged, this, [problem, &scanner] {
+        problem->setText(scanner.recordsProblem());
+        problem->setVisible(!scanner.recordsProblem().isEmpty());
+    });
     follow(scanner, &AppScanner::recordsChanged, this, [this] { rebuild(); });
     connect(&scanner, &AppScanner::isPuttingBackChanged, this, [this] { showBusy(); });
     follow(scanner, &AppScanner::isUninstallingChanged, this, [this] { showBusy(); });

@@ -94,7 +94,7 @@ void UninstallReviewSheet::refresh()
     const auto review = _context.services.uninstaller.openReview().review();
     _job->setVisible(!review);
     _list->setVisible(review.has_value());
-    _confirm->setEnabled(review.has_value());
+    _confirm->setEnabled(review && !review->isRunning);
     _mode->setVisible(review.has_value());
     _total->setText(review ? tickedText(review->items) : QString());
     if (review) {
