@@ -67,8 +67,14 @@ public:
     QHash<QString, Result<VideoFacts>> factsOf; // by path; a usual video for the others
     Result<QImage> frameAnswer = QImage(64, 36, QImage::Format_RGB32);
     std::chrono::milliseconds delay{0};
-    QStringList calls; // "facts PATH", "frame PATH SECONDS WxH"
+    std::chrono::milliseconds fileDelay{0}; // of isFile()
+    QStringList calls;                      // "facts PATH", "frame PATH SECONDS WxH"
 
+    QCoro::Task<Result<bool>> isFile(const QString path) override
+    {
+        co_await _answer.after(fileDelay);
+        co_return QFileInfo(path).isFile();
+    }
     QCoro::Task<Result<VideoFacts>> facts(const QString path) override
     {
         calls << u"facts "_s + path;

@@ -14,14 +14,19 @@ public:
     {
         for (const QString &name : {QStringLiteral("content"), QStringLiteral("disk")})
             QDir(_folder.path()).mkdir(name);
-        const QString program =
-            QCoreApplication::applicationDirPath() + QStringLiteral("/../support/TestFileSystem");
-        _isMounted = QProcess::execute(
-                         program, QStringList{kind, _folder.filePath(QStringLiteral("content")), path()} +
-                                      options) == 0;
+        // It lies in the folder of all tests, above that of this one.
+        const QString program = QStringLiteral("support/TestFileSystem");
+        QDir tests(QCoreApplication::applicationDirPath());
+        while (!tests.exists(program) && tests.cdUp())
+            continue;
+        _isMounted =
+            QProcess::execute(tests.filePath(program),
+                              QStringList{kind, _folder.filePath(QStringLiteral("content")), path()} +
+                                  options) == 0;
     }
     ~MountedFolder()
     {
+        setHanging(false);
         if (_isMounted)
             QProcess::execute(QStringLiteral("fusermount3"), {QStringLiteral("-uz"), path()});
     }
@@ -29,6 +34,13 @@ public:
 
     bool isMounted() const { return _isMounted; }
     QString path() const { return _folder.filePath(QStringLiteral("disk")); }
+    // One of the hanging kind answers nobody meanwhile.
+    void setHanging(bool hangs) const
+    {
+        QFile sign(_folder.filePath(QStringLiteral("content.hangs")));
+        if (hangs ? !sign.open(QIODevice::WriteOnly) : sign.exists() && !sign.remove())
+            qFatal("the disk cannot be told");
+    }
 
 private:
     QTemporaryDir _folder;

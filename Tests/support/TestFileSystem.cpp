@@ -1,8 +1,8 @@
-// File systems for tests: TestFileSystem folding|decomposing|small FOLDER MOUNTPOINT [OPTION …].
+// File systems for tests: TestFileSystem folding|decomposing|small|hanging FOLDER MOUNTPOINT [OPTION …].
 // Shows what is in the folder as a disk does that takes names in other letter case or another
 // normal form for one ("folding", as APFS does), lists them decomposed as well ("decomposing", as
-// HFS+ does), or has room for 8 MiB ("small"). The options are libfuse's. Goes on in the background
-// once it is mounted.
+// HFS+ does), has room for 8 MiB ("small"), or answers nobody while there is a file FOLDER.hangs
+// ("hanging"). The options are libfuse's. Goes on in the background once it is mounted.
 
 #define FUSE_USE_VERSION 31
 #include <fuse.h>
@@ -55,8 +55,15 @@ std::string entry(const std::string &folder, const std::string &name)
     return found;
 }
 
+void answerInTime()
+{
+    while (kind == "hanging" && ::access((root + ".hangs").c_str(), F_OK) == 0)
+        ::usleep(20'000);
+}
+
 std::string real(const char *path)
 {
+    answerInTime();
     std::string at = root;
     for (const QByteArray &name : QByteArray(path).split('/')) {
         if (!name.isEmpty())
@@ -97,6 +104,7 @@ int opened(const char *path, fuse_file_info *file, int flags, mode_t mode)
 {
     const int descriptor = ::open(real(path).c_str(), flags, mode);
     file->fh = static_cast<uint64_t>(descriptor);
+    file->direct_io = kind == "hanging"; // nothing is read from memory
     return descriptor < 0 ? -errno : 0;
 }
 
@@ -129,6 +137,7 @@ fuse_operations operations()
         return opened(path, file, file->flags, mode);
     };
     made.read = [](const char *, char *buffer, size_t size, off_t at, fuse_file_info *file) {
+        answerInTime();
         return answer(::pread(static_cast<int>(file->fh), buffer, size, at));
     };
     made.write = [](const char *, const char *buffer, size_t size, off_t at, fuse_file_info *file) {

@@ -25,6 +25,9 @@ class MediaProbe {
 public:
     virtual ~MediaProbe() = default;
 
+    // Whether a file lies there; a failure where its disk does not answer in time.
+    virtual QCoro::Task<Result<bool>> isFile(const QString path) = 0;
+
     virtual QCoro::Task<Result<VideoFacts>> facts(const QString path) = 0;
     // The first picture at or after the time, made to fit the bound (never
     // enlarged). A cancelled search answers a failure soon.

@@ -1,7 +1,9 @@
 #include "MediaTools.h"
+#include "foundation/SystemClock.h"
 #include "platform/linux/media/libav/LibAvMediaProbe.h"
 #include "support/FakeMedia.h"
 #include "support/Fuzz.h"
+#include "support/MountedFolder.h"
 #include "support/Test.h"
 #include "support/VirtualClock.h"
 
@@ -22,7 +24,8 @@ class MediaProbeTest : public QObject {
     Q_OBJECT
 
     QTemporaryDir _folder;
-    LibAvMediaProbe _probe;
+    SystemClock _clock;
+    LibAvMediaProbe _probe{_clock};
 
     QString path(const QString &name) const { return _folder.filePath(name); }
     void make(const QString &arguments) const { ffmpeg(_folder.path(), arguments); }
@@ -57,6 +60,9 @@ private Q_SLOTS:
 
         QCOMPARE(QCoro::waitFor(probe.facts(video)), Result<VideoFacts>(VideoFacts{true, {320, 180}, 25, 3}));
         QCOMPARE(errorText(QCoro::waitFor(probe.facts(path(u"missing.mp4"_s)))), u"文件不存在"_s);
+        QCOMPARE(QCoro::waitFor(probe.isFile(video)), Result<bool>(true));
+        for (const QString &other : {path(u"missing.mp4"_s), _folder.path()})
+            QCOMPARE(QCoro::waitFor(probe.isFile(other)), Result<bool>(false));
         const auto small = QCoro::waitFor(probe.frame(video, 0, {100, 100}, Cancellation()));
         QVERIFY(small);
         QCOMPARE(small->size(), QSize(100, 56));
@@ -155,7 +161,8 @@ private Q_SLOTS:
         QMap<QString, QString> words{{u"missing.mp4"_s, u"文件不存在"_s},
                                      {u"dangling.mp4"_s, u"文件不存在"_s},
                                      {u"folder.mp4"_s, u"这是文件夹，不是视频文件"_s},
-                                     {u"empty.mp4"_s, u"文件是空的"_s}};
+                                     {u"empty.mp4"_s, u"文件是空的"_s},
+                                     {u"\uFFFD.mp4"_s, u"文件名不是有效的 UTF-8 文字，请先给它改名"_s}};
         for (const char *name :
              {"pipe.mp4", "text.mp4", "playlist.mp4", "script.mp4", "cut off.mp4", "still.mp4"})
             words.insert(QString::fromLatin1(name), u"不是可播放的视频文件"_s);
@@ -222,9 +229,33 @@ private Q_SLOTS:
         QVERIFY2(answered > 50, qPrintable(QString::number(answered)));
     }
 
+    void aDiskThatDoesNotAnswerHoldsUpNoOther()
+    {
+        const MountedFolder disk(u"hanging"_s);
+        if (!disk.isMounted())
+            QSKIP("no FUSE here");
+        const QString far = disk.path() + u"/far.mp4"_s;
+        QVERIFY(QFile::copy(path(u"colours.mp4"_s), far));
+        disk.setHanging(true);
+        VirtualClock clock;
+        LibAvMediaProbe probe(clock);
+        QStringList told;
+        const auto tell = [&told](const auto &answer) { told << errorText(answer); };
+        for (int i = 0; i < 3; ++i) {
+            probe.facts(far).then([&](Result<VideoFacts> answer) { tell(answer); });
+            probe.frame(far, 0, {64, 64}, {}).then([&](Result<QImage> answer) { tell(answer); });
+            probe.isFile(far).then([&](Result<bool> answer) { tell(answer); });
+        }
+        QTRY_COMPARE((clock.advance(5s), told), QStringList(9, u"存放它的磁盘没有回应"_s));
+        const QString near = path(u"colours.mp4"_s);
+        QVERIFY(QCoro::waitFor(probe.facts(near)));
+        QVERIFY(QCoro::waitFor(probe.frame(near, 0, {64, 64}, {})));
+        QCOMPARE(QCoro::waitFor(probe.isFile(near)), Result<bool>(true));
+    }
+
     void whatIsStillAskedEndsWithTheProbe()
     {
-        auto probe = std::make_unique<LibAvMediaProbe>();
+        auto probe = std::make_unique<LibAvMediaProbe>(_clock);
         int failures = 0;
         for (int i = 0; i < 6; ++i) {
             probe->frame(path(u"long.mp4"_s), 19.9, {320, 180}, Cancellation())

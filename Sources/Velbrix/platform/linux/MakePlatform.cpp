@@ -77,7 +77,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.loginItem = std::make_unique<XdgLoginItem>(configuration + u"/autostart/velbrix.desktop"_s,
                                                         QCoreApplication::applicationFilePath());
     platform.symbols = std::make_unique<ThemeSymbols>();
-    platform.mediaProbe = std::make_unique<LibAvMediaProbe>();
+    platform.mediaProbe = std::make_unique<LibAvMediaProbe>(clock);
     platform.diskUsage = std::make_unique<TreeDiskUsage>();
     platform.power = std::make_unique<UPowerSource>(clock);
     platform.sleep = std::make_unique<LogindSleep>();

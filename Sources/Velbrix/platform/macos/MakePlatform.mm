@@ -62,7 +62,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.surfaces = std::make_unique<AVDesktopSurfaces>(clock);
     platform.desktopPicture = std::make_unique<MacDesktopPicture>();
     platform.visibility = std::make_unique<MacDesktopVisibility>(clock);
-    platform.mediaProbe = std::make_unique<AVMediaProbe>();
+    platform.mediaProbe = std::make_unique<AVMediaProbe>(clock);
     platform.power = std::make_unique<IOPSPowerSource>();
     platform.sleep = std::make_unique<MacSystemSleep>();
     platform.dock = std::make_unique<DefaultsDockPreference>(clock);

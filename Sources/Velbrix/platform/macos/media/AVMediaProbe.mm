@@ -7,6 +7,8 @@
 #include "platform/macos/system/Completion.h"
 #include "platform/macos/system/FoundationBridge.h"
 
+#include <QFileInfo>
+
 #include <utility>
 
 namespace velbrix {
@@ -51,6 +53,12 @@ void probeTrack(AVAsset *asset, AVAssetTrack *track, Probed probed)
 }
 
 } // namespace
+
+QCoro::Task<Result<bool>> AVMediaProbe::isFile(const QString path)
+{
+    const auto found = co_await _looks.run([path] { return QFileInfo(path).isFile(); });
+    co_return found ? Result<bool>(*found) : failure(silentDiskWords);
+}
 
 QCoro::Task<Result<VideoFacts>> AVMediaProbe::facts(const QString path)
 {

@@ -3,8 +3,7 @@
 #include "platform/linux/media/libav/FittedSize.h"
 #include "platform/linux/media/libav/VideoInput.h"
 
-#include <QCoroFuture>
-#include <QtConcurrent/QtConcurrentRun>
+#include <QFileInfo>
 
 #include <cmath>
 #include <limits>
@@ -14,6 +13,10 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
+
+constexpr int looksAtOnce = 4;
+constexpr int factsAtOnce = 2;
+constexpr int picturesAtOnce = 2;
 
 class Search {
 public:
@@ -72,12 +75,13 @@ private:
     bool _hasEnded = false;
 };
 
-// A video that does not name its colour space has the one usual for its size.
+// A video that does not name its colour space has the one usual for its size,
+// by the same bounds as the player's.
 int colours(const AVFrame &picture)
 {
     if (picture.colorspace != AVCOL_SPC_UNSPECIFIED)
         return picture.colorspace;
-    return picture.height >= 720 ? SWS_CS_ITU709 : SWS_CS_ITU601;
+    return picture.width >= 1280 || picture.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601;
 }
 
 Result<QImage> scaled(const AVFrame &picture, QSize size)
@@ -146,12 +150,17 @@ Result<QImage> findPicture(const QString &path, double seconds, QSize bound, con
     return videoPicture(*input, seconds, bound, limit);
 }
 
+template <typename T> QCoro::Task<Result<T>> answered(QCoro::Task<std::optional<Result<T>>> asked)
+{
+    const auto answer = co_await asked;
+    co_return answer ? *answer : Result<T>(failure(silentDiskWords));
+}
+
 } // namespace
 
-LibAvMediaProbe::LibAvMediaProbe()
+LibAvMediaProbe::LibAvMediaProbe(Clock &clock)
+    : _looks(clock, looksAtOnce), _facts(clock, factsAtOnce), _pictures(clock, picturesAtOnce)
 {
-    _factThreads.setMaxThreadCount(1);
-    _pictureThreads.setMaxThreadCount(2);
 }
 
 LibAvMediaProbe::~LibAvMediaProbe()
@@ -159,18 +168,22 @@ LibAvMediaProbe::~LibAvMediaProbe()
     _ended.cancel();
 }
 
+QCoro::Task<Result<bool>> LibAvMediaProbe::isFile(const QString path)
+{
+    return answered(_looks.run([path] { return Result<bool>(QFileInfo(path).isFile()); }));
+}
+
 QCoro::Task<Result<VideoFacts>> LibAvMediaProbe::facts(const QString path)
 {
-    const QFuture<Result<VideoFacts>> found = QtConcurrent::run(&_factThreads, findFacts, path, _ended);
-    co_return co_await found;
+    return answered(_facts.run([path, ended = _ended] { return findFacts(path, ended); }));
 }
 
 QCoro::Task<Result<QImage>> LibAvMediaProbe::frame(const QString path, double seconds, QSize bound,
                                                    Cancellation cancellation)
 {
-    const QFuture<Result<QImage>> found =
-        QtConcurrent::run(&_pictureThreads, findPicture, path, seconds, bound, _ended, cancellation);
-    co_return co_await found;
+    return answered(_pictures.run([path, seconds, bound, ended = _ended, cancellation] {
+        return findPicture(path, seconds, bound, ended, cancellation);
+    }));
 }
 
 } // namespace velbrix

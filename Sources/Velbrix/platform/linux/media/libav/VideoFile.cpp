@@ -14,8 +14,11 @@ QString notPlayableWords()
 Result<void> checkVideoFile(const QString &path)
 {
     const QFileInfo file(path);
-    if (!file.exists())
-        return failure(u"文件不存在"_s);
+    if (!file.exists()) {
+        // What stands for bytes that are no text finds no file.
+        const bool isReadable = !path.contains(QChar::ReplacementCharacter);
+        return failure(isReadable ? u"文件不存在"_s : u"文件名不是有效的 UTF-8 文字，请先给它改名"_s);
+    }
     if (file.isDir())
         return failure(u"这是文件夹，不是视频文件"_s);
     if (!file.isFile())

@@ -11,6 +11,7 @@
     X(mpv_create)                                                                                            \
     X(mpv_free_node_contents)                                                                                \
     X(mpv_get_property)                                                                                      \
+    X(mpv_get_property_async)                                                                                \
     X(mpv_hook_add)                                                                                          \
     X(mpv_hook_continue)                                                                                     \
     X(mpv_initialize)                                                                                        \

@@ -71,6 +71,7 @@ constexpr std::array<Option, 42> options{{
 constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpeg,ogg";
 
 constexpr qint64 largestPixels = qint64{2560} * 1440;
+constexpr qint64 mostLargePictures = 31; // a second
 // What one thread decodes with room to spare.
 constexpr qint64 pixelsPerSecond = qint64{1920} * 1088 * 31;
 
@@ -116,6 +117,9 @@ void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track
     mpv.mpv_set_property(handle, "vd-lavc-fast", MPV_FORMAT_FLAG, &flag);
     const char *skipped = pixels > largestPixels ? "nonref" : "default";
     mpv.mpv_set_property(handle, "vd-lavc-skiploopfilter", MPV_FORMAT_STRING, static_cast<void *>(&skipped));
+    // More than thirty large pictures a second: those that no other needs are left out.
+    const char *dropped = pixels > largestPixels && rate > mostLargePictures ? "nonref" : "default";
+    mpv.mpv_set_property(handle, "vd-lavc-skipframe", MPV_FORMAT_STRING, static_cast<void *>(&dropped));
     const char *filter = uprightFilter(nodeNumber(track, "demux-rotation"));
     mpv.mpv_set_property(handle, "vf", MPV_FORMAT_STRING, static_cast<void *>(&filter));
     // Each thread more holds pictures of its own.

@@ -20,6 +20,9 @@ namespace {
 
 const QString cannotOpen = u"无法打开文件"_s;
 
+constexpr std::uint64_t positionQuestion = 1; // properties and commands count apart
+constexpr double afterTheLoop = 2;            // seconds
+
 template <std::size_t count>
 void command(const LibMpv &mpv, mpv_handle *handle, std::uint64_t number,
              const std::array<const char *, count> &words)
@@ -54,7 +57,7 @@ bool isVideo(const mpv_node &track)
 
 } // namespace
 
-Result<std::unique_ptr<MpvPlayer>> MpvPlayer::create(Events events)
+Result<std::unique_ptr<MpvPlayer>> MpvPlayer::create(FileThreads &files, Events events)
 {
     const auto mpv = libMpv();
     if (!mpv)
@@ -66,7 +69,7 @@ Result<std::unique_ptr<MpvPlayer>> MpvPlayer::create(Events events)
         (*mpv)->mpv_terminate_destroy(handle);
         return failure(u"无法启动视频播放器"_s);
     }
-    return std::unique_ptr<MpvPlayer>(new MpvPlayer(**mpv, handle, std::move(events)));
+    return std::unique_ptr<MpvPlayer>(new MpvPlayer(files, **mpv, handle, std::move(events)));
 }
 
 bool MpvPlayer::start(const LibMpv &mpv, mpv_handle *handle)
@@ -75,8 +78,9 @@ bool MpvPlayer::start(const LibMpv &mpv, mpv_handle *handle)
            mpv.mpv_observe_property(handle, 0, "video-out-params", MPV_FORMAT_NODE) >= 0;
 }
 
-MpvPlayer::MpvPlayer(const LibMpv &mpv, mpv_handle *handle, Events events)
-    : _mpv(mpv),
+MpvPlayer::MpvPlayer(FileThreads &files, const LibMpv &mpv, mpv_handle *handle, Events events)
+    : _files(files),
+      _mpv(mpv),
       _handle(handle),
       _events(std::move(events)),
       _queue(mpv, handle, [this](const mpv_event &event) { handleEvent(event); })
@@ -88,7 +92,6 @@ MpvPlayer::~MpvPlayer() = default;
 mpv_handle *MpvPlayer::release()
 {
     _queue.close();
-    _relay->close();
     return std::exchange(_handle, nullptr);
 }
 
@@ -98,18 +101,33 @@ int MpvPlayer::load(const QString &path)
     _path = QFileInfo(path).absoluteFilePath();
     ++_load;
     _entry.reset();
-    if (const auto usable = checkVideoFile(_path); !usable) {
-        stop();
-        _relay->post([this, why = usable.error().message, load = _load] {
-            if (load == _load && isLoaded())
-                fail(why);
-        });
-        return _load;
+    open(_load);
+    return _load;
+}
+
+QCoro::Task<std::optional<Result<void>>> MpvPlayer::look(int load)
+{
+    const std::weak_ptr isAlive = _isAlive;
+    auto looking = _files.run([path = _path] { return checkVideoFile(path); });
+    const auto looked = co_await looking;
+    if (isAlive.expired() || load != _load || !isLoaded())
+        co_return std::nullopt;
+    co_return looked ? *looked : Result<void>(failure(silentDiskWords));
+}
+
+// The player does not get a file that would stop its threads for good.
+QCoro::Task<> MpvPlayer::open(int load)
+{
+    const auto usable = co_await look(load);
+    if (!usable)
+        co_return;
+    if (!*usable) {
+        fail(usable->error().message);
+        co_return;
     }
     const QByteArray name = QFile::encodeName(_path);
-    command(_mpv, _handle, static_cast<std::uint64_t>(_load),
+    command(_mpv, _handle, static_cast<std::uint64_t>(load),
             std::array<const char *, 3>{"loadfile", name.constData(), "replace"});
-    return _load;
 }
 
 void MpvPlayer::stop()
@@ -121,6 +139,17 @@ void MpvPlayer::stop()
 void MpvPlayer::setPaused(bool isPaused)
 {
     setFlag("pause", isPaused);
+    if (std::exchange(_isPaused, isPaused) && !isPaused && _isAudible)
+        _mpv.mpv_get_property_async(_handle, positionQuestion, "time-pos", MPV_FORMAT_DOUBLE);
+}
+
+// Where a pause comes while the video has begun again and the end of its sound is
+// still to be heard, libmpv 0.35 waits for that end for ever: the sound server does
+// not play what is too little. Setting it to its own position begins the sound anew.
+void MpvPlayer::resumed(const mpv_event_property &position)
+{
+    if (position.format == MPV_FORMAT_DOUBLE && *static_cast<const double *>(position.data) < afterTheLoop)
+        command(_mpv, _handle, 0, std::array<const char *, 3>{"seek", "0", "relative+exact"});
 }
 
 void MpvPlayer::setRate(double rate)
@@ -133,7 +162,8 @@ void MpvPlayer::setRate(double rate)
 void MpvPlayer::setVolume(double volume)
 {
     set("volume", 100 * std::cbrt(std::clamp(volume, 0.0, 1.0)));
-    set("aid", volume > 0 ? "auto" : "no");
+    _isAudible = volume > 0;
+    set("aid", _isAudible ? "auto" : "no");
 }
 
 void MpvPlayer::setGravity(VideoGravity gravity)
@@ -190,6 +220,10 @@ void MpvPlayer::handleEvent(const mpv_event &event)
     case MPV_EVENT_END_FILE:
         ended(*static_cast<const mpv_event_end_file *>(event.data));
         return;
+    case MPV_EVENT_GET_PROPERTY_REPLY:
+        if (event.error >= 0 && event.reply_userdata == positionQuestion)
+            resumed(*static_cast<const mpv_event_property *>(event.data));
+        return;
     case MPV_EVENT_PROPERTY_CHANGE:
         readFormat(*static_cast<const mpv_event_property *>(event.data));
         return;
@@ -233,9 +267,14 @@ void MpvPlayer::ended(const mpv_event_end_file &end)
 {
     if (!_entry || end.playlist_entry_id != *_entry)
         return;
-    if (const auto usable = checkVideoFile(_path); !usable)
-        return fail(usable.error().message);
-    fail(wordsOf(end.error));
+    explainEnd(_load, wordsOf(end.error));
+}
+
+QCoro::Task<> MpvPlayer::explainEnd(int load, QString otherwise)
+{
+    const auto usable = co_await look(load);
+    if (usable)
+        fail(*usable ? otherwise : usable->error().message);
 }
 
 void MpvPlayer::fail(const QString &why)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/MainThreadRelay.h"
+#include "foundation/FileThreads.h"
 #include "platform/VideoSurface.h"
 #include "platform/linux/media/mpv/LibMpv.h"
 #include "platform/linux/media/mpv/MpvEventQueue.h"
@@ -36,7 +36,8 @@ public:
         std::function<void(Failure)> failed;
     };
 
-    static Result<std::unique_ptr<MpvPlayer>> create(Events events);
+    // The files outlive the player.
+    static Result<std::unique_ptr<MpvPlayer>> create(FileThreads &files, Events events);
     // The handle must have been released.
     ~MpvPlayer();
     MpvPlayer(const MpvPlayer &) = delete;
@@ -59,9 +60,14 @@ public:
     void setScaling(bool isNeeded);
 
 private:
-    MpvPlayer(const LibMpv &mpv, mpv_handle *handle, Events events);
+    MpvPlayer(FileThreads &files, const LibMpv &mpv, mpv_handle *handle, Events events);
     static bool start(const LibMpv &mpv, mpv_handle *handle);
+    // Nothing when another load has overtaken this one or the player has gone.
+    QCoro::Task<std::optional<Result<void>>> look(int load);
+    QCoro::Task<> open(int load);
+    QCoro::Task<> explainEnd(int load, QString otherwise);
     void handleEvent(const mpv_event &event);
+    void resumed(const mpv_event_property &position);
     void prepare();
     void readFormat(const mpv_event_property &property);
     void ended(const mpv_event_end_file &end);
@@ -71,15 +77,18 @@ private:
     void set(const char *name, double value);
     void setFlag(const char *name, bool value);
 
+    FileThreads &_files;
     const LibMpv &_mpv;
     mpv_handle *_handle;
     const Events _events;
-    const std::shared_ptr<MainThreadRelay> _relay = std::make_shared<MainThreadRelay>();
+    const std::shared_ptr<const bool> _isAlive = std::make_shared<bool>(true);
     QString _path;
     int _load = 0;
     std::optional<qint64> _entry;   // of this load in the player's list
     std::optional<qint64> _started; // the entry that the player is at
     PictureFormat _format;
+    bool _isPaused = true;
+    bool _isAudible = false;
     std::optional<bool> _isScaling;
     MpvEventQueue _queue;
 };

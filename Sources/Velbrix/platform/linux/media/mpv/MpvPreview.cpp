@@ -5,17 +5,17 @@
 
 namespace velbrix {
 
-Result<std::unique_ptr<VideoPreview>> MpvPreview::create(std::shared_ptr<RetiredThreads> retired,
+Result<std::unique_ptr<VideoPreview>> MpvPreview::create(std::shared_ptr<PlayerThreads> threads,
                                                          const QString &path, QSize bound,
                                                          PreviewEvents events)
 {
     std::unique_ptr<MpvPreview> preview(new MpvPreview(bound, std::move(events)));
-    if (const auto opened = preview->open(std::move(retired), path); !opened)
+    if (const auto opened = preview->open(std::move(threads), path); !opened)
         return std::unexpected(opened.error());
     return preview;
 }
 
-Result<void> MpvPreview::open(std::shared_ptr<RetiredThreads> retired, const QString &path)
+Result<void> MpvPreview::open(std::shared_ptr<PlayerThreads> threads, const QString &path)
 {
     // Once more through the event loop: the caller may destroy us.
     const auto failed = [this](const Failure &why) {
@@ -29,7 +29,7 @@ Result<void> MpvPreview::open(std::shared_ptr<RetiredThreads> retired, const QSt
             call(image);
     };
     auto painted = PaintedPlayer::create(
-        std::move(retired), std::make_unique<ImageSink>(_relay, deliver),
+        std::move(threads), std::make_unique<ImageSink>(_relay, deliver),
         {.formatChanged = [this](const PictureFormat &format) { fit(format); }, .failed = failed},
         [](int) {});
     if (!painted)

@@ -11,7 +11,7 @@ namespace velbrix {
 class MpvPreview final : public VideoPreview {
 public:
     static Result<std::unique_ptr<VideoPreview>>
-    create(std::shared_ptr<RetiredThreads> retired, const QString &path, QSize bound, PreviewEvents events);
+    create(std::shared_ptr<PlayerThreads> threads, const QString &path, QSize bound, PreviewEvents events);
     ~MpvPreview() override;
 
     void play() override;
@@ -19,7 +19,7 @@ public:
 
 private:
     MpvPreview(QSize bound, PreviewEvents events) : _bound(bound), _events(std::move(events)) {}
-    Result<void> open(std::shared_ptr<RetiredThreads> retired, const QString &path);
+    Result<void> open(std::shared_ptr<PlayerThreads> threads, const QString &path);
     void fit(const PictureFormat &format);
 
     const QSize _bound;

@@ -4,13 +4,14 @@
 
 namespace velbrix {
 
-Result<std::unique_ptr<PaintedPlayer>> PaintedPlayer::create(std::shared_ptr<RetiredThreads> retired,
+Result<std::unique_ptr<PaintedPlayer>> PaintedPlayer::create(std::shared_ptr<PlayerThreads> threads,
                                                              std::unique_ptr<PictureSink> sink, Events events,
                                                              VideoRenderer::FirstPicture firstPicture)
 {
-    std::unique_ptr<PaintedPlayer> painted(new PaintedPlayer(std::move(retired)));
+    std::unique_ptr<PaintedPlayer> painted(new PaintedPlayer(std::move(threads)));
     auto player =
-        MpvPlayer::create({.starting = [self = painted.get()](int load) { self->_renderer->begin(load); },
+        MpvPlayer::create(painted->_threads->files,
+                          {.starting = [self = painted.get()](int load) { self->_renderer->begin(load); },
                            .formatChanged = std::move(events.formatChanged),
                            .failed = std::move(events.failed)});
     if (!player)
@@ -31,7 +32,7 @@ PaintedPlayer::~PaintedPlayer()
     if (!_renderer)
         return;
     _player->release();
-    VideoRenderer::retire(std::move(_renderer), *_retired);
+    VideoRenderer::retire(std::move(_renderer), _threads->retired);
 }
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/media/mpv/MpvPlayer.h"
+#include "platform/linux/media/mpv/PlayerThreads.h"
 #include "platform/linux/media/mpv/VideoRenderer.h"
 
 namespace velbrix {
@@ -15,7 +16,7 @@ public:
         std::function<void(Failure)> failed;
     };
 
-    static Result<std::unique_ptr<PaintedPlayer>> create(std::shared_ptr<RetiredThreads> retired,
+    static Result<std::unique_ptr<PaintedPlayer>> create(std::shared_ptr<PlayerThreads> threads,
                                                          std::unique_ptr<PictureSink> sink, Events events,
                                                          VideoRenderer::FirstPicture firstPicture);
     // Waits for no thread.
@@ -27,9 +28,9 @@ public:
     VideoRenderer &renderer() const { return *_renderer; }
 
 private:
-    explicit PaintedPlayer(std::shared_ptr<RetiredThreads> retired) : _retired(std::move(retired)) {}
+    explicit PaintedPlayer(std::shared_ptr<PlayerThreads> threads) : _threads(std::move(threads)) {}
 
-    const std::shared_ptr<RetiredThreads> _retired;
+    const std::shared_ptr<PlayerThreads> _threads;
     std::unique_ptr<MpvPlayer> _player;
     std::unique_ptr<VideoRenderer> _renderer;
 };

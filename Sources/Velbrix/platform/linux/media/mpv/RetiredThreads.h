@@ -1,7 +1,8 @@
 #pragma once
 
-#include <atomic>
+#include <chrono>
 #include <memory>
+#include <semaphore>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -9,7 +10,8 @@
 namespace velbrix {
 
 // Threads on their way out, for which nobody waits but the last owner of the
-// list. Main thread.
+// list, and it only for a moment: one that hangs with its file is left behind.
+// Main thread.
 class RetiredThreads {
 public:
     RetiredThreads() = default;
@@ -17,26 +19,33 @@ public:
     RetiredThreads &operator=(const RetiredThreads &) = delete;
     ~RetiredThreads()
     {
-        for (Entry &entry : _entries)
-            entry.thread.join();
+        std::chrono::seconds patience(2);
+        for (Entry &entry : _entries) {
+            if (entry.hasEnded->try_acquire_for(patience)) {
+                entry.thread.join();
+            } else {
+                entry.thread.detach();
+                patience = {};
+            }
+        }
     }
 
-    // The thread sets the flag as the last thing it does.
-    void add(std::thread thread, std::shared_ptr<const std::atomic<bool>> isDone)
+    // The thread releases the semaphore as the last thing it does.
+    void add(std::thread thread, std::shared_ptr<std::binary_semaphore> hasEnded)
     {
         std::erase_if(_entries, [](Entry &entry) {
-            if (!*entry.isDone)
+            if (!entry.hasEnded->try_acquire())
                 return false;
             entry.thread.join();
             return true;
         });
-        _entries.push_back({std::move(thread), std::move(isDone)});
+        _entries.push_back({std::move(thread), std::move(hasEnded)});
     }
 
 private:
     struct Entry {
         std::thread thread;
-        std::shared_ptr<const std::atomic<bool>> isDone;
+        std::shared_ptr<std::binary_semaphore> hasEnded;
     };
     std::vector<Entry> _entries;
 };

@@ -222,9 +222,9 @@ Result<std::unique_ptr<VideoRenderer>> VideoRenderer::create(const LibMpv &mpv, 
 }
 
 VideoRenderer::VideoRenderer(std::shared_ptr<Shared> shared, std::unique_ptr<Loop> loop)
-    : _shared(std::move(shared)), _thread([running = std::move(loop), isDone = _isDone] {
+    : _shared(std::move(shared)), _thread([running = std::move(loop), hasEnded = _hasEnded] {
           running->run();
-          *isDone = true;
+          hasEnded->release();
       })
 {
 }
@@ -234,7 +234,7 @@ VideoRenderer::~VideoRenderer() = default;
 void VideoRenderer::retire(std::unique_ptr<VideoRenderer> renderer, RetiredThreads &threads)
 {
     renderer->_shared->order([](Orders &orders) { orders.stops = true; });
-    threads.add(std::move(renderer->_thread), renderer->_isDone);
+    threads.add(std::move(renderer->_thread), renderer->_hasEnded);
 }
 
 void VideoRenderer::begin(int load)

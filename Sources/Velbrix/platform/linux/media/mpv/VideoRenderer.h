@@ -70,7 +70,7 @@ private:
     VideoRenderer(std::shared_ptr<Shared> shared, std::unique_ptr<Loop> loop);
 
     const std::shared_ptr<Shared> _shared;
-    std::shared_ptr<std::atomic<bool>> _isDone = std::make_shared<std::atomic<bool>>(false);
+    std::shared_ptr<std::binary_semaphore> _hasEnded = std::make_shared<std::binary_semaphore>(0);
     std::thread _thread;
 };
 

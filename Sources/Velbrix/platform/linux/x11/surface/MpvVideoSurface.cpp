@@ -18,11 +18,11 @@ constexpr QSize largestCopy(2560, 1440);
 } // namespace
 
 Result<std::unique_ptr<VideoSurface>> MpvVideoSurface::create(Clock &clock,
-                                                              std::shared_ptr<RetiredThreads> retired,
+                                                              std::shared_ptr<PlayerThreads> threads,
                                                               DesktopWindow &window, VideoEvents events)
 {
     std::unique_ptr<MpvVideoSurface> surface(new MpvVideoSurface(clock, window, std::move(events)));
-    if (const auto opened = surface->open(std::move(retired)); !opened)
+    if (const auto opened = surface->open(std::move(threads)); !opened)
         return std::unexpected(opened.error());
     return surface;
 }
@@ -35,7 +35,7 @@ MpvVideoSurface::MpvVideoSurface(Clock &clock, DesktopWindow &window, VideoEvent
 {
 }
 
-Result<void> MpvVideoSurface::open(std::shared_ptr<RetiredThreads> retired)
+Result<void> MpvVideoSurface::open(std::shared_ptr<PlayerThreads> threads)
 {
     auto sink = WindowSink::open(_window.id());
     if (!sink)
@@ -48,7 +48,7 @@ Result<void> MpvVideoSurface::open(std::shared_ptr<RetiredThreads> retired)
         relay->post([this, load] { firstPicture(load); });
     };
     auto painted = PaintedPlayer::create(
-        std::move(retired), std::move(*sink),
+        std::move(threads), std::move(*sink),
         {.formatChanged = formatChanged, .failed = [this](const Failure &why) { failed(why); }}, shown);
     if (!painted)
         return std::unexpected(painted.error());

@@ -13,7 +13,7 @@ namespace velbrix {
 // while it is to play and to be seen, and costs nothing otherwise.
 class MpvVideoSurface final : public VideoSurface, private DesktopWindowPainter {
 public:
-    static Result<std::unique_ptr<VideoSurface>> create(Clock &clock, std::shared_ptr<RetiredThreads> retired,
+    static Result<std::unique_ptr<VideoSurface>> create(Clock &clock, std::shared_ptr<PlayerThreads> threads,
                                                         DesktopWindow &window, VideoEvents events);
     ~MpvVideoSurface() override;
     MpvVideoSurface(const MpvVideoSurface &) = delete;
@@ -30,7 +30,7 @@ public:
 
 private:
     MpvVideoSurface(Clock &clock, DesktopWindow &window, VideoEvents events);
-    Result<void> open(std::shared_ptr<RetiredThreads> retired);
+    Result<void> open(std::shared_ptr<PlayerThreads> threads);
     void frameChanged(QSize size) override;
     void shownChanged(bool isShown) override;
     void exposed() override;

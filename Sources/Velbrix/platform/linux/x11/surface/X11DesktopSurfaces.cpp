@@ -8,7 +8,10 @@
 
 namespace velbrix {
 
-X11DesktopSurfaces::X11DesktopSurfaces(Clock &clock) : _clock(clock) {}
+X11DesktopSurfaces::X11DesktopSurfaces(Clock &clock)
+    : _clock(clock), _threads(std::make_shared<PlayerThreads>(clock))
+{
+}
 
 void X11DesktopSurfaces::prepare()
 {
@@ -22,13 +25,13 @@ Result<std::unique_ptr<SurfaceWindow>> X11DesktopSurfaces::makeWindow(const QRec
 
 Result<std::unique_ptr<VideoSurface>> X11DesktopSurfaces::makeVideo(SurfaceWindow &window, VideoEvents events)
 {
-    return MpvVideoSurface::create(_clock, _retired, static_cast<DesktopWindow &>(window), std::move(events));
+    return MpvVideoSurface::create(_clock, _threads, static_cast<DesktopWindow &>(window), std::move(events));
 }
 
 Result<std::unique_ptr<VideoPreview>> X11DesktopSurfaces::makePreview(const QString &path, QSize bound,
                                                                       PreviewEvents events)
 {
-    return MpvPreview::create(_retired, path, bound, std::move(events));
+    return MpvPreview::create(_threads, path, bound, std::move(events));
 }
 
 } // namespace velbrix

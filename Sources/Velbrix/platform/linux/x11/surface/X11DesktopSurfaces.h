@@ -2,7 +2,7 @@
 
 #include "foundation/Clock.h"
 #include "platform/DesktopSurfaces.h"
-#include "platform/linux/media/mpv/RetiredThreads.h"
+#include "platform/linux/media/mpv/PlayerThreads.h"
 
 namespace velbrix {
 
@@ -20,7 +20,7 @@ public:
 
 private:
     Clock &_clock;
-    const std::shared_ptr<RetiredThreads> _retired = std::make_shared<RetiredThreads>();
+    const std::shared_ptr<PlayerThreads> _threads;
 };
 
 } // namespace velbrix
