@@ -29,12 +29,15 @@ private Q_SLOTS:
         QCOMPARE(screenPictures(json), (ScreenPictures{{1, plain}}));
     }
 
-    void givesALaterDisplayAnothersPicture()
+    void leavesAnUnknownDisplayAlone()
     {
-        const ScreenPictures pictures{{1, plain}, {2, fitted}};
+        ScreenPictures pictures{{1, plain}, {2, fitted}};
         QCOMPARE(pictureFor(pictures, 2), fitted);
-        QCOMPARE(pictureFor(pictures, 9), plain);
-        QVERIFY(!pictureFor({}, 9));
+        QVERIFY(!pictureFor(pictures, 9));
+        const auto isThere = [](const QString &path) { return path == plain.path; };
+        QCOMPARE(replaceGone(pictures, u"/default.heic"_s, isThere), QStringList{fitted.path});
+        QCOMPARE(pictures[1], plain);
+        QCOMPARE(pictures[2].path, u"/default.heic"_s);
     }
 };
 

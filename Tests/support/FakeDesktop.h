@@ -20,7 +20,8 @@ public:
 
     Result<QJsonObject> now = QJsonObject{{u"path"_s, u"/own/picture.png"_s}};
     Result<void> setAnswer;
-    Result<void> restoreAnswer;
+    Result<QStringList> restoreAnswer;
+    bool hasSpaces = false; // the test goes to another by changing `now`
     std::chrono::milliseconds delay{0};
     QStringList calls; // "current", "set PATH", "restore {compact json}"
     int overlaps = 0;  // calls that did not wait for the one before
@@ -39,7 +40,17 @@ public:
             now = QJsonObject{{u"path"_s, path}};
         co_return std::as_const(setAnswer);
     }
-    QCoro::Task<Result<void>> restore(const QJsonObject picture) override
+    bool hasHiddenPictures() const override { return hasSpaces; }
+    Observation observePictures(std::function<void()> changed) override
+    {
+        return _observers.add(std::move(changed));
+    }
+    void show(const QJsonObject &other)
+    {
+        now = other;
+        _observers.notify();
+    }
+    QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) override
     {
         const QByteArray json = QJsonDocument(picture).toJson(QJsonDocument::Compact);
         co_await take(u"restore "_s + QString::fromUtf8(json));
@@ -58,6 +69,7 @@ private:
     }
 
     AnswerTime _answer;
+    ObserverList<void()> _observers;
     int _running = 0;
 };
 

@@ -80,7 +80,8 @@ private Q_SLOTS:
         QCOMPARE(rig.files().size(), 2);
         QCOMPARE(rig.picture.calls.last(), u"set "_s + rig.folder + u'/' + rig.files().last());
         // On disk: a crash must find it.
-        QCOMPARE(rig.disk.stored.value(originalKey)[u"path"_s].toString(), u"/own/picture.png"_s);
+        const QJsonArray stored = rig.disk.stored.value(originalKey)[u"path"_s].toArray();
+        QCOMPARE(stored[0][u"own"_s].toString(), u"/own/picture.png"_s);
         rig.putBack();
         QCOMPARE(rig.picture.calls.last(), u"restore {\"path\":\"/own/picture.png\"}"_s);
         QVERIFY(!rig.store.contains(originalKey));
@@ -104,8 +105,31 @@ private Q_SLOTS:
         rig.set(Qt::red);
         rig.picture.now->insert(u"manager"_s, u"/its.png"_s);
         rig.set(Qt::green);
-        QCOMPARE(rig.store.json(originalKey)->toObject(),
-                 (QJsonObject{{u"path"_s, u"/newest.png"_s}, {u"manager"_s, u"/its.png"_s}}));
+        rig.picture.now->insert(u"manager"_s, *rig.picture.now->find(u"path"_s));
+        rig.picture.restoreAnswer = QStringList{u"/its.png"_s};
+        rig.putBack();
+        QCOMPARE(rig.picture.calls.last(), u"restore {\"manager\":\"/its.png\",\"path\":\"/newest.png\"}"_s);
+        QCOMPARE(rig.desktop.problem(), u"原来的桌面图片已不在原处，桌面改用了默认图片：/its.png"_s);
+    }
+
+    void everySpaceGetsItsOwnPictureBack()
+    {
+        Rig rig;
+        rig.picture.hasSpaces = true;
+        const auto restored = [&rig] { return rig.picture.calls.last(); };
+        const auto space = [](const QString &path) { return QJsonObject{{u"path"_s, path}}; };
+        rig.set(Qt::red);
+        rig.set(Qt::green);
+        const QJsonObject first = *rig.picture.now;
+        rig.picture.show(space(u"/second.png"_s));
+        rig.set(Qt::blue);
+        rig.putBack();
+        QCOMPARE(restored(), u"restore {\"path\":\"/second.png\"}"_s);
+        // The other one is out of view until the user goes there.
+        rig.picture.show(first);
+        QTRY_VERIFY(!rig.desktop.isWorking());
+        QCOMPARE(restored(), u"restore {\"path\":\"/own/picture.png\"}"_s);
+        QVERIFY(!rig.store.contains(originalKey));
     }
 
     void onlyTheNewestWishIsCarriedOut()
@@ -155,6 +179,7 @@ private Q_SLOTS:
         rig.picture.restoreAnswer = failure(u"还是不行"_s);
         rig.putBack();
         QVERIFY(rig.store.contains(originalKey));
+        QVERIFY(rig.desktop.problem().contains(u"还是不行"_s));
         rig.picture.restoreAnswer = {};
         rig.putBack();
         QVERIFY(!rig.store.contains(originalKey));

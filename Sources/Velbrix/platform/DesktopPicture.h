@@ -1,10 +1,14 @@
 #pragma once
 
+#include "foundation/Observation.h"
 #include "foundation/Result.h"
 
 #include <QCoroTask>
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 namespace velbrix {
 
@@ -21,8 +25,15 @@ public:
     virtual QCoro::Task<Result<QJsonObject>> current() = 0;
     // The file must stay as long as it is the picture.
     virtual QCoro::Task<Result<void>> set(const QString path) = 0;
-    // Some of the entries do, too; a place without one stays as it is.
-    virtual QCoro::Task<Result<void>> restore(const QJsonObject picture) = 0;
+    // Some of the entries do, too; a place without one stays as it is. Answers
+    // the files that are gone; their places show the host's own default instead.
+    virtual QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) = 0;
+
+    // A place has several pictures, of which only one is in view and reached:
+    // one for each of its Spaces, for one.
+    virtual bool hasHiddenPictures() const { return false; }
+    // Calls after others have come into view, where there are any.
+    virtual Observation observePictures(std::function<void()>) { return {}; }
 };
 
 } // namespace velbrix

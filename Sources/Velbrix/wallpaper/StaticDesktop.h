@@ -21,6 +21,9 @@ class StaticDesktop final : public QObject {
     Q_OBJECT
     // A picture is being set or put back.
     VELB_PUBLISHED(StaticDesktop, bool, isWorking, false)
+    // What has become of the user's own picture, for them; empty when it came
+    // back as it was.
+    VELB_PUBLISHED(StaticDesktop, QString, problem)
 
 public:
     // The folder for the pictures is created with the first one.
@@ -37,7 +40,8 @@ private:
     QCoro::Task<> work();
     QCoro::Task<> apply(QImage image);
     QCoro::Task<> restoreOriginal();
-    QCoro::Task<Result<void>> rememberOriginal();
+    QCoro::Task<Result<void>> rememberOriginal(const QString path);
+    Result<void> keep(const QJsonObject &originals);
     bool isOurs(const QJsonValue &place) const;
 
     DesktopPicture &_picture;
@@ -45,6 +49,8 @@ private:
     Clock &_clock;
     const QString _folder;
     std::optional<QImage> _wanted; // a null image: the user's own
+    bool _isOursWanted = false;
+    Observation _pictures;
 };
 
 } // namespace velbrix

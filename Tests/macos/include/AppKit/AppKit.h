@@ -164,6 +164,7 @@ extern "C" {
 extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageScalingKey;
 extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageAllowClippingKey;
 extern NSWorkspaceDesktopImageOptionKey const NSWorkspaceDesktopImageFillColorKey;
+extern NSNotificationName NSWorkspaceActiveSpaceDidChangeNotification;
 extern NSNotificationName NSWorkspaceDidWakeNotification;
 extern NSNotificationName NSWorkspaceScreensDidSleepNotification;
 extern NSNotificationName NSWorkspaceScreensDidWakeNotification;

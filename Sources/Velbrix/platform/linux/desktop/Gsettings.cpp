@@ -43,6 +43,19 @@ QCoro::Task<Result<QStringList>> Gsettings::keys()
     co_return keys;
 }
 
+QCoro::Task<Result<QJsonObject>> Gsettings::values()
+{
+    const QStringList none;
+    const auto listed = co_await run(u"list-recursively"_s, none);
+    QJsonObject found;
+    const QStringList lines = listed.value_or(QString()).split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
+        if (line.section(u' ', 0, 0) == _schema)
+            found.insert(line.section(u' ', 1, 1), line.section(u' ', 2));
+    }
+    co_return found;
+}
+
 QCoro::Task<Result<QString>> Gsettings::value(const QString key)
 {
     return run(u"get"_s, {key});
@@ -76,6 +89,28 @@ QCoro::Task<Result<void>> Gsettings::set(const QJsonObject values)
             co_return std::unexpected(done.error());
     }
     co_return Result<void>();
+}
+
+QCoro::Task<Result<void>> Gsettings::reset(const QString key)
+{
+    const QStringList arguments{key};
+    const auto done = co_await run(u"reset"_s, arguments);
+    if (!done)
+        co_return std::unexpected(done.error());
+    co_return Result<void>();
+}
+
+QString Gsettings::unquoted(const QString &value)
+{
+    if (value.size() < 2)
+        return value;
+    QString text;
+    for (qsizetype i = 1; i < value.size() - 1; ++i) {
+        if (value[i] == u'\\')
+            ++i;
+        text += value[i];
+    }
+    return text;
 }
 
 QString Gsettings::quoted(QString text)

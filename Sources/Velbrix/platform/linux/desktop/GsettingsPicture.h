@@ -12,11 +12,11 @@ public:
 
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
-    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+    QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) override;
 
 private:
-    // Those of the keys that this version of the desktop has.
-    QCoro::Task<Result<QStringList>> pictureKeys();
+    // Of those keys that this version of the desktop has.
+    QCoro::Task<Result<QJsonObject>> pictureValues();
 
     Gsettings _settings;
 };

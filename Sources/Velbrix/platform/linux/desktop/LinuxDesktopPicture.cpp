@@ -56,20 +56,37 @@ Keepers keepersNow(const DesktopSigns &signs, const Surroundings &here)
     return keepers;
 }
 
+// A place's name here: its keeper's key, and what that calls it if it has several.
+QString nameOf(const QString &key, const QString &place)
+{
+    return place.isEmpty() ? key : key + u' ' + place;
+}
+
+// What of the picture the keeper has kept, under its own names.
+QJsonObject partOf(const QString &key, const QJsonObject &picture)
+{
+    QJsonObject part;
+    for (auto place = picture.begin(); place != picture.end(); ++place) {
+        if (place.key().section(u' ', 0, 0) == key)
+            part.insert(place.key().section(u' ', 1), *place);
+    }
+    return part;
+}
+
 // Whoever kept the former picture gets it back, even if another desktop runs now.
 Keepers keepersThen(const QJsonObject &picture, const DesktopSigns &signs, const Surroundings &here)
 {
     Keepers keepers;
     const Desktop *const running = recognisedDesktop(signs);
     for (const Desktop &desktop : desktops()) {
-        const QJsonValue former = picture.value(desktop.key);
-        if (!desktop.makePicture || !former.isObject())
+        const QJsonObject former = partOf(desktop.key, picture);
+        if (!desktop.makePicture || former.isEmpty())
             continue;
-        const QString profile = former.toObject().value(u"profile"_s).toString();
+        const QString profile = former.begin()->toObject().value(u"profile"_s).toString();
         const bool isRunning = running == &desktop && profileOf(desktop, signs) == profile;
         keepers.push_back({desktop.key, desktop.makePicture({here.clock, here.session, profile, isRunning})});
     }
-    if (picture.value(rootKey).isObject())
+    if (!partOf(rootKey, picture).isEmpty())
         keepers.push_back(rootKeeper(here));
     return keepers;
 }
@@ -95,7 +112,8 @@ QCoro::Task<Result<QJsonObject>> LinuxDesktopPicture::current()
         const auto part = co_await keeper.picture->current();
         if (!part)
             co_return std::unexpected(part.error());
-        picture.insert(keeper.key, *part);
+        for (auto place = part->begin(); place != part->end(); ++place)
+            picture.insert(nameOf(keeper.key, place.key()), *place);
     }
     co_return picture;
 }
@@ -113,17 +131,20 @@ QCoro::Task<Result<void>> LinuxDesktopPicture::set(const QString path)
     co_return Result<void>();
 }
 
-QCoro::Task<Result<void>> LinuxDesktopPicture::restore(const QJsonObject picture)
+QCoro::Task<Result<QStringList>> LinuxDesktopPicture::restore(const QJsonObject picture)
 {
     const Surroundings here{_clock, _session, _folder};
     const QFuture<DesktopSigns> search = readSigns(here);
     const DesktopSigns signs = co_await search;
     const Keepers keepers = keepersThen(picture, signs, here);
-    Result<void> outcome;
+    Result<QStringList> outcome;
     for (const Keeper &keeper : keepers) {
-        const QJsonObject former = picture.value(keeper.key).toObject();
-        if (const auto done = co_await keeper.picture->restore(former); !done)
-            outcome = std::unexpected(done.error());
+        const QJsonObject former = partOf(keeper.key, picture);
+        const auto gone = co_await keeper.picture->restore(former);
+        if (!gone)
+            outcome = std::unexpected(gone.error());
+        else if (outcome)
+            outcome->append(*gone);
     }
     co_return std::as_const(outcome);
 }

@@ -1,11 +1,10 @@
 #include "platform/linux/desktop/PcmanfmPicture.h"
 
 #include "foundation/AtomicFile.h"
-#include "foundation/Log.h"
 #include "platform/linux/desktop/DesktopSession.h"
+#include "platform/linux/desktop/GonePicture.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
@@ -79,9 +78,10 @@ QCoro::Task<Result<QJsonObject>> PcmanfmPicture::current()
 {
     const QString text = read(configuration(_profile));
     const QString mode = entry(text, u"wallpaper_mode"_s);
-    QJsonObject picture{{u"profile"_s, _profile},
-                        {u"mode"_s, mode.isEmpty() ? colourMode : mode},
-                        {u"path"_s, entry(text, u"wallpaper"_s).replace(u"\\\\"_s, u"\\"_s)}};
+    const QJsonObject shown{{u"profile"_s, _profile},
+                            {u"mode"_s, mode.isEmpty() ? colourMode : mode},
+                            {u"path"_s, entry(text, u"wallpaper"_s).replace(u"\\\\"_s, u"\\"_s)}};
+    const QJsonObject picture{{QString(), shown}};
     co_return picture;
 }
 
@@ -94,22 +94,26 @@ QCoro::Task<Result<void>> PcmanfmPicture::set(const QString path)
     co_return co_await order(path, u"crop"_s);
 }
 
-QCoro::Task<Result<void>> PcmanfmPicture::restore(const QJsonObject picture)
+QCoro::Task<Result<QStringList>> PcmanfmPicture::restore(const QJsonObject picture)
 {
-    QString mode = picture.value(u"mode"_s).toString();
-    QString path = picture.value(u"path"_s).toString();
-    if (!QFileInfo(path).isFile()) {
+    const QJsonObject former = picture.value(QString()).toObject();
+    QString mode = former.value(u"mode"_s).toString();
+    QString path = former.value(u"path"_s).toString();
+    QStringList gone;
+    if (path.isEmpty() || co_await isGone(path)) {
         if (mode != colourMode)
-            log::line(u"Wallpaper"_s, u"原来的桌面图片已不存在："_s + path);
+            gone.append(path);
         path.clear();
         mode = colourMode;
     }
     const auto done = co_await order(path, mode);
+    if (!done)
+        co_return std::unexpected(done.error());
     // In plain colour pcmanfm leaves its last picture behind for those who look
     // at the root window's.
-    if (done && _isRunning && mode == colourMode)
+    if (_isRunning && mode == colourMode)
         _session->forgetRootPicture();
-    co_return done;
+    co_return gone;
 }
 
 QCoro::Task<Result<void>> PcmanfmPicture::order(const QString path, const QString mode)

@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/PlasmaPicture.h"
 
+#include "platform/linux/desktop/GonePicture.h"
 #include "platform/linux/desktop/PlasmaScript.h"
 
 #include <QJsonArray>
@@ -9,6 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
+
+const QString imageKey = u"image"_s;
 
 // Another kind of background (a slide show, a colour) keeps its own settings
 // and comes back with its name alone.
@@ -47,7 +50,9 @@ QCoro::Task<Result<QJsonObject>> PlasmaPicture::current()
     const auto desktops = co_await runPlasmaScript(readScript, QJsonDocument());
     if (!desktops)
         co_return std::unexpected(desktops.error());
-    QJsonObject picture{{u"desktops"_s, desktops->array()}};
+    QJsonObject picture;
+    for (const QJsonValue &each : desktops->array())
+        picture.insert(QString::number(each.toObject().value(u"id"_s).toInt()), each);
     co_return picture;
 }
 
@@ -61,13 +66,25 @@ QCoro::Task<Result<void>> PlasmaPicture::set(const QString path)
     co_return Result<void>();
 }
 
-QCoro::Task<Result<void>> PlasmaPicture::restore(const QJsonObject picture)
+QCoro::Task<Result<QStringList>> PlasmaPicture::restore(const QJsonObject picture)
 {
-    const QJsonDocument input(picture.value(u"desktops"_s).toArray());
+    QJsonArray all;
+    QStringList gone;
+    for (const QJsonValue &former : picture) {
+        QJsonObject each = former.toObject();
+        const QString path = QUrl(each.value(imageKey).toString()).toLocalFile();
+        if (co_await isGone(path)) {
+            if (!gone.contains(path))
+                gone.append(path);
+            each.insert(imageKey, QString()); // the theme's own
+        }
+        all.append(each);
+    }
+    const QJsonDocument input(all);
     const auto done = co_await runPlasmaScript(restoreScript, input);
     if (!done)
         co_return std::unexpected(done.error());
-    co_return Result<void>();
+    co_return gone;
 }
 
 } // namespace velbrix

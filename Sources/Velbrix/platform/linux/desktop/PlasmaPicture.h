@@ -9,7 +9,7 @@ class PlasmaPicture final : public DesktopPicture {
 public:
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
-    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+    QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) override;
 };
 
 } // namespace velbrix

@@ -1,5 +1,7 @@
 #include "platform/linux/desktop/XfcePicture.h"
 
+#include "platform/linux/desktop/GonePicture.h"
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -18,6 +20,12 @@ bool isOurs(const QString &property)
     return property.endsWith(image) || property.endsWith(style) || property.endsWith(cycle);
 }
 
+// A workspace of a monitor.
+QString placeOf(const QString &property)
+{
+    return property.left(property.lastIndexOf(u'/'));
+}
+
 QVariant typed(const QJsonValue &value)
 {
     return value.isDouble() ? QVariant(value.toInt()) : value.toVariant();
@@ -32,8 +40,12 @@ QCoro::Task<Result<QJsonObject>> XfcePicture::current()
         co_return std::unexpected(values.error());
     QJsonObject picture;
     for (auto value = values->begin(); value != values->end(); ++value) {
-        if (isOurs(value.key()))
-            picture.insert(value.key(), QJsonValue::fromVariant(*value));
+        if (!isOurs(value.key()))
+            continue;
+        const QString place = placeOf(value.key());
+        QJsonObject entry = picture.value(place).toObject();
+        entry.insert(value.key().sliced(place.size()), QJsonValue::fromVariant(*value));
+        picture.insert(place, entry);
     }
     co_return picture;
 }
@@ -58,26 +70,34 @@ QCoro::Task<Result<void>> XfcePicture::set(const QString path)
     co_return co_await change(*values, wanted);
 }
 
-QCoro::Task<Result<void>> XfcePicture::restore(const QJsonObject picture)
+QCoro::Task<Result<QStringList>> XfcePicture::restore(const QJsonObject picture)
 {
     const auto values = co_await _settings.values(base);
     if (!values)
         co_return std::unexpected(values.error());
     QVariantMap wanted;
     QStringList shown;
-    for (auto former = picture.begin(); former != picture.end(); ++former) {
-        wanted.insert(former.key(), typed(*former));
-        if (former.key().endsWith(image))
-            shown.append(values->value(former.key()).toString());
+    QStringList gone;
+    for (const QString &place : picture.keys()) {
+        const QJsonObject former = picture.value(place).toObject();
+        shown.append(values->value(place + image).toString());
+        const QString path = former.value(image).toString();
+        const bool isMissing = co_await isGone(path);
+        if (isMissing && !gone.contains(path))
+            gone.append(path);
+        for (auto value = former.begin(); value != former.end(); ++value)
+            wanted.insert(place + value.key(), isMissing ? QVariant() : typed(*value));
     }
     // What appeared since, such as another monitor, shows our picture too.
     for (auto value = values->begin(); value != values->end(); ++value) {
-        const QString place = value.key().left(value.key().lastIndexOf(u'/'));
-        if (isOurs(value.key()) && !picture.contains(value.key()) &&
+        const QString place = placeOf(value.key());
+        if (isOurs(value.key()) && !picture.contains(place) &&
             shown.contains(values->value(place + image).toString()))
             wanted.insert(value.key(), QVariant());
     }
-    co_return co_await change(*values, wanted);
+    if (const auto done = co_await change(*values, wanted); !done)
+        co_return std::unexpected(done.error());
+    co_return gone;
 }
 
 // Two changes of one place at once leave xfdesktop with a black screen now and

@@ -14,7 +14,7 @@ public:
 
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
-    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+    QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) override;
 
 private:
     // Nothing where there is no value: back to the default.

@@ -1,7 +1,6 @@
 #include "platform/linux/x11/RootPicture.h"
 
 #include "foundation/AtomicFile.h"
-#include "foundation/Log.h"
 #include "platform/linux/x11/RootWindow.h"
 
 #include <QColor>
@@ -99,24 +98,26 @@ Result<void> show(const QString &path)
     return root->publishAsOurs(whole);
 }
 
-Result<void> bringBack(const QJsonObject &former)
+// Answers what is gone.
+Result<QStringList> bringBack(const QJsonObject &former)
 {
     auto root = RootWindow::open();
     if (!root)
         return std::unexpected(root.error());
     if (former.contains(colourKey)) {
         root->setBackground(QColor(former.value(colourKey).toString()).rgb());
-        return {};
+        return QStringList();
     }
     const QString path = former.value(publishedKey).toString(former.value(backgroundKey).toString());
     const QImage image(path);
     if (image.isNull()) {
-        if (!path.isEmpty())
-            log::line(u"Wallpaper"_s, u"原来的桌面图片已不存在："_s + path);
         root->clear();
-        return {};
+        return path.isEmpty() ? QStringList() : QStringList{path};
     }
-    return former.contains(publishedKey) ? root->publish(image) : root->setBackground(image);
+    const auto shown = former.contains(publishedKey) ? root->publish(image) : root->setBackground(image);
+    if (!shown)
+        return std::unexpected(shown.error());
+    return QStringList();
 }
 
 } // namespace
@@ -125,8 +126,12 @@ RootPicture::RootPicture(QString folder) : _folder(std::move(folder)) {}
 
 QCoro::Task<Result<QJsonObject>> RootPicture::current()
 {
-    const QFuture<Result<QJsonObject>> remembered = QtConcurrent::run(remember, _folder);
-    co_return co_await remembered;
+    const QFuture<Result<QJsonObject>> search = QtConcurrent::run(remember, _folder);
+    const auto remembered = co_await search;
+    if (!remembered)
+        co_return std::unexpected(remembered.error());
+    const QJsonObject picture{{QString(), *remembered}};
+    co_return picture;
 }
 
 QCoro::Task<Result<void>> RootPicture::set(const QString path)
@@ -135,9 +140,10 @@ QCoro::Task<Result<void>> RootPicture::set(const QString path)
     co_return co_await shown;
 }
 
-QCoro::Task<Result<void>> RootPicture::restore(const QJsonObject picture)
+QCoro::Task<Result<QStringList>> RootPicture::restore(const QJsonObject picture)
 {
-    const QFuture<Result<void>> restored = QtConcurrent::run(bringBack, picture);
+    const QFuture<Result<QStringList>> restored =
+        QtConcurrent::run(bringBack, picture.value(QString()).toObject());
     co_return co_await restored;
 }
 

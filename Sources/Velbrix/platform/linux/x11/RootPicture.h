@@ -13,7 +13,7 @@ public:
 
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
-    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+    QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) override;
 
 private:
     QString _folder;

@@ -10,7 +10,9 @@ class MacDesktopPicture final : public DesktopPicture {
 public:
     QCoro::Task<Result<QJsonObject>> current() override;
     QCoro::Task<Result<void>> set(const QString path) override;
-    QCoro::Task<Result<void>> restore(const QJsonObject picture) override;
+    QCoro::Task<Result<QStringList>> restore(const QJsonObject picture) override;
+    bool hasHiddenPictures() const override { return true; }
+    Observation observePictures(std::function<void()> changed) override;
 };
 
 } // namespace velbrix

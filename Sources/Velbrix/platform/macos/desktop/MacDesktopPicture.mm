@@ -3,8 +3,12 @@
 #include "platform/macos/desktop/ScreenBridge.h"
 #include "platform/macos/desktop/ScreenPictures.h"
 #include "platform/macos/system/FoundationBridge.h"
+#include "platform/macos/system/SystemWatch.h"
+
+#include <QFileInfo>
 
 #include <functional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -12,6 +16,9 @@ namespace velbrix {
 namespace {
 
 using Options = NSDictionary<NSWorkspaceDesktopImageOptionKey, id>;
+
+// A link that every version of the system keeps to its own picture.
+const QString defaultPicture = u"/System/Library/CoreServices/DefaultDesktop.heic"_s;
 
 // The system's number for stretching a picture to the screen.
 constexpr int stretched = 1;
@@ -74,7 +81,7 @@ Result<QJsonObject> currentPictures()
 }
 
 // Goes on after a screen that fails and answers its failure.
-Result<void> setOnEveryScreen(const std::function<std::optional<ScreenPicture>(quint32)> &pictureOf)
+Result<void> setOnScreens(const std::function<std::optional<ScreenPicture>(quint32)> &pictureOf)
 {
     Result<void> done;
     for (NSScreen *screen in NSScreen.screens) {
@@ -101,13 +108,26 @@ QCoro::Task<Result<QJsonObject>> MacDesktopPicture::current()
 QCoro::Task<Result<void>> MacDesktopPicture::set(const QString path)
 {
     const ScreenPicture picture{path, stretched, true, std::nullopt};
-    co_return setOnEveryScreen([&](quint32) { return picture; });
+    co_return setOnScreens([&](quint32) { return picture; });
 }
 
-QCoro::Task<Result<void>> MacDesktopPicture::restore(const QJsonObject picture)
+QCoro::Task<Result<QStringList>> MacDesktopPicture::restore(const QJsonObject picture)
 {
-    const ScreenPictures pictures = screenPictures(picture);
-    co_return setOnEveryScreen([&](quint32 display) { return pictureFor(pictures, display); });
+    ScreenPictures pictures = screenPictures(picture);
+    const QStringList gone =
+        replaceGone(pictures, defaultPicture, [](const QString &path) { return QFileInfo(path).isFile(); });
+    const auto set = setOnScreens([&](quint32 display) { return pictureFor(pictures, display); });
+    if (!set)
+        co_return std::unexpected(set.error());
+    co_return gone;
+}
+
+Observation MacDesktopPicture::observePictures(std::function<void()> changed)
+{
+    return observationOf([[VBNotificationWatch alloc]
+        initWithCenter:NSWorkspace.sharedWorkspace.notificationCenter
+                  name:NSWorkspaceActiveSpaceDidChangeNotification
+                posted:[changed = std::move(changed)](NSNotification *) { changed(); }]);
 }
 
 } // namespace velbrix

@@ -55,9 +55,22 @@ ScreenPictures screenPictures(const QJsonObject &json)
 
 std::optional<ScreenPicture> pictureFor(const ScreenPictures &pictures, quint32 display)
 {
-    if (pictures.isEmpty())
-        return std::nullopt;
-    return pictures.value(display, pictures.first());
+    const auto found = pictures.constFind(display);
+    return found == pictures.constEnd() ? std::nullopt : std::optional(*found);
+}
+
+QStringList replaceGone(ScreenPictures &pictures, const QString &other,
+                        const std::function<bool(const QString &path)> &isThere)
+{
+    QStringList gone;
+    for (ScreenPicture &picture : pictures) {
+        if (isThere(picture.path))
+            continue;
+        if (!gone.contains(picture.path))
+            gone.append(picture.path);
+        picture = {other, std::nullopt, std::nullopt, std::nullopt};
+    }
+    return gone;
 }
 
 } // namespace velbrix

@@ -4,7 +4,9 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace velbrix {
@@ -27,7 +29,12 @@ QJsonObject toJson(const ScreenPictures &pictures);
 // Leaves out what it cannot read.
 ScreenPictures screenPictures(const QJsonObject &json);
 
-// A display that came later gets the picture of another; empty if there is none.
+// Nothing for a display that is not among them: what it shows is the user's.
 std::optional<ScreenPicture> pictureFor(const ScreenPictures &pictures, quint32 display);
+
+// Puts the other file in the place of those that are not there any more, and
+// answers these.
+QStringList replaceGone(ScreenPictures &pictures, const QString &other,
+                        const std::function<bool(const QString &path)> &isThere);
 
 } // namespace velbrix
