@@ -30,24 +30,49 @@ private Q_SLOTS:
         }
     }
 
-    void aFailureChangesNothing()
+    void aFailureIsNoHidingAndForgetsNothing()
     {
         WallpaperRig rig;
         const QString words = u"无法更改程序坞的设置"_s;
+        const WallpaperPreferences &preferences = rig.wallpaper().preferences();
         const auto fails = [&] {
             rig.wallpaper().dock().toggleDockAutoHide();
-            return rig.wallpaper().dock().problem() == words &&
-                   !rig.wallpaper().preferences().isDockAutoHidden() &&
-                   !rig.wallpaper().preferences().originalSystemDockAutohideState();
+            return rig.wallpaper().dock().problem() == words && !preferences.isDockAutoHidden();
         };
         rig.host.dock.hides = failure(words);
         QVERIFY(fails());
+        QVERIFY(!preferences.originalSystemDockAutohideState());
         rig.host.dock.hides = false;
         rig.host.dock.failure = words;
         QVERIFY(fails());
+        // Half of it may be in force: what it is now is not the user's own.
         rig.host.dock.failure.reset();
+        rig.host.dock.hides = true;
         rig.wallpaper().dock().toggleDockAutoHide();
         QVERIFY(rig.wallpaper().dock().problem().isEmpty());
+        QCOMPARE(preferences.originalSystemDockAutohideState(), std::optional(false));
+    }
+
+    void quittingInMidChangePutsItBack()
+    {
+        WallpaperRig rig;
+        rig.host.dock.delay = 1s;
+        rig.wallpaper().dock().toggleDockAutoHide();
+        rig.clock.advance(500ms);
+        rig.wallpaper().shutDown();
+        rig.clock.advance(2s);
+        QVERIFY(!rig.wallpaper().isSettled());
+        rig.clock.advance(1s);
+        QVERIFY(rig.wallpaper().isSettled() && rig.host.dock.hides == false);
+    }
+
+    void whatIsHiddenWithoutARememberedValueIsShown()
+    {
+        WallpaperRig rig({{u"Velbrix_WallpaperDockAutoHideActive"_s, true}});
+        rig.host.dock.hides = true;
+        rig.wallpaper().dock().toggleDockAutoHide();
+        settle();
+        QCOMPARE(rig.host.dock.calls, QStringList{u"set false"_s});
     }
 
     void oneChangeAtATime()

@@ -4,6 +4,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -21,9 +23,10 @@ void DockHiding::toggleDockAutoHide()
 
 void DockHiding::putBack()
 {
-    if (isWorking())
-        return;
-    if (_preferences.isDockAutoHidden() || _preferences.originalSystemDockAutohideState())
+    _isPutBackNext = isWorking();
+    const bool isChanged =
+        _preferences.isDockAutoHidden() || _preferences.originalSystemDockAutohideState().has_value();
+    if (isChanged && !isWorking())
         change(false);
 }
 
@@ -33,32 +36,38 @@ QCoro::Task<> DockHiding::change(bool hides)
     _isWorking = true;
     _problem = QString();
     const auto known = _preferences.originalSystemDockAutohideState();
-    const auto original = known ? Result<bool>(*known) : co_await _dock.autoHide();
+    // What it is while we hide it says nothing of the user's own.
+    Result<bool> original = known.value_or(false);
+    if (hides && !known)
+        original = co_await _dock.autoHide();
     if (!self)
         co_return;
     if (!original) {
         finish(original.error().message);
         co_return;
     }
-    // Known before the first change: a crash in between loses nothing.
+    // Known before the first change: a crash in between loses nothing. Nor does
+    // a failure, after which some of the change may be in force.
     if (hides)
         _preferences.setDockState(false, *original);
     const auto written = co_await _dock.setAutoHide(hides || *original);
     if (!self)
         co_return;
-    if (written)
+    if (written) {
         _preferences.setDockState(hides, hides ? std::optional(*original) : std::nullopt);
-    else if (hides)
-        _preferences.setDockState(false, known);
-    finish(written ? QString() : written.error().message);
-    if (written)
         Q_EMIT toggled();
+    }
+    finish(written ? QString() : written.error().message);
 }
 
 void DockHiding::finish(const QString &problem)
 {
     _problem = problem;
-    _isWorking = false;
+    const bool isHidden = _preferences.isDockAutoHidden() || _preferences.originalSystemDockAutohideState();
+    if (std::exchange(_isPutBackNext, false) && isHidden)
+        change(false);
+    else
+        _isWorking = false;
 }
 
 } // namespace velbrix

@@ -21,7 +21,7 @@ public:
     DockHiding(DockPreference &dock, WallpaperPreferences &preferences, QObject *parent = nullptr);
 
     void toggleDockAutoHide();
-    // The user's own value again, if this program has changed it.
+    // The user's own value again, if this program has changed it, or is about to.
     void putBack();
 
 Q_SIGNALS:
@@ -33,6 +33,7 @@ private:
 
     DockPreference &_dock;
     WallpaperPreferences &_preferences;
+    bool _isPutBackNext = false;
 };
 
 } // namespace velbrix

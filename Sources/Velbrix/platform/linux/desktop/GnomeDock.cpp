@@ -13,6 +13,7 @@ const QString fixedKey = u"dock-fixed"_s;
 const QString autoHideKey = u"autohide"_s;
 const QString dodgeKey = u"intellihide"_s;
 const QString yes = u"true"_s;
+const QString no = u"false"_s;
 
 } // namespace
 
@@ -54,13 +55,14 @@ QCoro::Task<Result<void>> GnomeDock::write(const QJsonObject values)
 
 bool GnomeDock::hides(const QJsonObject &values) const
 {
-    return values.value(fixedKey).toString() != yes;
+    return values.value(fixedKey) == no && values.value(autoHideKey) == yes && values.value(dodgeKey) == no;
 }
 
 QJsonObject GnomeDock::hidden(QJsonObject values) const
 {
-    values.insert(fixedKey, u"false"_s);
+    values.insert(fixedKey, no);
     values.insert(autoHideKey, yes);
+    values.insert(dodgeKey, no); // it would stay until a window needs its room
     return values;
 }
 

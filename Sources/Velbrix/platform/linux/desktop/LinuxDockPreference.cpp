@@ -45,9 +45,14 @@ public:
 
     QJsonObject of(const QString &dock) const { return _all.value(dock).toObject(); }
     bool isOnlyOfOthers(const QString &dock) const { return !_all.isEmpty() && !_all.contains(dock); }
+    // What is kept already was the user's; what came since joins it.
     Result<void> keep(const QString &dock, const QJsonObject &values)
     {
-        _all.insert(dock, values);
+        QJsonObject kept = values;
+        const QJsonObject before = of(dock);
+        for (auto value = before.begin(); value != before.end(); ++value)
+            kept.insert(value.key(), *value);
+        _all.insert(dock, kept);
         return save();
     }
     void forget(const QString &dock)

@@ -22,10 +22,11 @@ panels().forEach(function (p) {
 });
 )"_s;
 
-// Windows that cover a panel or lie under it do not make it hide.
+// One that dodges windows is there as long as none is in its way; one that windows
+// cover, or lie under, does not hide at all.
 bool isHiding(const QJsonValue &value)
 {
-    return value == u"autohide"_s || value == u"dodgewindows"_s;
+    return value == u"autohide"_s;
 }
 
 } // namespace
@@ -56,10 +57,8 @@ bool PlasmaPanels::hides(const QJsonObject &values) const
 
 QJsonObject PlasmaPanels::hidden(QJsonObject values) const
 {
-    for (auto value = values.begin(); value != values.end(); ++value) {
-        if (!isHiding(*value))
-            *value = u"autohide"_s;
-    }
+    for (auto value = values.begin(); value != values.end(); ++value)
+        *value = u"autohide"_s;
     return values;
 }
 

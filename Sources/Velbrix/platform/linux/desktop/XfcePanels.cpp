@@ -9,6 +9,7 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
+// A bar that hides "intelligently" is there as long as no window needs its room.
 enum Behaviour { never, intelligently, always };
 
 } // namespace
@@ -43,15 +44,13 @@ QCoro::Task<Result<void>> XfcePanels::write(const QJsonObject values)
 
 bool XfcePanels::hides(const QJsonObject &values) const
 {
-    return std::ranges::none_of(values, [](const QJsonValue &value) { return value.toInt() == never; });
+    return std::ranges::all_of(values, [](const QJsonValue &value) { return value.toInt() == always; });
 }
 
 QJsonObject XfcePanels::hidden(QJsonObject values) const
 {
-    for (auto value = values.begin(); value != values.end(); ++value) {
-        if (QJsonValue(*value).toInt() == never)
-            *value = always;
-    }
+    for (auto value = values.begin(); value != values.end(); ++value)
+        *value = always;
     return values;
 }
 
