@@ -4,7 +4,7 @@ import os
 import re
 import subprocess
 
-from desktop import output_of, wait_until
+from desktop import HELPERS, output_of, wait_until
 
 RED, BLUE, GREEN = (200, 20, 20), (20, 20, 200), (20, 160, 20)
 
@@ -56,6 +56,20 @@ def color_at(x, y):
 
 def wait_for_color(x, y, wanted, seconds=20):
     wait_until(lambda: is_near(color_at(x, y), wanted), f"{wanted} at {x},{y}", seconds)
+
+
+def hanging_disk(test):
+    """A folder on a disk of its own; the disk answers nobody while the second path exists."""
+    content, disk = test.home / "content", test.home / "disk"
+    content.mkdir()
+    disk.mkdir()
+    made = subprocess.run([HELPERS.parent / "support/TestFileSystem", "hanging", content, disk], capture_output=True)
+    if made.returncode:
+        test.skipTest("no FUSE here")
+    hangs = test.home / "content.hangs"
+    test.addCleanup(output_of, "fusermount3", "-uz", disk)
+    test.addCleanup(lambda: hangs.unlink(missing_ok=True))
+    return disk, hangs
 
 
 class IconManager:

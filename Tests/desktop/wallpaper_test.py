@@ -5,7 +5,8 @@ import time
 import unittest
 
 from desktop import ACCEPTED, REFUSED, DesktopTestCase, output_of, press, wait_until
-from wallpaper import (BLUE, GREEN, RED, IconManager, Shot, color_at, is_near, make_clip, make_sound, wait_for_color)
+from wallpaper import (BLUE, GREEN, RED, IconManager, Shot, color_at, hanging_disk, is_near, make_clip, make_sound,
+                       wait_for_color)
 
 # Pixels of the icons in the upper left corner lie in here.
 ICONS = (0, 0, 130, 260)
@@ -131,6 +132,30 @@ class Wallpaper(DesktopTestCase):
         wait_for_color(*FAR_LEFT, RED)
         program.do("wallpaper", "stop")
         self.assertEqual(program.ask("wallpaper", "play")["exitCode"], REFUSED)
+
+    def test_on_a_disk_that_hangs(self):
+        disk, hangs = hanging_disk(self)
+        far, near = make_clip(disk / "far.mp4", GREEN, seconds=10), self.clip("near", RED, BLUE)
+        hangs.touch()
+        program = self.start_hidden(VelbClean_LastVideoPath=far)
+        # No program ends as long as such a disk holds a thread of it.
+        self.addCleanup(lambda: hangs.unlink(missing_ok=True))
+        time.sleep(2)  # it is being restored
+        program.do("show", "wallpaper")
+        output_of("xdotool", "windowminimize", program.wait_for_window())
+        program.do("wallpaper", "set", near)
+        wait_for_color(*FAR_LEFT, RED)
+        hangs.unlink()
+        program.do("wallpaper", "set", far)
+        wait_for_color(*FAR_LEFT, GREEN)
+        hangs.touch()
+        for verb in ("pause", "play", "pause", "play"):
+            program.do("wallpaper", verb)
+        program.do("wallpaper", "set", near)
+        wait_for_color(*FAR_LEFT, RED, 40)
+        hangs.unlink()
+        program.do("quit")
+        program.process.wait(10)
 
     def test_restored_at_the_next_start(self):
         program = self.start_hidden()

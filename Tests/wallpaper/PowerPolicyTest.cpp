@@ -40,6 +40,45 @@ private Q_SLOTS:
         QCOMPARE(rig.surface()->path, file);
     }
 
+    void itComesBackAsItWas()
+    {
+        using Begin = void (*)(WallpaperRig &);
+        struct Row {
+            Begin begin;
+            bool isPlaying;
+        };
+        for (const auto &[begin, isPlaying] : {Row{[](WallpaperRig &rig) {
+                                                       rig.play(rig.video(u"a.mp4"_s));
+                                                       rig.wallpaper().pauseWallpaper();
+                                                   },
+                                                   false},
+                                               Row{[](WallpaperRig &rig) {
+                                                       rig.plugSecond();
+                                                       rig.wallpaper().setDisplayVideo(2,
+                                                                                       rig.video(u"a.mp4"_s));
+                                                       rig.wallpaper().resumeWallpaper();
+                                                   },
+                                                   true},
+                                               Row{[](WallpaperRig &rig) {
+                                                       rig.host.mediaProbe.delay = 2s;
+                                                       rig.wallpaper().playVideo(rig.video(u"a.mp4"_s));
+                                                   },
+                                                   true}}) {
+            WallpaperRig rig;
+            rig.wallpaper().preferences().setAutoPlay(false);
+            begin(rig);
+            settle();
+            rig.host.power.set(true);
+            rig.clock.advance(10s);
+            QVERIFY(!rig.wallpaper().isShowing());
+            rig.host.power.set(false);
+            rig.clock.advance(10s);
+            QVERIFY(rig.wallpaper().isShowing());
+            QCOMPARE(rig.surface()->isPlaying, isPlaying);
+            QCOMPARE(rig.wallpaper().isPaused(), !isPlaying);
+        }
+    }
+
     void anIdleWallpaperStartsOnMainsOnlyWhenItShould()
     {
         WallpaperRig rig;

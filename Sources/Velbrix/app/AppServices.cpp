@@ -57,7 +57,7 @@ AppServices::AppServices(Platform &host, Clock &time)
       settings(std::move(host.settings), time),
       toasts(time),
       wallpaper({*host.surfaces, *host.displays, *host.visibility, *host.desktopPicture, *host.mediaProbe,
-                 *host.power, *host.dock},
+                 *host.power, *host.sleep, *host.dock},
                 settings, time, wallpaperFolders(),
                 [this] {
                     const std::lock_guard guard(powerLock);

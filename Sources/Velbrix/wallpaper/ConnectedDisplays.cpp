@@ -1,5 +1,6 @@
 #include "wallpaper/ConnectedDisplays.h"
 
+#include "wallpaper/ChosenFiles.h"
 #include "wallpaper/WallpaperPreferences.h"
 #include "wallpaper/WallpaperStage.h"
 
@@ -8,9 +9,10 @@
 namespace velbrix {
 
 ConnectedDisplays::ConnectedDisplays(Displays &displays, const WallpaperPreferences &preferences,
-                                     const WallpaperStage &stage, QObject *parent)
-    : QObject(parent), _displays(displays), _preferences(preferences), _stage(stage)
+                                     ChosenFiles &files, const WallpaperStage &stage, QObject *parent)
+    : QObject(parent), _displays(displays), _preferences(preferences), _files(files), _stage(stage)
 {
+    connect(&_files, &ChosenFiles::changed, this, &ConnectedDisplays::detectDisplays);
 }
 
 void ConnectedDisplays::detectDisplays()
@@ -28,6 +30,10 @@ void ConnectedDisplays::detectDisplays()
             info.videoPath = _preferences.lastVideoPath();
         else if (const auto own = paths.constFind(display.id); own != paths.constEnd())
             info.videoPath = *own;
+        if (const auto &path = info.videoPath) {
+            info.isMissing = _files.isMissing(*path);
+            _files.lookOnce(*path);
+        }
         info.isPlaying = _stage.isShowing(display.id);
         found.append(info);
     }

@@ -11,6 +11,7 @@
 
 namespace velbrix {
 
+class ChosenFiles;
 class WallpaperPreferences;
 class WallpaperStage;
 
@@ -22,9 +23,10 @@ class ConnectedDisplays final : public QObject {
     VELB_PUBLISHED(ConnectedDisplays, std::optional<quint32>, multiDisplayTargetID)
 
 public:
-    ConnectedDisplays(Displays &displays, const WallpaperPreferences &preferences,
+    ConnectedDisplays(Displays &displays, const WallpaperPreferences &preferences, ChosenFiles &files,
                       const WallpaperStage &stage, QObject *parent = nullptr);
 
+    // Also looks for the files of displays that nobody has looked for yet.
     void detectDisplays();
     // A display that is not there, or the main one, counts as nothing.
     void setMultiDisplayTarget(std::optional<quint32> displayID);
@@ -35,6 +37,7 @@ public:
 private:
     Displays &_displays;
     const WallpaperPreferences &_preferences;
+    ChosenFiles &_files;
     const WallpaperStage &_stage;
 };
 

@@ -1,6 +1,7 @@
 #include "wallpaper/VideoContent.h"
 
 #include "foundation/Awaitables.h"
+#include "wallpaper/ChosenFiles.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/WallpaperLog.h"
 #include "wallpaper/WallpaperPreferences.h"
@@ -9,6 +10,7 @@
 #include <QFileInfo>
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +26,13 @@ constexpr auto timeInterval = 12s;
 // The picture under the windows should be there before they move, but a slow
 // disk must not hold the wallpaper up.
 constexpr auto firstFrameLimit = 1s;
+// So must the file of another display not.
+constexpr auto lookLimit = 1s;
+
+QString goneWords(const QString &path)
+{
+    return u"上次的视频已不在原处，请重新选择：%1"_s.arg(QFileInfo(path).fileName());
+}
 
 QString decimal(double value)
 {
@@ -79,25 +88,102 @@ QCoro::Task<std::optional<Result<void>>> VideoContent::choose(const QString path
     if (!self || !loaded || !*loaded)
         co_return loaded;
     _parts.preferences.setLastVideoPath(path);
-    if (!_main)
+    _parts.files.look(path);
+    _isMainMissing = false;
+    if (!_parts.stage.isShowing())
         co_return loaded;
+    // Its name may stand for another video by now.
+    forEach([&path](StagedVideo &video) {
+        if (video.path() == path)
+            video.forget();
+    });
     const auto shown = show();
     setFirstFrame(u"setVideo"_s);
     co_return shown;
 }
 
+QCoro::Task<std::optional<Result<void>>> VideoContent::chooseOther(quint32 displayID, const QString path)
+{
+    const QPointer self(this);
+    const int choice = ++_choices[displayID];
+    _parts.surfaces.prepare();
+    const auto problem = co_await _parts.video.problem(path);
+    if (!self || choice != _choices.value(displayID))
+        co_return std::nullopt;
+    if (problem)
+        co_return std::unexpected(*problem);
+    co_await _parts.files.look(path);
+    if (!self || choice != _choices.value(displayID))
+        co_return std::nullopt;
+    if (const auto shown = _others.find(displayID); shown != _others.end())
+        shown->second->forget();
+    _parts.preferences.setDisplayVideoPath(displayID, path);
+    if (_parts.stage.isShowing())
+        showOthers();
+    co_return Result<void>();
+}
+
+void VideoContent::clearOther(quint32 displayID)
+{
+    ++_choices[displayID];
+    _parts.preferences.setDisplayVideoPath(displayID, std::nullopt);
+}
+
+void VideoContent::clearMain()
+{
+    const bool wasShowing = _parts.stage.isShowing();
+    _parts.video.forget();
+    _parts.preferences.setLastVideoPath(std::nullopt);
+    ++_stillGeneration;
+    _main.reset();
+    if (wasShowing)
+        showOthers();
+}
+
+bool VideoContent::hasOthers() const
+{
+    const DisplayVideoPaths paths = _parts.preferences.perDisplayVideoPaths();
+    const auto displays = _parts.stage.otherDisplays();
+    return std::ranges::any_of(displays, [&](const Display &display) {
+        return paths.contains(display.id) && _parts.files.isFound(paths.value(display.id));
+    });
+}
+
+// What is found late is shown then.
+QCoro::Task<bool> VideoContent::lookForOthers()
+{
+    const QPointer self(this);
+    const DisplayVideoPaths paths = _parts.preferences.perDisplayVideoPaths();
+    bool isNews = false;
+    for (const QString &path : paths) {
+        const bool wasFound = _parts.files.isFound(path);
+        co_await _parts.files.look(path);
+        if (!self)
+            co_return false;
+        isNews = isNews || wasFound != _parts.files.isFound(path);
+    }
+    if (isNews && _parts.stage.isShowing())
+        showOthers();
+    co_return true;
+}
+
 QCoro::Task<Result<void>> VideoContent::prepareToShow()
 {
     const QPointer self(this);
+    auto search = lookForOthers();
+    co_await withDeadline(_parts.clock, lookLimit, std::move(search));
     std::optional<QString> prepared;
     // Another video may be chosen while the picture is awaited.
-    for (auto path = _parts.video.videoURL(); path && path != prepared; path = _parts.video.videoURL()) {
-        if (!QFileInfo(*path).isFile())
-            co_return failure(u"无法读取视频：文件不存在"_s);
-        prepared = path;
-        co_await setFirstFrame(u"apply-video"_s);
+    while (self && _parts.video.videoURL() && _parts.video.videoURL() != prepared) {
+        prepared = _parts.video.videoURL();
+        const auto isThere = co_await _parts.files.look(*prepared);
         if (!self)
             break;
+        _isMainMissing = !isThere.value_or(false);
+        if (!_isMainMissing)
+            co_await setFirstFrame(u"apply-video"_s);
+        else if (!hasOthers())
+            co_return failure(u"无法读取视频："_s + (isThere ? u"文件不存在"_s : isThere.error().message));
     }
     co_return {};
 }
@@ -105,7 +191,7 @@ QCoro::Task<Result<void>> VideoContent::prepareToShow()
 Result<void> VideoContent::show()
 {
     const auto path = _parts.video.videoURL();
-    if (path) {
+    if (path && !_isMainMissing) {
         if (const auto made = setUpMain(); !made) {
             // The still picture has come before the windows.
             if (!_parts.stage.isShowing()) {
@@ -119,16 +205,23 @@ Result<void> VideoContent::show()
     showOthers();
     if (!_parts.stage.isShowing())
         return failure(u"请先选择一个视频"_s);
+    if (path && _isMainMissing)
+        Q_EMIT partFailed(goneWords(*path));
     return {};
 }
 
-Result<VideoContent::Video> VideoContent::make(const Display &display, VideoEvents events)
+Result<VideoContent::Video> VideoContent::make(const Display &display, VideoEvents events,
+                                               const StagedVideo::SetUp &setUp)
 {
-    auto video = StagedVideo::create(_parts.surfaces, _parts.stage, display, std::move(events), _parts.clock);
-    if (video) {
-        (*video)->surface().setGravity(layerGravity(_parts.preferences.gravity()));
+    auto video = StagedVideo::create(
+        _parts.surfaces, _parts.stage, display, std::move(events),
+        [this, setUp](VideoSurface &surface) {
+            surface.setGravity(layerGravity(_parts.preferences.gravity()));
+            setUp(surface);
+        },
+        _parts.clock);
+    if (video)
         (*video)->setRate(clampedSpeed(_parts.preferences.speed()));
-    }
     return video;
 }
 
@@ -140,17 +233,21 @@ Result<void> VideoContent::setUpMain()
     if (!display)
         return failure(u"没有检测到显示器"_s);
     VideoEvents events;
-    events.failed = [this](const Failure &reason) { Q_EMIT failed(u"无法读取视频："_s + reason.message); };
+    events.failed = [this](const Failure &reason) {
+        _parts.files.look(chosen());
+        Q_EMIT failed(u"无法读取视频："_s + reason.message);
+    };
     events.time = [this] {
         if (_main->window().isActive() && !_isInBackground())
             refreshStill(u"time"_s);
     };
-    auto made = make(*display, std::move(events));
+    auto made = make(*display, std::move(events), [this](VideoSurface &surface) {
+        surface.setVolume(_parts.preferences.audibleVolume());
+        surface.observeTime(timeInterval);
+    });
     if (!made)
         return std::unexpected(made.error());
     _main = std::move(*made);
-    _main->surface().setVolume(_parts.preferences.audibleVolume());
-    _main->surface().observeTime(timeInterval);
     return {};
 }
 
@@ -161,7 +258,7 @@ void VideoContent::showOthers()
     const auto displays = _parts.stage.otherDisplays();
     for (const Display &display : displays) {
         const auto own = paths.constFind(display.id);
-        const bool hasOwn = own != paths.constEnd() && QFileInfo::exists(*own);
+        const bool hasOwn = own != paths.constEnd() && _parts.files.isFound(*own);
         if (!hasOwn && !_main)
             continue;
         if (auto kept = gone.extract(display.id))
@@ -176,11 +273,10 @@ void VideoContent::showOther(const Display &display, const QString &path)
     if (!_others.contains(id)) {
         VideoEvents events;
         events.failed = [this, id](const Failure &reason) { dropOther(id, reason.message); };
-        auto made = make(display, std::move(events));
+        // Only the main display is ever heard.
+        auto made = make(display, std::move(events), [](VideoSurface &surface) { surface.setVolume(0); });
         if (!made)
             return dropOther(id, made.error().message);
-        // Only the main display is ever heard.
-        (*made)->surface().setVolume(0);
         _others.emplace(id, std::move(*made));
     }
     StagedVideo &video = *_others.at(id);
@@ -196,6 +292,7 @@ void VideoContent::dropOther(quint32 displayID, const QString &reason)
 
 void VideoContent::hardResume(const QString &reason)
 {
+    forEach([](StagedVideo &video) { video.hardResume(); });
     if (_main)
         _main->window().bringToFront();
     _parts.stage.applyWindowLayering();
@@ -208,6 +305,7 @@ void VideoContent::displaysChanged()
     if (const auto display = _parts.stage.mainDisplay(); display && _main)
         _main->window().fitTo(*display);
     showOthers();
+    lookForOthers();
     _parts.stage.applyWindowLayering();
 }
 
@@ -275,41 +373,31 @@ WallpaperReturn VideoContent::returnAtLaunch() const
 {
     using Step = WallpaperReturn::Step;
     WallpaperReturn back;
-    const auto last = _parts.preferences.lastVideoPath();
-    // A file that has gone is passed over.
-    if (_parts.video.videoURL()) {
-        back.log << u"autoRestore apply current videoURL"_s;
-        if (QFileInfo(chosen()).isFile())
-            back.step = Step::show;
+    if (const auto last = _parts.preferences.lastVideoPath(); _parts.video.videoURL()) {
+        back = {Step::show, chosen(), {u"autoRestore apply current videoURL"_s}, {}};
     } else if (last) {
-        back.log << u"autoRestore load last path: "_s + *last;
-        if (QFileInfo(*last).isFile()) {
-            back.step = Step::load;
-            back.what = *last;
-        }
+        back = {Step::load, *last, {u"autoRestore load last path: "_s + *last}, {}};
     } else {
-        back.log << u"autoRestore: no last video path"_s;
-        if (const auto count = _parts.preferences.perDisplayVideoPaths().size(); count > 0) {
-            back.step = Step::othersOnly;
-            back.log << u"autoRestore secondary-only paths count=%1"_s.arg(count);
-        }
+        back = returnWithoutFile();
+        back.log.prepend(u"autoRestore: no last video path"_s);
     }
     return back;
 }
 
+WallpaperReturn VideoContent::returnWithoutFile() const
+{
+    const auto count = _parts.preferences.perDisplayVideoPaths().size();
+    if (count == 0)
+        return {};
+    return {WallpaperReturn::Step::show, {}, {u"autoRestore secondary-only paths count=%1"_s.arg(count)}, {}};
+}
+
 WallpaperReturn VideoContent::returnAtResume() const
 {
-    WallpaperReturn back;
     const auto last = _parts.preferences.lastVideoPath();
-    if (!last) {
-        back.step = WallpaperReturn::Step::show;
-    } else if (QFileInfo(*last).isFile()) {
-        back.step = WallpaperReturn::Step::load;
-        back.what = *last;
-    } else {
-        back.hint = u"上次的视频已不在原处，请重新选择：%1"_s.arg(QFileInfo(*last).fileName());
-    }
-    return back;
+    if (!last)
+        return {WallpaperReturn::Step::show, {}, {}, {}};
+    return {WallpaperReturn::Step::load, *last, {}, goneWords(*last)};
 }
 
 } // namespace velbrix

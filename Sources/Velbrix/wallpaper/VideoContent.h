@@ -3,11 +3,14 @@
 #include "wallpaper/StagedVideo.h"
 #include "wallpaper/WallpaperContent.h"
 
+#include <QHash>
+
 #include <functional>
 #include <map>
 
 namespace velbrix {
 
+class ChosenFiles;
 class StaticDesktop;
 class WallpaperPreferences;
 class WallpaperVideo;
@@ -22,6 +25,7 @@ public:
         DesktopSurfaces &surfaces;
         WallpaperStage &stage;
         WallpaperVideo &video;
+        ChosenFiles &files;
         StaticDesktop &still;
         WallpaperPreferences &preferences;
         Clock &clock;
@@ -35,6 +39,12 @@ public:
     bool canShow() const override;
     bool isLoading() const override;
     QCoro::Task<std::optional<Result<void>>> choose(const QString path) override;
+    // The same for another display, which shows it at once if anything shows.
+    QCoro::Task<std::optional<Result<void>>> chooseOther(quint32 displayID, const QString path);
+    // The display shows the main video again; without one, nothing.
+    void clearOther(quint32 displayID);
+    // No main video is chosen any more; the others stay.
+    void clearMain();
     QCoro::Task<Result<void>> prepareToShow() override;
     Result<void> show() override;
     void hardResume(const QString &reason) override;
@@ -42,10 +52,13 @@ public:
     void stop() override;
     WallpaperReturn returnAtLaunch() const override;
     WallpaperReturn returnAtResume() const override;
+    WallpaperReturn returnWithoutFile() const override;
 
 private:
     using Video = std::unique_ptr<StagedVideo>;
-    Result<Video> make(const Display &display, VideoEvents events);
+    Result<Video> make(const Display &display, VideoEvents events, const StagedVideo::SetUp &setUp);
+    QCoro::Task<bool> lookForOthers();
+    bool hasOthers() const;
     Result<void> setUpMain();
     void showOthers();
     void showOther(const Display &display, const QString &path);
@@ -61,6 +74,8 @@ private:
     const std::function<bool()> _isInBackground;
     Video _main;
     std::map<quint32, Video> _others;
+    QHash<quint32, int> _choices; // of each other display, counted
+    bool _isMainMissing = false;
     int _stillGeneration = 0;
 };
 

@@ -1,31 +1,26 @@
 #include "wallpaper/VideoFolder.h"
 
+#include "foundation/Awaitables.h"
 #include "wallpaper/VideoList.h"
 #include "wallpaper/WallpaperPreferences.h"
 
-#include <QCoroFuture>
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
-#include <QThreadPool>
-#include <QtConcurrent/QtConcurrentRun>
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
 
 constexpr int picturesAtOnce = 2;
+constexpr int walksAtOnce = 4;
 constexpr int keptThumbnails = 160;
-
-// Never waited for: a folder on a disk that is gone would hold up the end.
-QThreadPool &workers()
-{
-    static auto *const pool = new QThreadPool;
-    return *pool;
-}
+constexpr auto longestPicture = 20s;
+constexpr auto longestWalk = 10min;
 
 QString folderProblem(const QString &folder)
 {
@@ -41,10 +36,13 @@ QString folderProblem(const QString &folder)
 
 } // namespace
 
-VideoFolder::VideoFolder(MediaProbe &probe, WallpaperPreferences &preferences, const QString &cacheFolder,
-                         QObject *parent)
+VideoFolder::VideoFolder(MediaProbe &probe, WallpaperPreferences &preferences, Clock &clock,
+                         const QString &cacheFolder, QObject *parent)
     : QObject(parent),
       _probe(probe),
+      _clock(clock),
+      _looks(clock, picturesAtOnce),
+      _walks(clock, walksAtOnce, longestWalk),
       _preferences(preferences),
       _cache(cacheFolder),
       _thumbnails(keptThumbnails)
@@ -66,7 +64,9 @@ void VideoFolder::choose(const QString &folder)
 void VideoFolder::rescan()
 {
     cancelScan();
+    // There may be other videos under the same names.
     _unreadable.clear();
+    _thumbnails.clear();
     if (const auto folder = _preferences.wallpaperFolder())
         scan(*folder);
 }
@@ -79,25 +79,28 @@ void VideoFolder::cancelScan()
 
 QCoro::Task<> VideoFolder::scan(QString folder)
 {
-    _problem = folderProblem(folder);
-    if (!_problem.value().isEmpty()) {
-        _folderVideos = QStringList();
-        co_return;
-    }
     const QPointer self(this);
     const Cancellation scanning;
     _scanning = scanning;
     _isScanning = true;
-    const ThumbnailCache cache = _cache;
-    auto walk = QtConcurrent::run(&workers(), [folder, scanning, cache] {
-        QStringList found = videosBelow(folder, scanning);
-        cache.prune();
-        return found;
-    });
-    const QStringList videos = co_await walk;
+    auto look = _looks.run([folder] { return folderProblem(folder); });
+    auto problem = co_await look;
+    std::optional<QStringList> videos;
+    if (self && !scanning.isCancelled() && problem == QString()) {
+        const ThumbnailCache cache = _cache;
+        auto walk = _walks.run([folder, scanning, cache] {
+            QStringList found = videosBelow(folder, scanning);
+            cache.prune();
+            return found;
+        });
+        videos = co_await walk;
+        if (!videos)
+            problem.reset();
+    }
     if (!self || scanning.isCancelled())
         co_return;
-    _folderVideos = videos;
+    _problem = problem.value_or(u"无法读取文件夹："_s + silentDiskWords);
+    _folderVideos = videos.value_or(QStringList());
     _isScanning = false;
 }
 
@@ -138,13 +141,18 @@ QCoro::Task<> VideoFolder::makeThumbnail(QString path)
     Cancellation cancellation;
     _running.insert(path, cancellation);
     const ThumbnailCache cache = _cache;
-    auto lookUp = QtConcurrent::run(&workers(), [cache, path] { return cache.find(path); });
-    QImage picture = co_await lookUp;
-    if (self && picture.isNull() && !cancellation.isCancelled()) {
-        const auto made = co_await _probe.frame(path, 1.0, thumbnailSize, cancellation);
-        if (made) {
-            picture = *made;
-            (void)QtConcurrent::run(&workers(), [cache, path, picture] { cache.store(path, picture); });
+    auto lookUp = _looks.run([cache, path] { return cache.find(path); });
+    const auto known = co_await lookUp;
+    QImage picture = known.value_or(QImage());
+    if (self && known && picture.isNull() && !cancellation.isCancelled()) {
+        auto search = _probe.frame(path, 1.0, thumbnailSize, cancellation);
+        const auto made = co_await withDeadline(_clock, longestPicture, std::move(search));
+        if (self && made && *made) {
+            picture = **made;
+            _looks.run([cache, path, picture] {
+                cache.store(path, picture);
+                return true;
+            });
         }
     }
     if (!self || cancellation.isCancelled())

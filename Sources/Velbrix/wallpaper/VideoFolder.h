@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/FileThreads.h"
 #include "foundation/Published.h"
 #include "platform/MediaProbe.h"
 #include "wallpaper/ThumbnailCache.h"
@@ -27,8 +28,8 @@ public:
     static constexpr QSize thumbnailSize{320, 180}; // pixels, at most
 
     // The cache's folder is created when the first picture is stored.
-    VideoFolder(MediaProbe &probe, WallpaperPreferences &preferences, const QString &cacheFolder,
-                QObject *parent = nullptr);
+    VideoFolder(MediaProbe &probe, WallpaperPreferences &preferences, Clock &clock,
+                const QString &cacheFolder, QObject *parent = nullptr);
     ~VideoFolder() override;
 
     // Remembers the folder and looks through it.
@@ -56,6 +57,9 @@ private:
     QCoro::Task<> makeThumbnail(QString path);
 
     MediaProbe &_probe;
+    Clock &_clock;
+    FileThreads _looks;
+    FileThreads _walks;
     WallpaperPreferences &_preferences;
     ThumbnailCache _cache;
     Cancellation _scanning;

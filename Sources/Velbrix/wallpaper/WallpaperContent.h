@@ -13,12 +13,12 @@ namespace velbrix {
 
 // How a content comes back by itself.
 struct WallpaperReturn {
-    enum class Step { nothing, show, load, othersOnly };
+    enum class Step { nothing, show, load };
 
     Step step = Step::nothing;
-    QString what; // to load before it is shown
+    QString what; // a file to show, or to load before that; empty where it takes none
     QStringList log;
-    QString hint; // for the user
+    QString hint; // for the user, where the file is not there
 };
 
 // One kind of thing that the wallpaper can show. It puts its windows on the
@@ -46,7 +46,8 @@ public:
     // What should come before show(): at most a second for each choice.
     virtual QCoro::Task<Result<void>> prepareToShow() = 0;
     // Shows it on every display that it is for, or anew. Without anything
-    // chosen the failure says what to choose.
+    // chosen the failure says what to choose. A display whose part is not there
+    // is told of by partFailed().
     virtual Result<void> show() = 0;
     // Goes on where the stage does; the reason is for the log.
     virtual void hardResume(const QString &reason) = 0;
@@ -58,6 +59,8 @@ public:
     // When the program starts, and when the user resumes what does not show.
     virtual WallpaperReturn returnAtLaunch() const = 0;
     virtual WallpaperReturn returnAtResume() const = 0;
+    // Where the file to show is not there.
+    virtual WallpaperReturn returnWithoutFile() const = 0;
 
 Q_SIGNALS:
     void chosenChanged();

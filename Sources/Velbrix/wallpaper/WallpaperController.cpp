@@ -16,6 +16,18 @@ using wallpaperlog::say;
 
 namespace {
 
+// Larger pictures than a wallpaper needs are decoded all the same: no decoder of
+// the usual formats makes smaller ones.
+QString adviceFor(QSizeF video)
+{
+    constexpr double enough = 2560.0 * 1440;
+    if (video.width() * video.height() <= enough)
+        return {};
+    return u"这个视频有 %1×%2，超过壁纸所需的 2560×1440：解码更费电，建议换用较小的版本。"_s
+        .arg(video.width())
+        .arg(video.height());
+}
+
 QString absolute(const QString &path)
 {
     return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
@@ -28,15 +40,16 @@ WallpaperController::WallpaperController(Ports ports, SettingsStore &settings, C
     : QObject(parent),
       _preferences(settings),
       _video(ports.probe, clock),
-      _folder(ports.probe, _preferences, folders.thumbnails),
+      _files(ports.probe),
+      _folder(ports.probe, _preferences, clock, folders.thumbnails),
       _preview(ports.surfaces),
       _stage({ports.surfaces, ports.displays, ports.visibility}, _preferences),
-      _displays(ports.displays, _preferences, _stage),
+      _displays(ports.displays, _preferences, _files, _stage),
       _staticDesktop(ports.picture, settings, clock, folders.staticDesktop),
       _power(ports.power, _preferences,
-             {[this] { return isShowing() || isApplying(); }, [this] { stopWallpaper(); },
-              [this] { resumeAfterBattery(); }}),
-      _videos({ports.surfaces, _stage, _video, _staticDesktop, _preferences, clock},
+             {[this] { return isShowing() || isApplying() || state().isPlaying(); },
+              [this] { stopForBattery(); }, [this] { resumeAfterBattery(); }}),
+      _videos({ports.surfaces, _stage, _video, _files, _staticDesktop, _preferences, clock},
               std::move(isInBackground)),
       _contents({{WallpaperContentMode::video, &_videos}}),
       _dock(ports.dock, _preferences)
@@ -45,6 +58,7 @@ WallpaperController::WallpaperController(Ports ports, SettingsStore &settings, C
     followParts();
     _power.startPowerSourceMonitor();
     _displayChanges = ports.displays.observe([this] { displaysChanged(); });
+    _waking = ports.sleep.observeWaking([this] { woke(); });
     _displays.detectDisplays();
 }
 
@@ -59,6 +73,10 @@ void WallpaperController::followParts()
     for (const auto &[mode, content] : _contents)
         follow(*content);
     connect(&_dock, &DockHiding::toggled, this, [this] { _stage.applyWindowLayering(); });
+    connect(&_staticDesktop, &StaticDesktop::problemChanged, this, [this] {
+        if (!_staticDesktop.problem().isEmpty())
+            _hint = _staticDesktop.problem();
+    });
     connect(&_staticDesktop, &StaticDesktop::isWorkingChanged, this, &WallpaperController::isSettledChanged);
     connect(&_dock, &DockHiding::isWorkingChanged, this, &WallpaperController::isSettledChanged);
     _job.follow(*this, &WallpaperController::isSettledChanged);
@@ -100,7 +118,7 @@ bool WallpaperController::canToggle() const
 
 bool WallpaperController::canStop() const
 {
-    return isShowing() || isApplying() || content().isLoading();
+    return isShowing() || isApplying() || state().isPlaying() || content().isLoading();
 }
 
 QString WallpaperController::trayTitle() const
@@ -111,6 +129,11 @@ QString WallpaperController::trayTitle() const
 }
 
 QCoro::Task<bool> WallpaperController::apply()
+{
+    return start(false);
+}
+
+QCoro::Task<bool> WallpaperController::start(bool isPaused)
 {
     const QPointer self(this);
     if (_hasEnded)
@@ -134,7 +157,7 @@ QCoro::Task<bool> WallpaperController::apply()
     if (!self || generation != _applyGeneration)
         co_return false;
     if (shown) {
-        setPaused(false);
+        setPaused(isPaused);
         shown = content.show();
     }
     if (shown) {
@@ -170,10 +193,25 @@ QCoro::Task<bool> WallpaperController::setVideo(const QString path)
 QCoro::Task<WallpaperController::Played> WallpaperController::playVideo(const QString path)
 {
     const QPointer self(this);
+    const Played played = co_await loadAndStart(path, false);
+    if (self && played == Played::shown && hint().isEmpty())
+        _hint = adviceFor(_video.videoSize());
+    co_return played;
+}
+
+QCoro::Task<WallpaperController::Played> WallpaperController::loadAndStart(QString path, bool isPaused)
+{
+    const QPointer self(this);
+    const int generation = ++_applyGeneration;
+    _isApplying = true;
     const bool isChosen = co_await setVideo(path);
-    if (!self || !isChosen)
+    // A stop meanwhile, or another video.
+    if (!self || generation != _applyGeneration)
+        co_return isChosen ? Played::chosen : Played::refused;
+    _isApplying = false;
+    if (!isChosen)
         co_return Played::refused;
-    const bool isShown = co_await apply();
+    const bool isShown = co_await start(isPaused);
     co_return isShown ? Played::shown : Played::chosen;
 }
 
@@ -184,21 +222,23 @@ QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const 
         co_return isSet;
     }
     const QPointer self(this);
-    const QString file = absolute(path);
-    const auto problem = co_await _video.problem(file);
-    if (!self)
+    const auto chosen = co_await _videos.chooseOther(displayID, absolute(path));
+    if (!self || !chosen)
         co_return false;
-    _hint = problem ? problem->message : QString();
-    if (!problem)
-        _preferences.setDisplayVideoPath(displayID, file);
-    co_return !problem;
+    _hint = *chosen ? QString() : chosen->error().message;
+    co_return chosen->has_value();
 }
 
 void WallpaperController::clearDisplayVideo(quint32 displayID)
 {
-    _preferences.setDisplayVideoPath(displayID, std::nullopt);
+    if (_displays.isMain(displayID))
+        _videos.clearMain();
+    else
+        _videos.clearOther(displayID);
     if (state().isPlaying() && !isShowing())
         stopWallpaper();
+    else if (state().kind != WallpaperState::Kind::failed)
+        updateState();
 }
 
 void WallpaperController::stopWallpaper()
@@ -256,29 +296,46 @@ QCoro::Task<bool> WallpaperController::hardResume(QString reason)
     co_return isShown;
 }
 
-QCoro::Task<bool> WallpaperController::comeBack(WallpaperReturn back)
+QCoro::Task<bool> WallpaperController::comeBack(WallpaperReturn back, bool isPaused)
 {
+    using Step = WallpaperReturn::Step;
+    const QPointer self(this);
+    if (!_contents.contains(_preferences.contentMode()))
+        back.step = Step::show; // which says so
     for (const QString &line : std::as_const(back.log))
         say(line);
-    if (!back.hint.isEmpty())
-        _hint = back.hint;
-    switch (back.step) {
-    case WallpaperReturn::Step::nothing:
-        break;
-    case WallpaperReturn::Step::show: {
-        const bool isShown = co_await apply();
-        co_return isShown;
+    const QString what = back.what;
+    QString told;
+    if (!what.isEmpty()) {
+        const int generation = ++_applyGeneration;
+        _isApplying = true;
+        const auto isThere = co_await _files.look(what);
+        if (!self || generation != _applyGeneration)
+            co_return false;
+        _isApplying = false;
+        if (!isThere.value_or(false)) {
+            told = isThere ? back.hint : u"无法读取视频："_s + isThere.error().message;
+            back = content().returnWithoutFile();
+            for (const QString &line : std::as_const(back.log))
+                say(line);
+        }
+        if (back.step == Step::nothing) {
+            if (isThere)
+                _hint = told;
+            else
+                refuse(what, told);
+        }
     }
-    case WallpaperReturn::Step::load: {
-        const Played played = co_await playVideo(back.what);
+    if (back.step == Step::load) {
+        const Played played = co_await loadAndStart(back.what, isPaused);
         co_return played == Played::shown;
     }
-    case WallpaperReturn::Step::othersOnly:
-        content().displaysChanged();
-        updateState();
-        co_return isShowing();
-    }
-    co_return false;
+    if (back.step == Step::nothing)
+        co_return false;
+    const bool isShown = co_await start(isPaused);
+    if (self && !told.isEmpty())
+        _hint = told;
+    co_return isShown;
 }
 
 void WallpaperController::recoverAfterCrash()
@@ -293,7 +350,7 @@ void WallpaperController::autoRestoreOnLaunch()
         say(u"autoRestore skipped: autoPlay=false"_s);
     else if (_power.blocks())
         say(u"autoRestore skipped: on battery"_s);
-    else if (state().isPlaying())
+    else if (isShowing() || state().isPlaying())
         say(u"autoRestore skipped: already playing"_s);
     else if (_contents.contains(_preferences.contentMode()))
         comeBack(content().returnAtLaunch());
@@ -304,12 +361,30 @@ void WallpaperController::tellNoReturn(const QString &why)
     _hint = why;
 }
 
+void WallpaperController::stopForBattery()
+{
+    _wasPausedBeforeBattery = isPaused();
+    // What is still being read is chosen all the same, and shown on mains.
+    if (isShowing() || state().isPlaying() || !content().isLoading())
+        stopWallpaper();
+}
+
 void WallpaperController::resumeAfterBattery()
 {
-    if (content().chosen().isEmpty())
-        autoRestoreOnLaunch();
-    else if (content().returnAtLaunch().step == WallpaperReturn::Step::show)
-        apply();
+    const bool wasPaused = std::exchange(_wasPausedBeforeBattery, false);
+    // Otherwise it shows when it has been read.
+    if (isApplying() || !_contents.contains(_preferences.contentMode()))
+        return;
+    WallpaperReturn back = content().returnAtLaunch();
+    if (!content().chosen().isEmpty())
+        back.log.clear();
+    comeBack(back, wasPaused);
+}
+
+void WallpaperController::woke()
+{
+    if (isShowing() && !isPaused())
+        hardResume(u"wake"_s);
 }
 
 void WallpaperController::displaysChanged()
@@ -345,14 +420,16 @@ void WallpaperController::setContentMode(WallpaperContentMode mode)
 {
     if (mode == _preferences.contentMode())
         return;
-    if (canStop())
+    // What a mode that shows nothing has begun to read is for the next one.
+    if (_contents.contains(_preferences.contentMode()) && canStop())
         stopWallpaper();
     _preferences.setContentMode(mode);
 }
 
 void WallpaperController::beginSelecting()
 {
-    _state = WallpaperState{WallpaperState::Kind::selecting, {}, {}};
+    if (!isShowing())
+        _state = WallpaperState{WallpaperState::Kind::selecting, {}, {}};
 }
 
 void WallpaperController::endSelecting()

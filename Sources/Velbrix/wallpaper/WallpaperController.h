@@ -2,6 +2,8 @@
 
 #include "foundation/Job.h"
 #include "foundation/Published.h"
+#include "platform/SystemSleep.h"
+#include "wallpaper/ChosenFiles.h"
 #include "wallpaper/ConnectedDisplays.h"
 #include "wallpaper/DockHiding.h"
 #include "wallpaper/PowerPolicy.h"
@@ -28,7 +30,7 @@ class WallpaperController final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(WallpaperController, WallpaperState, state)
     VELB_PUBLISHED(WallpaperController, bool, isPaused, false)
-    // A wallpaper is about to show.
+    // A wallpaper is about to show, or read in order to.
     VELB_PUBLISHED(WallpaperController, bool, isApplying, false)
     // What the user should know about the last act; empty when all is well.
     VELB_PUBLISHED(WallpaperController, QString, hint)
@@ -41,6 +43,7 @@ public:
         DesktopPicture &picture;
         MediaProbe &probe;
         PowerSource &power;
+        SystemSleep &sleep;
         DockPreference &dock;
     };
     struct Folders {
@@ -64,6 +67,8 @@ public:
     QCoro::Task<Played> playVideo(const QString path);
     // The same for any display, without starting anything.
     QCoro::Task<bool> setDisplayVideo(quint32 displayID, const QString path);
+    // The display follows the main one again; of the main one itself, forgets
+    // the video.
     void clearDisplayVideo(quint32 displayID);
 
     void stopWallpaper();
@@ -74,6 +79,8 @@ public:
 
     // Windows are on the desktop, moving or not.
     bool isShowing() const;
+    // The desktop's icons lie under it.
+    bool coversDesktopIcons() const { return isShowing() && _preferences.coversDesktopIcons(); }
     // Something can be started, paused or resumed.
     bool canToggle() const;
     // Something shows or is about to.
@@ -111,6 +118,7 @@ public:
     WallpaperContent &content() const;
     WallpaperStage &stage() { return _stage; }
     ConnectedDisplays &displays() { return _displays; }
+    const ChosenFiles &files() const { return _files; }
     WallpaperVideo &video() { return _video; }
     VideoFolder &folder() { return _folder; }
     PreviewPlayer &preview() { return _preview; }
@@ -127,7 +135,11 @@ Q_SIGNALS:
 private:
     void followParts();
     void follow(WallpaperContent &content);
-    QCoro::Task<bool> comeBack(WallpaperReturn back);
+    QCoro::Task<bool> start(bool isPaused);
+    QCoro::Task<Played> loadAndStart(QString path, bool isPaused);
+    QCoro::Task<bool> comeBack(WallpaperReturn back, bool isPaused = false);
+    void stopForBattery();
+    void woke();
     QCoro::Task<bool> hardResume(QString reason);
     void resumeAfterBattery();
     void displaysChanged();
@@ -138,6 +150,7 @@ private:
 
     WallpaperPreferences _preferences;
     WallpaperVideo _video;
+    ChosenFiles _files;
     VideoFolder _folder;
     PreviewPlayer _preview;
     WallpaperStage _stage;
@@ -149,8 +162,10 @@ private:
     const std::map<WallpaperContentMode, WallpaperContent *> _contents;
     DockHiding _dock;
     Observation _displayChanges;
+    Observation _waking;
     Job _job{[this] { return Job::State{.isBusy = !isSettled()}; }};
     int _applyGeneration = 0;
+    bool _wasPausedBeforeBattery = false;
     bool _hasEnded = false;
 };
 

@@ -163,10 +163,12 @@ std::optional<QString> WallpaperPreferences::lastVideoPath() const
     return path && !path->isEmpty() ? path : std::nullopt;
 }
 
-void WallpaperPreferences::setLastVideoPath(const QString &path)
+void WallpaperPreferences::setLastVideoPath(const std::optional<QString> &path)
 {
-    if (lastVideoPath() != path)
-        _settings.set(lastVideoKey, path);
+    if (!path)
+        _settings.remove(lastVideoKey);
+    else if (lastVideoPath() != path)
+        _settings.set(lastVideoKey, *path);
 }
 
 std::optional<bool> WallpaperPreferences::originalSystemDockAutohideState() const

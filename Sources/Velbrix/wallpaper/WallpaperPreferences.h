@@ -58,7 +58,8 @@ public:
 
     // The last video applied on the main display.
     std::optional<QString> lastVideoPath() const;
-    void setLastVideoPath(const QString &path);
+    // Nothing forgets it.
+    void setLastVideoPath(const std::optional<QString> &path);
 
     // Icons are covered: allowed and switched on.
     bool coversDesktopIcons() const { return _hideDesktopIconsEnabled && _isHidingDesktopIcons; }

@@ -46,6 +46,7 @@ struct WallpaperDisplayInfo {
     bool isMain = false;
     QRect frame;
     std::optional<QString> videoPath; // chosen for this display
+    bool isMissing = false;           // the chosen file was looked for in vain
     bool isPlaying = false;
 
     bool operator==(const WallpaperDisplayInfo &) const = default;

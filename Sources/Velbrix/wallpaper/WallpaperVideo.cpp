@@ -1,6 +1,7 @@
 #include "wallpaper/WallpaperVideo.h"
 
 #include "foundation/Awaitables.h"
+#include "foundation/FileThreads.h"
 #include "wallpaper/WallpaperLog.h"
 
 #include <QPointer>
@@ -36,13 +37,24 @@ QCoro::Task<Result<VideoFacts>> WallpaperVideo::facts(QString path)
 {
     auto search = _probe.facts(path);
     auto found = co_await withDeadline(_clock, patience, std::move(search));
-    co_return found ? *found : Result<VideoFacts>(failure(u"存放它的磁盘没有回应"_s));
+    co_return found ? *found : Result<VideoFacts>(failure(silentDiskWords));
 }
 
 void WallpaperVideo::cancelLoad()
 {
     ++_generation;
     _isLoading = false;
+}
+
+void WallpaperVideo::forget()
+{
+    cancelLoad();
+    ++_chosen;
+    _videoURL = std::nullopt;
+    _videoSize = QSizeF(0, 0);
+    _videoFPS = 0;
+    _videoDuration = 0;
+    _currentFrame = std::nullopt;
 }
 
 QCoro::Task<std::optional<Failure>> WallpaperVideo::problem(const QString path)
@@ -62,14 +74,13 @@ QCoro::Task<std::optional<Result<void>>> WallpaperVideo::load(const QString path
     _isLoading = false;
     if (const auto problem = problemOf(found))
         co_return std::unexpected(*problem);
-    const bool isNew = videoURL() != path;
+    if (videoURL() != path)
+        _currentFrame = std::nullopt;
     _videoURL = path;
     _videoSize = QSizeF(found->size);
     _videoFPS = found->framesPerSecond;
     _videoDuration = found->duration;
-    if (isNew)
-        _currentFrame = std::nullopt;
-    showFirstFrame(path, generation);
+    showFirstFrame(path);
     co_return Result<void>();
 }
 
@@ -81,11 +92,12 @@ QCoro::Task<Result<QImage>> WallpaperVideo::frameAt(const QString path, double s
     co_return frame;
 }
 
-QCoro::Task<> WallpaperVideo::showFirstFrame(QString path, int generation)
+QCoro::Task<> WallpaperVideo::showFirstFrame(QString path)
 {
     const QPointer self(this);
+    const int chosen = ++_chosen;
     const auto frame = co_await _probe.frame(path, 0, previewBound, {});
-    if (!self || generation != _generation)
+    if (!self || chosen != _chosen)
         co_return;
     if (frame)
         _currentFrame = *frame;

@@ -35,17 +35,20 @@ public:
     QCoro::Task<std::optional<Result<void>>> load(const QString path);
     // The load under way is outdated.
     void cancelLoad();
+    // No video is chosen any more.
+    void forget();
 
     // The picture at the time, for the desktop; a failure is logged too.
     QCoro::Task<Result<QImage>> frameAt(const QString path, double seconds);
 
 private:
     QCoro::Task<Result<VideoFacts>> facts(QString path);
-    QCoro::Task<> showFirstFrame(QString path, int generation);
+    QCoro::Task<> showFirstFrame(QString path);
 
     MediaProbe &_probe;
     Clock &_clock;
     int _generation = 0;
+    int _chosen = 0; // changes with each video that is taken
 };
 
 } // namespace velbrix

@@ -139,7 +139,7 @@ QJsonObject dataOf(WallpaperController &wallpaper)
             {u"speed"_s, preferences.speed()},
             {u"gravity"_s, name(preferences.gravity())},
             {u"displays"_s, displays},
-            {u"iconsCovered"_s, preferences.coversDesktopIcons()},
+            {u"iconsCovered"_s, wallpaper.coversDesktopIcons()},
             {u"dockHidden"_s, preferences.isDockAutoHidden()},
             {u"contentMode"_s, name(preferences.contentMode())}};
 }
@@ -155,7 +155,7 @@ CommandReply status(WallpaperController &wallpaper, HostFamily family)
           << u"内容："_s + rawValue(preferences.contentMode()) << soundLine(preferences)
           << speedLine(preferences) << gravityLine(preferences)
           << u"供电："_s + (wallpaper.power().isOnBatteryPower() ? u"电池"_s : u"电源"_s)
-          << u"桌面图标："_s + (preferences.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
+          << u"桌面图标："_s + (wallpaper.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
           << hostText(u"Dock："_s, family) + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s)
           << u"显示器："_s;
     int number = 0;

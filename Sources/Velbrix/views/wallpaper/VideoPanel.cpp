@@ -53,7 +53,7 @@ QString draggedVideo(const QMimeData *data)
     if (urls.size() != 1 || !urls.first().isLocalFile())
         return {};
     const QString path = urls.first().toLocalFile();
-    return hasVideoExtension(path) && QFileInfo(path).isFile() ? path : QString();
+    return hasVideoExtension(path) ? path : QString();
 }
 
 } // namespace velbrix

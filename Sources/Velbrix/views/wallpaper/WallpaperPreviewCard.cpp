@@ -17,7 +17,6 @@
 #include "views/wallpaper/WallpaperWords.h"
 
 #include <QDragEnterEvent>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -258,7 +257,7 @@ void WallpaperPreviewCard::showVideo()
     else if (path.isEmpty())
         facts = u"已选视频的显示器没有接上"_s;
     else if (!video.videoURL())
-        facts = QFileInfo(path).isFile() ? u"上次的视频"_s : u"上次的视频已不在原处，请重新选择"_s;
+        facts = !wallpaper.files().isMissing(path) ? u"上次的视频"_s : u"上次的视频已不在原处，请重新选择"_s;
     _facts->setText(facts);
     _facts->setVisible(!facts.isEmpty());
     // Nobody else has its first picture.
@@ -322,7 +321,8 @@ void WallpaperPreviewCard::loadLastVideo()
     if (wallpaper.preferences().autoPlay() && !wallpaper.power().blocks())
         return;
     const auto last = wallpaper.preferences().lastVideoPath();
-    if (!last || !QFileInfo(*last).isFile() || !_context.services.privacy.hasAcceptedFirstLaunchNotice())
+    if (!last || wallpaper.files().isMissing(*last) ||
+        !_context.services.privacy.hasAcceptedFirstLaunchNotice())
         return;
     _hasLoadedLast = true;
     wallpaper.setVideo(*last);

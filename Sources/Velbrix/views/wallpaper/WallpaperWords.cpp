@@ -2,7 +2,6 @@
 
 #include "wallpaper/WallpaperController.h"
 
-#include <QFileInfo>
 #include <QStringList>
 
 #include <cmath>
@@ -26,7 +25,7 @@ QString videoOf(const WallpaperDisplayInfo &display)
     if (!display.videoPath)
         return display.isMain ? u"还没有视频"_s : u"跟随主屏"_s;
     const QString name = fileName(*display.videoPath);
-    if (QFileInfo::exists(*display.videoPath))
+    if (!display.isMissing)
         return name;
     return display.isMain ? u"找不到 %1"_s.arg(name) : u"找不到 %1，跟随主屏"_s.arg(name);
 }
