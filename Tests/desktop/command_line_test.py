@@ -3,6 +3,7 @@
 import os
 import re
 import shutil
+import signal
 import socket
 import stat
 import subprocess
@@ -10,7 +11,8 @@ import sys
 import unittest
 
 import movie
-from desktop import ACCEPTED, DONE, NOT_RUNNING, PROGRAM, REFUSED, RUNTIME, USAGE, DesktopTestCase, output_of
+from desktop import (ACCEPTED, DONE, NOT_RUNNING, PROGRAM, REFUSED, RUNTIME, USAGE, DesktopTestCase, output_of,
+                     wait_until)
 from wallpaper import BLUE, RED, make_clip
 
 
@@ -154,6 +156,26 @@ class CommandLine(DesktopTestCase):
         self.assertEqual(program.process.wait(10), 0)
         self.assertGreaterEqual(movie.probe(made)[1], 1)
         self.assertNotIn("Velbrix_ScreenRecord_unfinishedFiles", program.settings())
+
+    def test_what_was_begun_ends_with_its_client(self):
+        folders = [self.home / f"rubbish/{name}" for name in "abcdefgh"]
+        self.write_settings(ACCEPTED | {"Velbrix_Privacy_consent_systemCleanup": True,
+                                        "VelbClean_CleanupSelection": [],
+                                        "VelbClean_CustomPaths": [str(folder) for folder in folders]})
+        program = self.start("--background")
+        items = [item["id"] for item in program.do("clean", "list")["items"] if "path" in item]
+        for act, said in ((signal.SIGINT, "清理已取消，处理了"), (signal.SIGHUP, "")):
+            for folder in folders:
+                folder.mkdir(parents=True, exist_ok=True)
+                (folder / "file").touch()
+            client = subprocess.Popen([PROGRAM, "clean", "run", "--yes", *items], env=program.environment,
+                                      stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            wait_until(lambda: not any(folders[0].iterdir()), "something is cleaned")
+            client.send_signal(act)
+            self.assertIn(said, client.communicate(timeout=10)[1])
+            self.assertEqual(client.returncode, REFUSED if said else -act)
+            wait_until(lambda: "jobs" not in program.status() or not program.status()["jobs"], "it has stopped")
+            self.assertTrue(any(folders[-1].iterdir()))
 
     def test_consent_comes_first(self):
         self.write_settings({})
