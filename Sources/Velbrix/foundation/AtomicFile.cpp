@@ -160,8 +160,13 @@ QString writeReason(int error)
         return u"已有同名的文件或文件夹"_s;
     case EIO:
         return u"磁盘读写出错"_s;
+    case ENOENT:
+        return u"文件夹已经不在了"_s;
+    case EMFILE:
+    case ENFILE:
+        return u"打开的文件太多"_s;
     default:
-        return QString::fromLocal8Bit(std::strerror(error));
+        return u"系统错误：%1"_s.arg(QString::fromLocal8Bit(std::strerror(error)));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "foundation/RemovalGuard.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/FolderHandle.h"
 #include "foundation/Paths.h"
 
@@ -144,15 +145,11 @@ bool RemovalGuard::isYoung(const struct stat &facts) const
 QString removalReason(int error)
 {
     switch (error) {
-    case EACCES:
-        return u"没有权限"_s;
     case EPERM:
         return u"系统不允许删除（已锁定或属于其他用户）"_s;
     case EBUSY:
     case ETXTBSY:
         return u"正在使用"_s;
-    case EROFS:
-        return u"所在磁盘是只读的"_s;
     case ENOTEMPTY:
     case EEXIST:
         return u"删除时又写入了新文件"_s;
@@ -162,13 +159,8 @@ QString removalReason(int error)
         return u"删除时被换成了别的东西"_s;
     case ENOENT:
         return u"已经不在了"_s;
-    case EMFILE:
-    case ENFILE:
-        return u"打开的文件太多"_s;
-    case EIO:
-        return u"磁盘读写出错"_s;
     default:
-        return u"系统错误 %1"_s.arg(error);
+        return writeReason(error);
     }
 }
 

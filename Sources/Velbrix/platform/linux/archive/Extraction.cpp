@@ -1,5 +1,6 @@
 #include "platform/linux/archive/Extraction.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Text.h"
 
 #include <QFile>
@@ -24,9 +25,7 @@ std::unexpected<Failure> notMade(const PlannedItem &item, int error)
     const QString name = shownName(*item.entry);
     if (error == EEXIST)
         return failure(u"“%1”已经存在，没有替换"_s.arg(name));
-    if (error == ENOSPC || error == EDQUOT)
-        return failure(u"磁盘空间不足，没有解压完"_s);
-    return failure(u"无法写入“%1”：%2"_s.arg(name, qt_error_string(error)));
+    return failure(u"无法写入“%1”：%2"_s.arg(name, writeReason(error)));
 }
 
 QString shownSize(std::uint64_t bytes)

@@ -1,5 +1,6 @@
 #include "platform/linux/files/FreedesktopTrash.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
 #include "platform/linux/files/ExclusiveMove.h"
 
@@ -78,8 +79,7 @@ Result<void> bringBack(const QString &trashedPath, const QString &originalPath)
     if (error == EEXIST)
         return failure(u"原来的位置已经有同名的项目"_s);
     if (error != 0)
-        return failure(error == EACCES || error == EPERM ? u"没有权限放回原处"_s
-                                                         : u"不能放回原处（系统错误 %1）"_s.arg(error));
+        return failure(u"不能放回原处：%1"_s.arg(writeReason(error)));
     ::unlink((trash->path + "/info/" + name + ".trashinfo").constData());
     return {};
 }

@@ -2,7 +2,6 @@
 
 #include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
-#include "foundation/RemovalGuard.h"
 #include "platform/linux/files/ExclusiveMove.h"
 #include "platform/linux/files/FileDescriptor.h"
 
@@ -25,17 +24,13 @@ QString moveReason(int error)
 {
     switch (error) {
     case EPERM:
-    case EACCES:
-        return u"没有权限移动"_s;
+        return u"系统不允许移动（已锁定或属于其他用户）"_s;
     case EXDEV:
         return u"和废纸篓不在同一个磁盘上"_s;
     case EINVAL:
         return u"它里面就是废纸篓"_s;
-    case ENOSPC:
-    case EDQUOT:
-        return u"磁盘空间不足"_s;
     default:
-        return removalReason(error);
+        return writeReason(error);
     }
 }
 
