@@ -187,9 +187,11 @@ private Q_SLOTS:
               u"x_a_b_20260301_090005.zip"_s, u"a_b_20260301_090005 2.zip"_s,
               u".a_b_20260301_090005.zip.partial"_s, u"a_b_.zip"_s})
             QVERIFY2(!archiveTime(task, foreign), qPrintable(foreign));
-        QVERIFY(isGrowing(task, growingName(archiveName(task, at))));
-        QVERIFY(!isGrowing(task, u".a_b_.zip.partial"_s));
-        QVERIFY(!isGrowing(task, u".partial"_s));
+        const QString growing = growingName(archiveName(task, at), u"1a"_s);
+        QVERIFY(!isLeftGrowing(growing, u"1a"_s)); // it grows still
+        QVERIFY(isLeftGrowing(u".a_b_20260301_090005.zip.1a-01234567.partial"_s, u"1a"_s));
+        QVERIFY(!isLeftGrowing(u".a_b_20260301_090005.zip.2b-01234567.partial"_s, u"1a"_s));
+        QVERIFY(!isLeftGrowing(u".a_b_20260301_090005.zip.partial"_s, u"1a"_s));
         QCOMPARE(mirrorFolder(task), u"/d/a_b_同步"_s);
         QVERIFY(fileNamePart(QString(300, u'中')).toUtf8().size() <= 200);
     }

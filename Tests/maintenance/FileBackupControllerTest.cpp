@@ -1,4 +1,5 @@
 #include "maintenance/backup/FileBackupController.h"
+#include "maintenance/backup/BackupMark.h"
 
 #include "support/FakeFiles.h"
 #include "support/FakeSystem.h"
@@ -36,6 +37,20 @@ struct Rig : SettingsRig {
     {
         for (const QString &name : names)
             writeFile(path(u"dst/"_s + name), FakeArchiver::content);
+    }
+    // An archive that a run of the task "t" has left on that day.
+    void plant(const QString &day, qint64 run, const QString &what = {}, qint64 files = 4)
+    {
+        const QString name = u"t_2026%1_000000.zip"_s.arg(day);
+        writeArchives({name});
+        const QString archive = path(u"dst/"_s + name);
+        if (what == u"damaged")
+            writeFile(archive, QByteArray(FakeArchiver::content).replace(8, 1, "x"));
+        const BackupOwner owner{installationId(store), what == u"other" ? u"other"_s : u"t"_s};
+        if (what != u"unmarked")
+            QVERIFY(markArchive(archive, {owner, run, files, what != u"partial"}));
+        if (what == u"torn")
+            QVERIFY(QFile::resize(archive, QFileInfo(archive).size() - 1));
     }
     bool has(const QString &below) const { return QFile::exists(path(below)); }
     BackupTask described(const QString &name, int hour = 10) const
@@ -169,7 +184,7 @@ private Q_SLOTS:
         rig.clock.advance(1min);
         QCOMPARE(rig.controller->currentRunningTaskID(), std::optional(id));
         QVERIFY(rig.ends());
-        QCOMPARE(rig.result(id), u"✓ 压缩完成 · 22 字节"_s);
+        QCOMPARE(rig.result(id).section(u' ', 0, 2), u"✓ 压缩完成 ·"_s);
         QCOMPARE(rig.inDestination(), QStringList{u"t_20260301_100000.zip"_s});
         const BackupTask task = *rig.controller->task(id);
         QCOMPARE(task.nextRunAt, start.addDays(1).addSecs(3600));
@@ -223,61 +238,117 @@ private Q_SLOTS:
         QVERIFY(!rig.sleep.isWatched());
     }
 
-    void keepsTheNewestOfItsOwn()
+    void pushesOutOnlyItsOwn_data()
     {
-        Rig rig;
-        rig.writeArchives({u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s, u"t_20260103_000000.zip"_s,
-                           u"t_20260104_000000 2.zip"_s, u"t_99_20260104_000000.zip"_s,
-                           u".t_20260105_000000.zip.partial"_s, u".x_20260105_000000.zip.partial"_s,
-                           u"t_holiday.zip"_s});
-        const QString id = rig.save(rig.keeping(2))->id;
-        rig.archiver.outcome.exitStatus = 1;
-        rig.run(id);
-        QCOMPARE(rig.inDestination().size(), 7); // the leftover of a killed run is gone, no archive is
-        rig.archiver.outcome = {
-            .skipped = {u"locked"_s}, .skippedCount = 3, .changed = {u"busy"_s}, .changedCount = 1};
-        QCOMPARE(
-            rig.run(id),
-            u"✓ 压缩完成 · 22 字节（3 个文件无法读取，未包含；“busy”等 1 个文件在压缩时被改写，按读到的内容保存）"_s);
-        QCOMPARE(rig.inDestination(),
-                 (QStringList{u".x_20260105_000000.zip.partial"_s, u"t_20260103_000000.zip"_s,
-                              u"t_20260104_000000 2.zip"_s, u"t_20260301_090000.zip"_s,
-                              u"t_99_20260104_000000.zip"_s, u"t_holiday.zip"_s}));
+        QTest::addColumn<QStringList>("there"); // day, number of the run, what is special
+        QTest::addColumn<QStringList>("stays");
+        const auto row = [](const char *name, const QStringList &there, const QStringList &stays) {
+            QTest::newRow(name) << there << stays;
+        };
+        row("older", {u"0101 1"_s, u"0102 2"_s, u"0103 3"_s}, {u"0103"_s});
+        row("another task's", {u"0101 1"_s, u"0102 2 other"_s}, {u"0101"_s, u"0102"_s});
+        row("without a mark", {u"0101 1"_s, u"0102 0 unmarked"_s}, {u"0101"_s, u"0102"_s});
+        row("torn", {u"0101 1"_s, u"0102 2 torn"_s}, {u"0101"_s, u"0102"_s});
+        row("damaged", {u"0101 1"_s, u"0102 2"_s, u"0103 3 damaged"_s}, {u"0102"_s, u"0103"_s});
+        row("incomplete", {u"0101 1"_s, u"0102 2 partial"_s, u"0103 3 partial"_s, u"0104 4 partial"_s},
+            {u"0101"_s, u"0103"_s, u"0104"_s});
+        row("dated ahead", {u"1201 1"_s, u"0102 2"_s}, {u"0102"_s});
+        row("clock set back", {u"1201 1"_s, u"1202 2"_s}, {u"1202"_s});
     }
-
-    void tornArchivesAndAWrongClockPushNothingOut()
+    void pushesOutOnlyItsOwn()
     {
+        QFETCH(QStringList, there);
+        QFETCH(QStringList, stays);
         Rig rig;
-        rig.writeArchives({u"t_20260101_000000.zip"_s});
-        writeFile(rig.path(u"dst/t_20260102_000000.zip"_s), FakeArchiver::content + "more");
-        writeFile(rig.path(u"dst/t_20260103_000000.zip"_s), FakeArchiver::content.chopped(1));
-        rig.run(rig.save(rig.keeping(2))->id);
-        QCOMPARE(rig.inDestination(), (QStringList{u"t_20260101_000000.zip"_s, u"t_20260102_000000.zip"_s,
-                                                   u"t_20260103_000000.zip"_s, u"t_20260301_090000.zip"_s}));
-        Rig ahead;
-        ahead.writeArchives({u"t_20270101_000000.zip"_s, u"t_20270102_000000.zip"_s});
-        ahead.run(ahead.save(ahead.keeping(2))->id);
-        QCOMPARE(ahead.inDestination(),
-                 (QStringList{u"t_20260301_090000.zip"_s, u"t_20270102_000000.zip"_s}));
-    }
-
-    void whatIsGoneOnTheWayPushesNothingOut()
-    {
-        Rig rig;
-        rig.writeArchives({u"t_20260101_000000.zip"_s});
-        rig.write({u"src/b"_s, u"src/c"_s, u"src/d"_s});
-        const QString id = rig.save(rig.keeping(1))->id;
-        for (const int filesInIt : {0, 1, 3}) { // of four
-            rig.archiver.outcome.files = filesInIt;
-            rig.run(id);
-            QCOMPARE(!rig.inDestination().contains(u"t_20260101_000000.zip"_s), filesInIt == 3);
-            rig.clock.advance(1s);
+        for (const QString &line : there) {
+            const QStringList facts = line.split(u' ');
+            rig.plant(facts[0], facts[1].toInt(), facts.value(2));
         }
-        for (const QString &name : {u"src/a"_s, u"src/b"_s, u"src/c"_s, u"src/d"_s})
-            QFile::remove(rig.path(name));
-        rig.archiver.outcome = {};
-        rig.run(id);
+        rig.writeArchives({u"t_holiday.zip"_s, u"t_20260104_000000 2.zip"_s});
+        rig.find({rig.keeping(2)});
+        QVERIFY(rig.run(u"t"_s).startsWith(u"✓"_s));
+        QStringList names{u"t_20260104_000000 2.zip"_s, u"t_20260301_090000.zip"_s, u"t_holiday.zip"_s};
+        for (const QString &day : stays)
+            names << u"t_2026%1_000000.zip"_s.arg(day);
+        names.sort();
+        QCOMPARE(rig.inDestination(), names);
+    }
+
+    void whatIsMissingInAnArchiveIsTold()
+    {
+        Rig rig;
+        rig.plant(u"0101"_s, 1);
+        rig.write({u"src/b"_s, u"src/c"_s, u"src/d"_s});
+        rig.find({rig.keeping(1)});
+        const auto runsOnSchedule = [&](const ArchiveOutcome &outcome) {
+            rig.archiver.outcome = outcome;
+            rig.clock.advance(1h);
+            const bool hasEnded = rig.ends();
+            rig.clock.advance(23h);
+            return hasEnded ? rig.result(u"t"_s).section(u" 字节"_s, 1) : QString();
+        };
+        for (const int time : {1, 2}) {
+            QCOMPARE(runsOnSchedule({.skipped = {u"x"_s}, .skippedCount = 3, .files = 4}),
+                     u"（3 个文件无法读取，未包含）"_s);
+            QCOMPARE(rig.notifications.posted.size(), 1);
+            QVERIFY2(rig.has(u"dst/t_20260101_000000.zip"_s), qPrintable(QString::number(time)));
+        }
+        QCOMPARE(runsOnSchedule({.files = 1}), u"（源文件夹里有 4 个文件，归档里只有 1 个）"_s);
+        QCOMPARE(rig.notifications.posted.last().title, u"“t”有文件没有备份"_s);
+        QVERIFY(rig.has(u"dst/t_20260101_000000.zip"_s));
+        QCOMPARE(runsOnSchedule({.changed = {u"busy"_s}, .changedCount = 1, .files = 4}),
+                 u"（“busy”等 1 个文件在压缩时被改写，按读到的内容保存）"_s);
+        QVERIFY(!rig.has(u"dst/t_20260101_000000.zip"_s));
+        QCOMPARE(rig.notifications.posted.size(), 2);
+    }
+
+    void aSourceThatHasLostMuchPushesNothingOutUnasked()
+    {
+        Rig rig;
+        rig.plant(u"0101"_s, 1, {}, 300);
+        rig.plant(u"0102"_s, 2, u"partial"_s, 9);
+        for (int n = 1; n < 78; ++n)
+            rig.write({u"src/%1"_s.arg(n)});
+        rig.find({rig.keeping(1)});
+        rig.clock.advance(1h);
+        QVERIFY(rig.ends());
+        const QString words = u"源文件夹比上一个完整归档少了 222 个文件（共 300 个），"_s;
+        QCOMPARE(rig.result(u"t"_s), words + u"已暂停；请手动运行并确认"_s);
+        QCOMPARE(rig.notifications.posted.size(), 1);
+        QVERIFY(rig.asks(u"t"_s));
+        QCOMPARE(rig.controller->question()->doubt, (BackupDoubt{BackupDoubt::Kind::shrunkSource, 222, 300}));
+        rig.controller->decline();
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.result(u"t"_s), words + u"未获确认，没有压缩"_s);
         QCOMPARE(rig.inDestination().size(), 2);
+        QVERIFY(rig.asks(u"t"_s));
+        rig.archiver.outcome.files = 78;
+        rig.controller->confirm();
+        QVERIFY(rig.ends());
+        QCOMPARE(rig.inDestination(), QStringList{u"t_20260301_100000.zip"_s});
+        rig.clock.advance(24h); // what was agreed to is the measure from then on
+        QVERIFY(rig.ends());
+        QVERIFY(rig.result(u"t"_s).startsWith(u"✓"_s));
+        QDir(rig.path(u"src"_s)).removeRecursively();
+        QDir().mkpath(rig.path(u"src"_s));
+        QVERIFY(rig.asks(u"t"_s));
+    }
+
+    void whatKilledRunsHaveLeftGoes()
+    {
+        Rig rig;
+        const auto leave = [&](const QString &installation) {
+            const QString name = u".%1_20260101_000000.zip.%2-01234567.partial"_s;
+            rig.writeArchives({name.arg(u"renamed"_s, installation)});
+        };
+        leave(installationId(rig.store));
+        leave(u"0123456789abcdef"_s); // another computer's
+        rig.find({rig.described(u"t"_s)});
+        rig.run(u"t"_s);
+        QCOMPARE(rig.inDestination().size(), 2);
+        leave(installationId(rig.store));
+        rig.controller->remove(u"t"_s);
+        QTRY_COMPARE(rig.inDestination().size(), 2);
     }
 
     void settingsEditedByHandAreCheckedAtTheRun()
@@ -326,7 +397,7 @@ private Q_SLOTS:
 
         rig.archiver.tears = false;
         QVERIFY(rig.isHeld(id));
-        QCOMPARE(rig.inDestination(), QStringList{u".t_20260301_090000.zip.partial"_s});
+        QVERIFY(rig.inDestination().first().startsWith(u".t_20260301_090000.zip."_s));
         rig.controller->cancelRun();
         QVERIFY(rig.ends(FakeArchiver::turn));
         QCOMPARE(rig.result(id), u"已取消"_s);
@@ -397,8 +468,9 @@ private Q_SLOTS:
         Rig rig;
         const QString id = rig.mirrorOfSixty(10);
         QVERIFY(rig.asks(id));
-        QCOMPARE(*rig.controller->question(), (BackupQuestion{id, u"t"_s, 60, 60}));
-        rig.controller->declineDeletions();
+        QCOMPARE(*rig.controller->question(),
+                 (BackupQuestion{id, u"t"_s, {BackupDoubt::Kind::deletions, 60, 60}}));
+        rig.controller->decline();
         QVERIFY(!rig.controller->question());
         QVERIFY(rig.ends());
         QVERIFY(rig.has(u"dst/t_同步/0"_s));
@@ -411,7 +483,7 @@ private Q_SLOTS:
         QVERIFY(rig.result(id).contains(u"已暂停"_s));
         QTRY_COMPARE(rig.notifications.posted.size(), 1);
         QVERIFY(rig.asks(id));
-        rig.controller->confirmDeletions();
+        rig.controller->confirm();
         QVERIFY(rig.ends());
         QCOMPARE(rig.result(id), u"✓ 同步完成 · 1 个文件，删除 60 个"_s);
         QVERIFY(!rig.has(u"dst/t_同步/0"_s));
@@ -452,15 +524,18 @@ private Q_SLOTS:
         rig.writeArchives({u"t_20260301_090000.zip"_s});
         const QString archive = rig.path(u"dst/t_20260301_090000.zip"_s);
         const QString to = rig.path(u"to"_s);
-        rig.write({u"to/extracted"_s, u"to/.velbrix-restore-0123456789abcdef0123456789abcdef/x"_s});
+        const QString left = u"to/.velbrix-restore-0123456789abcdef0123456789abcdef"_s;
+        const QString ownFolder = u".velbrix-restore-00000000000000000000000000000000"_s;
+        rig.write({u"to/extracted"_s, left + u"/x"_s, u"to/%1/x"_s.arg(ownFolder)});
+        rig.store.set(u"Velbrix_FileBackupRestores"_s, QJsonArray{rig.path(left)});
         ArchiveRestorer &restorer = rig.make().restorer();
         const auto restored = [&] {
             restorer.restore(archive, to);
             return waitFor([&] { return !restorer.isRestoring(); }) ? restorer.result() : QString();
         };
         QCOMPARE(restored(), u"✓ 已恢复到 "_s + rig.path(u"to/extracted 2"_s));
-        const QStringList whole{u"extracted"_s, u"extracted 2"_s};
-        QCOMPARE(entriesOf(to), whole);
+        const QStringList whole{ownFolder, u"extracted"_s, u"extracted 2"_s};
+        QTRY_COMPARE(entriesOf(to), whole);
         rig.archiver.extractProblem = u"磁盘已满"_s;
         QCOMPARE(restored(), u"恢复失败：磁盘已满"_s);
         QCOMPARE(entriesOf(to), whole);
@@ -473,11 +548,13 @@ private Q_SLOTS:
         rig.writeArchives({u"t_20260301_090000.zip"_s});
         rig.archiver.holds = true;
         restorer.restore(archive, to);
-        QTRY_COMPARE(entriesOf(to).size(), 3);
+        QTRY_COMPARE(entriesOf(to).size(), 4);
+        QCOMPARE(rig.store.json(u"Velbrix_FileBackupRestores"_s)->toArray().size(), 1);
         restorer.cancel();
         QTRY_VERIFY((rig.clock.advance(FakeArchiver::turn), !restorer.isRestoring()));
         QCOMPARE(restorer.result(), u"已取消"_s);
         QCOMPARE(entriesOf(to), whole);
+        QTRY_VERIFY(!rig.store.contains(u"Velbrix_FileBackupRestores"_s));
         // Several entries get a folder of the archive's name.
         rig.archiver.holds = false;
         rig.archiver.entries = {u"one"_s, u".two"_s};

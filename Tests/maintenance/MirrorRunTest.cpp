@@ -186,7 +186,7 @@ private Q_SLOTS:
         }
         Rig rig;
         rig.write({u"src/a"_s, u"dst/t_同步"_s});
-        QCOMPARE(rig.run(), u"创建同步目录失败: 已有同名的文件"_s);
+        QCOMPARE(rig.run(), u"创建同步目录失败: 已有同名的文件或文件夹"_s);
         QCOMPARE(filesBelow(rig.path(u"dst"_s)), QStringList{u"t_同步"_s});
         Rig inTheWay;
         inTheWay.write({u"src/a"_s, u"dst/t_同步_旧文件"_s});
@@ -276,14 +276,14 @@ private Q_SLOTS:
             const QString words = u"同步会删除同步文件夹里 %1 个文件（共 %2 个），已暂停；请手动运行并确认"_s;
             QCOMPARE(held, words.arg(lost).arg(kept + lost));
             qint64 asked = 0;
-            rig.request.approve = [&](qint64 deletions, qint64) {
-                asked = deletions;
+            rig.request.approve = [&](BackupDoubt doubt) {
+                asked = doubt.lost;
                 return answering(false);
             };
             QVERIFY(rig.run().endsWith(u"未获确认，没有同步"_s));
             QCOMPARE(asked, lost);
             QCOMPARE(rig.inMirror().size(), kept + lost);
-            rig.request.approve = [](qint64, qint64) { return answering(true); };
+            rig.request.approve = [](BackupDoubt) { return answering(true); };
             QVERIFY(rig.says(u"✓ 同步完成"_s));
             QVERIFY(!rig.has(u"dst/t_同步/lost"_s));
         }
@@ -294,14 +294,14 @@ private Q_SLOTS:
         Rig rig;
         rig.write({u"src/a"_s});
         rig.writeMany(u"dst/t_同步"_s, 60);
-        rig.request.approve = [&](qint64, qint64) {
+        rig.request.approve = [&](BackupDoubt) {
             QFile::remove(rig.path(u"src/a"_s));
             return answering(true);
         };
         QVERIFY(rig.says(u"源文件夹里没有文件"_s));
         QCOMPARE(rig.inMirror().size(), 60);
         rig.write({u"src/a"_s});
-        rig.request.approve = [&](qint64, qint64) {
+        rig.request.approve = [&](BackupDoubt) {
             QDir().rename(rig.path(u"dst"_s), rig.path(u"unmounted"_s));
             return answering(true);
         };

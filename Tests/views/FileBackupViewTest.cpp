@@ -220,11 +220,11 @@ private Q_SLOTS:
             QVERIFY(QFile::remove(rig.source() + u"/%1.txt"_s.arg(number)));
         for (const bool isConfirmed : {false, true}) {
             rig.click(u"backupRun."_s + id);
-            QVERIFY(rig.untilFound(u"deletionQuestion"_s));
-            QVERIFY(rig.button(u"deletionDecline"_s)->hasFocus());
-            QCOMPARE(rig.text(u"deletionConfirm"_s), u"删除 70 个文件并同步"_s);
-            rig.click(isConfirmed ? u"deletionConfirm"_s : u"deletionDecline"_s);
-            QVERIFY(!rig.find(u"deletionQuestion"_s));
+            QVERIFY(rig.untilFound(u"backupQuestion"_s));
+            QVERIFY(rig.button(u"questionDecline"_s)->hasFocus());
+            QCOMPARE(rig.text(u"questionConfirm"_s), u"删除 70 个文件并同步"_s);
+            rig.click(isConfirmed ? u"questionConfirm"_s : u"questionDecline"_s);
+            QVERIFY(!rig.find(u"backupQuestion"_s));
             QVERIFY(rig.hasRun());
             QCOMPARE(mirror.entryList(QDir::Files).size(), isConfirmed ? 11 : 81);
         }

@@ -6,6 +6,8 @@
 #include <QJsonArray>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -165,23 +167,44 @@ Result<BackupTask> found(const FileBackupController &backup, const QString &word
     return named.first();
 }
 
-CommandReply replyTo(const BackupQuestion &question)
+struct DoubtWords {
+    BackupDoubt::Kind kind;
+    QString key;
+    QString text; // of name, lost and existing
+};
+
+const DoubtWords &wordsOf(const BackupDoubt &doubt)
 {
-    return CommandReply::question(
-        u"「%1」会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。"_s.arg(
-            oneLine(question.name), QString::number(question.deletions), QString::number(question.existing)),
-        {question.taskId},
-        {{u"id"_s, question.taskId},
-         {u"deletions"_s, question.deletions},
-         {u"existing"_s, question.existing}},
-        QString::number(question.deletions));
+    static const DoubtWords all[] = {
+        {BackupDoubt::Kind::deletions, u"deletions"_s,
+         u"「%1」会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。"_s},
+        {BackupDoubt::Kind::shrunkSource, u"shrunkSource"_s,
+         u"「%1」的源文件夹比上一个完整归档少了 %2 个文件（共 %3 个），没有压缩；继续的话，新归档会计入保留份数。"_s},
+    };
+    return *std::ranges::find(all, doubt.kind, &DoubtWords::kind);
 }
 
-// Fewer than were agreed to are agreed to.
-bool isAgreed(const ParsedCommand &command, const BackupQuestion &question)
+CommandReply replyTo(const BackupQuestion &question)
 {
+    const BackupDoubt &doubt = question.doubt;
+    const DoubtWords &words = wordsOf(doubt);
+    return CommandReply::question(
+        words.text.arg(oneLine(question.name), QString::number(doubt.lost), QString::number(doubt.existing)),
+        {question.taskId},
+        {{u"id"_s, question.taskId},
+         {u"doubt"_s, words.key},
+         {u"deletions"_s, doubt.lost},
+         {u"existing"_s, doubt.existing}},
+        words.key + u' ' + QString::number(doubt.lost));
+}
+
+// To fewer than were agreed to, of the same kind, the user has agreed as well.
+bool isAgreed(const ParsedCommand &command, const BackupDoubt &doubt)
+{
+    const QStringList agreed = command.terms.split(u' ');
     return command.has(confirmOption) &&
-           (command.terms.isEmpty() || question.deletions <= command.terms.toLongLong());
+           (command.terms.isEmpty() ||
+            (agreed.first() == wordsOf(doubt).key && doubt.lost <= agreed.last().toLongLong()));
 }
 
 QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand command)
@@ -196,11 +219,11 @@ QCoro::Task<CommandReply> run(FileBackupController &backup, ParsedCommand comman
     backup.runNow(id);
     while (backup.currentRunningTaskID() == id) {
         if (const auto question = backup.question()) {
-            if (isAgreed(command, *question)) {
-                backup.confirmDeletions();
+            if (isAgreed(command, question->doubt)) {
+                backup.confirm();
             } else {
                 refused = question;
-                backup.declineDeletions();
+                backup.decline();
             }
         }
         co_await nextSignal(backup, &FileBackupController::questionChanged,

@@ -6,12 +6,17 @@
 #include <QCoroTask>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 namespace velbrix {
 
 class Archiver;
+class SettingsStore;
 
-// Unpacks archives, one at a time. The archiver must outlive it.
+// Unpacks archives, one at a time, each into a hidden folder first, which is on
+// record in the settings as long as it may be there: what a killed restore has
+// left goes at the next start, or when its disk is there again. Archiver and
+// settings must outlive it.
 class ArchiveRestorer final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(ArchiveRestorer, bool, isRestoring, false)
@@ -20,7 +25,7 @@ class ArchiveRestorer final : public QObject {
     VELB_PUBLISHED(ArchiveRestorer, bool, hasSucceeded, false) // the last one
 
 public:
-    explicit ArchiveRestorer(Archiver &archiver) : _archiver(archiver) {}
+    ArchiveRestorer(Archiver &archiver, SettingsStore &settings);
     ~ArchiveRestorer() override { _cancellation.cancel(); }
 
     // Into a new folder inside the chosen one; nothing is replaced. Does
@@ -30,8 +35,12 @@ public:
 
 private:
     QCoro::Task<> run(QString archive, QString folder);
+    QCoro::Task<> removeLeftovers();
+    QStringList recorded() const;
+    void record(const QStringList &unpacking);
 
     Archiver &_archiver;
+    SettingsStore &_settings;
     Cancellation _cancellation;
 };
 

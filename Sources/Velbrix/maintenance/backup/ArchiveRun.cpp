@@ -1,6 +1,7 @@
 #include "maintenance/backup/ArchiveRun.h"
 
 #include "foundation/Text.h"
+#include "maintenance/backup/ArchiveRetention.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/TreeComparison.h"
@@ -12,10 +13,9 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 #include <QtConcurrent/QtConcurrentRun>
-#include <QtEndian>
 
 #include <algorithm>
-#include <cstring>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -23,42 +23,14 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr qint64 endSize = 22; // of the end of central directory record (APPNOTE 4.3.16), without its comment
-constexpr qint64 longestComment = 65535;
-
-// What was torn lacks its end.
-bool hasEnd(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.size() < endSize)
-        return false;
-    file.seek(std::max<qint64>(0, file.size() - endSize - longestComment));
-    const QByteArray tail = file.readAll();
-    for (auto end = tail.size() - endSize; end >= 0; --end) {
-        const auto *const record = tail.constData() + end;
-        if (std::memcmp(record, "PK\5\6", 4) == 0 &&
-            qFromLittleEndian<quint16>(record + 20) == tail.size() - end - endSize)
-            return true;
-    }
-    return false;
-}
-
-// Those that are not among the newest `keepLast`, of which the one that was
-// just made is the first whatever the clock says.
-QList<BackupArchiveInfo> archivesToPrune(const BackupTask &task, const QString &justMade)
-{
-    if (task.keepLast <= 0)
-        return {};
-    QList<BackupArchiveInfo> others = completeArchives(task);
-    others.removeIf([&](const BackupArchiveInfo &archive) { return archive.path == justMade; });
-    return others.mid(task.keepLast - 1);
-}
-
 struct Plan {
     QString obstacle;
     QString archive;
     QString growing; // the archive's path until it is whole
     TreeFacts facts;
+    qint64 run = 1;          // the archive's number
+    qint64 filesBefore = 0;  // in the newest complete archive
+    qint64 othersBefore = 0; // archives of these names that nothing says to be the task's
 };
 
 constexpr qint64 margin = 1 << 20;
@@ -96,45 +68,59 @@ QString freeArchivePath(const BackupTask &task, QDateTime at)
     return destination.filePath(archiveName(task, at));
 }
 
-void removeGrowing(const BackupTask &task)
+// What the task has made there so far.
+void lookBack(const BackupTask &task, const BackupOwner &owner, Plan &made)
 {
-    removeOwn(task, task.destPath, [&](const QString &name) { return isGrowing(task, name); });
+    const QList<BackupArchiveInfo> own = ownArchives(task, owner);
+    if (own.isEmpty()) {
+        made.othersBefore = completeArchives(task).size();
+        return;
+    }
+    made.run = own.first().mark->run + 1;
+    const auto complete =
+        std::ranges::find_if(own, [](const BackupArchiveInfo &archive) { return archive.mark->isComplete; });
+    if (complete != own.end())
+        made.filesBefore = complete->mark->files;
 }
 
-Plan plan(const BackupTask &task, const VolumeIdentity &volumes, const QDateTime &at,
+Plan plan(const BackupTask &task, const BackupOwner &owner, const VolumeIdentity &volumes, const QDateTime &at,
           const Cancellation &cancellation)
 {
     Plan made;
     made.obstacle = runObstacle(task, volumes);
     if (!made.obstacle.isEmpty())
         return made;
-    removeGrowing(task);
+    removeLeftovers(task.destPath, owner.installation);
     made.facts = measureTree(QFile::encodeName(task.sourcePath), ExcludeRules(task.excludes), cancellation);
     if (!made.facts.isReadable)
         made.obstacle = u"没有权限读取源文件夹：%1"_s.arg(task.sourcePath);
     else
         made.obstacle = spaceObstacle(task, made.facts);
+    lookBack(task, owner, made);
     made.archive = freeArchivePath(task, at);
-    made.growing = QDir(task.destPath).filePath(growingName(QFileInfo(made.archive).fileName()));
+    made.growing =
+        QDir(task.destPath).filePath(growingName(QFileInfo(made.archive).fileName(), owner.installation));
     return made;
 }
 
 // The archive's size.
-Result<qint64> publish(const BackupTask &task, const Plan &made, qint64 filesInIt)
+Result<qint64> publish(const BackupTask &task, const VolumeIdentity &volumes, const Plan &made,
+                       const ArchiveMark &mark)
 {
     // What was there at the start may have gone on the way.
-    if (const QString obstacle = runObstacle(task); !obstacle.isEmpty())
+    if (const QString obstacle = runObstacle(task, volumes); !obstacle.isEmpty())
         return failure(obstacle);
+    if (const auto marked = markArchive(made.growing, mark); !marked)
+        return std::unexpected(marked.error());
     if (const auto published = publishFile(made.growing, made.archive); !published)
         return std::unexpected(published.error());
-    // An archive that lacks most of the source must not push out a better one.
-    if (filesInIt > 0 && filesInIt >= made.facts.items / 2) {
-        QStringList old;
-        for (const BackupArchiveInfo &archive : archivesToPrune(task, made.archive))
-            old.append(QFileInfo(archive.path).fileName());
-        removeOwn(task, task.destPath, [&](const QString &name) { return old.contains(name); });
-    }
     return QFileInfo(made.archive).size();
+}
+
+void removeGrowing(const BackupTask &task, const QString &growing)
+{
+    const QString ours = QFileInfo(growing).fileName();
+    removeOwn(task, task.destPath, [&](const QString &name) { return name == ours; });
 }
 
 QString inParentheses(const QString &reason)
@@ -142,49 +128,68 @@ QString inParentheses(const QString &reason)
     return reason.isEmpty() ? QString() : u"（%1）"_s.arg(reason);
 }
 
-QString remarkOn(const ArchiveOutcome &created)
+QString reasonOf(const ArchiveOutcome &failed)
 {
-    QStringList remarks;
-    if (created.skippedCount > 0)
-        remarks << u"%1 个文件无法读取，未包含"_s.arg(created.skippedCount);
-    if (created.changedCount > 0)
-        remarks << u"“%1”等 %2 个文件在压缩时被改写，按读到的内容保存"_s.arg(
-            created.changed.value(0), QString::number(created.changedCount));
-    return remarks.join(u"；"_s);
+    return failed.problem.isEmpty() ? u"压缩程序没有说明原因"_s : failed.problem;
 }
 
 // One run; lives in the frame of the coroutine that drives it.
 class ArchiveRun {
 public:
     ArchiveRun(Archiver &archiver, BackupRunRequest request)
-        : _archiver(archiver), _request(std::move(request)), _task(_request.task)
+        : _archiver(archiver),
+          _request(std::move(request)),
+          _task(_request.task),
+          _owner{_request.installation, _task.id}
     {
     }
 
     QCoro::Task<BackupOutcome> run()
     {
         _request.progress(u"正在扫描目录…"_s, -1);
-        const QFuture<Plan> planning = QtConcurrent::run(&backupWorkers(), plan, _task, _request.volumes,
+        const QFuture<Plan> planning = QtConcurrent::run(&backupWorkers(), plan, _task, _owner, _request.volumes,
                                                          _request.at, _request.cancellation);
         _plan = co_await planning;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
         if (!_plan.obstacle.isEmpty())
             co_return BackupOutcome::failed(_plan.obstacle);
+        if (const auto refused = co_await askAboutShrinking(); refused)
+            co_return BackupOutcome(*refused);
         const BackupOutcome written = co_await write();
         const BackupOutcome outcome =
             written.state == BackupOutcome::State::done ? co_await publishWritten() : written;
         if (outcome.state != BackupOutcome::State::done) {
-            const QFuture<void> removal = QtConcurrent::run(&backupWorkers(), removeGrowing, _task);
+            const QFuture<void> removal =
+                QtConcurrent::run(&backupWorkers(), removeGrowing, _task, _plan.growing);
             co_await removal;
         }
         co_return BackupOutcome(outcome);
     }
 
 private:
+    // The new archive would push out one that has what the source lacks.
+    QCoro::Task<std::optional<BackupOutcome>> askAboutShrinking()
+    {
+        const qint64 before = _plan.filesBefore;
+        const qint64 lost = before - _plan.facts.items;
+        const bool isEmptied = before > 0 && _plan.facts.items == 0;
+        if (_task.keepLast == 0 || (lost <= harmlessLosses(before) && !isEmptied))
+            co_return std::nullopt;
+        const QString figures = u"源文件夹比上一个完整归档少了 %1 个文件（共 %2 个）"_s.arg(lost).arg(before);
+        if (!_request.approve)
+            co_return BackupOutcome::failed(figures + u"，已暂停；请手动运行并确认"_s);
+        const bool isApproved = co_await _request.approve({BackupDoubt::Kind::shrunkSource, lost, before});
+        if (_request.cancellation.isCancelled())
+            co_return BackupOutcome::cancelled();
+        if (!isApproved)
+            co_return BackupOutcome::failed(figures + u"，未获确认，没有压缩"_s);
+        co_return std::nullopt;
+    }
+
     QCoro::Task<BackupOutcome> write()
     {
-        _request.progress(u"正在压缩…"_s, 0);
+        _request.progress(u"正在压缩…"_s, -1);
         ArchiveRequest request{.source = _task.sourcePath,
                                .archive = _plan.growing,
                                .excludes = _task.excludes,
@@ -194,12 +199,11 @@ private:
         if (_request.cancellation.isCancelled() || (created && created->cancelled))
             co_return BackupOutcome::cancelled();
         if (!created)
-            co_return BackupOutcome::failed(u"压缩失败 (exit 1)"_s + inParentheses(created.error().message));
+            co_return BackupOutcome::failed(u"无法开始压缩"_s + inParentheses(created.error().message));
         if (created->exitStatus != 0)
             co_return BackupOutcome::failed(u"压缩失败 (exit %1)"_s.arg(created->exitStatus) +
-                                            inParentheses(created->problem));
-        _remark = remarkOn(*created);
-        _filesInIt = created->files.value_or(_plan.facts.items);
+                                            inParentheses(reasonOf(*created)));
+        take(*created);
         _request.progress(u"正在校验归档…"_s, -1);
         const auto tested = co_await _archiver.test(_plan.growing, _request.cancellation);
         if (_request.cancellation.isCancelled())
@@ -210,14 +214,39 @@ private:
         co_return BackupOutcome::done({});
     }
 
+    void take(const ArchiveOutcome &created)
+    {
+        const qint64 files = created.files.value_or(_plan.facts.items);
+        // What has gone on the way was not skipped, but is missing all the same.
+        const bool hasMost = files > 0 && files >= _plan.facts.items / 2;
+        _mark = {_owner, _plan.run, files, created.skippedCount == 0 && hasMost};
+        if (created.skippedCount > 0)
+            _remarks << u"%1 个文件无法读取，未包含"_s.arg(created.skippedCount);
+        else if (!_mark.isComplete)
+            _remarks << u"源文件夹里有 %1 个文件，归档里只有 %2 个"_s.arg(_plan.facts.items).arg(files);
+        if (created.changedCount > 0)
+            _remarks << u"“%1”等 %2 个文件在压缩时被改写，按读到的内容保存"_s.arg(
+                created.changed.value(0), QString::number(created.changedCount));
+    }
+
     QCoro::Task<BackupOutcome> publishWritten()
     {
         const QFuture<Result<qint64>> publishing =
-            QtConcurrent::run(&backupWorkers(), publish, _task, _plan, _filesInIt);
+            QtConcurrent::run(&backupWorkers(), publish, _task, _request.volumes, _plan, _mark);
         const Result<qint64> size = co_await publishing;
         if (!size)
             co_return BackupOutcome::failed(u"无法保存归档"_s + inParentheses(size.error().message));
-        co_return BackupOutcome::done(u"✓ 压缩完成 · "_s + formatByteCount(*size) + inParentheses(_remark));
+        const QStringList damaged =
+            co_await enforceRetention(_archiver, _task, _owner, _request.cancellation);
+        if (!damaged.isEmpty())
+            _remarks << u"归档“%1”已损坏，不计入保留份数"_s.arg(damaged.join(u"”“"_s));
+        if (_task.keepLast > 0 && _plan.othersBefore > 0)
+            _remarks << u"保存目录里另有 %1 个同名归档没有这个任务的标记，不会自动删除"_s.arg(
+                _plan.othersBefore);
+        const QString words =
+            u"✓ 压缩完成 · "_s + formatByteCount(*size) + inParentheses(_remarks.join(u"；"_s));
+        co_return _mark.isComplete &&damaged.isEmpty() ? BackupOutcome::done(words)
+                                                       : BackupOutcome::partial(words);
     }
 
     void tell(const ArchiveProgress &done) const
@@ -233,31 +262,24 @@ private:
     Archiver &_archiver;
     BackupRunRequest _request;
     const BackupTask _task;
+    const BackupOwner _owner;
     Plan _plan;
-    QString _remark; // what is not as it should be in the archive
-    qint64 _filesInIt = 0;
+    ArchiveMark _mark;
+    QStringList _remarks; // what the user should know of it
 };
 
 } // namespace
+
+void removeLeftovers(const QString &folder, const QString &installation)
+{
+    removeOwn({}, folder, [&](const QString &name) { return isLeftGrowing(name, installation); });
+}
 
 QCoro::Task<BackupOutcome> runArchive(Archiver &archiver, BackupRunRequest request)
 {
     ArchiveRun run(archiver, std::move(request));
     const BackupOutcome outcome = co_await run.run();
     co_return BackupOutcome(outcome);
-}
-
-QList<BackupArchiveInfo> completeArchives(const BackupTask &task)
-{
-    QList<BackupArchiveInfo> found;
-    const QFileInfoList files =
-        QDir(task.destPath).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
-    for (const QFileInfo &file : files) {
-        if (const auto at = archiveTime(task, file.fileName()); at && hasEnd(file.filePath()))
-            found.append({file.filePath(), *at, file.size()});
-    }
-    std::ranges::sort(found, std::greater(), &BackupArchiveInfo::at);
-    return found;
 }
 
 } // namespace velbrix

@@ -2,28 +2,17 @@
 
 #include "maintenance/backup/BackupRun.h"
 
-#include <QList>
-
 namespace velbrix {
 
 class Archiver;
 
+// Removes from the folder what runs of this installation that were killed have
+// left there, whichever task's they were. Blocking.
+void removeLeftovers(const QString &folder, const QString &installation);
+
 // Writes one archive of the task's source. Either a whole and tested archive
-// appears under its name or nothing does. Main thread; the archiver must
-// outlive the run.
+// appears under its name or nothing does; older ones go as far as the task
+// keeps no more. Main thread; the archiver must outlive the run.
 QCoro::Task<BackupOutcome> runArchive(Archiver &archiver, BackupRunRequest request);
-
-struct BackupArchiveInfo {
-    QString path;
-    QDateTime at;
-    qint64 bytes = 0;
-
-    bool operator==(const BackupArchiveInfo &) const = default;
-};
-
-// The task's own archives, newest first: files of exactly its names that end
-// as an archive does; one that is still growing has another name. Looks at the
-// disk.
-QList<BackupArchiveInfo> completeArchives(const BackupTask &task);
 
 } // namespace velbrix

@@ -1,6 +1,8 @@
 #include "maintenance/backup/BackupNames.h"
 
 #include <QDir>
+#include <QRegularExpression>
+#include <QUuid>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +21,13 @@ QString inDestination(const BackupTask &task, const QString &name)
 QString mirrorName(const BackupTask &task)
 {
     return fileNamePart(task.name) + u"_同步"_s;
+}
+
+// Of this process: what it writes itself is no leftover.
+QString process()
+{
+    static const QString id = QUuid::createUuid().toString(QUuid::Id128).first(8);
+    return id;
 }
 
 // fromString() alone would take "2026 3 1_…", too.
@@ -57,16 +66,16 @@ std::optional<QDateTime> archiveTime(const BackupTask &task, const QString &file
     return timeIn(fileName.sliced(start.size(), timeFormat.size()));
 }
 
-QString growingName(const QString &archiveName)
+QString growingName(const QString &archiveName, const QString &installation)
 {
-    return u'.' + archiveName + growingSuffix;
+    return u'.' + archiveName + u'.' + installation + u'-' + process() + growingSuffix;
 }
 
-bool isGrowing(const BackupTask &task, const QString &fileName)
+bool isLeftGrowing(const QString &fileName, const QString &installation)
 {
-    const bool isHidden = fileName.size() > growingSuffix.size() && fileName.startsWith(u'.') &&
-                          fileName.endsWith(growingSuffix);
-    return isHidden && archiveTime(task, fileName.sliced(1).chopped(growingSuffix.size()));
+    static const QRegularExpression form(u"^\\..+\\.zip\\.([0-9a-f]+)-([0-9a-f]{8})\\.partial$"_s);
+    const auto match = form.match(fileName);
+    return match.hasMatch() && match.captured(1) == installation && match.captured(2) != process();
 }
 
 QString mirrorFolder(const BackupTask &task)

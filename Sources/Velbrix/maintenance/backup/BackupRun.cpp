@@ -8,8 +8,8 @@
 #include <QFileInfo>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,24 +18,20 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-QString systemReason(int error)
-{
-    if (error == EACCES || error == EPERM)
-        return u"没有权限"_s;
-    if (error == EROFS)
-        return u"磁盘是只读的"_s;
-    if (error == ENOSPC || error == EDQUOT)
-        return u"磁盘已满"_s;
-    if (error == EEXIST || error == ENOTDIR)
-        return u"已有同名的文件"_s;
-    return QString::fromLocal8Bit(std::strerror(error));
-}
+// Up to so many, or so large a part.
+constexpr qint64 harmlessFiles = 50;
+constexpr qint64 harmlessPercent = 20;
 
 } // namespace
 
 BackupOutcome BackupOutcome::cancelled(const QString &done)
 {
     return {State::cancelled, u"已取消"_s + (done.isEmpty() ? done : u"（%1）"_s.arg(done))};
+}
+
+qint64 harmlessLosses(qint64 existing)
+{
+    return std::max(harmlessFiles, existing * harmlessPercent / 100);
 }
 
 QThreadPool &backupWorkers()
@@ -77,7 +73,7 @@ void removeOwn(const BackupTask &task, const QString &folder,
 Result<void> publishFile(const QString &from, const QString &to)
 {
     if (const int error = synced(from); error != 0)
-        return failure(systemReason(error));
+        return failure(writeReason(error));
     QFile file(from);
     if (!file.rename(to))
         return failure(file.errorString());
@@ -96,7 +92,7 @@ Result<void> makeFolder(const QString &path, mode_t mode)
     const QFileInfo there(path);
     if (error == EEXIST && there.isDir() && !there.isSymLink())
         return {};
-    return failure(systemReason(error));
+    return failure(writeReason(error));
 }
 
 } // namespace velbrix

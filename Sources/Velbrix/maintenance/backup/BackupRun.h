@@ -32,17 +32,35 @@ struct BackupOutcome {
     bool operator==(const BackupOutcome &) const = default;
 };
 
+// What a run does only when the user agrees.
+struct BackupDoubt {
+    enum class Kind {
+        deletions,    // the mirror loses files
+        shrunkSource, // the source has lost files since the archive before
+    };
+
+    Kind kind = Kind::deletions;
+    qint64 lost = 0;     // files
+    qint64 existing = 0; // of so many
+
+    bool operator==(const BackupDoubt &) const = default;
+};
+
 struct BackupRunRequest {
     BackupTask task;
+    QString installation; // see installationId()
     QDateTime at;
     // The progress line, and 0…1 or below 0 while nobody knows.
     std::function<void(const QString &line, double share)> progress = [](const QString &, double) {};
-    // Whether a mirror may lose so many of its files; without it one that
-    // would lose many is left as it is.
-    std::function<QCoro::Task<bool>(qint64 deletions, qint64 existing)> approve = {};
+    // Whether the user agrees; without it what is in doubt is not done.
+    std::function<QCoro::Task<bool>(BackupDoubt)> approve = {};
     VolumeIdentity volumes = {};
     Cancellation cancellation;
 };
+
+// Of so many files so many may be lost without a question: a day's tidying. More
+// looks like a source whose files are not there.
+qint64 harmlessLosses(qint64 existing);
 
 // For work on disks that may be slow or gone; never waited for.
 QThreadPool &backupWorkers();

@@ -1,5 +1,7 @@
 #include "maintenance/backup/FileBackupController.h"
 
+#include "maintenance/backup/ArchiveRun.h"
+#include "maintenance/backup/BackupMark.h"
 #include "maintenance/backup/BackupNotifications.h"
 #include "maintenance/backup/MirrorRun.h"
 #include "platform/SystemSleep.h"
@@ -11,6 +13,7 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -100,7 +103,12 @@ QCoro::Task<bool> nobodyAgrees()
 
 FileBackupController::FileBackupController(Ports ports, SettingsStore &settings, Clock &clock,
                                            QObject *parent)
-    : QObject(parent), _ports(ports), _clock(clock), _store(settings), _restorer(ports.archiver)
+    : QObject(parent),
+      _ports(ports),
+      _settings(settings),
+      _clock(clock),
+      _store(settings),
+      _restorer(ports.archiver, settings)
 {
     _tasks = _store.load();
     _storageProblem = _store.problem();
@@ -161,8 +169,11 @@ QCoro::Task<FileBackupController::Saved> FileBackupController::save(BackupTask t
     task.destVolume = seen.destVolume;
     task.sourceVolumeId = seen.sourceVolumeId;
     task.destVolumeId = seen.destVolumeId;
+    const auto before = this->task(task.id);
     const BackupTask saved = enterTask(task, tasks, _clock.now());
     store(tasks);
+    if (before && before->destPath != saved.destPath)
+        cleanUp(before->destPath);
     co_return saved;
 }
 
@@ -170,9 +181,18 @@ void FileBackupController::remove(const QString &id)
 {
     if (_currentRunningTaskID.value() == id)
         cancelRun();
+    const auto removed = task(id);
+    if (!removed)
+        return;
     QList<BackupTask> tasks = _tasks;
-    if (tasks.removeIf([&](const BackupTask &task) { return task.id == id; }) > 0)
-        store(tasks);
+    tasks.removeIf([&](const BackupTask &task) { return task.id == id; });
+    store(tasks);
+    cleanUp(removed->destPath);
+}
+
+void FileBackupController::cleanUp(const QString &folder)
+{
+    std::ignore = QtConcurrent::run(&backupWorkers(), removeLeftovers, folder, installationId(_settings));
 }
 
 void FileBackupController::setEnabled(const QString &id, bool isEnabled)
@@ -200,12 +220,12 @@ void FileBackupController::cancelRun()
     answer(false);
 }
 
-void FileBackupController::confirmDeletions()
+void FileBackupController::confirm()
 {
     answer(true);
 }
 
-void FileBackupController::declineDeletions()
+void FileBackupController::decline()
 {
     answer(false);
 }
@@ -295,8 +315,11 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
     _currentRunningTaskID = task.id;
     _runningProgress = u"正在准备…"_s;
     _runningShare = -1;
-    BackupRunRequest request{
-        .task = task, .at = _clock.now(), .volumes = _ports.volumes, .cancellation = _runCancellation};
+    BackupRunRequest request{.task = task,
+                             .installation = installationId(_settings),
+                             .at = _clock.now(),
+                             .volumes = _ports.volumes,
+                             .cancellation = _runCancellation};
     request.progress = [self](const QString &line, double share) {
         if (!self)
             return;
@@ -304,8 +327,8 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
         self->_runningShare = share;
     };
     if (occasion == Occasion::onRequest)
-        request.approve = [self, task](qint64 deletions, qint64 existing) {
-            return self ? self->ask({task.id, task.name, deletions, existing}) : nobodyAgrees();
+        request.approve = [self, task](BackupDoubt doubt) {
+            return self ? self->ask({task.id, task.name, doubt}) : nobodyAgrees();
         };
     BackupOutcome outcome;
     if (task.kind == BackupTaskKind::sync)

@@ -5,7 +5,7 @@
 #include "foundation/ProcessRunner.h"
 #include "foundation/Published.h"
 #include "maintenance/backup/ArchiveRestorer.h"
-#include "maintenance/backup/ArchiveRun.h"
+#include "maintenance/backup/ArchiveRetention.h"
 #include "maintenance/backup/BackupChecks.h"
 #include "maintenance/backup/BackupRun.h"
 #include "maintenance/backup/BackupTask.h"
@@ -30,12 +30,11 @@ class SystemSleep;
 class UserNotifications;
 struct UserNotification;
 
-// A sync that would delete so much that the user is asked first.
+// A run that waits for the user to agree.
 struct BackupQuestion {
     QString taskId;
     QString name;
-    qint64 deletions = 0; // files the mirror would lose
-    qint64 existing = 0;  // files the mirror has
+    BackupDoubt doubt;
 
     bool operator==(const BackupQuestion &) const = default;
 };
@@ -81,10 +80,10 @@ public:
     // Ends the run; what was begun is taken back or stays as it was.
     void cancelRun();
     // The user's answer to the question.
-    void confirmDeletions();
-    void declineDeletions();
+    void confirm();
+    void decline();
 
-    // Complete archives of the task, newest first.
+    // Complete archives under the task's names, newest first.
     QCoro::Task<QList<BackupArchiveInfo>> archives(QString id) const;
     ArchiveRestorer &restorer() { return _restorer; }
     const ArchiveRestorer &restorer() const { return _restorer; }
@@ -113,11 +112,14 @@ private:
     void answer(bool isYes);
     void abandonQuestion();
     void stopWaiting(bool isYes);
+    // Of killed runs, where no task writes any more.
+    void cleanUp(const QString &folder);
     // Stored at once. Does nothing when there is no such task.
     void change(const QString &id, const std::function<void(BackupTask &)> &edit);
     void store(const QList<BackupTask> &tasks);
 
     Ports _ports;
+    SettingsStore &_settings;
     Clock &_clock;
     BackupTaskStore _store;
     std::unique_ptr<Alarm> _pollTimer;

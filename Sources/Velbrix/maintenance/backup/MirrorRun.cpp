@@ -162,7 +162,8 @@ private:
             u"同步会删除同步文件夹里 %1 个文件（共 %2 个）"_s.arg(_facts.deletions).arg(_facts.mirrorFiles);
         if (!_request.approve)
             co_return BackupOutcome::failed(figures + u"，已暂停；请手动运行并确认"_s);
-        const bool isApproved = co_await _request.approve(_facts.deletions, _facts.mirrorFiles);
+        const bool isApproved =
+            co_await _request.approve({BackupDoubt::Kind::deletions, _facts.deletions, _facts.mirrorFiles});
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
         if (!isApproved)

@@ -4,8 +4,8 @@
 #include "views/Follow.h"
 #include "views/backup/AddBackupTaskSheet.h"
 #include "views/backup/BackupArchivesSheet.h"
+#include "views/backup/BackupQuestionSheet.h"
 #include "views/backup/BackupTaskCard.h"
-#include "views/backup/DeletionQuestionSheet.h"
 #include "views/components/EmptyState.h"
 #include "views/components/Parts.h"
 #include "views/components/SettingRow.h"
@@ -126,7 +126,7 @@ void FileBackupView::showQuestion()
     if (question.has_value() == !_question.isNull())
         return;
     if (question) {
-        _question = new DeletionQuestionSheet(_context, *question, this);
+        _question = new BackupQuestionSheet(_context, *question, this);
         _question->open();
     } else {
         _question->dismiss();

@@ -8,10 +8,10 @@ class QPushButton;
 
 namespace velbrix {
 
-// Whether a sync may delete as much as it would.
-class DeletionQuestionSheet final : public Sheet {
+// Whether a run may do what it is in doubt about.
+class BackupQuestionSheet final : public Sheet {
 public:
-    DeletionQuestionSheet(const ViewContext &context, const BackupQuestion &question, QWidget *page);
+    BackupQuestionSheet(const ViewContext &context, const BackupQuestion &question, QWidget *page);
 
 protected:
     void focusDefault() override;
