@@ -18,12 +18,12 @@ public:
     {
         for (const QString &name : {u"source"_s, u"out"_s})
             QDir(_folder.path()).mkdir(name);
-        for (const QString &name : {u"ditto"_s, u"zip"_s, u"unzip"_s, u"zipinfo"_s})
+        for (const QString &name : {u"ditto"_s, u"zip"_s})
             program(name, u"exit 0"_s);
     }
 
     SystemClock clock;
-    DittoArchiver archiver{clock, {path(u"ditto"_s), path(u"zip"_s), path(u"unzip"_s), path(u"zipinfo"_s)}};
+    DittoArchiver archiver{clock, {path(u"ditto"_s), path(u"zip"_s)}};
 
     QString path(const QString &name) const { return _folder.filePath(name); }
     void program(const QString &name, const QString &ending) const
@@ -88,51 +88,25 @@ private Q_SLOTS:
     {
         ArchiverRig rig;
         rig.program(u"ditto"_s, u"echo 'ditto: a.zip: No space left on device' >&2; exit 7"_s);
-        QCOMPARE(rig.create(), (ArchiveOutcome{.exitStatus = 7, .problem = u"打包失败：磁盘空间不足"_s}));
+        QCOMPARE(rig.create(), (ArchiveOutcome{.exitStatus = 7, .problem = u"磁盘空间不足"_s}));
         rig.program(u"zip"_s, u"echo 'zip warning: could not open for reading: source/a/b' >&2; exit 18"_s);
         QCOMPARE(rig.create({u"x"_s}),
                  (ArchiveOutcome{.exitStatus = 0, .skipped = {u"a/b"_s}, .skippedCount = 1}));
         rig.program(u"zip"_s, u"echo 'zip error: disk' >&2; exit 14"_s);
-        QCOMPARE(rig.create({u"x"_s}),
-                 (ArchiveOutcome{.exitStatus = 14, .problem = u"打包失败：zip error: disk"_s}));
-    }
-
-    void testsWithUnzip()
-    {
-        ArchiverRig rig;
-        QVERIFY(QCoro::waitFor(rig.archiver.test(rig.path(u"a.zip"_s), {})));
-        QVERIFY(rig.asked().endsWith(u" unzip -tqq a.zip"_s));
-        rig.program(u"unzip"_s, u"echo 'file  bad CRC 1234'; exit 2"_s);
-        QCOMPARE(QCoro::waitFor(rig.archiver.test(rig.path(u"a.zip"_s), {})),
-                 Result<void>(failure(u"归档已损坏：file  bad CRC 1234"_s)));
+        QCOMPARE(rig.create({u"x"_s}), (ArchiveOutcome{.exitStatus = 14, .problem = u"zip error: disk"_s}));
     }
 
     // ditto would replace it.
     void unpacksBesideWhatIsThere()
     {
         ArchiverRig rig;
+        writeFile(rig.path(u"a.zip"_s), "PK\5\6" + QByteArray(18, '\0'));
         rig.program(u"ditto"_s, u"mkdir \"$4/source\""_s);
         QVERIFY(rig.extract());
         QVERIFY(rig.asked().contains(u" ditto -x -k a.zip out/.velbrix-"_s));
         QCOMPARE(rig.extract(), Result<void>(failure(u"“source”已经存在，没有替换"_s)));
         QCOMPARE(QDir(rig.path(u"out"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList{u"source"_s});
-    }
-
-    void unpacksNothingThatLeadsOut_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::newRow("up") << u"source/../../evil"_s;
-        QTest::newRow("absolute") << u"/evil"_s;
-        QTest::newRow("below a link") << u"link/evil"_s;
-    }
-    void unpacksNothingThatLeadsOut()
-    {
-        QFETCH(QString, path);
-        ArchiverRig rig;
-        rig.program(u"zipinfo"_s, u"echo source/; echo link; echo "_s + path);
-        QCOMPARE(rig.extract(), Result<void>(failure(u"归档中有不安全的路径：“%1”，没有解压"_s.arg(path))));
-        QVERIFY(!rig.asked().contains(u"ditto"_s));
     }
 };
 

@@ -6,6 +6,7 @@
 #include "platform/linux/archive/ZipArchiver.h"
 #include "platform/linux/archive/ZipFile.h"
 #include "platform/macos/files/DittoArchiver.h"
+#include "platform/macos/files/ZipWalk.h"
 #include "support/FakeFiles.h"
 #include "support/Fuzz.h"
 #include "support/Test.h"
@@ -13,6 +14,7 @@
 
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QtEndian>
 
 #include <atomic>
 #include <fcntl.h>
@@ -125,9 +127,7 @@ private Q_SLOTS:
         VirtualClock clock;
         FakeArchiver fake(clock);
         DittoArchiver ditto(rig.clock, {.ditto = standIn(rig.path(u"ditto"_s), dittoStandIn),
-                                        .zip = QStandardPaths::findExecutable(u"zip"_s),
-                                        .unzip = QStandardPaths::findExecutable(u"unzip"_s),
-                                        .zipinfo = QStandardPaths::findExecutable(u"zipinfo"_s)});
+                                        .zip = QStandardPaths::findExecutable(u"zip"_s)});
         if (host != u"zip")
             rig.archiver = host == u"fake" ? static_cast<Archiver *>(&fake) : &ditto;
         rig.in(u"mkdir s out; echo text > s/文件; chmod 755 s/文件; ln -s 文件 s/link; touch s/left.tmp; "
@@ -136,26 +136,29 @@ private Q_SLOTS:
         QCOMPARE(readFile(rig.path(u"taken"_s)), "mine\n");
         const ArchiveOutcome nowhere = rig.create(u"s"_s, u"nowhere/a"_s);
         QVERIFY(nowhere.exitStatus != 0 && !nowhere.problem.isEmpty());
-        QCOMPARE(rig.create(u"s"_s, u"a"_s).exitStatus, 0);
-        QCOMPARE(rig.test(u"a"_s), QString());
+        QCOMPARE(rig.create(u"s"_s, u"a.zip"_s).exitStatus, 0);
+        QCOMPARE(rig.test(u"a.zip"_s), QString());
         QVERIFY(!rig.test(u"torn"_s).isEmpty() && !rig.test(u"missing"_s).isEmpty());
 
         for (const QString &name : {u"torn"_s, u"missing"_s})
             QVERIFY(!rig.extract(name, u"out"_s).isEmpty());
         QCOMPARE(rig.in(u"ls -A out"_s), "");
-        QVERIFY(!rig.extract(u"a"_s, u"nowhere"_s).isEmpty());
-        QCOMPARE(rig.extract(u"a"_s, u"out"_s), QString());
+        QVERIFY(!rig.extract(u"a.zip"_s, u"nowhere"_s).isEmpty());
+        QCOMPARE(rig.extract(u"a.zip"_s, u"out"_s), QString());
         const QString look =
             u"cd out; find . -mindepth 1 -type d -printf '%p\\n' -o -printf '%p %Ts %s\\n' | sort"_s;
         const QByteArray unpacked = rig.in(look);
         if (host == u"zip") // the fake packs nothing, and unzip gives links no time
             QCOMPARE(rig.tree(u"out/s"_s), rig.tree(u"s"_s));
-        QVERIFY(!rig.extract(u"a"_s, u"out"_s).isEmpty()); // nothing is replaced
+        QVERIFY(!rig.extract(u"a.zip"_s, u"out"_s).isEmpty()); // nothing is replaced
         QCOMPARE(rig.in(look), unpacked);
 
-        QCOMPARE(rig.create(u"s"_s, u"b"_s, {u"*.tmp"_s}).exitStatus, 0);
+        const ArchiveOutcome without = rig.create(u"s"_s, u"b.zip"_s, {u"*.tmp"_s});
+        QCOMPARE(without.exitStatus, 0);
         if (host != u"fake")
-            QCOMPARE(rig.in(u"zipinfo -1 b | sort"_s), "s/\ns/link\ns/文件");
+            QCOMPARE(without.files, 2);
+        if (host != u"fake")
+            QCOMPARE(rig.in(u"zipinfo -1 b.zip | sort"_s), "s/\ns/link\ns/文件");
         QVERIFY(rig.create(u"missing"_s, u"c"_s).exitStatus != 0);
         Cancellation cancelled;
         cancelled.cancel();
@@ -275,6 +278,15 @@ private Q_SLOTS:
         QCOMPARE(rig.create(u"s"_s, u"a.zip"_s), ArchiveOutcome{.files = 66000});
         QCOMPARE(rig.test(u"a.zip"_s), QString());
         QCOMPARE(rig.in(u"unzip -tqq a.zip; echo $?; bsdtar -tf a.zip | wc -l"_s), "0\n66001");
+        QVERIFY(checkZip(rig.path(u"a.zip"_s), {}));
+        // ditto writes no records of 64 bits (76 bytes) and as much of the number as fits.
+        QByteArray bytes = readFile(rig.path(u"a.zip"_s));
+        bytes.remove(bytes.size() - 22 - 76, 76);
+        for (const qsizetype place : {14, 12})
+            qToLittleEndian<quint16>(66001 % 65536, bytes.data() + bytes.size() - place);
+        writeFile(rig.path(u"a.zip"_s), bytes);
+        QCOMPARE(errorText(checkZip(rig.path(u"a.zip"_s), {})), QString());
+        QCOMPARE(zipNames(rig.path(u"a.zip"_s))->size(), 66001);
     }
 
     void excludes()
@@ -404,6 +416,7 @@ private Q_SLOTS:
             QVERIFY(put(i, 0x40));
             const bool isNoticed = !rig.test(u"a.zip"_s).isEmpty();
             QVERIFY2(isNoticed || !isData[i], qPrintable(QString::number(i)));
+            QVERIFY2(!checkZip(rig.path(u"a.zip"_s), {}) || !isData[i], qPrintable(QString::number(i)));
             unnoticed += isNoticed ? 0 : 1;
             QVERIFY(put(i, 0));
         }
@@ -426,6 +439,7 @@ private Q_SLOTS:
                    "touch -h -d '2001-02-03 04:05:07' s/中文 s/link s/空 s; "_s +
                    command);
             QCOMPARE(rig.test(u"a.zip"_s), QString());
+            QCOMPARE(errorText(checkZip(rig.path(u"a.zip"_s), {})), QString());
             QCOMPARE(rig.extract(u"a.zip"_s, u"out"_s), QString());
             QCOMPARE(rig.tree(u"out/s"_s), rig.tree(u"s"_s));
         }
@@ -478,6 +492,19 @@ private Q_SLOTS:
         QCOMPARE(rig.in(u"ls; ls in; find . -name evil ! -path './in/out/a/*'"_s),
                  "in\na.zip\nout"); // a real folder may have it
         QVERIFY(!QFileInfo::exists(u"/tmp/evil"_s));
+    }
+
+    void dittoIsGivenNothingThatLeadsOut()
+    {
+        ArchiveRig rig;
+        DittoArchiver ditto(rig.clock, {.ditto = u"/bin/true"_s});
+        rig.archiver = &ditto;
+        rig.in(u"mkdir out"_s);
+        for (const QList<Part> &parts : {QList{part("s/../../evil")}, QList{part("/evil")},
+                                         QList{part("链", "..", S_IFLNK | 0777), part("链/evil")}}) {
+            writeFile(rig.path(u"a.zip"_s), archiveOf(parts));
+            QVERIFY(rig.extract(u"a.zip"_s, u"out"_s).startsWith(u"归档中有不安全的路径"_s));
+        }
     }
 
     void refusesOverlappingData()

@@ -1,12 +1,17 @@
 #include "platform/macos/files/DittoArchiver.h"
 
 #include "platform/macos/files/ZipExcludes.h"
+#include "platform/macos/files/ZipWalk.h"
 
+#include <QCoroFuture>
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
 #include <QTemporaryDir>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentRun>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -18,7 +23,6 @@ constexpr int cancelledStatus = 9;
 constexpr int existsStatus = 15;
 constexpr int zipSkippedSome = 18;
 constexpr qsizetype listedSkipped = 100;
-constexpr qsizetype listingLimit = 256 << 20;
 
 ProcessRequest request(const QString &program, const QStringList &arguments, const Cancellation &cancellation)
 {
@@ -67,7 +71,7 @@ ArchiveOutcome outcomeOf(const ProcessOutcome &run, bool byZip)
     if (run.succeeded() || (byZip && run.exitCode == zipSkippedSome && outcome.skippedCount > 0))
         return outcome;
     outcome.exitStatus = run.exitCode != 0 ? run.exitCode : 1;
-    outcome.problem = u"打包失败：%1"_s.arg(complaint(run));
+    outcome.problem = run.crashed ? u"打包程序意外终止"_s : complaint(run);
     return outcome;
 }
 
@@ -98,9 +102,22 @@ bool isInNoFolder(const QByteArray &path, const QSet<QByteArray> &paths)
     return false;
 }
 
-QByteArray unsafePath(const QByteArray &listing)
+// Never waited for: a disk that is gone would hold up the end.
+QThreadPool &workers()
 {
-    const QByteArrayList listed = listing.split('\n');
+    static auto *const pool = new QThreadPool;
+    return *pool;
+}
+
+// Without what ditto notes beside a file of its attributes.
+bool isFile(const QByteArray &path)
+{
+    return !path.endsWith('/') && !path.startsWith("__MACOSX/") &&
+           !path.sliced(path.lastIndexOf('/') + 1).startsWith("._");
+}
+
+QByteArray unsafePath(const QByteArrayList &listed)
+{
     const QSet<QByteArray> paths(listed.begin(), listed.end());
     for (const QByteArray &path : listed) {
         if (leadsOut(path) || isInNoFolder(path, paths))
@@ -156,14 +173,20 @@ QCoro::Task<Result<ArchiveOutcome>> DittoArchiver::create(ArchiveRequest archivi
     const auto run = co_await _runner.run(std::move(packing));
     if (!run)
         co_return std::unexpected(run.error());
-    co_return outcomeOf(*run, byZip);
+    ArchiveOutcome outcome = outcomeOf(*run, byZip);
+    if (outcome.exitStatus == 0) {
+        const QFuture<Result<QByteArrayList>> listing = QtConcurrent::run(&workers(), zipNames, archive);
+        if (const auto names = co_await listing; names)
+            outcome.files = std::ranges::count_if(*names, isFile);
+    }
+    co_return outcome;
 }
 
 QCoro::Task<Result<void>> DittoArchiver::test(const QString archive, Cancellation cancellation)
 {
-    ProcessRequest testing = request(_programs.unzip, {u"-tqq"_s, archive}, cancellation);
-    const auto run = co_await _runner.run(std::move(testing));
-    co_return judged(run, u"归档已损坏："_s);
+    const QFuture<Result<void>> checking = QtConcurrent::run(&workers(), checkZip, archive, cancellation);
+    const Result<void> checked = co_await checking;
+    co_return Result<void>(checked);
 }
 
 QCoro::Task<Result<void>> DittoArchiver::extract(ExtractRequest extraction)
@@ -171,13 +194,12 @@ QCoro::Task<Result<void>> DittoArchiver::extract(ExtractRequest extraction)
     // Copies, because the owner may be gone after a wait.
     ProcessRunner runner = _runner;
     const QString ditto = _programs.ditto;
-    ProcessRequest listing =
-        request(_programs.zipinfo, {u"-1"_s, extraction.archive}, extraction.cancellation);
-    listing.outputLimit = listingLimit;
-    const auto listed = co_await runner.run(std::move(listing));
-    if (const auto isListed = judged(listed, u"归档已损坏："_s); !isListed)
-        co_return isListed;
-    if (const QByteArray path = unsafePath(listed->output); !path.isEmpty())
+    const QFuture<Result<QByteArrayList>> listing =
+        QtConcurrent::run(&workers(), zipNames, extraction.archive);
+    const Result<QByteArrayList> listed = co_await listing;
+    if (!listed)
+        co_return std::unexpected(listed.error());
+    if (const QByteArray path = unsafePath(*listed); !path.isEmpty())
         co_return failure(u"归档中有不安全的路径：“%1”，没有解压"_s.arg(QString::fromUtf8(path)));
     QTemporaryDir meanwhile(QDir(extraction.folder).filePath(u".velbrix-"_s));
     if (!meanwhile.isValid())

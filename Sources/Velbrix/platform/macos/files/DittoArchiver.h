@@ -5,16 +5,16 @@
 
 namespace velbrix {
 
-// Archives by the system's command lines, whose exit statuses are passed on.
-// They tell no progress. Needs nothing else of the Mac.
+// Archives packed and unpacked by the system's command lines, whose exit statuses
+// are passed on and which tell no progress. What is in an archive is read here: the
+// system's own lists depend on the locale, and refuse what ditto makes of much.
+// Needs nothing else of the Mac.
 class DittoArchiver final : public Archiver {
 public:
     // The programs are given so that others can stand in for them.
     struct Programs {
         QString ditto = QStringLiteral("/usr/bin/ditto");
         QString zip = QStringLiteral("/usr/bin/zip"); // ditto cannot leave anything out
-        QString unzip = QStringLiteral("/usr/bin/unzip");
-        QString zipinfo = QStringLiteral("/usr/bin/zipinfo");
     };
 
     explicit DittoArchiver(Clock &clock);
