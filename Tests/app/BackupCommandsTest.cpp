@@ -74,10 +74,10 @@ private Q_SLOTS:
         QCOMPARE(rig.reply.data[u"needsConfirmation"_s], QJsonValue(true));
         QCOMPARE(rig.reply.data[u"deletions"_s], QJsonValue(60));
         QVERIFY(!rig.controller->isRunningBackup());
-        QVERIFY(rig.said(u"backup run mirror --yes"_s, u"deletions 59"_s).startsWith(u"1 "));
+        QVERIFY(rig.said(u"backup run mirror --yes"_s, u"foreignMirror 59"_s).startsWith(u"1 "));
         QVERIFY(rig.reply.isQuestion()); // it has become one more
         QCOMPARE(rig.said(u"backup run mirror --yes"_s, rig.reply.agreedTerms()),
-                 u"0 ✓ 同步完成 · 1 个文件"_s);
+                 u"0 ✓ 同步完成 · 1 个文件，删除 60 个"_s);
     }
 
     void removesATaskAndNoFile()

@@ -118,7 +118,8 @@ struct Rig : SettingsRig {
     {
         for (int n = 0; n < 60; ++n)
             write({u"dst/t_同步/%1"_s.arg(n)});
-        return save(mirroring(u"t"_s, hour))->id;
+        const QString id = save(mirroring(u"t"_s, hour))->id;
+        return markMirror(path(u"dst/t_同步"_s), {installationId(store), id}) ? id : QString();
     }
     bool asks(const QString &id)
     {

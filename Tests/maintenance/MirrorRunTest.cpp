@@ -1,6 +1,7 @@
 #include "maintenance/backup/MirrorRun.h"
 
 #include "foundation/SystemClock.h"
+#include "maintenance/backup/BackupMark.h"
 #include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/RsyncOutput.h"
 #include "maintenance/backup/TreeComparison.h"
@@ -28,6 +29,7 @@ struct Rig {
         request.task.sourcePath = path(u"src"_s);
         request.task.destPath = path(u"dst"_s);
         request.at = QDateTime(QDate(2026, 3, 1), QTime(9, 0));
+        request.task.lastRunAt = request.at; // by a build that left no marks
         request.progress = [this](const QString &line, double) { lines.append(line); };
     }
     QString path(const QString &below) const { return folder.filePath(below); }
@@ -38,7 +40,12 @@ struct Rig {
         for (int n = 0; n < count; ++n)
             write({u"%1/%2"_s.arg(below).arg(n)});
     }
-    QStringList inMirror() const { return filesBelow(request.task.destPath + u"/t_同步"_s); }
+    QStringList inMirror() const
+    {
+        QStringList files = filesBelow(request.task.destPath + u"/t_同步"_s);
+        files.removeIf([](const QString &file) { return file.startsWith(mirrorMarkName()); });
+        return files;
+    }
     bool has(const QString &below) const { return QFile::exists(path(below)); }
     // Runs in rsync's place, with its arguments.
     void replaceRsync(const QString &script)
@@ -287,6 +294,33 @@ private Q_SLOTS:
             QVERIFY(rig.says(u"✓ 同步完成"_s));
             QVERIFY(!rig.has(u"dst/t_同步/lost"_s));
         }
+    }
+
+    void asksBeforeItTakesAFolderOver()
+    {
+        Rig rig;
+        rig.request.task.lastRunAt.reset();
+        rig.write({u"src/a"_s, u"src/.velbrix-mirror=the source's own"_s, u"dst/t_同步/theirs"_s});
+        const QString words = u"同步文件夹不是这个任务建立的，同步会删除里面 %1 个文件（共 1 个），已暂停"_s;
+        QVERIFY(rig.says(words.arg(1)));
+        QVERIFY(rig.has(u"dst/t_同步/theirs"_s));
+        BackupDoubt asked;
+        rig.request.approve = [&](BackupDoubt doubt) {
+            asked = doubt;
+            return answering(true);
+        };
+        QVERIFY(rig.says(u"✓"_s));
+        QCOMPARE(asked, (BackupDoubt{BackupDoubt::Kind::foreignMirror, 1, 1}));
+        rig.request.approve = {};
+        rig.request.task.requiresMark = true;
+        rig.write({u"dst/t_同步/stray"_s});
+        QVERIFY(rig.says(u"✓"_s)); // from then on it is its own
+        QCOMPARE(rig.inMirror().size(), 1);
+        rig.request.installation = u"another computer"_s;
+        QVERIFY(rig.says(words.arg(0)));
+        rig.request.installation.clear();
+        rig.request.task.id = u"2"_s;
+        QVERIFY(rig.says(words.arg(0)));
     }
 
     void looksAgainAfterAQuestion()

@@ -83,8 +83,8 @@ void lookBack(const BackupTask &task, const BackupOwner &owner, Plan &made)
         made.filesBefore = complete->mark->files;
 }
 
-Plan plan(const BackupTask &task, const BackupOwner &owner, const VolumeIdentity &volumes, const QDateTime &at,
-          const Cancellation &cancellation)
+Plan plan(const BackupTask &task, const BackupOwner &owner, const VolumeIdentity &volumes,
+          const QDateTime &at, const Cancellation &cancellation)
 {
     Plan made;
     made.obstacle = runObstacle(task, volumes);
@@ -147,8 +147,8 @@ public:
     QCoro::Task<BackupOutcome> run()
     {
         _request.progress(u"正在扫描目录…"_s, -1);
-        const QFuture<Plan> planning = QtConcurrent::run(&backupWorkers(), plan, _task, _owner, _request.volumes,
-                                                         _request.at, _request.cancellation);
+        const QFuture<Plan> planning = QtConcurrent::run(
+            &backupWorkers(), plan, _task, _owner, _request.volumes, _request.at, _request.cancellation);
         _plan = co_await planning;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
@@ -177,14 +177,9 @@ private:
         if (_task.keepLast == 0 || (lost <= harmlessLosses(before) && !isEmptied))
             co_return std::nullopt;
         const QString figures = u"源文件夹比上一个完整归档少了 %1 个文件（共 %2 个）"_s.arg(lost).arg(before);
-        if (!_request.approve)
-            co_return BackupOutcome::failed(figures + u"，已暂停；请手动运行并确认"_s);
-        const bool isApproved = co_await _request.approve({BackupDoubt::Kind::shrunkSource, lost, before});
-        if (_request.cancellation.isCancelled())
-            co_return BackupOutcome::cancelled();
-        if (!isApproved)
-            co_return BackupOutcome::failed(figures + u"，未获确认，没有压缩"_s);
-        co_return std::nullopt;
+        const auto refused =
+            co_await refusal(_request, {BackupDoubt::Kind::shrunkSource, lost, before}, figures, u"压缩"_s);
+        co_return std::optional<BackupOutcome>(refused);
     }
 
     QCoro::Task<BackupOutcome> write()

@@ -1,5 +1,6 @@
 #include "maintenance/backup/BackupMark.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/SettingsStore.h"
 
 #include <QCryptographicHash>
@@ -39,13 +40,22 @@ std::optional<qint64> commentOffset(QFile &file)
     return std::nullopt;
 }
 
+QJsonObject toJson(const BackupOwner &owner)
+{
+    return {{u"installation"_s, owner.installation}, {u"task"_s, owner.task}};
+}
+
+BackupOwner ownerFrom(const QJsonObject &json)
+{
+    return {json[u"installation"_s].toString(), json[u"task"_s].toString()};
+}
+
 QByteArray commentOf(const ArchiveMark &mark)
 {
-    const QJsonObject json{{u"installation"_s, mark.owner.installation},
-                           {u"task"_s, mark.owner.task},
-                           {u"run"_s, mark.run},
-                           {u"files"_s, mark.files},
-                           {u"complete"_s, mark.isComplete}};
+    QJsonObject json = toJson(mark.owner);
+    json[u"run"_s] = mark.run;
+    json[u"files"_s] = mark.files;
+    json[u"complete"_s] = mark.isComplete;
     return commentStart + QJsonDocument(json).toJson(QJsonDocument::Compact);
 }
 
@@ -94,11 +104,29 @@ std::optional<ArchiveMark> archiveMark(const QByteArray &comment)
     if (!comment.startsWith(commentStart))
         return std::nullopt;
     const QJsonObject json = QJsonDocument::fromJson(comment.sliced(commentStart.size())).object();
-    const ArchiveMark mark{{json[u"installation"_s].toString(), json[u"task"_s].toString()},
-                           json[u"run"_s].toInteger(),
-                           json[u"files"_s].toInteger(),
-                           json[u"complete"_s].toBool()};
-    return mark.owner.task.isEmpty() ? std::nullopt : std::optional(mark);
+    if (json.isEmpty())
+        return std::nullopt;
+    return ArchiveMark{ownerFrom(json), json[u"run"_s].toInteger(), json[u"files"_s].toInteger(),
+                       json[u"complete"_s].toBool()};
+}
+
+QString mirrorMarkName()
+{
+    return u".velbrix-mirror"_s;
+}
+
+Result<void> markMirror(const QString &mirror, const BackupOwner &owner)
+{
+    return replaceFile(mirror + u'/' + mirrorMarkName(), QJsonDocument(toJson(owner)).toJson());
+}
+
+std::optional<BackupOwner> mirrorOwner(const QString &mirror)
+{
+    QFile file(mirror + u'/' + mirrorMarkName());
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QJsonObject json = QJsonDocument::fromJson(file.read(longestComment)).object();
+    return json.isEmpty() ? std::nullopt : std::optional(ownerFrom(json));
 }
 
 } // namespace velbrix

@@ -11,8 +11,8 @@ namespace velbrix {
 
 class SettingsStore;
 
-// Who has made an archive. Its name alone does not tell: another task, account or
-// computer may write in the same folder under the same name.
+// Who has made an archive or a mirror. Its name alone does not tell: another task,
+// account or computer may write in the same folder under the same name.
 struct BackupOwner {
     QString installation;
     QString task; // its id
@@ -41,5 +41,12 @@ Result<void> markArchive(const QString &archive, const ArchiveMark &mark);
 // The comment; nothing when the file does not end as an archive does. Blocking.
 std::optional<QByteArray> archiveComment(const QString &archive);
 std::optional<ArchiveMark> archiveMark(const QByteArray &comment);
+
+// The file in a mirror that says whose it is. It is no part of what is mirrored.
+QString mirrorMarkName();
+// Blocking, as the next.
+Result<void> markMirror(const QString &mirror, const BackupOwner &owner);
+// Nothing for a folder without a mark.
+std::optional<BackupOwner> mirrorOwner(const QString &mirror);
 
 } // namespace velbrix

@@ -29,6 +29,19 @@ BackupOutcome BackupOutcome::cancelled(const QString &done)
     return {State::cancelled, u"已取消"_s + (done.isEmpty() ? done : u"（%1）"_s.arg(done))};
 }
 
+QCoro::Task<std::optional<BackupOutcome>> refusal(BackupRunRequest request, BackupDoubt doubt,
+                                                  QString figures, QString notDone)
+{
+    if (!request.approve)
+        co_return BackupOutcome::failed(figures + u"，已暂停；请手动运行并确认"_s);
+    const bool isApproved = co_await request.approve(doubt);
+    if (request.cancellation.isCancelled())
+        co_return BackupOutcome::cancelled();
+    if (!isApproved)
+        co_return BackupOutcome::failed(figures + u"，未获确认，没有"_s + notDone);
+    co_return std::nullopt;
+}
+
 qint64 harmlessLosses(qint64 existing)
 {
     return std::max(harmlessFiles, existing * harmlessPercent / 100);

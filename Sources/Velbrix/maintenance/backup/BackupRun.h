@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <sys/types.h>
 
 class QThreadPool;
@@ -35,8 +36,9 @@ struct BackupOutcome {
 // What a run does only when the user agrees.
 struct BackupDoubt {
     enum class Kind {
-        deletions,    // the mirror loses files
-        shrunkSource, // the source has lost files since the archive before
+        deletions,     // the mirror loses files
+        foreignMirror, // it does, and nothing says that it is the task's
+        shrunkSource,  // the source has lost files since the archive before
     };
 
     Kind kind = Kind::deletions;
@@ -57,6 +59,11 @@ struct BackupRunRequest {
     VolumeIdentity volumes = {};
     Cancellation cancellation;
 };
+
+// Asks for what the figures say. Nothing when the user agrees, else how the run
+// ends without what it is not to do ("同步").
+QCoro::Task<std::optional<BackupOutcome>> refusal(BackupRunRequest request, BackupDoubt doubt,
+                                                  QString figures, QString notDone);
 
 // Of so many files so many may be lost without a question: a day's tidying. More
 // looks like a source whose files are not there.

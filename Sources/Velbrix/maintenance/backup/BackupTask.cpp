@@ -69,6 +69,7 @@ void visitMembers(Task &task, Visitor &visit)
     visit("sourceVolume"_L1, task.sourceVolume);
     visit("destVolumeId"_L1, task.destVolumeId);
     visit("sourceVolumeId"_L1, task.sourceVolumeId);
+    visit("requiresMark"_L1, task.requiresMark);
     visit("lastFailed"_L1, task.lastFailed);
     visit("lastCancelled"_L1, task.lastCancelled);
     visit("failingSince"_L1, task.failingSince);

@@ -36,6 +36,7 @@ struct BackupTask {
     QString sourceVolume;  // and the source's
     QString destVolumeId;  // which disk it was; empty when it cannot be told
     QString sourceVolumeId;
+    bool requiresMark = false; // only with its mark is a mirror its own; older tasks have left none
     bool lastFailed = false;
     bool lastCancelled = false;
     std::optional<QDateTime> failingSince; // no run has succeeded since

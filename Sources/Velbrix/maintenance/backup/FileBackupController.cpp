@@ -2,6 +2,7 @@
 
 #include "maintenance/backup/ArchiveRun.h"
 #include "maintenance/backup/BackupMark.h"
+#include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/BackupNotifications.h"
 #include "maintenance/backup/MirrorRun.h"
 #include "platform/SystemSleep.h"
@@ -43,9 +44,11 @@ BackupTask enterTask(BackupTask edited, QList<BackupTask> &tasks, const QDateTim
     const auto known = std::ranges::find(tasks, edited.id, &BackupTask::id);
     if (known != tasks.end() && !edited.id.isEmpty()) {
         takeResults(edited, *known);
+        edited.requiresMark = known->requiresMark || mirrorFolder(edited) != mirrorFolder(*known);
         *known = edited;
     } else {
         takeResults(edited, {});
+        edited.requiresMark = true;
         edited.id = QUuid::createUuid().toString(QUuid::WithoutBraces);
         tasks.append(edited);
     }
@@ -90,6 +93,7 @@ void enterOutcome(const BackupOutcome &outcome, BackupTask &task, const QDateTim
     task.lastFailed = outcome.state == BackupOutcome::State::failed;
     task.lastCancelled = outcome.state == BackupOutcome::State::cancelled;
     task.nextRunAt = nextRun(task.schedule, now);
+    task.requiresMark = task.requiresMark || outcome.state == BackupOutcome::State::done;
     if (outcome.state == BackupOutcome::State::done && !outcome.isPartial)
         forgetFailures(task);
 }

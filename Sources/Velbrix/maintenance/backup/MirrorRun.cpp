@@ -5,6 +5,7 @@
 #include "foundation/Paths.h"
 #include "foundation/Text.h"
 #include "maintenance/backup/BackupChecks.h"
+#include "maintenance/backup/BackupMark.h"
 #include "maintenance/backup/BackupNames.h"
 #include "maintenance/backup/MirrorNames.h"
 #include "maintenance/backup/RsyncOutput.h"
@@ -27,17 +28,27 @@ namespace velbrix {
 namespace {
 
 constexpr auto progressInterval = 100ms;
-// Up to so many, or so large a part of the mirror, are a day's tidying; more
-// looks like a source that has lost its files.
-constexpr qint64 harmlessDeletions = 50;
-constexpr qint64 harmlessPercent = 20;
 // Smaller holes are not worth looking for zeros.
 constexpr qint64 worthwhileHoles = 1 << 20;
 
 struct Survey {
     QString obstacle;
     TreeFacts facts;
+    bool isForeign = false; // nothing says that the mirror is the task's
 };
+
+// The mark counts on neither side.
+ExcludeRules rulesOf(const BackupTask &task)
+{
+    return ExcludeRules(QStringList{u'/' + mirrorMarkName()} + task.excludes);
+}
+
+bool isForeign(const BackupTask &task, const BackupOwner &owner, const TreeFacts &facts)
+{
+    if (const auto found = mirrorOwner(mirrorFolder(task)))
+        return *found != owner;
+    return facts.mirrorFiles > 0 && (task.requiresMark || !task.lastRunAt);
+}
 
 QString emptyObstacle(qint64 mirrorFiles)
 {
@@ -56,18 +67,18 @@ QString spaceObstacle(const BackupTask &task, const TreeFacts &facts)
 }
 
 // Looks at both sides.
-Survey survey(const BackupTask &task, const VolumeIdentity &volumes, const Cancellation &cancellation)
+Survey survey(const BackupTask &task, const BackupOwner &owner, const VolumeIdentity &volumes,
+              const Cancellation &cancellation)
 {
     if (const QString obstacle = runObstacle(task, volumes); !obstacle.isEmpty())
         return {obstacle, {}};
-    const TreeFacts facts =
-        compareTrees(QFile::encodeName(task.sourcePath), QFile::encodeName(mirrorFolder(task)),
-                     ExcludeRules(task.excludes), cancellation);
+    const TreeFacts facts = compareTrees(QFile::encodeName(task.sourcePath),
+                                         QFile::encodeName(mirrorFolder(task)), rulesOf(task), cancellation);
     if (!facts.isReadable)
         return {u"扫描源文件夹失败"_s, facts};
     if (facts.items == facts.junk && facts.mirrorFiles > 0)
         return {emptyObstacle(facts.mirrorFiles), facts};
-    return {spaceObstacle(task, facts), facts};
+    return {spaceObstacle(task, facts), facts, isForeign(task, owner, facts)};
 }
 
 struct Prepared {
@@ -77,8 +88,8 @@ struct Prepared {
 
 // Nobody knows how long ago the survey was: a question may have been open, and a
 // disk unmounted meanwhile.
-Result<Prepared> prepare(const BackupTask &task, const VolumeIdentity &volumes, const QDateTime &at,
-                         const TreeFacts &facts)
+Result<Prepared> prepare(const BackupTask &task, const BackupOwner &owner, const VolumeIdentity &volumes,
+                         const QDateTime &at, const TreeFacts &facts)
 {
     if (const QString obstacle = runObstacle(task, volumes); !obstacle.isEmpty())
         return failure(obstacle);
@@ -90,6 +101,10 @@ Result<Prepared> prepare(const BackupTask &task, const VolumeIdentity &volumes, 
     const QString trouble = u"创建同步目录失败: "_s;
     if (const auto made = makeFolder(mirrorFolder(task)); !made)
         return failure(trouble + made.error().message);
+    if (mirrorOwner(mirrorFolder(task)) != owner) {
+        if (const auto marked = markMirror(mirrorFolder(task), owner); !marked)
+            return failure(trouble + marked.error().message);
+    }
     if (const QString obstacle = setAsideObstacle(task); !obstacle.isEmpty())
         return failure(trouble + obstacle);
     if (const auto aligned = alignNames(QFile::encodeName(mirrorFolder(task)), facts.names); !aligned)
@@ -107,12 +122,12 @@ QStringList rsyncArguments(const BackupTask &task, const QString &setAside, cons
     QStringList arguments = {u"-a"_s, u"--checksum"_s, u"--delete"_s, u"--out-format=%n"_s};
     // Only after the whole source was read, and no more than was counted: the
     // source may vanish on the way.
-    arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessDeletions);
+    arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessLosses(0));
     if (task.setsAside)
         arguments << u"--backup"_s << u"--backup-dir="_s + setAside;
     if (facts.bytes - facts.allocated >= worthwhileHoles)
         arguments << u"--sparse"_s;
-    arguments += ExcludeRules(task.excludes).rsyncArguments();
+    arguments += rulesOf(task).rsyncArguments();
     return arguments << withSlash(task.sourcePath) << withSlash(mirrorFolder(task));
 }
 
@@ -120,26 +135,31 @@ QStringList rsyncArguments(const BackupTask &task, const QString &setAside, cons
 class MirrorRun {
 public:
     MirrorRun(Clock &clock, BackupRunRequest request, QString rsync)
-        : _clock(clock), _request(std::move(request)), _task(_request.task), _rsync(std::move(rsync))
+        : _clock(clock),
+          _request(std::move(request)),
+          _task(_request.task),
+          _owner{_request.installation, _task.id},
+          _rsync(std::move(rsync))
     {
     }
 
     QCoro::Task<BackupOutcome> run()
     {
         _request.progress(u"正在扫描目录…"_s, -1);
-        const QFuture<Survey> surveyed =
-            QtConcurrent::run(&backupWorkers(), survey, _task, _request.volumes, _request.cancellation);
+        const QFuture<Survey> surveyed = QtConcurrent::run(&backupWorkers(), survey, _task, _owner,
+                                                           _request.volumes, _request.cancellation);
         const Survey seen = co_await surveyed;
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
         if (!seen.obstacle.isEmpty())
             co_return BackupOutcome::failed(seen.obstacle);
         _facts = seen.facts;
+        _isForeign = seen.isForeign;
         _request.progress(QString::number(_facts.files) + u" 个文件，开始同步…"_s, -1);
         if (const auto refused = co_await askAboutDeletions(); refused)
             co_return BackupOutcome(*refused);
-        const QFuture<Result<Prepared>> preparing =
-            QtConcurrent::run(&backupWorkers(), prepare, _task, _request.volumes, _request.at, _facts);
+        const QFuture<Result<Prepared>> preparing = QtConcurrent::run(
+            &backupWorkers(), prepare, _task, _owner, _request.volumes, _request.at, _facts);
         const Result<Prepared> prepared = co_await preparing;
         if (!prepared)
             co_return BackupOutcome::failed(prepared.error().message);
@@ -155,20 +175,20 @@ public:
 private:
     QCoro::Task<std::optional<BackupOutcome>> askAboutDeletions()
     {
-        const qint64 harmless = std::max(harmlessDeletions, _facts.mirrorFiles * harmlessPercent / 100);
-        if (_facts.deletions <= harmless)
-            co_return std::nullopt;
-        const QString figures =
-            u"同步会删除同步文件夹里 %1 个文件（共 %2 个）"_s.arg(_facts.deletions).arg(_facts.mirrorFiles);
-        if (!_request.approve)
-            co_return BackupOutcome::failed(figures + u"，已暂停；请手动运行并确认"_s);
-        const bool isApproved =
-            co_await _request.approve({BackupDoubt::Kind::deletions, _facts.deletions, _facts.mirrorFiles});
-        if (_request.cancellation.isCancelled())
-            co_return BackupOutcome::cancelled();
-        if (!isApproved)
-            co_return BackupOutcome::failed(figures + u"，未获确认，没有同步"_s);
-        co_return std::nullopt;
+        const qint64 lost = _facts.deletions;
+        const qint64 existing = _facts.mirrorFiles;
+        std::optional<BackupOutcome> refused;
+        if (_isForeign)
+            refused = co_await refusal(
+                _request, {BackupDoubt::Kind::foreignMirror, lost, existing},
+                u"同步文件夹不是这个任务建立的，同步会删除里面 %1 个文件（共 %2 个）"_s.arg(lost).arg(
+                    existing),
+                u"同步"_s);
+        else if (lost > harmlessLosses(existing))
+            refused = co_await refusal(
+                _request, {BackupDoubt::Kind::deletions, lost, existing},
+                u"同步会删除同步文件夹里 %1 个文件（共 %2 个）"_s.arg(lost).arg(existing), u"同步"_s);
+        co_return std::optional<BackupOutcome>(refused);
     }
 
     QCoro::Task<BackupOutcome> synchronise(QString setAside)
@@ -254,8 +274,10 @@ private:
     Clock &_clock;
     BackupRunRequest _request;
     const BackupTask _task;
+    const BackupOwner _owner;
     const QString _rsync;
     TreeFacts _facts;
+    bool _isForeign = false;
     RsyncOutput _output;
     std::unique_ptr<Alarm> _update;
 };
