@@ -90,9 +90,17 @@ private Q_SLOTS:
             {u"gravity resize"_s, u"0 画面填充：拉伸"_s},
             {u"gravity x"_s, u"1 不能用作填充|裁剪|适应|拉伸|居中：x"_s},
             {u"gravity"_s, u"0 画面填充：拉伸"_s},
+            {u"shuffle on"_s, u"0 随机顺序：开"_s},
+            {u"shuffle 1"_s, u"1 不能用作on|off：1"_s},
+            {u"playlist 7"_s, u"0 轮换：每 7 分钟，随机顺序"_s},
+            {u"playlist 0"_s, u"1 不能用作分钟（1–1440）|off：0"_s},
+            {u"playlist off"_s, u"0 轮换：关"_s},
+            {u"next"_s, u"1 还没有选择壁纸文件夹"_s},
         };
         for (const auto &[verb, answer] : rows)
             QCOMPARE(rig.said(u"wallpaper "_s + verb), answer);
+        rig.wallpaper().preferences().setWallpaperFolder(rig.files.path());
+        QCOMPARE(rig.said(u"wallpaper next"_s), u"0 正在播放："_s + rig.a);
         QCOMPARE(rig.reply.data.value(u"speed"_s), 1.5);
         QCOMPARE(rig.reply.data.value(u"gravity"_s), u"resize"_s);
     }
@@ -101,7 +109,7 @@ private Q_SLOTS:
     {
         Rig rig;
         QCOMPARE(rig.said(u"wallpaper status"_s),
-                 u"0 动态壁纸：未播放\n视频：未选择\n内容：视频壁纸\n声音：30%\n速度：1.00×\n画面填充：裁剪\n"
+                 u"0 动态壁纸：未播放\n视频：未选择\n内容：视频壁纸\n声音：30%\n速度：1.00×\n画面填充：裁剪\n轮换：关\n"
                  "供电：电源\n桌面图标：未盖住\n面板：未隐藏"
                  u"\n显示器：\n"
                  "  1  内建显示器（主）  未播放  未选择视频\n  2  副屏  未播放  跟随主显示器"_s);
@@ -112,11 +120,12 @@ private Q_SLOTS:
         rig.wallpaper().preferences().setHideDesktopIconsEnabled(true);
         rig.wallpaper().toggleHideDesktopIcons();
         rig.wallpaper().dock().toggleDockAutoHide();
-        QCOMPARE(rig.said(u"wallpaper status"_s),
-                 u"0 动态壁纸：已暂停\n视频：%"
-                 u"1\n内容：视频壁纸\n声音：静音（音量 30%）\n速度：1.00×\n画面填充：裁剪\n供电：电源\n"
-                 "桌面图标：已盖住\n面板：已隐藏\n显示器：\n"
-                 "  1  内建显示器（主）  已暂停  %1\n  2  副屏  已暂停  %2"_s.arg(rig.a, rig.b));
+        QCOMPARE(
+            rig.said(u"wallpaper status"_s),
+            u"0 动态壁纸：已暂停\n视频：%"
+            u"1\n内容：视频壁纸\n声音：静音（音量 30%）\n速度：1.00×\n画面填充：裁剪\n轮换：关\n供电：电源\n"
+            "桌面图标：已盖住\n面板：已隐藏\n显示器：\n"
+            "  1  内建显示器（主）  已暂停  %1\n  2  副屏  已暂停  %2"_s.arg(rig.a, rig.b));
         const auto display = [&](int number, const QString &name, const QString &file) {
             return QJsonObject{{u"number"_s, number},    {u"id"_s, number}, {u"name"_s, name},
                                {u"main"_s, number == 1}, {u"file"_s, file}, {u"playing"_s, true}};
@@ -132,6 +141,8 @@ private Q_SLOTS:
                                               {u"muted"_s, true},
                                               {u"speed"_s, 1.0},
                                               {u"gravity"_s, u"aspectFill"_s},
+                                              {u"playlistMinutes"_s, 0},
+                                              {u"shuffle"_s, false},
                                               {u"displays"_s, displays},
                                               {u"iconsCovered"_s, true},
                                               {u"dockHidden"_s, true},

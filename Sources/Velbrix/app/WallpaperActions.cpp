@@ -55,6 +55,12 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::play()
     return guarded(std::move(act));
 }
 
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::playNext()
+{
+    Act act{[this] { return showNext(); }};
+    return guarded(std::move(act));
+}
+
 void WallpaperActions::togglePlayPause()
 {
     if (_wallpaper.isShowing() && !_wallpaper.isPaused())
@@ -157,14 +163,19 @@ QCoro::Task<> WallpaperActions::runWaiting()
     }
 }
 
-QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
+void WallpaperActions::beginChoice()
 {
-    const QPointer self(this);
     _wallpaper.setContentMode(WallpaperContentMode::video);
     if (WallpaperPreferences &preferences = _wallpaper.preferences(); !preferences.hasSoundChoice())
         preferences.setMuted(true);
     // The same failure twice is news twice.
     _wallpaper.dismissFailure();
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
+{
+    const QPointer self(this);
+    beginChoice();
     const auto played = co_await _wallpaper.playVideo(path);
     if (!self || played == WallpaperController::Played::shown)
         co_return QString();
@@ -176,8 +187,7 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideo(QString path)
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 displayID, QString path)
 {
     const QPointer self(this);
-    _wallpaper.setContentMode(WallpaperContentMode::video);
-    _wallpaper.dismissFailure();
+    beginChoice();
     const bool isChosen = co_await _wallpaper.setDisplayVideo(displayID, path);
     if (!self)
         co_return QString();
@@ -187,6 +197,16 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showVideoOn(quint32 dis
         co_return QString();
     const Outcome outcome = co_await start();
     co_return outcome ? *outcome : outcome.error().message;
+}
+
+QCoro::Task<WallpaperActions::Outcome> WallpaperActions::showNext()
+{
+    const QPointer self(this);
+    beginChoice();
+    const auto found = co_await _wallpaper.playlist().next();
+    if (!found)
+        co_return std::unexpected(found.error());
+    co_return !self || _wallpaper.isShowing() ? QString() : reason();
 }
 
 QCoro::Task<WallpaperActions::Outcome> WallpaperActions::start()

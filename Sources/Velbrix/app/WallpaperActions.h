@@ -41,6 +41,8 @@ public:
     // For the display that is chosen as the target, else the main one.
     QCoro::Task<Outcome> playChosenVideo(const QString &path);
     QCoro::Task<Outcome> play();
+    // The next one of the folder, on the main display.
+    QCoro::Task<Outcome> playNext();
     void togglePlayPause();
     // Need no consent.
     void pause();
@@ -65,8 +67,10 @@ private:
     QCoro::Task<Outcome> guarded(Act act);
     void awaitConsent(Act act);
     QCoro::Task<> runWaiting();
+    void beginChoice();
     QCoro::Task<Outcome> showVideo(QString path);
     QCoro::Task<Outcome> showVideoOn(quint32 displayID, QString path);
+    QCoro::Task<Outcome> showNext();
     QCoro::Task<Outcome> start();
     QString reason() const;
     void restoreWallpaper(const QString &reason);

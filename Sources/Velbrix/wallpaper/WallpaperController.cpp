@@ -52,7 +52,11 @@ WallpaperController::WallpaperController(Ports ports, SettingsStore &settings, C
       _videos({ports.surfaces, _stage, _video, _files, _staticDesktop, _preferences, clock},
               std::move(isInBackground)),
       _contents({{WallpaperContentMode::video, &_videos}}),
-      _dock(ports.dock, _preferences)
+      _dock(ports.dock, _preferences),
+      _playlist(_folder, _preferences, clock,
+                {[this] { return isShowing() && !isPaused(); },
+                 [this] { return _video.videoURL().value_or(QString()); },
+                 [this](QString path) { return playInTurn(std::move(path)); }})
 {
     _preferences.loadSettings();
     followParts();
@@ -72,6 +76,9 @@ void WallpaperController::followParts()
             &WallpaperController::contentChanged);
     for (const auto &[mode, content] : _contents)
         follow(*content);
+    const auto turn = [this] { _playlist.wallpaperChanged(); };
+    connect(this, &WallpaperController::stateChanged, &_playlist, turn);
+    connect(this, &WallpaperController::isPausedChanged, &_playlist, turn);
     connect(&_dock, &DockHiding::toggled, this, [this] { _stage.applyWindowLayering(); });
     connect(&_staticDesktop, &StaticDesktop::problemChanged, this, [this] {
         if (!_staticDesktop.problem().isEmpty())
@@ -213,6 +220,17 @@ QCoro::Task<WallpaperController::Played> WallpaperController::loadAndStart(QStri
         co_return Played::refused;
     const bool isShown = co_await start(isPaused);
     co_return isShown ? Played::shown : Played::chosen;
+}
+
+QCoro::Task<std::optional<bool>> WallpaperController::playInTurn(QString path)
+{
+    const QPointer self(this);
+    const Played played = co_await playVideo(path);
+    if (played != Played::refused)
+        co_return true;
+    const bool isUnplayable =
+        self && state().kind == WallpaperState::Kind::failed && state().videoURL == absolute(path);
+    co_return isUnplayable ? std::optional(false) : std::nullopt;
 }
 
 QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const QString path)

@@ -6,6 +6,7 @@
 #include "wallpaper/ChosenFiles.h"
 #include "wallpaper/ConnectedDisplays.h"
 #include "wallpaper/DockHiding.h"
+#include "wallpaper/Playlist.h"
 #include "wallpaper/PowerPolicy.h"
 #include "wallpaper/PreviewPlayer.h"
 #include "wallpaper/StaticDesktop.h"
@@ -121,6 +122,7 @@ public:
     const ChosenFiles &files() const { return _files; }
     WallpaperVideo &video() { return _video; }
     VideoFolder &folder() { return _folder; }
+    Playlist &playlist() { return _playlist; }
     PreviewPlayer &preview() { return _preview; }
     StaticDesktop &staticDesktop() { return _staticDesktop; }
     PowerPolicy &power() { return _power; }
@@ -144,6 +146,7 @@ private:
     void resumeAfterBattery();
     void displaysChanged();
     void setPaused(bool paused);
+    QCoro::Task<std::optional<bool>> playInTurn(QString path);
     void refuse(const QString &what, const QString &message);
     // From what is chosen and on the desktop.
     void updateState();
@@ -161,6 +164,7 @@ private:
     // Modes that this version cannot show are missing.
     const std::map<WallpaperContentMode, WallpaperContent *> _contents;
     DockHiding _dock;
+    Playlist _playlist;
     Observation _displayChanges;
     Observation _waking;
     Job _job{[this] { return Job::State{.isBusy = !isSettled()}; }};

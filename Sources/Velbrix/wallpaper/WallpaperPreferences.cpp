@@ -23,6 +23,8 @@ const QString dockOriginalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
 const QString pauseOnBatteryKey = u"Velbrix_WallpaperPauseOnBattery"_s;
 const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
 const QString mutedKey = u"Velbrix_WallpaperMuted"_s;
+const QString playlistMinutesKey = u"Velbrix_WallpaperPlaylistMinutes"_s;
+const QString playlistShuffledKey = u"Velbrix_WallpaperPlaylistShuffled"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
 const QString returningKey = u"Velbrix_WallpaperIsReturning"_s;
 const QString displayPathsKey = u"Velbrix_PerDisplayVideoPaths"_s;
@@ -62,6 +64,9 @@ void WallpaperPreferences::loadSettings()
     if (const auto folder = _settings.string(folderKey); folder && !folder->isEmpty())
         _wallpaperFolder = folder;
     take(_settings.boolean(mutedKey), _isMuted);
+    if (const auto minutes = _settings.integer(playlistMinutesKey))
+        _playlistMinutes = clampedTurn(*minutes);
+    take(_settings.boolean(playlistShuffledKey), _isPlaylistShuffled);
     take(_settings.boolean(autoPlayKey), _autoPlay);
     take(_settings.boolean(hideIconsEnabledKey), _hideDesktopIconsEnabled);
     take(_settings.boolean(hideIconsActiveKey), _isHidingDesktopIcons);
@@ -114,6 +119,16 @@ void WallpaperPreferences::setContentMode(WallpaperContentMode mode)
 void WallpaperPreferences::setWallpaperFolder(const QString &folder)
 {
     change(_wallpaperFolder, std::optional(folder), folderKey, folder);
+}
+
+void WallpaperPreferences::setPlaylistMinutes(int minutes)
+{
+    change(_playlistMinutes, clampedTurn(minutes), playlistMinutesKey, clampedTurn(minutes));
+}
+
+void WallpaperPreferences::setPlaylistShuffled(bool on)
+{
+    change(_isPlaylistShuffled, on, playlistShuffledKey, on);
 }
 
 void WallpaperPreferences::setAutoPlay(bool on)

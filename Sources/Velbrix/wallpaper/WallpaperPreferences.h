@@ -23,6 +23,8 @@ class WallpaperPreferences final : public QObject {
     VELB_PUBLISHED(WallpaperPreferences, WallpaperGravity, gravity, WallpaperGravity::aspectFill)
     VELB_PUBLISHED(WallpaperPreferences, WallpaperContentMode, contentMode, WallpaperContentMode::video)
     VELB_PUBLISHED(WallpaperPreferences, std::optional<QString>, wallpaperFolder)
+    VELB_PUBLISHED(WallpaperPreferences, int, playlistMinutes, 0) // each video's turn; 0: no end
+    VELB_PUBLISHED(WallpaperPreferences, bool, isPlaylistShuffled, false)
     VELB_PUBLISHED(WallpaperPreferences, bool, autoPlay, true)
     VELB_PUBLISHED(WallpaperPreferences, bool, hideDesktopIconsEnabled, false)
     VELB_PUBLISHED(WallpaperPreferences, bool, isHidingDesktopIcons, false)
@@ -47,6 +49,8 @@ public:
     void setGravity(WallpaperGravity gravity);
     void setContentMode(WallpaperContentMode mode);
     void setWallpaperFolder(const QString &folder);
+    void setPlaylistMinutes(int minutes);
+    void setPlaylistShuffled(bool on);
     void setAutoPlay(bool on);
     void setHideDesktopIconsEnabled(bool on);
     void setHidingDesktopIcons(bool on);

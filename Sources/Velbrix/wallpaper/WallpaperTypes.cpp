@@ -95,6 +95,11 @@ double clampedVolume(double volume)
     return clampedOr(volume, 0.0, 1.0, 0.3);
 }
 
+int clampedTurn(int minutes)
+{
+    return std::clamp(minutes, 0, 24 * 60);
+}
+
 double clampedSpeed(double speed)
 {
     return clampedOr(speed, 0.25, 2.0, 1.0);

@@ -57,6 +57,7 @@ const QStringList &videoExtensions();
 bool hasVideoExtension(const QString &path);
 
 double clampedVolume(double volume); // 0…1
+int clampedTurn(int minutes);        // of a playlist, 0…1440
 double clampedSpeed(double speed);   // 0.25…2, what a player can do
 
 } // namespace velbrix

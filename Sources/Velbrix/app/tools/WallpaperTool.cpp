@@ -87,6 +87,18 @@ QString gravityLine(const WallpaperPreferences &preferences)
     return u"画面填充："_s + rawValue(preferences.gravity());
 }
 
+QString playlistLine(const WallpaperPreferences &preferences)
+{
+    const int minutes = preferences.playlistMinutes();
+    const QString order = preferences.isPlaylistShuffled() ? u"随机顺序"_s : u"按名称"_s;
+    return u"轮换："_s + (minutes == 0 ? u"关"_s : u"每 %1 分钟，%2"_s.arg(minutes).arg(order));
+}
+
+QString shuffleLine(const WallpaperPreferences &preferences)
+{
+    return u"随机顺序："_s + (preferences.isPlaylistShuffled() ? u"开"_s : u"关"_s);
+}
+
 QString chosenFile(WallpaperController &wallpaper)
 {
     const auto chosen = wallpaper.video().videoURL();
@@ -138,6 +150,8 @@ QJsonObject dataOf(WallpaperController &wallpaper)
             {u"muted"_s, preferences.isMuted()},
             {u"speed"_s, preferences.speed()},
             {u"gravity"_s, name(preferences.gravity())},
+            {u"playlistMinutes"_s, preferences.playlistMinutes()},
+            {u"shuffle"_s, preferences.isPlaylistShuffled()},
             {u"displays"_s, displays},
             {u"iconsCovered"_s, wallpaper.coversDesktopIcons()},
             {u"dockHidden"_s, preferences.isDockAutoHidden()},
@@ -153,7 +167,7 @@ CommandReply status(WallpaperController &wallpaper, HostFamily family)
         lines << u"提示："_s + wallpaper.hint();
     lines << u"视频："_s + (file.isEmpty() ? u"未选择"_s : file)
           << u"内容："_s + rawValue(preferences.contentMode()) << soundLine(preferences)
-          << speedLine(preferences) << gravityLine(preferences)
+          << speedLine(preferences) << gravityLine(preferences) << playlistLine(preferences)
           << u"供电："_s + (wallpaper.power().isOnBatteryPower() ? u"电池"_s : u"电源"_s)
           << u"桌面图标："_s + (wallpaper.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
           << hostText(u"Dock："_s, family) + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s)
@@ -208,6 +222,18 @@ QCoro::Task<CommandReply> play(WallpaperController &wallpaper, WallpaperActions 
     if (!outcome)
         co_return CommandReply::refusal(outcome.error().message);
     const CommandReply reply{exitcode::done, summary(wallpaper), dataOf(wallpaper)};
+    co_return reply;
+}
+
+QCoro::Task<CommandReply> next(WallpaperController &wallpaper, WallpaperActions &actions)
+{
+    const auto outcome = co_await actions.playNext();
+    if (!outcome)
+        co_return CommandReply::refusal(outcome.error().message);
+    const QString file = chosenFile(wallpaper);
+    CommandReply reply{exitcode::done, u"正在播放："_s + file, dataOf(wallpaper)};
+    if (!outcome->isEmpty())
+        reply.text = u"已选择：%1\n还没有播放：%2"_s.arg(file, *outcome);
     co_return reply;
 }
 
@@ -332,6 +358,25 @@ QList<Command> commands()
                 }),
         setting({u"wallpaper gravity"_s, gravityNames(), u"查看或设置画面填充方式"_s}, gravityLine,
                 setGravity),
+        {{.words = u"wallpaper next"_s, .help = u"换成壁纸文件夹里的下一个视频"_s},
+         [](AppServices &services, const ParsedCommand &) {
+             return next(services.wallpaper, services.wallpaperActions);
+         }},
+        setting({u"wallpaper playlist"_s, u"分钟（1–1440）|off"_s, u"查看或设置多久换一个视频"_s},
+                playlistLine,
+                [](WallpaperPreferences &preferences, const QString &text) {
+                    const auto minutes = text == u"off" ? std::optional(0.0) : number(text, 1, 1440);
+                    if (minutes)
+                        preferences.setPlaylistMinutes(static_cast<int>(*minutes));
+                    return minutes.has_value();
+                }),
+        setting({u"wallpaper shuffle"_s, u"on|off"_s, u"查看或设置是否随机轮换"_s}, shuffleLine,
+                [](WallpaperPreferences &preferences, const QString &text) {
+                    const bool isOn = text == u"on";
+                    if (isOn || text == u"off")
+                        preferences.setPlaylistShuffled(isOn);
+                    return isOn || text == u"off";
+                }),
         {{.words = u"wallpaper mute"_s, .help = u"让动态壁纸静音"_s},
          immediate(
              [](AppServices &services, const ParsedCommand &) { return mute(services.wallpaper, true); })},
@@ -371,6 +416,11 @@ TraySection traySection(AppServices &services)
                                   .title = u"停止壁纸"_s,
                                   .isEnabled = wallpaper.canStop(),
                                   .act = [&services] { services.wallpaperActions.stop(); }}};
+    if (wallpaper.isShowing() && wallpaper.preferences().wallpaperFolder()) {
+        items.append({.id = u"wallpaperNext"_s, .title = u"下一个壁纸"_s, .act = [&services] {
+                          services.wallpaperActions.playNext();
+                      }});
+    }
     if (wallpaper.isShowing()) {
         const bool isMuted = wallpaper.preferences().isMuted();
         items.append({.id = u"wallpaperMute"_s,
@@ -398,6 +448,7 @@ void followTray(AppServices &services, TrayController &tray)
     const auto rewrite = [&tray] { tray.refresh(true); };
     QObject::connect(&services.wallpaperActions, &WallpaperActions::restored, &tray, rewrite);
     QObject::connect(&wallpaper.preferences(), &WallpaperPreferences::isMutedChanged, &tray, rewrite);
+    QObject::connect(&wallpaper.preferences(), &WallpaperPreferences::wallpaperFolderChanged, &tray, rewrite);
 }
 
 void tellNews(AppServices &services, Banners &banners)

@@ -13,6 +13,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 using namespace Qt::StringLiterals;
@@ -20,7 +21,17 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-constexpr double speedStep = 0.05; // one place of the slider
+constexpr double speedStep = 0.05;                 // one place of the slider
+constexpr std::array turns = {0, 5, 30, 60, 1440}; // minutes
+
+QString turnText(int minutes)
+{
+    if (minutes == 0)
+        return u"不换"_s;
+    if (minutes == 1440)
+        return u"每天"_s;
+    return minutes % 60 == 0 ? u"%1 小时"_s.arg(minutes / 60) : u"%1 分钟"_s.arg(minutes);
+}
 
 } // namespace
 
@@ -30,6 +41,7 @@ WallpaperPlaybackCard::WallpaperPlaybackCard(const ViewContext &context, QWidget
     setObjectName(u"wallpaperPlayback"_s);
     addGravity();
     addSliders();
+    addPlaylist();
     addReturn();
     addSwitches();
     addBattery();
@@ -78,6 +90,37 @@ void WallpaperPlaybackCard::addSliders()
         new PacedSlider(speed, clock, [&preferences](int place) { preferences.setSpeed(place * speedStep); });
     follow(preferences, &WallpaperPreferences::speedChanged, this,
            [speedPace, &preferences] { speedPace->show(qRound(preferences.speed() / speedStep)); });
+}
+
+void WallpaperPlaybackCard::addPlaylist()
+{
+    WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
+    QStringList names;
+    for (const int minutes : turns)
+        names.append(turnText(minutes));
+    auto *turn = new SegmentedChoice(u"wallpaperPlaylist"_s, names);
+    auto *row = new SettingRow(u"轮换壁纸文件夹里的视频"_s, {}, turn);
+    row->setObjectName(u"wallpaperPlaylistRow"_s);
+    addRow(row);
+    auto *shuffled = new Switch(_context.theme, u"wallpaperShuffle"_s);
+    auto *order = new SettingRow(u"随机顺序"_s, u"每个视频都放过一次，才会再放"_s, shuffled);
+    addRow(order);
+    connect(turn, &SegmentedChoice::wanted, this, [&preferences](int index) {
+        preferences.setPlaylistMinutes(turns.at(static_cast<std::size_t>(index)));
+    });
+    connect(shuffled, &Switch::wanted, this,
+            [&preferences](bool on) { preferences.setPlaylistShuffled(on); });
+    follow(preferences, &WallpaperPreferences::playlistMinutesChanged, this, [turn, row, &preferences] {
+        const int minutes = preferences.playlistMinutes();
+        const auto found = std::ranges::find(turns, minutes);
+        if (found != turns.end())
+            turn->setCurrent(static_cast<int>(std::distance(turns.begin(), found)));
+        // The command line knows more of them.
+        row->setNote(found == turns.end() ? u"现在每 %1 换一个"_s.arg(turnText(minutes)) : QString(),
+                     u"note"_s);
+    });
+    follow(preferences, &WallpaperPreferences::isPlaylistShuffledChanged, this,
+           [shuffled, &preferences] { shuffled->setOn(preferences.isPlaylistShuffled()); });
 }
 
 void WallpaperPlaybackCard::addReturn()

@@ -19,6 +19,7 @@ private:
     void addGravity();
     void addSliders();
     void addSwitches();
+    void addPlaylist();
     void addReturn();
     void addBattery();
     void showLogin();

@@ -93,6 +93,7 @@ QWidget *WallpaperPreviewCard::makeButtons()
     _buttons = new QWidget;
     _toggle = makeButton(_context.theme, {u"wallpaperToggle"_s, u"播放"_s, u"play.fill"_s, u"primary"_s});
     _stop = makeButton(_context.theme, {u"wallpaperStop"_s, u"停止"_s, u"stop.fill"_s, {}});
+    _next = makeButton(_context.theme, {u"wallpaperNext"_s, u"下一个"_s, u"forward.end.fill"_s, {}});
     _mute = makeButton(_context.theme, {u"wallpaperMute"_s, {}, {}, {}});
     QPushButton *const video =
         makeButton(_context.theme, {u"wallpaperChoose"_s, u"选择视频…"_s, u"folder"_s, {}});
@@ -101,6 +102,7 @@ QWidget *WallpaperPreviewCard::makeButtons()
     line->setSpacing(8);
     line->addWidget(_toggle);
     line->addWidget(_stop);
+    line->addWidget(_next);
     line->addWidget(_mute);
     line->addStretch(1);
     line->addWidget(video);
@@ -110,6 +112,9 @@ QWidget *WallpaperPreviewCard::makeButtons()
     WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
     connect(_mute, &QPushButton::clicked, this,
             [&preferences] { preferences.setMuted(!preferences.isMuted()); });
+    connect(_next, &QPushButton::clicked, this, [this] { _context.services.wallpaperActions.playNext(); });
+    follow(preferences, &WallpaperPreferences::wallpaperFolderChanged, this,
+           [this, &preferences] { _next->setVisible(preferences.wallpaperFolder().has_value()); });
     follow(preferences, &WallpaperPreferences::isMutedChanged, this, [this] { showSound(); });
     connect(&_context.theme, &Theme::changed, this, [this] { showSound(); });
     connect(video, &QPushButton::clicked, this, &WallpaperPreviewCard::choose);

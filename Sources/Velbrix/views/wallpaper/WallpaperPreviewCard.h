@@ -61,6 +61,7 @@ private:
     QPushButton *_toggle = nullptr;
     QPushButton *_stop = nullptr;
     QPushButton *_mute = nullptr;
+    QPushButton *_next = nullptr;
     QString _previewed; // what the stage is for
     bool _hasLoadedLast = false;
 };

@@ -56,6 +56,7 @@ const QHash<QString, QString> &iconNames()
         {u"folder.badge.gearshape"_s, u"places/folder-temp"_s},
         {u"folder.badge.plus"_s, u"actions/folder-new"_s},
         {u"folder.fill"_s, u"places/folder"_s},
+        {u"forward.end.fill"_s, u"actions/media-skip-forward"_s},
         {u"gauge"_s, u"actions/speedometer"_s},
         {u"gearshape"_s, u"actions/configure"_s},
         {u"gearshape.2"_s, u"places/folder-build"_s},

@@ -1,0 +1,101 @@
+#include "wallpaper/Playlist.h"
+
+#include "foundation/Awaitables.h"
+#include "wallpaper/VideoFolder.h"
+#include "wallpaper/WallpaperPreferences.h"
+
+#include <QPointer>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace velbrix {
+namespace {
+
+// A folder of broken files must not be read to its end.
+constexpr int mostAttempts = 10;
+
+} // namespace
+
+Playlist::Playlist(VideoFolder &folder, WallpaperPreferences &preferences, Clock &clock, Acts acts,
+                   QObject *parent)
+    : QObject(parent), _folder(folder), _preferences(preferences), _clock(clock), _acts(std::move(acts))
+{
+    connect(&_preferences, &WallpaperPreferences::playlistMinutesChanged, this, [this] {
+        _turn.reset();
+        wallpaperChanged();
+    });
+    connect(&_preferences, &WallpaperPreferences::isPlaylistShuffledChanged, this,
+            [this] { _unplayed.clear(); });
+}
+
+Playlist::~Playlist() = default;
+
+QCoro::Task<Result<void>> Playlist::next()
+{
+    const QPointer self(this);
+    if (!_preferences.wallpaperFolder())
+        co_return failure(u"还没有选择壁纸文件夹"_s);
+    co_await lookThroughFolder();
+    if (!self)
+        co_return Result<void>();
+    QString path = _acts.current();
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        const auto found = following(path);
+        if (!found)
+            break;
+        path = *found;
+        const auto isPlaying = co_await _acts.play(path);
+        if (!self || !isPlaying || *isPlaying)
+            co_return Result<void>();
+    }
+    co_return failure(u"壁纸文件夹里没有其他可以播放的视频"_s);
+}
+
+QCoro::Task<> Playlist::lookThroughFolder()
+{
+    const QPointer self(this);
+    if (_folder.folderVideos().isEmpty() && !_folder.isScanning())
+        _folder.rescan();
+    while (self && _folder.isScanning())
+        co_await nextSignal(_folder, &VideoFolder::isScanningChanged);
+}
+
+std::optional<QString> Playlist::following(const QString &path)
+{
+    const QStringList videos = _folder.folderVideos();
+    QStringList others = videos;
+    others.removeAll(path);
+    if (others.isEmpty())
+        return std::nullopt;
+    if (!_preferences.isPlaylistShuffled())
+        return videos[(videos.indexOf(path) + 1) % videos.size()];
+    _unplayed.removeIf([&others](const QString &video) { return !others.contains(video); });
+    if (_unplayed.isEmpty()) {
+        _unplayed = others;
+        std::ranges::shuffle(_unplayed, *QRandomGenerator::global());
+    }
+    return _unplayed.takeLast();
+}
+
+void Playlist::wallpaperChanged()
+{
+    const bool isOther = std::exchange(_playing, _acts.current()) != _playing;
+    if (!_acts.isMoving())
+        _turn.reset();
+    else if (isOther || !_turn)
+        startTurn();
+}
+
+void Playlist::startTurn()
+{
+    _turn.reset();
+    if (_preferences.playlistMinutes() == 0)
+        return;
+    _turn = _clock.every(std::chrono::minutes(_preferences.playlistMinutes()), [this] { next(); });
+}
+
+} // namespace velbrix
