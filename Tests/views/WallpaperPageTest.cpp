@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSlider>
@@ -258,6 +259,11 @@ private Q_SLOTS:
         rig.useFolder(rig.files.path());
         rig.start();
         QTRY_COMPARE(rig.text(u"folderCount"_s), u"共 300 个视频"_s);
+        auto *const search = rig.find<QLineEdit>(u"folderSearch"_s);
+        search->setText(u"029"_s);
+        QCOMPARE(rig.text(u"folderCount"_s), u"共 300 个视频，找到 10 个"_s);
+        QCOMPARE(rig.rows(u"videoGrid"_s).first(), u"0290.mp4，MP4 视频"_s);
+        search->clear();
         const QStringList seen = rig.grid()->visibleIds();
         QVERIFY(seen.size() > 3 && seen.size() < 24);
         rig.clock.advance(100ms);
@@ -388,6 +394,11 @@ private Q_SLOTS:
         rig.services->router.show(u"settings"_s);
         rig.services->router.show(u"wallpaper"_s);
         QVERIFY(!rig.find(u"wallpaperLogin"_s));
+        rig.click(u"wallpaperPlaylist.1"_s);
+        rig.click(u"wallpaperShuffle"_s);
+        QVERIFY(preferences.playlistMinutes() == 5 && preferences.isPlaylistShuffled());
+        rig.wallpaper().preferences().setPlaylistMinutes(7);
+        QVERIFY(rig.texts(u"wallpaperPlaylistRow"_s).contains(u"现在每 7 分钟 换一个"_s));
         rig.click(u"wallpaperAutoPlay"_s);
         rig.click(u"wallpaperPauseWhenCovered"_s);
         rig.click(u"wallpaperPauseOnBattery"_s);

@@ -2,6 +2,7 @@
 
 #include "app/AppServices.h"
 #include "views/Follow.h"
+#include "views/Theme.h"
 #include "views/components/EmptyState.h"
 #include "views/components/JobBar.h"
 #include "views/components/Parts.h"
@@ -13,6 +14,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -70,6 +72,13 @@ void WallpaperFolderCard::addFolder()
     _count->setObjectName(u"folderCount"_s);
     _problem = makeText({}, u"bad"_s);
     _problem->setObjectName(u"folderProblem"_s);
+    _search = new QLineEdit;
+    _search->setObjectName(u"folderSearch"_s);
+    _search->setAccessibleName(u"搜索视频"_s);
+    _search->setPlaceholderText(u"搜索视频"_s);
+    _search->setClearButtonEnabled(true);
+    _search->addAction(theme.icon(u"magnifyingglass"_s, ThemeColor::secondary), QLineEdit::LeadingPosition);
+    _search->setFixedWidth(220);
     QPushButton *const rescan =
         makeButton(theme, {u"folderRescan"_s, u"重新扫描"_s, u"arrow.clockwise"_s, u"plain"_s});
     _job = new JobBar(theme, u"folderScan"_s);
@@ -77,6 +86,7 @@ void WallpaperFolderCard::addFolder()
     auto *rows = makeRows(_top, 8, 10);
     auto *line = new QHBoxLayout;
     line->addWidget(_count, 1);
+    line->addWidget(_search);
     line->addWidget(rescan);
     rows->addLayout(line);
     rows->addWidget(_field);
@@ -85,6 +95,7 @@ void WallpaperFolderCard::addFolder()
     addRow(_top);
 
     VideoFolder &folder = _context.services.wallpaper.folder();
+    connect(_search, &QLineEdit::textChanged, this, [this] { showVideos(); });
     connect(_unchosen, &EmptyState::acted, _field, &PathField::choose);
     connect(_field, &PathField::wanted, this, [&folder](const QString &path) { folder.choose(path); });
     connect(_field, &PathField::revealWanted, this, [this](const QString &path) { _context.reveal(path); });
@@ -157,7 +168,12 @@ void WallpaperFolderCard::showFolder()
     _field->setPath(path.value_or(QString()));
     _unchosen->setVisible(!path);
     _top->setVisible(path.has_value());
-    _count->setText(count == 0 ? u"文件夹"_s : u"共 %1 个视频"_s.arg(count));
+    const qsizetype found = _grid->model()->rowCount();
+    const QString all = u"共 %1 个视频"_s.arg(count);
+    _count->setText(count == 0       ? u"文件夹"_s
+                    : found == count ? all
+                                     : u"%1，找到 %2 个"_s.arg(all).arg(found));
+    _search->setVisible(count > 1);
     _problem->setText(folder.problem());
     _problem->setVisible(hasProblem);
     _job->setVisible(folder.isScanning());
@@ -171,8 +187,11 @@ void WallpaperFolderCard::showVideos()
     const QStringList videos = _context.services.wallpaper.folder().folderVideos();
     QList<ThumbnailItem> items;
     items.reserve(videos.size());
-    for (const QString &path : videos)
-        items.append({path, fileName(path), placeOf(path, folder)});
+    // In the names of the folders below, too.
+    for (const QString &path : videos) {
+        if (path.mid(folder.size()).contains(_search->text(), Qt::CaseInsensitive))
+            items.append({path, fileName(path), placeOf(path, folder)});
+    }
     _grid->setItems(items);
     showFolder();
     lookSoon();

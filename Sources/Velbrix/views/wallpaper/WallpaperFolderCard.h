@@ -10,6 +10,7 @@
 
 class QHBoxLayout;
 class QLabel;
+class QLineEdit;
 class QPushButton;
 
 namespace velbrix {
@@ -50,6 +51,7 @@ private:
     PathField *_field = nullptr;
     QLabel *_count = nullptr;
     QLabel *_problem = nullptr;
+    QLineEdit *_search = nullptr;
     EmptyState *_unchosen = nullptr;
     EmptyState *_empty = nullptr;
     JobBar *_job = nullptr;
