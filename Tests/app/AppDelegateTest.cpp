@@ -239,6 +239,33 @@ private Q_SLOTS:
         QVERIFY(rig.banners().last().endsWith(u"|磁盘已满"_s));
     }
 
+    void aDownloadIsOfferedToBeMoved()
+    {
+        const auto start = [](Rig &rig, bool offers) {
+            rig.host.installPlace.misplaced = u"/Users/a/Downloads/Velbrix.app"_s;
+            rig.services->installOffer.setAutoMoveToAppDir(offers);
+            rig.launch();
+            return rig.banners().join(u' ');
+        };
+        Rig silent;
+        QCOMPARE(start(silent, false), QString());
+        QCOMPARE(silent.saved()[u"Velbrix_AutoMoveToAppDir"_s], QJsonValue(false));
+        Rig rig;
+        QVERIFY(start(rig, true).contains(u"还不在“应用程序”文件夹里"_s));
+        InstallOffer &offer = rig.services->installOffer;
+        rig.host.installPlace.moveAnswer = failure(u"磁盘已满"_s);
+        offer.moveToApplications();
+        offer.moveToApplications();
+        settle();
+        QCOMPARE(rig.host.installPlace.moves, 1);
+        QCOMPARE(offer.problem(), u"没有移动：磁盘已满"_s);
+        QVERIFY(!rig.services->quit.isEnding());
+        rig.host.installPlace.moveAnswer = {};
+        offer.moveToApplications();
+        settle();
+        QVERIFY(rig.services->quit.isEnding());
+    }
+
     void aLeftoverIsToldAtTheStart()
     {
         Rig rig;

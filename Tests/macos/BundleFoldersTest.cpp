@@ -18,6 +18,15 @@ private Q_SLOTS:
                                   {LibraryKind::webKit, u"/Users/a/Library/WebKit"_s}}));
     }
 
+    void onlyADownloadIsMisplaced()
+    {
+        const auto isLeft = [](const QString &bundle) { return isLeftByDownload(bundle, u"/Users/a"_s); };
+        QVERIFY(isLeft(u"/Users/a/Downloads/Velbrix.app"_s));
+        QVERIFY(isLeft(u"/Volumes/Velbrix/Velbrix.app"_s));
+        QVERIFY(isLeft(u"/private/var/folders/x/T/AppTranslocation/1-2/d/Velbrix.app"_s));
+        QVERIFY(!isLeft(u"/Applications/Velbrix.app"_s) && !isLeft(u"/Users/a/build/Velbrix.app"_s));
+    }
+
     void listsBundlesByTheirEnding()
     {
         QTemporaryDir folder;

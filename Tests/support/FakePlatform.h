@@ -51,6 +51,7 @@ public:
     FakeAudioDevices &audioDevices = make<FakeAudioDevices>(platform.audioDevices);
     FakeMovieFiles &movieFiles = make<FakeMovieFiles>(platform.movieFiles);
     FakeLoginItem &loginItem = make<FakeLoginItem>(platform.loginItem);
+    FakeInstallPlace &installPlace = make<FakeInstallPlace>(platform.installPlace);
     FakeDesktopServices &desktop = make<FakeDesktopServices>(platform.desktop);
     FakeSymbols &symbols = make<FakeSymbols>(platform.symbols);
     FakeDesktopPicture &desktopPicture = make<FakeDesktopPicture>(platform.desktopPicture);

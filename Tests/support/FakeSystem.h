@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/InstallPlace.h"
 #include "platform/LoginItem.h"
 #include "platform/Permissions.h"
 #include "platform/PowerSource.h"
@@ -30,6 +31,24 @@ public:
     {
         co_await _answer.after();
         co_return startedThisCopy;
+    }
+
+private:
+    AnswerTime _answer;
+};
+
+class FakeInstallPlace final : public InstallPlace {
+public:
+    std::optional<QString> misplaced;
+    Result<void> moveAnswer;
+    int moves = 0;
+
+    std::optional<QString> misplacedAt() const override { return misplaced; }
+    QCoro::Task<Result<void>> moveToApplications() override
+    {
+        ++moves;
+        co_await _answer.after();
+        co_return std::as_const(moveAnswer);
     }
 
 private:

@@ -82,6 +82,21 @@ private Q_SLOTS:
         QVERIFY(rig.texts(u"loginRow"_s).contains(u"没有改成：目录不可写"_s));
     }
 
+    void aDownloadCanBeMoved()
+    {
+        Rig installed;
+        installed.open();
+        QVERIFY(!installed.find(u"installRow"_s));
+        Rig rig;
+        rig.host.installPlace.misplaced = u"/Users/a/Downloads/Velbrix.app"_s;
+        rig.host.installPlace.moveAnswer = failure(u"磁盘已满"_s);
+        rig.open();
+        rig.click(u"autoMoveToAppDir"_s);
+        QVERIFY(!rig.services->installOffer.autoMoveToAppDir());
+        rig.click(u"moveToApplications"_s);
+        QVERIFY(rig.texts(u"installRow"_s).contains(u"没有移动：磁盘已满"_s));
+    }
+
     void permissions()
     {
         Rig rig;

@@ -74,6 +74,7 @@ void AppDelegate::applicationDidFinishLaunching(bool inBackground)
         log::line(u"Velbrix"_s, u"command line unavailable: "_s + listening.error().message);
 
     presentWindow(inBackground);
+    _services.installOffer.announce();
 }
 
 QCoro::Task<> AppDelegate::presentWindow(bool inBackground)

@@ -77,7 +77,8 @@ AppServices::AppServices(Platform &host, Clock &time)
                   dataFolder() + u"/uninstalls.json"_s),
       recordingActions(recorder, privacy),
       wallpaperActions(wallpaper, privacy, time),
-      quit(time, allJobs(*this), [this] { shutDownTools(*this); })
+      quit(time, allJobs(*this), [this] { shutDownTools(*this); }),
+      installOffer(host.installPlace.get(), settings, notifications, quit)
 {
     recorder.setUp();
 }

@@ -2,6 +2,7 @@
 
 #include "app/AppRouter.h"
 #include "app/HotkeyManager.h"
+#include "app/InstallOffer.h"
 #include "app/PrivacyManager.h"
 #include "app/QuitSequence.h"
 #include "app/RecordingActions.h"
@@ -60,6 +61,7 @@ public:
     WallpaperActions wallpaperActions;
     // The end of the program. Nothing new is begun while quit.isEnding().
     QuitSequence quit;
+    InstallOffer installOffer;
 
     void setInBackground(bool inBackground);
 

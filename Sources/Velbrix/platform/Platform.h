@@ -15,6 +15,7 @@
 #include "platform/DockPreference.h"
 #include "platform/HostFamily.h"
 #include "platform/HotkeyRegistrar.h"
+#include "platform/InstallPlace.h"
 #include "platform/KeyMonitor.h"
 #include "platform/LoginItem.h"
 #include "platform/MediaProbe.h"
@@ -49,6 +50,7 @@ struct Platform {
     std::unique_ptr<AudioDevices> audioDevices;
     std::unique_ptr<MovieFiles> movieFiles;
     std::unique_ptr<LoginItem> loginItem;
+    std::unique_ptr<InstallPlace> installPlace; // null where packages are installed
     std::unique_ptr<DesktopServices> desktop;
     std::unique_ptr<Symbols> symbols;
     std::unique_ptr<Displays> displays;

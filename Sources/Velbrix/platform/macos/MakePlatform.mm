@@ -1,6 +1,7 @@
 #include "platform/Platform.h"
 
 #include "platform/macos/applications/MacApplicationCatalog.h"
+#include "platform/macos/applications/MacInstallPlace.h"
 #include "platform/macos/applications/MacRunningPrograms.h"
 #include "platform/macos/applications/OsascriptAdminShell.h"
 #include "platform/macos/capture/SCKScreenCapture.h"
@@ -55,6 +56,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.screenCapture = std::make_unique<SCKScreenCapture>();
     platform.audioDevices = std::make_unique<CoreAudioDevices>();
     platform.movieFiles = std::make_unique<AVMovieFiles>();
+    platform.installPlace = std::make_unique<MacInstallPlace>();
     platform.loginItem = std::make_unique<SMLoginItem>();
     platform.desktop = std::make_unique<MacDesktopServices>();
     platform.symbols = std::make_unique<SFSymbols>();

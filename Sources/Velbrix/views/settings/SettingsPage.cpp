@@ -3,6 +3,7 @@
 #include "app/AppServices.h"
 #include "platform/Platform.h"
 #include "views/Follow.h"
+#include "views/ShownText.h"
 #include "views/components/Card.h"
 #include "views/components/GradientIcon.h"
 #include "views/components/Parts.h"
@@ -32,6 +33,29 @@ Card *makeHotkeys(const ViewContext &context)
     return card;
 }
 
+// Only where the program runs from its download.
+void addInstallOffer(Card &card, const ViewContext &context, const QString &place)
+{
+    InstallOffer &offer = context.services.installOffer;
+    QPushButton *const move =
+        makeButton(context.theme, {u"moveToApplications"_s, u"移动并重新打开"_s, {}, {}});
+    auto *row = new SettingRow(u"移到“应用程序”文件夹"_s,
+                               u"正在从 %1 运行，登录时可能无法启动"_s.arg(shownPath(place)), move);
+    row->setObjectName(u"installRow"_s);
+    card.addRow(row);
+    QObject::connect(move, &QPushButton::clicked, &offer, &InstallOffer::moveToApplications);
+    follow(offer, &InstallOffer::isMovingChanged, move,
+           [move, &offer] { move->setDisabled(offer.isMoving()); });
+    follow(offer, &InstallOffer::problemChanged, row,
+           [row, &offer] { row->setNote(offer.problem(), u"bad"_s); });
+
+    auto *atStart = new Switch(context.theme, u"autoMoveToAppDir"_s);
+    card.addRow(new SettingRow(u"启动时提醒移动"_s, {}, atStart));
+    QObject::connect(atStart, &Switch::wanted, &offer, &InstallOffer::setAutoMoveToAppDir);
+    follow(offer, &InstallOffer::autoMoveToAppDirChanged, atStart,
+           [atStart, &offer] { atStart->setOn(offer.autoMoveToAppDir()); });
+}
+
 Card *makeLogin(const ViewContext &context)
 {
     auto *card = new Card;
@@ -50,6 +74,8 @@ Card *makeLogin(const ViewContext &context)
         row->setNote(changed ? QString() : u"没有改成："_s + changed.error().message, u"bad"_s);
         atLogin->setOn(login.isEnabled());
     });
+    if (const auto place = context.services.installOffer.misplacedAt())
+        addInstallOffer(*card, context, *place);
     return card;
 }
 

@@ -168,8 +168,16 @@ extern NSURLResourceKey const NSURLVolumeUUIDStringKey API_AVAILABLE(macos(10.7)
                    error:(out NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.6));
 @end
 
+@interface NSDirectoryEnumerator<ObjectType> : NSObject <NSFastEnumeration>
+@end
+
 @interface NSFileManager : NSObject
 @property(class, readonly, strong) NSFileManager *defaultManager;
+- (nullable NSDirectoryEnumerator<NSString *> *)enumeratorAtPath:(NSString *)path;
+- (BOOL)copyItemAtURL:(NSURL *)srcURL
+                toURL:(NSURL *)dstURL
+                error:(NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.6));
+- (BOOL)removeItemAtURL:(NSURL *)URL error:(NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.6));
 - (BOOL)trashItemAtURL:(NSURL *)url
       resultingItemURL:(NSURL *_Nullable *_Nullable)outResultingURL
                  error:(NSError *_Nullable *_Nullable)error API_AVAILABLE(macos(10.8));

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -48,6 +49,13 @@ QStringList bundlesBeside(const QString &folder, const QString &home)
     for (const QString &place : std::as_const(places))
         paths += bundlesIn(place).value_or(QStringList());
     return paths;
+}
+
+bool isLeftByDownload(const QString &bundle, const QString &home)
+{
+    const QStringList places{home + u"/Downloads/"_s, home + u"/Desktop/"_s, u"/Volumes/"_s};
+    return bundle.contains("/AppTranslocation/"_L1) ||
+           std::ranges::any_of(places, [&](const QString &place) { return bundle.startsWith(place); });
 }
 
 QString bundleName(const QString &path)

@@ -18,6 +18,10 @@ Result<QStringList> bundlesIn(const QString &folder);
 // by the user alone. What cannot be read is left out. Blocking.
 QStringList bundlesBeside(const QString &folder, const QString &home);
 
+// Whether a bundle lies where a browser or a disk image leaves it, or where the
+// system has put a quarantined one to run ("app translocation").
+bool isLeftByDownload(const QString &bundle, const QString &home);
+
 // Of a bundle's path, as the Finder shows it.
 QString bundleName(const QString &path);
 

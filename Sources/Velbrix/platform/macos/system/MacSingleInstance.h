@@ -2,6 +2,8 @@
 
 #include "platform/SingleInstance.h"
 
+#include <QString>
+
 namespace velbrix {
 
 // Other copies are found among the running applications by the bundle
@@ -20,5 +22,8 @@ private:
     Observation _wakes; // while it leaves, as the next
     Observation _reopens;
 };
+
+// Has the system open that bundle as soon as this process has ended.
+void openAfterThis(const QString &bundle);
 
 } // namespace velbrix

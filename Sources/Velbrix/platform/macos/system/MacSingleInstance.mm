@@ -27,20 +27,6 @@ NSRunningApplication *otherCopy()
     return nil;
 }
 
-// Waits in a process of its own, so that it comes to pass however this one ends.
-void openAfterThis()
-{
-    NSString *const script =
-        @"while /bin/kill -0 $0 2>/dev/null; do /bin/sleep 0.1; done; exec /usr/bin/open \"$1\"";
-    NSTask *const task = [[NSTask alloc] init];
-    task.executableURL = [NSURL fileURLWithPath:@"/bin/sh"];
-    task.arguments =
-        @[ @"-c", script, toNSString(QString::number(getpid())), NSBundle.mainBundle.bundlePath ];
-    NSError *error = nil;
-    if (![task launchAndReturnError:&error])
-        log::line(u"Velbrix"_s, u"open again: "_s + toQString(error.localizedDescription));
-}
-
 } // namespace
 
 bool MacSingleInstance::claim()
@@ -75,10 +61,23 @@ void MacSingleInstance::leave()
 {
     const auto openAgain = [this] {
         if (!std::exchange(_opensAgain, true))
-            openAfterThis();
+            openAfterThis(toQString(NSBundle.mainBundle.bundlePath));
     };
     _wakes = observeWake(openAgain);
     _reopens = observationOf([[VBReopenWatch alloc] initWithReopened:openAgain]);
+}
+
+// Waits in a process of its own, so that it comes to pass however this one ends.
+void openAfterThis(const QString &bundle)
+{
+    NSString *const script =
+        @"while /bin/kill -0 $0 2>/dev/null; do /bin/sleep 0.1; done; exec /usr/bin/open \"$1\"";
+    NSTask *const task = [[NSTask alloc] init];
+    task.executableURL = [NSURL fileURLWithPath:@"/bin/sh"];
+    task.arguments = @[ @"-c", script, toNSString(QString::number(getpid())), toNSString(bundle) ];
+    NSError *error = nil;
+    if (![task launchAndReturnError:&error])
+        log::line(u"Velbrix"_s, u"open again: "_s + toQString(error.localizedDescription));
 }
 
 } // namespace velbrix
