@@ -550,7 +550,7 @@ private Q_SLOTS:
         rig.archiver.holds = true;
         restorer.restore(archive, to);
         QTRY_COMPARE(entriesOf(to).size(), 4);
-        QCOMPARE(rig.store.json(u"Velbrix_FileBackupRestores"_s)->toArray().size(), 1);
+        QTRY_COMPARE(rig.store.json(u"Velbrix_FileBackupRestores"_s)->toArray().size(), 1);
         restorer.cancel();
         QTRY_VERIFY((rig.clock.advance(FakeArchiver::turn), !restorer.isRestoring()));
         QCOMPARE(restorer.result(), u"已取消"_s);

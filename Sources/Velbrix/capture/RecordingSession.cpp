@@ -318,6 +318,7 @@ QCoro::Task<> RecordingSession::finishSystemFile()
     co_await withDeadline(_clock, systemEndLimit, systemEnd());
     if (!self)
         co_return;
+    Q_EMIT systemEnded(); // frees what still waits for it after the limit
     const auto removed = _stream->removeRecordingOutput();
     _log.append(removed ? u"removeRecordingOutput 完成（stop 之后）"_s
                         : u"removeRecordingOutput 忽略:"_s + removed.error().message);

@@ -101,7 +101,8 @@ bool RemovalRoot::mayGo(const QByteArray &entry) const
 {
     if (!isOpen() || !isEntryName(entry))
         return false;
-    RemovalWalk walk(_state->handle, _state->path, _state->guard, Cancellation());
+    const Cancellation never; // the walk only refers to it
+    RemovalWalk walk(_state->handle, _state->path, _state->guard, never);
     return !_state->guard.hasMinimumAge() || walk.mayGo(entry);
 }
 
