@@ -61,7 +61,7 @@ QByteArray pathIn(QByteArrayView complaint)
     if (start == 0 || end < start)
         return {};
     QByteArray path = unescaped(complaint.sliced(start, end - start));
-    // The name under which a file grows: ".NAME.XXXXXX".
+    // A file grows under its name with a dot before and six random letters behind.
     const qsizetype name = path.lastIndexOf('/') + 1;
     if (complaint.contains("mkstemp") && path.mid(name).startsWith('.') &&
         path.lastIndexOf('.') == path.size() - 7)
