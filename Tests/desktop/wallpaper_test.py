@@ -11,6 +11,7 @@ from wallpaper import (BLUE, GREEN, RED, IconManager, Shot, color_at, hanging_di
 # Pixels of the icons in the upper left corner lie in here.
 ICONS = (0, 0, 130, 260)
 FAR_LEFT, FAR_RIGHT = (500, 600), (1000, 600)
+BESIDE_WINDOW = (50, 600)
 
 
 class Wallpaper(DesktopTestCase):
@@ -142,17 +143,16 @@ class Wallpaper(DesktopTestCase):
         self.addCleanup(lambda: hangs.unlink(missing_ok=True))
         time.sleep(2)  # it is being restored
         program.do("show", "wallpaper")
-        output_of("xdotool", "windowminimize", program.wait_for_window())
         program.do("wallpaper", "set", near)
-        wait_for_color(*FAR_LEFT, RED)
+        wait_for_color(*BESIDE_WINDOW, RED)
         hangs.unlink()
         program.do("wallpaper", "set", far)
-        wait_for_color(*FAR_LEFT, GREEN)
+        wait_for_color(*BESIDE_WINDOW, GREEN)
         hangs.touch()
         for verb in ("pause", "play", "pause", "play"):
             program.do("wallpaper", verb)
         program.do("wallpaper", "set", near)
-        wait_for_color(*FAR_LEFT, RED, 40)
+        wait_for_color(*BESIDE_WINDOW, RED, 40)
         hangs.unlink()
         program.do("quit")
         program.process.wait(10)

@@ -23,7 +23,12 @@ class MainWindow(DesktopTestCase):
     def place(self, window):
         output_of("xdotool", "windowsize", "--sync", window, 1000, 640)
         output_of("xdotool", "windowmove", "--sync", window, 140, 90)
-        return wait_until(lambda: geometry(window)[2:] == (1000, 640) and geometry(window), "the window is placed")
+
+        def placed():  # within its frame
+            x, y, *size = frame = geometry(window)
+            return 140 <= x < 160 and 90 <= y < 130 and size == [1000, 640] and frame
+
+        return wait_until(placed, "the window is placed")
 
     def close(self, window):
         output_of("wmctrl", "-i", "-c", hex(window))

@@ -12,6 +12,23 @@ namespace {
 // Room for the windows of the busiest desktop.
 constexpr std::uint32_t longestList = 65536;
 
+// On whose behalf something is asked for.
+constexpr std::uint32_t fromApplication = 1;
+constexpr std::uint32_t fromUser = 2;
+
+void askManager(X11Connection &connection, xcb_window_t window, const char *type, std::uint32_t first,
+                std::uint32_t second)
+{
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = connection.atom(type);
+    message.data.data32[0] = first;
+    message.data.data32[1] = second;
+    sendToRoot(connection, &message);
+}
+
 } // namespace
 
 xcb_window_t windowManager(X11Connection &connection)
@@ -89,14 +106,12 @@ std::optional<std::uint32_t> currentWorkspace(X11Connection &connection)
 
 void askForWorkspace(X11Connection &connection, xcb_window_t window, std::uint32_t workspace)
 {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = window;
-    message.type = connection.atom("_NET_WM_DESKTOP");
-    message.data.data32[0] = workspace;
-    message.data.data32[1] = 1; // from an application
-    sendToRoot(connection, &message);
+    askManager(connection, window, "_NET_WM_DESKTOP", workspace, fromApplication);
+}
+
+void askForFront(X11Connection &connection, xcb_window_t window)
+{
+    askManager(connection, window, "_NET_ACTIVE_WINDOW", fromUser, XCB_CURRENT_TIME);
 }
 
 void sendToRoot(X11Connection &connection, const void *event)

@@ -32,6 +32,9 @@ constexpr std::uint32_t allWorkspaces = 0xffffffff;
 std::optional<std::uint32_t> currentWorkspace(X11Connection &connection);
 // Asks the window manager to move a window that is mapped.
 void askForWorkspace(X11Connection &connection, xcb_window_t window, std::uint32_t workspace);
+// Asks the window manager to bring a window back, to the front and to the
+// keyboard, as the user has asked for it.
+void askForFront(X11Connection &connection, xcb_window_t window);
 // An event for whoever manages the windows.
 void sendToRoot(X11Connection &connection, const void *event);
 // Whether a window lies behind all others, as the desktop does and what takes

@@ -18,15 +18,18 @@ X11DesktopServices::X11DesktopServices() : _x11(qtX11Connection())
 
 void X11DesktopServices::activate()
 {
-    const QWindow *const window = firstWindow();
-    if (_x11 && window) {
-        const auto id = static_cast<xcb_window_t>(window->winId());
-        // Most window managers let no program take the user to another workspace.
-        if (const auto workspace = currentWorkspace(*_x11); workspace && isPutAway(*_x11, id))
-            askForWorkspace(*_x11, id, *workspace);
-        _x11->flush();
-    }
     LinuxDesktopServices::activate();
+    const QWindow *const window = firstWindow();
+    if (!_x11 || !window)
+        return;
+    const auto id = static_cast<xcb_window_t>(window->winId());
+    // Most window managers let no program take the user to another workspace.
+    if (const auto workspace = currentWorkspace(*_x11); workspace && isPutAway(*_x11, id))
+        askForWorkspace(*_x11, id, *workspace);
+    // One that is still minimising the window takes no notice of its being shown
+    // in the meantime, and ours must not stay behind for having been idle.
+    askForFront(*_x11, id);
+    _x11->flush();
 }
 
 void X11DesktopServices::beep()
