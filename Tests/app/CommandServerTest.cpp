@@ -76,6 +76,25 @@ private Q_SLOTS:
         QVERIFY(rig.services->fileBackup.isRunningBackup());
     }
 
+    void aRecordingEndsWithItsClientOnlyUntilItRuns()
+    {
+        Rig rig;
+        rig.services->recorder.preferences().setOutputDir(rig.files.path());
+        rig.services->privacy.acceptFirstLaunch();
+        rig.services->privacy.grant(PrivacyConsentKind::screenRecording);
+        for (const auto &verb : {u"record toggle"_s, u"record start"_s}) {
+            rig.client = Cancellation();
+            rig.client.cancel();
+            QCOMPARE(rig.ask(verb).text, u"录制已取消，没有留下文件"_s);
+            rig.client = Cancellation();
+            QVERIFY(rig.ask(verb).text.startsWith(u"已开始录制"));
+            rig.client.cancel();
+            settle();
+            QVERIFY(rig.services->recorder.isRecording() && !rig.services->recorder.isProcessing());
+            rig.ask(u"record stop"_s);
+        }
+    }
+
     void doesNothingWhileTheProgramEnds()
     {
         Rig rig;

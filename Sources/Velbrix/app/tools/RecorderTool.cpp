@@ -225,11 +225,12 @@ QList<Command> commands()
           .options = {{windowOption, u"窗口编号"_s},
                       {displayOption, u"显示器编号"_s},
                       {fpsOption, u"帧率"_s},
-                      {qualityOption, u"画质"_s}}},
+                      {qualityOption, u"画质"_s}},
+          .stopsWithClient = true},
          startAsAsked},
         {{.words = u"record stop"_s, .help = u"停止录制并等待文件校验完成"_s},
          [](AppServices &services, const ParsedCommand &) { return stop(services); }},
-        {{.words = u"record toggle"_s, .help = u"开始全屏录制，或停止当前录制"_s},
+        {{.words = u"record toggle"_s, .help = u"开始全屏录制，或停止当前录制"_s, .stopsWithClient = true},
          [](AppServices &services, const ParsedCommand &) {
              if (services.recorder.isRecording())
                  return stop(services);
