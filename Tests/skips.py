@@ -13,6 +13,9 @@ def can_mount():
 def can_use_fuse():
     return os.access('/dev/fuse', os.R_OK | os.W_OK) and bool(shutil.which('fusermount3'))
 
+def has_loop_device():
+    return subprocess.run(['losetup', '--find'], capture_output=True).returncode == 0
+
 IS_ROOT = os.geteuid() == 0
 # (tests, reasons, whether that is so here)
 EXPECTED = [
@@ -20,6 +23,7 @@ EXPECTED = [
     (r'.*', r'.*\bonly (by )?root\b.*', not IS_ROOT),
     (r'.*', r'.*\bmounted\b.*|mounts cannot be made here', not can_mount()),
     (r'.*', 'no FUSE here', not can_use_fuse()),
+    (r'.*', 'no loop device here', not (can_mount() and has_loop_device())),
     # Each of these runs a second time the other way round.
     (r'PowerTest', 'there is a bus', True),
     (r'PowerTestWithoutBus', 'there is no bus', True),

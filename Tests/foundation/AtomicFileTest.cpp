@@ -7,6 +7,8 @@
 #include <sys/mount.h>
 #endif
 
+#include <QProcess>
+
 class AtomicFileTest : public QObject {
     Q_OBJECT
 
@@ -39,21 +41,41 @@ private Q_SLOTS:
         QCOMPARE(entriesOf(taken), QStringList{u"inside"_s});
     }
 
+    void aFullDiskKeepsTheOldContent_data()
+    {
+        QTest::addColumn<QString>("mounting");
+        QTest::addColumn<QString>("whyNot");
+        QTest::newRow("tmpfs") << u"mount -t tmpfs -o size=1m none disk"_s << u"mounts cannot be made here"_s;
+        QTest::newRow("ext4") << u"truncate -s 4M i && mkfs.ext4 -q -F i && mount -o loop i disk"_s
+                              << u"no loop device here"_s;
+    }
+
     void aFullDiskKeepsTheOldContent()
     {
-        const QTemporaryDir folder;
+        QFETCH(QString, mounting);
+        QFETCH(QString, whyNot);
+        const QTemporaryDir outside;
+        const QDir folder(outside.filePath(u"disk/in"_s));
 #ifdef __linux__
         // The mount of this test is seen by nobody else and ends with it.
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", QFile::encodeName(folder.path()).constData(), "tmpfs", 0, "size=1m") != 0)
-#endif
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             QSKIP("mounts cannot be made here");
+        QProcess shell;
+        shell.setWorkingDirectory(outside.path());
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"mkdir disk && "_s + mounting + u" && mkdir disk/in"_s});
+        if (!shell.waitForFinished() || shell.exitCode() != 0)
+#endif
+            QSKIP(qPrintable(whyNot));
         const QString file = folder.filePath(u"kept"_s);
         const QString ballast = folder.filePath(u"ballast"_s);
         QVERIFY(replaceFile(file, "old"));
         QFile filling(ballast);
         QVERIFY(filling.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-        while (filling.write(QByteArray(4096, 'x')) > 0) {
+        // A disk has some room again when what was written has reached it.
+        for (const qsizetype chunk : {4096, 4096, 1, 1}) {
+            while (filling.write(QByteArray(chunk, 'x')) > 0) {
+            }
+            QCOMPARE(synced(filling.handle()), 0);
         }
         for (const qsizetype size : {1, 5000, 2'000'000}) {
             QCOMPARE(errorText(replaceFile(file, QByteArray(size, 'n'))),
@@ -65,7 +87,7 @@ private Q_SLOTS:
         QVERIFY(replaceFile(file, "new"));
         QCOMPARE(readFile(file), "new"_ba);
 #ifdef __linux__
-        ::umount2(QFile::encodeName(folder.path()).constData(), MNT_DETACH);
+        ::umount2(QFile::encodeName(outside.filePath(u"disk"_s)).constData(), MNT_DETACH);
 #endif
     }
 };

@@ -35,18 +35,34 @@ int written(int descriptor, QByteArrayView content)
 }
 
 // A disk that is full may say so only when the file is synced or even closed.
-int filled(int descriptor, const QByteArray &content, const QByteArray &replaced)
+int filled(int descriptor, const QByteArray &content)
 {
-    struct stat facts = {};
-    if (::stat(replaced.constData(), &facts) == 0 && ::fchmod(descriptor, facts.st_mode & 07777) != 0)
-        return errno;
     if (const int error = written(descriptor, content))
         return error;
     if (const int error = synced(descriptor))
         return error;
+    struct stat facts = {};
     if (::fstat(descriptor, &facts) != 0)
         return errno;
     return facts.st_size == content.size() ? 0 : EIO;
+}
+
+// Leaves the file closed, and only with all of its content.
+int filledAndClosed(int descriptor, const QByteArray &path, const QByteArray &content)
+{
+    int error = filled(descriptor, content);
+    if (::close(descriptor) != 0 && error == 0 && errno != EINTR)
+        error = errno;
+    if (error != 0)
+        ::unlink(path.constData());
+    return error;
+}
+
+int keepMode(int descriptor, const QByteArray &replaced)
+{
+    struct stat facts = {};
+    const bool isThere = ::stat(replaced.constData(), &facts) == 0;
+    return isThere && ::fchmod(descriptor, facts.st_mode & 07777) != 0 ? errno : 0;
 }
 
 int syncFolder(const QByteArray &folder)
@@ -65,16 +81,14 @@ int replaced(const QByteArray &path, const QByteArray &content)
     const int descriptor = ::mkostemp(unfinished.data(), O_CLOEXEC);
     if (descriptor < 0)
         return errno;
-    int error = filled(descriptor, content, path);
-    if (::close(descriptor) != 0 && error == 0 && errno != EINTR)
-        error = errno;
-    if (error == 0 && ::rename(unfinished.constData(), path.constData()) != 0)
-        error = errno;
-    if (error != 0) {
-        ::unlink(unfinished.constData());
+    const int modeError = keepMode(descriptor, path);
+    if (const int error = filledAndClosed(descriptor, unfinished, content))
         return error;
-    }
-    return syncFolder(splitPath(path).first);
+    if (modeError == 0 && ::rename(unfinished.constData(), path.constData()) == 0)
+        return syncFolder(splitPath(path).first);
+    const int error = modeError != 0 ? modeError : errno;
+    ::unlink(unfinished.constData());
+    return error;
 }
 
 } // namespace
@@ -98,6 +112,13 @@ Result<void> replaceFile(const QString &path, const QImage &picture, const char 
     if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, format, quality))
         return failure(u"无法写入 %1：图片无法编码"_s.arg(path));
     return replaceFile(path, content);
+}
+
+int createFile(const QByteArray &path, const QByteArray &content)
+{
+    const int descriptor =
+        ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    return descriptor < 0 ? errno : filledAndClosed(descriptor, path, content);
 }
 
 void removeUnfinished(const QString &path)

@@ -20,6 +20,10 @@ Result<void> replaceFile(const QString &path, const QByteArray &content);
 // -1, the format's own.
 Result<void> replaceFile(const QString &path, const QImage &picture, const char *format, int quality = -1);
 
+// Makes a new file of the user's alone; 0 when the medium has it, else the errno
+// (EEXIST: the name is taken) and there is no such file.
+int createFile(const QByteArray &path, const QByteArray &content);
+
 // Removes what replacements that were killed have left. Only while nobody
 // replaces the file.
 void removeUnfinished(const QString &path);

@@ -3,12 +3,9 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
 #include "platform/linux/files/ExclusiveMove.h"
-#include "platform/linux/files/FileDescriptor.h"
 
 #include <cerrno>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -32,32 +29,6 @@ QString moveReason(int error)
     default:
         return writeReason(error);
     }
-}
-
-// 0 when the medium has it, or the errno. A disk that is full may say so only then.
-int fill(int file, const QByteArray &text)
-{
-    struct stat facts{};
-    if (!writeAll(file, {reinterpret_cast<const std::uint8_t *>(text.constData()), size_t(text.size())}))
-        return errno;
-    if (const int error = synced(file))
-        return error;
-    if (::fstat(file, &facts) != 0)
-        return errno;
-    return facts.st_size == text.size() ? 0 : EIO;
-}
-
-// 0 or the errno; EEXIST when the name is taken.
-int writeInfo(const QByteArray &path, const QByteArray &text)
-{
-    const FileDescriptor file(
-        ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!file)
-        return errno;
-    const int error = fill(file.number(), text);
-    if (error != 0)
-        ::unlink(path.constData());
-    return error;
 }
 
 } // namespace
@@ -91,7 +62,7 @@ Result<QByteArray> TrashFolder::take(const QByteArray &item, const QDateTime &wh
         const QByteArray taken = trashedName(name, attempt);
         const QByteArray info = path + "/info/" + taken + infoSuffix;
         // The info comes first: it reserves the name for both.
-        int error = writeInfo(info, text);
+        int error = createFile(info, text);
         if (error == EEXIST)
             continue;
         if (error != 0)
