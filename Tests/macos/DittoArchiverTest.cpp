@@ -73,22 +73,26 @@ private Q_SLOTS:
     void leavesOutWithZip()
     {
         ArchiverRig rig;
-        QCOMPARE(rig.create({u"*.o"_s}), ArchiveOutcome());
+        rig.program(u"zip"_s, u"cat \"${6#-x@}\" > '%1'"_s.arg(rig.path(u"patterns"_s)));
+        QCOMPARE(rig.create({u"*.o"_s, u"\u00e9/"_s}), ArchiveOutcome());
         const QString folder = QFileInfo(QFileInfo(rig.path(u"source"_s)).path()).fileName();
-        QCOMPARE(rig.asked(), folder + u" zip -r -y -q a.zip ./source -x */*.o */*.o/*"_s);
+        QVERIFY(rig.asked().startsWith(folder + u" zip -r -y -q a.zip ./source -x@/"_s));
+        // Among arguments a Mac would decompose them all.
+        QCOMPARE(readFile(rig.path(u"patterns"_s)), "*/*.o\n*/*.o/*\n*/\u00e9/*\n*/e\u0301/*\n");
     }
 
     void translatesPatterns()
     {
         QCOMPARE(zipExcludes({u"build/"_s, u"/a?/b"_s, u""_s}, u"[s]"_s),
-                 (QStringList{u"*/build/*"_s, u"\\[s]/a?/b"_s, u"\\[s]/a?/b/*"_s}));
+                 (QByteArrayList{"*/build/*", "\\[s]/a?/b", "\\[s]/a?/b/*"}));
     }
 
     void passesExitStatusesOn()
     {
         ArchiverRig rig;
         rig.program(u"ditto"_s, u"echo 'ditto: a.zip: No space left on device' >&2; exit 7"_s);
-        QCOMPARE(rig.create(), (ArchiveOutcome{.exitStatus = 7, .problem = u"磁盘空间不足"_s}));
+        QCOMPARE(rig.create(),
+                 (ArchiveOutcome{.exitStatus = 7, .problem = u"磁盘空间不足"_s, .isDiskFull = true}));
         rig.program(u"zip"_s, u"echo 'zip warning: could not open for reading: source/a/b' >&2; exit 18"_s);
         QCOMPARE(rig.create({u"x"_s}),
                  (ArchiveOutcome{.exitStatus = 0, .skipped = {u"a/b"_s}, .skippedCount = 1}));

@@ -346,11 +346,11 @@ private Q_SLOTS:
     void whatIsExcludedStaysWhereItIs()
     {
         Rig rig;
-        rig.request.task.excludes = {u"\u00e9/"_s, u"*.tmp"_s, u"/cache/deep"_s,
-                                     u"+ odd"_s,   u"!"_s,     u"build/"_s};
+        rig.request.task.excludes = {u"\u00e9/"_s, u"*.tmp"_s, u"/cache/deep"_s, u"+ odd"_s,
+                                     u"!"_s,       u"#x"_s,    u"build/"_s,      u"b\n+ *"_s};
         rig.write({u"src/a"_s, u"src/b.tmp"_s, u"src/cache/deep/x"_s, u"src/in/cache/deep/y"_s,
-                   u"src/+ odd"_s, u"src/!"_s, u"src/build/z"_s, u"src/in/build"_s, u"src/e\u0301/x"_s,
-                   u"dst/t_同步/mine.tmp"_s, u"dst/t_同步/gone/other.tmp"_s});
+                   u"src/+ odd"_s, u"src/!"_s, u"src/#x"_s, u"src/build/z"_s, u"src/in/build"_s,
+                   u"src/e\u0301/x"_s, u"dst/t_同步/mine.tmp"_s, u"dst/t_同步/gone/other.tmp"_s});
         QCOMPARE(rig.run(), u"✓ 同步完成 · 3 个文件"_s);
         QCOMPARE(rig.inMirror(), (QStringList{u"a"_s, u"gone/other.tmp"_s, u"in/build"_s,
                                               u"in/cache/deep/y"_s, u"mine.tmp"_s}));
@@ -363,7 +363,8 @@ private Q_SLOTS:
         rig.write({u"src/a"_s, u"src/closed/in"_s, u"dst/t_同步/closed/in=kept"_s, u"dst/t_同步/gone"_s});
         ::chmod(rig.native(u"src/closed"_s).constData(), 0);
         if (::geteuid() == 0) { // who reads everything
-            rig.replaceRsync(u"chown -R 65534 '%1' && chmod 755 '%1' && exec setpriv --reuid=65534 "
+            rig.replaceRsync(u"for a; do case $a in --exclude-from=*) chmod 644 \"${a#*=}\";; esac; done; "
+                             "chown -R 65534 '%1' && chmod 755 '%1' && exec setpriv --reuid=65534 "
                              "--clear-groups /usr/bin/rsync \"$@\""_s.arg(rig.folder.path()));
         }
         QCOMPARE(rig.run(), u"✓ 同步完成（部分错误，exit 23）：“closed”没有同步"_s);

@@ -10,13 +10,10 @@ namespace velbrix {
 
 ExcludeRules::ExcludeRules(const QStringList &patterns)
 {
+    // A Mac's disk may have composed what was typed decomposed, and the other way round.
     for (const QString &text : patterns) {
-        add({.pattern = text.toUtf8()});
-        // A Mac's disk may have composed what was typed decomposed, and the other way round.
-        for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
-            if (const QString other = text.normalized(form); other != text)
-                add({.pattern = other.toUtf8()});
-        }
+        for (const QString &spelling : spellings(text))
+            add({.pattern = spelling.toUtf8()});
     }
 }
 
@@ -56,15 +53,39 @@ bool ExcludeRules::excludesWithin(const QByteArray &folder) const
     return excludes(folder, true);
 }
 
-QStringList ExcludeRules::rsyncArguments() const
+QByteArrayList ExcludeRules::rsyncPatterns() const
 {
-    QStringList arguments;
+    QByteArrayList patterns;
     for (const Rule &rule : _rules) {
-        // The leading "- " keeps rsync from reading "+ x" or "!" as a rule of another kind.
-        arguments.append(u"--exclude=- "_s + (rule.isPath ? u"/"_s : QString()) +
-                         QString::fromUtf8(rule.pattern) + (rule.foldersOnly ? u"/"_s : QString()));
+        // The leading "- " keeps rsync from reading "+ x", "!" or "#x" as a rule of another kind.
+        patterns.append("- " + QByteArray(rule.isPath ? "/" : "") + rule.pattern +
+                        (rule.foldersOnly ? "/" : ""));
     }
-    return arguments;
+    return patterns;
+}
+
+QStringList spellings(const QString &pattern)
+{
+    QStringList all{pattern};
+    if (pattern.contains(u'['))
+        return all;
+    for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
+        if (const QString other = pattern.normalized(form); !all.contains(other))
+            all.append(other);
+    }
+    return all;
+}
+
+Result<std::shared_ptr<QTemporaryFile>> patternFile(const QByteArrayList &patterns)
+{
+    QByteArray lines;
+    for (const QByteArray &pattern : patterns)
+        lines += QByteArray(pattern).replace('\n', '?') + '\n'; // a line break cannot be written
+    auto file = std::make_shared<QTemporaryFile>();
+    // One that is cut off would have what was to be left alone copied over, and deleted.
+    if (!file->open() || file->write(lines) != lines.size() || !file->flush())
+        return failure(u"无法写入临时文件：%1"_s.arg(file->errorString()));
+    return file;
 }
 
 } // namespace velbrix

@@ -1,8 +1,12 @@
 #pragma once
 
-#include <QByteArray>
-#include <QStringList>
+#include "foundation/Result.h"
 
+#include <QByteArrayList>
+#include <QStringList>
+#include <QTemporaryFile>
+
+#include <memory>
 #include <vector>
 
 namespace velbrix {
@@ -21,8 +25,8 @@ public:
     // Whether it or a folder above it is excluded.
     bool excludesWithin(const QByteArray &folder) const;
 
-    // The same for rsync's command line.
-    QStringList rsyncArguments() const;
+    // The same as lines of a file for rsync's --exclude-from.
+    QByteArrayList rsyncPatterns() const;
 
 private:
     struct Rule {
@@ -35,5 +39,13 @@ private:
 
     std::vector<Rule> _rules;
 };
+
+// A pattern as it is typed and in both normal forms, each once. One with a set of
+// characters stands for itself: decomposed, the set would have more of them.
+QStringList spellings(const QString &pattern);
+
+// A file of one pattern a line that ends with the answer: among its arguments a Mac
+// passes nothing on composed. Blocking.
+Result<std::shared_ptr<QTemporaryFile>> patternFile(const QByteArrayList &patterns);
 
 } // namespace velbrix

@@ -31,6 +31,7 @@ struct ArchiveRequest {
 struct ArchiveOutcome {
     int exitStatus = 0;       // 0: everything is in it, apart from what is skipped
     QString problem = {};     // why not, in words for the user
+    bool isDiskFull = false;  // that is why
     QStringList skipped = {}; // what could not be read, the first hundred
     qint64 skippedCount = 0;
     QStringList changed =

@@ -19,6 +19,7 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -84,6 +85,7 @@ Survey survey(const BackupTask &task, const BackupOwner &owner, const VolumeIden
 struct Prepared {
     QString setAside;
     QSet<QByteArray> sourceNames;
+    std::shared_ptr<QTemporaryFile> excludes = {};
 };
 
 // Nobody knows how long ago the survey was: a question may have been open, and a
@@ -109,7 +111,10 @@ Result<Prepared> prepare(const BackupTask &task, const BackupOwner &owner, const
         return failure(trouble + obstacle);
     if (const auto aligned = alignNames(QFile::encodeName(mirrorFolder(task)), facts.names); !aligned)
         return failure(aligned.error().message);
-    return Prepared{freeSetAsideFolder(task, at), QSet<QByteArray>(names.begin(), names.end())};
+    const auto excludes = patternFile(rulesOf(task).rsyncPatterns());
+    if (!excludes)
+        return std::unexpected(excludes.error());
+    return Prepared{freeSetAsideFolder(task, at), QSet<QByteArray>(names.begin(), names.end()), *excludes};
 }
 
 QString withSlash(const QString &path)
@@ -117,17 +122,17 @@ QString withSlash(const QString &path)
     return path.endsWith(u'/') ? path : path + u'/';
 }
 
-QStringList rsyncArguments(const BackupTask &task, const QString &setAside, const TreeFacts &facts)
+QStringList rsyncArguments(const BackupTask &task, const Prepared &prepared, const TreeFacts &facts)
 {
     QStringList arguments = {u"-a"_s, u"--checksum"_s, u"--delete"_s, u"--out-format=%n"_s};
     // Only after the whole source was read, and no more than was counted: the
     // source may vanish on the way.
     arguments << u"--delete-after"_s << u"--max-delete=%1"_s.arg(facts.deletedEntries + harmlessLosses(0));
     if (task.setsAside)
-        arguments << u"--backup"_s << u"--backup-dir="_s + setAside;
+        arguments << u"--backup"_s << u"--backup-dir="_s + prepared.setAside;
     if (facts.bytes - facts.allocated >= worthwhileHoles)
         arguments << u"--sparse"_s;
-    arguments += rulesOf(task).rsyncArguments();
+    arguments << u"--exclude-from="_s + prepared.excludes->fileName();
     return arguments << withSlash(task.sourcePath) << withSlash(mirrorFolder(task));
 }
 
@@ -164,7 +169,7 @@ public:
         if (!prepared)
             co_return BackupOutcome::failed(prepared.error().message);
         _output = RsyncOutput(prepared->sourceNames);
-        const BackupOutcome outcome = co_await synchronise(prepared->setAside);
+        const BackupOutcome outcome = co_await synchronise(*prepared);
         const bool isDone = outcome.state == BackupOutcome::State::done;
         const QFuture<void> tidying =
             QtConcurrent::run(&backupWorkers(), tidySetAside, _task, prepared->setAside, _request.at, isDone);
@@ -191,14 +196,14 @@ private:
         co_return std::optional<BackupOutcome>(refused);
     }
 
-    QCoro::Task<BackupOutcome> synchronise(QString setAside)
+    QCoro::Task<BackupOutcome> synchronise(Prepared prepared)
     {
         // The clock is only there while nobody has cancelled.
         if (_request.cancellation.isCancelled())
             co_return BackupOutcome::cancelled();
         ProcessRequest rsync;
         rsync.program = _rsync;
-        rsync.arguments = rsyncArguments(_task, setAside, _facts);
+        rsync.arguments = rsyncArguments(_task, prepared, _facts);
         rsync.environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s); // else it escapes what is not ASCII
         rsync.onOutput = [this](const QByteArray &piece) { take(piece); };
         rsync.onErrorOutput = [this](const QByteArray &piece) { _output.feedErrors(piece); };

@@ -1,5 +1,6 @@
 #include "platform/macos/files/DittoArchiver.h"
 
+#include "foundation/ExcludeRules.h"
 #include "platform/macos/files/ZipExcludes.h"
 #include "platform/macos/files/ZipWalk.h"
 
@@ -39,9 +40,14 @@ QString firstLine(const QByteArray &words)
     return QString::fromUtf8(words.trimmed().split('\n').first());
 }
 
+bool metFullDisk(const ProcessOutcome &run)
+{
+    return (run.errorOutput + run.output).contains("No space left on device");
+}
+
 QString complaint(const ProcessOutcome &run)
 {
-    if (run.errorOutput.contains("No space left on device"))
+    if (metFullDisk(run))
         return u"磁盘空间不足"_s;
     const QString words = firstLine(run.errorOutput.isEmpty() ? run.output : run.errorOutput);
     return words.isEmpty() ? u"退出码 %1"_s.arg(run.exitCode) : words;
@@ -72,6 +78,7 @@ ArchiveOutcome outcomeOf(const ProcessOutcome &run, bool byZip)
         return outcome;
     outcome.exitStatus = run.exitCode != 0 ? run.exitCode : 1;
     outcome.problem = run.crashed ? u"打包程序意外终止"_s : complaint(run);
+    outcome.isDiskFull = metFullDisk(run);
     return outcome;
 }
 
@@ -161,16 +168,24 @@ QCoro::Task<Result<ArchiveOutcome>> DittoArchiver::create(ArchiveRequest archivi
     }
     // As a path: "-x" would be an option.
     const QString below = u"./"_s + source.fileName();
-    const QStringList excludes = zipExcludes(archiving.excludes, source.fileName());
+    const QByteArrayList excludes = zipExcludes(archiving.excludes, source.fileName());
     const bool byZip = !excludes.isEmpty();
+    // Copies, because the owner may be gone after a wait.
+    ProcessRunner runner = _runner;
+    const Programs programs = _programs;
+    const QFuture<Result<std::shared_ptr<QTemporaryFile>>> writing =
+        QtConcurrent::run(&workers(), patternFile, excludes);
+    const auto patterns = co_await writing;
+    if (!patterns)
+        co_return std::unexpected(patterns.error());
     ProcessRequest packing =
-        byZip ? request(_programs.zip,
-                        QStringList{u"-r"_s, u"-y"_s, u"-q"_s, archive, below, u"-x"_s} + excludes,
+        byZip ? request(programs.zip,
+                        {u"-r"_s, u"-y"_s, u"-q"_s, archive, below, u"-x@"_s + (*patterns)->fileName()},
                         archiving.cancellation)
-              : request(_programs.ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, source.filePath(), archive},
+              : request(programs.ditto, {u"-c"_s, u"-k"_s, u"--keepParent"_s, source.filePath(), archive},
                         archiving.cancellation);
     packing.workingDirectory = source.path();
-    const auto run = co_await _runner.run(std::move(packing));
+    const auto run = co_await runner.run(std::move(packing));
     if (!run)
         co_return std::unexpected(run.error());
     ArchiveOutcome outcome = outcomeOf(*run, byZip);

@@ -1,5 +1,7 @@
 #include "platform/macos/files/ZipExcludes.h"
 
+#include "foundation/ExcludeRules.h"
+
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
@@ -18,7 +20,7 @@ QString literal(const QString &name)
 
 } // namespace
 
-QStringList zipExcludes(const QStringList &excludes, const QString &topName)
+QByteArrayList zipExcludes(const QStringList &excludes, const QString &topName)
 {
     QStringList patterns;
     for (QString exclude : excludes) {
@@ -30,12 +32,19 @@ QStringList zipExcludes(const QStringList &excludes, const QString &topName)
             exclude.remove(0, 1);
         if (exclude.isEmpty())
             continue;
-        const QString whole = (onPath ? literal(topName) : u"*"_s) + u'/' + exclude;
-        if (!foldersOnly)
-            patterns.append(whole);
-        patterns.append(whole + u"/*"_s);
+        for (const QString &top : onPath ? spellings(topName) : QStringList{u"*"_s}) {
+            for (const QString &spelling : spellings(exclude)) {
+                const QString whole = (onPath ? literal(top) : top) + u'/' + spelling;
+                if (!foldersOnly)
+                    patterns.append(whole);
+                patterns.append(whole + u"/*"_s);
+            }
+        }
     }
-    return patterns;
+    QByteArrayList encoded;
+    for (const QString &pattern : std::as_const(patterns))
+        encoded.append(pattern.toUtf8());
+    return encoded;
 }
 
 } // namespace velbrix
