@@ -387,8 +387,10 @@ private Q_SLOTS:
     {
         Rig rig;
         const QString id = rig.save(rig.described(u"t"_s))->id;
-        rig.archiver.outcome = {.exitStatus = 3, .problem = u"磁盘已满"_s};
-        QCOMPARE(rig.run(id), u"压缩失败 (exit 3)（磁盘已满）"_s);
+        rig.archiver.outcome = {.exitStatus = 3, .problem = u"读不懂"_s};
+        QCOMPARE(rig.run(id), u"压缩失败 (exit 3)"_s);
+        rig.archiver.outcome.isDiskFull = true;
+        QCOMPARE(rig.run(id), u"保存目录的可用空间不足：归档没有写完"_s);
         rig.archiver.outcome = {};
         rig.archiver.tears = true;
         QCOMPARE(rig.run(id), u"归档校验失败，已删除（归档已损坏）"_s);

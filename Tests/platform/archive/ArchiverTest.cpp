@@ -337,6 +337,7 @@ private Q_SLOTS:
         rig.in(u"umount disk"_s);
         QCOMPARE(outcome.exitStatus, 14);
         QCOMPARE(outcome.problem, u"归档没有写完：磁盘空间不足"_s);
+        QVERIFY(outcome.isDiskFull);
         QCOMPARE(unpacked, u"磁盘空间不足：解压需要 3 MB，只剩 1 MB"_s);
     }
 

@@ -1,5 +1,6 @@
 #include "maintenance/backup/ArchiveRun.h"
 
+#include "foundation/Log.h"
 #include "foundation/Text.h"
 #include "maintenance/backup/ArchiveRetention.h"
 #include "maintenance/backup/BackupChecks.h"
@@ -128,9 +129,12 @@ QString inParentheses(const QString &reason)
     return reason.isEmpty() ? QString() : u"（%1）"_s.arg(reason);
 }
 
-QString reasonOf(const ArchiveOutcome &failed)
+BackupOutcome failedBy(const ArchiveOutcome &failed)
 {
-    return failed.problem.isEmpty() ? u"压缩程序没有说明原因"_s : failed.problem;
+    if (!failed.problem.isEmpty())
+        log::line(u"archive"_s, oneLine(failed.problem));
+    return BackupOutcome::failed(failed.isDiskFull ? u"保存目录的可用空间不足：归档没有写完"_s
+                                                   : u"压缩失败 (exit %1)"_s.arg(failed.exitStatus));
 }
 
 // One run; lives in the frame of the coroutine that drives it.
@@ -196,8 +200,7 @@ private:
         if (!created)
             co_return BackupOutcome::failed(u"无法开始压缩"_s + inParentheses(created.error().message));
         if (created->exitStatus != 0)
-            co_return BackupOutcome::failed(u"压缩失败 (exit %1)"_s.arg(created->exitStatus) +
-                                            inParentheses(reasonOf(*created)));
+            co_return failedBy(*created);
         take(*created);
         _request.progress(u"正在校验归档…"_s, -1);
         const auto tested = co_await _archiver.test(_plan.growing, _request.cancellation);

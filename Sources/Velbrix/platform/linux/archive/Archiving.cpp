@@ -64,7 +64,7 @@ ArchiveOutcome Archiving::run()
     if (!_source)
         return ended(sourceStatus, u"无法读取源文件夹：%1"_s.arg(qt_error_string(errno)));
     if (!_output.create(_archivePath))
-        return ended(createStatus, u"无法创建归档：%1"_s.arg(writeReason(errno)));
+        return unwritten(createStatus, u"无法创建归档：%1"_s, errno);
 
     _items = scanFolder(_source.number(), _excludes, _output.identity(), _work.cancellation, _skipped);
     _work.totalFiles = static_cast<qint64>(_items.size());
@@ -82,7 +82,7 @@ ArchiveOutcome Archiving::run()
     if (_work.cancellation.isCancelled())
         return ended(cancelledStatus, u"已取消"_s);
     if (!isWhole)
-        return writeProblem();
+        return unwritten(writeStatus, u"归档没有写完：%1"_s, _output.error());
     ArchiveOutcome outcome = ended(0, {});
     outcome.files = filesInIt();
     return outcome;
@@ -105,11 +105,13 @@ ArchiveOutcome Archiving::ended(int exitStatus, const QString &problem) const
             .cancelled = exitStatus == cancelledStatus};
 }
 
-ArchiveOutcome Archiving::writeProblem() const
+ArchiveOutcome Archiving::unwritten(int exitStatus, const QString &words, int error) const
 {
-    if (_output.error() == EFBIG)
-        return ended(writeStatus, u"归档超过了保存位置允许的最大文件大小"_s);
-    return ended(writeStatus, u"归档没有写完：%1"_s.arg(writeReason(_output.error())));
+    if (error == EFBIG)
+        return ended(exitStatus, u"归档超过了保存位置允许的最大文件大小"_s);
+    ArchiveOutcome outcome = ended(exitStatus, words.arg(writeReason(error)));
+    outcome.isDiskFull = error == ENOSPC || error == EDQUOT;
+    return outcome;
 }
 
 ZipEntry Archiving::entryOf(const FolderItem &item) const

@@ -40,7 +40,7 @@ private:
     };
 
     ArchiveOutcome ended(int exitStatus, const QString &problem) const;
-    ArchiveOutcome writeProblem() const;
+    ArchiveOutcome unwritten(int exitStatus, const QString &words, int error) const;
     qint64 filesInIt() const;
     bool hasEnded() const { return _work.cancellation.isCancelled() || _output.error() != 0; }
     ZipEntry entryOf(const FolderItem &item) const;
