@@ -323,15 +323,18 @@ private Q_SLOTS:
         QCOMPARE(rig.result(u"t"_s), words + u"未获确认，没有压缩"_s);
         QCOMPARE(rig.inDestination().size(), 2);
         QVERIFY(rig.asks(u"t"_s));
-        rig.archiver.outcome.files = 78;
+        rig.archiver.outcome = {.skippedCount = 1, .files = 77};
         rig.controller->confirm();
         QVERIFY(rig.ends());
-        QCOMPARE(rig.inDestination(), QStringList{u"t_20260301_100000.zip"_s});
+        QCOMPARE(rig.inDestination(), (QStringList{u"t_20260101_000000.zip"_s, u"t_20260301_100000.zip"_s}));
+        QCOMPARE(rig.controller->task(u"t"_s)->destVolumeId, u"1"_s); // the settings did not say
+        rig.archiver.outcome = {.files = 45};
         rig.clock.advance(24h); // what was agreed to is the measure from then on
         QVERIFY(rig.ends());
         QVERIFY(rig.result(u"t"_s).startsWith(u"✓"_s));
+        QCOMPARE(rig.inDestination().size(), 1);
         QDir(rig.path(u"src"_s)).removeRecursively();
-        QDir().mkpath(rig.path(u"src"_s));
+        rig.write({u"src/.DS_Store"_s});
         QVERIFY(rig.asks(u"t"_s));
     }
 

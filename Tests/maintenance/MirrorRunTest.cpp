@@ -301,7 +301,8 @@ private Q_SLOTS:
         Rig rig;
         rig.request.task.lastRunAt.reset();
         rig.write({u"src/a"_s, u"src/.velbrix-mirror=the source's own"_s, u"dst/t_同步/theirs"_s});
-        const QString words = u"同步文件夹不是这个任务建立的，同步会删除里面 %1 个文件（共 1 个），已暂停"_s;
+        const QString words =
+            u"同步文件夹不是这个任务建立的，同步会覆盖里面的同名文件，删除 %1 个文件（共 1 个），已暂停"_s;
         QVERIFY(rig.says(words.arg(1)));
         QVERIFY(rig.has(u"dst/t_同步/theirs"_s));
         BackupDoubt asked;

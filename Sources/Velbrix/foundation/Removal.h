@@ -74,8 +74,9 @@ public:
     // The entry's own size as a file manager shows it (a folder's is the
     // folder's alone); 0 when unknown.
     qint64 ownSize(const QByteArray &entry) const;
-    // Whether the minimum age lets the entry go; without one it does. What else
-    // may keep it is seen when it is removed.
+    // Whether under a minimum age the entry may go as a whole; nothing in it must
+    // stay for any other reason either. Without a minimum age it may: what keeps it
+    // is seen when it is removed.
     bool mayGo(const QByteArray &entry) const;
     // The direct entry and everything in it. Stops soon after the cancelling.
     RemovalReport remove(const QByteArray &entry, const Cancellation &cancellation) const;

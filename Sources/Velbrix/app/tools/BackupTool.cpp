@@ -179,7 +179,7 @@ const DoubtWords &wordsOf(const BackupDoubt &doubt)
         {BackupDoubt::Kind::deletions, u"deletions"_s,
          u"「%1」会删除同步文件夹里 %2 个文件（共 %3 个），没有同步。"_s},
         {BackupDoubt::Kind::foreignMirror, u"foreignMirror"_s,
-         u"「%1」的同步文件夹不是这个任务建立的，会删除里面 %2 个文件（共 %3 个），没有同步。"_s},
+         u"「%1」的同步文件夹不是这个任务建立的，会覆盖里面的同名文件，删除 %2 个文件（共 %3 个），没有同步。"_s},
         {BackupDoubt::Kind::shrunkSource, u"shrunkSource"_s,
          u"「%1」的源文件夹比上一个完整归档少了 %2 个文件（共 %3 个），没有压缩；继续的话，新归档会计入保留份数。"_s},
     };

@@ -77,6 +77,9 @@ QCoro::Task<QStringList> enforceRetention(Archiver &archiver, BackupTask task, B
     const QFuture<QList<BackupArchiveInfo>> listing =
         QtConcurrent::run(&backupWorkers(), ownArchives, task, owner);
     const QList<BackupArchiveInfo> own = co_await listing;
+    // The archiver is only there while nobody has cancelled.
+    if (cancellation.isCancelled())
+        co_return damaged;
     QList<BackupArchiveInfo> outdated;
     qsizetype intact = 0;
     qsizetype incomplete = 0;

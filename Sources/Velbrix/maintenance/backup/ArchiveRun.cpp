@@ -30,7 +30,7 @@ struct Plan {
     QString growing; // the archive's path until it is whole
     TreeFacts facts;
     qint64 run = 1;          // the archive's number
-    qint64 filesBefore = 0;  // in the newest complete archive
+    qint64 filesBefore = 0;  // in the newest archive that is a measure
     qint64 othersBefore = 0; // archives of these names that nothing says to be the task's
 };
 
@@ -78,10 +78,11 @@ void lookBack(const BackupTask &task, const BackupOwner &owner, Plan &made)
         return;
     }
     made.run = own.first().mark->run + 1;
-    const auto complete =
-        std::ranges::find_if(own, [](const BackupArchiveInfo &archive) { return archive.mark->isComplete; });
-    if (complete != own.end())
-        made.filesBefore = complete->mark->files;
+    const auto measure = std::ranges::find_if(own, [](const BackupArchiveInfo &archive) {
+        return archive.mark->isComplete || archive.mark->isAgreed;
+    });
+    if (measure != own.end())
+        made.filesBefore = measure->mark->files;
 }
 
 Plan plan(const BackupTask &task, const BackupOwner &owner, const VolumeIdentity &volumes,
@@ -177,12 +178,13 @@ private:
     {
         const qint64 before = _plan.filesBefore;
         const qint64 lost = before - _plan.facts.items;
-        const bool isEmptied = before > 0 && _plan.facts.items == 0;
+        const bool isEmptied = before > 0 && _plan.facts.items == _plan.facts.junk;
         if (_task.keepLast == 0 || (lost <= harmlessLosses(before) && !isEmptied))
             co_return std::nullopt;
         const QString figures = u"源文件夹比上一个完整归档少了 %1 个文件（共 %2 个）"_s.arg(lost).arg(before);
         const auto refused =
             co_await refusal(_request, {BackupDoubt::Kind::shrunkSource, lost, before}, figures, u"压缩"_s);
+        _mark.isAgreed = !refused;
         co_return std::optional<BackupOutcome>(refused);
     }
 
@@ -216,8 +218,13 @@ private:
     {
         const qint64 files = created.files.value_or(_plan.facts.items);
         // What has gone on the way was not skipped, but is missing all the same.
-        const bool hasMost = files > 0 && files >= _plan.facts.items / 2;
-        _mark = {_owner, _plan.run, files, created.skippedCount == 0 && hasMost};
+        const qint64 wanted = _plan.facts.items - _plan.facts.junk;
+        const bool hasAny = files > 0 || wanted == 0;
+        const bool hasMost = hasAny && files >= wanted / 2 && wanted - files <= harmlessLosses(wanted);
+        _mark.owner = _owner;
+        _mark.run = _plan.run;
+        _mark.files = files;
+        _mark.isComplete = created.skippedCount == 0 && hasMost;
         if (created.skippedCount > 0)
             _remarks << u"%1 个文件无法读取，未包含"_s.arg(created.skippedCount);
         else if (!_mark.isComplete)

@@ -56,6 +56,7 @@ QByteArray commentOf(const ArchiveMark &mark)
     json[u"run"_s] = mark.run;
     json[u"files"_s] = mark.files;
     json[u"complete"_s] = mark.isComplete;
+    json[u"agreed"_s] = mark.isAgreed;
     return commentStart + QJsonDocument(json).toJson(QJsonDocument::Compact);
 }
 
@@ -107,7 +108,7 @@ std::optional<ArchiveMark> archiveMark(const QByteArray &comment)
     if (json.isEmpty())
         return std::nullopt;
     return ArchiveMark{ownerFrom(json), json[u"run"_s].toInteger(), json[u"files"_s].toInteger(),
-                       json[u"complete"_s].toBool()};
+                       json[u"complete"_s].toBool(), json[u"agreed"_s].toBool()};
 }
 
 QString mirrorMarkName()

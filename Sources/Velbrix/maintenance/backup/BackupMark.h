@@ -31,6 +31,7 @@ struct ArchiveMark {
     qint64 run = 0;          // rises from archive to archive, whatever the clock says
     qint64 files = 0;        // in it; links and the like, too
     bool isComplete = false; // nothing of the source is missing in it
+    bool isAgreed = false;   // the user knows that the source has lost so much
 
     bool operator==(const ArchiveMark &) const = default;
 };

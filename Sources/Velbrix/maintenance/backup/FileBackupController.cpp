@@ -94,8 +94,26 @@ void enterOutcome(const BackupOutcome &outcome, BackupTask &task, const QDateTim
     task.lastCancelled = outcome.state == BackupOutcome::State::cancelled;
     task.nextRunAt = nextRun(task.schedule, now);
     task.requiresMark = task.requiresMark || outcome.state == BackupOutcome::State::done;
-    if (outcome.state == BackupOutcome::State::done && !outcome.isPartial)
-        forgetFailures(task);
+    if (outcome.state != BackupOutcome::State::done)
+        return;
+    // That some files stay out was told once; it is not told anew after each run.
+    const QString told = outcome.isPartial ? task.toldFailure : QString();
+    forgetFailures(task);
+    task.toldFailure = told;
+}
+
+// Older settings do not say which disks they are, and not every disk can be told.
+bool knowsDisks(const BackupTask &task)
+{
+    return !task.sourceVolumeId.isEmpty() && !task.destVolumeId.isEmpty();
+}
+
+void enterDisks(const BackupTask &asRun, const BackupInspection &seen, BackupTask &task)
+{
+    if (asRun.sourcePath == task.sourcePath)
+        std::tie(task.sourceVolume, task.sourceVolumeId) = std::tie(seen.sourceVolume, seen.sourceVolumeId);
+    if (asRun.destPath == task.destPath)
+        std::tie(task.destVolume, task.destVolumeId) = std::tie(seen.destVolume, seen.destVolumeId);
 }
 
 QCoro::Task<bool> nobodyAgrees()
@@ -339,8 +357,18 @@ QCoro::Task<> FileBackupController::run(BackupTask task, Occasion occasion)
         outcome = co_await runMirror(_clock, std::move(request));
     else
         outcome = co_await runArchive(_ports.archiver, std::move(request));
-    if (self)
-        finish(task, outcome, occasion);
+    if (!self)
+        co_return;
+    if (outcome.state == BackupOutcome::State::done && !knowsDisks(task)) {
+        const QFuture<BackupInspection> inspection =
+            QtConcurrent::run(&backupWorkers(), inspectBackup, task, _ports.volumes);
+        const BackupInspection seen = co_await inspection;
+        if (!self)
+            co_return;
+        if (!seen.obstacle)
+            change(task.id, [&](BackupTask &current) { enterDisks(task, seen, current); });
+    }
+    finish(task, outcome, occasion);
 }
 
 void FileBackupController::finish(const BackupTask &asRun, const BackupOutcome &outcome, Occasion occasion)

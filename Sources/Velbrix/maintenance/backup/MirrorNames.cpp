@@ -1,5 +1,6 @@
 #include "maintenance/backup/MirrorNames.h"
 
+#include "foundation/AtomicFile.h"
 #include "foundation/Paths.h"
 #include "foundation/Text.h"
 
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -154,7 +154,7 @@ Result<void> tryNames(const QByteArray &mirror, const NameFindings &found)
         return {};
     const TrialFolder trial(mirror);
     if (!trial.isOpen())
-        return failure(u"无法写入同步文件夹：%1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))));
+        return failure(u"无法写入同步文件夹：%1"_s.arg(writeReason(errno)));
     for (const QByteArray &name : found.untried) {
         const auto keeps = [&](const FolderHandle &folder) { return isListed(folder, name); };
         if (!name.isEmpty() && !trial.holdsWith(name, keeps))
@@ -189,7 +189,7 @@ Result<void> respell(const QByteArray &mirror, const NamePair &pair)
                                                                         shown(pair.folder, pair.second));
     const QByteArray between = temporaryName();
     if (!folder.rename(pair.first, between))
-        return failure(trouble + u"：%1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))));
+        return failure(trouble + u"：%1"_s.arg(writeReason(errno)));
     const bool wereTwo = folder.facts(pair.second).has_value();
     if (wereTwo || !folder.rename(between, pair.second)) {
         folder.rename(between, pair.first);

@@ -186,8 +186,9 @@ private:
         if (_isForeign)
             refused = co_await refusal(
                 _request, {BackupDoubt::Kind::foreignMirror, lost, existing},
-                u"同步文件夹不是这个任务建立的，同步会删除里面 %1 个文件（共 %2 个）"_s.arg(lost).arg(
-                    existing),
+                u"同步文件夹不是这个任务建立的，同步会覆盖里面的同名文件，删除 %1 个文件（共 %2 个）"_s
+                    .arg(lost)
+                    .arg(existing),
                 u"同步"_s);
         else if (lost > harmlessLosses(existing))
             refused = co_await refusal(

@@ -40,10 +40,6 @@ public:
     // Excluded entries by the item of whose folders they are; paths are native
     // and absolute. Until they are loaded, none are.
     void loadExcluded(const QStringList &ids);
-    bool isExcluded(const QString &id, const QByteArray &path) const
-    {
-        return _excluded.value(id).contains(path);
-    }
     QSet<QByteArray> excludedOf(const QString &id) const { return _excluded.value(id); }
     // Of all items.
     QList<QByteArray> excluded() const;

@@ -274,7 +274,8 @@ void AppScanner::forget(const QString &recordId)
     const auto record = std::ranges::find(_journal.records(), recordId, &UninstallRecord::id);
     if (record == _journal.records().end())
         return;
-    _journal.remove(recordId).then([self = QPointer(this), name = record->name](const Result<void> &removed) {
+    const QString name = record->name;
+    _journal.remove(recordId).then([self = QPointer(this), name](const Result<void> &removed) {
         // What has begun meanwhile writes all records, and tells when it cannot.
         if (removed || !self)
             return;

@@ -30,8 +30,9 @@ QuestionWords aboutDeletions(const QString &name, const BackupDoubt &doubt, bool
     const bool isForeign = doubt.kind == BackupDoubt::Kind::foreignMirror;
     const QString why = isForeign ? u"「%1」的同步文件夹已经存在，但不是这个任务建立的。"_s
                                   : u"「%1」的源文件夹里少了许多文件。"_s;
+    const QString replaced = isForeign ? u"同名的文件会被覆盖，"_s : QString();
     return {isForeign ? u"要接管这个同步文件夹吗？"_s : u"要删除这么多文件吗？"_s,
-            (why + u"继续的话，同步文件夹现有的 %2 个文件中会有 %3 个被删除。"_s)
+            (why + u"继续的话，"_s + replaced + u"同步文件夹现有的 %2 个文件中会有 %3 个被删除。"_s)
                 .arg(name, QString::number(doubt.existing), QString::number(doubt.lost)),
             setsAside ? u"被删除的文件会移到带日期的文件夹，保留 30 天。"_s
                       : u"这个任务没有开启留存，被删除的文件无法找回。"_s,

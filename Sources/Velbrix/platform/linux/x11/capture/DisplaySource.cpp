@@ -120,7 +120,8 @@ void DisplaySource::queue(const PixelRect &part)
 {
     const bool hasHoles = _layers && !_layers->holes().empty();
     const auto plain = hasHoles ? subtracted(part, _layers->holes()) : std::vector{part};
-    _taken.insert(_taken.end(), plain.begin(), plain.end());
+    if (_layers)
+        _taken.insert(_taken.end(), plain.begin(), plain.end());
     for (const PixelRect &rect : plain)
         _buffer.queue(_connection.root(), rect.x, rect.y, translated(rect, -_area.x, -_area.y), !hasHoles);
     if (!hasHoles)

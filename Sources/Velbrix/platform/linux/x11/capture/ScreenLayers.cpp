@@ -71,6 +71,7 @@ std::vector<PixelRect> ScreenLayers::refresh(const PixelRect &area, std::span<co
 {
     if (area != _area) {
         _area = area;
+        _unpainted.clear(); // the whole of it is taken anew
         _painter.setArea(area);
         _isStale = true;
     }
