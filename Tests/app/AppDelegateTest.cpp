@@ -271,8 +271,9 @@ private Q_SLOTS:
         Rig rig;
         const QString movie = writeFile(rig.files.filePath(u"录制.mp4"_s));
         rig.services->settings.set(u"Velbrix_ScreenRecord_unfinishedFiles"_s, QJsonArray{movie});
-        rig.services->recorder.unfinished().findLeftovers();
         rig.launch();
+        rig.services->recorder.unfinished().findLeftovers();
+        QTRY_VERIFY(!rig.banners().isEmpty());
         QVERIFY(rig.banners().last().startsWith(u"发现未正常结束的录制|"_s));
     }
 

@@ -25,7 +25,7 @@ private Q_SLOTS:
         QVERIFY(unfinished.leftovers().isEmpty());
         unfinished.end(_movie);
         unfinished.findLeftovers();
-        QCOMPARE(unfinished.leftovers(), QStringList{other});
+        QTRY_COMPARE(unfinished.leftovers(), QStringList{other});
         unfinished.begin(_movie);
         unfinished.dismiss(other);
         QVERIFY(unfinished.leftovers().isEmpty() && QFile::exists(other));
@@ -43,8 +43,8 @@ private Q_SLOTS:
         rig.host.movieFiles.repairAnswer = failure(u"不是电影"_s);
         UnfinishedRecordings &unfinished = rig.make().recorder.unfinished();
         const RecorderLog &log = rig.services->recorder.log();
+        QTRY_COMPARE(unfinished.leftovers(), QStringList{_movie});
         QCOMPARE(rig.services->settings.json(key), std::optional(QJsonValue(QJsonArray{_movie, away})));
-        QCOMPARE(unfinished.leftovers(), QStringList{_movie});
         QCOMPARE(log.logLines().last(), u"发现未正常结束的录制：录制.mp4"_s);
         unfinished.repair(_folder.filePath(u"other.mp4"_s)); // nobody's leftover
         unfinished.repair(_movie);

@@ -5,7 +5,6 @@
 #include "platform/TrashCan.h"
 
 #include <QCoroFuture>
-#include <QFileInfo>
 #include <QPointer>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -56,19 +55,19 @@ QCoro::Task<> FinishedRecording::findThumbnail(double seconds)
         _thumbnail = *picture;
 }
 
-// Blocking calls are made on a thread: the disk may not answer.
 QCoro::Task<bool> FinishedRecording::look()
 {
     const QPointer self(this);
     const QString path = _path;
     if (_place != Place::there && _place != Place::missing)
         co_return false;
-    const QFuture<bool> answer = QtConcurrent::run([path] { return QFileInfo::exists(path); });
-    const bool isThere = co_await answer;
+    const auto isThere = co_await _probe.isFile(path);
     if (!self || _path != path || _place == Place::trashed)
         co_return false;
-    _place = isThere ? Place::there : Place::missing;
-    co_return isThere;
+    // A disk that does not answer says nothing of the file.
+    if (isThere)
+        _place = *isThere ? Place::there : Place::missing;
+    co_return _place == Place::there;
 }
 
 void FinishedRecording::rename(const QString &name)

@@ -132,6 +132,13 @@ QCoro::Task<> RecordingSession::callOff()
         (void)co_await _stream->stopCapture();
         if (!self)
             co_return;
+        // Its destructor would do on this thread what is left to do.
+        if (_usingSystemRecorder)
+            co_await withDeadline(_clock, systemEndLimit, systemEnd());
+        else
+            (void)co_await _stream->finishWriting();
+        if (!self)
+            co_return;
     }
     abandon();
     if (_cause.isEmpty())

@@ -15,7 +15,7 @@ ScreenRecorderController::ScreenRecorderController(Ports ports, SettingsStore &s
       _access(ports.permissions, ports.capture, _log),
       _devices(ports.audio, _preferences, _log),
       _windows(ports.capture, _log),
-      _unfinished(settings, ports.movies, _log),
+      _unfinished(settings, ports.movies, clock, _log),
       _session(ports.capture, ports.movies, _unfinished, clock, _log),
       _finished(_session, ports.probe, ports.trash)
 {

@@ -17,24 +17,41 @@ namespace {
 
 const QString key = u"Velbrix_ScreenRecord_unfinishedFiles"_s;
 
+// A folder that is away may come back with its disk.
+enum class Place { there, gone, away };
+
+// Blocking.
+Place placeOf(const QString &path)
+{
+    const QFileInfo file(path);
+    if (file.isFile())
+        return Place::there;
+    return file.dir().exists() ? Place::gone : Place::away;
+}
+
 } // namespace
 
-UnfinishedRecordings::UnfinishedRecordings(SettingsStore &settings, MovieFiles &movies, RecorderLog &log,
-                                           QObject *parent)
-    : QObject(parent), _settings(settings), _movies(movies), _log(log)
+UnfinishedRecordings::UnfinishedRecordings(SettingsStore &settings, MovieFiles &movies, Clock &clock,
+                                           RecorderLog &log, QObject *parent)
+    : QObject(parent), _settings(settings), _movies(movies), _log(log), _looks(clock, 1)
 {
 }
 
-void UnfinishedRecordings::findLeftovers()
+QCoro::Task<> UnfinishedRecordings::findLeftovers()
 {
-    QStringList present = stored();
-    QStringList remembered = present;
-    present.removeIf([](const QString &path) { return !QFileInfo(path).isFile(); });
-    // A folder that is away may come back with its disk.
-    remembered.removeIf(
-        [](const QString &path) { return !QFileInfo(path).isFile() && QFileInfo(path).dir().exists(); });
+    const QPointer self(this);
+    QStringList present;
+    const QStringList remembered = stored();
+    for (const QString &path : remembered) {
+        const auto place = co_await _looks.run([path] { return placeOf(path); });
+        if (!self)
+            co_return;
+        if (place == Place::there)
+            present.append(path);
+        else if (place == Place::gone)
+            end(path);
+    }
     _leftovers = present;
-    store(remembered);
     for (const QString &path : present)
         _log.append(u"发现未正常结束的录制：%1"_s.arg(QFileInfo(path).fileName()));
 }

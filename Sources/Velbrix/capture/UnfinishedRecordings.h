@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/FileThreads.h"
 #include "foundation/Published.h"
 #include "platform/MovieFiles.h"
 
@@ -22,11 +23,12 @@ class UnfinishedRecordings final : public QObject {
     VELB_PUBLISHED(UnfinishedRecordings, QString, problem) // of the last repair; empty when it went well
 
 public:
-    UnfinishedRecordings(SettingsStore &settings, MovieFiles &movies, RecorderLog &log,
+    UnfinishedRecordings(SettingsStore &settings, MovieFiles &movies, Clock &clock, RecorderLog &log,
                          QObject *parent = nullptr);
 
-    // Once at start-up.
-    void findLeftovers();
+    // Once at start-up. What lies on a disk that does not answer is remembered for
+    // the next one.
+    QCoro::Task<> findLeftovers();
     // On disk when it returns.
     void begin(const QString &path);
     void end(const QString &path);
@@ -43,6 +45,7 @@ private:
     SettingsStore &_settings;
     MovieFiles &_movies;
     RecorderLog &_log;
+    FileThreads _looks;
 };
 
 } // namespace velbrix

@@ -336,8 +336,15 @@ void tellNews(AppServices &services, Banners &banners)
     const RecordingSession &session = services.recorder.session();
     QObject::connect(&session, &RecordingSession::outcomeChanged, &banners,
                      [&banners, &session] { tell(session.outcome(), banners); });
-    if (!services.recorder.unfinished().leftovers().isEmpty())
+    const UnfinishedRecordings &unfinished = services.recorder.unfinished();
+    const auto tellLeftovers = [&banners] {
         banners.show(u"发现未正常结束的录制"_s, u"可以在录制面板里修复。"_s, u"film"_s);
+    };
+    if (unfinished.leftovers().isEmpty())
+        QObject::connect(&unfinished, &UnfinishedRecordings::leftoversChanged, &banners, tellLeftovers,
+                         Qt::SingleShotConnection); // they are being looked for
+    else
+        tellLeftovers();
 }
 
 } // namespace

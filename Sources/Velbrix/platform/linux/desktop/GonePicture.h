@@ -2,6 +2,7 @@
 
 #include <QCoroFuture>
 #include <QFileInfo>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 namespace velbrix {
@@ -12,7 +13,9 @@ inline QCoro::Task<bool> isGone(const QString path)
 {
     if (path.isEmpty())
         co_return false;
-    const QFuture<bool> looked = QtConcurrent::run([path] { return !QFileInfo(path).isFile(); });
+    // Never waited for: its disk may not answer.
+    static auto *const threads = new QThreadPool;
+    const QFuture<bool> looked = QtConcurrent::run(threads, [path] { return !QFileInfo(path).isFile(); });
     co_return co_await looked;
 }
 
