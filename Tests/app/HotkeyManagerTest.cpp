@@ -189,7 +189,7 @@ private Q_SLOTS:
         Rig rig({{u"Velbrix_Hotkey_RecordToggle"_s, HotkeyChord{15, controlOption}.toJson()},
                  {u"Velbrix_Hotkey_HideDock"_s, HotkeyChord{29, controlOption}.toJson()}});
         const auto refused = rig.manager().resetToDefault(HotkeyAction::recordToggle);
-        QCOMPARE(errorText(refused), u"与隐藏 Dock 快捷键冲突，请换一组"_s);
+        QCOMPARE(errorText(refused), u"与隐藏面板快捷键冲突，请换一组"_s);
         QCOMPARE(rig.manager().captureHint(), QString()); // nothing is being captured
         rig.manager().resetToDefault(HotkeyAction::hideDock);
         rig.manager().resetToDefault(HotkeyAction::recordToggle);

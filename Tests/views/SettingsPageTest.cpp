@@ -47,7 +47,7 @@ private Q_SLOTS:
         rig.services->hotkeys.beginCapture(HotkeyAction::hideDock);
         rig.services->hotkeys.handleCapturedKey({29, controlOption});
         rig.click(u"shortcut.recordToggle.reset"_s);
-        QCOMPARE(rig.hint(), u"与隐藏 Dock 快捷键冲突，请换一组"_s);
+        QCOMPARE(rig.hint(), u"与隐藏面板快捷键冲突，请换一组"_s);
         QVERIFY(rig.services->hotkeys.captureHint().isEmpty());
         rig.services->hotkeys.resetToDefault(HotkeyAction::hideDock);
         QCOMPARE(rig.hint(), QString());

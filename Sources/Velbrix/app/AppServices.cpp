@@ -68,7 +68,7 @@ AppServices::AppServices(Platform &host, Clock &time)
                settings, time),
       privacy(*host.permissions, *host.notifications, settings, time),
       hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); },
-               host.family == HostFamily::macos ? KeyNotation::symbols : KeyNotation::words},
+               host.family},
               settings, notifications, time),
       cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
               cleanupCatalog(host.family), ownPaths()),

@@ -1,5 +1,6 @@
 #include "app/HotkeyManager.h"
 
+#include "app/HostText.h"
 #include "foundation/Log.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/SettingsStore.h"
@@ -47,6 +48,11 @@ void HotkeyManager::install()
 bool HotkeyManager::isAvailable(HotkeyAction action) const
 {
     return _center.hasObserver(hotkeyActionInfo(action).notification);
+}
+
+QString HotkeyManager::label(HotkeyAction action) const
+{
+    return hostText(hotkeyActionInfo(action).label, _ports.family);
 }
 
 HotkeyChord HotkeyManager::chord(HotkeyAction action) const
@@ -100,7 +106,7 @@ bool HotkeyManager::handleCapturedKey(const KeyPress &press)
             return true; // the chord is still being built
         refuse(action == HotkeyAction::screenshot
                    ? u"无效按键，请重试（Esc 取消）"_s
-                   : u"无效：必须带 %1 至少一个修饰键"_s.arg(modifierNames(_ports.notation)));
+                   : u"无效：必须带 %1 至少一个修饰键"_s.arg(modifierNames(notation())));
         return true;
     }
     if (const auto free = checkConflict(action, chord); free)
@@ -218,7 +224,7 @@ Result<void> HotkeyManager::checkConflict(HotkeyAction action, const HotkeyChord
     for (const HotkeyActionInfo &info : hotkeyActions()) {
         const HotkeyChord held = chord(info.action);
         if (info.action != action && !held.isEmpty() && held == wanted)
-            return failure(u"与"_s + info.label + u"冲突，请换一组"_s);
+            return failure(u"与"_s + label(info.action) + u"冲突，请换一组"_s);
     }
     return {};
 }

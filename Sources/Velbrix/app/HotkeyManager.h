@@ -3,6 +3,7 @@
 #include "app/HotkeyActions.h"
 #include "foundation/Clock.h"
 #include "foundation/Published.h"
+#include "platform/HostFamily.h"
 #include "platform/HotkeyRegistrar.h"
 #include "platform/KeyMonitor.h"
 
@@ -42,7 +43,7 @@ public:
         HotkeyRegistrar &registrar;
         KeyMonitor &keys;
         std::function<void()> beep;
-        KeyNotation notation = KeyNotation::symbols;
+        HostFamily family = HostFamily::macos;
     };
 
     HotkeyManager(Ports ports, SettingsStore &settings, NotificationCenter &center, Clock &clock,
@@ -56,9 +57,11 @@ public:
     // Whether some tool acts on the action.
     bool isAvailable(HotkeyAction action) const;
 
+    // The action's name for users, in the words of this host.
+    QString label(HotkeyAction action) const;
     HotkeyChord chord(HotkeyAction action) const;
     // The chord as this host writes it.
-    QString chordText(HotkeyAction action) const { return chord(action).displayText(_ports.notation); }
+    QString chordText(HotkeyAction action) const { return chord(action).displayText(notation()); }
     // Why the action's key does not work now; empty when it does.
     QString problem(HotkeyAction action) const { return problems().value(action); }
 
@@ -71,6 +74,10 @@ public:
     Result<void> resetToDefault(HotkeyAction action);
 
 private:
+    KeyNotation notation() const
+    {
+        return _ports.family == HostFamily::macos ? KeyNotation::symbols : KeyNotation::words;
+    }
     void installHandler();
     void registerAll();
     void registerOne(const HotkeyActionInfo &info);

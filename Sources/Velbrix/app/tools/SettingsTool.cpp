@@ -66,7 +66,7 @@ CommandReply hotkeys(HotkeyManager &manager)
         const QString text = manager.chordText(info.action);
         const QString problem =
             manager.isAvailable(info.action) ? manager.problem(info.action) : u"此版本没有该功能"_s;
-        lines << u"%1  %2  %3"_s.arg(info.label, text,
+        lines << u"%1  %2  %3"_s.arg(manager.label(info.action), text,
                                      problem.isEmpty() ? u"有效"_s : u"未生效：%1"_s.arg(problem));
         list.append(QJsonObject{{u"action"_s, info.name},
                                 {u"keyCode"_s, static_cast<qint64>(chord.keyCode)},

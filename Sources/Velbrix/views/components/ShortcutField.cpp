@@ -30,7 +30,7 @@ ShortcutField::ShortcutField(const Theme &theme, HotkeyManager &hotkeys, HotkeyA
 
     auto *line = new QHBoxLayout;
     line->setSpacing(4);
-    line->addWidget(makeText(info.label, u"body"_s), 1);
+    line->addWidget(makeText(_hotkeys.label(action), u"body"_s), 1);
     line->addWidget(_reset);
     line->addWidget(_chord);
     auto *rows = new QVBoxLayout(this);
@@ -99,7 +99,7 @@ void ShortcutField::refresh()
     const HotkeyChord chord = _hotkeys.chord(_action);
     const QString text = capturing ? u"按下新快捷键"_s : _hotkeys.chordText(_action);
     _chord->setText(text);
-    _chord->setAccessibleName(u"%1：%2"_s.arg(hotkeyActionInfo(_action).label, text));
+    _chord->setAccessibleName(u"%1：%2"_s.arg(_hotkeys.label(_action), text));
     setLook(_chord, "capturing", capturing);
     _reset->setVisible(!capturing && chord != hotkeyActionInfo(_action).defaultChord);
 
