@@ -2,6 +2,9 @@
 
 #include "foundation/Observation.h"
 
+#include <QHash>
+#include <QRect>
+#include <QRegion>
 #include <QSet>
 
 #include <functional>
@@ -10,12 +13,16 @@ namespace velbrix {
 
 // What keeps the user from seeing the desktop.
 struct VisibilityState {
-    QSet<quint32> coveredDisplays; // wholly behind a full-screen window; ids as in Display
+    QSet<quint32> coveredDisplays; // nothing but panels leaves the desktop to be seen; ids as in Display
     bool isSessionLocked = false;
     bool isScreenOff = false;
 
     bool operator==(const VisibilityState &) const = default;
 };
+
+// The displays of whose work area the windows leave nothing to be seen. At the
+// panels around it the desktop may still show.
+QSet<quint32> displaysBehind(const QHash<quint32, QRect> &workAreas, const QRegion &windows);
 
 // Main thread.
 class DesktopVisibility {

@@ -152,6 +152,7 @@ private Q_SLOTS:
         const char *const desktop = "_NET_WM_WINDOW_TYPE_DESKTOP";
         for (const Cover &cover : {Cover{.name = "full-screen", .frame = small, .state = full},
                                    Cover{.name = "plain", .frame = whole, .isDecorated = false},
+                                   Cover{.name = "decorated", .frame = whole},
                                    Cover{.name = "lock", .frame = whole, .isUnmanaged = true}}) {
             RealVisibility real;
             const auto window = shown(cover);
@@ -161,8 +162,7 @@ private Q_SLOTS:
              {Cover{.name = "too small", .frame = QRect(0, 0, 1280, 700), .isDecorated = false},
               Cover{.name = "translucent", .frame = small, .state = full, .opacity = 0x7fffffff},
               Cover{.name = "below", .frame = whole, .isDecorated = false, .state = "_NET_WM_STATE_BELOW"},
-              Cover{.name = "desktop", .frame = whole, .isDecorated = false, .type = desktop},
-              Cover{.name = "decorated", .frame = whole}}) {
+              Cover{.name = "desktop", .frame = whole, .isDecorated = false, .type = desktop}}) {
             RealVisibility real;
             const auto window = shown(cover);
             // Ends the wait for what must not come.
@@ -170,6 +170,35 @@ private Q_SLOTS:
             QTest::qWait(50);
             QVERIFY2(real.covered().isEmpty(), cover.name);
         }
+    }
+
+    void onlyPanelsMayShowTheDesktop()
+    {
+        const QHash<quint32, QRect> areas{{1, QRect(0, 0, 1280, 760)}, {2, QRect(1280, 0, 800, 600)}};
+        const std::pair<QRegion, QSet<quint32>> rows[] = {
+            {QRegion(0, 0, 1280, 760), {1}},
+            {QRegion(0, 0, 1280, 759), {}},
+            {QRegion(0, 0, 640, 800) + QRect(640, 0, 640, 800), {1}},
+            {QRegion(0, 0, 640, 800) + QRect(641, 0, 640, 800), {}},
+            {QRegion(-4, -4, 2500, 900), {1, 2}}};
+        for (const auto &[windows, behind] : rows)
+            QCOMPARE(displaysBehind(areas, windows), behind);
+
+        RealVisibility real;
+        const auto panel = shown({.name = "panel",
+                                  .frame = QRect(0, 760, 1280, 40),
+                                  .isDecorated = false,
+                                  .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+        Observer observer;
+        const auto reserve = [&](quint32 height) {
+            observer.setNumbers(panel->id(), "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
+                                {0, 0, 0, height, 0, 0, 0, 0, 0, 0, 0, 1279});
+        };
+        reserve(40);
+        const auto window = shown({.name = "beside", .frame = QRect(0, 0, 1280, 760), .isDecorated = false});
+        QTRY_COMPARE(real.covered(), QSet{monitorId()});
+        reserve(20);
+        QTRY_VERIFY(real.covered().isEmpty());
     }
 
     void followsWorkspacesAndMinimising()

@@ -44,9 +44,11 @@ typedef enum CGImageByteOrderInfo : uint32_t {
 } CGImageByteOrderInfo;
 #define kCGBitmapByteOrder32Host kCGImageByteOrder32Little
 
-typedef enum CGWindowListOption : uint32_t {
+typedef uint32_t CGWindowListOption;
+enum : CGWindowListOption {
     kCGWindowListOptionOnScreenOnly = 1 << 0,
-} CGWindowListOption;
+    kCGWindowListExcludeDesktopElements = 1 << 4,
+};
 typedef enum CGWindowLevelKey : int32_t { kCGDesktopIconWindowLevelKey = 18 } CGWindowLevelKey;
 #define kCGSessionOnConsoleKey CFSTR("kCGSSessionOnConsoleKey")
 #define kCGNullWindowID (static_cast<CGWindowID>(0))
@@ -55,8 +57,13 @@ extern "C" {
 extern const CFStringRef kCGColorSpaceSRGB;
 extern const CFStringRef kCGColorBlack;
 extern const CFStringRef kCGWindowNumber;
+extern const CFStringRef kCGWindowLayer;
+extern const CFStringRef kCGWindowAlpha;
+extern const CFStringRef kCGWindowOwnerPID;
+extern const CFStringRef kCGWindowBounds;
 
 CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height);
+bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef _Nullable dictionary, CGRect *rect);
 CGSize CGSizeMake(CGFloat width, CGFloat height);
 
 CGDirectDisplayID CGMainDisplayID(void);

@@ -7,9 +7,8 @@
 
 namespace velbrix {
 
-// What the window server says of the desktop-level windows, and the system's
-// announcements about the session and its screens. A display without such a
-// window never counts as covered.
+// What the window server says of the desktop-level windows and of those of other
+// programs, and the system's announcements about the session and its screens.
 class MacDesktopVisibility final : public DesktopVisibility {
 public:
     // The clock must outlive every watch.

@@ -1,5 +1,6 @@
 #include "platform/macos/desktop/MacDesktopVisibility.h"
 
+#include "platform/macos/desktop/ScreenBridge.h"
 #include "platform/macos/surface/DesktopLevelWindow.h"
 #include "platform/macos/system/SystemWatch.h"
 
@@ -7,6 +8,8 @@
 
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -42,13 +45,46 @@ VisibilityState stateOf(const QSet<quint32> &covered, const SessionState &sessio
     return {covered, session.isLocked || session.isSwitchedOut, session.isScreenOff};
 }
 
+QHash<quint32, QRect> workAreas()
+{
+    QHash<quint32, QRect> areas;
+    for (const Display &display : displayList(screenFacts()))
+        areas.insert(display.id, display.visibleFrame);
+    return areas;
+}
+
+// Of other programs, in the ports' coordinates, which are the window server's.
+QRegion opaqueWindows()
+{
+    NSArray<NSDictionary<NSString *, id> *> *windows = CFBridgingRelease(CGWindowListCopyWindowInfo(
+        kCGWindowListOptionOnScreenOnly | kCGWindowListExcludeDesktopElements, kCGNullWindowID));
+    QRegion covered;
+    for (NSDictionary<NSString *, id> *window in windows) {
+        NSNumber *level = window[(__bridge NSString *)kCGWindowLayer];
+        NSNumber *alpha = window[(__bridge NSString *)kCGWindowAlpha];
+        NSNumber *owner = window[(__bridge NSString *)kCGWindowOwnerPID];
+        NSDictionary<NSString *, id> *bounds = window[(__bridge NSString *)kCGWindowBounds];
+        CGRect frame{};
+        if (!level || level.intValue != 0 || !alpha || alpha.doubleValue < 1 || !owner ||
+            owner.intValue == ::getpid() || !bounds ||
+            !CGRectMakeWithDictionaryRepresentation((__bridge CFDictionaryRef)bounds, &frame))
+            continue;
+        covered += QRectF(frame.origin.x, frame.origin.y, frame.size.width, frame.size.height).toRect();
+    }
+    return covered;
+}
+
+// The windows of the desktop's level say when nothing of them is seen. At the
+// Dock they still are when another program's window fills all beside it.
 QSet<quint32> presentlyCovered()
 {
-    return coveredDisplays(DesktopLevelWindow::visibilities());
+    return coveredDisplays(DesktopLevelWindow::visibilities()) | displaysBehind(workAreas(), opaqueWindows());
 }
 
 // Around one change the window server announces several, to and fro.
 constexpr auto settling = 500ms;
+// Nobody announces that another program's window has grown or shrunk.
+constexpr auto lookInterval = 2s;
 
 } // namespace
 
@@ -96,11 +132,13 @@ private:
     }
     void settle()
     {
-        _settled = _clock.after(settling, [this] {
-            const QSet<quint32> before = std::exchange(_covered, presentlyCovered());
-            if (before != _covered)
-                report();
-        });
+        _settled = _clock.after(settling, [this] { look(); });
+    }
+    void look()
+    {
+        const QSet<quint32> before = std::exchange(_covered, presentlyCovered());
+        if (before != _covered)
+            report();
     }
     void report()
     {
@@ -110,6 +148,7 @@ private:
 
     Clock &_clock;
     std::unique_ptr<Alarm> _settled;
+    const std::unique_ptr<Alarm> _looks = _clock.every(lookInterval, [this] { look(); });
     SessionState _session = presentState();
     QSet<quint32> _covered = presentlyCovered();
     ObserverList<void()> _observers; // each keeps this alive

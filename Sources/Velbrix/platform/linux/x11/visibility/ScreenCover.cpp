@@ -1,48 +1,26 @@
 #include "platform/linux/x11/visibility/ScreenCover.h"
 
+#include "platform/DesktopVisibility.h"
 #include "platform/linux/x11/Ewmh.h"
 #include "platform/linux/x11/TopLevel.h"
 
 #include <xcb/shape.h>
 
 #include <algorithm>
-#include <array>
+#include <set>
 
 namespace velbrix {
 
 namespace {
 
-bool contains(const PixelRect &outer, const PixelRect &inner)
-{
-    return intersected(outer, inner) == inner;
-}
+constexpr int withAlpha = 32; // the depth of a window that others may be seen through
 
-bool hasDecorations(X11Connection &connection, xcb_window_t window)
+QRect toRect(const PixelRect &rect)
 {
-    const XProperty frame = connection.property(window, "_NET_FRAME_EXTENTS");
-    for (int edge = 0; edge < frame.count(); ++edge) {
-        if (frame.value(edge) != 0)
-            return true;
-    }
-    return false;
+    return {rect.x, rect.y, rect.width, rect.height};
 }
 
 } // namespace
-
-QSet<quint32> coveredMonitors(const std::vector<Monitor> &monitors,
-                              const std::vector<CoveringWindow> &windows)
-{
-    QSet<quint32> covered;
-    for (const Monitor &monitor : monitors) {
-        const auto covers = [&monitor](const CoveringWindow &window) {
-            return (window.isFullScreen || window.isBare) && window.isOpaque &&
-                   contains(window.rect, monitor.rect);
-        };
-        if (std::ranges::any_of(windows, covers))
-            covered.insert(monitor.id);
-    }
-    return covered;
-}
 
 ScreenCover::ScreenCover(X11Connection &connection) : _connection(connection)
 {
@@ -63,7 +41,7 @@ bool ScreenCover::handleEvent(const xcb_generic_event_t &event)
         return true;
     case XCB_DESTROY_NOTIFY:
         // Its number may be given to another window.
-        std::erase(_clients, reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);
+        _clients.erase(reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);
         [[fallthrough]];
     case XCB_UNMAP_NOTIFY:
     case XCB_REPARENT_NOTIFY:
@@ -72,7 +50,7 @@ bool ScreenCover::handleEvent(const xcb_generic_event_t &event)
         // Small windows that move about are of no interest.
         const auto &now = reinterpret_cast<const xcb_configure_notify_event_t &>(event);
         return now.window == _connection.root() || _covering.contains(now.window) ||
-               canCover(now.width, now.height);
+               isLarge(now.width, now.height);
     }
     default:
         return false;
@@ -84,15 +62,27 @@ bool ScreenCover::concernsProperty(const xcb_property_notify_event_t &event)
     const auto is = [&](const char *name) { return event.atom == _connection.atom(name); };
     if (event.window == _connection.root())
         return is("_NET_CLIENT_LIST") || is("_NET_CURRENT_DESKTOP");
+    if (is("_NET_WM_STRUT_PARTIAL") || is("_NET_WM_STRUT")) {
+        _clients.erase(event.window);
+        return true;
+    }
     return is("_NET_WM_STATE") || is("_NET_WM_DESKTOP") || is("_NET_WM_WINDOW_OPACITY") ||
-           is("_NET_FRAME_EXTENTS");
+           is("_NET_FRAME_EXTENTS") || is("_NET_WM_OPAQUE_REGION");
 }
 
-bool ScreenCover::canCover(int width, int height) const
+// Several windows can cover a monitor together. Small ones are not looked at.
+bool ScreenCover::isLarge(int width, int height) const
 {
+    constexpr int leastShare = 3;
     return std::ranges::any_of(_monitors, [=](const Monitor &monitor) {
-        return width >= monitor.rect.width && height >= monitor.rect.height;
+        return width * leastShare >= monitor.rect.width && height * leastShare >= monitor.rect.height;
     });
+}
+
+bool ScreenCover::fillsMonitor(const PixelRect &rect) const
+{
+    return std::ranges::any_of(
+        _monitors, [&](const Monitor &monitor) { return intersected(rect, monitor.rect) == monitor.rect; });
 }
 
 QSet<quint32> ScreenCover::read()
@@ -100,12 +90,12 @@ QSet<quint32> ScreenCover::read()
     _monitors = monitors(_connection);
     const std::vector<xcb_window_t> clients = clientWindows(_connection);
     follow(clients);
-    std::vector<CoveringWindow> windows;
+    QRegion windows;
     _covering.clear();
-    const auto note = [&](xcb_window_t window, const std::optional<CoveringWindow> &found) {
+    const auto note = [&](xcb_window_t window, const std::optional<PixelRect> &found) {
         if (!found)
             return;
-        windows.push_back(*found);
+        windows += toRect(*found);
         _covering.insert(window);
     };
     for (const xcb_window_t window : clients)
@@ -113,40 +103,74 @@ QSet<quint32> ScreenCover::read()
     // Locks and kiosks keep out of the window manager's hands.
     for (const xcb_window_t window : stackedWindows(_connection))
         note(window, readUnmanaged(window));
-    return coveredMonitors(_monitors, windows);
+    return displaysBehind(workAreas(), windows);
 }
 
 void ScreenCover::follow(const std::vector<xcb_window_t> &clients)
 {
-    for (const xcb_window_t window : clients) {
-        if (std::ranges::find(_clients, window) == _clients.end())
-            _connection.selectEvents(window,
-                                     XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    const std::set<xcb_window_t> listed(clients.begin(), clients.end());
+    std::erase_if(_clients, [&listed](const auto &client) { return !listed.contains(client.first); });
+    for (const xcb_window_t window : listed) {
+        if (_clients.contains(window))
+            continue;
+        // Before the reading, so that no change falls between.
+        _connection.selectEvents(window, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+        _clients.emplace(window, readStrut(_connection, window));
     }
-    _clients = clients;
 }
 
-std::optional<CoveringWindow> ScreenCover::readClient(xcb_window_t window)
+QHash<quint32, QRect> ScreenCover::workAreas() const
+{
+    std::vector<Strut> struts;
+    for (const auto &[window, strut] : _clients) {
+        if (strut)
+            struts.push_back(*strut);
+    }
+    const auto root = _connection.geometry(_connection.root());
+    const QSize rootSize = root ? QSize(root->width, root->height) : QSize();
+    QHash<quint32, QRect> areas;
+    for (const Monitor &monitor : _monitors)
+        areas.insert(monitor.id, visibleFrame(toRect(monitor.rect), rootSize, struts));
+    return areas;
+}
+
+std::optional<PixelRect> ScreenCover::readClient(xcb_window_t window)
 {
     const auto size = _connection.geometry(window);
-    if (!size || !canCover(size->width, size->height))
+    if (!size || !isLarge(size->width, size->height))
         return std::nullopt;
     const auto topLevel = topLevelOf(_connection, window);
     if (!topLevel || !topLevel->isViewable || isPutAway(_connection, window))
         return std::nullopt;
-    const XProperty state = _connection.property(window, "_NET_WM_STATE");
-    if (isOfType(_connection, window, {"_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"}) ||
-        state.holds(_connection.atom("_NET_WM_STATE_BELOW")) || isOwn(_connection, window))
+    if (isOfType(_connection, window, {"_NET_WM_WINDOW_TYPE_DOCK"}) || isBehindOthers(_connection, window) ||
+        isOwn(_connection, window) || !isOpaque(window, *size))
         return std::nullopt;
-    constexpr std::uint32_t opaque = 0xffffffff;
-    const XProperty opacity = _connection.property(window, "_NET_WM_WINDOW_OPACITY");
-    return CoveringWindow{.rect = topLevel->visible,
-                          .isFullScreen = state.holds(_connection.atom("_NET_WM_STATE_FULLSCREEN")),
-                          .isBare = !hasDecorations(_connection, window),
-                          .isOpaque = opacity.count() == 0 || opacity.value(0) == opaque};
+    return topLevel->visible;
 }
 
-std::optional<CoveringWindow> ScreenCover::readUnmanaged(xcb_window_t window)
+// What others may be seen through says which part of it is opaque; what fills
+// the screen need not, as it has nothing to show behind it.
+bool ScreenCover::isOpaque(xcb_window_t window, const xcb_get_geometry_reply_t &geometry)
+{
+    constexpr std::uint32_t whole = 0xffffffff;
+    const XProperty opacity = _connection.property(window, "_NET_WM_WINDOW_OPACITY");
+    if (opacity.count() > 0 && opacity.value(0) != whole)
+        return false;
+    if (geometry.depth != withAlpha || !_connection.hasCompositingManager() ||
+        _connection.property(window, "_NET_WM_STATE").holds(_connection.atom("_NET_WM_STATE_FULLSCREEN")))
+        return true;
+    const XProperty shadow = _connection.property(window, "_GTK_FRAME_EXTENTS");
+    const auto side = [&shadow](int index) { return static_cast<int>(shadow.value(index)); };
+    QRegion seenThrough(
+        QRect(0, 0, geometry.width, geometry.height).adjusted(side(0), side(2), -side(1), -side(3)));
+    const XProperty opaque = _connection.property(window, "_NET_WM_OPAQUE_REGION");
+    const auto length = [&opaque](int index) { return static_cast<int>(opaque.value(index)); };
+    for (int first = 0; first + 3 < opaque.count(); first += 4)
+        seenThrough -= QRect(length(first), length(first + 1), length(first + 2), length(first + 3));
+    return seenThrough.isEmpty();
+}
+
+std::optional<PixelRect> ScreenCover::readUnmanaged(xcb_window_t window)
 {
     xcb_connection_t *const xcb = _connection.xcb();
     const auto attributesCookie = xcb_get_window_attributes(xcb, window);
@@ -154,15 +178,12 @@ std::optional<CoveringWindow> ScreenCover::readUnmanaged(xcb_window_t window)
     const XReply<xcb_get_window_attributes_reply_t> attributes(
         xcb_get_window_attributes_reply(xcb, attributesCookie, nullptr));
     const XReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(xcb, geometryCookie, nullptr));
-    constexpr int withAlpha = 32;
     if (!attributes || !geometry || !attributes->override_redirect ||
         attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
         attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT || geometry->depth == withAlpha)
         return std::nullopt;
     const PixelRect rect{geometry->x, geometry->y, geometry->width, geometry->height};
-    if (!canCover(rect.width, rect.height) || !takesInput(window, rect))
-        return std::nullopt;
-    return CoveringWindow{.rect = rect, .isFullScreen = false, .isBare = true, .isOpaque = true};
+    return fillsMonitor(rect) && takesInput(window, rect) ? std::optional(rect) : std::nullopt;
 }
 
 // A compositing manager's window, in which it shows all others, lets every

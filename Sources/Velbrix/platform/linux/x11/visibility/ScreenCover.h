@@ -1,28 +1,16 @@
 #pragma once
 
 #include "platform/linux/x11/Monitors.h"
+#include "platform/linux/x11/Struts.h"
 #include "platform/linux/x11/X11Connection.h"
 
 #include <QSet>
 
 #include <map>
+#include <optional>
 #include <vector>
 
 namespace velbrix {
-
-// A window as far as it may hide the desktop.
-struct CoveringWindow {
-    PixelRect rect;            // in the root
-    bool isFullScreen = false; // as the window manager says
-    bool isBare = false;       // without decorations
-    bool isOpaque = true;
-
-    bool operator==(const CoveringWindow &) const = default;
-};
-
-// The ids of monitors that lie wholly behind one of the windows.
-QSet<quint32> coveredMonitors(const std::vector<Monitor> &monitors,
-                              const std::vector<CoveringWindow> &windows);
 
 // Follows which monitors are covered by windows of other programs.
 class ScreenCover {
@@ -37,16 +25,20 @@ public:
 
 private:
     bool concernsProperty(const xcb_property_notify_event_t &event);
-    bool canCover(int width, int height) const;
+    bool isLarge(int width, int height) const;
+    bool fillsMonitor(const PixelRect &rect) const;
     void follow(const std::vector<xcb_window_t> &clients);
-    std::optional<CoveringWindow> readClient(xcb_window_t window);
-    std::optional<CoveringWindow> readUnmanaged(xcb_window_t window);
+    QHash<quint32, QRect> workAreas() const;
+    // The part of the desktop that it hides.
+    std::optional<PixelRect> readClient(xcb_window_t window);
+    std::optional<PixelRect> readUnmanaged(xcb_window_t window);
+    bool isOpaque(xcb_window_t window, const xcb_get_geometry_reply_t &geometry);
     bool takesInput(xcb_window_t window, const PixelRect &rect);
 
     X11Connection &_connection;
     std::vector<Monitor> _monitors;
-    std::vector<xcb_window_t> _clients;
-    QSet<quint32> _covering; // windows
+    std::map<xcb_window_t, std::optional<Strut>> _clients; // with what they reserve
+    QSet<quint32> _covering;                               // windows
 };
 
 } // namespace velbrix
