@@ -60,18 +60,23 @@ private Q_SLOTS:
                      u"skip auto wallpaper (launch): first-launch not accepted"_s, false);
     }
 
-    void whatAStartHasDiedOfDoesNotComeBackAtOnce()
+    void whatAStartHasDiedOfComesBackOnlyAfterItHasPlayedWell()
     {
-        const auto start = [this](const QJsonObject &stored, std::chrono::seconds life, bool plays) {
+        const auto start = [this](const QJsonObject &stored, std::chrono::seconds life, bool plays,
+                                  bool isPlayed = false) {
             Rig rig(stored);
             rig.launchAndRestore();
             QTRY_COMPARE(rig.wallpaper().isShowing(), plays);
             QCOMPARE(rig.wallpaper().hint().isEmpty(), plays);
+            if (isPlayed)
+                rig.services->wallpaperActions.play();
             rig.clock.advance(life);
             _left = rig.host.settings.stored; // when it is killed now
         };
         start({}, 9s, true);
         start(_left, 1min, false);
+        start(_left, 9s, false, true);
+        start(_left, 10s, false, true);
         start(_left, 10s, true);
         start(_left, 0s, true);
     }

@@ -94,11 +94,10 @@ void WallpaperActions::restoreWallpaper(const QString &reason)
     log::line(u"Velbrix"_s, u"auto wallpaper restore (%1) autoPlay=%2"_s.arg(
                                 reason, log::text(_wallpaper.preferences().autoPlay())));
     WallpaperPreferences &preferences = _wallpaper.preferences();
-    if (preferences.isReturning()) {
-        preferences.setReturning(false);
+    if (preferences.autoPlay() && preferences.isReturning()) {
         log::line(u"Velbrix"_s, u"skip auto wallpaper (%1): the last start ended during it"_s.arg(reason));
-        _wallpaper.tellNoReturn(
-            u"上次启动在恢复壁纸时意外退出，这次没有自动恢复。可以换一个视频，或手动播放。"_s);
+        _wallpaper.tellNoReturn(u"上次自动恢复壁纸时 Velbrix 意外退出，所以没有再恢复。"
+                                "可以播放它再试一次，或换一个视频；正常播放后，下次启动照常恢复。"_s);
     } else {
         if (preferences.autoPlay()) {
             preferences.setReturning(true);
@@ -131,6 +130,8 @@ QCoro::Task<WallpaperActions::Outcome> WallpaperActions::guarded(Act act)
         co_return failure(_privacy.missingConsent(consent));
     }
     _restore.reset();
+    if (_wallpaper.preferences().isReturning())
+        _survival = _clock.after(survivalTime, [this] { endReturn(); });
     const Outcome outcome = co_await act.run();
     co_return outcome;
 }

@@ -62,7 +62,7 @@ QWidget *WallpaperPreviewCard::makeWords()
     _name->setObjectName(u"wallpaperName"_s);
     _facts = makeText({}, u"note"_s);
     _facts->setObjectName(u"wallpaperFacts"_s);
-    _hint = makeText({}, u"note"_s);
+    _hint = makeText({}, u"warning"_s);
     _hint->setObjectName(u"wallpaperNotice"_s);
     auto *line = new QHBoxLayout(_words);
     line->setContentsMargins(0, 8, 0, 4);
