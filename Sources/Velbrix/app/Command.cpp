@@ -70,7 +70,7 @@ QStringList usageParts(const CommandForm &form)
     if (form.least > 0)
         parts.append(u'<' + QString(form.arguments).replace(u" "_s, u"> <"_s) + u'>');
     else if (!form.arguments.isEmpty())
-        parts.append(u"[%1 …]"_s.arg(form.arguments));
+        parts.append((form.most == 1 ? u"[%1]"_s : u"[%1 …]"_s).arg(form.arguments));
     for (const CommandOption &option : form.options)
         parts.append(option.value.isEmpty() ? u"[%1]"_s.arg(option.name)
                                             : u"[%1 <%2>]"_s.arg(option.name, option.value));
