@@ -14,7 +14,7 @@ struct Rig : WallpaperRig {
     {
         std::optional<WallpaperActions::Outcome> outcome;
         task.then([&](WallpaperActions::Outcome now) { outcome = std::move(now); });
-        settle();
+        settleThreads();
         if (!outcome)
             return u"…"_s;
         return *outcome ? **outcome : u"!"_s + outcome->error().message;
@@ -120,6 +120,7 @@ private Q_SLOTS:
         rig.actions.playVideo(rig.a).then(keep);
         rig.actions.playVideo(rig.b).then(keep);
         rig.clock.advance(1s);
+        rig.settleThreads();
         QCOMPARE(answers, (QStringList{u"已被后来的操作取代"_s, u"done"_s}));
         QCOMPARE(rig.surface()->path, rig.b);
     }

@@ -81,24 +81,35 @@ private Q_SLOTS:
             {u"mute"_s, u"0 声音：静音（音量 30%）"_s},
             {u"volume"_s, u"0 声音：静音（音量 30%）"_s},
             {u"volume 45"_s, u"0 声音：45%"_s},
-            {u"volume 101"_s, u"1 不能用作音量（0–100）：101"_s},
+            {u"volume 101"_s, u"1 “101”不可用，请用：音量（0–100）"_s},
             {u"mute"_s, u"0 声音：静音（音量 45%）"_s},
             {u"unmute"_s, u"0 声音：45%"_s},
             {u"speed 1.5"_s, u"0 速度：1.50×"_s},
-            {u"speed nan"_s, u"1 不能用作倍数（0.25–2）：nan"_s},
+            {u"speed nan"_s, u"1 “nan”不可用，请用：倍数（0.25–2）"_s},
             {u"gravity 适应"_s, u"0 画面填充：适应"_s},
             {u"gravity resize"_s, u"0 画面填充：拉伸"_s},
-            {u"gravity x"_s, u"1 不能用作填充|裁剪|适应|拉伸|居中：x"_s},
+            {u"gravity x"_s, u"1 “x”不可用，请用：填充|裁剪|适应|拉伸|居中"_s},
             {u"gravity"_s, u"0 画面填充：拉伸"_s},
             {u"shuffle on"_s, u"0 随机顺序：开"_s},
-            {u"shuffle 1"_s, u"1 不能用作on|off：1"_s},
+            {u"shuffle 1"_s, u"1 “1”不可用，请用：on|off"_s},
             {u"playlist 7"_s, u"0 轮换：每 7 分钟，随机顺序"_s},
-            {u"playlist 0"_s, u"1 不能用作分钟（1–1440）|off：0"_s},
+            {u"playlist 0"_s, u"1 “0”不可用，请用：分钟（1–1440）|off"_s},
+            {u"shuffle off"_s, u"0 随机顺序：关"_s},
             {u"playlist off"_s, u"0 轮换：关"_s},
             {u"next"_s, u"1 还没有选择壁纸文件夹"_s},
+            {u"yield on"_s, u"0 其他程序发声时静音：开"_s},
+            {u"yield ja"_s, u"1 “ja”不可用，请用：on|off"_s},
+            {u"use off"_s, u"1 请用 --display 指定一块副显示器；主显示器用 wallpaper clear"_s},
+            {u"use off --display 2"_s, u"0 副屏：不放壁纸"_s},
+            {u"clear --display 2"_s, u"0 副屏：跟随主显示器"_s},
+            {u"clear --display 2"_s, u"1 副屏 本来就跟随主显示器"_s},
+            {u"clear"_s, u"1 主显示器没有选择视频"_s},
+            {u"clear --display 3"_s, u"1 没有编号为 3 的显示器（共 2 块）"_s},
         };
         for (const auto &[verb, answer] : rows)
             QCOMPARE(rig.said(u"wallpaper "_s + verb), answer);
+        rig.host.otherSound.play(true);
+        QCOMPARE(rig.said(u"wallpaper volume"_s), u"0 声音：45%（其他程序正在发声，暂时静音）"_s);
         rig.wallpaper().preferences().setWallpaperFolder(rig.files.path());
         QCOMPARE(rig.said(u"wallpaper next"_s), u"0 正在播放："_s + rig.a);
         QCOMPARE(rig.reply.data.value(u"speed"_s), 1.5);
@@ -129,7 +140,8 @@ private Q_SLOTS:
             "  1  内建显示器（主）  已暂停  %1\n  2  副屏  已暂停  %2"_s.arg(rig.a, rig.b));
         const auto display = [&](int number, const QString &name, const QString &file) {
             return QJsonObject{{u"number"_s, number},    {u"id"_s, number}, {u"name"_s, name},
-                               {u"main"_s, number == 1}, {u"file"_s, file}, {u"playing"_s, true}};
+                               {u"main"_s, number == 1}, {u"file"_s, file}, {u"used"_s, true},
+                               {u"playing"_s, true}};
         };
         const QJsonArray displays = {display(1, u"内建显示器"_s, rig.a), display(2, u"副屏"_s, rig.b)};
         QCOMPARE(rig.reply.data, (QJsonObject{{u"state"_s, u"playing"_s},
@@ -140,6 +152,7 @@ private Q_SLOTS:
                                               {u"onBattery"_s, false},
                                               {u"volume"_s, 30},
                                               {u"muted"_s, true},
+                                              {u"yieldsSound"_s, false},
                                               {u"speed"_s, 1.0},
                                               {u"gravity"_s, u"aspectFill"_s},
                                               {u"playlistMinutes"_s, 0},

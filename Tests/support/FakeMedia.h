@@ -3,6 +3,7 @@
 #include "platform/AudioDevices.h"
 #include "platform/MediaProbe.h"
 #include "platform/MovieFiles.h"
+#include "platform/OtherSound.h"
 #include "support/AnswerTime.h"
 
 namespace velbrix::test {
@@ -57,6 +58,23 @@ public:
 private:
     AnswerTime _answer;
     ObserverList<void()> _observers;
+};
+
+// Other programs that play as the test says.
+class FakeOtherSound final : public OtherSound {
+public:
+    bool isHeard() const override { return _isHeard && !_observers.isEmpty(); }
+    Observation observe(std::function<void()> changed) override { return _observers.add(std::move(changed)); }
+
+    void play(bool on)
+    {
+        _isHeard = on;
+        _observers.notify();
+    }
+
+private:
+    ObserverList<void()> _observers;
+    bool _isHeard = false;
 };
 
 // Videos that are what the test says, as long as the file is there.

@@ -49,6 +49,7 @@ public:
     FakeUserNotifications &notifications = make<FakeUserNotifications>(platform.notifications);
     FakeScreenCapture &screenCapture = make<FakeScreenCapture>(platform.screenCapture);
     FakeAudioDevices &audioDevices = make<FakeAudioDevices>(platform.audioDevices);
+    FakeOtherSound &otherSound = make<FakeOtherSound>(platform.otherSound);
     FakeMovieFiles &movieFiles = make<FakeMovieFiles>(platform.movieFiles);
     FakeLoginItem &loginItem = make<FakeLoginItem>(platform.loginItem);
     FakeInstallPlace &installPlace = make<FakeInstallPlace>(platform.installPlace);
@@ -112,8 +113,18 @@ struct ServicesRig {
     // Of the wallpaper; null when there is no such display with one.
     FakeVideoSurface *surface(int index = 0) const
     {
-        settle();
+        settleThreads();
         return host.surfaces.surfaces.value(index);
+    }
+    // The same as settle() with what other threads do: the still picture is written by one.
+    static void settleThreads()
+    {
+        settle();
+        for (int picture = 0; picture < 3; ++picture) {
+            QThreadPool::globalInstance()->waitForDone();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::FutureCallOut);
+            settle();
+        }
     }
     // All that is stored by now.
     QJsonObject saved()

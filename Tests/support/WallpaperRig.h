@@ -17,7 +17,7 @@ struct WallpaperRig : ServicesRig {
     {
         if (!services)
             make();
-        settle();
+        settleThreads();
         return services->wallpaper;
     }
 
@@ -25,12 +25,12 @@ struct WallpaperRig : ServicesRig {
     {
         wallpaper().setVideo(path);
         wallpaper().apply();
-        settle();
+        settleThreads();
     }
 
     QStringList logged()
     {
-        settle();
+        settleThreads();
         return log.take(u"Wallpaper"_s);
     }
 };

@@ -16,7 +16,7 @@ struct Rig : WindowRig {
     Rig() { consentTo(PrivacyConsentKind::videoWallpaper); }
     WallpaperController &wallpaper() const
     {
-        settle();
+        settleThreads();
         return services->wallpaper;
     }
     // With that one chosen.
@@ -116,6 +116,7 @@ private Q_SLOTS:
         QCOMPARE(rig.badge(), u"已就绪"_s);
         // What plays is not what failed.
         rig.click(u"wallpaperToggle"_s);
+        QVERIFY(rig.wallpaper().isShowing());
         rig.click(u"displayChoose.1"_s);
         rig.choose(bad);
         QVERIFY(rig.texts(u"wallpaperFailure"_s).contains(u"坏.mp4 · 原来的壁纸仍在播放"_s));
@@ -212,6 +213,12 @@ private Q_SLOTS:
         rig.click(u"displayClear.2"_s);
         QVERIFY(rig.wallpaper().preferences().perDisplayVideoPaths().isEmpty());
         QVERIFY(second().startsWith(u"副屏|副屏 · 1920×1080 · 跟随主屏"_s));
+        rig.click(u"displayUse.2"_s);
+        QVERIFY(second().startsWith(u"副屏|副屏 · 1920×1080 · 不放壁纸"_s) && !rig.surface(1));
+        rig.click(u"displayUse.2"_s);
+        QVERIFY(rig.surface(1));
+        rig.click(u"displayClear.1"_s);
+        QVERIFY(!rig.find(u"displayClear.1"_s) && !rig.wallpaper().preferences().lastVideoPath());
         rig.host.displays.set(one);
         QVERIFY(!rig.find(u"display.2"_s) && !rig.find(u"targetRow"_s));
     }
@@ -402,6 +409,11 @@ private Q_SLOTS:
         rig.click(u"wallpaperAutoPlay"_s);
         rig.click(u"wallpaperPauseWhenCovered"_s);
         rig.click(u"wallpaperPauseOnBattery"_s);
+        rig.click(u"wallpaperYieldsSound"_s);
+        rig.host.otherSound.play(true);
+        QVERIFY(rig.texts(u"wallpaperYield"_s).contains(u"其他程序正在发声，壁纸暂时静音"_s));
+        rig.click(u"wallpaperYieldsSound"_s);
+        QVERIFY(!preferences.yieldsSound());
         QVERIFY(!preferences.autoPlay() && !preferences.pauseWhenCovered() && !preferences.pauseOnBattery());
         QVERIFY(!rig.find<Switch>(u"wallpaperPauseOnBattery"_s)->isChecked());
 

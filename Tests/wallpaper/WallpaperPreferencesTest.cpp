@@ -28,6 +28,7 @@ private Q_SLOTS:
             "Velbrix_WallpaperHideDesktopIconsEnabled": true, "Velbrix_WallpaperHideDesktopIconsActive": true,
             "Velbrix_WallpaperDockAutoHideActive": true, "Velbrix_WallpaperDockAutoHideOriginal": false,
             "Velbrix_WallpaperPauseOnBattery": false, "Velbrix_WallpaperPauseWhenCovered": false,
+            "Velbrix_WallpaperYieldsSound": true, "Velbrix_WallpaperUnusedDisplays": ["4294967295"],
             "Velbrix_WallpaperContentMode": "音乐壁纸(Beta)",
             "Velbrix_PerDisplayVideoPaths": {"4294967295": "/films/b.mp4"}})json")
                                        .object();
@@ -48,6 +49,8 @@ private Q_SLOTS:
         to.setPauseWhenCovered(from.pauseWhenCovered());
         to.setContentMode(from.contentMode());
         to.setDisplayVideoPath(4294967295u, from.perDisplayVideoPaths().value(4294967295u));
+        to.setYieldsSound(from.yieldsSound());
+        to.setDisplayUsed(4294967295u, !from.unusedDisplays().contains(4294967295u));
         QCOMPARE(written.saved(), stored);
     }
 

@@ -33,6 +33,32 @@ private Q_SLOTS:
         QVERIFY(!rig.wallpaper().displays().connectedDisplays().last().videoPath);
     }
 
+    void aDisplayCanBeLeftOut()
+    {
+        WallpaperRig rig;
+        rig.plugSecond();
+        rig.play(rig.video(u"a.mp4"_s));
+        const auto isOwnPicture = [&rig] {
+            rig.wallpaper();
+            return rig.host.desktopPicture.now->value(u"path"_s).toString() == u"/own/picture.png"_s;
+        };
+        WallpaperPreferences &preferences = rig.wallpaper().preferences();
+        QVERIFY(!isOwnPicture());
+        preferences.setDisplayUsed(2, false);
+        QVERIFY(!rig.surface(1) && rig.surface(0)->isPlaying);
+        QVERIFY(!rig.wallpaper().displays().connectedDisplays().last().isUsed);
+        QVERIFY(isOwnPicture()); // a still one would be on all displays
+        rig.wallpaper().stopWallpaper();
+        rig.wallpaper().apply();
+        QVERIFY(!rig.surface(1) && isOwnPicture());
+        preferences.setDisplayUsed(2, true);
+        QVERIFY(rig.surface(1) && !isOwnPicture());
+        // Whoever chooses a video for it wants to see it.
+        preferences.setDisplayUsed(2, false);
+        rig.wallpaper().setDisplayVideo(2, rig.video(u"own.mp4"_s));
+        QVERIFY(rig.surface(1) && !isOwnPicture());
+    }
+
     void displaysComeAndGoWhileItPlays()
     {
         WallpaperRig rig;
@@ -127,6 +153,12 @@ private Q_SLOTS:
             QCOMPARE(rig.surface(i)->rate, 2.0);
             QCOMPARE(rig.surface(i)->gravity, VideoGravity::fit);
         }
+        rig.host.otherSound.play(true);
+        QCOMPARE(rig.surface()->volume, 0.3);
+        rig.wallpaper().preferences().setYieldsSound(true);
+        QVERIFY(rig.surface()->volume == 0.0 && rig.wallpaper().sound().isYielding());
+        rig.host.otherSound.play(false);
+        QCOMPARE(rig.surface()->volume, 0.3);
         rig.wallpaper().pauseWallpaper();
         rig.wallpaper().preferences().setSpeed(0.5);
         QVERIFY(!rig.surface()->isPlaying);

@@ -57,7 +57,7 @@ AppServices::AppServices(Platform &host, Clock &time)
       settings(std::move(host.settings), time),
       toasts(time),
       wallpaper({*host.surfaces, *host.displays, *host.visibility, *host.desktopPicture, *host.mediaProbe,
-                 *host.power, *host.sleep, *host.dock},
+                 *host.power, *host.sleep, *host.dock, *host.otherSound},
                 settings, time, wallpaperFolders(),
                 [this] {
                     const std::lock_guard guard(powerLock);
@@ -67,9 +67,8 @@ AppServices::AppServices(Platform &host, Clock &time)
                 *host.mediaProbe, *host.trash},
                settings, time),
       privacy(*host.permissions, *host.notifications, settings, time),
-      hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); },
-               host.family},
-              settings, notifications, time),
+      hotkeys({*host.hotkeys, *host.keys, [&host] { host.desktop->beep(); }, host.family}, settings,
+              notifications, time),
       cleaner({*host.diskUsage, *host.trash, *host.adminShell, *host.programs}, settings, time,
               cleanupCatalog(host.family), ownPaths()),
       fileBackup({*host.archiver, *host.notifications, *host.sleep, host.volumes}, settings, time),

@@ -20,6 +20,7 @@
 #include "platform/LoginItem.h"
 #include "platform/MediaProbe.h"
 #include "platform/MovieFiles.h"
+#include "platform/OtherSound.h"
 #include "platform/Permissions.h"
 #include "platform/PowerSource.h"
 #include "platform/RunningPrograms.h"
@@ -48,6 +49,7 @@ struct Platform {
     std::unique_ptr<UserNotifications> notifications;
     std::unique_ptr<ScreenCapture> screenCapture;
     std::unique_ptr<AudioDevices> audioDevices;
+    std::unique_ptr<OtherSound> otherSound;
     std::unique_ptr<MovieFiles> movieFiles;
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<InstallPlace> installPlace; // null where packages are installed

@@ -26,6 +26,7 @@ void ConnectedDisplays::detectDisplays()
         info.name = display.name;
         info.isMain = display.isMain;
         info.frame = display.frame;
+        info.isUsed = display.isMain || !_preferences.unusedDisplays().contains(display.id);
         if (display.isMain)
             info.videoPath = _preferences.lastVideoPath();
         else if (const auto own = paths.constFind(display.id); own != paths.constEnd())

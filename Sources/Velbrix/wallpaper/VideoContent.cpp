@@ -2,6 +2,7 @@
 
 #include "foundation/Awaitables.h"
 #include "wallpaper/ChosenFiles.h"
+#include "wallpaper/SoundPolicy.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/WallpaperLog.h"
 #include "wallpaper/WallpaperPreferences.h"
@@ -49,10 +50,9 @@ VideoContent::VideoContent(Parts parts, std::function<bool()> isInBackground, QO
     const auto all = [this](auto change) { return [this, change] { forEach(change); }; };
     const auto sound = [this] {
         if (_main)
-            _main->surface().setVolume(_parts.preferences.audibleVolume());
+            _main->surface().setVolume(_parts.sound.volume());
     };
-    connect(&preferences, &WallpaperPreferences::volumeChanged, this, sound);
-    connect(&preferences, &WallpaperPreferences::isMutedChanged, this, sound);
+    connect(&_parts.sound, &SoundPolicy::volumeChanged, this, sound);
     connect(&preferences, &WallpaperPreferences::gravityChanged, this, all([&preferences](StagedVideo &one) {
         one.surface().setGravity(layerGravity(preferences.gravity()));
     }));
@@ -118,6 +118,7 @@ QCoro::Task<std::optional<Result<void>>> VideoContent::chooseOther(quint32 displ
     if (const auto shown = _others.find(displayID); shown != _others.end())
         shown->second->forget();
     _parts.preferences.setDisplayVideoPath(displayID, path);
+    _parts.preferences.setDisplayUsed(displayID, true);
     if (_parts.stage.isShowing())
         showOthers();
     co_return Result<void>();
@@ -127,6 +128,7 @@ void VideoContent::clearOther(quint32 displayID)
 {
     ++_choices[displayID];
     _parts.preferences.setDisplayVideoPath(displayID, std::nullopt);
+    _parts.preferences.setDisplayUsed(displayID, true);
 }
 
 void VideoContent::clearMain()
@@ -136,8 +138,22 @@ void VideoContent::clearMain()
     _parts.preferences.setLastVideoPath(std::nullopt);
     ++_stillGeneration;
     _main.reset();
+    _parts.still.putBack();
     if (wasShowing)
         showOthers();
+}
+
+bool VideoContent::isUsed(const Display &display) const
+{
+    return !_parts.preferences.unusedDisplays().contains(display.id);
+}
+
+// All displays get the same one; a display without a wallpaper shows the user's
+// own, so then all do.
+bool VideoContent::wantsStill() const
+{
+    const auto displays = _parts.stage.otherDisplays();
+    return std::ranges::all_of(displays, [this](const Display &display) { return isUsed(display); });
 }
 
 bool VideoContent::hasOthers() const
@@ -145,7 +161,7 @@ bool VideoContent::hasOthers() const
     const DisplayVideoPaths paths = _parts.preferences.perDisplayVideoPaths();
     const auto displays = _parts.stage.otherDisplays();
     return std::ranges::any_of(displays, [&](const Display &display) {
-        return paths.contains(display.id) && _parts.files.isFound(paths.value(display.id));
+        return isUsed(display) && paths.contains(display.id) && _parts.files.isFound(paths.value(display.id));
     });
 }
 
@@ -242,7 +258,7 @@ Result<void> VideoContent::setUpMain()
             refreshStill(u"time"_s);
     };
     auto made = make(*display, std::move(events), [this](VideoSurface &surface) {
-        surface.setVolume(_parts.preferences.audibleVolume());
+        surface.setVolume(_parts.sound.volume());
         surface.observeTime(timeInterval);
     });
     if (!made)
@@ -259,7 +275,7 @@ void VideoContent::showOthers()
     for (const Display &display : displays) {
         const auto own = paths.constFind(display.id);
         const bool hasOwn = own != paths.constEnd() && _parts.files.isFound(*own);
-        if (!hasOwn && !_main)
+        if (!isUsed(display) || (!hasOwn && !_main))
             continue;
         if (auto kept = gone.extract(display.id))
             _others.insert(std::move(kept));
@@ -307,6 +323,18 @@ void VideoContent::displaysChanged()
     showOthers();
     lookForOthers();
     _parts.stage.applyWindowLayering();
+    followDisplays();
+}
+
+void VideoContent::followDisplays()
+{
+    if (!_main || wantsStill() == _hasStill)
+        return;
+    if (!_hasStill)
+        return refreshStill(u"displays"_s);
+    _hasStill = false;
+    ++_stillGeneration;
+    _parts.still.putBack();
 }
 
 void VideoContent::stop()
@@ -327,21 +355,27 @@ void VideoContent::forEach(const std::function<void(StagedVideo &)> &call) const
 
 QCoro::Task<> VideoContent::setFirstFrame(QString reason)
 {
+    _hasStill = wantsStill();
+    if (!_hasStill)
+        co_return;
     say(u"static desktop ← video frame (%1)"_s.arg(reason));
     auto search = findFirstFrame(chosen());
     co_await withDeadline(_parts.clock, firstFrameLimit, std::move(search));
 }
 
-// One that comes late is set then.
+// Answers when it is on the desktop. One that comes late is set then.
 QCoro::Task<bool> VideoContent::findFirstFrame(QString path)
 {
     const QPointer self(this);
     const int generation = ++_stillGeneration;
     const auto frame = co_await _parts.video.frameAt(path, 0);
-    const bool isWanted = self && generation == _stillGeneration && frame.has_value();
-    if (isWanted)
-        _parts.still.setStaticDesktop(*frame);
-    co_return isWanted;
+    if (!self || generation != _stillGeneration || !frame)
+        co_return false;
+    StaticDesktop &still = _parts.still;
+    still.setStaticDesktop(*frame);
+    while (still.isWorking())
+        co_await nextSignal(still, &StaticDesktop::isWorkingChanged);
+    co_return true;
 }
 
 void VideoContent::refreshStill(const QString &reason)
@@ -350,6 +384,9 @@ void VideoContent::refreshStill(const QString &reason)
         say(u"static desktop skip (%1): no video"_s.arg(reason));
         return;
     }
+    _hasStill = wantsStill();
+    if (!_hasStill)
+        return;
     say(u"static desktop ← video frame (%1)"_s.arg(reason));
     setShownFrame();
 }

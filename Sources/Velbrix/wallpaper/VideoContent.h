@@ -11,12 +11,14 @@
 namespace velbrix {
 
 class ChosenFiles;
+class SoundPolicy;
 class StaticDesktop;
 class WallpaperPreferences;
 class WallpaperVideo;
 
 // Videos as the wallpaper: the chosen one on the main display, where it is
-// heard, and on each other display its own, or else the main one, silently.
+// heard, and on each other display its own, or else the main one, silently, or
+// nothing.
 class VideoContent final : public WallpaperContent {
     Q_OBJECT
 
@@ -28,6 +30,7 @@ public:
         ChosenFiles &files;
         StaticDesktop &still;
         WallpaperPreferences &preferences;
+        const SoundPolicy &sound;
         Clock &clock;
     };
 
@@ -43,7 +46,7 @@ public:
     QCoro::Task<std::optional<Result<void>>> chooseOther(quint32 displayID, const QString path);
     // The display shows the main video again; without one, nothing.
     void clearOther(quint32 displayID);
-    // No main video is chosen any more; the others stay.
+    // No main video is chosen any more; the others stay. The still picture goes.
     void clearMain();
     QCoro::Task<Result<void>> prepareToShow() override;
     Result<void> show() override;
@@ -59,6 +62,9 @@ private:
     Result<Video> make(const Display &display, VideoEvents events, const StagedVideo::SetUp &setUp);
     QCoro::Task<bool> lookForOthers();
     bool hasOthers() const;
+    bool isUsed(const Display &display) const;
+    bool wantsStill() const;
+    void followDisplays();
     Result<void> setUpMain();
     void showOthers();
     void showOther(const Display &display, const QString &path);
@@ -76,6 +82,7 @@ private:
     std::map<quint32, Video> _others;
     QHash<quint32, int> _choices; // of each other display, counted
     bool _isMainMissing = false;
+    bool _hasStill = false; // wanted when it was last set
     int _stillGeneration = 0;
 };
 

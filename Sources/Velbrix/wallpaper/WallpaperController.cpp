@@ -49,7 +49,8 @@ WallpaperController::WallpaperController(Ports ports, SettingsStore &settings, C
       _power(ports.power, _preferences,
              {[this] { return isShowing() || isApplying() || state().isPlaying(); },
               [this] { stopForBattery(); }, [this] { resumeAfterBattery(); }}),
-      _videos({ports.surfaces, _stage, _video, _files, _staticDesktop, _preferences, clock},
+      _sound(ports.otherSound, _preferences),
+      _videos({ports.surfaces, _stage, _video, _files, _staticDesktop, _preferences, _sound, clock},
               std::move(isInBackground)),
       _contents({{WallpaperContentMode::video, &_videos}}),
       _dock(ports.dock, _preferences),
@@ -71,6 +72,8 @@ WallpaperController::~WallpaperController() = default;
 void WallpaperController::followParts()
 {
     connect(&_preferences, &WallpaperPreferences::perDisplayVideoPathsChanged, this,
+            &WallpaperController::displaysChanged);
+    connect(&_preferences, &WallpaperPreferences::unusedDisplaysChanged, this,
             &WallpaperController::displaysChanged);
     connect(&_preferences, &WallpaperPreferences::contentModeChanged, this,
             &WallpaperController::contentChanged);

@@ -9,6 +9,7 @@
 #include "wallpaper/Playlist.h"
 #include "wallpaper/PowerPolicy.h"
 #include "wallpaper/PreviewPlayer.h"
+#include "wallpaper/SoundPolicy.h"
 #include "wallpaper/StaticDesktop.h"
 #include "wallpaper/VideoContent.h"
 #include "wallpaper/VideoFolder.h"
@@ -46,6 +47,7 @@ public:
         PowerSource &power;
         SystemSleep &sleep;
         DockPreference &dock;
+        OtherSound &otherSound;
     };
     struct Folders {
         QString staticDesktop;
@@ -128,6 +130,7 @@ public:
     PowerPolicy &power() { return _power; }
     const PowerPolicy &power() const { return _power; }
     DockHiding &dock() { return _dock; }
+    const SoundPolicy &sound() const { return _sound; }
 
 Q_SIGNALS:
     // Of whatever mode.
@@ -160,6 +163,7 @@ private:
     ConnectedDisplays _displays;
     StaticDesktop _staticDesktop;
     PowerPolicy _power;
+    SoundPolicy _sound;
     VideoContent _videos;
     // Modes that this version cannot show are missing.
     const std::map<WallpaperContentMode, WallpaperContent *> _contents;

@@ -2,6 +2,7 @@
 
 #include "foundation/SettingsStore.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
@@ -27,7 +28,9 @@ const QString playlistMinutesKey = u"Velbrix_WallpaperPlaylistMinutes"_s;
 const QString playlistShuffledKey = u"Velbrix_WallpaperPlaylistShuffled"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
 const QString returningKey = u"Velbrix_WallpaperIsReturning"_s;
+const QString yieldsSoundKey = u"Velbrix_WallpaperYieldsSound"_s;
 const QString displayPathsKey = u"Velbrix_PerDisplayVideoPaths"_s;
+const QString unusedDisplaysKey = u"Velbrix_WallpaperUnusedDisplays"_s; // decimal, as in the paths
 
 DisplayVideoPaths displayPaths(const QJsonValue &stored)
 {
@@ -40,6 +43,18 @@ DisplayVideoPaths displayPaths(const QJsonValue &stored)
             paths.insert(id, entry.value().toString());
     }
     return paths;
+}
+
+DisplayIds displayIds(const QJsonValue &stored)
+{
+    DisplayIds ids;
+    for (const QJsonValue &entry : stored.toArray()) {
+        bool isNumber = false;
+        const quint32 id = entry.toString().toUInt(&isNumber);
+        if (isNumber)
+            ids.insert(id);
+    }
+    return ids;
 }
 
 } // namespace
@@ -73,6 +88,8 @@ void WallpaperPreferences::loadSettings()
     take(_settings.boolean(dockActiveKey), _isDockAutoHidden);
     take(_settings.boolean(pauseOnBatteryKey), _pauseOnBattery);
     take(_settings.boolean(pauseWhenCoveredKey), _pauseWhenCovered);
+    take(_settings.boolean(yieldsSoundKey), _yieldsSound);
+    _unusedDisplays = displayIds(_settings.json(unusedDisplaysKey).value_or(QJsonValue()));
     _perDisplayVideoPaths = displayPaths(_settings.json(displayPathsKey).value_or(QJsonValue()));
 }
 
@@ -154,6 +171,24 @@ void WallpaperPreferences::setPauseOnBattery(bool on)
 void WallpaperPreferences::setPauseWhenCovered(bool on)
 {
     change(_pauseWhenCovered, on, pauseWhenCoveredKey, on);
+}
+
+void WallpaperPreferences::setYieldsSound(bool on)
+{
+    change(_yieldsSound, on, yieldsSoundKey, on);
+}
+
+void WallpaperPreferences::setDisplayUsed(quint32 displayId, bool on)
+{
+    DisplayIds unused = _unusedDisplays;
+    if (on)
+        unused.remove(displayId);
+    else
+        unused.insert(displayId);
+    QJsonArray stored;
+    for (const quint32 id : std::as_const(unused))
+        stored.append(QString::number(id));
+    change(_unusedDisplays, unused, unusedDisplaysKey, stored);
 }
 
 void WallpaperPreferences::setDisplayVideoPath(quint32 displayId, const std::optional<QString> &path)

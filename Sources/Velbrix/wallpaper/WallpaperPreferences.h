@@ -6,12 +6,14 @@
 #include <QHash>
 #include <QJsonValue>
 #include <QObject>
+#include <QSet>
 
 namespace velbrix {
 
 class SettingsStore;
 
 using DisplayVideoPaths = QHash<quint32, QString>; // by display id
+using DisplayIds = QSet<quint32>;
 
 // What of the wallpaper outlives the program. A setter that changes a value
 // stores it.
@@ -31,7 +33,9 @@ class WallpaperPreferences final : public QObject {
     VELB_PUBLISHED(WallpaperPreferences, bool, isDockAutoHidden, false)
     VELB_PUBLISHED(WallpaperPreferences, bool, pauseOnBattery, true)
     VELB_PUBLISHED(WallpaperPreferences, bool, pauseWhenCovered, true)
+    VELB_PUBLISHED(WallpaperPreferences, bool, yieldsSound, false) // to other programs
     VELB_PUBLISHED(WallpaperPreferences, DisplayVideoPaths, perDisplayVideoPaths)
+    VELB_PUBLISHED(WallpaperPreferences, DisplayIds, unusedDisplays) // which show no wallpaper
 
 public:
     explicit WallpaperPreferences(SettingsStore &settings, QObject *parent = nullptr);
@@ -56,9 +60,12 @@ public:
     void setHidingDesktopIcons(bool on);
     void setPauseOnBattery(bool on);
     void setPauseWhenCovered(bool on);
+    void setYieldsSound(bool on);
 
     // Nothing takes the display's own video away.
     void setDisplayVideoPath(quint32 displayId, const std::optional<QString> &path);
+
+    void setDisplayUsed(quint32 displayId, bool on);
 
     // The last video applied on the main display.
     std::optional<QString> lastVideoPath() const;

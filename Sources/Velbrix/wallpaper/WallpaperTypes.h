@@ -47,6 +47,7 @@ struct WallpaperDisplayInfo {
     QRect frame;
     std::optional<QString> videoPath; // chosen for this display
     bool isMissing = false;           // the chosen file was looked for in vain
+    bool isUsed = true;               // for a wallpaper at all
     bool isPlaying = false;
 
     bool operator==(const WallpaperDisplayInfo &) const = default;

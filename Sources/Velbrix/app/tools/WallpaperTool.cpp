@@ -3,182 +3,22 @@
 #include "app/HostText.h"
 #include "app/Tool.h"
 #include "app/TrayController.h"
+#include "app/tools/WallpaperReport.h"
 #include "foundation/Awaitables.h"
 #include "foundation/Log.h"
 #include "platform/Platform.h"
 
-#include <QJsonArray>
-
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+
+using namespace wallpaperreport;
+
 namespace {
 
 const QString displayOption = u"--display"_s;
-
-QString name(WallpaperState::Kind kind)
-{
-    switch (kind) {
-    case WallpaperState::Kind::idle:
-        return u"idle"_s;
-    case WallpaperState::Kind::selecting:
-        return u"selecting"_s;
-    case WallpaperState::Kind::ready:
-        return u"ready"_s;
-    case WallpaperState::Kind::playing:
-        return u"playing"_s;
-    case WallpaperState::Kind::failed:
-        return u"failed"_s;
-    }
-    return {};
-}
-
-QString name(WallpaperContentMode mode)
-{
-    switch (mode) {
-    case WallpaperContentMode::video:
-        return u"video"_s;
-    case WallpaperContentMode::html:
-        return u"html"_s;
-    case WallpaperContentMode::music:
-        return u"music"_s;
-    }
-    return {};
-}
-
-QString name(WallpaperGravity gravity)
-{
-    switch (gravity) {
-    case WallpaperGravity::fill:
-        return u"fill"_s;
-    case WallpaperGravity::aspectFill:
-        return u"aspectFill"_s;
-    case WallpaperGravity::aspectFit:
-        return u"aspectFit"_s;
-    case WallpaperGravity::resize:
-        return u"resize"_s;
-    case WallpaperGravity::none:
-        return u"none"_s;
-    }
-    return {};
-}
-
-int percent(double volume)
-{
-    return qRound(volume * 100);
-}
-
-QString soundLine(const WallpaperPreferences &preferences)
-{
-    const QString volume = u"%1%"_s.arg(percent(preferences.volume()));
-    return u"声音："_s + (preferences.isMuted() ? u"静音（音量 %1）"_s.arg(volume) : volume);
-}
-
-QString speedLine(const WallpaperPreferences &preferences)
-{
-    return u"速度：%1×"_s.arg(preferences.speed(), 0, 'f', 2);
-}
-
-QString gravityLine(const WallpaperPreferences &preferences)
-{
-    return u"画面填充："_s + rawValue(preferences.gravity());
-}
-
-QString playlistLine(const WallpaperPreferences &preferences)
-{
-    const int minutes = preferences.playlistMinutes();
-    const QString order = preferences.isPlaylistShuffled() ? u"随机顺序"_s : u"按名称"_s;
-    return u"轮换："_s + (minutes == 0 ? u"关"_s : u"每 %1 分钟，%2"_s.arg(minutes).arg(order));
-}
-
-QString shuffleLine(const WallpaperPreferences &preferences)
-{
-    return u"随机顺序："_s + (preferences.isPlaylistShuffled() ? u"开"_s : u"关"_s);
-}
-
-QString chosenFile(WallpaperController &wallpaper)
-{
-    const auto chosen = wallpaper.video().videoURL();
-    return (chosen ? chosen : wallpaper.preferences().lastVideoPath()).value_or(QString());
-}
-
-QJsonObject toJson(const WallpaperDisplayInfo &display, int number)
-{
-    return {{u"number"_s, number},
-            {u"id"_s, static_cast<qint64>(display.id)},
-            {u"name"_s, display.name},
-            {u"main"_s, display.isMain},
-            {u"file"_s, display.videoPath ? QJsonValue(*display.videoPath) : QJsonValue()},
-            {u"playing"_s, display.isPlaying}};
-}
-
-QString line(const WallpaperDisplayInfo &display, int number, bool isPaused)
-{
-    const QString shown = isPaused ? u"已暂停"_s : u"播放中"_s;
-    const QString otherwise = display.isMain ? u"未选择视频"_s : u"跟随主显示器"_s;
-    return u"  %1  %2%3  %4  %5"_s.arg(
-        QString::number(number), display.name, display.isMain ? u"（主）"_s : QString(),
-        display.isPlaying ? shown : u"未播放"_s, display.videoPath.value_or(otherwise));
-}
-
-QString summary(const WallpaperController &wallpaper)
-{
-    if (wallpaper.isShowing())
-        return wallpaper.isPaused() ? u"动态壁纸：已暂停"_s : u"动态壁纸：播放中"_s;
-    if (wallpaper.state().kind == WallpaperState::Kind::failed)
-        return u"动态壁纸：失败，"_s + wallpaper.state().message;
-    return u"动态壁纸：未播放"_s;
-}
-
-QJsonObject dataOf(WallpaperController &wallpaper)
-{
-    const WallpaperPreferences &preferences = wallpaper.preferences();
-    QJsonArray displays;
-    for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
-        displays.append(toJson(display, static_cast<int>(displays.size()) + 1));
-    const QString file = chosenFile(wallpaper);
-    return {{u"state"_s, name(wallpaper.state().kind)},
-            {u"paused"_s, wallpaper.isPaused()},
-            {u"file"_s, file.isEmpty() ? QJsonValue() : QJsonValue(file)},
-            {u"failure"_s, wallpaper.state().message},
-            {u"notice"_s, wallpaper.hint()},
-            {u"onBattery"_s, wallpaper.power().isOnBatteryPower()},
-            {u"volume"_s, percent(preferences.volume())},
-            {u"muted"_s, preferences.isMuted()},
-            {u"speed"_s, preferences.speed()},
-            {u"gravity"_s, name(preferences.gravity())},
-            {u"playlistMinutes"_s, preferences.playlistMinutes()},
-            {u"shuffle"_s, preferences.isPlaylistShuffled()},
-            {u"displays"_s, displays},
-            {u"iconsCovered"_s, wallpaper.coversDesktopIcons()},
-            {u"dockHidden"_s, preferences.isDockAutoHidden()},
-            {u"contentMode"_s, name(preferences.contentMode())}};
-}
-
-CommandReply status(WallpaperController &wallpaper, HostFamily family)
-{
-    const QString file = chosenFile(wallpaper);
-    const WallpaperPreferences &preferences = wallpaper.preferences();
-    QStringList lines = {summary(wallpaper)};
-    if (!wallpaper.hint().isEmpty())
-        lines << u"提示："_s + wallpaper.hint();
-    lines << u"视频："_s + (file.isEmpty() ? u"未选择"_s : file)
-          << u"内容："_s + rawValue(preferences.contentMode()) << soundLine(preferences)
-          << speedLine(preferences) << gravityLine(preferences) << playlistLine(preferences)
-          << u"供电："_s + (wallpaper.power().isOnBatteryPower() ? u"电池"_s : u"电源"_s)
-          << u"桌面图标："_s + (wallpaper.coversDesktopIcons() ? u"已盖住"_s : u"未盖住"_s)
-          << hostText(u"Dock："_s, family) + (preferences.isDockAutoHidden() ? u"已隐藏"_s : u"未隐藏"_s)
-          << u"显示器："_s;
-    int number = 0;
-    for (const WallpaperDisplayInfo &display : wallpaper.displays().connectedDisplays())
-        lines << line(display, ++number, wallpaper.isPaused());
-    if (number == 0)
-        lines << u"  没有检测到显示器"_s;
-    return {exitcode::done, lines.join(u'\n'), dataOf(wallpaper)};
-}
 
 // Without the option the main display.
 Result<std::optional<WallpaperDisplayInfo>> wantedDisplay(const ParsedCommand &command,
@@ -212,6 +52,52 @@ QCoro::Task<CommandReply> set(WallpaperController &wallpaper, WallpaperActions &
         outcome->isEmpty() ? u"正在播放："_s + what : u"已选择：%1\n还没有播放：%2"_s.arg(what, *outcome);
     reply.data = {{u"file"_s, path}, {u"playing"_s, outcome->isEmpty()}, {u"notice"_s, *outcome}};
     co_return reply;
+}
+
+CommandReply unfit(const QString &text, const QString &wanted)
+{
+    return CommandReply::refusal(u"“%1”不可用，请用：%2"_s.arg(text, wanted));
+}
+
+std::optional<bool> onOrOff(const QString &text)
+{
+    if (text != u"on" && text != u"off")
+        return std::nullopt;
+    return text == u"on";
+}
+
+CommandReply clear(WallpaperController &wallpaper, const ParsedCommand &command)
+{
+    const auto displays = wallpaper.displays().connectedDisplays();
+    const auto wanted = wantedDisplay(command, displays);
+    if (!wanted)
+        return CommandReply::refusal(wanted.error().message);
+    if (displays.isEmpty())
+        return CommandReply::refusal(u"没有检测到显示器"_s);
+    const WallpaperDisplayInfo display = wanted->value_or(displays.first());
+    if (!display.videoPath && display.isUsed)
+        return CommandReply::refusal(display.isMain ? u"主显示器没有选择视频"_s
+                                                    : u"%1 本来就跟随主显示器"_s.arg(display.name));
+    wallpaper.clearDisplayVideo(display.id);
+    const QString now = display.isMain ? u"不再使用视频"_s : u"跟随主显示器"_s;
+    return {exitcode::done, u"%1：%2"_s.arg(display.name, now), dataOf(wallpaper)};
+}
+
+CommandReply use(WallpaperController &wallpaper, const ParsedCommand &command)
+{
+    const auto wanted = wantedDisplay(command, wallpaper.displays().connectedDisplays());
+    if (!wanted)
+        return CommandReply::refusal(wanted.error().message);
+    if (!*wanted || (*wanted)->isMain)
+        return CommandReply::refusal(u"请用 --display 指定一块副显示器；主显示器用 wallpaper clear"_s);
+    const QString text = command.arguments.first();
+    const auto on = onOrOff(text);
+    if (!on)
+        return unfit(text, u"on|off"_s);
+    const WallpaperDisplayInfo &display = **wanted;
+    wallpaper.preferences().setDisplayUsed(display.id, *on);
+    return {exitcode::done, u"%1：%2"_s.arg(display.name, *on ? u"放壁纸"_s : u"不放壁纸"_s),
+            dataOf(wallpaper)};
 }
 
 QCoro::Task<CommandReply> play(WallpaperController &wallpaper, WallpaperActions &actions)
@@ -262,7 +148,7 @@ QCoro::Task<CommandReply> stop(WallpaperController &wallpaper, WallpaperActions 
 CommandReply mute(WallpaperController &wallpaper, bool on)
 {
     wallpaper.preferences().setMuted(on);
-    return {exitcode::done, soundLine(wallpaper.preferences()), dataOf(wallpaper)};
+    return {exitcode::done, soundLine(wallpaper), dataOf(wallpaper)};
 }
 
 std::optional<double> number(const QString &text, double least, double most)
@@ -298,7 +184,7 @@ struct SettingWords {
 };
 
 // A verb that shows what is set, or sets it; `set` tells whether it could.
-Command setting(const SettingWords &words, QString (*shown)(const WallpaperPreferences &),
+Command setting(const SettingWords &words, QString (*shown)(const WallpaperController &),
                 bool (*set)(WallpaperPreferences &, const QString &))
 {
     return {{.words = words.words, .arguments = words.argument, .most = 1, .help = words.help},
@@ -306,8 +192,8 @@ Command setting(const SettingWords &words, QString (*shown)(const WallpaperPrefe
                 WallpaperController &wallpaper = services.wallpaper;
                 const QString text = command.arguments.value(0);
                 if (!command.arguments.isEmpty() && !set(wallpaper.preferences(), text))
-                    return CommandReply::refusal(u"不能用作%1：%2"_s.arg(words.argument, text));
-                return CommandReply{exitcode::done, shown(wallpaper.preferences()), dataOf(wallpaper)};
+                    return unfit(text, words.argument);
+                return CommandReply{exitcode::done, shown(wallpaper), dataOf(wallpaper)};
             })};
 }
 
@@ -324,6 +210,21 @@ QList<Command> commands()
          [](AppServices &services, ParsedCommand command) {
              return set(services.wallpaper, services.wallpaperActions, std::move(command));
          }},
+        {{.words = u"wallpaper clear"_s,
+          .help = u"忘记主显示器的视频；别的显示器改为跟随主显示器"_s,
+          .options = {{displayOption, u"编号"_s}}},
+         immediate([](AppServices &services, const ParsedCommand &command) {
+             return clear(services.wallpaper, command);
+         })},
+        {{.words = u"wallpaper use"_s,
+          .arguments = u"on|off"_s,
+          .least = 1,
+          .most = 1,
+          .help = u"副显示器放不放壁纸；不放时显示原来的桌面图片"_s,
+          .options = {{displayOption, u"编号"_s}}},
+         immediate([](AppServices &services, const ParsedCommand &command) {
+             return use(services.wallpaper, command);
+         })},
         {{.words = u"wallpaper play"_s, .help = u"播放或继续播放动态壁纸"_s},
          [](AppServices &services, const ParsedCommand &) {
              return play(services.wallpaper, services.wallpaperActions);
@@ -338,7 +239,7 @@ QList<Command> commands()
          }},
         {{.words = u"wallpaper status"_s, .help = u"动态壁纸与各显示器的当前状态"_s},
          immediate([](AppServices &services, const ParsedCommand &) {
-             return status(services.wallpaper, services.platform.family);
+             return statusOf(services.wallpaper, services.platform.family);
          })},
         setting({u"wallpaper volume"_s, u"音量（0–100）"_s, u"查看或设置音量"_s}, soundLine,
                 [](WallpaperPreferences &preferences, const QString &text) {
@@ -372,10 +273,10 @@ QList<Command> commands()
                 }),
         setting({u"wallpaper shuffle"_s, u"on|off"_s, u"查看或设置是否随机轮换"_s}, shuffleLine,
                 [](WallpaperPreferences &preferences, const QString &text) {
-                    const bool isOn = text == u"on";
-                    if (isOn || text == u"off")
-                        preferences.setPlaylistShuffled(isOn);
-                    return isOn || text == u"off";
+                    const auto on = onOrOff(text);
+                    if (on)
+                        preferences.setPlaylistShuffled(*on);
+                    return on.has_value();
                 }),
         {{.words = u"wallpaper mute"_s, .help = u"让动态壁纸静音"_s},
          immediate(
@@ -383,6 +284,13 @@ QList<Command> commands()
         {{.words = u"wallpaper unmute"_s, .help = u"打开动态壁纸的声音"_s},
          immediate(
              [](AppServices &services, const ParsedCommand &) { return mute(services.wallpaper, false); })},
+        setting({u"wallpaper yield"_s, u"on|off"_s, u"查看或设置其他程序发声时是否静音"_s}, yieldLine,
+                [](WallpaperPreferences &preferences, const QString &text) {
+                    const auto on = onOrOff(text);
+                    if (on)
+                        preferences.setYieldsSound(*on);
+                    return on.has_value();
+                }),
     };
 }
 

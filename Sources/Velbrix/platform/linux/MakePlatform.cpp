@@ -16,6 +16,7 @@
 #include "platform/linux/media/libav/LibAvMediaProbe.h"
 #include "platform/linux/media/mp4/LinuxMovieFiles.h"
 #include "platform/linux/media/sound/PulseAudioDevices.h"
+#include "platform/linux/media/sound/PulseOtherSound.h"
 #include "platform/linux/processes/FolderSingleInstance.h"
 #include "platform/linux/processes/PolkitAdminShell.h"
 #include "platform/linux/processes/ProcPrograms.h"
@@ -73,6 +74,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.singleInstance = std::move(place);
     platform.notifications = std::make_unique<FreedesktopNotifications>();
     platform.audioDevices = std::make_unique<PulseAudioDevices>();
+    platform.otherSound = std::make_unique<PulseOtherSound>();
     platform.movieFiles = std::make_unique<LinuxMovieFiles>();
     platform.loginItem = std::make_unique<XdgLoginItem>(configuration + u"/autostart/velbrix.desktop"_s,
                                                         QCoreApplication::applicationFilePath());

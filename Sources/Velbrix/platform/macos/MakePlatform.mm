@@ -20,6 +20,7 @@
 #include "platform/macos/media/AVMediaProbe.h"
 #include "platform/macos/media/AVMovieFiles.h"
 #include "platform/macos/media/CoreAudioDevices.h"
+#include "platform/macos/media/CoreAudioOtherSound.h"
 #include "platform/macos/surface/AVDesktopSurfaces.h"
 #include "platform/macos/system/IOPSPowerSource.h"
 #include "platform/macos/system/MacPermissions.h"
@@ -55,6 +56,7 @@ Platform makePlatform(Clock &clock, std::unique_ptr<SingleInstance> place)
     platform.notifications = std::make_unique<MacUserNotifications>();
     platform.screenCapture = std::make_unique<SCKScreenCapture>();
     platform.audioDevices = std::make_unique<CoreAudioDevices>();
+    platform.otherSound = std::make_unique<CoreAudioOtherSound>();
     platform.movieFiles = std::make_unique<AVMovieFiles>();
     platform.installPlace = std::make_unique<MacInstallPlace>();
     platform.loginItem = std::make_unique<SMLoginItem>();

@@ -27,11 +27,12 @@ class WallpaperDisplaysCard::Row final : public QWidget {
 public:
     struct Buttons {
         QPushButton *choose;
-        QPushButton *clear; // null for the main display
+        QPushButton *clear;
+        QPushButton *use; // null for the main display
     };
 
     Row(const Theme &theme, const WallpaperDisplayInfo &display, const Buttons &buttons)
-        : id(display.id), isMain(display.isMain), name(display.name), _clear(buttons.clear)
+        : id(display.id), isMain(display.isMain), name(display.name), _clear(buttons.clear), _use(buttons.use)
     {
         setObjectName(u"display.%1"_s.arg(display.id));
         auto *pair = new QWidget;
@@ -39,8 +40,9 @@ public:
         stack->setContentsMargins(0, 0, 0, 0);
         stack->setSpacing(4);
         stack->addWidget(buttons.choose, 0, Qt::AlignRight);
-        if (_clear)
-            stack->addWidget(_clear, 0, Qt::AlignRight);
+        stack->addWidget(_clear, 0, Qt::AlignRight);
+        if (_use)
+            stack->addWidget(_use, 0, Qt::AlignRight);
         _row = new SettingRow(display.name, {}, pair);
         _row->setLeading(new SymbolLabel(theme, u"display"_s, 22, ThemeColor::secondary));
         auto *rows = new QVBoxLayout(this);
@@ -64,8 +66,9 @@ public:
             _row->setNote(refusal, u"bad"_s);
         else
             _row->setNote(display.isPlaying ? doing : QString(), isPaused ? u"warning"_s : u"good"_s);
-        if (_clear)
-            _clear->setVisible(display.videoPath.has_value());
+        _clear->setVisible(display.videoPath.has_value() && display.isUsed);
+        if (_use)
+            _use->setText(display.isUsed ? u"该屏不放壁纸"_s : u"该屏恢复放壁纸"_s);
     }
 
     void setLine(bool visible) { _line->setVisible(visible); }
@@ -78,6 +81,7 @@ private:
     SettingRow *_row;
     QFrame *_line;
     QPushButton *_clear;
+    QPushButton *_use;
 };
 
 WallpaperDisplaysCard::WallpaperDisplaysCard(const ViewContext &context, QWidget *parent)
@@ -125,13 +129,19 @@ WallpaperDisplaysCard::Row *WallpaperDisplaysCard::makeRow(const WallpaperDispla
     buttons.choose = makeButton(_context.theme, {u"displayChoose.%1"_s.arg(display.id), text, {}, {}});
     buttons.choose->setAccessibleDescription(display.name);
     connect(buttons.choose, &QPushButton::clicked, this, [this, display] { chooseFor(display); });
+    const QString forget = display.isMain ? u"不再使用主屏视频"_s : u"清除该屏专属视频，回落主屏视频"_s;
+    buttons.clear =
+        makeButton(_context.theme, {u"displayClear.%1"_s.arg(display.id), forget, {}, u"plain"_s});
+    buttons.clear->setAccessibleDescription(display.name);
+    connect(buttons.clear, &QPushButton::clicked, this,
+            [this, id = display.id] { _context.services.wallpaper.clearDisplayVideo(id); });
     if (!display.isMain) {
-        buttons.clear = makeButton(
-            _context.theme,
-            {u"displayClear.%1"_s.arg(display.id), u"清除该屏专属视频，回落主屏视频"_s, {}, u"plain"_s});
-        buttons.clear->setAccessibleDescription(display.name);
-        connect(buttons.clear, &QPushButton::clicked, this,
-                [this, id = display.id] { _context.services.wallpaper.clearDisplayVideo(id); });
+        buttons.use = makeButton(_context.theme, {u"displayUse.%1"_s.arg(display.id), {}, {}, u"plain"_s});
+        buttons.use->setAccessibleDescription(display.name);
+        connect(buttons.use, &QPushButton::clicked, this, [this, id = display.id] {
+            WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
+            preferences.setDisplayUsed(id, preferences.unusedDisplays().contains(id));
+        });
     }
     return new Row(_context.theme, display, buttons);
 }

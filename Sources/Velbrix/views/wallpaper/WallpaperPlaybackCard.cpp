@@ -82,6 +82,19 @@ void WallpaperPlaybackCard::addSliders()
     follow(preferences, &WallpaperPreferences::volumeChanged, this,
            [volumePace, &preferences] { volumePace->show(qRound(preferences.volume() * 100)); });
 
+    auto *yields = new Switch(_context.theme, u"wallpaperYieldsSound"_s);
+    auto *yield =
+        new SettingRow(u"其他程序发声时静音"_s, u"播放音乐、视频或通话时让出声音，结束后自动恢复"_s, yields);
+    yield->setObjectName(u"wallpaperYield"_s);
+    addRow(yield);
+    connect(yields, &Switch::wanted, this, [&preferences](bool on) { preferences.setYieldsSound(on); });
+    follow(preferences, &WallpaperPreferences::yieldsSoundChanged, this,
+           [yields, &preferences] { yields->setOn(preferences.yieldsSound()); });
+    const SoundPolicy &sound = _context.services.wallpaper.sound();
+    follow(sound, &SoundPolicy::isYieldingChanged, this, [yield, &sound] {
+        yield->setNote(sound.isYielding() ? u"其他程序正在发声，壁纸暂时静音"_s : QString(), u"note"_s);
+    });
+
     auto *speed = new ValueSlider(
         u"wallpaperSpeed"_s,
         {5, 40, 20, {}, [](int place) { return QString::number(place * speedStep, 'f', 2) + u"×"_s; }});
@@ -159,7 +172,8 @@ void WallpaperPlaybackCard::addSwitches()
 {
     WallpaperPreferences &preferences = _context.services.wallpaper.preferences();
     auto *covered = new Switch(_context.theme, u"wallpaperPauseWhenCovered"_s);
-    addRow(new SettingRow(u"被全屏窗口遮住时暂停"_s, u"看不见的壁纸不耗电；露出后自动继续"_s, covered));
+    addRow(new SettingRow(u"被窗口遮住时暂停"_s, u"窗口全屏或最大化后看不见的壁纸不耗电；露出后自动继续"_s,
+                          covered));
     connect(covered, &Switch::wanted, this, [&preferences](bool on) { preferences.setPauseWhenCovered(on); });
     follow(preferences, &WallpaperPreferences::pauseWhenCoveredChanged, this,
            [covered, &preferences] { covered->setOn(preferences.pauseWhenCovered()); });

@@ -22,6 +22,8 @@ QString timeText(double seconds)
 
 QString videoOf(const WallpaperDisplayInfo &display)
 {
+    if (!display.isUsed)
+        return u"不放壁纸，显示原来的桌面图片"_s;
     if (!display.videoPath)
         return display.isMain ? u"还没有视频"_s : u"跟随主屏"_s;
     const QString name = fileName(*display.videoPath);

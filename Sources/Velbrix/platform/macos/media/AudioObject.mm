@@ -20,9 +20,9 @@ AudioObjectPropertyAddress globalProperty(AudioObjectPropertySelector selector)
     return {selector, kAudioObjectPropertyScopeGlobal, kAudioObjectPropertyElementMain};
 }
 
-QList<AudioObjectID> audioDeviceIds()
+QList<AudioObjectID> audioObjects(AudioObjectPropertySelector selector)
 {
-    const AudioObjectPropertyAddress address = globalProperty(kAudioHardwarePropertyDevices);
+    const AudioObjectPropertyAddress address = globalProperty(selector);
     UInt32 size = 0;
     if (AudioObjectGetPropertyDataSize(kAudioObjectSystemObject, &address, 0, nullptr, &size) != noErr)
         return {};
@@ -30,7 +30,7 @@ QList<AudioObjectID> audioDeviceIds()
     if (AudioObjectGetPropertyData(kAudioObjectSystemObject, &address, 0, nullptr, &size, ids.data()) !=
         noErr)
         return {};
-    // A device may have gone between the two calls.
+    // One may have gone between the two calls.
     ids.resize(static_cast<qsizetype>(size / sizeof(AudioObjectID)));
     return ids;
 }

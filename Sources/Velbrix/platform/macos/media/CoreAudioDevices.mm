@@ -25,7 +25,7 @@ QList<AudioDeviceItem> speakerList()
 {
     const AudioObjectID defaultDevice = defaultAudioDevice(kAudioHardwarePropertyDefaultOutputDevice);
     QList<AudioDeviceItem> items;
-    for (const AudioObjectID device : audioDeviceIds()) {
+    for (const AudioObjectID device : audioObjects(kAudioHardwarePropertyDevices)) {
         if (audioChannelCount(device, kAudioObjectPropertyScopeOutput) == 0)
             continue;
         items.append({audioDeviceText(device, kAudioDevicePropertyDeviceUID),
@@ -49,7 +49,7 @@ QList<CaptureMicrophone> captureMicrophones()
 QList<SoundInput> soundInputs()
 {
     QList<SoundInput> inputs;
-    for (const AudioObjectID device : audioDeviceIds()) {
+    for (const AudioObjectID device : audioObjects(kAudioHardwarePropertyDevices)) {
         if (audioChannelCount(device, kAudioObjectPropertyScopeInput) == 0)
             continue;
         inputs.append({device, audioDeviceText(device, kAudioDevicePropertyDeviceUID),
@@ -60,7 +60,7 @@ QList<SoundInput> soundInputs()
 
 Result<void> switchSpeaker(const QString &uid)
 {
-    for (const AudioObjectID device : audioDeviceIds()) {
+    for (const AudioObjectID device : audioObjects(kAudioHardwarePropertyDevices)) {
         if (audioChannelCount(device, kAudioObjectPropertyScopeOutput) == 0 ||
             audioDeviceText(device, kAudioDevicePropertyDeviceUID) != uid)
             continue;

@@ -1,5 +1,6 @@
 #include "platform/linux/media/sound/PulseAudioDevices.h"
 
+#include "platform/linux/media/sound/PulseConnection.h"
 #include "platform/linux/media/sound/PulseWatch.h"
 
 #include <QCoroFuture>
@@ -7,76 +8,10 @@
 
 #include <utility>
 
-#include <pulse/pulseaudio.h>
-
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
 namespace {
-
-constexpr pa_usec_t patience = 5 * PA_USEC_PER_SEC;
-
-// One connection for each question, so that a server that went and came back
-// makes no difference; driven by the thread that asks.
-class Connection {
-public:
-    Connection() : _loop(pa_mainloop_new())
-    {
-        _context = pa_context_new(pa_mainloop_get_api(_loop), "Velbrix");
-        pa_context_connect(_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
-        _deadline = pa_context_rttime_new(
-            _context, pa_rtclock_now() + patience,
-            [](pa_mainloop_api *, pa_time_event *, const timeval *, void *expired) {
-                *static_cast<bool *>(expired) = true;
-            },
-            &_isExpired);
-    }
-    ~Connection()
-    {
-        pa_mainloop_get_api(_loop)->time_free(_deadline);
-        pa_context_disconnect(_context);
-        pa_context_unref(_context);
-        pa_mainloop_free(_loop);
-    }
-    Connection(const Connection &) = delete;
-    Connection &operator=(const Connection &) = delete;
-
-    pa_context *context() const { return _context; }
-
-    Result<void> open()
-    {
-        while (pa_context_get_state(_context) != PA_CONTEXT_READY)
-            if (!step())
-                return failure(u"无法连接声音服务器（PulseAudio）：%1"_s.arg(reason()));
-        return {};
-    }
-    Result<void> finish(pa_operation *operation)
-    {
-        bool isAlive = operation != nullptr;
-        while (isAlive && pa_operation_get_state(operation) == PA_OPERATION_RUNNING)
-            isAlive = step();
-        const bool isDone = isAlive && pa_operation_get_state(operation) == PA_OPERATION_DONE;
-        if (operation)
-            pa_operation_unref(operation);
-        return isDone ? Result<void>() : failure(u"声音服务器没有应答：%1"_s.arg(reason()));
-    }
-
-private:
-    bool step()
-    {
-        return !_isExpired && PA_CONTEXT_IS_GOOD(pa_context_get_state(_context)) &&
-               pa_mainloop_iterate(_loop, 1, nullptr) >= 0;
-    }
-    QString reason() const
-    {
-        return _isExpired ? u"等待超时"_s : QString::fromUtf8(pa_strerror(pa_context_errno(_context)));
-    }
-
-    pa_mainloop *const _loop;
-    pa_context *_context = nullptr;
-    pa_time_event *_deadline = nullptr;
-    bool _isExpired = false;
-};
 
 struct Answer {
     QList<AudioDeviceItem> devices;
@@ -128,7 +63,7 @@ void takeSuccess(pa_context *, int success, void *data)
 template <typename Ask> Result<QList<AudioDeviceItem>> list(Ask ask)
 {
     Answer answered;
-    Connection connection;
+    PulseConnection connection;
     if (auto opened = connection.open(); !opened)
         return std::unexpected(opened.error());
     pa_context *context = connection.context();
@@ -156,7 +91,7 @@ Result<QList<AudioDeviceItem>> listSources()
 Result<void> setDefaultSink(const QByteArray &name)
 {
     Answer answered;
-    Connection connection;
+    PulseConnection connection;
     if (auto opened = connection.open(); !opened)
         return opened;
     if (auto done = connection.finish(
@@ -194,7 +129,7 @@ QCoro::Task<Result<void>> PulseAudioDevices::setDefaultSpeaker(const QString id)
 Observation PulseAudioDevices::observeChanges(std::function<void()> changed)
 {
     if (!_watch) {
-        _watch = std::make_unique<PulseWatch>([this] { announce(); });
+        _watch = std::make_unique<PulseWatch>(PulseWatch::Subject::devices, [this] { announce(); });
         _watch->start();
     }
     return _observers.add(std::move(changed));

@@ -89,7 +89,7 @@ void PulseCapture::contextChanged()
 {
     switch (pa_context_get_state(_context)) {
     case PA_CONTEXT_READY:
-        pulse::subscribeToDevices(_context);
+        pulse::subscribe(_context, pulse::devices);
         chooseSource();
         break;
     case PA_CONTEXT_FAILED:

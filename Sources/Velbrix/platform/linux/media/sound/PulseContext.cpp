@@ -29,11 +29,9 @@ void closeContext(pa_context *&context)
     pa_context_unref(std::exchange(context, nullptr));
 }
 
-void subscribeToDevices(pa_context *context)
+void subscribe(pa_context *context, pa_subscription_mask_t subjects)
 {
-    const auto devices = static_cast<pa_subscription_mask_t>(
-        PA_SUBSCRIPTION_MASK_SERVER | PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SOURCE);
-    if (pa_operation *operation = pa_context_subscribe(context, devices, nullptr, nullptr))
+    if (pa_operation *operation = pa_context_subscribe(context, subjects, nullptr, nullptr))
         pa_operation_unref(operation);
 }
 

@@ -21,8 +21,11 @@ PulseWatch &self(void *data)
 
 } // namespace
 
-PulseWatch::PulseWatch(std::function<void()> changed)
-    : _changed(std::move(changed)), _loop(pa_threaded_mainloop_new()), _retryDelay(firstRetry)
+PulseWatch::PulseWatch(Subject subject, std::function<void()> changed)
+    : _subject(subject),
+      _changed(std::move(changed)),
+      _loop(pa_threaded_mainloop_new()),
+      _retryDelay(firstRetry)
 {
     pa_threaded_mainloop_start(_loop);
 }
@@ -48,10 +51,12 @@ void PulseWatch::connect()
     disconnect();
     const auto changed = [](pa_context *, void *data) { self(data).contextChanged(); };
     const auto happened = [](pa_context *, pa_subscription_event_type_t event, std::uint32_t, void *data) {
-        // Devices also "change" with every turn of a volume knob.
+        // Devices also "change" with every turn of a volume knob; what is played
+        // does so when it pauses.
         const auto facility = event & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
         const auto kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
-        if (facility == PA_SUBSCRIPTION_EVENT_SERVER || kind != PA_SUBSCRIPTION_EVENT_CHANGE)
+        if (facility == PA_SUBSCRIPTION_EVENT_SERVER || facility == PA_SUBSCRIPTION_EVENT_SINK_INPUT ||
+            kind != PA_SUBSCRIPTION_EVENT_CHANGE)
             self(data)._changed();
     };
     _context = pulse::makeContext(_loop, changed, happened, this);
@@ -66,12 +71,14 @@ void PulseWatch::disconnect()
 
 void PulseWatch::contextChanged()
 {
+    const bool isOfPlayback = _subject == Subject::playback;
     const pa_context_state_t state = pa_context_get_state(_context);
     if (state == PA_CONTEXT_READY) {
         _retryDelay = firstRetry;
-        pulse::subscribeToDevices(_context);
-        if (!std::exchange(_hasServer, true))
-            _changed(); // the devices came back with the server
+        pulse::subscribe(_context, isOfPlayback ? PA_SUBSCRIPTION_MASK_SINK_INPUT : pulse::devices);
+        // The devices came back with the server; something may play already.
+        if (!std::exchange(_hasServer, true) || isOfPlayback)
+            _changed();
     } else if (state == PA_CONTEXT_FAILED) {
         retryLater();
         if (std::exchange(_hasServer, false))

@@ -10,12 +10,15 @@ struct pa_time_event;
 namespace velbrix {
 
 // Is told by the sound server when devices are added, removed or become the
-// default; nothing runs in between. While there is no server it looks for one,
-// less and less often. Call from one thread.
+// default, or what programs play begins, rests or ends; nothing runs in between.
+// While there is no server it looks for one, less and less often. Call from one
+// thread.
 class PulseWatch {
 public:
-    // Called on a thread of its own.
-    explicit PulseWatch(std::function<void()> changed);
+    enum class Subject { devices, playback };
+
+    // Called on a thread of its own; of playback also once in the beginning.
+    PulseWatch(Subject subject, std::function<void()> changed);
     // No call comes after it.
     ~PulseWatch();
     PulseWatch(const PulseWatch &) = delete;
@@ -30,6 +33,7 @@ private:
     void retryLater();
     void stopRetrying();
 
+    const Subject _subject;
     const std::function<void()> _changed;
     pa_threaded_mainloop *const _loop;
     // With the loop's lock:
