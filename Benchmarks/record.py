@@ -165,7 +165,7 @@ class Run:
         movie = movies.only_movie(self.folder)
         self.megabytes = movie.stat().st_size / 1e6
         self.repeated = self.lost = self.start = None
-        if mode != "idle":
+        if mode not in ("idle", "pointer"):
             counts = movies.frame_counts(movie)
             self.repeated, self.lost = movies.repeated_and_lost(counts)
             # A count stands for one period of the scene; its middle is the best guess.
@@ -344,7 +344,7 @@ def main():
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--seconds", type=float, default=8)
     parser.add_argument("--fps", type=int, nargs="+", default=[30, 60])
-    parser.add_argument("--scenes", nargs="+", default=["scroll", "desk", "whole", "idle"])
+    parser.add_argument("--scenes", nargs="+", default=["scroll", "desk", "whole", "pointer", "idle"])
     parser.add_argument("--parts", nargs="+", default=["cpu", "ssim", "rest", "sound", "kill"])
     parser.add_argument("--no-sound", dest="sound", action="store_false", help="measure CPU without the sound")
     options = parser.parse_args()

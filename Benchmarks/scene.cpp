@@ -4,6 +4,7 @@
 //   part    a picture of 1280x720 moves in the middle of a still page
 //   desk    typing, pointer moves and a panel every 3 s: little changes
 //   idle    nothing changes
+//   pointer the pointer moves over a still page at every tick
 //   rest    scrolls for six seconds, then nothing changes
 //   whole   as desk, but the whole screen is painted at every tick, as some compositors do
 // The count is a row of 24 squares of 16 pixels, lowest bit first, white is 1. "ready T" is printed when the
@@ -268,6 +269,11 @@ public:
 
     void tick(int count)
     {
+        if (_mode == "pointer") {
+            circlePointer(count);
+            _screen.finish();
+            return;
+        }
         if (_mode == "idle" || (_mode == "rest" && count >= _restTicks))
             return;
         if (_mode == "scroll" || _mode == "rest")
@@ -296,6 +302,14 @@ private:
         _barcode.put(_countWindow, {0, 0, barcodeBits * barcodeSquare, barcodeSquare}, 0, 0);
     }
 
+    void circlePointer(int count)
+    {
+        const double middleX = _screen.width() / 2.0;
+        const double middleY = _screen.height() / 2.0;
+        _screen.movePointer(static_cast<int>(middleX + middleX / 2 * std::cos(count * 0.05)),
+                            static_cast<int>(middleY + middleY / 2 * std::sin(count * 0.05)));
+    }
+
     void workAtDesk(int count)
     {
         const int middleX = _screen.width() / 2;
@@ -307,8 +321,7 @@ private:
             _page.put(_target, glyph, 200 + letter % 90 * glyphWidth, 300 + letter / 90 % 20 * lineHeight);
         }
         if (count / 60 % 2 == 0)
-            _screen.movePointer(middleX + static_cast<int>(middleX / 2.0 * std::cos(count * 0.05)),
-                                middleY + static_cast<int>(middleY / 2.0 * std::sin(count * 0.05)));
+            circlePointer(count);
         if (count % 180 == 0)
             _page.put(_target, {middleX / 2, _dice.below(_screen.height() * 2 - 400), 700, 400},
                       middleX * 8 / 7, middleY);
@@ -333,9 +346,9 @@ int main(int argc, char **argv)
     const std::string_view mode = argc == 4 ? argv[1] : "";
     const double fps = argc == 4 ? std::atof(argv[2]) : 0;
     const bool isKnown = mode == "scroll" || mode == "part" || mode == "desk" || mode == "idle" ||
-                         mode == "rest" || mode == "whole";
+                         mode == "rest" || mode == "whole" || mode == "pointer";
     if (!isKnown || fps <= 0) {
-        std::fputs("usage: scene scroll|part|desk|idle|rest|whole FPS SECONDS\n", stderr);
+        std::fputs("usage: scene scroll|part|desk|idle|rest|whole|pointer FPS SECONDS\n", stderr);
         return 2;
     }
     Scene scene(mode, fps);
