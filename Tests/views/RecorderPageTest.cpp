@@ -180,6 +180,11 @@ private Q_SLOTS:
         rig.find<QLineEdit>(u"movieName"_s)->setText(u"丢掉"_s);
         rig.key(Qt::Key_Escape);
         rig.click(u"renameMovie"_s);
+        rig.find<QLineEdit>(u"movieName"_s)->setText(u"会/议"_s);
+        rig.key(Qt::Key_Return);
+        QVERIFY(rig.untilFound(u"movieName"_s));
+        QVERIFY(shown().contains(u"名称不能以点开头，也不能包含 / 或换行"_s));
+        QCOMPARE(rig.find<QLineEdit>(u"movieName"_s)->text(), u"会/议"_s); // to be mended
         rig.find<QLineEdit>(u"movieName"_s)->setText(u"会议"_s);
         rig.key(Qt::Key_Return);
         QVERIFY(rig.until([&] { return shown().contains(u"会议.mp4"_s); }));

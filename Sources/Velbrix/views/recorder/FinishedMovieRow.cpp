@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -60,12 +61,13 @@ FinishedMovieRow::FinishedMovieRow(const ViewContext &context, QWidget *parent)
     FinishedRecording &finished = context.services.recorder.finished();
     connect(_tile, &MovieTile::clicked, this, [this] { play(); });
     connect(_tile, &MovieTile::dropped, this, [&finished] { finished.look(); });
-    connect(_newName, &QLineEdit::editingFinished, this, [this] { endEditing(true); });
+    connect(_newName, &QLineEdit::editingFinished, this, [this] { rename(); });
     const auto again = [this] { refresh(); };
     for (const auto signal : {&FinishedRecording::pathChanged, &FinishedRecording::placeChanged,
                               &FinishedRecording::thumbnailChanged, &FinishedRecording::problemChanged,
                               &FinishedRecording::canPutBackChanged})
         connect(&finished, signal, this, again);
+    connect(&finished, &FinishedRecording::problemChanged, this, [this] { reopenRefused(); });
     connect(&context.services.recorder.session(), &RecordingSession::outcomeChanged, this, again);
     refresh();
 }
@@ -86,7 +88,8 @@ QWidget *FinishedMovieRow::makeButtons()
     _play = add({u"playMovie"_s, u"播放"_s, u"play.fill"_s, u"primary"_s}, [this] { play(); });
     _reveal = add({u"revealMovie"_s, u"在文件夹中显示"_s, u"folder"_s, {}},
                   [this, &finished] { _context.reveal(finished.path()); });
-    _rename = add({u"renameMovie"_s, u"重命名"_s, {}, u"plain"_s}, [this] { editName(); });
+    _rename = add({u"renameMovie"_s, u"重命名"_s, {}, u"plain"_s},
+                  [this, &finished] { editName(QFileInfo(finished.path()).completeBaseName()); });
     _trash = add({u"trashMovie"_s, u"移到废纸篓"_s, {}, u"plain"_s}, [&finished] { finished.moveToTrash(); });
     _putBack = add({u"putBackMovie"_s, u"放回原处"_s, u"arrow.uturn.backward"_s, {}},
                    [&finished] { finished.putBack(); });
@@ -106,7 +109,7 @@ bool FinishedMovieRow::eventFilter(QObject *, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent *>(event)->key() != Qt::Key_Escape)
         return false;
-    endEditing(false);
+    endEditing();
     return true;
 }
 
@@ -133,7 +136,7 @@ void FinishedMovieRow::refresh()
     for (QPushButton *button : {_play, _reveal, _rename, _trash, _putBack})
         button->setAccessibleDescription(name);
     if (!isThere)
-        endEditing(false);
+        endEditing();
 }
 
 QString FinishedMovieRow::factsText() const
@@ -165,16 +168,34 @@ void FinishedMovieRow::play()
     });
 }
 
-void FinishedMovieRow::editName()
+void FinishedMovieRow::editName(const QString &name)
 {
-    _newName->setText(QFileInfo(_context.services.recorder.finished().path()).completeBaseName());
+    _newName->setText(name);
     _name->hide();
     _newName->show();
     _newName->selectAll();
     _newName->setFocus();
 }
 
-void FinishedMovieRow::endEditing(bool takesName)
+void FinishedMovieRow::rename()
+{
+    if (_newName->isHidden())
+        return;
+    _enteredName = _newName->text();
+    endEditing();
+    _context.services.recorder.finished().rename(*_enteredName);
+}
+
+// A name that was refused is there to be mended, unless the user has gone on to something else.
+void FinishedMovieRow::reopenRefused()
+{
+    if (_context.services.recorder.finished().problem().isEmpty() || !_rename->hasFocus())
+        return;
+    if (const auto name = std::exchange(_enteredName, std::nullopt))
+        editName(*name);
+}
+
+void FinishedMovieRow::endEditing()
 {
     if (_newName->isHidden())
         return;
@@ -183,8 +204,6 @@ void FinishedMovieRow::endEditing(bool takesName)
     _name->show();
     if (hadFocus)
         _rename->setFocus();
-    if (takesName)
-        _context.services.recorder.finished().rename(_newName->text());
 }
 
 } // namespace velbrix

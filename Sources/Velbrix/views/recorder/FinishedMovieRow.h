@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class QHBoxLayout;
 class QLabel;
 class QLineEdit;
@@ -29,14 +31,17 @@ private:
     QString factsText() const;
     QString noteText() const;
     void play();
-    void editName();
-    void endEditing(bool takesName);
+    void editName(const QString &name);
+    void rename();
+    void endEditing();
+    void reopenRefused();
 
     ViewContext _context;
     MovieTile *_tile;
     QLabel *_title;
     ElidedLabel *_name;
     QLineEdit *_newName;
+    std::optional<QString> _enteredName; // the last one
     QLabel *_facts;
     QLabel *_note;
     QPushButton *_play = nullptr;
