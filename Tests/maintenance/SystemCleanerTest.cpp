@@ -6,6 +6,7 @@
 #include "support/SettingsRig.h"
 #include "support/Test.h"
 
+#include <QCoroTask>
 #include <QJsonArray>
 
 #include <unistd.h>
@@ -62,6 +63,7 @@ struct Rig : SettingsRig {
         return *cleaner;
     }
 
+    Result<void> add(const QString &folder) { return QCoro::waitFor(cleaner->addCustomPath(folder)); }
     void put(const QStringList &files) { writeFiles(home.path(), files); }
 
     QString sizeOf(const QString &id) const
@@ -124,7 +126,7 @@ private Q_SLOTS:
         QCOMPARE(rig.sizeOf(u"browser"_s), u"待计算"_s);
         // Nothing later is held up by it.
         QVERIFY(QDir().mkpath(rig.path(u"mine"_s)));
-        QVERIFY(rig.cleaner->addCustomPath(rig.path(u"mine"_s)));
+        QVERIFY(rig.add(rig.path(u"mine"_s)));
         const QString custom = rig.cleaner->items().last().id;
         QTRY_COMPARE((rig.clock.advance(1s), rig.sizeOf(custom)), u"无数据"_s);
     }
@@ -156,18 +158,18 @@ private Q_SLOTS:
         rig.put({u"mine/file"_s});
         SystemCleaner &cleaner = *rig.cleaner;
         for (const QString &none : {u"nowhere"_s, u"mine/file"_s})
-            QCOMPARE(cleaner.addCustomPath(rig.path(none)).error().message, u"请选择存在的文件夹"_s);
-        QVERIFY(cleaner.addCustomPath(rig.home.path() + u"/mine/../mine//"_s));
+            QCOMPARE(rig.add(rig.path(none)).error().message, u"请选择存在的文件夹"_s);
+        QVERIFY(rig.add(rig.home.path() + u"/mine/../mine//"_s));
         const CleanupItem custom = cleaner.items().last();
         const QString mine = rig.path(u"mine"_s);
         const QString id = u"custom-"_s + QString::fromLatin1(mine.toUtf8().toBase64());
         QCOMPARE(custom, (CleanupItem{id, u"mine"_s, u"folder.badge.plus"_s, mine, true, u"待计算"_s, mine}));
         QCOMPARE(cleaner.group(id), CleanupGroup::custom);
-        QCOMPARE(cleaner.addCustomPath(mine).error().message, u"该路径已添加"_s);
+        QCOMPARE(rig.add(mine).error().message, u"该路径已添加"_s);
         QTRY_COMPARE(rig.sizeOf(custom.id), u"无数据"_s);
         // Places nobody wants emptied.
         for (const QString &place : {u"/"_s, u"/usr"_s, QDir::homePath()})
-            QVERIFY(!cleaner.addCustomPath(place));
+            QVERIFY(!rig.add(place));
     }
 
     void customFoldersAreRemembered()
@@ -177,9 +179,9 @@ private Q_SLOTS:
         for (int i = 0; i <= SystemCleaner::maxCustomPathsAllowed; ++i) {
             paths.append(rig.path(QString::number(i)));
             QVERIFY(QDir().mkpath(paths.last()));
-            QCOMPARE(errorText(rig.cleaner->addCustomPath(paths.last())),
-                     i < SystemCleaner::maxCustomPathsAllowed ? QString()
-                                                              : u"最多可添加 10 个自定义文件夹"_s);
+            QCOMPARE(errorText(rig.add(paths.last())), i < SystemCleaner::maxCustomPathsAllowed
+                                                           ? QString()
+                                                           : u"最多可添加 10 个自定义文件夹"_s);
         }
         rig.cleaner->removeCustomPath(rig.cleaner->items()[5].id);
         QCOMPARE(rig.store.json(u"VelbClean_CustomPaths"_s)->toArray().first().toString(), paths[1]);
@@ -201,7 +203,7 @@ private Q_SLOTS:
             writeFile(rig.path(u"cache/"_s + name), QByteArray(bytes, 'x'));
         QVERIFY(QDir().mkpath(rig.path(u"mine/sub"_s)));
         SystemCleaner &cleaner = *rig.cleaner;
-        QVERIFY(cleaner.addCustomPath(rig.path(u"mine"_s)));
+        QVERIFY(rig.add(rig.path(u"mine"_s)));
         cleaner.setSelected(u"dns"_s, true);
         rig.finish();
         const qint64 folders =
@@ -302,7 +304,7 @@ private Q_SLOTS:
         Rig rig;
         rig.put({u"real/browser/mine/file"_s, u"real/browser/other"_s});
         QVERIFY(QFile::link(rig.path(u"real"_s), rig.path(u"cache"_s)));
-        QVERIFY(rig.cleaner->addCustomPath(rig.path(u"real/browser/mine"_s)));
+        QVERIFY(rig.add(rig.path(u"real/browser/mine"_s)));
         rig.finish();
         QCOMPARE(rig.cleaned({u"browser"_s}), QStringList{u"real/browser/mine/file"_s});
     }
@@ -321,7 +323,7 @@ private Q_SLOTS:
         QTRY_COMPARE((rig.clock.advance(50ms), rig.sizeOf(u"caches"_s)), u"无数据"_s);
         rig.cleaner->details().open(u"caches"_s);
         QTRY_COMPARE(rig.cleaner->details().contents().value(u"caches"_s).problem, told);
-        QVERIFY(errorText(rig.cleaner->addCustomPath(rig.path(u"cache"_s))).startsWith(u"这是一个链接"_s));
+        QVERIFY(errorText(rig.add(rig.path(u"cache"_s))).startsWith(u"这是一个链接"_s));
     }
 
     void onlyWhatGoesIsCounted()
@@ -370,22 +372,31 @@ private Q_SLOTS:
         QCOMPARE(cleaner.report().skipped, QStringList{u"apps（org.velb.Busy）"_s});
     }
 
-    void whatIsYoungIsNeitherListedNorCounted()
+    void onlyWhatIsSurelyOldIsListedAndCounted()
     {
         Rig rig;
-        rig.put({u"tmp/young"_s});
+        rig.put({u"tmp/file"_s});
         CleanupRule temporary;
         temporary.item = {u"temp"_s, u"temp"_s, u"trash"_s, {}, true, u"计算中…"_s, {}};
         temporary.target = {u"temp"_s, u"temp"_s, rig.path(u"tmp"_s), {}, false};
         temporary.onlyOldOwnFiles = true;
-        SystemCleaner cleaner({rig.usage, rig.trash, rig.admin, rig.programs}, rig.store, rig.clock,
-                              {temporary}, {});
-        cleaner.details().open(u"temp"_s);
-        QTRY_VERIFY(!cleaner.details().contents().value(u"temp"_s).note.isEmpty());
-        QVERIFY(cleaner.details().contents().value(u"temp"_s).entries.isEmpty());
-        cleaner.clean();
-        QTRY_VERIFY((rig.clock.advance(50ms), !cleaner.isWorking()));
-        QCOMPARE(cleaner.report().outcome, CleanupPhase::done(0, 0));
+        // That the program was running while the file was young shows that the clock has jumped.
+        VirtualClock jumped(QFileInfo(rig.path(u"tmp/file"_s)).lastModified().addYears(1));
+        SystemCleaner cleaner({rig.usage, rig.trash, rig.admin, rig.programs}, rig.store, jumped, {temporary},
+                              {});
+        for (const bool isOld : {false, true}) {
+            cleaner.details().open(u"temp"_s);
+            QTRY_VERIFY(!cleaner.details().contents().value(u"temp"_s).isMeasuring);
+            const CleanupContents contents = cleaner.details().contents().value(u"temp"_s);
+            QCOMPARE(contents.entries.size(), isOld ? 1 : 0);
+            QCOMPARE(contents.note.isEmpty(), isOld);
+            cleaner.clean();
+            QTRY_VERIFY((jumped.advance(50ms), !cleaner.isWorking()));
+            QCOMPARE(cleaner.report().outcome.cleanedCount, isOld ? 1 : 0);
+            jumped.advance(24h);
+            cleaner.details().close(u"temp"_s);
+        }
+        QVERIFY(!QFileInfo::exists(rig.path(u"tmp/file"_s)));
     }
 
     void linksLaidByOthersAreNotFollowed()
@@ -429,14 +440,16 @@ private Q_SLOTS:
         QCOMPARE(rig.cleaner->report().skipped, QStringList{u"browser"_s});
 
         rig.cleaner->clean({u"browser"_s});
+        rig.finish();
         QCOMPARE(rig.cleaner->phase(), CleanupPhase::failed(u"所选项目的应用正在运行，没有清理"_s));
         rig.cleaner->setForced(u"browser"_s, true);
         QCOMPARE(rig.cleaned({u"browser"_s}), QStringList());
         // Started while another item is cleaned.
         rig.make();
-        rig.put({u"cache/browser/page"_s});
+        rig.put({u"cache/browser/page"_s, u"cache/other"_s});
         rig.programs.names.clear();
         rig.cleaner->clean({u"caches"_s, u"browser"_s});
+        QTRY_VERIFY(!QFileInfo::exists(rig.path(u"cache/other"_s)));
         rig.programs.names = {u"browser"_s};
         rig.finish();
         QCOMPARE(rig.cleaner->report().skipped, QStringList{u"browser"_s});

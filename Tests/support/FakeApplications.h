@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Paths.h"
 #include "platform/AdminShell.h"
 #include "platform/ApplicationCatalog.h"
 #include "platform/RunningPrograms.h"
@@ -89,17 +90,29 @@ public:
     QStringList executables; // of what runs
     std::optional<QSet<QByteArray>> sockets = QSet<QByteArray>();
 
-    QSet<QString> running(const QStringList &wanted) const override
+    QCoro::Task<QSet<QString>> running(QStringList wanted) const override
     {
-        return QSet<QString>(wanted.begin(), wanted.end()).intersect(names);
+        co_await _answer.after();
+        const QSet<QString> found = QSet<QString>(wanted.begin(), wanted.end()).intersect(names);
+        co_return found;
     }
-    bool runsFrom(const QString &path) const override
+    QCoro::Task<bool> runsFrom(QStringList paths) const override
     {
-        return std::ranges::any_of(executables, [&](const QString &executable) {
-            return executable == path || executable.startsWith(path + u'/');
+        co_await _answer.after();
+        const bool isFound = std::ranges::any_of(executables, [&](const QString &executable) {
+            return std::ranges::any_of(paths,
+                                       [&](const QString &path) { return isWithin(executable, path); });
         });
+        co_return isFound;
     }
-    std::optional<QSet<QByteArray>> boundSockets() const override { return sockets; }
+    QCoro::Task<std::optional<QSet<QByteArray>>> boundSockets() const override
+    {
+        co_await _answer.after();
+        co_return std::as_const(sockets);
+    }
+
+private:
+    mutable AnswerTime _answer;
 };
 
 } // namespace velbrix::test

@@ -108,7 +108,7 @@ private Q_SLOTS:
         QCOMPARE(rig.services->settings.json(CleanupChoices::selectionKey)->toArray(), QJsonArray());
         rig.click(u"cleanupClean"_s);
         QVERIFY(!rig.find(u"noticeSheet"_s) && !rig.find(u"confirmation"_s));
-        QCOMPARE(rig.text(u"cleanupResult"_s), u"没有选择任何清理项"_s);
+        QTRY_COMPARE(rig.text(u"cleanupResult"_s), u"没有选择任何清理项"_s);
         rig.click(u"cleanupCheck."_s + chrome);
         QVERIFY(!rig.find(u"cleanupOutcome"_s));
     }
@@ -306,10 +306,12 @@ private Q_SLOTS:
         };
         QVERIFY(!dropped(u"build/object"_s)); // a file
         QVERIFY(dropped(u"build"_s));
+        const QString id = customRule(rig.place(u"build"_s)).item.id;
+        QTRY_VERIFY(rig.find(u"cleanupRow."_s + id));
         QVERIFY(!rig.find(u"cleanupAddProblem"_s));
         QVERIFY(dropped(u"build"_s));
-        QCOMPARE(rig.texts(u"cleanupAddProblem"_s), (QStringList{u"添加失败"_s, u"build：该路径已添加"_s}));
-        const QString id = rig.cleaner().items().last().id;
+        QTRY_COMPARE(rig.texts(u"cleanupAddProblem"_s),
+                     (QStringList{u"添加失败"_s, u"build：该路径已添加"_s}));
         QTRY_COMPARE(rig.size(id), u"4 MB"_s);
         QVERIFY(rig.check(id)->isChecked());
         rig.cleaner().setAllSelected(false);
@@ -325,6 +327,7 @@ private Q_SLOTS:
         rig.put(u"more/object"_s, 1);
         QVERIFY(
             drop(rig.find(u"cleanupCustom"_s), {twice, twice, QUrl::fromLocalFile(rig.place(u"more"_s))}));
+        QTRY_VERIFY(rig.find(u"cleanupRow."_s + customRule(rig.place(u"more"_s)).item.id));
         QCOMPARE(rig.texts(u"cleanupAddProblem"_s).last(), u"build：该路径已添加"_s);
     }
 };

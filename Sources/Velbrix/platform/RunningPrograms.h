@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoroTask>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -9,7 +10,8 @@
 
 namespace velbrix {
 
-// What the user's session is running at this moment. Main thread.
+// What the user's session is running at this moment. Main thread; what takes time is
+// done off it.
 class RunningPrograms {
 public:
     virtual ~RunningPrograms() = default;
@@ -17,12 +19,12 @@ public:
     // Those of the names that run. Names are what the host tells programs
     // apart by: macOS the bundle identifier, Linux the executable's file name or
     // that of the sandbox.
-    virtual QSet<QString> running(const QStringList &names) const = 0;
-    // Whether a program runs whose executable lies at or below the path.
-    virtual bool runsFrom(const QString &path) const = 0;
+    virtual QCoro::Task<QSet<QString>> running(QStringList names) const = 0;
+    // Whether a program runs whose executable lies at or below one of the paths.
+    virtual QCoro::Task<bool> runsFrom(QStringList paths) const = 0;
     // The paths of all sockets that somebody listens on; nothing when the
     // host does not tell.
-    virtual std::optional<QSet<QByteArray>> boundSockets() const = 0;
+    virtual QCoro::Task<std::optional<QSet<QByteArray>>> boundSockets() const = 0;
 };
 
 } // namespace velbrix

@@ -5,6 +5,8 @@
 #include "support/FileTree.h"
 #include "support/Test.h"
 
+#include <QCoroTask>
+
 class RunningProgramsTest : public QObject {
     Q_OBJECT
 
@@ -15,16 +17,24 @@ class RunningProgramsTest : public QObject {
     {
         return standIn(_folder + u'/' + name, readFile(u"/bin/sleep"_s));
     }
+    static QSet<QString> runningOf(const RunningPrograms &programs, const QStringList &names)
+    {
+        return QCoro::waitFor(programs.running(names));
+    }
+    bool runsFrom(const RunningPrograms &programs, const QString &path) const
+    {
+        return QCoro::waitFor(programs.runsFrom({_folder + u"/absent"_s, path}));
+    }
     // The same for the fake and the real one, while "app/velb-sleeper" runs.
     void knowsTheSleeper(const RunningPrograms &programs)
     {
-        QCOMPARE(programs.running({u"velb-sleeper"_s, u"velb-nobody"_s, u""_s}),
+        QCOMPARE(runningOf(programs, {u"velb-sleeper"_s, u"velb-nobody"_s, u""_s}),
                  QSet<QString>{u"velb-sleeper"_s});
-        QVERIFY(programs.running({}).isEmpty());
-        QVERIFY(programs.runsFrom(_folder + u"/app/velb-sleeper"_s));
-        QVERIFY(programs.runsFrom(_folder + u"/app"_s));
-        QVERIFY(!programs.runsFrom(_folder + u"/ap"_s));
-        QVERIFY(!programs.runsFrom(_folder + u"/app/velb"_s));
+        QVERIFY(runningOf(programs, {}).isEmpty());
+        QVERIFY(runsFrom(programs, _folder + u"/app/velb-sleeper"_s));
+        QVERIFY(runsFrom(programs, _folder + u"/app"_s));
+        QVERIFY(!runsFrom(programs, _folder + u"/ap"_s));
+        QVERIFY(!runsFrom(programs, _folder + u"/app/velb"_s));
     }
 
 private Q_SLOTS:
@@ -37,18 +47,18 @@ private Q_SLOTS:
         fake.executables = {_folder + u"/app/velb-sleeper"_s};
         knowsTheSleeper(fake);
         const ProcPrograms programs;
-        QVERIFY(!programs.runsFrom(_folder + u"/app"_s));
+        QVERIFY(!runsFrom(programs, _folder + u"/app"_s));
         {
             const RunningProgram sleeper(program(u"app/velb-sleeper"_s), {u"600"_s});
-            QTRY_VERIFY(programs.runsFrom(_folder + u"/app"_s));
+            QTRY_VERIFY(runsFrom(programs, _folder + u"/app"_s));
             knowsTheSleeper(programs);
             QVERIFY(QFile::link(_folder + u"/app"_s, _folder + u"/link"_s));
-            QVERIFY(programs.runsFrom(_folder + u"/link"_s));
+            QVERIFY(runsFrom(programs, _folder + u"/link"_s));
             // Replaced while it runs, as updates do.
             QVERIFY(QFile::remove(_folder + u"/app/velb-sleeper"_s));
             knowsTheSleeper(programs);
         }
-        QVERIFY(programs.running({u"velb-sleeper"_s}).isEmpty());
+        QVERIFY(runningOf(programs, {u"velb-sleeper"_s}).isEmpty());
     }
 
     void aScriptGoesByItsOwnName()
@@ -59,9 +69,9 @@ private Q_SLOTS:
         // Names it only, and does not run it.
         const RunningProgram other(program(u"velb-other"_s), {u"600"_s, u"velb-named"_s});
         const ProcPrograms programs;
-        QTRY_COMPARE(programs.running({u"velb-script-of-a-long-name"_s, u"velb-named"_s}),
+        QTRY_COMPARE(runningOf(programs, {u"velb-script-of-a-long-name"_s, u"velb-named"_s}),
                      QSet<QString>{u"velb-script-of-a-long-name"_s});
-        QVERIFY(programs.runsFrom(_folder + u"/scripts"_s));
+        QVERIFY(runsFrom(programs, _folder + u"/scripts"_s));
     }
 
     void javaAndSandboxesGoByWhatTheyRun()
@@ -78,11 +88,11 @@ private Q_SLOTS:
             environment);
         const QSet<QString> names{u"velb.jar"_s, u"Velb2024.1"_s, u"org.velb.App"_s, u"snap.velb_2"_s};
         const ProcPrograms programs;
-        QTRY_COMPARE(programs.running(names.values() + QStringList{u"b.jar"_s, u"velb_2"_s}), names);
-        QVERIFY(programs.runsFrom(archive) && programs.runsFrom(_folder + u"/library"_s));
-        QVERIFY(!programs.runsFrom(_folder + u"/librar"_s));
-        QVERIFY(programs.runsFrom(_folder + u"/tool/bin/start.sh"_s));
-        QVERIFY(!programs.runsFrom(_folder + u"/other/bin/start.sh"_s));
+        QTRY_COMPARE(runningOf(programs, names.values() + QStringList{u"b.jar"_s, u"velb_2"_s}), names);
+        QVERIFY(runsFrom(programs, archive) && runsFrom(programs, _folder + u"/library"_s));
+        QVERIFY(!runsFrom(programs, _folder + u"/librar"_s));
+        QVERIFY(runsFrom(programs, _folder + u"/tool/bin/start.sh"_s));
+        QVERIFY(!runsFrom(programs, _folder + u"/other/bin/start.sh"_s));
     }
 
     void readsTheSandboxFromTheControlGroups()
@@ -103,10 +113,10 @@ private Q_SLOTS:
         const ProcPrograms programs;
         // What it starts is not the image.
         const RunningProgram child(program(u"velb-child"_s), {u"600"_s}, environment);
-        QTRY_VERIFY(programs.runsFrom(_folder + u"/velb-child"_s));
-        QVERIFY(!programs.runsFrom(image));
+        QTRY_VERIFY(runsFrom(programs, _folder + u"/velb-child"_s));
+        QVERIFY(!runsFrom(programs, image));
         const RunningProgram inside(program(u".mount_Velb/usr/bin/velb-inside"_s), {u"600"_s}, environment);
-        QTRY_VERIFY(programs.runsFrom(image));
+        QTRY_VERIFY(runsFrom(programs, image));
     }
 
     void knowsTheSocketsInUse()
@@ -114,7 +124,7 @@ private Q_SLOTS:
         const QByteArray base = QFile::encodeName(_folder);
         const int open[] = {tree::socket(base + "/stream"), tree::socket(base + "/line\nbreak \xff")};
         ::close(tree::socket(base + "/closed"));
-        const auto sockets = ProcPrograms().boundSockets();
+        const auto sockets = QCoro::waitFor(ProcPrograms().boundSockets());
         for (const int descriptor : open)
             ::close(descriptor);
         QVERIFY(sockets && sockets->contains(base + "/stream") &&

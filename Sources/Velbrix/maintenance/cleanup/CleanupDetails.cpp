@@ -94,14 +94,15 @@ QCoro::Task<CleanupContents> CleanupDetails::list(QString id, QStringList ids)
     const CleanupRule *const rule = _table.rule(id);
     if (!rule)
         co_return contents;
-    const CleanupBounds bounds = _bounds(*rule, ids);
+    const CleanupBounds bounds = co_await _bounds(*rule, ids);
     auto listing = QtConcurrent::run(&cleanupThreads(), cleanableEntries, bounds);
     const CleanableEntries found = co_await listing;
     if (!self)
         co_return contents;
     contents.problem = found.problem;
     if (found.notOldEnough > 0)
-        contents.note = u"另有 %1 个条目属于其他用户或 24 小时内改动过，保留"_s.arg(found.notOldEnough);
+        contents.note =
+            u"另有 %1 个条目属于其他用户，或还不能确认已 24 小时未改动，保留"_s.arg(found.notOldEnough);
     const bool withFolder = bounds.folders.size() > 1 && !bounds.isTrash;
     QSet<QByteArray> missing = _choices.excludedOf(id);
     for (const CleanableEntries::Entry &entry : found.entries) {

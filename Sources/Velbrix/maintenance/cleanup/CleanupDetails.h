@@ -31,7 +31,7 @@ class CleanupDetails final : public QObject {
 public:
     // Those of the item's cleaning at that moment, together with these items; with
     // the selected ones when none are named.
-    using Bounds = std::function<CleanupBounds(const CleanupRule &rule, const QStringList &ids)>;
+    using Bounds = std::function<QCoro::Task<CleanupBounds>(const CleanupRule &rule, const QStringList &ids)>;
 
     CleanupDetails(const CleanupTable &table, CleanupChoices &choices, Bounds bounds, DiskUsage &usage,
                    Clock &clock);

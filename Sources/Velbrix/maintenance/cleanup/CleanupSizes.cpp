@@ -73,22 +73,24 @@ bool isHidden(const QByteArray &name)
 } // namespace
 
 // A folder above that is a link is the folder it leads to, as for the cleaning.
-QList<CleanupSizes::Folder> CleanupSizes::lookUp(const QList<Wanted> &wanted)
+QList<CleanupSizes::Folder> CleanupSizes::lookUp(const Wanted &wanted)
 {
+    const bool isTrash = wanted.rule.item.id == trashItemId;
+    const bool isEmptied = !wanted.rule.target.command && !isTrash;
     QList<Folder> folders;
-    for (const Wanted &each : wanted) {
-        const QString canonical = canonicalPath(each.folder);
-        const bool isLeftAlone = each.isEmptied && QFileInfo(each.folder).isSymbolicLink();
+    for (const QString &path : isTrash ? wanted.trash : measuredFolders(wanted.rule)) {
+        const QString canonical = canonicalPath(path);
+        const bool isLeftAlone = isEmptied && QFileInfo(path).isSymbolicLink();
         Folder folder;
-        folder.path = QFile::encodeName(canonical.isEmpty() ? each.folder : canonical);
+        folder.path = QFile::encodeName(canonical.isEmpty() ? path : canonical);
         folder.isEmpty = isLeftAlone || isEmptyFolder(canonical);
-        if (each.isEmptied && !folder.isEmpty) {
+        if (isEmptied && !folder.isEmpty) {
             for (const QByteArray &name :
                  FolderHandle::open(folder.path).names().value_or(QList<QByteArray>())) {
                 if (isHidden(name))
                     folder.staying.append(folder.path + '/' + name);
             }
-            for (const QString &pattern : each.spared) {
+            for (const QString &pattern : wanted.rule.sparedPaths) {
                 for (const QString &place : matchingFolders(pattern))
                     folder.staying.append(canonicalPath(QFile::encodeName(place)));
             }
@@ -98,31 +100,41 @@ QList<CleanupSizes::Folder> CleanupSizes::lookUp(const QList<Wanted> &wanted)
     return folders;
 }
 
+QList<QList<CleanupSizes::Folder>> CleanupSizes::lookUpAll(const QList<Wanted> &wanted)
+{
+    QList<QList<Folder>> all;
+    for (const Wanted &each : wanted)
+        all.append(lookUp(each));
+    return all;
+}
+
 QCoro::Task<> CleanupSizes::measure(QStringList ids, QList<QByteArray> staying, Cancellation work)
 {
     const QPointer self(this);
     QList<Wanted> wanted;
-    QStringList owners; // of each folder: the item
-    QHash<QString, qsizetype> missing;
     for (const QString &id : ids) {
-        const CleanupRule *const rule = _table.rule(id);
-        const QStringList own = rule ? _table.measuredFolders(*rule) : QStringList();
-        if (own.isEmpty())
-            set(id, 0);
-        for (const QString &folder : own)
-            wanted.append({folder, rule->sparedPaths, !rule->target.command && id != trashItemId});
-        owners += QStringList(own.size(), id);
-        missing[id] = own.size();
+        if (const CleanupRule *const rule = _table.rule(id))
+            wanted.append({*rule, id == trashItemId ? _table.trashFolders() : QStringList()});
     }
-    auto looking = QtConcurrent::run(&cleanupThreads(), &CleanupSizes::lookUp, wanted);
-    const QList<Folder> folders = co_await looking;
+    auto looking = QtConcurrent::run(&cleanupThreads(), &CleanupSizes::lookUpAll, wanted);
+    const QList<QList<Folder>> found = co_await looking;
     if (!self)
         co_return;
-    for (const QString &id : ids)
+    QList<Folder> folders;
+    QStringList owners; // of each folder: the item
+    QHash<QString, qsizetype> missing;
+    for (qsizetype i = 0; i < found.size(); ++i) {
+        const QString id = wanted[i].rule.item.id;
         _folders.remove(id);
-    for (qsizetype i = 0; i < folders.size(); ++i) {
-        if (_table.rule(owners[i])) // not taken away meanwhile
-            _folders[owners[i]].append(folders[i]);
+        if (!_table.rule(id)) // taken away meanwhile
+            continue;
+        if (found[i].isEmpty())
+            set(id, 0);
+        else
+            _folders[id] = found[i];
+        folders += found[i];
+        owners += QStringList(found[i].size(), id);
+        missing[id] = found[i].size();
     }
     QHash<QString, qint64> sums;
     const auto add = [&](const QString &id, const QByteArray &path, qint64 bytes) {

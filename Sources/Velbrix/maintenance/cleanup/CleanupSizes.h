@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/ProcessRunner.h"
+#include "maintenance/cleanup/CleanupCatalog.h"
 
 #include <QByteArray>
 #include <QCoroTask>
@@ -52,11 +53,11 @@ private:
         QList<QByteArray> staying; // entries that stay always: hidden, or spared
     };
     struct Wanted {
-        QString folder;
-        QStringList spared;
-        bool isEmptied = false; // and stays as it is where it is a link
+        CleanupRule rule;
+        QStringList trash; // its folders, of that item
     };
-    static QList<Folder> lookUp(const QList<Wanted> &wanted);
+    static QList<Folder> lookUp(const Wanted &wanted);
+    static QList<QList<Folder>> lookUpAll(const QList<Wanted> &wanted);
     QList<QByteArray> alwaysStaying(const QStringList &ids) const;
     void set(const QString &id, qint64 bytes);
 

@@ -3,9 +3,11 @@
 #include "foundation/Paths.h"
 #include "foundation/Text.h"
 
+#include <QCoroFuture>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
 #include <utility>
@@ -33,6 +35,18 @@ bool isWanted(const CleanupItem &item, const QStringList &ids)
     return ids.isEmpty() ? item.isSelected : ids.contains(item.id);
 }
 
+// Why it cannot be emptied, for the user; else empty. Blocking.
+QString folderObstacle(const QString &folder, RemovalRules rules)
+{
+    const QFileInfo found(folder);
+    if (!found.isDir())
+        return u"请选择存在的文件夹"_s;
+    if (found.isSymbolicLink())
+        return u"这是一个链接，请选择它指向的文件夹：%1"_s.arg(canonicalPath(folder));
+    rules.protectedPaths = protectedHostPaths();
+    return RemovalRoot::obstacle(QFile::encodeName(folder), rules);
+}
+
 QStringList idsOf(const QList<CleanupItem> &items)
 {
     QStringList ids;
@@ -48,7 +62,8 @@ SystemCleaner::SystemCleaner(const Ports &ports, SettingsStore &settings, Clock 
     : QObject(parent),
       _clock(clock),
       _choices(settings),
-      _table(withFolders(std::move(catalog), _choices.customPaths()), {ports.trash, ports.programs}, clock,
+      _seen(settings, clock),
+      _table(withFolders(std::move(catalog), _choices.customPaths()), {ports.trash, ports.programs}, _seen,
              std::move(ownPaths)),
       _sizes(_table, ports.usage),
       _details(
@@ -117,8 +132,8 @@ QList<QByteArray> SystemCleaner::stayingPlaces(const QStringList &ids) const
         if (!ids.contains(rule.item.id))
             places += _sizes.folders(rule.item.id);
     }
-    for (const QString &folder : _use.folders.keys())
-        places.append(QFile::encodeName(folder));
+    for (const CleanupUse::Folder &folder : _use.folders)
+        places.append(QFile::encodeName(folder.path));
     return places;
 }
 
@@ -187,30 +202,29 @@ void SystemCleaner::setForced(const QString &id, bool isForced)
     _forcedItems = forced;
 }
 
-Result<void> SystemCleaner::addCustomPath(const QString &path)
+QCoro::Task<Result<void>> SystemCleaner::addCustomPath(QString path)
 {
+    const QPointer self(this);
     const QString folder = standardizedPath(path);
     const CleanupRule custom = customRule(folder);
-    const QString &id = custom.item.id;
-    const QFileInfo found(folder);
-    if (!found.isDir())
-        return failure(u"请选择存在的文件夹"_s);
-    if (found.isSymbolicLink())
-        return failure(u"这是一个链接，请选择它指向的文件夹：%1"_s.arg(canonicalPath(folder)));
-    if (const QString obstacle =
-            RemovalRoot::obstacle(QFile::encodeName(folder), _table.removalRules(custom));
-        !obstacle.isEmpty())
-        return failure(obstacle);
+    const QString id = custom.item.id;
+    const QFuture<QString> looking =
+        QtConcurrent::run(&cleanupThreads(), folderObstacle, folder, _table.removalRules(custom, _use));
+    const QString obstacle = co_await looking;
+    if (!self)
+        co_return Result<void>();
+    if (!obstacle.isEmpty())
+        co_return failure(obstacle);
     if (_table.rule(id))
-        return failure(u"该路径已添加"_s);
+        co_return failure(u"该路径已添加"_s);
     const auto count = std::ranges::count(_table.rules(), CleanupGroup::custom, &CleanupRule::group);
     if (count >= maxCustomPathsAllowed)
-        return failure(u"最多可添加 %1 个自定义文件夹"_s.arg(maxCustomPathsAllowed));
+        co_return failure(u"最多可添加 %1 个自定义文件夹"_s.arg(maxCustomPathsAllowed));
     _table.add(custom);
     _items = _items.value() + QList<CleanupItem>{custom.item};
     _choices.save(_items);
     measure({id}, Cancellation());
-    return {};
+    co_return Result<void>();
 }
 
 void SystemCleaner::removeCustomPath(const QString &id)
@@ -243,11 +257,14 @@ QCoro::Task<> SystemCleaner::calculate()
 {
     const QPointer self(this);
     _hasCalculated = true;
-    _work = Cancellation();
+    const Cancellation work;
+    _work = work;
     const quint64 measuring = ++_measurings;
     _phase = CleanupPhase::calculating();
-    lookForUse();
-    co_await measure(idsOf(_items), _work);
+    co_await lookForUse();
+    if (!self)
+        co_return;
+    co_await measure(idsOf(_items), work);
     // A clean may have begun meanwhile, and another measuring after it.
     if (self && measuring == _measurings && _phase.value().kind == CleanupPhase::Kind::calculating)
         _phase = CleanupPhase();
@@ -283,17 +300,23 @@ void SystemCleaner::cancel()
     _work.cancel();
 }
 
-void SystemCleaner::lookForUse()
+QCoro::Task<> SystemCleaner::lookForUse()
 {
-    _use = _table.use();
-    _busyItems = _use.items;
+    const QPointer self(this);
+    const CleanupUse use = co_await _table.use();
+    if (!self)
+        co_return;
+    _use = use;
+    _busyItems = use.items;
 }
 
-CleanupBounds SystemCleaner::bounds(const CleanupRule &rule, const QStringList &ids) const
+QCoro::Task<CleanupBounds> SystemCleaner::bounds(CleanupRule rule, QStringList ids) const
 {
-    CleanupBounds bounds = _table.bounds(rule, {ids.begin(), ids.end()}, _use);
-    bounds.excluded = _choices.excluded();
-    return bounds;
+    const QPointer self(this);
+    CleanupBounds bounds = co_await _table.bounds(rule, {ids.begin(), ids.end()}, _use);
+    if (self)
+        bounds.excluded = _choices.excluded();
+    co_return bounds;
 }
 
 bool SystemCleaner::isSkipped(const CleanupItem &item) const
@@ -325,11 +348,10 @@ QStringList SystemCleaner::foldersToSkip(const QStringList &ids) const
 {
     QStringList skipped;
     for (const CleanupItem &item : itemsToClean(ids)) {
-        const CleanupRule &rule = *_table.rule(item.id);
         QStringList owners;
-        for (const QString &folder : rule.folderOwner.isEmpty() ? QStringList() : emptiedFolders(rule)) {
-            if (const QString owner = _use.folders.value(folder); !owner.isEmpty())
-                owners.append(owner);
+        for (const CleanupUse::Folder &folder : _use.folders) {
+            if (folder.item == item.id)
+                owners.append(folder.owner);
         }
         owners.sort();
         owners.removeDuplicates();
@@ -351,24 +373,37 @@ void SystemCleaner::clean(const QStringList &ids)
     if (_isCleaning)
         return;
     _work.cancel();
-    lookForUse();
-    CleanupReport report;
-    report.skipped = itemsToSkip(ids);
-    if (const QString reason = obstacle(ids); !reason.isEmpty()) {
-        report.outcome = CleanupPhase::failed(reason);
-        _report = report;
-        _phase = report.outcome;
-        return;
-    }
-    runClean(itemsToClean(ids), report);
+    _isCleaning = true;
+    // Whoever shows it learns of it at once.
+    if (const QList<CleanupItem> items = itemsToClean(ids); !items.isEmpty())
+        _phase = CleanupPhase::cleaning(items.first().name);
+    runClean(ids);
 }
 
-QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport report)
+QCoro::Task<> SystemCleaner::runClean(QStringList wanted)
 {
     const QPointer self(this);
-    _isCleaning = true;
     const Cancellation work;
     _work = work;
+    co_await lookForUse();
+    if (!self)
+        co_return;
+    CleanupReport report;
+    report.skipped = itemsToSkip(wanted);
+    if (const QString reason = obstacle(wanted); !reason.isEmpty()) {
+        _isCleaning = false;
+        report.outcome = CleanupPhase::failed(reason);
+        _report = report;
+        _phase = CleanupPhase(); // so that it is news also when it fails as before
+        _phase = report.outcome;
+        co_return;
+    }
+    co_await cleanItems(itemsToClean(wanted), report, work);
+}
+
+QCoro::Task<> SystemCleaner::cleanItems(QList<CleanupItem> items, CleanupReport report, Cancellation work)
+{
+    const QPointer self(this);
     const QStringList ids = idsOf(items);
     report.skipped += foldersToSkip(ids);
     Cleaned total;
@@ -376,7 +411,9 @@ QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport re
         const QString &name = items[i].name;
         _phase = CleanupPhase::cleaning(name);
         _progress = static_cast<double>(i) / static_cast<double>(items.size());
-        lookForUse(); // a program may have been started meanwhile
+        co_await lookForUse(); // a program may have been started meanwhile
+        if (!self)
+            co_return;
         if (isSkipped(items[i])) {
             report.skipped.append(name);
             continue;
@@ -407,10 +444,15 @@ QCoro::Task<> SystemCleaner::runClean(QList<CleanupItem> items, CleanupReport re
 
 QCoro::Task<Cleaned> SystemCleaner::cleanItem(CleanupItem item, QStringList ids, Cancellation work)
 {
-    const CleanupRule *const rule = _table.rule(item.id);
-    if (!rule) // taken away meanwhile, there is nothing to clean
+    const QPointer self(this);
+    const CleanupRule *const known = _table.rule(item.id);
+    if (!known) // taken away meanwhile, there is nothing to clean
         co_return Cleaned();
-    const Cleaned cleaned = co_await _itemCleaner.clean(*rule, bounds(*rule, ids), work);
+    const CleanupRule rule = *known;
+    const CleanupBounds within = co_await bounds(rule, ids);
+    if (!self)
+        co_return Cleaned();
+    const Cleaned cleaned = co_await _itemCleaner.clean(rule, within, work);
     co_return cleaned;
 }
 

@@ -11,6 +11,7 @@
 #include "maintenance/cleanup/CleanupTable.h"
 #include "maintenance/cleanup/CleanupTypes.h"
 #include "maintenance/cleanup/ItemCleaner.h"
+#include "maintenance/cleanup/SeenTime.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -71,7 +72,7 @@ public:
     void setForced(const QString &id, bool isForced);
 
     // The failure is for the user.
-    Result<void> addCustomPath(const QString &path);
+    QCoro::Task<Result<void>> addCustomPath(QString path);
     void removeCustomPath(const QString &id);
 
     // Does nothing while sizes are measured or items cleaned.
@@ -106,8 +107,8 @@ public:
 private:
     Job::State jobState() const;
     bool isSkipped(const CleanupItem &item) const;
-    void lookForUse();
-    CleanupBounds bounds(const CleanupRule &rule, const QStringList &ids) const;
+    QCoro::Task<> lookForUse();
+    QCoro::Task<CleanupBounds> bounds(CleanupRule rule, QStringList ids) const;
     bool liesInOpened(const QString &id) const;
     // Canonical places that stay when these are cleaned.
     QList<QByteArray> stayingPlaces(const QStringList &ids) const;
@@ -116,11 +117,13 @@ private:
 
     QCoro::Task<> measure(QStringList ids, Cancellation work);
     QCoro::Task<> calculate();
-    QCoro::Task<> runClean(QList<CleanupItem> items, CleanupReport report);
+    QCoro::Task<> runClean(QStringList wanted);
+    QCoro::Task<> cleanItems(QList<CleanupItem> items, CleanupReport report, Cancellation work);
     QCoro::Task<Cleaned> cleanItem(CleanupItem item, QStringList ids, Cancellation work);
 
     Clock &_clock;
     CleanupChoices _choices;
+    const SeenTime _seen;
     CleanupTable _table;
     CleanupUse _use;
     CleanupSizes _sizes;

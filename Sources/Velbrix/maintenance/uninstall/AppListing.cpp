@@ -57,6 +57,13 @@ QList<AppInfo> sortedByName(const QList<AppInfo> &apps)
     return sorted;
 }
 
+QCoro::Task<bool> either(QCoro::Task<QSet<QString>> byName, QCoro::Task<bool> byPlace)
+{
+    const QSet<QString> names = co_await byName;
+    const bool isInPlace = co_await byPlace;
+    co_return isInPlace || !names.isEmpty();
+}
+
 } // namespace
 
 bool isSelf(const SelfTraits &application, const SelfTraits &own)
@@ -86,14 +93,13 @@ QStringList programNames(const AppInfo &app)
     return names;
 }
 
-bool isRunning(const AppInfo &app, const RunningPrograms &programs)
+QCoro::Task<bool> isRunning(const AppInfo &app, const RunningPrograms &programs)
 {
     QStringList places = app.source.programs;
     places.append(app.path);
     for (const ApplicationCompanion &companion : app.source.companions)
         places.append(companion.path);
-    return !programs.running(programNames(app)).isEmpty() ||
-           std::ranges::any_of(places, [&](const QString &place) { return programs.runsFrom(place); });
+    return either(programs.running(programNames(app)), programs.runsFrom(places));
 }
 
 QCoro::Task<QList<AppInfo>> listedApps(QList<InstalledApplication> found, OwnIdentity own, DiskUsage &usage,

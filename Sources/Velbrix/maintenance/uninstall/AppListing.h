@@ -30,8 +30,8 @@ SelfTraits selfTraits(const OwnIdentity &own);
 
 // What the application's program may be called while it runs.
 QStringList programNames(const AppInfo &app);
-// Whether the application is open at this moment. Main thread.
-bool isRunning(const AppInfo &app, const RunningPrograms &programs);
+// Whether the application is open at this moment. Both are only used within the call.
+QCoro::Task<bool> isRunning(const AppInfo &app, const RunningPrograms &programs);
 
 // The rows of the uninstaller from what the host has found: this program and
 // what is not listed dropped, missing sizes measured, sorted by name. The ids are left to the

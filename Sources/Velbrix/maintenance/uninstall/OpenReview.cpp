@@ -101,7 +101,7 @@ QCoro::Task<UninstallReview> listedReview(UninstallPlan plan, ApplicationCatalog
                                           RunningPrograms &programs)
 {
     UninstallReview review = plan.review;
-    review.isRunning = isRunning(review.app, programs);
+    const QCoro::Task<bool> running = isRunning(review.app, programs);
     review.packages.clear();
     QString problem;
     if (isManaged(review.app)) {
@@ -111,6 +111,7 @@ QCoro::Task<UninstallReview> listedReview(UninstallPlan plan, ApplicationCatalog
     }
     const QFuture<QList<ReviewItem>> asked = QtConcurrent::run(&uninstallWorkers(), itemsOf, plan);
     review.items = co_await asked;
+    review.isRunning = co_await running;
     if (!problem.isEmpty())
         review.items.first().caution = u"无法得知会一并移除的软件包："_s + problem;
     co_return review;
@@ -148,7 +149,7 @@ QCoro::Task<> OpenReview::run(UninstallPlan plan, Cancellation wanted)
         co_return;
     _review = review;
     _isPreparing = false;
-    _runningDue = _clock.after(runningAskedEvery, [this] { askRunning(); });
+    _runningDue = _clock.after(runningAskedEvery, [this] { askRunning(_wanted); });
     const auto measured = [this](qsizetype item, qint64 bytes) {
         _sizes.insert(item, bytes);
         if (!_sizesDue)
@@ -173,14 +174,17 @@ void OpenReview::showSizes()
 }
 
 // The user may end it while the review lies open, or start it.
-void OpenReview::askRunning()
+QCoro::Task<> OpenReview::askRunning(Cancellation wanted)
 {
+    if (!review())
+        co_return;
+    const bool isOpen = co_await isRunning(review()->app, _ports.programs);
+    if (wanted.isCancelled())
+        co_return;
     std::optional<UninstallReview> now = review();
-    if (!now)
-        return;
-    now->isRunning = isRunning(now->app, _ports.programs);
+    now->isRunning = isOpen;
     _review = now;
-    _runningDue = _clock.after(runningAskedEvery, [this] { askRunning(); });
+    _runningDue = _clock.after(runningAskedEvery, [this] { askRunning(_wanted); });
 }
 
 void OpenReview::setTicked(const QString &path, bool isTicked)

@@ -57,7 +57,7 @@ public:
 private:
     QCoro::Task<> run(UninstallPlan plan, Cancellation wanted);
     void showSizes();
-    void askRunning();
+    QCoro::Task<> askRunning(Cancellation wanted);
 
     Ports _ports;
     Clock &_clock;

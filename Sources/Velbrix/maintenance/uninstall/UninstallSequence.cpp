@@ -113,10 +113,13 @@ QCoro::Task<UninstallSequence::Outcome> UninstallSequence::run(UninstallPlan pla
     co_await Pause(_clock, movingPause);
     if (!self)
         co_return Outcome{};
+    const QString running = co_await runningObstacle();
+    if (!self)
+        co_return Outcome{};
     if (_cancellation.isCancelled())
         co_return ended(Kind::failed, u"已取消"_s);
-    if (const QString obstacle = runningObstacle(); !obstacle.isEmpty())
-        co_return ended(Kind::failed, obstacle);
+    if (!running.isEmpty())
+        co_return ended(Kind::failed, running);
     const Result<void> taken = co_await takeApplication();
     if (!self)
         co_return Outcome{};
@@ -157,6 +160,7 @@ UninstallSequence::Outcome UninstallSequence::ended(Kind kind, const QString &te
 
 QCoro::Task<QString> UninstallSequence::obstacle()
 {
+    const QPointer self(this);
     const QString path = _plan.review.app.path;
     const OwnIdentity own = _catalog.ownIdentity();
     const QFuture<Standing> asked =
@@ -168,13 +172,18 @@ QCoro::Task<QString> UninstallSequence::obstacle()
     }
     if (!found.isThere)
         co_return u"找不到应用"_s;
-    co_return found.isProtected ? u"受保护的位置，不能卸载：%1"_s.arg(path) : runningObstacle();
+    if (found.isProtected)
+        co_return u"受保护的位置，不能卸载：%1"_s.arg(path);
+    if (!self)
+        co_return QString();
+    co_return co_await runningObstacle();
 }
 
 // It would write its files anew.
-QString UninstallSequence::runningObstacle() const
+QCoro::Task<QString> UninstallSequence::runningObstacle() const
 {
-    return isRunning(_plan.review.app, _programs) ? u"应用正在运行，请先退出"_s : QString();
+    const bool isOpen = co_await isRunning(_plan.review.app, _programs);
+    co_return isOpen ? u"应用正在运行，请先退出"_s : QString();
 }
 
 QCoro::Task<Result<void>> UninstallSequence::takeApplication()

@@ -44,7 +44,7 @@ Q_SIGNALS:
 private:
     void prepare(UninstallPlan plan, Cancellation cancellation);
     QCoro::Task<QString> obstacle();
-    QString runningObstacle() const;
+    QCoro::Task<QString> runningObstacle() const;
     QCoro::Task<Result<void>> takeApplication();
     QCoro::Task<Result<void>> removePackage();
     QCoro::Task<Result<QStringList>> setDataAside();

@@ -11,6 +11,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -116,11 +117,15 @@ void CustomFoldersCard::choose()
     panel->open();
 }
 
-void CustomFoldersCard::addFolders(const QStringList &paths)
+QCoro::Task<> CustomFoldersCard::addFolders(QStringList paths)
 {
+    const QPointer self(this);
     QStringList problems;
     for (const QString &path : paths) {
-        if (const auto added = _cleaner.addCustomPath(path); !added)
+        const auto added = co_await _cleaner.addCustomPath(path);
+        if (!self)
+            co_return;
+        if (!added)
             problems.append(u"%1：%2"_s.arg(QFileInfo(path).fileName(), added.error().message));
     }
     _problem->setVisible(!problems.isEmpty());

@@ -3,6 +3,7 @@
 #include "views/ViewContext.h"
 #include "views/components/Card.h"
 
+#include <QCoroTask>
 #include <QHash>
 
 class QPushButton;
@@ -26,7 +27,7 @@ protected:
 
 private:
     void choose();
-    void addFolders(const QStringList &paths);
+    QCoro::Task<> addFolders(QStringList paths);
     void showFolders();
     void showAdding();
 

@@ -16,6 +16,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -221,13 +222,16 @@ void AppListCard::showState()
     _body->setVisible(!all.isEmpty() || !_none->isHidden());
 }
 
-void AppListCard::showRunning()
+QCoro::Task<> AppListCard::showRunning()
 {
+    const QPointer self(this);
     const QList<AppInfo> apps = _context.services.uninstaller.apps();
     QStringList names;
     for (const AppInfo &app : apps)
         names.append(programNames(app));
-    const QSet<QString> running = _context.services.platform.programs->running(names);
+    const QSet<QString> running = co_await _context.services.platform.programs->running(names);
+    if (!self)
+        co_return;
     QSet<QString> paths;
     for (const AppInfo &app : apps) {
         const QStringList own = programNames(app);

@@ -4,6 +4,8 @@
 #include "views/ViewContext.h"
 #include "views/components/Card.h"
 
+#include <QCoroTask>
+
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -40,7 +42,7 @@ private:
     void look();
     void showApps();
     void showState();
-    void showRunning();
+    QCoro::Task<> showRunning();
     void fit();
 
     ViewContext _context;

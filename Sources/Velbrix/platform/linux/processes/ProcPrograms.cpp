@@ -3,8 +3,11 @@
 #include "foundation/Paths.h"
 #include "platform/linux/files/FileDescriptor.h"
 
+#include <QCoroFuture>
 #include <QFile>
 #include <QHash>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
 #include <array>
@@ -187,9 +190,21 @@ bool anyProcess(const std::function<bool(const Process &)> &visitor)
     return isFound;
 }
 
-} // namespace
+// Of a place where a program may lie.
+struct Place {
+    QByteArray path;     // resolved
+    QByteArray archives; // see archiveFolder()
 
-QSet<QString> ProcPrograms::running(const QStringList &names) const
+    bool holds(const QByteArray &file) const
+    {
+        if (!file.startsWith('/'))
+            return false;
+        return isWithin(file, path) || isWithin(canonicalPath(file), path) ||
+               (!archives.isEmpty() && file.endsWith(".jar") && isInside(file, archives));
+    }
+};
+
+QSet<QString> namesRunning(const QStringList &names)
 {
     QSet<QByteArray> wanted;
     for (const QString &name : names) {
@@ -209,21 +224,68 @@ QSet<QString> ProcPrograms::running(const QStringList &names) const
     return found;
 }
 
-bool ProcPrograms::runsFrom(const QString &path) const
+bool anyRunsFrom(const QStringList &paths)
 {
-    const QByteArray place = QFile::encodeName(resolvedPath(path));
-    if (!place.startsWith('/'))
-        return false;
-    const QByteArray archives = archiveFolder(place);
-    const auto isThere = [&](const QByteArray &file) {
-        if (!file.startsWith('/'))
-            return false;
-        return isWithin(file, place) || isWithin(canonicalPath(file), place) ||
-               (!archives.isEmpty() && file.endsWith(".jar") && isInside(file, archives));
-    };
-    return anyProcess([&](const Process &process) {
-        return isWithin(process.executable(), place) || std::ranges::any_of(process.files(), isThere);
+    QList<Place> places;
+    for (const QString &path : paths) {
+        const QByteArray place = QFile::encodeName(resolvedPath(path));
+        if (place.startsWith('/'))
+            places.append({place, archiveFolder(place)});
+    }
+    return !places.isEmpty() && anyProcess([&](const Process &process) {
+        const QByteArray executable = process.executable();
+        const QList<QByteArray> files = process.files();
+        return std::ranges::any_of(places, [&](const Place &place) {
+            return isWithin(executable, place.path) ||
+                   std::ranges::any_of(files, [&](const QByteArray &file) { return place.holds(file); });
+        });
     });
+}
+
+std::optional<QSet<QByteArray>> socketsInUse()
+{
+    QSet<QByteArray> namespaces{linkTarget("/proc/self/ns/net")};
+    constexpr qsizetype largestTable = 1 << 26;
+    const QByteArray own = contents("/proc/self/net/unix", largestTable);
+    if (own.isEmpty())
+        return std::nullopt;
+    QSet<QByteArray> paths = socketPaths(own);
+    anyProcess([&](const Process &process) {
+        const QByteArray name = linkTarget(process.folder() + "/ns/net");
+        if (!name.isEmpty() && !namespaces.contains(name)) {
+            namespaces.insert(name);
+            paths += socketPaths(contents(process.folder() + "/net/unix", largestTable));
+        }
+        return false;
+    });
+    return paths;
+}
+
+// A file of a program may lie on a disk that never answers.
+QThreadPool &workers()
+{
+    static auto *const pool = new QThreadPool;
+    return *pool;
+}
+
+} // namespace
+
+QCoro::Task<QSet<QString>> ProcPrograms::running(QStringList names) const
+{
+    const QFuture<QSet<QString>> looking = QtConcurrent::run(&workers(), namesRunning, names);
+    co_return co_await looking;
+}
+
+QCoro::Task<bool> ProcPrograms::runsFrom(QStringList paths) const
+{
+    const QFuture<bool> looking = QtConcurrent::run(&workers(), anyRunsFrom, paths);
+    co_return co_await looking;
+}
+
+QCoro::Task<std::optional<QSet<QByteArray>>> ProcPrograms::boundSockets() const
+{
+    const QFuture<std::optional<QSet<QByteArray>>> looking = QtConcurrent::run(&workers(), socketsInUse);
+    co_return co_await looking;
 }
 
 QByteArray sandboxName(const QByteArray &groups)
@@ -273,25 +335,6 @@ QSet<QByteArray> socketPaths(const QByteArray &table)
         if (!path.isEmpty() && !path.startsWith('@'))
             paths.insert(path);
     }
-    return paths;
-}
-
-std::optional<QSet<QByteArray>> ProcPrograms::boundSockets() const
-{
-    QSet<QByteArray> namespaces{linkTarget("/proc/self/ns/net")};
-    constexpr qsizetype largestTable = 1 << 26;
-    const QByteArray own = contents("/proc/self/net/unix", largestTable);
-    if (own.isEmpty())
-        return std::nullopt;
-    QSet<QByteArray> paths = socketPaths(own);
-    anyProcess([&](const Process &process) {
-        const QByteArray name = linkTarget(process.folder() + "/ns/net");
-        if (!name.isEmpty() && !namespaces.contains(name)) {
-            namespaces.insert(name);
-            paths += socketPaths(contents(process.folder() + "/net/unix", largestTable));
-        }
-        return false;
-    });
     return paths;
 }
 

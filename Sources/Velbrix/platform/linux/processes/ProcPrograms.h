@@ -12,10 +12,10 @@ namespace velbrix {
 // to its identifier, a snap to "snap.NAME".
 class ProcPrograms final : public RunningPrograms {
 public:
-    QSet<QString> running(const QStringList &names) const override;
-    bool runsFrom(const QString &path) const override;
+    QCoro::Task<QSet<QString>> running(QStringList names) const override;
+    QCoro::Task<bool> runsFrom(QStringList paths) const override;
     // Of every network namespace of this user's processes, for each tells only its own.
-    std::optional<QSet<QByteArray>> boundSockets() const override;
+    QCoro::Task<std::optional<QSet<QByteArray>>> boundSockets() const override;
 };
 
 // The sandbox that a process of these control groups runs in; mostly none.

@@ -8,9 +8,9 @@ namespace velbrix {
 // own are not among them.
 class MacRunningPrograms final : public RunningPrograms {
 public:
-    QSet<QString> running(const QStringList &names) const override;
-    bool runsFrom(const QString &path) const override;
-    std::optional<QSet<QByteArray>> boundSockets() const override { return std::nullopt; }
+    QCoro::Task<QSet<QString>> running(QStringList names) const override;
+    QCoro::Task<bool> runsFrom(QStringList paths) const override;
+    QCoro::Task<std::optional<QSet<QByteArray>>> boundSockets() const override;
 };
 
 } // namespace velbrix

@@ -5,17 +5,21 @@
 
 #import <AppKit/AppKit.h>
 
+#include <algorithm>
+
 namespace velbrix {
 namespace {
 
-bool liesAt(NSURL *url, const QString &place)
+bool liesIn(NSURL *url, const QStringList &places)
 {
-    return url && isWithin(resolvedPath(toQString(url.path)), place);
+    const QString path = url ? resolvedPath(toQString(url.path)) : QString();
+    return !path.isEmpty() &&
+           std::ranges::any_of(places, [&](const QString &place) { return isWithin(path, place); });
 }
 
 } // namespace
 
-QSet<QString> MacRunningPrograms::running(const QStringList &names) const
+QCoro::Task<QSet<QString>> MacRunningPrograms::running(QStringList names) const
 {
     QSet<QString> found;
     for (NSRunningApplication *application in NSWorkspace.sharedWorkspace.runningApplications) {
@@ -23,19 +27,26 @@ QSet<QString> MacRunningPrograms::running(const QStringList &names) const
         if (!identifier.isEmpty() && names.contains(identifier))
             found.insert(identifier);
     }
-    return found;
+    co_return found;
 }
 
-bool MacRunningPrograms::runsFrom(const QString &path) const
+QCoro::Task<bool> MacRunningPrograms::runsFrom(QStringList paths) const
 {
-    const QString place = resolvedPath(path);
-    if (!place.startsWith(u'/'))
-        return false;
-    for (NSRunningApplication *application in NSWorkspace.sharedWorkspace.runningApplications) {
-        if (liesAt(application.bundleURL, place) || liesAt(application.executableURL, place))
-            return true;
+    QStringList places;
+    for (const QString &path : paths) {
+        if (const QString place = resolvedPath(path); place.startsWith(u'/'))
+            places.append(place);
     }
-    return false;
+    bool isFound = false;
+    for (NSRunningApplication *application in NSWorkspace.sharedWorkspace.runningApplications)
+        isFound =
+            isFound || liesIn(application.bundleURL, places) || liesIn(application.executableURL, places);
+    co_return isFound;
+}
+
+QCoro::Task<std::optional<QSet<QByteArray>>> MacRunningPrograms::boundSockets() const
+{
+    co_return std::optional<QSet<QByteArray>>();
 }
 
 } // namespace velbrix
