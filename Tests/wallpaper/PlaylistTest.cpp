@@ -1,5 +1,6 @@
 #include "wallpaper/Playlist.h"
 
+#include "support/MountedFolder.h"
 #include "support/WallpaperRig.h"
 
 namespace {
@@ -25,7 +26,7 @@ struct Rig : WallpaperRig {
         wallpaper().playlist().next();
         return playing();
     }
-    QString after(std::chrono::minutes time)
+    QString after(std::chrono::milliseconds time)
     {
         clock.advance(time);
         return playing();
@@ -78,6 +79,30 @@ private Q_SLOTS:
         QCOMPARE(rig.after(5min), u"4"_s);
         rig.wallpaper().stopWallpaper();
         QCOMPARE(rig.after(60min), QString());
+    }
+
+    void aScanThatHangsHoldsUpNoTurn()
+    {
+        const MountedFolder disk(u"hanging"_s);
+        if (!disk.isMounted())
+            QSKIP("no FUSE here");
+        Rig rig;
+        VideoFolder &folder = rig.wallpaper().folder();
+        disk.setHanging(true);
+        for (int i = 0; i < 3; ++i) { // what looks at files is busy for half a minute
+            folder.wantThumbnails({disk.path() + u"/1.mp4"_s, disk.path() + u"/2.mp4"_s});
+            folder.dropThumbnails();
+        }
+        folder.rescan();
+        rig.next();
+        QCOMPARE(rig.after(9s), u"1"_s);
+        rig.clock.advance(1s);
+        QTRY_COMPARE(rig.playing(), u"2"_s); // one of those known
+        folder.choose(rig.files.filePath(u"other"_s));
+        QString told;
+        rig.wallpaper().playlist().next().then([&](Result<void> end) { told = errorText(end); });
+        QCOMPARE(rig.after(10s), u"2"_s);
+        QCOMPARE(told, u"壁纸文件夹还没有扫描完，请稍后再试"_s);
     }
 };
 

@@ -1,7 +1,9 @@
 #include "wallpaper/Playlist.h"
 
 #include "foundation/Awaitables.h"
+#include "foundation/FileThreads.h"
 #include "wallpaper/VideoFolder.h"
+#include "wallpaper/WallpaperLog.h"
 #include "wallpaper/WallpaperPreferences.h"
 
 #include <QPointer>
@@ -17,6 +19,13 @@ namespace {
 
 // A folder of broken files must not be read to its end.
 constexpr int mostAttempts = 10;
+
+QCoro::Task<bool> endOfScan(QPointer<VideoFolder> folder)
+{
+    while (folder && folder->isScanning())
+        co_await nextSignal(*folder, &VideoFolder::isScanningChanged);
+    co_return true;
+}
 
 } // namespace
 
@@ -39,7 +48,7 @@ QCoro::Task<Result<void>> Playlist::next()
     const QPointer self(this);
     if (!_preferences.wallpaperFolder())
         co_return failure(u"还没有选择壁纸文件夹"_s);
-    co_await lookThroughFolder();
+    const bool isComplete = co_await lookThroughFolder();
     if (!self)
         co_return Result<void>();
     QString path = _acts.current();
@@ -52,16 +61,24 @@ QCoro::Task<Result<void>> Playlist::next()
         if (!self || !isPlaying || *isPlaying)
             co_return Result<void>();
     }
+    if (!isComplete)
+        co_return failure(u"壁纸文件夹还没有扫描完，请稍后再试"_s);
+    if (!_folder.problem().isEmpty())
+        co_return failure(_folder.problem());
     co_return failure(u"壁纸文件夹里没有其他可以播放的视频"_s);
 }
 
-QCoro::Task<> Playlist::lookThroughFolder()
+// False where the disk takes so long that the turn goes to what is known.
+QCoro::Task<bool> Playlist::lookThroughFolder()
 {
-    const QPointer self(this);
     if (_folder.folderVideos().isEmpty() && !_folder.isScanning())
         _folder.rescan();
-    while (self && _folder.isScanning())
-        co_await nextSignal(_folder, &VideoFolder::isScanningChanged);
+    const auto known = _folder.folderVideos().size();
+    auto end = endOfScan(&_folder);
+    const auto hasEnded = co_await withDeadline(_clock, FileThreads::usualPatience, std::move(end));
+    if (!hasEnded)
+        wallpaperlog::say(u"playlist: folder still scanning, going on with %1 videos"_s.arg(known));
+    co_return hasEnded.has_value();
 }
 
 std::optional<QString> Playlist::following(const QString &path)

@@ -35,13 +35,14 @@ public:
              QObject *parent = nullptr);
     ~Playlist() override;
 
-    // Passes over what cannot be played. The failure says why nothing follows.
+    // Passes over what cannot be played, and waits only so long for a scan of
+    // the folder. The failure says why nothing follows.
     QCoro::Task<Result<void>> next();
     // The wallpaper has begun, changed, rested or ended.
     void wallpaperChanged();
 
 private:
-    QCoro::Task<> lookThroughFolder();
+    QCoro::Task<bool> lookThroughFolder();
     std::optional<QString> following(const QString &path);
     void startTurn();
 

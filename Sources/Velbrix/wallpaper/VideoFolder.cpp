@@ -57,6 +57,8 @@ VideoFolder::~VideoFolder()
 
 void VideoFolder::choose(const QString &folder)
 {
+    if (_preferences.wallpaperFolder() != folder)
+        _folderVideos = QStringList(); // those of another
     _preferences.setWallpaperFolder(folder);
     rescan();
 }
