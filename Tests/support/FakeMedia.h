@@ -86,8 +86,10 @@ public:
     Result<QImage> frameAnswer = QImage(64, 36, QImage::Format_RGB32);
     std::chrono::milliseconds delay{0};
     std::chrono::milliseconds fileDelay{0}; // of isFile()
-    QStringList calls;                      // "facts PATH", "frame PATH SECONDS WxH"
+    QStringList further = {u"gif"_s};
+    QStringList calls; // "facts PATH", "frame PATH SECONDS WxH"
 
+    QStringList furtherExtensions() const override { return further; }
     QCoro::Task<Result<bool>> isFile(const QString path) override
     {
         co_await _answer.after(fileDelay);

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 namespace velbrix {
 
@@ -24,6 +25,10 @@ struct VideoFacts {
 class MediaProbe {
 public:
     virtual ~MediaProbe() = default;
+
+    // Of kinds of moving pictures that this host plays beside the videos that
+    // every host does; lower case.
+    virtual QStringList furtherExtensions() const = 0;
 
     // Whether a file lies there; a failure where its disk does not answer in time.
     virtual QCoro::Task<Result<bool>> isFile(const QString path) = 0;

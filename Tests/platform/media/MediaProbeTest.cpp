@@ -96,7 +96,7 @@ private Q_SLOTS:
         for (const auto &[name, coding, source, shown] :
              {Kind{u"a.webm"_s, u"-c:v libvpx-vp9"_s}, Kind{u"a.mkv"_s, u"-c:v libx264"_s},
               Kind{u"a.avi"_s, u"-c:v mpeg4"_s}, Kind{u"a.wmv"_s, u"-c:v wmv2"_s},
-              Kind{u"a.flv"_s, u"-c:v flv1"_s}, Kind{u"a.mov"_s, u"-c:v mjpeg"_s},
+              Kind{u"a.flv"_s, u"-c:v flv1"_s}, Kind{u"a.gif"_s, {}}, Kind{u"a.mov"_s, u"-c:v mjpeg"_s},
               Kind{u"film.txt"_s, u"-f matroska"_s},
               Kind{u"ten bits.mp4"_s, u"-c:v libx264 -pix_fmt yuv420p10le"_s},
               Kind{u"odd.mkv"_s,
@@ -158,7 +158,11 @@ private Q_SLOTS:
         QDir(_folder.path()).mkdir(u"folder.mp4"_s);
         ::mkfifo(QFile::encodeName(path(u"pipe.mp4"_s)).constData(), 0600);
         QFile::link(path(u"nowhere.mp4"_s), path(u"dangling.mp4"_s));
-        QMap<QString, QString> words{{u"missing.mp4"_s, u"文件不存在"_s},
+        make(u"-f lavfi -i color=red:s=64x64:d=1 moving.webp"_s);
+        make(u"-f lavfi -i color=red:s=64x64 -frames:v 1 still.gif"_s);
+        QMap<QString, QString> words{{u"moving.webp"_s, u"不能播放 WebP 图片，请先转换成 MP4 或 GIF"_s},
+                                     {u"still.gif"_s, u"这张 GIF 只有一幅画面，不会动"_s},
+                                     {u"missing.mp4"_s, u"文件不存在"_s},
                                      {u"dangling.mp4"_s, u"文件不存在"_s},
                                      {u"folder.mp4"_s, u"这是文件夹，不是视频文件"_s},
                                      {u"empty.mp4"_s, u"文件是空的"_s},

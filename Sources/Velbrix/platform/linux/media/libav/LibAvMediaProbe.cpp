@@ -15,7 +15,7 @@ namespace velbrix {
 namespace {
 
 constexpr int looksAtOnce = 4;
-constexpr int factsAtOnce = 2;
+constexpr int factsAtOnce = 4; // those for thumbnails keep no others waiting
 constexpr int picturesAtOnce = 2;
 
 class Search {

@@ -14,6 +14,7 @@ public:
     explicit LibAvMediaProbe(Clock &clock);
     ~LibAvMediaProbe() override;
 
+    QStringList furtherExtensions() const override { return {QStringLiteral("gif")}; }
     QCoro::Task<Result<bool>> isFile(const QString path) override;
     QCoro::Task<Result<VideoFacts>> facts(const QString path) override;
     QCoro::Task<Result<QImage>> frame(const QString path, double seconds, QSize bound,

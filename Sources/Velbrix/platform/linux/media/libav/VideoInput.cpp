@@ -22,7 +22,7 @@ constexpr std::int64_t longestWork = 8'000'000'000; // nanoseconds
 
 // Demuxers of one file each: those of playlists would open others, those of
 // pictures and text would take nearly anything for a video.
-constexpr auto demuxers = "mov,matroska,avi,asf,flv,mpegts,mpeg,ogg,mp3,wav,flac,aac";
+constexpr auto demuxers = "mov,matroska,avi,asf,flv,mpegts,mpeg,ogg,gif,mp3,wav,flac,aac";
 
 struct Options {
     Options() = default;
@@ -32,6 +32,21 @@ struct Options {
 
     AVDictionary *entries = nullptr;
 };
+
+// Why a file that no demuxer takes cannot be shown.
+QString refusal(const QString &path)
+{
+    QFile file(path);
+    const QByteArray start = file.open(QIODevice::ReadOnly) ? file.read(12) : QByteArray();
+    if (start.startsWith("RIFF") && start.endsWith("WEBP"))
+        return u"不能播放 WebP 图片，请先转换成 MP4 或 GIF"_s;
+    return notPlayableWords();
+}
+
+bool isStillGif(const AVFormatContext &format)
+{
+    return QByteArrayView(format.iformat->name) == "gif" && format.streams[0]->nb_frames == 1;
+}
 
 int isOverLimit(void *limit)
 {
@@ -151,7 +166,9 @@ Result<VideoInput> VideoInput::open(const QString &path, const WorkLimit &limit)
     if (limit.isReached())
         return std::unexpected(limit.reason());
     if (!isRead || format->nb_streams == 0)
-        return failure(notPlayableWords());
+        return failure(refusal(path));
+    if (isStillGif(*format))
+        return failure(u"这张 GIF 只有一幅画面，不会动"_s);
     AVStream *const stream = pictures(*format);
     return VideoInput(std::move(format), stream);
 }

@@ -68,7 +68,7 @@ constexpr std::array<Option, 42> options{{
 }};
 
 // Containers of single files. Others name further files or addresses.
-constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpeg,ogg";
+constexpr const char *containers = "mov,mp4,matroska,webm,avi,asf,flv,mpegts,mpeg,ogg,gif";
 
 constexpr qint64 largestPixels = qint64{2560} * 1440;
 constexpr qint64 mostLargePictures = 31; // a second
