@@ -278,6 +278,10 @@ private Q_SLOTS:
         for (const QString &path : seen)
             QTRY_VERIFY(!folder.thumbnail(path).isNull());
         QCOMPARE(rig.host.mediaProbe.calls.filter(u" 320x180"_s).size(), seen.size());
+        QTRY_COMPARE(rig.grid()->model()->index(0, 0).data(Qt::AccessibleDescriptionRole), u"0:10"_s);
+        rig.click(u"folderOrder.3"_s);
+        QCOMPARE(rig.wallpaper().preferences().videoOrder(), VideoOrder::size);
+        rig.grid();
 
         // Whoever leaves lets go of the pictures.
         rig.services->router.show(u"settings"_s);

@@ -29,7 +29,7 @@ private Q_SLOTS:
             "Velbrix_WallpaperDockAutoHideActive": true, "Velbrix_WallpaperDockAutoHideOriginal": false,
             "Velbrix_WallpaperPauseOnBattery": false, "Velbrix_WallpaperPauseWhenCovered": false,
             "Velbrix_WallpaperYieldsSound": true, "Velbrix_WallpaperUnusedDisplays": ["4294967295"],
-            "Velbrix_WallpaperContentMode": "音乐壁纸(Beta)",
+            "Velbrix_WallpaperContentMode": "音乐壁纸(Beta)", "Velbrix_WallpaperFolderOrder": "size",
             "Velbrix_PerDisplayVideoPaths": {"4294967295": "/films/b.mp4"}})json")
                                        .object();
         Rig read(stored);
@@ -47,6 +47,7 @@ private Q_SLOTS:
         to.setDockState(from.isDockAutoHidden(), from.originalSystemDockAutohideState());
         to.setPauseOnBattery(from.pauseOnBattery());
         to.setPauseWhenCovered(from.pauseWhenCovered());
+        to.setVideoOrder(from.videoOrder());
         to.setContentMode(from.contentMode());
         to.setDisplayVideoPath(4294967295u, from.perDisplayVideoPaths().value(4294967295u));
         to.setYieldsSound(from.yieldsSound());

@@ -10,6 +10,12 @@
 using namespace Qt::StringLiterals;
 
 namespace velbrix {
+namespace {
+
+// In the picture's comments.
+const QString lengthKey = u"Duration"_s;
+
+} // namespace
 
 QString ThumbnailCache::entry(const QString &file) const
 {
@@ -21,13 +27,18 @@ QString ThumbnailCache::entry(const QString &file) const
     return _folder + u'/' + QString::fromLatin1(name) + u".jpg"_s;
 }
 
-QImage ThumbnailCache::find(const QString &file) const
+std::optional<VideoThumbnail> ThumbnailCache::find(const QString &file) const
 {
-    return QImage(entry(file));
+    const QImage picture(entry(file));
+    bool isKnown = false;
+    const double length = picture.text(lengthKey).toDouble(&isKnown);
+    return isKnown ? std::optional(VideoThumbnail{picture, length}) : std::nullopt;
 }
 
-void ThumbnailCache::store(const QString &file, const QImage &picture) const
+void ThumbnailCache::store(const QString &file, const VideoThumbnail &thumbnail) const
 {
+    QImage picture = thumbnail.picture;
+    picture.setText(lengthKey, QString::number(thumbnail.length, 'f', 3));
     // A cache: what cannot be written is made again next time.
     (void)replaceFile(entry(file), picture, "JPG", 85);
 }

@@ -24,6 +24,7 @@ const QString dockOriginalKey = u"Velbrix_WallpaperDockAutoHideOriginal"_s;
 const QString pauseOnBatteryKey = u"Velbrix_WallpaperPauseOnBattery"_s;
 const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
 const QString mutedKey = u"Velbrix_WallpaperMuted"_s;
+const QString videoOrderKey = u"Velbrix_WallpaperFolderOrder"_s;
 const QString playlistMinutesKey = u"Velbrix_WallpaperPlaylistMinutes"_s;
 const QString playlistShuffledKey = u"Velbrix_WallpaperPlaylistShuffled"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
@@ -78,6 +79,7 @@ void WallpaperPreferences::loadSettings()
     _contentMode = wallpaperContentModeFromRawValue(_settings.string(contentModeKey).value_or(QString()));
     if (const auto folder = _settings.string(folderKey); folder && !folder->isEmpty())
         _wallpaperFolder = folder;
+    _videoOrder = videoOrderFromRawValue(_settings.string(videoOrderKey).value_or(QString()));
     take(_settings.boolean(mutedKey), _isMuted);
     if (const auto minutes = _settings.integer(playlistMinutesKey))
         _playlistMinutes = clampedTurn(*minutes);
@@ -136,6 +138,11 @@ void WallpaperPreferences::setContentMode(WallpaperContentMode mode)
 void WallpaperPreferences::setWallpaperFolder(const QString &folder)
 {
     change(_wallpaperFolder, std::optional(folder), folderKey, folder);
+}
+
+void WallpaperPreferences::setVideoOrder(VideoOrder order)
+{
+    change(_videoOrder, order, videoOrderKey, rawValue(order));
 }
 
 void WallpaperPreferences::setPlaylistMinutes(int minutes)

@@ -25,6 +25,7 @@ class WallpaperPreferences final : public QObject {
     VELB_PUBLISHED(WallpaperPreferences, WallpaperGravity, gravity, WallpaperGravity::aspectFill)
     VELB_PUBLISHED(WallpaperPreferences, WallpaperContentMode, contentMode, WallpaperContentMode::video)
     VELB_PUBLISHED(WallpaperPreferences, std::optional<QString>, wallpaperFolder)
+    VELB_PUBLISHED(WallpaperPreferences, VideoOrder, videoOrder, VideoOrder::name)
     VELB_PUBLISHED(WallpaperPreferences, int, playlistMinutes, 0) // each video's turn; 0: no end
     VELB_PUBLISHED(WallpaperPreferences, bool, isPlaylistShuffled, false)
     VELB_PUBLISHED(WallpaperPreferences, bool, autoPlay, true)
@@ -53,6 +54,7 @@ public:
     void setGravity(WallpaperGravity gravity);
     void setContentMode(WallpaperContentMode mode);
     void setWallpaperFolder(const QString &folder);
+    void setVideoOrder(VideoOrder order);
     void setPlaylistMinutes(int minutes);
     void setPlaylistShuffled(bool on);
     void setAutoPlay(bool on);

@@ -78,6 +78,28 @@ VideoGravity layerGravity(WallpaperGravity gravity)
     return VideoGravity::crop;
 }
 
+QString rawValue(VideoOrder order)
+{
+    switch (order) {
+    case VideoOrder::name:
+        return u"name"_s;
+    case VideoOrder::date:
+        return u"date"_s;
+    case VideoOrder::length:
+        return u"length"_s;
+    case VideoOrder::size:
+        return u"size"_s;
+    }
+    return {};
+}
+
+VideoOrder videoOrderFromRawValue(const QString &stored)
+{
+    const auto found =
+        std::ranges::find_if(allVideoOrders, [&](VideoOrder order) { return rawValue(order) == stored; });
+    return found == allVideoOrders.end() ? VideoOrder::name : *found;
+}
+
 const QStringList &videoExtensions()
 {
     static const QStringList extensions = {u"mp4"_s, u"mov"_s,  u"m4v"_s, u"avi"_s,
@@ -85,9 +107,9 @@ const QStringList &videoExtensions()
     return extensions;
 }
 
-bool hasVideoExtension(const QString &path)
+bool hasExtension(const QString &path, const QStringList &extensions)
 {
-    return videoExtensions().contains(QFileInfo(path).suffix().toLower());
+    return extensions.contains(QFileInfo(path).suffix().toLower());
 }
 
 double clampedVolume(double volume)

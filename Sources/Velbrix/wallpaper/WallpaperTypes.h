@@ -29,6 +29,17 @@ WallpaperGravity wallpaperGravityFromRawValue(const QString &stored);
 // Both fill and resize stretch, and the centred picture is made to fit.
 VideoGravity layerGravity(WallpaperGravity gravity);
 
+// How the folder's videos are listed: by name as people sort, the newest first,
+// the shortest first, or the largest first.
+enum class VideoOrder { name, date, length, size };
+
+inline constexpr std::array allVideoOrders = {VideoOrder::name, VideoOrder::date, VideoOrder::length,
+                                              VideoOrder::size};
+
+QString rawValue(VideoOrder order);
+// An unknown value means name.
+VideoOrder videoOrderFromRawValue(const QString &stored);
+
 struct WallpaperState {
     enum class Kind { idle, selecting, ready, playing, failed };
 
@@ -53,9 +64,10 @@ struct WallpaperDisplayInfo {
     bool operator==(const WallpaperDisplayInfo &) const = default;
 };
 
-// "mp4", "mov" …: what counts as a video by its name, in any case.
+// "mp4", "mov" …: what counts as a video by its name, in any case, on every
+// host; see MediaProbe::furtherExtensions() for the others.
 const QStringList &videoExtensions();
-bool hasVideoExtension(const QString &path);
+bool hasExtension(const QString &path, const QStringList &extensions);
 
 double clampedVolume(double volume); // 0…1
 int clampedTurn(int minutes);        // of a playlist, 0…1440

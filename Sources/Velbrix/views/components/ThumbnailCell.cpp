@@ -46,7 +46,7 @@ void ThumbnailCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     else if (picture.isNull())
         drawSymbol(*painter, room, _emptySymbol);
     else
-        drawPicture(*painter, room, picture);
+        drawPicture(*painter, room, picture, index.data(ThumbnailItems::badgeRole).toString());
     drawWords(*painter, words, index, isChosen);
     painter->restore();
 }
@@ -66,7 +66,8 @@ void ThumbnailCell::drawSymbol(QPainter &painter, const QRect &room, const QStri
     painter.drawPixmap(room.center() - QPoint(side / 2, side / 2), drawn);
 }
 
-void ThumbnailCell::drawPicture(QPainter &painter, const QRect &room, const QImage &picture) const
+void ThumbnailCell::drawPicture(QPainter &painter, const QRect &room, const QImage &picture,
+                                const QString &badge) const
 {
     const QSize largest = picture.size().boundedTo(room.size());
     const QSize fitted = picture.size().scaled(largest, Qt::KeepAspectRatio);
@@ -81,6 +82,21 @@ void ThumbnailCell::drawPicture(QPainter &painter, const QRect &room, const QIma
     painter.setBrush(Qt::NoBrush);
     painter.setPen(_theme.color(ThemeColor::hairline));
     painter.drawPath(shape);
+    if (!badge.isEmpty())
+        drawBadge(painter, place, badge);
+}
+
+void ThumbnailCell::drawBadge(QPainter &painter, const QRect &picture, const QString &badge) const
+{
+    painter.setFont(_theme.font(11, QFont::Medium));
+    QRect place(QPoint(), QSize(painter.fontMetrics().horizontalAdvance(badge) + 10, 17));
+    place.moveBottomRight(picture.bottomRight() - QPoint(4, 4));
+    // Readable on any picture.
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 170));
+    painter.drawRoundedRect(place, 4, 4);
+    painter.setPen(Qt::white);
+    painter.drawText(place, Qt::AlignCenter, badge);
 }
 
 void ThumbnailCell::drawWords(QPainter &painter, const QRect &room, const QModelIndex &index,

@@ -23,7 +23,8 @@ public:
 
 private:
     void drawSymbol(QPainter &painter, const QRect &room, const QString &name) const;
-    void drawPicture(QPainter &painter, const QRect &room, const QImage &picture) const;
+    void drawPicture(QPainter &painter, const QRect &room, const QImage &picture, const QString &badge) const;
+    void drawBadge(QPainter &painter, const QRect &picture, const QString &badge) const;
     void drawWords(QPainter &painter, const QRect &room, const QModelIndex &index, bool isChosen) const;
 
     const Theme &_theme;

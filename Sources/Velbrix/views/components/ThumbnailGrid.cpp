@@ -66,13 +66,15 @@ void ThumbnailGrid::setPictures(const QHash<QString, QImage> &pictures)
     viewport()->update();
 }
 
-void ThumbnailGrid::setPicture(const QString &id, const QImage &picture)
+void ThumbnailGrid::setPicture(const QString &id, const QImage &picture, const QString &badge)
 {
     const bool hadProblem = _items->problems.remove(id);
     QImage &shown = _items->pictures[id];
-    if (shown.cacheKey() == picture.cacheKey() && !hadProblem)
+    QString &shownBadge = _items->badges[id];
+    if (shown.cacheKey() == picture.cacheKey() && shownBadge == badge && !hadProblem)
         return;
     shown = picture;
+    shownBadge = badge;
     _items->redraw(id);
 }
 
@@ -85,7 +87,9 @@ void ThumbnailGrid::setProblem(const QString &id, const QString &problem)
 void ThumbnailGrid::keepPictures(const QStringList &ids)
 {
     const QSet<QString> kept(ids.begin(), ids.end());
-    _items->pictures.removeIf([&](const auto &entry) { return !kept.contains(entry.key()); });
+    const auto isOther = [&](const auto &entry) { return !kept.contains(entry.key()); };
+    _items->pictures.removeIf(isOther);
+    _items->badges.removeIf(isOther);
 }
 
 void ThumbnailGrid::setChosen(const std::optional<QString> &id)

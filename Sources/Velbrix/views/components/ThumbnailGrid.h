@@ -25,7 +25,7 @@ public:
     // Keeps the place and the current cell when that is still there.
     void setItems(const QList<ThumbnailItem> &items);
     void setPictures(const QHash<QString, QImage> &pictures);
-    void setPicture(const QString &id, const QImage &picture);
+    void setPicture(const QString &id, const QImage &picture, const QString &badge);
     // The cell says this in place of its subtitle and gets no picture.
     void setProblem(const QString &id, const QString &problem);
     // Lets go of every other picture.

@@ -18,6 +18,9 @@ QVariant ThumbnailItems::data(const QModelIndex &index, int role) const
         return plainTip(item.title);
     case Qt::AccessibleTextRole:
         return QStringLiteral("%1，%2").arg(item.title, problems.value(item.id, item.subtitle));
+    case Qt::AccessibleDescriptionRole:
+    case badgeRole:
+        return badges.value(item.id);
     case pictureRole:
         return pictures.value(item.id);
     case subtitleRole:

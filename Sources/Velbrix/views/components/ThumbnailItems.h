@@ -20,7 +20,7 @@ struct ThumbnailItem {
 // What the cells of a ThumbnailGrid show.
 class ThumbnailItems final : public QAbstractListModel {
 public:
-    enum Role { pictureRole = Qt::UserRole, subtitleRole, problemRole, chosenRole };
+    enum Role { pictureRole = Qt::UserRole, subtitleRole, problemRole, chosenRole, badgeRole };
 
     using QAbstractListModel::QAbstractListModel;
 
@@ -36,6 +36,7 @@ public:
 
     QList<ThumbnailItem> items;
     QHash<QString, QImage> pictures;
+    QHash<QString, QString> badges; // a few letters upon the picture
     QHash<QString, QString> problems;
     std::optional<QString> chosen;
 

@@ -29,7 +29,7 @@ QString startFolder(WallpaperController &wallpaper)
 void openVideoPanel(QWidget *owner, WallpaperController &wallpaper, const QString &title,
                     std::function<void(const QString &path)> chosen)
 {
-    const QString filter = u"视频文件 (*.%1)"_s.arg(videoExtensions().join(u" *."_s));
+    const QString filter = u"视频文件 (*.%1)"_s.arg(wallpaper.folder().extensions().join(u" *."_s));
     auto *panel = new QFileDialog(owner, title, startFolder(wallpaper), filter);
     panel->setObjectName(u"videoPanel"_s);
     panel->setFileMode(QFileDialog::ExistingFile);
@@ -47,13 +47,13 @@ void openVideoPanel(QWidget *owner, WallpaperController &wallpaper, const QStrin
     panel->open();
 }
 
-QString draggedVideo(const QMimeData *data)
+QString draggedVideo(const QMimeData *data, const QStringList &extensions)
 {
     const QList<QUrl> urls = data->urls();
     if (urls.size() != 1 || !urls.first().isLocalFile())
         return {};
     const QString path = urls.first().toLocalFile();
-    return hasVideoExtension(path) ? path : QString();
+    return hasExtension(path, extensions) ? path : QString();
 }
 
 } // namespace velbrix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -16,7 +17,7 @@ class WallpaperController;
 void openVideoPanel(QWidget *owner, WallpaperController &wallpaper, const QString &title,
                     std::function<void(const QString &path)> chosen);
 
-// The one video that is being dragged; else empty.
-QString draggedVideo(const QMimeData *data);
+// The one file with one of the extensions that is being dragged; else empty.
+QString draggedVideo(const QMimeData *data, const QStringList &extensions);
 
 } // namespace velbrix

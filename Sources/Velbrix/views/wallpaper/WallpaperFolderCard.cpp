@@ -33,7 +33,8 @@ QString placeOf(const QString &path, const QString &folder)
     const qsizetype start = folder.size() + 1;
     if (path.startsWith(folder) && end > start)
         return path.sliced(start, end - start);
-    return path.sliced(path.lastIndexOf(u'.') + 1).toUpper() + u" 视频"_s;
+    const QString kind = path.sliced(path.lastIndexOf(u'.') + 1).toUpper();
+    return kind + (kind == u"GIF" ? u" 动图"_s : u" 视频"_s);
 }
 
 QVBoxLayout *makeRows(QWidget *row, int above, int below)
@@ -78,24 +79,32 @@ void WallpaperFolderCard::addFolder()
     _search->setPlaceholderText(u"搜索视频"_s);
     _search->setClearButtonEnabled(true);
     _search->addAction(theme.icon(u"magnifyingglass"_s, ThemeColor::secondary), QLineEdit::LeadingPosition);
-    _search->setFixedWidth(220);
     QPushButton *const rescan =
         makeButton(theme, {u"folderRescan"_s, u"重新扫描"_s, u"arrow.clockwise"_s, u"plain"_s});
+    _order = new SegmentedChoice(u"folderOrder"_s, {u"名称"_s, u"日期"_s, u"时长"_s, u"大小"_s});
+    _order->setAccessibleName(u"排序"_s);
     _job = new JobBar(theme, u"folderScan"_s);
     _job->setJob(u"正在扫描文件夹…"_s, 0, 0);
     auto *rows = makeRows(_top, 8, 10);
     auto *line = new QHBoxLayout;
     line->addWidget(_count, 1);
-    line->addWidget(_search);
     line->addWidget(rescan);
     rows->addLayout(line);
     rows->addWidget(_field);
     rows->addWidget(_problem);
     rows->addWidget(_job);
+    _tools = new QWidget;
+    auto *tools = new QHBoxLayout(_tools);
+    tools->setContentsMargins(0, 0, 0, 0);
+    tools->addWidget(_search, 1);
+    tools->addWidget(_order);
+    rows->addWidget(_tools);
     addRow(_top);
 
     VideoFolder &folder = _context.services.wallpaper.folder();
     connect(_search, &QLineEdit::textChanged, this, [this] { showVideos(); });
+    connect(_order, &SegmentedChoice::wanted, this,
+            [&folder](int index) { folder.setOrder(allVideoOrders.at(static_cast<std::size_t>(index))); });
     connect(_unchosen, &EmptyState::acted, _field, &PathField::choose);
     connect(_field, &PathField::wanted, this, [&folder](const QString &path) { folder.choose(path); });
     connect(_field, &PathField::revealWanted, this, [this](const QString &path) { _context.reveal(path); });
@@ -125,9 +134,10 @@ void WallpaperFolderCard::addVideos()
     rows->addWidget(_picked);
     rows->addWidget(_grid);
     addRow(_videos);
+    const QStringList extensions = _context.services.wallpaper.folder().extensions();
     _empty = new EmptyState(theme, u"folderEmpty"_s,
                             {u"film"_s, u"这个文件夹里没有视频"_s,
-                             u"能识别 %1"_s.arg(videoExtensions().join(u"、"_s)), u"换一个文件夹…"_s});
+                             u"能识别 %1"_s.arg(extensions.join(u"、"_s)), u"换一个文件夹…"_s});
     addRow(_empty);
     connect(_empty, &EmptyState::acted, _field, &PathField::choose);
     connect(_grid, &ThumbnailGrid::wanted, _picked, &PickedVideo::pick);
@@ -143,9 +153,14 @@ void WallpaperFolderCard::followFolder()
             [this](const QString &path) { showThumbnail(path); });
     const auto again = [this] { showFolder(); };
     connect(&folder, &VideoFolder::problemChanged, this, again);
-    connect(&folder, &VideoFolder::isScanningChanged, this, [this] {
-        showFolder();
-        lookSoon(); // what could not be read may be readable now
+    connect(&folder, &VideoFolder::isScanningChanged, this, again);
+    connect(&folder, &VideoFolder::lengthsLeftChanged, this, again);
+    // What could not be read may be readable by then.
+    connect(&folder, &VideoFolder::scanned, this, [this] { lookSoon(); });
+    follow(wallpaper.preferences(), &WallpaperPreferences::videoOrderChanged, this, [this] {
+        const VideoOrder order = _context.services.wallpaper.preferences().videoOrder();
+        _order->setCurrent(
+            static_cast<int>(std::ranges::find(allVideoOrders, order) - allVideoOrders.begin()));
     });
     connect(&wallpaper.preferences(), &WallpaperPreferences::wallpaperFolderChanged, this, again);
     follow(folder, &VideoFolder::folderVideosChanged, this, [this] { showVideos(); });
@@ -169,11 +184,13 @@ void WallpaperFolderCard::showFolder()
     _unchosen->setVisible(!path);
     _top->setVisible(path.has_value());
     const qsizetype found = _grid->model()->rowCount();
-    const QString all = u"共 %1 个视频"_s.arg(count);
-    _count->setText(count == 0       ? u"文件夹"_s
-                    : found == count ? all
-                                     : u"%1，找到 %2 个"_s.arg(all).arg(found));
-    _search->setVisible(count > 1);
+    QStringList words{count == 0 ? u"文件夹"_s : u"共 %1 个视频"_s.arg(count)};
+    if (found != count)
+        words.append(u"找到 %1 个"_s.arg(found));
+    if (folder.lengthsLeft() > 0)
+        words.append(u"正在读取时长，还剩 %1 个"_s.arg(folder.lengthsLeft()));
+    _count->setText(words.join(u'，'));
+    _tools->setVisible(count > 1);
     _problem->setText(folder.problem());
     _problem->setVisible(hasProblem);
     _job->setVisible(folder.isScanning());
@@ -264,17 +281,19 @@ void WallpaperFolderCard::showThumbnail(const QString &path)
     if (folder.hasNoThumbnail(path))
         _grid->setProblem(path, u"无法读取"_s);
     else if (const QImage picture = folder.thumbnail(path); !picture.isNull())
-        _grid->setPicture(path, picture);
+        _grid->setPicture(path, picture, lengthText(folder.length(path)));
 }
 
 void WallpaperFolderCard::showEvent(QShowEvent *event)
 {
     Card::showEvent(event);
+    VideoFolder &folder = _context.services.wallpaper.folder();
     if (!_isScanned) {
         _isScanned = true;
-        _context.services.wallpaper.folder().rescan();
+        folder.rescan();
         showFolder();
     }
+    folder.setWatched(true);
     lookSoon();
 }
 
@@ -283,6 +302,7 @@ void WallpaperFolderCard::hideEvent(QHideEvent *event)
     // Nobody looks at the pictures any more.
     _look.reset();
     _grid->keepPictures({});
+    _context.services.wallpaper.folder().setWatched(false);
     _context.services.wallpaper.folder().dropThumbnails();
     Card::hideEvent(event);
 }

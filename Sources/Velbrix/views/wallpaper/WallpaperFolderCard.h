@@ -51,7 +51,9 @@ private:
     PathField *_field = nullptr;
     QLabel *_count = nullptr;
     QLabel *_problem = nullptr;
+    QWidget *_tools = nullptr;
     QLineEdit *_search = nullptr;
+    SegmentedChoice *_order = nullptr;
     EmptyState *_unchosen = nullptr;
     EmptyState *_empty = nullptr;
     JobBar *_job = nullptr;

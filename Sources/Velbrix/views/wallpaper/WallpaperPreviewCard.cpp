@@ -296,7 +296,7 @@ void WallpaperPreviewCard::showHint()
 
 void WallpaperPreviewCard::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (draggedVideo(event->mimeData()).isEmpty())
+    if (draggedVideo(event->mimeData(), _context.services.wallpaper.folder().extensions()).isEmpty())
         return;
     setLook(this, "dropping", true);
     event->acceptProposedAction();
@@ -310,7 +310,9 @@ void WallpaperPreviewCard::dragLeaveEvent(QDragLeaveEvent *)
 void WallpaperPreviewCard::dropEvent(QDropEvent *event)
 {
     setLook(this, "dropping", false);
-    if (const QString path = draggedVideo(event->mimeData()); !path.isEmpty()) {
+    if (const QString path =
+            draggedVideo(event->mimeData(), _context.services.wallpaper.folder().extensions());
+        !path.isEmpty()) {
         event->acceptProposedAction();
         _context.services.wallpaperActions.playVideo(path);
     }

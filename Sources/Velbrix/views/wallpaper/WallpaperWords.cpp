@@ -11,15 +11,6 @@ using namespace Qt::StringLiterals;
 namespace velbrix {
 namespace {
 
-QString timeText(double seconds)
-{
-    const auto whole = static_cast<qint64>(std::llround(seconds));
-    const auto two = [](qint64 number) { return u"%1"_s.arg(number, 2, 10, QChar(u'0')); };
-    if (whole < 3600)
-        return u"%1:%2"_s.arg(whole / 60).arg(two(whole % 60));
-    return u"%1:%2:%3"_s.arg(whole / 3600).arg(two(whole / 60 % 60), two(whole % 60));
-}
-
 QString videoOf(const WallpaperDisplayInfo &display)
 {
     if (!display.isUsed)
@@ -65,6 +56,17 @@ BadgeLook badgeOf(WallpaperLook look)
     Q_UNREACHABLE();
 }
 
+QString lengthText(std::optional<double> seconds)
+{
+    if (!seconds)
+        return {};
+    const auto whole = static_cast<qint64>(std::llround(*seconds));
+    const auto two = [](qint64 number) { return u"%1"_s.arg(number, 2, 10, QChar(u'0')); };
+    if (whole < 3600)
+        return u"%1:%2"_s.arg(whole / 60).arg(two(whole % 60));
+    return u"%1:%2:%3"_s.arg(whole / 3600).arg(two(whole / 60 % 60), two(whole % 60));
+}
+
 QString describeVideo(QSizeF size, double framesPerSecond, double seconds)
 {
     QStringList parts;
@@ -73,7 +75,7 @@ QString describeVideo(QSizeF size, double framesPerSecond, double seconds)
     if (framesPerSecond > 0)
         parts.append(u"%1 帧/秒"_s.arg(QString::number(std::round(framesPerSecond * 100) / 100)));
     if (seconds > 0)
-        parts.append(timeText(seconds));
+        parts.append(lengthText(seconds));
     return parts.join(u" · "_s);
 }
 

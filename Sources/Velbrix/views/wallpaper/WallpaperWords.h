@@ -6,6 +6,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <optional>
+
 namespace velbrix {
 
 class WallpaperController;
@@ -23,6 +25,8 @@ struct BadgeLook {
 };
 BadgeLook badgeOf(WallpaperLook look);
 
+// "0:12", "1:02:03"; empty where it is not known.
+QString lengthText(std::optional<double> seconds);
 // "1920×1080 · 30 帧/秒 · 0:12"; what is not known is left out.
 QString describeVideo(QSizeF size, double framesPerSecond, double seconds);
 // "副屏 · 1920×1080 · 海.mp4"
