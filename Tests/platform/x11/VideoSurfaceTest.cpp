@@ -64,6 +64,10 @@ public:
         return path(name);
     }
     QString green() { return made(u"green.mp4"_s, u"color=0x00ff00:s=320x180:r=30:d=1"_s); }
+    QString plain(const QString &size)
+    {
+        return made(size + u".mp4"_s, u"color=0xC81414:s=%1:r=30:d=1"_s.arg(size));
+    }
     QString withSound()
     {
         return made(u"sound.mp4"_s, u"testsrc2=s=320x180:r=30:d=2 -f lavfi -i sine=440:d=2"_s);
@@ -357,6 +361,17 @@ private Q_SLOTS:
         const qint64 progress = hidden.surface->progress();
         QVERIFY(witness.goesOn());
         QCOMPARE(hidden.surface->progress(), progress);
+    }
+
+    void smallVideosKeepTheirColours()
+    {
+        Shown shown;
+        for (const QString &size : {u"640x480"_s, u"720x576"_s}) {
+            QVERIFY(shown.loads(clips().plain(size)));
+            const auto red = [] { return screen(frame).pixelColor(200, 200); };
+            QTRY_VERIFY2(std::abs(red().green() - 20) < 8 && std::abs(red().red() - 200) < 8,
+                         qPrintable(size + red().name()));
+        }
     }
 
     void showsPausedWhatWasLoadedWhileHidden()

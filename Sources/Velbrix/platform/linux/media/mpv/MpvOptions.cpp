@@ -2,6 +2,7 @@
 
 #include "platform/linux/media/mpv/MpvNode.h"
 
+#include <QByteArrayList>
 #include <QThread>
 
 #include <algorithm>
@@ -120,7 +121,16 @@ void tuneMpvDecoder(const LibMpv &mpv, mpv_handle *handle, const mpv_node &track
     // More than thirty large pictures a second: those that no other needs are left out.
     const char *dropped = pixels > largestPixels && rate > mostLargePictures ? "nonref" : "default";
     mpv.mpv_set_property(handle, "vd-lavc-skipframe", MPV_FORMAT_STRING, static_cast<void *>(&dropped));
-    const char *filter = uprightFilter(nodeNumber(track, "demux-rotation"));
+    // The player takes small videos for an old television's, by their height, and
+    // would shift their colours; nothing else here does.
+    const bool isSmall = nodeNumber(track, "demux-w") < 1280 && nodeNumber(track, "demux-h") <= 576;
+    QByteArrayList filters;
+    if (isSmall)
+        filters.append("format:primaries=bt.709");
+    if (const QByteArray upright = uprightFilter(nodeNumber(track, "demux-rotation")); !upright.isEmpty())
+        filters.append(upright);
+    const QByteArray joined = filters.join(',');
+    const char *filter = joined.constData();
     mpv.mpv_set_property(handle, "vf", MPV_FORMAT_STRING, static_cast<void *>(&filter));
     // Each thread more holds pictures of its own.
     const int most = std::min(QThread::idealThreadCount(), 4);
