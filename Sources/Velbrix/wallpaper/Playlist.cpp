@@ -13,6 +13,7 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velbrix {
 namespace {
@@ -48,8 +49,10 @@ QCoro::Task<Result<void>> Playlist::next()
     const QPointer self(this);
     if (!_preferences.wallpaperFolder())
         co_return failure(u"还没有选择壁纸文件夹"_s);
+    const int asked = ++_asked;
     const bool isComplete = co_await lookThroughFolder();
-    if (!self)
+    // Stopped meanwhile, or asked once more.
+    if (!self || asked != _asked)
         co_return Result<void>();
     QString path = _acts.current();
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
@@ -101,18 +104,31 @@ std::optional<QString> Playlist::following(const QString &path)
 void Playlist::wallpaperChanged()
 {
     const bool isOther = std::exchange(_playing, _acts.current()) != _playing;
-    if (!_acts.isMoving())
+    if (!_acts.isMoving()) {
         _turn.reset();
-    else if (isOther || !_turn)
+        ++_asked;
+    } else if (isOther || !_turn) {
         startTurn();
+    }
 }
 
 void Playlist::startTurn()
 {
     _turn.reset();
-    if (_preferences.playlistMinutes() == 0)
+    const std::chrono::minutes length(_preferences.playlistMinutes());
+    if (length == 0min)
         return;
-    _turn = _clock.every(std::chrono::minutes(_preferences.playlistMinutes()), [this] { next(); });
+    const QDateTime now = _clock.now();
+    const QDateTime began = _preferences.turnBegan(_playing);
+    if (!began.isValid() || began > now)
+        _preferences.setTurnBegan(_playing, now);
+    const std::chrono::seconds past(_preferences.turnBegan(_playing).secsTo(now));
+    // What has come back is seen for a moment, however long it was away.
+    _turn = _clock.after(std::max<std::chrono::seconds>(length - past, 1min), [this] {
+        _preferences.setTurnBegan(_playing, _clock.now());
+        startTurn(); // should nothing follow
+        next();
+    });
 }
 
 } // namespace velbrix

@@ -17,7 +17,8 @@ class VideoFolder;
 class WallpaperPreferences;
 
 // The folder's videos one after the other on the main display: at the user's
-// word, or each for a while. In shuffled order each comes once before any comes
+// word, or each for a while, which pauses and ends of the program do not make
+// longer. In shuffled order each comes once before any comes
 // again. Main thread.
 class Playlist final : public QObject {
     Q_OBJECT
@@ -52,6 +53,7 @@ private:
     const Acts _acts;
     QStringList _unplayed;        // of the shuffled ones, the next one last
     QString _playing;             // whose turn it is
+    int _asked = 0;               // for the next one, and what outdates that
     std::unique_ptr<Alarm> _turn; // while it moves
 };
 

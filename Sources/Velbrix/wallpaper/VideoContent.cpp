@@ -187,7 +187,11 @@ QCoro::Task<Result<void>> VideoContent::prepareToShow()
 {
     const QPointer self(this);
     auto search = lookForOthers();
-    co_await withDeadline(_parts.clock, lookLimit, std::move(search));
+    // The main display's does not wait for others that are slow.
+    if (_parts.video.videoURL())
+        co_await withDeadline(_parts.clock, lookLimit, std::move(search));
+    else
+        co_await search;
     std::optional<QString> prepared;
     // Another video may be chosen while the picture is awaited.
     while (self && _parts.video.videoURL() && _parts.video.videoURL() != prepared) {

@@ -228,7 +228,8 @@ QCoro::Task<WallpaperController::Played> WallpaperController::loadAndStart(QStri
 QCoro::Task<std::optional<bool>> WallpaperController::playInTurn(QString path)
 {
     const QPointer self(this);
-    const Played played = co_await playVideo(path);
+    // Without advice, which would come with each turn.
+    const Played played = co_await loadAndStart(path, false);
     if (played != Played::refused)
         co_return true;
     const bool isUnplayable =
@@ -252,11 +253,12 @@ QCoro::Task<bool> WallpaperController::setDisplayVideo(quint32 displayID, const 
 
 void WallpaperController::clearDisplayVideo(quint32 displayID)
 {
+    const bool wasShowing = isShowing();
     if (_displays.isMain(displayID))
         _videos.clearMain();
     else
         _videos.clearOther(displayID);
-    if (state().isPlaying() && !isShowing())
+    if (wasShowing && !isShowing())
         stopWallpaper();
     else if (state().kind != WallpaperState::Kind::failed)
         updateState();

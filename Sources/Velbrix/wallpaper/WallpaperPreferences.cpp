@@ -26,6 +26,7 @@ const QString pauseWhenCoveredKey = u"Velbrix_WallpaperPauseWhenCovered"_s;
 const QString mutedKey = u"Velbrix_WallpaperMuted"_s;
 const QString videoOrderKey = u"Velbrix_WallpaperFolderOrder"_s;
 const QString playlistMinutesKey = u"Velbrix_WallpaperPlaylistMinutes"_s;
+const QString playlistTurnKey = u"Velbrix_WallpaperPlaylistTurn"_s; // path and seconds since 1970
 const QString playlistShuffledKey = u"Velbrix_WallpaperPlaylistShuffled"_s;
 const QString contentModeKey = u"Velbrix_WallpaperContentMode"_s;
 const QString returningKey = u"Velbrix_WallpaperIsReturning"_s;
@@ -153,6 +154,18 @@ void WallpaperPreferences::setPlaylistMinutes(int minutes)
 void WallpaperPreferences::setPlaylistShuffled(bool on)
 {
     change(_isPlaylistShuffled, on, playlistShuffledKey, on);
+}
+
+QDateTime WallpaperPreferences::turnBegan(const QString &path) const
+{
+    const QJsonArray turn = _settings.json(playlistTurnKey).value_or(QJsonValue()).toArray();
+    return turn.size() == 2 && turn[0].toString() == path ? QDateTime::fromSecsSinceEpoch(turn[1].toInteger())
+                                                          : QDateTime();
+}
+
+void WallpaperPreferences::setTurnBegan(const QString &path, const QDateTime &at)
+{
+    _settings.set(playlistTurnKey, QJsonArray{path, at.toSecsSinceEpoch()});
 }
 
 void WallpaperPreferences::setAutoPlay(bool on)

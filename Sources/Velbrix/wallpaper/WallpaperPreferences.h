@@ -3,6 +3,7 @@
 #include "foundation/Published.h"
 #include "wallpaper/WallpaperTypes.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QJsonValue>
 #include <QObject>
@@ -57,6 +58,9 @@ public:
     void setVideoOrder(VideoOrder order);
     void setPlaylistMinutes(int minutes);
     void setPlaylistShuffled(bool on);
+    // Of this video; invalid when the last turn that began was another's.
+    QDateTime turnBegan(const QString &path) const;
+    void setTurnBegan(const QString &path, const QDateTime &at);
     void setAutoPlay(bool on);
     void setHideDesktopIconsEnabled(bool on);
     void setHidingDesktopIcons(bool on);
