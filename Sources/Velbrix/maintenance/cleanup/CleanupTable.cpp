@@ -90,7 +90,7 @@ RemovalRules CleanupTable::removalRules(const CleanupRule &rule, const CleanupUs
     rules.sealedPaths = _ownPaths;
     rules.boundSockets = use.sockets;
     if (rule.onlyOldOwnFiles) {
-        rules.now = _seen.dayAgo();
+        rules.now = _seen.sureNow();
         rules.minimumAge = leastAge;
     }
     return rules;

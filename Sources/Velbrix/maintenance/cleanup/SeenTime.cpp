@@ -13,6 +13,8 @@ namespace velbrix {
 namespace {
 
 constexpr std::chrono::seconds day = 24h;
+// Longer than people are usually without the program; what jumps less costs little.
+constexpr std::chrono::seconds longestSilence = 8 * day;
 
 } // namespace
 
@@ -21,15 +23,15 @@ SeenTime::SeenTime(SettingsStore &settings, Clock &clock) : _settings(settings),
     note();
 }
 
-qint64 SeenTime::dayAgo() const
+qint64 SeenTime::sureNow() const
 {
     note();
-    const qint64 latest = _clock.now().toSecsSinceEpoch() - day.count();
+    const qint64 now = _clock.now().toSecsSinceEpoch();
     for (const qint64 moment : past()) {
-        if (moment <= latest)
-            return moment;
+        if (now - moment >= day.count())
+            return now - moment <= longestSilence.count() ? now : moment;
     }
-    return 0;
+    return now;
 }
 
 // The last first; none that a clock which has been put right since was ahead at.

@@ -9,8 +9,8 @@ class Clock;
 class SettingsStore;
 
 // Moments at which this program was running, a day apart, kept in the settings.
-// By a clock that has jumped ahead everything is old today; what was old at such a
-// moment on an earlier day really is.
+// By a clock that has jumped ahead everything is old today; after a long silence
+// only what was old at the last such moment surely is, until another day has passed.
 class SeenTime {
 public:
     static inline const QString key = QStringLiteral("VelbClean_SeenAt");
@@ -18,9 +18,9 @@ public:
     // Both must outlive it.
     SeenTime(SettingsStore &settings, Clock &clock);
 
-    // The last of them that is at least a day past, in seconds since 1970; 0 when
-    // there is none. This moment becomes one, too.
-    qint64 dayAgo() const;
+    // This moment in seconds since 1970, which becomes one of them; after a long
+    // silence the last one that is at least a day past.
+    qint64 sureNow() const;
 
 private:
     QList<qint64> past() const;
