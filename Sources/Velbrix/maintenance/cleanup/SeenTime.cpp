@@ -20,7 +20,9 @@ constexpr std::chrono::seconds longestSilence = 8 * day;
 
 SeenTime::SeenTime(SettingsStore &settings, Clock &clock) : _settings(settings), _clock(clock)
 {
-    note();
+    // The first moment is of use from the first cleaning on.
+    if (!past().isEmpty())
+        note();
 }
 
 qint64 SeenTime::sureNow() const
