@@ -114,7 +114,7 @@ QString playlistLine(const WallpaperController &wallpaper)
 {
     const WallpaperPreferences &preferences = wallpaper.preferences();
     const int minutes = preferences.playlistMinutes();
-    const QString order = preferences.isPlaylistShuffled() ? u"随机顺序"_s : u"按名称"_s;
+    const QString order = preferences.isPlaylistShuffled() ? u"随机顺序"_s : u"按文件夹的顺序"_s;
     return u"轮换："_s + (minutes == 0 ? u"关"_s : u"每 %1 分钟，%2"_s.arg(minutes).arg(order));
 }
 
