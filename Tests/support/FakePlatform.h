@@ -82,10 +82,12 @@ struct ServicesRig {
         qputenv("XDG_CONFIG_HOME", files.filePath(u"config"_s).toUtf8());
         qputenv("HOME", files.path().toUtf8());
     }
-    // Answers on their way find that nobody waits for them any more, and other threads are done with
+    // What can go on without time does; later answers find nobody who waits, and threads are done with
     // the folder.
     ~ServicesRig()
     {
+        if (services)
+            settleThreads();
         services.reset();
         QThreadPool::globalInstance()->waitForDone();
         QCoreApplication::processEvents();

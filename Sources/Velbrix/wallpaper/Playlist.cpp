@@ -1,6 +1,6 @@
 #include "wallpaper/Playlist.h"
 
-#include "foundation/Awaitables.h"
+#include "foundation/Clock.h"
 #include "foundation/FileThreads.h"
 #include "wallpaper/VideoFolder.h"
 #include "wallpaper/WallpaperLog.h"
@@ -21,12 +21,7 @@ namespace {
 // A folder of broken files must not be read to its end.
 constexpr int mostAttempts = 10;
 
-QCoro::Task<bool> endOfScan(QPointer<VideoFolder> folder)
-{
-    while (folder && folder->isScanning())
-        co_await nextSignal(*folder, &VideoFolder::isScanningChanged);
-    co_return true;
-}
+constexpr auto glance = 200ms;
 
 } // namespace
 
@@ -74,14 +69,19 @@ QCoro::Task<Result<void>> Playlist::next()
 // False where the disk takes so long that the turn goes to what is known.
 QCoro::Task<bool> Playlist::lookThroughFolder()
 {
+    const QPointer self(this);
     if (_folder.folderVideos().isEmpty() && !_folder.isScanning())
         _folder.rescan();
     const auto known = _folder.folderVideos().size();
-    auto end = endOfScan(&_folder);
-    const auto hasEnded = co_await withDeadline(_clock, FileThreads::usualPatience, std::move(end));
-    if (!hasEnded)
-        wallpaperlog::say(u"playlist: folder still scanning, going on with %1 videos"_s.arg(known));
-    co_return hasEnded.has_value();
+    // Looked at again and again: a scan that hangs never says that it has ended.
+    for (auto waited = 0ms; self && _folder.isScanning(); waited += glance) {
+        if (waited >= FileThreads::usualPatience) {
+            wallpaperlog::say(u"playlist: folder still scanning, going on with %1 videos"_s.arg(known));
+            co_return false;
+        }
+        co_await Pause(_clock, glance);
+    }
+    co_return true;
 }
 
 std::optional<QString> Playlist::following(const QString &path)
