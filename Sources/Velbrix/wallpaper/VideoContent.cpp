@@ -367,7 +367,7 @@ QCoro::Task<> VideoContent::setFirstFrame(QString reason)
     co_await withDeadline(_parts.clock, firstFrameLimit, std::move(search));
 }
 
-// Answers when it is on the desktop. One that comes late is set then.
+// One that comes late is set then.
 QCoro::Task<bool> VideoContent::findFirstFrame(QString path)
 {
     const QPointer self(this);
@@ -375,10 +375,7 @@ QCoro::Task<bool> VideoContent::findFirstFrame(QString path)
     const auto frame = co_await _parts.video.frameAt(path, 0);
     if (!self || generation != _stillGeneration || !frame)
         co_return false;
-    StaticDesktop &still = _parts.still;
-    still.setStaticDesktop(*frame);
-    while (still.isWorking())
-        co_await nextSignal(still, &StaticDesktop::isWorkingChanged);
+    _parts.still.setStaticDesktop(*frame);
     co_return true;
 }
 
