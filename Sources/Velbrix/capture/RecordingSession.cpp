@@ -139,6 +139,7 @@ QCoro::Task<> RecordingSession::callOff()
             (void)co_await _stream->finishWriting();
         if (!self)
             co_return;
+        Q_EMIT systemEnded(); // frees what still waits for it after the limit
     }
     abandon();
     if (_cause.isEmpty())
