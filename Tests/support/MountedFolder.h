@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/FileThreads.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
@@ -27,6 +29,8 @@ public:
     ~MountedFolder()
     {
         setHanging(false);
+        if (!FileThreads::waitForAll(std::chrono::seconds(20)))
+            qFatal("a thread never came back from the disk");
         if (_isMounted)
             QProcess::execute(QStringLiteral("fusermount3"), {QStringLiteral("-uz"), path()});
     }

@@ -15,6 +15,7 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <sys/socket.h>
@@ -183,7 +184,10 @@ int main(int argc, char **argv)
     if (ownWords.isEmpty() || inBackground) {
         if (const QString obstacle = prepareHost(); !obstacle.isEmpty())
             return print(stderr, obstacle + u'\n', exitcode::refused);
-        return runAsApplication(argc, argv, inBackground);
+        const int exitCode = runAsApplication(argc, argv, inBackground);
+        // Threads may still be at work, one on a disk that hangs: libraries are not taken down under them.
+        std::fflush(nullptr);
+        std::_Exit(exitCode);
     }
     const auto command = parseCommand(words);
     if (!command)

@@ -12,6 +12,20 @@ namespace {
 
 constexpr std::chrono::milliseconds farewell{500};
 
+// Threads that have not ended, those written off among them.
+struct Census {
+    std::mutex lock;
+    std::condition_variable hasFallen;
+    int threads = 0;
+};
+
+// Never destroyed, as the threads may outlive everything.
+Census &census()
+{
+    static auto &census = *new Census;
+    return census;
+}
+
 } // namespace
 
 struct FileThreads::Question {
@@ -59,11 +73,24 @@ struct FileThreads::Pool : std::enable_shared_from_this<Pool> {
             const std::scoped_lock guard(lock);
             ++threads;
         }
+        {
+            const std::scoped_lock guard(census().lock);
+            ++census().threads;
+        }
         std::thread([self = shared_from_this(), question]() mutable {
-            std::exchange(question->work, nullptr)();
-            onMainThread([self, question] { self->finish(question, true); });
-            self->discount(*question);
+            answer(std::move(self), std::move(question));
+            const std::scoped_lock guard(census().lock);
+            --census().threads;
+            census().hasFallen.notify_all();
         }).detach();
+    }
+
+    // By value: nothing of it is left with the thread.
+    static void answer(std::shared_ptr<Pool> self, std::shared_ptr<Question> question)
+    {
+        std::exchange(question->work, nullptr)();
+        onMainThread([self, question] { self->finish(question, true); });
+        self->discount(*question);
     }
 
     // Any thread.
@@ -125,6 +152,12 @@ FileThreads::~FileThreads()
     });
     std::unique_lock guard(_pool->lock);
     _pool->threadEnded.wait_for(guard, farewell, [this] { return _pool->threads == 0; });
+}
+
+bool FileThreads::waitForAll(std::chrono::milliseconds limit)
+{
+    std::unique_lock guard(census().lock);
+    return census().hasFallen.wait_for(guard, limit, [] { return census().threads == 0; });
 }
 
 std::shared_ptr<FileThreads::Question> FileThreads::ask(std::function<void()> work)

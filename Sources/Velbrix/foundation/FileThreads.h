@@ -30,6 +30,10 @@ public:
     // What is open is answered with nothing. Waits a moment for threads that are
     // about to end.
     ~FileThreads();
+    // Blocks until no thread of any is left, not even one that was written off;
+    // false where one takes longer. Before that, static objects must not be
+    // destroyed, as a thread may still use them.
+    [[nodiscard]] static bool waitForAll(std::chrono::milliseconds limit);
     FileThreads(const FileThreads &) = delete;
     FileThreads &operator=(const FileThreads &) = delete;
 
