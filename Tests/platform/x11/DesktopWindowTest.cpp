@@ -3,6 +3,7 @@
 #include "DesktopTools.h"
 #include "foundation/SystemClock.h"
 #include "platform/linux/x11/TopLevel.h"
+#include "platform/linux/x11/surface/WindowSink.h"
 #include "platform/linux/x11/surface/X11DesktopSurfaces.h"
 #include "support/FakeDesktopSurfaces.h"
 #include "support/Test.h"
@@ -374,6 +375,22 @@ private Q_SLOTS:
     {
         const WindowManager manager(u"openbox"_s);
         surfaceWindowContract(RealDesktop());
+    }
+
+    // A player's thread may still have a picture for a window that has gone.
+    void aLatePictureMeetsNothingElse()
+    {
+        auto window = DesktopWindow::create(left);
+        const auto sink = WindowSink::open(**window);
+        QVERIFY(sink);
+        const xcb_window_t gone = (*window)->id();
+        window->reset();
+        std::vector<std::unique_ptr<X11Connection>> others;
+        for (int i = 0; i < 8; ++i) {
+            others.push_back(*X11Connection::open());
+            const xcb_setup_t *const own = xcb_get_setup(others.back()->xcb());
+            QVERIFY((gone & ~own->resource_id_mask) != own->resource_id_base);
+        }
     }
 
     void letsIconsOfPcmanfmBeSeen() { letsIconsBeSeen(u"openbox"_s, u"pcmanfm"_s); }

@@ -24,12 +24,14 @@ public:
     X11EventSource &operator=(const X11EventSource &) = delete;
 
     X11Connection &connection() const { return *_connection; }
+    // Keeps it open, whatever becomes of this.
+    std::shared_ptr<const X11Connection> openConnection() const { return _connection; }
 
 private:
     X11EventSource(std::unique_ptr<X11Connection> connection, Handler handle, std::function<void()> settled);
     void deliver(XReply<xcb_generic_event_t> (*next)(xcb_connection_t *));
 
-    std::unique_ptr<X11Connection> _connection;
+    const std::shared_ptr<X11Connection> _connection;
     Handler _handle;
     std::function<void()> _settled;
     QSocketNotifier _readable;

@@ -32,6 +32,7 @@ public:
     static Result<std::shared_ptr<DesktopLayer>> shared();
 
     X11Connection &connection() const { return _events->connection(); }
+    std::shared_ptr<const X11Connection> openConnection() const { return _events->openConnection(); }
     const std::vector<PixelRect> &icons() const { return _icons; }
 
     void add(DesktopLayerMember &member);

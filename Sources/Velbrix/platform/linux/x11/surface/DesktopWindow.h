@@ -30,6 +30,8 @@ public:
     DesktopWindow &operator=(const DesktopWindow &) = delete;
 
     xcb_window_t id() const { return _id; }
+    // While somebody has it, the window's number is given to nobody else.
+    std::shared_ptr<const X11Connection> numberKeeper() const { return _layer->openConnection(); }
     QSize size() const { return _frame.size(); }
     bool isShown() const { return _isShown; }
     // Null when it ends before the window.

@@ -37,7 +37,7 @@ MpvVideoSurface::MpvVideoSurface(Clock &clock, DesktopWindow &window, VideoEvent
 
 Result<void> MpvVideoSurface::open(std::shared_ptr<PlayerThreads> threads)
 {
-    auto sink = WindowSink::open(_window.id());
+    auto sink = WindowSink::open(_window);
     if (!sink)
         return std::unexpected(sink.error());
     const auto formatChanged = [this](const PictureFormat &format) {

@@ -17,7 +17,7 @@ std::size_t stride(QSize size)
 
 } // namespace
 
-Result<std::unique_ptr<WindowSink>> WindowSink::open(xcb_window_t window)
+Result<std::unique_ptr<WindowSink>> WindowSink::open(const DesktopWindow &window)
 {
     auto connection = X11Connection::open();
     if (!connection)
@@ -27,8 +27,11 @@ Result<std::unique_ptr<WindowSink>> WindowSink::open(xcb_window_t window)
     return std::unique_ptr<WindowSink>(new WindowSink(std::move(*connection), window));
 }
 
-WindowSink::WindowSink(std::unique_ptr<X11Connection> connection, xcb_window_t window)
-    : _connection(std::move(connection)), _window(window), _context(xcb_generate_id(_connection->xcb()))
+WindowSink::WindowSink(std::unique_ptr<X11Connection> connection, const DesktopWindow &window)
+    : _numberKeeper(window.numberKeeper()),
+      _connection(std::move(connection)),
+      _window(window.id()),
+      _context(xcb_generate_id(_connection->xcb()))
 {
     const std::array<std::uint32_t, 2> values{_connection->screen().black_pixel, 0};
     xcb_create_gc(_connection->xcb(), _context, _window, XCB_GC_FOREGROUND | XCB_GC_GRAPHICS_EXPOSURES,
@@ -36,7 +39,11 @@ WindowSink::WindowSink(std::unique_ptr<X11Connection> connection, xcb_window_t w
     _connection->flush();
 }
 
-WindowSink::~WindowSink() = default;
+WindowSink::~WindowSink()
+{
+    // What is on its way must not arrive when the window's number is another's.
+    _connection->sync();
+}
 
 QSize WindowSink::pictureSize(QSize window)
 {
