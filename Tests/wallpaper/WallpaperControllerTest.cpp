@@ -104,6 +104,19 @@ private Q_SLOTS:
         QVERIFY(!rig.host.desktopPicture.calls.filter(u"set "_s).isEmpty());
     }
 
+    void thePictureIsOnTheDesktopBeforeTheWindows()
+    {
+        WallpaperRig rig;
+        rig.wallpaper().setVideo(rig.video(u"a.mp4"_s));
+        rig.host.desktopPicture.delay = 200ms; // to be asked, and to be set
+        rig.wallpaper().apply();
+        rig.wallpaper();
+        rig.clock.advance(399ms);
+        QVERIFY(rig.wallpaper().isApplying() && !rig.wallpaper().isShowing());
+        rig.clock.advance(1ms);
+        QVERIFY(rig.wallpaper().isShowing());
+    }
+
     void stoppingOrEndingWhileItStartsKeepsItOff()
     {
         for (const auto end : {&WallpaperController::stopWallpaper, &WallpaperController::shutDown}) {

@@ -367,7 +367,7 @@ QCoro::Task<> VideoContent::setFirstFrame(QString reason)
     co_await withDeadline(_parts.clock, firstFrameLimit, std::move(search));
 }
 
-// One that comes late is set then.
+// Answers when it is on the desktop. One that comes late is set then.
 QCoro::Task<bool> VideoContent::findFirstFrame(QString path)
 {
     const QPointer self(this);
@@ -375,7 +375,10 @@ QCoro::Task<bool> VideoContent::findFirstFrame(QString path)
     const auto frame = co_await _parts.video.frameAt(path, 0);
     if (!self || generation != _stillGeneration || !frame)
         co_return false;
-    _parts.still.setStaticDesktop(*frame);
+    StaticDesktop &still = _parts.still;
+    still.setStaticDesktop(*frame);
+    while (still.isWorking())
+        co_await nextSignal(still, &StaticDesktop::isWorkingChanged);
     co_return true;
 }
 
