@@ -100,6 +100,32 @@ private Q_SLOTS:
         QCOMPARE(rig.session.outputURL(), std::optional(rig.path));
     }
 
+    void theWallpaperIsNotHeardInTheMovie()
+    {
+        struct {
+            bool sound, ignoresOwn, canLeaveOut, isSilent;
+        } const rows[] = {{true, true, false, true},
+                          {true, true, true, false},
+                          {true, false, false, false},
+                          {false, true, false, false}};
+        for (const auto &row : rows) {
+            Rig rig;
+            const QString video = rig.video(u"a.mp4"_s);
+            rig.services->wallpaper.playVideo(video);
+            QCOMPARE(rig.surface()->volume, 0.3);
+            rig.preferences.setRecordSystemAudio(row.sound);
+            rig.preferences.setIgnoreSelfWindows(row.ignoresOwn);
+            rig.host.screenCapture.featuresAnswer.ownSoundExclusion = row.canLeaveOut;
+            rig.start();
+            QVERIFY(rig.recorder.isRecording());
+            QCOMPARE(rig.surface()->volume, row.isSilent ? 0.0 : 0.3);
+            QCOMPARE(rig.services->wallpaper.sound().silenceReason(),
+                     row.isSilent ? u"正在录制系统声音"_s : QString());
+            rig.stop();
+            QCOMPARE(rig.surface()->volume, 0.3);
+        }
+    }
+
     void recordsTheChosenWindow()
     {
         Rig rig;

@@ -415,7 +415,7 @@ private Q_SLOTS:
         rig.click(u"wallpaperPauseOnBattery"_s);
         rig.click(u"wallpaperYieldsSound"_s);
         rig.host.otherSound.play(true);
-        QVERIFY(rig.texts(u"wallpaperYield"_s).contains(u"其他程序正在发声，壁纸暂时静音"_s));
+        QVERIFY(rig.texts(u"wallpaperVolumeRow"_s).contains(u"其他程序正在发声，壁纸暂时静音"_s));
         rig.click(u"wallpaperYieldsSound"_s);
         QVERIFY(!preferences.yieldsSound());
         QVERIFY(!preferences.autoPlay() && !preferences.pauseWhenCovered() && !preferences.pauseOnBattery());

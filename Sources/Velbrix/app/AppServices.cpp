@@ -79,6 +79,8 @@ AppServices::AppServices(Platform &host, Clock &time)
       quit(time, allJobs(*this), [this] { shutDownTools(*this); }),
       installOffer(host.installPlace.get(), settings, notifications, quit)
 {
+    connect(&recorder.session(), &RecordingSession::isSilenceNeededChanged, this,
+            [this] { wallpaper.sound().setHushed(recorder.session().isSilenceNeeded()); });
     recorder.setUp();
 }
 

@@ -177,6 +177,8 @@ QCoro::Task<Result<void>> RecordingSession::takeSixSteps(RecordingRequest reques
     const QSize size = captureSize(request.mode, request.quality, *geometry);
     const StreamConfiguration configuration = recordingStream(request, size, features);
     _log.append(u"[3/6] 捕获像素 "_s + streamText(configuration, request.quality, features));
+    _isSilenceNeeded = configuration.capturesAudio && configuration.excludesCurrentProcessAudio &&
+                       !features.ownSoundExclusion;
 
     auto stream = _capture.makeSession(*filter, configuration, observer());
     if (!stream)
@@ -449,6 +451,7 @@ void RecordingSession::clear()
     _stream.reset();
     _progress.reset();
     _outputURL = std::optional<QString>();
+    _isSilenceNeeded = false;
     _usingSystemRecorder = false;
 }
 

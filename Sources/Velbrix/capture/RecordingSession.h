@@ -24,6 +24,8 @@ class RecordingSession final : public QObject {
     Q_OBJECT
     VELB_PUBLISHED(RecordingSession, bool, isRecording, false)
     VELB_PUBLISHED(RecordingSession, bool, isProcessing, false) // a start or a stop is under way
+    // What this program plays would be heard in the movie, against the user's wish.
+    VELB_PUBLISHED(RecordingSession, bool, isSilenceNeeded, false)
     VELB_PUBLISHED(RecordingSession, std::optional<QString>, outputURL)
     VELB_PUBLISHED(RecordingSession, RecordingOutcome, outcome) // of the last one, set once when it has ended
 

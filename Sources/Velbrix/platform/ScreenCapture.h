@@ -63,8 +63,9 @@ struct CaptureGeometry {
 };
 
 struct CaptureFeatures {
-    bool recordingOutput = false; // the system can write the movie itself
-    bool microphone = false;      // a stream can carry the microphone
+    bool recordingOutput = false;   // the system can write the movie itself
+    bool microphone = false;        // a stream can carry the microphone
+    bool ownSoundExclusion = false; // a stream can leave out what this program plays
 };
 
 // The screen as this program may see it. Main thread.

@@ -2,6 +2,8 @@
 
 #include "wallpaper/WallpaperPreferences.h"
 
+using namespace Qt::StringLiterals;
+
 namespace velbrix {
 
 SoundPolicy::SoundPolicy(OtherSound &others, const WallpaperPreferences &preferences, QObject *parent)
@@ -13,6 +15,12 @@ SoundPolicy::SoundPolicy(OtherSound &others, const WallpaperPreferences &prefere
     follow();
 }
 
+void SoundPolicy::setHushed(bool hushed)
+{
+    _isHushed = hushed;
+    update();
+}
+
 void SoundPolicy::follow()
 {
     _watch = _preferences.yieldsSound() ? _others.observe([this] { update(); }) : Observation();
@@ -21,8 +29,9 @@ void SoundPolicy::follow()
 
 void SoundPolicy::update()
 {
-    _isYielding = _watch && _others.isHeard();
-    _volume = isYielding() ? 0.0 : _preferences.audibleVolume();
+    const bool isYielding = _watch && _others.isHeard();
+    _silenceReason = _isHushed ? u"正在录制系统声音"_s : isYielding ? u"其他程序正在发声"_s : QString();
+    _volume = _isHushed || isYielding ? 0.0 : _preferences.audibleVolume();
 }
 
 } // namespace velbrix

@@ -130,6 +130,7 @@ public:
     PowerPolicy &power() { return _power; }
     const PowerPolicy &power() const { return _power; }
     DockHiding &dock() { return _dock; }
+    SoundPolicy &sound() { return _sound; }
     const SoundPolicy &sound() const { return _sound; }
 
 Q_SIGNALS:

@@ -91,8 +91,8 @@ QString soundLine(const WallpaperController &wallpaper)
     const QString volume = u"%1%"_s.arg(percent(preferences.volume()));
     if (preferences.isMuted())
         return u"声音：静音（音量 %1）"_s.arg(volume);
-    return u"声音："_s + volume +
-           (wallpaper.sound().isYielding() ? u"（其他程序正在发声，暂时静音）"_s : QString());
+    const QString reason = wallpaper.sound().silenceReason();
+    return u"声音："_s + volume + (reason.isEmpty() ? QString() : u"（%1，暂时静音）"_s.arg(reason));
 }
 
 QString yieldLine(const WallpaperController &wallpaper)

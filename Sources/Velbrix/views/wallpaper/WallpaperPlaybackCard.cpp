@@ -70,30 +70,31 @@ void WallpaperPlaybackCard::addSliders()
     Clock &clock = _context.services.clock;
     auto *volume = new ValueSlider(u"wallpaperVolume"_s, {0, 100, 30, u"%"_s});
     auto *row = new SettingRow(u"音量"_s, u"只有主屏的视频出声，副屏始终静音"_s, volume);
+    row->setObjectName(u"wallpaperVolumeRow"_s);
     addRow(row);
     auto *volumePace = new PacedSlider(volume, clock, [&preferences](int percent) {
         preferences.setVolume(percent / 100.0);
         preferences.setMuted(false);
     });
-    follow(preferences, &WallpaperPreferences::isMutedChanged, this, [row, &preferences] {
-        row->setNote(preferences.isMuted() ? u"现在静音；拖动滑块或点“打开声音”后出声"_s : QString(),
-                     u"note"_s);
-    });
+    const SoundPolicy &sound = _context.services.wallpaper.sound();
+    const auto tellSilence = [row, &preferences, &sound] {
+        const QString reason = sound.silenceReason();
+        if (preferences.isMuted())
+            row->setNote(u"现在静音；拖动滑块或点“打开声音”后出声"_s, u"note"_s);
+        else
+            row->setNote(reason.isEmpty() ? QString() : reason + u"，壁纸暂时静音"_s, u"note"_s);
+    };
+    follow(preferences, &WallpaperPreferences::isMutedChanged, this, tellSilence);
+    follow(sound, &SoundPolicy::silenceReasonChanged, this, tellSilence);
     follow(preferences, &WallpaperPreferences::volumeChanged, this,
            [volumePace, &preferences] { volumePace->show(qRound(preferences.volume() * 100)); });
 
     auto *yields = new Switch(_context.theme, u"wallpaperYieldsSound"_s);
-    auto *yield =
-        new SettingRow(u"其他程序发声时静音"_s, u"播放音乐、视频或通话时让出声音，结束后自动恢复"_s, yields);
-    yield->setObjectName(u"wallpaperYield"_s);
-    addRow(yield);
+    addRow(
+        new SettingRow(u"其他程序发声时静音"_s, u"播放音乐、视频或通话时让出声音，结束后自动恢复"_s, yields));
     connect(yields, &Switch::wanted, this, [&preferences](bool on) { preferences.setYieldsSound(on); });
     follow(preferences, &WallpaperPreferences::yieldsSoundChanged, this,
            [yields, &preferences] { yields->setOn(preferences.yieldsSound()); });
-    const SoundPolicy &sound = _context.services.wallpaper.sound();
-    follow(sound, &SoundPolicy::isYieldingChanged, this, [yield, &sound] {
-        yield->setNote(sound.isYielding() ? u"其他程序正在发声，壁纸暂时静音"_s : QString(), u"note"_s);
-    });
 
     auto *speed = new ValueSlider(
         u"wallpaperSpeed"_s,

@@ -189,8 +189,8 @@ SCKScreenCapture::~SCKScreenCapture() = default;
 CaptureFeatures SCKScreenCapture::features() const
 {
     if (@available(macOS 15.0, *))
-        return {.recordingOutput = true, .microphone = true};
-    return {};
+        return {.recordingOutput = true, .microphone = true, .ownSoundExclusion = true};
+    return {.ownSoundExclusion = true};
 }
 
 QCoro::Task<Result<ShareableContent>> SCKScreenCapture::shareableContent()
